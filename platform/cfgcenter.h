@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/platformexport.h"
+
+#include <QString>
+
+class ICfg;
+
+/// Whose configuration: the values are those that callers of the product pass.
+enum class View : int { User = 1, Application = 2, Shared = 4 };
+
+/// The product configuration: one document per view and name, each a file of the store.
+///
+/// Writing through a node changes the document in memory only; `SaveDocument` brings it to disk. Without `Open` (and
+/// again after `Close`) documents live in memory alone. GUI thread only.
+class VEXELPLATFORM_EXPORT CfgCenter
+{
+public:
+    CfgCenter() = delete;
+
+    /// The root node of the application's own document in `view`. Valid until `Open` or `Close`; not owned by the
+    /// caller.
+    static ICfg* GetAppCfg(View view);
+
+    /// The root node of document `name` in `view`, or, where `sub` is not empty, its child node `sub`. Documents come
+    /// into being on first write. Valid until `Open` or `Close`; not owned by the caller.
+    static ICfg* CreateCfg(const QString& name, View view, const QString& sub);
+
+    /// Brings every changed document to disk, each atomically: after a crash at any moment its file holds the old or
+    /// the new state, whole. What another process changed meanwhile under other keys is kept. Returns false, with a
+    /// trace, when a document could not be written; it then stays changed, and its file as it was.
+    static bool SaveDocument();
+
+    /// Host side: uses `directory` as the store and creates it where it is missing. Returns false, with a trace, when
+    /// it cannot be used; the store is then as after `Close`. Drops every node as `Close` does.
+    static bool Open(const QString& directory);
+
+    /// Host side: forgets every document and drops every node. Saves nothing. Handles that callers still own stay
+    /// safe to use and to delete, but what they write goes nowhere.
+    static void Close();
+};

@@ -1,0 +1,133 @@
+#include "userinterface/vexelconnectdlg/connection.h"
+
+#include <QCoreApplication>
+
+#include <array>
+
+namespace {
+
+// Made once, when the library is loaded: a language chosen later does not reach it.
+const QString s_fallbackText = QCoreApplication::translate("Connection", "No string representation for ID %1");
+
+// Product names: the same in every language.
+constexpr std::array<const char*, Connection::DeviceTypeCount> s_deviceTypeNames{
+    "Kite Alpha + Wren C", "Kite Bravo", "Kite Cobra",  "Kite Delta", "Kite Echo", "Kite Ember",
+    "Kite Moss",           "Plover One", "Plover Five", "Heron",      "Wren D",    "Pipit",
+    "Kite Alpha + Finch",  "Kite Fjord", "Linnet + DF",
+};
+
+constexpr std::array<const char*, Connection::ConnectionTypeCount> s_connectionTypeNames{
+    QT_TRANSLATE_NOOP("Connection", "Direct Connection"),
+    QT_TRANSLATE_NOOP("Connection", "Remote Connection"),
+    QT_TRANSLATE_NOOP("Connection", "MultiChannel Server"),
+};
+
+constexpr std::array<const char*, Connection::LinkSpeedCount> s_linkSpeedNames{
+    QT_TRANSLATE_NOOP("Connection", "LAN"),        QT_TRANSLATE_NOOP("Connection", "ISDN"),
+    QT_TRANSLATE_NOOP("Connection", "Fast Modem"), QT_TRANSLATE_NOOP("Connection", "Slow Modem"),
+    QT_TRANSLATE_NOOP("Connection", "GSM"),        QT_TRANSLATE_NOOP("Connection", "UMTS"),
+    QT_TRANSLATE_NOOP("Connection", "Radio Link"),
+};
+
+constexpr std::array<const char*, Connection::ConnectionStatusCount> s_statusNames{
+    QT_TRANSLATE_NOOP("Connection", "Free"),
+    QT_TRANSLATE_NOOP("Connection", "In Use"),
+};
+
+template <std::size_t N>
+const char* TextAt(const std::array<const char*, N>& texts, int value)
+{
+    return value >= 0 && static_cast<std::size_t>(value) < N ? texts[static_cast<std::size_t>(value)] : nullptr;
+}
+
+QString TranslatedOrFallback(const char* text, int value)
+{
+    return text ? Connection::tr(text) : s_fallbackText.arg(value);
+}
+
+} // namespace
+
+Connection::Connection()
+    : ConnectionName(tr("enter connection name here"))
+    , DeviceAddress(QLatin1String(""))
+    , DriverAddress(QLatin1String(""))
+    , Subsystem(QLatin1String(""))
+{
+}
+
+Connection::Connection(const Connection& other)
+    : QObject()
+    , ConnectionName(other.ConnectionName)
+    , DeviceType(other.DeviceType)
+    , ConnectionType(other.ConnectionType)
+    , DeviceAddress(other.DeviceAddress)
+    , DriverAddress(other.DriverAddress)
+    , LinkSpeed(other.LinkSpeed)
+    , TimeoutSeconds(other.TimeoutSeconds)
+    , ConnectionStatus(other.ConnectionStatus)
+    , Selected(other.Selected)
+    , Subsystem(other.Subsystem)
+{
+}
+
+Connection& Connection::operator=(const Connection& other)
+{
+    if (this != &other) {
+        ConnectionName = other.ConnectionName;
+        DeviceType = other.DeviceType;
+        ConnectionType = other.ConnectionType;
+        DeviceAddress = other.DeviceAddress;
+        DriverAddress = other.DriverAddress;
+        LinkSpeed = other.LinkSpeed;
+        TimeoutSeconds = other.TimeoutSeconds;
+        ConnectionStatus = other.ConnectionStatus;
+        Selected = other.Selected;
+        Subsystem = other.Subsystem;
+    }
+    return *this;
+}
+
+bool Connection::operator==(const Connection& other) const
+{
+    return ConnectionName == other.ConnectionName && DeviceType == other.DeviceType &&
+           ConnectionType == other.ConnectionType && DeviceAddress == other.DeviceAddress &&
+           DriverAddress == other.DriverAddress && LinkSpeed == other.LinkSpeed &&
+           TimeoutSeconds == other.TimeoutSeconds && Subsystem == other.Subsystem;
+}
+
+QString Connection::StatusName(int value)
+{
+    return TranslatedOrFallback(TextAt(s_statusNames, value), value);
+}
+
+QString Connection::ConnectionTypeName(int value)
+{
+    return TranslatedOrFallback(TextAt(s_connectionTypeNames, value), value);
+}
+
+QString Connection::DeviceTypeName(int value)
+{
+    const char* const text = TextAt(s_deviceTypeNames, value);
+    return text ? QString::fromLatin1(text) : s_fallbackText.arg(value);
+}
+
+QString Connection::LinkSpeedName(int value)
+{
+    return TranslatedOrFallback(TextAt(s_linkSpeedNames, value), value);
+}
+
+int Connection::ApplicationDeviceType(int deviceType)
+{
+    switch (deviceType) {
+    case KiteAlphaWrenC:
+    case KiteDelta:
+    case KiteEcho:
+    case KiteEmber:
+    case KiteMoss:
+    case PloverOne:
+    case PloverFive:
+        return KiteEcho;
+    default:
+        return deviceType;
+    }
+}

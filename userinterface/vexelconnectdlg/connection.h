@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+/// One connection entry: a piece of direction-finding or receiving hardware that an operator may want to work with.
+///
+/// A value type that is a QObject only for its class name and translation context: entries are made without a parent,
+/// and copying leaves the QObject part (parent, object name) alone. The enumeration fields are plain integers because
+/// any value may come from a file; values outside the enumerations are kept.
+class Connection : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The columns and the stored documents use these numbers.
+    enum DeviceTypes : qint32 {
+        KiteAlphaWrenC = 0,
+        KiteBravo = 1,
+        KiteCobra = 2,
+        KiteDelta = 3,
+        KiteEcho = 4,
+        KiteEmber = 5,
+        KiteMoss = 6,
+        PloverOne = 7,
+        PloverFive = 8,
+        Heron = 9,
+        WrenD = 10,
+        Pipit = 11,
+        KiteAlphaFinch = 12,
+        KiteFjord = 13,
+        LinnetDF = 14
+    };
+    enum ConnectionTypes : qint32 { DirectConnection = 0, RemoteConnection = 1, MultiChannelServer = 2 };
+    enum LinkSpeeds : qint32 { Lan = 0, Isdn = 1, FastModem = 2, SlowModem = 3, Gsm = 4, Umts = 5, RadioLink = 6 };
+    enum ConnectionStates : qint32 { Free = 0, InUse = 1 };
+
+    /// How many values each enumeration has; they are numbered from 0 without gaps.
+    static constexpr int DeviceTypeCount = 15;
+    static constexpr int ConnectionTypeCount = 3;
+    static constexpr int LinkSpeedCount = 7;
+    static constexpr int ConnectionStatusCount = 2;
+
+    Connection();
+    Connection(const Connection& other);
+    Connection& operator=(const Connection& other);
+    ~Connection() override = default;
+
+    /// Whether both denote the same connection: all fields but status and selection are equal.
+    bool operator==(const Connection& other) const;
+    bool operator!=(const Connection& other) const { return !(*this == other); }
+
+    /// Display texts. A value outside the enumeration gives "No string representation for ID %1" with the number.
+    static QString StatusName(int value);
+    static QString ConnectionTypeName(int value);
+    static QString DeviceTypeName(int value);
+    static QString LinkSpeedName(int value);
+
+    /// The device type whose user-interface application serves an entry of type `deviceType`.
+    static int ApplicationDeviceType(int deviceType);
+
+    QString ConnectionName;         ///< free text for the operator
+    qint32 DeviceType = KiteEcho;   ///< of `DeviceTypes`
+    qint32 ConnectionType = 0;      ///< of `ConnectionTypes`
+    QString DeviceAddress;          ///< IP address of the hardware
+    QString DriverAddress;          ///< IP address of the computer that runs the driver application
+    qint32 LinkSpeed = Lan;         ///< of `LinkSpeeds`
+    qint32 TimeoutSeconds = 0;      ///< operator inactivity time-out in seconds; 0: none
+    qint32 ConnectionStatus = Free; ///< of `ConnectionStates`
+    bool Selected = false;          ///< chosen for the next connect
+    QString Subsystem;              ///< "Corvus" subsystem that a "Tally" toolbar belongs to
+};
