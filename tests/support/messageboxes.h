@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QList>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QString>
+#include <QTimer>
+
+/// Answers the message boxes that come up while it lives, and remembers what each said.
+///
+/// A modal box runs an event loop of its own, so the answer comes from a timer. Each box gets the next answer of
+/// `Answer`'s list; where the list is empty or the box lacks that button, its default or else its first button.
+/// Other modal windows are left alone.
+class MessageBoxes
+{
+public:
+    struct Box
+    {
+        QString title;
+        QString text;
+        QString informativeText;
+        Qt::TextFormat textFormat;
+        QMessageBox::Icon icon;
+        QMessageBox::StandardButtons buttons;
+        bool modal;
+        bool hasParent;
+    };
+
+    MessageBoxes()
+    {
+        QObject::connect(&m_Timer, &QTimer::timeout, &m_Timer, [this] { AnswerActive(); });
+        m_Timer.start(1);
+    }
+
+    MessageBoxes(const MessageBoxes&) = delete;
+    MessageBoxes& operator=(const MessageBoxes&) = delete;
+
+    /// Puts `button` at the end of the answers to give.
+    void Answer(QMessageBox::StandardButton button) { m_Answers.append(button); }
+
+    /// The boxes answered so far, oldest first.
+    const QList<Box>& Boxes() const { return m_Boxes; }
+    qsizetype Count() const { return m_Boxes.size(); }
+    void Clear() { m_Boxes.clear(); }
+
+private:
+    void AnswerActive()
+    {
+        auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        // A box that is already closing stays the active one until its event loop has returned.
+        if (!box || !box->isVisible()) {
+            return;
+        }
+        m_Boxes.append({box->windowTitle(), box->text(), box->informativeText(), box->textFormat(), box->icon(),
+                        box->standardButtons(), box->isModal(), box->parentWidget() != nullptr});
+
+        QAbstractButton* button = m_Answers.isEmpty() ? nullptr : box->button(m_Answers.takeFirst());
+        if (!button) {
+            button = box->defaultButton();
+        }
+        if (!button && !box->buttons().isEmpty()) {
+            button = box->buttons().constFirst();
+        }
+        if (button) {
+            button->click();
+        } else {
+            box->reject();
+        }
+    }
+
+    QTimer m_Timer;
+    QList<QMessageBox::StandardButton> m_Answers;
+    QList<Box> m_Boxes;
+};
