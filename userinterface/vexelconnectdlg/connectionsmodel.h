@@ -3,6 +3,7 @@
 #include "userinterface/vexelconnectdlg/connection.h"
 
 #include <QAbstractTableModel>
+#include <QIcon>
 
 #include <memory>
 #include <vector>
@@ -90,10 +91,17 @@ private:
         void Add(const Connection& connection, int sign);
     };
 
-    QVariant DisplayData(const Connection& connection, int column) const;
-    static QVariant EditData(const Connection& connection, int column);
-    void AnnounceStatus(int row);
+    static QVariant DisplayData(const Connection& entry, int column);
+    static QVariant EditData(const Connection& entry, int column);
+    static QVariant HeaderText(int section);
+    static void Assign(Connection& entry, int column, const QVariant& value);
+
+    /// The entry that `index` shows, or null where it lies outside the table.
+    const Connection* EntryAt(const QModelIndex& index) const;
+    void SetStatus(int row, int status);
 
     std::vector<std::unique_ptr<Connection>> m_Connections;
     Counts m_Counts;
+    QIcon m_SelectedIcon;
+    QIcon m_TimeoutIcon;
 };

@@ -1,0 +1,115 @@
+#include "userinterface/vexelconnectdlg/connectionfilter.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <memory>
+
+namespace
+{
+
+const QString s_settingsNode = QStringLiteral("FilterSettings");
+const QString s_columnKey = QStringLiteral("Column");
+const QString s_patternKey = QStringLiteral("FilterPattern");
+const QString s_searchModeKey = QStringLiteral("SearchMode");
+
+std::unique_ptr<ICfg> OpenSettings()
+{
+    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(s_settingsNode, 0));
+}
+
+/// Copies the set that begins at `begin` ("[") into `expression` and returns the position behind it. A set that is
+/// never closed stays so, which makes the expression invalid.
+qsizetype TranslateSet(const QString& pattern, qsizetype begin, QString& expression)
+{
+    qsizetype i = begin + 1;
+    expression += u'[';
+    if (i < pattern.size() && pattern.at(i) == u'^')
+        expression += pattern.at(i++);
+    // A closing bracket in the first place is a member of the set.
+    bool first = true;
+    for (; i < pattern.size() && (first || pattern.at(i) != u']'); ++i) {
+        const QChar c = pattern.at(i);
+        if (c == u'\\' || c == u'[' || c == u']')
+            expression += u'\\';
+        expression += c;
+        first = false;
+    }
+    if (i < pattern.size()) {
+        expression += u']';
+        ++i;
+    }
+    return i;
+}
+
+QString TranslateWildcard(const QString& pattern)
+{
+    QString expression;
+    qsizetype i = 0;
+    while (i < pattern.size()) {
+        const QChar c = pattern.at(i);
+        if (c == u'[') {
+            i = TranslateSet(pattern, i, expression);
+            continue;
+        }
+        if (c == u'*')
+            expression += QLatin1String(".*");
+        else if (c == u'?')
+            expression += u'.';
+        else if (c.isHighSurrogate() && i + 1 < pattern.size())
+            expression += QRegularExpression::escape(pattern.mid(i++, 2));
+        else
+            expression += QRegularExpression::escape(QString(c));
+        ++i;
+    }
+    return expression;
+}
+
+} // namespace
+
+QRegularExpression FilterExpression(const QString& pattern, int mode)
+{
+    constexpr auto options = QRegularExpression::CaseInsensitiveOption |
+                             QRegularExpression::DotMatchesEverythingOption |
+                             QRegularExpression::UseUnicodePropertiesOption;
+    switch (static_cast<SearchMode>(mode)) {
+    case SearchMode::Wildcard:
+        return QRegularExpression(TranslateWildcard(pattern), options);
+    case SearchMode::RegularExpression:
+        return QRegularExpression(pattern, options);
+    case SearchMode::PlainText:
+        break;
+    }
+    return QRegularExpression(QRegularExpression::escape(pattern), options);
+}
+
+FilterSettings FilterSettings::Load()
+{
+    const auto node = OpenSettings();
+    FilterSettings settings;
+    settings.column = node->GetInt(s_columnKey, ConnectionsModel::ColumnName, 0);
+    // One step only: a value further out leaves the choice without a current column.
+    if (settings.column < 0)
+        ++settings.column;
+    else if (settings.column >= ConnectionsModel::ColumnCount)
+        --settings.column;
+    settings.pattern = node->GetString(s_patternKey, QString(), 0);
+    settings.searchMode = node->GetInt(s_searchModeKey, 0, 0);
+    if (settings.searchMode < 0 || settings.searchMode > static_cast<int>(SearchMode::RegularExpression))
+        settings.searchMode = static_cast<int>(SearchMode::PlainText);
+    return settings;
+}
+
+void FilterSettings::Save() const
+{
+    const auto node = OpenSettings();
+    node->SetInt(s_columnKey, column, 0);
+    node->SetString(s_patternKey, pattern, 0);
+    node->SetInt(s_searchModeKey, searchMode, 0);
+}
+
+bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
+{
+    return filterRegularExpression().isValid() && QSortFilterProxyModel::filterAcceptsRow(sourceRow, sourceParent);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QRegularExpression>
+#include <QSortFilterProxyModel>
+#include <QString>
+
+/// How a filter pattern is understood; the values are the items of the search mode box and are what is stored.
+enum class SearchMode : int { PlainText = 0, Wildcard = 1, RegularExpression = 2 };
+
+/// The expression for a filter pattern, always without regard to case and unanchored.
+///
+/// Wildcard: "*" any run of characters, "?" one character, "[...]" a set, "[^...]" its complement; there is no escape
+/// character. Regular expression: Perl syntax, with "." matching line breaks too and \w, \d and \s reaching beyond
+/// ASCII. Any other number of `mode` counts as plain text. The result is invalid where the pattern is.
+QRegularExpression FilterExpression(const QString& pattern, int mode);
+
+/// The filter's three inputs, as they are kept between runs.
+struct FilterSettings
+{
+    int column = 1; ///< model column; may lie outside the table
+    QString pattern;
+    int searchMode = 0; ///< of `SearchMode`
+
+    /// From the user's configuration, corrected as far as that goes: a column one step outside the table is moved to
+    /// its edge, an unknown search mode becomes plain text.
+    static FilterSettings Load();
+    void Save() const;
+};
+
+/// Sorts and filters the connections for the views.
+///
+/// Behaves as the plain proxy; an invalid expression matches nothing there too, but with a warning for every row.
+class ConnectionFilterModel : public QSortFilterProxyModel
+{
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+protected:
+    bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+};

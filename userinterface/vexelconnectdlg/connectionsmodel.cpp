@@ -1,0 +1,446 @@
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/columnhelp.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/tracing.h"
+
+#include <QIcon>
+#include <QMimeData>
+#include <QPainter>
+#include <QPixmapCache>
+
+#include <algorithm>
+
+// The images of a static library are found only once they are asked for by name; the macro wants no namespace around.
+static void InitImages()
+{
+    Q_INIT_RESOURCE(vexelconnectdlg);
+}
+
+namespace
+{
+
+constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/connectionsmodel";
+constexpr quint16 s_noNameToReadLine = 673;
+constexpr quint16 s_noNameToWriteLine = 694;
+
+const QString s_storedSetKey = QStringLiteral("ModelMimeData");
+
+std::unique_ptr<ICfg> OpenStoredSet(const QString& objectName)
+{
+    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::Application)->OpenChild(objectName, 0));
+}
+
+/// The square shown where an entry is not selected: black outline on white. Kept, because every painted row asks.
+QPixmap EmptyBox()
+{
+    const QString key = QStringLiteral("ConnectionsModel/emptyBox");
+    QPixmap box;
+    if (!QPixmapCache::find(key, &box)) {
+        box = QPixmap(12, 12);
+        box.fill(Qt::white);
+        QPainter painter(&box);
+        painter.setPen(QPen());
+        painter.drawRect(box.rect().adjusted(0, 0, -1, -1));
+        painter.end();
+        QPixmapCache::insert(key, box);
+    }
+    return box;
+}
+
+} // namespace
+
+void ConnectionsModel::Counts::Add(const Connection& connection, int sign)
+{
+    const bool free = connection.ConnectionStatus == Connection::Free;
+    if (connection.Selected)
+        selected += sign;
+    if (connection.Selected && free)
+        selectedFree += sign;
+    if (!free)
+        inUse += sign;
+}
+
+ConnectionsModel::ConnectionsModel(QObject* parent, const QString& objectName)
+    : QAbstractTableModel(parent)
+{
+    InitImages();
+    m_SelectedIcon = QIcon(QStringLiteral(":/ok.png"));
+    m_TimeoutIcon = QIcon(QStringLiteral(":/time.png"));
+    setObjectName(objectName);
+    GetConfiguration();
+}
+
+ConnectionsModel::~ConnectionsModel()
+{
+    SetConfiguration();
+}
+
+int ConnectionsModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_Connections.size());
+}
+
+int ConnectionsModel::columnCount(const QModelIndex& /*parent*/) const
+{
+    return ColumnCount;
+}
+
+const Connection* ConnectionsModel::EntryAt(const QModelIndex& index) const
+{
+    const bool inTable = index.isValid() && index.row() < rowCount() && index.column() < ColumnCount;
+    return inTable ? m_Connections[static_cast<std::size_t>(index.row())].get() : nullptr;
+}
+
+QVariant ConnectionsModel::data(const QModelIndex& index, int role) const
+{
+    const Connection* const entry = EntryAt(index);
+    if (!entry)
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return DisplayData(*entry, index.column());
+    case Qt::EditRole:
+        return EditData(*entry, index.column());
+    case Qt::DecorationRole:
+        if (index.column() != ColumnSelected)
+            return {};
+        return entry->Selected ? QVariant(m_SelectedIcon) : QVariant(EmptyBox());
+    case Qt::ToolTipRole:
+    case Qt::StatusTipRole:
+        return headerData(index.column(), Qt::Horizontal, role);
+    default:
+        return {};
+    }
+}
+
+QVariant ConnectionsModel::DisplayData(const Connection& entry, int column)
+{
+    switch (column) {
+    case ColumnSelected:
+        return entry.Selected ? QStringLiteral(" ") : QStringLiteral("");
+    case ColumnStatus:
+        return Connection::StatusName(entry.ConnectionStatus);
+    case ColumnDeviceType:
+        return Connection::DeviceTypeName(entry.DeviceType);
+    case ColumnConnectionType:
+        return Connection::ConnectionTypeName(entry.ConnectionType);
+    case ColumnLinkSpeed:
+        return Connection::LinkSpeedName(entry.LinkSpeed);
+    case ColumnTimeout:
+        return entry.TimeoutSeconds > 0 ? QVariant(entry.TimeoutSeconds) : QVariant(tr("No Timeout"));
+    default:
+        return EditData(entry, column);
+    }
+}
+
+QVariant ConnectionsModel::EditData(const Connection& entry, int column)
+{
+    switch (column) {
+    case ColumnSelected:
+        return entry.Selected;
+    case ColumnName:
+        return entry.ConnectionName;
+    case ColumnStatus:
+        return entry.ConnectionStatus;
+    case ColumnDeviceType:
+        return entry.DeviceType;
+    case ColumnConnectionType:
+        return entry.ConnectionType;
+    case ColumnDeviceAddress:
+        return entry.DeviceAddress;
+    case ColumnDriverAddress:
+        return entry.DriverAddress;
+    case ColumnLinkSpeed:
+        return entry.LinkSpeed;
+    case ColumnTimeout:
+        return entry.TimeoutSeconds;
+    case ColumnSubsystem:
+        return entry.Subsystem;
+    default:
+        return {};
+    }
+}
+
+bool ConnectionsModel::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    const bool assignable = role == Qt::EditRole && EntryAt(index) != nullptr;
+    if (assignable) {
+        Connection& entry = *m_Connections[static_cast<std::size_t>(index.row())];
+        m_Counts.Add(entry, -1);
+        Assign(entry, index.column(), value);
+        m_Counts.Add(entry, +1);
+    }
+    emit dataChanged(index, index);
+    return assignable;
+}
+
+void ConnectionsModel::Assign(Connection& entry, int column, const QVariant& value)
+{
+    switch (column) {
+    case ColumnSelected:
+        entry.Selected = value.toBool();
+        break;
+    case ColumnName:
+        entry.ConnectionName = value.toString();
+        break;
+    case ColumnStatus:
+        entry.ConnectionStatus = value.toInt();
+        break;
+    case ColumnDeviceType:
+        entry.DeviceType = value.toInt();
+        break;
+    case ColumnConnectionType:
+        entry.ConnectionType = value.toInt();
+        break;
+    case ColumnDeviceAddress:
+        entry.DeviceAddress = value.toString();
+        break;
+    case ColumnDriverAddress:
+        entry.DriverAddress = value.toString();
+        break;
+    case ColumnLinkSpeed:
+        entry.LinkSpeed = value.toInt();
+        break;
+    case ColumnTimeout:
+        entry.TimeoutSeconds = value.toInt();
+        break;
+    case ColumnSubsystem:
+        entry.Subsystem = value.toString();
+        break;
+    default:
+        break;
+    }
+}
+
+QVariant ConnectionsModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation == Qt::Vertical)
+        return role == Qt::DisplayRole ? QVariant(section) : QVariant();
+    switch (role) {
+    case Qt::DisplayRole:
+        return HeaderText(section);
+    case Qt::DecorationRole:
+        if (section == ColumnSelected)
+            return m_SelectedIcon;
+        if (section == ColumnTimeout)
+            return m_TimeoutIcon;
+        return {};
+    case Qt::ToolTipRole:
+    case Qt::StatusTipRole:
+        return ConnectionsColumnHelp(section);
+    default:
+        return {};
+    }
+}
+
+QVariant ConnectionsModel::HeaderText(int section)
+{
+    switch (section) {
+    case ColumnSelected:
+        return QStringLiteral("");
+    case ColumnName:
+        return tr("Name");
+    case ColumnStatus:
+        return tr("Status");
+    case ColumnDeviceType:
+        return tr("Device Type");
+    case ColumnConnectionType:
+        return tr("Connection Type");
+    case ColumnDeviceAddress:
+        return tr("Device Address");
+    case ColumnDriverAddress:
+        return tr("Driver Address");
+    case ColumnLinkSpeed:
+        return tr("Link Speed");
+    case ColumnTimeout:
+        return tr("Timeout Time");
+    case ColumnSubsystem:
+        return tr("Subsystem");
+    default:
+        return {};
+    }
+}
+
+QStringList ConnectionsModel::mimeTypes() const
+{
+    return {ConnectionList::MimeType()};
+}
+
+QMimeData* ConnectionsModel::mimeData(const QModelIndexList& indexes) const
+{
+    std::vector<const Connection*> entries;
+    std::vector<bool> taken(m_Connections.size(), false);
+    for (const QModelIndex& index : indexes) {
+        const Connection* const entry = EntryAt(index);
+        if (!entry || taken[static_cast<std::size_t>(index.row())])
+            continue;
+        taken[static_cast<std::size_t>(index.row())] = true;
+        entries.push_back(entry);
+    }
+    auto* const data = new QMimeData;
+    data->setData(ConnectionList::MimeType(), ConnectionList::Write(entries));
+    return data;
+}
+
+bool ConnectionsModel::dropMimeData(const QMimeData* data, Qt::DropAction /*action*/, int /*row*/, int /*column*/,
+                                    const QModelIndex& /*parent*/)
+{
+    if (!data)
+        return false;
+    return ConnectionList::Read(data->data(ConnectionList::MimeType()),
+                                [this](const Connection& entry) { AddConnection(entry); });
+}
+
+bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
+{
+    if (row < 0 || row >= rowCount(parent))
+        return false;
+    if (count < 1)
+        return true;
+    // Callers pass ranges that exist; a longer one must not tear the list.
+    const int last = std::min(row + count, rowCount()) - 1;
+    beginRemoveRows(QModelIndex(), row, last);
+    const auto begin = m_Connections.begin() + row;
+    const auto end = m_Connections.begin() + last + 1;
+    std::for_each(begin, end, [this](const auto& entry) { m_Counts.Add(*entry, -1); });
+    m_Connections.erase(begin, end);
+    endRemoveRows();
+    return true;
+}
+
+Qt::ItemFlags ConnectionsModel::flags(const QModelIndex& index) const
+{
+    const Qt::ItemFlags base = QAbstractTableModel::flags(index);
+    const Qt::ItemFlags shut = base & ~(Qt::ItemIsEditable | Qt::ItemIsEnabled);
+    const Connection* const entry = EntryAt(index);
+    if (!entry)
+        return shut;
+    const Qt::ItemFlags open =
+        base | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled | Qt::ItemIsEnabled;
+    Qt::ItemFlags result = entry->ConnectionStatus == Connection::Free ? open : shut;
+    switch (index.column()) {
+    case ColumnSelected:
+    case ColumnStatus:
+        // The dialog toggles the tick itself, and the launcher sets the status.
+        result &= ~Qt::ItemIsEditable;
+        break;
+    case ColumnDeviceAddress:
+        if (entry->ConnectionType == Connection::MultiChannelServer)
+            result = shut;
+        break;
+    case ColumnDriverAddress:
+        if (entry->ConnectionType == Connection::DirectConnection)
+            result = shut;
+        break;
+    default:
+        break;
+    }
+    return result;
+}
+
+bool ConnectionsModel::AddConnection(const Connection& connection)
+{
+    const int row = rowCount();
+    beginInsertRows(QModelIndex(), row, row);
+    m_Connections.push_back(std::make_unique<Connection>(connection));
+    m_Counts.Add(connection, +1);
+    endInsertRows();
+    return true;
+}
+
+Connection ConnectionsModel::GetConnection(int row) const
+{
+    return *m_Connections[static_cast<std::size_t>(row)];
+}
+
+void ConnectionsModel::SetStatus(int row, int status)
+{
+    Connection& entry = *m_Connections[static_cast<std::size_t>(row)];
+    m_Counts.Add(entry, -1);
+    entry.ConnectionStatus = status;
+    m_Counts.Add(entry, +1);
+    const QModelIndex cell = index(row, ColumnStatus);
+    emit dataChanged(cell, cell);
+}
+
+bool ConnectionsModel::SetConnectionStatus(const Connection& connection, int status)
+{
+    for (int row = 0; row < rowCount(); ++row) {
+        if (*m_Connections[static_cast<std::size_t>(row)] == connection)
+            SetStatus(row, status);
+    }
+    return false;
+}
+
+void ConnectionsModel::ResetConnectionStatus()
+{
+    for (int row = 0; row < rowCount(); ++row)
+        SetStatus(row, Connection::Free);
+}
+
+int ConnectionsModel::CountSelectedFree() const
+{
+    return m_Counts.selectedFree;
+}
+
+int ConnectionsModel::CountInUse() const
+{
+    return m_Counts.inUse;
+}
+
+int ConnectionsModel::CountSelected() const
+{
+    return m_Counts.selected;
+}
+
+QByteArray ConnectionsModel::ToByteArray() const
+{
+    QModelIndexList rows;
+    rows.reserve(rowCount());
+    for (int row = 0; row < rowCount(); ++row)
+        rows.append(index(row, ColumnSelected));
+    const std::unique_ptr<QMimeData> data(mimeData(rows));
+    return data->data(ConnectionList::MimeType());
+}
+
+bool ConnectionsModel::FromByteArray(const QByteArray& document)
+{
+    removeRows(0, rowCount());
+    QMimeData data;
+    data.setData(ConnectionList::MimeType(), document);
+    const bool read = dropMimeData(&data, Qt::CopyAction, 0, 0, QModelIndex());
+    ResetConnectionStatus();
+    return read;
+}
+
+bool ConnectionsModel::GetConfiguration()
+{
+    if (objectName().isEmpty()) {
+        Trace(s_traceSource, s_noNameToReadLine, [] {
+            return QStringLiteral(
+                "ConnectionsModel::GetConfiguration(): Could not read config because of empty object name.");
+        });
+        return false;
+    }
+    const auto storedSet = OpenStoredSet(objectName());
+    const QString hex = storedSet->GetString(s_storedSetKey, QStringLiteral(""), 0);
+    FromByteArray(QByteArray::fromHex(hex.toLatin1()));
+    return true;
+}
+
+bool ConnectionsModel::SetConfiguration()
+{
+    if (objectName().isEmpty()) {
+        Trace(s_traceSource, s_noNameToWriteLine, [] {
+            return QStringLiteral(
+                "ConnectionsModel::SetConfiguration(): Could not write config because of empty object name.");
+        });
+        return false;
+    }
+    const auto storedSet = OpenStoredSet(objectName());
+    storedSet->SetString(s_storedSetKey, QString::fromLatin1(ToByteArray().toHex()), 0);
+    return true;
+}

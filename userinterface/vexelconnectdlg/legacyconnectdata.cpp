@@ -1,0 +1,57 @@
+#include "userinterface/vexelconnectdlg/legacyconnectdata.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+ConnectData ConnectionToConnectData(const Connection& entry)
+{
+    ConnectData record;
+    record.m_nIndex = -1;
+    record.m_sStationName = entry.ConnectionName;
+    record.m_sDeviceType = Connection::DeviceTypeName(entry.DeviceType);
+    record.m_nConnectionType = entry.ConnectionType;
+    record.m_sDeviceAddress = entry.DeviceAddress;
+    record.m_sRemoteAddress = entry.DriverAddress;
+    record.m_nConnectionSpeed = entry.LinkSpeed;
+    record.m_bTimeoutActive = entry.TimeoutSeconds > 0;
+    record.m_nTimeoutSeconds = entry.TimeoutSeconds;
+    record.m_nStatus = entry.ConnectionStatus;
+    record.m_bSelected = entry.Selected;
+    record.m_sSubsystem = entry.Subsystem;
+    return record;
+}
+
+Connection ConnectDataToConnection(const ConnectData& record)
+{
+    Connection entry;
+    entry.ConnectionName = record.m_sStationName;
+    // Containment, in ascending order: old records name their device more loosely ("Kite Echo/Ember").
+    for (int type = 0; type < Connection::DeviceTypeCount; ++type) {
+        if (record.m_sDeviceType.contains(Connection::DeviceTypeName(type), Qt::CaseInsensitive)) {
+            entry.DeviceType = type;
+            break;
+        }
+    }
+    entry.ConnectionType = record.m_nConnectionType;
+    entry.DeviceAddress = record.m_sDeviceAddress;
+    entry.DriverAddress = record.m_sRemoteAddress;
+    entry.LinkSpeed = record.m_nConnectionSpeed;
+    entry.TimeoutSeconds = record.m_bTimeoutActive ? record.m_nTimeoutSeconds : 0;
+    entry.ConnectionStatus = record.m_nStatus;
+    entry.Selected = record.m_bSelected;
+    entry.Subsystem = record.m_sSubsystem;
+    return entry;
+}
+
+void ExportLegacyConnectData(const ConnectionsModel& model)
+{
+    ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString());
+    for (int row = 0; row < model.rowCount(); ++row) {
+        ConnectData record = ConnectionToConnectData(model.GetConnection(row));
+        record.m_nIndex = row;
+        record.Write(document);
+    }
+    document->SetString(QStringLiteral("ConnectionCount"), QString::number(model.rowCount()), 0);
+    CfgCenter::SaveDocument();
+}

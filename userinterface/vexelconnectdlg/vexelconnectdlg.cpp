@@ -1,0 +1,56 @@
+#include "userinterface/vexelconnectdlg/vexelconnectdlg.h"
+
+#include "platform/translationcenter.h"
+#include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
+
+#include <utility>
+
+namespace {
+
+const QString s_translationDomain = QStringLiteral("VexelConnectDlg");
+
+template <typename Object>
+void DeleteAndForget(Object*& pointer)
+{
+    delete std::exchange(pointer, nullptr);
+}
+
+} // namespace
+
+VexelConnectDlgDLL::VexelConnectDlgDLL(const QString& name)
+    : IDllInstance(name)
+{
+    TranslationCenter::Instance().Register(s_translationDomain);
+    m_pModel = new ConnectionsModel(nullptr, QStringLiteral("ConnectionsModel"));
+    // Whatever was stored: nothing that an earlier run started is known to this one.
+    m_pModel->ResetConnectionStatus();
+    m_pAppCounter = new AppCounter(m_pModel, name);
+    m_pGui = new VexelConnectDlgGUI(nullptr, m_pModel, m_pAppCounter);
+}
+
+VexelConnectDlgDLL::~VexelConnectDlgDLL()
+{
+    TranslationCenter::Instance().Unregister(s_translationDomain);
+    // The dialog stores the filter, then the model the entries. The launcher outlives the model and leaves it alone.
+    DeleteAndForget(m_pGui);
+    DeleteAndForget(m_pModel);
+    DeleteAndForget(m_pAppCounter);
+}
+
+void VexelConnectDlgDLL::SaveSettings()
+{
+    m_pGui->StoreFilterSettings();
+    m_pModel->SetConfiguration();
+}
+
+IDllInstance* ARCreateEx(const wchar_t* name)
+{
+    return new VexelConnectDlgDLL(QString::fromWCharArray(name));
+}
+
+void ARDestroy(IDllInstance* instance)
+{
+    delete instance;
+}

@@ -1,0 +1,362 @@
+#include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
+
+#include "platform/guibase.h"
+#include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/connectionsdelegate.h"
+#include "userinterface/vexelconnectdlg/connectionsfile.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/filedrop.h"
+#include "userinterface/vexelconnectdlg/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/rowremoval.h"
+#include "userinterface/vexelconnectdlg/tracing.h"
+
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QUrl>
+
+namespace
+{
+
+constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
+constexpr quint16 s_cannotReadLine = 383;
+constexpr quint16 s_nothingToReadLine = 388;
+constexpr quint16 s_cannotWriteLine = 421;
+constexpr quint16 s_nothingToWriteLine = 426;
+
+QString UriListType()
+{
+    return QStringLiteral("text/uri-list");
+}
+
+QString FileFilter()
+{
+    return QStringLiteral("*.xml");
+}
+
+} // namespace
+
+VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model, AppCounter* appCounter)
+    : QDialog(parent)
+    , m_pModel(model)
+    , m_pAppCounter(appCounter)
+{
+    setupUi(this);
+    setObjectName(QStringLiteral("VexelConnectDlgGUI"));
+    setAcceptDrops(true);
+
+    connect(m_pModel, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+                SlotDataChanged(topLeft, bottomRight);
+            });
+    QScrollBar* const basicBar = m_pBasicView->verticalScrollBar();
+    QScrollBar* const detailsBar = m_pDetailsView->verticalScrollBar();
+    connect(basicBar, &QScrollBar::valueChanged, detailsBar, &QScrollBar::setValue);
+    connect(detailsBar, &QScrollBar::valueChanged, basicBar, &QScrollBar::setValue);
+
+    m_pContextMenu = new QMenu(this);
+    m_pContextMenu->addAction(m_pDetailsAction);
+    m_pContextMenu->addAction(m_pFilterAction);
+    m_pContextMenu->addSeparator();
+    m_pContextMenu->addAction(m_pNewAction);
+    m_pContextMenu->addAction(m_pDeleteAction);
+    m_pContextMenu->addSeparator();
+    m_pContextMenu->addAction(m_pImportAction);
+    m_pContextMenu->addAction(m_pExportAction);
+
+    m_pProxyModel = new ConnectionFilterModel(this);
+    m_pProxyModel->setSourceModel(m_pModel);
+    m_pDelegate = new ConnectionsDelegate(this);
+    CoupleViews();
+    FillColumnChoice();
+    ShareOutColumns();
+    SetUpHeaders();
+
+    SlotShowDetails(false);
+    SlotShowFilter(false);
+    UpdateColumnChoice();
+    RestoreFilterSettings();
+}
+
+VexelConnectDlgGUI::~VexelConnectDlgGUI()
+{
+    StoreFilterSettings();
+    m_pModel = nullptr;
+    m_pProxyModel = nullptr;
+    m_pDelegate = nullptr;
+    m_pContextMenu = nullptr;
+}
+
+void VexelConnectDlgGUI::CoupleViews()
+{
+    for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
+        view->setModel(m_pProxyModel);
+        view->setItemDelegate(m_pDelegate);
+    }
+    QItemSelectionModel* const ownSelection = m_pDetailsView->selectionModel();
+    m_pDetailsView->setSelectionModel(m_pBasicView->selectionModel());
+    delete ownSelection;
+
+    auto* const fileDrops = new FileDropForwarder(this);
+    fileDrops->Watch(m_pBasicView);
+    fileDrops->Watch(m_pDetailsView);
+}
+
+void VexelConnectDlgGUI::FillColumnChoice()
+{
+    m_pFilterColumnComboBox->clear();
+    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+        m_pFilterColumnComboBox->addItem(
+            m_pModel->headerData(column, Qt::Horizontal, Qt::DecorationRole).value<QIcon>(),
+            m_pModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    }
+}
+
+void VexelConnectDlgGUI::ShareOutColumns()
+{
+    m_BasicColumns = {ConnectionsModel::ColumnSelected, ConnectionsModel::ColumnName, ConnectionsModel::ColumnStatus,
+                      ConnectionsModel::ColumnDeviceType};
+    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+        const bool basic = m_BasicColumns.contains(column);
+        m_pBasicView->setColumnHidden(column, !basic);
+        m_pDetailsView->setColumnHidden(column, basic);
+    }
+}
+
+void VexelConnectDlgGUI::SetUpHeaders()
+{
+    QHeaderView* const basicHeader = m_pBasicView->header();
+    QHeaderView* const detailsHeader = m_pDetailsView->header();
+    basicHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
+    basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
+    detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
+    basicHeader->setIconSize(QSize(14, 14));
+
+    // One order for both: the arrow stands in the column that is sorted, in whichever view shows it, and in no other.
+    detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
+    connect(basicHeader, &QHeaderView::sortIndicatorChanged, detailsHeader, &QHeaderView::setSortIndicator);
+    connect(detailsHeader, &QHeaderView::sortIndicatorChanged, basicHeader, &QHeaderView::setSortIndicator);
+}
+
+void VexelConnectDlgGUI::UpdateColumnChoice()
+{
+    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+        const bool shown = column != ConnectionsModel::ColumnSelected &&
+                           (m_BasicColumns.contains(column) || m_pDetailsView->isVisible());
+        SetItemHidden(m_pFilterColumnComboBox, column, !shown);
+    }
+}
+
+void VexelConnectDlgGUI::SlotConnect()
+{
+    hide();
+    WriteLegacyConnectData();
+    for (int row = 0; row < m_pModel->rowCount(); ++row) {
+        const Connection entry = m_pModel->GetConnection(row);
+        if (entry.Selected && entry.ConnectionStatus == Connection::Free)
+            m_pAppCounter->ConnectTo(entry);
+    }
+}
+
+void VexelConnectDlgGUI::WriteLegacyConnectData()
+{
+    ExportLegacyConnectData(*m_pModel);
+}
+
+void VexelConnectDlgGUI::SlotClose()
+{
+    hide();
+}
+
+void VexelConnectDlgGUI::SlotNew()
+{
+    m_pModel->AddConnection(Connection());
+}
+
+void VexelConnectDlgGUI::SlotEdit()
+{
+    ShowInfo(tr("Not yet implemented."));
+}
+
+void VexelConnectDlgGUI::SlotDelete()
+{
+    QItemSelectionModel* const selection = m_pBasicView->selectionModel();
+    if (!selection)
+        return;
+    const QModelIndexList selectedRows = selection->selectedRows(ConnectionsModel::ColumnSelected);
+    if (selectedRows.isEmpty()) {
+        ShowInfo(tr("No entry selected!\n\nPlease select the entries you want to delete."));
+        return;
+    }
+    QModelIndexList rows;
+    rows.reserve(selectedRows.size());
+    for (const QModelIndex& index : selectedRows)
+        rows.append(m_pProxyModel->mapToSource(index));
+    // Nothing of the selection outlives the removal, and keeping it up to date through every step costs the most.
+    selection->clearSelection();
+    RemoveRows(*m_pModel, rows);
+}
+
+void VexelConnectDlgGUI::SlotShowDetails(bool bShow)
+{
+    m_pDetailsView->setVisible(bShow);
+    UpdateColumnChoice();
+}
+
+void VexelConnectDlgGUI::SlotShowFilter(bool bShow)
+{
+    m_pFilterFrame->setVisible(bShow);
+    if (bShow) {
+        m_pFilterPatternLineEdit->setFocus(Qt::OtherFocusReason);
+        m_pFilterPatternLineEdit->selectAll();
+    }
+    SlotUpdateFilter();
+}
+
+void VexelConnectDlgGUI::SlotUpdateFilter()
+{
+    const QString pattern = m_pFilterPatternLineEdit->text();
+    m_pProxyModel->setFilterKeyColumn(m_pFilterColumnComboBox->currentIndex());
+    m_pProxyModel->setFilterRegularExpression(FilterExpression(pattern, m_pRegExpComboBox->currentIndex()));
+    m_pFilterActiveLabel->setVisible(!m_pFilterFrame->isVisible() && !pattern.isEmpty());
+}
+
+void VexelConnectDlgGUI::RestoreFilterSettings()
+{
+    const FilterSettings settings = FilterSettings::Load();
+    m_pFilterColumnComboBox->setCurrentIndex(settings.column);
+    m_pFilterPatternLineEdit->setText(settings.pattern);
+    m_pRegExpComboBox->setCurrentIndex(settings.searchMode);
+}
+
+void VexelConnectDlgGUI::StoreFilterSettings()
+{
+    const FilterSettings settings{m_pFilterColumnComboBox->currentIndex(), m_pFilterPatternLineEdit->text(),
+                                  m_pRegExpComboBox->currentIndex()};
+    settings.Save();
+}
+
+void VexelConnectDlgGUI::SlotClicked(QModelIndex index)
+{
+    if (index.column() != ConnectionsModel::ColumnSelected || !index.flags().testFlag(Qt::ItemIsEnabled))
+        return;
+    const bool selected = m_pProxyModel->data(index, Qt::EditRole).toBool();
+    m_pProxyModel->setData(index, !selected, Qt::EditRole);
+}
+
+void VexelConnectDlgGUI::SlotDoubleClicked(QModelIndex index)
+{
+    if (index.column() == ConnectionsModel::ColumnSelected)
+        return;
+    QTreeView* const view = m_pDetailsView->hasFocus() ? m_pDetailsView : m_pBasicView;
+    view->edit(index);
+}
+
+void VexelConnectDlgGUI::SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)
+{
+    const auto touches = [&](int column) { return topLeft.column() <= column && bottomRight.column() >= column; };
+    if (touches(ConnectionsModel::ColumnSelected) || touches(ConnectionsModel::ColumnStatus))
+        m_pConnectButton->setEnabled(m_pModel->CountSelectedFree() != 0);
+}
+
+void VexelConnectDlgGUI::SlotImport()
+{
+    Import(QFileDialog::getOpenFileName(this, tr("Import Connection Settings"), QString(), FileFilter()));
+}
+
+void VexelConnectDlgGUI::SlotExport()
+{
+    Export(QFileDialog::getSaveFileName(this, tr("Export Connection Settings"), QString(), FileFilter()));
+}
+
+bool VexelConnectDlgGUI::Import(const QString& fileName)
+{
+    const QByteArray backup = m_pModel->ToByteArray();
+    if (fileName.isEmpty()) {
+        Trace(s_traceSource, s_nothingToReadLine,
+              [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
+    } else if (const std::optional<QByteArray> document = ReadConnectionsFile(fileName)) {
+        if (m_pModel->FromByteArray(*document))
+            return true;
+    } else {
+        Trace(s_traceSource, s_cannotReadLine, [&fileName] {
+            return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
+        });
+    }
+    ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
+                "connection data.\n\nWill keep old connections.")
+                 .arg(fileName));
+    m_pModel->FromByteArray(backup);
+    return false;
+}
+
+void VexelConnectDlgGUI::Export(const QString& fileName)
+{
+    if (fileName.isEmpty()) {
+        Trace(s_traceSource, s_nothingToWriteLine,
+              [] { return QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"); });
+        return;
+    }
+    if (!WriteConnectionsFile(fileName, m_pModel->ToByteArray())) {
+        Trace(s_traceSource, s_cannotWriteLine, [&fileName] {
+            return QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing").arg(fileName);
+        });
+    }
+}
+
+void VexelConnectDlgGUI::contextMenuEvent(QContextMenuEvent* event)
+{
+    const bool nothingInUse = m_pModel->CountInUse() == 0;
+    m_pImportAction->setEnabled(nothingInUse);
+    m_pExportAction->setEnabled(nothingInUse);
+    m_pContextMenu->popup(event->globalPos());
+}
+
+void VexelConnectDlgGUI::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasFormat(UriListType()))
+        event->acceptProposedAction();
+}
+
+void VexelConnectDlgGUI::dropEvent(QDropEvent* event)
+{
+    if (!event->mimeData()->hasFormat(UriListType())) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.isEmpty())
+        ShowInfo(tr("Not enough files dropped.\n\nPlease drop at least one file."));
+    else if (urls.size() > 1)
+        ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
+    else
+        Import(urls.first().toLocalFile());
+}
+
+void VexelConnectDlgGUI::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    GuiBase& guiBase = GuiBase::Instance();
+    if (!guiBase.GetMainWidget()) {
+        guiBase.SetMainWidget(this);
+        guiBase.RestoreWidgetSize(this);
+    }
+    show();
+}
+
+void VexelConnectDlgGUI::ShowInfo(const QString& text)
+{
+    QMessageBox box(QMessageBox::Information, tr("Info"), text, QMessageBox::Ok, this);
+    // File names are shown as they are, also where they look like markup.
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
