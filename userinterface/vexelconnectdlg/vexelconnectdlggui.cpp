@@ -2,9 +2,10 @@
 
 #include "platform/guibase.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/atomicfile.h"
+#include "userinterface/vexelconnectdlg/boundedfile.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
-#include "userinterface/vexelconnectdlg/connectionsfile.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/filedrop.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
@@ -22,6 +23,8 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QUrl>
+
+#include <optional>
 
 namespace
 {
@@ -257,7 +260,8 @@ void VexelConnectDlgGUI::SlotDoubleClicked(QModelIndex index)
     if (index.column() == ConnectionsModel::ColumnSelected)
         return;
     QTreeView* const view = m_pDetailsView->hasFocus() ? m_pDetailsView : m_pBasicView;
-    view->edit(index);
+    if (index.flags().testFlag(Qt::ItemIsEditable))
+        view->edit(index);
 }
 
 void VexelConnectDlgGUI::SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)
@@ -283,7 +287,7 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     if (fileName.isEmpty()) {
         Trace(s_traceSource, s_nothingToReadLine,
               [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
-    } else if (const std::optional<QByteArray> document = ReadConnectionsFile(fileName)) {
+    } else if (const std::optional<QByteArray> document = ReadRegularFile(fileName)) {
         if (m_pModel->FromByteArray(*document))
             return true;
     } else {
@@ -305,7 +309,7 @@ void VexelConnectDlgGUI::Export(const QString& fileName)
               [] { return QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"); });
         return;
     }
-    if (!WriteConnectionsFile(fileName, m_pModel->ToByteArray())) {
+    if (!ReplaceFile(fileName, m_pModel->ToByteArray())) {
         Trace(s_traceSource, s_cannotWriteLine, [&fileName] {
             return QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing").arg(fileName);
         });
