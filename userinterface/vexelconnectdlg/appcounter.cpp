@@ -1,0 +1,243 @@
+#include "userinterface/vexelconnectdlg/appcounter.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/applicationinstance.h"
+#include "userinterface/vexelconnectdlg/boundedfile.h"
+#include "userinterface/vexelconnectdlg/commandline.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/machineconfiguration.h"
+#include "userinterface/vexelconnectdlg/tracing.h"
+#include "userinterface/vexelconnectdlg/typemapping.h"
+
+#include <QDir>
+#include <QMessageBox>
+#include <QXmlStreamReader>
+
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/appcounter";
+
+QString ConfiguredText(const QString& node, const QString& key)
+{
+    return CfgCenter::CreateCfg(node, View::Application, QString())->GetString(key, QString(), 0);
+}
+
+void TracePath(quint16 line, const char* message, const QString& path)
+{
+    Trace(s_traceSource, line, [message, &path] { return QString::fromLatin1(message).arg(path); });
+}
+
+void TraceXmlError(quint16 line, const char* message, const QXmlStreamReader& reader)
+{
+    Trace(s_traceSource, line, [message, &reader] {
+        return QString::fromLatin1(message).arg(QString::number(reader.lineNumber()),
+                                                QString::number(reader.columnNumber()), reader.errorString());
+    });
+}
+
+} // namespace
+
+AppCounter::AppCounter(ConnectionsModel* owner, const QString& configurationName)
+    : m_pOwner(owner)
+    , m_sConfigurationName(configurationName)
+{
+    UpdateInstalledApps();
+    UpdateTypeDeviceMappings();
+}
+
+AppCounter::~AppCounter()
+{
+    // Applications that are ended here must not be heard of: what is done about it needs the tables.
+    const QList<ApplicationInstance*> instances = std::exchange(m_Instances, {});
+    for (ApplicationInstance* const instance : instances) {
+        instance->disconnect(this);
+        delete instance;
+    }
+}
+
+void AppCounter::UpdateInstalledApps()
+{
+    m_StartupTable.clear();
+    m_InstalledList.clear();
+    for (int deviceType = 0; deviceType < Connection::DeviceTypeCount; ++deviceType) {
+        m_InstalledTable[deviceType].clear();
+        m_RunningTable[deviceType].clear();
+    }
+
+    const QString dataDirectory = ConfiguredText(QStringLiteral("Administration"), QStringLiteral("VexelDataDir"));
+    const QString machineFilePath = dataDirectory + QStringLiteral("/CfgVEXEL.xml");
+    m_sMappingFilePath = ConfiguredText(m_sConfigurationName, QStringLiteral("TypeApplicationMappings"));
+
+    const std::optional<QByteArray> document = ReadRegularFile(machineFilePath);
+    if (!document) {
+        TracePath(__LINE__, "AppCounter::UpdateInstalledApps(): Could not open %1 for reading", machineFilePath);
+        return;
+    }
+    if (m_sMappingFilePath.isEmpty())
+        m_sMappingFilePath = dataDirectory + QStringLiteral("/TypeApplicationMappings.xml");
+
+    QXmlStreamReader reader(*document);
+    if (!ReadMachine(reader))
+        TracePath(__LINE__, "AppCounter::UpdateInstalledApps(): Could not parse %1", machineFilePath);
+}
+
+void AppCounter::UpdateTypeDeviceMappings()
+{
+    m_TypeTable.clear();
+    if (const std::optional<QByteArray> document = ReadRegularFile(m_sMappingFilePath)) {
+        QXmlStreamReader reader(*document);
+        if (!ReadTypeApplicationMappings(reader))
+            TracePath(__LINE__, "AppCounter::UpdateTypeDeviceMappings(): Could not parse %1", m_sMappingFilePath);
+    } else {
+        TracePath(__LINE__, "AppCounter::UpdateTypeDeviceMappings(): Could not open %1 for reading",
+                  m_sMappingFilePath);
+    }
+    FillInstalledTable();
+}
+
+bool AppCounter::ReadMachine(QXmlStreamReader& reader)
+{
+    MachineConfiguration machine;
+    const bool isMachine = machine.Read(reader);
+
+    m_InstalledList += machine.applications;
+    for (auto entry = machine.startLists.cbegin(); entry != machine.startLists.cend(); ++entry)
+        m_StartupTable[entry.key()] += entry.value();
+
+    for (const QString& application : std::as_const(machine.unreadable)) {
+        Trace(s_traceSource, __LINE__, [&application] {
+            return QStringLiteral("AppCounter::ReadMachine(): Parameter count of application <%1> is out of range")
+                .arg(application);
+        });
+    }
+    if (reader.hasError()) {
+        TraceXmlError(__LINE__, "AppCounter::ReadMachine(): XML parsing error occurred in row %1 column %2. \"%3\"",
+                      reader);
+        return false;
+    }
+    return isMachine;
+}
+
+bool AppCounter::ReadTypeApplicationMappings(QXmlStreamReader& reader)
+{
+    const bool lastKept = TypeMapping::Read(reader, m_StartupTable, m_TypeTable);
+    if (reader.hasError()) {
+        TraceXmlError(__LINE__,
+                      "AppCounter::ReadTypeApplicationMappings(): "
+                      "XML parsing error occurred in row %1 column %2. \"%3\"",
+                      reader);
+        return false;
+    }
+    return lastKept;
+}
+
+void AppCounter::FillInstalledTable()
+{
+    for (QStringList& applications : m_InstalledTable)
+        applications.clear();
+
+    // Once each, also where the machine configuration lists an application twice.
+    QStringList applications = m_InstalledList;
+    applications.removeDuplicates();
+    for (const QString& application : std::as_const(applications)) {
+        const QStringList startList = m_StartupTable.value(application);
+        if (startList.isEmpty())
+            continue;
+        for (auto type = m_TypeTable.cbegin(); type != m_TypeTable.cend(); ++type) {
+            if (type.value() == startList.constFirst())
+                m_InstalledTable[type.key()].append(application);
+        }
+    }
+}
+
+QStringList AppCounter::InstalledApplications(int deviceType) const
+{
+    return m_InstalledTable.value(Connection::ApplicationDeviceType(deviceType));
+}
+
+QStringList AppCounter::RunningApplications(int deviceType) const
+{
+    return m_RunningTable.value(Connection::ApplicationDeviceType(deviceType));
+}
+
+QStringList AppCounter::FreeApplications(int deviceType) const
+{
+    const QStringList running = RunningApplications(deviceType);
+    QStringList applications = InstalledApplications(deviceType);
+    applications.removeIf([&running](const QString& application) { return running.contains(application); });
+    return applications;
+}
+
+QString AppCounter::ProgramForType(int deviceType) const
+{
+    return m_TypeTable.value(Connection::ApplicationDeviceType(deviceType));
+}
+
+bool AppCounter::ConnectTo(const Connection& entry)
+{
+    const QStringList freeApplications = FreeApplications(entry.DeviceType);
+    if (freeApplications.isEmpty()) {
+        ShowNoFreeApplication(entry);
+        return false;
+    }
+    const QString& application = freeApplications.constFirst();
+
+    auto* const instance = new ApplicationInstance(
+        ProgramForType(entry.DeviceType), ApplicationArguments(application, entry), QDir::currentPath(), entry);
+    // The list owns it; the parent is for one that was swept and whose deletion the event loop did not come to.
+    instance->setParent(this);
+    m_Instances.append(instance);
+    connect(instance, &ApplicationInstance::ProcessExited, this, &AppCounter::SlotOnProcessExit);
+    if (!instance->Start())
+        return false;
+
+    if (m_pOwner)
+        m_pOwner->SetConnectionStatus(entry, Connection::InUse);
+    m_RunningTable[Connection::ApplicationDeviceType(entry.DeviceType)].append(application);
+    return true;
+}
+
+void AppCounter::ShowNoFreeApplication(const Connection& entry) const
+{
+    QMessageBox box(QMessageBox::Information, tr("Problem"),
+                    tr("Could not connect to \"%1\".\n\n"
+                       "There is no free userinterface available to connect to this type of hardware.\n\n"
+                       "Device type: %2\n"
+                       "Number of installed applications for this type: %3\n"
+                       "Number of running applications for this type: %4")
+                        .arg(entry.ConnectionName, Connection::DeviceTypeName(entry.DeviceType),
+                             QString::number(InstalledApplications(entry.DeviceType).size()),
+                             QString::number(RunningApplications(entry.DeviceType).size())),
+                    QMessageBox::Ok);
+    // A name may look like markup; it is shown as it is.
+    box.setTextFormat(Qt::PlainText);
+    // Nothing of this object is touched afterwards: whatever happens while the box is open may delete it.
+    box.exec();
+}
+
+void AppCounter::SlotOnProcessExit()
+{
+    const QList<ApplicationInstance*> instances = m_Instances;
+    for (ApplicationInstance* const instance : instances) {
+        // Whoever hears of a status may have swept already.
+        if (m_Instances.contains(instance) && instance->GetState() == ApplicationInstance::Free)
+            Sweep(instance);
+    }
+}
+
+void AppCounter::Sweep(ApplicationInstance* instance)
+{
+    const Connection entry = instance->GetConnection();
+    if (m_pOwner)
+        m_pOwner->SetConnectionStatus(entry, Connection::Free);
+    m_RunningTable[Connection::ApplicationDeviceType(entry.DeviceType)].removeOne(instance->GetHostName());
+
+    m_Instances.removeOne(instance);
+    instance->disconnect();
+    // It may be the one whose signal is being handled.
+    instance->deleteLater();
+}

@@ -1,0 +1,39 @@
+#include "userinterface/vexelconnectdlg/xmlelement.h"
+
+#include "userinterface/vexelconnectdlg/xmlguard.h"
+
+QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader)
+{
+    reader.readNext();
+    RefuseEntityDeclarations(reader);
+    return reader.tokenType();
+}
+
+namespace {
+
+/// Goes on until `depth` open elements have ended; the current token counts.
+void SkipOpenElements(QXmlStreamReader& reader, int depth)
+{
+    while (!reader.atEnd()) {
+        if (reader.isStartElement())
+            ++depth;
+        else if (reader.isEndElement() && --depth == 0)
+            return;
+        ReadToken(reader);
+    }
+}
+
+} // namespace
+
+void SkipElement(QXmlStreamReader& reader)
+{
+    SkipOpenElements(reader, 0);
+}
+
+QString ReadElementText(QXmlStreamReader& reader)
+{
+    ReadToken(reader);
+    const QString text = reader.isCharacters() ? reader.text().toString() : QString();
+    SkipOpenElements(reader, 1);
+    return text;
+}
