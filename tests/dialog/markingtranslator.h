@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+#include <QTranslator>
+
+#include <utility>
+
+/// "Translates" every text of one context by putting it in brackets, from construction to destruction: whatever shows
+/// without brackets was not looked up in that context.
+class MarkingTranslator : public QTranslator
+{
+public:
+    explicit MarkingTranslator(QString context)
+        : m_Context(std::move(context))
+    {
+        QCoreApplication::installTranslator(this);
+    }
+    ~MarkingTranslator() override { QCoreApplication::removeTranslator(this); }
+    Q_DISABLE_COPY_MOVE(MarkingTranslator)
+
+    static QString Marked(const QString& text) { return QLatin1Char('[') + text + QLatin1Char(']'); }
+
+    QString translate(const char* context, const char* sourceText, const char* /*disambiguation*/,
+                      int /*n*/) const override
+    {
+        return m_Context == QLatin1String(context) ? Marked(QString::fromUtf8(sourceText)) : QString();
+    }
+    bool isEmpty() const override { return false; }
+
+private:
+    QString m_Context;
+};

@@ -1,0 +1,169 @@
+#include "userinterface/vexelconnectdlg/connectionsdelegate.h"
+
+#include "userinterface/vexelconnectdlg/connection.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListView>
+#include <QSpinBox>
+#include <QStandardItemModel>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int s_maximumTimeout = 90000; // seconds
+constexpr int s_timeoutStep = 30;       // seconds
+
+// Device types that exist in stored entries but are no longer offered.
+constexpr std::array s_withdrawnDeviceTypes{Connection::Heron, Connection::WrenD, Connection::Pipit};
+
+// A list of the values 0 to count - 1, so that an item's position is its value.
+QComboBox* NewComboBox(QWidget* parent, int count, QString (*textOf)(int value))
+{
+    auto* const comboBox = new QComboBox(parent);
+    qsizetype longest = 0;
+    for (int value = 0; value < count; ++value) {
+        const QString text = textOf(value);
+        comboBox->addItem(text);
+        longest = std::max(longest, text.size());
+    }
+    comboBox->setMinimumContentsLength(static_cast<int>(longest));
+    comboBox->setMaxVisibleItems(count);
+    return comboBox;
+}
+
+// The items stay in the list, because positions are values and an entry may hold a withdrawn one. Hiding takes them out
+// of the open list; only the missing flags keep arrow keys, wheel and typed letters from stepping onto them.
+void WithdrawDeviceTypes(QComboBox* comboBox)
+{
+    auto* const list = qobject_cast<QListView*>(comboBox->view());
+    auto* const items = qobject_cast<QStandardItemModel*>(comboBox->model());
+    Q_ASSERT(list && items);
+    for (const int value : s_withdrawnDeviceTypes) {
+        list->setRowHidden(value, true);
+        items->item(value)->setFlags(Qt::NoItemFlags);
+    }
+}
+
+QSpinBox* NewTimeoutSpinBox(QWidget* parent)
+{
+    auto* const spinBox = new QSpinBox(parent);
+    spinBox->setSpecialValueText(ConnectionsDelegate::tr("No Timeout"));
+    spinBox->setRange(0, s_maximumTimeout);
+    spinBox->setSingleStep(s_timeoutStep);
+    spinBox->setSuffix(QStringLiteral(" s"));
+    return spinBox;
+}
+
+QWidget* NewEditor(QWidget* parent, int column)
+{
+    switch (column) {
+    case ConnectionsModel::ColumnSelected:
+        return new QCheckBox(parent);
+    case ConnectionsModel::ColumnStatus:
+        return NewComboBox(parent, Connection::ConnectionStatusCount, &Connection::StatusName);
+    case ConnectionsModel::ColumnDeviceType: {
+        QComboBox* const comboBox = NewComboBox(parent, Connection::DeviceTypeCount, &Connection::DeviceTypeName);
+        WithdrawDeviceTypes(comboBox);
+        return comboBox;
+    }
+    case ConnectionsModel::ColumnConnectionType:
+        return NewComboBox(parent, Connection::ConnectionTypeCount, &Connection::ConnectionTypeName);
+    case ConnectionsModel::ColumnLinkSpeed:
+        return NewComboBox(parent, Connection::LinkSpeedCount, &Connection::LinkSpeedName);
+    case ConnectionsModel::ColumnTimeout:
+        return NewTimeoutSpinBox(parent);
+    case ConnectionsModel::ColumnName:
+    case ConnectionsModel::ColumnDeviceAddress:
+    case ConnectionsModel::ColumnDriverAddress:
+    case ConnectionsModel::ColumnSubsystem:
+        return new QLineEdit(parent);
+    default:
+        return nullptr;
+    }
+}
+
+// What the editor holds; invalid without an editor of a known kind.
+QVariant EditedValue(QWidget* editor)
+{
+    if (const auto* const checkBox = qobject_cast<QCheckBox*>(editor)) {
+        return checkBox->isChecked();
+    }
+    if (const auto* const comboBox = qobject_cast<QComboBox*>(editor)) {
+        return comboBox->currentIndex();
+    }
+    if (auto* const spinBox = qobject_cast<QSpinBox*>(editor)) {
+        spinBox->interpretText(); // a number counts as typed, without Enter
+        return spinBox->value();
+    }
+    if (const auto* const lineEdit = qobject_cast<QLineEdit*>(editor)) {
+        return lineEdit->text();
+    }
+    return {};
+}
+
+} // namespace
+
+ConnectionsDelegate::ConnectionsDelegate(QObject* parent)
+    : QItemDelegate(parent)
+{
+}
+
+QWidget* ConnectionsDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
+                                           const QModelIndex& index) const
+{
+    if (!index.isValid()) {
+        return nullptr;
+    }
+    QWidget* const editor = NewEditor(parent, index.column());
+    setEditorData(editor, index);
+    return editor;
+}
+
+void ConnectionsDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
+{
+    if (editor && (!index.isValid() || index.column() >= ConnectionsModel::ColumnCount)) {
+        return;
+    }
+    // The column chose the kind of the editor, so the kind tells what to set.
+    const QVariant value = index.data(Qt::EditRole);
+    if (auto* const checkBox = qobject_cast<QCheckBox*>(editor)) {
+        checkBox->setChecked(value.toBool());
+    } else if (auto* const comboBox = qobject_cast<QComboBox*>(editor)) {
+        comboBox->setCurrentIndex(value.toInt());
+    } else if (auto* const spinBox = qobject_cast<QSpinBox*>(editor)) {
+        spinBox->setValue(value.toInt());
+    } else if (auto* const lineEdit = qobject_cast<QLineEdit*>(editor)) {
+        lineEdit->setText(value.toString());
+    }
+}
+
+void ConnectionsDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
+{
+    if (!model || (editor && !index.isValid())) {
+        return;
+    }
+    QVariant value;
+    if (index.isValid() && index.column() < ConnectionsModel::ColumnCount) {
+        value = EditedValue(editor);
+        if (!value.isValid()) {
+            return; // nothing was edited; an invalid value would be taken for 0 or an empty text
+        }
+    }
+    model->setData(index, value, Qt::EditRole);
+}
+
+void ConnectionsDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                               const QModelIndex& /*index*/) const
+{
+    if (!editor) {
+        return;
+    }
+    QRect geometry(QPoint(0, 0), option.rect.size().expandedTo(editor->sizeHint()));
+    geometry.moveCenter(option.rect.center());
+    editor->setGeometry(geometry);
+}
