@@ -1,0 +1,62 @@
+#pragma once
+
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QXmlStreamReader>
+
+#include <deque>
+#include <vector>
+
+/// What reading one document gave.
+struct Reading
+{
+    bool result = false;
+    std::deque<Connection> entries; ///< in the order in which they were handed over
+    QList<TraceRecorder::Report> reports;
+};
+
+inline Reading ReadList(const QByteArray& document)
+{
+    const TraceRecorder recorder;
+    Reading reading;
+    reading.result =
+        ConnectionList::Read(document, [&reading](const Connection& entry) { reading.entries.push_back(entry); });
+    reading.reports = recorder.Reports();
+    return reading;
+}
+
+inline QByteArray WriteList(const std::deque<Connection>& entries)
+{
+    std::vector<const Connection*> pointers;
+    for (const Connection& entry : entries)
+        pointers.push_back(&entry);
+    return ConnectionList::Write(pointers);
+}
+
+/// The declaration and the root element around `content`.
+inline QByteArray InRoot(const QByteArray& content)
+{
+    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries>" + content + "</ConnectionEntries>\n";
+}
+
+/// The message that a document with an XML error must give: where Qt's own parser stops, and why.
+inline QString ParserMessage(const QByteArray& document)
+{
+    QXmlStreamReader xml(document);
+    while (!xml.atEnd())
+        xml.readNext();
+    return QStringLiteral("XML parsing error occurred in row %1 column %2. \"%3\"")
+        .arg(QString::number(xml.lineNumber()), QString::number(xml.columnNumber()), xml.errorString());
+}
+
+/// Whether `reports` is the one line that a malformed document gives; the message is `message`.
+inline bool IsXmlErrorTrace(const QList<TraceRecorder::Report>& reports, const QString& message)
+{
+    return reports.size() == 1 && reports.first().kind == ErrorHandler::Trace && reports.first().message == message &&
+           reports.first().sourceFile == QLatin1String("userinterface/vexelconnectdlg/connectionsmodel") &&
+           reports.first().line == 612;
+}
