@@ -1,0 +1,178 @@
+#include "host/application.h"
+
+#include "host/connectdialog.h"
+#include "host/console.h"
+#include "host/datadirectory.h"
+#include "host/dialogkeeper.h"
+#include "host/headlessjob.h"
+#include "host/signalwatcher.h"
+#include "host/statusmonitor.h"
+#include "platform/cfgcenter.h"
+#include "platform/guibase.h"
+#include "platform/translationcenter.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QSessionManager>
+#include <QStandardPaths>
+
+#include <utility>
+
+namespace {
+
+HostOptions WithDefaults(HostOptions options)
+{
+    if (options.plugin.isEmpty())
+        options.plugin = PluginLibrary::DefaultFile(QCoreApplication::applicationDirPath());
+    if (options.configDirectory.isEmpty())
+        options.configDirectory = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
+    return options;
+}
+
+} // namespace
+
+Application::Application(HostOptions options)
+    : m_Options(WithDefaults(std::move(options)))
+{
+}
+
+ExitCode Application::Run()
+{
+    // The dialog is the only window, and "Close" and "&Connect" hide it.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    SignalWatcher signalWatcher;
+
+    PluginLibrary library;
+    if (library.Load(m_Options.plugin) != PluginLibrary::Error::None) {
+        Console::Complain(library.ErrorText());
+        return ExitCode::Unusable;
+    }
+    if (!CfgCenter::Open(m_Options.configDirectory)) {
+        Console::Complain(
+            QStringLiteral("the configuration directory %1 cannot be used").arg(m_Options.configDirectory));
+        return ExitCode::Unusable;
+    }
+    const ExitCode result = RunWithConfiguration(library, signalWatcher);
+    CfgCenter::Close();
+    return m_SaveFailed ? ExitCode::Unusable : result;
+}
+
+ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher)
+{
+    SetUpEnvironment();
+    if (m_Options.language)
+        TranslationCenter::Instance().SetLocale(*m_Options.language);
+    if (!m_Options.dataDirectory.isEmpty())
+        DataDirectory::Set(m_Options.dataDirectory);
+
+    ExitCode result = ExitCode::Unusable;
+    if (PluginLibrary::Instance instance = CreateInstance(library); !instance)
+        Console::Complain(QStringLiteral("the plug-in %1 gives no instance").arg(m_Options.plugin));
+    else if (!instance->IsAvailable())
+        Console::Complain(QStringLiteral("the plug-in %1 says that it is not available").arg(m_Options.plugin));
+    else
+        result = RunWithInstance(*instance, signalWatcher);
+
+    // Tear-down has stored its settings once more. What it left to be deleted later goes while the plug-in's
+    // surroundings still stand.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    SaveDocument();
+    return result;
+}
+
+/// The environment that the applications find which the plug-in starts.
+void Application::SetUpEnvironment() const
+{
+    qputenv("VEXEL_CONFIG_DIR", QDir::toNativeSeparators(m_Options.configDirectory).toLocal8Bit());
+
+    // The machine's file may name programs without a path; those that came with the host stand beside it.
+    QByteArray path = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()).toLocal8Bit();
+    if (!qEnvironmentVariableIsEmpty("PATH"))
+        path += QDir::listSeparator().toLatin1() + qgetenv("PATH");
+    qputenv("PATH", path);
+}
+
+PluginLibrary::Instance Application::CreateInstance(const PluginLibrary& library) const
+{
+    // The plug-in reads the directory while it is being created, and not later.
+    const DataDirectory::Fallback fallback(DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
+    return library.Create(m_Options.name);
+}
+
+ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& signalWatcher)
+{
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    if (!dialog) {
+        Console::Complain(error);
+        return ExitCode::Unusable;
+    }
+    // Not QCoreApplication::quit(): that asks every window first, and each of them can refuse.
+    QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, qApp, [] { QCoreApplication::exit(); });
+
+    if (m_Options.IsHeadless()) {
+        const ExitCode result = RunHeadless(*dialog, signalWatcher);
+        // The window has only had the sizes that its pictures needed.
+        SaveSettings(instance, nullptr);
+        return result;
+    }
+    RunDialog(instance, *dialog, signalWatcher);
+    SaveSettings(instance, dialog->Window());
+    return ExitCode::Done;
+}
+
+void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher&)
+{
+    const StatusMonitor monitor(dialog.Entries());
+    const DialogKeeper keeper(dialog, monitor);
+    QObject::connect(&keeper, &DialogKeeper::DialogHidden, qApp, [&] { SaveSettings(instance, dialog.Window()); });
+    QObject::connect(&keeper, &DialogKeeper::EndWanted, qApp, [] { QCoreApplication::exit(); });
+    QObject::connect(&keeper, &DialogKeeper::StaysHidden, qApp, [](int inUse) {
+        Console::Complain(
+            QStringLiteral("%1 still in use; the dialog comes back when the last application has ended")
+                .arg(inUse == 1 ? QStringLiteral("1 entry is") : QStringLiteral("%1 entries are").arg(inUse)));
+    });
+    // At the end of a session the process may get no further than this.
+    QObject::connect(
+        qApp, &QGuiApplication::commitDataRequest, qApp, [&] { SaveSettings(instance, dialog.Window()); },
+        Qt::DirectConnection);
+
+    dialog.BringToFront();
+    QCoreApplication::exec();
+    QObject::disconnect(qApp, &QGuiApplication::commitDataRequest, nullptr, nullptr);
+}
+
+ExitCode Application::RunHeadless(const ConnectDialog& dialog, SignalWatcher& signalWatcher)
+{
+    HeadlessJob job(m_Options, dialog);
+    QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, &job, &HeadlessJob::Stop);
+
+    // Inside the event loop, so that a request to end reaches every loop that the job runs.
+    ExitCode result = ExitCode::Done;
+    QMetaObject::invokeMethod(
+        &job,
+        [&] {
+            result = job.Run();
+            QCoreApplication::exit();
+        },
+        Qt::QueuedConnection);
+    QCoreApplication::exec();
+    return result;
+}
+
+void Application::SaveSettings(IDllInstance& instance, QWidget* window)
+{
+    instance.SaveSettings();
+    if (window)
+        GuiBase::Instance().StoreWidgetSize(window);
+    SaveDocument();
+}
+
+void Application::SaveDocument()
+{
+    const bool failed = !CfgCenter::SaveDocument();
+    // Once is enough to know: saving is tried again at every occasion.
+    if (failed && !m_SaveFailed)
+        Console::Complain(QStringLiteral("the configuration in %1 could not be saved").arg(m_Options.configDirectory));
+    m_SaveFailed = failed;
+}

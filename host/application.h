@@ -1,0 +1,33 @@
+#pragma once
+
+#include "host/exitcode.h"
+#include "host/hostoptions.h"
+#include "host/pluginlibrary.h"
+
+class ConnectDialog;
+class SignalWatcher;
+
+/// One run of the host: opens the configuration, lets the plug-in make its instance, shows the dialog or does the
+/// headless work, and on every way out saves and destroys.
+class Application
+{
+public:
+    explicit Application(HostOptions options);
+
+    /// Everything from start to end. Needs the QApplication; runs its event loop.
+    ExitCode Run();
+
+private:
+    ExitCode RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher);
+    ExitCode RunWithInstance(IDllInstance& instance, SignalWatcher& signalWatcher);
+    void RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher);
+    ExitCode RunHeadless(const ConnectDialog& dialog, SignalWatcher& signalWatcher);
+
+    void SetUpEnvironment() const;
+    PluginLibrary::Instance CreateInstance(const PluginLibrary& library) const;
+    void SaveSettings(IDllInstance& instance, QWidget* window);
+    void SaveDocument();
+
+    const HostOptions m_Options;
+    bool m_SaveFailed = false;
+};

@@ -1,0 +1,8 @@
+#include "host/desktop.h"
+
+#include <QtGlobal>
+
+bool HasDesktop()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}

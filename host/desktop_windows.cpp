@@ -1,0 +1,6 @@
+#include "host/desktop.h"
+
+bool HasDesktop()
+{
+    return true;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "host/boxanswerer.h"
+#include "host/connectdialog.h"
+#include "host/exitcode.h"
+#include "host/hostoptions.h"
+#include "host/statusmonitor.h"
+
+#include <QObject>
+#include <QSet>
+
+/// What the command line asks for without a person at the dialog: add, list, connect, wait, and the pictures.
+///
+/// Message boxes are answered, and what they say goes to standard error. Runs inside the application's event loop.
+class HeadlessJob : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Both must outlive the job.
+    HeadlessJob(const HostOptions& options, const ConnectDialog& dialog, QObject* parent = nullptr);
+
+    /// Does all of it in the documented order, and returns when it is done or `Stop` was called. The result is that of
+    /// the first thing that failed.
+    ExitCode Run();
+
+    /// Ends a wait, and leaves out what would come after.
+    void Stop();
+
+signals:
+    void Stopped();
+
+private:
+    bool Add();
+    void List() const;
+    bool Connect();
+    QList<int> RowsToConnect() const;
+    void Press(const QList<int>& rows);
+    void Wait();
+    void TakePicture(const QString& fileName);
+    void Fail(ExitCode code, const QString& message);
+
+    void OnBoxOpened(const QString& title, const QString& text);
+    void OnStatusChanged(int row, const QString& name, const QString& from, const QString& to);
+
+    const HostOptions& m_Options;
+    const ConnectDialog& m_Dialog;
+    StatusMonitor m_Monitor;
+    BoxAnswerer m_Answerer;
+    QSet<int> m_RowsStarted; // rows that were not "Free" at any moment of the connecting
+    bool m_BoxOpened = false;
+    bool m_Stopped = false;
+    ExitCode m_Result = ExitCode::Done;
+};

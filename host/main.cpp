@@ -1,0 +1,78 @@
+#include "host/application.h"
+#include "host/console.h"
+#include "host/desktop.h"
+#include "host/hostoptions.h"
+#include "host/qtmessages.h"
+#include "host/tracelog.h"
+
+#include <QApplication>
+
+#include <memory>
+
+namespace {
+
+ParsedCommandLine ReadCommandLine(int& argc, char** argv)
+{
+    // Which platform Qt shall use depends on the options, so they are read before the real application object is made.
+    // Qt takes care of the system's way of passing them.
+    const QCoreApplication reader(argc, argv);
+    return ParseCommandLine(QCoreApplication::arguments());
+}
+
+/// Chooses the platform. False when there is nothing to show a window on.
+bool ChoosePlatform(bool headless)
+{
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return true;
+    if (headless)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    return headless || HasDesktop();
+}
+
+std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv)
+{
+    const QtStartMessages messages;
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+ExitCode Run(int& argc, char** argv)
+{
+    const ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
+    switch (commandLine.outcome) {
+    case ParsedCommandLine::Outcome::Print:
+        Console::PrintRaw(commandLine.text);
+        return ExitCode::Done;
+    case ParsedCommandLine::Outcome::Wrong:
+        Console::Complain(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
+        return ExitCode::Usage;
+    case ParsedCommandLine::Outcome::Run:
+        break;
+    }
+    const HostOptions& options = commandLine.options;
+
+    TraceLog traceLog;
+    if (const QString error = traceLog.Start(options.trace, options.traceFile); !error.isEmpty()) {
+        Console::Complain(QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
+        return ExitCode::Usage;
+    }
+    if (!ChoosePlatform(options.IsHeadless())) {
+        Console::Complain(QStringLiteral("there is no display to show the dialog on; without one, use the headless "
+                                         "options (--help lists them)"));
+        return ExitCode::Unusable;
+    }
+
+    QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
+    QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
+    const std::unique_ptr<QApplication> application = MakeApplication(argc, argv);
+    if (options.IsHeadless())
+        LeaveOutOffscreenNoise();
+    return Application(options).Run();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return static_cast<int>(Run(argc, argv));
+}

@@ -1,0 +1,61 @@
+#include "host/tracelog.h"
+
+#include "host/textline.h"
+
+#include <QDateTime>
+#include <QMutexLocker>
+
+#include <cstdio>
+
+TraceLog::~TraceLog()
+{
+    if (!m_Started)
+        return;
+    ErrorHandler::Instance().SetEnabledKinds(m_EarlierKinds);
+    ErrorHandler::Instance().SetSink({});
+}
+
+QString TraceLog::Start(bool toStandardError, const QString& fileName)
+{
+    if (!toStandardError && fileName.isEmpty())
+        return {};
+
+    if (!fileName.isEmpty()) {
+        m_File.setFileName(fileName);
+        if (!m_File.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text))
+            return m_File.errorString();
+    }
+    m_ToStandardError = toStandardError;
+    m_Started = true;
+
+    ErrorHandler& handler = ErrorHandler::Instance();
+    m_EarlierKinds = handler.EnabledKinds();
+    handler.SetSink([this](ErrorHandler::Kind kind, const QString& message, const QString& sourceFile, quint16 line) {
+        Write(Line(QDateTime::currentDateTime(), kind, message, sourceFile, line));
+    });
+    handler.SetEnabledKinds(m_EarlierKinds | ErrorHandler::Trace);
+    return {};
+}
+
+QString TraceLog::Line(const QDateTime& time, ErrorHandler::Kind kind, const QString& message,
+                       const QString& sourceFile, quint16 line)
+{
+    const QString kindName = kind == ErrorHandler::Assertion ? QStringLiteral("assertion") : QStringLiteral("trace");
+    // Not through a chain of arg(): a message may hold "%1" itself.
+    return time.toString(Qt::ISODateWithMs) + QLatin1Char(' ') + kindName + QLatin1Char(' ') + OneLine(sourceFile) +
+           QLatin1Char(':') + QString::number(line) + QLatin1Char(' ') + OneLine(message);
+}
+
+void TraceLog::Write(const QString& line)
+{
+    const QByteArray bytes = line.toUtf8() + '\n';
+    const QMutexLocker locker(&m_Mutex);
+    if (m_ToStandardError) {
+        (void)std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+        (void)std::fflush(stderr);
+    }
+    if (m_File.isOpen()) {
+        m_File.write(bytes);
+        m_File.flush();
+    }
+}
