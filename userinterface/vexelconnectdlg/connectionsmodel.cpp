@@ -90,7 +90,8 @@ int ConnectionsModel::columnCount(const QModelIndex& /*parent*/) const
 
 const Connection* ConnectionsModel::EntryAt(const QModelIndex& index) const
 {
-    const bool inTable = index.isValid() && index.row() < rowCount() && index.column() < ColumnCount;
+    const bool inTable =
+        index.isValid() && index.model() == this && index.row() < rowCount() && index.column() < ColumnCount;
     return inTable ? m_Connections[static_cast<std::size_t>(index.row())].get() : nullptr;
 }
 
@@ -301,7 +302,7 @@ bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
     if (count < 1)
         return true;
     // Callers pass ranges that exist; a longer one must not tear the list.
-    const int last = std::min(row + count, rowCount()) - 1;
+    const int last = row + std::min(count, rowCount() - row) - 1;
     beginRemoveRows(QModelIndex(), row, last);
     const auto begin = m_Connections.begin() + row;
     const auto end = m_Connections.begin() + last + 1;

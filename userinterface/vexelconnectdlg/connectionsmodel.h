@@ -96,7 +96,7 @@ private:
     static QVariant HeaderText(int section);
     static void Assign(Connection& entry, int column, const QVariant& value);
 
-    /// The entry that `index` shows, or null where it lies outside the table.
+    /// The entry that `index` shows, or null where it lies outside the table or belongs to another model.
     const Connection* EntryAt(const QModelIndex& index) const;
     void SetStatus(int row, int status);
 
