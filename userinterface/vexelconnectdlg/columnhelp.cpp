@@ -5,8 +5,7 @@
 
 #include <array>
 
-namespace
-{
+namespace {
 
 QString ConnectionTypeHelp()
 {

@@ -6,8 +6,7 @@
 
 #include <memory>
 
-namespace
-{
+namespace {
 
 const QString s_settingsNode = QStringLiteral("FilterSettings");
 const QString s_columnKey = QStringLiteral("Column");

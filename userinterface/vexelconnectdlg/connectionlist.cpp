@@ -6,8 +6,7 @@
 #include <QDomDocument>
 #include <QXmlStreamReader>
 
-namespace
-{
+namespace {
 
 const QString s_rootElement = QStringLiteral("ConnectionEntries");
 const QString s_entryElement = QStringLiteral("Connection");
@@ -201,8 +200,7 @@ private:
 
 } // namespace
 
-namespace ConnectionList
-{
+namespace ConnectionList {
 
 QString MimeType()
 {

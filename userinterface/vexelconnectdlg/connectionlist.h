@@ -12,8 +12,7 @@
 ///
 /// UTF-8 XML with the root element "ConnectionEntries" and one "Connection" per entry, whose ten children hold the
 /// fields: numbers in decimal, "Selected" as "true" or "false", texts in CDATA sections.
-namespace ConnectionList
-{
+namespace ConnectionList {
 
 /// The mime type under which a document travels.
 QString MimeType();

@@ -19,8 +19,7 @@ static void InitImages()
     Q_INIT_RESOURCE(vexelconnectdlg);
 }
 
-namespace
-{
+namespace {
 
 constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/connectionsmodel";
 constexpr quint16 s_noNameToReadLine = 673;
