@@ -1,0 +1,744 @@
+#include "tests/entries/entrysamples.h"
+#include "tests/entries/listreading.h"
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <QAbstractItemModelTester>
+#include <QMimeData>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace {
+
+/// A model without a stored set, watched by the model tester from the first change on.
+class WatchedModel : public ConnectionsModel
+{
+public:
+    WatchedModel()
+        : ConnectionsModel(nullptr, QString())
+    {
+    }
+    using ConnectionsModel::createIndex;
+
+    void AddNamed(std::initializer_list<const char*> names)
+    {
+        for (const char* const name : names)
+            AddConnection(NamedEntry(QString::fromLatin1(name)));
+    }
+
+    QStringList Names() const
+    {
+        QStringList names;
+        for (int row = 0; row < rowCount(); ++row)
+            names += GetConnection(row).ConnectionName;
+        return names;
+    }
+
+private:
+    QAbstractItemModelTester m_Tester{this, QAbstractItemModelTester::FailureReportingMode::QtTest};
+};
+
+QStringList Texts(std::initializer_list<const char*> texts)
+{
+    QStringList list;
+    for (const char* const text : texts)
+        list += QString::fromLatin1(text);
+    return list;
+}
+
+/// The (row, column) pairs of the cells that `dataChanged` announced one by one; a larger range fails the test.
+QList<std::pair<int, int>> ChangedCells(const QSignalSpy& spy)
+{
+    QList<std::pair<int, int>> cells;
+    for (const QList<QVariant>& arguments : spy) {
+        const auto topLeft = arguments.at(0).toModelIndex();
+        if (topLeft != arguments.at(1).toModelIndex())
+            QTest::qFail("dataChanged for more than one cell", __FILE__, __LINE__);
+        cells.append({topLeft.row(), topLeft.column()});
+    }
+    return cells;
+}
+
+std::unique_ptr<QMimeData> PlainText(const QByteArray& bytes)
+{
+    auto data = std::make_unique<QMimeData>();
+    data->setData(QStringLiteral("text/plain"), bytes);
+    return data;
+}
+
+bool Drop(ConnectionsModel& model, const QMimeData* data)
+{
+    return model.dropMimeData(data, Qt::CopyAction, -1, -1, QModelIndex());
+}
+
+struct CountedByHand
+{
+    int selectedFree = 0;
+    int inUse = 0;
+    int selected = 0;
+
+    explicit CountedByHand(const ConnectionsModel& model)
+    {
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const Connection entry = model.GetConnection(row);
+            selected += entry.Selected ? 1 : 0;
+            inUse += entry.ConnectionStatus != 0 ? 1 : 0;
+            selectedFree += entry.Selected && entry.ConnectionStatus == 0 ? 1 : 0;
+        }
+    }
+
+    bool Agrees(const ConnectionsModel& model) const
+    {
+        return model.CountSelectedFree() == selectedFree && model.CountInUse() == inUse &&
+               model.CountSelected() == selected;
+    }
+};
+
+} // namespace
+
+/// How the model changes, and what it announces while it does.
+class TestConnectionsModelChanges : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void addAppendsAFullCopyAndAnnouncesOneRow();
+    void getConnectionIsACopy();
+
+    void removeAnnouncesTheRowsAndRemovesThem_data();
+    void removeAnnouncesTheRowsAndRemovesThem();
+    void removeRefuses_data();
+    void removeRefuses();
+    void removeOfNothingIsTrue();
+    void removeBeyondTheEndStopsThere();
+
+    void setDataAssigns_data();
+    void setDataAssigns();
+    void setDataChecksNoRange();
+    void setDataWithAnotherRoleOnlyAnnounces_data();
+    void setDataWithAnotherRoleOnlyAnnounces();
+    void setDataOnBadIndexesOnlyAnnounces();
+
+    void setStatusChangesEveryEqualEntry();
+    void setStatusOfAnUnknownEntryChangesNothing();
+    void setStatusAnnouncesWithoutAChange();
+    void resetAnnouncesEachStatusCell();
+
+    void mimeType();
+    void mimeDataTakesEachRowOnceInOrderOfFirstOccurrence();
+    void mimeDataOfNothingIsAnEmptyRoot();
+    void mimeDataPassesOverBadIndexes();
+    void mimeDataIsAPlainObjectOfTheCaller();
+    void dropAppendsInDocumentOrderAndKeepsStatusAndSelection();
+    void dropIgnoresPlaceAndAction_data();
+    void dropIgnoresPlaceAndAction();
+    void dropWithoutEntries_data();
+    void dropWithoutEntries();
+    void dropOfAMalformedDocumentKeepsWhatCameBefore();
+    void dropOfOwnRowsAppendsCopies();
+
+    void toByteArrayIsTheWholeSetInRowOrder();
+    void fromByteArrayReplacesAndFrees();
+    void fromByteArrayOfAMalformedDocument();
+
+    void countsOfAKnownSet();
+    void countsStayRightAfterAnyChange();
+};
+
+void TestConnectionsModelChanges::addAppendsAFullCopyAndAnnouncesOneRow()
+{
+    WatchedModel model;
+    model.AddNamed({"first"});
+    const QSignalSpy about(&model, &QAbstractItemModel::rowsAboutToBeInserted);
+    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    const QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+
+    QVERIFY(model.AddConnection(SampleEntry(1)));
+
+    for (const QSignalSpy* const spy : {&about, &inserted}) {
+        QCOMPARE(spy->size(), 1);
+        QVERIFY(!spy->at(0).at(0).toModelIndex().isValid());
+        QCOMPARE(spy->at(0).at(1).toInt(), 1);
+        QCOMPARE(spy->at(0).at(2).toInt(), 1);
+    }
+    QCOMPARE(changed.size(), 0);
+    QCOMPARE(reset.size(), 0);
+    QCOMPARE(model.rowCount(), 2);
+    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(1)));
+}
+
+void TestConnectionsModelChanges::getConnectionIsACopy()
+{
+    WatchedModel model;
+    Connection given = SampleEntry(1);
+    model.AddConnection(given);
+    given.ConnectionName = QStringLiteral("changed later");
+    Connection taken = model.GetConnection(0);
+    QCOMPARE(taken.parent(), nullptr);
+    taken.ConnectionName = QStringLiteral("changed, too");
+    QCOMPARE(Fields(model.GetConnection(0)), Fields(SampleEntry(1)));
+}
+
+void TestConnectionsModelChanges::removeAnnouncesTheRowsAndRemovesThem_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QStringList>("left");
+    QTest::newRow("first") << 0 << 1 << Texts({"b", "c", "d", "e"});
+    QTest::newRow("middle") << 1 << 3 << Texts({"a", "e"});
+    QTest::newRow("last") << 4 << 1 << Texts({"a", "b", "c", "d"});
+    QTest::newRow("last two") << 3 << 2 << Texts({"a", "b", "c"});
+    QTest::newRow("all") << 0 << 5 << Texts({});
+}
+
+void TestConnectionsModelChanges::removeAnnouncesTheRowsAndRemovesThem()
+{
+    QFETCH(int, row);
+    QFETCH(int, count);
+    QFETCH(QStringList, left);
+    WatchedModel model;
+    model.AddNamed({"a", "b", "c", "d", "e"});
+    const QSignalSpy about(&model, &QAbstractItemModel::rowsAboutToBeRemoved);
+    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+
+    QVERIFY(model.removeRows(row, count));
+
+    for (const QSignalSpy* const spy : {&about, &removed}) {
+        QCOMPARE(spy->size(), 1);
+        QVERIFY(!spy->at(0).at(0).toModelIndex().isValid());
+        QCOMPARE(spy->at(0).at(1).toInt(), row);
+        QCOMPARE(spy->at(0).at(2).toInt(), row + count - 1);
+    }
+    QCOMPARE(model.Names(), left);
+}
+
+void TestConnectionsModelChanges::removeRefuses_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("validParent");
+    QTest::newRow("row 5 of 5") << 5 << 1 << false;
+    QTest::newRow("row 5 of 5, nothing") << 5 << 0 << false;
+    QTest::newRow("row -1") << -1 << 1 << false;
+    QTest::newRow("row far away") << 1000 << 1 << false;
+    QTest::newRow("valid parent") << 0 << 1 << true;
+    QTest::newRow("valid parent, nothing") << 0 << 0 << true;
+}
+
+void TestConnectionsModelChanges::removeRefuses()
+{
+    QFETCH(int, row);
+    QFETCH(int, count);
+    QFETCH(bool, validParent);
+    WatchedModel model;
+    model.AddNamed({"a", "b", "c", "d", "e"});
+    const QSignalSpy about(&model, &QAbstractItemModel::rowsAboutToBeRemoved);
+    QVERIFY(!model.removeRows(row, count, validParent ? model.index(1, 0) : QModelIndex()));
+    QCOMPARE(about.size(), 0);
+    QCOMPARE(model.rowCount(), 5);
+}
+
+void TestConnectionsModelChanges::removeOfNothingIsTrue()
+{
+    WatchedModel model;
+    QVERIFY(!model.removeRows(0, 0));
+    model.AddNamed({"a", "b"});
+    for (const int count : {0, -1, std::numeric_limits<int>::min()}) {
+        QVERIFY(model.removeRows(0, count));
+        QVERIFY(model.removeRows(1, count));
+    }
+    QCOMPARE(model.Names(), Texts({"a", "b"}));
+}
+
+void TestConnectionsModelChanges::removeBeyondTheEndStopsThere()
+{
+    WatchedModel model;
+    model.AddNamed({"a", "b", "c"});
+    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    QVERIFY(model.removeRows(1, std::numeric_limits<int>::max()));
+    QCOMPARE(removed.at(0).at(2).toInt(), 2);
+    QCOMPARE(model.Names(), Texts({"a"}));
+}
+
+void TestConnectionsModelChanges::setDataAssigns_data()
+{
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QStringList>("expected");
+    const auto add = [](const char* name, int column, const QVariant& value, auto change) {
+        Connection entry = SampleEntry(1);
+        change(entry);
+        QTest::newRow(name) << column << value << Fields(entry);
+    };
+    add("Selected", 0, false, [](Connection& entry) { entry.Selected = false; });
+    add("ConnectionName", 1, QStringLiteral("x"),
+        [](Connection& entry) { entry.ConnectionName = QStringLiteral("x"); });
+    add("ConnectionStatus", 2, 0, [](Connection& entry) { entry.ConnectionStatus = 0; });
+    add("DeviceType", 3, 14, [](Connection& entry) { entry.DeviceType = 14; });
+    add("ConnectionType", 4, 0, [](Connection& entry) { entry.ConnectionType = 0; });
+    add("DeviceAddress", 5, QStringLiteral("x"), [](Connection& entry) { entry.DeviceAddress = QStringLiteral("x"); });
+    add("DriverAddress", 6, QStringLiteral("x"), [](Connection& entry) { entry.DriverAddress = QStringLiteral("x"); });
+    add("LinkSpeed", 7, 0, [](Connection& entry) { entry.LinkSpeed = 0; });
+    add("TimeoutSeconds", 8, 0, [](Connection& entry) { entry.TimeoutSeconds = 0; });
+    add("Subsystem", 9, QStringLiteral("x"), [](Connection& entry) { entry.Subsystem = QStringLiteral("x"); });
+    add("number as text", 3, QStringLiteral("7"), [](Connection& entry) { entry.DeviceType = 7; });
+    add("text as number", 1, 7, [](Connection& entry) { entry.ConnectionName = QStringLiteral("7"); });
+    add("tick as number", 0, 0, [](Connection& entry) { entry.Selected = false; });
+    add("invalid value as text", 1, QVariant(), [](Connection& entry) { entry.ConnectionName = QString(); });
+    add("invalid value as number", 3, QVariant(), [](Connection& entry) { entry.DeviceType = 0; });
+    add("same value", 1, SampleEntry(1).ConnectionName, [](Connection&) {});
+}
+
+void TestConnectionsModelChanges::setDataAssigns()
+{
+    QFETCH(int, column);
+    QFETCH(QVariant, value);
+    QFETCH(QStringList, expected);
+    WatchedModel model;
+    model.AddConnection(SampleEntry(0));
+    model.AddConnection(SampleEntry(1));
+    model.AddConnection(SampleEntry(2));
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QVERIFY(model.setData(model.index(1, column), value));
+    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{1, column}}));
+    QCOMPARE(Fields(model.GetConnection(0)), Fields(SampleEntry(0)));
+    QCOMPARE(Fields(model.GetConnection(1)), expected);
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(2)));
+}
+
+void TestConnectionsModelChanges::setDataChecksNoRange()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    for (const int column : {2, 3, 4, 7, 8}) {
+        for (const int value : {std::numeric_limits<int>::min(), -1, 99, std::numeric_limits<int>::max()}) {
+            QVERIFY(model.setData(model.index(0, column), value));
+            QCOMPARE(model.index(0, column).data(Qt::EditRole), QVariant(value));
+        }
+    }
+}
+
+void TestConnectionsModelChanges::setDataWithAnotherRoleOnlyAnnounces_data()
+{
+    QTest::addColumn<int>("role");
+    QTest::newRow("display") << int{Qt::DisplayRole};
+    QTest::newRow("check state") << int{Qt::CheckStateRole};
+    QTest::newRow("decoration") << int{Qt::DecorationRole};
+    QTest::newRow("user") << int{Qt::UserRole};
+}
+
+void TestConnectionsModelChanges::setDataWithAnotherRoleOnlyAnnounces()
+{
+    QFETCH(int, role);
+    WatchedModel model;
+    model.AddConnection(SampleEntry(1));
+    for (int column = 0; column < model.columnCount(); ++column) {
+        const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        QVERIFY(!model.setData(model.index(0, column), 1, role));
+        QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, column}}));
+    }
+    QCOMPARE(Fields(model.GetConnection(0)), Fields(SampleEntry(1)));
+}
+
+// No model tester here: it rightly objects to a change that is announced for an invalid index.
+void TestConnectionsModelChanges::setDataOnBadIndexesOnlyAnnounces()
+{
+    class OpenModel : public ConnectionsModel
+    {
+    public:
+        using ConnectionsModel::ConnectionsModel;
+        using ConnectionsModel::createIndex;
+    };
+    OpenModel model(nullptr, QString());
+    model.AddConnection(SampleEntry(1));
+    ConnectionsModel other(nullptr, QString());
+    other.AddConnection(SampleEntry(2));
+    for (const QModelIndex& bad :
+         {QModelIndex(), model.createIndex(1, 1), model.createIndex(0, 10), other.index(0, 1)}) {
+        const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        QVERIFY(!model.setData(bad, QStringLiteral("x")));
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed.at(0).at(0).toModelIndex(), bad);
+        QCOMPARE(changed.at(0).at(1).toModelIndex(), bad);
+    }
+    QCOMPARE(Fields(model.GetConnection(0)), Fields(SampleEntry(1)));
+    QCOMPARE(Fields(other.GetConnection(0)), Fields(SampleEntry(2)));
+}
+
+void TestConnectionsModelChanges::setStatusChangesEveryEqualEntry()
+{
+    WatchedModel model;
+    Connection entry = NamedEntry(QStringLiteral("x"));
+    model.AddConnection(entry);
+    model.AddNamed({"X"});
+    entry.Selected = true;
+    model.AddConnection(entry);
+    entry.ConnectionStatus = 2;
+    model.AddConnection(entry);
+    model.AddNamed({"y"});
+    entry.Selected = false;
+    entry.ConnectionStatus = 7;
+
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QCOMPARE(model.SetConnectionStatus(entry, 1), false);
+    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}, {2, 2}, {3, 2}}));
+    QList<int> statuses;
+    for (int row = 0; row < model.rowCount(); ++row)
+        statuses += model.GetConnection(row).ConnectionStatus;
+    QCOMPARE(statuses, (QList<int>{1, 0, 1, 1, 0}));
+    QCOMPARE(model.GetConnection(0).Selected, false);
+    QCOMPARE(model.GetConnection(2).Selected, true);
+}
+
+void TestConnectionsModelChanges::setStatusOfAnUnknownEntryChangesNothing()
+{
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QCOMPARE(model.SetConnectionStatus(NamedEntry(QStringLiteral("c")), 1), false);
+    QCOMPARE(changed.size(), 0);
+    QCOMPARE(model.CountInUse(), 0);
+}
+
+void TestConnectionsModelChanges::setStatusAnnouncesWithoutAChange()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QCOMPARE(model.SetConnectionStatus(NamedEntry(QStringLiteral("a")), 0), false);
+    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}}));
+}
+
+void TestConnectionsModelChanges::resetAnnouncesEachStatusCell()
+{
+    WatchedModel model;
+    model.ResetConnectionStatus();
+    for (const int number : {0, 1, 2})
+        model.AddConnection(SampleEntry(number));
+    model.AddNamed({"free already"});
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    model.ResetConnectionStatus();
+    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}, {1, 2}, {2, 2}, {3, 2}}));
+    for (const int number : {0, 1, 2})
+        QCOMPARE(Fields(model.GetConnection(number)), FreeFields(SampleEntry(number)));
+}
+
+void TestConnectionsModelChanges::mimeType()
+{
+    const WatchedModel model;
+    QCOMPARE(model.mimeTypes(), Texts({"text/plain"}));
+}
+
+void TestConnectionsModelChanges::mimeDataTakesEachRowOnceInOrderOfFirstOccurrence()
+{
+    WatchedModel model;
+    for (const int number : {0, 1, 2})
+        model.AddConnection(SampleEntry(number));
+    const std::unique_ptr<QMimeData> data(model.mimeData({model.index(2, 3), model.index(0, 1), model.index(2, 5)}));
+    QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(2), SampleEntry(0)}));
+}
+
+void TestConnectionsModelChanges::mimeDataOfNothingIsAnEmptyRoot()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const std::unique_ptr<QMimeData> data(model.mimeData({}));
+    QCOMPARE(data->data(QStringLiteral("text/plain")),
+             QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries/>\n"));
+}
+
+void TestConnectionsModelChanges::mimeDataPassesOverBadIndexes()
+{
+    WatchedModel model;
+    model.AddConnection(SampleEntry(1));
+    WatchedModel other;
+    other.AddConnection(SampleEntry(2));
+    const std::unique_ptr<QMimeData> data(
+        model.mimeData({QModelIndex(), model.createIndex(7, 0), other.index(0, 0), model.index(0, 0)}));
+    QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(1)}));
+}
+
+void TestConnectionsModelChanges::mimeDataIsAPlainObjectOfTheCaller()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const std::unique_ptr<QMimeData> one(model.mimeData({model.index(0, 0)}));
+    const std::unique_ptr<QMimeData> other(model.mimeData({model.index(0, 0)}));
+    QVERIFY(one != other);
+    QCOMPARE(one->metaObject(), &QMimeData::staticMetaObject);
+    QCOMPARE(one->parent(), nullptr);
+    QCOMPARE(one->formats(), Texts({"text/plain"}));
+}
+
+void TestConnectionsModelChanges::dropAppendsInDocumentOrderAndKeepsStatusAndSelection()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    QVERIFY(Drop(model, PlainText(WriteList({SampleEntry(5), SampleEntry(3)})).get()));
+    QCOMPARE(inserted.size(), 2);
+    QCOMPARE(inserted.at(0).at(1).toInt(), 1);
+    QCOMPARE(inserted.at(1).at(1).toInt(), 2);
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(5)));
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(3)));
+}
+
+void TestConnectionsModelChanges::dropIgnoresPlaceAndAction_data()
+{
+    QTest::addColumn<int>("action");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<bool>("onFirstRow");
+    QTest::newRow("move") << int{Qt::MoveAction} << -1 << -1 << false;
+    QTest::newRow("ignore") << int{Qt::IgnoreAction} << -1 << -1 << false;
+    QTest::newRow("between rows") << int{Qt::CopyAction} << 0 << 0 << false;
+    QTest::newRow("on a row") << int{Qt::CopyAction} << -1 << -1 << true;
+    QTest::newRow("outside") << int{Qt::CopyAction} << 100 << 100 << false;
+}
+
+void TestConnectionsModelChanges::dropIgnoresPlaceAndAction()
+{
+    QFETCH(int, action);
+    QFETCH(int, row);
+    QFETCH(int, column);
+    QFETCH(bool, onFirstRow);
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    const auto data = PlainText(WriteList({NamedEntry(QStringLiteral("c"))}));
+    QVERIFY(model.dropMimeData(data.get(), static_cast<Qt::DropAction>(action), row, column,
+                               onFirstRow ? model.index(0, 1) : QModelIndex()));
+    QCOMPARE(model.Names(), Texts({"a", "b", "c"}));
+}
+
+void TestConnectionsModelChanges::dropWithoutEntries_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("traces");
+    const QByteArray document = WriteList({SampleEntry(1)});
+    QTest::newRow("no format at all") << QString() << QByteArray() << 1;
+    QTest::newRow("another format") << QStringLiteral("application/xml") << document << 1;
+    QTest::newRow("a list of files") << QStringLiteral("text/uri-list") << QByteArray("file:///a.xml") << 1;
+    QTest::newRow("empty text") << QStringLiteral("text/plain") << QByteArray() << 1;
+    QTest::newRow("other text") << QStringLiteral("text/plain") << QByteArray("Hello") << 1;
+    QTest::newRow("no entries") << QStringLiteral("text/plain") << WriteList({}) << 0;
+}
+
+void TestConnectionsModelChanges::dropWithoutEntries()
+{
+    QFETCH(QString, format);
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, traces);
+    WatchedModel model;
+    model.AddNamed({"a"});
+    QMimeData data;
+    if (!format.isEmpty())
+        data.setData(format, bytes);
+    const TraceRecorder recorder;
+    const QSignalSpy about(&model, &QAbstractItemModel::rowsAboutToBeInserted);
+    QVERIFY(!Drop(model, &data));
+    QCOMPARE(about.size(), 0);
+    QCOMPARE(recorder.Reports().size(), traces);
+    // Without any data there is nothing to read.
+    QVERIFY(!Drop(model, nullptr));
+    QCOMPARE(model.Names(), Texts({"a"}));
+}
+
+void TestConnectionsModelChanges::dropOfAMalformedDocumentKeepsWhatCameBefore()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    QByteArray document = WriteList({SampleEntry(1), SampleEntry(2)});
+    document.replace("</ConnectionEntries>", "</Other>");
+    const TraceRecorder recorder;
+    QVERIFY(!Drop(model, PlainText(document).get()));
+    QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(document)));
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(1)));
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(2)));
+}
+
+void TestConnectionsModelChanges::dropOfOwnRowsAppendsCopies()
+{
+    WatchedModel model;
+    model.AddConnection(SampleEntry(0));
+    model.AddConnection(SampleEntry(1));
+    const std::unique_ptr<QMimeData> dragged(model.mimeData({model.index(0, 0), model.index(1, 0)}));
+    QVERIFY(model.canDropMimeData(dragged.get(), Qt::CopyAction, -1, -1, QModelIndex()));
+    QVERIFY(Drop(model, dragged.get()));
+    QCOMPARE(model.rowCount(), 4);
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(0)));
+    QCOMPARE(Fields(model.GetConnection(3)), Fields(SampleEntry(1)));
+}
+
+void TestConnectionsModelChanges::toByteArrayIsTheWholeSetInRowOrder()
+{
+    WatchedModel model;
+    QCOMPARE(model.ToByteArray(), WriteList({}));
+    for (const int number : {2, 0, 1, 0})
+        model.AddConnection(SampleEntry(number));
+    QCOMPARE(model.ToByteArray(), WriteList({SampleEntry(2), SampleEntry(0), SampleEntry(1), SampleEntry(0)}));
+}
+
+void TestConnectionsModelChanges::fromByteArrayReplacesAndFrees()
+{
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    // "ConnectionStatus" 1 and 2 in the document.
+    QVERIFY(model.FromByteArray(WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)})));
+    QCOMPARE(removed.size(), 1);
+    QCOMPARE(removed.at(0).at(1).toInt(), 0);
+    QCOMPARE(removed.at(0).at(2).toInt(), 1);
+    QCOMPARE(inserted.size(), 3);
+    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}, {1, 2}, {2, 2}}));
+    QCOMPARE(model.rowCount(), 3);
+    for (const int number : {0, 1, 2})
+        QCOMPARE(Fields(model.GetConnection(number)), FreeFields(SampleEntry(number)));
+    QVERIFY(!model.FromByteArray(WriteList({})));
+    QCOMPARE(model.rowCount(), 0);
+}
+
+void TestConnectionsModelChanges::fromByteArrayOfAMalformedDocument()
+{
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    QByteArray document = WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)});
+    document.truncate(document.lastIndexOf("<DeviceType>"));
+    const TraceRecorder recorder;
+    QVERIFY(!model.FromByteArray(document));
+    QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(document)));
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(Fields(model.GetConnection(0)), FreeFields(SampleEntry(0)));
+    QCOMPARE(Fields(model.GetConnection(1)), FreeFields(SampleEntry(1)));
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(NamedEntry(SampleEntry(2).ConnectionName)));
+}
+
+void TestConnectionsModelChanges::countsOfAKnownSet()
+{
+    WatchedModel model;
+    QCOMPARE(model.CountSelectedFree(), 0);
+    QCOMPARE(model.CountInUse(), 0);
+    QCOMPARE(model.CountSelected(), 0);
+    Connection entry;
+    for (const int status : {0, 0, 0, 1, 2, -1}) {
+        entry.ConnectionStatus = status;
+        entry.Selected = status <= 0;
+        model.AddConnection(entry);
+    }
+    model.setData(model.index(0, 0), false);
+    QCOMPARE(model.CountSelectedFree(), 2);
+    QCOMPARE(model.CountInUse(), 3);
+    QCOMPARE(model.CountSelected(), 3);
+}
+
+void TestConnectionsModelChanges::countsStayRightAfterAnyChange()
+{
+    WatchedModel model;
+    // Whoever hears of a change asks at once.
+    bool agreed = true;
+    const auto check = [&] {
+        agreed = agreed && CountedByHand(model).Agrees(model);
+    };
+    connect(&model, &QAbstractItemModel::dataChanged, this, check);
+    connect(&model, &QAbstractItemModel::rowsInserted, this, check);
+    connect(&model, &QAbstractItemModel::rowsRemoved, this, check);
+
+    QRandomGenerator random(20240612);
+    const auto anyEntry = [&random] {
+        Connection entry = NamedEntry(QString::number(random.bounded(4)));
+        entry.Selected = random.bounded(2) == 0;
+        entry.ConnectionStatus = random.bounded(-1, 3);
+        return entry;
+    };
+    std::vector<Connection> reference;
+    for (int round = 0; round < 3000; ++round) {
+        const int rows = static_cast<int>(reference.size());
+        const int row = rows > 0 ? random.bounded(rows) : 0;
+        switch (rows > 12 ? 1 : random.bounded(7)) {
+        case 0:
+        case 5: {
+            reference.push_back(anyEntry());
+            model.AddConnection(reference.back());
+            break;
+        }
+        case 1: {
+            const int count = rows > 0 ? random.bounded(rows - row + 1) : 0;
+            QCOMPARE(model.removeRows(row, count), rows > 0);
+            std::vector<Connection> left;
+            for (int i = 0; i < rows; ++i) {
+                if (i < row || i >= row + count)
+                    left.push_back(reference[static_cast<std::size_t>(i)]);
+            }
+            reference.swap(left);
+            break;
+        }
+        case 2: {
+            if (rows == 0)
+                break;
+            const int status = random.bounded(-1, 3);
+            const bool selected = random.bounded(2) == 0;
+            Connection& entry = reference[static_cast<std::size_t>(row)];
+            if (random.bounded(2) == 0) {
+                entry.ConnectionStatus = status;
+                model.setData(model.index(row, 2), status);
+            } else {
+                entry.Selected = selected;
+                model.setData(model.index(row, 0), selected);
+            }
+            break;
+        }
+        case 3: {
+            const Connection entry = anyEntry();
+            const int status = random.bounded(-1, 3);
+            model.SetConnectionStatus(entry, status);
+            for (Connection& candidate : reference) {
+                if (candidate == entry)
+                    candidate.ConnectionStatus = status;
+            }
+            break;
+        }
+        case 4: {
+            if (random.bounded(4) != 0)
+                break;
+            model.ResetConnectionStatus();
+            for (Connection& entry : reference)
+                entry.ConnectionStatus = 0;
+            break;
+        }
+        default: {
+            const std::deque<Connection> entries{anyEntry(), anyEntry(), anyEntry()};
+            const bool replace = random.bounded(4) == 0;
+            QVERIFY(replace ? model.FromByteArray(WriteList(entries))
+                            : Drop(model, PlainText(WriteList(entries)).get()));
+            if (replace)
+                reference.clear();
+            for (Connection entry : entries) {
+                if (replace)
+                    entry.ConnectionStatus = 0;
+                reference.push_back(entry);
+            }
+            break;
+        }
+        }
+        QCOMPARE(model.rowCount(), static_cast<int>(reference.size()));
+        for (int i = 0; i < model.rowCount(); ++i)
+            QCOMPARE(Fields(model.GetConnection(i)), Fields(reference[static_cast<std::size_t>(i)]));
+        QVERIFY(CountedByHand(model).Agrees(model));
+        QVERIFY(agreed);
+    }
+}
+
+QTEST_MAIN(TestConnectionsModelChanges)
+
+#include "tst_connectionsmodelchanges.moc"
