@@ -1,0 +1,110 @@
+#include "userinterface/kitecontrol/kitecontrolwindow.h"
+#include "userinterface/kitecontrol/launchreport.h"
+#include "userinterface/kitecontrol/legacyrecords.h"
+
+#include "tests/kitecontrol/records.h"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+LaunchReport ReportFor(const QString& station, const std::vector<ConnectData>& records)
+{
+    LegacyRecords known;
+    known.configuration = QStringLiteral("/store");
+    known.records = records;
+    return LaunchReport::Make(QStringLiteral("kitecontrol"),
+                              {QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"), station}, known);
+}
+
+QString TextOf(const QWidget& window, const char* objectName)
+{
+    const auto* const label = window.findChild<QLabel*>(QLatin1String(objectName));
+    return label ? label->text() : QStringLiteral("(no such label)");
+}
+
+} // namespace
+
+class TestKiteControlWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void showsTheRecord();
+    void showsCandidates();
+    void showsNamesAsTheyAre();
+    void cutsEndlessNames();
+    void closeButtonCloses();
+};
+
+void TestKiteControlWindow::showsTheRecord()
+{
+    Records records;
+    records.Add("Mast", "Kite Echo", "192.0.2.9");
+    const LaunchReport report = ReportFor(QStringLiteral("Mast"), records.List());
+    const KiteControlWindow window(report);
+    QCOMPARE(window.windowTitle(), QStringLiteral("KiteControl - Mast"));
+    QCOMPARE(TextOf(window, "m_pApplication"), QStringLiteral("KiteControl"));
+    QCOMPARE(TextOf(window, "m_pStation"), QStringLiteral("Mast"));
+    QCOMPARE(TextOf(window, "m_pCommandLine"), report.CommandLine());
+    QCOMPARE(TextOf(window, "m_pConfiguration"), QStringLiteral("/store"));
+    QCOMPARE(TextOf(window, "m_pFinding"), QStringLiteral("ConnectData0 belongs to this command line"));
+    const QList<LaunchReport::Fact> facts = LaunchReport::Facts(records.Last());
+    QCOMPARE(facts.size(), 8);
+    for (const LaunchReport::Fact& fact : facts) {
+        const QString shown = fact.value.isEmpty() ? QString(QChar(0x2013)) : fact.value;
+        QCOMPARE(TextOf(window, fact.label), shown);
+    }
+    QVERIFY(!window.findChild<QListWidget*>());
+}
+
+void TestKiteControlWindow::showsCandidates()
+{
+    Records records;
+    for (int i = 0; i < LaunchReport::MaximumCandidates + 5; ++i) {
+        records.Add("Mast", "Kite Echo");
+    }
+    const KiteControlWindow window(ReportFor(QStringLiteral("Mast"), records.List()));
+    const auto* const list = window.findChild<QListWidget*>(QStringLiteral("m_pCandidates"));
+    QVERIFY(list);
+    QCOMPARE(list->count(), LaunchReport::MaximumCandidates + 1);
+    QCOMPARE(list->item(0)->text(), LaunchReport::Summary(records.List().at(0)));
+    QCOMPARE(list->item(list->count() - 1)->text(), QStringLiteral("and 5 more"));
+}
+
+void TestKiteControlWindow::showsNamesAsTheyAre()
+{
+    const QString name = QStringLiteral("<b>Mast</b> & <i>co</i>");
+    const KiteControlWindow window(ReportFor(name, Records().Add(qPrintable(name), "Kite Echo").List()));
+    const auto* const label = window.findChild<QLabel*>(QStringLiteral("m_pStation"));
+    QVERIFY(label);
+    QCOMPARE(label->text(), name);
+    QCOMPARE(label->textFormat(), Qt::PlainText);
+}
+
+void TestKiteControlWindow::cutsEndlessNames()
+{
+    const QString name(1'000'000, QLatin1Char('m'));
+    const KiteControlWindow window(ReportFor(name, Records().Add(qPrintable(name), "Kite Echo").List()));
+    const QString shown = TextOf(window, "m_pStation");
+    QVERIFY(shown.size() < 1000);
+    QVERIFY(shown.startsWith(QLatin1String("mmmm")));
+    QVERIFY(window.windowTitle().size() < 1000);
+}
+
+void TestKiteControlWindow::closeButtonCloses()
+{
+    KiteControlWindow window(ReportFor(QStringLiteral("Mast"), {}));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    auto* const button = window.findChild<QPushButton*>();
+    QVERIFY(button);
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTRY_VERIFY(!window.isVisible());
+}
+
+QTEST_MAIN(TestKiteControlWindow)
+#include "tst_kitecontrolwindow.moc"

@@ -1,0 +1,308 @@
+#include "userinterface/kitecontrol/launchreport.h"
+#include "userinterface/kitecontrol/legacyrecords.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "tests/kitecontrol/recordingcfg.h"
+#include "tests/kitecontrol/records.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QStringList s_mastArguments{QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"),
+                                  QStringLiteral("Mast")};
+
+LegacyRecords Known(const std::vector<ConnectData>& records)
+{
+    LegacyRecords result;
+    result.configuration = QStringLiteral("/store");
+    result.records = records;
+    return result;
+}
+
+LaunchReport MastReport(const LegacyRecords& records)
+{
+    return LaunchReport::Make(QStringLiteral("kitecontrol"), s_mastArguments, records);
+}
+
+} // namespace
+
+class TestLaunchReport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { CfgCenter::Close(); }
+
+    void oneRecordFits();
+    void severalRecordsFit();
+    void noRecordFits();
+    void withoutCommandLine();
+    void withoutConfiguration();
+    void addressIsNoStation();
+    void manyCandidatesAreCounted();
+    void unknownNumbersStandAlone();
+    void valuesNeverBreakTheirLine();
+    void commandLineIsQuoted_data();
+    void commandLineIsQuoted();
+
+    void countBoundsTheRecords_data();
+    void countBoundsTheRecords();
+    void recordsKeepTheirNumbers();
+    void directoryIsNotKnown();
+    void directoryIsMissing();
+    void directoryIsEmpty();
+    void recordsOfADirectory();
+};
+
+void TestLaunchReport::oneRecordFits()
+{
+    Records records;
+    records.Add("Other", "Kite Echo").Add("Mast", "Plover One", "192.0.2.7");
+    ConnectData& mast = records.Last();
+    mast.m_sDeviceAddress = QStringLiteral("192.0.2.8");
+    mast.m_nConnectionType = 1;
+    mast.m_nConnectionSpeed = 6;
+    mast.m_bTimeoutActive = true;
+    mast.m_nTimeoutSeconds = 600;
+
+    const LaunchReport report = MastReport(Known(records.List()));
+    QCOMPARE(report.application, QStringLiteral("KiteControl"));
+    QCOMPARE(report.station, QStringLiteral("Mast"));
+    QVERIFY(report.record.has_value());
+    QCOMPARE(report.record->m_nIndex, 1);
+    QVERIFY(report.candidates.empty());
+    const QStringList expected{
+        QStringLiteral("application: KiteControl"),
+        QStringLiteral("command line: kitecontrol KiteControl:XMsgDlg.dll Server Mast"),
+        QStringLiteral("configuration: /store"),
+        QStringLiteral("records: 2"),
+        QStringLiteral("finding: ConnectData1 belongs to this command line"),
+        QStringLiteral("record: ConnectData1"),
+        QStringLiteral("station name: Mast"),
+        QStringLiteral("device type: Plover One"),
+        QStringLiteral("connection type: 1 (remote)"),
+        QStringLiteral("device address: 192.0.2.8"),
+        QStringLiteral("remote address: 192.0.2.7"),
+        QStringLiteral("connection speed: 6 (radio link)"),
+        QStringLiteral("time-out: 600 s"),
+        QStringLiteral("type category: 4"),
+    };
+    QCOMPARE(report.Lines(), expected);
+}
+
+void TestLaunchReport::severalRecordsFit()
+{
+    const LaunchReport report =
+        MastReport(Known(Records().Add("Mast", "Kite Echo").Add("x", "Kite Echo").Add("Mast", "Kite Ember").List()));
+    QVERIFY(!report.record.has_value());
+    QCOMPARE(report.station, QStringLiteral("Mast"));
+    QCOMPARE(report.Lines().mid(4),
+             (QStringList{
+                 QStringLiteral("finding: 2 records fit this command line"),
+                 QStringLiteral("candidate: ConnectData0 \"Mast\" (Kite Echo, 0 (direct); device \"\", remote \"\")"),
+                 QStringLiteral("candidate: ConnectData2 \"Mast\" (Kite Ember, 0 (direct); device \"\", remote \"\")"),
+             }));
+}
+
+void TestLaunchReport::noRecordFits()
+{
+    const LaunchReport report =
+        MastReport(Known(Records().Add("Other", "Kite Echo").Add("Bravo", "Kite Bravo").List()));
+    QVERIFY(!report.record.has_value());
+    QCOMPARE(report.station, QStringLiteral("Mast"));
+    QCOMPARE(report.Lines().mid(3),
+             (QStringList{
+                 QStringLiteral("records: 2"),
+                 QStringLiteral("finding: no record fits this command line"),
+                 QStringLiteral("candidate: ConnectData0 \"Other\" (Kite Echo, 0 (direct); device \"\", remote \"\")"),
+             }));
+}
+
+void TestLaunchReport::withoutCommandLine()
+{
+    const LaunchReport report =
+        LaunchReport::Make(QStringLiteral("kitecontrol"), {}, Known(Records().Add("Mast", "Kite Echo").List()));
+    QCOMPARE(report.Lines(),
+             (QStringList{
+                 QStringLiteral("application: (none)"),
+                 QStringLiteral("command line: kitecontrol"),
+                 QStringLiteral("configuration: /store"),
+                 QStringLiteral("records: 1"),
+                 QStringLiteral("finding: started without a command line, so no record belongs to this start"),
+             }));
+}
+
+void TestLaunchReport::withoutConfiguration()
+{
+    const LaunchReport report = MastReport(LegacyRecords::FromDirectory(QString()));
+    QVERIFY(!report.record.has_value());
+    QCOMPARE(report.station, QStringLiteral("Mast"));
+    QCOMPARE(report.Lines().mid(2),
+             (QStringList{
+                 QStringLiteral("configuration: (none)"),
+                 QStringLiteral("records: 0"),
+                 QStringLiteral("finding: no configuration is known (VEXEL_CONFIG_DIR is not set)"),
+             }));
+}
+
+void TestLaunchReport::addressIsNoStation()
+{
+    const QStringList arguments{QStringLiteral("WrenDControl:XMsgDlg.dll"), QStringLiteral("Server"),
+                                QStringLiteral("Connection=192.0.2.9:9446")};
+    const LaunchReport unknown = LaunchReport::Make(QStringLiteral("wrendcontrol"), arguments, Known({}));
+    QCOMPARE(unknown.station, QString());
+
+    const LaunchReport known = LaunchReport::Make(QStringLiteral("wrendcontrol"), arguments,
+                                                  Known(Records().Add("Airfield", "Wren D", "192.0.2.9").List()));
+    QCOMPARE(known.station, QStringLiteral("Airfield"));
+}
+
+void TestLaunchReport::manyCandidatesAreCounted()
+{
+    Records records;
+    for (int i = 0; i < LaunchReport::MaximumCandidates + 3; ++i) {
+        records.Add("Mast", "Kite Echo");
+    }
+    const QStringList lines = MastReport(Known(records.List())).Lines();
+    QCOMPARE(lines.filter(QStringLiteral("candidate: ")).size(), LaunchReport::MaximumCandidates);
+    QCOMPARE(lines.constLast(), QStringLiteral("further candidates: 3"));
+}
+
+void TestLaunchReport::unknownNumbersStandAlone()
+{
+    Records records;
+    records.Add("Mast", "Kite Echo");
+    records.Last().m_nConnectionType = -1;
+    records.Last().m_nConnectionSpeed = 7;
+    const QStringList lines = MastReport(Known(records.List())).Lines();
+    QVERIFY(lines.contains(QStringLiteral("connection type: -1")));
+    QVERIFY(lines.contains(QStringLiteral("connection speed: 7")));
+    QVERIFY(lines.contains(QStringLiteral("time-out: none")));
+}
+
+void TestLaunchReport::valuesNeverBreakTheirLine()
+{
+    const QString name = QStringLiteral("a\\b\nfinding: c\r\t\u2028d");
+    Records records;
+    records.Add(qPrintable(name), "Kite Echo");
+    const QStringList arguments{QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"), name};
+    const LaunchReport report = LaunchReport::Make(QStringLiteral("kitecontrol"), arguments, Known(records.List()));
+    QVERIFY(report.record.has_value());
+    const QString escaped = QStringLiteral("a\\\\b\\nfinding: c\\u000d\\u0009\\u2028d");
+    const QStringList lines = report.Lines();
+    QVERIFY2(lines.contains(QStringLiteral("station name: ") + escaped), qPrintable(lines.join(QLatin1Char('|'))));
+    QCOMPARE(lines.filter(QStringLiteral("\n")).size(), 0);
+    QCOMPARE(lines.at(1), QStringLiteral("command line: kitecontrol KiteControl:XMsgDlg.dll Server \"") + escaped +
+                              QLatin1Char('"'));
+}
+
+void TestLaunchReport::commandLineIsQuoted_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("plain") << QStringLiteral("Mast") << QStringLiteral("Mast");
+    QTest::newRow("blank") << QStringLiteral("Mast 1") << QStringLiteral("\"Mast 1\"");
+    QTest::newRow("empty") << QString() << QStringLiteral("\"\"");
+    QTest::newRow("quote") << QStringLiteral("a\"b") << QStringLiteral("\"a\\\"b\"");
+}
+
+void TestLaunchReport::commandLineIsQuoted()
+{
+    QFETCH(QString, argument);
+    QFETCH(QString, shown);
+    const LaunchReport report = LaunchReport::Make(QStringLiteral("kitecontrol"), {argument}, Known({}));
+    QCOMPARE(report.CommandLine(), QStringLiteral("kitecontrol ") + shown);
+}
+
+void TestLaunchReport::countBoundsTheRecords_data()
+{
+    QTest::addColumn<QString>("count");
+    QTest::addColumn<int>("read");
+    QTest::newRow("missing") << QString() << 0;
+    QTest::newRow("none") << QStringLiteral("0") << 0;
+    QTest::newRow("fewer than stand there") << QStringLiteral("2") << 2;
+    QTest::newRow("all") << QStringLiteral("3") << 3;
+    QTest::newRow("negative") << QStringLiteral("-1") << 0;
+    QTest::newRow("no number") << QStringLiteral("many") << 0;
+    QTest::newRow("absurd") << QStringLiteral("2000000000") << LegacyRecords::MaximumCount;
+}
+
+void TestLaunchReport::countBoundsTheRecords()
+{
+    QFETCH(QString, count);
+    QFETCH(int, read);
+    ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("Bounds"), View::Shared, QString());
+    if (!count.isNull()) {
+        document->SetString(QStringLiteral("ConnectionCount"), count, 0);
+    }
+    for (const ConnectData& record : Records().Add("A", "x").Add("B", "x").Add("C", "x").List()) {
+        record.Write(document);
+    }
+    QCOMPARE(int(LegacyRecords::FromDocument(document).size()), read);
+}
+
+void TestLaunchReport::recordsKeepTheirNumbers()
+{
+    RecordingCfg document;
+    document.SetString(QStringLiteral("ConnectionCount"), QStringLiteral("2"), 0);
+    for (const ConnectData& record : Records().Add("A", "x").Add("B", "y").List()) {
+        record.Write(&document);
+    }
+    const std::vector<ConnectData> records = LegacyRecords::FromDocument(&document);
+    QCOMPARE(records.size(), std::size_t(2));
+    QCOMPARE(document.Contents().openHandles, 0);
+    QCOMPARE(records[1].m_nIndex, 1);
+    QCOMPARE(records[1].m_sStationName, QStringLiteral("B"));
+}
+
+void TestLaunchReport::directoryIsNotKnown()
+{
+    const LegacyRecords records = LegacyRecords::FromDirectory(QString());
+    QVERIFY(records.records.empty());
+    QVERIFY(!records.problem.isEmpty());
+}
+
+void TestLaunchReport::directoryIsMissing()
+{
+    const QTemporaryDir parent;
+    const QString missing = parent.filePath(QStringLiteral("store"));
+    const LegacyRecords records = LegacyRecords::FromDirectory(missing);
+    QCOMPARE(records.configuration, missing);
+    QVERIFY(records.records.empty());
+    QCOMPARE(records.problem, QStringLiteral("the configuration directory does not exist"));
+    QVERIFY(!QDir(missing).exists());
+}
+
+void TestLaunchReport::directoryIsEmpty()
+{
+    const QTemporaryDir store;
+    const LegacyRecords records = LegacyRecords::FromDirectory(store.path());
+    QVERIFY(records.records.empty());
+    QCOMPARE(records.problem, QStringLiteral("the configuration holds no records"));
+}
+
+void TestLaunchReport::recordsOfADirectory()
+{
+    const QTemporaryDir store;
+    QVERIFY(CfgCenter::Open(store.path()));
+    ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString());
+    for (const ConnectData& record : Records().Add("A", "Kite Echo").Add("B", "Heron").List()) {
+        record.Write(document);
+    }
+    document->SetString(QStringLiteral("ConnectionCount"), QStringLiteral("2"), 0);
+    QVERIFY(CfgCenter::SaveDocument());
+    CfgCenter::Close();
+
+    const LegacyRecords records = LegacyRecords::FromDirectory(store.path());
+    QCOMPARE(records.problem, QString());
+    QCOMPARE(records.records.size(), std::size_t(2));
+    QCOMPARE(records.records[0].m_sStationName, QStringLiteral("A"));
+    QCOMPARE(records.records[1].m_sDeviceType, QStringLiteral("Heron"));
+}
+
+QTEST_GUILESS_MAIN(TestLaunchReport)
+#include "tst_launchreport.moc"

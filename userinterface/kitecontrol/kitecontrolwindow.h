@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QWidget>
+
+class QFormLayout;
+struct LaunchReport;
+
+/// The window of the sample user-interface application: who it is, how it was started, and its legacy record.
+class KiteControlWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit KiteControlWindow(const LaunchReport& report, QWidget* parent = nullptr);
+
+private:
+    void AddHeading(const LaunchReport& report);
+    void AddRecord(const LaunchReport& report);
+    void AddCandidates(const LaunchReport& report);
+    void AddStart(const LaunchReport& report);
+    void AddButtons();
+};
