@@ -11,7 +11,8 @@
 /// Collects the reports made while it lives: turns the kinds on, takes the place of the sink, and at its end brings
 /// back the mask it found and the default sink.
 ///
-/// One at a time. What it recorded before a failing check is the best explanation of it: `QVERIFY2` with `Text()`.
+/// One at a time. What it recorded before a failing check is the best explanation of it: `QVERIFY2` with
+/// `Text().constData()`.
 class TraceRecorder
 {
 public:

@@ -21,6 +21,9 @@ namespace {
 
 constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/appcounter";
 
+// Of a name in a message box. The box takes a second and more to come up for every hundred thousand characters.
+constexpr qsizetype s_shownNameLength = 10'000;
+
 QString ConfiguredText(const QString& node, const QString& key)
 {
     return CfgCenter::CreateCfg(node, View::Application, QString())->GetString(key, QString(), 0);
@@ -41,9 +44,9 @@ void TraceXmlError(quint16 line, const char* message, const QXmlStreamReader& re
 
 } // namespace
 
-AppCounter::AppCounter(ConnectionsModel* owner, const QString& configurationName)
+AppCounter::AppCounter(ConnectionsModel* owner, QString configurationName)
     : m_pOwner(owner)
-    , m_sConfigurationName(configurationName)
+    , m_sConfigurationName(std::move(configurationName))
 {
     UpdateInstalledApps();
     UpdateTypeDeviceMappings();
@@ -203,13 +206,18 @@ bool AppCounter::ConnectTo(const Connection& entry)
 
 void AppCounter::ShowNoFreeApplication(const Connection& entry) const
 {
+    QString name = entry.ConnectionName;
+    if (name.size() > s_shownNameLength) {
+        name.truncate(s_shownNameLength);
+        name += QChar(0x2026);
+    }
     QMessageBox box(QMessageBox::Information, tr("Problem"),
                     tr("Could not connect to \"%1\".\n\n"
                        "There is no free userinterface available to connect to this type of hardware.\n\n"
                        "Device type: %2\n"
                        "Number of installed applications for this type: %3\n"
                        "Number of running applications for this type: %4")
-                        .arg(entry.ConnectionName, Connection::DeviceTypeName(entry.DeviceType),
+                        .arg(name, Connection::DeviceTypeName(entry.DeviceType),
                              QString::number(InstalledApplications(entry.DeviceType).size()),
                              QString::number(RunningApplications(entry.DeviceType).size())),
                     QMessageBox::Ok);

@@ -30,7 +30,7 @@ public:
     /// @param owner the model whose entries' statuses are kept up to date; not owned, may be gone before this object.
     /// @param configurationName the configuration document whose value "TypeApplicationMappings" is the path of the
     /// mapping file.
-    AppCounter(ConnectionsModel* owner, const QString& configurationName);
+    AppCounter(ConnectionsModel* owner, QString configurationName);
     /// Ends the applications that still run. Leaves the model alone.
     ~AppCounter() override;
 

@@ -26,11 +26,11 @@ void End(QProcess& process)
 
 } // namespace
 
-ApplicationInstance::ApplicationInstance(const QString& program, const QStringList& arguments,
-                                         const QString& workingDirectory, const Connection& connection)
-    : m_sProgram(program)
-    , m_Arguments(arguments)
-    , m_sWorkingDirectory(workingDirectory)
+ApplicationInstance::ApplicationInstance(QString program, QStringList arguments, QString workingDirectory,
+                                         const Connection& connection)
+    : m_sProgram(std::move(program))
+    , m_Arguments(std::move(arguments))
+    , m_sWorkingDirectory(std::move(workingDirectory))
     , m_Connection(connection)
 {
 }

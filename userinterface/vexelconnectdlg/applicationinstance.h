@@ -19,8 +19,7 @@ public:
     enum State : int { Free = 0, Started = 1, Error = 2 };
 
     /// Stores the four; starts nothing.
-    ApplicationInstance(const QString& program, const QStringList& arguments, const QString& workingDirectory,
-                        const Connection& connection);
+    ApplicationInstance(QString program, QStringList arguments, QString workingDirectory, const Connection& connection);
     /// Ends a process that is still there; `ProcessExited` is not emitted for it.
     ~ApplicationInstance() override;
 

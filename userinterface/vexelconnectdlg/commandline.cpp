@@ -24,7 +24,7 @@ QString DefaultPort(int deviceType)
     case Connection::LinnetDF:
         return QStringLiteral(":27071");
     default:
-        return QString();
+        return {};
     }
 }
 

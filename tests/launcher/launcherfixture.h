@@ -1,0 +1,159 @@
+#pragma once
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+/// The program that the tests start, and what the started ones report; see testchild.cpp. One at a time, because the
+/// children take their orders from the environment.
+class TestChild
+{
+public:
+    struct Report
+    {
+        qint64 pid = 0;
+        QString program;
+        QStringList arguments;
+        QString directory;
+        QString stdinTarget;
+        QString stdoutTarget;
+        QString stderrTarget;
+    };
+
+    TestChild()
+    {
+        qputenv("VEXEL_TESTCHILD_REPORTS", QFile::encodeName(m_Reports.path()));
+        Behave("exit");
+    }
+    ~TestChild()
+    {
+        qunsetenv("VEXEL_TESTCHILD_REPORTS");
+        qunsetenv("VEXEL_TESTCHILD_MODE");
+        qunsetenv("VEXEL_TESTCHILD_NUMBER");
+    }
+    TestChild(const TestChild&) = delete;
+    TestChild& operator=(const TestChild&) = delete;
+
+    static QString Program() { return QStringLiteral(VEXEL_TESTCHILD); }
+
+    /// What children do that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
+    /// asked to end, be "stubborn" and stay even then, "print" `number` bytes before they report, or "print-forever".
+    void Behave(const char* mode, int number = 0)
+    {
+        qputenv("VEXEL_TESTCHILD_MODE", mode);
+        qputenv("VEXEL_TESTCHILD_NUMBER", QByteArray::number(number));
+    }
+
+    /// What the children started so far reported, in no particular order.
+    QList<Report> Reports() const
+    {
+        QList<Report> reports;
+        const QFileInfoList files = QDir(m_Reports.path()).entryInfoList({QStringLiteral("*.json")}, QDir::Files);
+        for (const QFileInfo& info : files) {
+            QFile file(info.filePath());
+            if (!file.open(QIODevice::ReadOnly))
+                continue;
+            const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
+            Report report;
+            report.pid = object.value(QStringLiteral("pid")).toInteger();
+            report.program = object.value(QStringLiteral("program")).toString();
+            const QJsonArray arguments = object.value(QStringLiteral("arguments")).toArray();
+            for (const QJsonValue argument : arguments)
+                report.arguments.append(argument.toString());
+            report.directory = object.value(QStringLiteral("directory")).toString();
+            report.stdinTarget = object.value(QStringLiteral("stdin")).toString();
+            report.stdoutTarget = object.value(QStringLiteral("stdout")).toString();
+            report.stderrTarget = object.value(QStringLiteral("stderr")).toString();
+            reports.append(report);
+        }
+        return reports;
+    }
+    qsizetype Count() const { return Reports().size(); }
+    /// Forgets the reports so far.
+    void Clear()
+    {
+        QDir reports(m_Reports.path());
+        const QStringList files = reports.entryList(QDir::Files);
+        for (const QString& file : files)
+            reports.remove(file);
+    }
+
+private:
+    QTemporaryDir m_Reports;
+};
+
+/// Whether the system's list of processes can be asked, and whether a process is in it. One that has ended but was not
+/// waited for still is.
+inline bool CanSeeProcesses()
+{
+    return QFile::exists(QStringLiteral("/proc/self/stat"));
+}
+inline bool IsProcess(qint64 pid)
+{
+    return QFile::exists(QStringLiteral("/proc/%1").arg(pid));
+}
+
+/// A data directory, empty at first, that the configuration in memory names, together with nothing else.
+class DataDirectory
+{
+public:
+    DataDirectory()
+    {
+        CfgCenter::Close();
+        Configure("Administration", "VexelDataDir", m_Directory.path());
+    }
+    ~DataDirectory() { CfgCenter::Close(); }
+    DataDirectory(const DataDirectory&) = delete;
+    DataDirectory& operator=(const DataDirectory&) = delete;
+
+    static void Configure(const char* document, const char* key, const QString& value)
+    {
+        CfgCenter::CreateCfg(QLatin1String(document), View::Application, QString())
+            ->SetString(QLatin1String(key), value, 0);
+    }
+
+    QString MachineFile() const { return Path(QStringLiteral("CfgVEXEL.xml")); }
+    QString MappingFile() const { return Path(QStringLiteral("TypeApplicationMappings.xml")); }
+    QString Path(const QString& name) const { return m_Directory.path() + QLatin1Char('/') + name; }
+
+    bool WriteMachine(const QString& document) const { return Write(MachineFile(), document); }
+    bool WriteMappings(const QString& document) const { return Write(MappingFile(), document); }
+
+    static bool Write(const QString& path, const QString& content)
+    {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(content.toUtf8()) >= 0;
+    }
+
+    /// The machine configuration element of an application that is started by `executable`.
+    static QString Application(const QString& name, const QString& executable)
+    {
+        return QStringLiteral("<%1><Startup><exe>%2</exe></Startup></%1>").arg(name, executable.toHtmlEscaped());
+    }
+    static QString Machine(const QString& applications)
+    {
+        return QStringLiteral("<Configuration><Machine>%1</Machine></Configuration>").arg(applications);
+    }
+    static QString Mapping(const QString& deviceType, const QString& application)
+    {
+        return QStringLiteral("<Mapping><DeviceType>%1</DeviceType><Application>%2</Application></Mapping>")
+            .arg(deviceType, application.toHtmlEscaped());
+    }
+    static QString Mapping(int deviceType, const QString& application)
+    {
+        return Mapping(QString::number(deviceType), application);
+    }
+    static QString Mappings(const QString& mappings)
+    {
+        return QStringLiteral("<TypeApplicationMappings>%1</TypeApplicationMappings>").arg(mappings);
+    }
+
+private:
+    QTemporaryDir m_Directory;
+};

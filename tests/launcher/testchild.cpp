@@ -1,0 +1,85 @@
+// A program to be started by tests: reports how it was started, then ends, crashes, prints or stays, as its environment
+// says. The arguments are no place for that: they are what is tested.
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+/// Where a standard stream leads, on systems that tell.
+QString StreamTarget(int stream)
+{
+    return QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(stream)).symLinkTarget();
+}
+
+/// Writes a file "<process id>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is complete.
+bool WriteReport()
+{
+    QSaveFile file(QStringLiteral("%1/%2.json")
+                       .arg(qEnvironmentVariable("VEXEL_TESTCHILD_REPORTS"))
+                       .arg(QCoreApplication::applicationPid()));
+    const QJsonObject report{
+        {QStringLiteral("pid"), QCoreApplication::applicationPid()},
+        {QStringLiteral("program"), QCoreApplication::applicationFilePath()},
+        {QStringLiteral("arguments"), QJsonArray::fromStringList(QCoreApplication::arguments().mid(1))},
+        {QStringLiteral("directory"), QDir::current().canonicalPath()},
+        {QStringLiteral("stdin"), StreamTarget(0)},
+        {QStringLiteral("stdout"), StreamTarget(1)},
+        {QStringLiteral("stderr"), StreamTarget(2)},
+    };
+    return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(report).toJson()) > 0 && file.commit();
+}
+
+void Print(long long bytes)
+{
+    const std::string line(1023, 'x');
+    for (long long printed = 0; bytes < 0 || printed < bytes; printed += 1024) {
+        std::puts(line.c_str());
+        std::fputs("y", stderr);
+    }
+}
+
+[[noreturn]] void Crash()
+{
+#ifdef Q_OS_WIN
+    // What the system reports for a program that was ended by an access violation; `abort` asks the user instead.
+    std::_Exit(static_cast<int>(0xC0000005));
+#else
+    std::abort();
+#endif
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QString mode = qEnvironmentVariable("VEXEL_TESTCHILD_MODE", QStringLiteral("exit"));
+
+    // Before the report: whoever has seen the report may count on it.
+    if (mode == QLatin1String("stubborn"))
+        std::signal(SIGTERM, SIG_IGN);
+    if (mode == QLatin1String("print"))
+        Print(qEnvironmentVariableIntValue("VEXEL_TESTCHILD_NUMBER"));
+
+    if (!WriteReport())
+        return 99;
+
+    if (mode == QLatin1String("crash"))
+        Crash();
+    if (mode == QLatin1String("print-forever"))
+        Print(-1);
+    if (mode == QLatin1String("stay") || mode == QLatin1String("stubborn"))
+        return QCoreApplication::exec();
+    return mode == QLatin1String("exit") ? qEnvironmentVariableIntValue("VEXEL_TESTCHILD_NUMBER") : 0;
+}

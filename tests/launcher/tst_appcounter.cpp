@@ -1,0 +1,725 @@
+#include "userinterface/vexelconnectdlg/appcounter.h"
+
+#include "tests/launcher/launcherfixture.h"
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/machineconfiguration.h"
+
+#include <QMetaMethod>
+#include <QTest>
+#include <QXmlStreamReader>
+
+#include <memory>
+
+namespace {
+
+QString s(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+QStringList l(const char* names)
+{
+    return s(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+const QString s_source = QStringLiteral("userinterface/vexelconnectdlg/appcounter");
+
+} // namespace
+
+/// What is read from the two files, and what the lookups make of it. What is done with it is in tst_connectto.
+class tst_AppCounter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void MetaObject();
+
+    void NoDataDirectory();
+    void MachineFileMissing();
+    void MachineFileMissingKeepsConfiguredPath();
+    void MappingPathByDefault();
+    void MappingPathConfigured();
+    void MappingFileMissing();
+    void NotAFile();
+    void FileTooLarge();
+    void ConfigurationOfOtherName();
+
+    void Applications_data();
+    void Applications();
+    void MachineAnywhere_data();
+    void MachineAnywhere();
+    void StartList_data();
+    void StartList();
+    void OnlyFirstStartup();
+    void SameApplicationTwice();
+    void ParameterCountOutOfRange_data();
+    void ParameterCountOutOfRange();
+    void ManySlots();
+    void MachineXmlError_data();
+    void MachineXmlError();
+    void MachineWithoutMachine();
+    void MachineCutShort();
+    void MachineReadDirectly();
+
+    void Mappings_data();
+    void Mappings();
+    void MappingsXmlError();
+    void MappingsReadDirectly();
+    void EntitiesAreRefused();
+
+    void InstalledTable();
+    void InstalledOnce();
+    void Normalisation_data();
+    void Normalisation();
+    void UpdatesRebuild();
+    void EveryTraceNamesItsPlace();
+    void SilentWithoutTraces();
+
+private:
+    std::unique_ptr<AppCounter> Counter(const QString& name = QStringLiteral("Launcher")) const
+    {
+        return std::make_unique<AppCounter>(nullptr, name);
+    }
+    /// One that read these two documents.
+    std::unique_ptr<AppCounter> Counter(const QString& machine, const QString& mappings) const
+    {
+        return m_pData->WriteMachine(machine) && m_pData->WriteMappings(mappings) ? Counter() : nullptr;
+    }
+    QString CouldNotOpenMachine() const
+    {
+        return s("AppCounter::UpdateInstalledApps(): Could not open ") + m_pData->MachineFile() + s(" for reading");
+    }
+    QString CouldNotParseMachine() const
+    {
+        return s("AppCounter::UpdateInstalledApps(): Could not parse ") + m_pData->MachineFile();
+    }
+    static QString CouldNotOpenMappings(const QString& path)
+    {
+        return s("AppCounter::UpdateTypeDeviceMappings(): Could not open ") + path + s(" for reading");
+    }
+    QString CouldNotParseMappings() const
+    {
+        return s("AppCounter::UpdateTypeDeviceMappings(): Could not parse ") + m_pData->MappingFile();
+    }
+
+    std::unique_ptr<DataDirectory> m_pData;
+    std::unique_ptr<TraceRecorder> m_pTraces;
+};
+
+void tst_AppCounter::init()
+{
+    m_pData = std::make_unique<DataDirectory>();
+    m_pTraces = std::make_unique<TraceRecorder>();
+}
+
+void tst_AppCounter::cleanup()
+{
+    m_pTraces.reset();
+    m_pData.reset();
+}
+
+void tst_AppCounter::MetaObject()
+{
+    const QMetaObject& meta = AppCounter::staticMetaObject;
+    QCOMPARE(meta.className(), "AppCounter");
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+    QCOMPARE(meta.propertyCount(), QObject::staticMetaObject.propertyCount());
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), 1);
+    const QMetaMethod slot = meta.method(meta.methodOffset());
+    QCOMPARE(slot.methodSignature(), QByteArray("SlotOnProcessExit()"));
+    QCOMPARE(slot.methodType(), QMetaMethod::Slot);
+    QCOMPARE(slot.access(), QMetaMethod::Public);
+}
+
+void tst_AppCounter::NoDataDirectory()
+{
+    DataDirectory::Configure("Administration", "VexelDataDir", QString());
+    const auto counter = Counter();
+    QCOMPARE(m_pTraces->Messages(),
+             (QStringList{s("AppCounter::UpdateInstalledApps(): Could not open /CfgVEXEL.xml for reading"),
+                          CouldNotOpenMappings(QString())}));
+    QCOMPARE(counter->MappingFilePath(), QString());
+    for (int deviceType = -1; deviceType <= 15; ++deviceType) {
+        QVERIFY(counter->InstalledApplications(deviceType).isEmpty());
+        QVERIFY(counter->RunningApplications(deviceType).isEmpty());
+        QVERIFY(counter->FreeApplications(deviceType).isEmpty());
+        QVERIFY(counter->ProgramForType(deviceType).isEmpty());
+    }
+}
+
+void tst_AppCounter::MachineFileMissing()
+{
+    // The default path is settled only once the machine configuration is open: the mapping file is there, and not read.
+    QVERIFY(m_pData->WriteMappings(DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe")))));
+    const auto counter = Counter();
+    QCOMPARE(counter->MappingFilePath(), QString());
+    QCOMPARE(m_pTraces->Messages(), (QStringList{CouldNotOpenMachine(), CouldNotOpenMappings(QString())}));
+    QCOMPARE(counter->ProgramForType(1), QString());
+}
+
+void tst_AppCounter::MachineFileMissingKeepsConfiguredPath()
+{
+    const QString path = m_pData->Path(s("elsewhere.xml"));
+    QVERIFY(DataDirectory::Write(path, DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe")))));
+    DataDirectory::Configure("Launcher", "TypeApplicationMappings", path);
+    const auto counter = Counter();
+    QCOMPARE(counter->MappingFilePath(), path);
+    QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotOpenMachine()));
+    QCOMPARE(counter->ProgramForType(1), s("a.exe"));
+    QVERIFY(counter->InstalledApplications(1).isEmpty());
+}
+
+void tst_AppCounter::MappingPathByDefault()
+{
+    const auto counter = Counter(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("kite.exe"))),
+                                 DataDirectory::Mappings(DataDirectory::Mapping(1, s("Kite"))));
+    QCOMPARE(counter->MappingFilePath(), m_pData->MappingFile());
+    QCOMPARE(counter->InstalledList(), l("Kite"));
+    QCOMPARE(counter->InstalledApplications(1), l("Kite"));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+}
+
+void tst_AppCounter::MappingPathConfigured()
+{
+    const QString path = m_pData->Path(s("elsewhere.xml"));
+    QVERIFY(DataDirectory::Write(path, DataDirectory::Mappings(DataDirectory::Mapping(2, s("Kite")))));
+    DataDirectory::Configure("Launcher", "TypeApplicationMappings", path);
+    const auto counter = Counter(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("kite.exe"))),
+                                 DataDirectory::Mappings(DataDirectory::Mapping(1, s("Kite"))));
+    QCOMPARE(counter->MappingFilePath(), path);
+    QVERIFY(counter->InstalledApplications(1).isEmpty());
+    QCOMPARE(counter->InstalledApplications(2), l("Kite"));
+}
+
+void tst_AppCounter::MappingFileMissing()
+{
+    QVERIFY(m_pData->WriteMachine(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("kite.exe")))));
+    const auto counter = Counter();
+    QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotOpenMappings(m_pData->MappingFile())));
+    QCOMPARE(counter->InstalledList(), l("Kite"));
+    for (int deviceType = 0; deviceType < 15; ++deviceType)
+        QVERIFY(counter->InstalledApplications(deviceType).isEmpty());
+}
+
+void tst_AppCounter::NotAFile()
+{
+    QVERIFY(QDir().mkdir(m_pData->MachineFile()));
+    DataDirectory::Configure("Launcher", "TypeApplicationMappings", s("/dev/zero"));
+    const auto counter = Counter();
+    QCOMPARE(m_pTraces->Messages(), (QStringList{CouldNotOpenMachine(), CouldNotOpenMappings(s("/dev/zero"))}));
+}
+
+void tst_AppCounter::FileTooLarge()
+{
+    QFile file(m_pData->MachineFile());
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(qint64{65} * 1024 * 1024));
+    file.close();
+    const auto counter = Counter();
+    QCOMPARE(m_pTraces->Messages().constFirst(), CouldNotOpenMachine());
+}
+
+void tst_AppCounter::ConfigurationOfOtherName()
+{
+    // Only the configuration that was named counts, and only in the application's view.
+    DataDirectory::Configure("Other", "TypeApplicationMappings", s("/other"));
+    CfgCenter::CreateCfg(s("Launcher"), View::User, QString())->SetString(s("TypeApplicationMappings"), s("/user"), 0);
+    QCOMPARE(Counter()->MappingFilePath(), QString());
+    QCOMPARE(Counter(s("Other"))->MappingFilePath(), s("/other"));
+}
+
+void tst_AppCounter::Applications_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::addColumn<QString>("names");
+    QTest::newRow("none") << QString() << QString();
+    QTest::newRow("in document order") << s("<Zeta/><Alpha></Alpha> text <Kite><Startup/></Kite>")
+                                       << s("Zeta Alpha Kite");
+    QTest::newRow("elements within are none")
+        << s("<A><Startup><exe>x</exe></Startup><B/><C><D/></C></A><E/>") << s("A E");
+    QTest::newRow("same name within") << s("<A><A><A/></A><B/></A><C/>") << s("A C");
+    QTest::newRow("same name within the start description")
+        << s("<A><Startup><A><exe>x</exe></A></Startup></A><C/>") << s("A C");
+    QTest::newRow("named Startup") << s("<Startup><exe>x</exe></Startup><C/>") << s("Startup C");
+    QTest::newRow("named Machine") << s("<Machine><C/></Machine><D/>") << s("Machine D");
+    QTest::newRow("comments, instructions, sections") << s("<!-- <X/> --><?pi <Y/> ?><![CDATA[<Z/>]]><A/>") << s("A");
+}
+
+void tst_AppCounter::Applications()
+{
+    QFETCH(const QString, content);
+    QFETCH(const QString, names);
+    const auto counter = Counter(DataDirectory::Machine(content), DataDirectory::Mappings(QString()));
+    QCOMPARE(counter->InstalledList(), names.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotParseMappings()));
+}
+
+void tst_AppCounter::MachineAnywhere_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::addColumn<QString>("names");
+    QTest::newRow("as root") << s("<Machine><A/></Machine>") << s("A");
+    QTest::newRow("deep down") << s("<x><y><z/><Machine><A/></Machine></y></x>") << s("A");
+    QTest::newRow("elements before and after") << s("<x><B><C/></B><Machine><A/></Machine><D><E/></D></x>") << s("A");
+    QTest::newRow("case matters") << s("<x><machine><B/></machine><Machine><A/></Machine></x>") << s("A");
+    QTest::newRow("only the first") << s("<x><Machine><A/></Machine><Machine><B/></Machine></x>") << s("A");
+    QTest::newRow("with a document type")
+        << s("<!DOCTYPE x [<!ELEMENT x ANY>]><x><Machine><A/></Machine></x>") << s("A");
+}
+
+void tst_AppCounter::MachineAnywhere()
+{
+    QFETCH(const QString, document);
+    QFETCH(const QString, names);
+    const auto counter = Counter(document, DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
+    QCOMPARE(counter->InstalledList(), names.split(QLatin1Char(' ')));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+}
+
+void tst_AppCounter::StartList_data()
+{
+    QTest::addColumn<QString>("startup");
+    QTest::addColumn<QStringList>("startList");
+    const auto row = [](const char* name, const char* startup, const QStringList& startList) {
+        QTest::newRow(name) << s(startup) << startList;
+    };
+    const QString none = QLatin1String("");
+    row("nothing", "", {none});
+    row("executable", "<exe>x</exe>", {s("x")});
+    row("no executable", "<param>p</param>", {none, s("p")});
+    row("param", "<exe>x</exe><param>p</param>", {s("x"), s("p")});
+    row("param, then count", "<exe>x</exe><param>p</param><NumParam>3</NumParam>", {s("x"), s("p"), none, none});
+    row("count, then param", "<exe>x</exe><NumParam>3</NumParam><param>p</param>", {s("x"), s("p")});
+    row("count 2, first given", "<exe>x</exe><NumParam>2</NumParam><Param1>p</Param1>", {s("x"), s("p"), none});
+    row("count 2, second given", "<exe>x</exe><NumParam>2</NumParam><Param2>p</Param2>", {s("x"), none, s("p")});
+    row("order does not matter", "<Param2>q</Param2><NumParam>2</NumParam><exe>x</exe><Param1>p</Param1>",
+        {s("x"), s("p"), s("q")});
+    row("above the count", "<exe>x</exe><NumParam>1</NumParam><Param1>p</Param1><Param2>q</Param2>", {s("x"), s("p")});
+    row("no count", "<exe>x</exe><Param1>p</Param1>", {s("x")});
+    row("the last counts",
+        "<exe>x</exe><exe>y</exe><NumParam>9</NumParam><NumParam>1</NumParam><Param1>p</Param1>"
+        "<Param1>q</Param1>",
+        {s("y"), s("q")});
+    row("param and Param1 are one slot", "<exe>x</exe><param>p</param><Param1>q</Param1>", {s("x"), s("q")});
+    row("slot 0 by index", "<exe>x</exe><Param0>y</Param0>", {s("y")});
+    row("leading zeros", "<exe>x</exe><NumParam>02</NumParam><Param002>p</Param002>", {s("x"), none, s("p")});
+    row("blanks in the count", "<exe>x</exe><NumParam> \n 1 </NumParam>", {s("x"), none});
+    row("count is no number", "<exe>x</exe><NumParam>two</NumParam><Param1>p</Param1>", {s("x")});
+    row("count is empty", "<exe>x</exe><NumParam/>", {s("x")});
+    row("count with a fraction", "<exe>x</exe><NumParam>1.5</NumParam>", {s("x")});
+    row("no index", "<exe>x</exe><NumParam>1</NumParam><Param>p</Param>", {s("x"), none});
+    row("index is no number", "<exe>x</exe><NumParam>1</NumParam><Parameter>p</Parameter><Param1b>q</Param1b>",
+        {s("x"), none});
+    row("index negative", "<exe>x</exe><NumParam>1</NumParam><Param-1>p</Param-1>", {s("x"), none});
+    row("index in other digits", "<exe>x</exe><NumParam>1</NumParam><Param\u0661>p</Param\u0661>", {s("x"), none});
+    // Contains "Param", and its index is what stands from position 5 on.
+    row("Param elsewhere", "<exe>x</exe><NumParam>1</NumParam><MyParam1>p</MyParam1>", {s("x"), none});
+    row("huge index", "<exe>x</exe><NumParam>1</NumParam><Param1>p</Param1><Param1999999999>q</Param1999999999>",
+        {s("x"), s("p")});
+    row("index that no number holds",
+        "<exe>x</exe><NumParam>1</NumParam><Param1>p</Param1><Param99999999999999999999>q</Param99999999999999999999>",
+        {s("x"), s("p")});
+    row("case matters",
+        "<Exe>x</Exe><EXE>y</EXE><Param>p</Param><PARAM1>q</PARAM1><numparam>3</numparam>"
+        "<exe>z</exe>",
+        {s("z")});
+    row("unknown elements", "<dir>d</dir><exe>x</exe><icon/>", {s("x")});
+    row("blanks are kept", "<exe> a b </exe>", {s(" a b ")});
+    row("text in a section", "<exe><![CDATA[a&b]]></exe>", {s("a&b")});
+    row("references", "<exe>a&amp;b&#x20;c</exe>", {s("a&b c")});
+    row("only the text right behind the tag", "<exe>x<!-- c -->y</exe><param>p<b/>q</param>", {s("x"), s("p")});
+    row("no text right behind the tag", "<exe><!-- c -->x</exe>", {none});
+    row("element in the text's place", "<exe><b>x</b></exe>", {none});
+    row("elements within are not read", "<exe>x<param>p</param></exe><other><param>q</param></other>", {s("x")});
+    row("start description within", "<Startup><exe>y</exe></Startup><exe>x</exe>", {s("x")});
+    row("non-Latin and astral", "<exe>пеленг/\xF0\x9F\x93\xA1</exe>", {s("пеленг/\xF0\x9F\x93\xA1")});
+    const QStringList manyParameters = QStringList(s("x")) + QList<QString>(1000, none);
+    row("largest count", "<exe>x</exe><NumParam>1000</NumParam>", manyParameters);
+}
+
+void tst_AppCounter::StartList()
+{
+    QFETCH(const QString, startup);
+    QFETCH(const QStringList, startList);
+    const auto counter = Counter(DataDirectory::Machine(s("<A><Startup>") + startup + s("</Startup></A><B/>")),
+                                 DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
+    QCOMPARE(counter->StartupTable().value(s("A")), startList);
+    QCOMPARE(counter->InstalledList(), l("A B"));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+}
+
+void tst_AppCounter::OnlyFirstStartup()
+{
+    const auto counter =
+        Counter(DataDirectory::Machine(s("<A><Startup><exe>a</exe></Startup><Startup><exe>b</exe></Startup></A>"
+                                         "<B><x><Startup><exe>c</exe></Startup></x><Startup><exe>d</exe></Startup></B>"
+                                         "<C/><D>Startup</D>")),
+                DataDirectory::Mappings(QString()));
+    QCOMPARE(counter->StartupTable(), (QMap<QString, QStringList>{{s("A"), l("a")}, {s("B"), l("c")}}));
+    QCOMPARE(counter->InstalledList(), l("A B C D"));
+}
+
+void tst_AppCounter::SameApplicationTwice()
+{
+    // Both times in the list; the start lists add up.
+    const auto counter = Counter(
+        DataDirectory::Machine(DataDirectory::Application(s("A"), s("x")) + DataDirectory::Application(s("A"), s("y"))),
+        DataDirectory::Mappings(DataDirectory::Mapping(1, s("A"))));
+    QCOMPARE(counter->InstalledList(), l("A A"));
+    QCOMPARE(counter->StartupTable().value(s("A")), l("x y"));
+    QCOMPARE(counter->InstalledApplications(1), l("A"));
+}
+
+void tst_AppCounter::ParameterCountOutOfRange_data()
+{
+    QTest::addColumn<QString>("count");
+    for (const char* const count : {"2000000000", "1001", "-1", "99999999999999999999", "-99999999999999999999"})
+        QTest::newRow(count) << s(count);
+}
+
+void tst_AppCounter::ParameterCountOutOfRange()
+{
+    QFETCH(const QString, count);
+    const auto counter =
+        Counter(DataDirectory::Machine(s("<A><Startup><exe>a</exe><NumParam>%1</NumParam></Startup></A>").arg(count) +
+                                       DataDirectory::Application(s("B"), s("b"))),
+                DataDirectory::Mappings(DataDirectory::Mapping(1, s("A")) + DataDirectory::Mapping(2, s("B"))));
+    // Unreadable: as if the application had no start description. Everything else is as ever.
+    QVERIFY(counter->StartupTable().value(s("A")).isEmpty());
+    QCOMPARE(counter->ProgramForType(1), QString());
+    QCOMPARE(counter->InstalledList(), l("A B"));
+    QCOMPARE(counter->InstalledApplications(2), l("B"));
+    QCOMPARE(m_pTraces->Messages(),
+             QStringList(s("AppCounter::ReadMachine(): Parameter count of application <A> is out of range")));
+}
+
+void tst_AppCounter::ManySlots()
+{
+    // A small file that asks for more memory than it has itself, application by application.
+    QString applications;
+    for (int i = 0; i < 2000; ++i)
+        applications += s("<A%1><Startup><exe>a</exe><NumParam>1000</NumParam></Startup></A%1>").arg(i);
+    const auto counter = Counter(DataDirectory::Machine(applications), DataDirectory::Mappings(QString()));
+    QCOMPARE(counter->InstalledList().size(), 2000);
+    qsizetype slotCount = 0;
+    for (const QStringList& startList : counter->StartupTable())
+        slotCount += startList.size();
+    QVERIFY(slotCount > 0);
+    QVERIFY(slotCount <= MachineConfiguration::MaximumSlotCount);
+    QCOMPARE(m_pTraces->Messages().filter(s("is out of range")).size(), 2000 - slotCount / 1001);
+}
+
+void tst_AppCounter::MachineXmlError_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("names");
+    QTest::newRow("empty") << QString() << 1 << QString();
+    QTest::newRow("no XML") << s("hello") << 1 << QString();
+    QTest::newRow("before Machine") << s("<x>\n<y></z>") << 2 << QString();
+    QTest::newRow("wrong end tag") << s("<x><Machine>\n<A/>\n<B></C></Machine></x>") << 3 << s("A B");
+    QTest::newRow("after Machine") << s("<x><Machine><A/></Machine>\n\n<y></x>") << 3 << s("A");
+    QTest::newRow("two roots") << s("<Machine><A/></Machine>\n<Machine/>") << 2 << s("A");
+    QTest::newRow("control character") << s("<Machine><A/>\x01</Machine>") << 1 << s("A");
+}
+
+void tst_AppCounter::MachineXmlError()
+{
+    QFETCH(const QString, document);
+    QFETCH(const int, row);
+    QFETCH(const QString, names);
+
+    // What the reader of Qt says of it is what the trace has to say.
+    QXmlStreamReader reader(document.toUtf8());
+    while (!reader.atEnd())
+        reader.readNext();
+    QCOMPARE(reader.lineNumber(), row);
+    const QString xmlError =
+        s("AppCounter::ReadMachine(): XML parsing error occurred in row %1 column %2. \"%3\"")
+            .arg(QString::number(row), QString::number(reader.columnNumber()), reader.errorString());
+
+    const auto counter = Counter(document, DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
+    QCOMPARE(m_pTraces->Messages(), (QStringList{xmlError, CouldNotParseMachine()}));
+    QCOMPARE(counter->InstalledList(), names.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    QCOMPARE(counter->ProgramForType(1), s("a.exe"));
+}
+
+void tst_AppCounter::MachineWithoutMachine()
+{
+    const auto counter = Counter(s("<Configuration><Other><A/></Other></Configuration>"),
+                                 DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
+    QVERIFY(counter->InstalledList().isEmpty());
+    QVERIFY(counter->StartupTable().isEmpty());
+    QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotParseMachine()));
+    // The file was opened, so the mapping file is found beside it.
+    QCOMPARE(counter->MappingFilePath(), m_pData->MappingFile());
+}
+
+void tst_AppCounter::MachineCutShort()
+{
+    // A start list is made at the end of its description; one that does not come to its end makes none.
+    const auto counter = Counter(s("<Machine><A><Startup><exe>a</exe></Startup></A><B><Startup><exe>b</exe>"),
+                                 DataDirectory::Mappings(DataDirectory::Mapping(1, s("A"))));
+    QCOMPARE(counter->InstalledList(), l("A B"));
+    QCOMPARE(counter->StartupTable(), (QMap<QString, QStringList>{{s("A"), l("a")}}));
+    QCOMPARE(counter->InstalledApplications(1), l("A"));
+    QCOMPARE(m_pTraces->Reports().size(), 2);
+    QCOMPARE(m_pTraces->Messages().constLast(), CouldNotParseMachine());
+}
+
+void tst_AppCounter::MachineReadDirectly()
+{
+    const auto counter = Counter();
+    m_pTraces->Clear();
+    QXmlStreamReader good(s("<Machine><A><Startup><exe>a</exe></Startup></A></Machine>"));
+    QVERIFY(counter->ReadMachine(good));
+    QVERIFY(good.atEnd());
+    QCOMPARE(counter->InstalledList(), l("A"));
+    QCOMPARE(counter->StartupTable().value(s("A")), l("a"));
+    QXmlStreamReader other(s("<Maschine/>"));
+    QVERIFY(!counter->ReadMachine(other));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+    QXmlStreamReader bad(s("<Machine>"));
+    QVERIFY(!counter->ReadMachine(bad));
+    QCOMPARE(m_pTraces->Reports().size(), 1);
+    QCOMPARE(counter->InstalledList(), l("A"));
+}
+
+void tst_AppCounter::Mappings_data()
+{
+    QTest::addColumn<QString>("mappings");
+    QTest::addColumn<QStringList>("programs"); // of the types 1, 2 and 9
+    QTest::addColumn<bool>("parsed");
+    const auto row = [](const char* name, const QString& mappings, const char* one, const char* two, const char* nine,
+                        bool parsed) {
+        QTest::newRow(name) << mappings << QStringList{s(one), s(two), s(nine)} << parsed;
+    };
+    const auto map = [](const char* deviceType, const char* application) {
+        return DataDirectory::Mapping(s(deviceType), s(application));
+    };
+    // The machine has "Kite" (bin/kite), "Bare" without a start description and "Hollow" with an empty executable.
+    row("none", QString(), "", "", "", false);
+    row("application", map("1", "Kite"), "bin/kite", "", "", true);
+    row("executable", map("1", "C:\\x\\tool.exe"), "C:\\x\\tool.exe", "", "", true);
+    row("executable in upper case", map("1", "TOOL.EXE"), "TOOL.EXE", "", "", true);
+    row("executable with arguments", map("1", "tool.ExE -x"), "tool.ExE -x", "", "", true);
+    row("several", map("1", "Kite") + map("2", "two.exe") + map("9", "Kite"), "bin/kite", "two.exe", "bin/kite", true);
+    row("later replaces earlier", map("1", "one.exe") + map("1", "two.exe"), "two.exe", "", "", true);
+    row("dropped does not replace", map("1", "one.exe") + map("1", "Nobody"), "one.exe", "", "", false);
+    row("last one dropped, others kept", map("1", "one.exe") + map("2", "Nobody"), "one.exe", "", "", false);
+    row("first one dropped", map("1", "Nobody") + map("2", "two.exe"), "", "two.exe", "", true);
+    row("application without start description", map("1", "Bare"), "", "", "", false);
+    row("application of other case", map("1", "kite"), "", "", "", false);
+    row("application with empty executable", map("1", "Hollow"), "", "", "", true);
+    row("no device type", s("<Mapping><Application>a.exe</Application></Mapping>"), "", "", "", false);
+    row("no application", s("<Mapping><DeviceType>1</DeviceType></Mapping>"), "", "", "", false);
+    row("empty application", map("1", ""), "", "", "", false);
+    row("negative device type", map("-1", "a.exe"), "", "", "", false);
+    row("device type is no number", map("one", "a.exe"), "", "", "", false);
+    row("device type that no number holds", map("99999999999", "a.exe"), "", "", "", false);
+    row("blanks around the device type", map(" \n2 ", "a.exe"), "", "a.exe", "", true);
+    row("device type above", map("15", "a.exe"), "", "", "", true);
+    row("empty mapping", s("<Mapping/>"), "", "", "", false);
+    row("the last child counts",
+        s("<Mapping><DeviceType>1</DeviceType><Application>a.exe</Application><DeviceType>2</DeviceType>"
+          "<Application>b.exe</Application></Mapping>"),
+        "", "b.exe", "", true);
+    row("order of the children", s("<Mapping><Application>a.exe</Application><DeviceType>1</DeviceType></Mapping>"),
+        "a.exe", "", "", true);
+    row("other elements",
+        s("<x/><Other>") + map("1", "a.exe") + s("</Other>text<!-- c -->") +
+            s("<Mapping><y><DeviceType>9</DeviceType></y><DeviceType>2</DeviceType>"
+              "<Application>b.exe</Application></Mapping>"),
+        "a.exe", "b.exe", "", true);
+    row("case of the elements",
+        s("<mapping><DeviceType>1</DeviceType><Application>a.exe</Application></mapping>"
+          "<Mapping><devicetype>1</devicetype><Application>a.exe</Application></Mapping>"),
+        "", "", "", false);
+    row("blanks in the application are kept", map("1", " Kite"), "", "", "", false);
+}
+
+void tst_AppCounter::Mappings()
+{
+    QFETCH(const QString, mappings);
+    QFETCH(const QStringList, programs);
+    QFETCH(const bool, parsed);
+    const auto counter =
+        Counter(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("bin/kite")) +
+                                       s("<Bare/><Hollow><Startup/></Hollow>")),
+                s("<x>") + DataDirectory::Mapping(1, s("outside.exe")) + DataDirectory::Mappings(mappings) +
+                    DataDirectory::Mapping(2, s("outside.exe")) + s("</x>"));
+    QCOMPARE((QStringList{counter->ProgramForType(1), counter->ProgramForType(2), counter->ProgramForType(9)}),
+             programs);
+    QCOMPARE(m_pTraces->Messages(), parsed ? QStringList() : QStringList(CouldNotParseMappings()));
+}
+
+void tst_AppCounter::MappingsXmlError()
+{
+    const QString document = s("<TypeApplicationMappings>\n") + DataDirectory::Mapping(1, s("a.exe")) +
+                             s("\n<Mapping><DeviceType>2</DeviceType><Application>b.exe</Application>");
+    QXmlStreamReader reader(document.toUtf8());
+    while (!reader.atEnd())
+        reader.readNext();
+    const auto counter = Counter(DataDirectory::Machine(QString()), document);
+    QCOMPARE(m_pTraces->Messages(), (QStringList{s("AppCounter::ReadTypeApplicationMappings(): "
+                                                   "XML parsing error occurred in row 3 column %1. \"%2\"")
+                                                     .arg(QString::number(reader.columnNumber()), reader.errorString()),
+                                                 CouldNotParseMappings()}));
+    QCOMPARE(counter->ProgramForType(1), s("a.exe"));
+    QCOMPARE(counter->ProgramForType(2), QString());
+}
+
+void tst_AppCounter::MappingsReadDirectly()
+{
+    const auto counter = Counter();
+    m_pTraces->Clear();
+    QXmlStreamReader good(DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
+    QVERIFY(counter->ReadTypeApplicationMappings(good));
+    QCOMPARE(counter->ProgramForType(1), s("a.exe"));
+    QXmlStreamReader none(s("<TypeApplicationMappings/>"));
+    QVERIFY(!counter->ReadTypeApplicationMappings(none));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+    // An error after a good mapping counts all the same.
+    QXmlStreamReader bad(s("<TypeApplicationMappings>") + DataDirectory::Mapping(2, s("b.exe")));
+    QVERIFY(!counter->ReadTypeApplicationMappings(bad));
+    QCOMPARE(m_pTraces->Reports().size(), 1);
+    QCOMPARE(counter->ProgramForType(2), s("b.exe"));
+}
+
+void tst_AppCounter::EntitiesAreRefused()
+{
+    const QString type = s("<!DOCTYPE x [<!ENTITY a 'A'><!ENTITY b '&a;&a;'>]>");
+    const auto counter = Counter(type + s("<Machine><A/>&b;</Machine>"),
+                                 type + DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
+    QCOMPARE(m_pTraces->Reports().size(), 4);
+    QVERIFY2(
+        m_pTraces->Messages().at(0).startsWith(s("AppCounter::ReadMachine(): XML parsing error occurred in row 1 ")),
+        m_pTraces->Text().constData());
+    QCOMPARE(m_pTraces->Messages().at(1), CouldNotParseMachine());
+    QVERIFY2(m_pTraces->Messages().at(2).startsWith(
+                 s("AppCounter::ReadTypeApplicationMappings(): XML parsing error occurred in row 1 ")),
+             m_pTraces->Text().constData());
+    QCOMPARE(m_pTraces->Messages().at(3), CouldNotParseMappings());
+    QVERIFY(counter->InstalledList().isEmpty());
+    QCOMPARE(counter->ProgramForType(1), QString());
+}
+
+void tst_AppCounter::InstalledTable()
+{
+    const auto counter = Counter(
+        DataDirectory::Machine(DataDirectory::Application(s("Zeta"), s("same.exe")) +
+                               DataDirectory::Application(s("Alpha"), s("same.exe")) +
+                               DataDirectory::Application(s("Other"), s("other.exe")) +
+                               DataDirectory::Application(s("Case"), s("SAME.exe")) + s("<Bare/>") +
+                               DataDirectory::Application(s("Unmapped"), s("unmapped.exe"))),
+        DataDirectory::Mappings(DataDirectory::Mapping(14, s("Alpha")) + DataDirectory::Mapping(1, s("same.exe")) +
+                                DataDirectory::Mapping(4, s("Other")) + DataDirectory::Mapping(9, s("missing.exe")) +
+                                DataDirectory::Mapping(20, s("Other"))));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+    // In the order of the machine configuration: every application that is started by the type's executable.
+    QCOMPARE(counter->InstalledApplications(1), l("Zeta Alpha"));
+    QCOMPARE(counter->InstalledApplications(14), l("Zeta Alpha"));
+    QCOMPARE(counter->InstalledApplications(4), l("Other"));
+    QCOMPARE(counter->InstalledApplications(20), l("Other"));
+    QVERIFY(counter->InstalledApplications(9).isEmpty());
+    QCOMPARE(counter->ProgramForType(9), s("missing.exe"));
+    QCOMPARE(counter->FreeApplications(1), l("Zeta Alpha"));
+    QVERIFY(counter->RunningApplications(1).isEmpty());
+}
+
+void tst_AppCounter::InstalledOnce()
+{
+    const auto counter =
+        Counter(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("a.exe")) +
+                                       DataDirectory::Application(s("Kite"), s("b.exe"))),
+                DataDirectory::Mappings(DataDirectory::Mapping(1, s("Kite")) + DataDirectory::Mapping(1, s("a.exe"))));
+    QCOMPARE(counter->InstalledApplications(1), l("Kite"));
+    counter->UpdateTypeDeviceMappings();
+    QCOMPARE(counter->InstalledApplications(1), l("Kite"));
+}
+
+void tst_AppCounter::Normalisation_data()
+{
+    QTest::addColumn<int>("deviceType");
+    QTest::addColumn<int>("served");
+    for (int deviceType = 0; deviceType < 15; ++deviceType) {
+        const bool folded = deviceType == 0 || (deviceType >= 3 && deviceType <= 8);
+        QTest::addRow("%d", deviceType) << deviceType << (folded ? 4 : deviceType);
+    }
+}
+
+void tst_AppCounter::Normalisation()
+{
+    QFETCH(const int, deviceType);
+    QFETCH(const int, served);
+    // Each type has a mapping of its own; those of 0, 3 and 5 to 8 are read and never used.
+    QString applications;
+    QString mappings;
+    for (int type = 0; type < 15; ++type) {
+        applications += DataDirectory::Application(s("App%1").arg(type), s("app%1.exe").arg(type));
+        mappings += DataDirectory::Mapping(type, s("App%1").arg(type));
+    }
+    const auto counter = Counter(DataDirectory::Machine(applications), DataDirectory::Mappings(mappings));
+    QCOMPARE(counter->ProgramForType(deviceType), s("app%1.exe").arg(served));
+    QCOMPARE(counter->InstalledApplications(deviceType), QStringList(s("App%1").arg(served)));
+    QCOMPARE(counter->FreeApplications(deviceType), QStringList(s("App%1").arg(served)));
+}
+
+void tst_AppCounter::UpdatesRebuild()
+{
+    const auto counter =
+        Counter(DataDirectory::Machine(DataDirectory::Application(s("Old"), s("old.exe"))),
+                DataDirectory::Mappings(DataDirectory::Mapping(1, s("Old")) + DataDirectory::Mapping(2, s("Old"))));
+    QCOMPARE(counter->InstalledApplications(2), l("Old"));
+    QVERIFY(m_pData->WriteMachine(DataDirectory::Machine(DataDirectory::Application(s("New"), s("new.exe")))));
+    QVERIFY(m_pData->WriteMappings(DataDirectory::Mappings(DataDirectory::Mapping(1, s("New")))));
+    // Nothing is read again by itself.
+    QCOMPARE(counter->InstalledApplications(1), l("Old"));
+    counter->UpdateInstalledApps();
+    QCOMPARE(counter->InstalledList(), l("New"));
+    QCOMPARE(counter->StartupTable(), (QMap<QString, QStringList>{{s("New"), l("new.exe")}}));
+    QVERIFY(counter->InstalledApplications(1).isEmpty());
+    counter->UpdateTypeDeviceMappings();
+    QCOMPARE(counter->InstalledApplications(1), l("New"));
+    QVERIFY(counter->InstalledApplications(2).isEmpty());
+    QCOMPARE(counter->ProgramForType(2), QString());
+
+    // A mapping file that has gone leaves nothing installed.
+    QVERIFY(QFile::remove(m_pData->MappingFile()));
+    counter->UpdateTypeDeviceMappings();
+    QVERIFY(counter->InstalledApplications(1).isEmpty());
+    QCOMPARE(counter->ProgramForType(1), QString());
+    QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotOpenMappings(m_pData->MappingFile())));
+}
+
+void tst_AppCounter::EveryTraceNamesItsPlace()
+{
+    const auto missing = Counter();
+    const auto malformed = Counter(s("<Machine><A><Startup><NumParam>-1</NumParam></Startup></A>"), s("<x>"));
+    const QList<TraceRecorder::Report> reports = m_pTraces->Reports();
+    QSet<quint16> lines;
+    for (const TraceRecorder::Report& report : reports) {
+        QCOMPARE(report.kind, ErrorHandler::Trace);
+        QCOMPARE(report.sourceFile, s_source);
+        QVERIFY(report.line > 0);
+        lines.insert(report.line);
+    }
+    // Two not opened, two not parsed, two XML errors, one parameter count.
+    QCOMPARE(reports.size(), 7);
+    QCOMPARE(lines.size(), 7);
+}
+
+void tst_AppCounter::SilentWithoutTraces()
+{
+    m_pTraces.reset();
+    m_pTraces = std::make_unique<TraceRecorder>(ErrorHandler::Assertion);
+    const auto missing = Counter();
+    const auto malformed = Counter(s("<Machine><A><Startup><NumParam>-1</NumParam></Startup></A>"), s("<x>"));
+    QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+    QCOMPARE(malformed->InstalledList(), l("A"));
+}
+
+QTEST_GUILESS_MAIN(tst_AppCounter)
+#include "tst_appcounter.moc"

@@ -1,0 +1,115 @@
+#include "userinterface/vexelconnectdlg/boundedfile.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+class tst_BoundedFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WholeContent_data();
+    void WholeContent();
+    void LinkIsFollowed();
+    void AboveLimit();
+    void HugeFile();
+    void NotRegular_data();
+    void NotRegular();
+    void PipeIsNotOpened();
+
+private:
+    QString Path(const char* name) const { return m_Directory.filePath(QLatin1String(name)); }
+    QString Write(const char* name, const QByteArray& content) const
+    {
+        QFile file(Path(name));
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName() : QString();
+    }
+
+    QTemporaryDir m_Directory;
+};
+
+void tst_BoundedFile::WholeContent_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("one byte") << QByteArray("x");
+    QTest::newRow("binary with NUL and CR LF") << QByteArray("a\0b\r\n\xff", 6);
+    QTest::newRow("more than one piece") << QByteArray(3 * 1024 * 1024 + 17, 'z');
+}
+
+void tst_BoundedFile::WholeContent()
+{
+    QFETCH(const QByteArray, content);
+    const auto read = ReadRegularFile(Write("content", content));
+    QVERIFY(read.has_value());
+    QCOMPARE(*read, content);
+}
+
+void tst_BoundedFile::LinkIsFollowed()
+{
+    Write("target", "abc");
+#ifdef Q_OS_WIN
+    const QString link = Path("link.lnk");
+#else
+    const QString link = Path("link");
+#endif
+    QVERIFY(QFile::link(Path("target"), link));
+#ifdef Q_OS_WIN
+    QSKIP("shortcuts of this system are not links to its files");
+#endif
+    QCOMPARE(ReadRegularFile(link).value_or("nothing"), QByteArray("abc"));
+}
+
+void tst_BoundedFile::AboveLimit()
+{
+    const QString path = Write("limited", QByteArray(1000, 'x'));
+    QCOMPARE(ReadRegularFile(path, 1000).value_or("nothing").size(), 1000);
+    QVERIFY(!ReadRegularFile(path, 999).has_value());
+    QVERIFY(!ReadRegularFile(path, 0).has_value());
+}
+
+void tst_BoundedFile::HugeFile()
+{
+    // Without content on disk; its size alone is refused.
+    QFile file(Path("huge"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(MaximumFileSize + 1));
+    file.close();
+    QVERIFY(!ReadRegularFile(file.fileName()).has_value());
+    QVERIFY(file.resize(MaximumFileSize));
+    const auto atLimit = ReadRegularFile(file.fileName());
+    QVERIFY(atLimit.has_value());
+    QCOMPARE(atLimit->size(), MaximumFileSize);
+}
+
+void tst_BoundedFile::NotRegular_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("no name") << QString();
+    QTest::newRow("missing") << Path("missing");
+    QTest::newRow("directory") << m_Directory.path();
+    QTest::newRow("endless device") << QStringLiteral("/dev/zero");
+    QTest::newRow("empty device") << QStringLiteral("/dev/null");
+}
+
+void tst_BoundedFile::NotRegular()
+{
+    QFETCH(const QString, path);
+    QVERIFY(!ReadRegularFile(path).has_value());
+}
+
+void tst_BoundedFile::PipeIsNotOpened()
+{
+    const QString mkfifo = QStandardPaths::findExecutable(QStringLiteral("mkfifo"));
+    if (mkfifo.isEmpty())
+        QSKIP("no program here makes named pipes");
+    QCOMPARE(QProcess::execute(mkfifo, {Path("pipe")}), 0);
+    // Nobody writes to it: opening it would wait for ever.
+    QVERIFY(!ReadRegularFile(Path("pipe")).has_value());
+}
+
+QTEST_GUILESS_MAIN(tst_BoundedFile)
+#include "tst_boundedfile.moc"
