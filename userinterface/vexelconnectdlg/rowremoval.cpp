@@ -10,8 +10,10 @@ void RemoveRows(QAbstractItemModel& model, const QModelIndexList& rows)
 {
     std::vector<int> descending;
     descending.reserve(static_cast<std::size_t>(rows.size()));
-    for (const QModelIndex& index : rows)
-        descending.push_back(index.row());
+    for (const QModelIndex& index : rows) {
+        if (index.isValid())
+            descending.push_back(index.row());
+    }
     std::sort(descending.begin(), descending.end(), std::greater<>());
     descending.erase(std::unique(descending.begin(), descending.end()), descending.end());
 
