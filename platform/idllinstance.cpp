@@ -1,5 +1,7 @@
 #include "platform/idllinstance.h"
 
+// The parameter is part of the contract between host and plug-in.
+// NOLINTNEXTLINE(modernize-pass-by-value)
 IDllInstance::IDllInstance(const QString& name)
     : m_sName(name)
 {
@@ -12,6 +14,10 @@ bool IDllInstance::IsAvailable()
     return true;
 }
 
-void IDllInstance::Notify() {}
+void IDllInstance::Notify()
+{
+}
 
-void IDllInstance::SaveSettings() {}
+void IDllInstance::SaveSettings()
+{
+}

@@ -1,0 +1,70 @@
+#include "platform/guibase.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+
+#include <memory>
+
+namespace {
+
+// No screen is larger, and a window of more could not be painted.
+constexpr int kLargestLength = 16384;
+
+const QString kWidth = QStringLiteral("Width");
+const QString kHeight = QStringLiteral("Height");
+
+bool IsUsable(const QSize& size)
+{
+    return !size.isEmpty() && size.width() <= kLargestLength && size.height() <= kLargestLength;
+}
+
+/// Where the size of `widget` is stored; null for a widget that cannot be told from others.
+std::unique_ptr<ICfg> SizeNode(const QWidget* widget)
+{
+    if (!widget || widget->objectName().isEmpty())
+        return nullptr;
+    const std::unique_ptr<ICfg> sizes(CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("WidgetSizes"), 0));
+    return std::unique_ptr<ICfg>(sizes->OpenChild(widget->objectName(), 0));
+}
+
+} // namespace
+
+GuiBase& GuiBase::Instance()
+{
+    static GuiBase base;
+    return base;
+}
+
+QWidget* GuiBase::GetMainWidget() const
+{
+    return m_pMainWidget;
+}
+
+void GuiBase::SetMainWidget(QWidget* widget)
+{
+    m_pMainWidget = widget;
+}
+
+void GuiBase::RestoreWidgetSize(QWidget* widget)
+{
+    const auto node = SizeNode(widget);
+    if (!node)
+        return;
+    const QSize size(node->GetInt(kWidth, 0, 0), node->GetInt(kHeight, 0, 0));
+    if (IsUsable(size))
+        widget->resize(size);
+}
+
+void GuiBase::StoreWidgetSize(QWidget* widget)
+{
+    const auto node = SizeNode(widget);
+    if (!node)
+        return;
+    // A maximised window has the size of its screen; what it returns to is the size that the user chose.
+    const bool fillsScreen = widget->isMaximized() || widget->isFullScreen();
+    const QSize size = fillsScreen ? widget->normalGeometry().size() : widget->size();
+    if (!IsUsable(size))
+        return;
+    node->SetInt(kWidth, size.width(), 0);
+    node->SetInt(kHeight, size.height(), 0);
+}

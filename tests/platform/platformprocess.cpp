@@ -1,0 +1,86 @@
+// The second process of the tests. Commands:
+//   read STORE DOCUMENT NODE KEY      prints the value
+//   write STORE DOCUMENT PREFIX COUNT writes keys PREFIX0, PREFIX1, ... of the root, each with a save of its own
+//   rewrite STORE DOCUMENT COUNT      without end: gives COUNT keys of the root one new number, prints it, saves
+//   translate                         prints "Street" in the system's language, from the product's own folder
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "platform/translationcenter.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QStringList>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+void Print(const QString& text)
+{
+    QFile out;
+    if (out.open(stdout, QIODevice::WriteOnly))
+        out.write(text.toUtf8() + '\n');
+    std::fflush(stdout);
+}
+
+int Read(const QString& document, const QString& node, const QString& key)
+{
+    const std::unique_ptr<ICfg> child(CfgCenter::CreateCfg(document, View::Shared, {})->OpenChild(node, 0));
+    Print(child->GetString(key, QStringLiteral("(none)"), 0));
+    return 0;
+}
+
+int Write(const QString& document, const QString& prefix, int count)
+{
+    ICfg* const root = CfgCenter::CreateCfg(document, View::Shared, {});
+    for (int i = 0; i < count; ++i) {
+        root->SetString(prefix + QString::number(i), prefix, 0);
+        if (!CfgCenter::SaveDocument())
+            return 3;
+    }
+    return 0;
+}
+
+int Rewrite(const QString& document, int count)
+{
+    ICfg* const root = CfgCenter::CreateCfg(document, View::Shared, {});
+    const int last = root->GetInt(QStringLiteral("Key0"), 0, 0);
+    for (int number = last + 1;; ++number) {
+        for (int i = 0; i < count; ++i)
+            root->SetInt(QStringLiteral("Key%1").arg(i), number, 0);
+        Print(QString::number(number));
+        if (!CfgCenter::SaveDocument())
+            return 3;
+    }
+}
+
+int Translate()
+{
+    const QString domain = QStringLiteral("PlatformTest");
+    TranslationCenter::Instance().Register(domain);
+    Print(QCoreApplication::translate("PlatformTest", "Street"));
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString command = arguments.value(1);
+
+    if (command == QLatin1String("translate"))
+        return Translate();
+    if (!CfgCenter::Open(arguments.value(2)))
+        return 2;
+    if (command == QLatin1String("read"))
+        return Read(arguments.value(3), arguments.value(4), arguments.value(5));
+    if (command == QLatin1String("write"))
+        return Write(arguments.value(3), arguments.value(4), arguments.value(5).toInt());
+    if (command == QLatin1String("rewrite"))
+        return Rewrite(arguments.value(3), arguments.value(4).toInt());
+    return 1;
+}

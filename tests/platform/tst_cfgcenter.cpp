@@ -1,0 +1,514 @@
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <climits>
+#include <memory>
+#include <optional>
+
+namespace {
+
+const QString kKey = QStringLiteral("Key");
+const QString kValue = QStringLiteral("Value");
+const QString kNone = QStringLiteral("(none)");
+
+ICfg* Document(const QString& name = QStringLiteral("Document"))
+{
+    return CfgCenter::CreateCfg(name, View::Application, {});
+}
+
+std::unique_ptr<ICfg> Child(ICfg* node, const QString& name)
+{
+    return std::unique_ptr<ICfg>(node->OpenChild(name, 0));
+}
+
+/// Names that file formats and file systems like to trip over.
+void AddAwkwardNames()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("space") << QStringLiteral(" ");
+    QTest::newRow("spaces around") << QStringLiteral("  a b  ");
+    QTest::newRow("slash") << QStringLiteral("a/b");
+    QTest::newRow("only a slash") << QStringLiteral("/");
+    QTest::newRow("slashes") << QStringLiteral("//a//b//");
+    QTest::newRow("backslash") << QStringLiteral("a\\b");
+    QTest::newRow("drive") << QStringLiteral("C:\\a/b");
+    QTest::newRow("dots") << QStringLiteral("..");
+    QTest::newRow("parents") << QStringLiteral("../../a");
+    QTest::newRow("percent") << QStringLiteral("%");
+    QTest::newRow("looks escaped") << QStringLiteral("%002F%2F%U0041");
+    QTest::newRow("equals sign") << QStringLiteral("a=b");
+    QTest::newRow("brackets") << QStringLiteral("[a]");
+    QTest::newRow("comment signs") << QStringLiteral(";#a");
+    QTest::newRow("quotes") << QStringLiteral("\"a\"");
+    QTest::newRow("lines") << QStringLiteral("a\nb\r\nc");
+    QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("b");
+    QTest::newRow("General") << QStringLiteral("General");
+    QTest::newRow("general") << QStringLiteral("general");
+    QTest::newRow("%General") << QStringLiteral("%General");
+    QTest::newRow("letters beyond the first plane") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
+    QTest::newRow("half a surrogate pair") << QStringLiteral("a") + QChar(0xDC00) + QStringLiteral("b");
+    QTest::newRow("long") << QString(1000, u'a');
+}
+
+} // namespace
+
+/// What callers see of the configuration, in memory and after a new start.
+class tst_CfgCenter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_store.emplace();
+        QVERIFY(m_store->isValid());
+        QVERIFY(CfgCenter::Open(m_store->path()));
+    }
+    void cleanup()
+    {
+        CfgCenter::Close();
+        m_store.reset();
+    }
+
+    void viewsHaveTheProductsValues()
+    {
+        QCOMPARE(int(View::User), 1);
+        QCOMPARE(int(View::Application), 2);
+        QCOMPARE(int(View::Shared), 4);
+    }
+
+    void withoutOpenNodesLiveInMemory()
+    {
+        CfgCenter::Close();
+        Document()->SetString(kKey, kValue, 0);
+        CfgCenter::GetAppCfg(View::User)->SetInt(kKey, 7, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
+        QCOMPARE(CfgCenter::GetAppCfg(View::User)->GetInt(kKey, 0, 0), 7);
+        QVERIFY(QDir(m_store->path()).isEmpty());
+        CfgCenter::Close();
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
+    }
+
+    void sameNodeForTheSameDocument()
+    {
+        QCOMPARE(Document(), Document());
+        QCOMPARE(CfgCenter::GetAppCfg(View::User), CfgCenter::GetAppCfg(View::User));
+        QCOMPARE(CfgCenter::CreateCfg(kKey, View::User, QStringLiteral("Sub")),
+                 CfgCenter::CreateCfg(kKey, View::User, QStringLiteral("Sub")));
+        QVERIFY(Document(QStringLiteral("A")) != Document(QStringLiteral("B")));
+    }
+
+    void viewsAndNamesAreApart()
+    {
+        const QList<View> views{View::User, View::Application, View::Shared};
+        const QStringList names{QStringLiteral("A"), QStringLiteral("A/A"),          QStringLiteral("A/B"),
+                                QString(),           QStringLiteral("@application"), QStringLiteral("application")};
+        for (int round = 0; round < 2; ++round) {
+            int number = 0;
+            for (const View view : views) {
+                for (const QString& name : names) {
+                    ++number;
+                    if (round == 0)
+                        CfgCenter::CreateCfg(name, view, {})->SetInt(kKey, number, 0);
+                    else
+                        QCOMPARE(CfgCenter::CreateCfg(name, view, {})->GetInt(kKey, 0, 0), number);
+                }
+                ++number;
+                if (round == 0)
+                    CfgCenter::GetAppCfg(view)->SetInt(kKey, number, 0);
+                else
+                    QCOMPARE(CfgCenter::GetAppCfg(view)->GetInt(kKey, 0, 0), number);
+            }
+            QVERIFY(CfgCenter::SaveDocument());
+            Restart();
+        }
+    }
+
+    void subIsAChildNode()
+    {
+        CfgCenter::CreateCfg(QStringLiteral("Document"), View::Application, QStringLiteral("Sub"))
+            ->SetString(kKey, kValue, 0);
+        QCOMPARE(Child(Document(), QStringLiteral("Sub"))->GetString(kKey, kNone, 0), kValue);
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
+    }
+
+    void missingValuesReadAsTheDefault()
+    {
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
+        QCOMPARE(Document()->GetInt(kKey, -5, 0), -5);
+        QCOMPARE(Document()->GetBool(kKey, true, 0), true);
+        QCOMPARE(Document()->GetBool(kKey, false, 0), false);
+        QCOMPARE(Child(Document(), QStringLiteral("Missing"))->GetInt(kKey, 3, 0), 3);
+    }
+
+    void valuesOutliveTheRun()
+    {
+        Document()->SetString(QStringLiteral("String"), kValue, 0);
+        Document()->SetString(QStringLiteral("Empty"), QString(), 0);
+        Document()->SetInt(QStringLiteral("Least"), INT_MIN, 0);
+        Document()->SetInt(QStringLiteral("Greatest"), INT_MAX, 0);
+        Document()->SetBool(QStringLiteral("True"), true, 0);
+        Document()->SetBool(QStringLiteral("False"), false, 0);
+        Child(Child(Document(), QStringLiteral("A")).get(), QStringLiteral("B"))->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        QCOMPARE(Document()->GetString(QStringLiteral("String"), kNone, 0), kValue);
+        QCOMPARE(Document()->GetString(QStringLiteral("Empty"), kNone, 0), QString());
+        QCOMPARE(Document()->GetInt(QStringLiteral("Least"), 0, 0), INT_MIN);
+        QCOMPARE(Document()->GetInt(QStringLiteral("Greatest"), 0, 0), INT_MAX);
+        QCOMPARE(Document()->GetBool(QStringLiteral("True"), false, 0), true);
+        QCOMPARE(Document()->GetBool(QStringLiteral("False"), true, 0), false);
+        QCOMPARE(Child(Child(Document(), QStringLiteral("A")).get(), QStringLiteral("B"))->GetString(kKey, kNone, 0),
+                 kValue);
+    }
+
+    void textsReadAsOtherKinds_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<std::optional<int>>("number");
+        QTest::addColumn<std::optional<bool>>("truth");
+        using Number = std::optional<int>;
+        using Truth = std::optional<bool>;
+        QTest::newRow("1") << QStringLiteral("1") << Number(1) << Truth(true);
+        QTest::newRow("0") << QStringLiteral("0") << Number(0) << Truth(false);
+        QTest::newRow("2") << QStringLiteral("2") << Number(2) << Truth();
+        QTest::newRow("-12") << QStringLiteral("-12") << Number(-12) << Truth();
+        QTest::newRow("true") << QStringLiteral("true") << Number() << Truth(true);
+        QTest::newRow("False") << QStringLiteral("False") << Number() << Truth(false);
+        QTest::newRow("yes") << QStringLiteral("yes") << Number() << Truth();
+        QTest::newRow("empty") << QString() << Number() << Truth();
+        QTest::newRow("2147483648") << QStringLiteral("2147483648") << Number() << Truth();
+        QTest::newRow("1.5") << QStringLiteral("1.5") << Number() << Truth();
+        QTest::newRow("0x10") << QStringLiteral("0x10") << Number() << Truth();
+        QTest::newRow("10 s") << QStringLiteral("10 s") << Number() << Truth();
+    }
+    void textsReadAsOtherKinds()
+    {
+        QFETCH(QString, text);
+        QFETCH(std::optional<int>, number);
+        QFETCH(std::optional<bool>, truth);
+        Document()->SetString(kKey, text, 0);
+        for (const int defaultValue : {-77, 77})
+            QCOMPARE(Document()->GetInt(kKey, defaultValue, 0), number.value_or(defaultValue));
+        for (const bool defaultValue : {false, true})
+            QCOMPARE(Document()->GetBool(kKey, defaultValue, 0), truth.value_or(defaultValue));
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), text);
+    }
+
+    void valuesAreKeptAsText()
+    {
+        Document()->SetInt(kKey, -12, 0);
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("-12"));
+        Document()->SetBool(kKey, true, 0);
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("true"));
+        Document()->SetBool(kKey, false, 0);
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("false"));
+    }
+
+    void flagsAndModesMakeNoDifference()
+    {
+        Document()->SetString(kKey, kValue, 5);
+        QCOMPARE(Document()->GetString(kKey, kNone, -1), kValue);
+        const std::unique_ptr<ICfg> child(Document()->OpenChild(QStringLiteral("A"), 9));
+        child->SetInt(kKey, 1, 2);
+        QCOMPARE(Child(Document(), QStringLiteral("A"))->GetInt(kKey, 0, 3), 1);
+        Document()->Remove(kKey, 4);
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
+    }
+
+    void handlesOnOneNodeSeeTheSame()
+    {
+        const auto first = Child(Document(), QStringLiteral("A"));
+        auto second = Child(Document(), QStringLiteral("A"));
+        first->SetString(kKey, kValue, 0);
+        QCOMPARE(second->GetString(kKey, kNone, 0), kValue);
+        second.reset();
+        QCOMPARE(first->GetString(kKey, kNone, 0), kValue);
+    }
+
+    void removeTakesKeyAndChildOfThatName()
+    {
+        const QString a = QStringLiteral("A");
+        Document()->SetString(a, kValue, 0);
+        Child(Document(), a)->SetString(kKey, kValue, 0);
+        Child(Child(Document(), a).get(), a)->SetString(kKey, kValue, 0);
+        // Names that begin like it stay, as do keys of that name elsewhere.
+        const QStringList others{QStringLiteral("AB"), QStringLiteral("A/B"), QStringLiteral("A B"),
+                                 QStringLiteral("a")};
+        for (const QString& other : others) {
+            Document()->SetString(other, other, 0);
+            Child(Document(), other)->SetString(a, other, 0);
+        }
+        QVERIFY(CfgCenter::SaveDocument());
+
+        Document()->Remove(a, 0);
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(Document()->GetString(a, kNone, 0), kNone);
+            QCOMPARE(Child(Document(), a)->GetString(kKey, kNone, 0), kNone);
+            QCOMPARE(Child(Child(Document(), a).get(), a)->GetString(kKey, kNone, 0), kNone);
+            for (const QString& other : others) {
+                QCOMPARE(Document()->GetString(other, kNone, 0), other);
+                QCOMPARE(Child(Document(), other)->GetString(a, kNone, 0), other);
+            }
+            QVERIFY(CfgCenter::SaveDocument());
+            Restart();
+        }
+    }
+
+    void removeOfAMissingNameIsNoError()
+    {
+        Document()->SetString(kKey, kValue, 0);
+        Document()->Remove(QStringLiteral("Missing"), 0);
+        Child(Document(), kKey)->Remove(kKey, 0);
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
+    }
+
+    void whatIsWrittenAfterARemoveStays()
+    {
+        const auto node = Child(Document(), QStringLiteral("A"));
+        node->SetString(QStringLiteral("Old"), kValue, 0);
+        node->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Document()->Remove(QStringLiteral("A"), 0);
+        node->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        QCOMPARE(Child(Document(), QStringLiteral("A"))->GetString(kKey, kNone, 0), kValue);
+        QCOMPARE(Child(Document(), QStringLiteral("A"))->GetString(QStringLiteral("Old"), kNone, 0), kNone);
+    }
+
+    void keysOfAnyName_data() { AddAwkwardNames(); }
+    void keysOfAnyName()
+    {
+        QFETCH(QString, name);
+        Document()->SetString(name, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        QCOMPARE(Document()->GetString(name, kNone, 0), kValue);
+        Document()->Remove(name, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        QCOMPARE(Document()->GetString(name, kNone, 0), kNone);
+    }
+
+    void nodesOfAnyName_data() { AddAwkwardNames(); }
+    void nodesOfAnyName()
+    {
+        QFETCH(QString, name);
+        Child(Document(), name)->SetString(name, kValue, 0);
+        Child(Child(Document(), kKey).get(), name)->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        QCOMPARE(Child(Document(), name)->GetString(name, kNone, 0), kValue);
+        QCOMPARE(Child(Child(Document(), kKey).get(), name)->GetString(kKey, kNone, 0), kValue);
+    }
+
+    void namesThatAreAlikeAreApart()
+    {
+        const QStringList names{QStringLiteral("Name"),    QStringLiteral("name"),
+                                QStringLiteral("NAME"),    QStringLiteral("General"),
+                                QStringLiteral("general"), QStringLiteral("GENERAL"),
+                                QStringLiteral("a/b"),     QStringLiteral("a\\b"),
+                                QStringLiteral("a%002Fb"), QString(),
+                                QStringLiteral("%"),       QStringLiteral("/"),
+                                QStringLiteral("\u00c4"),  QStringLiteral("\u00e4"),
+                                QStringLiteral("A\u0308")};
+        const QString longest = names.join(u'|');
+        for (const QString& name : names) {
+            Document()->SetString(name, name + longest, 0);
+            for (const QString& key : names)
+                Child(Document(), name)->SetString(key, name + key + longest, 0);
+            QVERIFY(CfgCenter::SaveDocument()); // one by one, so that each meets the earlier ones in the file
+        }
+        Restart();
+        for (const QString& name : names) {
+            QCOMPARE(Document()->GetString(name, kNone, 0), name + longest);
+            for (const QString& key : names)
+                QCOMPARE(Child(Document(), name)->GetString(key, kNone, 0), name + key + longest);
+        }
+    }
+
+    // Where names that differ in case only are one name, the file must not hold two such names.
+    void fileHoldsNoNamesThatDifferInCaseOnly()
+    {
+        for (const QString& name : {QStringLiteral("Name"), QStringLiteral("name"), QStringLiteral("NAME")}) {
+            Document()->SetString(name, name, 0);
+            Child(Document(), name)->SetString(kKey, name, 0);
+        }
+        QVERIFY(CfgCenter::SaveDocument());
+        QFile file(m_store->filePath(QStringLiteral("application/Document.ini")));
+        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+        QSet<QString> sections;
+        QSet<QString> keys;
+        while (!file.atEnd()) {
+            const QString line = QString::fromUtf8(file.readLine()).trimmed().toLower();
+            if (line.startsWith(u'[')) {
+                QVERIFY2(!sections.contains(line), qUtf8Printable(line));
+                sections.insert(line);
+                keys.clear();
+            } else if (!line.isEmpty()) {
+                const QString key = line.section(u'=', 0, 0);
+                QVERIFY2(!keys.contains(key), qUtf8Printable(key));
+                keys.insert(key);
+            }
+        }
+        QCOMPARE(sections.size(), 4); // the root and three nodes
+    }
+
+    void anyTextIsAValue_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("spaces around") << QStringLiteral("  a  ");
+        QTest::newRow("only a space") << QStringLiteral(" ");
+        QTest::newRow("tabs and lines") << QStringLiteral("\ta\nb\r\nc\rd\t");
+        QTest::newRow("commas") << QStringLiteral("a,b, c,,");
+        QTest::newRow("comment signs") << QStringLiteral("; a # b ; c");
+        QTest::newRow("equals signs, brackets") << QStringLiteral("=a=[b]=");
+        QTest::newRow("quotes") << QStringLiteral("\"a\" 'b' \"");
+        QTest::newRow("backslashes") << QStringLiteral("C:\\new\\x41\\");
+        QTest::newRow("percent") << QStringLiteral("100% %20 %1");
+        QTest::newRow("at") << QStringLiteral("@");
+        QTest::newRow("at at") << QStringLiteral("@@a");
+        QTest::newRow("@Invalid()") << QStringLiteral("@Invalid()");
+        QTest::newRow("@ByteArray(a)") << QStringLiteral("@ByteArray(\u00e4)");
+        QTest::newRow("@Variant(a)") << QStringLiteral("@Variant(\\0\\0)");
+        QTest::newRow("@String(a)") << QStringLiteral("@String(a)");
+        QTest::newRow("@Size(1 2)") << QStringLiteral("@Size(1 2)");
+        QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("1b");
+        QTest::newRow("only a null character") << QString(QChar(0));
+        QTest::newRow("control characters before digits") << QStringLiteral("\u0001"
+                                                                            "1\u001f"
+                                                                            "f\u007f"
+                                                                            "0\u0085"
+                                                                            "a");
+        QTest::newRow("letters beyond the first plane") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
+        QTest::newRow("not characters") << QStringLiteral("\ufffe\uffff\ufffd");
+        QTest::newRow("byte order mark first") << QChar(0xFEFF) + QStringLiteral("a");
+        QTest::newRow("byte order mark within")
+            << QStringLiteral("a") + QChar(0xFEFF) + QStringLiteral("b\nc") + QChar(0xFEFF);
+        QTest::newRow("half a surrogate pair") << QString(QChar(0xD83D));
+        QTest::newRow("the other half, amid text") << QStringLiteral("a\u00e4") + QChar(0xDCE1) + QStringLiteral("b");
+        QTest::newRow("half a pair and a null") << QString(QChar(0xD83D)) + QChar(0);
+        QTest::newRow("1 MB") << QString(1 << 20, u'x');
+        QTest::newRow("1 MB of letters that need escapes")
+            << QStringLiteral("\"\\,\u00e4\n\U0001F4E1").repeated(1 << 17);
+        QTest::newRow("12 MB") << QStringLiteral("3c3f786d6c20").repeated(1 << 20);
+    }
+    void anyTextIsAValue()
+    {
+        QFETCH(QString, value);
+        Document()->SetString(kKey, value, 0);
+        Document()->SetString(QStringLiteral("Other"), kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QVERIFY(Document()->GetString(kKey, kNone, 0) == value); // no comparison printed: it may be long
+        Restart();
+        QVERIFY(Document()->GetString(kKey, kNone, 0) == value);
+        QCOMPARE(Document()->GetString(QStringLiteral("Other"), kNone, 0), kValue);
+        // And once more, through a file that had it already.
+        Document()->SetString(QStringLiteral("Third"), kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        QVERIFY(Document()->GetString(kKey, kNone, 0) == value);
+    }
+
+    void documentsHaveTheirFiles()
+    {
+        CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, {})
+            ->SetString(QStringLiteral("ConnectionCount"), QStringLiteral("3"), 0);
+        CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, {})->SetInt(kKey, 1, 0);
+        CfgCenter::GetAppCfg(View::User)->SetInt(kKey, 1, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(Files(), QStringList({QStringLiteral("application/Administration.ini"),
+                                       QStringLiteral("shared/KiteResources/ConnectData.ini"),
+                                       QStringLiteral("user/@application.ini")}));
+        QFile file(m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.ini")));
+        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
+        QCOMPARE(file.readAll(), QByteArray("[General]\nConnectionCount=3\n"));
+    }
+
+    void readingMakesNoFile()
+    {
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
+        Child(Document(), kKey);
+        Document()->Remove(kKey, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QVERIFY(QDir(m_store->path()).isEmpty());
+    }
+
+    void documentsOfAnyNameStayInTheStore_data()
+    {
+        AddAwkwardNames();
+        QTest::newRow("device") << QStringLiteral("CON/nul/Com1");
+        QTest::newRow("folder named as a file") << QStringLiteral("a.ini/b.ini.lock/c");
+        QTest::newRow("trailing dot and space") << QStringLiteral("a./b ");
+        QTest::newRow("home") << QStringLiteral("~/a");
+    }
+    void documentsOfAnyNameStayInTheStore()
+    {
+        QFETCH(QString, name);
+        if (name.size() > 200)
+            QSKIP("File names end there.");
+        // The store lies deep, so that what leaves it is still found.
+        const QString deep = m_store->filePath(QStringLiteral("1/2/3/4"));
+        QVERIFY(CfgCenter::Open(deep));
+        Document(name)->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        const QStringList files = Files();
+        QCOMPARE(files.size(), 1);
+        QVERIFY2(files.front().startsWith(QLatin1String("1/2/3/4/application/")), qUtf8Printable(files.front()));
+        const QStringList steps = files.front().split(u'/');
+        for (const QString& step : steps) {
+            QVERIFY2(!step.contains(u'\\') && !step.contains(u':') && !step.endsWith(u'.') && !step.endsWith(u' '),
+                     qUtf8Printable(step));
+            QVERIFY2(step.section(u'.', 0, 0).compare(QLatin1String("con"), Qt::CaseInsensitive) != 0 &&
+                         step.section(u'.', 0, 0).compare(QLatin1String("nul"), Qt::CaseInsensitive) != 0,
+                     qUtf8Printable(step));
+        }
+        QVERIFY(CfgCenter::Open(deep));
+        QCOMPARE(Document(name)->GetString(kKey, kNone, 0), kValue);
+    }
+
+    void documentsWithNamesThatAreAlikeAreApart()
+    {
+        const QStringList names{QStringLiteral("a"),    QStringLiteral("a.ini"),        QStringLiteral("a.ini/a"),
+                                QStringLiteral("a/a"),  QStringLiteral("/a"),           QStringLiteral("a/"),
+                                QStringLiteral("a//a"), QStringLiteral("a\\a"),         QStringLiteral("a%2Fa"),
+                                QStringLiteral("./a"),  QStringLiteral("../a"),         QStringLiteral("b/../a"),
+                                QStringLiteral("."),    QStringLiteral(".."),           QString(),
+                                QStringLiteral("%"),    QStringLiteral("a.ini.lock/a"), QStringLiteral("a.ini.lock")};
+        for (const QString& name : names)
+            Document(name)->SetString(kKey, QStringLiteral("<%1>").arg(name), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        Restart();
+        for (const QString& name : names)
+            QCOMPARE(Document(name)->GetString(kKey, kNone, 0), QStringLiteral("<%1>").arg(name));
+        QCOMPARE(Files().size(), names.size());
+    }
+
+private:
+    void Restart() { QVERIFY(CfgCenter::Open(m_store->path())); }
+
+    QStringList Files() const
+    {
+        QStringList files;
+        const QDir store(m_store->path());
+        QDirIterator it(store.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files += store.relativeFilePath(it.next());
+        files.sort();
+        return files;
+    }
+
+    std::optional<QTemporaryDir> m_store;
+};
+
+QTEST_GUILESS_MAIN(tst_CfgCenter)
+#include "tst_cfgcenter.moc"

@@ -1,0 +1,58 @@
+#include "platform/idllinstance.h"
+
+#include <QTest>
+
+/// An instance that takes the base as it is.
+class tst_IDllInstance : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void keepsItsName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << QStringLiteral("VexelConnectDlg");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("spaces and letters beyond the first plane") << QStringLiteral(" Peil\u00fcbersicht \U0001F4E1 ");
+    }
+    void keepsItsName()
+    {
+        QFETCH(QString, name);
+        const IDllInstance instance(name);
+        QCOMPARE(instance.Name(), name);
+    }
+
+    void baseIsAvailableAndDoesNothing()
+    {
+        IDllInstance instance(QStringLiteral("Base"));
+        QVERIFY(instance.IsAvailable());
+        instance.Notify();
+        instance.SaveSettings();
+        QVERIFY(instance.IsAvailable());
+        QCOMPARE(instance.Name(), QStringLiteral("Base"));
+    }
+
+    void isDeletedThroughTheBase()
+    {
+        class Probe : public IDllInstance
+        {
+        public:
+            explicit Probe(bool& isGone)
+                : IDllInstance(QStringLiteral("Probe"))
+                , m_isGone(isGone)
+            {
+            }
+            ~Probe() override { m_isGone = true; }
+
+        private:
+            bool& m_isGone;
+        };
+        bool isGone = false;
+        const IDllInstance* const instance = new Probe(isGone);
+        delete instance;
+        QVERIFY(isGone);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_IDllInstance)
+#include "tst_idllinstance.moc"
