@@ -4,6 +4,7 @@
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -65,6 +66,25 @@ QString TranslateWildcard(const QString& pattern)
     return expression;
 }
 
+constexpr qsizetype s_longestShownText = 500; // characters; wider than any screen
+
+bool IsLineBreak(QChar c)
+{
+    return c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QChar::LineSeparator ||
+           c == QChar::ParagraphSeparator;
+}
+
+QString OneLine(const QString& text)
+{
+    const bool tooLong = text.size() > s_longestShownText;
+    if (!tooLong && std::none_of(text.begin(), text.end(), IsLineBreak)) {
+        return text;
+    }
+    QString line = tooLong ? text.left(s_longestShownText) + QChar(0x2026) : text;
+    std::replace_if(line.begin(), line.end(), IsLineBreak, QLatin1Char(' '));
+    return line;
+}
+
 } // namespace
 
 QRegularExpression FilterExpression(const QString& pattern, int mode)
@@ -106,6 +126,15 @@ void FilterSettings::Save() const
     node->SetInt(s_columnKey, column, 0);
     node->SetString(s_patternKey, pattern, 0);
     node->SetInt(s_searchModeKey, searchMode, 0);
+}
+
+QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
+{
+    QVariant value = QSortFilterProxyModel::data(index, role);
+    if (role == Qt::DisplayRole && value.metaType() == QMetaType::fromType<QString>()) {
+        return OneLine(value.toString());
+    }
+    return value;
 }
 
 bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const

@@ -29,11 +29,16 @@ struct FilterSettings
 
 /// Sorts and filters the connections for the views.
 ///
-/// Behaves as the plain proxy; an invalid expression matches nothing there too, but with a warning for every row.
+/// As the plain proxy does, but for two things. An invalid expression matches nothing there too, yet with a warning for
+/// every row. And texts are shown on one line of bearable length: two views that show different columns of a row must
+/// give it the same height, and a text of a megabyte would keep every layout busy. What is edited, filtered and sorted
+/// is the whole text.
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
 public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
+
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;

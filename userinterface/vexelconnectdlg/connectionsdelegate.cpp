@@ -2,13 +2,13 @@
 
 #include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/editorrouting.h"
+#include "userinterface/vexelconnectdlg/hiddenitems.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QListView>
 #include <QSpinBox>
-#include <QStandardItemModel>
 
 #include <algorithm>
 #include <array>
@@ -36,19 +36,6 @@ QComboBox* NewComboBox(QWidget* parent, int count, QString (*textOf)(int value))
     return comboBox;
 }
 
-// The items stay in the list, because positions are values and an entry may hold a withdrawn one. Hiding takes them out
-// of the open list; only the missing flags keep arrow keys, wheel and typed letters from stepping onto them.
-void WithdrawDeviceTypes(QComboBox* comboBox)
-{
-    auto* const list = qobject_cast<QListView*>(comboBox->view());
-    auto* const items = qobject_cast<QStandardItemModel*>(comboBox->model());
-    Q_ASSERT(list && items);
-    for (const int value : s_withdrawnDeviceTypes) {
-        list->setRowHidden(value, true);
-        items->item(value)->setFlags(Qt::NoItemFlags);
-    }
-}
-
 QSpinBox* NewTimeoutSpinBox(QWidget* parent)
 {
     auto* const spinBox = new QSpinBox(parent);
@@ -68,7 +55,9 @@ QWidget* NewEditor(QWidget* parent, int column)
         return NewComboBox(parent, Connection::ConnectionStatusCount, &Connection::StatusName);
     case ConnectionsModel::ColumnDeviceType: {
         QComboBox* const comboBox = NewComboBox(parent, Connection::DeviceTypeCount, &Connection::DeviceTypeName);
-        WithdrawDeviceTypes(comboBox);
+        for (const int value : s_withdrawnDeviceTypes) {
+            SetItemHidden(comboBox, value, true);
+        }
         return comboBox;
     }
     case ConnectionsModel::ColumnConnectionType:
@@ -120,6 +109,7 @@ QWidget* ConnectionsDelegate::createEditor(QWidget* parent, const QStyleOptionVi
         return nullptr;
     }
     QWidget* const editor = NewEditor(parent, index.column());
+    RememberCell(editor, index);
     setEditorData(editor, index);
     return editor;
 }

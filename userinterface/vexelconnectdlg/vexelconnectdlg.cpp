@@ -3,6 +3,7 @@
 #include "platform/translationcenter.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/tcpserver.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <utility>
@@ -28,15 +29,18 @@ VexelConnectDlgDLL::VexelConnectDlgDLL(const QString& name)
     m_pModel->ResetConnectionStatus();
     m_pAppCounter = new AppCounter(m_pModel, name);
     m_pGui = new VexelConnectDlgGUI(nullptr, m_pModel, m_pAppCounter);
+    m_pTcpServer = new TCPServer(m_pGui);
 }
 
 VexelConnectDlgDLL::~VexelConnectDlgDLL()
 {
     TranslationCenter::Instance().Unregister(s_translationDomain);
-    // The dialog stores the filter, then the model the entries. The launcher outlives the model and leaves it alone.
+    // The dialog stores the filter, then the model the entries. Launcher and server outlive the two and
+    // leave them alone.
     DeleteAndForget(m_pGui);
     DeleteAndForget(m_pModel);
     DeleteAndForget(m_pAppCounter);
+    DeleteAndForget(m_pTcpServer);
 }
 
 void VexelConnectDlgDLL::SaveSettings()

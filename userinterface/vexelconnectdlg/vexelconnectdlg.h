@@ -6,10 +6,11 @@
 
 class AppCounter;
 class ConnectionsModel;
+class TCPServer;
 class VexelConnectDlgGUI;
 
-/// One instance of the plug-in: owns the list of entries, the launcher and the dialog, and saves and tears them down.
-/// GUI thread only.
+/// One instance of the plug-in: owns the list of entries, the launcher, the dialog and the link to the
+/// starter, and saves and tears them down. GUI thread only.
 class VexelConnectDlgDLL : public IDllInstance
 {
 public:
@@ -26,6 +27,7 @@ private:
     VexelConnectDlgGUI* m_pGui = nullptr;
     AppCounter* m_pAppCounter = nullptr;
     ConnectionsModel* m_pModel = nullptr;
+    TCPServer* m_pTcpServer = nullptr;
 };
 
 /// The library's two exported functions.

@@ -7,7 +7,8 @@
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
-#include "userinterface/vexelconnectdlg/filedrop.h"
+#include "userinterface/vexelconnectdlg/editorrouting.h"
+#include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/rowremoval.h"
 #include "userinterface/vexelconnectdlg/tracing.h"
@@ -26,8 +27,7 @@
 
 #include <optional>
 
-namespace
-{
+namespace {
 
 constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
 constexpr quint16 s_cannotReadLine = 383;
@@ -55,11 +55,12 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
     setupUi(this);
     setObjectName(QStringLiteral("VexelConnectDlgGUI"));
     setAcceptDrops(true);
+    // The tool tip points to the "?" button, which dialogs no longer have unless they ask for it.
+    setWindowFlag(Qt::WindowContextHelpButtonHint);
 
-    connect(m_pModel, &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
-                SlotDataChanged(topLeft, bottomRight);
-            });
+    connect(
+        m_pModel, &QAbstractItemModel::dataChanged, this,
+        [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) { SlotDataChanged(topLeft, bottomRight); });
     QScrollBar* const basicBar = m_pBasicView->verticalScrollBar();
     QScrollBar* const detailsBar = m_pDetailsView->verticalScrollBar();
     connect(basicBar, &QScrollBar::valueChanged, detailsBar, &QScrollBar::setValue);
@@ -103,14 +104,18 @@ void VexelConnectDlgGUI::CoupleViews()
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         view->setModel(m_pProxyModel);
         view->setItemDelegate(m_pDelegate);
+        // All rows are one line high; measuring each of ten thousand would only find that out.
+        view->setUniformRowHeights(true);
     }
     QItemSelectionModel* const ownSelection = m_pDetailsView->selectionModel();
     m_pDetailsView->setSelectionModel(m_pBasicView->selectionModel());
     delete ownSelection;
 
-    auto* const fileDrops = new FileDropForwarder(this);
-    fileDrops->Watch(m_pBasicView);
-    fileDrops->Watch(m_pDetailsView);
+    RouteEditors(m_pDelegate, {m_pBasicView, m_pDetailsView});
+
+    auto* const fileDrags = new FileDragFilter(this);
+    fileDrags->Watch(m_pBasicView);
+    fileDrags->Watch(m_pDetailsView);
 }
 
 void VexelConnectDlgGUI::FillColumnChoice()
@@ -266,7 +271,9 @@ void VexelConnectDlgGUI::SlotDoubleClicked(QModelIndex index)
 
 void VexelConnectDlgGUI::SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)
 {
-    const auto touches = [&](int column) { return topLeft.column() <= column && bottomRight.column() >= column; };
+    const auto touches = [&](int column) {
+        return topLeft.column() <= column && bottomRight.column() >= column;
+    };
     if (touches(ConnectionsModel::ColumnSelected) || touches(ConnectionsModel::ColumnStatus))
         m_pConnectButton->setEnabled(m_pModel->CountSelectedFree() != 0);
 }

@@ -1,0 +1,472 @@
+#include "tests/dialog/dialogfixture.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QMimeData>
+#include <QUrl>
+
+namespace {
+
+const QString s_source = QStringLiteral("userinterface/vexelconnectdlg/vexelconnectdlggui");
+
+QString FailureText(const QString& fileName)
+{
+    return QStringLiteral("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include "
+                          "proper connection data.\n\nWill keep old connections.")
+        .arg(fileName);
+}
+
+} // namespace
+
+/// Import, export and files dropped onto the dialog, with real files and answered boxes.
+class tst_DialogFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_Fixture.reset(); }
+
+    void exportWritesTheWholeList();
+    void exportKeepsTheOldFileWhenItCannotWrite();
+    void exportWithoutANameTracesOnly();
+    void importReplacesTheList();
+    void importMakesEverythingFree();
+    void importFailures_data();
+    void importFailures();
+    void importWithoutANameTracesAndTells();
+    void importOfWhatCannotBeOpenedTraces();
+    void importOfMarkupNamedFileShowsTheName();
+    void noTraceWhileTracesAreOff();
+
+    void actionsAskForTheFile();
+    void cancelledExportDoesNothing();
+    void cancelledImportTellsAnEmptyName();
+
+    void dragOfTextIsRefused();
+    void dragOfFilesIsTaken();
+    void dropOfOneFileImports_data();
+    void dropOfOneFileImports();
+    void dropOfOtherCountsTellsTheCount_data();
+    void dropOfOtherCountsTellsTheCount();
+    void dropOfARemoteUrlTells();
+    void dropWithoutUrlsIsIgnored();
+    void dropIsTakenWhileEntriesAreInUse();
+    void rowsDroppedOnTheTableAreCopied();
+
+private:
+    QByteArray ThreeEntries()
+    {
+        ConnectionsModel other(nullptr, QString());
+        Connection inUse = Entry(QStringLiteral("two"));
+        inUse.ConnectionStatus = Connection::InUse;
+        other.AddConnection(Entry(QStringLiteral("one"), Connection::KiteBravo, true));
+        other.AddConnection(inUse);
+        other.AddConnection(Entry(QStringLiteral("three")));
+        return other.ToByteArray();
+    }
+
+    /// What the platform sends when something is dragged onto `target` and let go.
+    bool Drop(QWidget* target, const QMimeData& data)
+    {
+        if (!DragEnter(target, data)) {
+            return false;
+        }
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
+    }
+
+    bool DragEnter(QWidget* target, const QMimeData& data)
+    {
+        QDragEnterEvent event(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
+    }
+
+    /// Answers the next file dialog: types `fileName` and accepts, or cancels without one. What the dialog said is in
+    /// `m_FileDialog` afterwards.
+    void AnswerFileDialog(const QString& fileName)
+    {
+        auto* const timer = new QTimer(m_Fixture->dialog);
+        QObject::connect(timer, &QTimer::timeout, timer, [this, timer, fileName] {
+            auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (!dialog) {
+                return;
+            }
+            timer->deleteLater();
+            m_FileDialog = {dialog->windowTitle(), dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode()};
+            if (fileName.isEmpty()) {
+                dialog->reject();
+                return;
+            }
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(fileName);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        timer->start(1);
+    }
+
+    struct FileDialog
+    {
+        QString title;
+        QStringList filters;
+        QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
+        QFileDialog::FileMode fileMode = QFileDialog::AnyFile;
+    };
+    FileDialog m_FileDialog;
+    std::unique_ptr<DialogFixture> m_Fixture;
+};
+
+void tst_DialogFiles::exportWritesTheWholeList()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("b"), Connection::KiteBravo, true), Entry(QStringLiteral("a & <b>"))});
+    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nothing matches this"));
+    MessageBoxes boxes;
+    TraceRecorder traces;
+    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), QByteArray(100000, 'x'));
+    m_Fixture->dialog->Export(path);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), m_Fixture->model->ToByteArray());
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(traces.Messages(s_source), QStringList());
+    QCOMPARE(QDir(m_Fixture->DataPath(QString())).entryList({QStringLiteral("list.xml*")}).size(), 1);
+}
+
+void tst_DialogFiles::exportKeepsTheOldFileWhenItCannotWrite()
+{
+    m_Fixture->Build();
+    // A directory stands where the file should be written.
+    const QString path = m_Fixture->DataPath(QStringLiteral("directory.xml"));
+    QVERIFY(QDir().mkdir(path));
+    MessageBoxes boxes;
+    TraceRecorder traces;
+    m_Fixture->dialog->Export(path);
+    m_Fixture->dialog->Export(m_Fixture->DataPath(QStringLiteral("missing/list.xml")));
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(traces.Reports().size(), 2);
+    QCOMPARE(traces.Reports().at(0).message,
+             QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing").arg(path));
+    QCOMPARE(traces.Reports().at(0).sourceFile, s_source);
+    QCOMPARE(traces.Reports().at(0).line, quint16{421});
+    QCOMPARE(traces.Reports().at(1).line, quint16{421});
+    QVERIFY(QFileInfo(path).isDir());
+}
+
+void tst_DialogFiles::exportWithoutANameTracesOnly()
+{
+    m_Fixture->Build();
+    MessageBoxes boxes;
+    TraceRecorder traces;
+    m_Fixture->dialog->Export(QString());
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(traces.Reports().first().message, QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"));
+    QCOMPARE(traces.Reports().first().sourceFile, s_source);
+    QCOMPARE(traces.Reports().first().line, quint16{426});
+}
+
+void tst_DialogFiles::importReplacesTheList()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("old"))});
+    MessageBoxes boxes;
+    QVERIFY(m_Fixture->dialog->Import(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+    QCOMPARE(m_Fixture->ShownNames(),
+             (QStringList{QStringLiteral("one"), QStringLiteral("three"), QStringLiteral("two")}));
+}
+
+void tst_DialogFiles::importMakesEverythingFree()
+{
+    m_Fixture->Build();
+    QVERIFY(m_Fixture->dialog->Import(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
+    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+}
+
+void tst_DialogFiles::importFailures_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("noise") << QByteArray("\x00\xff\x13\x37 not a list", 16);
+    QTest::newRow("other xml") << QByteArray("<other><entry/></other>");
+    QTest::newRow("cut off in an entry") << ThreeEntries().left(ThreeEntries().size() * 2 / 3);
+    QTest::newRow("declares entities") << QByteArray(
+        "<!DOCTYPE a [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;\">]>"
+        "<ConnectionEntries><Connection><ConnectionName>&b;"
+        "</ConnectionName></Connection></ConnectionEntries>");
+}
+
+void tst_DialogFiles::importFailures()
+{
+    QFETCH(QByteArray, content);
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("z"), Connection::Heron, true), Entry(QStringLiteral("a")),
+                    Entry(QStringLiteral("m"), Connection::KiteEcho, true)});
+    const QByteArray before = m_Fixture->model->ToByteArray();
+    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), content);
+    MessageBoxes boxes;
+    QVERIFY(!m_Fixture->dialog->Import(path));
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
+    QCOMPARE(boxes.Boxes().first().text, FailureText(path));
+    QCOMPARE(boxes.Boxes().first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(boxes.Boxes().first().hasParent);
+    QCOMPARE(m_Fixture->model->ToByteArray(), before);
+}
+
+void tst_DialogFiles::importWithoutANameTracesAndTells()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
+    MessageBoxes boxes;
+    TraceRecorder traces;
+    QVERIFY(!m_Fixture->dialog->Import(QString()));
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(boxes.Boxes().first().text, FailureText(QString()));
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(traces.Reports().first().message, QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"));
+    QCOMPARE(traces.Reports().first().sourceFile, s_source);
+    QCOMPARE(traces.Reports().first().line, quint16{388});
+    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+}
+
+void tst_DialogFiles::importOfWhatCannotBeOpenedTraces()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    QString pipe = QStringLiteral("/dev/stdin/none");
+    const QStringList unreadable{m_Fixture->DataPath(QStringLiteral("missing.xml")),
+                                 m_Fixture->DataPath(QString()), // a directory
+                                 QStringLiteral("/dev/zero"), pipe};
+    for (const QString& path : unreadable) {
+        MessageBoxes boxes;
+        TraceRecorder traces;
+        QVERIFY(!m_Fixture->dialog->Import(path));
+        QCOMPARE(boxes.Count(), 1);
+        QCOMPARE(boxes.Boxes().first().text, FailureText(path));
+        QCOMPARE(traces.Reports().size(), 1);
+        QCOMPARE(traces.Reports().first().message,
+                 QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(path));
+        QCOMPARE(traces.Reports().first().line, quint16{383});
+        QCOMPARE(traces.Reports().first().sourceFile, s_source);
+        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    }
+}
+
+void tst_DialogFiles::importOfMarkupNamedFileShowsTheName()
+{
+    m_Fixture->Build();
+    MessageBoxes boxes;
+    m_Fixture->dialog->Import(QStringLiteral("<b>%1</b>"));
+    QCOMPARE(boxes.Boxes().first().text, FailureText(QStringLiteral("<b>%1</b>")));
+    QCOMPARE(boxes.Boxes().first().textFormat, Qt::PlainText);
+}
+
+void tst_DialogFiles::noTraceWhileTracesAreOff()
+{
+    m_Fixture->Build();
+    MessageBoxes boxes;
+    TraceRecorder traces(ErrorHandler::Assertion);
+    m_Fixture->dialog->Import(QString());
+    m_Fixture->dialog->Export(QString());
+    QCOMPARE(traces.Reports().size(), 0);
+}
+
+void tst_DialogFiles::actionsAskForTheFile()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    m_Fixture->Show();
+    const QString path = m_Fixture->DataPath(QStringLiteral("exported.xml"));
+    AnswerFileDialog(path);
+    m_Fixture->Action("m_pExportAction")->trigger();
+    QCOMPARE(m_FileDialog.title, QStringLiteral("Export Connection Settings"));
+    QCOMPARE(m_FileDialog.filters, QStringList{QStringLiteral("*.xml")});
+    QCOMPARE(m_FileDialog.acceptMode, QFileDialog::AcceptSave);
+    QVERIFY(QFile::exists(path));
+
+    m_Fixture->model->removeRows(0, 1);
+    AnswerFileDialog(path);
+    m_Fixture->Action("m_pImportAction")->trigger();
+    QCOMPARE(m_FileDialog.title, QStringLiteral("Import Connection Settings"));
+    QCOMPARE(m_FileDialog.filters, QStringList{QStringLiteral("*.xml")});
+    QCOMPARE(m_FileDialog.acceptMode, QFileDialog::AcceptOpen);
+    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+}
+
+void tst_DialogFiles::cancelledExportDoesNothing()
+{
+    m_Fixture->Build();
+    m_Fixture->Show();
+    MessageBoxes boxes;
+    AnswerFileDialog(QString());
+    m_Fixture->Action("m_pExportAction")->trigger();
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(QDir(m_Fixture->DataPath(QString())).entryList(QDir::Files), QStringList());
+}
+
+void tst_DialogFiles::cancelledImportTellsAnEmptyName()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_Fixture->Show();
+    MessageBoxes boxes;
+    AnswerFileDialog(QString());
+    m_Fixture->Action("m_pImportAction")->trigger();
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(boxes.Boxes().first().text, FailureText(QString()));
+    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
+}
+
+void tst_DialogFiles::dragOfTextIsRefused()
+{
+    m_Fixture->Build();
+    QMimeData data;
+    data.setText(QStringLiteral("text"));
+    QVERIFY(!DragEnter(m_Fixture->dialog, data));
+}
+
+void tst_DialogFiles::dragOfFilesIsTaken()
+{
+    m_Fixture->Build();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a"))});
+    QVERIFY(DragEnter(m_Fixture->dialog, data));
+    // A file manager offers the name as text as well; over the table the file counts all the same.
+    data.setText(QStringLiteral("/a"));
+    QVERIFY(DragEnter(m_Fixture->BasicView()->viewport(), data));
+    QVERIFY(DragEnter(m_Fixture->DetailsView()->viewport(), data));
+}
+
+void tst_DialogFiles::dropOfOneFileImports_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::newRow("dialog") << QByteArray();
+    QTest::newRow("basic view") << QByteArray("m_pBasicView");
+    QTest::newRow("details view") << QByteArray("m_pDetailsView");
+}
+
+void tst_DialogFiles::dropOfOneFileImports()
+{
+    QFETCH(QByteArray, target);
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("old"))});
+    m_Fixture->Show();
+    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    data.setText(path);
+    QWidget* const widget =
+        target.isEmpty() ? m_Fixture->dialog : m_Fixture->Find<QTreeView>(target.constData())->viewport();
+    QVERIFY(Drop(widget, data));
+    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+}
+
+void tst_DialogFiles::dropOfOtherCountsTellsTheCount_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("none") << 0 << QStringLiteral("Not enough files dropped.\n\nPlease drop at least one file.");
+    QTest::newRow("two") << 2 << QStringLiteral("Too much files dropped (2 files).\n\nPlease drop at most one file.");
+    QTest::newRow("thousand") << 1000
+                              << QStringLiteral(
+                                     "Too much files dropped (1000 files).\n\nPlease drop at most one file.");
+}
+
+void tst_DialogFiles::dropOfOtherCountsTellsTheCount()
+{
+    QFETCH(int, count);
+    QFETCH(QString, text);
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    m_Fixture->Show();
+    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
+    QMimeData data;
+    // No URL at all still is a list of URLs.
+    data.setData(QStringLiteral("text/uri-list"), QByteArray());
+    if (count > 0) {
+        data.setUrls(QList<QUrl>(count, QUrl::fromLocalFile(path)));
+    }
+    MessageBoxes boxes;
+    QVERIFY(Drop(m_Fixture->dialog, data));
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
+    QCOMPARE(boxes.Boxes().first().text, text);
+    QCOMPARE(boxes.Boxes().first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+}
+
+void tst_DialogFiles::dropOfARemoteUrlTells()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    m_Fixture->Show();
+    for (const char* url : {"http://192.0.2.1/list.xml", "::::", "file:"}) {
+        QMimeData data;
+        data.setData(QStringLiteral("text/uri-list"), QByteArray(url) + "\r\n");
+        MessageBoxes boxes;
+        Drop(m_Fixture->dialog, data);
+        QCOMPARE(boxes.Count(), 1);
+        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    }
+}
+
+void tst_DialogFiles::dropWithoutUrlsIsIgnored()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    QMimeData data;
+    data.setData(QStringLiteral("text/plain"), ThreeEntries());
+    MessageBoxes boxes;
+    QVERIFY(!Drop(m_Fixture->dialog, data));
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+}
+
+void tst_DialogFiles::dropIsTakenWhileEntriesAreInUse()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
+    m_Fixture->Show();
+    QMimeData good;
+    good.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
+    QMimeData bad;
+    bad.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
+
+    MessageBoxes boxes;
+    QVERIFY(Drop(m_Fixture->dialog, bad));
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+
+    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
+    QVERIFY(Drop(m_Fixture->dialog, good));
+    QCOMPARE(m_Fixture->model->rowCount(), 3);
+    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+}
+
+void tst_DialogFiles::rowsDroppedOnTheTableAreCopied()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteBravo, true), Entry(QStringLiteral("b"))});
+    m_Fixture->Show();
+    const std::unique_ptr<QMimeData> rows(m_Fixture->Proxy()->mimeData({m_Fixture->Proxy()->index(0, 0)}));
+    QVERIFY(DragEnter(m_Fixture->BasicView()->viewport(), *rows));
+    QVERIFY(Drop(m_Fixture->BasicView()->viewport(), *rows));
+    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}));
+    QVERIFY(m_Fixture->model->GetConnection(2).Selected);
+}
+
+QTEST_MAIN(tst_DialogFiles)
+#include "tst_dialogfiles.moc"

