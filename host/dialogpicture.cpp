@@ -6,8 +6,6 @@
 #include <QHeaderView>
 #include <QPixmap>
 #include <QSaveFile>
-#include <QScrollBar>
-#include <QSplitter>
 
 #include <algorithm>
 
@@ -15,15 +13,28 @@ namespace {
 
 // 10,000 entries do not make a picture; the views' scroll bars show that there is more.
 constexpr QSize s_largest(2400, 1600);
+constexpr int s_attempts = 4;
 
-/// The size at which `view` shows its columns and rows without scrolling.
+/// The size at which `view` shows its columns and rows without scrolling or cutting texts.
 QSize FittingSize(const QTreeView& view)
 {
-    int height = view.header()->sizeHint().height() + 2 * view.frameWidth();
+    const QHeaderView* header = view.header();
+    // The tree view keeps this to itself, the class that it derives from does not.
+    const QAbstractItemView& items = view;
+    const int frame = 2 * view.frameWidth();
+    int width = frame;
+    int height = frame + header->height();
+    for (int column = 0; column < header->count(); ++column) {
+        if (header->isSectionHidden(column))
+            continue;
+        // The last section takes whatever room there is, be it less than its texts need.
+        width +=
+            std::max({header->sectionSize(column), header->sectionSizeHint(column), items.sizeHintForColumn(column)});
+    }
     const QAbstractItemModel* model = view.model();
     for (int row = 0; row < model->rowCount() && height < s_largest.height(); ++row)
-        height += std::max(0, view.visualRect(model->index(row, static_cast<int>(EntryColumn::Name))).height());
-    return {view.header()->length() + 2 * view.frameWidth(), height};
+        height += view.visualRect(model->index(row, header->logicalIndexAt(0))).height();
+    return {width, height};
 }
 
 void Settle()
@@ -33,18 +44,21 @@ void Settle()
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
-void MakeRoom(const ConnectDialog& dialog)
+/// Makes the window as large as its views, side by side, need it. False when it already was.
+bool MakeRoom(const ConnectDialog& dialog)
 {
     QSize missing(0, 0);
     for (const QTreeView* view : dialog.Views()) {
         if (!view->isVisible())
             continue;
         const QSize lacking = FittingSize(*view) - view->size();
-        missing.rwidth() += lacking.width();
+        missing.rwidth() += std::max(0, lacking.width());
         missing.rheight() = std::max(missing.height(), lacking.height());
     }
-    const QSize wanted = dialog.Window()->size() + missing;
-    dialog.Window()->resize(wanted.expandedTo(dialog.Window()->minimumSizeHint()).boundedTo(s_largest));
+    QWidget* window = dialog.Window();
+    const QSize before = window->size();
+    window->resize((before + missing).expandedTo(window->minimumSizeHint()).boundedTo(s_largest));
+    return window->size() != before;
 }
 
 } // namespace
@@ -55,8 +69,9 @@ QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName)
     const bool wasHidden = window->isHidden();
     window->show();
     Settle();
-    MakeRoom(dialog);
-    Settle();
+    // What is laid out for the first time may measure differently once it has room.
+    for (int attempt = 0; attempt < s_attempts && MakeRoom(dialog); ++attempt)
+        Settle();
     const QPixmap picture = window->grab();
     if (wasHidden)
         window->hide();

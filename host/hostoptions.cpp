@@ -9,14 +9,16 @@ namespace {
 
 const QString s_defaultName = QStringLiteral("VexelConnectDlg");
 
+// Both broken by hand at the width that QCommandLineParser uses for the options.
 QString Description()
 {
-    return QStringLiteral(
-        "Shows the connect dialog: a list of connection entries, of which the ticked ones are connected by starting "
-        "the user-interface application that serves each of them.");
+    return QStringLiteral(R"(
+Shows the connect dialog: a list of connection entries, of which the ticked
+ones are connected by starting the user-interface application that serves each
+of them.)");
 }
 
-/// What the options alone do not say. Broken by hand at the width that QCommandLineParser uses.
+/// What the options alone do not say.
 QString Notes()
 {
     return QStringLiteral(R"(

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 
+#include <array>
 #include <memory>
 
 namespace {
@@ -29,10 +30,13 @@ bool ChoosePlatform(bool headless)
     return headless || HasDesktop();
 }
 
-std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv)
+std::unique_ptr<QApplication> MakeApplication(char* program)
 {
+    // Qt has options of its own, --plugin among them, and would take them out of the command line for itself.
+    static int argc = 1;
+    static std::array<char*, 2> argv = {program, nullptr};
     const QtStartMessages messages;
-    return std::make_unique<QApplication>(argc, argv);
+    return std::make_unique<QApplication>(argc, argv.data());
 }
 
 ExitCode Run(int& argc, char** argv)
@@ -61,12 +65,12 @@ ExitCode Run(int& argc, char** argv)
         return ExitCode::Unusable;
     }
 
+    if (options.IsHeadless())
+        LeaveOutHeadlessNoise();
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
     QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
-    const std::unique_ptr<QApplication> application = MakeApplication(argc, argv);
-    if (options.IsHeadless())
-        LeaveOutOffscreenNoise();
+    const std::unique_ptr<QApplication> application = MakeApplication(argv[0]);
     return Application(options).Run();
 }
 

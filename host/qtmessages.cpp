@@ -38,7 +38,11 @@ void HoldBack(QtMsgType type, const QMessageLogContext& context, const QString& 
 
 void LeaveOut(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (text != QLatin1String("This plugin does not support propagateSizeHints()"))
+    // The offscreen platform says the first about each window; a service or a container has none of the directories for
+    // a person's session that the second is about.
+    const bool noise = text == QLatin1String("This plugin does not support propagateSizeHints()") ||
+                       text.startsWith(QLatin1String("QStandardPaths: "));
+    if (!noise)
         g_HandlerBelowFilter(type, context, text);
 }
 
@@ -61,7 +65,7 @@ QtStartMessages::~QtStartMessages()
     g_pHeldBack = nullptr;
 }
 
-void LeaveOutOffscreenNoise()
+void LeaveOutHeadlessNoise()
 {
     g_HandlerBelowFilter = qInstallMessageHandler(LeaveOut);
 }

@@ -13,5 +13,6 @@ public:
     QtStartMessages& operator=(const QtStartMessages&) = delete;
 };
 
-/// From now on leaves out what Qt's offscreen platform says about each window, which nobody can do anything about.
-void LeaveOutOffscreenNoise();
+/// From now on leaves out what Qt says about the lack of a desktop and of a person's session, which headless use is
+/// for.
+void LeaveOutHeadlessNoise();

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QDialog>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QSplitter>
+#include <QStandardItemModel>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+/// A dialog with the object tree by which the host knows the plug-in's, on a plain item model. Ticks, names and
+/// statuses are set by `Add` and through the model; what the button does is up to the test.
+///
+/// The proxy sorts by name, so that rows of the views are not rows of the list.
+class FakeDialog : public QDialog
+{
+public:
+    FakeDialog()
+        : entries(0, 10)
+    {
+        setObjectName(QStringLiteral("VexelConnectDlgGUI"));
+        entries.setObjectName(QStringLiteral("ConnectionsModel"));
+        QStringList headings;
+        for (int column = 0; column < 10; ++column)
+            headings.append(column == 0 ? QString() : QStringLiteral("Heading %1").arg(column));
+        entries.setHorizontalHeaderLabels(headings);
+        proxy.setSourceModel(&entries);
+        proxy.setDynamicSortFilter(true);
+        proxy.sort(1);
+
+        auto* layout = new QVBoxLayout(this);
+        auto* splitter = new QSplitter;
+        layout->addWidget(splitter);
+        for (const QString& name : {QStringLiteral("m_pBasicView"), QStringLiteral("m_pDetailsView")}) {
+            auto* view = new QTreeView;
+            view->setObjectName(name);
+            view->setModel(&proxy);
+            splitter->addWidget(view);
+            views.append(view);
+        }
+        connectButton = new QPushButton(QStringLiteral("&Connect"));
+        connectButton->setObjectName(QStringLiteral("m_pConnectButton"));
+        layout->addWidget(connectButton);
+    }
+
+    void Add(const QString& name, bool ticked = false, int status = 0)
+    {
+        QList<QStandardItem*> cells;
+        for (int column = 0; column < 10; ++column)
+            cells.append(new QStandardItem(QStringLiteral("cell %1").arg(column)));
+        cells[0]->setData(ticked, Qt::EditRole);
+        cells[1]->setData(name, Qt::EditRole);
+        cells[2]->setData(status, Qt::EditRole);
+        entries.appendRow(cells);
+    }
+
+    void SetStatus(int row, int status) { entries.setData(entries.index(row, 2), status, Qt::EditRole); }
+    bool IsTicked(int row) const { return entries.index(row, 0).data(Qt::EditRole).toBool(); }
+
+    QStandardItemModel entries;
+    QSortFilterProxyModel proxy;
+    QList<QTreeView*> views;
+    QPushButton* connectButton = nullptr;
+};

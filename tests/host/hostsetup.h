@@ -1,0 +1,157 @@
+#pragma once
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// The host's executable as a child process, its configuration and data directories being folders of its own.
+///
+/// The data directory lists the applications that a test asks for; each is a program given by its path.
+class HostSetUp
+{
+public:
+    HostSetUp()
+    {
+        m_Environment = QProcessEnvironment::systemEnvironment();
+        // As a person without a display has it: the host must find out by itself.
+        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+            m_Environment.remove(QString::fromLatin1(name));
+        QDir(m_Directory.path()).mkdir(QStringLiteral("data"));
+    }
+
+    QString Path(const char* name) const { return m_Directory.filePath(QString::fromLatin1(name)); }
+    QString Config() const { return Path("config"); }
+    QString Data() const { return Path("data"); }
+    QProcessEnvironment& Environment() { return m_Environment; }
+
+    void Write(const QString& fileName, const QByteArray& content) const
+    {
+        QFile file(fileName);
+        QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
+        file.write(content);
+    }
+
+    /// Installs `program` as the only application for device type 4, `count` times.
+    void Install(const QString& program, int count) const
+    {
+        QByteArray machine = "<CfgVEXEL><Machine>";
+        for (int i = 1; i <= count; ++i) {
+            machine += "<App" + QByteArray::number(i) + "><Startup><exe>" + program.toUtf8() + "</exe></Startup></App" +
+                       QByteArray::number(i) + ">";
+        }
+        Write(Data() + QStringLiteral("/CfgVEXEL.xml"), machine + "</Machine></CfgVEXEL>");
+        Write(Data() + QStringLiteral("/TypeApplicationMappings.xml"),
+              "<TypeApplicationMappings><Mapping><DeviceType>4</DeviceType><Application>App1</Application></Mapping>"
+              "</TypeApplicationMappings>");
+    }
+
+    /// A connection list document with an entry of device type 4 for each name; `ticked` ones are selected.
+    static QByteArray ListDocument(const QStringList& names, const QStringList& ticked = {}, int status = 0)
+    {
+        QString document = QStringLiteral("<ConnectionEntries>");
+        for (const QString& name : names) {
+            document += QStringLiteral("<Connection><ConnectionName><![CDATA[") + name +
+                        QStringLiteral("]]></ConnectionName><DeviceType>4</DeviceType><ConnectionStatus>%1"
+                                       "</ConnectionStatus><Selected>%2</Selected></Connection>")
+                            .arg(status)
+                            .arg(ticked.contains(name) ? QStringLiteral("true") : QStringLiteral("false"));
+        }
+        return document.toUtf8() + "</ConnectionEntries>";
+    }
+
+    /// Puts `names` into the stored list.
+    void Fill(const QStringList& names, const QStringList& ticked = {})
+    {
+        const QString fileName = Path("fill.xml");
+        Write(fileName, ListDocument(names, ticked));
+        const auto added = Run({QStringLiteral("--data"), Data(), QStringLiteral("--add"), fileName});
+        QCOMPARE(added.error, QString());
+        QCOMPARE(added.exitCode, 0);
+    }
+
+    struct Result
+    {
+        int exitCode = -1;
+        QString output;
+        QString error;
+
+        QStringList OutputLines() const { return output.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
+        QStringList ErrorLines() const { return error.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
+    };
+
+    /// Runs the host with this configuration until it ends by itself.
+    Result Run(const QStringList& arguments)
+    {
+        QProcess process;
+        Start(process, arguments);
+        return End(process);
+    }
+
+    void Start(QProcess& process, const QStringList& arguments)
+    {
+        process.setProcessEnvironment(m_Environment);
+        process.setWorkingDirectory(m_Directory.path());
+        process.start(QStringLiteral(VEXELHOST), QStringList{QStringLiteral("--config"), Config()} + arguments);
+    }
+
+    /// Waits for the end of `process`, which was started here.
+    static Result End(QProcess& process)
+    {
+        if (process.state() != QProcess::NotRunning)
+            process.waitForFinished();
+        Result result;
+        // A crash is no exit code.
+        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        result.output = QString::fromUtf8(process.readAllStandardOutput());
+        result.error = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    }
+
+    /// The stored entries, read by a run of the host.
+    QJsonArray Entries()
+    {
+        const Result result = Run({QStringLiteral("--list"), QStringLiteral("--json")});
+        return QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("connections")).toArray();
+    }
+
+    QStringList Names()
+    {
+        QStringList names;
+        for (const QJsonValue& entry : Entries())
+            names.append(entry.toObject().value(QLatin1String("name")).toString());
+        return names;
+    }
+
+    QStringList TickedNames()
+    {
+        QStringList names;
+        for (const QJsonValue& entry : Entries()) {
+            if (entry.toObject().value(QLatin1String("selected")).toBool())
+                names.append(entry.toObject().value(QLatin1String("name")).toString());
+        }
+        return names;
+    }
+
+    /// Every file of the configuration in one text.
+    QByteArray StoredText() const
+    {
+        QByteArray text;
+        QDirIterator files(Config(), QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            if (file.open(QIODevice::ReadOnly))
+                text += file.readAll();
+        }
+        return text;
+    }
+
+private:
+    QTemporaryDir m_Directory;
+    QProcessEnvironment m_Environment;
+};

@@ -1,0 +1,175 @@
+#include "host/connectdialog.h"
+#include "tests/host/fakedialog.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+class TestConnectDialog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void FindsTheParts();
+    void SaysWhatIsMissing_data();
+    void SaysWhatIsMissing();
+    void NoDialogAtAll();
+    void RowsAreThoseOfTheList();
+    void NamesAreComparedExactly();
+    void TickKeeperGivesTheTicksBack();
+    void TickKeeperFollowsMovedRows();
+    void ConnectPressesTheButton();
+    void AppendThatFailsLeavesTheListAlone();
+
+private:
+    std::unique_ptr<FakeDialog> m_pFake;
+};
+
+void TestConnectDialog::init()
+{
+    m_pFake = std::make_unique<FakeDialog>();
+    new QAbstractItemModelTester(&m_pFake->entries, QAbstractItemModelTester::FailureReportingMode::QtTest,
+                                 &m_pFake->entries);
+}
+
+void TestConnectDialog::cleanup()
+{
+    m_pFake.reset();
+}
+
+void TestConnectDialog::FindsTheParts()
+{
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY2(dialog, qPrintable(error));
+    QCOMPARE(dialog->Window(), m_pFake.get());
+    QCOMPARE(dialog->ConnectButton(), m_pFake->connectButton);
+    QCOMPARE(dialog->Views(), m_pFake->views);
+    QCOMPARE(dialog->Entries(), &m_pFake->entries);
+}
+
+void TestConnectDialog::SaysWhatIsMissing_data()
+{
+    QTest::addColumn<QString>("part");
+    QTest::newRow("basic view") << QStringLiteral("m_pBasicView");
+    QTest::newRow("details view") << QStringLiteral("m_pDetailsView");
+    QTest::newRow("button") << QStringLiteral("m_pConnectButton");
+    QTest::newRow("list") << QStringLiteral("ConnectionsModel");
+}
+
+void TestConnectDialog::SaysWhatIsMissing()
+{
+    QFETCH(const QString, part);
+    if (auto* widget = m_pFake->findChild<QWidget*>(part))
+        widget->setObjectName(QStringLiteral("somethingElse"));
+    else
+        m_pFake->entries.setObjectName(QStringLiteral("somethingElse"));
+    QString error;
+    QVERIFY(!ConnectDialog::Find(error));
+    QVERIFY2(error.contains(part), qPrintable(error));
+}
+
+void TestConnectDialog::NoDialogAtAll()
+{
+    m_pFake.reset();
+    QString error;
+    QVERIFY(!ConnectDialog::Find(error));
+    QVERIFY2(error.contains(QLatin1String("VexelConnectDlgGUI")), qPrintable(error));
+}
+
+void TestConnectDialog::RowsAreThoseOfTheList()
+{
+    m_pFake->Add(QStringLiteral("zebra"), true, 1);
+    m_pFake->Add(QStringLiteral("ant"));
+    QCOMPARE(m_pFake->proxy.index(0, 1).data().toString(), QStringLiteral("ant"));
+
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY(dialog);
+    QCOMPARE(dialog->Count(), 2);
+    QCOMPARE(dialog->Name(0), QStringLiteral("zebra"));
+    QCOMPARE(dialog->Name(1), QStringLiteral("ant"));
+    QVERIFY(dialog->IsTicked(0));
+    QVERIFY(!dialog->IsTicked(1));
+    QCOMPARE(dialog->Status(0), 1);
+    QCOMPARE(dialog->Status(1), 0);
+    dialog->SetTicked(1, true);
+    QVERIFY(m_pFake->IsTicked(1));
+}
+
+void TestConnectDialog::NamesAreComparedExactly()
+{
+    for (const char* name : {"mast", "Mast", "mast ", "mast"})
+        m_pFake->Add(QString::fromLatin1(name));
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY(dialog);
+    QCOMPARE(dialog->RowsNamed(QStringLiteral("mast")), QList<int>({0, 3}));
+    QCOMPARE(dialog->RowsNamed(QStringLiteral("mas")), QList<int>());
+}
+
+void TestConnectDialog::TickKeeperGivesTheTicksBack()
+{
+    for (const bool ticked : {true, false, true, false})
+        m_pFake->Add(QStringLiteral("x"), ticked);
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY(dialog);
+    {
+        const TickKeeper keeper(*dialog);
+        for (int row = 0; row < 4; ++row)
+            dialog->SetTicked(row, row == 1);
+    }
+    QCOMPARE(m_pFake->IsTicked(0), true);
+    QCOMPARE(m_pFake->IsTicked(1), false);
+    QCOMPARE(m_pFake->IsTicked(2), true);
+    QCOMPARE(m_pFake->IsTicked(3), false);
+}
+
+void TestConnectDialog::TickKeeperFollowsMovedRows()
+{
+    m_pFake->Add(QStringLiteral("gone"), true);
+    m_pFake->Add(QStringLiteral("ticked"), true);
+    m_pFake->Add(QStringLiteral("unticked"), false);
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY(dialog);
+    {
+        const TickKeeper keeper(*dialog);
+        dialog->SetTicked(1, false);
+        dialog->SetTicked(2, true);
+        m_pFake->entries.removeRow(0);
+        m_pFake->Add(QStringLiteral("new"), true);
+    }
+    QVERIFY(m_pFake->IsTicked(0));
+    QVERIFY(!m_pFake->IsTicked(1));
+    QVERIFY(m_pFake->IsTicked(2));
+}
+
+void TestConnectDialog::ConnectPressesTheButton()
+{
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY(dialog);
+    QSignalSpy clicks(m_pFake->connectButton, &QAbstractButton::clicked);
+    dialog->PressConnect();
+    QCOMPARE(clicks.count(), 1);
+}
+
+void TestConnectDialog::AppendThatFailsLeavesTheListAlone()
+{
+    m_pFake->Add(QStringLiteral("a"));
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY(dialog);
+    // This model does not know the document at all.
+    QVERIFY(!dialog->Append("<ConnectionEntries/>"));
+    QCOMPARE(dialog->Count(), 1);
+}
+
+QTEST_MAIN(TestConnectDialog)
+#include "tst_connectdialog.moc"

@@ -1,0 +1,75 @@
+#include "host/datadirectory.h"
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+
+#include <QFileInfo>
+#include <QTest>
+
+class TestDataDirectory : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void SetIsWhatThePluginReads();
+    void FallbackStandsInOnlyWhileItLives();
+    void FallbackLeavesAStoredDirectoryAlone();
+    void NoFallbackWithoutADirectory();
+    void SamplesStandBesideTheProgram();
+
+private:
+    static QString Read();
+};
+
+QString TestDataDirectory::Read()
+{
+    return CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
+        ->GetString(QStringLiteral("VexelDataDir"), QStringLiteral("(none)"), 0);
+}
+
+void TestDataDirectory::init()
+{
+    CfgCenter::Close();
+    QCOMPARE(Read(), QStringLiteral("(none)"));
+}
+
+void TestDataDirectory::SetIsWhatThePluginReads()
+{
+    DataDirectory::Set(QStringLiteral("/given"));
+    QCOMPARE(Read(), QStringLiteral("/given"));
+}
+
+void TestDataDirectory::FallbackStandsInOnlyWhileItLives()
+{
+    {
+        const DataDirectory::Fallback fallback(QStringLiteral("/samples"));
+        QCOMPARE(Read(), QStringLiteral("/samples"));
+    }
+    QCOMPARE(Read(), QStringLiteral("(none)"));
+}
+
+void TestDataDirectory::FallbackLeavesAStoredDirectoryAlone()
+{
+    DataDirectory::Set(QStringLiteral("/stored"));
+    {
+        const DataDirectory::Fallback fallback(QStringLiteral("/samples"));
+        QCOMPARE(Read(), QStringLiteral("/stored"));
+    }
+    QCOMPARE(Read(), QStringLiteral("/stored"));
+}
+
+void TestDataDirectory::NoFallbackWithoutADirectory()
+{
+    const DataDirectory::Fallback fallback{QString()};
+    QCOMPARE(Read(), QStringLiteral("(none)"));
+}
+
+void TestDataDirectory::SamplesStandBesideTheProgram()
+{
+    const QString directory = DataDirectory::InstalledSamples(QStringLiteral(PROGRAM_DIRECTORY));
+    QVERIFY(QFileInfo(directory + QStringLiteral("/CfgVEXEL.xml")).isFile());
+    QVERIFY(DataDirectory::InstalledSamples(QStringLiteral("/no/such/place/bin")).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestDataDirectory)
+#include "tst_datadirectory.moc"

@@ -1,0 +1,220 @@
+#include "host/connectdialog.h"
+#include "host/dialogkeeper.h"
+#include "host/statusmonitor.h"
+#include "tests/host/fakedialog.h"
+
+#include <QHideEvent>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace {
+
+/// The dialog with its keeper, shown, with one entry.
+struct Kept
+{
+    Kept()
+    {
+        fake.Add(QStringLiteral("mast"), true);
+        QString error;
+        dialog = ConnectDialog::Find(error);
+        monitor = std::make_unique<StatusMonitor>(&fake.entries);
+        // What the plug-in's own slot does comes first, as in the host.
+        QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
+            fake.hide();
+            if (onConnect)
+                onConnect();
+        });
+        keeper = std::make_unique<DialogKeeper>(*dialog, *monitor);
+        hidden = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::DialogHidden);
+        end = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::EndWanted);
+        stays = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::StaysHidden);
+        fake.show();
+    }
+
+    FakeDialog fake;
+    std::function<void()> onConnect;
+    std::optional<ConnectDialog> dialog;
+    std::unique_ptr<StatusMonitor> monitor;
+    std::unique_ptr<DialogKeeper> keeper;
+    std::unique_ptr<QSignalSpy> hidden;
+    std::unique_ptr<QSignalSpy> end;
+    std::unique_ptr<QSignalSpy> stays;
+};
+
+/// Lets everything that is waiting in the event queue happen.
+void Settle()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+class TestDialogKeeper : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ClosingWithNothingInUseEndsTheHost_data();
+    void ClosingWithNothingInUseEndsTheHost();
+    void ClosingWhileInUseStaysAndComesBack();
+    void ClosingAgainAfterwardsEndsTheHost();
+    void ConnectingHidesUntilTheLastHasEnded();
+    void ConnectingInVainShowsTheDialogAgain();
+    void AProblemBoxDoesNotEndTheHost();
+    void AnApplicationThatEndsDuringTheProblemBox();
+    void AnApplicationThatEndsWhileTheDialogIsShown();
+    void MinimisingIsNotClosing();
+};
+
+void TestDialogKeeper::ClosingWithNothingInUseEndsTheHost_data()
+{
+    QTest::addColumn<bool>("byButton");
+    QTest::newRow("hidden by its button") << true;
+    QTest::newRow("closed by the window manager") << false;
+}
+
+void TestDialogKeeper::ClosingWithNothingInUseEndsTheHost()
+{
+    QFETCH(const bool, byButton);
+    Kept kept;
+    if (byButton)
+        kept.fake.hide();
+    else
+        kept.fake.close();
+    QTRY_COMPARE(kept.end->count(), 1);
+    QCOMPARE(kept.hidden->count(), 1);
+    QCOMPARE(kept.stays->count(), 0);
+}
+
+void TestDialogKeeper::ClosingWhileInUseStaysAndComesBack()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.hide();
+    QTRY_COMPARE(kept.stays->count(), 1);
+    QCOMPARE(kept.stays->at(0).at(0).toInt(), 1);
+    QCOMPARE(kept.hidden->count(), 1);
+    QVERIFY(kept.fake.isHidden());
+
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.stays->count(), 1);
+}
+
+void TestDialogKeeper::ClosingAgainAfterwardsEndsTheHost()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.hide();
+    QTRY_COMPARE(kept.stays->count(), 1);
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    kept.fake.hide();
+    QTRY_COMPARE(kept.end->count(), 1);
+}
+
+void TestDialogKeeper::ConnectingHidesUntilTheLastHasEnded()
+{
+    Kept kept;
+    kept.fake.Add(QStringLiteral("pier"), true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+        kept.fake.SetStatus(1, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    QCOMPARE(kept.hidden->count(), 1);
+    // The person asked for that, there is nothing to say.
+    QCOMPARE(kept.stays->count(), 0);
+
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    kept.fake.SetStatus(1, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::ConnectingInVainShowsTheDialogAgain()
+{
+    Kept kept;
+    kept.fake.connectButton->click();
+    QTRY_VERIFY(kept.fake.isVisible());
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+    QVERIFY(kept.fake.isVisible());
+}
+
+void TestDialogKeeper::AProblemBoxDoesNotEndTheHost()
+{
+    Kept kept;
+    bool endedDuringBox = false;
+    kept.onConnect = [&] {
+        QMessageBox box;
+        QTimer::singleShot(0, &box, [&] {
+            Settle();
+            endedDuringBox = kept.end->count() != 0 || kept.fake.isVisible();
+            box.accept();
+        });
+        box.exec();
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QVERIFY(!endedDuringBox);
+    QCOMPARE(kept.end->count(), 0);
+    QVERIFY(kept.fake.isHidden());
+}
+
+void TestDialogKeeper::AnApplicationThatEndsDuringTheProblemBox()
+{
+    Kept kept;
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+        QMessageBox box;
+        QTimer::singleShot(0, &box, [&] {
+            kept.fake.SetStatus(0, 0);
+            Settle();
+            box.accept();
+        });
+        box.exec();
+    };
+    kept.fake.connectButton->click();
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::AnApplicationThatEndsWhileTheDialogIsShown()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.hidden->count(), 0);
+}
+
+void TestDialogKeeper::MinimisingIsNotClosing()
+{
+    Kept kept;
+    kept.fake.showMinimized();
+    // What a window manager does to the window's content.
+    QHideEvent spontaneous;
+    QCoreApplication::sendEvent(&kept.fake, &spontaneous);
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.hidden->count(), 0);
+}
+
+QTEST_MAIN(TestDialogKeeper)
+#include "tst_dialogkeeper.moc"

@@ -1,0 +1,136 @@
+#include "host/pluginlibrary.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestPluginLibrary : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void GoodPlugin();
+    void NameArrivesWhole_data();
+    void NameArrivesWhole();
+    void MissingFile();
+    void MissingFileIsNotLookedForUnderOtherNames();
+    void Directory();
+    void NotALibrary();
+    void EmptyFile();
+    void LibraryWithoutTheFunctions();
+    void LibraryWithOneOfTheFunctions();
+    void PluginThatGivesNoInstance();
+    void DefaultFileStandsBesideTheProgram();
+};
+
+void TestPluginLibrary::GoodPlugin()
+{
+    PluginLibrary library;
+    QCOMPARE(library.Load(QStringLiteral(PLUGIN_PLAIN)), PluginLibrary::Error::None);
+    QCOMPARE(library.ErrorText(), QString());
+
+    qApp->setProperty("plainInstanceDestroyed", false);
+    PluginLibrary::Instance instance = library.Create(QStringLiteral("VexelConnectDlg"));
+    QVERIFY(instance);
+    QVERIFY(instance->IsAvailable());
+    QVERIFY(!qApp->property("plainInstanceDestroyed").toBool());
+    instance.reset();
+    QVERIFY(qApp->property("plainInstanceDestroyed").toBool());
+}
+
+void TestPluginLibrary::NameArrivesWhole_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("plain") << QStringLiteral("VexelConnectDlg");
+    QTest::newRow("umlauts") << QStringLiteral("Zweites Gerät");
+    QTest::newRow("astral") << QStringLiteral("Mast \U0001F4E1 north");
+}
+
+void TestPluginLibrary::NameArrivesWhole()
+{
+    QFETCH(const QString, name);
+    PluginLibrary library;
+    QCOMPARE(library.Load(QStringLiteral(PLUGIN_PLAIN)), PluginLibrary::Error::None);
+    const PluginLibrary::Instance instance = library.Create(name);
+    QVERIFY(instance);
+    QCOMPARE(instance->Name(), name);
+}
+
+void TestPluginLibrary::MissingFile()
+{
+    PluginLibrary library;
+    QCOMPARE(library.Load(QStringLiteral("/no/such/plugin.so")), PluginLibrary::Error::Missing);
+    QVERIFY(library.ErrorText().contains(QLatin1String("/no/such/plugin.so")));
+}
+
+void TestPluginLibrary::MissingFileIsNotLookedForUnderOtherNames()
+{
+    // QLibrary by itself would find "plugin.so" when it is asked for "plugin".
+    QString name = QStringLiteral(PLUGIN_PLAIN);
+    name.truncate(name.lastIndexOf(QLatin1Char('.')));
+    PluginLibrary library;
+    QCOMPARE(library.Load(name), PluginLibrary::Error::Missing);
+}
+
+void TestPluginLibrary::Directory()
+{
+    const QTemporaryDir directory;
+    PluginLibrary library;
+    QCOMPARE(library.Load(directory.path()), PluginLibrary::Error::NotAFile);
+    QVERIFY(library.ErrorText().contains(directory.path()));
+}
+
+void TestPluginLibrary::NotALibrary()
+{
+    const QTemporaryDir directory;
+    QFile file(directory.filePath(QStringLiteral("plugin.so")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    PluginLibrary library;
+    QCOMPARE(library.Load(file.fileName()), PluginLibrary::Error::NotLoadable);
+    QVERIFY(library.ErrorText().contains(file.fileName()));
+}
+
+void TestPluginLibrary::EmptyFile()
+{
+    const QTemporaryDir directory;
+    QFile file(directory.filePath(QStringLiteral("plugin.so")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    PluginLibrary library;
+    QCOMPARE(library.Load(file.fileName()), PluginLibrary::Error::NotLoadable);
+}
+
+void TestPluginLibrary::LibraryWithoutTheFunctions()
+{
+    PluginLibrary library;
+    QCOMPARE(library.Load(QStringLiteral(LIBRARY_NOEXPORTS)), PluginLibrary::Error::LacksFunctions);
+    QVERIFY(library.ErrorText().contains(QLatin1String("ARCreateEx")));
+    QVERIFY(library.ErrorText().contains(QLatin1String("ARDestroy")));
+}
+
+void TestPluginLibrary::LibraryWithOneOfTheFunctions()
+{
+    PluginLibrary library;
+    QCOMPARE(library.Load(QStringLiteral(LIBRARY_ONLYCREATE)), PluginLibrary::Error::LacksFunctions);
+}
+
+void TestPluginLibrary::PluginThatGivesNoInstance()
+{
+    PluginLibrary library;
+    QCOMPARE(library.Load(QStringLiteral(PLUGIN_REFUSING)), PluginLibrary::Error::None);
+    QVERIFY(!library.Create(QStringLiteral("VexelConnectDlg")));
+}
+
+void TestPluginLibrary::DefaultFileStandsBesideTheProgram()
+{
+    const QString file = PluginLibrary::DefaultFile(QStringLiteral(PROGRAM_DIRECTORY));
+    QVERIFY(QDir::isAbsolutePath(file));
+    QCOMPARE(file, QDir::cleanPath(QStringLiteral(REAL_PLUGIN)));
+}
+
+QTEST_GUILESS_MAIN(TestPluginLibrary)
+#include "tst_pluginlibrary.moc"

@@ -1,0 +1,149 @@
+#include "host/statusmonitor.h"
+#include "tests/host/fakedialog.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+class TestStatusMonitor : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void CountsWhatIsThere();
+    void AnnouncesAChangeWithNameAndTexts();
+    void KeepsSilentAboutCellsThatStay();
+    void KeepsSilentAboutOtherColumns();
+    void SeesAChangeInsideALargerRange();
+    void CountFollowsInsertedAndRemovedRows();
+    void RowsStayTheirOwnAfterARemoval();
+    void RereadsAfterAReset();
+    void RereadsAfterSorting();
+
+private:
+    std::unique_ptr<FakeDialog> m_pFake;
+    QStandardItemModel* m_pEntries = nullptr;
+};
+
+void TestStatusMonitor::init()
+{
+    m_pFake = std::make_unique<FakeDialog>();
+    m_pEntries = &m_pFake->entries;
+    new QAbstractItemModelTester(m_pEntries, QAbstractItemModelTester::FailureReportingMode::QtTest, m_pEntries);
+    m_pFake->Add(QStringLiteral("first"), false, 0);
+    m_pFake->Add(QStringLiteral("second"), false, 1);
+    m_pFake->Add(QStringLiteral("third"), false, 0);
+}
+
+void TestStatusMonitor::cleanup()
+{
+    m_pFake.reset();
+}
+
+void TestStatusMonitor::CountsWhatIsThere()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QCOMPARE(monitor.CountInUse(), 1);
+}
+
+void TestStatusMonitor::AnnouncesAChangeWithNameAndTexts()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
+    QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
+    m_pFake->SetStatus(2, 1);
+    QCOMPARE(changes.count(), 1);
+    // A plain item model shows the number itself.
+    QCOMPARE(changes.at(0), QVariantList({2, QStringLiteral("third"), QStringLiteral("0"), QStringLiteral("1")}));
+    QCOMPARE(counts.count(), 1);
+    QCOMPARE(counts.at(0).at(0).toInt(), 2);
+
+    m_pFake->SetStatus(2, 0);
+    QCOMPARE(changes.count(), 2);
+    QCOMPARE(changes.at(1), QVariantList({2, QStringLiteral("third"), QStringLiteral("1"), QStringLiteral("0")}));
+    QCOMPARE(monitor.CountInUse(), 1);
+}
+
+void TestStatusMonitor::KeepsSilentAboutCellsThatStay()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
+    QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
+    emit m_pEntries->dataChanged(m_pEntries->index(0, 0), m_pEntries->index(2, 9));
+    QCOMPARE(changes.count(), 0);
+    QCOMPARE(counts.count(), 0);
+}
+
+void TestStatusMonitor::KeepsSilentAboutOtherColumns()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
+    m_pEntries->setData(m_pEntries->index(0, 1), QStringLiteral("renamed"), Qt::EditRole);
+    m_pEntries->setData(m_pEntries->index(0, 3), 7, Qt::EditRole);
+    QCOMPARE(changes.count(), 0);
+}
+
+void TestStatusMonitor::SeesAChangeInsideALargerRange()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
+    {
+        const QSignalBlocker quiet(m_pEntries);
+        m_pFake->SetStatus(1, 0);
+        m_pFake->SetStatus(2, 1);
+    }
+    emit m_pEntries->dataChanged(m_pEntries->index(0, 0), m_pEntries->index(2, 9));
+    QCOMPARE(changes.count(), 2);
+    QCOMPARE(changes.at(0).at(0).toInt(), 1);
+    QCOMPARE(changes.at(1).at(0).toInt(), 2);
+    QCOMPARE(monitor.CountInUse(), 1);
+}
+
+void TestStatusMonitor::CountFollowsInsertedAndRemovedRows()
+{
+    const StatusMonitor monitor(m_pEntries);
+    m_pFake->Add(QStringLiteral("fourth"), false, 1);
+    QCOMPARE(monitor.CountInUse(), 2);
+    m_pEntries->removeRows(0, 2);
+    QCOMPARE(monitor.CountInUse(), 1);
+    m_pEntries->removeRows(0, 2);
+    QCOMPARE(monitor.CountInUse(), 0);
+}
+
+void TestStatusMonitor::RowsStayTheirOwnAfterARemoval()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
+    m_pEntries->removeRows(0, 1);
+    m_pFake->SetStatus(0, 0);
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(changes.at(0).at(1).toString(), QStringLiteral("second"));
+    QCOMPARE(monitor.CountInUse(), 0);
+}
+
+void TestStatusMonitor::RereadsAfterAReset()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
+    m_pEntries->clear();
+    QCOMPARE(monitor.CountInUse(), 0);
+    QCOMPARE(counts.count(), 1);
+}
+
+void TestStatusMonitor::RereadsAfterSorting()
+{
+    const StatusMonitor monitor(m_pEntries);
+    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
+    m_pEntries->sort(1, Qt::DescendingOrder); // third, second, first
+    m_pFake->SetStatus(2, 1);
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(changes.at(0).at(1).toString(), QStringLiteral("first"));
+    QCOMPARE(monitor.CountInUse(), 2);
+}
+
+QTEST_MAIN(TestStatusMonitor)
+#include "tst_statusmonitor.moc"
