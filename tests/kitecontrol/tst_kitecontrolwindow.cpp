@@ -34,6 +34,7 @@ class TestKiteControlWindow : public QObject
 
 private slots:
     void showsTheRecord();
+    void givesEveryValueItsRoom();
     void showsCandidates();
     void showsNamesAsTheyAre();
     void cutsEndlessNames();
@@ -59,6 +60,21 @@ void TestKiteControlWindow::showsTheRecord()
         QCOMPARE(TextOf(window, fact.label), shown);
     }
     QVERIFY(!window.findChild<QListWidget*>());
+}
+
+void TestKiteControlWindow::givesEveryValueItsRoom()
+{
+    const QString name =
+        QStringLiteral("A mast with a name that needs two lines, because it says where it stands and why");
+    KiteControlWindow window(ReportFor(name, Records().Add(qPrintable(name), "Kite Echo").List()));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const QList<QLabel*> labels = window.findChildren<QLabel*>();
+    QVERIFY(labels.size() > 8);
+    for (const QLabel* const label : labels) {
+        const int needed = label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+        QVERIFY2(label->height() >= needed, qPrintable(label->text()));
+    }
 }
 
 void TestKiteControlWindow::showsCandidates()

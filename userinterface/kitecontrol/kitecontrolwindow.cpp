@@ -19,6 +19,9 @@ namespace {
 // An entry's name may be a megabyte long; a label that lays it out would block for minutes.
 constexpr qsizetype s_longestShown = 240;
 
+constexpr int s_leastValueWidth = 120;
+constexpr int s_windowWidth = 600;
+
 QString Shown(const QString& text)
 {
     return text.size() > s_longestShown ? text.left(s_longestShown) + QChar(0x2026) : text;
@@ -30,6 +33,7 @@ QLabel* ValueLabel(const QString& text, const QString& objectName)
     label->setObjectName(objectName);
     label->setTextFormat(Qt::PlainText); // names are the operator's, markup and all
     label->setWordWrap(true);
+    label->setMinimumWidth(s_leastValueWidth); // else its longest word is, and a word may be as long as a path
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     return label;
 }
@@ -46,7 +50,7 @@ QFormLayout* AddGroup(QWidget* window, const QString& title)
 {
     auto* const group = new QGroupBox(title);
     auto* const form = new QFormLayout(group);
-    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignTop);
     form->setHorizontalSpacing(16);
     window->layout()->addWidget(group);
@@ -72,7 +76,7 @@ KiteControlWindow::KiteControlWindow(const LaunchReport& report, QWidget* parent
     AddStart(report);
     layout->addStretch();
     AddButtons();
-    resize(std::max(sizeHint().width(), 560), sizeHint().height());
+    resize(s_windowWidth, layout->totalHeightForWidth(s_windowWidth));
 }
 
 void KiteControlWindow::AddHeading(const LaunchReport& report)
@@ -109,6 +113,7 @@ void KiteControlWindow::AddCandidates(const LaunchReport& report)
     auto* const list = new QListWidget;
     list->setObjectName(QStringLiteral("m_pCandidates"));
     list->setAlternatingRowColors(true);
+    list->setWordWrap(true);
     const auto listed = std::min(report.candidates.size(), std::size_t(LaunchReport::MaximumCandidates));
     for (std::size_t i = 0; i < listed; ++i) {
         list->addItem(Shown(LaunchReport::Summary(report.candidates[i])));

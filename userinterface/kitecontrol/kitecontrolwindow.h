@@ -2,7 +2,6 @@
 
 #include <QWidget>
 
-class QFormLayout;
 struct LaunchReport;
 
 /// The window of the sample user-interface application: who it is, how it was started, and its legacy record.
