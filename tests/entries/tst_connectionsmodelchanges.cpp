@@ -1,81 +1,16 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
-#include "tests/support/tracerecorder.h"
+#include "tests/entries/watchedmodel.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
-#include <QAbstractItemModelTester>
-#include <QMimeData>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
 
-#include <algorithm>
 #include <limits>
-#include <memory>
 #include <vector>
 
 namespace {
-
-/// A model without a stored set, watched by the model tester from the first change on.
-class WatchedModel : public ConnectionsModel
-{
-public:
-    WatchedModel()
-        : ConnectionsModel(nullptr, QString())
-    {
-    }
-    using ConnectionsModel::createIndex;
-
-    void AddNamed(std::initializer_list<const char*> names)
-    {
-        for (const char* const name : names)
-            AddConnection(NamedEntry(QString::fromLatin1(name)));
-    }
-
-    QStringList Names() const
-    {
-        QStringList names;
-        for (int row = 0; row < rowCount(); ++row)
-            names += GetConnection(row).ConnectionName;
-        return names;
-    }
-
-private:
-    QAbstractItemModelTester m_Tester{this, QAbstractItemModelTester::FailureReportingMode::QtTest};
-};
-
-QStringList Texts(std::initializer_list<const char*> texts)
-{
-    QStringList list;
-    for (const char* const text : texts)
-        list += QString::fromLatin1(text);
-    return list;
-}
-
-/// The (row, column) pairs of the cells that `dataChanged` announced one by one; a larger range fails the test.
-QList<std::pair<int, int>> ChangedCells(const QSignalSpy& spy)
-{
-    QList<std::pair<int, int>> cells;
-    for (const QList<QVariant>& arguments : spy) {
-        const auto topLeft = arguments.at(0).toModelIndex();
-        if (topLeft != arguments.at(1).toModelIndex())
-            QTest::qFail("dataChanged for more than one cell", __FILE__, __LINE__);
-        cells.append({topLeft.row(), topLeft.column()});
-    }
-    return cells;
-}
-
-std::unique_ptr<QMimeData> PlainText(const QByteArray& bytes)
-{
-    auto data = std::make_unique<QMimeData>();
-    data->setData(QStringLiteral("text/plain"), bytes);
-    return data;
-}
-
-bool Drop(ConnectionsModel& model, const QMimeData* data)
-{
-    return model.dropMimeData(data, Qt::CopyAction, -1, -1, QModelIndex());
-}
 
 struct CountedByHand
 {
@@ -110,43 +45,22 @@ class TestConnectionsModelChanges : public QObject
 private slots:
     void addAppendsAFullCopyAndAnnouncesOneRow();
     void getConnectionIsACopy();
-
     void removeAnnouncesTheRowsAndRemovesThem_data();
     void removeAnnouncesTheRowsAndRemovesThem();
     void removeRefuses_data();
     void removeRefuses();
     void removeOfNothingIsTrue();
     void removeBeyondTheEndStopsThere();
-
     void setDataAssigns_data();
     void setDataAssigns();
     void setDataChecksNoRange();
     void setDataWithAnotherRoleOnlyAnnounces_data();
     void setDataWithAnotherRoleOnlyAnnounces();
     void setDataOnBadIndexesOnlyAnnounces();
-
     void setStatusChangesEveryEqualEntry();
     void setStatusOfAnUnknownEntryChangesNothing();
     void setStatusAnnouncesWithoutAChange();
     void resetAnnouncesEachStatusCell();
-
-    void mimeType();
-    void mimeDataTakesEachRowOnceInOrderOfFirstOccurrence();
-    void mimeDataOfNothingIsAnEmptyRoot();
-    void mimeDataPassesOverBadIndexes();
-    void mimeDataIsAPlainObjectOfTheCaller();
-    void dropAppendsInDocumentOrderAndKeepsStatusAndSelection();
-    void dropIgnoresPlaceAndAction_data();
-    void dropIgnoresPlaceAndAction();
-    void dropWithoutEntries_data();
-    void dropWithoutEntries();
-    void dropOfAMalformedDocumentKeepsWhatCameBefore();
-    void dropOfOwnRowsAppendsCopies();
-
-    void toByteArrayIsTheWholeSetInRowOrder();
-    void fromByteArrayReplacesAndFrees();
-    void fromByteArrayOfAMalformedDocument();
-
     void countsOfAKnownSet();
     void countsStayRightAfterAnyChange();
 };
@@ -428,200 +342,6 @@ void TestConnectionsModelChanges::resetAnnouncesEachStatusCell()
     QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}, {1, 2}, {2, 2}, {3, 2}}));
     for (const int number : {0, 1, 2})
         QCOMPARE(Fields(model.GetConnection(number)), FreeFields(SampleEntry(number)));
-}
-
-void TestConnectionsModelChanges::mimeType()
-{
-    const WatchedModel model;
-    QCOMPARE(model.mimeTypes(), Texts({"text/plain"}));
-}
-
-void TestConnectionsModelChanges::mimeDataTakesEachRowOnceInOrderOfFirstOccurrence()
-{
-    WatchedModel model;
-    for (const int number : {0, 1, 2})
-        model.AddConnection(SampleEntry(number));
-    const std::unique_ptr<QMimeData> data(model.mimeData({model.index(2, 3), model.index(0, 1), model.index(2, 5)}));
-    QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(2), SampleEntry(0)}));
-}
-
-void TestConnectionsModelChanges::mimeDataOfNothingIsAnEmptyRoot()
-{
-    WatchedModel model;
-    model.AddNamed({"a"});
-    const std::unique_ptr<QMimeData> data(model.mimeData({}));
-    QCOMPARE(data->data(QStringLiteral("text/plain")),
-             QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries/>\n"));
-}
-
-void TestConnectionsModelChanges::mimeDataPassesOverBadIndexes()
-{
-    WatchedModel model;
-    model.AddConnection(SampleEntry(1));
-    WatchedModel other;
-    other.AddConnection(SampleEntry(2));
-    const std::unique_ptr<QMimeData> data(
-        model.mimeData({QModelIndex(), model.createIndex(7, 0), other.index(0, 0), model.index(0, 0)}));
-    QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(1)}));
-}
-
-void TestConnectionsModelChanges::mimeDataIsAPlainObjectOfTheCaller()
-{
-    WatchedModel model;
-    model.AddNamed({"a"});
-    const std::unique_ptr<QMimeData> one(model.mimeData({model.index(0, 0)}));
-    const std::unique_ptr<QMimeData> other(model.mimeData({model.index(0, 0)}));
-    QVERIFY(one != other);
-    QCOMPARE(one->metaObject(), &QMimeData::staticMetaObject);
-    QCOMPARE(one->parent(), nullptr);
-    QCOMPARE(one->formats(), Texts({"text/plain"}));
-}
-
-void TestConnectionsModelChanges::dropAppendsInDocumentOrderAndKeepsStatusAndSelection()
-{
-    WatchedModel model;
-    model.AddNamed({"a"});
-    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    QVERIFY(Drop(model, PlainText(WriteList({SampleEntry(5), SampleEntry(3)})).get()));
-    QCOMPARE(inserted.size(), 2);
-    QCOMPARE(inserted.at(0).at(1).toInt(), 1);
-    QCOMPARE(inserted.at(1).at(1).toInt(), 2);
-    QCOMPARE(model.rowCount(), 3);
-    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(5)));
-    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(3)));
-}
-
-void TestConnectionsModelChanges::dropIgnoresPlaceAndAction_data()
-{
-    QTest::addColumn<int>("action");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<int>("column");
-    QTest::addColumn<bool>("onFirstRow");
-    QTest::newRow("move") << int{Qt::MoveAction} << -1 << -1 << false;
-    QTest::newRow("ignore") << int{Qt::IgnoreAction} << -1 << -1 << false;
-    QTest::newRow("between rows") << int{Qt::CopyAction} << 0 << 0 << false;
-    QTest::newRow("on a row") << int{Qt::CopyAction} << -1 << -1 << true;
-    QTest::newRow("outside") << int{Qt::CopyAction} << 100 << 100 << false;
-}
-
-void TestConnectionsModelChanges::dropIgnoresPlaceAndAction()
-{
-    QFETCH(int, action);
-    QFETCH(int, row);
-    QFETCH(int, column);
-    QFETCH(bool, onFirstRow);
-    WatchedModel model;
-    model.AddNamed({"a", "b"});
-    const auto data = PlainText(WriteList({NamedEntry(QStringLiteral("c"))}));
-    QVERIFY(model.dropMimeData(data.get(), static_cast<Qt::DropAction>(action), row, column,
-                               onFirstRow ? model.index(0, 1) : QModelIndex()));
-    QCOMPARE(model.Names(), Texts({"a", "b", "c"}));
-}
-
-void TestConnectionsModelChanges::dropWithoutEntries_data()
-{
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<int>("traces");
-    const QByteArray document = WriteList({SampleEntry(1)});
-    QTest::newRow("no format at all") << QString() << QByteArray() << 1;
-    QTest::newRow("another format") << QStringLiteral("application/xml") << document << 1;
-    QTest::newRow("a list of files") << QStringLiteral("text/uri-list") << QByteArray("file:///a.xml") << 1;
-    QTest::newRow("empty text") << QStringLiteral("text/plain") << QByteArray() << 1;
-    QTest::newRow("other text") << QStringLiteral("text/plain") << QByteArray("Hello") << 1;
-    QTest::newRow("no entries") << QStringLiteral("text/plain") << WriteList({}) << 0;
-}
-
-void TestConnectionsModelChanges::dropWithoutEntries()
-{
-    QFETCH(QString, format);
-    QFETCH(QByteArray, bytes);
-    QFETCH(int, traces);
-    WatchedModel model;
-    model.AddNamed({"a"});
-    QMimeData data;
-    if (!format.isEmpty())
-        data.setData(format, bytes);
-    const TraceRecorder recorder;
-    const QSignalSpy about(&model, &QAbstractItemModel::rowsAboutToBeInserted);
-    QVERIFY(!Drop(model, &data));
-    QCOMPARE(about.size(), 0);
-    QCOMPARE(recorder.Reports().size(), traces);
-    // Without any data there is nothing to read.
-    QVERIFY(!Drop(model, nullptr));
-    QCOMPARE(model.Names(), Texts({"a"}));
-}
-
-void TestConnectionsModelChanges::dropOfAMalformedDocumentKeepsWhatCameBefore()
-{
-    WatchedModel model;
-    model.AddNamed({"a"});
-    QByteArray document = WriteList({SampleEntry(1), SampleEntry(2)});
-    document.replace("</ConnectionEntries>", "</Other>");
-    const TraceRecorder recorder;
-    QVERIFY(!Drop(model, PlainText(document).get()));
-    QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(document)));
-    QCOMPARE(model.rowCount(), 3);
-    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(1)));
-    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(2)));
-}
-
-void TestConnectionsModelChanges::dropOfOwnRowsAppendsCopies()
-{
-    WatchedModel model;
-    model.AddConnection(SampleEntry(0));
-    model.AddConnection(SampleEntry(1));
-    const std::unique_ptr<QMimeData> dragged(model.mimeData({model.index(0, 0), model.index(1, 0)}));
-    QVERIFY(model.canDropMimeData(dragged.get(), Qt::CopyAction, -1, -1, QModelIndex()));
-    QVERIFY(Drop(model, dragged.get()));
-    QCOMPARE(model.rowCount(), 4);
-    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(0)));
-    QCOMPARE(Fields(model.GetConnection(3)), Fields(SampleEntry(1)));
-}
-
-void TestConnectionsModelChanges::toByteArrayIsTheWholeSetInRowOrder()
-{
-    WatchedModel model;
-    QCOMPARE(model.ToByteArray(), WriteList({}));
-    for (const int number : {2, 0, 1, 0})
-        model.AddConnection(SampleEntry(number));
-    QCOMPARE(model.ToByteArray(), WriteList({SampleEntry(2), SampleEntry(0), SampleEntry(1), SampleEntry(0)}));
-}
-
-void TestConnectionsModelChanges::fromByteArrayReplacesAndFrees()
-{
-    WatchedModel model;
-    model.AddNamed({"a", "b"});
-    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    // "ConnectionStatus" 1 and 2 in the document.
-    QVERIFY(model.FromByteArray(WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)})));
-    QCOMPARE(removed.size(), 1);
-    QCOMPARE(removed.at(0).at(1).toInt(), 0);
-    QCOMPARE(removed.at(0).at(2).toInt(), 1);
-    QCOMPARE(inserted.size(), 3);
-    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}, {1, 2}, {2, 2}}));
-    QCOMPARE(model.rowCount(), 3);
-    for (const int number : {0, 1, 2})
-        QCOMPARE(Fields(model.GetConnection(number)), FreeFields(SampleEntry(number)));
-    QVERIFY(!model.FromByteArray(WriteList({})));
-    QCOMPARE(model.rowCount(), 0);
-}
-
-void TestConnectionsModelChanges::fromByteArrayOfAMalformedDocument()
-{
-    WatchedModel model;
-    model.AddNamed({"a", "b"});
-    QByteArray document = WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)});
-    document.truncate(document.lastIndexOf("<DeviceType>"));
-    const TraceRecorder recorder;
-    QVERIFY(!model.FromByteArray(document));
-    QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(document)));
-    QCOMPARE(model.rowCount(), 3);
-    QCOMPARE(Fields(model.GetConnection(0)), FreeFields(SampleEntry(0)));
-    QCOMPARE(Fields(model.GetConnection(1)), FreeFields(SampleEntry(1)));
-    QCOMPARE(Fields(model.GetConnection(2)), Fields(NamedEntry(SampleEntry(2).ConnectionName)));
 }
 
 void TestConnectionsModelChanges::countsOfAKnownSet()

@@ -1,0 +1,232 @@
+#include "tests/entries/entrysamples.h"
+#include "tests/entries/listreading.h"
+#include "tests/entries/watchedmodel.h"
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+/// Entries that leave and enter the model as documents: drag and drop, and the whole set.
+class TestConnectionsModelDocuments : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void mimeType();
+    void mimeDataTakesEachRowOnceInOrderOfFirstOccurrence();
+    void mimeDataOfNothingIsAnEmptyRoot();
+    void mimeDataPassesOverBadIndexes();
+    void mimeDataIsAPlainObjectOfTheCaller();
+    void dropAppendsInDocumentOrderAndKeepsStatusAndSelection();
+    void dropIgnoresPlaceAndAction_data();
+    void dropIgnoresPlaceAndAction();
+    void dropWithoutEntries_data();
+    void dropWithoutEntries();
+    void dropOfAMalformedDocumentKeepsWhatCameBefore();
+    void dropOfOwnRowsAppendsCopies();
+    void toByteArrayIsTheWholeSetInRowOrder();
+    void fromByteArrayReplacesAndFrees();
+    void fromByteArrayOfAMalformedDocument();
+};
+
+void TestConnectionsModelDocuments::mimeType()
+{
+    const WatchedModel model;
+    QCOMPARE(model.mimeTypes(), Texts({"text/plain"}));
+}
+
+void TestConnectionsModelDocuments::mimeDataTakesEachRowOnceInOrderOfFirstOccurrence()
+{
+    WatchedModel model;
+    for (const int number : {0, 1, 2})
+        model.AddConnection(SampleEntry(number));
+    const std::unique_ptr<QMimeData> data(model.mimeData({model.index(2, 3), model.index(0, 1), model.index(2, 5)}));
+    QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(2), SampleEntry(0)}));
+}
+
+void TestConnectionsModelDocuments::mimeDataOfNothingIsAnEmptyRoot()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const std::unique_ptr<QMimeData> data(model.mimeData({}));
+    QCOMPARE(data->data(QStringLiteral("text/plain")),
+             QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries/>\n"));
+}
+
+void TestConnectionsModelDocuments::mimeDataPassesOverBadIndexes()
+{
+    WatchedModel model;
+    model.AddConnection(SampleEntry(1));
+    WatchedModel other;
+    other.AddConnection(SampleEntry(2));
+    const std::unique_ptr<QMimeData> data(
+        model.mimeData({QModelIndex(), model.createIndex(7, 0), other.index(0, 0), model.index(0, 0)}));
+    QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(1)}));
+}
+
+void TestConnectionsModelDocuments::mimeDataIsAPlainObjectOfTheCaller()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const std::unique_ptr<QMimeData> one(model.mimeData({model.index(0, 0)}));
+    const std::unique_ptr<QMimeData> other(model.mimeData({model.index(0, 0)}));
+    QVERIFY(one != other);
+    QCOMPARE(one->metaObject(), &QMimeData::staticMetaObject);
+    QCOMPARE(one->parent(), nullptr);
+    QCOMPARE(one->formats(), Texts({"text/plain"}));
+}
+
+void TestConnectionsModelDocuments::dropAppendsInDocumentOrderAndKeepsStatusAndSelection()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    QVERIFY(Drop(model, PlainText(WriteList({SampleEntry(5), SampleEntry(3)})).get()));
+    QCOMPARE(inserted.size(), 2);
+    QCOMPARE(inserted.at(0).at(1).toInt(), 1);
+    QCOMPARE(inserted.at(1).at(1).toInt(), 2);
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(5)));
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(3)));
+}
+
+void TestConnectionsModelDocuments::dropIgnoresPlaceAndAction_data()
+{
+    QTest::addColumn<int>("action");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<bool>("onFirstRow");
+    QTest::newRow("move") << int{Qt::MoveAction} << -1 << -1 << false;
+    QTest::newRow("ignore") << int{Qt::IgnoreAction} << -1 << -1 << false;
+    QTest::newRow("between rows") << int{Qt::CopyAction} << 0 << 0 << false;
+    QTest::newRow("on a row") << int{Qt::CopyAction} << -1 << -1 << true;
+    QTest::newRow("outside") << int{Qt::CopyAction} << 100 << 100 << false;
+}
+
+void TestConnectionsModelDocuments::dropIgnoresPlaceAndAction()
+{
+    QFETCH(int, action);
+    QFETCH(int, row);
+    QFETCH(int, column);
+    QFETCH(bool, onFirstRow);
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    const auto data = PlainText(WriteList({NamedEntry(QStringLiteral("c"))}));
+    QVERIFY(model.dropMimeData(data.get(), static_cast<Qt::DropAction>(action), row, column,
+                               onFirstRow ? model.index(0, 1) : QModelIndex()));
+    QCOMPARE(model.Names(), Texts({"a", "b", "c"}));
+}
+
+void TestConnectionsModelDocuments::dropWithoutEntries_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("traces");
+    const QByteArray document = WriteList({SampleEntry(1)});
+    QTest::newRow("no format at all") << QString() << QByteArray() << 1;
+    QTest::newRow("another format") << QStringLiteral("application/xml") << document << 1;
+    QTest::newRow("a list of files") << QStringLiteral("text/uri-list") << QByteArray("file:///a.xml") << 1;
+    QTest::newRow("empty text") << QStringLiteral("text/plain") << QByteArray() << 1;
+    QTest::newRow("other text") << QStringLiteral("text/plain") << QByteArray("Hello") << 1;
+    QTest::newRow("no entries") << QStringLiteral("text/plain") << WriteList({}) << 0;
+}
+
+void TestConnectionsModelDocuments::dropWithoutEntries()
+{
+    QFETCH(QString, format);
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, traces);
+    WatchedModel model;
+    model.AddNamed({"a"});
+    QMimeData data;
+    if (!format.isEmpty())
+        data.setData(format, bytes);
+    const TraceRecorder recorder;
+    const QSignalSpy about(&model, &QAbstractItemModel::rowsAboutToBeInserted);
+    QVERIFY(!Drop(model, &data));
+    QCOMPARE(about.size(), 0);
+    QCOMPARE(recorder.Reports().size(), traces);
+    // Without any data there is nothing to read.
+    QVERIFY(!Drop(model, nullptr));
+    QCOMPARE(model.Names(), Texts({"a"}));
+}
+
+void TestConnectionsModelDocuments::dropOfAMalformedDocumentKeepsWhatCameBefore()
+{
+    WatchedModel model;
+    model.AddNamed({"a"});
+    QByteArray document = WriteList({SampleEntry(1), SampleEntry(2)});
+    document.replace("</ConnectionEntries>", "</Other>");
+    const TraceRecorder recorder;
+    QVERIFY(!Drop(model, PlainText(document).get()));
+    QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(document)));
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(Fields(model.GetConnection(1)), Fields(SampleEntry(1)));
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(2)));
+}
+
+void TestConnectionsModelDocuments::dropOfOwnRowsAppendsCopies()
+{
+    WatchedModel model;
+    model.AddConnection(SampleEntry(0));
+    model.AddConnection(SampleEntry(1));
+    const std::unique_ptr<QMimeData> dragged(model.mimeData({model.index(0, 0), model.index(1, 0)}));
+    QVERIFY(model.canDropMimeData(dragged.get(), Qt::CopyAction, -1, -1, QModelIndex()));
+    QVERIFY(Drop(model, dragged.get()));
+    QCOMPARE(model.rowCount(), 4);
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(0)));
+    QCOMPARE(Fields(model.GetConnection(3)), Fields(SampleEntry(1)));
+}
+
+void TestConnectionsModelDocuments::toByteArrayIsTheWholeSetInRowOrder()
+{
+    WatchedModel model;
+    QCOMPARE(model.ToByteArray(), WriteList({}));
+    for (const int number : {2, 0, 1, 0})
+        model.AddConnection(SampleEntry(number));
+    QCOMPARE(model.ToByteArray(), WriteList({SampleEntry(2), SampleEntry(0), SampleEntry(1), SampleEntry(0)}));
+}
+
+void TestConnectionsModelDocuments::fromByteArrayReplacesAndFrees()
+{
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    // "ConnectionStatus" 1 and 2 in the document.
+    QVERIFY(model.FromByteArray(WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)})));
+    QCOMPARE(removed.size(), 1);
+    QCOMPARE(removed.at(0).at(1).toInt(), 0);
+    QCOMPARE(removed.at(0).at(2).toInt(), 1);
+    QCOMPARE(inserted.size(), 3);
+    QCOMPARE(ChangedCells(changed), (QList<std::pair<int, int>>{{0, 2}, {1, 2}, {2, 2}}));
+    QCOMPARE(model.rowCount(), 3);
+    for (const int number : {0, 1, 2})
+        QCOMPARE(Fields(model.GetConnection(number)), FreeFields(SampleEntry(number)));
+    QVERIFY(!model.FromByteArray(WriteList({})));
+    QCOMPARE(model.rowCount(), 0);
+}
+
+void TestConnectionsModelDocuments::fromByteArrayOfAMalformedDocument()
+{
+    WatchedModel model;
+    model.AddNamed({"a", "b"});
+    QByteArray document = WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)});
+    document.truncate(document.lastIndexOf("<DeviceType>"));
+    const TraceRecorder recorder;
+    QVERIFY(!model.FromByteArray(document));
+    QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(document)));
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(Fields(model.GetConnection(0)), FreeFields(SampleEntry(0)));
+    QCOMPARE(Fields(model.GetConnection(1)), FreeFields(SampleEntry(1)));
+    QCOMPARE(Fields(model.GetConnection(2)), Fields(NamedEntry(SampleEntry(2).ConnectionName)));
+}
+
+QTEST_MAIN(TestConnectionsModelDocuments)
+
+#include "tst_connectionsmodeldocuments.moc"
