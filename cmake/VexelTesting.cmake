@@ -1,10 +1,12 @@
-# vexel_add_test(NAME <name> SOURCES <files> [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>] [XVFB])
+# vexel_add_test(NAME <name> SOURCES <files> [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>] [XVFB]
+#                [RESOURCE_LOCK <names>])
 #
 # One Qt Test executable, run by ctest on the offscreen platform with configuration, data and home folders of its own
 # under the build folder, so that no test meets the user's files. XVFB runs it in a real window under a virtual X server
-# and window manager instead. DEPENDS names targets that the test starts or loads at run time.
+# and window manager instead. DEPENDS names targets that the test starts or loads at run time. Tests that name
+# the same RESOURCE_LOCK, such as a port that the product fixes, never run at the same time.
 function(vexel_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB" "NAME" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB" "NAME" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE vexel_options Qt6::Test ${arg_LIBRARIES})
@@ -25,6 +27,7 @@ function(vexel_add_test)
     endif()
     set_tests_properties(${arg_NAME} PROPERTIES
         TIMEOUT 300
+        RESOURCE_LOCK "${arg_RESOURCE_LOCK}"
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1"
     )
 endfunction()

@@ -69,7 +69,7 @@ void TCPServer::OnRead(IInterface* pInterface, quint64 length)
               [] { return QStringLiteral("KiteStarter::OnRead(): pInterface->Read exception caught!"); });
         delete[] pBuffer;
     }
-} // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): see above
+}
 
 void TCPServer::OnError(IInterface* /*pInterface*/)
 {

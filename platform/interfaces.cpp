@@ -1,0 +1,50 @@
+#include "platform/interfaces.h"
+
+#include "platform/tcpaddress.h"
+#include "platform/tcpconnection.h"
+#include "platform/tcpserverinterface.h"
+#include "platform/tracing.h"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <memory>
+
+namespace {
+
+/// What a timer can hold: 24 days and beyond are the same to everybody.
+std::chrono::milliseconds TimeOut(quint64 number)
+{
+    constexpr quint64 longest = std::numeric_limits<int>::max();
+    return std::chrono::milliseconds(static_cast<int>(std::min(number, longest)));
+}
+
+} // namespace
+
+IInterface::~IInterface() = default;
+
+IInterfaceCallback::~IInterfaceCallback() = default;
+
+// A member by the product's interface, though there is no state.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
+IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number,
+                                               bool flag)
+{
+    const std::optional<TcpAddress> parsed = TcpAddress::Parse(address);
+    if (!parsed || !callback) {
+        TraceWhenWanted("platform/interfaces", __LINE__, [&] {
+            return parsed ? QStringLiteral("CInterfaceCreator::CreateInterface(): No callback for \"%1\"").arg(address)
+                          : QStringLiteral("CInterfaceCreator::CreateInterface(): \"%1\" is no address").arg(address);
+        });
+        return nullptr;
+    }
+
+    std::unique_ptr<IInterface> created;
+    if (parsed->host.isEmpty())
+        created = std::make_unique<TcpServerInterface>(parsed->port, callback, TimeOut(number));
+    else
+        created = std::make_unique<TcpConnection>(*parsed, callback, TimeOut(number));
+    if (!flag && !created->Open())
+        return nullptr;
+    return created.release();
+}

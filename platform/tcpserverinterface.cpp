@@ -1,0 +1,186 @@
+#include "platform/tcpserverinterface.h"
+
+#include "platform/tcpconnection.h"
+#include "platform/tracing.h"
+
+#include <QNetworkProxy>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kSource = "platform/tcpserverinterface";
+// How many may wait in the system's queue, for each of the two addresses. Who finds it full is not lost either: the
+// caller's system tries again after a second.
+constexpr int kBacklog = 256;
+// When a call could not be taken, for want of handles or memory, how long until the next try.
+constexpr auto kRetryTime = 200ms;
+
+/// Takes a single caller out of the system's queue at a time and leaves the others there: nothing is read from those,
+/// and they cost this process neither memory nor handles.
+///
+/// On Unix another program cannot listen on the same port, nor do child processes inherit the sockets. On Windows Qt
+/// sees to the second; the first is not asked for there (it would be by SO_EXCLUSIVEADDRUSE, which Qt does not set).
+class Listener : public QTcpServer
+{
+public:
+    Listener()
+    {
+        setProxy(QNetworkProxy::NoProxy);
+        setMaxPendingConnections(1);
+        setListenBacklogSize(kBacklog);
+    }
+
+protected:
+    void incomingConnection(qintptr handle) override
+    {
+        auto* const socket = new QTcpSocket(this);
+        // Before it has its handle: the caller may have begun to send, and may have to wait for its place.
+        TcpConnection::BoundReadBuffer(socket);
+        if (socket->setSocketDescriptor(handle))
+            addPendingConnection(socket);
+        else
+            delete socket;
+    }
+};
+
+} // namespace
+
+TcpServerInterface::TcpServerInterface(quint16 port, IInterfaceCallback* callback, std::chrono::milliseconds timeOut)
+    : m_uPort(port)
+    , m_pCallback(callback)
+    , m_TimeOut(timeOut)
+{
+    m_PlaceTimer.setSingleShot(true);
+    connect(&m_PlaceTimer, &QTimer::timeout, this, &TcpServerInterface::Admit);
+    m_RetryTimer.setSingleShot(true);
+    m_RetryTimer.setInterval(kRetryTime);
+    connect(&m_RetryTimer, &QTimer::timeout, this, [this] {
+        for (const auto& listener : m_Listeners)
+            listener->resumeAccepting();
+    });
+}
+
+TcpServerInterface::~TcpServerInterface() = default;
+
+bool TcpServerInterface::Open()
+{
+    if (IsOpen())
+        return true;
+    const Listening four = Listen(QHostAddress(QHostAddress::LocalHost));
+    const Listening six = four == Listening::Taken ? four : Listen(QHostAddress(QHostAddress::LocalHostIPv6));
+    // A machine may lack one of the two. But where another program has the port on one of them, callers would find
+    // either program, by chance.
+    if (six == Listening::Taken)
+        m_Listeners.clear();
+    return IsOpen();
+}
+
+void TcpServerInterface::Close()
+{
+    m_Listeners.clear();
+    m_PlaceTimer.stop();
+    m_RetryTimer.stop();
+    for (const auto& peer : m_Peers)
+        peer->Close();
+}
+
+bool TcpServerInterface::IsOpen() const
+{
+    return !m_Listeners.empty();
+}
+
+void TcpServerInterface::Write(const char* data, quint64 length)
+{
+    for (const auto& peer : m_Peers)
+        peer->Write(data, length);
+}
+
+void TcpServerInterface::Read(char* /*buffer*/, quint64* /*length*/, bool /*flag*/)
+{
+    throw std::runtime_error("TcpServerInterface::Read(): A server has nothing to read, its peers have");
+}
+
+TcpServerInterface::Listening TcpServerInterface::Listen(const QHostAddress& address)
+{
+    auto listener = std::make_unique<Listener>();
+    if (!listener->listen(address, m_uPort)) {
+        TraceWhenWanted(kSource, __LINE__, [&] {
+            return QStringLiteral("TcpServerInterface::Listen(): Could not listen on %1, port %2: %3")
+                .arg(address.toString())
+                .arg(m_uPort)
+                .arg(listener->errorString());
+        });
+        return listener->serverError() == QAbstractSocket::AddressInUseError ? Listening::Taken
+                                                                             : Listening::Unavailable;
+    }
+    connect(listener.get(), &QTcpServer::newConnection, this, &TcpServerInterface::Admit);
+    connect(listener.get(), &QTcpServer::acceptError, this, &TcpServerInterface::AcceptFailed);
+    m_Listeners.push_back(std::move(listener));
+    return Listening::Yes;
+}
+
+void TcpServerInterface::Admit()
+{
+    const auto isCalled = [](const auto& listener) {
+        return listener->hasPendingConnections();
+    };
+    for (;;) {
+        const auto called = std::find_if(m_Listeners.begin(), m_Listeners.end(), isCalled);
+        if (called == m_Listeners.end() || !HasPlace())
+            return;
+        const auto& peer = m_Peers.emplace_back(
+            std::make_unique<TcpConnection>((*called)->nextPendingConnection(), m_pCallback, m_TimeOut));
+        // Not at once: the peer that reports its end is still at work.
+        connect(peer.get(), &TcpConnection::Ended, this, &TcpServerInterface::ForgetEnded, Qt::QueuedConnection);
+        // Else a flood on one address would keep the callers of the other waiting for ever.
+        std::rotate(called, called + 1, m_Listeners.end());
+    }
+}
+
+bool TcpServerInterface::HasPlace()
+{
+    if (m_Peers.size() < CInterfaceCreator::MaximumPeers)
+        return true;
+    const auto isEnding = [](const auto& peer) {
+        return peer->IsEnding();
+    };
+    if (std::any_of(m_Peers.cbegin(), m_Peers.cend(), isEnding))
+        return false;
+
+    TcpConnection& oldest = *m_Peers.front();
+    const qint64 assured = CInterfaceCreator::AssuredTime - oldest.Age();
+    if (assured > 0) {
+        m_PlaceTimer.start(static_cast<int>(assured));
+        return false;
+    }
+    TraceWhenWanted(kSource, __LINE__, [] {
+        return QStringLiteral("TcpServerInterface::HasPlace(): %1 peers are there and another calls: the one that was "
+                              "there first is closed")
+            .arg(CInterfaceCreator::MaximumPeers);
+    });
+    oldest.Close();
+    return false;
+}
+
+void TcpServerInterface::ForgetEnded()
+{
+    std::erase_if(m_Peers, [](const auto& peer) { return peer->HasEnded(); });
+    Admit();
+}
+
+void TcpServerInterface::AcceptFailed()
+{
+    TraceWhenWanted(kSource, __LINE__, [] {
+        return QStringLiteral("TcpServerInterface::AcceptFailed(): A call could not be taken; it is tried again");
+    });
+    m_RetryTimer.start();
+    // Queued: the callback may delete this server, whose listener is still at work.
+    QMetaObject::invokeMethod(
+        this, [this] { m_pCallback->OnError(this); }, Qt::QueuedConnection);
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/interfaces.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+#include <vector>
+
+class QTcpServer;
+class TcpConnection;
+
+/// A server of the connections library: listens on the loopback addresses and keeps the peers that called there.
+class TcpServerInterface : public QObject, public IInterface
+{
+    Q_OBJECT
+
+public:
+    /// Not listening yet. A `timeOut` of 0 is none.
+    TcpServerInterface(quint16 port, IInterfaceCallback* callback, std::chrono::milliseconds timeOut);
+    ~TcpServerInterface() override;
+
+    bool Open() override;
+    void Close() override;
+    bool IsOpen() const override;
+    void Write(const char* data, quint64 length) override;
+    void Read(char* buffer, quint64* length, bool flag) override;
+
+private:
+    enum class Listening { Yes, Unavailable, Taken };
+
+    Listening Listen(const QHostAddress& address);
+    /// Takes in those who wait, as far as there are places.
+    void Admit();
+    /// Whether there is a place. If not it is made, and those who wait are looked at again when it is there.
+    bool HasPlace();
+    void ForgetEnded();
+    void AcceptFailed();
+
+    const quint16 m_uPort;
+    IInterfaceCallback* const m_pCallback;
+    const std::chrono::milliseconds m_TimeOut;
+    QTimer m_PlaceTimer;
+    QTimer m_RetryTimer;
+    std::vector<std::unique_ptr<QTcpServer>> m_Listeners; // who was served last comes last
+    std::vector<std::unique_ptr<TcpConnection>> m_Peers;  // in the order in which they were taken in
+};

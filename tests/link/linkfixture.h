@@ -1,0 +1,172 @@
+#pragma once
+
+#include "platform/interfaces.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QHostAddress>
+#include <QList>
+#include <QTcpServer>
+#include <QTimer>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+/// Remembers what it is told and reads what comes, unless a hook takes that over.
+class RecordingCallback : public IInterfaceCallback
+{
+public:
+    enum Kind { Open, Close, Read, Error, Written };
+    struct Event
+    {
+        Kind kind;
+        IInterface* source;
+        quint64 length;
+    };
+
+    void OnOpen(IInterface* pInterface) override
+    {
+        events.append({Open, pInterface, 0});
+        most = std::max(most, ++now);
+        if (onOpen)
+            onOpen(pInterface);
+    }
+    void OnClose(IInterface* pInterface) override
+    {
+        events.append({Close, pInterface, 0});
+        --now;
+        if (onClose)
+            onClose(pInterface);
+    }
+    void OnRead(IInterface* pInterface, quint64 length) override
+    {
+        events.append({Read, pInterface, length});
+        if (onRead)
+            onRead(pInterface, length);
+        else
+            received += Take(pInterface, length);
+    }
+    void OnError(IInterface* pInterface) override
+    {
+        events.append({Error, pInterface, 0});
+        if (onError)
+            onError(pInterface);
+    }
+    void OnWritten(IInterface* pInterface, quint64 length) override
+    {
+        events.append({Written, pInterface, length});
+        if (onWritten)
+            onWritten(pInterface);
+    }
+
+    static QByteArray Take(IInterface* source, quint64 length, bool flag = false)
+    {
+        QByteArray bytes(static_cast<qsizetype>(length), '\0');
+        source->Read(bytes.data(), &length, flag);
+        bytes.truncate(static_cast<qsizetype>(length));
+        return bytes;
+    }
+
+    qsizetype Count(Kind kind) const
+    {
+        return std::count_if(events.cbegin(), events.cend(), [kind](const Event& event) { return event.kind == kind; });
+    }
+    /// The bytes of all events of the kind.
+    quint64 Length(Kind kind) const
+    {
+        quint64 sum = 0;
+        for (const Event& event : events) {
+            if (event.kind == kind)
+                sum += event.length;
+        }
+        return sum;
+    }
+    /// The kinds in order, repeated ones once.
+    QList<Kind> Kinds() const
+    {
+        QList<Kind> kinds;
+        for (const Event& event : events) {
+            if (kinds.isEmpty() || kinds.constLast() != event.kind)
+                kinds.append(event.kind);
+        }
+        return kinds;
+    }
+
+    QList<Event> events;
+    QByteArray received;
+    int now = 0;  // open at present
+    int most = 0; // open at once, at most
+    std::function<void(IInterface*)> onOpen;
+    std::function<void(IInterface*)> onClose;
+    std::function<void(IInterface*, quint64)> onRead;
+    std::function<void(IInterface*)> onError;
+    std::function<void(IInterface*)> onWritten;
+};
+
+inline bool HasIPv6()
+{
+    QTcpServer probe;
+    return probe.listen(QHostAddress(QHostAddress::LocalHostIPv6));
+}
+
+/// A port that nobody has on either loopback address.
+inline quint16 FreePort()
+{
+    for (;;) {
+        QTcpServer four;
+        if (!four.listen(QHostAddress(QHostAddress::LocalHost)))
+            qFatal("No port to be had: %s", qPrintable(four.errorString()));
+        QTcpServer six;
+        if (!HasIPv6() || six.listen(QHostAddress(QHostAddress::LocalHostIPv6), four.serverPort()))
+            return four.serverPort();
+    }
+}
+
+inline std::unique_ptr<IInterface> Create(const QString& address, IInterfaceCallback& callback, quint64 number = 0,
+                                          bool flag = false)
+{
+    return std::unique_ptr<IInterface>(CInterfaceCreator().CreateInterface(address, &callback, number, flag));
+}
+
+/// A server with its callback, listening on a port that was free.
+class TestServer
+{
+public:
+    explicit TestServer(quint64 number = 0)
+    {
+        // Somebody else may be quicker to take the port.
+        for (int attempt = 0; !server && attempt < 10; ++attempt) {
+            port = FreePort();
+            server = Create(QStringLiteral("TCP::%1").arg(port), callback, number);
+        }
+        if (!server)
+            qFatal("No server");
+    }
+
+    QString ClientAddress(const QString& host = QStringLiteral("127.0.0.1")) const
+    {
+        return QStringLiteral("TCP:%1:%2").arg(host).arg(port);
+    }
+
+    quint16 port = 0;
+    RecordingCallback callback;
+    std::unique_ptr<IInterface> server;
+};
+
+/// Runs the event loop until `condition` holds, without a pause in between: for conditions that are waited for a
+/// thousand times.
+template <typename Condition>
+bool WaitUntil(Condition condition)
+{
+    QDeadlineTimer deadline(20'000);
+    QTimer alarm;
+    alarm.start(100);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}

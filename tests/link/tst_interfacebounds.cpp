@@ -1,0 +1,410 @@
+#include "tests/link/linkfixture.h"
+#include "tests/support/tracerecorder.h"
+
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTcpSocket>
+#include <QTest>
+
+#include <vector>
+
+using Kind = RecordingCallback::Kind;
+
+namespace {
+
+constexpr qint64 s_mebibyte = 1024LL * 1024;
+
+/// A stranger who sends `total` bytes, as fast as they are taken.
+class Flood
+{
+public:
+    Flood(quint16 port, qint64 total)
+        : m_iLeft(total)
+    {
+        QObject::connect(&socket, &QTcpSocket::connected, &socket, [this] { Send(); });
+        QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this] { Send(); });
+        socket.connectToHost(QHostAddress::LocalHost, port);
+    }
+
+    QTcpSocket socket;
+
+private:
+    void Send()
+    {
+        if (socket.bytesToWrite() == 0 && m_iLeft > 0) {
+            const QByteArray block(static_cast<qsizetype>(qMin(m_iLeft, s_mebibyte)), 'x');
+            m_iLeft -= socket.write(block);
+        }
+    }
+
+    qint64 m_iLeft;
+};
+
+std::unique_ptr<QTcpSocket> Call(quint16 port, const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
+{
+    auto caller = std::make_unique<QTcpSocket>();
+    caller->connectToHost(address, port);
+    return caller;
+}
+
+/// Says one line and hangs up, as the starter does.
+std::unique_ptr<QTcpSocket> CallBriefly(quint16 port,
+                                        const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
+{
+    auto caller = Call(port, address);
+    caller->write("line\n");
+    caller->disconnectFromHost();
+    return caller;
+}
+
+} // namespace
+
+class TstInterfaceBounds : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void thousandInARow();
+    void twoHundredAtOnce_data();
+    void twoHundredAtOnce();
+    void silentPeersKeepNobodyOut_data();
+    void silentPeersKeepNobodyOut();
+    void floodOnOneAddressLeavesTheOtherFree();
+    void peerIsClosedAfterItsBytes();
+    void peerMaySendItsBytes();
+    void peerThatSendsWithoutEnd_data();
+    void peerThatSendsWithoutEnd();
+    void clientIsSentWithoutEnd();
+    void randomBytes();
+    void silentPeerIsClosed();
+    void talkingPeerStays();
+    void timeOutBeyondTimers();
+    void silentHostIsLeft();
+    void unansweredAttemptFails();
+    void slowCallbackIsNotThePeersSilence();
+    void peerThatDoesNotTakeWhatIsWritten();
+};
+
+void TstInterfaceBounds::init()
+{
+    // Qt warns where a socket is used in a state in which it must not be.
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+}
+
+void TstInterfaceBounds::thousandInARow()
+{
+    TestServer server(10'000);
+    for (int call = 1; call <= 1000; ++call) {
+        const auto caller = CallBriefly(server.port);
+        QVERIFY2(WaitUntil([&] { return server.callback.Count(Kind::Close) == call; }),
+                 QByteArray::number(call).constData());
+        server.callback.events.removeIf([](const auto& event) { return event.kind == Kind::Read; });
+    }
+    QCOMPARE(server.callback.Count(Kind::Open), 1000);
+    QCOMPARE(server.callback.received, QByteArray("line\n").repeated(1000));
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+}
+
+void TstInterfaceBounds::twoHundredAtOnce_data()
+{
+    QTest::addColumn<bool>("onBoth");
+    QTest::newRow("IPv4") << false;
+    QTest::newRow("IPv4 and IPv6") << true;
+}
+
+void TstInterfaceBounds::twoHundredAtOnce()
+{
+    QFETCH(const bool, onBoth);
+    if (onBoth && !HasIPv6())
+        QSKIP("This machine has no IPv6");
+    TestServer server(10'000);
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < 200; ++call) {
+        const bool six = onBoth && call % 2 == 1;
+        callers.push_back(CallBriefly(server.port, six ? QHostAddress::LocalHostIPv6 : QHostAddress::LocalHost));
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(server.callback.Count(Kind::Close), 200, 30'000);
+    QCOMPARE(server.callback.Count(Kind::Open), 200);
+    QCOMPARE(server.callback.received, QByteArray("line\n").repeated(200));
+    QVERIFY(server.callback.most <= CInterfaceCreator::MaximumPeers);
+    for (const auto& caller : callers)
+        QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstInterfaceBounds::silentPeersKeepNobodyOut_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::newRow("as many as there are places") << CInterfaceCreator::MaximumPeers;
+    QTest::newRow("more of them") << 3 * CInterfaceCreator::MaximumPeers;
+}
+
+void TstInterfaceBounds::silentPeersKeepNobodyOut()
+{
+    QFETCH(const int, count);
+    TestServer server; // no time-out that would help
+    std::vector<std::unique_ptr<QTcpSocket>> silent;
+    silent.reserve(100);
+    for (int call = 0; call < count; ++call)
+        silent.push_back(Call(server.port));
+    QTRY_COMPARE_WITH_TIMEOUT(server.callback.Count(Kind::Open), count, 20'000);
+    QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::MaximumPeers);
+
+    const TraceRecorder traces;
+    const auto caller = Call(server.port);
+    caller->write("honest");
+    QTRY_COMPARE(server.callback.received, QByteArray("honest"));
+    // One had to go for it: the one that was there first.
+    QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::MaximumPeers + 1);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(server.callback.most, CInterfaceCreator::MaximumPeers);
+    QList<IInterface*> opened;
+    QList<IInterface*> closed;
+    for (const auto& event : std::as_const(server.callback.events)) {
+        if (event.kind == Kind::Open)
+            opened.append(event.source);
+        else if (event.kind == Kind::Close)
+            closed.append(event.source);
+    }
+    QCOMPARE(closed, opened.mid(0, closed.size()));
+    QVERIFY(server.server->IsOpen());
+}
+
+void TstInterfaceBounds::floodOnOneAddressLeavesTheOtherFree()
+{
+    if (!HasIPv6())
+        QSKIP("This machine has no IPv6");
+    TestServer server;
+    std::vector<std::unique_ptr<QTcpSocket>> silent;
+    silent.reserve(100);
+    for (int call = 0; call < 100; ++call)
+        silent.push_back(Call(server.port));
+    QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::MaximumPeers);
+    const auto caller = Call(server.port, QHostAddress(QHostAddress::LocalHostIPv6));
+    caller->write("honest");
+    QTRY_COMPARE_WITH_TIMEOUT(server.callback.received, QByteArray("honest"), 20'000);
+    QVERIFY2(server.callback.Count(Kind::Open) < 100, "It had to wait until the flood was over");
+}
+
+void TstInterfaceBounds::peerIsClosedAfterItsBytes()
+{
+    TestServer server;
+    const TraceRecorder traces;
+    const auto caller = Call(server.port);
+    caller->write(QByteArray(CInterfaceCreator::MaximumBytesPerCall + 1, 'x'));
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QCOMPARE(server.callback.received.size(), CInterfaceCreator::MaximumBytesPerCall);
+    QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+}
+
+void TstInterfaceBounds::peerMaySendItsBytes()
+{
+    TestServer server;
+    // Left unread, which must not keep the later ones from coming.
+    server.callback.onRead = [](IInterface*, quint64) {
+    };
+    const auto caller = Call(server.port);
+    caller->write(QByteArray(CInterfaceCreator::MaximumBytesPerCall, 'x'));
+    QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
+    for (const auto& event : std::as_const(server.callback.events))
+        QVERIFY(event.length <= CInterfaceCreator::MaximumBytesPerRead);
+    // It is heard to the end and gets an answer.
+    server.server->Write("still here", 10);
+    QTRY_COMPARE(caller->bytesAvailable(), 10);
+    QCOMPARE(server.callback.Count(Kind::Close), 0);
+
+    // What it has sent counts per call.
+    caller->disconnectFromHost();
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    const auto again = Call(server.port);
+    again->write("x");
+    QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall + 1);
+}
+
+void TstInterfaceBounds::peerThatSendsWithoutEnd_data()
+{
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("read") << true;
+    QTest::newRow("left unread") << false;
+}
+
+void TstInterfaceBounds::peerThatSendsWithoutEnd()
+{
+    QFETCH(const bool, isRead);
+    TestServer server(10'000);
+    if (!isRead)
+        server.callback.onRead = [](IInterface*, quint64) {
+        };
+    Flood flood(server.port, 64 * s_mebibyte);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+
+    const auto caller = CallBriefly(server.port);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
+}
+
+void TstInterfaceBounds::clientIsSentWithoutEnd()
+{
+    QTcpServer stranger;
+    QVERIFY(stranger.listen(QHostAddress(QHostAddress::LocalHost)));
+    connect(&stranger, &QTcpServer::newConnection, &stranger,
+            [&] { stranger.nextPendingConnection()->write(QByteArray(8 * s_mebibyte, 'x')); });
+    RecordingCallback callback;
+    const auto client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(stranger.serverPort()), callback);
+    QTRY_COMPARE(callback.Count(Kind::Close), 1);
+    QCOMPARE(callback.received.size(), CInterfaceCreator::MaximumBytesPerCall);
+}
+
+void TstInterfaceBounds::randomBytes()
+{
+    TestServer server(10'000);
+    QHash<IInterface*, QByteArray> received;
+    server.callback.onRead = [&](IInterface* peer, quint64 length) {
+        received[peer] += RecordingCallback::Take(peer, length);
+    };
+    QByteArrayList ended;
+    server.callback.onClose = [&](IInterface* peer) {
+        ended.append(received.take(peer));
+    };
+    QRandomGenerator random(8451);
+    for (int call = 0; call < 50; ++call) {
+        QByteArray bytes(random.bounded(1, 200'000), '\0');
+        for (char& byte : bytes)
+            byte = static_cast<char>(random.bounded(256));
+        const auto caller = Call(server.port);
+        caller->write(bytes);
+        caller->disconnectFromHost();
+        QTRY_COMPARE(ended.size(), call + 1);
+        QCOMPARE(ended.constLast(), bytes.left(CInterfaceCreator::MaximumBytesPerCall));
+    }
+    QVERIFY(server.server->IsOpen());
+}
+
+void TstInterfaceBounds::silentPeerIsClosed()
+{
+    TestServer endless(0);
+    TestServer server(50);
+    const TraceRecorder traces;
+    const auto patient = Call(endless.port);
+    QTRY_COMPARE(endless.callback.Count(Kind::Open), 1);
+    const auto caller = Call(server.port);
+    QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Close}));
+    QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(endless.callback.Count(Kind::Close), 0);
+
+    // One that falls silent after a word.
+    const auto second = Call(server.port);
+    second->write("word");
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
+    QCOMPARE(server.callback.received, QByteArray("word"));
+}
+
+void TstInterfaceBounds::talkingPeerStays()
+{
+    TestServer server(1000);
+    const auto talking = Call(server.port);
+    QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
+    QTimer talk;
+    connect(&talk, &QTimer::timeout, talking.get(), [&] { talking->write("x"); });
+    talk.start(10);
+    const auto silent = Call(server.port);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QTRY_COMPARE(silent->state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(talking->state(), QAbstractSocket::ConnectedState);
+    // Both had the same time, so the one is still there because it talked.
+    QVERIFY(!server.callback.received.isEmpty());
+    talk.stop();
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
+}
+
+void TstInterfaceBounds::timeOutBeyondTimers()
+{
+    TestServer server(std::numeric_limits<quint64>::max());
+    const auto caller = Call(server.port);
+    caller->write("x");
+    QTRY_COMPARE(server.callback.received, QByteArray("x"));
+    QCOMPARE(server.callback.Count(Kind::Close), 0);
+}
+
+void TstInterfaceBounds::silentHostIsLeft()
+{
+    const TestServer host;
+    RecordingCallback callback;
+    const auto client = Create(host.ClientAddress(), callback, 50);
+    QTRY_COMPARE(callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Close}));
+    QVERIFY(!client->IsOpen());
+}
+
+void TstInterfaceBounds::unansweredAttemptFails()
+{
+    // A host that takes no calls: the first ones wait in its system's queue, the others are not answered at all (or, on
+    // some systems, refused).
+    QTcpServer host;
+    host.setListenBacklogSize(1);
+    QVERIFY(host.listen(QHostAddress(QHostAddress::LocalHost)));
+    host.pauseAccepting();
+    std::vector<std::unique_ptr<RecordingCallback>> callbacks;
+    std::vector<std::unique_ptr<IInterface>> clients;
+    for (int client = 0; client < 8; ++client) {
+        callbacks.push_back(std::make_unique<RecordingCallback>());
+        clients.push_back(Create(QStringLiteral("TCP:127.0.0.1:%1").arg(host.serverPort()), *callbacks.back(), 200));
+    }
+    int failed = 0;
+    for (const auto& callback : callbacks) {
+        QTRY_VERIFY(callback->Kinds() == QList<Kind>{Kind::Error} ||
+                    callback->Kinds() == (QList<Kind>{Kind::Open, Kind::Close}));
+        failed += callback->Count(Kind::Error) > 0 ? 1 : 0;
+    }
+    QVERIFY(failed > 0);
+}
+
+void TstInterfaceBounds::slowCallbackIsNotThePeersSilence()
+{
+    TestServer server(50);
+    TestServer other(50);
+    server.callback.onOpen = [&](IInterface*) {
+        // A box on the screen, say, for longer than the time-out.
+        const auto silent = Call(other.port);
+        QTRY_COMPARE(other.callback.Count(Kind::Close), 1);
+        const auto second = Call(other.port);
+        QTRY_COMPARE(other.callback.Count(Kind::Close), 2);
+    };
+    const auto caller = CallBriefly(server.port);
+    QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Read, Kind::Close}));
+    QCOMPARE(server.callback.received, QByteArray("line\n"));
+}
+
+void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
+{
+    TestServer server;
+    const QByteArray much(CInterfaceCreator::MaximumBytesUnsent, 'x');
+    server.callback.onOpen = [&](IInterface* peer) {
+        peer->Write(much.constData(), static_cast<quint64>(much.size()));
+        if (server.callback.Count(Kind::Open) > 1)
+            peer->Write("x", 1);
+    };
+    const auto first = Call(server.port);
+    QTRY_COMPARE(first->bytesAvailable(), much.size());
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+    QCOMPARE(server.callback.Length(Kind::Written), much.size());
+
+    const auto second = Call(server.port);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QCOMPARE(server.callback.Count(Kind::Error), 1);
+    QTRY_COMPARE(second->state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(first->state(), QAbstractSocket::ConnectedState);
+
+    // A number that would wrap around is too much, too; nothing of the data is touched then.
+    server.callback.events.constFirst().source->Write("x", std::numeric_limits<quint64>::max());
+    QTRY_COMPARE(server.callback.Count(Kind::Error), 2);
+    QTRY_COMPARE(first->state(), QAbstractSocket::UnconnectedState);
+}
+
+QTEST_GUILESS_MAIN(TstInterfaceBounds)
+#include "tst_interfacebounds.moc"

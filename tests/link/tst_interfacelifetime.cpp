@@ -1,0 +1,347 @@
+#include "tests/link/linkfixture.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTcpSocket>
+#include <QTest>
+
+using Kind = RecordingCallback::Kind;
+
+namespace {
+
+constexpr auto s_holdArgument = "--wait-for-end-of-input";
+
+Kind KindOf(int row)
+{
+    return static_cast<Kind>(row);
+}
+
+void SetHook(RecordingCallback& callback, Kind kind, const std::function<void()>& hook)
+{
+    const auto withInterface = [hook](IInterface*) {
+        hook();
+    };
+    switch (kind) {
+    case Kind::Open:
+        callback.onOpen = withInterface;
+        break;
+    case Kind::Close:
+        callback.onClose = withInterface;
+        break;
+    case Kind::Read:
+        callback.onRead = [hook](IInterface*, quint64) {
+            hook();
+        };
+        break;
+    case Kind::Error:
+        callback.onError = withInterface;
+        break;
+    case Kind::Written:
+        callback.onWritten = withInterface;
+        break;
+    }
+}
+
+/// Answers every line with one, so that each kind of callback comes.
+class Echo : public QTcpServer
+{
+public:
+    explicit Echo(bool hangsUp)
+    {
+        connect(this, &QTcpServer::newConnection, this, [this, hangsUp] {
+            auto* const socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, socket, [socket, hangsUp] {
+                socket->write(socket->readAll());
+                if (hangsUp)
+                    socket->disconnectFromHost();
+            });
+        });
+        listen(QHostAddress(QHostAddress::LocalHost));
+    }
+};
+
+} // namespace
+
+class TstInterfaceLifetime : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void serverDeletedInCallback_data();
+    void serverDeletedInCallback();
+    void clientDeletedInCallback_data();
+    void clientDeletedInCallback();
+    void clientDeletedInOnError();
+    void serverDeletedInNestedLoop();
+    void noCallbackAfterDelete();
+    void deletedWithCallersWaiting();
+    void closedInCallback_data();
+    void closedInCallback();
+    void serverClosedInCallback();
+    void callbacksOfOnePeerDoNotNest();
+    void childrenDoNotInheritTheSockets();
+};
+
+void TstInterfaceLifetime::init()
+{
+    // Qt warns where a socket is used in a state in which it must not be.
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+}
+
+void TstInterfaceLifetime::serverDeletedInCallback_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("OnOpen") << int(Kind::Open);
+    QTest::newRow("OnRead") << int(Kind::Read);
+    QTest::newRow("OnWritten") << int(Kind::Written);
+    QTest::newRow("OnClose") << int(Kind::Close);
+    QTest::newRow("OnError") << int(Kind::Error);
+}
+
+void TstInterfaceLifetime::serverDeletedInCallback()
+{
+    QFETCH(const int, kind);
+    TestServer server;
+    // Each peer is answered; with more than it takes where an error is wanted.
+    server.callback.onOpen = [&](IInterface* peer) {
+        peer->Write("x", KindOf(kind) == Kind::Error ? CInterfaceCreator::MaximumBytesUnsent + 1 : 1);
+    };
+    bool deleted = false;
+    SetHook(server.callback, KindOf(kind), [&] {
+        server.server.reset();
+        deleted = true;
+    });
+
+    QTcpSocket bystander;
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    caller.write("hello");
+    if (KindOf(kind) == Kind::Close)
+        caller.disconnectFromHost();
+    bystander.connectToHost(QHostAddress::LocalHost, server.port);
+    QTRY_VERIFY(deleted);
+    const qsizetype count = server.callback.events.size();
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE(bystander.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(server.callback.events.size(), count);
+    QCOMPARE(server.callback.events.constLast().kind, KindOf(kind));
+}
+
+void TstInterfaceLifetime::clientDeletedInCallback_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("OnOpen") << int(Kind::Open);
+    QTest::newRow("OnRead") << int(Kind::Read);
+    QTest::newRow("OnWritten") << int(Kind::Written);
+    QTest::newRow("OnClose") << int(Kind::Close);
+}
+
+void TstInterfaceLifetime::clientDeletedInCallback()
+{
+    QFETCH(const int, kind);
+    const Echo host(KindOf(kind) == Kind::Close);
+    RecordingCallback callback;
+    std::unique_ptr<IInterface> client;
+    callback.onOpen = [](IInterface* opened) {
+        opened->Write("hello", 5);
+    };
+    SetHook(callback, KindOf(kind), [&] { client.reset(); });
+    client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(host.serverPort()), callback, 10'000);
+    QVERIFY(client);
+    QTRY_VERIFY(!client);
+    QCOMPARE(callback.Count(KindOf(kind)), 1);
+    QCOMPARE(callback.events.constLast().kind, KindOf(kind));
+}
+
+void TstInterfaceLifetime::clientDeletedInOnError()
+{
+    RecordingCallback callback;
+    std::unique_ptr<IInterface> client;
+    callback.onError = [&](IInterface*) {
+        client.reset();
+    };
+    client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(FreePort()), callback);
+    QVERIFY(client);
+    QTRY_VERIFY(!client);
+    QCOMPARE(callback.Kinds(), QList<Kind>{Kind::Error});
+}
+
+void TstInterfaceLifetime::serverDeletedInNestedLoop()
+{
+    TestServer server;
+    QTcpSocket second;
+    bool returned = false;
+    server.callback.onRead = [&](IInterface* peer, quint64 length) {
+        if (RecordingCallback::Take(peer, length) == "second") {
+            server.server.reset();
+            return;
+        }
+        // The first caller's callback runs a loop, in which the second's deletes the server with both.
+        second.connectToHost(QHostAddress::LocalHost, server.port);
+        second.write("second");
+        QTRY_VERIFY(!server.server);
+        returned = true;
+    };
+    QTcpSocket first;
+    first.connectToHost(QHostAddress::LocalHost, server.port);
+    first.write("first");
+    QTRY_VERIFY(returned);
+    QTRY_COMPARE(first.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE(second.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(server.callback.Count(Kind::Close), 0);
+}
+
+void TstInterfaceLifetime::noCallbackAfterDelete()
+{
+    TestServer server;
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
+    caller.write("too late");
+    QVERIFY(caller.waitForBytesWritten());
+    server.server.reset();
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(server.callback.events.size(), 1);
+
+    // The port is free at once.
+    QTcpServer next;
+    QVERIFY(next.listen(QHostAddress(QHostAddress::LocalHost), server.port));
+}
+
+void TstInterfaceLifetime::deletedWithCallersWaiting()
+{
+    TestServer server;
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < 3 * CInterfaceCreator::MaximumPeers; ++call) {
+        callers.push_back(std::make_unique<QTcpSocket>());
+        callers.back()->connectToHost(QHostAddress::LocalHost, server.port);
+        callers.back()->write("x");
+    }
+    QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::MaximumPeers);
+    server.server.reset();
+    for (const auto& caller : callers)
+        QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstInterfaceLifetime::closedInCallback_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("OnOpen") << int(Kind::Open);
+    QTest::newRow("OnRead") << int(Kind::Read);
+    QTest::newRow("OnClose") << int(Kind::Close);
+}
+
+void TstInterfaceLifetime::closedInCallback()
+{
+    QFETCH(const int, kind);
+    TestServer server;
+    const auto close = [](IInterface* peer) {
+        peer->Close();
+        peer->Close();
+    };
+    if (KindOf(kind) == Kind::Open)
+        server.callback.onOpen = close;
+    else if (KindOf(kind) == Kind::Close)
+        server.callback.onClose = close;
+    else
+        server.callback.onRead = [close](IInterface* peer, quint64) {
+            close(peer);
+        };
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    caller.write(QByteArray(20'000, 'x'));
+    if (KindOf(kind) == Kind::Close)
+        caller.disconnectFromHost();
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+
+    // The server goes on, with its peer forgotten.
+    QTcpSocket next;
+    next.connectToHost(QHostAddress::LocalHost, server.port);
+    next.write("x");
+    next.disconnectFromHost();
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
+    QCOMPARE(server.callback.Count(Kind::Open), 2);
+    if (KindOf(kind) == Kind::Read)
+        QCOMPARE(server.callback.Count(Kind::Read), 2);
+    else
+        QCOMPARE(server.callback.Length(Kind::Read), KindOf(kind) == Kind::Open ? 0 : 20'001);
+}
+
+void TstInterfaceLifetime::serverClosedInCallback()
+{
+    TestServer server;
+    server.callback.onOpen = [&](IInterface*) {
+        server.server->Close();
+    };
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Close}));
+    QVERIFY(!server.server->IsOpen());
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstInterfaceLifetime::callbacksOfOnePeerDoNotNest()
+{
+    TestServer server;
+    QTcpSocket first;
+    QTcpSocket second;
+    int depth = 0;
+    int deepest = 0;
+    server.callback.onRead = [&](IInterface* peer, quint64 length) {
+        deepest = std::max(deepest, ++depth);
+        if (server.callback.Count(Kind::Read) == 1) {
+            // Meanwhile the caller says more and leaves, and another one comes and leaves.
+            first.write("more");
+            first.disconnectFromHost();
+            second.connectToHost(QHostAddress::LocalHost, server.port);
+            second.disconnectFromHost();
+            QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+            QTRY_COMPARE(first.state(), QAbstractSocket::UnconnectedState);
+            QVERIFY(server.callback.events.constLast().source != peer);
+        }
+        // Still there, with what waited at first and nothing more.
+        server.callback.received += RecordingCallback::Take(peer, length + 100);
+        --depth;
+    };
+    first.connectToHost(QHostAddress::LocalHost, server.port);
+    first.write("word");
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
+    QCOMPARE(deepest, 1);
+    QCOMPARE(server.callback.received, QByteArray("wordmore"));
+    QCOMPARE(server.callback.events.constLast().source, server.callback.events.constFirst().source);
+}
+
+void TstInterfaceLifetime::childrenDoNotInheritTheSockets()
+{
+    TestServer server;
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
+
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(), {QLatin1String(s_holdArgument)});
+    QVERIFY(child.waitForStarted());
+    // Else the child would keep the port and the call open.
+    server.server.reset();
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+    RecordingCallback callback;
+    QVERIFY(Create(QStringLiteral("TCP::%1").arg(server.port), callback));
+    QCOMPARE(child.state(), QProcess::Running);
+    child.closeWriteChannel();
+    QVERIFY(child.waitForFinished());
+}
+
+int main(int argc, char* argv[])
+{
+    if (argc == 2 && qstrcmp(argv[1], s_holdArgument) == 0) {
+        QFile input;
+        return input.open(stdin, QIODevice::ReadOnly) && input.readAll().isEmpty() ? 0 : 1;
+    }
+    const QCoreApplication application(argc, argv);
+    TstInterfaceLifetime test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_interfacelifetime.moc"

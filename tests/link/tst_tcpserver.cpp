@@ -1,0 +1,622 @@
+#include "platform/interfaces.h"
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/tcpserver.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <type_traits>
+
+namespace {
+
+constexpr quint16 s_port = 8451;
+const QString s_sourceFile = QStringLiteral("userinterface/vexelconnectdlg/tcpserver");
+
+// What becomes of the arrays that the server allocates.
+std::atomic<int> s_arraysAllocated = 0;
+std::atomic<const void*> s_watchedArray = nullptr;
+std::atomic<bool> s_watchedArrayReleased = false;
+
+void ReleaseArray(void* array) noexcept
+{
+    if (array && array == s_watchedArray) {
+        s_watchedArrayReleased = true;
+    }
+    std::free(array); // NOLINT(cppcoreguidelines-no-malloc): the counterpart of the allocation below
+}
+
+} // namespace
+
+void* operator new[](std::size_t size)
+{
+    ++s_arraysAllocated;
+    // A sanitizer ends the process rather than to answer that there is no such amount.
+    constexpr std::size_t beyondAnyMemory = std::size_t{1} << 40U;
+    void* const array = size < beyondAnyMemory ? std::malloc(size) : nullptr; // NOLINT(cppcoreguidelines-no-malloc)
+    if (!array) {
+        throw std::bad_alloc();
+    }
+    return array;
+}
+
+void operator delete[](void* array) noexcept
+{
+    ReleaseArray(array);
+}
+
+void operator delete[](void* array, std::size_t) noexcept
+{
+    ReleaseArray(array);
+}
+
+namespace {
+
+/// An interface whose read does as it is told, and which fails the test when anything else is asked of it.
+class FakeInterface : public IInterface
+{
+public:
+    bool Open() override { return Unexpected(); }
+    void Close() override { Unexpected(); }
+    bool IsOpen() const override { return Unexpected(); }
+    void Write(const char*, quint64) override { Unexpected(); }
+    void Read(char* buffer, quint64* length, bool flag) override
+    {
+        ++reads;
+        lengthGiven = *length;
+        flagGiven = flag;
+        s_watchedArray = buffer;
+        s_watchedArrayReleased = false;
+        if (read) {
+            read(buffer, length);
+        }
+    }
+
+    std::function<void(char*, quint64*)> read;
+    int reads = 0;
+    quint64 lengthGiven = 0;
+    bool flagGiven = true;
+    mutable int unexpected = 0;
+
+private:
+    bool Unexpected() const
+    {
+        ++unexpected;
+        return false;
+    }
+};
+
+/// Notes in which order it is shown and activated.
+class Window : public QDialog
+{
+public:
+    QList<QEvent::Type> seen;
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate) {
+            seen.append(event->type());
+        }
+        return QDialog::event(event);
+    }
+};
+
+/// Whether this process could have the starter's port: another one of the product may be running on the machine.
+bool IsPortFree()
+{
+    const auto isFree = [](QHostAddress::SpecialAddress address) {
+        QTcpServer probe;
+        return probe.listen(QHostAddress(address), s_port) || probe.serverError() != QAbstractSocket::AddressInUseError;
+    };
+    return isFree(QHostAddress::LocalHost) && isFree(QHostAddress::LocalHostIPv6);
+}
+
+} // namespace
+
+// Skips the test where another program has the port and keeps it.
+#define NEED_PORT()                                                                                                    \
+    do {                                                                                                               \
+        if (!QTest::qWaitFor(IsPortFree, 30'000)) {                                                                    \
+            QSKIP("Another program has port 8451");                                                                    \
+        }                                                                                                              \
+    } while (false)
+
+class TstTcpServer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bases();
+    void metaObjectCarriesTheNameAlone();
+    void metacast();
+    void hasNoParent();
+
+    void listening();
+    void creationFails();
+    void creationFailsQuietly();
+    void destructionGivesThePortBack();
+    void destructionLeavesTheWidget();
+
+    void onOpenShowsAndActivates_data();
+    void onOpenShowsAndActivates();
+    void onOpenShowsBeforeItActivates();
+    void onOpenRaisesTheVisibleWindowEachTime();
+
+    void onReadOfNothing();
+    void onReadTakesAllBytes();
+    void onReadKeepsItsBuffer();
+    void onReadWithSomeBytesOnly();
+    void onReadThrows_data();
+    void onReadThrows();
+    void onReadThrowsQuietly();
+    void onReadOfMoreThanThereIs();
+
+    void onClose();
+    void onError();
+    void onWritten();
+    void tracesOnlyWithTheirBit_data();
+    void tracesOnlyWithTheirBit();
+
+    void starterRaisesTheHiddenDialog();
+    void starterCallsAgain();
+    void starterCallsOverEitherAddress();
+    void twoHundredStarters();
+};
+
+void TstTcpServer::bases()
+{
+    static_assert(std::is_base_of_v<QObject, TCPServer>);
+    static_assert(std::is_base_of_v<IInterfaceCallback, TCPServer>);
+    QWidget widget;
+    TCPServer server(&widget);
+    // QObject comes first.
+    QCOMPARE(static_cast<void*>(static_cast<QObject*>(&server)), static_cast<void*>(&server));
+    QVERIFY(static_cast<void*>(static_cast<IInterfaceCallback*>(&server)) != static_cast<void*>(&server));
+}
+
+void TstTcpServer::metaObjectCarriesTheNameAlone()
+{
+    const QMetaObject& meta = TCPServer::staticMetaObject;
+    QCOMPARE(QByteArray(meta.className()), QByteArray("TCPServer"));
+    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
+    QCOMPARE(meta.methodCount(), meta.methodOffset());
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+    QCOMPARE(meta.classInfoCount(), meta.classInfoOffset());
+    QCOMPARE(meta.enumeratorCount(), meta.enumeratorOffset());
+    QCOMPARE(meta.constructorCount(), 0);
+}
+
+void TstTcpServer::metacast()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    QCOMPARE(server.qt_metacast("TCPServer"), static_cast<void*>(&server));
+    QCOMPARE(server.qt_metacast("IInterfaceCallback"), static_cast<void*>(static_cast<IInterfaceCallback*>(&server)));
+    QCOMPARE(server.qt_metacast("QObject"), static_cast<void*>(static_cast<QObject*>(&server)));
+    QCOMPARE(server.qt_metacast("IInterface"), nullptr);
+    QCOMPARE(server.qt_metacast("QWidget"), nullptr);
+    QCOMPARE(server.qt_metacast(nullptr), nullptr);
+    QVERIFY(server.inherits("TCPServer"));
+}
+
+void TstTcpServer::hasNoParent()
+{
+    QWidget widget;
+    const TCPServer server(&widget);
+    QCOMPARE(server.parent(), nullptr);
+    QVERIFY(widget.children().isEmpty());
+}
+
+void TstTcpServer::listening()
+{
+    NEED_PORT();
+    QWidget widget;
+    const TraceRecorder traces;
+    const TCPServer server(&widget);
+    QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer(): Server TCP interface created.")));
+    QCOMPARE(traces.Reports().constLast().line, 49);
+    QCOMPARE(traces.Reports().constLast().kind, ErrorHandler::Trace);
+    QVERIFY(!IsPortFree());
+    QVERIFY(!widget.isVisible());
+}
+
+void TstTcpServer::creationFails()
+{
+    QTcpServer other;
+    if (!other.listen(QHostAddress(QHostAddress::LocalHost), s_port)) {
+        QCOMPARE(other.serverError(), QAbstractSocket::AddressInUseError); // taken already, then
+    }
+    Window window;
+    const TraceRecorder traces;
+    {
+        TCPServer server(&window);
+        QCOMPARE(traces.Messages(s_sourceFile),
+                 QStringList(QStringLiteral("TCPServer(): Creation of Server TCP interface failed.")));
+        QCOMPARE(traces.Reports().constLast().line, 54);
+
+        // Complete and usable, but that nobody calls back.
+        QVERIFY(!window.isVisible());
+        server.OnOpen(nullptr);
+        QVERIFY(window.isVisible());
+        QTcpSocket caller;
+        window.hide();
+        caller.connectToHost(QHostAddress::LocalHost, s_port);
+        QTRY_COMPARE(caller.state(), QAbstractSocket::ConnectedState);
+        caller.write("x");
+        QVERIFY(caller.waitForBytesWritten());
+        QCoreApplication::processEvents();
+        QVERIFY(!window.isVisible());
+    }
+    // Its end says nothing and leaves the port to its holder.
+    QCOMPARE(traces.Messages(s_sourceFile).size(), 2);
+    QVERIFY(!IsPortFree());
+}
+
+void TstTcpServer::creationFailsQuietly()
+{
+    QTcpServer other;
+    if (!other.listen(QHostAddress(QHostAddress::LocalHost), s_port)) {
+        QCOMPARE(other.serverError(), QAbstractSocket::AddressInUseError);
+    }
+    QWidget widget;
+    const TraceRecorder traces(ErrorHandler::Assertion);
+    const TCPServer server(&widget);
+    QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
+    QCOMPARE(QApplication::activeModalWidget(), nullptr);
+}
+
+void TstTcpServer::destructionGivesThePortBack()
+{
+    NEED_PORT();
+    QWidget widget;
+    {
+        const TCPServer server(&widget);
+        QVERIFY(!IsPortFree());
+    }
+    QVERIFY(IsPortFree());
+}
+
+void TstTcpServer::destructionLeavesTheWidget()
+{
+    NEED_PORT();
+    auto widget = std::make_unique<QWidget>();
+    auto server = std::make_unique<TCPServer>(widget.get());
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, s_port);
+    QTRY_VERIFY(widget->isVisible());
+    widget->hide();
+    QTcpSocket late;
+    late.connectToHost(QHostAddress::LocalHost, s_port);
+    QVERIFY(late.waitForConnected());
+    // The plug-in deletes the dialog first; a call that waits then comes to nothing.
+    widget.reset();
+    server.reset();
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE(late.state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstTcpServer::onOpenShowsAndActivates_data()
+{
+    QTest::addColumn<unsigned>("kinds");
+    QTest::newRow("traces on") << unsigned(ErrorHandler::Trace);
+    QTest::newRow("traces off") << 0U;
+}
+
+void TstTcpServer::onOpenShowsAndActivates()
+{
+    QFETCH(const unsigned, kinds);
+    Window window;
+    TCPServer server(&window);
+    const TraceRecorder traces(kinds);
+    server.OnOpen(nullptr);
+    QVERIFY(window.isVisible());
+    QTRY_VERIFY(window.isActiveWindow());
+    if (kinds == 0) {
+        QVERIFY(traces.Reports().isEmpty());
+        return;
+    }
+    QCOMPARE(traces.Reports().size(), 1);
+    const auto report = traces.Reports().constFirst();
+    QCOMPARE(report.message, QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter."));
+    QCOMPARE(report.sourceFile, s_sourceFile);
+    QCOMPARE(report.line, 68);
+    QCOMPARE(report.kind, ErrorHandler::Trace);
+}
+
+void TstTcpServer::onOpenShowsBeforeItActivates()
+{
+    Window window;
+    TCPServer server(&window);
+    server.OnOpen(nullptr);
+    QTRY_COMPARE(window.seen, (QList<QEvent::Type>{QEvent::Show, QEvent::WindowActivate}));
+}
+
+void TstTcpServer::onOpenRaisesTheVisibleWindowEachTime()
+{
+    QWidget other;
+    Window window;
+    window.show();
+    TCPServer server(&window);
+    for (int call = 0; call < 3; ++call) {
+        other.show();
+        other.activateWindow();
+        QTRY_VERIFY(other.isActiveWindow());
+        QVERIFY(window.isVisible());
+        server.OnOpen(nullptr);
+        QTRY_VERIFY(window.isActiveWindow());
+        QVERIFY(window.isVisible());
+    }
+    window.hide();
+    server.OnOpen(nullptr);
+    QVERIFY(window.isVisible());
+}
+
+void TstTcpServer::onReadOfNothing()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    const TraceRecorder traces;
+    const int before = s_arraysAllocated;
+    server.OnRead(&interface, 0);
+    QCOMPARE(int(s_arraysAllocated), before);
+    QCOMPARE(interface.reads, 0);
+    QVERIFY(traces.Reports().isEmpty());
+    server.OnRead(nullptr, 0);
+}
+
+void TstTcpServer::onReadTakesAllBytes()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    interface.read = [](char* buffer, const quint64* length) {
+        std::fill_n(buffer, *length, 'x');
+    };
+    const TraceRecorder traces;
+    const int before = s_arraysAllocated;
+    server.OnRead(&interface, 4096);
+    QCOMPARE(int(s_arraysAllocated), before + 1);
+    QCOMPARE(interface.reads, 1);
+    QCOMPARE(interface.lengthGiven, 4096);
+    QCOMPARE(interface.flagGiven, false);
+    QCOMPARE(interface.unexpected, 0);
+    QVERIFY(s_watchedArray != nullptr);
+    QVERIFY(traces.Reports().isEmpty());
+    QVERIFY(!widget.isVisible());
+}
+
+void TstTcpServer::onReadKeepsItsBuffer()
+{
+    FakeInterface interface;
+    {
+        QWidget widget;
+        TCPServer server(&widget);
+        server.OnRead(&interface, 16);
+        QVERIFY(!s_watchedArrayReleased);
+    }
+    QVERIFY(!s_watchedArrayReleased);
+}
+
+void TstTcpServer::onReadWithSomeBytesOnly()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    interface.read = [](char*, quint64* length) {
+        *length = 0;
+    };
+    const TraceRecorder traces;
+    server.OnRead(&interface, 16);
+    QCOMPARE(interface.reads, 1);
+    QVERIFY(!s_watchedArrayReleased);
+    QVERIFY(traces.Reports().isEmpty());
+}
+
+void TstTcpServer::onReadThrows_data()
+{
+    QTest::addColumn<int>("what");
+    QTest::newRow("the library's exception") << 0;
+    QTest::newRow("another exception") << 1;
+    QTest::newRow("a number") << 2;
+    QTest::newRow("a text") << 3;
+}
+
+void TstTcpServer::onReadThrows()
+{
+    QFETCH(const int, what);
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    interface.read = [what](char*, quint64* length) {
+        *length = 0;
+        switch (what) {
+        case 0:
+            throw std::runtime_error("gone");
+        case 1:
+            throw std::bad_alloc();
+        case 2:
+            throw 7; // NOLINT(hicpp-exception-baseclass): that is what is tried
+        default:
+            throw "text"; // NOLINT(hicpp-exception-baseclass)
+        }
+    };
+    const TraceRecorder traces;
+    server.OnRead(&interface, 16);
+    QCOMPARE(interface.reads, 1);
+    QVERIFY(s_watchedArrayReleased);
+    QCOMPARE(traces.Reports().size(), 1);
+    const auto report = traces.Reports().constFirst();
+    QCOMPARE(report.message, QStringLiteral("KiteStarter::OnRead(): pInterface->Read exception caught!"));
+    QCOMPARE(report.sourceFile, s_sourceFile);
+    QCOMPARE(report.line, 88);
+}
+
+void TstTcpServer::onReadThrowsQuietly()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    interface.read = [](char*, quint64*) {
+        throw std::runtime_error("gone");
+    };
+    const TraceRecorder traces(0);
+    server.OnRead(&interface, 16);
+    QVERIFY(s_watchedArrayReleased);
+    QVERIFY(traces.Reports().isEmpty());
+}
+
+void TstTcpServer::onReadOfMoreThanThereIs()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    // No memory holds so much, and no exception leaves the callback.
+    server.OnRead(&interface, quint64{1} << 63U);
+    QCOMPARE(interface.reads, 0);
+}
+
+void TstTcpServer::onClose()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    const TraceRecorder traces;
+    server.OnClose(&interface);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(traces.Messages(s_sourceFile),
+             QStringList(QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.")));
+    QCOMPARE(traces.Reports().constFirst().line, 97);
+    QVERIFY(!widget.isVisible());
+    QCOMPARE(interface.unexpected + interface.reads, 0);
+}
+
+void TstTcpServer::onError()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    const TraceRecorder traces;
+    server.OnError(&interface);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer::OnError(): error")));
+    QCOMPARE(traces.Reports().constFirst().line, 102);
+    QVERIFY(!widget.isVisible());
+    QCOMPARE(interface.unexpected + interface.reads, 0);
+}
+
+void TstTcpServer::onWritten()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    FakeInterface interface;
+    const TraceRecorder traces;
+    server.OnWritten(&interface, 10);
+    QVERIFY(traces.Reports().isEmpty());
+    QVERIFY(!widget.isVisible());
+    QCOMPARE(interface.unexpected + interface.reads, 0);
+}
+
+void TstTcpServer::tracesOnlyWithTheirBit_data()
+{
+    QTest::addColumn<unsigned>("kinds");
+    QTest::newRow("none") << 0U;
+    QTest::newRow("all but theirs") << ~unsigned(ErrorHandler::Trace);
+}
+
+void TstTcpServer::tracesOnlyWithTheirBit()
+{
+    QFETCH(const unsigned, kinds);
+    const TraceRecorder traces(kinds);
+    QWidget widget;
+    TCPServer server(&widget);
+    server.OnOpen(nullptr);
+    server.OnClose(nullptr);
+    server.OnError(nullptr);
+    QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
+}
+
+void TstTcpServer::starterRaisesTheHiddenDialog()
+{
+    NEED_PORT();
+    QWidget other;
+    other.show();
+    Window window;
+    const TraceRecorder traces;
+    const TCPServer server(&window);
+    QTcpSocket starter;
+    starter.connectToHost(QHostAddress::LocalHost, s_port);
+    QTRY_VERIFY(window.isVisible());
+    QTRY_VERIFY(window.isActiveWindow());
+    starter.write("wake up");
+    starter.disconnectFromHost();
+    QTRY_COMPARE(traces.Messages(s_sourceFile),
+                 (QStringList{QStringLiteral("TCPServer(): Server TCP interface created."),
+                              QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter."),
+                              QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.")}));
+    QCOMPARE(starter.bytesAvailable(), 0); // it never answers
+}
+
+void TstTcpServer::starterCallsAgain()
+{
+    NEED_PORT();
+    Window window;
+    const TCPServer server(&window);
+    for (int call = 0; call < 5; ++call) {
+        QTcpSocket starter;
+        starter.connectToHost(QHostAddress::LocalHost, s_port);
+        QTRY_VERIFY(window.isVisible());
+        window.hide();
+    }
+    QCOMPARE(QApplication::topLevelWidgets().count(&window), 1);
+    QCOMPARE(window.seen.count(QEvent::Show), 5);
+}
+
+void TstTcpServer::starterCallsOverEitherAddress()
+{
+    NEED_PORT();
+    Window window;
+    const TCPServer server(&window);
+    QTcpServer probe;
+    QList<QHostAddress::SpecialAddress> addresses{QHostAddress::LocalHost};
+    if (probe.listen(QHostAddress(QHostAddress::LocalHostIPv6))) {
+        addresses.append(QHostAddress::LocalHostIPv6);
+    }
+    for (const auto address : addresses) {
+        QTcpSocket starter;
+        starter.connectToHost(address, s_port);
+        QTRY_VERIFY(window.isVisible());
+        window.hide();
+    }
+}
+
+void TstTcpServer::twoHundredStarters()
+{
+    NEED_PORT();
+    Window window;
+    const TraceRecorder traces;
+    const TCPServer server(&window);
+    std::vector<std::unique_ptr<QTcpSocket>> starters;
+    for (int call = 0; call < 200; ++call) {
+        starters.push_back(std::make_unique<QTcpSocket>());
+        starters.back()->connectToHost(QHostAddress::LocalHost, s_port);
+        starters.back()->write("show\n");
+        starters.back()->disconnectFromHost();
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.")),
+                              200, 30'000);
+    QCOMPARE(traces.Count(QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.")), 200);
+    QVERIFY(window.isVisible());
+    QCOMPARE(traces.Messages().size(), 401);
+}
+
+QTEST_MAIN(TstTcpServer)
+#include "tst_tcpserver.moc"
