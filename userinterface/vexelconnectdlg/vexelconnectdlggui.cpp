@@ -9,6 +9,7 @@
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/editorrouting.h"
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
+#include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/rowremoval.h"
 #include "userinterface/vexelconnectdlg/tracing.h"
@@ -147,6 +148,8 @@ void VexelConnectDlgGUI::SetUpHeaders()
     basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
     detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
     basicHeader->setIconSize(QSize(14, 14));
+    SizeOncePerBurst(basicHeader, m_pProxyModel);
+    SizeOncePerBurst(detailsHeader, m_pProxyModel);
 
     // One order for both: the arrow stands in the column that is sorted, in whichever view shows it, and in no other.
     detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
