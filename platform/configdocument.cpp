@@ -5,6 +5,7 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -36,6 +37,20 @@ void Trace(int line, BuildText buildText)
 QString LockFileOf(const QString& file)
 {
     return file + QStringLiteral(".lock");
+}
+
+/// Takes the lock. QLockFile would by itself ask at ever longer intervals and come too late again and again where
+/// others save often.
+bool Take(QLockFile& lock)
+{
+    constexpr unsigned long kPauseMs = 2;
+    const QDeadlineTimer patience(kLockPatience);
+    while (!lock.tryLock(0)) {
+        if (lock.error() != QLockFile::LockFailedError || patience.hasExpired())
+            return false;
+        QThread::msleep(kPauseMs);
+    }
+    return true;
 }
 
 /// The content of a file; empty where there is no file, nothing where it cannot be read.
@@ -141,7 +156,7 @@ void ConfigDocument::Load()
     if (text->GetState() == IniText::State::Damaged) {
         // Another process may be mending it at this moment: what the lock's owner finds counts.
         QLockFile lock(LockFileOf(m_file));
-        if (lock.tryLock(kLockPatience)) {
+        if (Take(lock)) {
             content = Read(m_file).value_or(QByteArray());
             text = std::make_unique<IniText>(*content);
             if (text->GetState() == IniText::State::Damaged)
@@ -179,7 +194,7 @@ bool ConfigDocument::Save()
     if (!QDir().mkpath(QFileInfo(m_file).absolutePath()))
         return fail(__LINE__, "its folder cannot be created");
     QLockFile lock(LockFileOf(m_file));
-    if (!lock.tryLock(kLockPatience))
+    if (!Take(lock))
         return fail(__LINE__, "its lock cannot be taken");
     RemoveLeftovers();
 
@@ -213,6 +228,7 @@ bool ConfigDocument::Save()
         return fail(__LINE__, "no temporary file");
     if (*after != *before && !Replace(m_file, *after))
         return fail(__LINE__, "the file cannot be written");
+    lock.unlock(); // others need not wait for the rest
 
     if (m_fingerprint != FingerprintOf(*before)) {
         TakeOver(text->Values());

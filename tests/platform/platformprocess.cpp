@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr int kAttempts = 20;
+
 void Print(const QString& text)
 {
     QFile out;
@@ -37,8 +39,12 @@ int Write(const QString& document, const QString& prefix, int count)
     ICfg* const root = CfgCenter::CreateCfg(document, View::Shared, {});
     for (int i = 0; i < count; ++i) {
         root->SetString(prefix + QString::number(i), prefix, 0);
-        if (!CfgCenter::SaveDocument())
-            return 3;
+        // Where many save without a pause one may find no gap in time; the document stays changed, so ask again.
+        int attempts = 1;
+        while (!CfgCenter::SaveDocument()) {
+            if (++attempts > kAttempts)
+                return 3;
+        }
     }
     return 0;
 }
