@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPoint>
+#include <QProcess>
+#include <QStringList>
+#include <QTest>
+
+/// Mouse and keyboard from outside the program, as a person has them.
+class Desktop
+{
+public:
+    /// Runs xdotool while this program's events go on; what it printed, or a failed test.
+    static QString Do(const QStringList& arguments)
+    {
+        QProcess tool;
+        tool.start(QStringLiteral("xdotool"), arguments);
+        [&] {
+            QTRY_COMPARE_WITH_TIMEOUT(tool.state(), QProcess::NotRunning, 20000);
+        }();
+        return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
+    }
+
+    static void MoveTo(const QPoint& at)
+    {
+        Do({QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(at.x()), QString::number(at.y())});
+    }
+
+    static void Click(const QPoint& at, int times = 1)
+    {
+        MoveTo(at);
+        Do({QStringLiteral("click"), QStringLiteral("--repeat"), QString::number(times), QStringLiteral("--delay"),
+            QStringLiteral("40"), QStringLiteral("1")});
+    }
+
+    static void Press(const QString& keys) { Do({QStringLiteral("key"), keys}); }
+    static void Type(const QString& text) { Do({QStringLiteral("type"), text}); }
+};

@@ -1,0 +1,179 @@
+#include "tests/desktop/desktop.h"
+#include "tests/dialog/dialogfixture.h"
+#include "tests/launcher/launcherfixture.h"
+
+#include <QDrag>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QUrl>
+
+namespace {
+
+/// A window of another program, as far as the dialog can tell: a drag with `urls` starts where it is pressed.
+class DragSource : public QWidget
+{
+public:
+    QList<QUrl> urls;
+    Qt::DropAction result = Qt::IgnoreAction;
+    bool done = false;
+
+protected:
+    void mouseMoveEvent(QMouseEvent* event) override
+    {
+        if (!(event->buttons() & Qt::LeftButton) || done) {
+            return;
+        }
+        done = true;
+        auto* const data = new QMimeData;
+        data->setUrls(urls);
+        data->setText(urls.first().toLocalFile());
+        auto* const drag = new QDrag(this);
+        drag->setMimeData(data);
+        result = drag->exec(Qt::CopyAction);
+    }
+};
+
+} // namespace
+
+/// The dialog on a desktop: real clicks, keys and drags.
+class tst_DesktopDialog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void clickTicks();
+    void doubleClickEdits();
+    void doubleClickEditsInTheDetails();
+    void altCConnects();
+    void enterConnects();
+    void contextMenuOpensOnRightClick();
+    void fileDroppedOnTheTableIsImported();
+
+private:
+    QPoint OnScreen(QTreeView* view, const QString& name, int column)
+    {
+        const QModelIndex index = m_Fixture->ProxyIndex(name, column);
+        return view->viewport()->mapToGlobal(view->visualRect(index).center());
+    }
+
+    std::unique_ptr<TestChild> m_Child;
+    std::unique_ptr<DialogFixture> m_Fixture;
+};
+
+void tst_DesktopDialog::init()
+{
+    m_Child = std::make_unique<TestChild>();
+    m_Child->Behave("stay");
+    m_Fixture = std::make_unique<DialogFixture>();
+    m_Fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, TestChild::Program());
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south"))});
+    m_Fixture->dialog->resize(1000, 300);
+    m_Fixture->Show();
+    m_Fixture->dialog->move(100, 300);
+    m_Fixture->dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
+    QTRY_VERIFY(m_Fixture->dialog->pos().y() >= 250);
+}
+
+void tst_DesktopDialog::cleanup()
+{
+    m_Fixture.reset();
+    m_Child.reset();
+}
+
+void tst_DesktopDialog::clickTicks()
+{
+    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected));
+    QTRY_VERIFY(m_Fixture->model->GetConnection(1).Selected);
+    QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+}
+
+void tst_DesktopDialog::doubleClickEdits()
+{
+    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("north"), ConnectionsModel::ColumnName), 2);
+    QTRY_VERIFY(m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+    Desktop::Press(QStringLiteral("ctrl+a"));
+    Desktop::Type(QStringLiteral("typed"));
+    Desktop::Press(QStringLiteral("Return"));
+    QTRY_COMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("typed"));
+    QVERIFY(m_Fixture->dialog->isVisible());
+}
+
+void tst_DesktopDialog::doubleClickEditsInTheDetails()
+{
+    m_Fixture->Action("m_pDetailsAction")->trigger();
+    // Wide enough that the click does not scroll the cell away under the second one.
+    m_Fixture->dialog->resize(1400, 300);
+    QTRY_VERIFY(m_Fixture->DetailsView()->width() > 600);
+    QTRY_VERIFY(m_Fixture->DetailsView()->horizontalScrollBar()->maximum() == 0);
+    Desktop::Click(OnScreen(m_Fixture->DetailsView(), QStringLiteral("north"), ConnectionsModel::ColumnDeviceAddress),
+                   2);
+    QTRY_VERIFY(m_Fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
+    Desktop::Type(QStringLiteral("10.1.2.3"));
+    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName));
+    QTRY_COMPARE(m_Fixture->model->GetConnection(0).DeviceAddress, QStringLiteral("10.1.2.3"));
+}
+
+void tst_DesktopDialog::altCConnects()
+{
+    m_Fixture->model->setData(m_Fixture->model->index(0, 0), true);
+    Desktop::Press(QStringLiteral("alt+c"));
+    QTRY_VERIFY(!m_Fixture->dialog->isVisible());
+    QTRY_COMPARE(m_Child->Count(), 1);
+    QCOMPARE(m_Fixture->model->GetConnection(0).ConnectionStatus, int{Connection::InUse});
+}
+
+void tst_DesktopDialog::enterConnects()
+{
+    m_Fixture->model->setData(m_Fixture->model->index(1, 0), true);
+    Desktop::Press(QStringLiteral("Return"));
+    QTRY_VERIFY(!m_Fixture->dialog->isVisible());
+    QTRY_COMPARE(m_Child->Count(), 1);
+    QCOMPARE(m_Fixture->model->GetConnection(1).ConnectionStatus, int{Connection::InUse});
+}
+
+void tst_DesktopDialog::contextMenuOpensOnRightClick()
+{
+    Desktop::MoveTo(OnScreen(m_Fixture->BasicView(), QStringLiteral("north"), ConnectionsModel::ColumnName));
+    Desktop::Do({QStringLiteral("click"), QStringLiteral("3")});
+    QTRY_VERIFY(QApplication::activePopupWidget());
+    Desktop::Press(QStringLiteral("Down"));
+    Desktop::Press(QStringLiteral("Return"));
+    QTRY_VERIFY(m_Fixture->DetailsView()->isVisible());
+}
+
+void tst_DesktopDialog::fileDroppedOnTheTableIsImported()
+{
+    ConnectionsModel other(nullptr, QString());
+    other.AddConnection(Entry(QStringLiteral("dropped")));
+    DragSource source;
+    source.urls = {QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))};
+    source.setGeometry(1200, 100, 200, 200);
+    source.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&source));
+    QTRY_VERIFY(source.pos().x() >= 1100);
+
+    Desktop::MoveTo(source.mapToGlobal(QPoint(100, 100)));
+    Desktop::Do({QStringLiteral("mousedown"), QStringLiteral("1")});
+    // The drag runs an event loop of its own, in which the rest of the way is gone.
+    const QPoint target = OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName);
+    QProcess rest;
+    rest.start(QStringLiteral("xdotool"),
+               {QStringLiteral("mousemove_relative"), QStringLiteral("5"), QStringLiteral("5"), QStringLiteral("sleep"),
+                QStringLiteral("0.3"), QStringLiteral("mousemove"), QString::number(target.x() + 20),
+                QString::number(target.y()), QStringLiteral("sleep"), QStringLiteral("0.3"),
+                QStringLiteral("mousemove"), QString::number(target.x()), QString::number(target.y()),
+                QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("mouseup"), QStringLiteral("1")});
+    QTRY_VERIFY_WITH_TIMEOUT(source.done, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_Fixture->Names(), QStringList{QStringLiteral("dropped")}, 20000);
+    QCOMPARE(source.result, Qt::CopyAction);
+    QTRY_COMPARE(rest.state(), QProcess::NotRunning);
+}
+
+QTEST_MAIN(tst_DesktopDialog)
+#include "tst_desktopdialog.moc"
