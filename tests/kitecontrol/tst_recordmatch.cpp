@@ -126,6 +126,7 @@ void TestRecordMatch::findsRecords_data()
     row("application's name only", "HeronControl", {}, {15});
     row("application's name only, none", "PipitControl", {}, {});
     row("application's name only, several", "KiteFjordControl", {}, {12, 16});
+    row("application's name only, connected directly", "KiteCobraControl2", {}, {17});
     row("unknown arguments", "KiteControl", {QStringLiteral("Mast")}, {});
 }
 
@@ -136,23 +137,24 @@ void TestRecordMatch::findsRecords()
     QFETCH(QList<int>, fitting);
     Records records;
     records
-        .Add("Mast", "Kite Echo")                         // 0
-        .Add("Bravo A", "Kite Bravo", "10.0.0.1:4000")    // 1
-        .Add("Bravo B", "Kite Bravo", "10.0.0.2")         // 2
-        .Add("H\u00fcgel \U0001F4E1", "Plover Five")      // 3
-        .Add("Twin", "Kite Moss")                         // 4
-        .Add("Twin", "Kite Bravo")                        // 5
-        .Add("Double", "Kite Echo")                       // 6
-        .Add("Double", "Kite Ember")                      // 7
-        .Add("Foreign", "Sigma")                          // 8
-        .Add("Foreign", "Rho")                            // 9
-        .Add("Connection=odd", "Kite Delta")              // 10
-        .Add("Shared D", "Wren D", "10.0.0.7")            // 11
-        .Add("Shared Fjord", "Kite Fjord", "10.0.0.7")    // 12
-        .Add("Shared Linnet", "Linnet + DF", "10.0.0.7")  // 13
-        .Add("Server", "Kite Cobra", "10.0.0.9")          // 14
-        .Add("Receiver", "Heron")                         // 15
-        .Add("Another fjord", "Kite Fjord", "10.0.0.16"); // 16
+        .Add("Mast", "Kite Echo")                        // 0
+        .Add("Bravo A", "Kite Bravo", "10.0.0.1:4000")   // 1
+        .Add("Bravo B", "Kite Bravo", "10.0.0.2")        // 2
+        .Add("H\u00fcgel \U0001F4E1", "Plover Five")     // 3
+        .Add("Twin", "Kite Moss")                        // 4
+        .Add("Twin", "Kite Bravo")                       // 5
+        .Add("Double", "Kite Echo")                      // 6
+        .Add("Double", "Kite Ember")                     // 7
+        .Add("Foreign", "Sigma")                         // 8
+        .Add("Foreign", "Rho")                           // 9
+        .Add("Connection=odd", "Kite Delta")             // 10
+        .Add("Shared D", "Wren D", "10.0.0.7")           // 11
+        .Add("Shared Fjord", "Kite Fjord", "10.0.0.7")   // 12
+        .Add("Shared Linnet", "Linnet + DF", "10.0.0.7") // 13
+        .Add("Server", "Kite Cobra", "10.0.0.9")         // 14
+        .Add("Receiver", "Heron", "10.0.0.15")           // 15
+        .Add("Another fjord", "Kite Fjord", "10.0.0.16") // 16
+        .Add("Antenna", "Kite Cobra");                   // 17
 
     const QStringList arguments = QStringList{application + QStringLiteral(":XMsgDlg.dll")} + furtherArguments;
     const RecordMatch match = RecordMatch::Find(LaunchArguments::Parse(arguments), records.List());

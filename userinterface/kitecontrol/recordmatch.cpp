@@ -57,10 +57,20 @@ bool IsOfTheDevice(const LaunchArguments& arguments, const ConnectData& record)
            (arguments.hasStation && !arguments.hasAddress && IsOfKiteEchoFamily(record.m_sDeviceType));
 }
 
+/// Whether an entry is started with nothing but the application's name. What is connected directly has no driver whose
+/// address could be given; the devices without a form of their own are started so however they are connected.
+bool LeadsToNameOnly(const ConnectData& record)
+{
+    constexpr qint32 remote = 1;
+    constexpr qint32 multiChannelServer = 2;
+    const bool hasDriver = record.m_nConnectionType == remote || record.m_nConnectionType == multiChannelServer;
+    return !(hasDriver && record.m_sDeviceType == QLatin1String("Kite Cobra"));
+}
+
 bool LeadsTo(const LaunchArguments& arguments, const ConnectData& record)
 {
     if (arguments.onlyApplication) {
-        return IsNamedAfter(arguments.application, record.m_sDeviceType);
+        return IsNamedAfter(arguments.application, record.m_sDeviceType) && LeadsToNameOnly(record);
     }
     // Both are asked: an entry of the "Kite Echo" family may be called "Connection=...".
     return (arguments.hasStation && record.m_sStationName == arguments.station) ||
