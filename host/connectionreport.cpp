@@ -15,6 +15,8 @@
 namespace {
 
 constexpr int s_widestColumn = 60;
+// Taken of a text before it is escaped and cut to the width: a name may be a megabyte long.
+constexpr qsizetype s_longestRead = 240;
 const QString s_gap = QStringLiteral("  ");
 
 /// The table's columns, in its order: what identifies an entry first, the tick last.
@@ -62,8 +64,7 @@ QString CellText(const QAbstractItemModel& entries, int row, EntryColumn column)
     const QModelIndex cell = Cell(entries, row, column);
     if (column == EntryColumn::Tick)
         return cell.data(Qt::EditRole).toBool() ? QStringLiteral("yes") : QStringLiteral("no");
-    // Cut first: a name may be a megabyte long.
-    return Elided(OneLine(cell.data(Qt::DisplayRole).toString().left(4 * s_widestColumn)), s_widestColumn);
+    return Elided(OneLine(cell.data(Qt::DisplayRole).toString().left(s_longestRead)), s_widestColumn);
 }
 
 QString Padded(const QString& text, int width)

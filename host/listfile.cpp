@@ -5,7 +5,8 @@
 
 namespace {
 
-constexpr qint64 s_largestFile = 64LL * 1024 * 1024;
+constexpr qint64 s_mebibyte = 1 << 20;
+constexpr qint64 s_largestFile = 64 * s_mebibyte;
 
 } // namespace
 
@@ -28,6 +29,6 @@ ListFile ReadListFile(const QString& fileName)
     if (file.error() != QFileDevice::NoError)
         return refused(file.errorString());
     if (content.size() > s_largestFile)
-        return refused(QStringLiteral("larger than %1 MiB").arg(s_largestFile / (1024 * 1024)));
+        return refused(QStringLiteral("larger than %1 MiB").arg(s_largestFile / s_mebibyte));
     return {content, {}};
 }

@@ -31,13 +31,13 @@ void TestPluginLibrary::GoodPlugin()
     QCOMPARE(library.Load(QStringLiteral(PLUGIN_PLAIN)), PluginLibrary::Error::None);
     QCOMPARE(library.ErrorText(), QString());
 
-    qApp->setProperty("plainInstanceDestroyed", false);
+    QCoreApplication::instance()->setProperty("plainInstanceDestroyed", false);
     PluginLibrary::Instance instance = library.Create(QStringLiteral("VexelConnectDlg"));
     QVERIFY(instance);
     QVERIFY(instance->IsAvailable());
-    QVERIFY(!qApp->property("plainInstanceDestroyed").toBool());
+    QVERIFY(!QCoreApplication::instance()->property("plainInstanceDestroyed").toBool());
     instance.reset();
-    QVERIFY(qApp->property("plainInstanceDestroyed").toBool());
+    QVERIFY(QCoreApplication::instance()->property("plainInstanceDestroyed").toBool());
 }
 
 void TestPluginLibrary::NameArrivesWhole_data()

@@ -288,10 +288,13 @@ void TestVexelHost::TracesGoWhereAsked()
 void TestVexelHost::LanguageIsTaken()
 {
     HostSetUp setUp;
-    // There is no translation into it, so the source texts are shown.
-    const auto result = setUp.Run({QStringLiteral("--list"), QStringLiteral("--language"), QStringLiteral("is_IS")});
-    QCOMPARE(result.exitCode, 0);
-    QVERIFY(result.output.contains(QLatin1String("Device Type")));
+    const auto german = setUp.Run({QStringLiteral("--list"), QStringLiteral("--language"), QStringLiteral("de_AT")});
+    QCOMPARE(german.exitCode, 0);
+    QVERIFY2(german.output.contains(QStringLiteral("Ger\u00e4tetyp")), qPrintable(german.output));
+    // Without a translation the source texts are shown.
+    const auto icelandic = setUp.Run({QStringLiteral("--list"), QStringLiteral("--language"), QStringLiteral("is_IS")});
+    QCOMPARE(icelandic.exitCode, 0);
+    QVERIFY2(icelandic.output.contains(QLatin1String("Device Type")), qPrintable(icelandic.output));
 }
 
 void TestVexelHost::InterruptEndsAnInteractiveHost_data()
