@@ -79,6 +79,8 @@ private slots:
     void invalidExpressionsMatchNothing();
     void anEmptyPatternLetsEveryRowThrough_data();
     void anEmptyPatternLetsEveryRowThrough();
+    void aLongTextIsSearchedToItsEnd_data();
+    void aLongTextIsSearchedToItsEnd();
     void anyOtherModeIsPlainText_data();
     void anyOtherModeIsPlainText();
 
@@ -281,6 +283,27 @@ void TestConnectionFilter::anEmptyPatternLetsEveryRowThrough()
         QVERIFY(LetsThrough(QStringLiteral("a\nb"), pattern, mode));
         QVERIFY(LetsThrough(QString(QChar(0xD83D)), pattern, mode));
     }
+}
+
+void TestConnectionFilter::aLongTextIsSearchedToItsEnd_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("plain text") << QStringLiteral("ab") << s_plain;
+    QTest::newRow("plain text, one character") << QStringLiteral("b") << s_plain;
+    QTest::newRow("wildcard") << QStringLiteral("ab") << s_wildcard;
+    QTest::newRow("wildcard, any run") << QStringLiteral("aa*b") << s_wildcard;
+    QTest::newRow("wildcard, set") << QStringLiteral("a[bc]") << s_wildcard;
+    QTest::newRow("regular expression") << QStringLiteral("ab$") << s_regExp;
+    QTest::newRow("regular expression, alternatives") << QStringLiteral("ab|ac") << s_regExp;
+}
+
+void TestConnectionFilter::aLongTextIsSearchedToItsEnd()
+{
+    QFETCH(QString, pattern);
+    QFETCH(int, mode);
+    QVERIFY(LetsThrough(QString(300'000, u'a') + u'b', pattern, mode));
+    QVERIFY(!LetsThrough(QString(300'000, u'a') + u'c', QStringLiteral("ab"), mode));
 }
 
 void TestConnectionFilter::anyOtherModeIsPlainText_data()
