@@ -43,7 +43,8 @@ public:
     static QString Program() { return QStringLiteral(VEXEL_TESTCHILD); }
 
     /// What children do that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
-    /// asked to end, be "stubborn" and stay even then, "print" `number` bytes before they report, or "print-forever".
+    /// ended, be "polite" and exit when they are asked to end, be "stubborn" and stay even then, "print" `number` bytes
+    /// before they report, or "print-forever".
     void Behave(const char* mode, int number = 0)
     {
         qputenv("VEXEL_TESTCHILD_MODE", mode);

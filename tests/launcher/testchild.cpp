@@ -69,6 +69,8 @@ int main(int argc, char* argv[])
     // Before the report: whoever has seen the report may count on it.
     if (mode == QLatin1String("stubborn"))
         std::signal(SIGTERM, SIG_IGN);
+    if (mode == QLatin1String("polite"))
+        std::signal(SIGTERM, [](int) { std::_Exit(0); });
     if (mode == QLatin1String("print"))
         Print(qEnvironmentVariableIntValue("VEXEL_TESTCHILD_NUMBER"));
 
@@ -79,7 +81,7 @@ int main(int argc, char* argv[])
         Crash();
     if (mode == QLatin1String("print-forever"))
         Print(-1);
-    if (mode == QLatin1String("stay") || mode == QLatin1String("stubborn"))
+    if (mode == QLatin1String("stay") || mode == QLatin1String("polite") || mode == QLatin1String("stubborn"))
         return QCoreApplication::exec();
     return mode == QLatin1String("exit") ? qEnvironmentVariableIntValue("VEXEL_TESTCHILD_NUMBER") : 0;
 }

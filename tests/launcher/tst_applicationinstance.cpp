@@ -508,8 +508,12 @@ void tst_ApplicationInstance::StartWhileRunning()
 
 void tst_ApplicationInstance::ReleaseStarted()
 {
+#ifdef Q_OS_WIN
+    QSKIP("a program without a window is not asked to end here");
+#endif
+    // Asked, not killed: this one still chooses how it ends.
     TestChild::Report report;
-    const auto instance = RunningInstance("stay", &report);
+    const auto instance = RunningInstance("polite", &report);
     QVERIFY(instance);
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
     m_pTraces->Clear();
@@ -520,9 +524,7 @@ void tst_ApplicationInstance::ReleaseStarted()
 
     // Its end comes later, finds the instance "Free", and is only traced.
     QTRY_COMPARE(m_pTraces->Reports().size(), 2);
-    const QString last = m_pTraces->Messages().constLast();
-    QVERIFY2(last.startsWith(QLatin1String("ApplicationInstance::SlotProcessExited(): ")), qPrintable(last));
-    QVERIFY2(last.contains(TestChild::Program()), qPrintable(last));
+    QCOMPARE(m_pTraces->Messages(), (QStringList{StateChange("Started", "Free"), Ended()}));
     if (CanSeeProcesses())
         QVERIFY(!IsProcess(report.pid));
     QCOMPARE(instance->GetState(), ApplicationInstance::Free);

@@ -1,6 +1,7 @@
 #include "userinterface/vexelconnectdlg/boundedfile.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -16,6 +17,7 @@ private slots:
     void LinkIsFollowed();
     void AboveLimit();
     void HugeFile();
+    void FileWithoutSize();
     void NotRegular_data();
     void NotRegular();
     void PipeIsNotOpened();
@@ -83,6 +85,16 @@ void tst_BoundedFile::HugeFile()
     const auto atLimit = ReadRegularFile(file.fileName());
     QVERIFY(atLimit.has_value());
     QCOMPARE(atLimit->size(), MaximumFileSize);
+}
+
+void tst_BoundedFile::FileWithoutSize()
+{
+    // A regular file that says it is empty, and is not: neither cut off nor read beyond the limit.
+    const QString path = QStringLiteral("/proc/self/status");
+    if (!QFileInfo(path).isFile() || QFileInfo(path).size() != 0)
+        QSKIP("this system has no such file");
+    QVERIFY(ReadRegularFile(path).value_or(QByteArray()).startsWith("Name:"));
+    QVERIFY(!ReadRegularFile(path, 10).has_value());
 }
 
 void tst_BoundedFile::NotRegular_data()

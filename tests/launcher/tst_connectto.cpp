@@ -68,7 +68,7 @@ private slots:
     void FailedStartFreesWhatRuns();
     void ReleasedIsSwept();
     void SweepKeepsStartedAndError();
-    void SweepRemovesOneOccurrence();
+    void SweepIsPerDeviceType();
     void SweepByHand();
     void UnsupportedTypeIsStarted();
     void CrashFreesEntry();
@@ -526,9 +526,9 @@ void tst_ConnectTo::SweepKeepsStartedAndError()
     QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("A"), s("B")}));
 }
 
-void tst_ConnectTo::SweepRemovesOneOccurrence()
+void tst_ConnectTo::SweepIsPerDeviceType()
 {
-    // Only as often as it was booked: here an application is booked for two types, and one of the two ends.
+    // An application booked for two types is still booked for one when the other's instance ends.
     Install({{s("Kite"), {1, 2}}});
     m_pChild->Behave("stay");
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
