@@ -1,4 +1,5 @@
 #include "tests/dialog/dialogfixture.h"
+#include "userinterface/vexelconnectdlg/selectedrows.h"
 
 #include <QClipboard>
 #include <QHeaderView>
@@ -17,6 +18,7 @@ private slots:
     void cleanup() { m_Fixture.reset(); }
 
     void randomWalkKeepsViewsAndModelTogether();
+    void selectedRowsAreTheToolkits();
     void longAndBrokenTextsKeepRowsAlike();
     void editorsTakeTextsOfEveryKind_data();
     void editorsTakeTextsOfEveryKind();
@@ -157,6 +159,36 @@ void tst_DialogViews::randomWalkKeepsViewsAndModelTogether()
         }
     }
     QVERIFY(m_Fixture->model->rowCount() > 0);
+}
+
+void tst_DialogViews::selectedRowsAreTheToolkits()
+{
+    m_Fixture->Build();
+    for (int i = 0; i < 30; ++i) {
+        Connection entry = Entry(QString::number(i));
+        entry.ConnectionType = i % 3;
+        entry.ConnectionStatus = i % 4 == 0 ? Connection::InUse : Connection::Free;
+        m_Fixture->Add({entry});
+    }
+    const QAbstractItemModel* const shown = m_Fixture->Proxy();
+    QItemSelectionModel* const selection = m_Fixture->BasicView()->selectionModel();
+    QRandomGenerator random(99);
+    for (int round = 0; round < 300; ++round) {
+        const int top = random.bounded(30);
+        const int left = random.bounded(3) ? 0 : random.bounded(10);
+        const int right = random.bounded(3) ? 9 : random.bounded(left, 10);
+        const QItemSelection range(shown->index(top, left), shown->index(random.bounded(top, 30), right));
+        selection->select(range,
+                          random.bounded(5) == 0 ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::Toggle);
+        QList<int> expected;
+        for (const QModelIndex& index : selection->selectedRows()) {
+            expected += index.row();
+        }
+        QList<int> actual = SelectedRows(*selection);
+        std::sort(expected.begin(), expected.end());
+        std::sort(actual.begin(), actual.end());
+        QCOMPARE(actual, expected);
+    }
 }
 
 void tst_DialogViews::longAndBrokenTextsKeepRowsAlike()

@@ -66,6 +66,13 @@ QString TranslateWildcard(const QString& pattern)
     return expression;
 }
 
+// How often the engine may step back within one text: far more than an honest expression does on a name, and over in
+// a fraction of a millisecond. A text of many thousand characters, of which a list holds few, takes more steps by
+// itself.
+constexpr const char* s_matchLimit = "(*LIMIT_MATCH=20000)";
+constexpr const char* s_longTextMatchLimit = "(*LIMIT_MATCH=2000000)";
+constexpr qsizetype s_longText = 1000; // characters
+
 constexpr qsizetype s_longestShownText = 500; // characters; wider than any screen
 
 bool IsLineBreak(QChar c)
@@ -137,7 +144,41 @@ QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
     return value;
 }
 
+void ConnectionFilterModel::UpdateBounds() const
+{
+    const QRegularExpression expression = filterRegularExpression();
+    if (expression != m_Expression) {
+        m_Expression = expression;
+        const auto bounded = [&expression](const char* limit) {
+            return QRegularExpression(QLatin1String(limit) + expression.pattern(), expression.patternOptions());
+        };
+        m_ForNames = bounded(s_matchLimit);
+        m_ForLongTexts = bounded(s_longTextMatchLimit);
+    }
+}
+
 bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
-    return filterRegularExpression().isValid() && QSortFilterProxyModel::filterAcceptsRow(sourceRow, sourceParent);
+    UpdateBounds();
+    if (m_Expression.pattern().isEmpty()) {
+        return true;
+    }
+    if (!m_ForNames.isValid()) {
+        return false;
+    }
+    const auto matches = [&](int column) {
+        const QString text = sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString();
+        return text.contains(text.size() > s_longText ? m_ForLongTexts : m_ForNames);
+    };
+    const int columns = sourceModel()->columnCount(sourceParent);
+    if (filterKeyColumn() >= 0) {
+        return filterKeyColumn() >= columns || matches(filterKeyColumn());
+    }
+    // No column chosen: any will do.
+    for (int column = 0; column < columns; ++column) {
+        if (matches(column)) {
+            return true;
+        }
+    }
+    return false;
 }

@@ -29,10 +29,12 @@ struct FilterSettings
 
 /// Sorts and filters the connections for the views.
 ///
-/// As the plain proxy does, but for two things. An invalid expression matches nothing there too, yet with a warning for
-/// every row. And texts are shown on one line of bearable length: two views that show different columns of a row must
-/// give it the same height, and a text of a megabyte would keep every layout busy. What is edited, filtered and sorted
-/// is the whole text.
+/// As the plain proxy does, but for three things. An invalid expression matches nothing there too, yet with a warning
+/// for every row. An expression that keeps the engine busy with one text (nested repetitions against a long name) is
+/// given up there early, or ten thousand rows would hold the window for minutes; the row counts as no match. And texts
+/// are shown on one line of bearable length: two views that show different columns of a row must give it the same
+/// height, and a text of a megabyte would keep every layout busy. What is edited, filtered and sorted is the whole
+/// text.
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
 public:
@@ -42,4 +44,12 @@ public:
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+
+private:
+    void UpdateBounds() const;
+
+    /// The filter's expression, and what is matched in its place; made anew when the filter's is another one.
+    mutable QRegularExpression m_Expression;
+    mutable QRegularExpression m_ForNames;
+    mutable QRegularExpression m_ForLongTexts;
 };

@@ -311,6 +311,56 @@ bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
     return true;
 }
 
+void ConnectionsModel::RemoveEntries(const QList<int>& rows)
+{
+    std::vector<bool> doomed(m_Connections.size(), false);
+    int count = 0;
+    int first = rowCount();
+    int last = -1;
+    for (const int row : rows) {
+        if (row < 0 || row >= rowCount() || doomed[static_cast<std::size_t>(row)]) {
+            continue;
+        }
+        doomed[static_cast<std::size_t>(row)] = true;
+        ++count;
+        first = std::min(first, row);
+        last = std::max(last, row);
+    }
+    if (count == 0) {
+        return;
+    }
+    if (last - first + 1 != count) {
+        MoveToEnd(doomed);
+        first = rowCount() - count;
+    }
+    removeRows(first, count);
+}
+
+void ConnectionsModel::MoveToEnd(const std::vector<bool>& marked)
+{
+    emit layoutAboutToBeChanged({}, VerticalSortHint);
+    std::vector<std::unique_ptr<Connection>> reordered;
+    reordered.reserve(m_Connections.size());
+    std::vector<int> newRows(m_Connections.size());
+    for (const bool behind : {false, true}) {
+        for (std::size_t row = 0; row < m_Connections.size(); ++row) {
+            if (marked[row] == behind) {
+                newRows[row] = static_cast<int>(reordered.size());
+                reordered.push_back(std::move(m_Connections[row]));
+            }
+        }
+    }
+    m_Connections = std::move(reordered);
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& moved : before) {
+        after.append(index(newRows[static_cast<std::size_t>(moved.row())], moved.column()));
+    }
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, VerticalSortHint);
+}
+
 Qt::ItemFlags ConnectionsModel::flags(const QModelIndex& index) const
 {
     const Qt::ItemFlags base = QAbstractTableModel::flags(index);

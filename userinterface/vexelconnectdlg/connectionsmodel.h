@@ -59,6 +59,11 @@ public:
     /// A copy of the entry at `row`, which must exist.
     Connection GetConnection(int row) const;
 
+    /// Removes the entries at `rows`, given in any order, in a time that grows with the length of the list and not with
+    /// its square: rows in several places are first moved to the end, in one change of layout, and go from there in one
+    /// step. The order of those that stay is kept. Rows outside the list are passed over.
+    void RemoveEntries(const QList<int>& rows);
+
     /// Sets the status of every entry equal to `connection`. Always false, by design of the interface.
     bool SetConnectionStatus(const Connection& connection, int status);
     /// Makes every entry "Free".
@@ -99,6 +104,8 @@ private:
     /// The entry that `index` shows, or null where it lies outside the table or belongs to another model.
     const Connection* EntryAt(const QModelIndex& index) const;
     void SetStatus(int row, int status);
+    /// Moves the marked entries behind the others; both keep their order.
+    void MoveToEnd(const std::vector<bool>& marked);
 
     std::vector<std::unique_ptr<Connection>> m_Connections;
     Counts m_Counts;

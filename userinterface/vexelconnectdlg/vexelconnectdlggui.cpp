@@ -11,7 +11,7 @@
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
-#include "userinterface/vexelconnectdlg/rowremoval.h"
+#include "userinterface/vexelconnectdlg/selectedrows.h"
 #include "userinterface/vexelconnectdlg/tracing.h"
 
 #include <QContextMenuEvent>
@@ -202,18 +202,17 @@ void VexelConnectDlgGUI::SlotDelete()
     QItemSelectionModel* const selection = m_pBasicView->selectionModel();
     if (!selection)
         return;
-    const QModelIndexList selectedRows = selection->selectedRows(ConnectionsModel::ColumnSelected);
-    if (selectedRows.isEmpty()) {
+    QList<int> rows = SelectedRows(*selection);
+    if (rows.isEmpty()) {
         ShowInfo(tr("No entry selected!\n\nPlease select the entries you want to delete."));
         return;
     }
-    QModelIndexList rows;
-    rows.reserve(selectedRows.size());
-    for (const QModelIndex& index : selectedRows)
-        rows.append(m_pProxyModel->mapToSource(index));
+    for (int& row : rows) {
+        row = m_pProxyModel->mapToSource(m_pProxyModel->index(row, 0)).row();
+    }
     // Nothing of the selection outlives the removal, and keeping it up to date through every step costs the most.
     selection->clearSelection();
-    RemoveRows(*m_pModel, rows);
+    m_pModel->RemoveEntries(rows);
 }
 
 void VexelConnectDlgGUI::SlotShowDetails(bool bShow)
@@ -298,8 +297,9 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
         Trace(s_traceSource, s_nothingToReadLine,
               [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
     } else if (const std::optional<QByteArray> document = ReadRegularFile(fileName)) {
-        if (m_pModel->FromByteArray(*document))
+        if (LoadEntries(*document)) {
             return true;
+        }
     } else {
         Trace(s_traceSource, s_cannotReadLine, [&fileName] {
             return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
@@ -308,8 +308,18 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
-    m_pModel->FromByteArray(backup);
+    LoadEntries(backup);
     return false;
+}
+
+bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
+{
+    // Each entry is announced by itself. Putting each in its place among those before it takes the square of their
+    // number; sorted once at the end they are all where they belong.
+    m_pProxyModel->setDynamicSortFilter(false);
+    const bool loaded = m_pModel->FromByteArray(document);
+    m_pProxyModel->setDynamicSortFilter(true);
+    return loaded;
 }
 
 void VexelConnectDlgGUI::Export(const QString& fileName)

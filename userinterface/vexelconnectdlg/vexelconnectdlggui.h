@@ -67,6 +67,7 @@ private:
     void UpdateColumnChoice();
     void ShareOutColumns();
     void SetUpHeaders();
+    bool LoadEntries(const QByteArray& document);
     void ShowInfo(const QString& text);
 
     QMenu* m_pContextMenu = nullptr;
