@@ -4,6 +4,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QMimeData>
+#include <QProcess>
 #include <QUrl>
 
 namespace {
@@ -51,6 +52,7 @@ private slots:
     void dropOfOtherCountsTellsTheCount_data();
     void dropOfOtherCountsTellsTheCount();
     void dropOfARemoteUrlTells();
+    void dropWhileABoxIsOpen();
     void dropWithoutUrlsIsIgnored();
     void dropIsTakenWhileEntriesAreInUse();
     void rowsDroppedOnTheTableAreCopied();
@@ -244,10 +246,16 @@ void tst_DialogFiles::importOfWhatCannotBeOpenedTraces()
 {
     m_Fixture->Build();
     m_Fixture->Add({Entry(QStringLiteral("a"))});
-    QString pipe = QStringLiteral("/dev/stdin/none");
-    const QStringList unreadable{m_Fixture->DataPath(QStringLiteral("missing.xml")),
-                                 m_Fixture->DataPath(QString()), // a directory
-                                 QStringLiteral("/dev/zero"), pipe};
+    const QString pipe = m_Fixture->DataPath(QStringLiteral("pipe.xml"));
+    const QString huge = m_Fixture->WriteFile(QStringLiteral("huge.xml"), ThreeEntries());
+    QVERIFY(QFile::resize(huge, qint64{65} * 1024 * 1024));
+    QStringList unreadable{m_Fixture->DataPath(QStringLiteral("missing.xml")), huge,
+                           m_Fixture->DataPath(QString())}; // the last is a directory
+#ifndef Q_OS_WIN
+    // Opening a pipe that nobody writes to waits for ever, and reading this device never ends.
+    QCOMPARE(QProcess::execute(QStringLiteral("mkfifo"), {pipe}), 0);
+    unreadable += {pipe, QStringLiteral("/dev/zero")};
+#endif
     for (const QString& path : unreadable) {
         MessageBoxes boxes;
         TraceRecorder traces;
@@ -419,6 +427,34 @@ void tst_DialogFiles::dropOfARemoteUrlTells()
         QCOMPARE(boxes.Count(), 1);
         QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
     }
+}
+
+void tst_DialogFiles::dropWhileABoxIsOpen()
+{
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_Fixture->Show();
+    QMimeData two;
+    two.setUrls({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
+    QMimeData bad;
+    bad.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
+
+    std::unique_ptr<MessageBoxes> boxes;
+    // Queued, so that they come while the box of the import below is up; nobody answers before they are there.
+    QTimer::singleShot(0, m_Fixture->dialog, [&] {
+        QVERIFY(QApplication::activeModalWidget());
+        QTimer::singleShot(0, m_Fixture->dialog, [&] {
+            boxes = std::make_unique<MessageBoxes>();
+            Drop(m_Fixture->dialog, two);
+        });
+        Drop(m_Fixture->dialog, bad);
+    });
+    QVERIFY(!m_Fixture->dialog->Import(QString()));
+    QVERIFY(boxes);
+    QCOMPARE(boxes->Count(), 3);
+    QCOMPARE(boxes->Boxes().first().text,
+             QStringLiteral("Too much files dropped (2 files).\n\nPlease drop at most one file."));
+    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 }
 
 void tst_DialogFiles::dropWithoutUrlsIsIgnored()
