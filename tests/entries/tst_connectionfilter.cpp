@@ -84,7 +84,10 @@ private slots:
     void anyOtherModeIsPlainText_data();
     void anyOtherModeIsPlainText();
 
+    void anExpressionWithoutEndIsGivenUp();
     void filtersTheKeyColumnOnly();
+    void noColumnChosenMeansAnyAndOneOutsideNone();
+    void showsOneLineButFiltersAndEditsTheWhole();
     void filtersWhatIsDisplayed();
     void follows();
     void sorts();
@@ -319,6 +322,62 @@ void TestConnectionFilter::anyOtherModeIsPlainText()
     QVERIFY(LetsThrough(QStringLiteral("a.*b"), QStringLiteral(".*"), mode));
     QVERIFY(!LetsThrough(QStringLiteral("ab"), QStringLiteral(".*"), mode));
     QVERIFY(LetsThrough(QStringLiteral("AB"), QStringLiteral("ab"), mode));
+}
+
+// Each of these would keep the window busy for hours.
+void TestConnectionFilter::anExpressionWithoutEndIsGivenUp()
+{
+    for (const int length : {40, 900, 5000, 100'000}) {
+        const QString name(length, u'a');
+        QVERIFY(!LetsThrough(name, QStringLiteral("^(a+)+b$"), s_regExp));
+        QVERIFY(!LetsThrough(name, QStringLiteral("^(a|aa)+b$"), s_regExp));
+        QVERIFY(!LetsThrough(name, QStringLiteral("*a*a*a*a*a*a*a*a*a*b"), s_wildcard));
+        QVERIFY(LetsThrough(name, QStringLiteral("^(a+)+$"), s_regExp));
+        QVERIFY(LetsThrough(name, QStringLiteral("*a*a*a*a*a*a*a*a*a"), s_wildcard));
+    }
+}
+
+void TestConnectionFilter::noColumnChosenMeansAnyAndOneOutsideNone()
+{
+    ConnectionsModel model(nullptr, QString());
+    for (const int number : {1, 2, 3})
+        model.AddConnection(SampleEntry(number));
+    ConnectionFilterModel filter;
+    filter.setSourceModel(&model);
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("10.0.1.2"), s_plain));
+    filter.setFilterKeyColumn(-1);
+    QCOMPARE(Shown(filter), QStringList{QStringLiteral("entry 2")});
+    filter.setFilterKeyColumn(ConnectionsModel::ColumnCount);
+    QCOMPARE(filter.rowCount(), 3);
+}
+
+void TestConnectionFilter::showsOneLineButFiltersAndEditsTheWhole()
+{
+    const QString lines = QStringLiteral(u"a\nb\rc\u2028d\u2029e");
+    const QString justFits = QString(500, u'x');
+    const QString tooLong = justFits + u'z';
+    ConnectionsModel model(nullptr, QString());
+    for (const QString& name : {lines, justFits, tooLong})
+        model.AddConnection(NamedEntry(name));
+    ConnectionFilterModel filter;
+    const QAbstractItemModelTester tester(&filter, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    filter.setSourceModel(&model);
+    filter.setFilterKeyColumn(ConnectionsModel::ColumnName);
+    QCOMPARE(Shown(filter), (QStringList{QStringLiteral("a b c d e"), justFits, justFits + QChar(0x2026)}));
+    const auto cell = [&filter](int row) {
+        return filter.index(row, ConnectionsModel::ColumnName);
+    };
+    QCOMPARE(cell(0).data(Qt::EditRole).toString(), lines);
+    QCOMPARE(cell(2).data(Qt::EditRole).toString(), tooLong);
+    QCOMPARE(filter.index(0, ConnectionsModel::ColumnTimeout).data(), QVariant(QStringLiteral("No Timeout")));
+
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("xz"), s_plain));
+    QCOMPARE(filter.rowCount(), 1);
+    QCOMPARE(cell(0).data(Qt::EditRole).toString(), tooLong);
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("b\rc"), s_plain));
+    QCOMPARE(filter.rowCount(), 1);
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("b c"), s_plain));
+    QCOMPARE(filter.rowCount(), 0);
 }
 
 void TestConnectionFilter::filtersTheKeyColumnOnly()

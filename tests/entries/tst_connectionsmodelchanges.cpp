@@ -10,33 +10,6 @@
 #include <limits>
 #include <vector>
 
-namespace {
-
-struct CountedByHand
-{
-    int selectedFree = 0;
-    int inUse = 0;
-    int selected = 0;
-
-    explicit CountedByHand(const ConnectionsModel& model)
-    {
-        for (int row = 0; row < model.rowCount(); ++row) {
-            const Connection entry = model.GetConnection(row);
-            selected += entry.Selected ? 1 : 0;
-            inUse += entry.ConnectionStatus != 0 ? 1 : 0;
-            selectedFree += entry.Selected && entry.ConnectionStatus == 0 ? 1 : 0;
-        }
-    }
-
-    bool Agrees(const ConnectionsModel& model) const
-    {
-        return model.CountSelectedFree() == selectedFree && model.CountInUse() == inUse &&
-               model.CountSelected() == selected;
-    }
-};
-
-} // namespace
-
 /// How the model changes, and what it announces while it does.
 class TestConnectionsModelChanges : public QObject
 {
@@ -51,9 +24,6 @@ private slots:
     void removeRefuses();
     void removeOfNothingIsTrue();
     void removeBeyondTheEndStopsThere();
-    void removeEntriesOfOneRangeIsOneRemoval();
-    void removeEntriesKeepsTheRestAsItWas();
-    void removeEntriesPassesOverWhatIsNotThere();
     void setDataAssigns_data();
     void setDataAssigns();
     void setDataChecksNoRange();
@@ -460,76 +430,6 @@ void TestConnectionsModelChanges::countsStayRightAfterAnyChange()
         QVERIFY(CountedByHand(model).Agrees(model));
         QVERIFY(agreed);
     }
-}
-
-void TestConnectionsModelChanges::removeEntriesOfOneRangeIsOneRemoval()
-{
-    WatchedModel model;
-    model.AddNamed({"a", "b", "c", "d"});
-    const QSignalSpy layout(&model, &QAbstractItemModel::layoutChanged);
-    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    model.RemoveEntries({2, 1});
-    QCOMPARE(model.rowCount(), 2);
-    QCOMPARE(model.GetConnection(0).ConnectionName, QStringLiteral("a"));
-    QCOMPARE(model.GetConnection(1).ConnectionName, QStringLiteral("d"));
-    QCOMPARE(layout.size(), 0);
-    QCOMPARE(removed.size(), 1);
-    QCOMPARE(removed.at(0).at(1).toInt(), 1);
-    QCOMPARE(removed.at(0).at(2).toInt(), 2);
-}
-
-void TestConnectionsModelChanges::removeEntriesKeepsTheRestAsItWas()
-{
-    QRandomGenerator random(4711);
-    for (int round = 0; round < 50; ++round) {
-        WatchedModel model;
-        QStringList expected;
-        QList<QPersistentModelIndex> handles;
-        const int count = random.bounded(1, 40);
-        for (int i = 0; i < count; ++i) {
-            Connection entry = SampleEntry(i);
-            entry.ConnectionName = QString::number(i);
-            model.AddConnection(entry);
-            expected += entry.ConnectionName;
-            handles += QPersistentModelIndex(model.index(i, i % ConnectionsModel::ColumnCount));
-        }
-        QList<int> doomed;
-        for (int i = random.bounded(count + 1); i > 0; --i) {
-            doomed += random.bounded(count);
-        }
-        for (const int row : doomed) {
-            expected.removeAll(QString::number(row));
-        }
-        model.RemoveEntries(doomed);
-
-        QStringList left;
-        for (int row = 0; row < model.rowCount(); ++row) {
-            left += model.GetConnection(row).ConnectionName;
-        }
-        QCOMPARE(left, expected);
-        QVERIFY(CountedByHand(model).Agrees(model));
-        for (int i = 0; i < count; ++i) {
-            const QPersistentModelIndex& handle = handles.at(i);
-            QCOMPARE(handle.isValid(), expected.contains(QString::number(i)));
-            if (handle.isValid()) {
-                QCOMPARE(handle.row(), static_cast<int>(expected.indexOf(QString::number(i))));
-                QCOMPARE(handle.column(), i % ConnectionsModel::ColumnCount);
-            }
-        }
-    }
-}
-
-void TestConnectionsModelChanges::removeEntriesPassesOverWhatIsNotThere()
-{
-    WatchedModel model;
-    model.AddNamed({"a", "b", "c"});
-    const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    model.RemoveEntries({});
-    model.RemoveEntries({-1, 3, std::numeric_limits<int>::max()});
-    QCOMPARE(removed.size(), 0);
-    model.RemoveEntries({2, 0, 2, -1, 7});
-    QCOMPARE(model.rowCount(), 1);
-    QCOMPARE(model.GetConnection(0).ConnectionName, QStringLiteral("b"));
 }
 
 QTEST_MAIN(TestConnectionsModelChanges)

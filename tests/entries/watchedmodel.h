@@ -74,3 +74,27 @@ inline bool Drop(ConnectionsModel& model, const QMimeData* data)
 {
     return model.dropMimeData(data, Qt::CopyAction, -1, -1, QModelIndex());
 }
+
+/// What the model must answer when it is asked for its counts.
+struct CountedByHand
+{
+    int selectedFree = 0;
+    int inUse = 0;
+    int selected = 0;
+
+    explicit CountedByHand(const ConnectionsModel& model)
+    {
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const Connection entry = model.GetConnection(row);
+            selected += entry.Selected ? 1 : 0;
+            inUse += entry.ConnectionStatus != 0 ? 1 : 0;
+            selectedFree += entry.Selected && entry.ConnectionStatus == 0 ? 1 : 0;
+        }
+    }
+
+    bool Agrees(const ConnectionsModel& model) const
+    {
+        return model.CountSelectedFree() == selectedFree && model.CountInUse() == inUse &&
+               model.CountSelected() == selected;
+    }
+};
