@@ -31,11 +31,7 @@ if(MSVC)
 else()
     target_compile_options(vexel_options INTERFACE
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
-        -Wconversion -Wsign-conversion -Wnull-dereference -Wformat=2)
-    if(WIN32 OR VEXEL_SANITIZE)
-        # Seen from inside Qt's inline functions once the optimiser or a sanitizer has rewritten them.
-        target_compile_options(vexel_options INTERFACE -Wno-null-dereference)
-    endif()
+        -Wconversion -Wsign-conversion -Wformat=2)
 endif()
 
 if(VEXEL_WARNINGS_AS_ERRORS)

@@ -8,9 +8,8 @@
 
 namespace {
 
-void Write(std::FILE* stream, const QString& text)
+void Write(std::FILE* stream, const QByteArray& bytes)
 {
-    const QByteArray bytes = text.toLocal8Bit();
     // A reader that has gone away is no reason to leave applications and settings behind: the result is not needed.
     (void)std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
     (void)std::fflush(stream);
@@ -22,17 +21,22 @@ namespace Console {
 
 void Print(const QString& text)
 {
-    Write(stdout, text + QLatin1Char('\n'));
+    Write(stdout, (text + QLatin1Char('\n')).toLocal8Bit());
 }
 
 void PrintRaw(const QString& text)
 {
-    Write(stdout, text);
+    Write(stdout, text.toLocal8Bit());
+}
+
+void PrintBytes(const QByteArray& bytes)
+{
+    Write(stdout, bytes);
 }
 
 void Complain(const QString& message)
 {
-    Write(stderr, QStringLiteral("vexelhost: %1\n").arg(OneLine(message)));
+    Write(stderr, QStringLiteral("vexelhost: %1\n").arg(OneLine(message)).toLocal8Bit());
 }
 
 } // namespace Console

@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QEventLoop>
+#include <QRegularExpression>
 
 HeadlessJob::HeadlessJob(const HostOptions& options, const ConnectDialog& dialog, QObject* parent)
     : QObject(parent)
@@ -63,7 +64,7 @@ bool HeadlessJob::Add()
 void HeadlessJob::List() const
 {
     if (m_Options.json)
-        Console::PrintRaw(QString::fromUtf8(ConnectionJson(*m_Dialog.Entries())));
+        Console::PrintBytes(ConnectionJson(*m_Dialog.Entries()));
     else
         Console::PrintRaw(ConnectionTable(*m_Dialog.Entries()));
 }
@@ -145,8 +146,9 @@ void HeadlessJob::Fail(ExitCode code, const QString& message)
 void HeadlessJob::OnBoxOpened(const QString& title, const QString& text)
 {
     m_BoxOpened = true;
-    // Paragraphs of a box become one line; a line break inside a name is none of these and stays visible.
-    Console::Complain(QStringLiteral("%1: %2").arg(title, text.simplified()));
+    // One line for all paragraphs; the one that follows names the entry exactly.
+    static const QRegularExpression s_breaks(QStringLiteral("\\n+"));
+    Console::Complain(QStringLiteral("%1: %2").arg(title, QString(text).replace(s_breaks, QStringLiteral(" "))));
 }
 
 void HeadlessJob::OnStatusChanged(int row, const QString& name, const QString& from, const QString& to)

@@ -23,18 +23,28 @@ ParsedCommandLine ReadCommandLine(int& argc, char** argv)
 /// Chooses the platform. False when there is nothing to show a window on.
 bool ChoosePlatform(bool headless)
 {
-    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || HasDesktop())
         return true;
+    // What is started inherits this: without a desktop it has none either.
     if (headless)
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    return headless || HasDesktop();
+    return headless;
 }
 
-std::unique_ptr<QApplication> MakeApplication(char* program)
+std::unique_ptr<QApplication> MakeApplication(char* program, bool headless)
 {
-    // Qt has options of its own, --plugin among them, and would take them out of the command line for itself.
+    // Qt has options of its own, --plugin among them, and would take them out of the command line for itself. The
+    // platform is given to it here and not by environment: a person at the desktop shall see what a headless host
+    // starts.
+    static std::array<char, 10> option{"-platform"};
+    static std::array<char, 10> offscreen{"offscreen"};
+    static std::array<char*, 4> argv = {program, nullptr, nullptr, nullptr};
     static int argc = 1;
-    static std::array<char*, 2> argv = {program, nullptr};
+    if (headless && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        argv[1] = option.data();
+        argv[2] = offscreen.data();
+        argc = 3;
+    }
     const QtStartMessages messages;
     return std::make_unique<QApplication>(argc, argv.data());
 }
@@ -70,7 +80,7 @@ ExitCode Run(int& argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
     QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
-    const std::unique_ptr<QApplication> application = MakeApplication(argv[0]);
+    const std::unique_ptr<QApplication> application = MakeApplication(argv[0], options.IsHeadless());
     return Application(options).Run();
 }
 

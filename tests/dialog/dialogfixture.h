@@ -171,7 +171,9 @@ public:
     static void DoubleClick(QTreeView* view, const QModelIndex& index)
     {
         Click(view, index);
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(index).center());
+        const QPoint at = view->visualRect(index).center();
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+        QTest::mouseRelease(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     }
 
     ConnectionsModel* model = nullptr;

@@ -563,6 +563,9 @@ void tst_DialogWindow::closeHidesAndKeepsEverything()
     const std::unique_ptr<ICfg> stored(
         CfgCenter::GetAppCfg(View::Application)->OpenChild(QStringLiteral("ConnectionsModel"), 0));
     QCOMPARE(stored->GetString(QStringLiteral("ModelMimeData"), QStringLiteral("none"), 0), QStringLiteral("none"));
+    const std::unique_ptr<ICfg> filter(
+        CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0));
+    QCOMPARE(filter->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0), QStringLiteral("none"));
 }
 
 void tst_DialogWindow::firstShowMakesItTheMainWidgetWithItsStoredSize()

@@ -26,6 +26,10 @@ private slots:
     void PictureThatCannotBeWritten();
     void TerminatedWhileWaiting();
     void ReaderThatGoesAway();
+    void EndOfTheHostEndsItsApplications();
+    void NameChoosesTheMappingFile();
+    void BoxTextKeepsTheName();
+    void HeadlessHostLeavesTheDesktopToItsChildren();
     void ConfigurationThatCannotBeSaved();
 
 private:
@@ -290,6 +294,81 @@ void TestVexelHostConnect::TerminatedWhileWaiting()
     // Saved: what was added before it was terminated, and the ticks as they were.
     QCOMPARE(setUp.Names(), QStringList({QStringLiteral("mast"), QStringLiteral("pier"), QStringLiteral("van")}));
     QCOMPARE(setUp.TickedNames(), QStringList(QStringLiteral("pier")));
+}
+
+void TestVexelHostConnect::EndOfTheHostEndsItsApplications()
+{
+    if (!QFileInfo::exists(QStringLiteral("/proc/self/stat")))
+        QSKIP("This system does not tell which processes there are.");
+    HostSetUp setUp;
+    setUp.Install(KiteControl(), 1);
+    setUp.Fill({QStringLiteral("mast")});
+    QVERIFY(QDir().mkpath(setUp.Path("reports")));
+    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
+    setUp.Environment().insert(QStringLiteral("KITECONTROL_REPORT_DIR"), setUp.Path("reports"));
+    QProcess process;
+    setUp.Start(process, {QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+    QStringList reports;
+    QTRY_VERIFY(!(reports = QDir(setUp.Path("reports")).entryList({QStringLiteral("*.txt")}, QDir::Files)).isEmpty());
+    // "<program>-<process id>.txt"
+    const QString child = QStringLiteral("/proc/") + reports.constFirst().section(u'-', -1).section(u'.', 0, 0);
+    QVERIFY2(QFileInfo::exists(child), qPrintable(child));
+    process.terminate();
+    QCOMPARE(HostSetUp::End(process).exitCode, 0);
+    // Neither running nor waiting to be asked for its exit code.
+    QVERIFY2(!QFileInfo::exists(child), qPrintable(child));
+}
+
+void TestVexelHostConnect::NameChoosesTheMappingFile()
+{
+    HostSetUp setUp;
+    setUp.Install(KiteControl(), 1);
+    setUp.Fill({QStringLiteral("mast")});
+    const QString file = setUp.Path("elsewhere.xml");
+    setUp.Write(setUp.Config() + QStringLiteral("/application/Second.ini"),
+                "[General]\nTypeApplicationMappings=" + file.toUtf8() + "\n");
+    const QString missed = QStringLiteral("Could not open ") + file + QStringLiteral(" for reading");
+    QVERIFY(!setUp.Run({QStringLiteral("--trace"), QStringLiteral("--list")}).error.contains(missed));
+    const auto result = setUp.Run(
+        {QStringLiteral("--trace"), QStringLiteral("--list"), QStringLiteral("--name"), QStringLiteral("Second")});
+    QVERIFY2(result.error.contains(missed), qPrintable(result.error));
+}
+
+void TestVexelHostConnect::HeadlessHostLeavesTheDesktopToItsChildren()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("There is always a desktop on this system.");
+#endif
+    // The host shows nothing, but what it starts is meant for the person at the display.
+    HostSetUp setUp;
+    const QString program = setUp.Path("application");
+    setUp.Write(program, "#!/bin/sh\nenv >environment.part && mv environment.part environment\n");
+    QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    setUp.Install(program, 1);
+    setUp.Fill({QStringLiteral("mast")});
+    for (const bool hasDesktop : {true, false}) {
+        if (hasDesktop)
+            setUp.Environment().insert(QStringLiteral("DISPLAY"), QStringLiteral(":4711"));
+        else
+            setUp.Environment().remove(QStringLiteral("DISPLAY"));
+        QFile::remove(setUp.Path("environment"));
+        const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+        QCOMPARE(result.exitCode, 0);
+        QFile environment(setUp.Path("environment"));
+        QVERIFY(environment.open(QIODevice::ReadOnly));
+        QCOMPARE(environment.readAll().contains("QT_QPA_PLATFORM=offscreen"), !hasDesktop);
+    }
+}
+
+void TestVexelHostConnect::BoxTextKeepsTheName()
+{
+    HostSetUp setUp;
+    setUp.Install(KiteControl(), 0);
+    const QString name = QStringLiteral("two  blanks");
+    setUp.Fill({name});
+    const auto result = setUp.Run({QStringLiteral("--connect"), name});
+    QCOMPARE(result.exitCode, 3);
+    QVERIFY2(result.ErrorLines().constFirst().contains(QLatin1String("\"two  blanks\".")), qPrintable(result.error));
 }
 
 void TestVexelHostConnect::ReaderThatGoesAway()

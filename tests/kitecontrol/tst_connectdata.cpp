@@ -127,6 +127,7 @@ void TestConnectData::defaultRecordIsEmpty()
     QCOMPARE(record.m_nStatus, 0);
     QCOMPARE(record.m_bSelected, false);
     QVERIFY(record.m_sSubsystem.isEmpty());
+    QVERIFY(!record.m_sSubsystem.isNull());
     QCOMPARE(record.m_nReserved, 0);
 }
 

@@ -49,6 +49,8 @@ private slots:
     void EveryType_data();
     void EveryType();
     void StartsInCurrentDirectory();
+    void StartsInTheDirectoryOfTheMoment();
+    void NameTooLongForACommandLine();
     void EntryIsInUseUntilEnd();
     void EqualEntries();
     void ApplicationsInTurn();
@@ -203,6 +205,45 @@ void tst_ConnectTo::StartsInCurrentDirectory()
     QCOMPARE(m_pCounter->Instances().constFirst()->GetWorkingDirectory(), QDir::currentPath());
     QTRY_COMPARE(m_pChild->Count(), 1);
     QCOMPARE(m_pChild->Reports().constFirst().directory, QDir::current().canonicalPath());
+}
+
+void tst_ConnectTo::StartsInTheDirectoryOfTheMoment()
+{
+    // Not in that of the launcher's own start.
+    Install({{s("Kite"), {1}}});
+    const QTemporaryDir elsewhere;
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(elsewhere.path()));
+    const bool started = m_pCounter->ConnectTo(Entry("a", 1));
+    const QString current = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(before));
+    QVERIFY(started);
+    QCOMPARE(m_pCounter->Instances().constFirst()->GetWorkingDirectory(), current);
+    QTRY_COMPARE(m_pChild->Count(), 1);
+    QCOMPARE(m_pChild->Reports().constFirst().directory, QDir(elsewhere.path()).canonicalPath());
+    QVERIFY(WaitForEnd());
+}
+
+void tst_ConnectTo::NameTooLongForACommandLine()
+{
+    // No system takes an argument of a megabyte: a start that fails like any other.
+    Install({{s("Kite"), {4}}});
+    Connection entry = Entry("", 4);
+    entry.ConnectionName = QString(1024 * 1024, QLatin1Char('x'));
+    m_pModel->AddConnection(entry);
+    QVERIFY(!m_pCounter->ConnectTo(entry));
+    QCOMPARE(
+        m_pTraces->Messages(),
+        (QStringList{s("ApplicationInstance::Start(): Application <%1> could not be started").arg(TestChild::Program()),
+                     s("ApplicationInstance::ReleaseInstance() unknwon state 0")}));
+    QCOMPARE(m_pBoxes->Count(), 0);
+    QCOMPARE(Status(0), 0);
+    QVERIFY(m_pCounter->RunningApplications(4).isEmpty());
+    QCOMPARE(m_pChild->Count(), 0);
+
+    // And its application still serves others.
+    QVERIFY(m_pCounter->ConnectTo(Entry("short", 4)));
+    QVERIFY(WaitForEnd());
 }
 
 void tst_ConnectTo::EntryIsInUseUntilEnd()

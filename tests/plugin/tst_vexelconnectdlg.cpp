@@ -30,7 +30,9 @@ private slots:
     void everyEntryIsFreeWhateverWasStored();
     void nameReachesTheInstanceAndItsConfiguration();
     void saveStoresFilterAndEntries();
+    void saveStoresTheFilterFirst();
     void destroyStoresFilterAndEntries();
+    void registersItsTranslationsAndTakesThemBack();
     void twoInstancesLiveSideBySide();
 
 private:
@@ -145,6 +147,40 @@ void tst_VexelConnectDlg::saveStoresFilterAndEntries()
     QCOMPARE(StoredPattern(), QStringLiteral("abc"));
     QCOMPARE(StoredEntries(), QString::fromLatin1(FindModel()->ToByteArray().toHex()));
     ARDestroy(instance);
+}
+
+void tst_VexelConnectDlg::saveStoresTheFilterFirst()
+{
+    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    FindDialog()->m_pFilterPatternLineEdit->setText(QStringLiteral("abc"));
+    // Without a name the model cannot store its entries, and says so: by then the filter must be stored.
+    FindModel()->setObjectName(QString());
+    QStringList patterns;
+    const unsigned kinds = ErrorHandler::Instance().EnabledKinds();
+    ErrorHandler::Instance().SetSink(
+        [&patterns](ErrorHandler::Kind, const QString&, const QString&, quint16) { patterns += StoredPattern(); });
+    ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Trace);
+    instance->SaveSettings();
+    ErrorHandler::Instance().SetEnabledKinds(kinds);
+    ErrorHandler::Instance().SetSink({});
+    QCOMPARE(patterns, QStringList{QStringLiteral("abc")});
+    ARDestroy(instance);
+}
+
+void tst_VexelConnectDlg::registersItsTranslationsAndTakesThemBack()
+{
+    TranslationCenter::Instance().SetDirectory(QStringLiteral(VEXEL_TRANSLATIONS));
+    TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
+    const auto close = [] {
+        return QCoreApplication::translate("VexelConnectDlg", "Close");
+    };
+    QCOMPARE(close(), QStringLiteral("Close"));
+    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    QCOMPARE(close(), QStringLiteral("Schlie\u00dfen"));
+    QCOMPARE(FindDialog()->m_pCloseButton->text(), close());
+    ARDestroy(instance);
+    QCOMPARE(close(), QStringLiteral("Close"));
+    TranslationCenter::Instance().SetLocale(QLocale::c());
 }
 
 void tst_VexelConnectDlg::destroyStoresFilterAndEntries()

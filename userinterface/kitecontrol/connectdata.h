@@ -40,6 +40,6 @@ public:
     // In memory only; no key stands for them.
     qint32 m_nStatus = 0;     ///< the entry's status: 0 free, 1 in use
     bool m_bSelected = false; ///< the entry's tick
-    QString m_sSubsystem;     ///< the entry's subsystem
+    QString m_sSubsystem = QStringLiteral("");     ///< the entry's subsystem
     qint32 m_nReserved = 0;   ///< carried along
 };

@@ -1,12 +1,11 @@
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 
-#include <QAbstractItemView>
 #include <QDragEnterEvent>
 #include <QMimeData>
 
-void FileDragFilter::Watch(QAbstractItemView* view)
+void FileDragFilter::Watch(QObject* receiver)
 {
-    view->viewport()->installEventFilter(this);
+    receiver->installEventFilter(this);
 }
 
 bool FileDragFilter::eventFilter(QObject* watched, QEvent* event)

@@ -2,12 +2,10 @@
 
 #include <QObject>
 
-class QAbstractItemView;
-
-/// Makes a view leave drags that carry files to the window around it.
+/// Makes a widget leave drags that carry files to the window around it.
 ///
-/// A file manager offers a dragged file as plain text as well, and the view would take that text for entries; the
-/// window is the one that knows what to do with files. What a view declines, its parents are offered.
+/// A file manager offers a dragged file as plain text as well, and a view would take that text for entries, a field for
+/// its own; the window is the one that knows what to do with files. What a widget declines, its parents are offered.
 class FileDragFilter : public QObject
 {
     Q_OBJECT
@@ -15,7 +13,8 @@ class FileDragFilter : public QObject
 public:
     using QObject::QObject;
 
-    void Watch(QAbstractItemView* view);
+    /// @param receiver the widget that gets the drag events; for a view its viewport.
+    void Watch(QObject* receiver);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 };

@@ -11,9 +11,11 @@
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
 #include "userinterface/vexelconnectdlg/tracing.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -94,6 +96,8 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
 VexelConnectDlgGUI::~VexelConnectDlgGUI()
 {
     StoreFilterSettings();
+    // An open editor is committed while the window goes, and nobody here may hear of it any more.
+    disconnect(m_pModel, nullptr, this, nullptr);
     m_pModel = nullptr;
     m_pProxyModel = nullptr;
     m_pDelegate = nullptr;
@@ -115,8 +119,29 @@ void VexelConnectDlgGUI::CoupleViews()
     RouteEditors(m_pDelegate, {m_pBasicView, m_pDetailsView});
 
     auto* const fileDrags = new FileDragFilter(this);
-    fileDrags->Watch(m_pBasicView);
-    fileDrags->Watch(m_pDetailsView);
+    fileDrags->Watch(m_pBasicView->viewport());
+    fileDrags->Watch(m_pDetailsView->viewport());
+    fileDrags->Watch(m_pFilterPatternLineEdit);
+
+    for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
+        new SecondClick(view, ConnectionsModel::ColumnSelected);
+        // Queued, because a view announces its range in the middle of its layout.
+        connect(view->horizontalScrollBar(), &QScrollBar::rangeChanged, this, &VexelConnectDlgGUI::AlignHeights,
+                Qt::QueuedConnection);
+    }
+}
+
+void VexelConnectDlgGUI::AlignHeights()
+{
+    // A bar below one view alone would make it lower than the other, and its end another.
+    const auto needsBar = [](const QTreeView* view) {
+        const QScrollBar* const bar = view->horizontalScrollBar();
+        return !view->isHidden() && bar->maximum() > bar->minimum();
+    };
+    const auto policy =
+        needsBar(m_pBasicView) || needsBar(m_pDetailsView) ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded;
+    m_pBasicView->setHorizontalScrollBarPolicy(policy);
+    m_pDetailsView->setHorizontalScrollBarPolicy(policy);
 }
 
 void VexelConnectDlgGUI::FillColumnChoice()
@@ -219,6 +244,7 @@ void VexelConnectDlgGUI::SlotShowDetails(bool bShow)
 {
     m_pDetailsView->setVisible(bShow);
     UpdateColumnChoice();
+    AlignHeights();
 }
 
 void VexelConnectDlgGUI::SlotShowFilter(bool bShow)
@@ -319,6 +345,8 @@ bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
     m_pProxyModel->setDynamicSortFilter(false);
     const bool loaded = m_pModel->FromByteArray(document);
     m_pProxyModel->setDynamicSortFilter(true);
+    // Statuses were reset while nobody filtered anew.
+    m_pProxyModel->invalidate();
     return loaded;
 }
 
@@ -362,8 +390,10 @@ void VexelConnectDlgGUI::dropEvent(QDropEvent* event)
         ShowInfo(tr("Not enough files dropped.\n\nPlease drop at least one file."));
     else if (urls.size() > 1)
         ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
-    else
+    else if (!QApplication::activeModalWidget()) {
+        // Not while a box is open: what it says of the entries would no longer hold.
         Import(urls.first().toLocalFile());
+    }
 }
 
 void VexelConnectDlgGUI::showEvent(QShowEvent* event)

@@ -29,7 +29,8 @@ public:
     ~VexelConnectDlgGUI() override;
 
     /// Replaces all entries by those of the file. Whatever goes wrong is told in a box, and the entries stay as they
-    /// were but for their statuses, which become "Free". Returns whether the entries were replaced.
+    /// were but for their statuses, which become "Free", and for characters that XML cannot hold. Returns whether the
+    /// entries were replaced.
     bool Import(const QString& fileName);
     /// Writes all entries into the file: after a failure, which is only traced, it is as it was before.
     void Export(const QString& fileName);
@@ -63,6 +64,7 @@ protected:
 
 private:
     void CoupleViews();
+    void AlignHeights();
     void FillColumnChoice();
     void UpdateColumnChoice();
     void ShareOutColumns();

@@ -1,0 +1,370 @@
+#include "tests/dialog/dialogfixture.h"
+#include "tests/dialog/filesizelimit.h"
+#include "tests/dialog/markingtranslator.h"
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QMimeData>
+#include <QProcess>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QUrl>
+
+/// Where views, filter, files and editors meet one another.
+class tst_DialogMeetings : public QObject
+{
+    Q_OBJECT
+
+private:
+    static bool DragEnter(QWidget* target, const QMimeData& data)
+    {
+        QDragEnterEvent event(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
+    }
+
+    static bool Drop(QWidget* target, const QMimeData& data)
+    {
+        if (!DragEnter(target, data)) {
+            return false;
+        }
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
+    }
+
+    std::unique_ptr<DialogFixture> m_Fixture;
+
+private slots:
+    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_Fixture.reset(); }
+
+#ifdef Q_OS_UNIX
+    void exportCutShortKeepsTheOldFile()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QString(100000, QLatin1Char('n')))});
+        const QByteArray old(5000, 'o');
+        const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), old);
+        MessageBoxes boxes;
+        TraceRecorder traces;
+        {
+            const FileSizeLimit full(4096);
+            m_Fixture->dialog->Export(path);
+        }
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), old);
+        QCOMPARE(traces.Reports().size(), 1);
+        QCOMPARE(traces.Reports().first().line, quint16{421});
+        QCOMPARE(boxes.Count(), 0);
+        QCOMPARE(QDir(m_Fixture->DataPath(QString())).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{QStringLiteral("list.xml")});
+    }
+#endif
+
+    void importIsFilteredByTheStatusItLeaves()
+    {
+        m_Fixture->Build();
+        ConnectionsModel other(nullptr, QString());
+        Connection used = Entry(QStringLiteral("used"));
+        used.ConnectionStatus = Connection::InUse;
+        other.AddConnection(used);
+        other.AddConnection(Entry(QStringLiteral("free")));
+        m_Fixture->Find<QComboBox>("m_pFilterColumnComboBox")->setCurrentIndex(ConnectionsModel::ColumnStatus);
+        auto* const pattern = m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit");
+        const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
+        pattern->setText(Connection::StatusName(Connection::Free));
+        QVERIFY(m_Fixture->dialog->Import(path));
+        QCOMPARE(m_Fixture->ShownNames(), (QStringList{QStringLiteral("free"), QStringLiteral("used")}));
+        pattern->setText(Connection::StatusName(Connection::InUse));
+        QVERIFY(m_Fixture->dialog->Import(path));
+        QCOMPARE(m_Fixture->ShownNames(), QStringList());
+    }
+
+    void viewsReachTheirLastRowTogether_data()
+    {
+        QTest::addColumn<int>("width");
+        for (const int width : {420, 600, 900, 1200, 1600}) {
+            QTest::addRow("%d", width) << width;
+        }
+    }
+
+    void viewsReachTheirLastRowTogether()
+    {
+        QFETCH(int, width);
+        m_Fixture->Build();
+        for (int i = 0; i < 60; ++i) {
+            m_Fixture->Add({Entry(QString::number(1000 + i))});
+        }
+        m_Fixture->Action("m_pDetailsAction")->trigger();
+        m_Fixture->dialog->resize(width, 300);
+        m_Fixture->Show();
+        QTreeView* const basic = m_Fixture->BasicView();
+        QTreeView* const details = m_Fixture->DetailsView();
+        QTRY_COMPARE(details->viewport()->height(), basic->viewport()->height());
+        QTRY_COMPARE(details->verticalScrollBar()->maximum(), basic->verticalScrollBar()->maximum());
+        for (QTreeView* view : {basic, details}) {
+            basic->verticalScrollBar()->setValue(0);
+            view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum());
+            QCOMPARE(details->verticalScrollBar()->value(), basic->verticalScrollBar()->value());
+            const QRect last = details->visualRect(m_Fixture->Proxy()->index(59, ConnectionsModel::ColumnLinkSpeed));
+            QVERIFY(last.bottom() < details->viewport()->height());
+            QCOMPARE(basic->visualRect(m_Fixture->Proxy()->index(59, ConnectionsModel::ColumnName)).top(), last.top());
+        }
+    }
+
+    void doubleClickOnTheTickIsTwoClicks()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QStringLiteral("a"))});
+        m_Fixture->Show();
+        QTreeView* const view = m_Fixture->BasicView();
+        const QModelIndex tick = m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+        QSignalSpy changed(m_Fixture->model, &QAbstractItemModel::dataChanged);
+        DialogFixture::DoubleClick(view, tick);
+        QTest::mouseRelease(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(tick).center());
+        QCOMPARE(changed.count(), 2);
+        QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+        DialogFixture::Click(view, tick);
+        QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+    }
+
+    void destructionWithAnOpenEditorIsClean()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QStringLiteral("a"))});
+        m_Fixture->Show();
+        m_Fixture->dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
+        DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 1));
+        auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>();
+        QVERIFY(editor);
+        editor->setText(QStringLiteral("typed"));
+        delete std::exchange(m_Fixture->dialog, nullptr);
+        // Leaving the cell commits, also in this way.
+        QCOMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("typed"));
+    }
+
+    void dropWhileABoxIsOpenImportsNothing()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+        m_Fixture->Show();
+        ConnectionsModel other(nullptr, QString());
+        other.AddConnection(Entry(QStringLiteral("dropped")));
+        QMimeData good;
+        good.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))});
+        for (const auto& opensABox : {std::function<void()>([this] { m_Fixture->Action("m_pEditAction")->trigger(); }),
+                                      std::function<void()>([this] { m_Fixture->dialog->Import(QString()); })}) {
+            bool dropped = false;
+            QTimer timer;
+            connect(&timer, &QTimer::timeout, this, [&] {
+                auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                if (!box || dropped) {
+                    return;
+                }
+                dropped = true;
+                MessageBoxes further; // in case that the drop brings one up
+                Drop(m_Fixture->dialog, good);
+                box->button(QMessageBox::Ok)->click();
+            });
+            timer.start(1);
+            opensABox();
+            QVERIFY(dropped);
+            QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+            QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+        }
+    }
+
+    void fileDroppedOnThePatternIsImported()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QStringLiteral("old"))});
+        m_Fixture->Action("m_pFilterAction")->trigger();
+        m_Fixture->Show();
+        ConnectionsModel other(nullptr, QString());
+        other.AddConnection(Entry(QStringLiteral("dropped")));
+        const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        data.setText(path);
+        QVERIFY(Drop(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"), data));
+        QCOMPARE(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->text(), QString());
+        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("dropped")});
+    }
+
+    void restoredFilterShowsItsSign()
+    {
+        std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0))
+            ->SetString(QStringLiteral("FilterPattern"), QStringLiteral("x"), 0);
+        m_Fixture->Build();
+        m_Fixture->Show();
+        QVERIFY(m_Fixture->Find<QLabel>("m_pFilterActiveLabel")->isVisible());
+        QVERIFY(!m_Fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
+    }
+
+    void editorsKeepTheirRuleEverywhere_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("row");
+        for (const int column : {ConnectionsModel::ColumnName, ConnectionsModel::ColumnDeviceType,
+                                 ConnectionsModel::ColumnConnectionType, ConnectionsModel::ColumnDeviceAddress,
+                                 ConnectionsModel::ColumnTimeout, ConnectionsModel::ColumnSubsystem}) {
+            for (const int row : {0, 39}) {
+                QTest::addRow("column %d, row %d", column, row) << column << row;
+            }
+        }
+    }
+
+    void editorsKeepTheirRuleEverywhere()
+    {
+        QFETCH(int, column);
+        QFETCH(int, row);
+        m_Fixture->Build();
+        for (int i = 0; i < 40; ++i) {
+            m_Fixture->Add({Entry(QString::number(1000 + i))});
+        }
+        m_Fixture->Action("m_pDetailsAction")->trigger();
+        m_Fixture->dialog->resize(700, 300); // the details do not fit: their last columns lie at and beyond the edge
+        m_Fixture->Show();
+        QTreeView* const view =
+            column <= ConnectionsModel::ColumnDeviceType ? m_Fixture->BasicView() : m_Fixture->DetailsView();
+        const QModelIndex cell = m_Fixture->Proxy()->index(row, column);
+        view->setFocus();
+        DialogFixture::DoubleClick(view, cell);
+        const QWidget* const editor = view->indexWidget(cell);
+        QVERIFY(editor);
+        const auto expected = [&] {
+            const QRect rect = view->visualRect(cell);
+            QRect geometry(QPoint(), rect.size().expandedTo(editor->sizeHint()));
+            geometry.moveCenter(rect.center());
+            return geometry;
+        };
+        QCOMPARE(editor->geometry(), expected());
+        // And goes with its cell.
+        view->horizontalScrollBar()->setValue(view->horizontalScrollBar()->value() / 2);
+        view->verticalScrollBar()->setValue(view->verticalScrollBar()->value() - 3);
+        QTRY_COMPARE(editor->geometry(), expected());
+    }
+
+    void timeoutEditorTakesTextsOfEveryKind_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("number") << QStringLiteral("45") << 45;
+        QTest::newRow("a megabyte of digits") << QString(1024 * 1024, QLatin1Char('7')) << 60;
+        QTest::newRow("line breaks") << QStringLiteral("12\n30") << 60;
+        QTest::newRow("right to left") << QStringLiteral("\u05d0\u05d1") << 60;
+        QTest::newRow("astral") << QString::fromUcs4(U"\U0001F4E1") << 60;
+    }
+
+    void timeoutEditorTakesTextsOfEveryKind()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, seconds);
+        m_Fixture->Build();
+        Connection entry = Entry(QStringLiteral("a"));
+        entry.TimeoutSeconds = 60;
+        m_Fixture->Add({entry});
+        m_Fixture->dialog->resize(1200, 300);
+        m_Fixture->Action("m_pDetailsAction")->trigger();
+        m_Fixture->Show();
+        DialogFixture::DoubleClick(m_Fixture->DetailsView(),
+                                   m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnTimeout));
+        auto* const editor = m_Fixture->DetailsView()->viewport()->findChild<QSpinBox*>();
+        QVERIFY(editor);
+        QGuiApplication::clipboard()->setText(text);
+        editor->selectAll();
+        editor->findChild<QLineEdit*>()->paste();
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_VERIFY(!m_Fixture->DetailsView()->viewport()->findChild<QSpinBox*>());
+        QCOMPARE(m_Fixture->model->GetConnection(0).TimeoutSeconds, seconds);
+    }
+
+    void importOfAPipeAndOfAHugeFileFails()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QStringLiteral("b"), Connection::KiteEcho, true), Entry(QStringLiteral("a"))});
+        const QByteArray before = m_Fixture->model->ToByteArray();
+        const QString pipe = m_Fixture->DataPath(QStringLiteral("pipe"));
+        QCOMPARE(QProcess::execute(QStringLiteral("mkfifo"), {pipe}), 0);
+        const QString huge = m_Fixture->WriteFile(QStringLiteral("huge.xml"), before);
+        QVERIFY(QFile::resize(huge, qint64{65} * 1024 * 1024));
+        for (const QString& path : {pipe, huge}) {
+            MessageBoxes boxes;
+            TraceRecorder traces;
+            QVERIFY(!m_Fixture->dialog->Import(path));
+            QCOMPARE(boxes.Count(), 1);
+            QCOMPARE(traces.Reports().size(), 1);
+            QCOMPARE(traces.Reports().first().line, quint16{383});
+            QCOMPARE(m_Fixture->model->ToByteArray(), before);
+        }
+    }
+
+    void messagesAreTranslatedInTheDialogsContext()
+    {
+        m_Fixture->Build();
+        m_Fixture->Show();
+        const MarkingTranslator translator(QStringLiteral("VexelConnectDlgGUI"));
+        MessageBoxes boxes;
+        m_Fixture->Action("m_pEditAction")->trigger();
+        m_Fixture->Action("m_pDeleteAction")->trigger();
+        m_Fixture->dialog->Import(QStringLiteral("missing"));
+        QMimeData two;
+        two.setUrls({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
+        Drop(m_Fixture->dialog, two);
+        QMimeData none;
+        none.setData(QStringLiteral("text/uri-list"), QByteArray());
+        Drop(m_Fixture->dialog, none);
+        QCOMPARE(boxes.Count(), 5);
+        for (const MessageBoxes::Box& box : boxes.Boxes()) {
+            QCOMPARE(box.title, QStringLiteral("[Info]"));
+            QVERIFY2(box.text.startsWith(u'[') && box.text.endsWith(u']'), qPrintable(box.text));
+        }
+        QCOMPARE(boxes.Boxes().at(3).text,
+                 QStringLiteral("[Too much files dropped (2 files).\n\nPlease drop at most one file.]"));
+    }
+
+    void entriesThatGoDuringConnectAreLeftOut()
+    {
+        m_Fixture->Build();
+        m_Fixture->Add({Entry(QStringLiteral("unserved"), Connection::Heron, true),
+                        Entry(QStringLiteral("gone"), Connection::KiteEcho, true)});
+        bool removed = false;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, this, [&] {
+            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box || removed) {
+                return;
+            }
+            removed = true;
+            m_Fixture->model->removeRows(1, 1);
+            box->button(QMessageBox::Ok)->click();
+        });
+        timer.start(1);
+        m_Fixture->ConnectButton()->click();
+        QVERIFY(removed);
+        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("unserved")});
+        QCOMPARE(m_Fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 0);
+    }
+
+    void detailsViewKeepsNoSelectionOfItsOwn()
+    {
+        m_Fixture->Build();
+        QVERIFY(m_Fixture->DetailsView()
+                    ->findChildren<QItemSelectionModel*>(QString(), Qt::FindDirectChildrenOnly)
+                    .isEmpty());
+    }
+};
+
+QTEST_MAIN(tst_DialogMeetings)
+#include "tst_dialogmeetings.moc"
