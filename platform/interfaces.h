@@ -36,7 +36,7 @@
 /// - A server has at most `MaximumPeers` peers at once. Who calls beyond that waits, unanswered, in the system's queue
 ///   until a place is free. When none gets free by itself, the peer that has been there longest is closed, once it had
 ///   `AssuredTime` milliseconds. So honest callers that are many at once are all served, and silent ones cannot lock
-///   them out.
+///   them out. A peer whose callback runs an event loop keeps its place until that has returned.
 /// - A peer that has sent nothing for the time-out of its interface is closed.
 /// - At most `MaximumBytesPerCall` bytes are taken from one peer, from its `OnOpen` to its `OnClose`. A peer that
 ///   sends more is closed.

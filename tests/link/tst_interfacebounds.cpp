@@ -1,3 +1,4 @@
+#include "tests/link/handlelimit.h"
 #include "tests/link/linkfixture.h"
 #include "tests/support/tracerecorder.h"
 
@@ -25,6 +26,9 @@ public:
         QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this] { Send(); });
         socket.connectToHost(QHostAddress::LocalHost, port);
     }
+
+    /// What is not even with the system yet.
+    qint64 Unsent() const { return m_iLeft + socket.bytesToWrite(); }
 
     QTcpSocket socket;
 
@@ -76,6 +80,7 @@ private slots:
     void peerMaySendItsBytes();
     void peerThatSendsWithoutEnd_data();
     void peerThatSendsWithoutEnd();
+    void nothingPilesUpWhileTheCallbackIsBusy();
     void clientIsSentWithoutEnd();
     void randomBytes();
     void silentPeerIsClosed();
@@ -85,6 +90,7 @@ private slots:
     void unansweredAttemptFails();
     void slowCallbackIsNotThePeersSilence();
     void peerThatDoesNotTakeWhatIsWritten();
+    void withoutHandles();
 };
 
 void TstInterfaceBounds::init()
@@ -248,6 +254,24 @@ void TstInterfaceBounds::peerThatSendsWithoutEnd()
     QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
 }
 
+void TstInterfaceBounds::nothingPilesUpWhileTheCallbackIsBusy()
+{
+    TestServer server;
+    TestServer clock(500);
+    qint64 unsent = 0;
+    server.callback.onOpen = [&](IInterface*) {
+        // The flood has its peer, which is kept waiting: time enough to send it all if somebody took it.
+        const auto silent = Call(clock.port);
+        QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
+    };
+    Flood flood(server.port, 64 * s_mebibyte);
+    server.callback.onRead = [&](IInterface*, quint64) {
+        unsent = std::max(unsent, flood.Unsent());
+    };
+    // The rest fills the system's buffers.
+    QTRY_VERIFY2(unsent > 32 * s_mebibyte, QByteArray::number(unsent).constData());
+}
+
 void TstInterfaceBounds::clientIsSentWithoutEnd()
 {
     QTcpServer stranger;
@@ -258,6 +282,9 @@ void TstInterfaceBounds::clientIsSentWithoutEnd()
     const auto client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(stranger.serverPort()), callback);
     QTRY_COMPARE(callback.Count(Kind::Close), 1);
     QCOMPARE(callback.received.size(), CInterfaceCreator::MaximumBytesPerCall);
+    QVERIFY(client->Open());
+    QTRY_COMPARE(callback.Count(Kind::Close), 2);
+    QCOMPARE(callback.received.size(), 2 * CInterfaceCreator::MaximumBytesPerCall);
 }
 
 void TstInterfaceBounds::randomBytes()
@@ -401,9 +428,34 @@ void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
     QCOMPARE(first->state(), QAbstractSocket::ConnectedState);
 
     // A number that would wrap around is too much, too; nothing of the data is touched then.
-    server.callback.events.constFirst().source->Write("x", std::numeric_limits<quint64>::max());
+    IInterface* const peer = server.callback.events.constFirst().source;
+    peer->Write("x", 1);
+    peer->Write("x", std::numeric_limits<quint64>::max());
     QTRY_COMPARE(server.callback.Count(Kind::Error), 2);
     QTRY_COMPARE(first->state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstInterfaceBounds::withoutHandles()
+{
+#ifdef Q_OS_UNIX
+    TestServer server;
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < 3; ++call) {
+        callers.push_back(Call(server.port));
+        QVERIFY(callers.back()->waitForConnected()); // in the system's queue
+    }
+    {
+        const NoMoreHandles none;
+        QTRY_VERIFY(server.callback.Count(Kind::Error) > 0);
+        QCOMPARE(server.callback.Kinds(), QList<Kind>{Kind::Error});
+        QCOMPARE(server.callback.events.constFirst().source, server.server.get());
+        QVERIFY(server.server->IsOpen());
+    }
+    // Nobody was lost.
+    QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
+#else
+    QSKIP("There is no limit to set");
+#endif
 }
 
 QTEST_GUILESS_MAIN(TstInterfaceBounds)

@@ -363,12 +363,12 @@ void TstTcpServer::onReadOfNothing()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
+    FakeInterface fake;
     const TraceRecorder traces;
     const int before = s_arraysAllocated;
-    server.OnRead(&interface, 0);
+    server.OnRead(&fake, 0);
     QCOMPARE(int(s_arraysAllocated), before);
-    QCOMPARE(interface.reads, 0);
+    QCOMPARE(fake.reads, 0);
     QVERIFY(traces.Reports().isEmpty());
     server.OnRead(nullptr, 0);
 }
@@ -377,18 +377,18 @@ void TstTcpServer::onReadTakesAllBytes()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
-    interface.read = [](char* buffer, const quint64* length) {
+    FakeInterface fake;
+    fake.read = [](char* buffer, const quint64* length) {
         std::fill_n(buffer, *length, 'x');
     };
     const TraceRecorder traces;
     const int before = s_arraysAllocated;
-    server.OnRead(&interface, 4096);
+    server.OnRead(&fake, 4096);
     QCOMPARE(int(s_arraysAllocated), before + 1);
-    QCOMPARE(interface.reads, 1);
-    QCOMPARE(interface.lengthGiven, 4096);
-    QCOMPARE(interface.flagGiven, false);
-    QCOMPARE(interface.unexpected, 0);
+    QCOMPARE(fake.reads, 1);
+    QCOMPARE(fake.lengthGiven, 4096);
+    QCOMPARE(fake.flagGiven, false);
+    QCOMPARE(fake.unexpected, 0);
     QVERIFY(s_watchedArray != nullptr);
     QVERIFY(traces.Reports().isEmpty());
     QVERIFY(!widget.isVisible());
@@ -396,11 +396,11 @@ void TstTcpServer::onReadTakesAllBytes()
 
 void TstTcpServer::onReadKeepsItsBuffer()
 {
-    FakeInterface interface;
+    FakeInterface fake;
     {
         QWidget widget;
         TCPServer server(&widget);
-        server.OnRead(&interface, 16);
+        server.OnRead(&fake, 16);
         QVERIFY(!s_watchedArrayReleased);
     }
     QVERIFY(!s_watchedArrayReleased);
@@ -410,13 +410,13 @@ void TstTcpServer::onReadWithSomeBytesOnly()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
-    interface.read = [](char*, quint64* length) {
+    FakeInterface fake;
+    fake.read = [](char*, quint64* length) {
         *length = 0;
     };
     const TraceRecorder traces;
-    server.OnRead(&interface, 16);
-    QCOMPARE(interface.reads, 1);
+    server.OnRead(&fake, 16);
+    QCOMPARE(fake.reads, 1);
     QVERIFY(!s_watchedArrayReleased);
     QVERIFY(traces.Reports().isEmpty());
 }
@@ -435,8 +435,8 @@ void TstTcpServer::onReadThrows()
     QFETCH(const int, what);
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
-    interface.read = [what](char*, quint64* length) {
+    FakeInterface fake;
+    fake.read = [what](char*, quint64* length) {
         *length = 0;
         switch (what) {
         case 0:
@@ -450,8 +450,8 @@ void TstTcpServer::onReadThrows()
         }
     };
     const TraceRecorder traces;
-    server.OnRead(&interface, 16);
-    QCOMPARE(interface.reads, 1);
+    server.OnRead(&fake, 16);
+    QCOMPARE(fake.reads, 1);
     QVERIFY(s_watchedArrayReleased);
     QCOMPARE(traces.Reports().size(), 1);
     const auto report = traces.Reports().constFirst();
@@ -464,12 +464,12 @@ void TstTcpServer::onReadThrowsQuietly()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
-    interface.read = [](char*, quint64*) {
+    FakeInterface fake;
+    fake.read = [](char*, quint64*) {
         throw std::runtime_error("gone");
     };
     const TraceRecorder traces(0);
-    server.OnRead(&interface, 16);
+    server.OnRead(&fake, 16);
     QVERIFY(s_watchedArrayReleased);
     QVERIFY(traces.Reports().isEmpty());
 }
@@ -478,51 +478,51 @@ void TstTcpServer::onReadOfMoreThanThereIs()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
+    FakeInterface fake;
     // No memory holds so much, and no exception leaves the callback.
-    server.OnRead(&interface, quint64{1} << 63U);
-    QCOMPARE(interface.reads, 0);
+    server.OnRead(&fake, quint64{1} << 63U);
+    QCOMPARE(fake.reads, 0);
 }
 
 void TstTcpServer::onClose()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
+    FakeInterface fake;
     const TraceRecorder traces;
-    server.OnClose(&interface);
+    server.OnClose(&fake);
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(traces.Messages(s_sourceFile),
              QStringList(QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.")));
     QCOMPARE(traces.Reports().constFirst().line, 97);
     QVERIFY(!widget.isVisible());
-    QCOMPARE(interface.unexpected + interface.reads, 0);
+    QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
 void TstTcpServer::onError()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
+    FakeInterface fake;
     const TraceRecorder traces;
-    server.OnError(&interface);
+    server.OnError(&fake);
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer::OnError(): error")));
     QCOMPARE(traces.Reports().constFirst().line, 102);
     QVERIFY(!widget.isVisible());
-    QCOMPARE(interface.unexpected + interface.reads, 0);
+    QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
 void TstTcpServer::onWritten()
 {
     QWidget widget;
     TCPServer server(&widget);
-    FakeInterface interface;
+    FakeInterface fake;
     const TraceRecorder traces;
-    server.OnWritten(&interface, 10);
+    server.OnWritten(&fake, 10);
     QVERIFY(traces.Reports().isEmpty());
     QVERIFY(!widget.isVisible());
-    QCOMPARE(interface.unexpected + interface.reads, 0);
+    QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
 void TstTcpServer::tracesOnlyWithTheirBit_data()
