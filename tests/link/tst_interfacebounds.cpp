@@ -352,11 +352,16 @@ void TstInterfaceBounds::talkingPeerStays()
 
 void TstInterfaceBounds::timeOutBeyondTimers()
 {
-    TestServer server(std::numeric_limits<quint64>::max());
+    TestServer server((quint64{1} << 32U) + 50); // 50 in the lower 32 bits
+    TestServer greatest(std::numeric_limits<quint64>::max());
+    TestServer clock(500);
     const auto caller = Call(server.port);
-    caller->write("x");
-    QTRY_COMPARE(server.callback.received, QByteArray("x"));
+    const auto second = Call(greatest.port);
+    QTRY_VERIFY(server.callback.Count(Kind::Open) == 1 && greatest.callback.Count(Kind::Open) == 1);
+    const auto silent = Call(clock.port);
+    QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.Count(Kind::Close), 0);
+    QCOMPARE(greatest.callback.Count(Kind::Close), 0);
 }
 
 void TstInterfaceBounds::silentHostIsLeft()
