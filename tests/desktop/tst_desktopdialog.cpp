@@ -25,11 +25,11 @@ protected:
             return;
         }
         done = true;
-        auto* const data = new QMimeData;
-        data->setUrls(urls);
-        data->setText(urls.first().toLocalFile());
+        auto* const dragged = new QMimeData;
+        dragged->setUrls(urls);
+        dragged->setText(urls.first().toLocalFile());
         auto* const drag = new QDrag(this);
-        drag->setMimeData(data);
+        drag->setMimeData(dragged);
         result = drag->exec(Qt::CopyAction);
     }
 };

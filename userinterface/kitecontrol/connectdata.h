@@ -38,8 +38,8 @@ public:
     qint32 m_nTimeoutSeconds = 0;  ///< that time-out
 
     // In memory only; no key stands for them.
-    qint32 m_nStatus = 0;     ///< the entry's status: 0 free, 1 in use
-    bool m_bSelected = false; ///< the entry's tick
-    QString m_sSubsystem = QStringLiteral("");     ///< the entry's subsystem
-    qint32 m_nReserved = 0;   ///< carried along
+    qint32 m_nStatus = 0;                      ///< the entry's status: 0 free, 1 in use
+    bool m_bSelected = false;                  ///< the entry's tick
+    QString m_sSubsystem = QStringLiteral(""); ///< the entry's subsystem
+    qint32 m_nReserved = 0;                    ///< carried along
 };
