@@ -34,9 +34,10 @@ With a person at the dialog:
 Without a person (headless):
   --add, --list, --connect, --connect-selected, --wait and the --screenshot
   options need no display (without one, QT_QPA_PLATFORM=offscreen is set for
-  what they start, too) and are done in this order: add, list, picture before, connect,
-  picture during, wait, picture at the end. Then the host saves and ends, and
-  the applications that it started end with it: use --wait to let them live.
+  what they start, too) and are done in this order: add, list, picture before,
+  connect, picture during, wait, picture at the end. Then the host saves and
+  ends, and the applications that it started end with it: use --wait to let
+  them live.
   What the dialog would say in a box is written to standard error.
 
 Environment:

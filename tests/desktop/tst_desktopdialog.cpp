@@ -6,6 +6,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QUrl>
 
 namespace {
@@ -46,6 +47,7 @@ private slots:
     void cleanup();
 
     void clickTicks();
+    void doubleClickOnTheTickIsTwoClicks();
     void doubleClickEdits();
     void doubleClickEditsInTheDetails();
     void altCConnects();
@@ -91,6 +93,14 @@ void tst_DesktopDialog::clickTicks()
     Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected));
     QTRY_VERIFY(m_Fixture->model->GetConnection(1).Selected);
     QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+}
+
+void tst_DesktopDialog::doubleClickOnTheTickIsTwoClicks()
+{
+    const QSignalSpy changed(m_Fixture->model, &QAbstractItemModel::dataChanged);
+    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected), 2);
+    QTRY_COMPARE(changed.count(), 2);
+    QVERIFY(!m_Fixture->model->GetConnection(1).Selected);
 }
 
 void tst_DesktopDialog::doubleClickEdits()
