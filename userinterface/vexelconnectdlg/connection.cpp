@@ -56,7 +56,7 @@ Connection::Connection()
 }
 
 Connection::Connection(const Connection& other)
-    : QObject()
+    : QObject() // NOLINT(readability-redundant-member-init): compilers want it said in a copy constructor
     , ConnectionName(other.ConnectionName)
     , DeviceType(other.DeviceType)
     , ConnectionType(other.ConnectionType)
