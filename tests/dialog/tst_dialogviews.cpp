@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QListView>
+#include <QMimeData>
 #include <QRandomGenerator>
 #include <QScrollBar>
 #include <QSpinBox>
@@ -131,6 +132,10 @@ void tst_DialogViews::randomWalkKeepsViewsAndModelTogether()
         case 8:
             if (any(3) == 0) {
                 m_Fixture->Action("m_pDeleteAction")->trigger();
+            } else if (rows > 0) {
+                const std::unique_ptr<QMimeData> dragged(
+                    m_Fixture->Proxy()->mimeData({m_Fixture->Proxy()->index(any(rows), 0)}));
+                QVERIFY(m_Fixture->Proxy()->dropMimeData(dragged.get(), Qt::CopyAction, -1, -1, QModelIndex()));
             }
             break;
         case 9:
