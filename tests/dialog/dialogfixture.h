@@ -11,7 +11,10 @@
 
 #include <QAbstractItemModelTester>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QFile>
+#include <QMimeData>
 #include <QSortFilterProxyModel>
 #include <QTemporaryDir>
 #include <QTest>
@@ -174,6 +177,26 @@ public:
         const QPoint at = view->visualRect(index).center();
         QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
         QTest::mouseRelease(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    }
+
+    static bool DragEnter(QWidget* target, const QMimeData& data)
+    {
+        QDragEnterEvent event(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
+    }
+
+    /// What the platform sends when something is dragged onto `target` and let go.
+    static bool Drop(QWidget* target, const QMimeData& data)
+    {
+        if (!DragEnter(target, data)) {
+            return false;
+        }
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        event.ignore();
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
     }
 
     ConnectionsModel* model = nullptr;

@@ -69,26 +69,6 @@ private:
         return other.ToByteArray();
     }
 
-    /// What the platform sends when something is dragged onto `target` and let go.
-    bool Drop(QWidget* target, const QMimeData& data)
-    {
-        if (!DragEnter(target, data)) {
-            return false;
-        }
-        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        event.ignore();
-        QCoreApplication::sendEvent(target, &event);
-        return event.isAccepted();
-    }
-
-    bool DragEnter(QWidget* target, const QMimeData& data)
-    {
-        QDragEnterEvent event(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        event.ignore();
-        QCoreApplication::sendEvent(target, &event);
-        return event.isAccepted();
-    }
-
     /// Answers the next file dialog: types `fileName` and accepts, or cancels without one. What the dialog said is in
     /// `m_FileDialog` afterwards.
     void AnswerFileDialog(const QString& fileName)
@@ -343,7 +323,7 @@ void tst_DialogFiles::dragOfTextIsRefused()
     m_Fixture->Build();
     QMimeData data;
     data.setText(QStringLiteral("text"));
-    QVERIFY(!DragEnter(m_Fixture->dialog, data));
+    QVERIFY(!DialogFixture::DragEnter(m_Fixture->dialog, data));
 }
 
 void tst_DialogFiles::dragOfFilesIsTaken()
@@ -351,11 +331,11 @@ void tst_DialogFiles::dragOfFilesIsTaken()
     m_Fixture->Build();
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a"))});
-    QVERIFY(DragEnter(m_Fixture->dialog, data));
+    QVERIFY(DialogFixture::DragEnter(m_Fixture->dialog, data));
     // A file manager offers the name as text as well; over the table the file counts all the same.
     data.setText(QStringLiteral("/a"));
-    QVERIFY(DragEnter(m_Fixture->BasicView()->viewport(), data));
-    QVERIFY(DragEnter(m_Fixture->DetailsView()->viewport(), data));
+    QVERIFY(DialogFixture::DragEnter(m_Fixture->BasicView()->viewport(), data));
+    QVERIFY(DialogFixture::DragEnter(m_Fixture->DetailsView()->viewport(), data));
 }
 
 void tst_DialogFiles::dropOfOneFileImports_data()
@@ -378,7 +358,7 @@ void tst_DialogFiles::dropOfOneFileImports()
     data.setText(path);
     QWidget* const widget =
         target.isEmpty() ? m_Fixture->dialog : m_Fixture->Find<QTreeView>(target.constData())->viewport();
-    QVERIFY(Drop(widget, data));
+    QVERIFY(DialogFixture::Drop(widget, data));
     QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
 }
 
@@ -408,7 +388,7 @@ void tst_DialogFiles::dropOfOtherCountsTellsTheCount()
         data.setUrls(QList<QUrl>(count, QUrl::fromLocalFile(path)));
     }
     MessageBoxes boxes;
-    QVERIFY(Drop(m_Fixture->dialog, data));
+    QVERIFY(DialogFixture::Drop(m_Fixture->dialog, data));
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
     QCOMPARE(boxes.Boxes().first().text, text);
@@ -425,7 +405,7 @@ void tst_DialogFiles::dropOfARemoteUrlTells()
         QMimeData data;
         data.setData(QStringLiteral("text/uri-list"), QByteArray(url) + "\r\n");
         MessageBoxes boxes;
-        Drop(m_Fixture->dialog, data);
+        DialogFixture::Drop(m_Fixture->dialog, data);
         QCOMPARE(boxes.Count(), 1);
         QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
     }
@@ -447,9 +427,9 @@ void tst_DialogFiles::dropWhileABoxIsOpen()
         QVERIFY(QApplication::activeModalWidget());
         QTimer::singleShot(0, m_Fixture->dialog, [&] {
             boxes = std::make_unique<MessageBoxes>();
-            Drop(m_Fixture->dialog, two);
+            DialogFixture::Drop(m_Fixture->dialog, two);
         });
-        Drop(m_Fixture->dialog, bad);
+        DialogFixture::Drop(m_Fixture->dialog, bad);
     });
     QVERIFY(!m_Fixture->dialog->Import(QString()));
     QVERIFY(boxes);
@@ -466,7 +446,7 @@ void tst_DialogFiles::dropWithoutUrlsIsIgnored()
     QMimeData data;
     data.setData(QStringLiteral("text/plain"), ThreeEntries());
     MessageBoxes boxes;
-    QVERIFY(!Drop(m_Fixture->dialog, data));
+    QVERIFY(!DialogFixture::Drop(m_Fixture->dialog, data));
     QCOMPARE(boxes.Count(), 0);
     QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
 }
@@ -483,13 +463,13 @@ void tst_DialogFiles::dropIsTakenWhileEntriesAreInUse()
     bad.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
 
     MessageBoxes boxes;
-    QVERIFY(Drop(m_Fixture->dialog, bad));
+    QVERIFY(DialogFixture::Drop(m_Fixture->dialog, bad));
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
     QCOMPARE(m_Fixture->model->CountInUse(), 0);
 
     m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
-    QVERIFY(Drop(m_Fixture->dialog, good));
+    QVERIFY(DialogFixture::Drop(m_Fixture->dialog, good));
     QCOMPARE(m_Fixture->model->rowCount(), 3);
     QCOMPARE(m_Fixture->model->CountInUse(), 0);
 }
@@ -500,8 +480,8 @@ void tst_DialogFiles::rowsDroppedOnTheTableAreCopied()
     m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteBravo, true), Entry(QStringLiteral("b"))});
     m_Fixture->Show();
     const std::unique_ptr<QMimeData> rows(m_Fixture->Proxy()->mimeData({m_Fixture->Proxy()->index(0, 0)}));
-    QVERIFY(DragEnter(m_Fixture->BasicView()->viewport(), *rows));
-    QVERIFY(Drop(m_Fixture->BasicView()->viewport(), *rows));
+    QVERIFY(DialogFixture::DragEnter(m_Fixture->BasicView()->viewport(), *rows));
+    QVERIFY(DialogFixture::Drop(m_Fixture->BasicView()->viewport(), *rows));
     QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}));
     QVERIFY(m_Fixture->model->GetConnection(2).Selected);
 }

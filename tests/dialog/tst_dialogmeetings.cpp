@@ -22,25 +22,6 @@ class tst_DialogMeetings : public QObject
     Q_OBJECT
 
 private:
-    static bool DragEnter(QWidget* target, const QMimeData& data)
-    {
-        QDragEnterEvent event(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        event.ignore();
-        QCoreApplication::sendEvent(target, &event);
-        return event.isAccepted();
-    }
-
-    static bool Drop(QWidget* target, const QMimeData& data)
-    {
-        if (!DragEnter(target, data)) {
-            return false;
-        }
-        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        event.ignore();
-        QCoreApplication::sendEvent(target, &event);
-        return event.isAccepted();
-    }
-
     std::unique_ptr<DialogFixture> m_Fixture;
 
 private slots:
@@ -173,7 +154,7 @@ private slots:
                 }
                 dropped = true;
                 MessageBoxes further; // in case that the drop brings one up
-                Drop(m_Fixture->dialog, good);
+                DialogFixture::Drop(m_Fixture->dialog, good);
                 box->button(QMessageBox::Ok)->click();
             });
             timer.start(1);
@@ -196,7 +177,7 @@ private slots:
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(path)});
         data.setText(path);
-        QVERIFY(Drop(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"), data));
+        QVERIFY(DialogFixture::Drop(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"), data));
         QCOMPARE(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->text(), QString());
         QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("dropped")});
     }
@@ -320,10 +301,10 @@ private slots:
         m_Fixture->dialog->Import(QStringLiteral("missing"));
         QMimeData two;
         two.setUrls({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
-        Drop(m_Fixture->dialog, two);
+        DialogFixture::Drop(m_Fixture->dialog, two);
         QMimeData none;
         none.setData(QStringLiteral("text/uri-list"), QByteArray());
-        Drop(m_Fixture->dialog, none);
+        DialogFixture::Drop(m_Fixture->dialog, none);
         QCOMPARE(boxes.Count(), 5);
         for (const MessageBoxes::Box& box : boxes.Boxes()) {
             QCOMPARE(box.title, QStringLiteral("[Info]"));
