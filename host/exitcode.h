@@ -6,4 +6,5 @@ enum class ExitCode : int {
     Usage = 1,        ///< the command line is wrong, or a file it names for output cannot be written
     Unusable = 2,     ///< the plug-in, the configuration or an input file cannot be used, or there is no display
     NotConnected = 3, ///< something asked for could not be connected
+    Running = 4,      ///< another host works on the same configuration directory
 };
