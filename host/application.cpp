@@ -5,6 +5,7 @@
 #include "host/datadirectory.h"
 #include "host/dialogkeeper.h"
 #include "host/headlessjob.h"
+#include "host/instancelock.h"
 #include "host/signalwatcher.h"
 #include "host/statusmonitor.h"
 #include "platform/cfgcenter.h"
@@ -46,6 +47,12 @@ ExitCode Application::Run()
     if (library.Load(m_Options.plugin) != PluginLibrary::Error::None) {
         Console::Complain(library.ErrorText());
         return ExitCode::Unusable;
+    }
+    // Before anything is written, and until everything is.
+    InstanceLock lock;
+    if (const InstanceLock::Result taken = lock.Take(m_Options.configDirectory); taken != InstanceLock::Result::Taken) {
+        Console::Complain(lock.ErrorText());
+        return taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable;
     }
     if (!CfgCenter::Open(m_Options.configDirectory)) {
         Console::Complain(
