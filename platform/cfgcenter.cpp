@@ -29,6 +29,12 @@ Store& TheStore()
     return store;
 }
 
+std::function<void(const QString&)>& TheNoticeSink()
+{
+    static std::function<void(const QString&)> sink;
+    return sink;
+}
+
 ICfg* RootNode(const QString& file, const QString& path)
 {
     Store& store = TheStore();
@@ -87,4 +93,14 @@ bool CfgCenter::Open(const QString& directory)
 void CfgCenter::Close()
 {
     TheStore() = Store();
+}
+
+QString CfgCenter::Directory()
+{
+    return TheStore().directory;
+}
+
+void CfgCenter::SetNoticeSink(std::function<void(const QString&)> sink)
+{
+    TheNoticeSink() = std::move(sink);
 }

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class ICfg;
 
 /// Whose configuration: the values are those that callers of the product pass.
@@ -38,4 +40,12 @@ public:
     /// Host side: forgets every document and drops every node. Saves nothing. Handles that callers still own stay
     /// safe to use and to delete, but what they write goes nowhere.
     static void Close();
+
+    /// Host side: the store's directory, whole path; empty while documents live in memory alone.
+    static QString Directory();
+
+    /// Host side: who is told, in one plain English line, that a document could not be read when it was first asked
+    /// for, where its file was kept, and what is used instead. An empty `sink`: nobody, as at first. Stays over `Open`
+    /// and `Close`. The same is traced.
+    static void SetNoticeSink(std::function<void(const QString&)> sink);
 };

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/cfgcenter.h"
+#include "platform/platformexport.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class ICfg;
+
+/// An earlier state of a document.
+struct ConfigVersion
+{
+    QString file;    ///< whole path
+    QDateTime saved; ///< when that state came into the document's file; local time, as the computer's clock said
+};
+
+/// The earlier states of one document. Every save that changes a document keeps what was there before, ten states
+/// deep, in a folder beside it.
+///
+/// Host side; looks at the files of the store that `CfgCenter::Open` has named when the object is made. Without one
+/// there are no versions. Working copies that `CfgCenter` holds are neither looked at nor changed.
+class VEXELPLATFORM_EXPORT ConfigVersions
+{
+public:
+    /// @param name the document's, as for `CfgCenter::CreateCfg`; empty: the application's own document in `view`.
+    ConfigVersions(View view, const QString& name);
+
+    /// The document's file; empty without a store. Need not exist.
+    QString DocumentFile() const;
+    /// The folder that holds the versions; empty without a store. Need not exist.
+    QString Folder() const;
+
+    /// The versions that are there, newest first; at most ten unless somebody else added some. Nothing is said about
+    /// their content. Files with other names are left out.
+    QList<ConfigVersion> List() const;
+
+    /// The root node of a version. Can be read; what is written to it goes nowhere. Null where the version cannot be
+    /// read or is damaged.
+    std::unique_ptr<ICfg> Open(const ConfigVersion& version) const;
+    /// The same of the document's file as it is on disk. A document that does not exist yet is empty.
+    std::unique_ptr<ICfg> OpenCurrent() const;
+
+    /// Puts a version in the document's place. What it replaces is kept as the newest version, or beside the document
+    /// where it is damaged. Returns false, with a trace, when that could not be done; then nothing has changed.
+    ///
+    /// A process that has the document open keeps its working copy; call `CfgCenter::Open` again to see the change.
+    bool Restore(const ConfigVersion& version) const;
+
+private:
+    const QString m_file; // the document's
+};
