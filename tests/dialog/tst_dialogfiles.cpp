@@ -53,6 +53,8 @@ private slots:
     void dropOfOtherCountsTellsTheCount();
     void dropOfARemoteUrlTells();
     void dropWhileABoxIsOpen();
+    void dropWhileTheListIsUnsettled_data();
+    void dropWhileTheListIsUnsettled();
     void dropWithoutUrlsIsIgnored();
     void dropIsTakenWhileEntriesAreInUse();
     void rowsDroppedOnTheTableAreCopied();
@@ -437,6 +439,38 @@ void tst_DialogFiles::dropWhileABoxIsOpen()
     QCOMPARE(boxes->Boxes().first().text,
              QStringLiteral("Too much files dropped (2 files).\n\nPlease drop at most one file."));
     QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
+}
+
+void tst_DialogFiles::dropWhileTheListIsUnsettled_data()
+{
+    QTest::addColumn<bool>("good");
+    QTest::newRow("another bad file") << false;
+    QTest::newRow("a good file") << true;
+}
+
+void tst_DialogFiles::dropWhileTheListIsUnsettled()
+{
+    QFETCH(bool, good);
+    m_Fixture->Build();
+    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    const QString bad = m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad");
+    QMimeData dropped;
+    dropped.setUrls(
+        {QUrl::fromLocalFile(good ? m_Fixture->WriteFile(QStringLiteral("good.xml"), ThreeEntries()) : QString(bad))});
+
+    // While the box about the first file is open the list is empty.
+    std::unique_ptr<MessageBoxes> boxes;
+    QTimer::singleShot(0, m_Fixture->dialog, [&] {
+        QVERIFY(QApplication::activeModalWidget());
+        QCOMPARE(m_Fixture->model->rowCount(), 0);
+        QTimer::singleShot(0, m_Fixture->dialog, [&] { boxes = std::make_unique<MessageBoxes>(); });
+        DialogFixture::Drop(m_Fixture->dialog, dropped);
+    });
+    QVERIFY(!m_Fixture->dialog->Import(bad));
+    QTRY_VERIFY(boxes);
+    QCOMPARE(m_Fixture->Names(),
+             good ? (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")})
+                  : (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 }
 
 void tst_DialogFiles::dropWithoutUrlsIsIgnored()

@@ -11,7 +11,9 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 
 #include <memory>
@@ -31,6 +33,7 @@ private slots:
     void nameReachesTheInstanceAndItsConfiguration();
     void saveStoresFilterAndEntries();
     void saveStoresTheFilterFirst();
+    void saveDuringTheBoxOfAFailedImportStoresTheOldEntries();
     void destroyStoresFilterAndEntries();
     void registersItsTranslationsAndTakesThemBack();
     void twoInstancesLiveSideBySide();
@@ -165,6 +168,33 @@ void tst_VexelConnectDlg::saveStoresTheFilterFirst()
     ErrorHandler::Instance().SetSink({});
     QCOMPARE(patterns, QStringList{QStringLiteral("abc")});
     ARDestroy(instance);
+}
+
+void tst_VexelConnectDlg::saveDuringTheBoxOfAFailedImportStoresTheOldEntries()
+{
+    StoreTwoEntries();
+    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    const QByteArray entries = FindModel()->ToByteArray();
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("no list");
+    QVERIFY(file.flush());
+
+    // The box is opened while the event loop waits in it; the save comes then, and only then it is answered.
+    bool isSaved = false;
+    QTimer::singleShot(0, FindDialog(), [&] {
+        QVERIFY(QApplication::activeModalWidget());
+        QCOMPARE(FindModel()->rowCount(), 0);
+        instance->SaveSettings();
+        isSaved = true;
+        QCOMPARE(StoredEntries(), QString::fromLatin1(entries.toHex()));
+        QApplication::activeModalWidget()->close();
+    });
+    QVERIFY(!FindDialog()->Import(file.fileName()));
+    QVERIFY(isSaved);
+    QCOMPARE(FindModel()->ToByteArray(), entries);
+    ARDestroy(instance);
+    QCOMPARE(StoredEntries(), QString::fromLatin1(entries.toHex()));
 }
 
 void tst_VexelConnectDlg::registersItsTranslationsAndTakesThemBack()

@@ -45,6 +45,8 @@ VexelConnectDlgDLL::~VexelConnectDlgDLL()
 
 void VexelConnectDlgDLL::SaveSettings()
 {
+    // The session may end while the dialog says that a file could not be read.
+    m_pGui->SettleImport();
     m_pGui->StoreFilterSettings();
     m_pModel->SetConfiguration();
 }

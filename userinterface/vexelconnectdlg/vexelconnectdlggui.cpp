@@ -29,6 +29,7 @@
 #include <QUrl>
 
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -318,7 +319,9 @@ void VexelConnectDlgGUI::SlotExport()
 
 bool VexelConnectDlgGUI::Import(const QString& fileName)
 {
-    const QByteArray backup = m_pModel->ToByteArray();
+    // Whoever calls this while the box about an earlier import is open means the entries that were there.
+    SettleImport();
+    QByteArray backup = m_pModel->ToByteArray();
     if (fileName.isEmpty()) {
         Trace(s_traceSource, s_nothingToReadLine,
               [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
@@ -331,11 +334,19 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
             return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
         });
     }
+    m_EntriesBeforeImport = std::move(backup);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
-    LoadEntries(backup);
+    SettleImport();
     return false;
+}
+
+void VexelConnectDlgGUI::SettleImport()
+{
+    if (const std::optional<QByteArray> entries = std::exchange(m_EntriesBeforeImport, std::nullopt)) {
+        LoadEntries(*entries);
+    }
 }
 
 bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)

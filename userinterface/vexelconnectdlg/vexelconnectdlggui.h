@@ -3,9 +3,12 @@
 #include "ui_vexelconnectdlg.h"
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
+#include <QByteArray>
 #include <QDialog>
 #include <QList>
 #include <QModelIndex>
+
+#include <optional>
 
 class AppCounter;
 class ConnectionsDelegate;
@@ -32,6 +35,9 @@ public:
     /// were but for their statuses, which become "Free", and for characters that XML cannot hold. Returns whether the
     /// entries were replaced.
     bool Import(const QString& fileName);
+    /// While the box about a failed import is open the list holds what the file gave, which may be nothing. Puts the
+    /// entries back at once, for whoever stores the list in that moment; else does nothing.
+    void SettleImport();
     /// Writes all entries into the file: after a failure, which is only traced, it is as it was before.
     void Export(const QString& fileName);
 
@@ -72,6 +78,7 @@ private:
     bool LoadEntries(const QByteArray& document);
     void ShowInfo(const QString& text);
 
+    std::optional<QByteArray> m_EntriesBeforeImport; // while the box about a failed import is open
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_BasicColumns;
     ConnectionsModel* m_pModel = nullptr;
