@@ -53,8 +53,8 @@ private slots:
     void dropOfOtherCountsTellsTheCount();
     void dropOfARemoteUrlTells();
     void dropWhileABoxIsOpen();
-    void dropWhileTheListIsUnsettled_data();
-    void dropWhileTheListIsUnsettled();
+    void importWhileAnEarlierOneIsUnsettled_data();
+    void importWhileAnEarlierOneIsUnsettled();
     void dropWithoutUrlsIsIgnored();
     void dropIsTakenWhileEntriesAreInUse();
     void rowsDroppedOnTheTableAreCopied();
@@ -441,22 +441,20 @@ void tst_DialogFiles::dropWhileABoxIsOpen()
     QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 }
 
-void tst_DialogFiles::dropWhileTheListIsUnsettled_data()
+void tst_DialogFiles::importWhileAnEarlierOneIsUnsettled_data()
 {
     QTest::addColumn<bool>("good");
     QTest::newRow("another bad file") << false;
     QTest::newRow("a good file") << true;
 }
 
-void tst_DialogFiles::dropWhileTheListIsUnsettled()
+void tst_DialogFiles::importWhileAnEarlierOneIsUnsettled()
 {
     QFETCH(bool, good);
     m_Fixture->Build();
     m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
     const QString bad = m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad");
-    QMimeData dropped;
-    dropped.setUrls(
-        {QUrl::fromLocalFile(good ? m_Fixture->WriteFile(QStringLiteral("good.xml"), ThreeEntries()) : QString(bad))});
+    const QString other = good ? m_Fixture->WriteFile(QStringLiteral("good.xml"), ThreeEntries()) : bad;
 
     // While the box about the first file is open the list is empty.
     std::unique_ptr<MessageBoxes> boxes;
@@ -464,7 +462,7 @@ void tst_DialogFiles::dropWhileTheListIsUnsettled()
         QVERIFY(QApplication::activeModalWidget());
         QCOMPARE(m_Fixture->model->rowCount(), 0);
         QTimer::singleShot(0, m_Fixture->dialog, [&] { boxes = std::make_unique<MessageBoxes>(); });
-        DialogFixture::Drop(m_Fixture->dialog, dropped);
+        QCOMPARE(m_Fixture->dialog->Import(other), good);
     });
     QVERIFY(!m_Fixture->dialog->Import(bad));
     QTRY_VERIFY(boxes);
