@@ -1,0 +1,5 @@
+#include "starter/foreground.h"
+
+void HandOverForeground()
+{
+}

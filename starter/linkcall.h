@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QtGlobal>
+
+/// What became of a call.
+enum class LinkAnswer {
+    Taken,   ///< a dialog's link has taken it
+    Refused, ///< nobody listens
+    Foreign, ///< somebody answered in words, which the link never does
+    CutOff,  ///< the connection broke off, as when a host ends while it is called
+    Silent,  ///< somebody listens, but did nothing until the deadline
+};
+
+/// Calls the starter link at `port` of this machine, and waits for the answer until `deadline`.
+///
+/// The connection itself is the call. The link answers by closing it without a word, once the dialog has come to the
+/// front. A line is sent along, and the sending direction closed: the link drops it, while most other services answer
+/// one way or another. Who closes without a word as well cannot be told from a link.
+///
+/// 127.0.0.1 is called first, then ::1, where a machine has only that. Blocks; needs no event loop.
+LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline);

@@ -1,0 +1,46 @@
+#include "starter/linkending.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+namespace {
+
+int PollTime(const QDeadlineTimer& deadline)
+{
+    const qint64 left = deadline.remainingTime();
+    return static_cast<int>(std::min<qint64>(left, std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+LinkEnding EndAndWait(qintptr handle, const QByteArray& line, QDeadlineTimer deadline)
+{
+    const int socket = static_cast<int>(handle);
+    // A line fits into the buffer of a fresh connection. If the other side has gone meanwhile, reading says how.
+    (void)send(socket, line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL);
+    (void)shutdown(socket, SHUT_WR);
+
+    for (;;) {
+        pollfd waiting{socket, POLLIN, 0};
+        const int ready = poll(&waiting, 1, PollTime(deadline));
+        if (ready == 0)
+            return LinkEnding::None;
+        if (ready < 0) {
+            if (errno == EINTR)
+                continue;
+            return LinkEnding::CutOff;
+        }
+        char byte = 0;
+        const ssize_t count = recv(socket, &byte, 1, MSG_DONTWAIT);
+        if (count > 0)
+            return LinkEnding::Spoke;
+        if (count == 0)
+            return LinkEnding::Closed;
+        if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
+            return LinkEnding::CutOff;
+    }
+}

@@ -1,0 +1,168 @@
+#include "starter/starter.h"
+
+#include "host/exitcode.h"
+#include "starter/foreground.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QThread>
+
+#include <utility>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto s_pause = 50ms;
+// After a host that gave way to another one, which may be about to end.
+constexpr auto s_pauseBeforeNextStart = 500ms;
+// Age from which a lock file that names no process counts as left behind. One that is held is never taken for that.
+constexpr auto s_staleLockTime = 5s;
+
+} // namespace
+
+Starter::Starter(Settings settings)
+    : m_Settings(std::move(settings))
+    , m_Deadline(m_Settings.timeOut)
+    , m_Lock(m_Settings.lockFile)
+{
+    m_Lock.setStaleLockTime(s_staleLockTime);
+}
+
+QString Starter::DefaultLockFile(quint16 port)
+{
+    const QString name = QStringLiteral("kitestarter-%1.lock").arg(port);
+    const QString directory = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (QFileInfo(directory).isWritable())
+        return directory + u'/' + name;
+    // A folder of all users; the home folder's name tells them apart.
+    return QStringLiteral("%1/%2-%3").arg(QDir::tempPath(), QDir::home().dirName(), name);
+}
+
+QString Starter::DefaultHost(const QString& programDirectory)
+{
+    return programDirectory + QStringLiteral("/" VEXEL_HOST_FILE);
+}
+
+Starter::Outcome Starter::Run()
+{
+    HandOverForeground();
+    for (;;) {
+        const LinkAnswer answer = CallLink(m_Settings.port, m_Deadline);
+        if (const auto outcome = Judge(answer))
+            return *outcome;
+        // A call that was cut off reached somebody, who may still be there.
+        if (answer == LinkAnswer::Refused) {
+            if (const auto outcome = StartOrWatch())
+                return *outcome;
+        }
+        if (m_Deadline.hasExpired())
+            return TimedOut();
+        QThread::msleep(static_cast<unsigned long>(s_pause.count()));
+    }
+}
+
+std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer) const
+{
+    switch (answer) {
+    case LinkAnswer::Taken:
+        return Outcome{StarterExit::Called, {}};
+    case LinkAnswer::Foreign:
+        return Outcome{StarterExit::Foreign,
+                       QStringLiteral("another program has port %1 and answers there, which no connect dialog does; "
+                                      "no dialog can be called or started beside it")
+                           .arg(m_Settings.port)};
+    case LinkAnswer::Silent:
+        return TimedOut();
+    case LinkAnswer::Refused:
+        if (m_Settings.callOnly)
+            return Outcome{StarterExit::NotRunning, QStringLiteral("no connect dialog is running")};
+        break;
+    case LinkAnswer::CutOff:
+        break;
+    }
+    return std::nullopt;
+}
+
+std::optional<Starter::Outcome> Starter::StartOrWatch()
+{
+    if (!m_pHost) {
+        if (!m_NextStart.hasExpired())
+            return std::nullopt;
+        if (m_bLocked)
+            return Start();
+        // Another starter's host may have come between the call and the lock, so it is called once more before one is
+        // started.
+        m_bLocked = IsLocked();
+        return std::nullopt;
+    }
+
+    const std::optional<HostProcess::End> end = m_pHost->Ended();
+    if (!end)
+        return std::nullopt;
+    if (end->crash.isEmpty() && end->exitCode == static_cast<int>(ExitCode::Running)) {
+        // The other host is starting, and will answer; or it is ending, and leaves room for another try.
+        m_bOtherHost = true;
+        m_pHost.reset();
+        m_NextStart = QDeadlineTimer(s_pauseBeforeNextStart);
+        return std::nullopt;
+    }
+    return Outcome{StarterExit::HostEnded,
+                   QStringLiteral("%1 %2 before its dialog answered; started by itself it says why")
+                       .arg(m_Settings.host, end->crash.isEmpty()
+                                                 ? QStringLiteral("ended with exit code %1").arg(end->exitCode)
+                                                 : QStringLiteral("crashed (%1)").arg(end->crash))};
+}
+
+std::optional<Starter::Outcome> Starter::Start()
+{
+    m_pHost = std::make_unique<HostProcess>();
+    const QString error = m_pHost->Start(m_Settings.host, m_Settings.hostArguments);
+    if (error.isEmpty())
+        return std::nullopt;
+    return Outcome{StarterExit::NotStarted, QStringLiteral("cannot start %1: %2").arg(m_Settings.host, error)};
+}
+
+/// Whether nobody else is starting a host, as far as the lock tells.
+bool Starter::IsLocked()
+{
+    // Only another starter's lock is waited for. Where no lock can be had at all, the host's own has to do.
+    m_bOtherStarter = !m_Lock.tryLock(0) && m_Lock.error() == QLockFile::LockFailedError;
+    return !m_bOtherStarter;
+}
+
+Starter::Outcome Starter::TimedOut() const
+{
+    if (m_pHost) {
+        return {StarterExit::NoAnswer,
+                QStringLiteral("%1 was started (process %2), but its dialog did not answer within %3; it is left "
+                               "running")
+                    .arg(m_Settings.host)
+                    .arg(m_pHost->Id())
+                    .arg(Seconds())};
+    }
+    if (m_bOtherHost) {
+        return {StarterExit::HostEnded,
+                QStringLiteral("another host works on the same configuration directory, but no dialog answered on port "
+                               "%1 within %2")
+                    .arg(m_Settings.port)
+                    .arg(Seconds())};
+    }
+    if (m_bOtherStarter) {
+        return {StarterExit::NoAnswer,
+                QStringLiteral("another kitestarter is starting a host, but no dialog answered on port %1 within %2")
+                    .arg(m_Settings.port)
+                    .arg(Seconds())};
+    }
+    return {StarterExit::Foreign,
+            QStringLiteral("port %1 is in use, but no dialog answered there within %2: another program has it, or a "
+                           "dialog that is busy or hangs; no second one is started")
+                .arg(m_Settings.port)
+                .arg(Seconds())};
+}
+
+QString Starter::Seconds() const
+{
+    return QStringLiteral("%1 s").arg(static_cast<double>(m_Settings.timeOut.count()) / 1000);
+}

@@ -1,0 +1,145 @@
+#include "starter/starteroptions.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+// The dialog does not answer while it starts an application, which may take it 30 seconds.
+constexpr int s_defaultSeconds = 40;
+constexpr int s_mostSeconds = 3600;
+
+// Both broken by hand at the width that QCommandLineParser uses for the options.
+QString Description()
+{
+    return QStringLiteral(R"(
+Brings the connect dialog to the front. Where none is running on this machine,
+starts the host with the arguments after "--", and waits until its dialog
+answers. However many are started at once, there is one host.)");
+}
+
+/// What the options alone do not say.
+QString Notes()
+{
+    return QStringLiteral(R"(
+The call:
+  The dialog is called on port 8451 of this machine, which one program can have
+  at a time. So whichever host has it comes to the front, whatever arguments
+  are given here for another. Nothing leaves the machine.
+  The host that is started lives on by itself, with this program's current
+  directory and environment; what it writes to standard output and standard
+  error is dropped.
+
+Exit codes:
+  0  a dialog has come to the front: one that was running, or a new one
+  1  the command line is wrong
+  2  the host cannot be started
+  3  the host was started, and ended before its dialog answered
+  4  the host was started, and its dialog did not answer in time; it is left
+     running
+  5  another program has the port, or a dialog that is busy for longer than
+     the time-out; no host was started
+  6  no dialog is running (with --call-only)
+)");
+}
+
+class Parser
+{
+public:
+    Parser();
+    ParsedStarterCommandLine Parse(QStringList arguments);
+
+private:
+    QString HelpText() const;
+    QString CheckGivenValues() const;
+
+    QCommandLineParser m_Parser;
+    const QCommandLineOption m_Help = {{QStringLiteral("h"), QStringLiteral("help")},
+                                       QStringLiteral("Print this help.")};
+    const QCommandLineOption m_Version = {{QStringLiteral("v"), QStringLiteral("version")},
+                                          QStringLiteral("Print the version.")};
+    const QCommandLineOption m_Host = {
+        QStringLiteral("host"),
+        QStringLiteral("Start the program FILE. Default: the host that is installed with the starter."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_TimeOut = {
+        QStringLiteral("timeout"),
+        QStringLiteral("How long a dialog may take to answer, also one that is starting: 1 to %1. Default: %2.")
+            .arg(s_mostSeconds)
+            .arg(s_defaultSeconds),
+        QStringLiteral("SECONDS"), QString::number(s_defaultSeconds)};
+    const QCommandLineOption m_CallOnly = {QStringLiteral("call-only"),
+                                           QStringLiteral("Start nothing where no dialog is running.")};
+};
+
+Parser::Parser()
+{
+    m_Parser.setApplicationDescription(Description());
+    m_Parser.addOptions({m_Host, m_TimeOut, m_CallOnly, m_Help, m_Version});
+}
+
+QString Parser::HelpText() const
+{
+    // The parser's own first line names whatever path the program was started by.
+    const QString text = m_Parser.helpText();
+    return QStringLiteral("Usage: kitestarter [options] [-- HOST ARGUMENTS]") + text.mid(text.indexOf(u'\n')) + Notes();
+}
+
+/// Why a value given on the command line cannot be taken; empty when all can.
+QString Parser::CheckGivenValues() const
+{
+    if (!m_Parser.positionalArguments().isEmpty()) {
+        return QStringLiteral("unexpected argument \"%1\"; the host's arguments stand after \"--\"")
+            .arg(m_Parser.positionalArguments().constFirst());
+    }
+    if (m_Parser.isSet(m_Host) && m_Parser.value(m_Host).isEmpty())
+        return QStringLiteral("--host needs a value that is not empty");
+    bool isNumber = false;
+    const int seconds = m_Parser.value(m_TimeOut).toInt(&isNumber);
+    if (!isNumber || seconds < 1 || seconds > s_mostSeconds) {
+        return QStringLiteral("--timeout: not a number from 1 to %1: \"%2\"")
+            .arg(s_mostSeconds)
+            .arg(m_Parser.value(m_TimeOut));
+    }
+    return {};
+}
+
+ParsedStarterCommandLine Parser::Parse(QStringList arguments)
+{
+    using Outcome = ParsedStarterCommandLine::Outcome;
+    // Taken apart here: the parser would let the host's arguments stand before "--", too.
+    QStringList hostArguments;
+    if (const qsizetype separator = arguments.indexOf(QLatin1String("--")); separator > 0) {
+        hostArguments = arguments.mid(separator + 1);
+        arguments.erase(arguments.cbegin() + separator, arguments.cend());
+    }
+    if (!m_Parser.parse(arguments)) {
+        // The parser ends its own sentences.
+        QString error = m_Parser.errorText();
+        if (error.endsWith(u'.'))
+            error.chop(1);
+        return {Outcome::Wrong, error, {}};
+    }
+    if (m_Parser.isSet(m_Help))
+        return {Outcome::Print, HelpText(), {}};
+    if (m_Parser.isSet(m_Version))
+        return {Outcome::Print, QStringLiteral("kitestarter " VEXEL_VERSION "\n"), {}};
+    if (const QString error = CheckGivenValues(); !error.isEmpty())
+        return {Outcome::Wrong, error, {}};
+
+    StarterOptions options;
+    if (m_Parser.isSet(m_Host))
+        options.host = QDir::cleanPath(QFileInfo(m_Parser.value(m_Host)).absoluteFilePath());
+    options.hostArguments = hostArguments;
+    options.timeOut = std::chrono::seconds(m_Parser.value(m_TimeOut).toInt());
+    options.callOnly = m_Parser.isSet(m_CallOnly);
+    return {Outcome::Run, {}, options};
+}
+
+} // namespace
+
+ParsedStarterCommandLine ParseStarterCommandLine(const QStringList& arguments)
+{
+    return Parser().Parse(arguments);
+}
