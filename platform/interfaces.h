@@ -105,7 +105,7 @@ public:
 };
 
 /// Makes interfaces. Without state; made on the spot.
-class VEXELPLATFORM_EXPORT CInterfaceCreator
+class CInterfaceCreator
 {
 public:
     static constexpr int MaximumPeers = 16;
@@ -121,5 +121,6 @@ public:
     /// @param flag false: the interface is open when it is returned. True: it is returned closed, for `Open`.
     /// @return the interface, which the caller owns; null, with a trace that says why, when the address is malformed,
     ///         the callback is null, or the port is taken or cannot be listened at.
-    IInterface* CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number, bool flag);
+    VEXELPLATFORM_EXPORT IInterface* CreateInterface(const QString& address, IInterfaceCallback* callback,
+                                                     quint64 number, bool flag);
 };
