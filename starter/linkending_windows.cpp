@@ -4,13 +4,20 @@
 
 #include <winsock2.h>
 
-LinkEnding EndAndWait(qintptr handle, const QByteArray& line, QDeadlineTimer deadline)
+void SendLine(qintptr handle, const QByteArray& line)
+{
+    // A line fits into the buffer of a fresh connection.
+    (void)send(static_cast<SOCKET>(handle), line.constData(), static_cast<int>(line.size()), 0);
+}
+
+void EndSending(qintptr handle)
+{
+    (void)shutdown(static_cast<SOCKET>(handle), SD_SEND);
+}
+
+LinkEnding WaitForEnding(qintptr handle, QDeadlineTimer deadline)
 {
     const auto socket = static_cast<SOCKET>(handle);
-    // A line fits into the buffer of a fresh connection. If the other side has gone meanwhile, reading says how.
-    (void)send(socket, line.constData(), static_cast<int>(line.size()), 0);
-    (void)shutdown(socket, SD_SEND);
-
     for (;;) {
         fd_set waiting;
         FD_ZERO(&waiting);
@@ -24,8 +31,8 @@ LinkEnding EndAndWait(qintptr handle, const QByteArray& line, QDeadlineTimer dea
             return LinkEnding::CutOff;
         if (ready == 0)
             continue;
-        char byte = 0;
-        const int count = recv(socket, &byte, 1, 0);
+        char spoken = 0;
+        const int count = recv(socket, &spoken, 1, 0);
         if (count > 0)
             return LinkEnding::Spoke;
         if (count == 0)
