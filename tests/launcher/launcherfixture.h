@@ -21,6 +21,7 @@ public:
         QString program;
         QStringList arguments;
         QString directory;
+        QStringList inherited; // besides the standard streams
         QString stdinTarget;
         QString stdoutTarget;
         QString stderrTarget;
@@ -64,9 +65,8 @@ public:
             Report report;
             report.pid = object.value(QStringLiteral("pid")).toInteger();
             report.program = object.value(QStringLiteral("program")).toString();
-            const QJsonArray arguments = object.value(QStringLiteral("arguments")).toArray();
-            for (const QJsonValue argument : arguments)
-                report.arguments.append(argument.toString());
+            report.arguments = Texts(object.value(QStringLiteral("arguments")));
+            report.inherited = Texts(object.value(QStringLiteral("inherited")));
             report.directory = object.value(QStringLiteral("directory")).toString();
             report.stdinTarget = object.value(QStringLiteral("stdin")).toString();
             report.stdoutTarget = object.value(QStringLiteral("stdout")).toString();
@@ -86,6 +86,8 @@ public:
     }
 
 private:
+    static QStringList Texts(const QJsonValue& array) { return array.toVariant().toStringList(); }
+
     QTemporaryDir m_Reports;
 };
 

@@ -1,6 +1,8 @@
 // A program to be started by tests: reports how it was started, then ends, crashes, prints or stays, as its environment
 // says. The arguments are no place for that: they are what is tested.
 
+#include "tests/launcher/inheritedhandles.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -23,7 +25,7 @@ QString StreamTarget(int stream)
 }
 
 /// Writes a file "<process id>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is complete.
-bool WriteReport()
+bool WriteReport(const QStringList& inherited)
 {
     QSaveFile file(QStringLiteral("%1/%2.json")
                        .arg(qEnvironmentVariable("VEXEL_TESTCHILD_REPORTS"))
@@ -33,6 +35,7 @@ bool WriteReport()
         {QStringLiteral("program"), QCoreApplication::applicationFilePath()},
         {QStringLiteral("arguments"), QJsonArray::fromStringList(QCoreApplication::arguments().mid(1))},
         {QStringLiteral("directory"), QDir::current().canonicalPath()},
+        {QStringLiteral("inherited"), QJsonArray::fromStringList(inherited)},
         {QStringLiteral("stdin"), StreamTarget(0)},
         {QStringLiteral("stdout"), StreamTarget(1)},
         {QStringLiteral("stderr"), StreamTarget(2)},
@@ -63,6 +66,7 @@ void Print(long long bytes)
 
 int main(int argc, char* argv[])
 {
+    const QStringList inherited = InheritedHandles();
     const QCoreApplication application(argc, argv);
     const QString mode = qEnvironmentVariable("VEXEL_TESTCHILD_MODE", QStringLiteral("exit"));
 
@@ -74,7 +78,7 @@ int main(int argc, char* argv[])
     if (mode == QLatin1String("print"))
         Print(qEnvironmentVariableIntValue("VEXEL_TESTCHILD_NUMBER"));
 
-    if (!WriteReport())
+    if (!WriteReport(inherited))
         return 99;
 
     if (mode == QLatin1String("crash"))

@@ -1,5 +1,6 @@
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
+#include "tests/launcher/inheritedhandles.h"
 #include "tests/launcher/launcherfixture.h"
 #include "tests/support/messageboxes.h"
 #include "tests/support/tracerecorder.h"
@@ -7,13 +8,20 @@
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QAbstractItemModelTester>
+#include <QLockFile>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QTranslator>
 
 #include <memory>
 
 namespace {
+
+/// What whoever runs the tests has left open goes on to the children; that is not the launcher's doing.
+const QStringList s_inheritedByTheTest = InheritedHandles();
 
 QString s(const char* text)
 {
@@ -48,6 +56,9 @@ private slots:
 
     void EveryType_data();
     void EveryType();
+    void TextsArriveAsGiven_data();
+    void TextsArriveAsGiven();
+    void ChildInheritsNothing();
     void StartsInCurrentDirectory();
     void StartsInTheDirectoryOfTheMoment();
     void NameTooLongForACommandLine();
@@ -196,6 +207,74 @@ void tst_ConnectTo::EveryType()
     QCOMPARE(m_pTraces->Messages(s("userinterface/vexelconnectdlg/appcounter")), expected);
     QCOMPARE(m_pBoxes->Count(), 0);
     QVERIFY(WaitForEnd());
+}
+
+void tst_ConnectTo::TextsArriveAsGiven_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("blanks") << s("  Mast 7  north ");
+    QTest::newRow("quotes") << s("say \"hello\" and 'bye'");
+    QTest::newRow("backslashes at the end") << s("C:\\data dir\\\\");
+    QTest::newRow("quote and backslash") << s("a\\\\\"b\\\"");
+    QTest::newRow("percent") << s("100% %1 %2 %PATH% %%");
+    QTest::newRow("shell characters") << s("$HOME `id` ; | & > < * ? ^ ! # (x) {y}");
+    QTest::newRow("non-Latin") << s("Пеленгатор 方位 ⚓");
+    QTest::newRow("astral") << QString::fromUcs4(U"\x1F4E1\x10FFFD", 2);
+    QTest::newRow("8,000 characters") << QString(8000, QLatin1Char('x'));
+}
+
+void tst_ConnectTo::TextsArriveAsGiven()
+{
+    // Each of the four forms of a command line that carries a text of the entry.
+    QFETCH(const QString, text);
+    Install({{s("KiteControl"), {1, 2, 4, 12}}});
+    struct Form
+    {
+        int deviceType;
+        int connectionType;
+        QStringList further;
+    };
+    // The port is there, so that the address stays as it is.
+    const QString driver = text + s(":1");
+    const QString connection = s("Connection=") + driver;
+    const QList<Form> forms = {{1, 0, {s("Server"), connection}},
+                               {2, 1, {s("Server"), connection}},
+                               {2, 2, {s("Server"), s("MCS"), s("MCSMaster"), connection}},
+                               {12, 0, {s("Server"), connection}},
+                               {4, 0, {s("Server"), text}}};
+    for (const Form& form : forms) {
+        m_pChild->Clear();
+        Connection entry = Entry("", form.deviceType, form.connectionType);
+        entry.ConnectionName = text;
+        entry.DriverAddress = driver;
+        QVERIFY(m_pCounter->ConnectTo(entry));
+        QTRY_COMPARE(m_pChild->Count(), 1);
+        QCOMPARE(m_pChild->Reports().constFirst().arguments, QStringList(s("KiteControl:XMsgDlg.dll")) + form.further);
+        QVERIFY(WaitForEnd());
+    }
+}
+
+void tst_ConnectTo::ChildInheritsNothing()
+{
+    Install({{s("Kite"), {1}}, {s("Kestrel"), {1}}});
+    // What a host has open while it starts applications: files, locks, the link with a caller on it, other children.
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    QLockFile lock(file.fileName() + s(".lock"));
+    QVERIFY(lock.tryLock());
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.serverPort());
+    QVERIFY(server.waitForNewConnection(20000));
+    QVERIFY(caller.waitForConnected(20000));
+    m_pChild->Behave("stay");
+    QVERIFY(m_pCounter->ConnectTo(Entry("first", 1)));
+    QVERIFY(m_pCounter->ConnectTo(Entry("second", 1)));
+    QTRY_COMPARE(m_pChild->Count(), 2);
+    for (const TestChild::Report& report : m_pChild->Reports())
+        QCOMPARE(report.inherited, s_inheritedByTheTest);
 }
 
 void tst_ConnectTo::StartsInCurrentDirectory()

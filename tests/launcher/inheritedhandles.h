@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QStringList>
+
+/// What this process was handed by the one that started it, besides the standard streams: open files, sockets, other
+/// processes. One text for each, which says what it is as far as the system tells. Call before anything is opened.
+QStringList InheritedHandles();
