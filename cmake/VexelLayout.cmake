@@ -2,8 +2,9 @@
 # the translations and the samples by the same relative paths in both, and an installed tree runs from any prefix.
 
 if(WIN32)
-    # Windows looks for libraries in the program's own folder only.
+    # Windows looks for libraries in the program's own folder only, and their names have no "lib" there.
     set(VEXEL_LIBDIR ${CMAKE_INSTALL_BINDIR})
+    set(CMAKE_SHARED_LIBRARY_PREFIX "")
 else()
     set(VEXEL_LIBDIR ${CMAKE_INSTALL_LIBDIR})
 endif()

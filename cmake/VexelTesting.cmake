@@ -1,12 +1,15 @@
 # vexel_add_test(NAME <name> SOURCES <files> [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>] [XVFB]
-#                [RESOURCE_LOCK <names>])
+#                [RESOURCE_LOCK <names>] [WINDOW])
 #
 # One Qt Test executable, run by ctest on the offscreen platform with configuration, data and home folders of its own
 # under the build folder, so that no test meets the user's files. XVFB runs it in a real window under a virtual X server
 # and window manager instead. DEPENDS names targets that the test starts or loads at run time. Tests that name
 # the same RESOURCE_LOCK, such as a port that the product fixes, never run at the same time.
+#
+# WINDOW is for tests of windows: those for Windows run a second time in real windows, as <name>_desktop, with the label
+# "desktop". Such a run needs a display, which windows/test gives to all of them together.
 function(vexel_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB" "NAME" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE vexel_options Qt6::Test ${arg_LIBRARIES})
@@ -16,6 +19,11 @@ function(vexel_add_test)
         add_dependencies(${arg_NAME} ${arg_DEPENDS})
     endif()
 
+    set(timeout 300)
+    if(CMAKE_CROSSCOMPILING)
+        # Under Wine to start a process takes a hundred times as long.
+        set(timeout 1200)
+    endif()
     set(home ${PROJECT_BINARY_DIR}/tests/home/${arg_NAME})
     file(MAKE_DIRECTORY ${home})
     if(arg_XVFB)
@@ -28,9 +36,20 @@ function(vexel_add_test)
         set(platform offscreen)
         set(strict_strings 1)
     endif()
+    set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
     set_tests_properties(${arg_NAME} PROPERTIES
-        TIMEOUT 300
+        TIMEOUT ${timeout}
         RESOURCE_LOCK "${arg_RESOURCE_LOCK}"
-        ENVIRONMENT "QT_QPA_PLATFORM=${platform};HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1"
+        ENVIRONMENT "QT_QPA_PLATFORM=${platform};${environment}"
     )
+    if(WIN32 AND arg_WINDOW)
+        add_test(NAME ${arg_NAME}_desktop COMMAND ${arg_NAME})
+        # One window at a time has the keyboard.
+        set_tests_properties(${arg_NAME}_desktop PROPERTIES
+            TIMEOUT ${timeout}
+            LABELS desktop
+            RESOURCE_LOCK "desktop;${arg_RESOURCE_LOCK}"
+            ENVIRONMENT "QT_QPA_PLATFORM=windows;${environment}"
+        )
+    endif()
 endfunction()

@@ -1,0 +1,46 @@
+# What programs for Windows need beside them. Windows has no run paths: a program finds its libraries in its own folder.
+# So Qt's libraries and plug-ins and the compiler's runtime are part of the build tree and of the installed tree, and
+# both run where nothing is installed.
+#
+# vexel_windows_runtime() puts them into both. Call it once, after Qt was found.
+
+# The compiler's own libraries, by its own word for where they are.
+function(vexel_compiler_runtime result)
+    set(files)
+    foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+            OUTPUT_VARIABLE file
+            OUTPUT_STRIP_TRAILING_WHITESPACE
+            COMMAND_ERROR_IS_FATAL ANY
+        )
+        if(NOT IS_ABSOLUTE ${file})
+            message(FATAL_ERROR "The compiler has no ${name}, which every program needs.")
+        endif()
+        file(REAL_PATH ${file} file)
+        list(APPEND files ${file})
+    endforeach()
+    set(${result} ${files} PARENT_SCOPE)
+endfunction()
+
+function(vexel_windows_runtime)
+    vexel_compiler_runtime(libraries)
+    foreach(module IN ITEMS Core Gui Widgets Xml Network)
+        get_target_property(library Qt6::${module} IMPORTED_LOCATION_RELEASE)
+        list(APPEND libraries ${library})
+    endforeach()
+    cmake_path(GET library PARENT_PATH qt_programs)
+
+    file(COPY ${libraries} DESTINATION ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR})
+    install(FILES ${libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # Qt looks for its plug-ins in the folder of this name beside that of its libraries. A headless host runs on
+    # "offscreen".
+    foreach(plugin IN ITEMS platforms/qwindows platforms/qoffscreen styles/qwindowsvistastyle imageformats/qico)
+        set(file ${qt_programs}/../plugins/${plugin}.dll)
+        cmake_path(GET plugin PARENT_PATH folder)
+        file(COPY ${file} DESTINATION ${VEXEL_OUTPUT_ROOT}/plugins/${folder})
+        install(FILES ${file} DESTINATION plugins/${folder})
+    endforeach()
+    if(VEXEL_BUILD_TESTS)
+        file(COPY ${qt_programs}/Qt6Test.dll DESTINATION ${VEXEL_OUTPUT_ROOT}/tests)
+    endif()
+endfunction()
