@@ -5,8 +5,12 @@
 #include <QMimeData>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
+
+/// How a connection list document travels.
+const QString s_documentType = QStringLiteral("text/plain");
 
 /// The model that `view` shows, below all proxies.
 QAbstractItemModel* SourceModel(const QTreeView* view)
@@ -102,7 +106,7 @@ bool ConnectDialog::Append(const QByteArray& document) const
 {
     const int before = Count();
     QMimeData data;
-    data.setData(QStringLiteral("text/plain"), document);
+    data.setData(s_documentType, document);
     const bool good = m_pEntries->dropMimeData(&data, Qt::CopyAction, -1, -1, QModelIndex());
     if (!good) {
         // What stood before the error has been taken: half a file is not what was asked for.
@@ -114,6 +118,16 @@ bool ConnectDialog::Append(const QByteArray& document) const
     for (int row = before; row < Count(); ++row)
         m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Status)), Free, Qt::EditRole);
     return true;
+}
+
+QByteArray ConnectDialog::Document() const
+{
+    QModelIndexList rows;
+    rows.reserve(Count());
+    for (int row = 0; row < Count(); ++row)
+        rows.append(m_pEntries->index(row, 0));
+    const std::unique_ptr<QMimeData> data(m_pEntries->mimeData(rows));
+    return data ? data->data(s_documentType) : QByteArray();
 }
 
 void ConnectDialog::BringToFront() const

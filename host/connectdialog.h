@@ -59,6 +59,8 @@ public:
     /// Appends the entries of a connection list document, all "Free". On an error, or where there is no entry, the list
     /// stays as it was and the result is false.
     bool Append(const QByteArray& document) const;
+    /// The whole list as such a document.
+    QByteArray Document() const;
 
     /// "&Connect". What it starts is started when this returns.
     void PressConnect() const { m_pConnectButton->click(); }

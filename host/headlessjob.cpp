@@ -10,6 +10,8 @@
 #include <QEventLoop>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 HeadlessJob::HeadlessJob(const HostOptions& options, const ConnectDialog& dialog, QObject* parent)
     : QObject(parent)
     , m_Options(options)
@@ -22,8 +24,10 @@ HeadlessJob::HeadlessJob(const HostOptions& options, const ConnectDialog& dialog
 
 ExitCode HeadlessJob::Run()
 {
-    if (!Add())
+    if (!ImportAndAdd())
         return m_Result;
+    if (!m_Options.fileToExport.isEmpty())
+        Export();
     if (m_Options.list)
         List();
     TakePicture(m_Options.screenshotBefore);
@@ -42,23 +46,43 @@ void HeadlessJob::Stop()
     emit Stopped();
 }
 
-/// False when a file could not be added; the list then is as it was.
-bool HeadlessJob::Add()
+/// All the files or none: the same command can then be given again. False when there was one that could not be taken;
+/// the list then is as it was.
+bool HeadlessJob::ImportAndAdd()
 {
+    QStringList files = m_Options.filesToAdd;
+    const bool imports = !m_Options.fileToImport.isEmpty();
+    if (imports)
+        files.prepend(m_Options.fileToImport);
+
     const int before = m_Dialog.Count();
-    for (const QString& fileName : m_Options.filesToAdd) {
-        const ListFile file = ReadListFile(fileName);
-        if (file.error.isEmpty() && m_Dialog.Append(file.content))
-            continue;
-        Fail(ExitCode::Unusable, file.error.isEmpty()
-                                     ? QStringLiteral("%1 is not a connection list, or holds no entry").arg(fileName)
-                                     : file.error);
-        // All the files or none: the same command can then be given again.
-        if (m_Dialog.Count() > before)
-            m_Dialog.Entries()->removeRows(before, m_Dialog.Count() - before);
-        return false;
-    }
-    return true;
+    const bool good = std::all_of(files.cbegin(), files.cend(), [this](const QString& file) { return Append(file); });
+    // What an import replaces goes last, when nothing can fail any more: so nothing has to be brought back.
+    if (!good && m_Dialog.Count() > before)
+        m_Dialog.Entries()->removeRows(before, m_Dialog.Count() - before);
+    else if (good && imports && before > 0)
+        m_Dialog.Entries()->removeRows(0, before);
+    return good;
+}
+
+bool HeadlessJob::Append(const QString& fileName)
+{
+    const ListFile file = ReadListFile(fileName);
+    if (file.error.isEmpty() && m_Dialog.Append(file.content))
+        return true;
+    Fail(ExitCode::Unusable, file.error.isEmpty()
+                                 ? QStringLiteral("%1 is not a connection list, or holds no entry").arg(fileName)
+                                 : file.error);
+    return false;
+}
+
+void HeadlessJob::Export()
+{
+    const QByteArray document = m_Dialog.Document();
+    if (m_Options.fileToExport == HostOptions::s_standardOutput)
+        Console::PrintBytes(document);
+    else if (const QString error = WriteListFile(m_Options.fileToExport, document); !error.isEmpty())
+        Fail(ExitCode::Usage, error);
 }
 
 void HeadlessJob::List() const

@@ -9,7 +9,8 @@
 #include <QObject>
 #include <QSet>
 
-/// What the command line asks for without a person at the dialog: add, list, connect, wait, and the pictures.
+/// What the command line asks for without a person at the dialog: import, add, export, list, connect, wait, and
+/// the pictures.
 ///
 /// Message boxes are answered, and what they say goes to standard error. Runs inside the application's event loop.
 class HeadlessJob : public QObject
@@ -31,7 +32,9 @@ signals:
     void Stopped();
 
 private:
-    bool Add();
+    bool ImportAndAdd();
+    bool Append(const QString& fileName);
+    void Export();
     void List() const;
     bool Connect();
     QList<int> RowsToConnect() const;

@@ -1,5 +1,7 @@
 #include "host/hostoptions.h"
 
+#include "host/helptext.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -9,51 +11,6 @@ namespace {
 
 const QString s_defaultName = QStringLiteral("VexelConnectDlg");
 
-// Both broken by hand at the width that QCommandLineParser uses for the options.
-QString Description()
-{
-    return QStringLiteral(R"(
-Shows the connect dialog: a list of connection entries, of which the ticked
-ones are connected by starting the user-interface application that serves each
-of them.)");
-}
-
-/// What the options alone do not say.
-QString Notes()
-{
-    return QStringLiteral(R"(
-With a person at the dialog:
-  "Close" ends the host while no entry is in use. While one is, the host keeps
-  running, says so on standard error, and shows the dialog again when the last
-  application has ended. "Connect" hides the dialog until then, too; when it
-  could start nothing, the dialog is back at once. SIGINT, SIGTERM and the end
-  of the session end the host at any time. Whichever way it ends, it saves the
-  list, the filter and the window's size first; applications that it started
-  end with it.
-
-Without a person (headless):
-  --add, --list, --connect, --connect-selected, --wait and the --screenshot
-  options need no display (without one, QT_QPA_PLATFORM=offscreen is set for
-  what they start, too) and are done in this order: add, list, picture before,
-  connect, picture during, wait, picture at the end. Then the host saves and
-  ends, and the applications that it started end with it: use --wait to let
-  them live.
-  What the dialog would say in a box is written to standard error.
-
-Environment:
-  The host looks for programs in its own folder first, and tells the
-  applications that it starts where the configuration is: VEXEL_CONFIG_DIR.
-
-Exit codes:
-  0  done
-  1  the command line is wrong, or a file it names cannot be written
-  2  the plug-in, the configuration or a file to add cannot be used, the
-     configuration could not be saved, or there is no display to show the
-     dialog on
-  3  something asked for could not be connected
-)");
-}
-
 class Parser
 {
 public:
@@ -61,7 +18,7 @@ public:
     ParsedCommandLine Parse(const QStringList& arguments);
 
 private:
-    QString HelpText() const;
+    QString Help() const;
     QString CheckGivenValues() const;
     QString CheckCombination(const HostOptions& options) const;
     QString AbsolutePath(const QCommandLineOption& option) const;
@@ -98,16 +55,24 @@ private:
         QStringLiteral("language"),
         QStringLiteral("Language of the dialog, as in \"de\" or \"de_AT\". Default: the system's."),
         QStringLiteral("LOCALE")};
+    const QCommandLineOption m_Import = {
+        QStringLiteral("import"),
+        QStringLiteral("Put the entries of the connection list FILE (XML) in place of all entries."),
+        QStringLiteral("FILE")};
     const QCommandLineOption m_Add = {
         QStringLiteral("add"),
         QStringLiteral("Append the entries of the connection list FILE (XML) to the list. Repeatable."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_Export = {
+        QStringLiteral("export"),
+        QStringLiteral("Write the whole list to FILE, as --import and the dialog read it. \"-\": to standard output."),
         QStringLiteral("FILE")};
     const QCommandLineOption m_List = {QStringLiteral("list"),
                                        QStringLiteral("Print the entries as a table, before anything is connected.")};
     const QCommandLineOption m_Json = {
         QStringLiteral("json"),
-        QStringLiteral("With --list: print one JSON document instead, with numbers and texts. Not together with "
-                       "--wait, which prints lines.")};
+        QStringLiteral("With --list, --backups or --diagnose: print one JSON document instead, with numbers and "
+                       "texts. Not together with --wait, which prints lines.")};
     const QCommandLineOption m_Connect = {
         QStringLiteral("connect"),
         QStringLiteral("Connect the entries called NAME, whether they are ticked or not; the ticks stay as they are. "
@@ -131,21 +96,53 @@ private:
     const QCommandLineOption m_Screenshot = {QStringLiteral("screenshot"),
                                              QStringLiteral("Write a picture of the dialog to FILE at the end."),
                                              QStringLiteral("FILE")};
+    const QCommandLineOption m_Backups = {
+        QStringLiteral("backups"),
+        QStringLiteral("Print the versions of the stored list that are there, newest first: number, date and time, "
+                       "number of entries, file.")};
+    const QCommandLineOption m_Restore = {
+        QStringLiteral("restore"),
+        QStringLiteral("Bring version N back, as --backups numbers them. What it replaces becomes version 1."),
+        QStringLiteral("N")};
+    const QCommandLineOption m_Diagnose = {
+        QStringLiteral("diagnose"),
+        QStringLiteral("Print what a support desk asks first: versions, paths, what was read from the data directory "
+                       "and what of it was dropped, the state of the configuration and of the starter's port.")};
 };
 
 Parser::Parser()
 {
-    m_Parser.setApplicationDescription(Description());
-    m_Parser.addOptions({m_Plugin, m_Config, m_Data, m_Name, m_Trace, m_TraceFile, m_Language, m_Add, m_List, m_Json,
-                         m_Connect, m_ConnectSelected, m_Wait, m_Screenshot, m_ScreenshotBefore, m_ScreenshotDuring,
-                         m_Help, m_Version});
+    m_Parser.setApplicationDescription(HelpText::Description());
+    m_Parser.addOptions({m_Plugin,
+                         m_Config,
+                         m_Data,
+                         m_Name,
+                         m_Trace,
+                         m_TraceFile,
+                         m_Language,
+                         m_Import,
+                         m_Add,
+                         m_Export,
+                         m_List,
+                         m_Json,
+                         m_Connect,
+                         m_ConnectSelected,
+                         m_Wait,
+                         m_Screenshot,
+                         m_ScreenshotBefore,
+                         m_ScreenshotDuring,
+                         m_Backups,
+                         m_Restore,
+                         m_Diagnose,
+                         m_Help,
+                         m_Version});
 }
 
-QString Parser::HelpText() const
+QString Parser::Help() const
 {
     // The parser's own first line names whatever path the program was started by.
     const QString text = m_Parser.helpText();
-    return QStringLiteral("Usage: vexelhost [options]") + text.mid(text.indexOf(QLatin1Char('\n'))) + Notes();
+    return QStringLiteral("Usage: vexelhost [options]") + text.mid(text.indexOf(QLatin1Char('\n'))) + HelpText::Notes();
 }
 
 /// Why a value given on the command line cannot be taken; empty when all can.
@@ -154,11 +151,23 @@ QString Parser::CheckGivenValues() const
     if (!m_Parser.positionalArguments().isEmpty())
         return QStringLiteral("unexpected argument \"%1\"").arg(m_Parser.positionalArguments().constFirst());
 
-    for (const QCommandLineOption* option : {&m_Plugin, &m_Config, &m_Data, &m_Name, &m_TraceFile, &m_Language, &m_Add,
-                                             &m_Screenshot, &m_ScreenshotBefore, &m_ScreenshotDuring}) {
+    for (const QCommandLineOption* option :
+         {&m_Plugin, &m_Config, &m_Data, &m_Name, &m_TraceFile, &m_Language, &m_Import, &m_Add, &m_Export,
+          &m_Screenshot, &m_ScreenshotBefore, &m_ScreenshotDuring}) {
         const QStringList values = m_Parser.values(*option);
         if (values.contains(QString()))
             return QStringLiteral("--%1 needs a value that is not empty").arg(option->names().constFirst());
+    }
+
+    // The other values are settings, of which the last one counts; these are work, and all of it is meant.
+    for (const QCommandLineOption* option : {&m_Import, &m_Export, &m_Restore}) {
+        if (m_Parser.values(*option).size() > 1)
+            return QStringLiteral("--%1 can be given only once").arg(option->names().constFirst());
+    }
+    if (m_Parser.isSet(m_Restore)) {
+        bool isNumber = false;
+        if (m_Parser.value(m_Restore).toInt(&isNumber) < 1 || !isNumber)
+            return QStringLiteral("--restore needs the number of a version, as --backups prints it");
     }
 
     const QString language = m_Parser.value(m_Language);
@@ -173,8 +182,22 @@ QString Parser::CheckGivenValues() const
 
 QString Parser::CheckCombination(const HostOptions& options) const
 {
-    if (options.json && !options.list)
-        return QStringLiteral("--json needs --list");
+    const int supportCommands =
+        (options.backups ? 1 : 0) + (options.versionToRestore > 0 ? 1 : 0) + (options.diagnose ? 1 : 0);
+    if (supportCommands > 1)
+        return QStringLiteral("of --backups, --restore and --diagnose only one can be used at a time");
+    if (supportCommands > 0 && options.IsHeadless()) {
+        return QStringLiteral("--backups, --restore and --diagnose cannot be used together with work on the entries "
+                              "or the dialog");
+    }
+    // It would have to be stored, and these leave the configuration's other values alone.
+    if (!options.dataDirectory.isEmpty() && (options.backups || options.versionToRestore > 0))
+        return QStringLiteral("--data cannot be used together with --backups or --restore");
+
+    if (options.json && !options.list && !options.backups && !options.diagnose)
+        return QStringLiteral("--json needs --list, --backups or --diagnose");
+    if (options.fileToExport == HostOptions::s_standardOutput && (options.list || options.wait))
+        return QStringLiteral("--export - cannot be used together with --list or --wait: they print, too");
     if (options.json && options.wait)
         return QStringLiteral("--json and --wait cannot be used together: one prints a document, the other lines");
     if (options.connectSelected && !options.namesToConnect.isEmpty())
@@ -201,6 +224,9 @@ HostOptions Parser::Read() const
     options.traceFile = AbsolutePath(m_TraceFile);
     if (m_Parser.isSet(m_Language))
         options.language = QLocale(m_Parser.value(m_Language));
+    options.fileToImport = AbsolutePath(m_Import);
+    const bool printsExport = m_Parser.value(m_Export) == HostOptions::s_standardOutput;
+    options.fileToExport = printsExport ? HostOptions::s_standardOutput : AbsolutePath(m_Export);
     for (const QString& file : m_Parser.values(m_Add))
         options.filesToAdd.append(QFileInfo(file).absoluteFilePath());
     options.list = m_Parser.isSet(m_List);
@@ -212,6 +238,9 @@ HostOptions Parser::Read() const
     options.screenshotBefore = AbsolutePath(m_ScreenshotBefore);
     options.screenshotDuring = AbsolutePath(m_ScreenshotDuring);
     options.screenshot = AbsolutePath(m_Screenshot);
+    options.backups = m_Parser.isSet(m_Backups);
+    options.versionToRestore = m_Parser.value(m_Restore).toInt();
+    options.diagnose = m_Parser.isSet(m_Diagnose);
     return options;
 }
 
@@ -222,7 +251,7 @@ ParsedCommandLine Parser::Parse(const QStringList& arguments)
     if (!m_Parser.parse(arguments))
         return {Outcome::Wrong, m_Parser.errorText(), {}};
     if (m_Parser.isSet(m_Help))
-        return {Outcome::Print, HelpText(), {}};
+        return {Outcome::Print, Help(), {}};
     if (m_Parser.isSet(m_Version))
         return {Outcome::Print, QStringLiteral("vexelhost " VEXEL_VERSION "\n"), {}};
     if (const QString error = CheckGivenValues(); !error.isEmpty())
@@ -242,8 +271,13 @@ bool HostOptions::Connects() const
 
 bool HostOptions::IsHeadless() const
 {
-    return list || wait || Connects() || !filesToAdd.isEmpty() || !screenshot.isEmpty() ||
-           !screenshotBefore.isEmpty() || !screenshotDuring.isEmpty();
+    return list || wait || Connects() || !fileToImport.isEmpty() || !filesToAdd.isEmpty() || !fileToExport.isEmpty() ||
+           !screenshot.isEmpty() || !screenshotBefore.isEmpty() || !screenshotDuring.isEmpty();
+}
+
+bool HostOptions::IsForSupport() const
+{
+    return backups || versionToRestore > 0 || diagnose;
 }
 
 ParsedCommandLine ParseCommandLine(const QStringList& arguments)

@@ -16,7 +16,9 @@ struct HostOptions
     bool trace = false;              ///< traces to standard error
     QString traceFile;               ///< traces appended to this file; empty: none
     std::optional<QLocale> language; ///< none: the system's
+    QString fileToImport;            ///< connection list that takes the place of all entries; empty: none
     QStringList filesToAdd;          ///< connection lists whose entries are appended
+    QString fileToExport;            ///< where the whole list is written as a document; `s_standardOutput` or a path
     bool list = false;               ///< print the entries
     bool json = false;               ///< ... as JSON
     QStringList namesToConnect;      ///< entries to connect, each name once
@@ -25,11 +27,19 @@ struct HostOptions
     QString screenshotBefore;        ///< picture of the dialog before anything is connected; empty: none
     QString screenshotDuring;        ///< ... once everything is connected
     QString screenshot;              ///< ... at the end
+    bool backups = false;            ///< print the versions of the stored list
+    int versionToRestore = 0;        ///< bring this version of it back, 1 being the newest; 0: none
+    bool diagnose = false;           ///< print what a support desk asks for
+
+    /// As the file to export to: the document is printed.
+    static inline const QString s_standardOutput = QStringLiteral("-");
 
     /// Whether entries are to be connected.
     bool Connects() const;
     /// Whether the work is done without a person at the dialog; the host then ends by itself.
     bool IsHeadless() const;
+    /// Whether it is about the configuration alone, without the plug-in's instance and without any window.
+    bool IsForSupport() const;
 };
 
 /// The outcome of reading a command line.

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 namespace {
 
@@ -31,4 +32,26 @@ ListFile ReadListFile(const QString& fileName)
     if (content.size() > s_largestFile)
         return refused(QStringLiteral("larger than %1 MiB").arg(s_largestFile / s_mebibyte));
     return {content, {}};
+}
+
+QString WriteListFile(const QString& fileName, const QByteArray& content)
+{
+    const auto refused = [&fileName](const QString& reason) {
+        return QStringLiteral("cannot write %1: %2").arg(fileName, reason);
+    };
+
+    // Replacing a pipe or a device by a file is not what writing to it means.
+    const QFileInfo former(fileName);
+    if (former.exists() && !former.isFile())
+        return refused(QStringLiteral("not a regular file"));
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        return refused(file.errorString());
+    // A disk that fills up takes a part without calling that an error.
+    if (file.write(content) != content.size()) {
+        const QString reason = file.error() == QFileDevice::NoError ? QStringLiteral("no room") : file.errorString();
+        file.cancelWriting();
+        return refused(reason);
+    }
+    return file.commit() ? QString() : refused(file.errorString());
 }

@@ -2,6 +2,7 @@
 #include "tests/host/fakedialog.h"
 
 #include <QAbstractItemModelTester>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -24,6 +25,7 @@ private slots:
     void TickKeeperFollowsMovedRows();
     void ConnectPressesTheButton();
     void AppendThatFailsLeavesTheListAlone();
+    void DocumentIsThatOfTheWholeListInItsOrder();
 
 private:
     std::unique_ptr<FakeDialog> m_pFake;
@@ -169,6 +171,42 @@ void TestConnectDialog::AppendThatFailsLeavesTheListAlone()
     // This model does not know the document at all.
     QVERIFY(!dialog->Append("<ConnectionEntries/>"));
     QCOMPARE(dialog->Count(), 1);
+}
+
+void TestConnectDialog::DocumentIsThatOfTheWholeListInItsOrder()
+{
+    // Says of each index that it is asked for which entry it stands for.
+    struct NamingModel : QStandardItemModel
+    {
+        NamingModel()
+            : QStandardItemModel(0, EntryColumnCount)
+        {
+        }
+        QMimeData* mimeData(const QModelIndexList& indexes) const override
+        {
+            QStringList names;
+            for (const QModelIndex& cell : indexes)
+                names.append(cell.siblingAtColumn(static_cast<int>(EntryColumn::Name)).data().toString());
+            auto* data = new QMimeData;
+            data->setData(QStringLiteral("text/plain"), names.join(QLatin1Char(' ')).toUtf8());
+            return data;
+        }
+    };
+    NamingModel model;
+    model.setObjectName(m_pFake->entries.objectName());
+    m_pFake->proxy.setSourceModel(&model);
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    QVERIFY2(dialog, qPrintable(error));
+    QCOMPARE(dialog->Document(), QByteArray());
+    for (const char* name : {"c", "a", "b"}) {
+        model.appendRow(new QStandardItem);
+        model.setData(model.index(model.rowCount() - 1, static_cast<int>(EntryColumn::Name)), QLatin1String(name));
+    }
+    // The views sort.
+    QCOMPARE(m_pFake->proxy.index(0, static_cast<int>(EntryColumn::Name)).data().toString(), QStringLiteral("a"));
+    QCOMPARE(dialog->Document(), QByteArray("c a b"));
+    m_pFake->proxy.setSourceModel(&m_pFake->entries);
 }
 
 QTEST_MAIN(TestConnectDialog)

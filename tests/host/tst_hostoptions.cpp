@@ -31,6 +31,7 @@ private slots:
     void WrongCommandLines();
     void HeadlessOptions_data();
     void HeadlessOptions();
+    void SupportOptions();
 };
 
 void TestHostOptions::NothingGiven()
@@ -67,6 +68,10 @@ void TestHostOptions::EveryOptionArrives()
                                             QStringLiteral("/l/one.xml"),
                                             QStringLiteral("--add"),
                                             QStringLiteral("/l/two.xml"),
+                                            QStringLiteral("--import"),
+                                            QStringLiteral("/l/all.xml"),
+                                            QStringLiteral("--export"),
+                                            QStringLiteral("/l/out.xml"),
                                             QStringLiteral("--list"),
                                             QStringLiteral("--connect"),
                                             QStringLiteral("A"),
@@ -93,6 +98,8 @@ void TestHostOptions::EveryOptionArrives()
     QCOMPARE(options.traceFile, absolute("/t/trace"));
     QCOMPARE(options.language.value_or(QLocale::c()), QLocale(QLocale::German, QLocale::Austria));
     QCOMPARE(options.filesToAdd, QStringList({absolute("/l/one.xml"), absolute("/l/two.xml")}));
+    QCOMPARE(options.fileToImport, absolute("/l/all.xml"));
+    QCOMPARE(options.fileToExport, absolute("/l/out.xml"));
     QVERIFY(options.list);
     QVERIFY(!options.json);
     QCOMPARE(options.namesToConnect, QStringList({QStringLiteral("A"), QStringLiteral("B")}));
@@ -114,6 +121,7 @@ void TestHostOptions::PathsBecomeAbsolute()
     const ParsedCommandLine parsed = Parse(
         {QStringLiteral("--plugin"), QStringLiteral("plug.so"), QStringLiteral("--config"), QStringLiteral("a/../b"),
          QStringLiteral("--trace-file"), QStringLiteral("t.log"), QStringLiteral("--add"), QStringLiteral("l.xml"),
+         QStringLiteral("--import"), QStringLiteral("i.xml"), QStringLiteral("--export"), QStringLiteral("./e.xml"),
          QStringLiteral("--screenshot"), QStringLiteral("s.png"), QStringLiteral("--data"), QStringLiteral(".")});
     QCOMPARE(parsed.outcome, Outcome::Run);
     const QDir here = QDir::current();
@@ -121,6 +129,8 @@ void TestHostOptions::PathsBecomeAbsolute()
     QCOMPARE(parsed.options.configDirectory, here.absoluteFilePath(QStringLiteral("b")));
     QCOMPARE(parsed.options.traceFile, here.absoluteFilePath(QStringLiteral("t.log")));
     QCOMPARE(parsed.options.filesToAdd, QStringList(here.absoluteFilePath(QStringLiteral("l.xml"))));
+    QCOMPARE(parsed.options.fileToImport, here.absoluteFilePath(QStringLiteral("i.xml")));
+    QCOMPARE(parsed.options.fileToExport, here.absoluteFilePath(QStringLiteral("e.xml")));
     QCOMPARE(parsed.options.screenshot, here.absoluteFilePath(QStringLiteral("s.png")));
     QCOMPARE(parsed.options.dataDirectory, here.absolutePath());
 }
@@ -157,7 +167,9 @@ void TestHostOptions::HelpNamesEveryOptionAndEveryExitCode()
                                  "--trace ",
                                  "--trace-file <FILE>",
                                  "--language <LOCALE>",
+                                 "--import <FILE>",
                                  "--add <FILE>",
+                                 "--export <FILE>",
                                  "--list",
                                  "--json",
                                  "--connect <NAME>",
@@ -166,6 +178,10 @@ void TestHostOptions::HelpNamesEveryOptionAndEveryExitCode()
                                  "--screenshot <FILE>",
                                  "--screenshot-before <FILE>",
                                  "--screenshot-during <FILE>",
+                                 "--backups",
+                                 "--restore <N>",
+                                 "--diagnose",
+                                 "import, add, export, list, picture before",
                                  "-h, --help",
                                  "-v, --version",
                                  "VEXEL_CONFIG_DIR",
@@ -173,7 +189,8 @@ void TestHostOptions::HelpNamesEveryOptionAndEveryExitCode()
                                  "\n  0  done",
                                  "\n  1  ",
                                  "\n  2  ",
-                                 "\n  3  something asked for could not be connected"})
+                                 "\n  3  something asked for could not be connected",
+                                 "\n  4  another host works on the same configuration directory"})
             QVERIFY2(parsed.text.contains(QLatin1String(part)), part);
     }
 }
@@ -210,6 +227,33 @@ void TestHostOptions::WrongCommandLines_data()
     row("JSON among lines", {QStringLiteral("--list"), QStringLiteral("--json"), QStringLiteral("--wait")}, "--wait");
     row("two ways to connect", {QStringLiteral("--connect"), QStringLiteral("A"), QStringLiteral("--connect-selected")},
         "--connect-selected");
+    row("empty import", {QStringLiteral("--import"), QString()}, "--import");
+    row("empty export", {QStringLiteral("--export"), QString()}, "--export");
+    row("two imports", {QStringLiteral("--import=a.xml"), QStringLiteral("--import=b.xml")}, "only once");
+    row("two exports", {QStringLiteral("--export=a.xml"), QStringLiteral("--export=b.xml")}, "only once");
+    row("two versions", {QStringLiteral("--restore=1"), QStringLiteral("--restore=2")}, "only once");
+    row("export among lines", {QStringLiteral("--export"), QStringLiteral("-"), QStringLiteral("--list")}, "--list");
+    row("export among changes",
+        {QStringLiteral("--export=-"), QStringLiteral("--connect-selected"), QStringLiteral("--wait")}, "--wait");
+    row("no version", {QStringLiteral("--restore")}, "restore");
+    row("empty version", {QStringLiteral("--restore"), QString()}, "--restore");
+    row("present state", {QStringLiteral("--restore"), QStringLiteral("0")}, "--restore");
+    row("version below", {QStringLiteral("--restore=-1")}, "--restore");
+    row("version of a name", {QStringLiteral("--restore"), QStringLiteral("now")}, "--restore");
+    row("version of many digits", {QStringLiteral("--restore"), QStringLiteral("99999999999")}, "--restore");
+    row("versions and one of them", {QStringLiteral("--backups"), QStringLiteral("--restore=1")}, "--restore");
+    row("versions and diagnosis", {QStringLiteral("--backups"), QStringLiteral("--diagnose")}, "--diagnose");
+    row("restored JSON", {QStringLiteral("--restore=1"), QStringLiteral("--json")}, "--json");
+    for (const char* command : {"--backups", "--restore=1", "--diagnose"}) {
+        for (const char* work : {"--list", "--wait", "--connect=A", "--connect-selected", "--add=a.xml",
+                                 "--import=a.xml", "--export=a.xml", "--screenshot=a.png"}) {
+            QTest::addRow("%s %s", command, work)
+                << QStringList{QString::fromLatin1(command), QString::fromLatin1(work)}
+                << QString::fromLatin1(command).section(u'=', 0, 0);
+        }
+    }
+    row("versions and data", {QStringLiteral("--backups"), QStringLiteral("--data=.")}, "--data");
+    row("version and data", {QStringLiteral("--restore=1"), QStringLiteral("--data=.")}, "--data");
     row("during nothing", {QStringLiteral("--screenshot-during"), QStringLiteral("a.png")}, "--connect");
 }
 
@@ -238,6 +282,9 @@ void TestHostOptions::HeadlessOptions_data()
     row("wait", {QStringLiteral("--wait")}, true);
     row("picture", {QStringLiteral("--screenshot"), QStringLiteral("a.png")}, true);
     row("picture before", {QStringLiteral("--screenshot-before"), QStringLiteral("a.png")}, true);
+    row("import", {QStringLiteral("--import"), QStringLiteral("a.xml")}, true);
+    row("export", {QStringLiteral("--export"), QStringLiteral("a.xml")}, true);
+    row("export to standard output", {QStringLiteral("--export"), QStringLiteral("-")}, true);
     row("trace", {QStringLiteral("--trace")}, false);
     row("places", {QStringLiteral("--config"), QStringLiteral("c"), QStringLiteral("--plugin"), QStringLiteral("p")},
         false);
@@ -250,6 +297,31 @@ void TestHostOptions::HeadlessOptions()
     const ParsedCommandLine parsed = Parse(arguments);
     QCOMPARE(parsed.outcome, Outcome::Run);
     QCOMPARE(parsed.options.IsHeadless(), headless);
+}
+
+void TestHostOptions::SupportOptions()
+{
+    const ParsedCommandLine backups = Parse({QStringLiteral("--backups"), QStringLiteral("--json")});
+    QCOMPARE(backups.outcome, Outcome::Run);
+    QVERIFY(backups.options.backups && backups.options.json);
+    QVERIFY(backups.options.IsForSupport());
+    QVERIFY(!backups.options.IsHeadless());
+
+    const ParsedCommandLine restore = Parse({QStringLiteral("--restore"), QStringLiteral("10")});
+    QCOMPARE(restore.outcome, Outcome::Run);
+    QCOMPARE(restore.options.versionToRestore, 10);
+    QVERIFY(restore.options.IsForSupport());
+
+    const ParsedCommandLine diagnose =
+        Parse({QStringLiteral("--diagnose"), QStringLiteral("--json"), QStringLiteral("--data"), QStringLiteral("."),
+               QStringLiteral("--plugin"), QStringLiteral("p"), QStringLiteral("--trace")});
+    QCOMPARE(diagnose.outcome, Outcome::Run);
+    QVERIFY(diagnose.options.diagnose && diagnose.options.json);
+    QVERIFY(diagnose.options.IsForSupport());
+
+    QVERIFY(!Parse({QStringLiteral("--list")}).options.IsForSupport());
+    QCOMPARE(Parse({QStringLiteral("--export"), QStringLiteral("-")}).options.fileToExport,
+             HostOptions::s_standardOutput);
 }
 
 QTEST_GUILESS_MAIN(TestHostOptions)

@@ -1,6 +1,9 @@
 #include "host/listfile.h"
+#include "tests/dialog/filesizelimit.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -13,6 +16,9 @@ private slots:
     void RefusesWhatIsNoFile_data();
     void RefusesWhatIsNoFile();
     void ReadsUpToTheLimitAndNoFurther();
+    void WritesAFileWhole();
+    void WritesNothingInPlaceOfWhatIsNoFile();
+    void AFullDiskLeavesTheFileAsItWas();
 };
 
 void TestListFile::ReadsAFileWhole()
@@ -60,6 +66,49 @@ void TestListFile::ReadsUpToTheLimitAndNoFurther()
     const ListFile read = ReadListFile(file.fileName());
     QVERIFY(read.content.isEmpty());
     QVERIFY2(read.error.contains(QLatin1String("64 MiB")), qPrintable(read.error));
+}
+
+void TestListFile::WritesAFileWhole()
+{
+    const QTemporaryDir directory;
+    const QString fileName = directory.filePath(QStringLiteral("list.xml"));
+    const QByteArray content("<a/>\r\n\0<b/>", 12);
+    QCOMPARE(WriteListFile(fileName, QByteArray(1000, 'x')), QString());
+    QCOMPARE(WriteListFile(fileName, content), QString());
+    QCOMPARE(ReadListFile(fileName).content, content);
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(QStringLiteral("list.xml")));
+}
+
+void TestListFile::WritesNothingInPlaceOfWhatIsNoFile()
+{
+    const QTemporaryDir directory;
+    QVERIFY(QDir(directory.path()).mkdir(QStringLiteral("folder")));
+    const QString folder = directory.filePath(QStringLiteral("folder"));
+    const QString missing = directory.filePath(QStringLiteral("missing/list.xml"));
+    for (const QString& fileName : {folder, missing}) {
+        const QString error = WriteListFile(fileName, "<a/>");
+        QVERIFY2(error.contains(fileName), qPrintable(error));
+    }
+    QVERIFY(QFileInfo(folder).isDir());
+    QVERIFY(!QFileInfo::exists(missing));
+}
+
+void TestListFile::AFullDiskLeavesTheFileAsItWas()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("This system has no limit of a file's size for one process.");
+#else
+    const QTemporaryDir directory;
+    const QString fileName = directory.filePath(QStringLiteral("list.xml"));
+    QCOMPARE(WriteListFile(fileName, "<old/>"), QString());
+    {
+        const FileSizeLimit limit(1000);
+        const QString error = WriteListFile(fileName, QByteArray(100'000, 'x'));
+        QVERIFY2(error.contains(fileName), qPrintable(error));
+    }
+    QCOMPARE(ReadListFile(fileName).content, QByteArray("<old/>"));
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(QStringLiteral("list.xml")));
+#endif
 }
 
 QTEST_GUILESS_MAIN(TestListFile)
