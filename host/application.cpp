@@ -3,18 +3,16 @@
 #include "host/connectdialog.h"
 #include "host/console.h"
 #include "host/datadirectory.h"
-#include "host/dialogkeeper.h"
+#include "host/dialogsession.h"
 #include "host/headlessjob.h"
 #include "host/instancelock.h"
 #include "host/signalwatcher.h"
-#include "host/statusmonitor.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
 #include "platform/translationcenter.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QSessionManager>
 #include <QStandardPaths>
 
 #include <utility>
@@ -29,6 +27,20 @@ HostOptions WithDefaults(HostOptions options)
         options.configDirectory = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
     return options;
 }
+
+/// The translations of the host's own texts, for as long as it lives.
+class Texts
+{
+public:
+    Texts() { TranslationCenter::Instance().Register(m_Domain); }
+    ~Texts() { TranslationCenter::Instance().Unregister(m_Domain); }
+
+    Texts(const Texts&) = delete;
+    Texts& operator=(const Texts&) = delete;
+
+private:
+    const QString m_Domain = QStringLiteral("vexelhost");
+};
 
 } // namespace
 
@@ -69,6 +81,7 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     SetUpEnvironment();
     if (m_Options.language)
         TranslationCenter::Instance().SetLocale(*m_Options.language);
+    const Texts texts;
     if (!m_Options.dataDirectory.isEmpty())
         DataDirectory::Set(m_Options.dataDirectory);
 
@@ -123,30 +136,17 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
         SaveSettings(instance, nullptr);
         return result;
     }
-    RunDialog(instance, *dialog, signalWatcher);
+    RunDialog(instance, *dialog);
     SaveSettings(instance, dialog->Window());
     return ExitCode::Done;
 }
 
-void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher&)
+void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog)
 {
-    const StatusMonitor monitor(dialog.Entries());
-    const DialogKeeper keeper(dialog, monitor);
-    QObject::connect(&keeper, &DialogKeeper::DialogHidden, qApp, [&] { SaveSettings(instance, dialog.Window()); });
-    QObject::connect(&keeper, &DialogKeeper::EndWanted, qApp, [] { QCoreApplication::exit(); });
-    QObject::connect(&keeper, &DialogKeeper::StaysHidden, qApp, [](int inUse) {
-        Console::Complain(
-            QStringLiteral("%1 still in use; the dialog comes back when the last application has ended")
-                .arg(inUse == 1 ? QStringLiteral("1 entry is") : QStringLiteral("%1 entries are").arg(inUse)));
-    });
-    // At the end of a session the process may get no further than this.
-    QObject::connect(
-        qApp, &QGuiApplication::commitDataRequest, qApp, [&] { SaveSettings(instance, dialog.Window()); },
-        Qt::DirectConnection);
-
-    dialog.BringToFront();
+    DialogSession session(dialog, [&] { return SaveSettings(instance, dialog.Window()); });
+    QObject::connect(&session, &DialogSession::EndWanted, qApp, [] { QCoreApplication::exit(); });
+    session.Start();
     QCoreApplication::exec();
-    QObject::disconnect(qApp, &QGuiApplication::commitDataRequest, nullptr, nullptr);
 }
 
 ExitCode Application::RunHeadless(const ConnectDialog& dialog, SignalWatcher& signalWatcher)
@@ -167,19 +167,20 @@ ExitCode Application::RunHeadless(const ConnectDialog& dialog, SignalWatcher& si
     return result;
 }
 
-void Application::SaveSettings(IDllInstance& instance, QWidget* window)
+bool Application::SaveSettings(IDllInstance& instance, QWidget* window)
 {
     instance.SaveSettings();
     if (window)
         GuiBase::Instance().StoreWidgetSize(window);
-    SaveDocument();
+    return SaveDocument();
 }
 
-void Application::SaveDocument()
+bool Application::SaveDocument()
 {
     const bool failed = !CfgCenter::SaveDocument();
     // Once is enough to know: saving is tried again at every occasion.
     if (failed && !m_SaveFailed)
         Console::Complain(QStringLiteral("the configuration in %1 could not be saved").arg(m_Options.configDirectory));
     m_SaveFailed = failed;
+    return !failed;
 }

@@ -20,13 +20,13 @@ public:
 private:
     ExitCode RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher);
     ExitCode RunWithInstance(IDllInstance& instance, SignalWatcher& signalWatcher);
-    void RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher);
+    void RunDialog(IDllInstance& instance, const ConnectDialog& dialog);
     ExitCode RunHeadless(const ConnectDialog& dialog, SignalWatcher& signalWatcher);
 
     void SetUpEnvironment() const;
     PluginLibrary::Instance CreateInstance(const PluginLibrary& library) const;
-    void SaveSettings(IDllInstance& instance, QWidget* window);
-    void SaveDocument();
+    bool SaveSettings(IDllInstance& instance, QWidget* window);
+    bool SaveDocument();
 
     const HostOptions m_Options;
     bool m_SaveFailed = false;

@@ -32,6 +32,27 @@ bool DialogKeeper::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void DialogKeeper::SetTrayAvailable(bool bAvailable)
+{
+    m_TrayAvailable = bAvailable;
+    if (!bAvailable)
+        DecideLater();
+}
+
+void DialogKeeper::ShowDialog()
+{
+    m_Dialog.BringToFront();
+}
+
+void DialogKeeper::AskToEnd()
+{
+    const int inUse = m_Monitor.CountInUse();
+    if (inUse == 0)
+        emit EndWanted();
+    else
+        emit EndNeedsAnswer(inUse);
+}
+
 void DialogKeeper::OnConnectClicked()
 {
     if (m_State == State::Shown)
@@ -48,21 +69,50 @@ void DialogKeeper::DecideLater()
 
 void DialogKeeper::Decide()
 {
-    // A box that is open now was opened by "&Connect", which has more entries to go; its end decides.
-    if (m_State == State::Shown || QApplication::activeModalWidget())
+    // A box that is open now was opened by "&Connect", which has more entries to go, or asks about the end; what
+    // follows its answer decides.
+    if (QApplication::activeModalWidget())
         return;
 
-    const int inUse = m_Monitor.CountInUse();
-    if (m_State == State::Waiting) {
-        if (inUse == 0)
+    switch (m_State) {
+    case State::Shown:
+        break;
+    case State::Closed:
+        DecideAboutClosed();
+        break;
+    case State::Waiting:
+        if (m_Monitor.CountInUse() == 0)
             m_Dialog.BringToFront();
-        return;
+        break;
+    case State::InTray:
+        // The host is not ended for the loss of the tray: a panel that starts anew is no wish of the person.
+        if (!m_TrayAvailable)
+            ComeBackOrWait();
+        break;
     }
+}
+
+void DialogKeeper::DecideAboutClosed()
+{
     emit DialogHidden();
-    if (inUse == 0) {
+    if (m_TrayAvailable) {
+        m_State = State::InTray;
+        if (!m_WentToTrayBefore)
+            emit WentToTray();
+        m_WentToTrayBefore = true;
+    } else if (m_Monitor.CountInUse() == 0) {
         emit EndWanted();
-        return;
+    } else {
+        ComeBackOrWait();
     }
+}
+
+void DialogKeeper::ComeBackOrWait()
+{
     m_State = State::Waiting;
-    emit StaysHidden(inUse);
+    const int inUse = m_Monitor.CountInUse();
+    if (inUse == 0)
+        m_Dialog.BringToFront();
+    else
+        emit StaysHidden(inUse);
 }

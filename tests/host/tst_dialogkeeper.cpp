@@ -34,6 +34,8 @@ struct Kept
         hidden = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::DialogHidden);
         end = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::EndWanted);
         stays = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::StaysHidden);
+        wentToTray = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::WentToTray);
+        asks = std::make_unique<QSignalSpy>(keeper.get(), &DialogKeeper::EndNeedsAnswer);
         fake.show();
     }
 
@@ -45,6 +47,8 @@ struct Kept
     std::unique_ptr<QSignalSpy> hidden;
     std::unique_ptr<QSignalSpy> end;
     std::unique_ptr<QSignalSpy> stays;
+    std::unique_ptr<QSignalSpy> wentToTray;
+    std::unique_ptr<QSignalSpy> asks;
 };
 
 /// Lets everything that is waiting in the event queue happen.
@@ -71,6 +75,19 @@ private slots:
     void AnApplicationThatEndsDuringTheProblemBox();
     void AnApplicationThatEndsWhileTheDialogIsShown();
     void MinimisingIsNotClosing();
+
+    void ClosingToTheTray_data();
+    void ClosingToTheTray();
+    void TheTrayIsExplainedOnce();
+    void ConnectingWithATrayComesBack();
+    void CalledFromTheTrayWhileWaiting();
+    void TheTrayGoesWhileTheDialogIsAway();
+    void TheTrayGoesWhileEntriesAreInUse();
+    void TheTrayGoesWhileTheDialogIsShown();
+    void TheTrayAppearsLater();
+    void TheTrayAppearsWhileWaiting();
+    void AskingToEnd();
+    void ABoxThatWasAnsweredHoldsNothingUp();
 };
 
 void TestDialogKeeper::ClosingWithNothingInUseEndsTheHost_data()
@@ -214,6 +231,195 @@ void TestDialogKeeper::MinimisingIsNotClosing()
     Settle();
     QCOMPARE(kept.end->count(), 0);
     QCOMPARE(kept.hidden->count(), 0);
+}
+
+void TestDialogKeeper::ClosingToTheTray_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("nothing in use") << 0;
+    QTest::newRow("in use") << 1;
+}
+
+void TestDialogKeeper::ClosingToTheTray()
+{
+    QFETCH(const int, status);
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.SetStatus(0, status);
+    kept.fake.close();
+    QTRY_COMPARE(kept.hidden->count(), 1);
+    QCOMPARE(kept.wentToTray->count(), 1);
+
+    // Whoever sent it away calls it back; the end of an application does not.
+    kept.fake.SetStatus(0, 1);
+    Settle();
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.stays->count(), 0);
+    QCOMPARE(kept.hidden->count(), 1);
+
+    kept.keeper->ShowDialog();
+    QVERIFY(kept.fake.isVisible());
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::TheTrayIsExplainedOnce()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    for (int i = 1; i <= 3; ++i) {
+        kept.fake.close();
+        QTRY_COMPARE(kept.hidden->count(), i);
+        QCOMPARE(kept.wentToTray->count(), 1);
+        kept.keeper->ShowDialog();
+    }
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::ConnectingWithATrayComesBack()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    // It was not sent away, it made room.
+    QCOMPARE(kept.wentToTray->count(), 0);
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+
+    kept.onConnect = nullptr;
+    kept.fake.connectButton->click();
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::CalledFromTheTrayWhileWaiting()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    kept.keeper->ShowDialog();
+    QVERIFY(kept.fake.isVisible());
+    // Closed by now, so it stays away.
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::TheTrayGoesWhileTheDialogIsAway()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    kept.keeper->SetTrayAvailable(false);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+    // From now on as without a tray.
+    kept.fake.close();
+    QTRY_COMPARE(kept.end->count(), 1);
+}
+
+void TestDialogKeeper::TheTrayGoesWhileEntriesAreInUse()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.SetStatus(0, 1);
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    kept.keeper->SetTrayAvailable(false);
+    QTRY_COMPARE(kept.stays->count(), 1);
+    QCOMPARE(kept.stays->at(0).at(0).toInt(), 1);
+    QVERIFY(kept.fake.isHidden());
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::TheTrayGoesWhileTheDialogIsShown()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.keeper->SetTrayAvailable(false);
+    Settle();
+    QVERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.hidden->count(), 0);
+    QCOMPARE(kept.end->count(), 0);
+    kept.fake.close();
+    QTRY_COMPARE(kept.end->count(), 1);
+}
+
+void TestDialogKeeper::TheTrayAppearsLater()
+{
+    Kept kept;
+    Settle();
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogKeeper::TheTrayAppearsWhileWaiting()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.close();
+    QTRY_COMPARE(kept.stays->count(), 1);
+    kept.keeper->SetTrayAvailable(true);
+    // It was promised to come back.
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.wentToTray->count(), 0);
+}
+
+void TestDialogKeeper::AskingToEnd()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.keeper->AskToEnd();
+    QCOMPARE(kept.asks->count(), 1);
+    QCOMPARE(kept.asks->at(0).at(0).toInt(), 1);
+    QCOMPARE(kept.end->count(), 0);
+
+    kept.fake.SetStatus(0, 0);
+    kept.keeper->AskToEnd();
+    QCOMPARE(kept.asks->count(), 1);
+    QCOMPARE(kept.end->count(), 1);
+}
+
+void TestDialogKeeper::ABoxThatWasAnsweredHoldsNothingUp()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+
+    QMessageBox box;
+    box.setModal(true);
+    box.show();
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    box.hide();
+    kept.keeper->DecideLater();
+    QTRY_VERIFY(kept.fake.isVisible());
 }
 
 QTEST_MAIN(TestDialogKeeper)

@@ -1,0 +1,86 @@
+#include "host/trayicon.h"
+
+#include "host/statusmonitor.h"
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+/// A static library's resources are there only when they are asked for. Not in a namespace, where that cannot be done.
+static void ProvideDrawings()
+{
+    Q_INIT_RESOURCE(vexelhost);
+}
+
+namespace {
+
+constexpr std::chrono::milliseconds s_lookInterval = 1s;
+
+QIcon Drawing(const QString& name)
+{
+    QIcon icon;
+    // Sizes of their own, because thin lines blur when they are scaled.
+    for (const int size : {16, 22, 24, 32, 48, 64})
+        icon.addFile(QStringLiteral(":/vexelhost/%1-%2.png").arg(name).arg(size));
+    return icon;
+}
+
+} // namespace
+
+TrayIcon::TrayIcon(const StatusMonitor& monitor, QObject* parent)
+    : QObject(parent)
+{
+    ProvideDrawings();
+    m_Menu.setObjectName(QStringLiteral("m_TrayMenu"));
+    m_Icon.setObjectName(QStringLiteral("m_TrayIcon"));
+    m_Icon.setParent(this);
+    m_Icon.setContextMenu(&m_Menu);
+
+    QAction* show = m_Menu.addAction(tr("Show connect dialog"), this, &TrayIcon::DialogWanted);
+    m_Menu.setDefaultAction(show);
+    m_Menu.addAction(tr("Save now"), this, &TrayIcon::SaveWanted);
+    m_Menu.addSeparator();
+    m_Menu.addAction(tr("Quit"), this, &TrayIcon::EndWanted);
+
+    connect(&m_Icon, &QSystemTrayIcon::activated, this, &TrayIcon::OnActivated);
+    connect(&monitor, &StatusMonitor::InUseChanged, this, &TrayIcon::ShowCount);
+    connect(&m_LookTimer, &QTimer::timeout, this, &TrayIcon::Look);
+
+    ShowCount(monitor.CountInUse());
+    m_Icon.show();
+    m_Available = QSystemTrayIcon::isSystemTrayAvailable();
+    m_LookTimer.start(s_lookInterval);
+}
+
+void TrayIcon::Tell(const QString& text, QSystemTrayIcon::MessageIcon icon)
+{
+    if (m_Available)
+        m_Icon.showMessage(tr("Vexel - Connect Dialog"), text, icon);
+}
+
+void TrayIcon::OnActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    // A double click has been a click already, the menu's own click belongs to the menu.
+    if (reason == QSystemTrayIcon::Trigger)
+        emit DialogWanted();
+}
+
+void TrayIcon::Look()
+{
+    const bool available = QSystemTrayIcon::isSystemTrayAvailable();
+    if (available == m_Available)
+        return;
+    m_Available = available;
+    emit AvailabilityChanged(available);
+}
+
+void TrayIcon::ShowCount(int inUse)
+{
+    m_Icon.setIcon(Drawing(inUse == 0 ? QStringLiteral("tray") : QStringLiteral("tray-in-use")));
+    QString count = tr("%n entries in use", nullptr, inUse);
+    if (inUse == 0)
+        count = tr("no entry in use");
+    else if (inUse == 1)
+        count = tr("1 entry in use");
+    m_Icon.setToolTip(tr("Vexel - Connect Dialog") + QLatin1Char('\n') + count);
+}

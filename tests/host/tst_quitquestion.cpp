@@ -1,0 +1,128 @@
+#include "host/quitquestion.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+QMessageBox* OpenBox()
+{
+    return qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+}
+
+QAbstractButton* Button(const QString& text)
+{
+    for (QAbstractButton* button : OpenBox()->buttons()) {
+        if (button->text() == text)
+            return button;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class TestQuitQuestion : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void Tells_data();
+    void Tells();
+    void Answers_data();
+    void Answers();
+    void AsksOnceAtATime();
+    void GoesWithItsObject();
+};
+
+void TestQuitQuestion::Tells_data()
+{
+    QTest::addColumn<int>("inUse");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("one") << 1 << QStringLiteral("1 entry is in use.");
+    QTest::newRow("three") << 3 << QStringLiteral("3 entries are in use.");
+}
+
+void TestQuitQuestion::Tells()
+{
+    QFETCH(const int, inUse);
+    QFETCH(const QString, text);
+    QuitQuestion question;
+    question.Ask(inUse);
+    QVERIFY(OpenBox());
+    QCOMPARE(OpenBox()->text().section(QLatin1Char('\n'), 0, 0), text);
+    QVERIFY(OpenBox()->text().contains(QLatin1String("end with it")));
+}
+
+void TestQuitQuestion::Answers_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("quit");
+    QTest::newRow("Quit") << QStringLiteral("Quit") << 0 << true;
+    QTest::newRow("Cancel") << QStringLiteral("Cancel") << 0 << false;
+    QTest::newRow("Enter") << QString() << static_cast<int>(Qt::Key_Return) << false;
+    QTest::newRow("Escape") << QString() << static_cast<int>(Qt::Key_Escape) << false;
+    QTest::newRow("the window's own cross") << QString() << 0 << false;
+}
+
+void TestQuitQuestion::Answers()
+{
+    QFETCH(const QString, button);
+    QFETCH(const int, key);
+    QFETCH(const bool, quit);
+    QuitQuestion question;
+    QSignalSpy answered(&question, &QuitQuestion::Answered);
+    bool boxDuringAnswer = true;
+    connect(&question, &QuitQuestion::Answered, &question, [&] { boxDuringAnswer = OpenBox() != nullptr; });
+    question.Ask(2);
+    QVERIFY(OpenBox());
+    if (!button.isEmpty()) {
+        QVERIFY(Button(button));
+        Button(button)->click();
+    } else if (key != 0) {
+        QTest::keyClick(OpenBox(), static_cast<Qt::Key>(key));
+    } else {
+        OpenBox()->close();
+    }
+    QCOMPARE(answered.count(), 1);
+    QCOMPARE(answered.at(0).at(0).toBool(), quit);
+    QVERIFY(!boxDuringAnswer);
+
+    // It can be asked again.
+    question.Ask(1);
+    QVERIFY(OpenBox());
+    Button(QStringLiteral("Cancel"))->click();
+    QCOMPARE(answered.count(), 2);
+}
+
+void TestQuitQuestion::AsksOnceAtATime()
+{
+    QuitQuestion question;
+    const QSignalSpy answered(&question, &QuitQuestion::Answered);
+    question.Ask(1);
+    const QMessageBox* box = OpenBox();
+    question.Ask(1);
+    QCOMPARE(OpenBox(), box);
+    Button(QStringLiteral("Quit"))->click();
+    QVERIFY(!OpenBox());
+    QCOMPARE(answered.count(), 1);
+}
+
+void TestQuitQuestion::GoesWithItsObject()
+{
+    auto question = std::make_unique<QuitQuestion>();
+    const QSignalSpy answered(question.get(), &QuitQuestion::Answered);
+    question->Ask(1);
+    QVERIFY(OpenBox());
+    question.reset();
+    QVERIFY(!OpenBox());
+    QCOMPARE(answered.count(), 0);
+}
+
+QTEST_MAIN(TestQuitQuestion)
+#include "tst_quitquestion.moc"

@@ -1,0 +1,174 @@
+#include "host/statusmonitor.h"
+#include "host/trayicon.h"
+#include "tests/host/fakedialog.h"
+
+#include <QPainter>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <utility>
+
+namespace {
+
+/// The icon on a list of two entries, as a person would find it in the tray.
+struct InTray
+{
+    InTray()
+    {
+        fake.Add(QStringLiteral("mast"));
+        fake.Add(QStringLiteral("pier"));
+    }
+
+    QSystemTrayIcon* Icon() const { return tray.findChild<QSystemTrayIcon*>(); }
+    QAction* Action(const QString& text) const
+    {
+        for (QAction* action : Icon()->contextMenu()->actions()) {
+            if (action->text() == text)
+                return action;
+        }
+        return nullptr;
+    }
+    QImage Picture() const { return Icon()->icon().pixmap(22).toImage(); }
+
+    FakeDialog fake;
+    StatusMonitor monitor{&fake.entries};
+    TrayIcon tray{monitor};
+    QSignalSpy dialog{&tray, &TrayIcon::DialogWanted};
+    QSignalSpy save{&tray, &TrayIcon::SaveWanted};
+    QSignalSpy end{&tray, &TrayIcon::EndWanted};
+};
+
+int Brightest(const QImage& image)
+{
+    int brightest = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            brightest = qMax(brightest, qGray(image.pixel(x, y)));
+    }
+    return brightest;
+}
+
+int Darkest(const QImage& image)
+{
+    int darkest = 255;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            darkest = qMin(darkest, qGray(image.pixel(x, y)));
+    }
+    return darkest;
+}
+
+} // namespace
+
+class TestTrayIcon : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void TipTellsTheNumberInUse();
+    void TipAtTheStart();
+    void MenuSaysWhatIsWanted();
+    void ClicksCallTheDialog();
+    void PictureTellsWhetherAnythingIsInUse();
+    void PictureStandsOutOnEveryPanel_data();
+    void PictureStandsOutOnEveryPanel();
+    void WithoutATray();
+};
+
+void TestTrayIcon::TipTellsTheNumberInUse()
+{
+    const QString name = QStringLiteral("Vexel - Connect Dialog\n");
+    InTray inTray;
+    QCOMPARE(inTray.Icon()->toolTip(), name + QStringLiteral("no entry in use"));
+    inTray.fake.SetStatus(0, 1);
+    QCOMPARE(inTray.Icon()->toolTip(), name + QStringLiteral("1 entry in use"));
+    inTray.fake.SetStatus(1, 1);
+    QCOMPARE(inTray.Icon()->toolTip(), name + QStringLiteral("2 entries in use"));
+    inTray.fake.entries.removeRows(0, 2);
+    QCOMPARE(inTray.Icon()->toolTip(), name + QStringLiteral("no entry in use"));
+}
+
+void TestTrayIcon::TipAtTheStart()
+{
+    InTray inTray;
+    inTray.fake.SetStatus(0, 1);
+    const TrayIcon later(inTray.monitor);
+    QVERIFY(later.findChild<QSystemTrayIcon*>()->toolTip().endsWith(QLatin1String("1 entry in use")));
+}
+
+void TestTrayIcon::MenuSaysWhatIsWanted()
+{
+    const InTray inTray;
+    const auto counts = [&] {
+        return QList<qsizetype>{inTray.dialog.count(), inTray.save.count(), inTray.end.count()};
+    };
+    QVERIFY(inTray.Action(QStringLiteral("Show connect dialog")));
+    QVERIFY(inTray.Action(QStringLiteral("Save now")));
+    QVERIFY(inTray.Action(QStringLiteral("Quit")));
+    inTray.Action(QStringLiteral("Show connect dialog"))->trigger();
+    QCOMPARE(counts(), QList<qsizetype>({1, 0, 0}));
+    inTray.Action(QStringLiteral("Save now"))->trigger();
+    QCOMPARE(counts(), QList<qsizetype>({1, 1, 0}));
+    inTray.Action(QStringLiteral("Quit"))->trigger();
+    QCOMPARE(counts(), QList<qsizetype>({1, 1, 1}));
+}
+
+void TestTrayIcon::ClicksCallTheDialog()
+{
+    const InTray inTray;
+    emit inTray.Icon()->activated(QSystemTrayIcon::Trigger);
+    QCOMPARE(inTray.dialog.count(), 1);
+    // The second half of a double click, and the click that opens the menu.
+    emit inTray.Icon()->activated(QSystemTrayIcon::DoubleClick);
+    emit inTray.Icon()->activated(QSystemTrayIcon::Context);
+    QCOMPARE(inTray.dialog.count(), 1);
+    QCOMPARE(inTray.save.count() + inTray.end.count(), 0);
+}
+
+void TestTrayIcon::PictureTellsWhetherAnythingIsInUse()
+{
+    InTray inTray;
+    const QImage free = inTray.Picture();
+    inTray.fake.SetStatus(0, 1);
+    const QImage inUse = inTray.Picture();
+    QVERIFY(free != inUse);
+    inTray.fake.SetStatus(0, 0);
+    QCOMPARE(inTray.Picture(), free);
+}
+
+void TestTrayIcon::PictureStandsOutOnEveryPanel_data()
+{
+    QTest::addColumn<int>("size");
+    for (const int size : {16, 22, 24, 32, 48, 64})
+        QTest::addRow("%d", size) << size;
+}
+
+void TestTrayIcon::PictureStandsOutOnEveryPanel()
+{
+    QFETCH(const int, size);
+    const InTray inTray;
+    // Drawn for this size, not scaled to it.
+    QVERIFY(inTray.Icon()->icon().availableSizes().contains(QSize(size, size)));
+    for (const Qt::GlobalColor panel : {Qt::white, Qt::black}) {
+        QImage image(size, size, QImage::Format_RGB32);
+        image.fill(panel);
+        QPainter(&image).drawPixmap(0, 0, inTray.Icon()->icon().pixmap(size));
+        QVERIFY(Brightest(image) > 220);
+        QVERIFY(Darkest(image) < 100);
+    }
+}
+
+void TestTrayIcon::WithoutATray()
+{
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        QSKIP("There is a tray here.");
+    InTray inTray;
+    QVERIFY(!inTray.tray.IsAvailable());
+    const QSignalSpy available(&inTray.tray, &TrayIcon::AvailabilityChanged);
+    inTray.tray.Tell(QStringLiteral("nobody hears this"), QSystemTrayIcon::Information);
+    QCoreApplication::processEvents();
+    QCOMPARE(available.count(), 0);
+}
+
+QTEST_MAIN(TestTrayIcon)
+#include "tst_trayicon.moc"
