@@ -39,13 +39,20 @@ ICfg* RootNode(const QString& file, const QString& path)
 {
     Store& store = TheStore();
     auto& document = store.documents[file];
-    if (!document)
+    QString notice;
+    if (!document) {
         document =
             std::make_shared<ConfigDocument>(store.directory.isEmpty() ? QString() : store.directory + u'/' + file);
+        notice = document->Notice();
+    }
     auto& node = store.rootNodes[{file, path}];
     if (!node)
         node = std::make_unique<ConfigNode>(document, path);
-    return node.get();
+    ICfg* const result = node.get();
+    // Last, as the sink may come back here.
+    if (!notice.isEmpty() && TheNoticeSink())
+        TheNoticeSink()(notice);
+    return result;
 }
 
 bool CanHoldFiles(const QString& directory)

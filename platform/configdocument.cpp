@@ -1,90 +1,23 @@
 #include "platform/configdocument.h"
 
+#include "platform/documentfile.h"
+#include "platform/documentrecovery.h"
 #include "platform/initext.h"
 #include "platform/tracing.h"
+#include "platform/versionfolder.h"
 
 #include <QCryptographicHash>
-#include <QDateTime>
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QLockFile>
-#include <QRegularExpression>
-#include <QSaveFile>
-#include <QThread>
 
-#include <chrono>
 #include <memory>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto kSource = "platform/configdocument";
-
-// A save takes milliseconds; who holds the lock for longer has a problem that waiting will not solve.
-constexpr std::chrono::milliseconds kLockPatience = 5s;
 
 template <typename BuildText>
 void Trace(int line, BuildText buildText)
 {
-    TraceWhenWanted(kSource, line, buildText);
-}
-
-// The lock that QSettings takes when it writes this file, so that a program which uses it directly fits in.
-QString LockFileOf(const QString& file)
-{
-    return file + QStringLiteral(".lock");
-}
-
-/// Takes the lock. QLockFile would by itself ask at ever longer intervals and come too late again and again where
-/// others save often.
-bool Take(QLockFile& lock)
-{
-    constexpr unsigned long kPauseMs = 2;
-    const QDeadlineTimer patience(kLockPatience);
-    while (!lock.tryLock(0)) {
-        if (lock.error() != QLockFile::LockFailedError || patience.hasExpired())
-            return false;
-        QThread::msleep(kPauseMs);
-    }
-    return true;
-}
-
-/// The content of a file; empty where there is no file, nothing where it cannot be read.
-std::optional<QByteArray> Read(const QString& file)
-{
-    const QFileInfo info(file);
-    if (!info.exists())
-        return QByteArray();
-    if (!info.isFile()) // a pipe or device might never end
-        return std::nullopt;
-
-    QFile device(file);
-    if (!device.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray content = device.readAll();
-    return device.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
-}
-
-/// Puts a new content in the place of the file. QSaveFile writes a file beside it, has the system bring that to the
-/// disk (fsync, FlushFileBuffers) and only then renames it over the old one. What a loss of power can still undo is
-/// the renaming, which leaves the old content, whole.
-bool Replace(const QString& file, const QByteArray& content)
-{
-    // Windows does not replace a file while somebody reads it. Readers are quick.
-    constexpr int kAttempts = 4;
-    constexpr unsigned long kPauseMs = 15;
-    for (int attempt = 1; attempt <= kAttempts; ++attempt) {
-        if (attempt > 1)
-            QThread::msleep(kPauseMs);
-        QSaveFile saving(file);
-        if (saving.open(QIODevice::WriteOnly) && saving.write(content) == content.size() && saving.commit())
-            return true;
-    }
-    return false;
+    TraceWhenWanted("platform/configdocument", line, buildText);
 }
 
 QByteArray FingerprintOf(const QByteArray& content)
@@ -104,6 +37,11 @@ ConfigDocument::ConfigDocument(QString file)
 {
     if (!m_file.isEmpty())
         Load();
+}
+
+ConfigDocument::ConfigDocument(const QMap<QString, QString>& values)
+{
+    TakeOver(values);
 }
 
 std::optional<QString> ConfigDocument::Value(const QString& path) const
@@ -146,36 +84,51 @@ void ConfigDocument::TakeOver(const QMap<QString, QString>& values)
 
 void ConfigDocument::Load()
 {
-    auto content = Read(m_file);
-    if (!content) {
-        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): Could not read %1").arg(m_file); });
+    const DocumentFile file(m_file);
+    auto reading = file.Read();
+    if (!NeedsRecovery(reading)) {
+        Use(reading);
         return;
     }
-    auto text = std::make_unique<IniText>(*content);
 
-    if (text->GetState() == IniText::State::Damaged) {
-        // Another process may be mending it at this moment: what the lock's owner finds counts.
-        QLockFile lock(LockFileOf(m_file));
-        if (Take(lock)) {
-            content = Read(m_file).value_or(QByteArray());
-            text = std::make_unique<IniText>(*content);
-            if (text->GetState() == IniText::State::Damaged)
-                MoveDamagedFileAside();
-        }
+    // Another process may be mending it at this moment: what the lock's owner finds counts.
+    const auto lock = file.Lock();
+    if (lock)
+        reading = file.Read();
+    if (!NeedsRecovery(reading)) {
+        Use(reading);
+        return;
     }
+    Recovery recovery = Recover(file, reading, lock != nullptr);
+    m_notice = recovery.notice;
+    Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
+    Use(recovery.reading);
+    m_isToBeLeftAlone = !recovery.isKeptAside;
+    if (!recovery.isInPlace) {
+        ChangeAll();
+        m_isChanged = recovery.isKeptAside; // the next save tries again
+    }
+}
 
-    switch (text->GetState()) {
-    case IniText::State::Whole:
-        TakeOver(text->Values());
-        m_fingerprint = FingerprintOf(*content);
-        break;
-    case IniText::State::Damaged:
-        break;
-    case IniText::State::Unavailable:
-        Trace(__LINE__,
-              [&] { return QStringLiteral("ConfigDocument::Load(): No temporary file for reading %1").arg(m_file); });
-        break;
+void ConfigDocument::Use(const DocumentFile::Reading& reading)
+{
+    if (!reading.text) {
+        Trace(__LINE__, [&] {
+            return QStringLiteral("ConfigDocument::Load(): Nothing to read %1 with, such as room for temporary files")
+                .arg(m_file);
+        });
+        m_isToBeLeftAlone = true;
+        return;
     }
+    TakeOver(reading.text->Values());
+    m_fingerprint = FingerprintOf(reading.content);
+}
+
+void ConfigDocument::ChangeAll()
+{
+    m_removed.clear();
+    for (Entry& entry : m_entries)
+        entry.isChanged = true;
 }
 
 bool ConfigDocument::Save()
@@ -191,89 +144,85 @@ bool ConfigDocument::Save()
         return false;
     };
 
-    if (!QDir().mkpath(QFileInfo(m_file).absolutePath()))
-        return fail(__LINE__, "its folder cannot be created");
-    QLockFile lock(LockFileOf(m_file));
-    if (!Take(lock))
+    const DocumentFile file(m_file);
+    const auto lock = file.Lock();
+    if (!lock)
         return fail(__LINE__, "its lock cannot be taken");
-    RemoveLeftovers();
+    file.RemoveLeftovers();
 
-    auto before = Read(m_file);
-    if (!before)
+    auto before = file.Read();
+    using State = DocumentFile::State;
+    if (m_isToBeLeftAlone && before.state != State::Missing)
+        return fail(__LINE__, "the file that is there could not be read at first, nor kept aside");
+
+    std::optional<QString> aside;
+    switch (before.state) {
+    case State::Missing:
+    case State::Whole:
+        break;
+    case State::Unreadable:
         return fail(__LINE__, "the file that is there cannot be read");
-    auto text = std::make_unique<IniText>(*before);
-
-    if (text->GetState() == IniText::State::Damaged) {
+    case State::Unavailable:
+        return fail(__LINE__, "no temporary file");
+    case State::Damaged:
         // Damaged since it was read. The working copy still knows what was in it.
-        if (!MoveDamagedFileAside())
+        aside = file.KeepAside();
+        if (!aside)
             return fail(__LINE__, "the damaged file cannot be moved aside");
-        before->clear();
-        text = std::make_unique<IniText>(*before);
-        m_removed.clear();
-        for (Entry& entry : m_entries)
-            entry.isChanged = true;
-    }
-    if (text->GetState() != IniText::State::Whole)
-        return fail(__LINE__, "no temporary file");
-
-    for (const QString& path : std::as_const(m_removed))
-        text->Remove(path);
-    for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it) {
-        if (it->isChanged)
-            text->Set(it.key(), it->text);
+        Trace(__LINE__,
+              [&] { return QStringLiteral("ConfigDocument::Save(): %1 is damaged, kept as %2").arg(m_file, *aside); });
+        before.content.clear();
+        before.text = std::make_unique<IniText>(before.content);
+        ChangeAll();
+        break;
     }
 
-    const auto after = text->Text();
-    if (!after)
-        return fail(__LINE__, "no temporary file");
-    if (*after != *before && !Replace(m_file, *after))
-        return fail(__LINE__, "the file cannot be written");
-    lock.unlock(); // others need not wait for the rest
+    std::optional<QByteArray> after;
+    if (before.text->GetState() == IniText::State::Whole)
+        after = Merge(*before.text);
+    if (!after || (*after != before.content && !Replace(file, before, *after))) {
+        if (aside)
+            file.UndoKeepAside(*aside);
+        return fail(__LINE__, after ? "the file cannot be written" : "no temporary file");
+    }
+    lock->unlock(); // others need not wait for the rest
 
-    if (m_fingerprint != FingerprintOf(*before)) {
-        TakeOver(text->Values());
+    if (m_fingerprint != FingerprintOf(before.content)) {
+        TakeOver(before.text->Values());
     } else { // nobody else wrote: the working copy is what the file holds
         for (Entry& entry : m_entries)
             entry.isChanged = false;
     }
     m_removed.clear();
     m_isChanged = false;
+    m_isToBeLeftAlone = false;
     m_fingerprint = FingerprintOf(*after);
     return true;
 }
 
-// Call while holding the lock.
-bool ConfigDocument::MoveDamagedFileAside() const
+std::optional<QByteArray> ConfigDocument::Merge(IniText& text) const
 {
-    const QString stamp = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddTHHmmsszzz"));
-    const QString aside = m_file + QStringLiteral(".damaged-") + stamp;
-
-    // QFile::rename never replaces a file, so the loop ends at the first free name.
-    QString target = aside;
-    for (int i = 2; QFileInfo::exists(target); ++i)
-        target = aside + QStringLiteral("-%1").arg(i);
-    const bool isMoved = QFile::rename(m_file, target);
-
-    Trace(__LINE__, [&] {
-        return isMoved ? QStringLiteral("ConfigDocument::MoveDamagedFileAside(): %1 is damaged, kept as %2")
-                             .arg(m_file, target)
-                       : QStringLiteral(
-                             "ConfigDocument::MoveDamagedFileAside(): %1 is damaged and could not be moved aside")
-                             .arg(m_file);
-    });
-    return isMoved;
+    for (const QString& path : m_removed)
+        text.Remove(path);
+    for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it) {
+        if (it->isChanged)
+            text.Set(it.key(), it->text);
+    }
+    return text.Text();
 }
 
-// A process that was killed while it saved leaves the file that it wrote beside the document's. Call while holding the
-// lock: then nobody is writing one.
-void ConfigDocument::RemoveLeftovers() const
+// Call while holding the lock.
+bool ConfigDocument::Replace(const DocumentFile& file, const DocumentFile::Reading& before, const QByteArray& after)
 {
-    const QFileInfo info(m_file);
-    static const QRegularExpression randomEnd(QStringLiteral("\\.[A-Za-z]{6}$"));
-    QDir folder = info.dir();
-    const QStringList names = folder.entryList({info.fileName() + QStringLiteral(".??????")}, QDir::Files);
-    for (const QString& name : names) {
-        if (randomEnd.match(name).hasMatch())
-            folder.remove(name);
+    const VersionFolder versions(file.Path());
+    std::optional<QString> kept;
+    if (!before.text->IsEmpty())
+        kept = versions.Keep(before.content);
+    if (!file.Replace(after)) {
+        VersionFolder::Forget(kept);
+        return false;
     }
+    if (kept)
+        versions.Prune();
+    return true;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/documentfile.h"
+
 #include <QByteArray>
 #include <QMap>
 #include <QSet>
@@ -12,12 +14,19 @@
 class ConfigDocument
 {
 public:
-    /// Reads `file`; a missing one is an empty document. A damaged file is moved aside, traced, and the document is
-    /// empty. An empty `file` name: the document lives in memory alone.
+    /// Reads `file`; a missing one is an empty document. What cannot be read there is kept aside, traced, and the
+    /// newest readable version put in its place; without one the document is empty. Where it cannot be kept aside, it
+    /// is left alone: the version is used without being put anywhere, and nothing can be saved. An empty `file` name:
+    /// the document lives in memory alone.
     explicit ConfigDocument(QString file);
+    /// A document that lives in memory alone and begins with `values`, by key path.
+    explicit ConfigDocument(const QMap<QString, QString>& values);
 
     ConfigDocument(const ConfigDocument&) = delete;
     ConfigDocument& operator=(const ConfigDocument&) = delete;
+
+    /// What people should know about the reading of the file, in one line; empty where it went as it should.
+    const QString& Notice() const { return m_notice; }
 
     /// The value at `path`, nothing where there is none.
     std::optional<QString> Value(const QString& path) const;
@@ -25,7 +34,8 @@ public:
     /// Removes the key at `path` and everything below it.
     void Remove(const QString& path);
 
-    /// Brings the changes into the file and takes over what others changed there. False, with a trace, when that could
+    /// Brings the changes into the file and takes over what others changed there. What the file held before is kept as
+    /// its newest version; where that fails, it is traced, and the save goes on. False, with a trace, when that could
     /// not be done: changes and file are then as they were. Nothing changed: the file is not touched.
     bool Save();
 
@@ -38,12 +48,16 @@ private:
 
     void Load();
     void TakeOver(const QMap<QString, QString>& values);
-    bool MoveDamagedFileAside() const;
-    void RemoveLeftovers() const;
+    void Use(const DocumentFile::Reading& reading);
+    void ChangeAll();
+    std::optional<QByteArray> Merge(IniText& text) const;
+    static bool Replace(const DocumentFile& file, const DocumentFile::Reading& before, const QByteArray& after);
 
     const QString m_file;
     QMap<QString, Entry> m_entries; // by key path
     QSet<QString> m_removed;        // key paths, also of nodes; taken away before the changed entries are put in
     bool m_isChanged = false;       // something has to be saved
+    bool m_isToBeLeftAlone = false; // what is in the file is not known here, and must not be replaced
     QByteArray m_fingerprint;       // of the file's content when it was last read or written
+    QString m_notice;
 };

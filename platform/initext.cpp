@@ -14,6 +14,49 @@ const QString kWrapped = QStringLiteral("text");
 
 constexpr QByteArrayView kByteOrderMark("\xef\xbb\xbf");
 
+constexpr QByteArrayView kFirstLine("; The last line of this file tells that none of it is missing. Please keep both.");
+constexpr QByteArrayView kLastLine("; end of file");
+
+/// A text without the two lines that tell that it is whole.
+struct Body
+{
+    QByteArray text;
+    bool isCutOff = false; // the first of the two was there, and the second was not
+};
+
+bool IsLineEnd(QByteArrayView text)
+{
+    return text.startsWith('\n') || text.startsWith("\r\n");
+}
+
+QByteArrayView AfterLineEnd(QByteArrayView text)
+{
+    const qsizetype end = text.indexOf('\n');
+    return end < 0 ? QByteArrayView() : text.sliced(end + 1);
+}
+
+Body BodyOf(QByteArrayView text)
+{
+    // Some editors put a mark at the beginning, which QSettings takes for a line that says nothing.
+    if (text.startsWith(kByteOrderMark))
+        text = text.sliced(kByteOrderMark.size());
+    if (!text.startsWith(kFirstLine))
+        return {text.toByteArray(), !text.isEmpty() && kFirstLine.startsWith(text)};
+
+    const QByteArrayView rest = text.sliced(kFirstLine.size());
+    if (!rest.isEmpty() && !IsLineEnd(rest))
+        return {text.toByteArray(), false}; // somebody made something else of the line
+    text = AfterLineEnd(rest);
+
+    // From the end, as the lines before can be long. Somebody may have typed more behind it.
+    for (qsizetype at = text.lastIndexOf(kLastLine); at >= 0; at = text.first(at).lastIndexOf(kLastLine)) {
+        const QByteArrayView behind = text.sliced(at + kLastLine.size());
+        if ((at == 0 || text.at(at - 1) == '\n') && (behind.isEmpty() || IsLineEnd(behind)))
+            return {text.first(at).toByteArray() + AfterLineEnd(behind).toByteArray(), false};
+    }
+    return {{}, true};
+}
+
 QVariant ToVariant(const QString& value)
 {
     // The file is UTF-8: half of a surrogate pair has no place there, and a leading byte order mark is dropped on
@@ -64,13 +107,17 @@ IniText::IniText(const QByteArray& text)
         m_state = State::Damaged;
         return;
     }
+    const Body body = BodyOf(text);
+    if (body.isCutOff) {
+        m_state = State::Damaged;
+        return;
+    }
     if (!m_directory.isValid())
         return;
-    if (!text.isEmpty()) {
-        // Some editors put a mark at the beginning, which QSettings takes for a line that says nothing.
-        const QByteArray body = text.startsWith(kByteOrderMark) ? text.mid(kByteOrderMark.size()) : text;
+    m_isBlank = text.isEmpty();
+    if (!m_isBlank) {
         QFile copy(m_file);
-        if (!copy.open(QIODevice::WriteOnly) || copy.write(body) != body.size() || !copy.flush())
+        if (!copy.open(QIODevice::WriteOnly) || copy.write(body.text) != body.text.size() || !copy.flush())
             return;
     }
 
@@ -124,12 +171,21 @@ std::optional<QByteArray> IniText::Text()
         return std::nullopt;
 
     QFile copy(m_file);
-    if (!copy.exists())
+    QByteArray body;
+    if (copy.exists()) {
+        if (!copy.open(QIODevice::ReadOnly))
+            return std::nullopt;
+        body = copy.readAll();
+        if (copy.error() != QFileDevice::NoError)
+            return std::nullopt;
+    }
+    if (m_isBlank && body.isEmpty())
         return QByteArray();
-    if (!copy.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray text = copy.readAll();
-    return copy.error() == QFileDevice::NoError ? std::optional(text) : std::nullopt;
+
+    if (!body.isEmpty() && !body.endsWith('\n'))
+        body += '\n';
+    const QByteArray lineEnd = body.contains("\r\n") ? "\r\n" : "\n";
+    return kFirstLine.toByteArray() + lineEnd + body + kLastLine.toByteArray() + lineEnd;
 }
 
 void IniText::Learn()

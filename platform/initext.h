@@ -16,6 +16,10 @@
 /// `QSettings` works on a file; it is given a private copy instead of the document's own. On the document's file it
 /// would write by itself through the event loop and when it is destroyed, would write what failed before at some later
 /// time, and would miss another process's change that left the file's size and time stamp as they were.
+///
+/// A text that ends too early would still be one to QSettings. So the first line of what is written here, a comment,
+/// says that there is a last one, and a text with that first line and without the last one is damaged, wherever it was
+/// cut off. A program that uses QSettings directly drops both lines, and its text counts as whole.
 class IniText
 {
 public:
@@ -34,6 +38,8 @@ public:
 
     /// Every key path with its value. Values that somebody else wrote and that are no text are left out (and kept).
     QMap<QString, QString> Values() const;
+    /// Whether the text held nothing when it was taken apart.
+    bool IsEmpty() const { return m_keys.isEmpty(); }
 
     void Set(const QString& path, const QString& value);
     /// Removes the key at `path` and everything below it.
@@ -52,7 +58,8 @@ private:
     QString m_file;
     std::unique_ptr<QSettings> m_settings;
     State m_state = State::Unavailable;
-    QSet<QString> m_keys; // as the text spelled them at first
+    bool m_isBlank = false; // no text at all
+    QSet<QString> m_keys;   // as the text spelled them at first
 
     // Learned when the first name turns up that the text does not have: most saves come without one.
     bool m_isLearned = false;

@@ -431,7 +431,13 @@ private slots:
                                        QStringLiteral("user/@application.ini")}));
         QFile file(m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.ini")));
         QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        QCOMPARE(file.readAll(), QByteArray("[General]\nConnectionCount=3\n"));
+        const QByteArrayList lines = file.readAll().split('\n');
+        QCOMPARE(lines.size(), 5);
+        QVERIFY(lines.at(0).startsWith("; "));
+        QCOMPARE(lines.at(1), QByteArray("[General]"));
+        QCOMPARE(lines.at(2), QByteArray("ConnectionCount=3"));
+        QVERIFY(lines.at(3).startsWith("; "));
+        QVERIFY(lines.at(4).isEmpty());
     }
 
     void readingMakesNoFile()

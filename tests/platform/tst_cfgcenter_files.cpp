@@ -268,27 +268,53 @@ private slots:
         QVERIFY(QFile::exists(DocumentFile()));
     }
 
-    void whatIsNoFileIsLeftAlone()
+    void whatIsNoFileIsKeptAside()
     {
         QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral("/inside")));
         const TraceRecorder traces;
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         QCOMPARE(traces.Messages().size(), 1);
         Document()->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(traces.Messages().size(), 1);
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
+        const QStringList aside =
+            QDir(m_store->filePath(QStringLiteral("shared"))).entryList({QStringLiteral("*.damaged-*")}, QDir::Dirs);
+        QCOMPARE(aside.size(), 1);
+        QVERIFY(
+            QFile::exists(m_store->filePath(QStringLiteral("shared/") + aside.front() + QStringLiteral("/inside"))));
+    }
+
+    void whatTakesThePlaceLaterIsLeftAlone()
+    {
+        Document()->SetString(kKey, kValue, 0);
+        QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral("/inside")));
+        const TraceRecorder traces;
         QVERIFY(!CfgCenter::SaveDocument());
-        QCOMPARE(traces.Messages().size(), 2);
-        QVERIFY(QDir(DocumentFile() + QStringLiteral("/inside")).exists());
-        QCOMPARE(SharedFiles().size(), 0);
+        QCOMPARE(traces.Messages().size(), 1);
+        QVERIFY(QFile::exists(DocumentFile() + QStringLiteral("/inside")));
+        QVERIFY(SharedFiles().isEmpty());
     }
 
     void nothingIsTracedUnlessAskedFor()
     {
-        QVERIFY(QDir().mkpath(DocumentFile()));
+        QVERIFY(WriteFile(DocumentFile(), "damage"));
         const TraceRecorder traces;
         ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Assertion);
         Document()->SetString(kKey, kValue, 0);
+        QVERIFY(QFile::remove(DocumentFile()) || !QFile::exists(DocumentFile()));
+        QVERIFY(QDir().mkpath(DocumentFile()));
         QVERIFY(!CfgCenter::SaveDocument());
         QVERIFY(traces.Messages().isEmpty());
+    }
+
+    // Of a process that was killed between making the lock and writing its name into it.
+    void lockWithoutAnOwnerIsNoObstacle()
+    {
+        Document()->SetString(kKey, kValue, 0);
+        QVERIFY(WriteFile(DocumentFile() + QStringLiteral(".lock"), QByteArray()));
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
     }
 
     void damagedFilesAreKeptAside_data()

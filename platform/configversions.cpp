@@ -1,0 +1,129 @@
+#include "platform/configversions.h"
+
+#include "platform/configdocument.h"
+#include "platform/confignames.h"
+#include "platform/confignode.h"
+#include "platform/documentfile.h"
+#include "platform/tracing.h"
+#include "platform/versionfolder.h"
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+using State = DocumentFile::State;
+
+QString FileOf(View view, const QString& name)
+{
+    const QString store = CfgCenter::Directory();
+    if (store.isEmpty())
+        return {};
+    return store + u'/' + (name.isEmpty() ? ConfigNames::ApplicationFile(view) : ConfigNames::DocumentFile(view, name));
+}
+
+/// Of a working copy that no file belongs to.
+std::unique_ptr<ICfg> RootOf(const DocumentFile::Reading& reading)
+{
+    if (!reading.text)
+        return nullptr;
+    return std::make_unique<ConfigNode>(std::make_shared<ConfigDocument>(reading.text->Values()), QString());
+}
+
+/// A version without a single byte is none.
+DocumentFile::Reading ReadVersion(const ConfigVersion& version)
+{
+    auto reading = ReadDocument(version.file);
+    if (reading.content.isEmpty())
+        reading.text.reset();
+    return reading;
+}
+
+} // namespace
+
+ConfigVersions::ConfigVersions(View view, const QString& name)
+    : m_file(FileOf(view, name))
+{
+}
+
+QString ConfigVersions::DocumentFile() const
+{
+    return m_file;
+}
+
+QString ConfigVersions::Folder() const
+{
+    return m_file.isEmpty() ? QString() : VersionFolder(m_file).Path();
+}
+
+QList<ConfigVersion> ConfigVersions::List() const
+{
+    return m_file.isEmpty() ? QList<ConfigVersion>() : VersionFolder(m_file).List();
+}
+
+std::unique_ptr<ICfg> ConfigVersions::Open(const ConfigVersion& version) const
+{
+    return RootOf(ReadVersion(version));
+}
+
+std::unique_ptr<ICfg> ConfigVersions::OpenCurrent() const
+{
+    return m_file.isEmpty() ? nullptr : RootOf(::DocumentFile(m_file).Read());
+}
+
+bool ConfigVersions::Restore(const ConfigVersion& version) const
+{
+    const auto fail = [&](int line, const char* reason) {
+        TraceWhenWanted("platform/configversions", line, [&] {
+            return QStringLiteral("ConfigVersions::Restore(): Could not put %1 in the place of %2: %3")
+                .arg(version.file, m_file, QString::fromLatin1(reason));
+        });
+        return false;
+    };
+    if (m_file.isEmpty())
+        return fail(__LINE__, "no configuration directory is open");
+
+    const ::DocumentFile file(m_file);
+    const auto lock = file.Lock();
+    if (!lock)
+        return fail(__LINE__, "the document's lock cannot be taken");
+    file.RemoveLeftovers();
+    const auto wanted = ReadVersion(version);
+    if (!wanted.text)
+        return fail(__LINE__, "the version cannot be read");
+
+    const VersionFolder versions(m_file);
+    std::optional<QString> kept;
+    std::optional<QString> aside;
+    const auto present = file.Read();
+    switch (present.state) {
+    case State::Unavailable:
+        return fail(__LINE__, "no temporary file");
+    case State::Missing:
+        break;
+    case State::Whole:
+        if (present.content == wanted.content)
+            return true;
+        if (present.text->IsEmpty())
+            break;
+        kept = versions.Keep(present.content);
+        if (!kept)
+            return fail(__LINE__, "the present state cannot be kept");
+        break;
+    case State::Damaged:
+    case State::Unreadable:
+        aside = file.KeepAside();
+        if (!aside)
+            return fail(__LINE__, "what is in its place cannot be moved aside");
+        break;
+    }
+
+    if (!file.Replace(wanted.content)) {
+        VersionFolder::Forget(kept);
+        if (aside)
+            file.UndoKeepAside(*aside);
+        return fail(__LINE__, "the file cannot be written");
+    }
+    versions.Prune();
+    return true;
+}

@@ -1,0 +1,203 @@
+#include "platform/documentfile.h"
+
+#include "platform/foldersync.h"
+#include "platform/patience.h"
+#include "platform/tracing.h"
+#include "platform/versionfolder.h"
+
+#include <QDateTime>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QThread>
+
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// A save takes milliseconds; who holds the lock for longer has a problem that waiting will not solve.
+constexpr std::chrono::milliseconds kLockPatience = 5s;
+
+// A lock's owner writes its name into it at once. QLockFile takes one without a name for alive for half a minute.
+constexpr std::chrono::milliseconds kNamelessPatience = 500ms;
+
+std::filesystem::path NativePath(const QString& path)
+{
+    return QFileInfo(path).filesystemFilePath();
+}
+
+/// Without QFile's way out, which is to copy: that would never end on a pipe.
+bool Rename(const QString& from, const QString& to)
+{
+    std::error_code error;
+    std::filesystem::rename(NativePath(from), NativePath(to), error);
+    return !error;
+}
+
+} // namespace
+
+DocumentFile::DocumentFile(QString path)
+    : m_path(std::move(path))
+{
+}
+
+DocumentFile::Reading DocumentFile::Read() const
+{
+    // Nobody saves a document as no bytes, but many a program that fails while it writes leaves that. A file without
+    // a history may have been made so by hand.
+    Reading reading = ReadDocument(m_path);
+    if (reading.state == State::Whole && reading.content.isEmpty() && !VersionFolder(m_path).List().isEmpty()) {
+        reading.state = State::Damaged;
+        reading.text.reset();
+    }
+    return reading;
+}
+
+std::unique_ptr<QLockFile> DocumentFile::Lock() const
+{
+    if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
+        return nullptr;
+
+    // The lock that QSettings takes when it writes this file, so that a program which uses it directly fits in.
+    auto lock = std::make_unique<QLockFile>(m_path + QStringLiteral(".lock"));
+    // QLockFile would by itself ask at ever longer intervals and come too late again and again where others save
+    // often.
+    constexpr unsigned long kPauseMs = 2;
+    const QDeadlineTimer patience(kLockPatience);
+    QDeadlineTimer nameless(kNamelessPatience);
+    while (!lock->tryLock(0)) {
+        if (lock->error() != QLockFile::LockFailedError || patience.hasExpired())
+            return nullptr;
+        QThread::msleep(kPauseMs);
+
+        // A process was killed between making the lock and writing its name. Whoever lives holds more than the file,
+        // which this minds.
+        const QFileInfo file(lock->fileName());
+        if (!file.exists() || file.size() > 0)
+            nameless.setRemainingTime(kNamelessPatience);
+        else if (nameless.hasExpired())
+            lock->removeStaleLockFile();
+    }
+    return lock;
+}
+
+bool DocumentFile::Replace(const QByteArray& content) const
+{
+    // QSaveFile writes a file beside it, has the system bring that to the disk (fsync, FlushFileBuffers) and only then
+    // renames it over the old one. What fails before the renaming, such as a full disk, does not pass by waiting.
+    const bool isReplaced = TryPatiently([&] {
+        QSaveFile saving(m_path);
+        if (!saving.open(QIODevice::WriteOnly) || saving.write(content) != content.size() || !saving.flush())
+            return Attempt::Failed;
+        return saving.commit() ? Attempt::Done : Attempt::Held;
+    });
+    if (isReplaced && !SyncFolder(QFileInfo(m_path).absolutePath())) {
+        TraceWhenWanted("platform/documentfile", __LINE__, [&] {
+            return QStringLiteral("DocumentFile::Replace(): %1 is written, but a loss of power may undo that")
+                .arg(m_path);
+        });
+    }
+    return isReplaced;
+}
+
+std::optional<QString> DocumentFile::KeepAside() const
+{
+    const QString stamp = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddTHHmmsszzz"));
+    const QString first = m_path + QStringLiteral(".damaged-") + stamp;
+    QString aside = first;
+    const auto isTaken = [](const QString& name) {
+        return QFileInfo(name).isSymLink() || QFileInfo::exists(name);
+    };
+    for (int i = 2; isTaken(aside); ++i)
+        aside = first + QStringLiteral("-%1").arg(i);
+
+    const QFileInfo info(m_path);
+    std::error_code error;
+    if (info.isFile() && !info.isSymLink()) { // a link is moved itself, and so lets go of what it leads to
+        std::filesystem::create_hard_link(NativePath(m_path), NativePath(aside), error);
+        if (!error)
+            return aside;
+    }
+    return TryPatiently([&] { return Rename(m_path, aside) ? Attempt::Done : Attempt::Held; }) ? std::optional(aside)
+                                                                                               : std::nullopt;
+}
+
+void DocumentFile::UndoKeepAside(const QString& aside) const
+{
+    if (!QFileInfo::exists(m_path))
+        Rename(aside, m_path);
+    else if (IsSameFile(aside, m_path))
+        QFile::remove(aside);
+}
+
+void DocumentFile::RemoveLeftovers() const
+{
+    RemoveUnfinished(m_path);
+}
+
+DocumentFile::Reading ReadDocument(const QString& file)
+{
+    using State = DocumentFile::State;
+    DocumentFile::Reading reading;
+
+    const QFileInfo info(file);
+    if (info.exists()) {
+        if (!info.isFile()) { // a pipe or device might never end
+            reading.state = State::Unreadable;
+            return reading;
+        }
+        QFile device(file);
+        const bool isRead = TryPatiently([&] {
+            if (!device.open(QIODevice::ReadOnly))
+                return device.error() == QFileDevice::ResourceError ? Attempt::Failed : Attempt::Held;
+            reading.content = device.readAll();
+            return device.error() == QFileDevice::NoError ? Attempt::Done : Attempt::Failed;
+        });
+        if (!isRead) {
+            reading.content.clear();
+            reading.state = device.error() == QFileDevice::ResourceError ? State::Unavailable : State::Unreadable;
+            return reading;
+        }
+    }
+
+    auto text = std::make_unique<IniText>(reading.content);
+    switch (text->GetState()) {
+    case IniText::State::Whole:
+        reading.state = info.exists() ? State::Whole : State::Missing;
+        reading.text = std::move(text);
+        break;
+    case IniText::State::Damaged:
+        reading.state = State::Damaged;
+        break;
+    case IniText::State::Unavailable:
+        reading.state = State::Unavailable;
+        break;
+    }
+    return reading;
+}
+
+bool IsSameFile(const QString& one, const QString& other)
+{
+    std::error_code error;
+    return std::filesystem::equivalent(NativePath(one), NativePath(other), error) && !error;
+}
+
+void RemoveUnfinished(const QString& file)
+{
+    const QFileInfo info(file);
+    static const QRegularExpression randomEnd(QStringLiteral("\\.[A-Za-z]{6}$"));
+    QDir folder = info.dir();
+    const QStringList names = folder.entryList({info.fileName() + QStringLiteral(".??????")}, QDir::Files);
+    for (const QString& name : names) {
+        if (randomEnd.match(name).hasMatch())
+            folder.remove(name);
+    }
+}

@@ -1,0 +1,70 @@
+#include "platform/documentrecovery.h"
+
+#include "platform/tracing.h"
+#include "platform/versionfolder.h"
+
+#include <QFile>
+
+#include <optional>
+#include <utility>
+
+namespace {
+
+struct Found
+{
+    ConfigVersion version;
+    DocumentFile::Reading reading;
+};
+
+std::optional<Found> NewestReadable(const DocumentFile& file)
+{
+    const QList<ConfigVersion> versions = VersionFolder(file.Path()).List();
+    for (const ConfigVersion& version : versions) {
+        auto reading = ReadDocument(version.file);
+        if (reading.state == DocumentFile::State::Whole && !reading.content.isEmpty())
+            return Found{version, std::move(reading)};
+        TraceWhenWanted("platform/documentrecovery", __LINE__, [&] {
+            return QStringLiteral("NewestReadable(): The version %1 cannot be read").arg(version.file);
+        });
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+bool NeedsRecovery(const DocumentFile::Reading& reading)
+{
+    return reading.state == DocumentFile::State::Damaged || reading.state == DocumentFile::State::Unreadable;
+}
+
+Recovery Recover(const DocumentFile& file, const DocumentFile::Reading& found, bool isLocked)
+{
+    Recovery recovery;
+    auto version = NewestReadable(file);
+    const auto aside = isLocked ? file.KeepAside() : std::nullopt;
+    recovery.isKeptAside = aside.has_value();
+    if (aside && version)
+        recovery.isInPlace = file.Replace(version->reading.content);
+    else if (aside)
+        recovery.isInPlace = QFile::remove(file.Path()) || !QFile::exists(file.Path());
+
+    const QString what = found.state == DocumentFile::State::Damaged
+                             ? QStringLiteral("%1 is damaged").arg(file.Path())
+                             : QStringLiteral("%1 cannot be read").arg(file.Path());
+    const QString where = aside ? QStringLiteral("kept as %1").arg(*aside)
+                                : QStringLiteral("and could not be moved aside, so nothing is saved to it");
+    const QString instead = version ? QStringLiteral("using the version of %1 instead")
+                                          .arg(version->version.saved.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
+                                    : QStringLiteral("there is no version of it that can be read, so it begins empty");
+    recovery.notice = QStringLiteral("%1, %2; %3").arg(what, where, instead);
+
+    if (version) {
+        recovery.reading = std::move(version->reading);
+    } else {
+        recovery.reading.state = DocumentFile::State::Missing;
+        recovery.reading.text = std::make_unique<IniText>(QByteArray());
+        if (recovery.reading.text->GetState() != IniText::State::Whole)
+            recovery.reading.text.reset();
+    }
+    return recovery;
+}

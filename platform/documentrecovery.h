@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/documentfile.h"
+
+#include <QString>
+
+/// What is used instead of a document that cannot be read.
+struct Recovery
+{
+    DocumentFile::Reading reading; ///< the newest readable version's, or of an empty document
+    bool isKeptAside = false;      ///< what could not be read is safe under another name
+    bool isInPlace = false;        ///< the document's file now is what `reading` says
+    QString notice;                ///< all that in one line, for people
+};
+
+/// Whether this is no document, and yet nothing that asking again at another time would change.
+bool NeedsRecovery(const DocumentFile::Reading& reading);
+
+/// Keeps aside what is in the document's place, `found` by its reading, and puts the newest readable version there.
+/// Without the document's lock nothing is changed.
+Recovery Recover(const DocumentFile& file, const DocumentFile::Reading& found, bool isLocked);
