@@ -49,8 +49,11 @@ private:
         QStringLiteral("NAME")};
     const QCommandLineOption m_Trace = {QStringLiteral("trace"),
                                         QStringLiteral("Write trace lines to standard error.")};
-    const QCommandLineOption m_TraceFile = {QStringLiteral("trace-file"), QStringLiteral("Append trace lines to FILE."),
-                                            QStringLiteral("FILE")};
+    const QCommandLineOption m_TraceFile = {
+        QStringLiteral("trace-file"),
+        QStringLiteral("Append trace lines to FILE. Beyond 10 MiB it becomes FILE.1, an earlier FILE.1 becomes FILE.2, "
+                       "and so on up to FILE.5."),
+        QStringLiteral("FILE")};
     const QCommandLineOption m_Language = {
         QStringLiteral("language"),
         QStringLiteral("Language of the dialog, as in \"de\" or \"de_AT\". Default: the system's."),

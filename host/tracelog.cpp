@@ -1,5 +1,6 @@
 #include "host/tracelog.h"
 
+#include "host/console.h"
 #include "host/textline.h"
 
 #include <QDateTime>
@@ -15,15 +16,15 @@ TraceLog::~TraceLog()
     ErrorHandler::Instance().SetSink({});
 }
 
-QString TraceLog::Start(bool toStandardError, const QString& fileName)
+QString TraceLog::Start(bool toStandardError, const QString& fileName, qint64 largestFile)
 {
     if (!toStandardError && fileName.isEmpty())
         return {};
 
     if (!fileName.isEmpty()) {
-        m_File.setFileName(fileName);
-        if (!m_File.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text))
-            return m_File.errorString();
+        if (const QString error = m_File.Open(fileName, largestFile); !error.isEmpty())
+            return error;
+        m_FileName = fileName;
     }
     m_ToStandardError = toStandardError;
     m_Started = true;
@@ -54,8 +55,10 @@ void TraceLog::Write(const QString& line)
         (void)std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
         (void)std::fflush(stderr);
     }
-    if (m_File.isOpen()) {
-        m_File.write(bytes);
-        m_File.flush();
+    if (!m_File.IsOpen())
+        return;
+    if (const QString error = m_File.Append(bytes); !error.isEmpty()) {
+        Console::Complain(QStringLiteral("the trace file %1 is full and cannot be put aside: %2; it grows on")
+                              .arg(m_FileName, error));
     }
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "host/rotatingfile.h"
 #include "platform/errorhandler.h"
 
-#include <QFile>
 #include <QMutex>
 #include <QString>
 
@@ -10,10 +10,16 @@
 ///
 ///     2024-05-17T09:30:12.345 trace userinterface/vexelconnectdlg/appcounter:120 AppCounter::...
 ///
+/// A file that has grown to its largest size is put aside (see `RotatingFile`); where that fails, standard error says
+/// so once.
+///
 /// While it writes anywhere, traces are enabled beside the kinds that already were.
 class TraceLog
 {
 public:
+    /// In bytes.
+    static constexpr qint64 LargestFile = 10 * 1024 * 1024;
+
     TraceLog() = default;
     /// Gives reports and enabled kinds back as they were.
     ~TraceLog();
@@ -21,9 +27,9 @@ public:
     TraceLog(const TraceLog&) = delete;
     TraceLog& operator=(const TraceLog&) = delete;
 
-    /// Where lines shall go; call once. Lines are appended to `fileName` (empty: no file). Returns an empty text, or
-    /// why the file cannot be written; nothing is changed then.
-    QString Start(bool toStandardError, const QString& fileName);
+    /// Where lines shall go; call once. Lines are appended to `fileName` (empty: no file), which
+    /// grows to `largestFile` bytes. Returns an empty text, or why the file cannot be written; nothing is changed then.
+    QString Start(bool toStandardError, const QString& fileName, qint64 largestFile = LargestFile);
 
     /// One report as a line, without a line break at its end.
     static QString Line(const QDateTime& time, ErrorHandler::Kind kind, const QString& message,
@@ -33,7 +39,8 @@ private:
     void Write(const QString& line);
 
     QMutex m_Mutex; // reports come from any thread
-    QFile m_File;
+    RotatingFile m_File;
+    QString m_FileName;
     bool m_ToStandardError = false;
     bool m_Started = false;
     unsigned m_EarlierKinds = 0;

@@ -18,6 +18,8 @@ private slots:
     void GivesKindsAndSinkBack();
     void NothingAskedForChangesNothing();
     void FileThatCannotBeOpened();
+    void AFullFileIsPutAside();
+    void TheSizeIsBoundedByItself();
 
 private:
     static QStringList FileLines(const QString& fileName);
@@ -107,6 +109,41 @@ void TestTraceLog::FileThatCannotBeOpened()
     TraceLog log;
     QVERIFY(!log.Start(true, directory.path()).isEmpty());
     QCOMPARE(ErrorHandler::Instance().EnabledKinds(), before);
+}
+
+void TestTraceLog::AFullFileIsPutAside()
+{
+    const QTemporaryDir directory;
+    const QString fileName = directory.filePath(QStringLiteral("trace.log"));
+    {
+        TraceLog log;
+        QCOMPARE(log.Start(false, fileName, 500), QString());
+        for (int i = 0; i < 20; ++i)
+            _Q_Trace(QStringLiteral("line %1").arg(i), "folder/file", 42);
+    }
+    QVERIFY(QFile(fileName).size() <= 500);
+    QStringList lines;
+    for (int number = 5; number >= 1; --number)
+        lines += FileLines(fileName + QStringLiteral(".%1").arg(number));
+    lines += FileLines(fileName);
+    QCOMPARE(lines.size(), 20);
+    for (int i = 0; i < 20; ++i)
+        QVERIFY2(lines.at(i).endsWith(QStringLiteral(" line %1").arg(i)), qPrintable(lines.at(i)));
+}
+
+void TestTraceLog::TheSizeIsBoundedByItself()
+{
+    const QTemporaryDir directory;
+    const QString fileName = directory.filePath(QStringLiteral("trace.log"));
+    {
+        QFile full(fileName);
+        QVERIFY(full.open(QIODevice::WriteOnly) && full.resize(TraceLog::LargestFile));
+    }
+    TraceLog log;
+    QCOMPARE(log.Start(false, fileName), QString());
+    _Q_Trace(QStringLiteral("one more"), "folder/file", 42);
+    QCOMPARE(QFile(fileName + QStringLiteral(".1")).size(), TraceLog::LargestFile);
+    QCOMPARE(FileLines(fileName).size(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestTraceLog)

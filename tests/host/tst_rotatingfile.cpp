@@ -1,0 +1,370 @@
+#include "host/rotatingfile.h"
+
+#include <QDir>
+#include <QLockFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <set>
+
+namespace {
+
+const QString s_write = QStringLiteral("--write");
+constexpr qint64 s_largest = 1000;
+constexpr int s_linesPerWriter = 2000;
+
+QByteArray Line(int number)
+{
+    // Nine bytes, and a tenth for the break.
+    return QByteArray::number(number).rightJustified(9, '0') + '\n';
+}
+
+QByteArray Read(const QString& fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void Write(const QString& fileName, const QByteArray& content)
+{
+    QFile file(fileName);
+    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
+    QCOMPARE(file.write(content), content.size());
+}
+
+/// A file in a folder of its own.
+struct Fixture
+{
+    QTemporaryDir directory;
+    QString name = directory.filePath(QStringLiteral("trace.log"));
+
+    QString Earlier(int number) const { return name + QLatin1Char('.') + QString::number(number); }
+    QStringList Names() const { return QDir(directory.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot); }
+};
+
+} // namespace
+
+class TestRotatingFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void AppendsToWhatIsThere();
+    void AFullFileIsPutAside();
+    void FiveEarlierFilesAreKept();
+    void AFileThatWasTooLargeBefore();
+    void ALineIsNeverSplit_data();
+    void ALineIsNeverSplit();
+    void AGapIsFilledFirst();
+    void AFailureIsToldOnceAndLosesNothing_data();
+    void AFailureIsToldOnceAndLosesNothing();
+    void ItWorksAgainWhenTheWayIsFree();
+    void AnotherProcessAtItIsNoFailure();
+    void AFileThatSomebodyElsePutAside();
+    void DevicesAreLeftAlone();
+    void SeveralProcesses();
+    void UnusableFile();
+};
+
+void TestRotatingFile::AppendsToWhatIsThere()
+{
+    const Fixture fixture;
+    Write(fixture.name, "before\n");
+    RotatingFile file;
+    QVERIFY(!file.IsOpen());
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QVERIFY(file.IsOpen());
+    QCOMPARE(file.Append("after\n"), QString());
+    // At once, without closing.
+    QCOMPARE(Read(fixture.name), QByteArray("before\nafter\n"));
+}
+
+void TestRotatingFile::AFullFileIsPutAside()
+{
+    const Fixture fixture;
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QByteArray first;
+    for (int i = 0; i < 100; ++i) {
+        first += Line(i);
+        QCOMPARE(file.Append(Line(i)), QString());
+    }
+    // Full to the last byte is not too much.
+    QCOMPARE(fixture.Names(), QStringList{QStringLiteral("trace.log")});
+    QCOMPARE(Read(fixture.name), first);
+    QCOMPARE(file.Append(Line(100)), QString());
+    QCOMPARE(fixture.Names(), QStringList({QStringLiteral("trace.log"), QStringLiteral("trace.log.1")}));
+    QCOMPARE(Read(fixture.Earlier(1)), first);
+    QCOMPARE(Read(fixture.name), Line(100));
+}
+
+void TestRotatingFile::FiveEarlierFilesAreKept()
+{
+    const Fixture fixture;
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    constexpr int lines = 850;
+    for (int i = 0; i < lines; ++i)
+        QCOMPARE(file.Append(Line(i)), QString());
+    QCOMPARE(fixture.Names().size(), 6);
+    // The last 550 of them, in their order.
+    QByteArray kept;
+    for (int number = 5; number >= 1; --number)
+        kept += Read(fixture.Earlier(number));
+    kept += Read(fixture.name);
+    QByteArray expected;
+    for (int i = lines - 550; i < lines; ++i)
+        expected += Line(i);
+    QCOMPARE(kept, expected);
+}
+
+void TestRotatingFile::AFileThatWasTooLargeBefore()
+{
+    const Fixture fixture;
+    const QByteArray before(5 * s_largest, 'x');
+    Write(fixture.name, before);
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Append(Line(1)), QString());
+    QCOMPARE(Read(fixture.Earlier(1)), before);
+    QCOMPARE(Read(fixture.name), Line(1));
+}
+
+void TestRotatingFile::ALineIsNeverSplit_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::newRow("does not fit any more") << 700;
+    QTest::newRow("larger than a file shall be") << 5000;
+    QTest::newRow("larger than any buffer") << 3'000'000;
+}
+
+void TestRotatingFile::ALineIsNeverSplit()
+{
+    QFETCH(const int, length);
+    const Fixture fixture;
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    const QByteArray line = QByteArray(length, 'l') + '\n';
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(file.Append(line), QString());
+    QCOMPARE(Read(fixture.Earlier(2)), line);
+    QCOMPARE(Read(fixture.Earlier(1)), line);
+    QCOMPARE(Read(fixture.name), line);
+    QCOMPARE(fixture.Names().size(), 3);
+}
+
+void TestRotatingFile::AGapIsFilledFirst()
+{
+    const Fixture fixture;
+    Write(fixture.Earlier(1), "one\n");
+    Write(fixture.Earlier(3), "three\n");
+    Write(fixture.name, QByteArray(s_largest, 'x'));
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Append(Line(1)), QString());
+    QCOMPARE(Read(fixture.Earlier(2)), QByteArray("one\n"));
+    QCOMPARE(Read(fixture.Earlier(3)), QByteArray("three\n"));
+    QCOMPARE(Read(fixture.Earlier(1)).size(), s_largest);
+}
+
+void TestRotatingFile::AFailureIsToldOnceAndLosesNothing_data()
+{
+    QTest::addColumn<int>("blocked");
+    QTest::newRow("the first") << 1;
+    QTest::newRow("one between") << 3;
+    QTest::newRow("the last") << 5;
+    QTest::newRow("the lock's place") << 0;
+}
+
+void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
+{
+    QFETCH(const int, blocked);
+    const Fixture fixture;
+    QStringList errors;
+    QByteArray expected;
+    for (int number = 1; number <= RotatingFile::KeptFiles; ++number) {
+        if (number != blocked)
+            Write(fixture.Earlier(number), QByteArray::number(number));
+    }
+    if (blocked == 0) {
+        // A name that is too long for one more suffix, as on a folder that is not to be written.
+        const QString longName = fixture.directory.filePath(QString(253, QLatin1Char('n')));
+        RotatingFile file;
+        QCOMPARE(file.Open(longName, s_largest), QString());
+        for (int i = 0; i < 1000; ++i) {
+            expected += Line(i);
+            if (const QString error = file.Append(Line(i)); !error.isEmpty())
+                errors.append(error);
+        }
+        QCOMPARE(Read(longName), expected);
+        QCOMPARE(errors.size(), 1);
+        return;
+    }
+    QVERIFY(QDir().mkdir(fixture.Earlier(blocked)));
+
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    for (int i = 0; i < 1000; ++i) {
+        expected += Line(i);
+        if (const QString error = file.Append(Line(i)); !error.isEmpty())
+            errors.append(error);
+    }
+    QCOMPARE(Read(fixture.name), expected);
+    QCOMPARE(errors.size(), 1);
+    QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))), qPrintable(errors.first()));
+    // The other files are what they were.
+    for (int number = 1; number <= RotatingFile::KeptFiles; ++number) {
+        if (number != blocked)
+            QCOMPARE(Read(fixture.Earlier(number)), QByteArray::number(number));
+    }
+}
+
+void TestRotatingFile::ItWorksAgainWhenTheWayIsFree()
+{
+    const Fixture fixture;
+    QVERIFY(QDir().mkdir(fixture.Earlier(1)));
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    int i = 0;
+    for (; i < 150; ++i)
+        (void)file.Append(Line(i));
+    QVERIFY(QDir().rmdir(fixture.Earlier(1)));
+    // Not with the next line, but before it has grown as much once more.
+    for (; i < 250; ++i)
+        QCOMPARE(file.Append(Line(i)), QString());
+    QVERIFY(QFileInfo(fixture.Earlier(1)).isFile());
+    const QByteArray all = Read(fixture.Earlier(1)) + Read(fixture.name);
+    QCOMPARE(all.count('\n'), 250);
+    QVERIFY(Read(fixture.name).size() <= s_largest);
+}
+
+void TestRotatingFile::AnotherProcessAtItIsNoFailure()
+{
+    const Fixture fixture;
+    RotatingFile file;
+    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    {
+        QLockFile lock(fixture.name + QStringLiteral(".lock"));
+        QVERIFY(lock.tryLock());
+        for (int i = 0; i < 150; ++i)
+            QCOMPARE(file.Append(Line(i)), QString());
+        QCOMPARE(Read(fixture.name).count('\n'), 150);
+    }
+    QCOMPARE(file.Append(Line(150)), QString());
+    QCOMPARE(Read(fixture.Earlier(1)).count('\n'), 150);
+    QCOMPARE(Read(fixture.name), Line(150));
+}
+
+void TestRotatingFile::AFileThatSomebodyElsePutAside()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("A file that is open is not renamed on this system.");
+#endif
+    const Fixture fixture;
+    RotatingFile one;
+    RotatingFile other;
+    QCOMPARE(one.Open(fixture.name, s_largest), QString());
+    QCOMPARE(other.Open(fixture.name, s_largest), QString());
+    for (int i = 0; i < 100; ++i)
+        QCOMPARE(one.Append(Line(i)), QString());
+    QCOMPARE(one.Append(Line(100)), QString());
+    // What the other has open is full, and has been put aside: it moves on and puts nothing aside itself.
+    QCOMPARE(other.Append(Line(101)), QString());
+    QCOMPARE(Read(fixture.name), Line(100) + Line(101));
+    QCOMPARE(Read(fixture.Earlier(1)).count('\n'), 100);
+    QVERIFY(!QFileInfo::exists(fixture.Earlier(2)));
+}
+
+void TestRotatingFile::DevicesAreLeftAlone()
+{
+    const QString device = QStringLiteral("/dev/null");
+    if (!QFileInfo::exists(device))
+        QSKIP("There are no devices among the files of this system.");
+    RotatingFile file;
+    QCOMPARE(file.Open(device, 1), QString());
+    for (int i = 0; i < 10; ++i)
+        QCOMPARE(file.Append(Line(i)), QString());
+    QVERIFY(!QFileInfo(device).isFile());
+    QVERIFY(!QFileInfo::exists(device + QStringLiteral(".1")));
+}
+
+void TestRotatingFile::SeveralProcesses()
+{
+    const Fixture fixture;
+    constexpr int writers = 3;
+    // Room for all lines in the six files, so that none is dropped for its age.
+    const qint64 largest = writers * s_linesPerWriter * 10 / 4;
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int i = 0; i < writers; ++i) {
+        processes.push_back(std::make_unique<QProcess>());
+        processes.back()->setProcessChannelMode(QProcess::ForwardedChannels);
+        processes.back()->start(QCoreApplication::applicationFilePath(),
+                                {s_write, fixture.name, QString::number(largest), QString::number(i)});
+    }
+    for (const auto& process : processes) {
+        QVERIFY(process->waitForFinished());
+        QCOMPARE(process->exitCode(), 0);
+    }
+    // Every line is there, whole, once, whichever file it stands in.
+    std::set<QByteArray> lines;
+    int count = 0;
+    for (int number = 0; number <= RotatingFile::KeptFiles; ++number) {
+        const QByteArray content = Read(number == 0 ? fixture.name : fixture.Earlier(number));
+        QVERIFY(content.isEmpty() || content.endsWith('\n'));
+        for (const QByteArray& line : content.chopped(content.isEmpty() ? 0 : 1).split('\n')) {
+            if (line.isEmpty())
+                continue;
+            QCOMPARE(line.size(), 9);
+            lines.insert(line);
+            ++count;
+        }
+    }
+    QCOMPARE(count, writers * s_linesPerWriter);
+    QCOMPARE(lines.size(), static_cast<std::size_t>(writers * s_linesPerWriter));
+#ifdef Q_OS_UNIX
+    QVERIFY(QFileInfo::exists(fixture.Earlier(1)));
+#endif
+}
+
+void TestRotatingFile::UnusableFile()
+{
+    const QTemporaryDir directory;
+    RotatingFile file;
+    QVERIFY(!file.Open(directory.path(), s_largest).isEmpty());
+    QVERIFY(!file.IsOpen());
+    QCOMPARE(file.Append("nowhere\n"), QString());
+}
+
+namespace {
+
+int WriteLines(const QStringList& arguments)
+{
+    RotatingFile file;
+    if (!file.Open(arguments.at(2), arguments.at(3).toLongLong()).isEmpty())
+        return 1;
+    const int first = arguments.at(4).toInt() * s_linesPerWriter;
+    for (int i = first; i < first + s_linesPerWriter; ++i) {
+        const QString error = file.Append(Line(i));
+#ifdef Q_OS_UNIX
+        if (!error.isEmpty())
+            return 2;
+#endif
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 5 && arguments.at(1) == s_write)
+        return WriteLines(arguments);
+    TestRotatingFile test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_rotatingfile.moc"
