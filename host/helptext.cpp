@@ -15,13 +15,18 @@ QString Notes()
 {
     return QStringLiteral(R"(
 With a person at the dialog:
-  "Close" ends the host while no entry is in use. While one is, the host keeps
-  running, says so on standard error, and shows the dialog again when the last
-  application has ended. "Connect" hides the dialog until then, too; when it
-  could start nothing, the dialog is back at once. SIGINT, SIGTERM and the end
-  of the session end the host at any time. Whichever way it ends, it saves the
-  list, the filter and the window's size first; applications that it started
-  end with it.
+  Where there is a system tray, the host has an icon there: it says how many
+  entries are in use, shows the dialog, saves and quits. "Close" then hides the
+  dialog until it is called. Quitting asks first while an entry is in use.
+  Without a tray "Close" ends the host while no entry is in use. While one is,
+  the host keeps running, says so on standard error, and shows the dialog again
+  when the last application has ended.
+  "Connect" hides the dialog until the last application has ended, too; when it
+  could start nothing, the dialog is back at once. kitestarter brings a hidden
+  dialog back at any time.
+  SIGINT, SIGTERM and the end of the session end the host at any time, without
+  a question. Whichever way it ends, it saves the list, the filter and the
+  window's size first; applications that it started end with it.
 
 Without a person (headless):
   --import, --add, --export, --list, --connect, --connect-selected, --wait and
