@@ -3,6 +3,8 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 
+#include <QScreen>
+
 #include <memory>
 
 namespace {
@@ -51,8 +53,11 @@ void GuiBase::RestoreWidgetSize(QWidget* widget)
     if (!node)
         return;
     const QSize size(node->GetInt(kWidth, 0, 0), node->GetInt(kHeight, 0, 0));
-    if (IsUsable(size))
-        widget->resize(size);
+    if (!IsUsable(size))
+        return;
+    // The screen may have been a larger one: what lies beyond this one could not be reached to make it smaller.
+    const QScreen* screen = widget->screen();
+    widget->resize(screen ? size.boundedTo(screen->availableSize()) : size);
 }
 
 void GuiBase::StoreWidgetSize(QWidget* widget)

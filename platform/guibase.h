@@ -18,7 +18,8 @@ public:
     QWidget* GetMainWidget() const;
     void SetMainWidget(QWidget* widget);
 
-    /// Gives `widget` the size stored under its object name. Nothing usable stored: size unchanged.
+    /// Gives `widget` the size stored under its object name. Nothing usable stored: size unchanged. Never
+    /// larger than the screen.
     void RestoreWidgetSize(QWidget* widget);
     /// Host side, when it saves: puts the widget's size into the user's configuration under its object name.
     void StoreWidgetSize(QWidget* widget);

@@ -2,6 +2,8 @@
 #include "platform/guibase.h"
 #include "platform/icfg.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
@@ -77,6 +79,17 @@ private slots:
         const std::unique_ptr<ICfg> dialog(sizes->OpenChild(QStringLiteral("Dialog"), 0));
         QCOMPARE(dialog->GetInt(QStringLiteral("Width"), 0, 0), 700);
         QCOMPARE(dialog->GetInt(QStringLiteral("Height"), 0, 0), 400);
+    }
+
+    void sizesLargerThanTheScreenAreCutToIt()
+    {
+        const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+        Store(QStringLiteral("Dialog"), screen + QSize(1, 1));
+        QCOMPARE(Restored(QStringLiteral("Dialog")), screen);
+        Store(QStringLiteral("Dialog"), QSize(200, 16384));
+        QCOMPARE(Restored(QStringLiteral("Dialog")), QSize(200, screen.height()));
+        Store(QStringLiteral("Dialog"), screen);
+        QCOMPARE(Restored(QStringLiteral("Dialog")), screen);
     }
 
     void storingIsNotSaving()
