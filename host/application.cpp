@@ -58,6 +58,8 @@ ExitCode Application::Run()
     PluginLibrary library;
     if (library.Load(m_Options.plugin) != PluginLibrary::Error::None) {
         Console::Complain(library.ErrorText());
+    // What was found damaged, and what is used instead, comes up when it is first read.
+    CfgCenter::SetNoticeSink(&Console::Complain);
         return ExitCode::Unusable;
     }
     // Before anything is written, and until everything is.
