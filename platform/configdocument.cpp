@@ -158,6 +158,9 @@ bool ConfigDocument::Save()
     std::optional<QString> aside;
     switch (before.state) {
     case State::Missing:
+        if (m_fingerprint != FingerprintOf({})) // taken away since it was read; the working copy knows what was in it
+            ChangeAll();
+        break;
     case State::Whole:
         break;
     case State::Unreadable:

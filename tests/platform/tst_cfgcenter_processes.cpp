@@ -1,4 +1,5 @@
 #include "platform/cfgcenter.h"
+#include "platform/configversions.h"
 #include "platform/icfg.h"
 
 #include <QDir>
@@ -123,6 +124,26 @@ private slots:
             }
         }
         QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.ini")}));
+
+        // And what they kept of each other's states is whole: every save added one key.
+        const ConfigVersions versions(View::Shared, kDocument);
+        const QList<ConfigVersion> list = versions.List();
+        QCOMPARE(list.size(), 10);
+        int keys = kKeys * (kWriters + 1);
+        for (const ConfigVersion& version : list) {
+            const auto root = versions.Open(version);
+            QVERIFY(root);
+            int found = 0;
+            for (int n = 0; n < kKeys; ++n) {
+                found += root->GetString(QStringLiteral("Here%1").arg(n), {}, 0) == kValue;
+                for (int i = 0; i < kWriters; ++i) {
+                    const QString prefix = QStringLiteral("Writer%1-").arg(i);
+                    found += root->GetString(prefix + QString::number(n), {}, 0) == prefix;
+                }
+            }
+            QVERIFY(found < keys);
+            keys = found;
+        }
     }
 
     // The process gives all keys one number, saves, and goes on with the next. At whatever moment it is killed, or the

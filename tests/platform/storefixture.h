@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <optional>
+
+/// A store of its own with one document that tests change and break.
+class StoreFixture
+{
+public:
+    StoreFixture() { Reopen(); }
+    ~StoreFixture() { CfgCenter::Close(); }
+
+    StoreFixture(const StoreFixture&) = delete;
+    StoreFixture& operator=(const StoreFixture&) = delete;
+
+    /// The document read anew.
+    void Reopen() const { CfgCenter::Open(m_store.path()); }
+
+    QString Path(const QString& name) const { return m_store.filePath(name); }
+    QString Document() const { return Path(QStringLiteral("shared/Document.ini")); }
+    QString Versions() const { return Document() + QStringLiteral(".versions"); }
+
+    static ICfg* Root() { return CfgCenter::CreateCfg(QStringLiteral("Document"), View::Shared, {}); }
+    static int Number(ICfg* root = Root()) { return root->GetInt(QStringLiteral("Number"), -1, 0); }
+    static bool Save(int number)
+    {
+        Root()->SetInt(QStringLiteral("Number"), number, 0);
+        return CfgCenter::SaveDocument();
+    }
+
+    /// What was kept aside of the document, by name.
+    QStringList Aside() const
+    {
+        return QDir(Path(QStringLiteral("shared"))).entryList({QStringLiteral("Document.ini.damaged-*")});
+    }
+
+    /// Writes into the file that is there, as an editor or a failing disk does.
+    static bool Write(const QString& path, const QByteArray& content)
+    {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    }
+    static QByteArray Read(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
+    }
+
+private:
+    const QTemporaryDir m_store;
+};

@@ -1,0 +1,156 @@
+#include "platform/configversions.h"
+#include "tests/dialog/filesizelimit.h"
+#include "tests/platform/storefixture.h"
+#include "tests/platform/tracerecorder.h"
+
+#include <QFileInfo>
+#include <QTest>
+
+namespace {
+
+const QString kText = QStringLiteral("Text");
+
+QList<ConfigVersion> Versions()
+{
+    return ConfigVersions(View::Shared, QStringLiteral("Document")).List();
+}
+
+} // namespace
+
+/// Saving where there is no room for what is to be saved.
+class tst_CfgCenterRoom : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_store.emplace();
+        QVERIFY(m_store->Save(1));
+        m_store->Root()->SetString(kText, QString(5000, u'a'), 0);
+        QVERIFY(m_store->Save(2));
+        m_names = Names();
+    }
+    void cleanup() { m_store.reset(); }
+
+    // The limits hit different steps: the private copy that the text is put together in, and the file itself, which is
+    // a little longer.
+    void theOldStateStays_data()
+    {
+        QTest::addColumn<int>("missing"); // bytes
+        QTest::newRow("for anything") << 100000;
+        QTest::newRow("for most") << 2000;
+        QTest::newRow("for the last bytes") << 20;
+        QTest::newRow("for the last byte") << 1;
+    }
+    void theOldStateStays()
+    {
+        QFETCH(int, missing);
+        const QByteArray before = m_store->Read(m_store->Document());
+        m_store->Root()->SetString(kText, QString(9000, u'b'), 0);
+        const qint64 needed = before.size() + 4000;
+        {
+            const TraceRecorder traces;
+            const FileSizeLimit limit(qMax(qint64(0), needed - missing));
+            QVERIFY(!m_store->Save(3));
+            QVERIFY(!traces.Messages().isEmpty());
+            QVERIFY(traces.Messages().constLast().contains(m_store->Document()));
+            QVERIFY(!m_store->Save(3));
+        }
+        QCOMPARE(m_store->Read(m_store->Document()), before);
+        QCOMPARE(Names(), m_names);
+        QCOMPARE(Versions().size(), 1);
+
+        // With room it goes on as if nothing had been.
+        const FileSizeLimit limit(needed);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(QFileInfo(m_store->Document()).size(), needed);
+        QCOMPARE(Versions().size(), 2);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 3);
+        QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(9000, u'b'));
+    }
+
+    void damageFoundThenStaysWhereItIs()
+    {
+        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        {
+            const FileSizeLimit limit(5050); // enough to put the text together
+            QVERIFY(!m_store->Save(3));
+        }
+        QCOMPARE(m_store->Read(m_store->Document()), QByteArray("damage"));
+        QCOMPARE(Names(), m_names);
+        QVERIFY(m_store->Save(3));
+        QCOMPARE(m_store->Aside().size(), 1);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 3);
+        QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
+    }
+
+    // The version is used all the same, and put in its place by the next save that can.
+    void versionThatCannotBePutInPlaceIsUsed()
+    {
+        QVERIFY(m_store->Save(3));
+        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        {
+            const FileSizeLimit limit(5090); // enough to read it
+            m_store->Reopen();
+            QCOMPARE(m_store->Number(), 2);
+            QCOMPARE(m_store->Aside().size(), 1);
+            QVERIFY(!CfgCenter::SaveDocument());
+        }
+        QVERIFY(CfgCenter::SaveDocument());
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+        QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
+    }
+
+    void documentThatCouldNotBeReadForLackOfRoomIsLeftAlone()
+    {
+        const QByteArray before = m_store->Read(m_store->Document());
+        {
+            const FileSizeLimit limit(100);
+            m_store->Reopen();
+            QCOMPARE(m_store->Number(), -1);
+        }
+        const TraceRecorder traces;
+        QVERIFY(!m_store->Save(9));
+        QCOMPARE(traces.Messages().size(), 1);
+        QCOMPARE(m_store->Read(m_store->Document()), before);
+        QCOMPARE(Names(), m_names);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void restoreThatFailsChangesNothing()
+    {
+        const QByteArray before = m_store->Read(m_store->Document());
+        const ConfigVersions versions(View::Shared, QStringLiteral("Document"));
+        m_store->Root()->Remove(kText, 0);
+        QVERIFY(m_store->Save(3));
+        const QByteArray small = m_store->Read(m_store->Document());
+        {
+            const FileSizeLimit limit(before.size() - 1);
+            QVERIFY(!versions.Restore(versions.List().front()));
+        }
+        QCOMPARE(m_store->Read(m_store->Document()), small);
+        QCOMPARE(versions.List().size(), 2);
+        QVERIFY(versions.Restore(versions.List().front()));
+        QCOMPARE(m_store->Read(m_store->Document()), before);
+    }
+
+private:
+    /// Everything in the store, the lock of no one included.
+    QStringList Names() const
+    {
+        QStringList names = QDir(m_store->Path(QStringLiteral("shared"))).entryList(QDir::AllEntries | QDir::Hidden);
+        names += QDir(m_store->Versions()).entryList(QDir::AllEntries | QDir::Hidden);
+        return names;
+    }
+
+    std::optional<StoreFixture> m_store;
+    QStringList m_names;
+};
+
+QTEST_GUILESS_MAIN(tst_CfgCenterRoom)
+#include "tst_cfgcenter_room.moc"

@@ -1,0 +1,473 @@
+#include "platform/configversions.h"
+#include "tests/platform/storefixture.h"
+#include "tests/platform/tracerecorder.h"
+
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSet>
+#include <QStorageInfo>
+#include <QTest>
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+namespace {
+
+constexpr int kDepth = 10;
+
+ConfigVersions Versions()
+{
+    return {View::Shared, QStringLiteral("Document")};
+}
+
+/// What the document's versions hold, newest first; -2 for one that cannot be read.
+QList<int> Numbers()
+{
+    QList<int> numbers;
+    const ConfigVersions versions = Versions();
+    const QList<ConfigVersion> list = versions.List();
+    for (const ConfigVersion& version : list) {
+        const auto root = versions.Open(version);
+        numbers += root ? StoreFixture::Number(root.get()) : -2;
+    }
+    return numbers;
+}
+
+bool SetTime(const QString& path, const QDateTime& time)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) && file.setFileTime(time, QFileDevice::FileModificationTime);
+}
+
+} // namespace
+
+class tst_ConfigVersions : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_store.emplace(); }
+    void cleanup() { m_store.reset(); }
+
+    void everySaveKeepsWhatWasThere()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(Versions().List().isEmpty());
+        const QDateTime saved = QFileInfo(m_store->Document()).lastModified();
+        QVERIFY(m_store->Save(2));
+
+        const auto list = Versions().List();
+        QCOMPARE(list.size(), 1);
+        QCOMPARE(list.front().saved, saved);
+        QCOMPARE(list.front().saved.timeSpec(), Qt::LocalTime);
+        QCOMPARE(QFileInfo(list.front().file).absolutePath(), Versions().Folder());
+        QCOMPARE(Numbers(), QList<int>({1}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void versionsAreTenDeep()
+    {
+        QList<int> expected;
+        for (int i = 1; i <= 14; ++i) {
+            QVERIFY(m_store->Save(i));
+            if (i < 14)
+                expected.prepend(i);
+        }
+        QCOMPARE(Numbers(), expected.first(kDepth));
+        QCOMPARE(QDir(m_store->Versions()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
+                 kDepth);
+        QStringList byName = QDir(m_store->Versions()).entryList(QDir::Files, QDir::Name | QDir::Reversed);
+        for (const ConfigVersion& version : Versions().List())
+            QCOMPARE(QFileInfo(version.file).fileName(), byName.takeFirst());
+    }
+
+    void saveThatChangesNothingKeepsNothing()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(Numbers(), QList<int>({1}));
+    }
+
+    void emptyDocumentsAreNoVersions()
+    {
+        QVERIFY(QDir().mkpath(m_store->Path(QStringLiteral("shared"))));
+        QVERIFY(m_store->Write(m_store->Document(), QByteArray()));
+        QVERIFY(m_store->Save(1));
+        QVERIFY(Versions().List().isEmpty());
+
+        m_store->Root()->Remove(QStringLiteral("Number"), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(Numbers(), QList<int>({1}));
+        QVERIFY(m_store->Save(2));
+        QCOMPARE(Numbers(), QList<int>({1}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void emptiedDocumentIsNoDamage()
+    {
+        QVERIFY(m_store->Save(1));
+        m_store->Root()->Remove(QStringLiteral("Number"), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        const TraceRecorder traces;
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), -1);
+        QVERIFY(traces.Messages().isEmpty());
+    }
+
+    void versionStaysWhatItIs()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        const QByteArray version = m_store->Read(Versions().List().front().file);
+        QVERIFY(m_store->Write(m_store->Document(), "[General]\nNumber=9\n"));
+        QCOMPARE(m_store->Read(Versions().List().front().file), version);
+        QVERIFY(m_store->Save(3));
+        QCOMPARE(Numbers(), QList<int>({9, 1}));
+    }
+
+    // What a process leaves that is killed between keeping the document and replacing it.
+    void documentThatWasKeptAndNotReplacedIsNoVersion()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        const QString name = m_store->Versions() + QStringLiteral("/00000002-20260102T030405.006Z.ini");
+        std::error_code error;
+        std::filesystem::create_hard_link(QFileInfo(m_store->Document()).filesystemFilePath(),
+                                          QFileInfo(name).filesystemFilePath(), error);
+        if (error)
+            QSKIP("This file system has no second names.");
+        QCOMPARE(Numbers(), QList<int>({1}));
+        QVERIFY(m_store->Write(m_store->Document(), "[General]\nNumber=9\n"));
+        QCOMPARE(Numbers(), QList<int>({1}));
+        QVERIFY(m_store->Save(3));
+        QCOMPARE(Numbers(), QList<int>({9, 1}));
+    }
+
+    void clockMayGoBackwards()
+    {
+        const QDateTime now = QDateTime::currentDateTime();
+        QList<QDateTime> times;
+        for (int i = 1; i <= 5; ++i) {
+            QVERIFY(m_store->Save(i));
+            QVERIFY(SetTime(m_store->Document(), now.addDays(-i)));
+            times.prepend(QFileInfo(m_store->Document()).lastModified());
+        }
+        QVERIFY(m_store->Save(6));
+        QCOMPARE(Numbers(), QList<int>({5, 4, 3, 2, 1}));
+        QList<QDateTime> listed;
+        for (const ConfigVersion& version : Versions().List())
+            listed += version.saved;
+        QCOMPARE(listed, times);
+    }
+
+    void savesMayFallIntoOneMoment()
+    {
+        const QDateTime time(QDate(2026, 3, 4), QTime(5, 6, 7, 8));
+        for (int i = 1; i <= 5; ++i) {
+            QVERIFY(m_store->Save(i));
+            QVERIFY(SetTime(m_store->Document(), time));
+        }
+        QVERIFY(m_store->Save(6));
+        QCOMPARE(Numbers(), QList<int>({5, 4, 3, 2, 1}));
+        QCOMPARE(Versions().List().back().saved, time);
+    }
+
+    void saveWorksWhereNothingCanBeKept()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Write(m_store->Versions(), "in the way"));
+        {
+            const TraceRecorder traces;
+            QVERIFY(m_store->Save(2));
+            QCOMPARE(traces.Messages().size(), 1);
+            QVERIFY(traces.Messages().front().contains(m_store->Document()));
+        }
+        QCOMPARE(m_store->Read(m_store->Versions()), QByteArray("in the way"));
+        QVERIFY(Versions().List().isEmpty());
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+
+        QVERIFY(QFile::remove(m_store->Versions()));
+        QVERIFY(m_store->Save(3));
+        QCOMPARE(Numbers(), QList<int>({2}));
+    }
+
+    void foreignFilesAreNobodysConcern()
+    {
+        constexpr int kFiles = 10000;
+        QVERIFY(QDir().mkpath(m_store->Versions()));
+        const QStringList nearly{QStringLiteral("00000001-20260102T030405.006Z.txt"),
+                                 QStringLiteral("0000001-20260102T030405.006Z.ini"),
+                                 QStringLiteral("00000001-20261302T030405.006Z.ini"),
+                                 QStringLiteral("00000001-20260102T030405.006.ini"),
+                                 QStringLiteral("a00000001-20260102T030405.006Z.ini"),
+                                 QStringLiteral("Document.ini.aBcDeF"),
+                                 QStringLiteral("99999999.ini")};
+        QSet<QString> foreign(nearly.begin(), nearly.end());
+        for (int i = 0; i < kFiles; ++i)
+            foreign.insert(QStringLiteral("file %1").arg(i));
+        for (const QString& name : std::as_const(foreign))
+            QVERIFY(m_store->Write(m_store->Versions() + u'/' + name, "[General]\nNumber=99\n"));
+        const QString folder = QStringLiteral("00000001-20260102T030405.006Z.ini");
+        QVERIFY(QDir(m_store->Versions()).mkdir(folder));
+
+        const TraceRecorder traces;
+        for (int i = 1; i <= kDepth + 3; ++i)
+            QVERIFY(m_store->Save(i));
+        QVERIFY2(traces.Messages().isEmpty(), qUtf8Printable(traces.Messages().join(u'\n')));
+        QCOMPARE(Numbers(), QList<int>({12, 11, 10, 9, 8, 7, 6, 5, 4, 3}));
+
+        const QStringList files = QDir(m_store->Versions()).entryList(QDir::Files);
+        QCOMPARE(files.size(), foreign.size() + kDepth);
+        QVERIFY(QSet<QString>(files.begin(), files.end()).contains(foreign));
+        QVERIFY(QFileInfo(m_store->Versions() + u'/' + folder).isDir());
+    }
+
+    void usedUpNumbersAreNoObstacle()
+    {
+        QVERIFY(QDir().mkpath(m_store->Versions()));
+        const QString last = m_store->Versions() + QStringLiteral("/99999999-20260102T030405.006Z.ini");
+        QVERIFY(m_store->Write(last, "[General]\nNumber=99\n"));
+        QVERIFY(m_store->Save(1));
+        const TraceRecorder traces;
+        QVERIFY(m_store->Save(2));
+        QCOMPARE(traces.Messages().size(), 1);
+        QCOMPARE(Numbers(), QList<int>({99}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void whatKilledProcessesLeftIsCleanedUp()
+    {
+        QVERIFY(QDir().mkpath(m_store->Versions()));
+        const QString left = m_store->Versions() + QStringLiteral("/00000001-20260102T030405.006Z.ini.aBcDeF");
+        QVERIFY(m_store->Write(left, "half"));
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(!QFile::exists(left));
+        QCOMPARE(Numbers(), QList<int>({1}));
+    }
+
+    void documentOnAnotherDiskIsCopied()
+    {
+        QTemporaryDir other(QStringLiteral("/dev/shm/store-XXXXXX"));
+        if (!other.isValid() || QStorageInfo(other.path()).device() == QStorageInfo(m_store->Path({})).device())
+            QSKIP("There is one disk only.");
+        const QString target = other.filePath(QStringLiteral("elsewhere.ini"));
+        QVERIFY(m_store->Save(1));
+        QVERIFY(QFile::copy(m_store->Document(), target));
+        QVERIFY(QFile::remove(m_store->Document()));
+        QVERIFY(QFile::link(target, m_store->Document()));
+
+        const TraceRecorder traces;
+        QVERIFY(m_store->Save(2));
+        QVERIFY(m_store->Save(3));
+        QVERIFY(traces.Messages().isEmpty());
+        QCOMPARE(Numbers(), QList<int>({2, 1}));
+        QVERIFY(m_store->Write(target, "[General]\nNumber=9\n"));
+        QCOMPARE(Numbers(), QList<int>({2, 1}));
+        QVERIFY(QFileInfo(m_store->Document()).isSymLink());
+    }
+
+    void whatIsNoDocumentOpensAsNone()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        const ConfigVersion version = Versions().List().front();
+        for (const QByteArray& content : {QByteArray("damage"), QByteArray(), QByteArray(100, '\0')}) {
+            QVERIFY(m_store->Write(version.file, content));
+            QCOMPARE(Versions().List().size(), 1);
+            QVERIFY(!Versions().Open(version));
+        }
+        QVERIFY(QFile::remove(version.file));
+        QVERIFY(!Versions().Open(version));
+        QVERIFY(QDir().mkdir(version.file));
+        QVERIFY(!Versions().Open(version));
+        QVERIFY(Versions().List().isEmpty());
+    }
+
+    void whatIsWrittenToAVersionGoesNowhere()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        const ConfigVersion version = Versions().List().front();
+        const QByteArray before = m_store->Read(version.file);
+        const QByteArray document = m_store->Read(m_store->Document());
+        {
+            const auto root = Versions().Open(version);
+            root->SetInt(QStringLiteral("Number"), 7, 0);
+            const std::unique_ptr<ICfg> child(root->OpenChild(QStringLiteral("Child"), 0));
+            child->SetInt(QStringLiteral("Number"), 8, 0);
+            QVERIFY(CfgCenter::SaveDocument());
+            QCOMPARE(m_store->Number(), 2);
+            CfgCenter::Close();
+            QCOMPARE(child->GetInt(QStringLiteral("Number"), 0, 0), 8);
+        }
+        QCOMPARE(m_store->Read(version.file), before);
+        QCOMPARE(m_store->Read(m_store->Document()), document);
+    }
+
+    void presentStateIsThatOfTheDisk()
+    {
+        auto root = Versions().OpenCurrent();
+        QVERIFY(root);
+        QCOMPARE(m_store->Number(root.get()), -1);
+        QVERIFY(!QFile::exists(m_store->Document()));
+
+        QVERIFY(m_store->Save(1));
+        m_store->Root()->SetInt(QStringLiteral("Number"), 2, 0);
+        root = Versions().OpenCurrent();
+        QCOMPARE(m_store->Number(root.get()), 1);
+
+        QVERIFY(m_store->Save(3));
+        for (const QByteArray& content : {QByteArray("damage"), QByteArray()}) {
+            QVERIFY(m_store->Write(m_store->Document(), content));
+            QVERIFY(!Versions().OpenCurrent());
+            QCOMPARE(m_store->Read(m_store->Document()), content);
+        }
+    }
+
+    void everyDocumentHasItsOwn()
+    {
+        const ConfigVersions own(View::Application, {});
+        const ConfigVersions legacy(View::Shared, QStringLiteral("KiteResources/ConnectData"));
+        for (int i = 1; i <= 2; ++i) {
+            CfgCenter::GetAppCfg(View::Application)->SetInt(QStringLiteral("Number"), i, 0);
+            CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QStringLiteral("Child"))
+                ->SetInt(QStringLiteral("Number"), i + 10, 0);
+            QVERIFY(CfgCenter::SaveDocument());
+        }
+        QCOMPARE(own.DocumentFile(), m_store->Path(QStringLiteral("application/@application.ini")));
+        QCOMPARE(legacy.DocumentFile(), m_store->Path(QStringLiteral("shared/KiteResources/ConnectData.ini")));
+        QCOMPARE(own.List().size(), 1);
+        QCOMPARE(m_store->Number(own.Open(own.List().front()).get()), 1);
+        QCOMPARE(legacy.List().size(), 1);
+        const auto root = legacy.Open(legacy.List().front());
+        const std::unique_ptr<ICfg> child(root->OpenChild(QStringLiteral("Child"), 0));
+        QCOMPARE(m_store->Number(child.get()), 11);
+        QVERIFY(Versions().List().isEmpty());
+        QVERIFY(own.Folder() != legacy.Folder());
+    }
+
+    void withoutAStoreThereIsNothing()
+    {
+        CfgCenter::Close();
+        const ConfigVersions versions = Versions();
+        QVERIFY(versions.DocumentFile().isEmpty());
+        QVERIFY(versions.Folder().isEmpty());
+        QVERIFY(versions.List().isEmpty());
+        QVERIFY(!versions.OpenCurrent());
+        const TraceRecorder traces;
+        QVERIFY(!versions.Restore({}));
+        QCOMPARE(traces.Messages().size(), 1);
+    }
+
+    void restoreBringsAVersionBack()
+    {
+        for (int i = 1; i <= 4; ++i)
+            QVERIFY(m_store->Save(i));
+        QVERIFY(Versions().Restore(Versions().List().at(1)));
+        QCOMPARE(Numbers(), QList<int>({4, 3, 2, 1}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+
+        // And back again.
+        QVERIFY(Versions().Restore(Versions().List().front()));
+        QCOMPARE(Numbers(), QList<int>({2, 4, 3, 2, 1}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 4);
+        QVERIFY(m_store->Save(5));
+        QCOMPARE(Numbers(), QList<int>({4, 2, 4, 3, 2, 1}));
+    }
+
+    void restoreOfTheOldestOfTen()
+    {
+        for (int i = 1; i <= kDepth + 1; ++i)
+            QVERIFY(m_store->Save(i));
+        QVERIFY(Versions().Restore(Versions().List().back()));
+        QCOMPARE(Numbers(), QList<int>({11, 10, 9, 8, 7, 6, 5, 4, 3, 2}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void restoreOfThePresentStateChangesNothing()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(m_store->Save(1));
+        QVERIFY(Versions().Restore(Versions().List().back()));
+        QCOMPARE(Numbers(), QList<int>({2, 1}));
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void restoreWhereThereIsNoDocument()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(QFile::remove(m_store->Document()));
+        QVERIFY(Versions().Restore(Versions().List().front()));
+        QCOMPARE(Numbers(), QList<int>({1}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void restoreKeepsADamagedDocumentAside()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Versions().Restore(Versions().List().front()));
+        QCOMPARE(m_store->Aside().size(), 1);
+        QCOMPARE(m_store->Read(m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front()),
+                 QByteArray("damage"));
+        QCOMPARE(Numbers(), QList<int>({1}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void restoreThatFailsChangesNothing()
+    {
+        for (int i = 1; i <= 3; ++i)
+            QVERIFY(m_store->Save(i));
+        const QByteArray document = m_store->Read(m_store->Document());
+        const ConfigVersion version = Versions().List().back();
+        const TraceRecorder traces;
+
+        auto lock = std::make_unique<QLockFile>(m_store->Document() + QStringLiteral(".lock"));
+        QVERIFY(lock->lock());
+        QVERIFY(!Versions().Restore(version));
+        QCOMPARE(traces.Messages().size(), 1);
+        lock.reset();
+
+        // What would be replaced cannot be kept.
+        const ConfigVersion elsewhere{m_store->Path(QStringLiteral("elsewhere.ini")), version.saved};
+        QVERIFY(QFile::copy(version.file, elsewhere.file));
+        const QString away = m_store->Path(QStringLiteral("away"));
+        QVERIFY(QFile::rename(m_store->Versions(), away));
+        QVERIFY(m_store->Write(m_store->Versions(), "in the way"));
+        QVERIFY(!Versions().Restore(elsewhere));
+        QCOMPARE(traces.Messages().size(), 3); // both what failed and why
+        QVERIFY(QFile::remove(m_store->Versions()));
+        QVERIFY(QFile::rename(away, m_store->Versions()));
+
+        QVERIFY(m_store->Write(version.file, "damage"));
+        QVERIFY(!Versions().Restore(version));
+        QVERIFY(!Versions().Restore({}));
+        QCOMPARE(traces.Messages().size(), 5);
+
+        QCOMPARE(m_store->Read(m_store->Document()), document);
+        QCOMPARE(Numbers(), QList<int>({2, -2}));
+        QVERIFY(m_store->Aside().isEmpty());
+    }
+
+private:
+    std::optional<StoreFixture> m_store;
+};
+
+QTEST_GUILESS_MAIN(tst_ConfigVersions)
+#include "tst_configversions.moc"

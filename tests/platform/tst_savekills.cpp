@@ -1,0 +1,180 @@
+// Kills a process that saves without a pause, at random moments, and looks at what it leaves. By default a few times;
+// VEXEL_SAVE_KILLS says how often, VEXEL_SAVE_KILLS_START repeats the delays of an earlier run.
+
+#include "platform/cfgcenter.h"
+#include "platform/configversions.h"
+#include "platform/icfg.h"
+#include "tests/platform/tracerecorder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+constexpr int kDefaultKills = 25;
+constexpr int kKeys = 3000;
+constexpr qsizetype kDepth = 10;
+
+// Some saves long, so that a kill hits any part of one.
+constexpr quint32 kLongestDelayUs = 120'000;
+
+const QString kDocument = QStringLiteral("KiteResources/ConnectData");
+
+ConfigVersions Versions()
+{
+    return {View::Shared, kDocument};
+}
+
+/// The number that all keys have; nothing where they have not.
+std::optional<int> NumberIn(ICfg* root)
+{
+    const int number = root ? root->GetInt(QStringLiteral("Key0"), -1, 0) : -1;
+    for (int i = 1; i < kKeys && number >= 0; ++i) {
+        if (root->GetInt(QStringLiteral("Key%1").arg(i), -1, 0) != number)
+            return std::nullopt;
+    }
+    return number < 0 ? std::nullopt : std::optional(number);
+}
+
+} // namespace
+
+class tst_SaveKills : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theOldStateOrTheNewOne()
+    {
+        const int kills = qMax(1, qEnvironmentVariableIntValue("VEXEL_SAVE_KILLS"));
+        m_kills = qEnvironmentVariableIsSet("VEXEL_SAVE_KILLS") ? kills : kDefaultKills;
+        const quint32 start = qEnvironmentVariableIsSet("VEXEL_SAVE_KILLS_START")
+                                  ? qEnvironmentVariable("VEXEL_SAVE_KILLS_START").toUInt()
+                                  : QRandomGenerator::global()->generate();
+        qInfo("delays from random start %u", start);
+        QRandomGenerator random(start);
+
+        QVERIFY(m_root.isValid());
+        QVERIFY(QDir(m_root.path()).mkdir(QStringLiteral("tmp")));
+        CfgCenter::SetNoticeSink([this](const QString& line) { m_notices += line; });
+        for (int kill = 1; kill <= m_kills; ++kill) {
+            KillOnce(random.bounded(kLongestDelayUs));
+            if (QTest::currentTestFailed()) {
+                qWarning("at kill %d of %d", kill, m_kills);
+                break;
+            }
+        }
+        CfgCenter::SetNoticeSink({});
+        qInfo(
+            "%d kills: found the old state %d times, the new one %d times; %d hit a save under way, %d of these while "
+            "it wrote the file",
+            m_old + m_new, m_old, m_new, m_inSave, m_inReplace);
+        QVERIFY(m_inSave > 0); // else it proves nothing
+    }
+
+    void cleanupTestCase() { CfgCenter::Close(); }
+
+private:
+    void KillOnce(quint32 delayUs)
+    {
+        QProcess process;
+        // What a killed process leaves among the temporary files goes with the test.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const QString& name : {QStringLiteral("TMPDIR"), QStringLiteral("TMP"), QStringLiteral("TEMP")})
+            environment.insert(name, m_root.filePath(QStringLiteral("tmp")));
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(QStringLiteral(PLATFORMPROCESS),
+                      {QStringLiteral("rewrite"), Store(), kDocument, QString::number(kKeys)});
+
+        // It announces each number before it saves it. With the second one the first is saved.
+        int announced = 0;
+        const auto readAnnouncements = [&] {
+            while (process.canReadLine())
+                announced = process.readLine().trimmed().toInt();
+        };
+        for (int i = 0; i < 2; ++i) {
+            QTRY_VERIFY_WITH_TIMEOUT(process.canReadLine() || process.state() == QProcess::NotRunning, 60000);
+            announced = process.readLine().trimmed().toInt();
+            QVERIFY2(announced > m_reached, "the save after a kill did not work");
+        }
+        QThread::usleep(delayUs);
+        process.kill();
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        readAnnouncements();
+
+        m_inSave += QFile::exists(File() + QStringLiteral(".lock"));
+        // The one announced last or the one before, and without a recovery that could hide something.
+        QVERIFY(CfgCenter::Open(Store()));
+        // What is being written stands beside the document, or the document, kept already, among the versions.
+        m_inReplace += !QDir(Folder()).entryList({QStringLiteral("ConnectData.ini.??????")}, QDir::Files).isEmpty() ||
+                       VersionFiles() > Versions().List().size();
+        const auto number = NumberIn(Versions().OpenCurrent().get());
+        ICfg* const root = CfgCenter::CreateCfg(kDocument, View::Shared, {});
+        const auto loaded = NumberIn(root);
+        QVERIFY(loaded);
+        QVERIFY(*loaded == announced || *loaded == announced - 1);
+        QVERIFY2(m_notices.isEmpty(), qPrintable(m_notices.join(u'\n')));
+        QCOMPARE(number, loaded);
+        ++(*loaded == announced ? m_new : m_old);
+
+        CheckVersions(*loaded, kDepth + 1); // a kill may come before the oldest is removed
+        if (QTest::currentTestFailed())
+            return;
+
+        // The next save works, and clears up.
+        m_reached = announced + 1;
+        for (int i = 0; i < kKeys; ++i)
+            root->SetInt(QStringLiteral("Key%1").arg(i), m_reached, 0);
+        const TraceRecorder traces;
+        QVERIFY(CfgCenter::SaveDocument());
+        QVERIFY2(traces.Messages().isEmpty(), qPrintable(traces.Messages().join(u'\n')));
+        QCOMPARE(NumberIn(Versions().OpenCurrent().get()), std::optional(m_reached));
+        CheckVersions(m_reached, kDepth);
+        QCOMPARE(QDir(Folder()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({QStringLiteral("ConnectData.ini")}));
+        QCOMPARE(VersionFiles(), Versions().List().size());
+    }
+
+    // Each is whole, and older than the one before; the newest is the state before `present`.
+    static void CheckVersions(int present, qsizetype most)
+    {
+        const ConfigVersions versions = Versions();
+        const QList<ConfigVersion> list = versions.List();
+        QVERIFY(!list.isEmpty());
+        QVERIFY(list.size() <= most);
+        int later = present;
+        for (const ConfigVersion& version : list) {
+            const auto number = NumberIn(versions.Open(version).get());
+            QVERIFY2(number, qPrintable(version.file));
+            QVERIFY(*number < later);
+            QVERIFY(later - *number <= 2); // an announced number may have been killed
+            later = *number;
+        }
+    }
+
+    static qsizetype VersionFiles() { return QDir(Versions().Folder()).entryList(QDir::Files | QDir::Hidden).size(); }
+    QString Store() const { return m_root.filePath(QStringLiteral("store")); }
+    QString Folder() const { return Store() + QStringLiteral("/shared/KiteResources"); }
+    QString File() const { return Folder() + QStringLiteral("/ConnectData.ini"); }
+
+    const QTemporaryDir m_root;
+    QStringList m_notices;
+    int m_kills = 0;
+    int m_reached = 0;
+    int m_old = 0;
+    int m_new = 0;
+    int m_inSave = 0;
+    int m_inReplace = 0;
+};
+
+QTEST_GUILESS_MAIN(tst_SaveKills)
+#include "tst_savekills.moc"
