@@ -58,8 +58,6 @@ ExitCode Application::Run()
     PluginLibrary library;
     if (library.Load(m_Options.plugin) != PluginLibrary::Error::None) {
         Console::Complain(library.ErrorText());
-    // What was found damaged, and what is used instead, comes up when it is first read.
-    CfgCenter::SetNoticeSink(&Console::Complain);
         return ExitCode::Unusable;
     }
     // Before anything is written, and until everything is.
@@ -68,6 +66,8 @@ ExitCode Application::Run()
         Console::Complain(lock.ErrorText());
         return taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable;
     }
+    // What was found damaged, and what is used instead, comes up when it is first read.
+    CfgCenter::SetNoticeSink(&Console::Complain);
     if (!CfgCenter::Open(m_Options.configDirectory)) {
         Console::Complain(
             QStringLiteral("the configuration directory %1 cannot be used").arg(m_Options.configDirectory));
