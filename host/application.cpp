@@ -5,7 +5,9 @@
 #include "host/datadirectory.h"
 #include "host/dialogsession.h"
 #include "host/headlessjob.h"
+#include "host/hostdefaults.h"
 #include "host/instancelock.h"
+#include "host/malformedset.h"
 #include "host/signalwatcher.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
@@ -13,20 +15,10 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QStandardPaths>
 
 #include <utility>
 
 namespace {
-
-HostOptions WithDefaults(HostOptions options)
-{
-    if (options.plugin.isEmpty())
-        options.plugin = PluginLibrary::DefaultFile(QCoreApplication::applicationDirPath());
-    if (options.configDirectory.isEmpty())
-        options.configDirectory = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
-    return options;
-}
 
 /// The translations of the host's own texts, for as long as it lives.
 class Texts
@@ -86,6 +78,8 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     const Texts texts;
     if (!m_Options.dataDirectory.isEmpty())
         DataDirectory::Set(m_Options.dataDirectory);
+    if (const QString notice = KeepMalformedSetAside(); !notice.isEmpty())
+        Console::Complain(notice);
 
     ExitCode result = ExitCode::Unusable;
     if (PluginLibrary::Instance instance = CreateInstance(library); !instance)

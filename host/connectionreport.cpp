@@ -2,13 +2,13 @@
 
 #include "host/connectdialog.h"
 #include "host/textline.h"
+#include "host/texttable.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
 
-#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -17,7 +17,6 @@ namespace {
 constexpr int s_widestColumn = 60;
 // Taken of a text before it is escaped and cut to the width: a name may be a megabyte long.
 constexpr qsizetype s_longestRead = 240;
-const QString s_gap = QStringLiteral("  ");
 
 /// The table's columns, in its order: what identifies an entry first, the tick last.
 constexpr std::array s_tableColumns = {
@@ -67,11 +66,6 @@ QString CellText(const QAbstractItemModel& entries, int row, EntryColumn column)
     return Elided(OneLine(cell.data(Qt::DisplayRole).toString().left(s_longestRead)), s_widestColumn);
 }
 
-QString Padded(const QString& text, int width)
-{
-    return text + QString(std::max(0, width - CellCount(text)), QLatin1Char(' '));
-}
-
 } // namespace
 
 QString ConnectionTable(const QAbstractItemModel& entries)
@@ -88,19 +82,7 @@ QString ConnectionTable(const QAbstractItemModel& entries)
         lines.push_back(line);
     }
 
-    std::array<int, s_tableColumns.size()> widths = {};
-    for (const QStringList& line : lines) {
-        for (std::size_t i = 0; i < widths.size(); ++i)
-            widths[i] = std::max(widths[i], CellCount(line.at(static_cast<qsizetype>(i))));
-    }
-
-    QString table;
-    for (const QStringList& line : lines) {
-        for (std::size_t i = 0; i + 1 < widths.size(); ++i)
-            table += Padded(line.at(static_cast<qsizetype>(i)), widths[i]) + s_gap;
-        table += line.constLast() + QLatin1Char('\n');
-    }
-    return table;
+    return TextTable(lines);
 }
 
 QByteArray ConnectionJson(const QAbstractItemModel& entries)

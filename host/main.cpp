@@ -1,6 +1,8 @@
 #include "host/application.h"
+#include "host/backups.h"
 #include "host/console.h"
 #include "host/desktop.h"
+#include "host/hostdefaults.h"
 #include "host/hostoptions.h"
 #include "host/qtmessages.h"
 #include "host/tracelog.h"
@@ -49,6 +51,16 @@ std::unique_ptr<QApplication> MakeApplication(char* program, bool headless)
     return std::make_unique<QApplication>(argc, argv.data());
 }
 
+/// What needs neither the plug-in's instance nor any window.
+ExitCode RunForSupport(const HostOptions& given, char* program)
+{
+    std::array<char*, 2> argv = {program, nullptr};
+    int argc = 1;
+    const QCoreApplication application(argc, argv.data());
+    const HostOptions options = WithDefaults(given);
+    return options.backups ? Backups::Print(options) : Backups::Restore(options);
+}
+
 ExitCode Run(int& argc, char** argv)
 {
     const ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
@@ -69,6 +81,11 @@ ExitCode Run(int& argc, char** argv)
         Console::Complain(QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
         return ExitCode::Usage;
     }
+    QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
+    QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
+    if (options.IsForSupport())
+        return RunForSupport(options, argv[0]);
     if (!ChoosePlatform(options.IsHeadless())) {
         Console::Complain(QStringLiteral("there is no display to show the dialog on; without one, use the headless "
                                          "options (--help lists them)"));
@@ -77,9 +94,6 @@ ExitCode Run(int& argc, char** argv)
 
     if (options.IsHeadless())
         LeaveOutHeadlessNoise();
-    QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
-    QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0], options.IsHeadless());
     return Application(options).Run();
 }

@@ -1,0 +1,190 @@
+#include "host/backups.h"
+
+#include "host/console.h"
+#include "host/instancelock.h"
+#include "host/storedset.h"
+#include "host/textline.h"
+#include "host/texttable.h"
+#include "platform/cfgcenter.h"
+#include "platform/configversions.h"
+#include "platform/icfg.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <optional>
+#include <vector>
+
+namespace {
+
+/// One state of the document: the present one, or a version.
+struct Row
+{
+    int number = 0; // 0: the present state
+    QDateTime saved;
+    QString file;
+    std::optional<StoredSet> set; // none: the document cannot be read
+};
+
+/// What is stored in the document with the root node `node`.
+std::optional<StoredSet> SetOf(const std::unique_ptr<ICfg>& node)
+{
+    return node ? std::optional(ReadStoredSet(*node)) : std::nullopt;
+}
+
+std::vector<Row> Rows(const ConfigVersions& versions)
+{
+    const QFileInfo document(versions.DocumentFile());
+    std::vector<Row> rows{{0, document.exists() ? document.lastModified() : QDateTime(), document.filePath(),
+                           SetOf(versions.OpenCurrent())}};
+    const QList<ConfigVersion> list = versions.List();
+    for (const ConfigVersion& version : list)
+        rows.push_back({static_cast<int>(rows.size()), version.saved, version.file, SetOf(versions.Open(version))});
+    return rows;
+}
+
+QString TimeText(const QDateTime& time)
+{
+    return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QStringLiteral("-");
+}
+
+QString CountText(const std::optional<StoredSet>& set)
+{
+    if (!set)
+        return QStringLiteral("damaged");
+    switch (set->state) {
+    case StoredSet::State::None:
+        return QStringLiteral("none stored");
+    case StoredSet::State::Whole:
+        return QString::number(set->entries);
+    case StoredSet::State::Malformed:
+        return QStringLiteral("%1, breaks off").arg(set->entries);
+    }
+    return {};
+}
+
+QString SentenceText(const std::optional<StoredSet>& set)
+{
+    if (set && set->state == StoredSet::State::Whole && set->entries == 1)
+        return QStringLiteral("1 entry");
+    return set && set->state == StoredSet::State::Whole ? QStringLiteral("%1 entries").arg(set->entries)
+                                                        : CountText(set);
+}
+
+QString Table(const std::vector<Row>& rows)
+{
+    std::vector<QStringList> lines{
+        {QStringLiteral("Number"), QStringLiteral("Saved"), QStringLiteral("Entries"), QStringLiteral("File")}};
+    for (const Row& row : rows) {
+        lines.push_back({row.number == 0 ? QStringLiteral("now") : QString::number(row.number), TimeText(row.saved),
+                         CountText(row.set), OneLine(QDir::toNativeSeparators(row.file))});
+    }
+    return TextTable(lines);
+}
+
+QByteArray Json(const std::vector<Row>& rows)
+{
+    QJsonArray versions;
+    for (const Row& row : rows) {
+        QJsonObject version{{QStringLiteral("number"), row.number},
+                            {QStringLiteral("file"), row.file},
+                            {QStringLiteral("readable"), row.set.has_value()}};
+        version.insert(QStringLiteral("saved"), row.saved.isValid() ? QJsonValue(row.saved.toString(Qt::ISODateWithMs))
+                                                                    : QJsonValue(QJsonValue::Null));
+        if (row.set) {
+            version.insert(QStringLiteral("entries"), row.set->entries);
+            version.insert(QStringLiteral("malformed"), row.set->state == StoredSet::State::Malformed);
+        }
+        versions.append(version);
+    }
+    return QJsonDocument(QJsonObject{{QStringLiteral("versions"), versions}}).toJson();
+}
+
+ExitCode Fail(ExitCode code, const QString& message)
+{
+    Console::Complain(message);
+    return code;
+}
+
+ExitCode CannotUse(const QString& directory)
+{
+    return Fail(ExitCode::Unusable, QStringLiteral("the configuration directory %1 cannot be used").arg(directory));
+}
+
+ExitCode NoDirectory(const QString& directory)
+{
+    return Fail(ExitCode::Unusable, QStringLiteral("there is no configuration directory %1").arg(directory));
+}
+
+ExitCode NoSuchVersion(int number, qsizetype count)
+{
+    QString existing = QStringLiteral("there are none");
+    if (count == 1)
+        existing = QStringLiteral("there is only version 1");
+    else if (count > 1)
+        existing = QStringLiteral("there are versions 1 to %1").arg(count);
+    return Fail(ExitCode::Usage, QStringLiteral("there is no version %1; %2").arg(QString::number(number), existing));
+}
+
+ExitCode RestoreVersion(const ConfigVersions& versions, int number)
+{
+    const QList<ConfigVersion> before = versions.List();
+    if (number > before.size())
+        return NoSuchVersion(number, before.size());
+
+    const ConfigVersion& wanted = before.at(number - 1);
+    const QString name = QStringLiteral("version %1 of %2").arg(QString::number(number), TimeText(wanted.saved));
+    const std::optional<StoredSet> set = SetOf(versions.Open(wanted));
+    if (!set)
+        return Fail(ExitCode::Unusable, QStringLiteral("%1 is damaged").arg(name));
+    const std::optional<StoredSet> present = SetOf(versions.OpenCurrent());
+    if (!versions.Restore(wanted))
+        return Fail(ExitCode::Unusable, QStringLiteral("%1 could not be brought back (--trace says why)").arg(name));
+
+    const QList<ConfigVersion> after = versions.List();
+    const bool keptReplaced = !after.isEmpty() && after.constFirst().file != before.constFirst().file;
+    Console::Print(QStringLiteral("%1 is back: %2 -> %3%4")
+                       .arg(name, SentenceText(present), SentenceText(set),
+                            keptReplaced ? QStringLiteral("; what it replaced is version 1 now") : QString()));
+    return ExitCode::Done;
+}
+
+} // namespace
+
+namespace Backups {
+
+ExitCode Print(const HostOptions& options)
+{
+    // Looking at a configuration must not make one.
+    if (!QFileInfo(options.configDirectory).isDir())
+        return NoDirectory(options.configDirectory);
+    if (!CfgCenter::Open(options.configDirectory))
+        return CannotUse(options.configDirectory);
+    const std::vector<Row> rows = Rows(ConfigVersions(View::Application, QString()));
+    if (options.json)
+        Console::PrintBytes(Json(rows));
+    else
+        Console::PrintRaw(Table(rows));
+    CfgCenter::Close();
+    return ExitCode::Done;
+}
+
+ExitCode Restore(const HostOptions& options)
+{
+    if (!QFileInfo(options.configDirectory).isDir())
+        return NoDirectory(options.configDirectory);
+    // A host that runs would undo it with its next save.
+    InstanceLock lock;
+    if (const InstanceLock::Result taken = lock.Take(options.configDirectory); taken != InstanceLock::Result::Taken)
+        return Fail(taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable, lock.ErrorText());
+    if (!CfgCenter::Open(options.configDirectory))
+        return CannotUse(options.configDirectory);
+    const ExitCode result = RestoreVersion(ConfigVersions(View::Application, QString()), options.versionToRestore);
+    CfgCenter::Close();
+    return result;
+}
+
+} // namespace Backups

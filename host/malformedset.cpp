@@ -1,0 +1,84 @@
+#include "host/malformedset.h"
+
+#include "host/storedset.h"
+#include "platform/cfgcenter.h"
+#include "platform/configversions.h"
+#include "platform/tracing.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <optional>
+
+namespace {
+
+const QString s_mark = QStringLiteral(".malformed-");
+
+std::optional<QByteArray> Content(const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray content = file.readAll();
+    return file.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
+}
+
+/// The copy that holds `content` already; empty where there is none.
+QString FormerCopy(const QFileInfo& document, const QByteArray& content)
+{
+    const QFileInfoList copies =
+        document.dir().entryInfoList({document.fileName() + s_mark + QLatin1Char('*')}, QDir::Files, QDir::Name);
+    for (const QFileInfo& copy : copies) {
+        if (copy.size() == content.size() && Content(copy.filePath()) == content)
+            return copy.filePath();
+    }
+    return {};
+}
+
+/// A name for a copy that no file has.
+QString NameOfCopy(const QString& document)
+{
+    const QString stamp = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddTHHmmsszzz"));
+    const QString wanted = document + s_mark + stamp;
+    QString name = wanted;
+    for (int i = 2; QFileInfo::exists(name); ++i)
+        name = wanted + QStringLiteral("-%1").arg(i);
+    return name;
+}
+
+/// Where the copy of `document` is; empty where none could be made.
+QString Keep(const QString& document)
+{
+    const std::optional<QByteArray> content = Content(document);
+    if (!content)
+        return {};
+    if (const QString former = FormerCopy(QFileInfo(document), *content); !former.isEmpty())
+        return former;
+    const QString name = NameOfCopy(document);
+    QSaveFile file(name);
+    const bool kept = file.open(QIODevice::WriteOnly) && file.write(*content) == content->size() && file.commit();
+    return kept ? name : QString();
+}
+
+} // namespace
+
+QString KeepMalformedSetAside()
+{
+    const StoredSet set = ReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+    if (set.state != StoredSet::State::Malformed)
+        return {};
+
+    const QString document = ConfigVersions(View::Application, QString()).DocumentFile();
+    const QString copy = Keep(document);
+    const QString said =
+        QStringLiteral("the stored list breaks off after %1; %2")
+            .arg(set.entries == 1 ? QStringLiteral("1 entry") : QStringLiteral("%1 entries").arg(set.entries),
+                 copy.isEmpty() ? QStringLiteral("%1 could not be copied and will be overwritten").arg(document)
+                                : QStringLiteral("its document is kept as %1").arg(copy));
+    TraceWhenWanted("host/malformedset", __LINE__,
+                    [&said] { return QStringLiteral("KeepMalformedSetAside(): %1").arg(said); });
+    return said;
+}

@@ -1,0 +1,121 @@
+#include "host/storedset.h"
+#include "tests/host/storeddocument.h"
+
+#include <QTest>
+
+using State = StoredSet::State;
+Q_DECLARE_METATYPE(State)
+
+class TestHostStoredSet : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void NothingStored();
+    void Sets_data();
+    void Sets();
+    void EveryBreakIsSeen();
+    void EntitiesAreNotExpanded();
+    void HexAsPeopleLeaveIt_data();
+    void HexAsPeopleLeaveIt();
+};
+
+namespace {
+
+StoredSet Look()
+{
+    return ReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+}
+
+} // namespace
+
+void TestHostStoredSet::init()
+{
+    // Documents in memory, a new one for each test.
+    CfgCenter::Close();
+}
+
+void TestHostStoredSet::NothingStored()
+{
+    QCOMPARE(Look().state, State::None);
+    StoreHex(QString());
+    QCOMPARE(Look().state, State::None);
+    QCOMPARE(Look().entries, 0);
+}
+
+void TestHostStoredSet::Sets_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<State>("state");
+    QTest::addColumn<int>("entries");
+
+    QTest::newRow("no entry") << ListOf(0) << State::Whole << 0;
+    QTest::newRow("one") << ListOf(1) << State::Whole << 1;
+    QTest::newRow("many") << ListOf(1000) << State::Whole << 1000;
+    QTest::newRow("another root, deeper")
+        << QByteArray("<r><s><Connection/></s><Connection/></r>") << State::Whole << 2;
+    QTest::newRow("one within another") << QByteArray("<r><Connection><Connection></Connection></Connection></r>")
+                                        << State::Whole << 1;
+    QTest::newRow("other case") << QByteArray("<r><connection/></r>") << State::Whole << 0;
+    QTest::newRow("not XML") << QByteArray("hello") << State::Malformed << 0;
+    QTest::newRow("breaks off within the third") << ListOf(3).chopped(40) << State::Malformed << 3;
+    QTest::newRow("garbage behind the end") << ListOf(2) + "<x/>" << State::Malformed << 2;
+    QTest::newRow("wrong end tag") << QByteArray("<r><Connection></r><Connection/></r>") << State::Malformed << 1;
+    QTest::newRow("control character") << ListOf(2).replace("Entry 2", "Entry \x01") << State::Malformed << 2;
+}
+
+void TestHostStoredSet::Sets()
+{
+    QFETCH(const QByteArray, document);
+    StoreList(document);
+    QTEST(Look().state, "state");
+    QTEST(Look().entries, "entries");
+}
+
+void TestHostStoredSet::EveryBreakIsSeen()
+{
+    const QByteArray document = ListOf(2).trimmed();
+    for (qsizetype length = 1; length < document.size(); ++length) {
+        StoreList(document.first(length));
+        QVERIFY2(Look().state == State::Malformed, document.first(length).constData());
+    }
+    StoreList(document);
+    QCOMPARE(Look().state, State::Whole);
+}
+
+void TestHostStoredSet::EntitiesAreNotExpanded()
+{
+    QByteArray document = "<!DOCTYPE r [<!ENTITY a0 \"x\">";
+    for (int i = 1; i < 40; ++i) {
+        const QByteArray former = "&a" + QByteArray::number(i - 1) + ";";
+        document += "<!ENTITY a" + QByteArray::number(i) + " \"" + former + former + "\">";
+    }
+    StoreList(document + "]><r><Connection>&a39;</Connection></r>");
+    QCOMPARE(Look().state, State::Malformed);
+    QCOMPARE(Look().entries, 0);
+}
+
+void TestHostStoredSet::HexAsPeopleLeaveIt_data()
+{
+    QTest::addColumn<QString>("hex");
+    QTest::addColumn<State>("state");
+
+    const QString hex = QString::fromLatin1(ListOf(2).toHex());
+    QTest::newRow("as written") << hex << State::Whole;
+    QTest::newRow("capitals") << hex.toUpper() << State::Whole;
+    // What is no digit is passed over by the plug-in, too.
+    QTest::newRow("broken over lines") << QString(hex).insert(10, QStringLiteral("\n  ")) << State::Whole;
+    QTest::newRow("no digit at all") << QStringLiteral("zzzz") << State::Malformed;
+    QTest::newRow("a digit missing") << QString(hex).remove(100, 1) << State::Malformed;
+}
+
+void TestHostStoredSet::HexAsPeopleLeaveIt()
+{
+    QFETCH(const QString, hex);
+    StoreHex(hex);
+    QTEST(Look().state, "state");
+}
+
+QTEST_GUILESS_MAIN(TestHostStoredSet)
+#include "tst_hoststoredset.moc"

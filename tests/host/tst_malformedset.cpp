@@ -1,0 +1,133 @@
+#include "host/malformedset.h"
+#include "platform/configversions.h"
+#include "tests/host/storeddocument.h"
+#include "tests/support/tracerecorder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestMalformedSet : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void AListInOrderIsLeftAlone();
+    void AMalformedListIsKept();
+    void TheSameContentIsKeptOnce();
+    void EveryOtherContentIsKept();
+    void WhereItCannotBeKeptThatIsSaid();
+
+private:
+    static void Save(const QByteArray& list);
+    static QStringList Copies();
+    static QByteArray Content(const QString& fileName);
+    static QString Document() { return ConfigVersions(View::Application, QString()).DocumentFile(); }
+
+    std::unique_ptr<QTemporaryDir> m_pDirectory;
+};
+
+void TestMalformedSet::init()
+{
+    m_pDirectory = std::make_unique<QTemporaryDir>();
+    QVERIFY(CfgCenter::Open(m_pDirectory->path()));
+}
+
+void TestMalformedSet::cleanup()
+{
+    CfgCenter::Close();
+    m_pDirectory.reset();
+}
+
+void TestMalformedSet::Save(const QByteArray& list)
+{
+    StoreList(list);
+    QVERIFY(CfgCenter::SaveDocument());
+}
+
+QStringList TestMalformedSet::Copies()
+{
+    const QFileInfo document(Document());
+    QStringList copies;
+    const QFileInfoList files =
+        document.dir().entryInfoList({document.fileName() + QStringLiteral(".malformed-*")}, QDir::Files, QDir::Name);
+    for (const QFileInfo& file : files)
+        copies.append(file.filePath());
+    return copies;
+}
+
+QByteArray TestMalformedSet::Content(const QString& fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestMalformedSet::AListInOrderIsLeftAlone()
+{
+    QCOMPARE(KeepMalformedSetAside(), QString());
+    for (const QByteArray& list : {QByteArray(), ListOf(0), ListOf(3)}) {
+        Save(list);
+        QCOMPARE(KeepMalformedSetAside(), QString());
+    }
+    QCOMPARE(Copies(), QStringList());
+}
+
+void TestMalformedSet::AMalformedListIsKept()
+{
+    Save(ListOf(5).chopped(30));
+    const QByteArray document = Content(Document());
+    QVERIFY(!document.isEmpty());
+
+    TraceRecorder recorder;
+    const QString said = KeepMalformedSetAside();
+    QCOMPARE(Copies().size(), 1);
+    QCOMPARE(Content(Copies().constFirst()), document);
+    QVERIFY2(said.contains(QLatin1String("5 entries")) && said.contains(Copies().constFirst()), qPrintable(said));
+    QCOMPARE(recorder.Messages(), QStringList(QStringLiteral("KeepMalformedSetAside(): ") + said));
+    // Not moved away: the plug-in loads what there is.
+    QCOMPARE(Content(Document()), document);
+}
+
+void TestMalformedSet::TheSameContentIsKeptOnce()
+{
+    Save(ListOf(5).chopped(30));
+    const QString said = KeepMalformedSetAside();
+    QCOMPARE(Copies().size(), 1);
+    // As after a host that was killed before it stored anything.
+    QVERIFY(CfgCenter::Open(m_pDirectory->path()));
+    QCOMPARE(KeepMalformedSetAside(), said);
+    QCOMPARE(Copies().size(), 1);
+}
+
+void TestMalformedSet::EveryOtherContentIsKept()
+{
+    constexpr int count = 20;
+    QList<QByteArray> documents;
+    for (int i = 0; i < count; ++i) {
+        // Of the same length, and faster than the clock that names them.
+        Save(ListOf(9).replace("Entry 5", "Entry " + QByteArray(1, static_cast<char>('a' + i))).chopped(30));
+        documents.append(Content(Document()));
+        QVERIFY(!KeepMalformedSetAside().isEmpty());
+    }
+    QCOMPARE(Copies().size(), count);
+    for (const QString& copy : Copies())
+        QVERIFY(documents.removeOne(Content(copy)));
+}
+
+void TestMalformedSet::WhereItCannotBeKeptThatIsSaid()
+{
+    Save(ListOf(2).chopped(30));
+    // The list is known, but its file has gone.
+    QVERIFY(QFile::remove(Document()));
+    const QString said = KeepMalformedSetAside();
+    QVERIFY2(said.contains(QLatin1String("2 entries")) && said.contains(Document()), qPrintable(said));
+    QVERIFY2(said.contains(QLatin1String("could not be copied")), qPrintable(said));
+    QCOMPARE(Copies(), QStringList());
+}
+
+QTEST_GUILESS_MAIN(TestMalformedSet)
+#include "tst_malformedset.moc"

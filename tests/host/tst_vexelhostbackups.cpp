@@ -1,0 +1,320 @@
+#include "tests/host/hostsetup.h"
+
+#include <QRegularExpression>
+
+// The host's executable: the versions of the stored list, and what becomes of a list that breaks off.
+class TestVexelHostBackups : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WithoutAConfiguration();
+    void WithoutAStoredList();
+    void VersionsAreListedNewestFirst();
+    void VersionsAsJson();
+    void LookingWritesNothing();
+    void NeedsNeitherDisplayNorPlugin();
+    void RestoreBringsAVersionBack();
+    void RestoreOfTheStateThatIsThere();
+    void RestoreNamesTheVersionsThatExist();
+    void ADamagedVersionIsShownAndNotRestored();
+    void ADamagedDocumentIsShownAndReplaced();
+    void WhileAHostRuns();
+    void AListThatBreaksOffIsKeptForGood();
+
+private:
+    static QString Document(const HostSetUp& setUp)
+    {
+        return setUp.Config() + QStringLiteral("/application/@application.ini");
+    }
+    static QByteArray Content(const QString& fileName)
+    {
+        QFile file(fileName);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// Number, entries and file of every line of `--backups`.
+    static QStringList Lines(HostSetUp& setUp);
+    /// The files of the versions, newest first.
+    static QStringList Files(HostSetUp& setUp);
+    /// Stores `count` lists, one after the other, of 1, 2, 3 ... entries.
+    static void StoreLists(HostSetUp& setUp, int count);
+    /// Cuts the last `length` characters off the stored list, inside a document that stays readable.
+    static void BreakOff(const HostSetUp& setUp, int length);
+};
+
+QStringList TestVexelHostBackups::Lines(HostSetUp& setUp)
+{
+    const auto result = setUp.Run({QStringLiteral("--backups")});
+    if (result.exitCode != 0 || !result.error.isEmpty())
+        return {result.error};
+    QStringList lines;
+    static const QRegularExpression s_line(
+        QStringLiteral("^(now|\\d+) +(-|\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d)  +(\\S.*?)  +(/.*|[A-Z]:.*)$"));
+    const QStringList output = result.OutputLines();
+    for (const QString& line : output.mid(1)) {
+        const QRegularExpressionMatch match = s_line.match(line);
+        lines.append(match.hasMatch() ? match.captured(1) + QLatin1Char('|') + match.captured(3) : line);
+    }
+    return lines;
+}
+
+QStringList TestVexelHostBackups::Files(HostSetUp& setUp)
+{
+    const auto result = setUp.Run({QStringLiteral("--backups"), QStringLiteral("--json")});
+    const QJsonArray versions =
+        QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
+    QStringList files;
+    for (const QJsonValue& version : versions) {
+        if (version[QLatin1String("number")].toInt() > 0)
+            files.append(version[QLatin1String("file")].toString());
+    }
+    return files;
+}
+
+void TestVexelHostBackups::StoreLists(HostSetUp& setUp, int count)
+{
+    QStringList names;
+    for (int i = 1; i <= count; ++i) {
+        names.append(QStringLiteral("entry %1").arg(i));
+        setUp.Write(setUp.Path("list.xml"), HostSetUp::ListDocument(names));
+        QCOMPARE(setUp.Run({QStringLiteral("--import"), setUp.Path("list.xml")}).exitCode, 0);
+    }
+}
+
+void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
+{
+    QByteArray text = Content(Document(setUp));
+    const qsizetype begin = text.indexOf("ModelMimeData=");
+    QVERIFY(begin > 0);
+    const qsizetype end = text.indexOf('\n', begin);
+    text.remove((end < 0 ? text.size() : end) - length, length);
+    setUp.Write(Document(setUp), text);
+}
+
+void TestVexelHostBackups::WithoutAConfiguration()
+{
+    HostSetUp setUp;
+    for (const char* option : {"--backups", "--restore=1"}) {
+        const auto result = setUp.Run({QString::fromLatin1(option)});
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(setUp.Config()), qPrintable(result.error));
+        // Looking for a configuration must not make one.
+        QVERIFY(!QFileInfo::exists(setUp.Config()));
+    }
+}
+
+void TestVexelHostBackups::WithoutAStoredList()
+{
+    HostSetUp setUp;
+    QVERIFY(QDir().mkpath(setUp.Config()));
+    QCOMPARE(Lines(setUp), QStringList(QStringLiteral("now|none stored")));
+}
+
+void TestVexelHostBackups::VersionsAreListedNewestFirst()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 3);
+    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|3"), QStringLiteral("1|2"), QStringLiteral("2|1")}));
+    const QStringList heading =
+        setUp.Run({QStringLiteral("--backups")}).OutputLines().constFirst().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QCOMPARE(heading, QStringList({QStringLiteral("Number"), QStringLiteral("Saved"), QStringLiteral("Entries"),
+                                   QStringLiteral("File")}));
+}
+
+void TestVexelHostBackups::VersionsAsJson()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 2);
+    BreakOff(setUp, 20);
+    const auto result = setUp.Run({QStringLiteral("--backups"), QStringLiteral("--json")});
+    QCOMPARE(result.exitCode, 0);
+    const QJsonArray versions =
+        QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
+    QCOMPARE(versions.size(), 2);
+    const QJsonObject now = versions.at(0).toObject();
+    QCOMPARE(now.value(QLatin1String("number")), QJsonValue(0));
+    QCOMPARE(now.value(QLatin1String("entries")), QJsonValue(2));
+    QCOMPARE(now.value(QLatin1String("malformed")), QJsonValue(true));
+    QCOMPARE(now.value(QLatin1String("readable")), QJsonValue(true));
+    QCOMPARE(now.value(QLatin1String("file")), QJsonValue(Document(setUp)));
+    const QJsonObject former = versions.at(1).toObject();
+    QCOMPARE(former.value(QLatin1String("number")), QJsonValue(1));
+    QCOMPARE(former.value(QLatin1String("entries")), QJsonValue(1));
+    QCOMPARE(former.value(QLatin1String("malformed")), QJsonValue(false));
+    QVERIFY(Content(former.value(QLatin1String("file")).toString()).contains("ModelMimeData="));
+    for (const QJsonObject& version : {now, former}) {
+        const QDateTime saved =
+            QDateTime::fromString(version.value(QLatin1String("saved")).toString(), Qt::ISODateWithMs);
+        QVERIFY(saved.isValid());
+        QCOMPARE(saved.date().year(), QFileInfo(Document(setUp)).lastModified().date().year());
+    }
+}
+
+void TestVexelHostBackups::LookingWritesNothing()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 2);
+    setUp.Write(Document(setUp), QByteArray("\0 no document", 14));
+    const QByteArray before = setUp.StoredText();
+    const QDateTime changed = QFileInfo(Document(setUp)).lastModified();
+    QCOMPARE(Lines(setUp).size(), 2);
+    QCOMPARE(setUp.StoredText(), before);
+    QCOMPARE(QFileInfo(Document(setUp)).lastModified(), changed);
+}
+
+void TestVexelHostBackups::NeedsNeitherDisplayNorPlugin()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 2);
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
+    const QStringList withoutPlugin{QStringLiteral("--plugin"), QStringLiteral("/no/such/plugin.so")};
+    QCOMPARE(setUp.Run(QStringList{QStringLiteral("--backups")} + withoutPlugin).exitCode, 0);
+    QCOMPARE(setUp.Run(QStringList{QStringLiteral("--restore=1")} + withoutPlugin).exitCode, 0);
+}
+
+void TestVexelHostBackups::RestoreBringsAVersionBack()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 3);
+    const QByteArray oldest = Content(Files(setUp).constLast());
+    const auto restored = setUp.Run({QStringLiteral("--restore"), QStringLiteral("2")});
+    QCOMPARE(restored.error, QString());
+    QCOMPARE(restored.exitCode, 0);
+    QCOMPARE(restored.OutputLines().size(), 1);
+    QVERIFY2(restored.output.startsWith(QLatin1String("version 2 of ")) &&
+                 restored.output.contains(QLatin1String("3 entries -> 1 entry; what it replaced is version 1 now")),
+             qPrintable(restored.output));
+    QCOMPARE(Content(Document(setUp)), oldest);
+    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|1"), QStringLiteral("1|3"), QStringLiteral("2|2"),
+                                        QStringLiteral("3|1")}));
+    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
+
+    // And back again.
+    QCOMPARE(setUp.Run({QStringLiteral("--restore"), QStringLiteral("1")}).exitCode, 0);
+    QCOMPARE(setUp.Names().size(), 3);
+}
+
+void TestVexelHostBackups::RestoreOfTheStateThatIsThere()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 2);
+    QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 0);
+    // Version 2 is the same as what is there now.
+    const QByteArray before = setUp.StoredText();
+    const auto result = setUp.Run({QStringLiteral("--restore=2")});
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(result.output.contains(QLatin1String("1 entry -> 1 entry\n")), qPrintable(result.output));
+    QCOMPARE(setUp.StoredText(), before);
+}
+
+void TestVexelHostBackups::RestoreNamesTheVersionsThatExist()
+{
+    HostSetUp setUp;
+    QVERIFY(QDir().mkpath(setUp.Config()));
+    const char* const hints[] = {"there are none", "there are none", "only version 1", "versions 1 to 2"};
+    for (int lists = 0; lists <= 3; ++lists) {
+        StoreLists(setUp, lists);
+        if (lists > 0) {
+            // One version less than lists; what the earlier turns have left goes.
+            const QStringList files = Files(setUp);
+            for (qsizetype i = lists - 1; i < files.size(); ++i)
+                QVERIFY(QFile::remove(files.at(i)));
+        }
+        const QByteArray before = setUp.StoredText();
+        const auto result = setUp.Run({QStringLiteral("--restore"), QStringLiteral("7")});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(QLatin1String("no version 7")) &&
+                     result.error.contains(QLatin1String(hints[lists])),
+                 qPrintable(result.error));
+        QCOMPARE(setUp.StoredText(), before);
+    }
+}
+
+void TestVexelHostBackups::ADamagedVersionIsShownAndNotRestored()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 3);
+    setUp.Write(Files(setUp).constFirst(), QByteArray("\0\0\0\0", 4));
+    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|3"), QStringLiteral("1|damaged"), QStringLiteral("2|1")}));
+    const auto result = setUp.Run({QStringLiteral("--restore=1")});
+    QCOMPARE(result.exitCode, 2);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.ErrorLines().size(), 1);
+    QVERIFY2(result.error.contains(QLatin1String("damaged")), qPrintable(result.error));
+    QCOMPARE(setUp.Names().size(), 3);
+}
+
+void TestVexelHostBackups::ADamagedDocumentIsShownAndReplaced()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 2);
+    const QByteArray garbage("\0\0 garbage", 10);
+    setUp.Write(Document(setUp), garbage);
+    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|damaged"), QStringLiteral("1|1")}));
+    const auto result = setUp.Run({QStringLiteral("--restore=1")});
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry")), qPrintable(result.output));
+    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
+    QVERIFY(setUp.StoredText().contains(garbage));
+}
+
+void TestVexelHostBackups::WhileAHostRuns()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 2);
+    setUp.Install(QStringLiteral("/no/such/program"), 1);
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    QProcess host;
+    setUp.Start(host, {QStringLiteral("--data"), setUp.Data(), QStringLiteral("--trace")});
+    // The plug-in is there: it has read the mapping and opened its link, or failed to.
+    QByteArray said;
+    QTRY_VERIFY((said += host.readAllStandardError()).contains("TCPServer"));
+
+    const QByteArray before = setUp.StoredText();
+    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|2"), QStringLiteral("1|1")}));
+    const auto result = setUp.Run({QStringLiteral("--restore=1")});
+    QCOMPARE(result.exitCode, 4);
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.ErrorLines().size(), 1);
+    QVERIFY2(result.error.contains(QString::number(host.processId())), qPrintable(result.error));
+    QCOMPARE(setUp.StoredText(), before);
+
+    host.kill();
+    QVERIFY(host.waitForFinished());
+    QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 0);
+    QCOMPARE(setUp.Names().size(), 1);
+}
+
+void TestVexelHostBackups::AListThatBreaksOffIsKeptForGood()
+{
+    HostSetUp setUp;
+    StoreLists(setUp, 3);
+    BreakOff(setUp, 1000);
+    const QByteArray document = Content(Document(setUp));
+    QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, breaks off"));
+
+    const auto first = setUp.Run({QStringLiteral("--list")});
+    QCOMPARE(first.exitCode, 0);
+    QCOMPARE(first.ErrorLines().size(), 1);
+    QVERIFY2(first.error.contains(QLatin1String("breaks off after 2 entries")), qPrintable(first.error));
+    const QFileInfo info(Document(setUp));
+    const auto copies = [&info] {
+        return info.dir().entryInfoList({info.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);
+    };
+    QCOMPARE(copies().size(), 1);
+    QCOMPARE(Content(copies().constFirst().filePath()), document);
+    QVERIFY2(first.error.contains(copies().constFirst().fileName()), qPrintable(first.error));
+
+    // Stored by the plug-in as far as it went, the list is in order, and the versions come and go.
+    QCOMPARE(setUp.Run({QStringLiteral("--list")}).error, QString());
+    StoreLists(setUp, 12);
+    QCOMPARE(copies().size(), 1);
+    QCOMPARE(Content(copies().constFirst().filePath()), document);
+}
+
+QTEST_GUILESS_MAIN(TestVexelHostBackups)
+#include "tst_vexelhostbackups.moc"
