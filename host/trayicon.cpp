@@ -47,8 +47,9 @@ TrayIcon::TrayIcon(const StatusMonitor& monitor, QObject* parent)
     connect(&m_LookTimer, &QTimer::timeout, this, &TrayIcon::Look);
 
     ShowCount(monitor.CountInUse());
-    m_Icon.show();
     m_Available = QSystemTrayIcon::isSystemTrayAvailable();
+    // Where there never is a tray, Qt would complain of that.
+    m_Icon.setVisible(m_Available);
     m_LookTimer.start(s_lookInterval);
 }
 
@@ -71,6 +72,9 @@ void TrayIcon::Look()
     if (available == m_Available)
         return;
     m_Available = available;
+    // Once it is visible, it is so in the tray that comes after this one, too.
+    if (available)
+        m_Icon.show();
     emit AvailabilityChanged(available);
 }
 

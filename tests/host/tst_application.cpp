@@ -1,0 +1,392 @@
+#include "host/application.h"
+#include "host/connectdialog.h"
+#include "platform/guibase.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDirIterator>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QScreen>
+#include <QSessionManager>
+#include <QSettings>
+#include <QSystemTrayIcon>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+#include <optional>
+
+namespace {
+
+/// The host with the real plug-in, in this process and with a configuration of its own, as often as a test runs it.
+class Host
+{
+public:
+    Host()
+    {
+        options.plugin = QStringLiteral(REAL_PLUGIN);
+        options.configDirectory = directory.filePath(QStringLiteral("config"));
+        // Without any application: nothing can be connected.
+        options.dataDirectory = directory.path();
+        options.name = QStringLiteral("VexelConnectDlg");
+        options.language = QLocale(QStringLiteral("en_GB"));
+    }
+
+    /// Runs the host; `work` is done once the dialog is shown. Where that does not end the host, it is ended then.
+    ExitCode Run(const std::function<void(const ConnectDialog&)>& work, bool endsByItself = false)
+    {
+        // The size is restored when the first window of a process is shown.
+        GuiBase::Instance().SetMainWidget(nullptr);
+        bool hasWorked = false;
+        QTimer::singleShot(0, qApp, [&] {
+            QString error;
+            if (const auto dialog = ConnectDialog::Find(error)) {
+                hasWorked = true;
+                work(*dialog);
+            }
+            if (!endsByItself)
+                QCoreApplication::exit();
+        });
+        const ExitCode code = Application(options).Run();
+        [&] {
+            QVERIFY(hasWorked);
+        }();
+        return code;
+    }
+
+    /// What is on disk at this moment, every file in one text. Of earlier states, kept beside, there is nothing in it.
+    QByteArray Stored() const
+    {
+        QByteArray text;
+        QDirIterator files(options.configDirectory, {QStringLiteral("*.ini")}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            if (!file.fileName().contains(QLatin1String("versions")) && file.open(QIODevice::ReadOnly))
+                text += file.readAll();
+        }
+        return text;
+    }
+    bool HasStored(const char* name) const { return Stored().contains(QByteArray(name).toHex()); }
+
+    QTemporaryDir directory;
+    HostOptions options;
+};
+
+void AddEntry(const ConnectDialog& dialog, const QString& name, bool ticked = false)
+{
+    const QString document = QStringLiteral("<ConnectionEntries><Connection><ConnectionName>%1</ConnectionName>"
+                                            "<DeviceType>4</DeviceType><Selected>%2</Selected></Connection>"
+                                            "</ConnectionEntries>")
+                                 .arg(name, ticked ? QStringLiteral("true") : QStringLiteral("false"));
+    QVERIFY(dialog.Append(document.toUtf8()));
+}
+
+/// What the system's session manager has Qt do when the session ends. There is no manager to be asked anything.
+void EndSession()
+{
+    const QMetaObject& meta = QGuiApplication::staticMetaObject;
+    const QMetaMethod signal = meta.method(meta.indexOfSignal("commitDataRequest(QSessionManager&)"));
+    alignas(std::max_align_t) std::array<char, sizeof(QSessionManager)> nobody = {};
+    QVERIFY(signal.invoke(qApp, Qt::DirectConnection, QGenericArgument("QSessionManager&", nobody.data())));
+}
+
+void Terminate()
+{
+    QCOMPARE(QProcess::execute(QStringLiteral("kill"),
+                               {QStringLiteral("-TERM"), QString::number(QCoreApplication::applicationPid())}),
+             0);
+}
+
+/// The menu of the icon in the tray, whether a tray shows it or not.
+QAction* TrayAction(const QString& text)
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() != QLatin1String("m_TrayMenu"))
+            continue;
+        for (QAction* action : widget->findChildren<QAction*>()) {
+            if (action->text() == text)
+                return action;
+        }
+    }
+    return nullptr;
+}
+
+/// Calls `work` once a message box is open.
+void WhenABoxIsOpen(const std::function<void(QMessageBox&)>& work)
+{
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, work] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            work(*box);
+        }
+    });
+    timer->start(1);
+}
+
+} // namespace
+
+class TestApplication : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void TheEndOfTheSessionSavesEverything();
+    void ARequestToEndWhileABoxIsOpen_data();
+    void ARequestToEndWhileABoxIsOpen();
+    void SaveNow();
+    void QuitWithNothingInUse();
+    void QuitAsksWhileEntriesAreInUse();
+    void ClosingWithoutATrayEndsTheHost();
+    void TheTraySpeaksTheLanguage();
+    void SizeOutlivesTheRun_data();
+    void SizeOutlivesTheRun();
+    void UnusableSizes_data();
+    void UnusableSizes();
+    void ASecondHostWritesNothing();
+};
+
+void TestApplication::TheEndOfTheSessionSavesEverything()
+{
+    Host host;
+    const ExitCode code = host.Run([&](const ConnectDialog& dialog) {
+        AddEntry(dialog, QStringLiteral("Session mast"));
+        auto* pattern = dialog.Window()->findChild<QLineEdit*>(QStringLiteral("m_pFilterPatternLineEdit"));
+        QVERIFY(pattern);
+        pattern->setText(QStringLiteral("SessionPattern"));
+        dialog.Window()->resize(611, 317);
+        QVERIFY(!host.HasStored("Session mast"));
+        EndSession();
+        // The process may be gone after this.
+        QVERIFY(host.HasStored("Session mast"));
+        QVERIFY(host.Stored().contains("FilterPattern=SessionPattern"));
+        QVERIFY(host.Stored().contains("Width=611"));
+        QVERIFY(host.Stored().contains("Height=317"));
+        // Or live on: ending a session can be called off.
+        QVERIFY(dialog.Window()->isVisible());
+    });
+    QCOMPARE(code, ExitCode::Done);
+}
+
+void TestApplication::ARequestToEndWhileABoxIsOpen_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::newRow("info") << QStringLiteral("Info");
+    QTest::newRow("problem") << QStringLiteral("Problem");
+    QTest::newRow("two problems to come") << QStringLiteral("Problem");
+    QTest::newRow("question whether to quit") << QStringLiteral("Vexel - Connect Dialog");
+}
+
+void TestApplication::ARequestToEndWhileABoxIsOpen()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("Signals are sent with the system's own tool.");
+#endif
+    QFETCH(const QString, title);
+    Host host;
+    bool wasOpen = false;
+    const ExitCode code = host.Run(
+        [&](const ConnectDialog& dialog) {
+            AddEntry(dialog, QStringLiteral("Box mast"), true);
+            AddEntry(dialog, QStringLiteral("Box pier"), qstrcmp(QTest::currentDataTag(), "two problems to come") == 0);
+            WhenABoxIsOpen([&, title](const QMessageBox& box) {
+                QCOMPARE(box.windowTitle(), title);
+                wasOpen = true;
+                Terminate();
+            });
+            if (title == QLatin1String("Info")) {
+                dialog.Views().constFirst()->clearSelection();
+                dialog.Window()->findChild<QAction*>(QStringLiteral("m_pDeleteAction"))->trigger();
+            } else if (title == QLatin1String("Problem")) {
+                dialog.PressConnect();
+            } else {
+                dialog.Entries()->setData(dialog.Entries()->index(0, static_cast<int>(EntryColumn::Status)), 1);
+                TrayAction(QStringLiteral("Quit"))->trigger();
+            }
+        },
+        true);
+    QCOMPARE(code, ExitCode::Done);
+    QVERIFY(wasOpen);
+    QVERIFY(!QApplication::activeModalWidget());
+    QVERIFY(host.HasStored("Box mast"));
+}
+
+void TestApplication::SaveNow()
+{
+    Host host;
+    host.Run([&](const ConnectDialog& dialog) {
+        AddEntry(dialog, QStringLiteral("Now mast"));
+        QVERIFY(!host.HasStored("Now mast"));
+        TrayAction(QStringLiteral("Save now"))->trigger();
+        QVERIFY(host.HasStored("Now mast"));
+        QVERIFY(dialog.Window()->isVisible());
+    });
+}
+
+void TestApplication::QuitWithNothingInUse()
+{
+    Host host;
+    const ExitCode code = host.Run(
+        [&](const ConnectDialog& dialog) {
+            AddEntry(dialog, QStringLiteral("Quit mast"));
+            TrayAction(QStringLiteral("Quit"))->trigger();
+            QVERIFY(!QApplication::activeModalWidget());
+        },
+        true);
+    QCOMPARE(code, ExitCode::Done);
+    QVERIFY(host.HasStored("Quit mast"));
+}
+
+void TestApplication::QuitAsksWhileEntriesAreInUse()
+{
+    Host host;
+    QStringList answers{QStringLiteral("Cancel"), QStringLiteral("Quit")};
+    bool cancelled = false;
+    const std::function<void(QMessageBox&)> answer = [&](QMessageBox& box) {
+        const QString text = answers.takeFirst();
+        for (QAbstractButton* button : box.buttons()) {
+            if (button->text() == text)
+                QTimer::singleShot(0, button, &QAbstractButton::click);
+        }
+    };
+    host.Run(
+        [&](const ConnectDialog& dialog) {
+            AddEntry(dialog, QStringLiteral("Quit mast"));
+            dialog.Entries()->setData(dialog.Entries()->index(0, static_cast<int>(EntryColumn::Status)), 1);
+            WhenABoxIsOpen(answer);
+            TrayAction(QStringLiteral("Quit"))->trigger();
+            QTRY_VERIFY(!QApplication::activeModalWidget());
+            // Still here, and everything as it was.
+            cancelled = dialog.Window()->isVisible() && answers.size() == 1;
+            WhenABoxIsOpen(answer);
+            TrayAction(QStringLiteral("Quit"))->trigger();
+        },
+        true);
+    QVERIFY(cancelled);
+    QVERIFY(answers.isEmpty());
+    QVERIFY(host.HasStored("Quit mast"));
+}
+
+void TestApplication::ClosingWithoutATrayEndsTheHost()
+{
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        QSKIP("There is a tray here.");
+    Host host;
+    const ExitCode code = host.Run(
+        [&](const ConnectDialog& dialog) {
+            AddEntry(dialog, QStringLiteral("Close mast"));
+            dialog.Window()->close();
+        },
+        true);
+    QCOMPARE(code, ExitCode::Done);
+    QVERIFY(host.HasStored("Close mast"));
+}
+
+void TestApplication::TheTraySpeaksTheLanguage()
+{
+    Host host;
+    host.options.language = QLocale(QStringLiteral("de_AT"));
+    host.Run([&](const ConnectDialog&) {
+        QVERIFY(TrayAction(QStringLiteral("Jetzt speichern")));
+        QVERIFY(TrayAction(QStringLiteral("Beenden")));
+        QVERIFY(!TrayAction(QStringLiteral("Quit")));
+    });
+    // And takes it back.
+    host.options.language = QLocale(QStringLiteral("en_GB"));
+    host.Run([&](const ConnectDialog&) { QVERIFY(TrayAction(QStringLiteral("Quit"))); });
+}
+
+void TestApplication::SizeOutlivesTheRun_data()
+{
+    QTest::addColumn<bool>("details");
+    QTest::newRow("without details") << false;
+    QTest::newRow("with details") << true;
+}
+
+void TestApplication::SizeOutlivesTheRun()
+{
+    QFETCH(const bool, details);
+    Host host;
+    const QSize size(703, 409);
+    host.Run([&](const ConnectDialog& dialog) {
+        QVERIFY(dialog.Window()->size() != size);
+        dialog.Window()->findChild<QAction*>(QStringLiteral("m_pDetailsAction"))->setChecked(details);
+        QCOMPARE(dialog.Views().constLast()->isVisible(), details);
+        dialog.Window()->resize(size);
+    });
+    for (int run = 0; run < 2; ++run)
+        host.Run([&](const ConnectDialog& dialog) { QCOMPARE(dialog.Window()->size(), size); });
+}
+
+void TestApplication::UnusableSizes_data()
+{
+    QTest::addColumn<QString>("width");
+    QTest::addColumn<QString>("height");
+    QTest::newRow("larger than the screen") << QStringLiteral("9000") << QStringLiteral("9000");
+    QTest::newRow("words") << QStringLiteral("broad") << QStringLiteral("@ByteArray(x)");
+    QTest::newRow("negative") << QStringLiteral("-5") << QStringLiteral("-5");
+    QTest::newRow("far too large") << QStringLiteral("99999999999999999999") << QStringLiteral("2147483647");
+    QTest::newRow("empty") << QString() << QString();
+    QTest::newRow("tiny") << QStringLiteral("1") << QStringLiteral("1");
+}
+
+void TestApplication::UnusableSizes()
+{
+    QFETCH(const QString, width);
+    QFETCH(const QString, height);
+    Host host;
+    host.Run([](const ConnectDialog&) {});
+    // Whoever edits the file by hand.
+    int files = 0;
+    QDirIterator documents(host.options.configDirectory, {QStringLiteral("*.ini")}, QDir::Files,
+                           QDirIterator::Subdirectories);
+    while (documents.hasNext()) {
+        const QString fileName = documents.next();
+        if (fileName.contains(QLatin1String("versions")))
+            continue;
+        QSettings document(fileName, QSettings::IniFormat);
+        for (const QString& key : document.allKeys()) {
+            if (key.endsWith(QLatin1String("/Width")) || key.endsWith(QLatin1String("/Height"))) {
+                document.setValue(key, key.endsWith(QLatin1String("/Width")) ? width : height);
+                ++files;
+            }
+        }
+    }
+    QCOMPARE(files, 2);
+    host.Run([&](const ConnectDialog& dialog) {
+        const QWidget* window = dialog.Window();
+        const QSize screen = window->screen()->availableSize();
+        // All of it can be reached.
+        QVERIFY2(window->width() <= screen.width() && window->height() <= screen.height(),
+                 qPrintable(QStringLiteral("%1x%2").arg(window->width()).arg(window->height())));
+        QVERIFY(window->rect().contains(
+            QRect(dialog.ConnectButton()->mapTo(window, QPoint()), dialog.ConnectButton()->size())));
+        QVERIFY(dialog.Views().constFirst()->height() > 20);
+    });
+}
+
+void TestApplication::ASecondHostWritesNothing()
+{
+    Host host;
+    host.Run([&](const ConnectDialog& dialog) {
+        AddEntry(dialog, QStringLiteral("First mast"));
+        TrayAction(QStringLiteral("Save now"))->trigger();
+        const QByteArray before = host.Stored();
+        HostOptions second = host.options;
+        second.language.reset();
+        QCOMPARE(Application(second).Run(), ExitCode::Running);
+        second.list = true;
+        QCOMPARE(Application(second).Run(), ExitCode::Running);
+        QCOMPARE(host.Stored(), before);
+    });
+}
+
+QTEST_MAIN(TestApplication)
+#include "tst_application.moc"
