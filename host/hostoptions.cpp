@@ -74,7 +74,7 @@ private:
                                        QStringLiteral("Print the entries as a table, before anything is connected.")};
     const QCommandLineOption m_Json = {
         QStringLiteral("json"),
-        QStringLiteral("With --list, --backups or --diagnose: print one JSON document instead, with numbers and "
+        QStringLiteral("With --list, --backups or --diagnose: print one JSON document, with numbers and "
                        "texts. Not together with --wait, which prints lines.")};
     const QCommandLineOption m_Connect = {
         QStringLiteral("connect"),
@@ -101,8 +101,8 @@ private:
                                              QStringLiteral("FILE")};
     const QCommandLineOption m_Backups = {
         QStringLiteral("backups"),
-        QStringLiteral("Print the versions of the stored list that are there, newest first: number, date and time, "
-                       "number of entries, file.")};
+        QStringLiteral("Print the versions of the stored list, newest first, with number, date and time, number of "
+                       "entries, and file.")};
     const QCommandLineOption m_Restore = {
         QStringLiteral("restore"),
         QStringLiteral("Bring version N back, as --backups numbers them. What it replaces becomes version 1."),
