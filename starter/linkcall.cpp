@@ -7,9 +7,15 @@
 #include <QTcpSocket>
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// The dialog comes to the front at the connection, so this costs only the caller time.
+constexpr auto s_hearingTime = 50ms;
 
 LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline)
 {
@@ -22,7 +28,15 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
         return socket.error() == QAbstractSocket::SocketTimeoutError ? LinkAnswer::Silent : LinkAnswer::Refused;
     }
 
-    switch (EndAndWait(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n"), deadline)) {
+    SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n"));
+    // Many a service that would answer gives up when it sees the end first.
+    const QDeadlineTimer hearing(s_hearingTime);
+    LinkEnding ending = WaitForEnding(socket.socketDescriptor(), std::min(hearing, deadline));
+    if (ending == LinkEnding::None) {
+        EndSending(socket.socketDescriptor());
+        ending = WaitForEnding(socket.socketDescriptor(), deadline);
+    }
+    switch (ending) {
     case LinkEnding::Closed:
         return LinkAnswer::Taken;
     case LinkEnding::Spoke:

@@ -14,9 +14,9 @@ enum class LinkAnswer {
 
 /// Calls the starter link at `port` of this machine, and waits for the answer until `deadline`.
 ///
-/// The connection itself is the call. The link answers by closing it without a word, once the dialog has come to the
-/// front. A line is sent along, and the sending direction closed: the link drops it, while most other services answer
-/// one way or another. Who closes without a word as well cannot be told from a link.
+/// The connection itself is the call. A line is sent along and, a little later, the sending direction closed: the link
+/// drops the line and closes the connection without a word, once the dialog has come to the front; most other services
+/// answer one way or another. One that closes without a word as well cannot be told from a link.
 ///
 /// 127.0.0.1 is called first, then ::1, where a machine has only that. Blocks; needs no event loop.
 LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline);

@@ -4,15 +4,20 @@
 #include <QDeadlineTimer>
 #include <QtGlobal>
 
-/// How a connection ended after everything had been said from this side.
+/// Of a connected socket, what lies below Qt's: those close both directions at once only, and take a connection that
+/// breaks off for one that was closed. `handle` is the system's name of the socket.
+
+/// What the other side has done.
 enum class LinkEnding {
-    Closed, ///< the other side closed it, having sent nothing
-    Spoke,  ///< the other side sent something
-    CutOff, ///< it broke off, as when the other program ended without having taken the call
-    None,   ///< nothing of that until the deadline
+    None,   ///< nothing yet
+    Closed, ///< closed the connection, having sent nothing
+    Spoke,  ///< sent something
+    CutOff, ///< broke the connection off, as a program does that ends without having taken the call
 };
 
-/// Sends `line` over the connected socket `handle`, closes the sending direction, and waits for what the other side
-/// does. Qt's sockets close both directions at once and take a connection that breaks off for one that was closed, so
-/// this is done below them.
-LinkEnding EndAndWait(qintptr handle, const QByteArray& line, QDeadlineTimer deadline);
+/// Sends `line`. If the other side has gone, waiting for it says how.
+void SendLine(qintptr handle, const QByteArray& line);
+/// Closes the sending direction.
+void EndSending(qintptr handle);
+/// Waits until the other side does something, and no longer than `deadline`.
+LinkEnding WaitForEnding(qintptr handle, QDeadlineTimer deadline);

@@ -17,13 +17,20 @@ int PollTime(const QDeadlineTimer& deadline)
 
 } // namespace
 
-LinkEnding EndAndWait(qintptr handle, const QByteArray& line, QDeadlineTimer deadline)
+void SendLine(qintptr handle, const QByteArray& line)
+{
+    // A line fits into the buffer of a fresh connection.
+    (void)send(static_cast<int>(handle), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL);
+}
+
+void EndSending(qintptr handle)
+{
+    (void)shutdown(static_cast<int>(handle), SHUT_WR);
+}
+
+LinkEnding WaitForEnding(qintptr handle, QDeadlineTimer deadline)
 {
     const int socket = static_cast<int>(handle);
-    // A line fits into the buffer of a fresh connection. If the other side has gone meanwhile, reading says how.
-    (void)send(socket, line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL);
-    (void)shutdown(socket, SHUT_WR);
-
     for (;;) {
         pollfd waiting{socket, POLLIN, 0};
         const int ready = poll(&waiting, 1, PollTime(deadline));

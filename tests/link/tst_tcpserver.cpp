@@ -1,4 +1,5 @@
 #include "platform/interfaces.h"
+#include "tests/support/linkport.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
 
@@ -17,7 +18,7 @@
 
 namespace {
 
-constexpr quint16 s_port = 8451;
+constexpr quint16 s_port = LinkPort::s_number;
 const QString s_sourceFile = QStringLiteral("userinterface/vexelconnectdlg/tcpserver");
 
 // What becomes of the arrays that the server allocates.
@@ -109,25 +110,7 @@ protected:
     }
 };
 
-/// Whether this process could have the starter's port: another one of the product may be running on the machine.
-bool IsPortFree()
-{
-    const auto isFree = [](QHostAddress::SpecialAddress address) {
-        QTcpServer probe;
-        return probe.listen(QHostAddress(address), s_port) || probe.serverError() != QAbstractSocket::AddressInUseError;
-    };
-    return isFree(QHostAddress::LocalHost) && isFree(QHostAddress::LocalHostIPv6);
-}
-
 } // namespace
-
-// Skips the test where another program has the port and keeps it.
-#define NEED_PORT()                                                                                                    \
-    do {                                                                                                               \
-        if (!QTest::qWaitFor(IsPortFree, 30'000)) {                                                                    \
-            QSKIP("Another program has port 8451");                                                                    \
-        }                                                                                                              \
-    } while (false)
 
 class TstTcpServer : public QObject
 {
@@ -224,7 +207,7 @@ void TstTcpServer::listening()
     QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer(): Server TCP interface created.")));
     QCOMPARE(traces.Reports().constLast().line, 49);
     QCOMPARE(traces.Reports().constLast().kind, ErrorHandler::Trace);
-    QVERIFY(!IsPortFree());
+    QVERIFY(!LinkPort::IsFree());
     QVERIFY(!widget.isVisible());
 }
 
@@ -257,7 +240,7 @@ void TstTcpServer::creationFails()
     }
     // Its end says nothing and leaves the port to its holder.
     QCOMPARE(traces.Messages(s_sourceFile).size(), 2);
-    QVERIFY(!IsPortFree());
+    QVERIFY(!LinkPort::IsFree());
 }
 
 void TstTcpServer::creationFailsQuietly()
@@ -279,9 +262,9 @@ void TstTcpServer::destructionGivesThePortBack()
     QWidget widget;
     {
         const TCPServer server(&widget);
-        QVERIFY(!IsPortFree());
+        QVERIFY(!LinkPort::IsFree());
     }
-    QVERIFY(IsPortFree());
+    QVERIFY(LinkPort::IsFree());
 }
 
 void TstTcpServer::destructionLeavesTheWidget()

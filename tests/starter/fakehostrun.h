@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QList>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// A folder with what fake hosts said when they were started; ends those that still run when it goes.
+class FakeHostRun
+{
+public:
+    ~FakeHostRun() { End(); }
+
+    static QString Program() { return QStringLiteral(VEXEL_FAKEHOST); }
+    QStringList Arguments(const QString& mode, quint16 port, const QStringList& more = {}) const
+    {
+        return QStringList{mode, QString::number(port), File()} + more;
+    }
+    QString Path(const char* name) const { return m_Directory.filePath(QString::fromLatin1(name)); }
+    QString File() const { return Path("starts"); }
+
+    /// One for each host that was started.
+    QList<QJsonObject> Starts() const
+    {
+        QFile file(File());
+        QList<QJsonObject> starts;
+        if (file.open(QIODevice::ReadOnly)) {
+            for (const QByteArray& line : file.readAll().split('\n')) {
+                if (!line.isEmpty())
+                    starts.append(QJsonDocument::fromJson(line).object());
+            }
+        }
+        return starts;
+    }
+
+    /// Asks all of them to end.
+    void End() const
+    {
+        QFile end(File() + QStringLiteral(".end"));
+        if (!end.open(QIODevice::WriteOnly))
+            qFatal("Hosts cannot be asked to end");
+            // They look for the file, which goes with the folder.
+#ifdef Q_OS_LINUX
+        for (const QJsonObject& start : Starts()) {
+            const QString process = QStringLiteral("/proc/%1/exe").arg(start.value(QLatin1String("process")).toInt());
+            (void)QTest::qWaitFor([&] { return QFile::symLinkTarget(process) != Program(); }, 10'000);
+        }
+#endif
+    }
+
+private:
+    QTemporaryDir m_Directory;
+};

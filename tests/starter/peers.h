@@ -1,0 +1,62 @@
+#pragma once
+
+#include "tests/link/linkfixture.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+
+#include <functional>
+#include <future>
+#include <optional>
+
+/// Runs `work`, which blocks, beside this thread's event loop, and returns what it returns.
+template <typename Work>
+auto Beside(Work work)
+{
+    auto result = std::async(std::launch::async, work);
+    const bool isDone =
+        QTest::qWaitFor([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }, 60'000);
+    if (!isDone)
+        qFatal("It blocks for ever");
+    return result.get();
+}
+
+/// A service that has nothing to do with the product.
+class ForeignService : public QTcpServer
+{
+public:
+    enum Manner {
+        Greets,      // speaks first, as a mail server
+        Echoes,      // gives back what it is sent
+        Answers,     // a web server: speaks when it has heard something
+        NeverCloses, // takes the call and does nothing
+        ClosesLate,  // hears to the end, and then closes without a word
+    };
+
+    explicit ForeignService(Manner manner, QHostAddress::SpecialAddress address = QHostAddress::LocalHost)
+    {
+        connect(this, &QTcpServer::newConnection, this, [this, manner] {
+            ++calls;
+            QTcpSocket* const socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            if (manner == Greets)
+                socket->write("220 at your service\r\n");
+            if (manner == Echoes)
+                connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->write(socket->readAll()); });
+            if (manner == Answers) {
+                connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+                    if (socket->canReadLine())
+                        socket->write("HTTP/1.1 400 Bad Request\r\nConnection: close\r\n\r\n");
+                });
+            }
+            // Qt closes its side by itself when the other has; only one that does not look does not notice.
+            if (manner == NeverCloses)
+                socket->setReadBufferSize(1);
+        });
+        if (!listen(QHostAddress(address)))
+            qFatal("No service: %s", qPrintable(errorString()));
+    }
+
+    int calls = 0;
+};

@@ -1,0 +1,202 @@
+#include "starter/hostprocess.h"
+#include "tests/starter/fakehostrun.h"
+
+#include <QDir>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <cstdio>
+#include <memory>
+
+class TstHostProcess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void argumentsArriveAsTheyAre();
+    void directoryAndEnvironmentAreKept();
+    void nothingElseIsInherited();
+    void hasASessionOfItsOwn();
+    void exitCode_data();
+    void exitCode();
+    void crash();
+    void cannotBeStarted_data();
+    void cannotBeStarted();
+    void outlivesItsObject();
+    void notStarted();
+};
+
+namespace {
+
+/// Starts a fake host and waits until it has said how.
+QJsonObject Started(HostProcess& process, const FakeHostRun& run, const QStringList& arguments)
+{
+    const QString error = process.Start(FakeHostRun::Program(), arguments);
+    if (!error.isEmpty())
+        qFatal("%s", qPrintable(error));
+    if (!QTest::qWaitFor([&] { return run.Starts().size() == 1; }, 20'000))
+        qFatal("It says nothing");
+    return run.Starts().constFirst();
+}
+
+} // namespace
+
+void TstHostProcess::argumentsArriveAsTheyAre()
+{
+    const QStringList arguments{QStringLiteral("--config"),
+                                QStringLiteral("a folder with spaces"),
+                                QString(),
+                                QStringLiteral("\"quoted\" 'twice'"),
+                                QStringLiteral("back\\slash\\"),
+                                QStringLiteral("two\nlines\tand a tab "),
+                                QStringLiteral("$HOME `id` $(id) ; | & * ? ~ %PATH%"),
+                                QStringLiteral("\u00fc\u4e2d\u6587 \u0441\u0432\u044f\u0437\u044c \U0001F4E1"),
+                                QStringLiteral("--")};
+    const FakeHostRun run;
+    HostProcess process;
+    const QJsonObject start = Started(process, run, run.Arguments(QStringLiteral("hang"), 1, arguments));
+    QCOMPARE(start.value(QLatin1String("arguments")).toArray(), QJsonArray::fromStringList(arguments));
+    QCOMPARE(start.value(QLatin1String("process")).toInt(), process.Id());
+}
+
+void TstHostProcess::directoryAndEnvironmentAreKept()
+{
+    const FakeHostRun run;
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(QDir::rootPath()));
+    qputenv("FAKEHOST_VARIABLE", "a value; $HOME");
+    HostProcess process;
+    const QJsonObject start = Started(process, run, run.Arguments(QStringLiteral("hang"), 1));
+    qunsetenv("FAKEHOST_VARIABLE");
+    QVERIFY(QDir::setCurrent(before));
+    QCOMPARE(start.value(QLatin1String("directory")).toString(), QDir::rootPath());
+    QCOMPARE(start.value(QLatin1String("variable")).toString(), QStringLiteral("a value; $HOME"));
+}
+
+void TstHostProcess::nothingElseIsInherited()
+{
+    // What this test was handed by others, as the pipe that is its output under ctest, and what it has opened in such a
+    // way that whoever it starts gets it.
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> handed(std::fopen(VEXEL_FAKEHOST, "rb"), &std::fclose);
+    QVERIFY(handed);
+    const FakeHostRun run;
+    HostProcess process;
+    const QJsonObject start = Started(process, run, run.Arguments(QStringLiteral("hang"), 1));
+    QCOMPARE(start.value(QLatin1String("inherited")).toArray(), QJsonArray());
+#ifdef Q_OS_LINUX
+    const QString nothing = QStringLiteral("/dev/null");
+    QCOMPARE(start.value(QLatin1String("streams")).toArray(), (QJsonArray{nothing, nothing, nothing}));
+#endif
+}
+
+void TstHostProcess::hasASessionOfItsOwn()
+{
+#ifdef Q_OS_LINUX
+    const FakeHostRun run;
+    HostProcess process;
+    (void)Started(process, run, run.Arguments(QStringLiteral("hang"), 1));
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process.Id()));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    // After the name, which stands in parentheses: state, parent, process group, session.
+    const QByteArrayList fields = file.readAll().split(')').constLast().simplified().split(' ');
+    QCOMPARE(fields.at(3).toLongLong(), process.Id());
+#else
+    QSKIP("This system has no such sessions, or does not tell");
+#endif
+}
+
+void TstHostProcess::exitCode_data()
+{
+    QTest::addColumn<int>("code");
+    for (const int code : {0, 1, 4, 255})
+        QTest::addRow("%d", code) << code;
+}
+
+void TstHostProcess::exitCode()
+{
+    QFETCH(const int, code);
+    const FakeHostRun run;
+    HostProcess process;
+    QCOMPARE(process.Start(FakeHostRun::Program(), run.Arguments(QString::number(code), 1)), QString());
+    QVERIFY(process.Id() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(process.Ended(), 20'000);
+    QCOMPARE(process.Ended()->crash, QString());
+    QCOMPARE(process.Ended()->exitCode, code);
+}
+
+void TstHostProcess::crash()
+{
+    const FakeHostRun run;
+    HostProcess process;
+    QCOMPARE(process.Start(FakeHostRun::Program(), run.Arguments(QStringLiteral("crash"), 1)), QString());
+    QTRY_VERIFY_WITH_TIMEOUT(process.Ended(), 20'000);
+#ifdef Q_OS_WIN
+    // There the C run time makes an exit code of it.
+    QVERIFY(process.Ended()->exitCode != 0 || !process.Ended()->crash.isEmpty());
+#else
+    QCOMPARE(process.Ended()->crash, QStringLiteral("signal 6"));
+#endif
+}
+
+void TstHostProcess::cannotBeStarted_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char* kind : {"missing", "directory", "not a program"})
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+#ifdef Q_OS_UNIX
+    // A shell would run this one.
+    QTest::newRow("not executable") << QStringLiteral("not executable");
+    QTest::newRow("text") << QStringLiteral("text");
+#endif
+}
+
+void TstHostProcess::cannotBeStarted()
+{
+    QFETCH(const QString, kind);
+    const QTemporaryDir directory;
+    const QString name = directory.filePath(QStringLiteral("host.exe"));
+    if (kind == QLatin1String("directory"))
+        QVERIFY(QDir().mkdir(name));
+    else if (kind != QLatin1String("missing")) {
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(kind == QLatin1String("text") ? "exit 0\n" : QByteArray(1000, '\1').constData());
+        if (kind != QLatin1String("not executable"))
+            QVERIFY(file.setPermissions(file.permissions() | QFile::ExeOwner | QFile::ExeUser));
+    }
+    HostProcess process;
+    const QString error = process.Start(name, {QStringLiteral("x")});
+    QVERIFY(!error.isEmpty());
+    QVERIFY(!error.contains(u'\n'));
+    QVERIFY(!process.Ended());
+    QCOMPARE(process.Id(), 0);
+}
+
+void TstHostProcess::outlivesItsObject()
+{
+    const FakeHostRun run;
+    // A port whose owner can be asked whether it lives.
+    QTcpServer free;
+    QVERIFY(free.listen(QHostAddress(QHostAddress::LocalHost)));
+    const quint16 port = free.serverPort();
+    free.close();
+    {
+        HostProcess process;
+        (void)Started(process, run, run.Arguments(QStringLiteral("answer"), port));
+    }
+    QTcpSocket caller;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (caller.abort(), caller.connectToHost(QHostAddress::LocalHost, port), caller.waitForConnected()), 20'000);
+    run.End();
+    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstHostProcess::notStarted()
+{
+    HostProcess process;
+    QVERIFY(!process.Ended());
+    QCOMPARE(process.Id(), 0);
+}
+
+QTEST_GUILESS_MAIN(TstHostProcess)
+#include "tst_hostprocess.moc"

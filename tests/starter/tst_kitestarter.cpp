@@ -1,0 +1,295 @@
+#include "tests/support/linkport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLockFile>
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <vector>
+
+// The executable itself, with the real host and dialog, at the real port.
+class TestKiteStarter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void help();
+    void version();
+    void wrongCommandLine();
+    void runningDialogIsRaised();
+    void twiceGivesOneDialog();
+    void tenAtOnceGiveOneHost();
+    void otherConfigurationIsCalledAsWell();
+    void hostThatRefusesItsCommandLine();
+    void hostArgumentsArrive();
+    void hostThatIsMissing();
+    void foreignService();
+    void callOnly();
+    void withoutARunTimeFolder();
+};
+
+namespace {
+
+const QString s_called = QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.");
+const QString s_created = QStringLiteral("TCPServer(): Server TCP interface created.");
+const QString s_failed = QStringLiteral("TCPServer(): Creation of Server TCP interface failed.");
+
+/// A folder with a configuration for the host, and the ways to start what works on it. Hosts end with it.
+class SetUp
+{
+public:
+    SetUp()
+        : environment(QProcessEnvironment::systemEnvironment())
+    {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        // Its rights are looked at, too.
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_Directory.path());
+    }
+    ~SetUp() { End(); }
+
+    QString Path(const QString& name) const { return m_Directory.filePath(name); }
+    QString Config() const { return Path(QStringLiteral("a 'b'  \u00fc \u5317\u6597 \u0441\u0432\u044f\u0437\u044c")); }
+    QStringList HostArguments() const
+    {
+        return {QStringLiteral("--config"), Config(), QStringLiteral("--trace-file"), Path(QStringLiteral("trace"))};
+    }
+
+    std::unique_ptr<QProcess> Start(const QStringList& arguments) const
+    {
+        auto process = std::make_unique<QProcess>();
+        process->setProcessEnvironment(environment);
+        process->setWorkingDirectory(m_Directory.path());
+        process->start(QStringLiteral(VEXEL_KITESTARTER), arguments);
+        return process;
+    }
+    struct Result
+    {
+        int exitCode;
+        QString output;
+        QString error;
+    };
+    static Result End(QProcess& process)
+    {
+        // Its output ends with it: the host, which lives on, does not hold it open.
+        process.waitForFinished(60'000);
+        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+                QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
+    }
+    Result Run(const QStringList& arguments) const { return End(*Start(arguments)); }
+    /// Runs the starter for a host on this configuration.
+    Result RunForHost() const { return Run(QStringList(QStringLiteral("--")) + HostArguments()); }
+
+    /// How often a host has traced `line`.
+    qsizetype Traced(const QString& line) const
+    {
+        QFile file(Path(QStringLiteral("trace")));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).count(line) : 0;
+    }
+
+    /// The host that works on the configuration; 0 where there is none.
+    qint64 Host() const
+    {
+        const QLockFile lock(Config() + QStringLiteral("/vexelhost.lock"));
+        qint64 process = 0;
+        QString machine;
+        QString program;
+        return lock.getLockInfo(&process, &machine, &program) ? process : 0;
+    }
+
+    /// Ends the host as the end of the session does, and waits until it is gone.
+    void End() const
+    {
+        const qint64 process = Host();
+        if (process == 0)
+            return;
+#ifdef Q_OS_WIN
+        QProcess::execute(QStringLiteral("taskkill"),
+                          {QStringLiteral("/F"), QStringLiteral("/PID"), QString::number(process)});
+        QFile::remove(Config() + QStringLiteral("/vexelhost.lock"));
+#else
+        QProcess::execute(QStringLiteral("kill"), {QString::number(process)});
+#endif
+        if (!QTest::qWaitFor([this] { return Host() == 0 && LinkPort::IsFree(); }, 30'000))
+            qWarning("The host %lld does not end", static_cast<long long>(process));
+    }
+
+    QProcessEnvironment environment;
+
+private:
+    QTemporaryDir m_Directory;
+};
+
+} // namespace
+
+#define COMPARE_CALLED(result)                                                                                         \
+    do {                                                                                                               \
+        const SetUp::Result compared = (result);                                                                       \
+        QVERIFY2(compared.exitCode == 0, qPrintable(compared.error));                                                  \
+        QCOMPARE(compared.error, QString());                                                                           \
+        QCOMPARE(compared.output, QString());                                                                          \
+    } while (false)
+
+// One line, from the program.
+#define COMPARE_COMPLAINT(result, code, hint)                                                                          \
+    do {                                                                                                               \
+        const SetUp::Result compared = (result);                                                                       \
+        QVERIFY2(compared.error.startsWith(QLatin1String("kitestarter: ")) && compared.error.contains(hint),           \
+                 qPrintable(compared.error));                                                                          \
+        QCOMPARE(compared.error.count(u'\n'), 1);                                                                      \
+        QCOMPARE(compared.output, QString());                                                                          \
+        QCOMPARE(compared.exitCode, code);                                                                             \
+    } while (false)
+
+void TestKiteStarter::help()
+{
+    const auto result = SetUp().Run({QStringLiteral("--help")});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.error, QString());
+    QVERIFY(result.output.startsWith(QLatin1String("Usage: kitestarter")));
+}
+
+void TestKiteStarter::version()
+{
+    const auto result = SetUp().Run({QStringLiteral("--version")});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.output, QStringLiteral("kitestarter " VEXEL_VERSION "\n"));
+}
+
+void TestKiteStarter::wrongCommandLine()
+{
+    COMPARE_COMPLAINT(SetUp().Run({QStringLiteral("--frobnicate")}), 1, QLatin1String("frobnicate"));
+}
+
+void TestKiteStarter::runningDialogIsRaised()
+{
+    NEED_PORT();
+    const SetUp setUp;
+    // Started by somebody else.
+    QProcess host;
+    host.setProcessEnvironment(setUp.environment);
+    host.start(QStringLiteral(VEXELHOST), setUp.HostArguments());
+    QTRY_COMPARE_WITH_TIMEOUT(setUp.Traced(s_created), 1, 30'000);
+    for (int call = 1; call <= 3; ++call) {
+        COMPARE_CALLED(setUp.RunForHost());
+        QCOMPARE(setUp.Traced(s_called), call);
+    }
+    QCOMPARE(setUp.Host(), host.processId());
+    setUp.End();
+    QVERIFY(host.state() == QProcess::NotRunning || host.waitForFinished());
+    QCOMPARE(host.exitCode(), 0);
+}
+
+void TestKiteStarter::twiceGivesOneDialog()
+{
+    NEED_PORT();
+    const SetUp setUp;
+    COMPARE_CALLED(setUp.RunForHost());
+    const qint64 host = setUp.Host();
+    QVERIFY(host > 0);
+    QCOMPARE(setUp.Traced(s_called), 1);
+    COMPARE_CALLED(setUp.RunForHost());
+    QCOMPARE(setUp.Host(), host);
+    QCOMPARE(setUp.Traced(s_called), 2);
+    QCOMPARE(setUp.Traced(s_created), 1);
+    QCOMPARE(setUp.Traced(s_failed), 0);
+    QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("kitestarter-8451.lock"))));
+}
+
+void TestKiteStarter::tenAtOnceGiveOneHost()
+{
+    NEED_PORT();
+    const SetUp setUp;
+    std::vector<std::unique_ptr<QProcess>> starters;
+    for (int i = 0; i < 10; ++i)
+        starters.push_back(setUp.Start(QStringList(QStringLiteral("--")) + setUp.HostArguments()));
+    for (const auto& starter : starters)
+        COMPARE_CALLED(SetUp::End(*starter));
+    // Every host creates a link, or fails to.
+    QCOMPARE(setUp.Traced(s_created), 1);
+    QCOMPARE(setUp.Traced(s_failed), 0);
+    // Each of them was answered.
+    QVERIFY(setUp.Traced(s_called) >= 10);
+}
+
+void TestKiteStarter::otherConfigurationIsCalledAsWell()
+{
+    NEED_PORT();
+    const SetUp setUp;
+    COMPARE_CALLED(setUp.RunForHost());
+    COMPARE_CALLED(setUp.Run({QStringLiteral("--"), QStringLiteral("--config"), setUp.Path(QStringLiteral("other"))}));
+    QCOMPARE(setUp.Traced(s_called), 2);
+    QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("other"))));
+}
+
+void TestKiteStarter::hostThatRefusesItsCommandLine()
+{
+    NEED_PORT();
+    COMPARE_COMPLAINT(SetUp().Run({QStringLiteral("--"), QStringLiteral("--frobnicate")}), 3,
+                      QLatin1String("exit code 1"));
+}
+
+void TestKiteStarter::hostArgumentsArrive()
+{
+    NEED_PORT();
+    // The host makes a folder of the name that it is given.
+    const SetUp setUp;
+    COMPARE_CALLED(setUp.RunForHost());
+    const QStringList folders = QDir(setUp.Path(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    QCOMPARE(folders, QStringList(QFileInfo(setUp.Config()).fileName()));
+}
+
+void TestKiteStarter::hostThatIsMissing()
+{
+    NEED_PORT();
+    const SetUp setUp;
+    COMPARE_COMPLAINT(setUp.Run({QStringLiteral("--host"), QStringLiteral("no such host")}), 2,
+                      setUp.Path(QStringLiteral("no such host")));
+}
+
+void TestKiteStarter::foreignService()
+{
+    NEED_PORT();
+    QTcpServer service;
+    QVERIFY(service.listen(QHostAddress(QHostAddress::LocalHost), LinkPort::s_number));
+    connect(&service, &QTcpServer::newConnection, &service,
+            [&] { service.nextPendingConnection()->write("220 hello\r\n"); });
+    const SetUp setUp;
+    const auto starter = setUp.Start(QStringList(QStringLiteral("--")) + setUp.HostArguments());
+    QTRY_COMPARE_WITH_TIMEOUT(starter->state(), QProcess::NotRunning, 30'000);
+    COMPARE_COMPLAINT(SetUp::End(*starter), 5, QLatin1String("another program has port 8451"));
+    QVERIFY(!QFile::exists(setUp.Config()));
+}
+
+void TestKiteStarter::callOnly()
+{
+    NEED_PORT();
+    const SetUp setUp;
+    const QStringList arguments =
+        QStringList{QStringLiteral("--call-only"), QStringLiteral("--")} + setUp.HostArguments();
+    COMPARE_COMPLAINT(setUp.Run(arguments), 6, QLatin1String("no connect dialog is running"));
+    QVERIFY(!QFile::exists(setUp.Config()));
+    COMPARE_CALLED(setUp.RunForHost());
+    COMPARE_CALLED(setUp.Run(arguments));
+    QCOMPARE(setUp.Traced(s_called), 2);
+}
+
+void TestKiteStarter::withoutARunTimeFolder()
+{
+    NEED_PORT();
+    SetUp setUp;
+    setUp.environment.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+    setUp.environment.insert(QStringLiteral("TMPDIR"), setUp.Path(QString()));
+    COMPARE_CALLED(setUp.RunForHost());
+    // One that anybody may enter is not used.
+    QVERIFY(QDir(setUp.Path(QString())).mkdir(QStringLiteral("open")));
+    QVERIFY(QFile::setPermissions(setUp.Path(QStringLiteral("open")), QFile::Permissions(0x7777)));
+    setUp.environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), setUp.Path(QStringLiteral("open")));
+    COMPARE_CALLED(setUp.RunForHost());
+    QCOMPARE(setUp.Traced(s_created), 1);
+}
+
+QTEST_GUILESS_MAIN(TestKiteStarter)
+#include "tst_kitestarter.moc"

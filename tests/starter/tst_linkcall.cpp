@@ -1,0 +1,203 @@
+#include "starter/linkcall.h"
+#include "tests/starter/peers.h"
+
+#include <QElapsedTimer>
+
+using Kind = RecordingCallback::Kind;
+using namespace std::chrono_literals;
+
+namespace {
+
+LinkAnswer Call(quint16 port, std::chrono::milliseconds bound = 30s)
+{
+    return Beside([=] { return CallLink(port, QDeadlineTimer(bound)); });
+}
+
+} // namespace
+
+class TstLinkCall : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void linkTakesIt();
+    void linkIsDoneWithItBeforeItAnswers();
+    void everyCallIsTaken();
+    void busyLinkIsWaitedFor();
+    void fullLinkIsWaitedFor();
+    void nobodyListens();
+    void onlyTheOtherAddressListens();
+    void foreignService_data();
+    void foreignService();
+    void foreignServiceThatClosesLooksLikeALink();
+    void silentUntilTheDeadline();
+    void linkThatEndsCutsItOff();
+    void queueThatIsFull();
+    void nothingIsLeftOpen();
+};
+
+void TstLinkCall::linkTakesIt()
+{
+    TestServer server(10'000);
+    QCOMPARE(Call(server.port), LinkAnswer::Taken);
+    QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Read, Kind::Close}));
+    QCOMPARE(server.callback.Count(Kind::Open), 1);
+}
+
+void TstLinkCall::linkIsDoneWithItBeforeItAnswers()
+{
+    // What the callback does when it is called, such as to raise a window, is done when the caller is told.
+    TestServer server(10'000);
+    std::atomic<bool> isDone = false;
+    server.callback.onOpen = [&](IInterface*) {
+        QThread::msleep(1);
+        isDone = true;
+    };
+    for (int call = 0; call < 10; ++call) {
+        isDone = false;
+        const bool wasDone =
+            Beside([&] { return CallLink(server.port, QDeadlineTimer(30s)) == LinkAnswer::Taken && isDone; });
+        QVERIFY(wasDone);
+    }
+}
+
+void TstLinkCall::everyCallIsTaken()
+{
+    TestServer server(10'000);
+    const int taken = Beside([&] {
+        int count = 0;
+        for (int call = 0; call < 50; ++call)
+            count += CallLink(server.port, QDeadlineTimer(30s)) == LinkAnswer::Taken ? 1 : 0;
+        return count;
+    });
+    QCOMPARE(taken, 50);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 50);
+    QCOMPARE(server.callback.Count(Kind::Open), 50);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+}
+
+void TstLinkCall::busyLinkIsWaitedFor()
+{
+    TestServer server(10'000);
+    auto answer = std::async(std::launch::async, [&] { return CallLink(server.port, QDeadlineTimer(30s)); });
+    // No event loop runs here meanwhile, as while an application is being started.
+    QCOMPARE(answer.wait_for(300ms), std::future_status::timeout);
+    QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
+    QCOMPARE(answer.get(), LinkAnswer::Taken);
+}
+
+void TstLinkCall::fullLinkIsWaitedFor()
+{
+    TestServer server; // no time-out that would help
+    std::vector<std::unique_ptr<QTcpSocket>> silent;
+    for (int call = 0; call < 2 * CInterfaceCreator::MaximumPeers; ++call) {
+        silent.push_back(std::make_unique<QTcpSocket>());
+        silent.back()->connectToHost(QHostAddress::LocalHost, server.port);
+    }
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    QCOMPARE(Call(server.port), LinkAnswer::Taken);
+}
+
+void TstLinkCall::nobodyListens()
+{
+    QCOMPARE(CallLink(FreePort(), QDeadlineTimer(30s)), LinkAnswer::Refused);
+}
+
+void TstLinkCall::onlyTheOtherAddressListens()
+{
+    if (!HasIPv6())
+        QSKIP("This machine has no IPv6");
+    const ForeignService service(ForeignService::ClosesLate, QHostAddress::LocalHostIPv6);
+    QCOMPARE(Call(service.serverPort()), LinkAnswer::Taken);
+    QCOMPARE(service.calls, 1);
+}
+
+void TstLinkCall::foreignService_data()
+{
+    QTest::addColumn<int>("manner");
+    QTest::newRow("greets") << int(ForeignService::Greets);
+    QTest::newRow("echoes") << int(ForeignService::Echoes);
+    QTest::newRow("answers") << int(ForeignService::Answers);
+}
+
+void TstLinkCall::foreignService()
+{
+    QFETCH(const int, manner);
+    const ForeignService service(static_cast<ForeignService::Manner>(manner));
+    QCOMPARE(Call(service.serverPort()), LinkAnswer::Foreign);
+    QCOMPARE(service.calls, 1);
+}
+
+void TstLinkCall::foreignServiceThatClosesLooksLikeALink()
+{
+    // Nothing on the wire tells the two apart.
+    const ForeignService service(ForeignService::ClosesLate);
+    QCOMPARE(Call(service.serverPort()), LinkAnswer::Taken);
+}
+
+void TstLinkCall::silentUntilTheDeadline()
+{
+    const ForeignService service(ForeignService::NeverCloses);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
+    QVERIFY(timer.hasExpired(200));
+    QCOMPARE(service.calls, 1);
+}
+
+void TstLinkCall::linkThatEndsCutsItOff()
+{
+    // A host that ends while it is called: it never takes the call out of the system's queue.
+    auto service = std::make_unique<QTcpServer>();
+    QVERIFY(service->listen(QHostAddress(QHostAddress::LocalHost)));
+    service->pauseAccepting();
+    auto answer =
+        std::async(std::launch::async, [port = service->serverPort()] { return CallLink(port, QDeadlineTimer(30s)); });
+    QCOMPARE(answer.wait_for(100ms), std::future_status::timeout);
+    service.reset();
+    QCOMPARE(answer.get(), LinkAnswer::CutOff);
+}
+
+void TstLinkCall::queueThatIsFull()
+{
+    QTcpServer service;
+    service.setListenBacklogSize(1);
+    QVERIFY(service.listen(QHostAddress(QHostAddress::LocalHost)));
+    service.pauseAccepting();
+    std::vector<std::unique_ptr<QTcpSocket>> waiting;
+    for (int call = 0; call < 8; ++call) {
+        waiting.push_back(std::make_unique<QTcpSocket>());
+        waiting.back()->connectToHost(QHostAddress::LocalHost, service.serverPort());
+    }
+    QTRY_COMPARE(waiting.front()->state(), QAbstractSocket::ConnectedState);
+    QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
+}
+
+void TstLinkCall::nothingIsLeftOpen()
+{
+#ifdef Q_OS_LINUX
+    const auto handles = [] {
+        return QDir(QStringLiteral("/proc/self/fd")).count();
+    };
+    TestServer server(10'000);
+    const ForeignService service(ForeignService::Greets);
+    const auto callAll = [&] {
+        QCOMPARE(Call(server.port), LinkAnswer::Taken);
+        QCOMPARE(Call(service.serverPort()), LinkAnswer::Foreign);
+        QCOMPARE(CallLink(FreePort(), QDeadlineTimer(30s)), LinkAnswer::Refused);
+    };
+    callAll();
+    QTRY_COMPARE(server.callback.now, 0);
+    QTRY_VERIFY(service.findChildren<QTcpSocket*>().isEmpty());
+    const auto before = handles();
+    for (int round = 0; round < 5; ++round)
+        callAll();
+    QTRY_COMPARE(server.callback.now, 0);
+    QTRY_COMPARE(handles(), before);
+#else
+    QSKIP("Only Linux lists what a process has open");
+#endif
+}
+
+QTEST_GUILESS_MAIN(TstLinkCall)
+#include "tst_linkcall.moc"

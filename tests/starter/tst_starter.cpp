@@ -1,0 +1,424 @@
+#include "starter/starter.h"
+#include "tests/starter/fakehostrun.h"
+#include "tests/starter/peers.h"
+
+#include <QDir>
+
+#include <vector>
+
+using namespace std::chrono_literals;
+
+// The starter with hosts and services made for the purpose, at ports that are free.
+class TstStarter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void runningOneIsCalled();
+    void absentOneIsStarted_data();
+    void absentOneIsStarted();
+    void oneThatStartsLateIsWaitedFor();
+    void callOnlyStartsNothing();
+    void callOnlyCalls();
+    void tenAtOnceStartOne();
+    void tenWithoutALockGetOne();
+    void oneThatIsStartedByAnotherIsWaitedFor();
+    void otherStarterGivesUp();
+    void staleLock_data();
+    void staleLock();
+    void lockThatCannotBeHad();
+    void lockIsGivenBack();
+    void hostCrashes();
+    void hostEnds_data();
+    void hostEnds();
+    void hostHangs_data();
+    void hostHangs();
+    void hostCannotBeStarted();
+    void otherHostIsCalled();
+    void otherHostThatEndsMakesRoom();
+    void otherHostWithoutALink();
+    void foreignService_data();
+    void foreignService();
+    void foreignServiceOnTheOtherAddress();
+    void hostThatEndsWhileItIsCalled();
+    void defaults();
+};
+
+namespace {
+
+Starter::Settings SettingsFor(const FakeHostRun& run, const QString& mode, quint16 port)
+{
+    Starter::Settings settings;
+    settings.port = port;
+    settings.lockFile = run.Path("lock");
+    settings.host = FakeHostRun::Program();
+    settings.hostArguments = run.Arguments(mode, port);
+    settings.timeOut = 30s;
+    return settings;
+}
+
+Starter::Outcome RunWith(const Starter::Settings& settings)
+{
+    return Beside([settings] { return Starter(settings).Run(); });
+}
+
+/// What `count` starters at the same moment come to.
+std::vector<Starter::Outcome> RunAtOnce(const Starter::Settings& settings, int count)
+{
+    return Beside([&] {
+        std::vector<std::future<Starter::Outcome>> starters;
+        for (int i = 0; i < count; ++i)
+            starters.push_back(std::async(std::launch::async, [settings] { return Starter(settings).Run(); }));
+        std::vector<Starter::Outcome> outcomes;
+        for (auto& starter : starters)
+            outcomes.push_back(starter.get());
+        return outcomes;
+    });
+}
+
+} // namespace
+
+#define COMPARE_OUTCOME(outcome, expectedCode, hint)                                                                   \
+    do {                                                                                                               \
+        const Starter::Outcome compared = (outcome);                                                                   \
+        QVERIFY2(compared.code == StarterExit::expectedCode, qPrintable(compared.message));                            \
+        QVERIFY2(compared.message.contains(QLatin1String(hint)), qPrintable(compared.message));                        \
+        QCOMPARE(compared.message.isEmpty(), compared.code == StarterExit::Called);                                    \
+        QVERIFY(!compared.message.contains(u'\n'));                                                                    \
+    } while (false)
+
+void TstStarter::runningOneIsCalled()
+{
+    const FakeHostRun run;
+    TestServer server(10'000);
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("answer"), server.port)), Called, "");
+    QCOMPARE(server.callback.Count(RecordingCallback::Open), 1);
+    QCOMPARE(run.Starts().size(), 0);
+}
+
+void TstStarter::absentOneIsStarted_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::newRow("at once") << QStringLiteral("answer");
+    QTest::newRow("after a while") << QStringLiteral("late");
+}
+
+void TstStarter::absentOneIsStarted()
+{
+    QFETCH(const QString, mode);
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, mode, FreePort());
+    settings.hostArguments.append(QStringLiteral("an argument"));
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+    QCOMPARE(run.Starts().constFirst().value(QLatin1String("arguments")).toArray(),
+             QJsonArray{QStringLiteral("an argument")});
+    // Now there is one.
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::oneThatStartsLateIsWaitedFor()
+{
+    // It listens, and takes calls only later.
+    const FakeHostRun run;
+    TestServer server(10'000);
+    auto answer = std::async(std::launch::async, [settings = SettingsFor(run, QStringLiteral("answer"), server.port)] {
+        return Starter(settings).Run();
+    });
+    QCOMPARE(answer.wait_for(300ms), std::future_status::timeout);
+    QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
+    COMPARE_OUTCOME(answer.get(), Called, "");
+    QCOMPARE(run.Starts().size(), 0);
+}
+
+void TstStarter::callOnlyStartsNothing()
+{
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    settings.callOnly = true;
+    COMPARE_OUTCOME(RunWith(settings), NotRunning, "no connect dialog");
+    QCOMPARE(run.Starts().size(), 0);
+    QVERIFY(!QFile::exists(settings.lockFile));
+}
+
+void TstStarter::callOnlyCalls()
+{
+    const FakeHostRun run;
+    TestServer server(10'000);
+    auto settings = SettingsFor(run, QStringLiteral("answer"), server.port);
+    settings.callOnly = true;
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(server.callback.Count(RecordingCallback::Open), 1);
+}
+
+void TstStarter::tenAtOnceStartOne()
+{
+    const FakeHostRun run;
+    for (const auto& outcome : RunAtOnce(SettingsFor(run, QStringLiteral("late"), FreePort()), 10))
+        COMPARE_OUTCOME(outcome, Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::tenWithoutALockGetOne()
+{
+    // Hosts that find another one at work end with exit code 4.
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("late"), FreePort());
+    settings.lockFile = run.Path("no/such/folder/lock");
+    for (const auto& outcome : RunAtOnce(settings, 10))
+        COMPARE_OUTCOME(outcome, Called, "");
+    QVERIFY(run.Starts().size() >= 1);
+}
+
+void TstStarter::oneThatIsStartedByAnotherIsWaitedFor()
+{
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    QLockFile other(settings.lockFile);
+    QVERIFY(other.tryLock());
+    auto answer = std::async(std::launch::async, [settings] { return Starter(settings).Run(); });
+    QCOMPARE(answer.wait_for(300ms), std::future_status::timeout);
+    QCOMPARE(run.Starts().size(), 0);
+    RecordingCallback callback;
+    const auto server = Create(QStringLiteral("TCP::%1").arg(settings.port), callback, 10'000);
+    QVERIFY(server);
+    QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
+    COMPARE_OUTCOME(answer.get(), Called, "");
+    QCOMPARE(run.Starts().size(), 0);
+}
+
+void TstStarter::otherStarterGivesUp()
+{
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    {
+        QLockFile other(settings.lockFile);
+        QVERIFY(other.tryLock());
+        settings.timeOut = 300ms;
+        COMPARE_OUTCOME(RunWith(settings), NoAnswer, "another kitestarter");
+        QCOMPARE(run.Starts().size(), 0);
+    }
+    settings.timeOut = 30s;
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::staleLock_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("age"); // s
+    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+    // No process has the greatest number that there could be.
+    QTest::newRow("of a process that is gone") << QByteArray("2147483646\nkitestarter\n" + machine + "\n\n\n") << 0;
+    QTest::newRow("empty") << QByteArray() << 60;
+    QTest::newRow("garbage") << QByteArray("\xff\x01garbage") << 60;
+}
+
+void TstStarter::staleLock()
+{
+    QFETCH(const QByteArray, content);
+    QFETCH(const int, age);
+    const FakeHostRun run;
+    const auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    QFile lock(settings.lockFile);
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    lock.write(content);
+    lock.flush();
+    QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFile::FileModificationTime));
+    lock.close();
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+    QVERIFY(!QFile::exists(settings.lockFile));
+}
+
+void TstStarter::lockThatCannotBeHad()
+{
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    settings.lockFile = run.Path("no/such/folder/lock");
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::lockIsGivenBack()
+{
+    const FakeHostRun run;
+    for (const char* mode : {"1", "crash", "answer"}) {
+        const auto settings = SettingsFor(run, QString::fromLatin1(mode), FreePort());
+        (void)RunWith(settings);
+        QVERIFY2(!QFile::exists(settings.lockFile), mode);
+    }
+    QCOMPARE(run.Starts().size(), 3);
+}
+
+void TstStarter::hostCrashes()
+{
+    const FakeHostRun run;
+#ifdef Q_OS_WIN
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("crash"), FreePort())), HostEnded, "before");
+#else
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("crash"), FreePort())), HostEnded, "crashed (signal 6)");
+#endif
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::hostEnds_data()
+{
+    QTest::addColumn<QString>("code");
+    for (const char* code : {"0", "1", "2", "3", "5"})
+        QTest::newRow(code) << QString::fromLatin1(code);
+}
+
+void TstStarter::hostEnds()
+{
+    QFETCH(const QString, code);
+    const FakeHostRun run;
+    const auto outcome = RunWith(SettingsFor(run, code, FreePort()));
+    COMPARE_OUTCOME(outcome, HostEnded, "exit code");
+    QVERIFY2(outcome.message.contains(QStringLiteral("exit code ") + code), qPrintable(outcome.message));
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::hostHangs_data()
+{
+    QTest::addColumn<QString>("mode");
+    QTest::newRow("before it listens") << QStringLiteral("hang");
+    QTest::newRow("before it takes a call") << QStringLiteral("deaf");
+}
+
+void TstStarter::hostHangs()
+{
+    QFETCH(const QString, mode);
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, mode, FreePort());
+    settings.timeOut = 1s;
+    const auto outcome = RunWith(settings);
+    COMPARE_OUTCOME(outcome, NoAnswer, "did not answer within 1 s");
+    // It may have its reasons, and lives.
+    QTRY_COMPARE(run.Starts().size(), 1);
+    const QString process = QString::number(run.Starts().constFirst().value(QLatin1String("process")).toInt());
+    QVERIFY2(outcome.message.contains(QStringLiteral("process ") + process), qPrintable(outcome.message));
+#ifdef Q_OS_LINUX
+    QCOMPARE(QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process)), FakeHostRun::Program());
+#endif
+}
+
+void TstStarter::hostCannotBeStarted()
+{
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    settings.host = run.Path("no host");
+    const auto outcome = RunWith(settings);
+    COMPARE_OUTCOME(outcome, NotStarted, "cannot start");
+    QVERIFY2(outcome.message.contains(settings.host), qPrintable(outcome.message));
+}
+
+void TstStarter::otherHostIsCalled()
+{
+    // A host that somebody else has started, and whose link comes later than the one started here ends.
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
+    auto answer = std::async(std::launch::async, [settings] { return Starter(settings).Run(); });
+    QTRY_COMPARE(run.Starts().size(), 1);
+    QCOMPARE(answer.wait_for(100ms), std::future_status::timeout);
+    RecordingCallback callback;
+    const auto server = Create(QStringLiteral("TCP::%1").arg(settings.port), callback, 10'000);
+    QVERIFY(server);
+    QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
+    COMPARE_OUTCOME(answer.get(), Called, "");
+    QCOMPARE(callback.Count(RecordingCallback::Open), 1);
+}
+
+void TstStarter::otherHostThatEndsMakesRoom()
+{
+    const FakeHostRun run;
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("secondtry"), FreePort())), Called, "");
+    QCOMPARE(run.Starts().size(), 2);
+}
+
+void TstStarter::otherHostWithoutALink()
+{
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
+    settings.timeOut = 2s;
+    COMPARE_OUTCOME(RunWith(settings), HostEnded, "same configuration directory");
+    // Tried again, but no storm of processes.
+    QVERIFY(run.Starts().size() >= 1);
+    QVERIFY(run.Starts().size() <= 5);
+}
+
+void TstStarter::foreignService_data()
+{
+    QTest::addColumn<int>("manner");
+    QTest::addColumn<QString>("hint");
+    const QString talks = QStringLiteral("another program has port");
+    const QString silent = QStringLiteral("no dialog answered there within 0.3 s");
+    QTest::newRow("greets") << int(ForeignService::Greets) << talks;
+    QTest::newRow("echoes") << int(ForeignService::Echoes) << talks;
+    QTest::newRow("answers") << int(ForeignService::Answers) << talks;
+    QTest::newRow("never closes") << int(ForeignService::NeverCloses) << silent;
+}
+
+void TstStarter::foreignService()
+{
+    QFETCH(const int, manner);
+    QFETCH(const QString, hint);
+    const ForeignService service(static_cast<ForeignService::Manner>(manner));
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("answer"), service.serverPort());
+    if (manner == ForeignService::NeverCloses)
+        settings.timeOut = 300ms;
+    const auto outcome = RunWith(settings);
+    COMPARE_OUTCOME(outcome, Foreign, "");
+    QVERIFY2(outcome.message.contains(hint), qPrintable(outcome.message));
+    QVERIFY(outcome.message.contains(QString::number(settings.port)));
+    QCOMPARE(run.Starts().size(), 0);
+    QCOMPARE(service.calls, 1);
+}
+
+void TstStarter::foreignServiceOnTheOtherAddress()
+{
+    if (!HasIPv6())
+        QSKIP("This machine has no IPv6");
+    // A host could not have its link beside it.
+    const ForeignService service(ForeignService::Greets, QHostAddress::LocalHostIPv6);
+    const FakeHostRun run;
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("answer"), service.serverPort())), Foreign, "");
+    QCOMPARE(run.Starts().size(), 0);
+}
+
+void TstStarter::hostThatEndsWhileItIsCalled()
+{
+    // Its successor is started.
+    auto ending = std::make_unique<QTcpServer>();
+    for (quint16 port = FreePort(); !ending->listen(QHostAddress(QHostAddress::LocalHost), port); port = FreePort()) {
+    }
+    ending->pauseAccepting();
+    const FakeHostRun run;
+    const auto settings = SettingsFor(run, QStringLiteral("answer"), ending->serverPort());
+    auto answer = std::async(std::launch::async, [settings] { return Starter(settings).Run(); });
+    QCOMPARE(answer.wait_for(200ms), std::future_status::timeout);
+    ending.reset();
+    QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
+    COMPARE_OUTCOME(answer.get(), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+}
+
+void TstStarter::defaults()
+{
+    QCOMPARE(Starter::Settings().port, 8451);
+    QVERIFY(Starter::DefaultHost(QStringLiteral("/folder")).startsWith(QLatin1String("/folder/vexelhost")));
+#ifdef Q_OS_UNIX
+    const QTemporaryDir directory;
+    const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit());
+    QCOMPARE(Starter::DefaultLockFile(8451), directory.filePath(QStringLiteral("kitestarter-8451.lock")));
+    qputenv("XDG_RUNTIME_DIR", before);
+#endif
+    QVERIFY(QDir::isAbsolutePath(Starter::DefaultLockFile(8451)));
+    QVERIFY(Starter::DefaultLockFile(1) != Starter::DefaultLockFile(2));
+}
+
+QTEST_GUILESS_MAIN(TstStarter)
+#include "tst_starter.moc"

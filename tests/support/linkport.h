@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QHostAddress>
+#include <QTcpServer>
+#include <QTest>
+
+/// The port of the starter link, which one program of the machine can have at a time.
+namespace LinkPort {
+
+constexpr quint16 s_number = 8451;
+
+/// Whether this process could have it: another one of the product may be running on the machine.
+inline bool IsFree()
+{
+    const auto isFree = [](QHostAddress::SpecialAddress address) {
+        QTcpServer probe;
+        return probe.listen(QHostAddress(address), s_number) ||
+               probe.serverError() != QAbstractSocket::AddressInUseError;
+    };
+    return isFree(QHostAddress::LocalHost) && isFree(QHostAddress::LocalHostIPv6);
+}
+
+} // namespace LinkPort
+
+// Skips the test where another program has the port and keeps it.
+#define NEED_PORT()                                                                                                    \
+    do {                                                                                                               \
+        if (!QTest::qWaitFor(LinkPort::IsFree, 30'000)) {                                                              \
+            QSKIP("Another program has port 8451");                                                                    \
+        }                                                                                                              \
+    } while (false)
