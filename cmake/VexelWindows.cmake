@@ -32,8 +32,10 @@ function(vexel_windows_runtime)
 
     file(COPY ${libraries} DESTINATION ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR})
     install(FILES ${libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
-    # Qt looks for its plug-ins in the folder of this name beside that of its libraries. A headless host runs on
-    # "offscreen".
+    # Programs are told by file where Qt's plug-ins are; the tests, which stand in another folder than Qt's libraries,
+    # find them by themselves. A headless host runs on "offscreen".
+    file(WRITE ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR}/qt.conf "[Paths]\nPlugins = ../plugins\n")
+    install(FILES ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR}/qt.conf DESTINATION ${CMAKE_INSTALL_BINDIR})
     foreach(plugin IN ITEMS platforms/qwindows platforms/qoffscreen styles/qwindowsvistastyle imageformats/qico)
         set(file ${qt_programs}/../plugins/${plugin}.dll)
         cmake_path(GET plugin PARENT_PATH folder)
