@@ -1,7 +1,10 @@
+#include "tests/link/flood.h"
 #include "tests/link/handlelimit.h"
 #include "tests/link/linkfixture.h"
+#include "tests/link/vanishing.h"
 #include "tests/support/tracerecorder.h"
 
+#include <QDir>
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTcpSocket>
@@ -14,35 +17,6 @@ using Kind = RecordingCallback::Kind;
 namespace {
 
 constexpr qint64 s_mebibyte = 1024LL * 1024;
-
-/// A stranger who sends `total` bytes, as fast as they are taken.
-class Flood
-{
-public:
-    Flood(quint16 port, qint64 total)
-        : m_iLeft(total)
-    {
-        QObject::connect(&socket, &QTcpSocket::connected, &socket, [this] { Send(); });
-        QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this] { Send(); });
-        socket.connectToHost(QHostAddress::LocalHost, port);
-    }
-
-    /// What is not even with the system yet.
-    qint64 Unsent() const { return m_iLeft + socket.bytesToWrite(); }
-
-    QTcpSocket socket;
-
-private:
-    void Send()
-    {
-        if (socket.bytesToWrite() == 0 && m_iLeft > 0) {
-            const QByteArray block(static_cast<qsizetype>(qMin(m_iLeft, s_mebibyte)), 'x');
-            m_iLeft -= socket.write(block);
-        }
-    }
-
-    qint64 m_iLeft;
-};
 
 std::unique_ptr<QTcpSocket> Call(quint16 port, const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
 {
@@ -91,6 +65,8 @@ private slots:
     void slowCallbackIsNotThePeersSilence();
     void peerThatDoesNotTakeWhatIsWritten();
     void withoutHandles();
+    void vanishedPeersAreClosed();
+    void nothingIsLeftOpen();
 };
 
 void TstInterfaceBounds::init()
@@ -460,6 +436,61 @@ void TstInterfaceBounds::withoutHandles()
     QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
 #else
     QSKIP("There is no limit to set");
+#endif
+}
+
+void TstInterfaceBounds::vanishedPeersAreClosed()
+{
+#ifdef Q_OS_UNIX
+    TestServer server(200);
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < CInterfaceCreator::MaximumPeers; ++call)
+        callers.push_back(Call(server.port));
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    for (const auto& caller : callers) {
+        if (!Vanish(*caller))
+            QSKIP("This needs the right to administer the network, on Linux");
+    }
+    // Nothing says that they are gone, but that they are silent.
+    QCOMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::MaximumPeers);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+#else
+    QSKIP("A peer cannot vanish here");
+#endif
+}
+
+void TstInterfaceBounds::nothingIsLeftOpen()
+{
+#ifdef Q_OS_LINUX
+    const auto handles = [] {
+        return QDir(QStringLiteral("/proc/self/fd")).count();
+    };
+    TestServer server(100);
+    const auto callOnce = [&] {
+        CallBriefly(server.port);
+        return WaitUntil([&] { return server.callback.now == 0 && server.callback.Count(Kind::Open) > 0; });
+    };
+    QVERIFY(callOnce());
+    const auto before = handles();
+    {
+        // Those who hang up, those who are silent, those who send too much, and those who leave at once.
+        std::vector<std::unique_ptr<QTcpSocket>> callers;
+        std::vector<std::unique_ptr<Flood>> floods;
+        for (int call = 0; call < 50; ++call) {
+            callers.push_back(CallBriefly(server.port));
+            callers.push_back(Call(server.port));
+            callers.push_back(Call(server.port));
+            callers.back()->abort();
+            if (call % 10 == 0)
+                floods.push_back(std::make_unique<Flood>(server.port, s_mebibyte));
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(server.callback.Count(Kind::Close) >= 100 && server.callback.now == 0, 30'000);
+    }
+    QTRY_COMPARE(handles(), before);
+    QVERIFY(server.server->IsOpen());
+#else
+    QSKIP("Only Linux lists what a process has open");
 #endif
 }
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHostAddress>
+#include <QTcpSocket>
+
+#include <algorithm>
+
+/// A stranger who sends `total` bytes, as fast as they are taken.
+class Flood
+{
+public:
+    Flood(quint16 port, qint64 total)
+        : m_iLeft(total)
+    {
+        QObject::connect(&socket, &QTcpSocket::connected, &socket, [this] { Send(); });
+        QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this] { Send(); });
+        socket.connectToHost(QHostAddress::LocalHost, port);
+    }
+
+    /// What is not even with the system yet.
+    qint64 Unsent() const { return m_iLeft + socket.bytesToWrite(); }
+
+    QTcpSocket socket;
+
+private:
+    void Send()
+    {
+        constexpr qint64 block = 1024LL * 1024;
+        if (socket.bytesToWrite() == 0 && m_iLeft > 0)
+            m_iLeft -= socket.write(QByteArray(static_cast<qsizetype>(std::min(m_iLeft, block)), 'x'));
+    }
+
+    qint64 m_iLeft;
+};

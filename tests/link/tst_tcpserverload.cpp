@@ -1,0 +1,218 @@
+#include "platform/interfaces.h"
+#include "starter/linkcall.h"
+#include "tests/link/flood.h"
+#include "tests/link/linkfixture.h"
+#include "tests/support/linkport.h"
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/tcpserver.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QRandomGenerator>
+
+#include <atomic>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <new>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+std::atomic<std::size_t> s_bytesAllocated = 0; // for arrays
+
+const QString s_called = QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.");
+const QString s_closed = QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.");
+
+} // namespace
+
+void* operator new[](std::size_t size)
+{
+    s_bytesAllocated += size;
+    void* const array = std::malloc(size); // NOLINT(cppcoreguidelines-no-malloc)
+    if (!array)
+        throw std::bad_alloc();
+    return array;
+}
+
+void operator delete[](void* array) noexcept
+{
+    std::free(array); // NOLINT(cppcoreguidelines-no-malloc)
+}
+
+void operator delete[](void* array, std::size_t) noexcept
+{
+    std::free(array); // NOLINT(cppcoreguidelines-no-malloc)
+}
+
+// The dialog's link at its real port, with the callers that a machine may have.
+class TstTcpServerLoad : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    void starterIsAnsweredOnceTheDialogIsUp();
+    void thousandCallsInARow();
+    void silentPeersKeepNobodyFromRaisingTheDialog();
+    void floodCostsItsBound();
+    void randomBytesOnlyRaiseTheDialog();
+    void nothingIsLeftOpen();
+
+private:
+    static std::unique_ptr<QTcpSocket> Call()
+    {
+        auto caller = std::make_unique<QTcpSocket>();
+        caller->connectToHost(QHostAddress::LocalHost, LinkPort::s_number);
+        return caller;
+    }
+};
+
+void TstTcpServerLoad::cleanup()
+{
+    // The one that comes next needs the port.
+    QTRY_VERIFY_WITH_TIMEOUT(LinkPort::IsFree(), 30'000);
+}
+
+void TstTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
+{
+    NEED_PORT();
+    /// Lets another thread see whether it is shown.
+    class Window : public QDialog
+    {
+    public:
+        std::atomic<bool> isShown = false;
+
+    protected:
+        void showEvent(QShowEvent* event) override
+        {
+            // A window that takes its time.
+            QThread::msleep(20);
+            QDialog::showEvent(event);
+            isShown = true;
+        }
+    };
+    Window window;
+    const TCPServer server(&window);
+    for (int call = 0; call < 5; ++call) {
+        window.hide();
+        window.isShown = false;
+        auto isAnswered = std::async(std::launch::async, [&] {
+            return CallLink(LinkPort::s_number, QDeadlineTimer(30s)) == LinkAnswer::Taken && window.isShown;
+        });
+        QVERIFY(QTest::qWaitFor([&] { return isAnswered.wait_for(0s) == std::future_status::ready; }, 30'000));
+        QVERIFY(isAnswered.get());
+    }
+}
+
+void TstTcpServerLoad::thousandCallsInARow()
+{
+    NEED_PORT();
+    QDialog window;
+    const TraceRecorder traces;
+    const TCPServer server(&window);
+    for (int call = 1; call <= 1000; ++call) {
+        const auto caller = Call();
+        caller->write("show\n");
+        caller->disconnectFromHost();
+        // Without the pauses of a test's usual waiting.
+        QVERIFY(WaitUntil([&] { return traces.Count(s_closed) == call; }));
+        QVERIFY(window.isVisible());
+        window.hide();
+    }
+    QCOMPARE(traces.Count(s_called), 1000);
+}
+
+void TstTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
+{
+    NEED_PORT();
+    QDialog window;
+    const TraceRecorder traces;
+    const TCPServer server(&window);
+    std::vector<std::unique_ptr<QTcpSocket>> silent;
+    for (int call = 0; call < 2 * CInterfaceCreator::MaximumPeers; ++call)
+        silent.push_back(Call());
+    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), 2 * CInterfaceCreator::MaximumPeers, 20'000);
+    window.hide();
+    const auto caller = Call();
+    QTRY_VERIFY(window.isVisible());
+    QCOMPARE(traces.Count(s_called), 2 * CInterfaceCreator::MaximumPeers + 1);
+}
+
+void TstTcpServerLoad::floodCostsItsBound()
+{
+    NEED_PORT();
+    QDialog window;
+    const TraceRecorder traces(0);
+    const TCPServer server(&window);
+    for (int flood = 0; flood < 3; ++flood) {
+        const std::size_t before = s_bytesAllocated;
+        Flood stranger(LinkPort::s_number, 64LL * 1024 * 1024);
+        QTRY_VERIFY(stranger.Unsent() < 64LL * 1024 * 1024); // it has begun
+        QTRY_COMPARE_WITH_TIMEOUT(stranger.socket.state(), QAbstractSocket::UnconnectedState, 30'000);
+        // Every buffer is kept for good, so this is what one peer costs for good.
+        QVERIFY(s_bytesAllocated - before >= CInterfaceCreator::MaximumBytesPerCall);
+        QVERIFY2(s_bytesAllocated - before < CInterfaceCreator::MaximumBytesPerCall + 4096,
+                 QByteArray::number(quint64(s_bytesAllocated - before)).constData());
+    }
+    window.hide();
+    const auto caller = Call();
+    QTRY_VERIFY(window.isVisible());
+}
+
+void TstTcpServerLoad::randomBytesOnlyRaiseTheDialog()
+{
+    NEED_PORT();
+    QDialog window;
+    const TraceRecorder traces;
+    const TCPServer server(&window);
+    QRandomGenerator random(5);
+    for (int call = 1; call <= 50; ++call) {
+        window.hide();
+        QByteArray bytes(random.bounded(1, 100'000), '\0');
+        for (char& byte : bytes)
+            byte = static_cast<char>(random.bounded(256));
+        const auto caller = Call();
+        caller->write(bytes);
+        caller->disconnectFromHost();
+        QTRY_COMPARE(traces.Count(s_closed), call);
+        QVERIFY(window.isVisible());
+        QCOMPARE(caller->bytesAvailable(), 0);
+    }
+    QCOMPARE(traces.Count(s_called), 50);
+}
+
+void TstTcpServerLoad::nothingIsLeftOpen()
+{
+#ifdef Q_OS_LINUX
+    NEED_PORT();
+    const auto handles = [] {
+        return QDir(QStringLiteral("/proc/self/fd")).count();
+    };
+    QDialog window;
+    window.show();
+    const auto before = handles();
+    {
+        const TraceRecorder traces;
+        const TCPServer server(&window);
+        std::vector<std::unique_ptr<QTcpSocket>> callers;
+        for (int call = 0; call < 100; ++call) {
+            callers.push_back(Call());
+            if (call % 4 == 0)
+                callers.back()->disconnectFromHost();
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), 100, 30'000);
+    }
+    // The server has gone with some of them there.
+    QTRY_COMPARE(handles(), before);
+#else
+    QSKIP("Only Linux lists what a process has open");
+#endif
+}
+
+QTEST_MAIN(TstTcpServerLoad)
+#include "tst_tcpserverload.moc"
