@@ -159,10 +159,8 @@ namespace Backups {
 ExitCode Print(const HostOptions& options)
 {
     // Looking at a configuration must not make one.
-    if (!QFileInfo(options.configDirectory).isDir())
+    if (!CfgCenter::OpenToLook(options.configDirectory))
         return NoDirectory(options.configDirectory);
-    if (!CfgCenter::Open(options.configDirectory))
-        return CannotUse(options.configDirectory);
     const std::vector<Row> rows = Rows(ConfigVersions(View::Application, QString()));
     if (options.json)
         Console::PrintBytes(Json(rows));

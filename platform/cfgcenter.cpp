@@ -97,6 +97,16 @@ bool CfgCenter::Open(const QString& directory)
     return true;
 }
 
+bool CfgCenter::OpenToLook(const QString& directory)
+{
+    Close();
+
+    if (!QFileInfo(directory).isDir())
+        return false;
+    TheStore().directory = QDir(directory).absolutePath();
+    return true;
+}
+
 void CfgCenter::Close()
 {
     TheStore() = Store();

@@ -37,6 +37,11 @@ public:
     /// it cannot be used; the store is then as after `Close`. Drops every node as `Close` does.
     static bool Open(const QString& directory);
 
+    /// Host side: uses `directory` as the store only to look at it: it is neither made nor tried whether it can be
+    /// written. Returns false when it is no directory; the store is then as after `Close`. Drops every node as `Close`
+    /// does.
+    static bool OpenToLook(const QString& directory);
+
     /// Host side: forgets every document and drops every node. Saves nothing. Handles that callers still own stay
     /// safe to use and to delete, but what they write goes nowhere.
     static void Close();

@@ -143,18 +143,10 @@ void AppCounter::FillInstalledTable()
     for (QStringList& applications : m_InstalledTable)
         applications.clear();
 
-    // Once each, also where the machine configuration lists an application twice.
-    QStringList applications = m_InstalledList;
-    applications.removeDuplicates();
-    for (const QString& application : std::as_const(applications)) {
-        const QStringList startList = m_StartupTable.value(application);
-        if (startList.isEmpty())
-            continue;
-        for (auto type = m_TypeTable.cbegin(); type != m_TypeTable.cend(); ++type) {
-            if (type.value() == startList.constFirst())
-                m_InstalledTable[type.key()].append(application);
-        }
-    }
+    const QMap<int, QStringList> serving =
+        TypeMapping::ServingApplications(m_InstalledList, m_StartupTable, m_TypeTable);
+    for (auto type = serving.cbegin(); type != serving.cend(); ++type)
+        m_InstalledTable[type.key()] = type.value();
 }
 
 QStringList AppCounter::InstalledApplications(int deviceType) const

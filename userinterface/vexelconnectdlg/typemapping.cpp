@@ -2,6 +2,8 @@
 
 #include "userinterface/vexelconnectdlg/xmlelement.h"
 
+#include <utility>
+
 namespace {
 
 struct Mapping
@@ -33,26 +35,30 @@ Mapping ReadMapping(QXmlStreamReader& reader)
     return mapping;
 }
 
-/// Whether `mapping` could be put into `executables`.
-bool Keep(const Mapping& mapping, const QMap<QString, QStringList>& startLists, QMap<int, QString>& executables)
+/// Puts `mapping` into `executables` where that can be done.
+TypeMapping::Outcome Keep(const Mapping& mapping, const QMap<QString, QStringList>& startLists,
+                          QMap<int, QString>& executables)
 {
-    if (mapping.deviceType < 0 || mapping.application.isEmpty())
-        return false;
+    using Outcome = TypeMapping::Outcome;
+    if (mapping.deviceType < 0)
+        return Outcome::NoDeviceType;
+    if (mapping.application.isEmpty())
+        return Outcome::NoApplication;
     if (mapping.application.contains(u".exe", Qt::CaseInsensitive)) {
         executables[mapping.deviceType] = mapping.application;
-        return true;
+        return Outcome::Kept;
     }
     const QStringList startList = startLists.value(mapping.application);
     if (startList.isEmpty())
-        return false;
+        return Outcome::NoStartList;
     executables[mapping.deviceType] = startList.constFirst();
-    return true;
+    return Outcome::Kept;
 }
 
 } // namespace
 
 bool TypeMapping::Read(QXmlStreamReader& reader, const QMap<QString, QStringList>& startLists,
-                       QMap<int, QString>& executables)
+                       QMap<int, QString>& executables, const Observer& observer)
 {
     bool lastKept = false;
     int depth = 0; // of open elements from "TypeApplicationMappings" on; 0 outside it
@@ -63,11 +69,34 @@ bool TypeMapping::Read(QXmlStreamReader& reader, const QMap<QString, QStringList
         } else if (reader.isStartElement() && depth > 0 && reader.name() == u"Mapping") {
             const Mapping mapping = ReadMapping(reader);
             // One that an error cuts short is none.
-            if (!reader.hasError())
-                lastKept = Keep(mapping, startLists, executables);
+            if (reader.hasError())
+                continue;
+            const Outcome outcome = Keep(mapping, startLists, executables);
+            lastKept = outcome == Outcome::Kept;
+            if (observer)
+                observer(mapping.deviceType, mapping.application, outcome);
         } else if (reader.isStartElement() && (depth > 0 || reader.name() == u"TypeApplicationMappings")) {
             ++depth;
         }
     }
     return lastKept;
+}
+
+QMap<int, QStringList> TypeMapping::ServingApplications(QStringList applications,
+                                                        const QMap<QString, QStringList>& startLists,
+                                                        const QMap<int, QString>& executables)
+{
+    QMap<int, QStringList> serving;
+    // The machine configuration may list an application twice.
+    applications.removeDuplicates();
+    for (const QString& application : std::as_const(applications)) {
+        const QStringList startList = startLists.value(application);
+        if (startList.isEmpty())
+            continue;
+        for (auto type = executables.cbegin(); type != executables.cend(); ++type) {
+            if (type.value() == startList.constFirst())
+                serving[type.key()].append(application);
+        }
+    }
+    return serving;
 }

@@ -1,0 +1,6 @@
+#include "platform/platformversion.h"
+
+QString PlatformVersion()
+{
+    return QStringLiteral(VEXEL_VERSION);
+}
