@@ -1,0 +1,254 @@
+// Prints what a call over the starter link costs, beside a bare server that takes a call and writes a line: the dialog
+// is this program's own, its server that of the plug-in, at the real port. Needs the port.
+
+#include "platform/interfaces.h"
+#include "starter/linkending.h"
+#include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/tcpserver.h"
+#include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <future>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr quint16 s_port = 8451;
+constexpr int s_repeats = 500;
+constexpr int s_rounds = 20;
+constexpr int s_crowd = 200;
+constexpr int s_processes = 30;
+
+/// Runs `work`, which blocks, beside this thread's event loop.
+void Beside(const std::function<void()>& work)
+{
+    QEventLoop loop;
+    const auto done = std::async(std::launch::async, [&] {
+        work();
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec();
+}
+
+double Median(std::vector<double> figures)
+{
+    std::sort(figures.begin(), figures.end());
+    return figures.empty() ? 0 : figures.at(figures.size() / 2);
+}
+
+/// Milliseconds from before the connection until the server has answered, by a line or by closing.
+double CallOnce(quint16 port)
+{
+    QElapsedTimer timer;
+    timer.start();
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress::LocalHost, port);
+    if (!socket.waitForConnected()) {
+        std::fprintf(stderr, "No connection to port %d\n", port);
+        std::exit(1);
+    }
+    EndSending(socket.socketDescriptor());
+    if (WaitForEnding(socket.socketDescriptor(), QDeadlineTimer(60s)) == LinkEnding::None) {
+        std::fprintf(stderr, "No answer from port %d\n", port);
+        std::exit(1);
+    }
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+/// What one call after the other takes; `before` runs on the thread of the servers.
+double MeasureCalls(quint16 port, const std::function<void()>& before = {})
+{
+    std::vector<double> figures;
+    for (int call = 0; call < s_repeats; ++call) {
+        if (before)
+            before();
+        Beside([&] { figures.push_back(CallOnce(port)); });
+    }
+    return Median(figures);
+}
+
+/// What it takes until everybody of a crowd that calls at once has been answered.
+double MeasureCrowd(quint16 port)
+{
+    std::vector<double> figures;
+    for (int round = 0; round < s_rounds; ++round) {
+        Beside([&] {
+            QElapsedTimer timer;
+            timer.start();
+            std::vector<std::unique_ptr<QTcpSocket>> callers;
+            for (int call = 0; call < s_crowd; ++call) {
+                callers.push_back(std::make_unique<QTcpSocket>());
+                callers.back()->connectToHost(QHostAddress::LocalHost, port);
+            }
+            for (const auto& caller : callers) {
+                caller->waitForConnected();
+                EndSending(caller->socketDescriptor());
+            }
+            for (const auto& caller : callers) {
+                if (WaitForEnding(caller->socketDescriptor(), QDeadlineTimer(60s)) == LinkEnding::None)
+                    std::exit(1);
+            }
+            figures.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        });
+    }
+    return Median(figures);
+}
+
+/// One call while a crowd is there that says nothing and does not leave.
+double MeasureAmongSilentOnes(quint16 port)
+{
+    double figure = 0;
+    Beside([&] {
+        std::vector<std::unique_ptr<QTcpSocket>> silent;
+        for (int call = 0; call < s_crowd; ++call) {
+            silent.push_back(std::make_unique<QTcpSocket>());
+            silent.back()->connectToHost(QHostAddress::LocalHost, port);
+            silent.back()->waitForConnected();
+        }
+        figure = CallOnce(port);
+    });
+    return figure;
+}
+
+double MeasureStarter(const QString& program)
+{
+    std::vector<double> figures;
+    for (int call = 0; call < s_processes; ++call) {
+        Beside([&] {
+            QElapsedTimer timer;
+            timer.start();
+            if (QProcess::execute(program, {QStringLiteral("--call-only")}) != 0)
+                std::exit(1);
+            figures.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        });
+    }
+    return Median(figures);
+}
+
+/// In KiB; 0 where the system does not tell in this way.
+qint64 ResidentMemory()
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = file.readAll();
+    const qsizetype begin = text.indexOf("VmRSS:");
+    return begin < 0 ? 0 : text.mid(begin + 6).simplified().split(' ').constFirst().toLongLong();
+}
+
+/// Sends `total` bytes in as many calls as it takes, but at most `calls`. Returns how many the system has taken.
+qint64 Flood(quint16 port, qint64 total, int calls, int& made)
+{
+    const QByteArray block(64 * 1024, 'x');
+    qint64 taken = 0;
+    for (made = 0; made < calls && taken < total; ++made) {
+        QTcpSocket socket;
+        socket.connectToHost(QHostAddress::LocalHost, port);
+        if (!socket.waitForConnected())
+            break;
+        while (taken < total && socket.state() == QAbstractSocket::ConnectedState) {
+            socket.write(block);
+            if (!socket.waitForBytesWritten(20'000))
+                break;
+            taken += block.size() - socket.bytesToWrite();
+        }
+    }
+    return taken;
+}
+
+/// A server that does the least: takes a call, writes a line, and hangs up.
+class BareServer : public QTcpServer
+{
+public:
+    BareServer()
+    {
+        setListenBacklogSize(s_crowd + 50);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* const socket = nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                socket->write("here\n");
+                socket->disconnectFromHost();
+            }
+        });
+        if (!listen(QHostAddress(QHostAddress::LocalHost)))
+            std::exit(1);
+    }
+};
+
+void PrintRow(const char* what, double link, double bare)
+{
+    std::printf("%-58s%10.3f%10.3f%10.2f\n", what, link, bare, link / bare);
+}
+
+void PrintFlood(const char* what, int calls)
+{
+    constexpr qint64 gibibyte = 1024LL * 1024 * 1024;
+    int made = 0;
+    qint64 taken = 0;
+    const qint64 before = ResidentMemory();
+    Beside([&] { taken = Flood(s_port, gibibyte, calls, made); });
+    QCoreApplication::processEvents();
+    std::printf("%-42s%8d%14.1f%12lld%12lld\n", what, made, static_cast<double>(taken) / 1024 / 1024,
+                static_cast<long long>(before), static_cast<long long>(ResidentMemory()));
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
+
+    ConnectionsModel model(nullptr, QStringLiteral("ConnectionsModel"));
+    AppCounter appCounter(&model, QStringLiteral("VexelConnectDlg"));
+    VexelConnectDlgGUI dialog(nullptr, &model, &appCounter);
+    {
+        QTcpServer probe;
+        if (!probe.listen(QHostAddress(QHostAddress::LocalHost), s_port)) {
+            std::fprintf(stderr, "Another program has port %d: nothing can be measured\n", s_port);
+            return 1;
+        }
+    }
+    const TCPServer server(&dialog);
+    const BareServer bareServer;
+    const quint16 barePort = bareServer.serverPort();
+
+    // Both have been there before, with all that happens only once.
+    Beside([&] {
+        CallOnce(s_port);
+        CallOnce(barePort);
+    });
+
+    std::printf("%-58s%10s%10s%10s\n", "milliseconds from the connection to the answer, median", "link", "bare",
+                "ratio");
+    const double bare = MeasureCalls(barePort);
+    PrintRow("one call, dialog visible", MeasureCalls(s_port), bare);
+    PrintRow("one call, dialog hidden", MeasureCalls(s_port, [&] { dialog.hide(); }), bare);
+    PrintRow("200 at once, until the last is answered", MeasureCrowd(s_port), MeasureCrowd(barePort));
+    std::printf("%-58s%10.3f\n", "one call behind 200 silent peers", MeasureAmongSilentOnes(s_port));
+    std::printf("%-58s%10.3f\n\n", "a whole run of kitestarter",
+                MeasureStarter(QCoreApplication::applicationDirPath() + QStringLiteral("/" VEXEL_STARTER)));
+
+    std::printf("%-42s%8s%14s%12s%12s\n", "a stranger sends 1 GiB; resident memory", "calls", "MiB taken", "KiB before",
+                "KiB after");
+    // The first one also finds what has to be there anyway.
+    PrintFlood("in one call, the first time", 1);
+    PrintFlood("in one call", 1);
+    PrintFlood("in as many calls as it takes", 100'000);
+    return 0;
+}
