@@ -12,7 +12,7 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Save save, QObject* pa
     , m_Save(std::move(save))
     , m_Monitor(dialog.Entries())
     , m_Keeper(dialog, m_Monitor)
-    , m_Tray(m_Monitor)
+    , m_Tray(m_Monitor, this)
 {
     connect(&m_Keeper, &DialogKeeper::DialogHidden, this, [this] { m_Save(); });
     connect(&m_Keeper, &DialogKeeper::EndWanted, this, &DialogSession::EndWanted);

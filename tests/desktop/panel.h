@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QGuiApplication>
+#include <QProcess>
+#include <QRect>
+#include <QScreen>
+#include <QSystemTrayIcon>
+#include <QTest>
+
+/// A panel with a system tray, as a desktop has it. It can go and come back.
+class Panel
+{
+public:
+    Panel() { Start(); }
+    ~Panel() { Stop(); }
+
+    /// Where it stands on the screen while it holds one icon.
+    static QRect Place()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->geometry();
+        return {screen.bottomRight() - QPoint(24, 24), screen.bottomRight()};
+    }
+
+    void Start()
+    {
+        m_Process.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_Process.start(QStringLiteral("trayer"),
+                        {QStringLiteral("--edge"), QStringLiteral("bottom"), QStringLiteral("--align"),
+                         QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("request"),
+                         QStringLiteral("--height"), QStringLiteral("24")});
+        QVERIFY2(m_Process.waitForStarted(), qPrintable(m_Process.errorString()));
+        QTRY_VERIFY_WITH_TIMEOUT(QSystemTrayIcon::isSystemTrayAvailable(), 20000);
+    }
+    void Stop()
+    {
+        m_Process.kill();
+        m_Process.waitForFinished();
+    }
+
+private:
+    QProcess m_Process;
+};

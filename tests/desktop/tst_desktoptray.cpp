@@ -1,0 +1,277 @@
+#include "host/connectdialog.h"
+#include "host/dialogsession.h"
+#include "tests/desktop/desktop.h"
+#include "tests/desktop/panel.h"
+#include "tests/host/fakedialog.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QSystemTrayIcon>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+/// A session of the host with its dialog, as a person at this desktop has it.
+struct Session
+{
+    Session()
+    {
+        fake.Add(QStringLiteral("mast"));
+        fake.setWindowTitle(QStringLiteral("Vexel - Connect Dialog"));
+        QString error;
+        dialog = ConnectDialog::Find(error);
+        session = std::make_unique<DialogSession>(*dialog, [this] {
+            ++saved;
+            return canSave;
+        });
+        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::EndWanted);
+        session->Start();
+    }
+
+    QSystemTrayIcon* Icon() const { return session->findChild<QSystemTrayIcon*>(); }
+    /// Where a person sees the icon.
+    QRect Place() const { return Icon()->geometry(); }
+
+    /// Whether the panel has taken it in and stands where it shall: it makes room first, and moves then.
+    bool IsDocked() const { return Panel::Place().contains(Place()); }
+
+    /// Opens the menu with the mouse and clicks on what it offers as `text`.
+    void Choose(const QString& text) const
+    {
+        Desktop::MoveTo(Place().center());
+        Desktop::Do({QStringLiteral("click"), QStringLiteral("3")});
+        const QMenu* menu = Icon()->contextMenu();
+        QTRY_VERIFY(menu->isVisible());
+        for (QAction* action : menu->actions()) {
+            if (action->text() == text) {
+                Desktop::Click(menu->mapToGlobal(menu->actionGeometry(action).center()));
+                QTRY_VERIFY(!menu->isVisible());
+                return;
+            }
+        }
+        QFAIL(qPrintable(text));
+    }
+
+    FakeDialog fake;
+    std::optional<ConnectDialog> dialog;
+    int saved = 0;
+    bool canSave = true;
+    std::unique_ptr<DialogSession> session;
+    std::unique_ptr<QSignalSpy> end;
+};
+
+/// The message beside the icon.
+QWidget* Balloon()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("QBalloonTip") && widget->isVisible())
+            return widget;
+    }
+    return nullptr;
+}
+
+bool BalloonSays(const QString& text)
+{
+    const QWidget* balloon = Balloon();
+    if (!balloon)
+        return false;
+    for (const QLabel* label : balloon->findChildren<QLabel*>()) {
+        if (label->text() == text)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+/// The host's icon in a real system tray, worked with the mouse.
+class tst_DesktopTray : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        // Of a panel that has just gone, the server still tells for a moment.
+        QTRY_VERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+    }
+
+    void showsTheIcon();
+    void closingHidesToTheTray();
+    void aClickCallsTheDialog();
+    void menu();
+    void quitAsksWhileInUse();
+    void onlyAFailedSaveIsTold();
+    void aPanelThatStartsAnew();
+    void aPanelThatGoesForGood();
+    void aPanelThatComesLater();
+};
+
+void tst_DesktopTray::showsTheIcon()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    QTRY_VERIFY(session.fake.isVisible());
+    // What stands on the screen is the drawing's blue ground, not an empty place.
+    const QColor blue(0x1f, 0x5f, 0x9e);
+    const auto hasBlue = [&] {
+        const QImage image = session.fake.screen()
+                                 ->grabWindow(0, session.Place().x(), session.Place().y(), session.Place().width(),
+                                              session.Place().height())
+                                 .toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y) == blue)
+                    return true;
+            }
+        }
+        return false;
+    };
+    QTRY_VERIFY(hasBlue());
+}
+
+void tst_DesktopTray::closingHidesToTheTray()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.close();
+    const QString text = QStringLiteral("The connect dialog stays here until you choose \"Quit\".");
+    QTRY_VERIFY(BalloonSays(text));
+    QVERIFY(session.fake.isHidden());
+    QCOMPARE(session.saved, 1);
+    QCOMPARE(session.end->count(), 0);
+
+    Balloon()->close();
+    emit session.Icon()->activated(QSystemTrayIcon::Trigger);
+    QTRY_VERIFY(session.fake.isVisible());
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 2);
+    // Once is enough.
+    QVERIFY(!Balloon());
+    QCOMPARE(session.end->count(), 0);
+}
+
+void tst_DesktopTray::aClickCallsTheDialog()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 1);
+    Desktop::Click(session.Place().center());
+    QTRY_VERIFY(session.fake.isVisible());
+    QTRY_VERIFY(session.fake.isActiveWindow());
+}
+
+void tst_DesktopTray::menu()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 1);
+    session.Choose(QStringLiteral("Show connect dialog"));
+    QTRY_VERIFY(session.fake.isVisible());
+    session.Choose(QStringLiteral("Save now"));
+    QTRY_COMPARE(session.saved, 2);
+    QCOMPARE(session.end->count(), 0);
+    session.Choose(QStringLiteral("Quit"));
+    QTRY_COMPARE(session.end->count(), 1);
+}
+
+void tst_DesktopTray::quitAsksWhileInUse()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.SetStatus(0, 1);
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 1);
+    session.Choose(QStringLiteral("Quit"));
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    QVERIFY(box);
+    QTRY_VERIFY(box->isActiveWindow());
+    Desktop::Press(QStringLiteral("Return"));
+    QTRY_VERIFY(!QApplication::activeModalWidget());
+    QCOMPARE(session.end->count(), 0);
+
+    session.Choose(QStringLiteral("Quit"));
+    QTRY_VERIFY(QApplication::activeModalWidget() && QApplication::activeModalWidget()->isActiveWindow());
+    Desktop::Press(QStringLiteral("Tab"));
+    Desktop::Press(QStringLiteral("space"));
+    QTRY_COMPARE(session.end->count(), 1);
+}
+
+void tst_DesktopTray::onlyAFailedSaveIsTold()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.Choose(QStringLiteral("Save now"));
+    QTRY_COMPARE(session.saved, 1);
+    QVERIFY(!Balloon());
+    session.canSave = false;
+    session.Choose(QStringLiteral("Save now"));
+    QTRY_VERIFY(BalloonSays(QStringLiteral("The configuration could not be saved.")));
+    Balloon()->close();
+}
+
+void tst_DesktopTray::aPanelThatStartsAnew()
+{
+    Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 1);
+    panel.Stop();
+    QTRY_VERIFY(session.fake.isVisible());
+    panel.Start();
+    QTRY_VERIFY(session.IsDocked());
+    session.Choose(QStringLiteral("Save now"));
+    QTRY_COMPARE(session.saved, 2);
+    QCOMPARE(session.end->count(), 0);
+}
+
+void tst_DesktopTray::aPanelThatGoesForGood()
+{
+    Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.SetStatus(0, 1);
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 1);
+    panel.Stop();
+    QTRY_VERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+    session.fake.SetStatus(0, 0);
+    QTRY_VERIFY(session.fake.isVisible());
+    // Noticed by now: closing ends the host as it does without a tray.
+    session.fake.close();
+    QTRY_COMPARE(session.end->count(), 1);
+}
+
+void tst_DesktopTray::aPanelThatComesLater()
+{
+    Session session;
+    QTRY_VERIFY(session.fake.isVisible());
+    QVERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
+    const Panel panel;
+    QTRY_VERIFY(session.IsDocked());
+    session.fake.close();
+    QTRY_COMPARE(session.saved, 1);
+    QVERIFY(session.fake.isHidden());
+    QCOMPARE(session.end->count(), 0);
+    session.Choose(QStringLiteral("Show connect dialog"));
+    QTRY_VERIFY(session.fake.isVisible());
+}
+
+QTEST_MAIN(tst_DesktopTray)
+#include "tst_desktoptray.moc"
