@@ -2,10 +2,13 @@
 #include "host/backups.h"
 #include "host/console.h"
 #include "host/desktop.h"
+#include "host/diagnosis.h"
 #include "host/hostdefaults.h"
 #include "host/hostoptions.h"
+#include "host/librarysearch.h"
 #include "host/qtmessages.h"
 #include "host/tracelog.h"
+#include "platform/standardstreams.h"
 
 #include <QApplication>
 
@@ -57,6 +60,8 @@ ExitCode RunForSupport(const HostOptions& given, char* program)
     std::array<char*, 2> argv = {program, nullptr};
     int argc = 1;
     const QCoreApplication application(argc, argv.data());
+    if (given.diagnose)
+        return Diagnose(given);
     const HostOptions options = WithDefaults(given);
     return options.backups ? Backups::Print(options) : Backups::Restore(options);
 }
@@ -76,8 +81,10 @@ ExitCode Run(int& argc, char** argv)
     }
     const HostOptions& options = commandLine.options;
 
+    // A diagnosis says how it stands with the trace file, and leaves it alone.
+    const QString traceFile = options.diagnose ? QString() : options.traceFile;
     TraceLog traceLog;
-    if (const QString error = traceLog.Start(options.trace, options.traceFile); !error.isEmpty()) {
+    if (const QString error = traceLog.Start(options.trace, traceFile); !error.isEmpty()) {
         Console::Complain(QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
         return ExitCode::Usage;
     }
@@ -102,5 +109,7 @@ ExitCode Run(int& argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    SearchLibrariesHereOnly();
+    StandardStreams::Prepare();
     return static_cast<int>(Run(argc, argv));
 }

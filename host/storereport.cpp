@@ -1,0 +1,149 @@
+#include "host/storereport.h"
+
+#include "host/instancelock.h"
+#include "host/storedset.h"
+#include "host/supportreport.h"
+#include "platform/configversions.h"
+#include "platform/icfg.h"
+
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <optional>
+
+namespace {
+
+const QString s_suffix = QStringLiteral(".ini");
+
+QString TimeText(const QDateTime& time)
+{
+    return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+/// The first version that can be read; its place in `versions`.
+std::optional<qsizetype> NewestReadable(const ConfigVersions& document, const QList<ConfigVersion>& versions)
+{
+    for (qsizetype i = 0; i < versions.size(); ++i) {
+        if (document.Open(versions.at(i)))
+            return i;
+    }
+    return std::nullopt;
+}
+
+/// The document of the store that has the file `path`, which is relative to the store; none where no document has it.
+std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString& path)
+{
+    static const QList<std::pair<QString, View>> s_views = {{QStringLiteral("user/"), View::User},
+                                                            {QStringLiteral("application/"), View::Application},
+                                                            {QStringLiteral("shared/"), View::Shared}};
+    for (const auto& [folder, view] : s_views) {
+        if (!path.startsWith(folder) || !path.endsWith(s_suffix))
+            continue;
+        const QString encoded = path.mid(folder.size()).chopped(s_suffix.size());
+        // The application's own has a name that needs no reading, and every other name says the same read and written.
+        for (const QString& name : {QString(), QString::fromUtf8(QByteArray::fromPercentEncoding(encoded.toUtf8()))}) {
+            const ConfigVersions document(view, name);
+            if (document.DocumentFile() == directory + QLatin1Char('/') + path)
+                return document;
+        }
+    }
+    return std::nullopt;
+}
+
+QString StateText(const ConfigVersions& document, const QList<ConfigVersion>& versions)
+{
+    if (document.OpenCurrent())
+        return QStringLiteral("readable");
+    const std::optional<qsizetype> readable = NewestReadable(document, versions);
+    return readable ? QStringLiteral("DAMAGED; the next start uses the version of %1")
+                          .arg(TimeText(versions.at(*readable).saved))
+                    : QStringLiteral("DAMAGED, and no version can be read");
+}
+
+QJsonArray DocumentRow(const QString& directory, const QString& path, const QFileInfo& file)
+{
+    const std::optional<ConfigVersions> document = DocumentOf(directory, path);
+    const QList<ConfigVersion> versions = document ? document->List() : QList<ConfigVersion>();
+    return {path,
+            file.size(),
+            TimeText(file.lastModified()),
+            document ? StateText(*document, versions) : QStringLiteral("not a document of the store"),
+            versions.size(),
+            versions.isEmpty() ? QJsonValue() : QJsonValue(TimeText(versions.constFirst().saved))};
+}
+
+bool CanHoldFiles(const QString& directory)
+{
+    // Permission bits do not tell: a file system can be read-only, and an administrator passes them all.
+    QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
+    return probe.open();
+}
+
+void ReportStoredList(SupportReport& report)
+{
+    const std::unique_ptr<ICfg> document = OpenAsAtStart(View::Application, QString());
+    const StoredSet set = document ? ReadStoredSet(*document) : StoredSet();
+    QString state = QStringLiteral("in order");
+    if (!document)
+        state = QStringLiteral("its document cannot be read");
+    else if (set.state == StoredSet::State::None)
+        state = QStringLiteral("nothing stored");
+    else if (set.state == StoredSet::State::Malformed)
+        state = QStringLiteral("BREAKS OFF; the next start keeps a copy and loads what comes before");
+    report.AddFact(QStringLiteral("stored list"), state);
+    report.AddFact(QStringLiteral("entries stored"), set.entries);
+}
+
+void ReportFiles(SupportReport& report, const QString& directory)
+{
+    QList<QJsonArray> documents;
+    QStringList keptAside;
+    QDirIterator files(directory, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = QDir(directory).relativeFilePath(files.next());
+        if (path.contains(QLatin1String(".versions/")))
+            continue;
+        if (path.contains(QLatin1String(".ini.damaged-")) || path.contains(QLatin1String(".ini.malformed-")))
+            keptAside.append(path);
+        else if (path.endsWith(s_suffix))
+            documents.append(DocumentRow(directory, path, files.fileInfo()));
+    }
+    std::sort(documents.begin(), documents.end(), [](const QJsonArray& one, const QJsonArray& other) {
+        return one.at(0).toString() < other.at(0).toString();
+    });
+    keptAside.sort();
+    report.AddTable(QStringLiteral("documents"),
+                    {QStringLiteral("File"), QStringLiteral("Bytes"), QStringLiteral("Changed"),
+                     QStringLiteral("State"), QStringLiteral("Versions"), QStringLiteral("Newest version")},
+                    documents);
+    report.AddList(QStringLiteral("kept aside"), keptAside);
+}
+
+} // namespace
+
+std::unique_ptr<ICfg> OpenAsAtStart(View view, const QString& name)
+{
+    const ConfigVersions document(view, name);
+    if (std::unique_ptr<ICfg> current = document.OpenCurrent())
+        return current;
+    const QList<ConfigVersion> versions = document.List();
+    const std::optional<qsizetype> readable = NewestReadable(document, versions);
+    return readable ? document.Open(versions.at(*readable)) : nullptr;
+}
+
+void ReportStore(SupportReport& report, const QString& directory)
+{
+    report.BeginSection(QStringLiteral("Configuration"));
+    const bool exists = QFileInfo(directory).isDir();
+    report.AddFact(QStringLiteral("directory"), directory);
+    report.AddFact(QStringLiteral("exists"), exists);
+    if (!exists)
+        return;
+    report.AddFact(QStringLiteral("can be written"), CanHoldFiles(directory));
+    const std::optional<qint64> holder = InstanceLock::Holder(directory);
+    report.AddFact(QStringLiteral("host at work"),
+                   holder ? QJsonValue(QStringLiteral("process %1").arg(*holder)) : QJsonValue(QStringLiteral("none")));
+    ReportStoredList(report);
+    ReportFiles(report, directory);
+}
