@@ -1,5 +1,7 @@
 #include "tests/desktop/desktop.h"
+#include "tests/desktop/panel.h"
 
+#include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -10,6 +12,7 @@ class tst_DesktopHost : public QObject
 
 private slots:
     void sizeOutlivesTheRun();
+    void staysInTheTrayUntilQuit();
 
 private:
     static QString FindWindow()
@@ -17,6 +20,23 @@ private:
         return Desktop::Do({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
                             QStringLiteral("^Vexel - Connect Dialog$")})
             .section(QLatin1Char('\n'), 0, 0);
+    }
+    /// Whether a window of the host stands in the panel.
+    static bool HasIcon()
+    {
+        // Deeper in the tree of windows than the other tool looks.
+        QProcess tool;
+        tool.start(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-tree")});
+        tool.waitForFinished();
+        static const QRegularExpression s_icon(
+            QStringLiteral("\"vexelhost\": \\(\"vexelhost\"[^\\n]*\\+(\\d+)\\+(\\d+)\\n"));
+        auto matches = s_icon.globalMatch(QString::fromUtf8(tool.readAllStandardOutput()));
+        while (matches.hasNext()) {
+            const auto match = matches.next();
+            if (Panel::Place().contains(QPoint(match.captured(1).toInt(), match.captured(2).toInt())))
+                return true;
+        }
+        return false;
     }
     static QSize SizeOf(const QString& window)
     {
@@ -49,6 +69,38 @@ void tst_DesktopHost::sizeOutlivesTheRun()
         QCOMPARE(host.exitStatus(), QProcess::NormalExit);
         QCOMPARE(host.exitCode(), 0);
     }
+}
+
+void tst_DesktopHost::staysInTheTrayUntilQuit()
+{
+    const Panel panel;
+    const QTemporaryDir directory;
+    QProcess host;
+    host.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    host.start(QStringLiteral(VEXEL_HOST), {QStringLiteral("--config"), directory.filePath(QStringLiteral("config")),
+                                            QStringLiteral("--data"), directory.path()});
+    QString window;
+    QTRY_VERIFY_WITH_TIMEOUT(!(window = FindWindow()).isEmpty(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(HasIcon(), 20000);
+
+    Desktop::Do({QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
+    Desktop::Press(QStringLiteral("alt+F4"));
+    QTRY_VERIFY(FindWindow().isEmpty());
+    // Closing has saved, and ended nothing.
+    QTRY_VERIFY(!QDir(directory.filePath(QStringLiteral("config/user"))).isEmpty());
+    QVERIFY(HasIcon());
+    QCOMPARE(host.state(), QProcess::Running);
+
+    Desktop::Click(Panel::Place().center());
+    QTRY_VERIFY(!FindWindow().isEmpty());
+
+    // The last item of the menu.
+    Desktop::Do({QStringLiteral("click"), QStringLiteral("3")});
+    Desktop::Press(QStringLiteral("Up"));
+    Desktop::Press(QStringLiteral("Return"));
+    QTRY_COMPARE_WITH_TIMEOUT(host.state(), QProcess::NotRunning, 20000);
+    QCOMPARE(host.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(host.exitCode(), 0);
 }
 
 QTEST_MAIN(tst_DesktopHost)
