@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QRandomGenerator>
 
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <future>
@@ -133,14 +134,14 @@ void TstTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
     QDialog window;
     const TraceRecorder traces;
     const TCPServer server(&window);
-    std::vector<std::unique_ptr<QTcpSocket>> silent;
-    for (int call = 0; call < 2 * CInterfaceCreator::MaximumPeers; ++call)
-        silent.push_back(Call());
-    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), 2 * CInterfaceCreator::MaximumPeers, 20'000);
+    std::array<std::unique_ptr<QTcpSocket>, 2UL * CInterfaceCreator::MaximumPeers> silent;
+    for (auto& caller : silent)
+        caller = Call();
+    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), qsizetype(silent.size()), 20'000);
     window.hide();
     const auto caller = Call();
     QTRY_VERIFY(window.isVisible());
-    QCOMPARE(traces.Count(s_called), 2 * CInterfaceCreator::MaximumPeers + 1);
+    QCOMPARE(traces.Count(s_called), qsizetype(silent.size() + 1));
 }
 
 void TstTcpServerLoad::floodCostsItsBound()

@@ -101,9 +101,9 @@ int main(int argc, char** argv)
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 4)
         return 97;
-    const QString mode = arguments.at(1);
+    const QString& mode = arguments.at(1);
     const QString address = QStringLiteral("TCP::") + arguments.at(2);
-    const QString fileName = arguments.at(3);
+    const QString& fileName = arguments.at(3);
     const auto before = Report(fileName, arguments.mid(4), inherited);
 
     if (mode == QLatin1String("crash"))

@@ -67,9 +67,11 @@ std::vector<Starter::Outcome> RunAtOnce(const Starter::Settings& settings, int c
 {
     return Beside([&] {
         std::vector<std::future<Starter::Outcome>> starters;
+        starters.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i)
             starters.push_back(std::async(std::launch::async, [settings] { return Starter(settings).Run(); }));
         std::vector<Starter::Outcome> outcomes;
+        outcomes.reserve(starters.size());
         for (auto& starter : starters)
             outcomes.push_back(starter.get());
         return outcomes;
@@ -168,7 +170,7 @@ void TstStarter::tenWithoutALockGetOne()
     settings.lockFile = run.Path("no/such/folder/lock");
     for (const auto& outcome : RunAtOnce(settings, 10))
         COMPARE_OUTCOME(outcome, Called, "");
-    QVERIFY(run.Starts().size() >= 1);
+    QVERIFY(!run.Starts().isEmpty());
 }
 
 void TstStarter::oneThatIsStartedByAnotherIsWaitedFor()
@@ -344,7 +346,7 @@ void TstStarter::otherHostWithoutALink()
     settings.timeOut = 2s;
     COMPARE_OUTCOME(RunWith(settings), HostEnded, "same configuration directory");
     // Tried again, but no storm of processes.
-    QVERIFY(run.Starts().size() >= 1);
+    QVERIFY(!run.Starts().isEmpty());
     QVERIFY(run.Starts().size() <= 5);
 }
 
