@@ -2,11 +2,10 @@
 
 #include "host/console.h"
 #include "host/textline.h"
+#include "platform/standardstreams.h"
 
 #include <QDateTime>
 #include <QMutexLocker>
-
-#include <cstdio>
 
 TraceLog::~TraceLog()
 {
@@ -52,8 +51,7 @@ void TraceLog::Write(const QString& line)
     const QByteArray bytes = line.toUtf8() + '\n';
     const QMutexLocker locker(&m_Mutex);
     if (m_ToStandardError) {
-        (void)std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
-        (void)std::fflush(stderr);
+        StandardStreams::Write(StandardStreams::Stream::Error, bytes);
     }
     if (!m_File.IsOpen())
         return;

@@ -23,9 +23,6 @@ constexpr auto kRetryTime = 200ms;
 
 /// Takes a single caller out of the system's queue at a time and leaves the others there: nothing is read from those,
 /// and they cost this process neither memory nor handles.
-///
-/// On Unix another program cannot listen on the same port, nor do child processes inherit the sockets. On Windows Qt
-/// sees to the second; the first is not asked for there (it would be by SO_EXCLUSIVEADDRUSE, which Qt does not set).
 class Listener : public QTcpServer
 {
 public:
@@ -106,18 +103,19 @@ void TcpServerInterface::Read(char* /*buffer*/, quint64* /*length*/, bool /*flag
     throw std::runtime_error("TcpServerInterface::Read(): A server has nothing to read, its peers have");
 }
 
-TcpServerInterface::Listening TcpServerInterface::Listen(const QHostAddress& address)
+Listening TcpServerInterface::Listen(const QHostAddress& address)
 {
     auto listener = std::make_unique<Listener>();
-    if (!listener->listen(address, m_uPort)) {
+    QString error;
+    const Listening result = ListenAlone(*listener, address, m_uPort, &error);
+    if (result != Listening::Yes) {
         TraceWhenWanted(kSource, __LINE__, [&] {
             return QStringLiteral("TcpServerInterface::Listen(): Could not listen on %1, port %2: %3")
                 .arg(address.toString())
                 .arg(m_uPort)
-                .arg(listener->errorString());
+                .arg(error);
         });
-        return listener->serverError() == QAbstractSocket::AddressInUseError ? Listening::Taken
-                                                                             : Listening::Unavailable;
+        return result;
     }
     connect(listener.get(), &QTcpServer::newConnection, this, &TcpServerInterface::Admit);
     connect(listener.get(), &QTcpServer::acceptError, this, &TcpServerInterface::AcceptFailed);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/interfaces.h"
+#include "platform/tcplisten.h"
 
 #include <QHostAddress>
 #include <QObject>
@@ -30,8 +31,6 @@ public:
     void Read(char* buffer, quint64* length, bool flag) override;
 
 private:
-    enum class Listening { Yes, Unavailable, Taken };
-
     Listening Listen(const QHostAddress& address);
     /// Takes in those who wait, as far as there are places.
     void Admit();

@@ -1,23 +1,17 @@
+#include "platform/standardstreams.h"
 #include "starter/starter.h"
 #include "starter/starteroptions.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
 
-#include <cstdio>
-
 namespace {
 
-void Write(std::FILE* stream, const QString& text)
-{
-    const QByteArray bytes = text.toLocal8Bit();
-    (void)std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    (void)std::fflush(stream);
-}
+using StandardStreams::Stream;
 
 void Complain(const QString& message)
 {
-    Write(stderr, QStringLiteral("kitestarter: %1\n").arg(message));
+    StandardStreams::Write(Stream::Error, QStringLiteral("kitestarter: %1\n").arg(message));
 }
 
 Starter::Settings ToSettings(const StarterOptions& options)
@@ -37,7 +31,7 @@ StarterExit Run()
     const ParsedStarterCommandLine commandLine = ParseStarterCommandLine(QCoreApplication::arguments());
     switch (commandLine.outcome) {
     case ParsedStarterCommandLine::Outcome::Print:
-        Write(stdout, commandLine.text);
+        StandardStreams::Write(Stream::Output, commandLine.text);
         return StarterExit::Called;
     case ParsedStarterCommandLine::Outcome::Wrong:
         Complain(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
@@ -55,6 +49,7 @@ StarterExit Run()
 
 int main(int argc, char** argv)
 {
+    StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
     // Such as that there is no folder for run-time files, which is coped with.
     QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));

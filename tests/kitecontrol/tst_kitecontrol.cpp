@@ -228,7 +228,7 @@ void TestKiteControl::takesEveryNameAsItIs()
 {
     QFETCH(QString, station);
     Records records;
-    records.Add("Other", "Kite Echo").Add(qPrintable(station), "Kite Echo");
+    records.Add("Other", "Kite Echo").Add(qUtf8Printable(station), "Kite Echo");
     WriteStore(records.List());
     Run(s_program, ServerArguments(station));
     QVERIFY2(m_Printed.contains(QStringLiteral("record: ConnectData1")), qPrintable(m_Printed.join(u'|')));

@@ -66,7 +66,7 @@ void TestKiteControlWindow::givesEveryValueItsRoom()
 {
     const QString name =
         QStringLiteral("A mast with a name that needs two lines, because it says where it stands and why");
-    KiteControlWindow window(ReportFor(name, Records().Add(qPrintable(name), "Kite Echo").List()));
+    KiteControlWindow window(ReportFor(name, Records().Add(qUtf8Printable(name), "Kite Echo").List()));
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     const QList<QLabel*> labels = window.findChildren<QLabel*>();
@@ -94,7 +94,7 @@ void TestKiteControlWindow::showsCandidates()
 void TestKiteControlWindow::showsNamesAsTheyAre()
 {
     const QString name = QStringLiteral("<b>Mast</b> & <i>co</i>");
-    const KiteControlWindow window(ReportFor(name, Records().Add(qPrintable(name), "Kite Echo").List()));
+    const KiteControlWindow window(ReportFor(name, Records().Add(qUtf8Printable(name), "Kite Echo").List()));
     const auto* const label = window.findChild<QLabel*>(QStringLiteral("m_pStation"));
     QVERIFY(label);
     QCOMPARE(label->text(), name);
@@ -104,7 +104,7 @@ void TestKiteControlWindow::showsNamesAsTheyAre()
 void TestKiteControlWindow::cutsEndlessNames()
 {
     const QString name(1'000'000, QLatin1Char('m'));
-    const KiteControlWindow window(ReportFor(name, Records().Add(qPrintable(name), "Kite Echo").List()));
+    const KiteControlWindow window(ReportFor(name, Records().Add(qUtf8Printable(name), "Kite Echo").List()));
     const QString shown = TextOf(window, "m_pStation");
     QVERIFY(shown.size() < 1000);
     QVERIFY(shown.startsWith(QLatin1String("mmmm")));

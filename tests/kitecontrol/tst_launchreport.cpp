@@ -188,7 +188,7 @@ void TestLaunchReport::valuesNeverBreakTheirLine()
 {
     const QString name = QStringLiteral("a\\b\nfinding: c\r\t\u2028d");
     Records records;
-    records.Add(qPrintable(name), "Kite Echo");
+    records.Add(qUtf8Printable(name), "Kite Echo");
     const QStringList arguments{QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"), name};
     const LaunchReport report = LaunchReport::Make(QStringLiteral("kitecontrol"), arguments, Known(records.List()));
     QVERIFY(report.record.has_value());

@@ -45,6 +45,9 @@ bool WriteReport(const QStringList& inherited)
 
 void Print(long long bytes)
 {
+    // On Windows each write to nowhere is slow, and standard error would be written character by character.
+    std::setvbuf(stdout, nullptr, _IOFBF, 65536);
+    std::setvbuf(stderr, nullptr, _IOFBF, 4096);
     const std::string line(1023, 'x');
     for (long long printed = 0; bytes < 0 || printed < bytes; printed += 1024) {
         std::puts(line.c_str());

@@ -1,3 +1,4 @@
+#include "platform/standardstreams.h"
 #include "userinterface/kitecontrol/kitecontrolwindow.h"
 #include "userinterface/kitecontrol/launchenvironment.h"
 #include "userinterface/kitecontrol/launchreport.h"
@@ -7,21 +8,19 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QTextStream>
 #include <QTimer>
 
 #include <array>
-#include <cstdio>
 
 namespace {
 
-void Print(std::FILE* file, const QStringList& lines)
+using StandardStreams::Stream;
+
+void Print(Stream stream, const QStringList& lines)
 {
-    QTextStream stream(file);
     for (const QString& line : lines) {
-        stream << line << '\n';
+        StandardStreams::Write(stream, line + QLatin1Char('\n'));
     }
-    stream.flush();
 }
 
 /// The host shows nothing of what its applications print, so whoever wants to see the report names a folder. Whole or
@@ -30,7 +29,7 @@ bool SaveReport(const QString& directory, const QString& program, const QStringL
 {
     const QString name = QStringLiteral("%1-%2.txt").arg(program).arg(QCoreApplication::applicationPid());
     QSaveFile file(QDir(directory).filePath(name));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    if (!file.open(QIODevice::WriteOnly)) {
         return false;
     }
     file.write(lines.join(QLatin1Char('\n')).toUtf8() + '\n');
@@ -49,6 +48,7 @@ QStringList CommandLine(int argc, char** argv)
 
 int main(int argc, char* argv[])
 {
+    StandardStreams::Prepare();
     QStringList arguments = CommandLine(argc, argv);
     const QString program = QFileInfo(arguments.takeFirst()).baseName();
 
@@ -60,10 +60,10 @@ int main(int argc, char* argv[])
     const LaunchReport report =
         LaunchReport::Make(program, arguments, LegacyRecords::FromDirectory(environment.configuration));
 
-    Print(stderr, environment.complaints);
-    Print(stdout, report.Lines());
+    Print(Stream::Error, environment.complaints);
+    Print(Stream::Output, report.Lines());
     if (!environment.reportDirectory.isEmpty() && !SaveReport(environment.reportDirectory, program, report.Lines())) {
-        Print(stderr, {QStringLiteral("no report could be written to ") + environment.reportDirectory});
+        Print(Stream::Error, {QStringLiteral("no report could be written to ") + environment.reportDirectory});
     }
 
     KiteControlWindow window(report);

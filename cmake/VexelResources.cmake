@@ -1,0 +1,36 @@
+# vexel_windows_resources(TARGET DESCRIPTION)
+#
+# Puts version and description into the file of a library or program, as Windows shows them, and icon and manifest into
+# that of a program. Does nothing for other systems.
+
+if(WIN32)
+    enable_language(RC)
+endif()
+
+function(vexel_windows_resources target description)
+    if(NOT WIN32)
+        return()
+    endif()
+    set(VEXEL_RESOURCE_DESCRIPTION ${description})
+    set(VEXEL_RESOURCE_NAME ${target})
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL EXECUTABLE)
+        set(VEXEL_RESOURCE_FILE ${target}.exe)
+        set(VEXEL_RESOURCE_TYPE VFT_APP)
+        # The icon of the lowest number is the one that folders show.
+        set(VEXEL_RESOURCE_PROGRAM "1 ICON \"program.ico\"\n1 RT_MANIFEST \"program.manifest\"")
+    else()
+        set(VEXEL_RESOURCE_FILE ${target}.dll)
+        set(VEXEL_RESOURCE_TYPE VFT_DLL)
+        set(VEXEL_RESOURCE_PROGRAM "")
+    endif()
+    set(file ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/windows/version.rc.in ${file} @ONLY)
+    set_source_files_properties(${file} PROPERTIES
+        OBJECT_DEPENDS "${PROJECT_SOURCE_DIR}/windows/program.ico;${PROJECT_SOURCE_DIR}/windows/program.manifest"
+    )
+    # Compiled by itself: the resource compiler knows none of the C++ compiler's options.
+    add_library(${target}_resources OBJECT ${file})
+    target_include_directories(${target}_resources PRIVATE ${PROJECT_SOURCE_DIR}/windows)
+    target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_resources>)
+endfunction()

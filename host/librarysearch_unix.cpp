@@ -1,0 +1,5 @@
+#include "host/librarysearch.h"
+
+void SearchLibrariesHereOnly()
+{
+}

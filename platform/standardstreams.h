@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Standard output and error of a program, on every system. Everything is written at once, so that a reader at the
+/// other end of a pipe sees it when it happens; a reader that has gone away is no reason to end, so nothing is
+/// reported.
+///
+/// Lines end with a line feed. Texts are in the encoding of the user's locale on Unix and in UTF-8 on Windows; a
+/// console there shows every character.
+namespace StandardStreams {
+
+enum class Stream { Output, Error };
+
+/// Call it first in a program with windows. On Windows such a program has no console: one that was started from a
+/// console without having its output redirected prints there after this. Elsewhere nothing is needed.
+void Prepare();
+
+void Write(Stream stream, const QString& text);
+/// Writes `bytes` as they are.
+void Write(Stream stream, const QByteArray& bytes);
+
+} // namespace StandardStreams
