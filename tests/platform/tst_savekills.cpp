@@ -74,7 +74,7 @@ private slots:
         CfgCenter::SetNoticeSink({});
         qInfo(
             "%d kills: found the old state %d times, the new one %d times; %d hit a save under way, %d of these while "
-            "it wrote the file",
+            "it replaced the file",
             m_old + m_new, m_old, m_new, m_inSave, m_inReplace);
         QVERIFY(m_inSave > 0); // else it proves nothing
     }
