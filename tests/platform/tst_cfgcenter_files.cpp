@@ -101,6 +101,25 @@ private slots:
         QVERIFY(!QFile::exists(DocumentFile()));
     }
 
+    void openToLookMakesAndWritesNothing()
+    {
+        const QString missing = m_store->filePath(QStringLiteral("not/there"));
+        QVERIFY(!CfgCenter::OpenToLook(missing));
+        QVERIFY(!QFile::exists(missing));
+        QCOMPARE(CfgCenter::Directory(), QString());
+        QVERIFY(!CfgCenter::OpenToLook(QString()));
+        QCOMPARE(CfgCenter::Directory(), QString());
+
+        QVERIFY(CfgCenter::Open(m_store->path()));
+        Document()->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        const QDateTime changed = QFileInfo(m_store->path()).lastModified();
+        QVERIFY(CfgCenter::OpenToLook(m_store->path()));
+        QCOMPARE(QFileInfo(m_store->path()).lastModified(), changed);
+        QCOMPARE(CfgCenter::Directory(), m_store->path());
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
+    }
+
     void openRefusesADirectoryWithoutWriting()
     {
         const QString locked = m_store->filePath(QStringLiteral("locked"));

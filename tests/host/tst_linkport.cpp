@@ -1,0 +1,95 @@
+#include "host/linkport.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTcpServer>
+#include <QTest>
+
+class TestLinkPort : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void FreePort();
+    void TakenPort_data();
+    void TakenPort();
+    void NobodyIsCalled();
+    void WhoLooksKeepsNobodyOut();
+};
+
+namespace {
+
+/// A port that nobody had a moment ago.
+quint16 SomePort()
+{
+    QTcpServer server;
+    return server.listen(QHostAddress::LocalHost) ? server.serverPort() : quint16{0};
+}
+
+} // namespace
+
+void TestLinkPort::FreePort()
+{
+    const quint16 number = SomePort();
+    QVERIFY(number != 0);
+    const LinkPort port = LookAtPort(number);
+    QVERIFY(port.isFree);
+    QVERIFY(!port.owner);
+    QCOMPARE(port.error, QString());
+}
+
+void TestLinkPort::TakenPort_data()
+{
+    QTest::addColumn<QHostAddress>("address");
+    QTest::newRow("IPv4") << QHostAddress(QHostAddress::LocalHost);
+    QTest::newRow("IPv6") << QHostAddress(QHostAddress::LocalHostIPv6);
+    QTest::newRow("every address") << QHostAddress(QHostAddress::Any);
+}
+
+void TestLinkPort::TakenPort()
+{
+    QFETCH(const QHostAddress, address);
+    QTcpServer server;
+    if (!server.listen(address))
+        QSKIP("This machine does not have this kind of address.");
+    const LinkPort port = LookAtPort(server.serverPort());
+    QVERIFY(!port.isFree);
+    QCOMPARE(port.error, QString());
+#ifdef Q_OS_LINUX
+    QVERIFY(port.owner);
+    QCOMPARE(port.owner->number, QCoreApplication::applicationPid());
+    // The system keeps the first fifteen characters.
+    const QString name = QFileInfo(QCoreApplication::applicationFilePath()).fileName().left(15);
+    QCOMPARE(port.owner->name, name);
+#endif
+}
+
+void TestLinkPort::NobodyIsCalled()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    QVERIFY(!LookAtPort(server.serverPort()).isFree);
+    // A real call, so that it would have been heard of by now.
+    QTcpSocket caller;
+    caller.connectToHost(QHostAddress::LocalHost, server.serverPort());
+    QTRY_VERIFY(server.hasPendingConnections());
+    QCOMPARE(server.nextPendingConnection()->peerPort(), caller.localPort());
+    QVERIFY(!server.hasPendingConnections());
+}
+
+void TestLinkPort::WhoLooksKeepsNobodyOut()
+{
+    const quint16 number = SomePort();
+    QTcpSocket probe;
+    QVERIFY(probe.bind(QHostAddress::LocalHost, number, ProbeMode()));
+#ifdef Q_OS_UNIX
+    // A host that starts in the middle of the look.
+    QTcpServer server;
+    QVERIFY2(server.listen(QHostAddress::LocalHost, number), qPrintable(server.errorString()));
+#else
+    QSKIP("On this system a port is had by one alone, for as long as the look takes.");
+#endif
+}
+
+QTEST_GUILESS_MAIN(TestLinkPort)
+#include "tst_linkport.moc"

@@ -1,0 +1,333 @@
+#include "tests/host/hostsetup.h"
+
+#include <QTcpServer>
+
+// The host's executable: what it tells a support desk, above all where much is broken.
+class TestVexelHostDiagnose : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void TextHasEverySection();
+    void Versions();
+    void Paths();
+    void WithoutAnything();
+    void PluginThatDoesNotLoad();
+    void DataDirectoryAndWhereItComesFrom();
+    void MappingOfTheInstanceThatIsAskedFor();
+    void StateOfTheStore();
+    void DamagedDocuments();
+    void ListThatBreaksOff();
+    void OnlyHarmlessVariables();
+    void TraceFileIsLeftAlone();
+    void PortInUse();
+    void WhileAHostRuns();
+    void ChangesNothing();
+
+private:
+    static QJsonObject Diagnose(HostSetUp& setUp, const QStringList& arguments = {})
+    {
+        const auto result = setUp.Run(QStringList{QStringLiteral("--diagnose"), QStringLiteral("--json")} + arguments);
+        if (result.exitCode != 0 || !result.error.isEmpty())
+            qWarning("exit code %d: %s", result.exitCode, qPrintable(result.error));
+        return result.exitCode == 0 && result.error.isEmpty() ? QJsonDocument::fromJson(result.output.toUtf8()).object()
+                                                              : QJsonObject();
+    }
+    static QJsonValue Value(const QJsonObject& report, const char* section, const char* key)
+    {
+        return report.value(QLatin1String(section)).toObject().value(QLatin1String(key));
+    }
+    static QString Document(const HostSetUp& setUp)
+    {
+        return setUp.Config() + QStringLiteral("/application/@application.ini");
+    }
+};
+
+void TestVexelHostDiagnose::TextHasEverySection()
+{
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    const auto result = setUp.Run({QStringLiteral("--diagnose")});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.error, QString());
+    qsizetype place = -1;
+    for (const char* title : {"Versions\n", "\nPaths\n", "\nApplications\n", "\nConfiguration\n", "\nStarter link\n"}) {
+        const qsizetype next = result.output.indexOf(QLatin1String(title));
+        QVERIFY2(next > place, title);
+        place = next;
+    }
+    QVERIFY(result.output.contains(QLatin1String("\n  entries stored  1\n")));
+}
+
+void TestVexelHostDiagnose::Versions()
+{
+    HostSetUp setUp;
+    const QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "versions", "program"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
+    QCOMPARE(Value(report, "versions", "platformLibrary"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
+    QCOMPARE(Value(report, "versions", "qt"), QJsonValue(QString::fromLatin1(qVersion())));
+    QCOMPARE(Value(report, "versions", "qtBuiltWith"), QJsonValue(QStringLiteral(QT_VERSION_STR)));
+    for (const char* key : {"system", "kernel", "processor", "compiler"})
+        QVERIFY2(!Value(report, "versions", key).toString().isEmpty(), key);
+}
+
+void TestVexelHostDiagnose::Paths()
+{
+    HostSetUp setUp;
+    const QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "paths", "program"), QJsonValue(QFileInfo(QStringLiteral(VEXELHOST)).canonicalFilePath()));
+    QVERIFY(QFileInfo::exists(Value(report, "paths", "plugIn").toString()));
+    QCOMPARE(Value(report, "paths", "plugInFrom"), QJsonValue(QStringLiteral("installed with the host")));
+    QCOMPARE(Value(report, "paths", "plugInState"),
+             QJsonValue(QStringLiteral("loads; exports ARCreateEx and ARDestroy")));
+    QCOMPARE(Value(report, "paths", "configuration"), QJsonValue(setUp.Config()));
+    QCOMPARE(Value(report, "paths", "configurationFrom"), QJsonValue(QStringLiteral("--config")));
+    QVERIFY(Value(report, "paths", "catalogues").toArray().contains(QStringLiteral("VexelConnectDlg_de.qm")));
+    QCOMPARE(Value(report, "paths", "display"), QJsonValue(false));
+}
+
+void TestVexelHostDiagnose::WithoutAnything()
+{
+    HostSetUp setUp;
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
+    const QJsonObject report = Diagnose(setUp, {QStringLiteral("--plugin"), QStringLiteral("/no/such/plugin.so")});
+    QVERIFY(Value(report, "paths", "plugInState").toString().contains(QLatin1String("/no/such/plugin.so")));
+    QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(false));
+    QVERIFY(!QFileInfo::exists(setUp.Config()));
+
+    // A file in the directory's place.
+    setUp.Write(setUp.Config(), "a regular file");
+    QCOMPARE(Value(Diagnose(setUp), "configuration", "exists"), QJsonValue(false));
+}
+
+void TestVexelHostDiagnose::PluginThatDoesNotLoad()
+{
+    HostSetUp setUp;
+    for (const auto& [file, hint] :
+         {std::pair{LIBRARY_NOEXPORTS, "ARCreateEx"}, std::pair{PROGRAM_DIRECTORY, "not a file"},
+          std::pair{PROGRAM_DIRECTORY "/../share/vexel/connections.xml", "cannot be loaded"}}) {
+        const QJsonObject report = Diagnose(setUp, {QStringLiteral("--plugin"), QString::fromLatin1(file)});
+        const QString state = Value(report, "paths", "plugInState").toString();
+        QVERIFY2(state.contains(QLatin1String(hint)), qPrintable(state));
+        QCOMPARE(Value(report, "paths", "plugInFrom"), QJsonValue(QStringLiteral("--plugin")));
+    }
+    // It is loaded, and nothing more: this one would give no instance.
+    const QJsonObject report = Diagnose(setUp, {QStringLiteral("--plugin"), QStringLiteral(PLUGIN_REFUSING)});
+    QVERIFY(Value(report, "paths", "plugInState").toString().startsWith(QLatin1String("loads")));
+}
+
+void TestVexelHostDiagnose::DataDirectoryAndWhereItComesFrom()
+{
+    HostSetUp setUp;
+    QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
+    QVERIFY(Value(report, "applications", "applications").toArray().size() > 1);
+
+    setUp.Install(QStringLiteral("/no/such/program"), 2);
+    report = Diagnose(setUp, {QStringLiteral("--data"), setUp.Data()});
+    QCOMPARE(Value(report, "paths", "dataDirectory"), QJsonValue(setUp.Data()));
+    QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("--data")));
+    const QJsonArray applications = Value(report, "applications", "applications").toArray();
+    QCOMPARE(applications.size(), 2);
+    QCOMPARE(applications.at(0)[QLatin1String("foundAs")], QJsonValue(QStringLiteral("NOT FOUND")));
+    // Looked at, not stored.
+    QCOMPARE(Value(Diagnose(setUp), "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
+
+    QCOMPARE(setUp.Run({QStringLiteral("--data"), setUp.Data(), QStringLiteral("--list")}).exitCode, 0);
+    report = Diagnose(setUp);
+    QCOMPARE(Value(report, "paths", "dataDirectory"), QJsonValue(setUp.Data()));
+    QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the configuration")));
+
+    QVERIFY(QDir(setUp.Data()).removeRecursively());
+    report = Diagnose(setUp);
+    QCOMPARE(Value(report, "paths", "dataDirectoryExists"), QJsonValue(false));
+    QCOMPARE(Value(report, "applications", "machineFileState"), QJsonValue(QStringLiteral("not read: no such file")));
+}
+
+void TestVexelHostDiagnose::MappingOfTheInstanceThatIsAskedFor()
+{
+    HostSetUp setUp;
+    setUp.Install(QStringLiteral("/no/such/program"), 1);
+    QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
+    setUp.Write(setUp.Config() + QStringLiteral("/application/Second.ini"),
+                "[General]\nTypeApplicationMappings=/another/mapping.xml\n");
+    const QStringList data{QStringLiteral("--data"), setUp.Data()};
+    QCOMPARE(Value(Diagnose(setUp, data), "applications", "mappingFile"),
+             QJsonValue(setUp.Data() + QStringLiteral("/TypeApplicationMappings.xml")));
+    QCOMPARE(Value(Diagnose(setUp, data + QStringList{QStringLiteral("--name"), QStringLiteral("Second")}),
+                   "applications", "mappingFile"),
+             QJsonValue(QStringLiteral("/another/mapping.xml")));
+}
+
+void TestVexelHostDiagnose::StateOfTheStore()
+{
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill({QStringLiteral("two")});
+    setUp.Write(setUp.Config() + QStringLiteral("/application/a.b.ini"), "[General]\na=1\n");
+    const QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(true));
+    QCOMPARE(Value(report, "configuration", "canBeWritten"), QJsonValue(true));
+    QCOMPARE(Value(report, "configuration", "hostAtWork"), QJsonValue(QStringLiteral("none")));
+    QCOMPARE(Value(report, "configuration", "storedList"), QJsonValue(QStringLiteral("in order")));
+    QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(2));
+    QCOMPARE(Value(report, "configuration", "keptAside"), QJsonValue(QJsonArray()));
+
+    QMap<QString, QJsonObject> documents;
+    const QJsonArray rows = Value(report, "configuration", "documents").toArray();
+    for (const QJsonValue& row : rows)
+        documents.insert(row[QLatin1String("file")].toString(), row.toObject());
+    QCOMPARE(
+        documents.keys(),
+        QStringList({QStringLiteral("application/@application.ini"), QStringLiteral("application/Administration.ini"),
+                     QStringLiteral("application/a.b.ini"), QStringLiteral("user/@application.ini")}));
+    const QJsonObject own = documents.value(QStringLiteral("application/@application.ini"));
+    QCOMPARE(own.value(QLatin1String("bytes")).toInteger(), QFileInfo(Document(setUp)).size());
+    QCOMPARE(own.value(QLatin1String("state")), QJsonValue(QStringLiteral("readable")));
+    QCOMPARE(own.value(QLatin1String("versions")), QJsonValue(1));
+    QVERIFY(!own.value(QLatin1String("newestVersion")).toString().isEmpty());
+    QCOMPARE(documents.value(QStringLiteral("application/a.b.ini")).value(QLatin1String("state")),
+             QJsonValue(QStringLiteral("not a document of the store")));
+}
+
+void TestVexelHostDiagnose::DamagedDocuments()
+{
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill({QStringLiteral("two")});
+    const QByteArray garbage("\0\0 garbage", 10);
+    setUp.Write(Document(setUp), garbage);
+    setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.ini"), garbage);
+    const QJsonObject report = Diagnose(setUp);
+    const QJsonArray rows = Value(report, "configuration", "documents").toArray();
+    QVERIFY2(rows.at(0)[QLatin1String("state")].toString().startsWith(QLatin1String("DAMAGED; the next start uses")),
+             qPrintable(rows.at(0)[QLatin1String("state")].toString()));
+    QCOMPARE(rows.at(1)[QLatin1String("state")], QJsonValue(QStringLiteral("DAMAGED, and no version can be read")));
+    // What the next start loads.
+    QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
+    QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
+
+    // And so it does.
+    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
+    const QJsonArray keptAside = Value(Diagnose(setUp), "configuration", "keptAside").toArray();
+    QVERIFY(keptAside.size() >= 1);
+    QVERIFY(keptAside.at(0).toString().startsWith(QLatin1String("application/@application.ini.damaged-")));
+}
+
+void TestVexelHostDiagnose::ListThatBreaksOff()
+{
+    HostSetUp setUp;
+    QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
+    setUp.Write(Document(setUp), "[ConnectionsModel]\nModelMimeData=" +
+                                     HostSetUp::ListDocument({QStringLiteral("one")}).chopped(30).toHex() + "\n");
+    const QJsonObject report = Diagnose(setUp);
+    QVERIFY2(Value(report, "configuration", "storedList").toString().startsWith(QLatin1String("BREAKS OFF")),
+             qPrintable(Value(report, "configuration", "storedList").toString()));
+    QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
+}
+
+void TestVexelHostDiagnose::OnlyHarmlessVariables()
+{
+    HostSetUp setUp;
+    setUp.Environment().insert(QStringLiteral("VEXEL_CONFIG_DIR"), QStringLiteral("/somewhere"));
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    setUp.Environment().insert(QStringLiteral("SECRET_TOKEN"), QStringLiteral("hush-hush"));
+    const auto result = setUp.Run({QStringLiteral("--diagnose")});
+    QVERIFY(!result.output.contains(QLatin1String("hush-hush")));
+    QStringList expected{QStringLiteral("QT_QPA_PLATFORM=offscreen")};
+    const QStringList names = setUp.Environment().keys();
+    for (const QString& name : names) {
+        if (name.startsWith(QLatin1String("VEXEL_")))
+            expected.append(name + QLatin1Char('=') + setUp.Environment().value(name));
+    }
+    expected.sort();
+    QCOMPARE(Value(Diagnose(setUp), "paths", "environment").toVariant().toStringList(), expected);
+}
+
+void TestVexelHostDiagnose::TraceFileIsLeftAlone()
+{
+    HostSetUp setUp;
+    const QString fileName = setUp.Path("trace.log");
+    const QStringList option{QStringLiteral("--trace-file"), fileName};
+    QCOMPARE(Value(Diagnose(setUp), "paths", "traceFile"), QJsonValue());
+    QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFile"), QJsonValue(fileName));
+    QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFileState"), QJsonValue(QStringLiteral("not there yet")));
+    QVERIFY(!QFileInfo::exists(fileName));
+    setUp.Write(fileName, "12345");
+    QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFileState"), QJsonValue(QStringLiteral("5 bytes")));
+    QCOMPARE(QFileInfo(fileName).size(), 5);
+    QCOMPARE(Value(Diagnose(setUp, {QStringLiteral("--trace-file"), setUp.Path("no/folder/t.log")}), "paths",
+                   "traceFileState"),
+             QJsonValue(QStringLiteral("its folder does not exist")));
+}
+
+void TestVexelHostDiagnose::PortInUse()
+{
+    HostSetUp setUp;
+    QTcpServer server;
+    // Somebody else's host may have it for a while.
+    QTRY_VERIFY_WITH_TIMEOUT(server.isListening() || server.listen(QHostAddress::LocalHost, 8451), 60'000);
+    const QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "starterLink", "free"), QJsonValue(false));
+    const QString state = Value(report, "starterLink", "state").toString();
+    QVERIFY2(state.startsWith(QLatin1String("in use")), qPrintable(state));
+#ifdef Q_OS_LINUX
+    QVERIFY2(state.contains(QString::number(QCoreApplication::applicationPid())), qPrintable(state));
+#endif
+    QVERIFY(!server.waitForNewConnection(0));
+    server.close();
+    QTRY_COMPARE_WITH_TIMEOUT(Value(Diagnose(setUp), "starterLink", "free"), QJsonValue(true), 60'000);
+}
+
+void TestVexelHostDiagnose::WhileAHostRuns()
+{
+    HostSetUp setUp;
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    QProcess host;
+    setUp.Start(host, {QStringLiteral("--trace")});
+    QByteArray said;
+    QTRY_VERIFY((said += host.readAllStandardError()).contains("TCPServer()"));
+    const QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "configuration", "hostAtWork"),
+             QJsonValue(QStringLiteral("process %1").arg(host.processId())));
+    if (said.contains("Server TCP interface created")) {
+        const QString state = Value(report, "starterLink", "state").toString();
+        QVERIFY2(state.startsWith(QLatin1String("in use")), qPrintable(state));
+#ifdef Q_OS_LINUX
+        QVERIFY2(state.contains(QLatin1String("the host on this configuration")), qPrintable(state));
+#endif
+    }
+    // Nothing has called it.
+    host.terminate();
+    const QString rest = HostSetUp::End(host).error;
+    QVERIFY2(!rest.contains(QLatin1String("Received call")), qPrintable(rest));
+}
+
+void TestVexelHostDiagnose::ChangesNothing()
+{
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    setUp.Write(Document(setUp), "[ConnectionsModel]\nModelMimeData=3c\n");
+    const auto snapshot = [&setUp] {
+        QStringList files;
+        QDirIterator all(setUp.Path("."), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+        while (all.hasNext()) {
+            const QFileInfo file(all.next());
+            if (file.isFile())
+                files.append(file.filePath() + file.lastModified().toString(Qt::ISODateWithMs));
+            else
+                files.append(file.filePath());
+        }
+        files.sort();
+        return files;
+    };
+    const QStringList before = snapshot();
+    const QByteArray stored = setUp.StoredText();
+    QVERIFY(!Diagnose(setUp).isEmpty());
+    QCOMPARE(snapshot(), before);
+    QCOMPARE(setUp.StoredText(), stored);
+}
+
+QTEST_GUILESS_MAIN(TestVexelHostDiagnose)
+#include "tst_vexelhostdiagnose.moc"
