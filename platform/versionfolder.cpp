@@ -1,7 +1,6 @@
 #include "platform/versionfolder.h"
 
 #include "platform/documentfile.h"
-#include "platform/foldersync.h"
 #include "platform/tracing.h"
 
 #include <QDir>
@@ -112,6 +111,7 @@ std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
 
     // A second name for the file costs next to nothing, and cannot differ from it nor fill the disk. Replacing the
     // document gives that name a new file and leaves this one alone. Not every file system has second names.
+    // Whatever loses this name in a loss of power loses the replacement as well, or just a version.
     const QString file = folder + u'/' + NextName(newest);
     const QFileInfo document(m_document);
     std::error_code error;
@@ -119,7 +119,6 @@ std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
                                       QFileInfo(file).filesystemFilePath(), error);
     if (error && !WriteCopy(file, content))
         return fail(__LINE__, "the folder for versions cannot be written");
-    SyncFolder(folder);
     return file;
 }
 
