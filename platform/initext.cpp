@@ -44,7 +44,8 @@ Body BodyOf(QByteArrayView text)
         return {text.toByteArray(), !text.isEmpty() && kFirstLine.startsWith(text)};
 
     const QByteArrayView rest = text.sliced(kFirstLine.size());
-    if (!rest.isEmpty() && !IsLineEnd(rest))
+    const bool isLineEndHalved = rest == QByteArrayView("\r");
+    if (!rest.isEmpty() && !IsLineEnd(rest) && !isLineEndHalved)
         return {text.toByteArray(), false}; // somebody made something else of the line
     text = AfterLineEnd(rest);
 
