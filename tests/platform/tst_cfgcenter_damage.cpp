@@ -298,9 +298,9 @@ private slots:
         QVERIFY(m_store->Save(2));
         const QByteArray content = m_store->Read(m_store->Document());
         const auto permissions = QFile::permissions(m_store->Document());
-        QVERIFY(QFile::setPermissions(m_store->Document(), {}));
+        QFile::setPermissions(m_store->Document(), {});
         if (QFile(m_store->Document()).open(QIODevice::ReadOnly))
-            QSKIP("An administrator reads everything.");
+            QSKIP("An administrator reads everything, and on Windows the owner.");
         const Notices notices;
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);

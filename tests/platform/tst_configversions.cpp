@@ -262,7 +262,8 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(QFile::copy(m_store->Document(), target));
         QVERIFY(QFile::remove(m_store->Document()));
-        QVERIFY(QFile::link(target, m_store->Document()));
+        if (!QFile::link(target, m_store->Document()) || !QFileInfo(m_store->Document()).isSymbolicLink())
+            QSKIP("This system has no symbolic links.");
 
         const TraceRecorder traces;
         QVERIFY(m_store->Save(2));
