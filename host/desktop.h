@@ -2,3 +2,7 @@
 
 /// Whether there is a desktop on which windows can be shown to a person.
 bool HasDesktop();
+
+/// Sees to it that texts have letters where windows are drawn without a desktop. Call it before the application object
+/// is made.
+void ProvideLettersOffScreen();

@@ -6,3 +6,7 @@ bool HasDesktop()
 {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
+
+void ProvideLettersOffScreen()
+{
+}

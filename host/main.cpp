@@ -99,8 +99,10 @@ ExitCode Run(int& argc, char** argv)
         return ExitCode::Unusable;
     }
 
-    if (options.IsHeadless())
+    if (options.IsHeadless()) {
         LeaveOutHeadlessNoise();
+        ProvideLettersOffScreen();
+    }
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0], options.IsHeadless());
     return Application(options).Run();
 }
