@@ -30,7 +30,7 @@ QString ValueText(const QJsonValue& value)
     case QJsonValue::Array: {
         QStringList texts;
         const QJsonArray array = value.toArray();
-        for (const QJsonValue& element : array)
+        for (const auto& element : array)
             texts.append(ValueText(element));
         return texts.isEmpty() ? QStringLiteral("none") : Elided(texts.join(QStringLiteral(", ")), s_widestText);
     }
@@ -107,7 +107,7 @@ QString SupportReport::TableText(const Table& table)
     const qsizetype shown = std::min(table.rows.size(), s_mostRows);
     for (qsizetype i = 0; i < shown; ++i) {
         QStringList line;
-        for (const QJsonValue& value : table.rows.at(i))
+        for (const auto value : table.rows.at(i))
             line.append(ValueText(value));
         lines.push_back(line);
     }
