@@ -19,6 +19,8 @@
 #include <QProcessEnvironment>
 #include <QSysInfo>
 
+#include <memory>
+
 namespace {
 
 constexpr quint16 s_linkPort = 8451;

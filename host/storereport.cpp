@@ -10,7 +10,9 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace {
 

@@ -129,11 +129,13 @@ private slots:
         m_store->Root()->Remove(kText, 0);
         QVERIFY(m_store->Save(3));
         const QByteArray small = m_store->Read(m_store->Document());
+        const QStringList names = Names();
         {
             const FileSizeLimit limit(before.size() - 1);
             QVERIFY(!versions.Restore(versions.List().front()));
         }
         QCOMPARE(m_store->Read(m_store->Document()), small);
+        QCOMPARE(Names(), names);
         QCOMPARE(versions.List().size(), 2);
         QVERIFY(versions.Restore(versions.List().front()));
         QCOMPARE(m_store->Read(m_store->Document()), before);

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+#include <vector>
+
+/// Reads which names a 64-bit library of Windows exports, and of which libraries it imports, from the file itself: what
+/// a loader sees, without loading it. Throws std::runtime_error where the file is not what it should be.
+class PeFile
+{
+public:
+    explicit PeFile(QByteArray content)
+        : m_Content(std::move(content))
+    {
+        const auto header = Number<std::uint32_t>(0x3c);
+        if (Text(0, 2) != "MZ" || Text(header, 4) != QByteArray("PE\0\0", 4))
+            throw std::runtime_error("not a program or library for Windows");
+        const auto sections = Number<std::uint16_t>(header + 6);
+        const auto optionalSize = Number<std::uint16_t>(header + 20);
+        const std::uint32_t optional = header + 24;
+        if (Number<std::uint16_t>(optional) != 0x20b)
+            throw std::runtime_error("not a 64-bit one");
+        m_Exports = Number<std::uint32_t>(optional + 112);
+        m_Imports = Number<std::uint32_t>(optional + 120);
+        for (std::uint32_t i = 0; i < sections; ++i) {
+            const std::uint32_t section = optional + optionalSize + 40 * i;
+            m_Sections.push_back({Number<std::uint32_t>(section + 12), Number<std::uint32_t>(section + 16),
+                                  Number<std::uint32_t>(section + 20)});
+        }
+    }
+
+    /// The exported names, in their order in the file, and "#" for each function that has none.
+    QStringList Exports() const
+    {
+        QStringList names;
+        if (!m_Exports)
+            return names;
+        const std::uint32_t table = Offset(m_Exports);
+        const auto functions = Number<std::uint32_t>(table + 20);
+        const auto named = Number<std::uint32_t>(table + 24);
+        const std::uint32_t pointers = Offset(Number<std::uint32_t>(table + 32));
+        for (std::uint32_t i = 0; i < named; ++i)
+            names += Name(Number<std::uint32_t>(pointers + 4 * i));
+        for (std::uint32_t i = named; i < functions; ++i)
+            names += QStringLiteral("#");
+        return names;
+    }
+
+    /// The file names of the libraries that must be there.
+    QStringList Imports() const
+    {
+        QStringList names;
+        if (!m_Imports)
+            return names;
+        for (std::uint32_t entry = Offset(m_Imports); Number<std::uint32_t>(entry + 12); entry += 20)
+            names += Name(Number<std::uint32_t>(entry + 12));
+        return names;
+    }
+
+private:
+    struct Section
+    {
+        std::uint32_t address = 0;
+        std::uint32_t size = 0;
+        std::uint32_t offset = 0;
+    };
+
+    QByteArray Text(std::uint32_t offset, int length) const { return m_Content.mid(offset, length); }
+
+    template <typename Integer>
+    Integer Number(std::uint32_t offset) const
+    {
+        Integer number = 0;
+        if (std::size_t{offset} + sizeof number > static_cast<std::size_t>(m_Content.size()))
+            throw std::runtime_error("the file ends too early");
+        std::memcpy(&number, m_Content.constData() + offset, sizeof number);
+        return number;
+    }
+
+    /// Where in the file that stands which is at `address` once the library is loaded.
+    std::uint32_t Offset(std::uint32_t address) const
+    {
+        for (const Section& section : m_Sections) {
+            if (address >= section.address && address - section.address < section.size)
+                return address - section.address + section.offset;
+        }
+        throw std::runtime_error("an address lies in no section");
+    }
+
+    QString Name(std::uint32_t address) const
+    {
+        const std::uint32_t offset = Offset(address);
+        const qsizetype end = m_Content.indexOf('\0', offset);
+        return QString::fromLatin1(m_Content.mid(offset, end - qsizetype{offset}));
+    }
+
+    QByteArray m_Content;
+    std::uint32_t m_Exports = 0;
+    std::uint32_t m_Imports = 0;
+    std::vector<Section> m_Sections;
+};
