@@ -1,5 +1,7 @@
 #include "host/signalwatcher.h"
 
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QWaitCondition>
@@ -30,13 +32,31 @@ BOOL WINAPI OnConsoleEvent(DWORD event)
 
 } // namespace
 
-struct SignalWatcher::Private
+/// A host that shows no window and has no console can still be asked to end, by a message to its thread. Messages to
+/// windows are none of this: the dialog has its own answer to being closed.
+struct SignalWatcher::Private : QAbstractNativeEventFilter
 {
+    explicit Private(SignalWatcher& watcher)
+        : watcher(watcher)
+    {
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* /*result*/) override
+    {
+        const auto* const received = static_cast<const MSG*>(message);
+        if (received->hwnd || received->message != WM_CLOSE)
+            return false;
+        emit watcher.EndRequested();
+        return true;
+    }
+
+    SignalWatcher& watcher;
 };
 
 SignalWatcher::SignalWatcher(QObject* parent)
     : QObject(parent)
-    , d(std::make_unique<Private>())
+    , d(std::make_unique<Private>(*this))
 {
     const QMutexLocker locker(&g_Mutex);
     g_pWatcher = this;
