@@ -1,5 +1,6 @@
 #include "tests/dialog/dialogfixture.h"
 #include "tests/launcher/launcherfixture.h"
+#include "tests/support/system.h"
 
 #include <QSignalSpy>
 
@@ -212,7 +213,7 @@ void tst_DialogConnect::tearDownWithRunningApplications()
     QTRY_COMPARE(m_Child->Count(), 2);
     m_Fixture->TearDown();
     for (const TestChild::Report& report : m_Child->Reports()) {
-        QTRY_VERIFY(!QFileInfo::exists(QStringLiteral("/proc/%1/stat").arg(report.pid)));
+        QTRY_VERIFY(!System::IsProcess(report.pid));
     }
 }
 

@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/system.h"
 
 // The host's executable with the real plug-in: its command line, its lists, and what bad input gets.
 class TestVexelHost : public QObject
@@ -11,7 +12,6 @@ private slots:
     void UnusableStarts_data();
     void UnusableStarts();
     void WrongCommandLine();
-    void NoDisplay();
     void DisplayThatDoesNotAnswer();
     void UnwritableConfiguration();
     void UnwritableTraceFile();
@@ -87,18 +87,6 @@ void TestVexelHost::WrongCommandLine()
     QCOMPARE(result.ErrorLines().size(), 1);
     QVERIFY2(result.error.contains(QLatin1String("frobnicate")), qPrintable(result.error));
     QVERIFY(!QFileInfo::exists(setUp.Config()));
-}
-
-void TestVexelHost::NoDisplay()
-{
-#ifndef Q_OS_UNIX
-    QSKIP("There is always a display on this system.");
-#endif
-    HostSetUp setUp;
-    const auto result = setUp.Run({});
-    QCOMPARE(result.exitCode, 2);
-    QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(QLatin1String("no display")), qPrintable(result.error));
 }
 
 void TestVexelHost::DisplayThatDoesNotAnswer()
@@ -300,15 +288,12 @@ void TestVexelHost::LanguageIsTaken()
 void TestVexelHost::InterruptEndsAnInteractiveHost_data()
 {
     QTest::addColumn<QString>("signal");
-    for (const char* name : {"TERM", "INT", "HUP"})
-        QTest::newRow(name) << QString::fromLatin1(name);
+    for (const QString& name : System::RequestsToEnd())
+        QTest::newRow(qPrintable(name)) << name;
 }
 
 void TestVexelHost::InterruptEndsAnInteractiveHost()
 {
-#ifndef Q_OS_UNIX
-    QSKIP("Signals are sent with the system's own tool.");
-#endif
     QFETCH(const QString, signal);
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
@@ -317,9 +302,7 @@ void TestVexelHost::InterruptEndsAnInteractiveHost()
     // The plug-in is there: it has said that the data directory is empty.
     QByteArray said;
     QTRY_VERIFY((said += process.readAllStandardError()).contains("UpdateTypeDeviceMappings"));
-    QCOMPARE(
-        QProcess::execute(QStringLiteral("kill"), {QStringLiteral("-") + signal, QString::number(process.processId())}),
-        0);
+    QVERIFY(System::AskToEnd(process.processId(), signal));
     QCOMPARE(HostSetUp::End(process).exitCode, 0);
     // Saved: the filter's settings, the list, and the directory that was given.
     for (const char* part : {"FilterPattern", "ModelMimeData", "VexelDataDir"})

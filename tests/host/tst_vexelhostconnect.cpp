@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/system.h"
 
 #include <QImage>
 #include <QRegularExpression>
@@ -29,7 +30,6 @@ private slots:
     void EndOfTheHostEndsItsApplications();
     void NameChoosesTheMappingFile();
     void BoxTextKeepsTheName();
-    void HeadlessHostLeavesTheDesktopToItsChildren();
     void ConfigurationThatCannotBeSaved();
 
 private:
@@ -275,9 +275,6 @@ void TestVexelHostConnect::PictureThatCannotBeWritten()
 
 void TestVexelHostConnect::TerminatedWhileWaiting()
 {
-#ifndef Q_OS_UNIX
-    QSKIP("A console program cannot be terminated politely by another process here.");
-#endif
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
     setUp.Fill({QStringLiteral("mast"), QStringLiteral("pier")}, {QStringLiteral("pier")});
@@ -298,8 +295,6 @@ void TestVexelHostConnect::TerminatedWhileWaiting()
 
 void TestVexelHostConnect::EndOfTheHostEndsItsApplications()
 {
-    if (!QFileInfo::exists(QStringLiteral("/proc/self/stat")))
-        QSKIP("This system does not tell which processes there are.");
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
     setUp.Fill({QStringLiteral("mast")});
@@ -311,12 +306,12 @@ void TestVexelHostConnect::EndOfTheHostEndsItsApplications()
     QStringList reports;
     QTRY_VERIFY(!(reports = QDir(setUp.Path("reports")).entryList({QStringLiteral("*.txt")}, QDir::Files)).isEmpty());
     // "<program>-<process id>.txt"
-    const QString child = QStringLiteral("/proc/") + reports.constFirst().section(u'-', -1).section(u'.', 0, 0);
-    QVERIFY2(QFileInfo::exists(child), qPrintable(child));
+    const qint64 child = reports.constFirst().section(u'-', -1).section(u'.', 0, 0).toLongLong();
+    QVERIFY(System::IsProcess(child));
     process.terminate();
     QCOMPARE(HostSetUp::End(process).exitCode, 0);
     // Neither running nor waiting to be asked for its exit code.
-    QVERIFY2(!QFileInfo::exists(child), qPrintable(child));
+    QVERIFY(!System::IsProcess(child));
 }
 
 void TestVexelHostConnect::NameChoosesTheMappingFile()
@@ -332,32 +327,6 @@ void TestVexelHostConnect::NameChoosesTheMappingFile()
     const auto result = setUp.Run(
         {QStringLiteral("--trace"), QStringLiteral("--list"), QStringLiteral("--name"), QStringLiteral("Second")});
     QVERIFY2(result.error.contains(missed), qPrintable(result.error));
-}
-
-void TestVexelHostConnect::HeadlessHostLeavesTheDesktopToItsChildren()
-{
-#ifndef Q_OS_UNIX
-    QSKIP("There is always a desktop on this system.");
-#endif
-    // The host shows nothing, but what it starts is meant for the person at the display.
-    HostSetUp setUp;
-    const QString program = setUp.Path("application");
-    setUp.Write(program, "#!/bin/sh\nenv >environment.part && mv environment.part environment\n");
-    QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    setUp.Install(program, 1);
-    setUp.Fill({QStringLiteral("mast")});
-    for (const bool hasDesktop : {true, false}) {
-        if (hasDesktop)
-            setUp.Environment().insert(QStringLiteral("DISPLAY"), QStringLiteral(":4711"));
-        else
-            setUp.Environment().remove(QStringLiteral("DISPLAY"));
-        QFile::remove(setUp.Path("environment"));
-        const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
-        QCOMPARE(result.exitCode, 0);
-        QFile environment(setUp.Path("environment"));
-        QVERIFY(environment.open(QIODevice::ReadOnly));
-        QCOMPARE(environment.readAll().contains("QT_QPA_PLATFORM=offscreen"), !hasDesktop);
-    }
 }
 
 void TestVexelHostConnect::BoxTextKeepsTheName()
@@ -403,8 +372,8 @@ void TestVexelHostConnect::ConfigurationThatCannotBeSaved()
     setUp.Write(setUp.Config(), "a regular file");
     const auto result = HostSetUp::End(process);
     QCOMPARE(result.exitCode, 2);
-    QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(QLatin1String("could not be saved")), qPrintable(result.error));
+    // Said once. That its lock file is gone, too, may be told beside that.
+    QCOMPARE(result.ErrorLines().filter(QStringLiteral("could not be saved")).size(), 1);
     QVERIFY(QFile::remove(setUp.Config()));
     QVERIFY(QDir().rename(setUp.Path("aside"), setUp.Config()));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));

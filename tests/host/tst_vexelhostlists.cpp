@@ -1,4 +1,3 @@
-#include "tests/dialog/filesizelimit.h"
 #include "tests/host/hostsetup.h"
 
 // The host's executable with the real plug-in: lists of entries that go in and out as files.
@@ -18,7 +17,6 @@ private slots:
     void ExportReplacesAFile();
     void ExportToStandardOutput();
     void ExportThatFailsLeavesTheFileAsItWas();
-    void AFullDiskKeepsTheOldList();
 };
 
 void TestVexelHostLists::ImportTakesThePlaceOfAllEntries()
@@ -200,39 +198,6 @@ void TestVexelHostLists::ExportThatFailsLeavesTheFileAsItWas()
         QCOMPARE(result.OutputLines().size(), 2);
     }
     QVERIFY(QFileInfo(setUp.Data() + QStringLiteral("/folder")).isDir());
-}
-
-void TestVexelHostLists::AFullDiskKeepsTheOldList()
-{
-#ifndef Q_OS_UNIX
-    QSKIP("This system has no limit of a file's size for one process.");
-#else
-    HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
-    const QByteArray stored = setUp.StoredText();
-    setUp.Write(setUp.Path("large.xml"), HostSetUp::ListDocument({QString(200'000, QLatin1Char('x'))}));
-    {
-        // What the host is started with holds for it, too.
-        const FileSizeLimit limit(100'000);
-        const auto result = setUp.Run({QStringLiteral("--add"), setUp.Path("large.xml"), QStringLiteral("--trace")});
-        QCOMPARE(result.exitCode, 2);
-        QVERIFY2(result.error.contains(QLatin1String("vexelhost: the configuration in ") + setUp.Config() +
-                                       QLatin1String(" could not be saved\n")),
-                 qPrintable(result.error));
-        QVERIFY2(result.error.contains(QLatin1String(" trace platform/configdocument:")), qPrintable(result.error));
-
-        const auto exported = setUp.Run(
-            {QStringLiteral("--add"), setUp.Path("large.xml"), QStringLiteral("--export"), setUp.Path("out.xml")});
-        QVERIFY2(exported.error.contains(setUp.Path("out.xml")), qPrintable(exported.error));
-        QVERIFY(!QFileInfo::exists(setUp.Path("out.xml")));
-    }
-    QCOMPARE(setUp.StoredText(), stored);
-    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
-
-    // With room again it works again.
-    QCOMPARE(setUp.Run({QStringLiteral("--add"), setUp.Path("large.xml")}).error, QString());
-    QCOMPARE(setUp.Names().size(), 2);
-#endif
 }
 
 QTEST_GUILESS_MAIN(TestVexelHostLists)

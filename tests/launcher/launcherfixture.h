@@ -91,17 +91,6 @@ private:
     QTemporaryDir m_Reports;
 };
 
-/// Whether the system's list of processes can be asked, and whether a process is in it. One that has ended but was not
-/// waited for still is.
-inline bool CanSeeProcesses()
-{
-    return QFile::exists(QStringLiteral("/proc/self/stat"));
-}
-inline bool IsProcess(qint64 pid)
-{
-    return QFile::exists(QStringLiteral("/proc/%1").arg(pid));
-}
-
 /// A data directory, empty at first, that the configuration in memory names, together with nothing else.
 class DataDirectory
 {

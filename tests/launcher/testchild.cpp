@@ -2,27 +2,20 @@
 // says. The arguments are no place for that: they are what is tested.
 
 #include "tests/launcher/inheritedhandles.h"
+#include "tests/support/system.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 namespace {
-
-/// Where a standard stream leads, on systems that tell.
-QString StreamTarget(int stream)
-{
-    return QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(stream)).symLinkTarget();
-}
 
 /// Writes a file "<process id>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is complete.
 bool WriteReport(const QStringList& inherited)
@@ -36,9 +29,9 @@ bool WriteReport(const QStringList& inherited)
         {QStringLiteral("arguments"), QJsonArray::fromStringList(QCoreApplication::arguments().mid(1))},
         {QStringLiteral("directory"), QDir::current().canonicalPath()},
         {QStringLiteral("inherited"), QJsonArray::fromStringList(inherited)},
-        {QStringLiteral("stdin"), StreamTarget(0)},
-        {QStringLiteral("stdout"), StreamTarget(1)},
-        {QStringLiteral("stderr"), StreamTarget(2)},
+        {QStringLiteral("stdin"), System::StreamTarget(0)},
+        {QStringLiteral("stdout"), System::StreamTarget(1)},
+        {QStringLiteral("stderr"), System::StreamTarget(2)},
     };
     return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(report).toJson()) > 0 && file.commit();
 }
@@ -75,9 +68,9 @@ int main(int argc, char* argv[])
 
     // Before the report: whoever has seen the report may count on it.
     if (mode == QLatin1String("stubborn"))
-        std::signal(SIGTERM, SIG_IGN);
+        System::GoOnWhenAsked();
     if (mode == QLatin1String("polite"))
-        std::signal(SIGTERM, [](int) { std::_Exit(0); });
+        System::EndWhenAsked();
     if (mode == QLatin1String("print"))
         Print(qEnvironmentVariableIntValue("VEXEL_TESTCHILD_NUMBER"));
 

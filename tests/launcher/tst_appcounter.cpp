@@ -1,6 +1,7 @@
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
 #include "tests/launcher/launcherfixture.h"
+#include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
 
@@ -207,9 +208,13 @@ void tst_AppCounter::MappingFileMissing()
 void tst_AppCounter::NotAFile()
 {
     QVERIFY(QDir().mkdir(m_pData->MachineFile()));
-    DataDirectory::Configure("Launcher", "TypeApplicationMappings", s("/dev/zero"));
-    const auto counter = Counter();
-    QCOMPARE(m_pTraces->Messages(), (QStringList{CouldNotOpenMachine(), CouldNotOpenMappings(s("/dev/zero"))}));
+    const QStringList devices = System::Devices();
+    for (const QString& device : devices) {
+        DataDirectory::Configure("Launcher", "TypeApplicationMappings", device);
+        m_pTraces->Clear();
+        const auto counter = Counter();
+        QCOMPARE(m_pTraces->Messages(), (QStringList{CouldNotOpenMachine(), CouldNotOpenMappings(device)}));
+    }
 }
 
 void tst_AppCounter::FileTooLarge()

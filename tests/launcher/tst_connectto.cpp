@@ -3,6 +3,7 @@
 #include "tests/launcher/inheritedhandles.h"
 #include "tests/launcher/launcherfixture.h"
 #include "tests/support/messageboxes.h"
+#include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -36,11 +37,6 @@ Connection Entry(const char* name, int deviceType, int connectionType = 1)
     entry.ConnectionType = connectionType;
     entry.DriverAddress = QStringLiteral("driver.example");
     return entry;
-}
-
-qsizetype OpenHandles()
-{
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }
 
 } // namespace
@@ -625,8 +621,7 @@ void tst_ConnectTo::ReleasedIsSwept()
     QVERIFY(m_pCounter->Instances().isEmpty());
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
     // The process goes with the instance.
-    if (CanSeeProcesses())
-        QTRY_VERIFY(!IsProcess(m_pChild->Reports().constFirst().pid));
+    QTRY_VERIFY(!System::IsProcess(m_pChild->Reports().constFirst().pid));
 }
 
 void tst_ConnectTo::SweepKeepsStartedAndError()
@@ -705,11 +700,11 @@ void tst_ConnectTo::ManyStarts()
         QTRY_COMPARE(m_pCounter->children().size(), 0);
         QCOMPARE(Status(0), 0);
         if (run == 0)
-            handles = OpenHandles();
+            handles = System::OpenHandles();
     }
     QCOMPARE(m_pChild->Count(), 200);
     // A process is deleted by the event loop once its end was handled.
-    QTRY_COMPARE(OpenHandles(), handles);
+    QTRY_COMPARE(System::OpenHandles(), handles);
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
@@ -755,10 +750,8 @@ void tst_ConnectTo::TearDownWithRunningChildren()
     m_pCounter.reset();
     // Nothing was heard of them any more, and nothing is left of them in the system.
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
-    if (CanSeeProcesses()) {
-        for (const TestChild::Report& report : m_pChild->Reports())
-            QVERIFY(!IsProcess(report.pid));
-    }
+    for (const TestChild::Report& report : m_pChild->Reports())
+        QVERIFY(!System::IsProcess(report.pid));
     QCoreApplication::processEvents();
 }
 

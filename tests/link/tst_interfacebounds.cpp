@@ -2,6 +2,7 @@
 #include "tests/link/handlelimit.h"
 #include "tests/link/linkfixture.h"
 #include "tests/link/vanishing.h"
+#include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QDir>
@@ -462,17 +463,13 @@ void TstInterfaceBounds::vanishedPeersAreClosed()
 
 void TstInterfaceBounds::nothingIsLeftOpen()
 {
-#ifdef Q_OS_LINUX
-    const auto handles = [] {
-        return QDir(QStringLiteral("/proc/self/fd")).count();
-    };
     TestServer server(100);
     const auto callOnce = [&] {
         CallBriefly(server.port);
         return WaitUntil([&] { return server.callback.now == 0 && server.callback.Count(Kind::Open) > 0; });
     };
     QVERIFY(callOnce());
-    const auto before = handles();
+    const auto before = System::OpenHandles();
     {
         // Those who hang up, those who are silent, those who send too much, and those who leave at once.
         std::vector<std::unique_ptr<QTcpSocket>> callers;
@@ -487,11 +484,8 @@ void TstInterfaceBounds::nothingIsLeftOpen()
         }
         QTRY_VERIFY_WITH_TIMEOUT(server.callback.Count(Kind::Close) >= 100 && server.callback.now == 0, 30'000);
     }
-    QTRY_COMPARE(handles(), before);
+    QTRY_COMPARE(System::OpenHandles(), before);
     QVERIFY(server.server->IsOpen());
-#else
-    QSKIP("Only Linux lists what a process has open");
-#endif
 }
 
 QTEST_GUILESS_MAIN(TstInterfaceBounds)

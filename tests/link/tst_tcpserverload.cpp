@@ -3,6 +3,7 @@
 #include "tests/link/flood.h"
 #include "tests/link/linkfixture.h"
 #include "tests/support/linkport.h"
+#include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
 
@@ -189,14 +190,10 @@ void TstTcpServerLoad::randomBytesOnlyRaiseTheDialog()
 
 void TstTcpServerLoad::nothingIsLeftOpen()
 {
-#ifdef Q_OS_LINUX
     NEED_PORT();
-    const auto handles = [] {
-        return QDir(QStringLiteral("/proc/self/fd")).count();
-    };
     QDialog window;
     window.show();
-    const auto before = handles();
+    const auto before = System::OpenHandles();
     {
         const TraceRecorder traces;
         const TCPServer server(&window);
@@ -209,10 +206,7 @@ void TstTcpServerLoad::nothingIsLeftOpen()
         QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), 100, 30'000);
     }
     // The server has gone with some of them there.
-    QTRY_COMPARE(handles(), before);
-#else
-    QSKIP("Only Linux lists what a process has open");
-#endif
+    QTRY_COMPARE(System::OpenHandles(), before);
 }
 
 QTEST_MAIN(TstTcpServerLoad)

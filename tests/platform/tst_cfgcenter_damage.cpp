@@ -292,41 +292,6 @@ private slots:
         QVERIFY(QFileInfo(m_store->Document()).isFile());
     }
 
-    void aFileThatMayNotBeReadIsKeptAside()
-    {
-        QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Save(2));
-        const QByteArray content = m_store->Read(m_store->Document());
-        const auto permissions = QFile::permissions(m_store->Document());
-        QFile::setPermissions(m_store->Document(), {});
-        if (QFile(m_store->Document()).open(QIODevice::ReadOnly))
-            QSKIP("An administrator reads everything, and on Windows the owner.");
-        const Notices notices;
-        m_store->Reopen();
-        QCOMPARE(m_store->Number(), 1);
-        QCOMPARE(notices.lines.size(), 1);
-        QVERIFY(QFile::setPermissions(AsideFile(), permissions));
-        QCOMPARE(m_store->Read(AsideFile()), content);
-        QVERIFY(m_store->Save(3));
-    }
-
-    void whatALinkLeadsToIsLeftAlone()
-    {
-        QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Save(2));
-        const QString target = m_store->Path(QStringLiteral("target"));
-        QVERIFY(m_store->Write(target, "damage"));
-        QVERIFY(QFile::remove(m_store->Document()));
-        if (!QFile::link(target, m_store->Document()) || !QFileInfo(m_store->Document()).isSymbolicLink())
-            QSKIP("This system has no symbolic links.");
-        m_store->Reopen();
-        QCOMPARE(m_store->Number(), 1);
-        QCOMPARE(m_store->Read(target), QByteArray("damage"));
-        QCOMPARE(m_store->Read(AsideFile()), QByteArray("damage"));
-        QVERIFY(m_store->Save(3));
-        QCOMPARE(m_store->Read(target), QByteArray("damage"));
-    }
-
     // A version is shown, and what is in the file cannot be lost.
     void whatCannotBeKeptAsideIsNeverReplaced()
     {

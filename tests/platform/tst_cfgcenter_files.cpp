@@ -120,19 +120,6 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
     }
 
-    void openRefusesADirectoryWithoutWriting()
-    {
-        const QString locked = m_store->filePath(QStringLiteral("locked"));
-        QVERIFY(QDir().mkpath(locked));
-        QVERIFY(QFile::setPermissions(locked, QFile::ReadOwner | QFile::ExeOwner));
-        const bool isObeyed = !QFile(locked + QStringLiteral("/probe")).open(QIODevice::WriteOnly);
-        const bool isOpen = CfgCenter::Open(locked);
-        QVERIFY(QFile::setPermissions(locked, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-        if (!isObeyed)
-            QSKIP("An administrator writes everywhere.");
-        QVERIFY(!isOpen);
-    }
-
     void openDropsWhatWasThere()
     {
         Document()->SetString(kKey, kValue, 0);

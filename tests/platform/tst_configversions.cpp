@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSet>
-#include <QStorageInfo>
 #include <QTest>
 
 #include <filesystem>
@@ -251,28 +250,6 @@ private slots:
         QVERIFY(m_store->Save(2));
         QVERIFY(!QFile::exists(left));
         QCOMPARE(Numbers(), QList<int>({1}));
-    }
-
-    void documentOnAnotherDiskIsCopied()
-    {
-        QTemporaryDir other(QStringLiteral("/dev/shm/store-XXXXXX"));
-        if (!other.isValid() || QStorageInfo(other.path()).device() == QStorageInfo(m_store->Path({})).device())
-            QSKIP("There is one disk only.");
-        const QString target = other.filePath(QStringLiteral("elsewhere.ini"));
-        QVERIFY(m_store->Save(1));
-        QVERIFY(QFile::copy(m_store->Document(), target));
-        QVERIFY(QFile::remove(m_store->Document()));
-        if (!QFile::link(target, m_store->Document()) || !QFileInfo(m_store->Document()).isSymbolicLink())
-            QSKIP("This system has no symbolic links.");
-
-        const TraceRecorder traces;
-        QVERIFY(m_store->Save(2));
-        QVERIFY(m_store->Save(3));
-        QVERIFY(traces.Messages().isEmpty());
-        QCOMPARE(Numbers(), QList<int>({2, 1}));
-        QVERIFY(m_store->Write(target, "[General]\nNumber=9\n"));
-        QCOMPARE(Numbers(), QList<int>({2, 1}));
-        QVERIFY(QFileInfo(m_store->Document()).isSymLink());
     }
 
     void whatIsNoDocumentOpensAsNone()

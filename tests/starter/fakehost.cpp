@@ -14,6 +14,7 @@
 
 #include "platform/interfaces.h"
 #include "tests/launcher/inheritedhandles.h"
+#include "tests/support/system.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -59,7 +60,7 @@ qsizetype Report(const QString& fileName, const QStringList& arguments, const QS
     start.insert(QStringLiteral("inherited"), QJsonArray::fromStringList(inherited));
     QStringList streams;
     for (int handle = 0; handle < 3; ++handle)
-        streams.append(QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(handle)));
+        streams.append(System::StreamTarget(handle));
     start.insert(QStringLiteral("streams"), QJsonArray::fromStringList(streams));
     file.write(QJsonDocument(start).toJson(QJsonDocument::Compact) + '\n');
     return before;

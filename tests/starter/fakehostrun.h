@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/system.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -43,13 +45,11 @@ public:
         QFile end(File() + QStringLiteral(".end"));
         if (!end.open(QIODevice::WriteOnly))
             qFatal("Hosts cannot be asked to end");
-            // They look for the file, which goes with the folder.
-#ifdef Q_OS_LINUX
+        // They look for the file, which goes with the folder.
         for (const QJsonObject& start : Starts()) {
-            const QString process = QStringLiteral("/proc/%1/exe").arg(start.value(QLatin1String("process")).toInt());
-            (void)QTest::qWaitFor([&] { return QFile::symLinkTarget(process) != Program(); }, 10'000);
+            const int process = start.value(QLatin1String("process")).toInt();
+            (void)QTest::qWaitFor([&] { return System::ProgramOf(process) != Program(); }, 10'000);
         }
-#endif
     }
 
 private:

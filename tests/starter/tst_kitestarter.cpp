@@ -1,4 +1,5 @@
 #include "tests/support/linkport.h"
+#include "tests/support/system.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,13 +106,7 @@ public:
         const qint64 process = Host();
         if (process == 0)
             return;
-#ifdef Q_OS_WIN
-        QProcess::execute(QStringLiteral("taskkill"),
-                          {QStringLiteral("/F"), QStringLiteral("/PID"), QString::number(process)});
-        QFile::remove(Config() + QStringLiteral("/vexelhost.lock"));
-#else
-        QProcess::execute(QStringLiteral("kill"), {QString::number(process)});
-#endif
+        System::AskToEnd(process);
         if (!QTest::qWaitFor([this] { return Host() == 0 && LinkPort::IsFree(); }, 30'000))
             qWarning("The host %lld does not end", static_cast<long long>(process));
     }

@@ -1,5 +1,6 @@
 #include "starter/linkcall.h"
 #include "tests/starter/peers.h"
+#include "tests/support/system.h"
 
 #include <QElapsedTimer>
 
@@ -175,10 +176,6 @@ void TstLinkCall::queueThatIsFull()
 
 void TstLinkCall::nothingIsLeftOpen()
 {
-#ifdef Q_OS_LINUX
-    const auto handles = [] {
-        return QDir(QStringLiteral("/proc/self/fd")).count();
-    };
     TestServer server(10'000);
     const ForeignService service(ForeignService::Greets);
     const auto callAll = [&] {
@@ -189,14 +186,11 @@ void TstLinkCall::nothingIsLeftOpen()
     callAll();
     QTRY_COMPARE(server.callback.now, 0);
     QTRY_VERIFY(service.findChildren<QTcpSocket*>().isEmpty());
-    const auto before = handles();
+    const auto before = System::OpenHandles();
     for (int round = 0; round < 5; ++round)
         callAll();
     QTRY_COMPARE(server.callback.now, 0);
-    QTRY_COMPARE(handles(), before);
-#else
-    QSKIP("Only Linux lists what a process has open");
-#endif
+    QTRY_COMPARE(System::OpenHandles(), before);
 }
 
 QTEST_GUILESS_MAIN(TstLinkCall)

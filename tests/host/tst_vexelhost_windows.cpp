@@ -1,0 +1,94 @@
+#include "tests/host/hostsetup.h"
+
+/// The host with names and places as only Windows has them.
+class TestVexelHostWindows : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void PluginAtAPathOfAnyLetters()
+    {
+        HostSetUp setUp;
+        const QString folder = setUp.Data() + QString::fromUtf8("/\xd0\x9f\xd0\xb5\xd0\xbb \xe6\x96\xb9\xe4\xbd\x8d "
+                                                                "\xf0\x9f\x93\xa1");
+        QVERIFY(QDir().mkpath(folder));
+        const QString plugin = folder + QStringLiteral("/vexelconnectdlg.dll");
+        QVERIFY(QFile::copy(QStringLiteral(VEXEL_PLUGIN), plugin));
+        setUp.Fill({QStringLiteral("mast")});
+        for (const QString& name : {plugin, QDir::toNativeSeparators(plugin)}) {
+            const auto result = setUp.Run({QStringLiteral("--plugin"), name, QStringLiteral("--list")});
+            QCOMPARE(result.error, QString());
+            QCOMPARE(result.exitCode, 0);
+            QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));
+        }
+    }
+
+    void PluginThatIsNotThere_data() { Places(); }
+    void PluginThatIsNotThere()
+    {
+        QFETCH(const QString, place);
+        HostSetUp setUp;
+        const auto result = setUp.Run({QStringLiteral("--plugin"), place, QStringLiteral("--list")});
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(QLatin1String("plug-in")), qPrintable(result.error));
+    }
+
+    void ConfigurationThatCannotBe_data() { Places(); }
+    void ConfigurationThatCannotBe()
+    {
+        QFETCH(const QString, place);
+        HostSetUp setUp;
+        // The one that comes last is the one that holds.
+        const auto result = setUp.Run({QStringLiteral("--config"), place, QStringLiteral("--list")});
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(QLatin1String("configuration directory")), qPrintable(result.error));
+    }
+
+    void DataThatIsNotThere_data() { Places(); }
+    void DataThatIsNotThere()
+    {
+        QFETCH(const QString, place);
+        HostSetUp setUp;
+        setUp.Fill({QStringLiteral("mast")});
+        const auto result =
+            setUp.Run({QStringLiteral("--data"), place, QStringLiteral("--trace"), QStringLiteral("--list")});
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));
+        const QString trace = QStringLiteral("Could not open %1/CfgVEXEL.xml for reading").arg(place);
+        QVERIFY2(result.error.contains(trace), qPrintable(result.error));
+    }
+
+    void ApplicationThatCannotBe_data()
+    {
+        QTest::addColumn<QString>("program");
+        for (const char* name : {"NUL", "CON", "Q:/nowhere/app.exe", "//no-such-host/share/app.exe", "C:/nowhere/ "})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+    void ApplicationThatCannotBe()
+    {
+        QFETCH(const QString, program);
+        HostSetUp setUp;
+        setUp.Install(program, 1);
+        setUp.Fill({QStringLiteral("mast")});
+        const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--connect"), QStringLiteral("mast")});
+        QCOMPARE(result.exitCode, 3);
+        const QString trace =
+            QStringLiteral("ApplicationInstance::Start(): Application <%1> could not be started").arg(program);
+        QVERIFY2(result.error.contains(trace), qPrintable(result.error));
+        QVERIFY2(result.error.contains(QLatin1String("\"mast\" could not be connected")), qPrintable(result.error));
+    }
+
+private:
+    static void Places()
+    {
+        QTest::addColumn<QString>("place");
+        QTest::newRow("drive") << QStringLiteral("Q:/nowhere");
+        QTest::newRow("share") << QStringLiteral("//no-such-host/share");
+        QTest::newRow("device") << QStringLiteral("NUL");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestVexelHostWindows)
+#include "tst_vexelhost_windows.moc"

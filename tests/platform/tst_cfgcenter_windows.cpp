@@ -1,0 +1,119 @@
+#include "tests/platform/storefixture.h"
+
+#include <QTest>
+
+#include <string>
+#include <thread>
+
+#include <windows.h>
+
+namespace {
+
+/// Has a file open as a virus scanner or an editor does that lets nobody replace it.
+class Holder
+{
+public:
+    explicit Holder(const QString& file, DWORD sharing = FILE_SHARE_READ)
+        : m_Handle(CreateFileW(file.toStdWString().c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr))
+    {
+    }
+    ~Holder() { LetGo(); }
+
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+
+    bool Holds() const { return m_Handle != INVALID_HANDLE_VALUE; }
+    void LetGo()
+    {
+        if (Holds())
+            CloseHandle(m_Handle);
+        m_Handle = INVALID_HANDLE_VALUE;
+    }
+
+private:
+    HANDLE m_Handle;
+};
+
+} // namespace
+
+/// Documents where other programs can keep a file from being replaced or read.
+class tst_CfgCenterWindows : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_store.emplace();
+        QVERIFY(m_store->Save(1));
+    }
+    void cleanup() { m_store.reset(); }
+
+    void savesWhenAnotherProgramLetsGo()
+    {
+        Holder holder(m_store->Document());
+        QVERIFY(holder.Holds());
+        // Held when saving begins, and for less long than it is tried.
+        std::thread other([&] {
+            Sleep(100);
+            holder.LetGo();
+        });
+        const bool isSaved = m_store->Save(2);
+        other.join();
+        QVERIFY(isSaved);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void keepsTheOldStateWhereItNeverLetsGo()
+    {
+        const QByteArray content = m_store->Read(m_store->Document());
+        {
+            const Holder holder(m_store->Document());
+            QVERIFY(holder.Holds());
+            QVERIFY(!m_store->Save(2));
+            QCOMPARE(m_store->Read(m_store->Document()), content);
+        }
+        // Nothing is lost, and nothing is left.
+        QVERIFY(CfgCenter::SaveDocument());
+        const QStringList files = QDir(m_store->Path(QStringLiteral("shared"))).entryList(QDir::Files | QDir::Hidden);
+        QCOMPARE(files, QStringList(QStringLiteral("Document.ini")));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void readsWhenAnotherProgramLetsGo()
+    {
+        Holder holder(m_store->Document(), 0);
+        QVERIFY(holder.Holds());
+        std::thread other([&] {
+            Sleep(100);
+            holder.LetGo();
+        });
+        m_store->Reopen();
+        const int number = m_store->Number();
+        other.join();
+        QCOMPARE(number, 1);
+        QVERIFY(m_store->Aside().isEmpty());
+    }
+
+    void placesThatAreNotThere_data()
+    {
+        QTest::addColumn<QString>("directory");
+        QTest::newRow("drive") << QStringLiteral("Q:/nowhere/store");
+        QTest::newRow("share") << QStringLiteral("//no-such-host/share/store");
+        QTest::newRow("device") << QStringLiteral("NUL");
+        QTest::newRow("below a device") << QStringLiteral("NUL/store");
+    }
+    void placesThatAreNotThere()
+    {
+        QFETCH(QString, directory);
+        QVERIFY(!CfgCenter::Open(directory));
+    }
+
+private:
+    std::optional<StoreFixture> m_store;
+};
+
+QTEST_GUILESS_MAIN(tst_CfgCenterWindows)
+#include "tst_cfgcenter_windows.moc"

@@ -1,0 +1,76 @@
+#include "tests/support/system.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <array>
+#include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace System {
+
+bool IsProcess(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), 0) == 0;
+}
+
+QString ProgramOf(qint64 number)
+{
+    return QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(number));
+}
+
+QStringList RequestsToEnd()
+{
+    return {QStringLiteral("TERM"), QStringLiteral("INT"), QStringLiteral("HUP")};
+}
+
+bool AskToEnd(qint64 number, const QString& request)
+{
+    constexpr std::array s_signals = {SIGTERM, SIGINT, SIGHUP};
+    const auto index = static_cast<std::size_t>(RequestsToEnd().indexOf(request));
+    return ::kill(static_cast<pid_t>(number), s_signals.at(index)) == 0;
+}
+
+void EndWhenAsked()
+{
+    std::signal(SIGTERM, [](int) { ::_exit(0); });
+}
+
+void GoOnWhenAsked()
+{
+    std::signal(SIGTERM, SIG_IGN);
+}
+
+QStringList Devices()
+{
+    return {QStringLiteral("/dev/null"), QStringLiteral("/dev/zero")};
+}
+
+QString MakePipe(const QString& file)
+{
+    return ::mkfifo(QFile::encodeName(file).constData(), S_IRUSR | S_IWUSR) == 0 ? file : QString();
+}
+
+qsizetype OpenHandles()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+}
+
+QString StreamTarget(int stream)
+{
+    const QString target = QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(stream)).symLinkTarget();
+    if (target == QLatin1String("/dev/null"))
+        return QStringLiteral("nothing");
+    return target.contains(QLatin1String("pipe:")) ? QStringLiteral("pipe") : target;
+}
+
+qint64 ResidentKiB()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    const qint64 pages = file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').at(1).toLongLong() : 0;
+    return pages * ::sysconf(_SC_PAGESIZE) / 1024;
+}
+
+} // namespace System

@@ -1,0 +1,143 @@
+#include "tests/support/system.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+
+#include <windows.h>
+
+#include <psapi.h>
+#include <tlhelp32.h>
+
+namespace {
+
+class EndingFilter : public QAbstractNativeEventFilter
+{
+public:
+    bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* /*result*/) override
+    {
+        if (static_cast<const MSG*>(message)->message == WM_CLOSE)
+            std::_Exit(0);
+        return false;
+    }
+};
+
+} // namespace
+
+namespace System {
+
+bool IsProcess(qint64 number)
+{
+    return !ProgramOf(number).isEmpty();
+}
+
+QString ProgramOf(qint64 number)
+{
+    const HANDLE process =
+        OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(number));
+    if (!process)
+        return {};
+    std::array<wchar_t, 1024> name = {};
+    DWORD length = name.size();
+    // What has ended can be opened for as long as anybody has it open.
+    const bool isRunning =
+        WaitForSingleObject(process, 0) == WAIT_TIMEOUT && QueryFullProcessImageNameW(process, 0, name.data(), &length);
+    CloseHandle(process);
+    return isRunning ? QDir::fromNativeSeparators(QString::fromWCharArray(name.data())) : QString();
+}
+
+QStringList RequestsToEnd()
+{
+    return {QStringLiteral("CLOSE")};
+}
+
+bool AskToEnd(qint64 number, const QString& /*request*/)
+{
+    const HANDLE threads = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (threads == INVALID_HANDLE_VALUE)
+        return false;
+    bool wasAsked = false;
+    THREADENTRY32 thread{};
+    thread.dwSize = sizeof thread;
+    for (BOOL more = Thread32First(threads, &thread); more; more = Thread32Next(threads, &thread)) {
+        if (thread.th32OwnerProcessID == static_cast<DWORD>(number) &&
+            PostThreadMessageW(thread.th32ThreadID, WM_CLOSE, 0, 0))
+            wasAsked = true;
+    }
+    CloseHandle(threads);
+    return wasAsked;
+}
+
+void EndWhenAsked()
+{
+    static EndingFilter filter;
+    QCoreApplication::instance()->installNativeEventFilter(&filter);
+}
+
+void GoOnWhenAsked()
+{
+    // As programs without a window do that know nothing of such messages.
+}
+
+QStringList Devices()
+{
+    return {QStringLiteral("NUL"), QStringLiteral("CON"), QStringLiteral("COM1")};
+}
+
+QString MakePipe(const QString& file)
+{
+    const QString name = QStringLiteral("\\\\.\\pipe\\vexel-%1-%2")
+                             .arg(GetCurrentProcessId())
+                             .arg(QString::fromLatin1(QFile::encodeName(file).toHex()).right(100));
+    // It is there for as long as it is open, which is until this process ends.
+    const HANDLE pipe = CreateNamedPipeW(name.toStdWString().c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_WAIT, 1,
+                                         1024, 1024, 0, nullptr);
+    return pipe == INVALID_HANDLE_VALUE ? QString() : name;
+}
+
+qsizetype OpenHandles()
+{
+    // There is a function that counts, but it counts what the system itself opens at its own times, too.
+    constexpr std::uintptr_t step = 4;
+    constexpr std::uintptr_t end = 0x4000;
+    qsizetype count = 0;
+    for (std::uintptr_t value = step; value < end; value += step) {
+        if (GetFileType(reinterpret_cast<HANDLE>(value)) != FILE_TYPE_UNKNOWN) // NOLINT(performance-no-int-to-ptr)
+            ++count;
+    }
+    return count;
+}
+
+QString StreamTarget(int stream)
+{
+    constexpr std::array<DWORD, 3> numbers = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+    const HANDLE handle = GetStdHandle(numbers.at(static_cast<std::size_t>(stream)));
+    switch (GetFileType(handle)) {
+    case FILE_TYPE_PIPE:
+        return QStringLiteral("pipe");
+    case FILE_TYPE_DISK:
+        return QStringLiteral("file");
+    case FILE_TYPE_CHAR: {
+        // The other devices of this kind are consoles.
+        DWORD mode = 0;
+        return GetConsoleMode(handle, &mode) ? QStringLiteral("console") : QStringLiteral("nothing");
+    }
+    default:
+        return QStringLiteral("nothing");
+    }
+}
+
+qint64 ResidentKiB()
+{
+    PROCESS_MEMORY_COUNTERS counters{};
+    if (!GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters))
+        return 0;
+    return static_cast<qint64>(counters.WorkingSetSize / 1024);
+}
+
+} // namespace System
