@@ -10,3 +10,7 @@ bool HasDesktop()
 void ProvideLettersOffScreen()
 {
 }
+
+void ChooseLettersOffScreen()
+{
+}

@@ -1,6 +1,9 @@
 #include "host/desktop.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QFont>
+#include <QFontDatabase>
 
 #include <array>
 
@@ -20,4 +23,17 @@ void ProvideLettersOffScreen()
         return;
     const QDir windows(QString::fromWCharArray(folder.data()));
     qputenv("QT_QPA_FONTDIR", windows.filePath(QStringLiteral("Fonts")).toUtf8());
+}
+
+void ChooseLettersOffScreen()
+{
+    // The fonts have no order there, and Qt would take the one that comes first by its name.
+    constexpr int s_usualPoints = 9;
+    const QStringList families = QFontDatabase::families();
+    for (const char* name : {"Segoe UI", "Tahoma", "Arial", "DejaVu Sans"}) {
+        if (families.contains(QLatin1String(name))) {
+            QApplication::setFont(QFont(QLatin1String(name), s_usualPoints));
+            return;
+        }
+    }
 }

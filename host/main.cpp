@@ -104,6 +104,8 @@ ExitCode Run(int& argc, char** argv)
         ProvideLettersOffScreen();
     }
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0], options.IsHeadless());
+    if (options.IsHeadless())
+        ChooseLettersOffScreen();
     return Application(options).Run();
 }
 
