@@ -1,0 +1,143 @@
+// The connection list reader on any bytes, against a reader of the document's tokens.
+
+#include "fuzz/entries.h"
+#include "fuzz/xmltokens.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+
+using namespace Fuzzing;
+
+namespace {
+
+const QString s_entry = QStringLiteral("Connection");
+
+/// The text of the element at `begin`, without that of the elements in it.
+QString TextOf(const XmlTokens& tokens, std::size_t begin)
+{
+    QString text;
+    const std::size_t end = tokens.EndOf(begin);
+    for (std::size_t i = begin + 1; i < end; ++i) {
+        if (tokens.IsStart(i)) {
+            i = tokens.EndOf(i);
+        } else if (tokens.list[i].kind == XmlToken::Kind::Text) {
+            text += tokens.list[i].text;
+        }
+    }
+    return text;
+}
+
+/// Takes the element at `begin` into `entry` and returns whether it is a field.
+bool TakeField(const XmlTokens& tokens, std::size_t begin, Connection& entry)
+{
+    const QString name = tokens.list[begin].name;
+    const QString text = TextOf(tokens, begin);
+    const struct
+    {
+        const char* name;
+        QString* text;
+        qint32* number;
+    } fields[] = {
+        {"ConnectionName", &entry.ConnectionName, nullptr}, {"DeviceType", nullptr, &entry.DeviceType},
+        {"ConnectionType", nullptr, &entry.ConnectionType}, {"DeviceAddress", &entry.DeviceAddress, nullptr},
+        {"DriverAddress", &entry.DriverAddress, nullptr},   {"LinkSpeed", nullptr, &entry.LinkSpeed},
+        {"TimeoutSeconds", nullptr, &entry.TimeoutSeconds}, {"ConnectionStatus", nullptr, &entry.ConnectionStatus},
+        {"Subsystem", &entry.Subsystem, nullptr},
+    };
+    if (name == QLatin1String("Selected")) {
+        entry.Selected = text == QLatin1String("true");
+        return true;
+    }
+    for (const auto& field : fields) {
+        if (name == QLatin1String(field.name)) {
+            if (field.text) {
+                *field.text = text;
+            } else {
+                *field.number = text.toInt();
+            }
+            return true;
+        }
+    }
+    return false;
+}
+
+Entries Expected(const XmlTokens& tokens)
+{
+    Entries entries;
+    for (std::size_t i = 0; i < tokens.list.size(); ++i) {
+        if (!tokens.IsStart(i, s_entry)) {
+            continue;
+        }
+        Connection entry;
+        for (++i; i < tokens.list.size() && !tokens.IsEnd(i, s_entry); ++i) {
+            if (tokens.IsStart(i) && TakeField(tokens, i, entry)) {
+                i = tokens.EndOf(i);
+            }
+        }
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+struct Reading
+{
+    Entries entries;
+    bool result = false;
+    QStringList traces;
+};
+
+Reading Read(const QByteArray& document)
+{
+    Reading reading;
+    Traces().clear();
+    reading.result = ConnectionList::Read(document, [&](const Connection& entry) { reading.entries.push_back(entry); });
+    reading.traces = Traces();
+    return reading;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
+{
+    Start();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QByteArray document = ToBytes(data, size);
+    const Reading reading = Read(document);
+
+    const XmlTokens tokens = TokensOf(document);
+    Require(IsSame(reading.entries, Expected(tokens)), "the entries are those of the document");
+    Require(reading.result == (!tokens.hasError && !reading.entries.empty()),
+            "true with an entry and without an error");
+    Require(reading.traces.size() == (tokens.hasError ? 1 : 0), "one trace for an error, and none without");
+    Require(reading.traces.isEmpty() ||
+                reading.traces.first().startsWith(QLatin1String("XML parsing error occurred in row ")),
+            "the trace tells where");
+
+    // Nothing grows: no text comes from anywhere but the document, but for the name of an entry without one.
+    qsizetype texts = 0;
+    for (const Connection& entry : reading.entries) {
+        texts += entry.ConnectionName.size() + entry.DeviceAddress.size() + entry.DriverAddress.size() +
+                 entry.Subsystem.size() - Connection().ConnectionName.size();
+    }
+    Require(texts <= document.size(), "the texts are no longer than the document");
+
+    // Cut off, it gives what came before the cut. (Of a document with one wrongly encoded byte Qt reads nothing.)
+    if (!tokens.hasError) {
+        const Entries cut = Read(document.first(document.size() / 2)).entries;
+        Require(cut.size() <= reading.entries.size(), "half a document has no more entries");
+        for (std::size_t i = 0; i + 1 < cut.size(); ++i) {
+            Require(IsSame(cut[i], reading.entries[i]), "half a document has the same entries");
+        }
+    }
+
+    // What was read can be written and reads back.
+    std::vector<const Connection*> pointers;
+    for (const Connection& entry : reading.entries) {
+        pointers.push_back(&entry);
+    }
+    const Reading again = Read(ConnectionList::Write(pointers));
+    Require(IsSame(again.entries, WithoutUnwritable(reading.entries)), "what is written is read back");
+    return 0;
+}

@@ -1,0 +1,220 @@
+// Anything dropped: onto the views, that is into the model through the filter, and onto the dialog.
+
+#include "fuzz/entries.h"
+#include "platform/cfgcenter.h"
+#include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
+
+#include <QAbstractItemModelTester>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QUrl>
+
+#include <optional>
+
+using namespace Fuzzing;
+
+namespace {
+
+const QString s_uriList = QStringLiteral("text/uri-list");
+
+/// The dialog with all that belongs to it, made once: an input begins with three entries in it.
+struct Stage
+{
+    QTemporaryDir folder;
+    ConnectionsModel model{nullptr, QString()};
+    AppCounter counter{&model, QString()};
+    VexelConnectDlgGUI dialog{nullptr, &model, &counter};
+    int boxes = 0; ///< that were answered
+
+    Stage()
+    {
+        // Boxes come up in an event loop of their own; this is asked in it.
+        auto* const answer = new QTimer(&dialog);
+        QObject::connect(answer, &QTimer::timeout, [this] {
+            if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                ++boxes;
+                box->accept();
+            }
+        });
+        answer->start(0);
+    }
+
+    QString ListFile() const { return folder.filePath(QStringLiteral("list.xml")); }
+
+    void Reset()
+    {
+        model.removeRows(0, model.rowCount());
+        for (int i = 0; i < 3; ++i) {
+            Connection entry;
+            entry.ConnectionName = QString::number(i);
+            entry.Selected = i == 1;
+            entry.ConnectionStatus = i == 2 ? Connection::InUse : Connection::Free;
+            model.AddConnection(entry);
+        }
+        boxes = 0;
+    }
+};
+
+Stage& TheStage()
+{
+    static auto* const stage = new Stage;
+    return *stage;
+}
+
+Entries Read(const QByteArray& document, bool& result)
+{
+    Entries entries;
+    result = ConnectionList::Read(document, [&](const Connection& entry) { entries.push_back(entry); });
+    return entries;
+}
+
+/// What applications offer with a drag: a document as text, as something else, or links. One bit for each.
+void FillData(unsigned formats, const QByteArray& document, QMimeData& data)
+{
+    if (formats & 1U) {
+        data.setData(ConnectionList::MimeType(), document);
+    }
+    if (formats & 2U) {
+        data.setText(QString::fromUtf8(document));
+    }
+    if (formats & 4U) {
+        data.setData(s_uriList, document);
+    }
+    if (formats & 8U) {
+        data.setData(QStringLiteral("application/x-qabstractitemmodeldatalist"), document);
+    }
+    if (formats & 16U) {
+        data.setHtml(QString::fromUtf8(document));
+    }
+}
+
+void DropOntoModel(FuzzedDataProvider& input, Stage& stage)
+{
+    ConnectionFilterModel filter;
+    filter.setSourceModel(&stage.model);
+    filter.sort(ConnectionsModel::ColumnName);
+    const QAbstractItemModelTester tester(&stage.model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+
+    // Numbers come from the end of the input, so the document is its beginning.
+    const int row = input.ConsumeIntegralInRange(-1, 4);
+    const int column = input.ConsumeIntegralInRange(-1, int{ConnectionsModel::ColumnCount});
+    const QModelIndex parent = input.ConsumeBool() ? filter.index(row, column) : QModelIndex();
+    const Qt::DropAction action = input.ConsumeBool() ? Qt::CopyAction : Qt::MoveAction;
+    const auto formats = input.ConsumeIntegral<std::uint8_t>();
+    QMimeData data;
+    FillData(formats, TakeRest(input), data);
+
+    Entries expected = EntriesOf(stage.model);
+    bool read = false;
+    const Entries added = Read(data.data(ConnectionList::MimeType()), read);
+    expected.insert(expected.end(), added.begin(), added.end());
+    Require(filter.dropMimeData(&data, action, row, column, parent) == read, "true as the reader says");
+    Require(IsSame(EntriesOf(stage.model), expected), "entries are appended, and nothing else changes");
+    Require(filter.rowCount() == stage.model.rowCount(), "all of them are shown");
+    RequireCounts(stage.model);
+}
+
+/// One of the links that a file manager may offer.
+QUrl TakeUrl(FuzzedDataProvider& input, const Stage& stage)
+{
+    switch (input.ConsumeIntegralInRange(0, 5)) {
+    case 0:
+        return QUrl::fromLocalFile(stage.folder.path());
+    case 1:
+        return QUrl::fromLocalFile(stage.folder.filePath(QStringLiteral("missing.xml")));
+    case 2:
+        return QUrl(QStringLiteral("http://localhost/list.xml"));
+    case 3:
+        return QUrl(QString());
+    default:
+        return QUrl::fromLocalFile(stage.ListFile());
+    }
+}
+
+/// The one local file that `data` leads to, as far as it can be read.
+std::optional<QByteArray> DroppedFile(const QMimeData& data)
+{
+    const QString path = data.urls().first().toLocalFile();
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    return file.readAll();
+}
+
+void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
+{
+    QMimeData data;
+    QList<QUrl> urls;
+    for (int count = input.ConsumeIntegralInRange(0, 3); count > 0; --count) {
+        urls.append(TakeUrl(input, stage));
+    }
+    if (input.ConsumeIntegralInRange(0, 3) != 0) {
+        data.setUrls(urls);
+    }
+    QFile file(stage.ListFile());
+    Require(file.open(QIODevice::WriteOnly), "the folder can be written");
+    file.write(TakeRest(input));
+    file.close();
+    const Entries before = EntriesOf(stage.model);
+    constexpr QPoint s_place(5, 5);
+
+    QDragEnterEvent enter(s_place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QApplication::sendEvent(&stage.dialog, &enter);
+    Require(enter.isAccepted() == data.hasFormat(s_uriList), "a drag of files is let in, and no other");
+    QDropEvent drop(s_place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&stage.dialog, &drop);
+    RequireCounts(stage.model);
+
+    if (!data.hasFormat(s_uriList)) {
+        Require(IsSame(EntriesOf(stage.model), before) && stage.boxes == 0, "no files, no import");
+        return;
+    }
+    if (data.urls().size() != 1) {
+        Require(IsSame(EntriesOf(stage.model), before), "one file or none");
+        Require(stage.boxes == 1, "a box says so");
+        return;
+    }
+    bool read = false;
+    Entries entries;
+    if (const std::optional<QByteArray> document = DroppedFile(data)) {
+        entries = Read(*document, read);
+    }
+    Require(stage.boxes == (read ? 0 : 1), "a box tells of a file that is none of ours");
+    Require(IsSame(EntriesOf(stage.model), Freed(read ? entries : WithoutUnwritable(before))),
+            "the entries are those of the file, or those that were there, all free");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
+{
+    StartApplication();
+    TheStage();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    Traces().clear();
+    Stage& stage = TheStage();
+    stage.Reset();
+    FuzzedDataProvider input(data, size);
+    // Boxes take their time, so few inputs go to the dialog.
+    if (input.ConsumeIntegralInRange(0, 31) == 1) {
+        DropOntoDialog(input, stage);
+    } else {
+        DropOntoModel(input, stage);
+    }
+    return 0;
+}

@@ -1,0 +1,74 @@
+// Any entries, written and read again, by themselves and through the model.
+
+#include "fuzz/entries.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+
+using namespace Fuzzing;
+
+namespace {
+
+Entries TakeEntries(FuzzedDataProvider& input)
+{
+    constexpr std::size_t s_mostEntries = 8;
+    constexpr std::size_t s_longestText = 200;
+    Entries entries;
+    while (input.remaining_bytes() > 0 && entries.size() < s_mostEntries) {
+        Connection& entry = entries.emplace_back();
+        entry.ConnectionName = TakeText(input, s_longestText);
+        entry.DeviceAddress = TakeText(input, s_longestText);
+        entry.DriverAddress = TakeText(input, s_longestText);
+        entry.Subsystem = TakeText(input, s_longestText);
+        for (qint32* const number : {&entry.DeviceType, &entry.ConnectionType, &entry.LinkSpeed, &entry.TimeoutSeconds,
+                                     &entry.ConnectionStatus}) {
+            *number = input.ConsumeBool() ? input.ConsumeIntegral<qint32>() : input.ConsumeIntegral<std::int8_t>();
+        }
+        entry.Selected = input.ConsumeBool();
+    }
+    return entries;
+}
+
+QByteArray Write(const Entries& entries)
+{
+    std::vector<const Connection*> pointers;
+    for (const Connection& entry : entries) {
+        pointers.push_back(&entry);
+    }
+    return ConnectionList::Write(pointers);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
+{
+    StartApplication();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    Traces().clear();
+    FuzzedDataProvider input(data, size);
+    const Entries entries = TakeEntries(input);
+    const Entries expected = WithoutUnwritable(entries);
+
+    const QByteArray document = Write(entries);
+    Require(document.isValidUtf8(), "a document is UTF-8");
+    Entries read;
+    const bool result = ConnectionList::Read(document, [&](const Connection& entry) { read.push_back(entry); });
+    Require(result == !entries.empty(), "true with an entry");
+    Require(IsSame(read, expected), "what is written is read back");
+    Require(Write(read) == document, "what was read is written alike");
+    Require(Traces().isEmpty(), "a document that was written has no error");
+
+    // Without an object name it neither loads nor stores, and says so.
+    ConnectionsModel model(nullptr, QString());
+    for (const Connection& entry : entries) {
+        model.AddConnection(entry);
+    }
+    RequireCounts(model);
+    Require(model.ToByteArray() == document, "the model writes the same document");
+    Require(model.FromByteArray(document) == !entries.empty(), "the model reads it");
+    RequireCounts(model);
+    Require(IsSame(EntriesOf(model), Freed(expected)), "the model has the same entries, all free");
+    return 0;
+}

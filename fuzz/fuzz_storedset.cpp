@@ -1,0 +1,106 @@
+// Any text in the place of the stored set, loaded, stored and loaded again.
+
+#include "fuzz/entries.h"
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+
+#include <memory>
+
+using namespace Fuzzing;
+
+namespace {
+
+const QString s_name = QStringLiteral("ConnectionsModel");
+const QString s_key = QStringLiteral("ModelMimeData");
+
+std::unique_ptr<ICfg> Node()
+{
+    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::Application)->OpenChild(s_name, 0));
+}
+
+QString Stored()
+{
+    return Node()->GetString(s_key, QStringLiteral("nothing"), 0);
+}
+
+/// Two digits a byte, whatever stands between them; with an odd number of digits the first stands alone.
+QByteArray Decoded(const QString& text)
+{
+    std::vector<unsigned> digits;
+    for (const QChar c : text) {
+        const char16_t unit = c.unicode();
+        if (unit >= u'0' && unit <= u'9') {
+            digits.push_back(unit - unsigned{u'0'});
+        } else if (unit >= u'a' && unit <= u'f') {
+            digits.push_back(unit - unsigned{u'a'} + 10);
+        } else if (unit >= u'A' && unit <= u'F') {
+            digits.push_back(unit - unsigned{u'A'} + 10);
+        }
+    }
+    if (digits.size() % 2 != 0) {
+        digits.insert(digits.begin(), 0);
+    }
+    QByteArray bytes;
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        bytes.append(static_cast<char>(digits[i] * 16 + digits[i + 1]));
+    }
+    return bytes;
+}
+
+Entries Read(const QByteArray& document)
+{
+    Entries entries;
+    ConnectionList::Read(document, [&](const Connection& entry) { entries.push_back(entry); });
+    return entries;
+}
+
+/// The text to load: hexadecimal as it should be, spoilt in one place, or anything.
+QString TakeStored(FuzzedDataProvider& input)
+{
+    const int kind = input.ConsumeIntegralInRange(0, 3);
+    const auto place = input.ConsumeIntegral<std::uint16_t>();
+    const auto unit = input.ConsumeIntegral<char16_t>();
+    if (kind == 0) {
+        return TakeText(input, input.remaining_bytes());
+    }
+    QByteArray hex = TakeRest(input).toHex();
+    QString text = QString::fromLatin1(kind == 1 ? hex.toUpper() : hex);
+    if (kind == 2) {
+        text.insert(place % (text.size() + 1), QChar(unit));
+    }
+    return text;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
+{
+    StartApplication();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    Traces().clear();
+    CfgCenter::Close();
+    FuzzedDataProvider input(data, size);
+    const QString text = TakeStored(input);
+    Node()->SetString(s_key, text, 0);
+
+    const Entries expected = Freed(Read(Decoded(text)));
+    {
+        const ConnectionsModel model(nullptr, s_name);
+        Require(IsSame(EntriesOf(model), expected), "the entries are those of the stored document, all free");
+        RequireCounts(model);
+        Require(Stored() == text, "loading leaves the stored set alone");
+    }
+    const QString stored = Stored();
+    for (const QChar c : stored) {
+        Require((c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f'), "stored in lower-case digits");
+    }
+    const ConnectionsModel again(nullptr, s_name);
+    Require(IsSame(EntriesOf(again), WithoutUnwritable(expected)), "what is stored is loaded");
+    Require(QString::fromLatin1(again.ToByteArray().toHex()) == stored, "what is loaded is stored alike");
+    return 0;
+}

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "platform/errorhandler.h"
+
+#include <QApplication>
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+/// What the fuzzers share: how a finding is reported, and how bytes become what a target takes.
+namespace Fuzzing {
+
+/// Ends the process with a finding; the fuzzer prints the stack and keeps the input.
+[[noreturn]] inline void Fail(const char* what)
+{
+    std::fprintf(stderr, "\nfuzz: does not hold: %s\n", what);
+    std::abort();
+}
+
+inline void Require(bool holds, const char* what)
+{
+    if (!holds) {
+        Fail(what);
+    }
+}
+
+/// The trace lines of one input. Traces are on, so that their texts are built, too.
+inline QStringList& Traces()
+{
+    static QStringList traces;
+    return traces;
+}
+
+/// Call once, before the first input. Assertions of the product and warnings of Qt are findings from then on: no input
+/// may bring about either.
+inline void Start()
+{
+    ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Trace | ErrorHandler::Assertion);
+    ErrorHandler::Instance().SetSink(
+        [](ErrorHandler::Kind kind, const QString& message, const QString& /*sourceFile*/, quint16 /*line*/) {
+            Require(kind == ErrorHandler::Trace, "no assertion of the product fails");
+            Traces().append(message);
+        });
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+        const bool isOfPlatform = message.startsWith(QLatin1String("This plugin does not support"));
+        if (!isOfPlatform) {
+            std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+        }
+        Require(isOfPlatform || type == QtDebugMsg || type == QtInfoMsg, "Qt has nothing to warn of");
+    });
+}
+
+/// As `Start`, for targets with windows, images or a model that has them.
+inline void StartApplication()
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int count = 1;
+    static char name[] = "fuzz";
+    static char* arguments[] = {name, nullptr};
+    // Never deleted: the fuzzer leaves through exit(), when half of Qt is gone.
+    static const auto* const application = new QApplication(count, arguments);
+    Q_UNUSED(application)
+    Start();
+}
+
+inline QByteArray ToBytes(const std::uint8_t* data, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)};
+}
+
+/// All that `input` has left.
+inline QByteArray TakeRest(FuzzedDataProvider& input)
+{
+    const std::string rest = input.ConsumeRemainingBytesAsString();
+    return {rest.data(), static_cast<qsizetype>(rest.size())};
+}
+
+/// A text of at most `maximum` bytes of input: of UTF-8, or of any UTF-16 units, halves of pairs among them.
+inline QString TakeText(FuzzedDataProvider& input, std::size_t maximum)
+{
+    const bool isUtf8 = input.ConsumeIntegral<std::uint8_t>() % 4 != 0;
+    const std::string bytes = input.ConsumeRandomLengthString(maximum);
+    if (isUtf8) {
+        return QString::fromStdString(bytes);
+    }
+    QString text(static_cast<qsizetype>(bytes.size() / sizeof(QChar)), Qt::Uninitialized);
+    if (!text.isEmpty()) {
+        std::memcpy(text.data(), bytes.data(), static_cast<std::size_t>(text.size()) * sizeof(QChar));
+    }
+    return text;
+}
+
+} // namespace Fuzzing

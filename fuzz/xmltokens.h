@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QXmlStreamReader>
+
+#include <cstddef>
+#include <vector>
+
+/// The tokens of a document as a list, for straightforward readers that the product's are compared with: those look
+/// back and forth in it, where the product pulls token by token.
+namespace Fuzzing {
+
+struct XmlToken
+{
+    enum class Kind { Start, End, Text, Other };
+
+    Kind kind = Kind::Other;
+    QString name; ///< of start and end
+    QString text; ///< of text
+};
+
+struct XmlTokens
+{
+    std::vector<XmlToken> list; ///< up to the end or the first error
+    bool hasError = false;
+
+    bool IsStart(std::size_t i) const { return list[i].kind == XmlToken::Kind::Start; }
+    bool IsStart(std::size_t i, QStringView name) const { return IsStart(i) && list[i].name == name; }
+    bool IsEnd(std::size_t i) const { return list[i].kind == XmlToken::Kind::End; }
+    bool IsEnd(std::size_t i, QStringView name) const { return IsEnd(i) && list[i].name == name; }
+
+    /// Where the element that begins at `begin` ends; behind the list where it does not.
+    std::size_t EndOf(std::size_t begin) const
+    {
+        int depth = 0;
+        for (std::size_t i = begin; i < list.size(); ++i) {
+            if (IsStart(i)) {
+                ++depth;
+            } else if (IsEnd(i) && --depth == 0) {
+                return i;
+            }
+        }
+        return list.size();
+    }
+
+    /// Where the children of the element at `begin` begin, in document order.
+    std::vector<std::size_t> Children(std::size_t begin) const
+    {
+        std::vector<std::size_t> children;
+        const std::size_t end = EndOf(begin);
+        for (std::size_t i = begin + 1; i < end; ++i) {
+            if (IsStart(i)) {
+                children.push_back(i);
+                i = EndOf(i);
+            }
+        }
+        return children;
+    }
+
+    /// The text token that directly follows the start at `begin`.
+    QString DirectText(std::size_t begin) const
+    {
+        const bool isText = begin + 1 < list.size() && list[begin + 1].kind == XmlToken::Kind::Text;
+        return isText ? list[begin + 1].text : QString();
+    }
+};
+
+inline XmlTokens TokensOf(const QByteArray& document)
+{
+    XmlTokens tokens;
+    QXmlStreamReader reader(document);
+    reader.setEntityExpansionLimit(0);
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            tokens.list.push_back({XmlToken::Kind::Start, reader.name().toString(), {}});
+            break;
+        case QXmlStreamReader::EndElement:
+            tokens.list.push_back({XmlToken::Kind::End, reader.name().toString(), {}});
+            break;
+        case QXmlStreamReader::Characters:
+            tokens.list.push_back({XmlToken::Kind::Text, {}, reader.text().toString()});
+            break;
+        case QXmlStreamReader::DTD:
+            if (!reader.entityDeclarations().isEmpty()) {
+                tokens.hasError = true;
+                return tokens;
+            }
+            break;
+        case QXmlStreamReader::Invalid:
+            break;
+        default:
+            tokens.list.push_back({XmlToken::Kind::Other, {}, {}});
+            break;
+        }
+    }
+    tokens.hasError = reader.hasError();
+    return tokens;
+}
+
+} // namespace Fuzzing
