@@ -51,9 +51,22 @@ private slots:
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
+        const auto result = setUp.Run({QStringLiteral("--data"), place, QStringLiteral("--list")});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(place), qPrintable(result.error));
+    }
+
+    // As when the share or the drive was there once.
+    void DataThatIsThereNoMore_data() { Places(); }
+    void DataThatIsThereNoMore()
+    {
+        QFETCH(const QString, place);
+        HostSetUp setUp;
         setUp.Fill({QStringLiteral("mast")});
-        const auto result =
-            setUp.Run({QStringLiteral("--data"), place, QStringLiteral("--trace"), QStringLiteral("--list")});
+        setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.ini"),
+                    "[General]\nVexelDataDir=" + place.toUtf8() + "\n");
+        const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--list")});
         QCOMPARE(result.exitCode, 0);
         QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));
         const QString trace = QStringLiteral("Could not open %1/CfgVEXEL.xml for reading").arg(place);

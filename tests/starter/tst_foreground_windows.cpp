@@ -58,7 +58,7 @@ private slots:
         QVERIFY(address);
         DWORD before = 0;
         QVERIFY(VirtualProtect(address, sizeof *address, PAGE_READWRITE, &before));
-        *address = reinterpret_cast<FARPROC>(&Recorded);
+        *address = reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&Recorded));
         QVERIFY(VirtualProtect(address, sizeof *address, before, &before));
     }
 
