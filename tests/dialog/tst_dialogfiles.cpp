@@ -5,7 +5,6 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QMimeData>
-#include <QProcess>
 #include <QUrl>
 
 namespace {
