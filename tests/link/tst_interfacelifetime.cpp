@@ -1,4 +1,5 @@
 #include "tests/link/linkfixture.h"
+#include "tests/support/linkport.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -202,7 +203,7 @@ void TstInterfaceLifetime::noCallbackAfterDelete()
     caller.write("too late");
     QVERIFY(caller.waitForBytesWritten());
     server.server.reset();
-    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+    QTRY_VERIFY(LinkPort::HasEnded(caller));
     QCOMPARE(server.callback.events.size(), 1);
 
     // The port is free at once.
@@ -326,7 +327,7 @@ void TstInterfaceLifetime::childrenDoNotInheritTheSockets()
     QVERIFY(child.waitForStarted());
     // Else the child would keep the port and the call open.
     server.server.reset();
-    QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
+    QTRY_VERIFY(LinkPort::HasEnded(caller));
     RecordingCallback callback;
     QVERIFY(Create(QStringLiteral("TCP::%1").arg(server.port), callback));
     QCOMPARE(child.state(), QProcess::Running);

@@ -2,6 +2,7 @@
 
 #include <QHostAddress>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 
 /// The port of the starter link, which one program of the machine can have at a time.
@@ -18,6 +19,17 @@ inline bool IsFree()
                probe.serverError() != QAbstractSocket::AddressInUseError;
     };
     return isFree(QHostAddress::LocalHost) && isFree(QHostAddress::LocalHostIPv6);
+}
+
+/// Whether the other side has closed the call, whether or not it took what was sent. Not every system tells of the
+/// latter who does not write again.
+inline bool HasEnded(QTcpSocket& caller)
+{
+    if (caller.state() == QAbstractSocket::ConnectedState) {
+        caller.write("?");
+        caller.flush();
+    }
+    return caller.state() == QAbstractSocket::UnconnectedState;
 }
 
 } // namespace LinkPort
