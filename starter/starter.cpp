@@ -1,6 +1,7 @@
 #include "starter/starter.h"
 
 #include "host/exitcode.h"
+#include "platform/blockedplace.h"
 #include "starter/foreground.h"
 
 #include <QDir>
@@ -17,6 +18,9 @@ using namespace std::chrono_literals;
 constexpr auto s_pause = 50ms;
 // After a host that gave way to another one, which may be about to end.
 constexpr auto s_pauseBeforeNextStart = 500ms;
+// A host that ends cuts off who is calling it, and cannot be reached after that. One that is called by very many at
+// once may drop a caller, but hardly the same one again.
+constexpr int s_mostCutOffs = 5;
 // Age from which a lock file that names no process counts as left behind. One that is held is never taken for that.
 constexpr auto s_staleLockTime = 5s;
 
@@ -63,8 +67,9 @@ Starter::Outcome Starter::Run()
     }
 }
 
-std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer) const
+std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer)
 {
+    m_iCutOffs = answer == LinkAnswer::CutOff ? m_iCutOffs + 1 : 0;
     switch (answer) {
     case LinkAnswer::Taken:
         return Outcome{StarterExit::Called, {}};
@@ -80,6 +85,12 @@ std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer) const
             return Outcome{StarterExit::NotRunning, QStringLiteral("no connect dialog is running")};
         break;
     case LinkAnswer::CutOff:
+        if (m_iCutOffs == s_mostCutOffs) {
+            return Outcome{StarterExit::Foreign,
+                           QStringLiteral("another program has port %1 and cuts off every call, which no connect "
+                                          "dialog does; no dialog can be called or started beside it")
+                               .arg(m_Settings.port)};
+        }
         break;
     }
     return std::nullopt;
@@ -128,7 +139,8 @@ std::optional<Starter::Outcome> Starter::Start()
 bool Starter::IsLocked()
 {
     // Only another starter's lock is waited for. Where no lock can be had at all, the host's own has to do.
-    m_bOtherStarter = !m_Lock.tryLock(0) && m_Lock.error() == QLockFile::LockFailedError;
+    m_bOtherStarter =
+        !IsBlocked(m_Settings.lockFile) && !m_Lock.tryLock(0) && m_Lock.error() == QLockFile::LockFailedError;
     return !m_bOtherStarter;
 }
 

@@ -49,7 +49,7 @@ public:
 private:
     /// What the answer to a call means by itself; nothing when there may be a host that has to be waited for or
     /// started.
-    std::optional<Outcome> Judge(LinkAnswer answer) const;
+    std::optional<Outcome> Judge(LinkAnswer answer);
     /// Does what is due while nobody answers; nothing when it is to be called again.
     std::optional<Outcome> StartOrWatch();
     std::optional<Outcome> Start();
@@ -63,6 +63,7 @@ private:
     bool m_bLocked = false;
     std::unique_ptr<HostProcess> m_pHost;
     QDeadlineTimer m_NextStart;   // expired: at once
+    int m_iCutOffs = 0;           // calls cut off, one after the other
     bool m_bOtherHost = false;    // another host has the configuration directory
     bool m_bOtherStarter = false; // another starter has the lock
 };

@@ -32,6 +32,7 @@ public:
         Answers,     // a web server: speaks when it has heard something
         NeverCloses, // takes the call and does nothing
         ClosesLate,  // hears to the end, and then closes without a word
+        CutsOff,     // closes without hearing: what it was sent comes back as a reset
     };
 
     explicit ForeignService(Manner manner, QHostAddress::SpecialAddress address = QHostAddress::LocalHost)
@@ -40,6 +41,11 @@ public:
             ++calls;
             QTcpSocket* const socket = nextPendingConnection();
             connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            // Once the caller has sent something: only unread bytes make it a reset.
+            if (manner == CutsOff) {
+                socket->setReadBufferSize(1);
+                connect(socket, &QTcpSocket::readyRead, socket, &QAbstractSocket::abort);
+            }
             if (manner == Greets)
                 socket->write("220 at your service\r\n");
             if (manner == Echoes)
