@@ -11,6 +11,7 @@
 #include "host/signalwatcher.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
+#include "platform/interfaces.h"
 #include "platform/translationcenter.h"
 
 #include <QApplication>
@@ -58,6 +59,8 @@ ExitCode Application::Run()
         Console::Complain(lock.ErrorText());
         return taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable;
     }
+    // Whoever calls the link wants to see a dialog, and a headless host shows none.
+    CInterfaceCreator::SetServersAllowed(!m_Options.IsHeadless());
     // What was found damaged, and what is used instead, comes up when it is first read.
     CfgCenter::SetNoticeSink(&Console::Complain);
     if (!CfgCenter::Open(m_Options.configDirectory)) {

@@ -35,6 +35,7 @@ Without a person (headless):
   this order: import, add, export, list, picture before, connect, picture
   during, wait, picture at the end. Then the host saves and ends, and the
   applications that it started end with it: use --wait to let them live.
+  Such a host shows no dialog, and kitestarter does not find it.
   All files to import and to add are taken, or none of them. A file without
   any entry is not taken, as in the dialog.
   What the dialog would say in a box is written to standard error.

@@ -6,11 +6,14 @@
 #include "platform/tracing.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <limits>
 #include <memory>
 
 namespace {
+
+std::atomic g_AreServersAllowed = true;
 
 /// What a timer can hold: 24 days and beyond are the same to everybody.
 std::chrono::milliseconds TimeOut(quint64 number)
@@ -47,4 +50,14 @@ IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfac
     if (!flag && !created->Open())
         return nullptr;
     return created.release();
+}
+
+void CInterfaceCreator::SetServersAllowed(bool bAllowed)
+{
+    g_AreServersAllowed = bAllowed;
+}
+
+bool CInterfaceCreator::AreServersAllowed()
+{
+    return g_AreServersAllowed;
 }

@@ -120,7 +120,14 @@ public:
     ///        attempt to connect that takes so long has failed. 0: none. It is a coarse one, exact to a twentieth.
     /// @param flag false: the interface is open when it is returned. True: it is returned closed, for `Open`.
     /// @return the interface, which the caller owns; null, with a trace that says why, when the address is malformed,
-    ///         the callback is null, or the port is taken or cannot be listened at.
+    ///         the callback is null, the port is taken or cannot be listened at, or servers are not allowed.
     VEXELPLATFORM_EXPORT IInterface* CreateInterface(const QString& address, IInterfaceCallback* callback,
                                                      quint64 number, bool flag);
+
+    /// Host side: whether servers of this process may listen, which they may at first. While they may not, opening one
+    /// fails as if the port were taken; one that listens already goes on. For a host without a person at it: what it
+    /// loads would have whoever calls believe that a dialog came to the front. To be called where interfaces are made.
+    VEXELPLATFORM_EXPORT static void SetServersAllowed(bool bAllowed);
+    /// Host side.
+    VEXELPLATFORM_EXPORT static bool AreServersAllowed();
 };

@@ -69,6 +69,11 @@ bool TcpServerInterface::Open()
 {
     if (IsOpen())
         return true;
+    if (!CInterfaceCreator::AreServersAllowed()) {
+        TraceWhenWanted(kSource, __LINE__,
+                        [] { return QStringLiteral("TcpServerInterface::Open(): This process is not to be called"); });
+        return false;
+    }
     const Listening four = Listen(QHostAddress(QHostAddress::LocalHost));
     const Listening six = four == Listening::Taken ? four : Listen(QHostAddress(QHostAddress::LocalHostIPv6));
     // A machine may lack one of the two. But where another program has the port on one of them, callers would find

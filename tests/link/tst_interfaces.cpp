@@ -3,6 +3,7 @@
 
 #include <QNetworkInterface>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTcpSocket>
 #include <QTest>
 #include <QThread>
@@ -28,6 +29,7 @@ private slots:
     void listensOnLoopbackOnly();
     void portTaken_data();
     void portTaken();
+    void serversNotAllowed();
     void createdClosed();
     void closedServerClosesItsPeers();
     void clientCannotConnect();
@@ -246,6 +248,36 @@ void TstInterfaces::portTaken()
     QVERIFY(closed->Open());
     QVERIFY(closed->IsOpen());
     QVERIFY2(!Create(address, callback), "Two servers of the library on one port");
+}
+
+void TstInterfaces::serversNotAllowed()
+{
+    const auto allowAgain = qScopeGuard([] { CInterfaceCreator::SetServersAllowed(true); });
+    QVERIFY(CInterfaceCreator::AreServersAllowed());
+    RecordingCallback callback;
+    const quint16 port = FreePort();
+    const QString address = QStringLiteral("TCP::%1").arg(port);
+    const auto earlier = Create(QStringLiteral("TCP::%1").arg(FreePort()), callback);
+    QVERIFY(earlier);
+
+    CInterfaceCreator::SetServersAllowed(false);
+    QVERIFY(!CInterfaceCreator::AreServersAllowed());
+    const TraceRecorder traces;
+    QVERIFY(!Create(address, callback));
+    QCOMPARE(traces.Reports().size(), 1);
+    const auto closed = Create(address, callback, 0, true);
+    QVERIFY(closed);
+    QVERIFY(!closed->Open());
+    QVERIFY(!closed->IsOpen());
+    // The port stays free, what listens goes on, and clients are none of this.
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress(QHostAddress::LocalHost), port));
+    QVERIFY(earlier->IsOpen());
+    QVERIFY(Create(QStringLiteral("TCP:127.0.0.1:%1").arg(port), callback));
+    other.close();
+
+    CInterfaceCreator::SetServersAllowed(true);
+    QVERIFY(closed->Open());
 }
 
 void TstInterfaces::createdClosed()
