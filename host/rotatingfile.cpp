@@ -1,59 +1,82 @@
 #include "host/rotatingfile.h"
 
+#include "host/appendfile.h"
+#include "platform/blockedplace.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
 
-namespace {
-
-constexpr QIODevice::OpenMode s_mode =
-    QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered;
-
-} // namespace
+#include <utility>
 
 QString RotatingFile::Open(const QString& fileName, qint64 largest)
 {
-    m_File.setFileName(fileName);
+    m_Name = fileName;
     m_Largest = largest;
     m_Limit = largest;
-    return m_File.open(s_mode) ? QString() : m_File.errorString();
+    const QString error = OpenAgain();
+    if (!error.isEmpty())
+        m_Name.clear();
+    return error;
 }
 
 QString RotatingFile::Append(const QByteArray& line)
 {
-    QString error;
-    if (IsFull(line.size())) {
-        error = PutAside(line.size());
-        if (!error.isEmpty()) {
-            // Not with every line from now on.
-            m_Limit = m_File.size() + m_Largest;
-            if (m_Complained)
-                error.clear();
-            m_Complained = true;
-        }
-    }
-    // In one piece and not buffered: lines of other processes stand before or behind it.
-    if (m_File.isOpen())
-        m_File.write(line);
-    return error;
+    if (!IsOpen())
+        return {};
+    FollowName();
+    if (IsFull(line.size()))
+        MakeRoom(line.size());
+    Write(line);
+    return std::exchange(m_Complaints, {}).join(QStringLiteral("; and it "));
 }
 
 QString RotatingFile::NameOf(int number) const
 {
-    return m_File.fileName() + QLatin1Char('.') + QString::number(number);
+    return m_Name + QLatin1Char('.') + QString::number(number);
 }
 
 bool RotatingFile::IsFull(qint64 added) const
 {
     // An empty file is never full: a line that is larger than a file shall be has to stand somewhere.
-    return m_File.isOpen() && !m_File.isSequential() && m_File.size() > 0 && m_File.size() + added > m_Limit &&
-           QFileInfo(m_File.fileName()).isFile();
+    return m_pFile && m_IsFile && m_pFile->size() > 0 && m_pFile->size() + added > m_Limit &&
+           QFileInfo(m_Name).isFile();
+}
+
+bool RotatingFile::EndsWithinALine() const
+{
+    QFile file(m_Name);
+    char last = '\n';
+    return file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1) && file.getChar(&last) &&
+           last != '\n';
+}
+
+/// Where the name does not stand for what is open any more, opens what it stands for now.
+void RotatingFile::FollowName()
+{
+    if (m_pFile && (!m_IsFile || IsOpenAt(*m_pFile, m_Name)))
+        return;
+    if (const QString error = OpenAgain(); !error.isEmpty())
+        Complain(Gone, QStringLiteral("was removed or renamed and cannot be made anew: %1").arg(error));
+}
+
+void RotatingFile::MakeRoom(qint64 added)
+{
+    const QString error = PutAside(added);
+    if (error.isEmpty())
+        return;
+    // Not with every line from now on.
+    m_Limit = (m_pFile ? m_pFile->size() : 0) + m_Largest;
+    Complain(NotPutAside, QStringLiteral("is full and cannot be put aside: %1; it grows on").arg(error));
 }
 
 /// Makes room for `added` bytes in a new file. An empty text, or why that failed; lines then go where they went.
 QString RotatingFile::PutAside(qint64 added)
 {
-    QLockFile lock(m_File.fileName() + QStringLiteral(".lock"));
+    const QString lockName = m_Name + QStringLiteral(".lock");
+    if (IsBlocked(lockName))
+        return QStringLiteral("%1 is in the way").arg(QDir::toNativeSeparators(lockName));
+    QLockFile lock(lockName);
     if (!lock.tryLock(0)) {
         // Another process is at it: the next line finds the new file.
         if (lock.error() == QLockFile::LockFailedError)
@@ -63,19 +86,18 @@ QString RotatingFile::PutAside(qint64 added)
 
     // Another process may have put aside what is open here; the name then stands for its new file already.
     m_Limit = m_Largest;
-    if (!OpenAgain())
-        return m_File.errorString();
+    if (const QString error = OpenAgain(); !error.isEmpty())
+        return error;
     if (!IsFull(added))
         return {};
 
     if (const QString error = ShiftEarlierFiles(); !error.isEmpty())
         return error;
-    const QString name = m_File.fileName();
-    m_File.close();
-    const bool isMoved = QFile::rename(name, NameOf(1));
-    if (!OpenAgain() && isMoved) {
+    m_pFile.reset();
+    const bool isMoved = QFile::rename(m_Name, NameOf(1));
+    if (!OpenAgain().isEmpty() && isMoved) {
         // Better a file that grows than none.
-        QFile::rename(NameOf(1), name);
+        QFile::rename(NameOf(1), m_Name);
         OpenAgain();
         return QStringLiteral("no new file can be made in its place");
     }
@@ -102,8 +124,39 @@ QString RotatingFile::ShiftEarlierFiles() const
     return {};
 }
 
-bool RotatingFile::OpenAgain()
+/// Opens what the name stands for. An empty text, or why that failed; lines then go where they went.
+QString RotatingFile::OpenAgain()
 {
-    m_File.close();
-    return m_File.open(s_mode);
+    auto file = std::make_unique<QFile>();
+    QString error;
+    if (!OpenToAppend(*file, m_Name, &error))
+        return error;
+    m_pFile = std::move(file);
+    m_IsFile = !m_pFile->isSequential() && QFileInfo(m_Name).isFile();
+    m_IsTorn = m_IsFile && EndsWithinALine();
+    return {};
+}
+
+void RotatingFile::Write(const QByteArray& line)
+{
+    if (!m_pFile)
+        return;
+    // In one piece and not buffered: lines of other processes stand before or behind it.
+    QByteArray left = m_IsTorn ? '\n' + line : line;
+    m_pFile->unsetError();
+    while (!left.isEmpty()) {
+        const qint64 written = m_pFile->write(left);
+        if (written <= 0) {
+            Complain(NotWritten, QStringLiteral("cannot be written: %1; lines are lost").arg(m_pFile->errorString()));
+            return;
+        }
+        m_IsTorn = left.at(written - 1) != '\n';
+        left.remove(0, written);
+    }
+}
+
+void RotatingFile::Complain(Trouble trouble, const QString& text)
+{
+    if (!std::exchange(m_HasComplained[trouble], true))
+        m_Complaints.append(text);
 }

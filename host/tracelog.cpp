@@ -55,8 +55,6 @@ void TraceLog::Write(const QString& line)
     }
     if (!m_File.IsOpen())
         return;
-    if (const QString error = m_File.Append(bytes); !error.isEmpty()) {
-        Console::Complain(QStringLiteral("the trace file %1 is full and cannot be put aside: %2; it grows on")
-                              .arg(m_FileName, error));
-    }
+    if (const QString trouble = m_File.Append(bytes); !trouble.isEmpty())
+        Console::Complain(QStringLiteral("the trace file %1 %2").arg(m_FileName, trouble));
 }

@@ -10,8 +10,8 @@
 ///
 ///     2024-05-17T09:30:12.345 trace userinterface/vexelconnectdlg/appcounter:120 AppCounter::...
 ///
-/// A file that has grown to its largest size is put aside (see `RotatingFile`); where that fails, standard error says
-/// so once.
+/// A file that has grown to its largest size is put aside (see `RotatingFile`); where that fails, or the file cannot be
+/// written any more, standard error says so once.
 ///
 /// While it writes anywhere, traces are enabled beside the kinds that already were.
 class TraceLog
