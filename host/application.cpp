@@ -59,6 +59,8 @@ ExitCode Application::Run()
         Console::Complain(lock.ErrorText());
         return taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable;
     }
+    if (!lock.Warning().isEmpty())
+        Console::Complain(lock.Warning());
     // Whoever calls the link wants to see a dialog, and a headless host shows none.
     CInterfaceCreator::SetServersAllowed(!m_Options.IsHeadless());
     // What was found damaged, and what is used instead, comes up when it is first read.

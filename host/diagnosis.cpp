@@ -141,7 +141,7 @@ QString PortState(const LinkPort& port, const QString& configDirectory)
         return QStringLiteral("in use, the system does not say by whom");
     const QString owner =
         QStringLiteral("in use by process %1 (%2)").arg(QString::number(port.owner->number), port.owner->name);
-    const bool isHost = InstanceLock::Holder(configDirectory) == port.owner->number;
+    const bool isHost = InstanceLock::Look(configDirectory).process == port.owner->number;
     return isHost ? owner + QStringLiteral(", the host on this configuration") : owner;
 }
 

@@ -43,9 +43,11 @@ Without a person (headless):
 For the support desk:
   --backups, --restore and --diagnose look at the configuration only. They load
   no entries, start nothing, and need no display. --backups and --diagnose
-  change nothing and work while a host runs; --restore does not. Every save
-  that changes the stored list keeps the version before, ten of them. --restore
-  brings back what is stored with the list as well.
+  work while a host runs, and change nothing; to see whether the directory can
+  be written, --diagnose makes a file in it for a moment. --restore does not
+  work while a host runs. Every save that changes the stored list keeps the
+  version before, ten of them. --restore brings back what is stored with the
+  list as well.
   --diagnose says what it found whatever that is; its exit code is 0. With
   --data it looks at that directory and stores nothing.
 

@@ -1,8 +1,13 @@
 #include "host/instancelock.h"
 
+#include "platform/blockedplace.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
-#include <QFileInfo>
+#include <QFile>
 #include <QSysInfo>
+#include <QThread>
 
 #include <chrono>
 
@@ -10,59 +15,62 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Whoever just looks holds the lock for a moment, and an owner writes its number a moment after it has made the file.
-constexpr std::chrono::milliseconds s_patience = 500ms;
+// On some systems whoever just looks is in the way for a moment, and a host that ends may need one.
+constexpr auto s_patience = 500ms;
+constexpr auto s_pause = 20ms;
+
+/// What the file says of who holds it. A host that was killed leaves it, so it is to be asked of a held one only.
+struct Name
+{
+    qint64 process = 0; // 0: unreadable
+    QString machine;
+};
 
 QString FileIn(const QString& directory)
 {
     return directory + QStringLiteral("/vexelhost.lock");
 }
 
-/// Something in the lock file's place that is no file. It must not be opened: a pipe has no end.
-bool IsBlocked(const QString& file)
+// As the toolkit's own lock files are written, so that tools for those read it.
+QByteArray OwnName()
 {
-    const QFileInfo info(file);
-    return (info.exists() || info.isSymLink()) && !info.isFile();
+    return QByteArray::number(QCoreApplication::applicationPid()) + "\nvexelhost\n" +
+           QSysInfo::machineHostName().toLocal8Bit() + '\n';
 }
 
-bool IsReadable(const QLockFile& lock)
+Name ReadName(const QString& fileName)
 {
-    qint64 process = 0;
-    QString host;
-    QString program;
-    return lock.getLockInfo(&process, &host, &program);
+    constexpr qint64 longest = 4096;
+    QFile file(fileName);
+    if (IsBlocked(fileName) || !file.open(QIODevice::ReadOnly))
+        return {};
+    const QList<QByteArray> lines = file.read(longest).split('\n');
+    bool isNumber = false;
+    const qint64 process = lines.constFirst().toLongLong(&isNumber);
+    if (!isNumber || process <= 0 || lines.size() < 3)
+        return {};
+    return {process, QString::fromLocal8Bit(lines.at(2))};
 }
 
-bool TryTake(QLockFile& lock, std::chrono::milliseconds patience)
+QString HeldText(const QString& file, const QString& directory)
 {
-    // No age makes a lock stale, a host may run for months; only the death of its owner does.
-    lock.setStaleLockTime(0);
-    if (lock.tryLock(static_cast<int>(patience.count())))
-        return true;
-    // An owner that died between making the file and writing its number, or found the disk full, left a file that says
-    // nothing. The system knows whether anybody still has it open, and only then it is not removed.
-    return lock.error() == QLockFile::LockFailedError && !IsReadable(lock) && lock.removeStaleLockFile() &&
-           lock.tryLock(0);
-}
-
-QString HeldText(const QLockFile& lock, const QString& file, const QString& directory)
-{
-    qint64 process = 0;
-    QString host;
-    QString program;
-    lock.getLockInfo(&process, &host, &program);
-
+    const Name name = ReadName(file);
     const QString native = QDir::toNativeSeparators(directory);
-    if (!host.isEmpty() && host != QSysInfo::machineHostName()) {
-        // Whether a process of another machine lives cannot be seen from here.
+    if (name.process == 0) {
+        return QStringLiteral("another host works on the configuration directory %1; kitestarter brings its dialog, "
+                              "where it has one, to the front")
+            .arg(native);
+    }
+    if (!name.machine.isEmpty() && name.machine != QSysInfo::machineHostName()) {
+        // A file server may hold a lock for a machine that is gone, and then only a person can tell.
         return QStringLiteral("another host, process %1 on %2, works on the configuration directory %3; if it does not "
                               "run any more, remove %4")
-            .arg(process)
-            .arg(host, native, QDir::toNativeSeparators(file));
+            .arg(name.process)
+            .arg(name.machine, native, QDir::toNativeSeparators(file));
     }
     return QStringLiteral("another host, process %1, works on the configuration directory %2; kitestarter brings its "
-                          "dialog to the front")
-        .arg(process)
+                          "dialog, where it has one, to the front")
+        .arg(name.process)
         .arg(native);
 }
 
@@ -70,37 +78,52 @@ QString HeldText(const QLockFile& lock, const QString& file, const QString& dire
 
 InstanceLock::Result InstanceLock::Take(const QString& directory)
 {
-    const QString file = FileIn(directory);
-    if (!directory.isEmpty() && QDir().mkpath(directory) && !IsBlocked(file)) {
-        m_Lock.emplace(file);
-        if (TryTake(*m_Lock, s_patience)) {
-            m_ErrorText.clear();
-            return Result::Taken;
-        }
-        if (m_Lock->error() == QLockFile::LockFailedError) {
-            m_ErrorText = HeldText(*m_Lock, file, directory);
-            m_Lock.reset();
-            return Result::Held;
-        }
-        m_Lock.reset();
-    }
+    const QString native = QDir::toNativeSeparators(directory);
     m_ErrorText = QStringLiteral("the configuration directory %1 cannot be used").arg(directory);
-    return Result::Unusable;
+    if (directory.isEmpty() || !QDir().mkpath(directory))
+        return Result::Unusable;
+
+    const QString file = FileIn(directory);
+    QString error;
+    const QDeadlineTimer patience(s_patience);
+    m_File.emplace();
+    HeldFile::Result result = m_File->Take(file, &error);
+    while (result == HeldFile::Result::Held && !patience.hasExpired()) {
+        QThread::msleep(static_cast<unsigned long>(s_pause.count()));
+        result = m_File->Take(file, &error);
+    }
+    switch (result) {
+    case HeldFile::Result::NoLock:
+        m_Warning = QStringLiteral("the file system of the configuration directory %1 has no locks: take care that no "
+                                   "second host works there")
+                        .arg(native);
+        break;
+    case HeldFile::Result::Taken:
+        break;
+    case HeldFile::Result::Held:
+        m_ErrorText = HeldText(file, directory);
+        m_File.reset();
+        return Result::Held;
+    case HeldFile::Result::Failed:
+        m_ErrorText += QStringLiteral(": ") + error;
+        m_File.reset();
+        return Result::Unusable;
+    }
+    m_File->Write(OwnName());
+    m_ErrorText.clear();
+    return Result::Taken;
 }
 
-std::optional<qint64> InstanceLock::Holder(const QString& directory)
+InstanceLock::Owner InstanceLock::Look(const QString& directory)
 {
     const QString file = FileIn(directory);
-    if (!QFileInfo(file).isFile())
-        return std::nullopt;
-
-    QLockFile lock(file);
-    qint64 process = 0;
-    QString host;
-    QString program;
-    const bool isReadable = lock.getLockInfo(&process, &host, &program);
-    // Taking it is the way to find out whether its owner lives; it is given back at once.
-    if (!isReadable || TryTake(lock, 0ms))
-        return std::nullopt;
-    return process;
+    switch (HeldFile::Look(file)) {
+    case HeldFile::State::Free:
+        break;
+    case HeldFile::State::Held:
+        return {State::Somebody, ReadName(file).process};
+    case HeldFile::State::Unknown:
+        return {State::Unknown, 0};
+    }
+    return {};
 }

@@ -1,14 +1,17 @@
 #pragma once
 
-#include <QLockFile>
+#include "host/heldfile.h"
+
 #include <QString>
 
 #include <optional>
 
-/// Keeps a second host from working on the same configuration directory: a lock file in it, held for as long as this
+/// Keeps a second host from working on the same configuration directory: a file in it that is held for as long as this
 /// object lives. Both would store the list of entries, and the one that ends last would undo what the other did.
 ///
-/// A lock whose owner is dead is taken over at once, also when its process number belongs to another program by now.
+/// Whether somebody holds it is known to the system alone (see `HeldFile`): what a dead host left behind is taken over
+/// at once, whatever its process number or the name of the machine stands for by now. The file says who holds it, for
+/// people only.
 class InstanceLock
 {
 public:
@@ -16,6 +19,13 @@ public:
         Taken,
         Held,    ///< another host works there
         Unusable ///< the directory cannot be made or written
+    };
+    enum class State { Nobody, Somebody, Unknown };
+    /// Who works on a directory.
+    struct Owner
+    {
+        State state = State::Nobody;
+        qint64 process = 0; ///< its number; 0 where that is not known
     };
 
     InstanceLock() = default;
@@ -28,12 +38,15 @@ public:
 
     /// After `Take`: why the lock was not taken, in a sentence for a person; empty when it was.
     const QString& ErrorText() const { return m_ErrorText; }
+    /// After `Take`: what a person has to know of a lock that was taken, as of a file system that has no locks, where a
+    /// second host is not kept away; else empty.
+    const QString& Warning() const { return m_Warning; }
 
-    /// The number of the process whose host works on `directory`; none where there is no such host. A lock without an
-    /// owner is removed by the way; nothing else is written.
-    static std::optional<qint64> Holder(const QString& directory);
+    /// Who works on `directory`. Takes and changes nothing.
+    static Owner Look(const QString& directory);
 
 private:
-    std::optional<QLockFile> m_Lock;
+    std::optional<HeldFile> m_File;
     QString m_ErrorText;
+    QString m_Warning;
 };

@@ -82,6 +82,20 @@ bool CanHoldFiles(const QString& directory)
     return probe.open();
 }
 
+QString HostAtWork(const InstanceLock::Owner& owner)
+{
+    switch (owner.state) {
+    case InstanceLock::State::Nobody:
+        break;
+    case InstanceLock::State::Somebody:
+        return owner.process == 0 ? QStringLiteral("yes, it does not say which process")
+                                  : QStringLiteral("process %1").arg(owner.process);
+    case InstanceLock::State::Unknown:
+        return QStringLiteral("not known: its lock cannot be looked at");
+    }
+    return QStringLiteral("none");
+}
+
 void ReportStoredList(SupportReport& report)
 {
     const std::unique_ptr<ICfg> document = OpenAsAtStart(View::Application, QString());
@@ -143,9 +157,7 @@ void ReportStore(SupportReport& report, const QString& directory)
     if (!exists)
         return;
     report.AddFact(QStringLiteral("can be written"), CanHoldFiles(directory));
-    const std::optional<qint64> holder = InstanceLock::Holder(directory);
-    report.AddFact(QStringLiteral("host at work"),
-                   holder ? QJsonValue(QStringLiteral("process %1").arg(*holder)) : QJsonValue(QStringLiteral("none")));
+    report.AddFact(QStringLiteral("host at work"), HostAtWork(InstanceLock::Look(directory)));
     ReportStoredList(report);
     ReportFiles(report, directory);
 }

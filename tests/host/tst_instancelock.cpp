@@ -1,26 +1,30 @@
 #include "host/instancelock.h"
 
+#include "tests/support/system.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <cstdio>
-#include <optional>
+#include <memory>
+#include <vector>
 
 namespace {
 
 const QString s_hold = QStringLiteral("--hold");
+const QString s_holdWithChild = QStringLiteral("--hold-with-child");
 
 /// This program again, in a process of its own that holds the lock of a directory until it is killed.
 class Owner
 {
 public:
-    explicit Owner(const QString& directory)
+    explicit Owner(const QString& directory, const QString& how = s_hold)
     {
-        process.start(QCoreApplication::applicationFilePath(), {s_hold, directory});
+        process.start(QCoreApplication::applicationFilePath(), {how, directory});
     }
     ~Owner() { Kill(); }
 
@@ -31,6 +35,7 @@ public:
             said += process.readAllStandardOutput();
         return said == "taken\n";
     }
+    /// As a power cut or an impatient administrator does.
     void Kill()
     {
         process.kill();
@@ -42,6 +47,13 @@ public:
 QString LockFile(const QTemporaryDir& directory)
 {
     return directory.filePath(QStringLiteral("vexelhost.lock"));
+}
+
+/// The number of the process that works on `directory`; 0 where the file does not say. -1: none works there.
+qint64 OwnerOf(const QString& directory)
+{
+    const InstanceLock::Owner owner = InstanceLock::Look(directory);
+    return owner.state == InstanceLock::State::Nobody ? -1 : owner.process;
 }
 
 QByteArray Read(const QString& fileName)
@@ -68,13 +80,19 @@ private slots:
     void MakesTheDirectory();
     void AnotherProcessIsRefused();
     void ADeadOwnerIsSucceeded();
-    void ANumberThatBelongsToAnotherProgramByNow();
+    void ANumberThatBelongsToAnotherHostByNow();
+    void ADeadOwnerWithTheOwnNumber();
+    void AChildThatOutlivesTheOwnerHoldsNothing();
     void AFileThatSaysNothing_data();
     void AFileThatSaysNothing();
     void AnOwnerOnAnotherMachine();
+    void AMachineOfAnotherNameByNow();
+    void AnOwnerThatDoesNotSayWhoItIs();
+    void ManyAtOnce();
     void UnusableDirectories_data();
     void UnusableDirectories();
     void LookingDoesNotDisturb();
+    void LookingRemovesNothing();
     void OtherDirectoriesAreFree();
 };
 
@@ -85,11 +103,11 @@ void TestInstanceLock::OneTakesAndGivesBack()
         InstanceLock lock;
         QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
         QCOMPARE(lock.ErrorText(), QString());
-        QCOMPARE(InstanceLock::Holder(directory.path()), std::optional(QCoreApplication::applicationPid()));
+        QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
         InstanceLock second;
         QCOMPARE(second.Take(directory.path()), InstanceLock::Result::Held);
     }
-    QCOMPARE(InstanceLock::Holder(directory.path()), std::nullopt);
+    QCOMPARE(OwnerOf(directory.path()), -1);
     // Nothing stays behind.
     QVERIFY(QDir(directory.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     InstanceLock again;
@@ -117,7 +135,7 @@ void TestInstanceLock::AnotherProcessIsRefused()
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(directory.path())), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(QLatin1String("kitestarter")), qPrintable(lock.ErrorText()));
     QVERIFY(!lock.ErrorText().contains(QLatin1Char('\n')));
-    QCOMPARE(InstanceLock::Holder(directory.path()), std::optional(owner.process.processId()));
+    QCOMPARE(OwnerOf(directory.path()), owner.process.processId());
     // The owner's lock is as it was.
     QCOMPARE(Read(LockFile(directory)), before);
 }
@@ -132,10 +150,10 @@ void TestInstanceLock::ADeadOwnerIsSucceeded()
 
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
-    QCOMPARE(InstanceLock::Holder(directory.path()), std::optional(QCoreApplication::applicationPid()));
+    QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
-void TestInstanceLock::ANumberThatBelongsToAnotherProgramByNow()
+void TestInstanceLock::ANumberThatBelongsToAnotherHostByNow()
 {
     const QTemporaryDir directory;
     Owner owner(directory.path());
@@ -144,25 +162,53 @@ void TestInstanceLock::ANumberThatBelongsToAnotherProgramByNow()
     QVERIFY(content.startsWith(QByteArray::number(owner.process.processId()) + '\n'));
     owner.Kill();
 
-    QProcess other;
-    QTemporaryDir reports;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("VEXEL_TESTCHILD_MODE"), QStringLiteral("stay"));
-    environment.insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), reports.path());
-    other.setProcessEnvironment(environment);
-    other.start(QStringLiteral(VEXEL_TESTCHILD), QStringList());
-    // Once it has reported it runs under its own name.
-    QTRY_VERIFY(QFile::exists(reports.filePath(QStringLiteral("%1.json").arg(other.processId()))));
-    content.replace(0, content.indexOf('\n'), QByteArray::number(other.processId()));
+    // The same program, at work on a directory of its own.
+    const QTemporaryDir elsewhere;
+    Owner other(elsewhere.path());
+    QVERIFY(other.Holds());
+    content.replace(0, content.indexOf('\n'), QByteArray::number(other.process.processId()));
     Write(LockFile(directory), content);
 
-    QCOMPARE(InstanceLock::Holder(directory.path()), std::nullopt);
-    Write(LockFile(directory), content);
+    QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
-    QCOMPARE(other.state(), QProcess::Running);
-    other.kill();
-    other.waitForFinished();
+    QCOMPARE(OwnerOf(elsewhere.path()), other.process.processId());
+}
+
+void TestInstanceLock::ADeadOwnerWithTheOwnNumber()
+{
+    // In a container, where every host is process 1.
+    const QTemporaryDir directory;
+    Owner owner(directory.path());
+    QVERIFY(owner.Holds());
+    QByteArray content = Read(LockFile(directory));
+    owner.Kill();
+    content.replace(0, content.indexOf('\n'), QByteArray::number(QCoreApplication::applicationPid()));
+    Write(LockFile(directory), content);
+
+    QCOMPARE(OwnerOf(directory.path()), -1);
+    InstanceLock lock;
+    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+}
+
+void TestInstanceLock::AChildThatOutlivesTheOwnerHoldsNothing()
+{
+    const QTemporaryDir directory;
+    const QTemporaryDir reports;
+    qputenv("VEXEL_TESTCHILD_MODE", "stay");
+    qputenv("VEXEL_TESTCHILD_REPORTS", reports.path().toLocal8Bit());
+    Owner owner(directory.path(), s_holdWithChild);
+    QVERIFY(owner.Holds());
+    QStringList names;
+    QTRY_VERIFY(!(names = QDir(reports.path()).entryList({QStringLiteral("*.json")})).isEmpty());
+    const qint64 child = QFileInfo(names.constFirst()).baseName().toLongLong();
+    owner.Kill();
+
+    QVERIFY(System::IsProcess(child));
+    InstanceLock lock;
+    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QVERIFY(System::IsProcess(child));
+    QVERIFY(System::AskToEnd(child));
 }
 
 void TestInstanceLock::AFileThatSaysNothing_data()
@@ -178,32 +224,62 @@ void TestInstanceLock::AFileThatSaysNothing()
     QFETCH(const QByteArray, content);
     const QTemporaryDir directory;
     Write(LockFile(directory), content);
-    QCOMPARE(InstanceLock::Holder(directory.path()), std::nullopt);
+    QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
-    QCOMPARE(InstanceLock::Holder(directory.path()), std::optional(QCoreApplication::applicationPid()));
+    QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
 void TestInstanceLock::AnOwnerOnAnotherMachine()
 {
     const QTemporaryDir directory;
-    QByteArray content;
-    {
-        InstanceLock lock;
-        QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
-        content = Read(LockFile(directory));
-    }
-    const QByteArray name = QSysInfo::machineHostName().toLocal8Bit();
-    QVERIFY(content.contains('\n' + name + '\n'));
-    content.replace('\n' + name + '\n', "\nelsewhere\n");
-    Write(LockFile(directory), content);
+    HeldFile file;
+    QString error;
+    QCOMPARE(file.Take(LockFile(directory), &error), HeldFile::Result::Taken);
+    const QByteArray content = "4711\nvexelhost\nelsewhere\n";
+    file.Write(content);
 
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
-    QVERIFY2(lock.ErrorText().contains(QLatin1String("elsewhere")), qPrintable(lock.ErrorText()));
+    QVERIFY2(lock.ErrorText().contains(QLatin1String("4711 on elsewhere")), qPrintable(lock.ErrorText()));
     // It cannot be found out from here whether that process lives, so a person must be able to decide.
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(LockFile(directory))), qPrintable(lock.ErrorText()));
     QCOMPARE(Read(LockFile(directory)), content);
+}
+
+void TestInstanceLock::AMachineOfAnotherNameByNow()
+{
+    const QTemporaryDir directory;
+    Write(LockFile(directory), "1\nvexelhost\nits-earlier-name\n");
+    QCOMPARE(OwnerOf(directory.path()), -1);
+    InstanceLock lock;
+    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+}
+
+void TestInstanceLock::AnOwnerThatDoesNotSayWhoItIs()
+{
+    // As one on a full disk.
+    const QTemporaryDir directory;
+    HeldFile file;
+    QString error;
+    QCOMPARE(file.Take(LockFile(directory), &error), HeldFile::Result::Taken);
+    QCOMPARE(OwnerOf(directory.path()), 0);
+    InstanceLock lock;
+    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
+    QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(directory.path())), qPrintable(lock.ErrorText()));
+    QVERIFY2(!lock.ErrorText().contains(QLatin1String("process")), qPrintable(lock.ErrorText()));
+}
+
+void TestInstanceLock::ManyAtOnce()
+{
+    const QTemporaryDir directory;
+    // What a killed one left, which all of them find.
+    Write(LockFile(directory), "1\nvexelhost\nhere\n");
+    std::vector<std::unique_ptr<Owner>> owners;
+    for (int i = 0; i < 8; ++i)
+        owners.push_back(std::make_unique<Owner>(directory.path()));
+    const auto holders = std::count_if(owners.begin(), owners.end(), [](const auto& owner) { return owner->Holds(); });
+    QCOMPARE(holders, 1);
 }
 
 void TestInstanceLock::UnusableDirectories_data()
@@ -215,6 +291,8 @@ void TestInstanceLock::UnusableDirectories_data()
     QTest::newRow("a file") << QStringLiteral("file") << QString();
     QTest::newRow("a folder in the lock's place")
         << QStringLiteral("config") << QStringLiteral("config/vexelhost.lock");
+    QTest::newRow("a pipe in the lock's place") << QStringLiteral("pipe") << QString();
+    QTest::newRow("a link in the lock's place") << QStringLiteral("link") << QString();
 }
 
 void TestInstanceLock::UnusableDirectories()
@@ -225,13 +303,22 @@ void TestInstanceLock::UnusableDirectories()
     Write(directory.filePath(QStringLiteral("file")), "content");
     if (!blocker.isEmpty())
         QVERIFY(QDir(directory.path()).mkpath(blocker));
+    const QString lockFile = directory.path() + QLatin1Char('/') + path + QStringLiteral("/vexelhost.lock");
+    if (path == QLatin1String("pipe") || path == QLatin1String("link"))
+        QVERIFY(QDir(directory.path()).mkpath(path));
+    if (path == QLatin1String("pipe") && System::MakePipe(lockFile) != lockFile)
+        QSKIP("No pipes among files here");
+    // What it leads to must not be taken for the lock, nor written.
+    if (path == QLatin1String("link") &&
+        (!QFile::link(directory.filePath(QStringLiteral("file")), lockFile) || !QFileInfo(lockFile).isSymbolicLink()))
+        QSKIP("No symbolic links here");
 
     InstanceLock lock;
     const QString full = path.isEmpty() ? QString() : directory.filePath(path);
     QCOMPARE(lock.Take(full), InstanceLock::Result::Unusable);
     QVERIFY2(lock.ErrorText().contains(QLatin1String("cannot be used")), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(full), qPrintable(lock.ErrorText()));
-    QCOMPARE(InstanceLock::Holder(full), std::nullopt);
+    QCOMPARE(OwnerOf(full), -1);
     QCOMPARE(Read(directory.filePath(QStringLiteral("file"))), QByteArray("content"));
 }
 
@@ -239,15 +326,32 @@ void TestInstanceLock::LookingDoesNotDisturb()
 {
     const QTemporaryDir directory;
     const QString missing = directory.filePath(QStringLiteral("missing"));
-    QCOMPARE(InstanceLock::Holder(missing), std::nullopt);
+    QCOMPARE(OwnerOf(missing), -1);
     QVERIFY(!QFile::exists(missing));
 
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
     for (int i = 0; i < 3; ++i)
-        QCOMPARE(InstanceLock::Holder(directory.path()), std::optional(QCoreApplication::applicationPid()));
+        QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
     InstanceLock second;
     QCOMPARE(second.Take(directory.path()), InstanceLock::Result::Held);
+}
+
+void TestInstanceLock::LookingRemovesNothing()
+{
+    const QTemporaryDir directory;
+    const QByteArray content = "999999\nvexelhost\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n';
+    Write(LockFile(directory), content);
+    const QDateTime changed = QFileInfo(LockFile(directory)).lastModified();
+    QCOMPARE(OwnerOf(directory.path()), -1);
+    QCOMPARE(Read(LockFile(directory)), content);
+    QCOMPARE(QFileInfo(LockFile(directory)).lastModified(), changed);
+
+    // Also where this user may only read.
+    QVERIFY(QFile::setPermissions(LockFile(directory), QFile::ReadOwner));
+    QCOMPARE(OwnerOf(directory.path()), -1);
+    QVERIFY(QFile::setPermissions(LockFile(directory), QFile::ReadOwner | QFile::WriteOwner));
+    QCOMPARE(QDir(directory.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
 }
 
 void TestInstanceLock::OtherDirectoriesAreFree()
@@ -262,10 +366,13 @@ void TestInstanceLock::OtherDirectoriesAreFree()
 
 namespace {
 
-int Hold(const QString& directory)
+int Hold(const QString& directory, bool withChild)
 {
     InstanceLock lock;
-    std::puts(lock.Take(directory) == InstanceLock::Result::Taken ? "taken" : "not taken");
+    const bool isTaken = lock.Take(directory) == InstanceLock::Result::Taken;
+    if (withChild)
+        QProcess::startDetached(QStringLiteral(VEXEL_TESTCHILD), {});
+    std::puts(isTaken ? "taken" : "not taken");
     std::fflush(stdout);
     return QCoreApplication::exec();
 }
@@ -276,8 +383,8 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 3 && arguments.at(1) == s_hold)
-        return Hold(arguments.at(2));
+    if (arguments.size() == 3 && arguments.at(1).startsWith(s_hold))
+        return Hold(arguments.at(2), arguments.at(1) == s_holdWithChild);
     TestInstanceLock test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -22,6 +22,7 @@ private slots:
     void TraceFileIsLeftAlone();
     void PortInUse();
     void WhileAHostRuns();
+    void AHostThatIsDead();
     void ChangesNothing();
 
 private:
@@ -301,6 +302,20 @@ void TestVexelHostDiagnose::WhileAHostRuns()
     host.terminate();
     const QString rest = HostSetUp::End(host).error;
     QVERIFY2(!rest.contains(QLatin1String("Received call")), qPrintable(rest));
+}
+
+void TestVexelHostDiagnose::AHostThatIsDead()
+{
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    const QString lock = setUp.Config() + QStringLiteral("/vexelhost.lock");
+    // Of another machine, so that no process number says anything.
+    setUp.Write(lock, "999999\nvexelhost\nelsewhere\n");
+    QCOMPARE(Value(Diagnose(setUp), "configuration", "hostAtWork"), QJsonValue(QStringLiteral("none")));
+    // It looks, and leaves removing to the next host.
+    QVERIFY(QFileInfo::exists(lock));
+    QCOMPARE(setUp.Names(), QStringList{QStringLiteral("one")});
+    QVERIFY(!QFileInfo::exists(lock));
 }
 
 void TestVexelHostDiagnose::ChangesNothing()

@@ -1,0 +1,83 @@
+#include "host/heldfile.h"
+
+#include <QDir>
+
+#include <string>
+
+#include <windows.h>
+
+// An open file that others may only read: the system lets nobody else open it for writing or remove it.
+
+namespace {
+
+std::wstring NameOf(const QString& path)
+{
+    return QDir::toNativeSeparators(path).toStdWString();
+}
+
+HANDLE ToHandle(qintptr handle)
+{
+    return reinterpret_cast<HANDLE>(handle);
+}
+
+} // namespace
+
+HeldFile::~HeldFile()
+{
+    if (m_Handle == -1)
+        return;
+    CloseHandle(ToHandle(m_Handle));
+    // Fails where somebody else has taken it by now.
+    DeleteFileW(NameOf(m_Path).c_str());
+}
+
+HeldFile::Result HeldFile::Take(const QString& path, QString* error)
+{
+    const HANDLE file = CreateFileW(NameOf(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        const DWORD code = GetLastError();
+        if (code == ERROR_SHARING_VIOLATION)
+            return Result::Held;
+        *error = qt_error_string(static_cast<int>(code));
+        return Result::Failed;
+    }
+    if (GetFileType(file) != FILE_TYPE_DISK) {
+        *error = QStringLiteral("%1 is not a file").arg(path);
+        CloseHandle(file);
+        return Result::Failed;
+    }
+    m_Path = path;
+    m_Handle = reinterpret_cast<qintptr>(file);
+    return Result::Taken;
+}
+
+void HeldFile::Write(const QByteArray& content)
+{
+    const HANDLE file = ToHandle(m_Handle);
+    DWORD written = 0;
+    SetFilePointer(file, 0, nullptr, FILE_BEGIN);
+    WriteFile(file, content.constData(), static_cast<DWORD>(content.size()), &written, nullptr);
+    SetEndOfFile(file);
+}
+
+HeldFile::State HeldFile::Look(const QString& path)
+{
+    // Says that it would not bear a writer, and so finds out whether there is one. Who takes the file at this very
+    // moment has to try again.
+    const HANDLE file = CreateFileW(NameOf(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file != INVALID_HANDLE_VALUE) {
+        CloseHandle(file);
+        return State::Free;
+    }
+    switch (GetLastError()) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        return State::Free;
+    case ERROR_SHARING_VIOLATION:
+        return State::Held;
+    default:
+        return State::Unknown;
+    }
+}
