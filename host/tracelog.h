@@ -18,7 +18,7 @@ class TraceLog
 {
 public:
     /// In bytes.
-    static constexpr qint64 LargestFile = 10 * 1024 * 1024;
+    static constexpr qint64 LargestFile = qint64{10} * 1024 * 1024;
 
     TraceLog() = default;
     /// Gives reports and enabled kinds back as they were.
