@@ -24,6 +24,7 @@ private slots:
     void twiceGivesOneDialog();
     void tenAtOnceGiveOneHost();
     void otherConfigurationIsCalledAsWell();
+    void headlessHostIsNotTakenForADialog();
     void hostThatRefusesItsCommandLine();
     void hostArgumentsArrive();
     void hostThatIsMissing();
@@ -217,6 +218,36 @@ void TestKiteStarter::otherConfigurationIsCalledAsWell()
     COMPARE_CALLED(setUp.Run({QStringLiteral("--"), QStringLiteral("--config"), setUp.Path(QStringLiteral("other"))}));
     QCOMPARE(setUp.Traced(s_called), 2);
     QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("other"))));
+}
+
+void TestKiteStarter::headlessHostIsNotTakenForADialog()
+{
+    NEED_PORT();
+    SetUp setUp;
+    const QString list = setUp.Path(QStringLiteral("list.xml"));
+    QFile file(list);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<ConnectionEntries><Connection><ConnectionName>mast</ConnectionName><DeviceType>4</DeviceType>"
+               "</Connection></ConnectionEntries>");
+    file.close();
+    // It shows nothing, and would be at it for an hour.
+    setUp.environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
+    QProcess headless;
+    headless.setProcessEnvironment(setUp.environment);
+    headless.start(QStringLiteral(VEXELHOST),
+                   {QStringLiteral("--config"), setUp.Path(QStringLiteral("headless")), QStringLiteral("--add"), list,
+                    QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+    QByteArray said;
+    QTRY_VERIFY2_WITH_TIMEOUT((said += headless.readAllStandardOutput()).contains("Free -> In Use"),
+                              headless.readAllStandardError().constData(), 60'000);
+
+    COMPARE_COMPLAINT(setUp.Run({QStringLiteral("--call-only")}), 6, QLatin1String("no connect dialog is running"));
+    COMPARE_CALLED(setUp.RunForHost());
+    QCOMPARE(setUp.Traced(s_created), 1);
+    QCOMPARE(setUp.Traced(s_called), 1);
+    QCOMPARE(headless.state(), QProcess::Running);
+    QVERIFY(System::AskToEnd(headless.processId()));
+    QVERIFY(headless.state() == QProcess::NotRunning || headless.waitForFinished(60'000));
 }
 
 void TestKiteStarter::hostThatRefusesItsCommandLine()
