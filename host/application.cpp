@@ -16,6 +16,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QScopeGuard>
 
 #include <utility>
 
@@ -60,11 +61,12 @@ ExitCode Application::Run()
         return taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable;
     }
     if (!lock.Warning().isEmpty())
-        Console::Complain(lock.Warning());
+        m_Notices.Say(lock.Warning());
     // Whoever calls the link wants to see a dialog, and a headless host shows none.
     CInterfaceCreator::SetServersAllowed(!m_Options.IsHeadless());
     // What was found damaged, and what is used instead, comes up when it is first read.
-    CfgCenter::SetNoticeSink(&Console::Complain);
+    CfgCenter::SetNoticeSink([this](const QString& notice) { m_Notices.Say(notice); });
+    const auto noNotices = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
     if (!CfgCenter::Open(m_Options.configDirectory)) {
         Console::Complain(
             QStringLiteral("the configuration directory %1 cannot be used").arg(m_Options.configDirectory));
@@ -84,7 +86,7 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     if (!m_Options.dataDirectory.isEmpty())
         DataDirectory::Set(m_Options.dataDirectory);
     if (const QString notice = KeepMalformedSetAside(); !notice.isEmpty())
-        Console::Complain(notice);
+        m_Notices.Say(notice);
 
     ExitCode result = ExitCode::Unusable;
     if (PluginLibrary::Instance instance = CreateInstance(library); !instance)
@@ -144,7 +146,7 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
 
 void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog)
 {
-    DialogSession session(dialog, [&] { return SaveSettings(instance, dialog.Window()); });
+    DialogSession session(dialog, m_Notices, [&] { return SaveSettings(instance, dialog.Window()); });
     QObject::connect(&session, &DialogSession::EndWanted, qApp, [] { QCoreApplication::exit(); });
     session.Start();
     QCoreApplication::exec();

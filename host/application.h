@@ -2,6 +2,7 @@
 
 #include "host/exitcode.h"
 #include "host/hostoptions.h"
+#include "host/notices.h"
 #include "host/pluginlibrary.h"
 
 class ConnectDialog;
@@ -29,5 +30,6 @@ private:
     bool SaveDocument();
 
     const HostOptions m_Options;
+    Notices m_Notices;
     bool m_SaveFailed = false;
 };

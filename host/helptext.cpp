@@ -19,11 +19,15 @@ With a person at the dialog:
   entries are in use, shows the dialog, saves and quits. "Close" then hides the
   dialog until it is called. Quitting asks first while an entry is in use.
   Without a tray "Close" ends the host while no entry is in use. While one is,
-  the host keeps running, says so on standard error, and shows the dialog again
-  when the last application has ended.
+  the host keeps running, says so, and shows the dialog again when the last
+  application has ended. Where the configuration cannot be saved, it asks
+  before it ends.
   "Connect" hides the dialog until the last application has ended, too; when it
   could start nothing, the dialog is back at once. kitestarter brings a hidden
   dialog back at any time.
+  What it has to say goes to standard error. Where that leads to no terminal,
+  pipe or file, as when kitestarter started the host, it is shown in the tray,
+  or without one in a box.
   SIGINT, SIGTERM and the end of the session end the host at any time, without
   a question. Whichever way it ends, it saves the list, the filter and the
   window's size first; applications that it started end with it.

@@ -14,16 +14,25 @@ QuitQuestion::~QuitQuestion()
 
 void QuitQuestion::Ask(int inUse)
 {
+    const QString count = inUse == 1 ? tr("1 entry is in use.") : tr("%n entries are in use.", nullptr, inUse);
+    Open(count + QStringLiteral("\n\n") + tr("Applications that were started from the connect dialog end with it."));
+}
+
+void QuitQuestion::AskUnsaved()
+{
+    Open(tr("The configuration could not be saved.") + QStringLiteral("\n\n") +
+         tr("What was changed since it was last saved is lost when the connect dialog ends now."));
+}
+
+void QuitQuestion::Open(const QString& text)
+{
     if (m_pBox) {
         m_pBox->raise();
         m_pBox->activateWindow();
         return;
     }
     // No parent: the dialog is most likely hidden.
-    const QString count = inUse == 1 ? tr("1 entry is in use.") : tr("%n entries are in use.", nullptr, inUse);
-    m_pBox = new QMessageBox(QMessageBox::Question, tr("Vexel - Connect Dialog"),
-                             count + QStringLiteral("\n\n") +
-                                 tr("Applications that were started from the connect dialog end with it."));
+    m_pBox = new QMessageBox(QMessageBox::Question, tr("Vexel - Connect Dialog"), text);
     m_pBox->setAttribute(Qt::WA_DeleteOnClose);
     const QPushButton* quit = m_pBox->addButton(tr("Quit"), QMessageBox::AcceptRole);
     QPushButton* cancel = m_pBox->addButton(tr("Cancel"), QMessageBox::RejectRole);

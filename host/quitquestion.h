@@ -4,8 +4,9 @@
 #include <QObject>
 #include <QPointer>
 
-/// Asks whether the host shall end although entries are in use. Does not wait for the answer, so that everything else,
-/// such as a request of the system to end, goes on meanwhile.
+/// Asks whether the host shall end although something is lost with it: entries are in use, or the last changes could
+/// not be saved. Does not wait for the answer, so that everything else, such as a request of the system to end, goes on
+/// meanwhile.
 class QuitQuestion : public QObject
 {
     Q_OBJECT
@@ -17,10 +18,14 @@ public:
 
     /// Shows the box; one that is open already comes to the front. `inUse` is the number of entries in use.
     void Ask(int inUse);
+    /// The same where the configuration could not be saved.
+    void AskUnsaved();
 
 signals:
     void Answered(bool quit);
 
 private:
+    void Open(const QString& text);
+
     QPointer<QMessageBox> m_pBox;
 };

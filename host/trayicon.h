@@ -22,6 +22,8 @@ public:
     /// Whether a person can see the icon.
     bool IsAvailable() const { return m_Available; }
 
+    /// Whether a message beside the icon can be seen.
+    bool CanTell() const { return m_Available && QSystemTrayIcon::supportsMessages(); }
     /// A message beside the icon; nothing where there is no tray.
     void Tell(const QString& text, QSystemTrayIcon::MessageIcon icon);
 

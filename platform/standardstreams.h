@@ -21,4 +21,8 @@ void Write(Stream stream, const QString& text);
 /// Writes `bytes` as they are.
 void Write(Stream stream, const QByteArray& bytes);
 
+/// Whether somebody may read what is written to `stream`: it leads to a terminal, a pipe or a file. Not so where a
+/// program is started without any of these, or, by a session, for its journal alone.
+bool IsRead(Stream stream);
+
 } // namespace StandardStreams

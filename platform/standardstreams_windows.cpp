@@ -48,6 +48,15 @@ void Prepare()
     }
 }
 
+bool IsRead(Stream stream)
+{
+    const HANDLE handle = GetStdHandle(IdOf(stream));
+    if (!LeadsSomewhere(handle))
+        return false;
+    // The device that swallows everything is of a console's type.
+    return GetFileType(handle) != FILE_TYPE_CHAR || IsConsole(handle);
+}
+
 void Write(Stream stream, const QString& text)
 {
     const HANDLE handle = GetStdHandle(IdOf(stream));

@@ -11,6 +11,28 @@
         <source>The configuration could not be saved.</source>
         <translation>Die Konfiguration konnte nicht gespeichert werden.</translation>
     </message>
+    <message>
+        <source>1 entry is still in use.</source>
+        <translation>1 Eintrag ist noch in Benutzung.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n entries are still in use.</source>
+        <translation>
+            <numerusform>%n Eintrag ist noch in Benutzung.</numerusform>
+            <numerusform>%n Einträge sind noch in Benutzung.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The connect dialog comes back when the last application has ended; kitestarter brings it back at once.</source>
+        <translation>Der Verbindungsdialog kommt zurück, wenn die letzte Anwendung geendet hat; kitestarter bringt ihn sofort zurück.</translation>
+    </message>
+</context>
+<context>
+    <name>NoticeBox</name>
+    <message>
+        <source>Vexel - Connect Dialog</source>
+        <translation>Vexel - Verbinden</translation>
+    </message>
 </context>
 <context>
     <name>QuitQuestion</name>
@@ -32,6 +54,14 @@
     <message>
         <source>Applications that were started from the connect dialog end with it.</source>
         <translation>Anwendungen, die aus dem Verbindungsdialog gestartet wurden, enden mit ihm.</translation>
+    </message>
+    <message>
+        <source>The configuration could not be saved.</source>
+        <translation>Die Konfiguration konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>What was changed since it was last saved is lost when the connect dialog ends now.</source>
+        <translation>Was seit dem letzten Speichern geändert wurde, geht verloren, wenn der Verbindungsdialog jetzt endet.</translation>
     </message>
     <message>
         <source>Quit</source>

@@ -1,7 +1,9 @@
 #include "host/connectdialog.h"
 #include "host/dialogsession.h"
+#include "host/notices.h"
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
+#include "tests/host/errorsto.h"
 #include "tests/host/fakedialog.h"
 
 #include <QApplication>
@@ -9,6 +11,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
+#include <QProcess>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
@@ -27,7 +30,7 @@ struct Session
         fake.setWindowTitle(QStringLiteral("Vexel - Connect Dialog"));
         QString error;
         dialog = ConnectDialog::Find(error);
-        session = std::make_unique<DialogSession>(*dialog, [this] {
+        session = std::make_unique<DialogSession>(*dialog, notices, [this] {
             ++saved;
             return canSave;
         });
@@ -63,6 +66,7 @@ struct Session
     std::optional<ConnectDialog> dialog;
     int saved = 0;
     bool canSave = true;
+    Notices notices;
     std::unique_ptr<DialogSession> session;
     std::unique_ptr<QSignalSpy> end;
 };
@@ -109,6 +113,7 @@ private slots:
     void menu();
     void quitAsksWhileInUse();
     void onlyAFailedSaveIsTold();
+    void noticesAreToldWhereNobodyReads();
     void aPanelThatStartsAnew();
     void aPanelThatGoesForGood();
     void aPanelThatComesLater();
@@ -223,6 +228,30 @@ void tst_DesktopTray::onlyAFailedSaveIsTold()
     session.Choose(QStringLiteral("Save now"));
     QTRY_VERIFY(BalloonSays(QStringLiteral("The configuration could not be saved.")));
     Balloon()->close();
+}
+
+void tst_DesktopTray::noticesAreToldWhereNobodyReads()
+{
+    const ErrorsTo nobody(QProcess::nullDevice());
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.notices.Say(QStringLiteral("the document was damaged"));
+    QTRY_VERIFY(BalloonSays(QStringLiteral("the document was damaged")));
+    Balloon()->close();
+    // The host stays in the tray, so nothing is lost yet.
+    session.canSave = false;
+    session.fake.close();
+    QTRY_VERIFY(BalloonSays(QStringLiteral("The configuration could not be saved.")));
+    QVERIFY(!QApplication::activeModalWidget());
+    QCOMPARE(session.end->count(), 0);
+    Balloon()->close();
+    session.Choose(QStringLiteral("Quit"));
+    QTRY_VERIFY(QApplication::activeModalWidget());
+    QCOMPARE(session.end->count(), 0);
+    Desktop::Press(QStringLiteral("Escape"));
+    QTRY_VERIFY(session.fake.isVisible());
+    QVERIFY(!QApplication::activeModalWidget());
 }
 
 void tst_DesktopTray::aPanelThatStartsAnew()

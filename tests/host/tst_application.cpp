@@ -1,6 +1,7 @@
 #include "host/application.h"
 #include "host/connectdialog.h"
 #include "platform/guibase.h"
+#include "tests/host/errorsto.h"
 #include "tests/support/system.h"
 
 #include <QAction>
@@ -144,6 +145,8 @@ private slots:
     void QuitWithNothingInUse();
     void QuitAsksWhileEntriesAreInUse();
     void ClosingWithoutATrayEndsTheHost();
+    void ClosingThatCannotSaveAsks();
+    void ADamagedConfigurationIsShownWhereNobodyReads();
     void TheTraySpeaksTheLanguage();
     void SizeOutlivesTheRun_data();
     void SizeOutlivesTheRun();
@@ -283,6 +286,65 @@ void TestApplication::ClosingWithoutATrayEndsTheHost()
         true);
     QCOMPARE(code, ExitCode::Done);
     QVERIFY(host.HasStored("Close mast"));
+}
+
+void TestApplication::ClosingThatCannotSaveAsks()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("A folder with an open file in it cannot be taken away here.");
+#endif
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        QSKIP("There is a tray here.");
+    Host host;
+    const QString aside = host.directory.filePath(QStringLiteral("aside"));
+    QStringList asked;
+    const ExitCode code = host.Run(
+        [&](const ConnectDialog& dialog) {
+            AddEntry(dialog, QStringLiteral("Kept mast"));
+            QVERIFY(QDir().rename(host.options.configDirectory, aside));
+            QFile blocker(host.options.configDirectory);
+            QVERIFY(blocker.open(QIODevice::WriteOnly));
+            QWidget* const window = dialog.Window();
+            WhenABoxIsOpen([&, window](QMessageBox& box) {
+                asked.append(box.text());
+                // As a person does who then makes room.
+                QVERIFY(QFile::remove(host.options.configDirectory));
+                QVERIFY(QDir().rename(aside, host.options.configDirectory));
+                box.reject();
+                QVERIFY(window->isVisible());
+                window->close();
+            });
+            window->close();
+        },
+        true);
+    QCOMPARE(asked.size(), 1);
+    QVERIFY2(asked.constFirst().contains(QLatin1String("could not be saved")), qPrintable(asked.constFirst()));
+    QCOMPARE(code, ExitCode::Done);
+    QVERIFY(host.HasStored("Kept mast"));
+}
+
+void TestApplication::ADamagedConfigurationIsShownWhereNobodyReads()
+{
+    Host host;
+    for (const char* name : {"First mast", "Second mast"})
+        host.Run([&](const ConnectDialog& dialog) { AddEntry(dialog, QString::fromLatin1(name)); });
+    QFile document(host.options.configDirectory + QStringLiteral("/application/@application.ini"));
+    QVERIFY(document.open(QIODevice::ReadWrite));
+    QVERIFY(document.resize(0) && document.write(QByteArray(1000, '\0')) == 1000);
+    document.close();
+
+    const ErrorsTo nobody(QProcess::nullDevice());
+    QString shown;
+    host.Run([&](const ConnectDialog&) {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == QLatin1String("m_NoticeBox") && widget->isVisible())
+                shown = qobject_cast<QMessageBox*>(widget)->text();
+        }
+    });
+    QVERIFY2(shown.contains(QLatin1String("damaged")), qPrintable(shown));
+    // It goes with the host.
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        QVERIFY(widget->objectName() != QLatin1String("m_NoticeBox"));
 }
 
 void TestApplication::TheTraySpeaksTheLanguage()

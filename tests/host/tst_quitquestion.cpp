@@ -33,6 +33,7 @@ class TestQuitQuestion : public QObject
 private slots:
     void Tells_data();
     void Tells();
+    void TellsWhatCouldNotBeSaved();
     void Answers_data();
     void Answers();
     void AsksOnceAtATime();
@@ -56,6 +57,20 @@ void TestQuitQuestion::Tells()
     QVERIFY(OpenBox());
     QCOMPARE(OpenBox()->text().section(QLatin1Char('\n'), 0, 0), text);
     QVERIFY(OpenBox()->text().contains(QLatin1String("end with it")));
+}
+
+void TestQuitQuestion::TellsWhatCouldNotBeSaved()
+{
+    QuitQuestion question;
+    const QSignalSpy answered(&question, &QuitQuestion::Answered);
+    question.AskUnsaved();
+    QVERIFY(OpenBox());
+    QVERIFY(OpenBox()->text().startsWith(QLatin1String("The configuration could not be saved.\n\n")));
+    QVERIFY(Button(QStringLiteral("Quit")));
+    // Nothing is lost by chance.
+    QTest::keyClick(OpenBox(), Qt::Key_Return);
+    QCOMPARE(answered.count(), 1);
+    QVERIFY(!answered.at(0).at(0).toBool());
 }
 
 void TestQuitQuestion::Answers_data()

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+/// While it lives, what this process writes to standard error goes to `file`, from its beginning. To
+/// `QProcess::nullDevice()`: nobody reads it, as where a program is started without a terminal.
+class ErrorsTo
+{
+public:
+    explicit ErrorsTo(const QString& file);
+    ~ErrorsTo();
+    Q_DISABLE_COPY_MOVE(ErrorsTo)
+
+private:
+    qintptr m_Former = -1;
+    qintptr m_File = -1;
+};

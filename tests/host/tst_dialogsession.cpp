@@ -1,0 +1,240 @@
+#include "host/connectdialog.h"
+#include "host/dialogsession.h"
+#include "host/notices.h"
+#include "tests/host/errorsto.h"
+#include "tests/host/fakedialog.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QSystemTrayIcon>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+/// A session without a tray, and without anybody at standard error.
+struct Session
+{
+    Session()
+    {
+        fake.Add(QStringLiteral("mast"));
+        QString error;
+        dialog = ConnectDialog::Find(error);
+        session = std::make_unique<DialogSession>(*dialog, notices, [this] {
+            ++saved;
+            return canSave;
+        });
+        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::EndWanted);
+    }
+
+    const ErrorsTo errors{QProcess::nullDevice()};
+    FakeDialog fake;
+    std::optional<ConnectDialog> dialog;
+    Notices notices;
+    int saved = 0;
+    bool canSave = true;
+    std::unique_ptr<DialogSession> session;
+    std::unique_ptr<QSignalSpy> end;
+};
+
+QMessageBox* Question()
+{
+    return qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+}
+
+void Answer(const QString& text)
+{
+    QVERIFY(Question());
+    for (QAbstractButton* button : Question()->buttons()) {
+        if (button->text() == text) {
+            button->click();
+            return;
+        }
+    }
+    QFAIL(qPrintable(text));
+}
+
+QMessageBox* NoticeOnScreen()
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == QLatin1String("m_NoticeBox") && widget->isVisible())
+            return qobject_cast<QMessageBox*>(widget);
+    }
+    return nullptr;
+}
+
+const QString s_notSaved = QStringLiteral("The configuration could not be saved.");
+
+} // namespace
+
+class TestDialogSession : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        if (QSystemTrayIcon::isSystemTrayAvailable())
+            QSKIP("There is a tray here.");
+        QApplication::setQuitOnLastWindowClosed(false);
+    }
+    void cleanup()
+    {
+        QVERIFY(!Question());
+        QVERIFY(!NoticeOnScreen());
+    }
+
+    void ClosingSavesAndEnds();
+    void ClosingThatCannotSaveAsks();
+    void QuittingThatCannotSaveAsks();
+    void AFailedSaveWhileInUseIsShown();
+    void StayingHiddenIsShown();
+    void NothingIsShownWhereStandardErrorIsRead();
+    void WhatCameBeforeTheDialogIsShownWithIt();
+    void SeveralNoticesShareABox();
+};
+
+void TestDialogSession::ClosingSavesAndEnds()
+{
+    Session host;
+    host.session->Start();
+    // What was to be decided at the start has been.
+    QCoreApplication::processEvents();
+    host.fake.close();
+    QTRY_COMPARE(host.end->count(), 1);
+    QVERIFY(host.saved > 0);
+}
+
+void TestDialogSession::ClosingThatCannotSaveAsks()
+{
+    Session host;
+    host.session->Start();
+    host.canSave = false;
+    host.fake.close();
+    QTRY_VERIFY(Question());
+    QVERIFY2(Question()->text().startsWith(s_notSaved), qPrintable(Question()->text()));
+    QCOMPARE(host.end->count(), 0);
+    // Whoever stays has the dialog again, with everything in it.
+    Answer(QStringLiteral("Cancel"));
+    QTRY_VERIFY(host.fake.isVisible());
+    QVERIFY(!Question());
+
+    host.fake.close();
+    QTRY_VERIFY(Question());
+    Answer(QStringLiteral("Quit"));
+    QTRY_COMPARE(host.end->count(), 1);
+
+    // With room again, it is as if nothing had been.
+    host.fake.show();
+    host.canSave = true;
+    host.fake.close();
+    QTRY_COMPARE(host.end->count(), 2);
+}
+
+void TestDialogSession::QuittingThatCannotSaveAsks()
+{
+    Session host;
+    host.session->Start();
+    host.canSave = false;
+    host.fake.SetStatus(0, 1);
+    const QMenu* menu = host.session->findChild<QSystemTrayIcon*>()->contextMenu();
+    menu->actions().constLast()->trigger();
+    QTRY_VERIFY(Question());
+    QVERIFY2(Question()->text().contains(QLatin1String("in use")), qPrintable(Question()->text()));
+    Answer(QStringLiteral("Quit"));
+    QTRY_VERIFY(Question());
+    QVERIFY2(Question()->text().startsWith(s_notSaved), qPrintable(Question()->text()));
+    QCOMPARE(host.end->count(), 0);
+    Answer(QStringLiteral("Quit"));
+    QCOMPARE(host.end->count(), 1);
+}
+
+void TestDialogSession::AFailedSaveWhileInUseIsShown()
+{
+    Session host;
+    host.session->Start();
+    host.canSave = false;
+    host.fake.SetStatus(0, 1);
+    host.fake.close();
+    QTRY_VERIFY(NoticeOnScreen() && NoticeOnScreen()->text().contains(s_notSaved));
+    QVERIFY(!Question());
+    QCOMPARE(host.end->count(), 0);
+}
+
+void TestDialogSession::StayingHiddenIsShown()
+{
+    Session host;
+    host.session->Start();
+    host.fake.SetStatus(0, 1);
+    host.fake.close();
+    QTRY_VERIFY(NoticeOnScreen());
+    for (const QString& part : {QStringLiteral("1 entry is still in use."), QStringLiteral("kitestarter")})
+        QVERIFY2(NoticeOnScreen()->text().contains(part), qPrintable(NoticeOnScreen()->text()));
+    QVERIFY(host.fake.isHidden());
+    // It is in nobody's way: the dialog comes back when it should.
+    host.fake.SetStatus(0, 0);
+    QTRY_VERIFY(host.fake.isVisible());
+    QVERIFY(NoticeOnScreen());
+    NoticeOnScreen()->close();
+    QCOMPARE(host.end->count(), 0);
+}
+
+void TestDialogSession::NothingIsShownWhereStandardErrorIsRead()
+{
+    const QTemporaryDir directory;
+    const QString fileName = directory.filePath(QStringLiteral("errors"));
+    {
+        Session host;
+        const ErrorsTo errors(fileName);
+        host.session->Start();
+        host.canSave = false;
+        host.fake.SetStatus(0, 1);
+        host.fake.close();
+        QTRY_VERIFY(host.saved > 0);
+        QCoreApplication::processEvents();
+        QVERIFY(!NoticeOnScreen());
+    }
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray said = file.readAll();
+    QVERIFY2(said.contains("vexelhost: 1 entry is still in use"), said.constData());
+}
+
+void TestDialogSession::WhatCameBeforeTheDialogIsShownWithIt()
+{
+    Session host;
+    host.notices.Say(QStringLiteral("the document <b>was</b> damaged"));
+    QVERIFY(!NoticeOnScreen());
+    host.session->Start();
+    QTRY_VERIFY(NoticeOnScreen());
+    QCOMPARE(NoticeOnScreen()->text(), QStringLiteral("the document <b>was</b> damaged"));
+    QCOMPARE(NoticeOnScreen()->textFormat(), Qt::PlainText);
+    // The dialog can be used meanwhile.
+    QVERIFY(host.fake.isVisible());
+    QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestDialogSession::SeveralNoticesShareABox()
+{
+    Session host;
+    host.session->Start();
+    host.notices.Say(QStringLiteral("one"));
+    const QMessageBox* box = NoticeOnScreen();
+    QVERIFY(box);
+    host.notices.Say(QStringLiteral("two"));
+    QCOMPARE(NoticeOnScreen(), box);
+    QCOMPARE(box->text(), QStringLiteral("one\n\ntwo"));
+    NoticeOnScreen()->close();
+    host.notices.Say(QStringLiteral("three"));
+    QVERIFY(NoticeOnScreen());
+    QCOMPARE(NoticeOnScreen()->text(), QStringLiteral("three"));
+}
+
+QTEST_MAIN(TestDialogSession)
+#include "tst_dialogsession.moc"
