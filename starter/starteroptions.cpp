@@ -27,19 +27,23 @@ The call:
   The dialog is called on port 8451 of this machine, which one program can have
   at a time. So whichever host has it comes to the front, whatever arguments
   are given here for another. Nothing leaves the machine.
+  On a machine that several people work on at a time, that may be another
+  person's dialog, which comes to the front where it is.
   The host that is started lives on by itself, with this program's current
-  directory and environment; what it writes to standard output and standard
-  error is dropped.
+  directory and environment. What it would write to standard error about its
+  work, it shows at its dialog instead; the rest of its output is dropped. Why
+  it ended before its dialog was there, it says when it is started by itself.
 
 Exit codes:
   0  a dialog has come to the front: one that was running, or a new one
   1  the command line is wrong
   2  the host cannot be started
-  3  the host was started, and ended before its dialog answered
+  3  the host was started, and ended before its dialog answered, or gave way to
+     one that works on the same configuration and shows no dialog
   4  the host was started, and its dialog did not answer in time; it is left
      running
-  5  another program has the port, or a dialog that is busy for longer than
-     the time-out; no host was started
+  5  another program has the port and answers or cuts off calls, or a dialog
+     that is busy for longer than the time-out; no host was started
   6  no dialog is running (with --call-only)
 )");
 }
