@@ -4,9 +4,11 @@
 #include "platform/confignames.h"
 #include "platform/confignode.h"
 #include "platform/tracing.h"
+#include "platform/wholefile.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStringList>
 #include <QTemporaryFile>
 
 #include <map>
@@ -18,8 +20,9 @@ namespace {
 /// What `CfgCenter` holds for the process.
 struct Store
 {
-    QString directory;                                            // empty: documents live in memory alone
-    std::map<QString, std::shared_ptr<ConfigDocument>> documents; // by file, relative to the store
+    QString directory; // empty: documents live in memory alone
+    ConfigDocument::Access access = ConfigDocument::Access::Change;
+    std::map<QString, std::shared_ptr<ConfigDocument>> documents;                 // by file, relative to the store
     std::map<std::pair<QString, QString>, std::unique_ptr<ConfigNode>> rootNodes; // by that file and the key path
 };
 
@@ -35,31 +38,52 @@ std::function<void(const QString&)>& TheNoticeSink()
     return sink;
 }
 
+void Tell(const QString& notice)
+{
+    if (!notice.isEmpty() && TheNoticeSink())
+        TheNoticeSink()(notice);
+}
+
 ICfg* RootNode(const QString& file, const QString& path)
 {
     Store& store = TheStore();
     auto& document = store.documents[file];
     QString notice;
     if (!document) {
-        document =
-            std::make_shared<ConfigDocument>(store.directory.isEmpty() ? QString() : store.directory + u'/' + file);
-        notice = document->Notice();
+        document = std::make_shared<ConfigDocument>(
+            store.directory.isEmpty() ? QString() : store.directory + u'/' + file, store.access);
+        notice = document->TakeNotice();
     }
     auto& node = store.rootNodes[{file, path}];
     if (!node)
         node = std::make_unique<ConfigNode>(document, path);
     ICfg* const result = node.get();
-    // Last, as the sink may come back here.
-    if (!notice.isEmpty() && TheNoticeSink())
-        TheNoticeSink()(notice);
+    Tell(notice); // last, as the sink may come back here
     return result;
 }
 
-bool CanHoldFiles(const QString& directory)
+QString& TheOpenError()
+{
+    static QString error;
+    return error;
+}
+
+/// Why no file can be made in `directory`; empty where one can. A full disk is no reason: what is stored can be read,
+/// and room may come.
+QString ObstacleIn(const QString& directory)
 {
     // Permission bits do not tell: a file system can be read-only, and an administrator passes them all.
     QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
-    return probe.open();
+    return probe.open() ? QString() : probe.errorString();
+}
+
+QString ObstacleTo(const QString& directory)
+{
+    if (directory.isEmpty())
+        return QStringLiteral("it has no name");
+    if (MakeFolder(directory))
+        return ObstacleIn(directory);
+    return QFileInfo(directory).exists() ? QStringLiteral("it is no directory") : QStringLiteral("it cannot be made");
 }
 
 } // namespace
@@ -77,8 +101,13 @@ ICfg* CfgCenter::CreateCfg(const QString& name, View view, const QString& sub)
 bool CfgCenter::SaveDocument()
 {
     bool isSaved = true;
-    for (const auto& [file, document] : TheStore().documents)
+    QStringList notices;
+    for (const auto& [file, document] : TheStore().documents) {
         isSaved = document->Save() && isSaved;
+        notices += document->TakeNotice();
+    }
+    for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
+        Tell(notice);
     return isSaved;
 }
 
@@ -87,14 +116,21 @@ bool CfgCenter::Open(const QString& directory)
     Close();
 
     const QString path = directory.isEmpty() ? QString() : QDir(directory).absolutePath();
-    if (path.isEmpty() || !QDir().mkpath(path) || !CanHoldFiles(path)) {
+    TheOpenError() = ObstacleTo(path);
+    if (!TheOpenError().isEmpty()) {
         TraceWhenWanted("platform/cfgcenter", __LINE__, [&] {
-            return QStringLiteral("CfgCenter::Open(): Could not use %1 as configuration directory").arg(directory);
+            return QStringLiteral("CfgCenter::Open(): Could not use %1 as configuration directory: %2")
+                .arg(directory, TheOpenError());
         });
         return false;
     }
     TheStore().directory = path;
     return true;
+}
+
+QString CfgCenter::OpenError()
+{
+    return TheOpenError();
 }
 
 bool CfgCenter::OpenToLook(const QString& directory)
@@ -104,6 +140,7 @@ bool CfgCenter::OpenToLook(const QString& directory)
     if (!QFileInfo(directory).isDir())
         return false;
     TheStore().directory = QDir(directory).absolutePath();
+    TheStore().access = ConfigDocument::Access::Look;
     return true;
 }
 
@@ -115,6 +152,12 @@ void CfgCenter::Close()
 QString CfgCenter::Directory()
 {
     return TheStore().directory;
+}
+
+bool CfgCenter::IsAppCfgKnown(View view)
+{
+    GetAppCfg(view);
+    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->IsKnown();
 }
 
 void CfgCenter::SetNoticeSink(std::function<void(const QString&)> sink)

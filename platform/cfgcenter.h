@@ -30,16 +30,20 @@ public:
 
     /// Brings every changed document to disk, each atomically: after a crash at any moment its file holds the old or
     /// the new state, whole. What another process changed meanwhile under other keys is kept. Returns false, with a
-    /// trace, when a document could not be written; it then stays changed, and its file as it was.
+    /// trace, when a document could not be written; it then stays changed, and its file as it was. A file that cannot
+    /// be read any more is kept aside, and what was known of it is written in its place.
     static bool SaveDocument();
 
     /// Host side: uses `directory` as the store and creates it where it is missing. Returns false, with a trace, when
     /// it cannot be used; the store is then as after `Close`. Drops every node as `Close` does.
     static bool Open(const QString& directory);
 
-    /// Host side: uses `directory` as the store only to look at it: it is neither made nor tried whether it can be
-    /// written. Returns false when it is no directory; the store is then as after `Close`. Drops every node as `Close`
-    /// does.
+    /// Host side: after an `Open` that returned false: why, in the words of the system.
+    static QString OpenError();
+
+    /// Host side: uses `directory` as the store only to look at it: nothing is written there, and changed documents
+    /// cannot be saved. Returns false when it is no directory; the store is then as after `Close`. Drops every node as
+    /// `Close` does.
     static bool OpenToLook(const QString& directory);
 
     /// Host side: forgets every document and drops every node. Saves nothing. Handles that callers still own stay
@@ -49,8 +53,12 @@ public:
     /// Host side: the store's directory, whole path; empty while documents live in memory alone.
     static QString Directory();
 
+    /// Host side: whether what is stored in the application's own document in `view` is known. False where its file
+    /// could not even be looked at, for a reason that may pass; the document then seems empty, and cannot be saved.
+    static bool IsAppCfgKnown(View view);
+
     /// Host side: who is told, in one plain English line, that a document could not be read when it was first asked
-    /// for, where its file was kept, and what is used instead. An empty `sink`: nobody, as at first. Stays over `Open`
-    /// and `Close`. The same is traced.
+    /// for or when it was saved, where its file was kept, and what is used instead. An empty `sink`: nobody, as at
+    /// first. Stays over `Open` and `Close`. The same is traced.
     static void SetNoticeSink(std::function<void(const QString&)> sink);
 };

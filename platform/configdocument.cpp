@@ -32,8 +32,9 @@ bool IsBelow(const QString& path, const QString& node)
 
 } // namespace
 
-ConfigDocument::ConfigDocument(QString file)
+ConfigDocument::ConfigDocument(QString file, Access access)
     : m_file(std::move(file))
+    , m_access(access)
 {
     if (!m_file.isEmpty())
         Load();
@@ -92,7 +93,7 @@ void ConfigDocument::Load()
     }
 
     // Another process may be mending it at this moment: what the lock's owner finds counts.
-    const auto lock = file.Lock();
+    const auto lock = m_access == Access::Look ? nullptr : file.Lock();
     if (lock)
         reading = file.Read();
     if (!NeedsRecovery(reading)) {
@@ -113,11 +114,12 @@ void ConfigDocument::Load()
 void ConfigDocument::Use(const DocumentFile::Reading& reading)
 {
     if (!reading.text) {
-        Trace(__LINE__, [&] {
-            return QStringLiteral("ConfigDocument::Load(): Nothing to read %1 with, such as room for temporary files")
+        m_notice =
+            QStringLiteral("%1 cannot be read at the moment, so nothing in it is known, and nothing is saved to it")
                 .arg(m_file);
-        });
+        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
         m_isToBeLeftAlone = true;
+        m_isKnown = false;
         return;
     }
     TakeOver(reading.text->Values());
@@ -144,6 +146,8 @@ bool ConfigDocument::Save()
         return false;
     };
 
+    if (m_access == Access::Look)
+        return fail(__LINE__, "the configuration was opened to look at it");
     const DocumentFile file(m_file);
     const auto lock = file.Lock();
     if (!lock)
@@ -163,32 +167,39 @@ bool ConfigDocument::Save()
         break;
     case State::Whole:
         break;
-    case State::Unreadable:
-        return fail(__LINE__, "the file that is there cannot be read");
     case State::Unavailable:
-        return fail(__LINE__, "no temporary file");
+        return fail(__LINE__, "the file that is there cannot be read at the moment");
     case State::Damaged:
-        // Damaged since it was read. The working copy still knows what was in it.
+    case State::Unreadable:
+        // So since it was read. The working copy still knows what was in it.
         aside = file.KeepAside();
         if (!aside)
-            return fail(__LINE__, "the damaged file cannot be moved aside");
-        Trace(__LINE__,
-              [&] { return QStringLiteral("ConfigDocument::Save(): %1 is damaged, kept as %2").arg(m_file, *aside); });
+            return fail(__LINE__, "what is in its place cannot be read, nor moved aside");
         before.content.clear();
         before.text = std::make_unique<IniText>(before.content);
         ChangeAll();
         break;
     }
 
-    std::optional<QByteArray> after;
-    if (before.text->GetState() == IniText::State::Whole)
-        after = Merge(*before.text);
-    if (!after || (*after != before.content && !Replace(file, before, *after))) {
+    const bool wasDamaged = before.state == State::Damaged;
+    const QByteArray after = Merge(*before.text);
+    if (after.size() > kLargestDocument) {
         if (aside)
             file.UndoKeepAside(*aside);
-        return fail(__LINE__, after ? "the file cannot be written" : "no temporary file");
+        return fail(__LINE__, "it would be too large to be read again");
+    }
+    if (after != before.content && !Replace(file, before, after)) {
+        if (aside)
+            file.UndoKeepAside(*aside);
+        return fail(__LINE__, "the file cannot be written");
     }
     lock->unlock(); // others need not wait for the rest
+    if (aside) {
+        m_notice =
+            QStringLiteral("%1 %2, kept as %3; what was known of it is saved in its place")
+                .arg(m_file, wasDamaged ? QStringLiteral("is damaged") : QStringLiteral("cannot be read"), *aside);
+        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Save(): %1").arg(m_notice); });
+    }
 
     if (m_fingerprint != FingerprintOf(before.content)) {
         TakeOver(before.text->Values());
@@ -199,11 +210,12 @@ bool ConfigDocument::Save()
     m_removed.clear();
     m_isChanged = false;
     m_isToBeLeftAlone = false;
-    m_fingerprint = FingerprintOf(*after);
+    m_isKnown = true;
+    m_fingerprint = FingerprintOf(after);
     return true;
 }
 
-std::optional<QByteArray> ConfigDocument::Merge(IniText& text) const
+QByteArray ConfigDocument::Merge(IniText& text) const
 {
     for (const QString& path : m_removed)
         text.Remove(path);

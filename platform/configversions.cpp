@@ -7,6 +7,8 @@
 #include "platform/tracing.h"
 #include "platform/versionfolder.h"
 
+#include <QFileInfo>
+
 #include <memory>
 #include <optional>
 
@@ -22,9 +24,23 @@ QString FileOf(View view, const QString& name)
     return store + u'/' + (name.isEmpty() ? ConfigNames::ApplicationFile(view) : ConfigNames::DocumentFile(view, name));
 }
 
-/// Of a working copy that no file belongs to.
-std::unique_ptr<ICfg> RootOf(const DocumentFile::Reading& reading)
+ConfigVersions::Obstacle ObstacleTo(const QString& file, const DocumentFile::Reading& reading)
 {
+    if (reading.text)
+        return ConfigVersions::Obstacle::None;
+    // What is there and no file is no document for anybody.
+    const QFileInfo info(file);
+    const bool isUnread = (reading.state == State::Unreadable || reading.state == State::Unavailable) &&
+                          (info.isFile() || !info.exists());
+    return isUnread ? ConfigVersions::Obstacle::Unread : ConfigVersions::Obstacle::Damaged;
+}
+
+/// Of a working copy that no file belongs to.
+std::unique_ptr<ICfg> RootOf(const QString& file, const DocumentFile::Reading& reading,
+                             ConfigVersions::Obstacle* obstacle)
+{
+    if (obstacle)
+        *obstacle = ObstacleTo(file, reading);
     if (!reading.text)
         return nullptr;
     return std::make_unique<ConfigNode>(std::make_shared<ConfigDocument>(reading.text->Values()), QString());
@@ -61,17 +77,22 @@ QList<ConfigVersion> ConfigVersions::List() const
     return m_file.isEmpty() ? QList<ConfigVersion>() : VersionFolder(m_file).List();
 }
 
-std::unique_ptr<ICfg> ConfigVersions::Open(const ConfigVersion& version) const
+std::unique_ptr<ICfg> ConfigVersions::Open(const ConfigVersion& version, Obstacle* obstacle) const
 {
-    return RootOf(ReadVersion(version));
+    return RootOf(version.file, ReadVersion(version), obstacle);
 }
 
-std::unique_ptr<ICfg> ConfigVersions::OpenCurrent() const
+std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
 {
-    return m_file.isEmpty() ? nullptr : RootOf(::DocumentFile(m_file).Read());
+    if (m_file.isEmpty()) {
+        if (obstacle)
+            *obstacle = Obstacle::Unread;
+        return nullptr;
+    }
+    return RootOf(m_file, ::DocumentFile(m_file).Read(), obstacle);
 }
 
-bool ConfigVersions::Restore(const ConfigVersion& version) const
+bool ConfigVersions::Restore(const ConfigVersion& version, QString* keptAside) const
 {
     const auto fail = [&](int line, const char* reason) {
         TraceWhenWanted("platform/configversions", line, [&] {
@@ -98,7 +119,7 @@ bool ConfigVersions::Restore(const ConfigVersion& version) const
     const auto present = file.Read();
     switch (present.state) {
     case State::Unavailable:
-        return fail(__LINE__, "no temporary file");
+        return fail(__LINE__, "what is in its place cannot be read at the moment");
     case State::Missing:
         break;
     case State::Whole:
@@ -125,5 +146,7 @@ bool ConfigVersions::Restore(const ConfigVersion& version) const
         return fail(__LINE__, "the file cannot be written");
     }
     versions.Prune();
+    if (keptAside)
+        *keptAside = aside.value_or(QString());
     return true;
 }

@@ -38,17 +38,25 @@ public:
     /// their content. Files with other names are left out.
     QList<ConfigVersion> List() const;
 
-    /// The root node of a version. Can be read; what is written to it goes nowhere. Null where the version cannot be
-    /// read or is damaged.
-    std::unique_ptr<ICfg> Open(const ConfigVersion& version) const;
+    /// Why there is nothing to see of a document or version.
+    enum class Obstacle {
+        None,
+        Damaged, ///< what the file holds is no document
+        Unread   ///< it cannot be looked at, by this process or at this moment; what it holds is not known
+    };
+
+    /// The root node of a version. Can be read; what is written to it goes nowhere. Null where there is an obstacle, of
+    /// which kind `obstacle` says.
+    std::unique_ptr<ICfg> Open(const ConfigVersion& version, Obstacle* obstacle = nullptr) const;
     /// The same of the document's file as it is on disk. A document that does not exist yet is empty.
-    std::unique_ptr<ICfg> OpenCurrent() const;
+    std::unique_ptr<ICfg> OpenCurrent(Obstacle* obstacle = nullptr) const;
 
     /// Puts a version in the document's place. What it replaces is kept as the newest version, or beside the document
-    /// where it is damaged. Returns false, with a trace, when that could not be done; then nothing has changed.
+    /// where it cannot be read; that file's path is then put into `keptAside`. Returns false, with a trace, when that
+    /// could not be done; then nothing has changed.
     ///
     /// A process that has the document open keeps its working copy; call `CfgCenter::Open` again to see the change.
-    bool Restore(const ConfigVersion& version) const;
+    bool Restore(const ConfigVersion& version, QString* keptAside = nullptr) const;
 
 private:
     const QString m_file; // the document's

@@ -1,17 +1,15 @@
 #include "platform/documentfile.h"
 
-#include "platform/foldersync.h"
+#include "platform/blockedplace.h"
 #include "platform/patience.h"
-#include "platform/tracing.h"
 #include "platform/versionfolder.h"
+#include "platform/wholefile.h"
 
 #include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
-#include <QSaveFile>
 #include <QThread>
 
 #include <chrono>
@@ -63,11 +61,14 @@ DocumentFile::Reading DocumentFile::Read() const
 
 std::unique_ptr<QLockFile> DocumentFile::Lock() const
 {
-    if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
+    if (!MakeFolder(QFileInfo(m_path).absolutePath()))
         return nullptr;
 
     // The lock that QSettings takes when it writes this file, so that a program which uses it directly fits in.
-    auto lock = std::make_unique<QLockFile>(m_path + QStringLiteral(".lock"));
+    const QString name = m_path + QStringLiteral(".lock");
+    if (IsBlocked(name))
+        return nullptr;
+    auto lock = std::make_unique<QLockFile>(name);
     // QLockFile would by itself ask at ever longer intervals and come too late again and again where others save
     // often.
     constexpr unsigned long kPauseMs = 2;
@@ -91,21 +92,7 @@ std::unique_ptr<QLockFile> DocumentFile::Lock() const
 
 bool DocumentFile::Replace(const QByteArray& content) const
 {
-    // QSaveFile writes a file beside it, has the system bring that to the disk (fsync, FlushFileBuffers) and only then
-    // renames it over the old one. What fails before the renaming, such as a full disk, does not pass by waiting.
-    const bool isReplaced = TryPatiently([&] {
-        QSaveFile saving(m_path);
-        if (!saving.open(QIODevice::WriteOnly) || saving.write(content) != content.size() || !saving.flush())
-            return Attempt::Failed;
-        return saving.commit() ? Attempt::Done : Attempt::Held;
-    });
-    if (isReplaced && !SyncFolder(QFileInfo(m_path).absolutePath())) {
-        TraceWhenWanted("platform/documentfile", __LINE__, [&] {
-            return QStringLiteral("DocumentFile::Replace(): %1 is written, but a loss of power may undo that")
-                .arg(m_path);
-        });
-    }
-    return isReplaced;
+    return TryPatiently([&] { return WriteWholeFile(m_path, content); });
 }
 
 std::optional<QString> DocumentFile::KeepAside() const
@@ -154,6 +141,10 @@ DocumentFile::Reading ReadDocument(const QString& file)
             reading.state = State::Unreadable;
             return reading;
         }
+        if (info.size() > kLargestDocument) {
+            reading.state = State::Damaged;
+            return reading;
+        }
         QFile device(file);
         const bool isRead = TryPatiently([&] {
             if (!device.open(QIODevice::ReadOnly))
@@ -169,17 +160,11 @@ DocumentFile::Reading ReadDocument(const QString& file)
     }
 
     auto text = std::make_unique<IniText>(reading.content);
-    switch (text->GetState()) {
-    case IniText::State::Whole:
+    if (text->IsDamaged()) {
+        reading.state = State::Damaged;
+    } else {
         reading.state = info.exists() ? State::Whole : State::Missing;
         reading.text = std::move(text);
-        break;
-    case IniText::State::Damaged:
-        reading.state = State::Damaged;
-        break;
-    case IniText::State::Unavailable:
-        reading.state = State::Unavailable;
-        break;
     }
     return reading;
 }
@@ -188,16 +173,4 @@ bool IsSameFile(const QString& one, const QString& other)
 {
     std::error_code error;
     return std::filesystem::equivalent(NativePath(one), NativePath(other), error) && !error;
-}
-
-void RemoveUnfinished(const QString& file)
-{
-    const QFileInfo info(file);
-    static const QRegularExpression randomEnd(QStringLiteral("\\.[A-Za-z]{6}$"));
-    QDir folder = info.dir();
-    const QStringList names = folder.entryList({info.fileName() + QStringLiteral(".??????")}, QDir::Files);
-    for (const QString& name : names) {
-        if (randomEnd.match(name).hasMatch())
-            folder.remove(name);
-    }
 }

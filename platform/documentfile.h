@@ -5,9 +5,14 @@
 #include <QByteArray>
 #include <QLockFile>
 #include <QString>
+#include <QtGlobal>
 
 #include <memory>
 #include <optional>
+
+/// In bytes. What is larger was not made by any program that saves documents: it is damaged. The largest list that can
+/// be imported takes half of this.
+constexpr qint64 kLargestDocument = 256 * 1024 * 1024;
 
 /// The file of one document, treated so that nothing in it is lost: written whole, and never thrown away for being
 /// damaged.
@@ -21,9 +26,9 @@ public:
     enum class State {
         Missing,
         Whole,
-        Damaged,    ///< not the text of a document
+        Damaged,    ///< not the text of a document, or too large for one
         Unreadable, ///< no file but something else, or not for us to read
-        Unavailable ///< this process lacks what reading takes: descriptors, room for temporary files
+        Unavailable ///< this process lacks what reading takes, such as descriptors; may be different soon
     };
     struct Reading
     {
@@ -61,6 +66,3 @@ DocumentFile::Reading ReadDocument(const QString& file);
 
 /// Whether two names stand for one and the same file.
 bool IsSameFile(const QString& one, const QString& other);
-
-/// Removes the files beside `file` that `QSaveFile` was writing in its place when its process was killed.
-void RemoveUnfinished(const QString& file);

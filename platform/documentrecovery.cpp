@@ -63,8 +63,6 @@ Recovery Recover(const DocumentFile& file, const DocumentFile::Reading& found, b
     } else {
         recovery.reading.state = DocumentFile::State::Missing;
         recovery.reading.text = std::make_unique<IniText>(QByteArray());
-        if (recovery.reading.text->GetState() != IniText::State::Whole)
-            recovery.reading.text.reset();
     }
     return recovery;
 }

@@ -1,16 +1,20 @@
 #include "platform/initext.h"
 
 #include "platform/confignames.h"
+#include "platform/inisyntax.h"
 
-#include <QFile>
-#include <QVariantMap>
+#include <QStringList>
 
+#include <algorithm>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
-// Holds a value that the file's encoding cannot carry.
-const QString kWrapped = QStringLiteral("text");
+// The section of this name holds the keys that belong to none; one that is really called so is spelled otherwise.
+constexpr QByteArrayView kNoSection("general");
+constexpr QByteArrayView kSectionGeneral("%general");
 
 constexpr QByteArrayView kByteOrderMark("\xef\xbb\xbf");
 
@@ -37,7 +41,7 @@ QByteArrayView AfterLineEnd(QByteArrayView text)
 
 Body BodyOf(QByteArrayView text)
 {
-    // Some editors put a mark at the beginning, which QSettings takes for a line that says nothing.
+    // Some editors put a mark at the beginning, which says nothing.
     if (text.startsWith(kByteOrderMark))
         text = text.sliced(kByteOrderMark.size());
     if (!text.startsWith(kFirstLine))
@@ -58,16 +62,7 @@ Body BodyOf(QByteArrayView text)
     return {{}, true};
 }
 
-QVariant ToVariant(const QString& value)
-{
-    // The file is UTF-8: half of a surrogate pair has no place there, and a leading byte order mark is dropped on
-    // reading. QSettings writes types that it does not know through QDataStream, which carries any string.
-    if (!value.isValidUtf16() || value.startsWith(QChar::ByteOrderMark))
-        return QVariantMap{{kWrapped, value}};
-    return value;
-}
-
-/// The key path that the text spells so; nothing for a spelling that somebody typed and QSettings cannot find again.
+/// The key path that the text spells so; nothing for a spelling that somebody typed and no program can ask for.
 std::optional<QString> PathOf(const QString& spelling)
 {
     if (spelling.isEmpty() || spelling.startsWith(u'/') || spelling.endsWith(u'/') ||
@@ -82,73 +77,76 @@ std::optional<QString> PathOf(const QString& spelling)
     return steps.join(u'/');
 }
 
-std::optional<QString> FromVariant(const QVariant& value)
+/// How many characters of a spelling are its section's name; 0: it belongs to none. The rest begins behind a slash.
+qsizetype SectionSize(const QString& spelling)
 {
-    switch (value.typeId()) {
-    case QMetaType::QVariantMap: {
-        const QVariantMap map = value.toMap();
-        const auto wrapped = map.constFind(kWrapped);
-        return wrapped == map.cend() ? std::nullopt : std::optional(wrapped->toString());
-    }
-    case QMetaType::QStringList:
-    case QMetaType::QVariantList:
-        // Somebody typed a text with commas and no quotes.
-        return value.toStringList().join(QStringLiteral(", "));
-    default:
-        return value.canConvert<QString>() ? std::optional(value.toString()) : std::nullopt;
-    }
+    return qMax(qsizetype(0), spelling.indexOf(u'/'));
+}
+
+/// What the keys of the section with this text between its brackets are spelled with at first.
+QString SectionBeginning(QByteArrayView name)
+{
+    if (name.compare(kNoSection, Qt::CaseInsensitive) == 0)
+        return {};
+    if (name.compare(kSectionGeneral, Qt::CaseInsensitive) == 0)
+        return QString::fromLatin1(name.sliced(1)) + u'/';
+    return IniSyntax::ReadKey(name) + u'/';
+}
+
+QByteArray SectionName(QStringView section)
+{
+    if (section.isEmpty())
+        return "General";
+    const QByteArray name = IniSyntax::WriteKey(section);
+    return name.compare(kNoSection, Qt::CaseInsensitive) == 0 ? '%' + name : name;
 }
 
 } // namespace
 
 IniText::IniText(const QByteArray& text)
-    : m_file(m_directory.filePath(QStringLiteral("document.ini")))
 {
-    if (text.contains('\0') || !text.isValidUtf8()) {
-        m_state = State::Damaged;
-        return;
-    }
-    const Body body = BodyOf(text);
-    if (body.isCutOff) {
-        m_state = State::Damaged;
-        return;
-    }
-    if (!m_directory.isValid())
-        return;
     m_isBlank = text.isEmpty();
-    if (!m_isBlank) {
-        QFile copy(m_file);
-        if (!copy.open(QIODevice::WriteOnly) || copy.write(body.text) != body.text.size() || !copy.flush())
-            return;
+    Body body;
+    m_isDamaged = text.contains('\0') || !text.isValidUtf8();
+    if (!m_isDamaged) {
+        body = BodyOf(text);
+        m_isDamaged = body.isCutOff || !TakeApart(body.text);
     }
-
-    m_settings = std::make_unique<QSettings>(m_file, QSettings::IniFormat);
-    const QStringList spellings = m_settings->allKeys(); // reads all of it, so the status is final
-    if (m_settings->status() != QSettings::NoError) {
-        m_state = m_settings->status() == QSettings::FormatError ? State::Damaged : State::Unavailable;
-        return;
-    }
-    m_keys = QSet<QString>(spellings.cbegin(), spellings.cend());
-    m_state = State::Whole;
+    if (m_isDamaged)
+        m_values.clear();
+    else
+        m_body = std::move(body.text);
+    m_wasEmpty = m_values.isEmpty();
 }
 
-IniText::~IniText()
+/// False where the text is no text of a document.
+bool IniText::TakeApart(QByteArrayView text)
 {
-    // QSettings keeps what it read of a file for the next one who asks, for as long as the process lives. Nobody will
-    // ask for this file again; finding it gone lets go of that.
-    if (m_settings) {
-        QFile::remove(m_file);
-        m_settings->sync();
+    QString section;
+    IniSyntax::Lines lines(text);
+    while (const auto line = lines.Next()) {
+        if (line->text.startsWith('[')) {
+            const qsizetype end = line->text.indexOf(']');
+            if (end < 0)
+                return false;
+            section = SectionBeginning(line->text.sliced(1, end - 1).trimmed());
+            continue;
+        }
+        if (line->equals < 0)
+            return false;
+        const QByteArrayView value = line->text.sliced(line->equals + 1);
+        m_values.insert(section + IniSyntax::ReadKey(line->text.first(line->equals)),
+                        {line->isBrokenOff ? IniSyntax::Closed(value) : value.toByteArray(), m_nextPlace++});
     }
+    return true;
 }
 
 QMap<QString, QString> IniText::Values() const
 {
     QMap<QString, QString> values;
-    const QStringList spellings = m_settings->allKeys();
-    for (const QString& spelling : spellings) {
-        const auto path = PathOf(spelling);
-        const auto value = path ? FromVariant(m_settings->value(spelling)) : std::nullopt;
+    for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
+        const auto path = PathOf(it.key());
+        const auto value = path ? IniSyntax::ReadValue(it->text) : std::nullopt;
         if (value)
             values.insert(values.cend(), *path, *value); // sorted nearly alike
     }
@@ -157,44 +155,84 @@ QMap<QString, QString> IniText::Values() const
 
 void IniText::Set(const QString& path, const QString& value)
 {
-    m_settings->setValue(Spell(path), ToVariant(value));
+    const QString spelling = Spell(path);
+    const auto known = m_values.constFind(spelling);
+    const int place = known == m_values.cend() ? m_nextPlace++ : known->place;
+    m_values.insert(spelling, {IniSyntax::WriteValue(value), place});
+    m_isChanged = true;
 }
 
 void IniText::Remove(const QString& path)
 {
-    m_settings->remove(Spell(path));
+    const QString spelling = Spell(path);
+    m_isChanged = m_values.remove(spelling) > 0 || m_isChanged;
+    const QString beginning = spelling + u'/';
+    for (auto it = m_values.lowerBound(beginning); it != m_values.end() && it.key().startsWith(beginning);) {
+        it = m_values.erase(it);
+        m_isChanged = true;
+    }
 }
 
-std::optional<QByteArray> IniText::Text()
+QByteArray IniText::Text() const
 {
-    m_settings->sync();
-    if (m_settings->status() != QSettings::NoError)
-        return std::nullopt;
-
-    QFile copy(m_file);
-    QByteArray body;
-    if (copy.exists()) {
-        if (!copy.open(QIODevice::ReadOnly))
-            return std::nullopt;
-        body = copy.readAll();
-        if (copy.error() != QFileDevice::NoError)
-            return std::nullopt;
-    }
+    const QByteArray lineEnd = m_body.contains("\r\n") ? "\r\n" : "\n";
+    QByteArray body = m_isChanged ? PutTogether(lineEnd) : m_body;
     if (m_isBlank && body.isEmpty())
-        return QByteArray();
-
+        return {};
     if (!body.isEmpty() && !body.endsWith('\n'))
-        body += '\n';
-    const QByteArray lineEnd = body.contains("\r\n") ? "\r\n" : "\n";
+        body += lineEnd;
     return kFirstLine.toByteArray() + lineEnd + body + kLastLine.toByteArray() + lineEnd;
+}
+
+QByteArray IniText::PutTogether(QByteArrayView lineEnd) const
+{
+    struct Key
+    {
+        int sectionPlace;
+        int place;
+        QStringView section;
+        QStringView name;
+        const QByteArray* value;
+    };
+    std::vector<Key> keys;
+    keys.reserve(static_cast<std::size_t>(m_values.size()));
+    QHash<QStringView, int> sectionPlaces;
+    for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
+        const qsizetype size = SectionSize(it.key());
+        const QStringView spelling(it.key());
+        keys.push_back({0, it->place, spelling.first(size), spelling.sliced(size > 0 ? size + 1 : 0), &it->text});
+        const auto known = sectionPlaces.find(spelling.first(size));
+        if (known == sectionPlaces.end())
+            sectionPlaces.insert(spelling.first(size), size > 0 ? it->place : -1);
+        else
+            *known = qMin(*known, it->place);
+    }
+    for (Key& key : keys)
+        key.sectionPlace = sectionPlaces.value(key.section);
+    std::sort(keys.begin(), keys.end(), [](const Key& one, const Key& other) {
+        return std::pair(one.sectionPlace, one.place) < std::pair(other.sectionPlace, other.place);
+    });
+
+    QByteArray text;
+    const Key* before = nullptr;
+    for (const Key& key : keys) {
+        if (!before || before->section != key.section) {
+            if (before)
+                text += lineEnd;
+            text += '[' + SectionName(key.section) + ']' + lineEnd.toByteArray();
+        }
+        text += IniSyntax::WriteKey(key.name) + '=' + *key.value + lineEnd.toByteArray();
+        before = &key;
+    }
+    return text;
 }
 
 void IniText::Learn()
 {
     if (std::exchange(m_isLearned, true))
         return;
-    for (const QString& spelling : std::as_const(m_keys))
-        Note(spelling);
+    for (auto it = m_values.cbegin(); it != m_values.cend(); ++it)
+        Note(it.key());
 }
 
 void IniText::Note(const QString& spelling)
@@ -217,7 +255,7 @@ void IniText::Note(const QString& spelling)
 // spelled in numbers. On all platforms, so that a file can move between them.
 QString IniText::Spell(const QString& path)
 {
-    if (m_keys.contains(path))
+    if (m_values.contains(path))
         return path;
 
     Learn();

@@ -1,65 +1,62 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QHash>
 #include <QMap>
-#include <QSet>
-#include <QSettings>
 #include <QString>
-#include <QTemporaryDir>
 
-#include <memory>
-#include <optional>
-
-/// The text of one document, taken apart and put together again by `QSettings`.
+/// The text of one document, taken apart and put together again, in memory alone: a document can be read where nothing
+/// can be written. The form is that of `QSettings`, so that programs which use it directly fit in. Values that nobody
+/// has set stay as they were written, byte for byte.
 ///
-/// `QSettings` works on a file; it is given a private copy instead of the document's own. On the document's file it
-/// would write by itself through the event loop and when it is destroyed, would write what failed before at some later
-/// time, and would miss another process's change that left the file's size and time stamp as they were.
-///
-/// A text that ends too early would still be one to QSettings. So the first line of what is written here, a comment,
+/// A text that ends too early would still be one in this form. So the first line of what is written here, a comment,
 /// says that there is a last one, and a text with that first line and without the last one is damaged, wherever it was
-/// cut off. A program that uses QSettings directly drops both lines, and its text counts as whole.
+/// cut off. A program that uses `QSettings` drops both lines, and its text counts as whole.
 class IniText
 {
 public:
     explicit IniText(const QByteArray& text);
-    ~IniText();
 
     IniText(const IniText&) = delete;
     IniText& operator=(const IniText&) = delete;
 
-    enum class State {
-        Whole,
-        Damaged,    ///< not the text of a document
-        Unavailable ///< no room for the private copy
-    };
-    State GetState() const { return m_state; }
+    /// Whether this is no text of a document; it then counts as empty.
+    bool IsDamaged() const { return m_isDamaged; }
 
     /// Every key path with its value. Values that somebody else wrote and that are no text are left out (and kept).
     QMap<QString, QString> Values() const;
     /// Whether the text held nothing when it was taken apart.
-    bool IsEmpty() const { return m_keys.isEmpty(); }
+    bool IsEmpty() const { return m_wasEmpty; }
 
     void Set(const QString& path, const QString& value);
     /// Removes the key at `path` and everything below it.
     void Remove(const QString& path);
 
-    /// The document's text with all changes; nothing when it could not be made.
-    std::optional<QByteArray> Text();
+    /// The document's text with all changes.
+    QByteArray Text() const;
 
 private:
+    struct Value
+    {
+        QByteArray text; // as written
+        int place = 0;   // by which values and sections follow each other
+    };
+
+    bool TakeApart(QByteArrayView text);
+    QByteArray PutTogether(QByteArrayView lineEnd) const;
     void Learn();
     void Note(const QString& spelling);
     QString Spell(const QString& path);
     QString SpellNode(const QString& path);
 
-    QTemporaryDir m_directory;
-    QString m_file;
-    std::unique_ptr<QSettings> m_settings;
-    State m_state = State::Unavailable;
+    QMap<QString, Value> m_values; // by spelling: a section's name, if any, and a key's, as QSettings joins them
+    QByteArray m_body;             // what it was taken apart from
+    int m_nextPlace = 0;
+    bool m_isDamaged = false;
     bool m_isBlank = false; // no text at all
-    QSet<QString> m_keys;   // as the text spelled them at first
+    bool m_wasEmpty = true;
+    bool m_isChanged = false;
 
     // Learned when the first name turns up that the text does not have: most saves come without one.
     bool m_isLearned = false;

@@ -1,13 +1,14 @@
 #include "platform/versionfolder.h"
 
 #include "platform/documentfile.h"
+#include "platform/patience.h"
 #include "platform/tracing.h"
+#include "platform/wholefile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <filesystem>
@@ -19,7 +20,6 @@ namespace {
 
 constexpr qsizetype kDepth = 10;
 constexpr int kDigits = 8;
-constexpr int kUnfinishedEnd = 7; // a dot and the six letters that QSaveFile adds while it writes
 constexpr qulonglong kLastNumber = 99'999'999;
 
 const QString kTimeFormat = QStringLiteral("yyyyMMdd'T'HHmmss.zzz");
@@ -33,6 +33,11 @@ void Trace(int line, BuildText buildText)
 qulonglong NumberOf(const QString& name)
 {
     return name.left(kDigits).toULongLong();
+}
+
+QString Digits(qulonglong number)
+{
+    return QStringLiteral("%1").arg(number, kDigits, 10, QLatin1Char('0'));
 }
 
 QDateTime TimeOf(const QString& name)
@@ -55,12 +60,6 @@ bool Holds(const QString& path, const QByteArray& content)
     return QFileInfo(path).size() == content.size() && file.open(QIODevice::ReadOnly) && file.readAll() == content;
 }
 
-bool WriteCopy(const QString& path, const QByteArray& content)
-{
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
-}
-
 } // namespace
 
 VersionFolder::VersionFolder(QString document)
@@ -80,7 +79,7 @@ QList<ConfigVersion> VersionFolder::List() const
     const QString folder = Path() + u'/';
     const QStringList names = Names();
     for (const QString& name : names) {
-        if (!versions.isEmpty() || !IsSameFile(folder + name, m_document)) // only the newest can be
+        if (!IsSameFile(folder + name, m_document))
             versions.append({folder + name, TimeOf(name).toLocalTime()});
     }
     return versions;
@@ -97,16 +96,21 @@ std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
     };
 
     const QString folder = Path();
-    if (!QDir().mkpath(folder))
+    if (!MakeFolder(folder))
         return fail(__LINE__, "the folder for versions cannot be created");
-    const QStringList names = Names();
+    QStringList names = Names();
+    // Somebody has put a file there with a number that leaves no room.
+    if (!names.isEmpty() && NumberOf(names.front()) >= kLastNumber) {
+        Renumber(names);
+        names = Names();
+    }
     const QString newest = names.isEmpty() ? QString() : names.front();
     if (!newest.isEmpty()) {
         const QString newestFile = folder + u'/' + newest;
         if (IsSameFile(newestFile, m_document) || Holds(newestFile, content))
             return QString();
         if (NumberOf(newest) >= kLastNumber)
-            return fail(__LINE__, "the numbers are used up");
+            return fail(__LINE__, "the numbers are used up and cannot be given anew");
     }
 
     // A second name for the file costs next to nothing, and cannot differ from it nor fill the disk. Replacing the
@@ -117,7 +121,7 @@ std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
     std::error_code error;
     std::filesystem::create_hard_link(QFileInfo(document.canonicalFilePath()).filesystemFilePath(),
                                       QFileInfo(file).filesystemFilePath(), error);
-    if (error && !WriteCopy(file, content))
+    if (error && !TryPatiently([&] { return WriteWholeFile(file, content); }))
         return fail(__LINE__, "the folder for versions cannot be written");
     return file;
 }
@@ -140,22 +144,30 @@ void VersionFolder::Prune() const
             });
     }
 
-    QDir versions(Path());
-    const QStringList unfinished = versions.entryList({QStringLiteral("*-*Z.ini.*")}, QDir::Files);
-    for (const QString& name : unfinished) {
-        if (IsVersionName(name.chopped(kUnfinishedEnd)))
-            versions.remove(name);
-    }
+    RemoveAllUnfinished(Path());
 }
 
 QString VersionFolder::NextName(const QString& newest) const
 {
     const qulonglong number = newest.isEmpty() ? 1 : NumberOf(newest) + 1;
     const auto nameOf = [number](const QDateTime& time) {
-        return QStringLiteral("%1-%2Z.ini").arg(number, kDigits, 10, QLatin1Char('0')).arg(time.toString(kTimeFormat));
+        return QStringLiteral("%1-%2Z.ini").arg(Digits(number), time.toString(kTimeFormat));
     };
     const QString name = nameOf(QFileInfo(m_document).lastModified().toUTC());
     return IsVersionName(name) ? name : nameOf(QDateTime::currentDateTimeUtc()); // a file can claim any year
+}
+
+/// Gives the versions, newest first in `names`, the numbers from 1 on. They keep their order at every moment, as the
+/// oldest goes first and no number becomes larger.
+void VersionFolder::Renumber(const QStringList& names) const
+{
+    QDir folder(Path());
+    qulonglong number = 0;
+    for (auto name = names.crbegin(); name != names.crend(); ++name) {
+        ++number;
+        if (NumberOf(*name) > number)
+            folder.rename(*name, Digits(number) + name->mid(kDigits));
+    }
 }
 
 // Newest first.

@@ -39,6 +39,7 @@ public:
 private:
     QString NextName(const QString& newest) const;
     QStringList Names() const;
+    void Renumber(const QStringList& names) const;
 
     const QString m_document;
 };

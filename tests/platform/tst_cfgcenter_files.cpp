@@ -1,9 +1,11 @@
 #include "platform/cfgcenter.h"
+#include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "tests/platform/tracerecorder.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLockFile>
 #include <QSettings>
 #include <QSize>
@@ -92,6 +94,8 @@ private slots:
         QVERIFY(!CfgCenter::Open(directory.isEmpty() ? directory : m_store->filePath(directory)));
         QCOMPARE(traces.Messages().size(), 1);
         QVERIFY(traces.Messages().front().contains(directory));
+        QVERIFY(!CfgCenter::OpenError().isEmpty());
+        QVERIFY(traces.Messages().front().endsWith(CfgCenter::OpenError()));
         QCOMPARE(ReadFile(m_store->filePath(QStringLiteral("file"))), QByteArray("content"));
 
         // As after Close: in memory.
@@ -244,11 +248,11 @@ private slots:
         QVERIFY(CfgCenter::SaveDocument());
         const QString path = DocumentFile();
         Document()->SetString(kKey, kValue, 0);
-        QVERIFY(QFile::rename(path, path + QStringLiteral(".away")));
-        QVERIFY(QDir().mkdir(path));
-        QVERIFY(!CfgCenter::SaveDocument());
-        QVERIFY(QDir().rmdir(path));
-        QVERIFY(QFile::rename(path + QStringLiteral(".away"), path));
+        {
+            QLockFile lock(path + QStringLiteral(".lock"));
+            QVERIFY(lock.lock());
+            QVERIFY(!CfgCenter::SaveDocument());
+        }
 
         QVERIFY(CfgCenter::Open(m_store->path()));
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
@@ -291,15 +295,57 @@ private slots:
             QFile::exists(m_store->filePath(QStringLiteral("shared/") + aside.front() + QStringLiteral("/inside"))));
     }
 
-    void whatTakesThePlaceLaterIsLeftAlone()
+    // The working copy still knows what was stored, and it is saved again as if the document were damaged.
+    void whatTakesThePlaceLaterIsKeptAside()
+    {
+        Child(kOther)->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QVERIFY(QFile::remove(DocumentFile()));
+        QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral("/inside")));
+        Document()->SetString(kKey, kValue, 0);
+
+        QStringList notices;
+        CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
+        const TraceRecorder traces;
+        QVERIFY(CfgCenter::SaveDocument());
+        CfgCenter::SetNoticeSink({});
+        const QStringList aside =
+            QDir(m_store->filePath(QStringLiteral("shared"))).entryList({QStringLiteral("*.damaged-*")}, QDir::Dirs);
+        QCOMPARE(aside.size(), 1);
+        const QString asidePath = m_store->filePath(QStringLiteral("shared/") + aside.front());
+        QVERIFY(QFile::exists(asidePath + QStringLiteral("/inside")));
+        QCOMPARE(notices.size(), 1);
+        QVERIFY2(notices.front().contains(DocumentFile() + QStringLiteral(" cannot be read, kept as ") + asidePath),
+                 qPrintable(notices.front()));
+        QCOMPARE(traces.Messages().size(), 1);
+        QVERIFY(traces.Messages().front().contains(notices.front()));
+
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(traces.Messages().size(), 1); // told of once
+        QVERIFY(CfgCenter::Open(m_store->path()));
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
+        QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
+    }
+
+    // What is there is not known to be less than what would be written.
+    void whatIsOpenedToLookCannotBeSaved()
     {
         Document()->SetString(kKey, kValue, 0);
-        QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral("/inside")));
-        const TraceRecorder traces;
+        QVERIFY(CfgCenter::SaveDocument());
+        const auto before = ReadFile(DocumentFile());
+        QVERIFY(CfgCenter::OpenToLook(m_store->path()));
+        QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
+        QVERIFY(CfgCenter::SaveDocument()); // nothing to save
+        Document()->SetString(kKey, kOther, 0);
         QVERIFY(!CfgCenter::SaveDocument());
-        QCOMPARE(traces.Messages().size(), 1);
-        QVERIFY(QFile::exists(DocumentFile() + QStringLiteral("/inside")));
-        QVERIFY(SharedFiles().isEmpty());
+        QCOMPARE(ReadFile(DocumentFile()), before);
+
+        QVERIFY(WriteFile(DocumentFile(), "damage"));
+        QVERIFY(CfgCenter::OpenToLook(m_store->path()));
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
+        QCOMPARE(ReadFile(DocumentFile()), std::optional(QByteArray("damage")));
     }
 
     void nothingIsTracedUnlessAskedFor()
@@ -308,8 +354,7 @@ private slots:
         const TraceRecorder traces;
         ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Assertion);
         Document()->SetString(kKey, kValue, 0);
-        QVERIFY(QFile::remove(DocumentFile()) || !QFile::exists(DocumentFile()));
-        QVERIFY(QDir().mkpath(DocumentFile()));
+        QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral(".lock")));
         QVERIFY(!CfgCenter::SaveDocument());
         QVERIFY(traces.Messages().isEmpty());
     }
@@ -502,17 +547,62 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("3"));
     }
 
-    void whatKilledProcessesLeftIsCleanedUp()
+    // Names that people give to copies of their own, and that programs make of a file's name.
+    void copiesOfOthersStay()
     {
-        const QStringList others{QStringLiteral("Document.ini.backup2"), QStringLiteral("Document.ini.2024-1"),
-                                 QStringLiteral("Document2.ini.aBcDeF"), QStringLiteral("Document.txt")};
-        for (const QString& name : others + QStringList{QStringLiteral("Document.ini.aBcDeF")})
-            QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/") + name), "half"));
-        Document()->SetString(kKey, kValue, 0);
-        QVERIFY(CfgCenter::SaveDocument());
-        QStringList expected = others + QStringList{QStringLiteral("Document.ini")};
+        QStringList names;
+        for (const char* end : {".backup", ".before", ".aBcDeF", ".backup2", ".2024-1", ".unfinished", "~"})
+            names += QStringLiteral("Document.ini") + QString::fromLatin1(end);
+        names += {QStringLiteral("Document2.ini.aBcDeF"), QStringLiteral("Document.txt"), QStringLiteral(".hidden"),
+                  QStringLiteral(".unfinished-Document.ini")};
+        QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.ini.versions"))));
+        for (const QString& name : std::as_const(names)) {
+            QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/") + name), "copy"));
+            QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + name), "copy"));
+        }
+        const QString version = QStringLiteral("00000001-20260102T030405.006Z.ini.backup");
+        QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + version), "copy"));
+
+        for (const QString& value : {kValue, kOther, kNone}) {
+            Document()->SetString(kKey, value, 0);
+            QVERIFY(CfgCenter::SaveDocument());
+        }
+        const ConfigVersions versions(View::Shared, QStringLiteral("Document"));
+        QCOMPARE(versions.List().size(), 2);
+        QVERIFY(versions.Restore(versions.List().constLast()));
+
+        QStringList kept = QDir(versions.Folder()).entryList(QDir::Files | QDir::Hidden);
+        for (const ConfigVersion& listed : versions.List())
+            kept.removeOne(QFileInfo(listed.file).fileName());
+        kept.sort();
+        names.sort();
+        QStringList expected = names + QStringList{version};
+        expected.sort();
+        QCOMPARE(kept, expected);
+        expected = names + QStringList{QStringLiteral("Document.ini")};
         expected.sort();
         QCOMPARE(SharedFiles(), expected);
+    }
+
+    // Left as they are by a process that is killed between its steps; tst_savekills makes them by killing.
+    void whatKilledProcessesLeftIsCleanedUp()
+    {
+        Document()->SetString(kKey, kOther, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        const QStringList left = {
+            QStringLiteral("shared/.unfinished-314e49b79b023203-0123456789abcdef"),
+            QStringLiteral("shared/.unfinished-314e49b79b023203-0123456789abcdef.aBcDeF"),
+            QStringLiteral("shared/Document.ini.versions/.unfinished-0123456789abcdef-0123456789abcdef.aBcDeF")};
+        const QString ofAnother = QStringLiteral(".unfinished-0000000000000000-0123456789abcdef");
+        QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.ini.versions"))));
+        for (const QString& name : left)
+            QVERIFY(WriteFile(m_store->filePath(name), "half"));
+        QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/") + ofAnother), "half"));
+        Document()->SetString(kKey, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        for (const QString& name : left)
+            QVERIFY2(!QFile::exists(m_store->filePath(name)), qPrintable(name));
+        QCOMPARE(SharedFiles(), QStringList({ofAnother, QStringLiteral("Document.ini")}));
     }
 
 private:

@@ -1,10 +1,16 @@
 #include "platform/configversions.h"
+#include "platform/filesizelimit.h"
 #include "tests/dialog/filesizelimit.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 
 #include <QFileInfo>
+#include <QProcess>
+#include <QScopeGuard>
 #include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
 
 namespace {
 
@@ -33,8 +39,6 @@ private slots:
     }
     void cleanup() { m_store.reset(); }
 
-    // The limits hit different steps: the private copy that the text is put together in, and the file itself, which is
-    // a little longer.
     void theOldStateStays_data()
     {
         QTest::addColumn<int>("missing"); // bytes
@@ -75,7 +79,7 @@ private slots:
     {
         QVERIFY(m_store->Write(m_store->Document(), "damage"));
         {
-            const FileSizeLimit limit(5050); // enough to put the text together
+            const FileSizeLimit limit(5050);
             QVERIFY(!m_store->Save(3));
         }
         QCOMPARE(m_store->Read(m_store->Document()), QByteArray("damage"));
@@ -93,7 +97,7 @@ private slots:
         QVERIFY(m_store->Save(3));
         QVERIFY(m_store->Write(m_store->Document(), "damage"));
         {
-            const FileSizeLimit limit(5090); // enough to read it
+            const FileSizeLimit limit(5000);
             m_store->Reopen();
             QCOMPARE(m_store->Number(), 2);
             QCOMPARE(m_store->Aside().size(), 1);
@@ -105,21 +109,69 @@ private slots:
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
     }
 
-    void documentThatCouldNotBeReadForLackOfRoomIsLeftAlone()
+    // Neither in the store nor anywhere else.
+    void readingTakesNoRoom()
     {
-        const QByteArray before = m_store->Read(m_store->Document());
+        const QByteArray formerPlace = qgetenv("TMPDIR");
+        qputenv("TMPDIR", m_store->Path(QStringLiteral("no such folder")).toLocal8Bit());
+        const auto back = qScopeGuard([&] { qputenv("TMPDIR", formerPlace); });
         {
-            const FileSizeLimit limit(100);
+            const FileSizeLimit limit(0);
+            const TraceRecorder traces;
             m_store->Reopen();
-            QCOMPARE(m_store->Number(), -1);
+            QCOMPARE(CfgCenter::Directory(), m_store->Path({}));
+            QCOMPARE(m_store->Number(), 2);
+            QCOMPARE(Versions().size(), 1);
+            const ConfigVersions versions(View::Shared, QStringLiteral("Document"));
+            QCOMPARE(m_store->Number(versions.Open(Versions().front()).get()), 1);
+            QCOMPARE(m_store->Number(versions.OpenCurrent().get()), 2);
+            QVERIFY2(traces.Messages().isEmpty(), qPrintable(traces.Messages().join(u'\n')));
         }
-        const TraceRecorder traces;
-        QVERIFY(!m_store->Save(9));
-        QCOMPARE(traces.Messages().size(), 1);
-        QCOMPARE(m_store->Read(m_store->Document()), before);
-        QCOMPARE(Names(), m_names);
+        // Nor does writing, but in the store.
+        QVERIFY(m_store->Save(3));
         m_store->Reopen();
-        QCOMPARE(m_store->Number(), 2);
+        QCOMPARE(m_store->Number(), 3);
+    }
+
+    // A limit ends a process that has not said that it endures it, in the middle of writing.
+    void whatAKilledProcessLeavesIsClearedUp()
+    {
+        {
+            const FileSizeLimit limit(4000);
+            QProcess process;
+            process.start(QStringLiteral(PLATFORMPROCESS),
+                          {QStringLiteral("write"), m_store->Path({}), QStringLiteral("Document"),
+                           QStringLiteral("Key"), QStringLiteral("1")});
+            QVERIFY(process.waitForFinished());
+            QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        }
+        const QDir folder(m_store->Path(QStringLiteral("shared")));
+        const QStringList unfinished{QStringLiteral(".unfinished-*")};
+        // The system may have let what was not finished have no name at all.
+        QVERIFY(folder.entryList(unfinished, QDir::Files | QDir::Hidden).size() <= 1);
+        QCOMPARE(Names().filter(QStringLiteral(".lock")).size(), 1);
+        QVERIFY(m_store->Save(3));
+        QVERIFY(folder.entryList(unfinished, QDir::Files | QDir::Hidden).isEmpty());
+        QVERIFY(Names().filter(QStringLiteral(".lock")).isEmpty());
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 3);
+    }
+
+    // As a program that says so does.
+    void endureFileSizeLimit()
+    {
+        EndureFileSizeLimit();
+        rlimit before{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        rlimit limit = before;
+        limit.rlim_cur = 100;
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const bool isSaved = m_store->Save(3);
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+        QVERIFY(!isSaved);
+        struct sigaction action = {};
+        QCOMPARE(sigaction(SIGXFSZ, nullptr, &action), 0);
+        QVERIFY(action.sa_handler != SIG_IGN); // children would inherit that
     }
 
     void restoreThatFailsChangesNothing()

@@ -6,6 +6,37 @@
 #include <QStorageInfo>
 #include <QTest>
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// While it lives, this process can open no file.
+class NoMoreFiles
+{
+public:
+    NoMoreFiles()
+    {
+        getrlimit(RLIMIT_NOFILE, &m_former);
+        const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        close(next);
+        rlimit limit = m_former;
+        limit.rlim_cur = static_cast<rlim_t>(next);
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &m_former); }
+
+    NoMoreFiles(const NoMoreFiles&) = delete;
+    NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+
+private:
+    rlimit m_former{};
+};
+
+} // namespace
+
 /// Documents among what only the file systems of Unix have for everybody: symbolic links, and rights that hold for the
 /// owner as well.
 class tst_CfgCenterUnix : public QObject
@@ -86,7 +117,119 @@ private slots:
         QVERIFY(!isOpen);
     }
 
+    // A pipe keeps whoever opens it waiting for its other end.
+    void aPipeInPlaceOfTheLockKeepsNobodyWaiting()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        const QString lock = m_store->Document() + QStringLiteral(".lock");
+        QCOMPARE(mkfifo(QFile::encodeName(lock).constData(), 0600), 0);
+        {
+            const TraceRecorder traces;
+            QVERIFY(!m_store->Save(3));
+            QCOMPARE(traces.Messages().size(), 1);
+        }
+        QVERIFY(!Versions().Restore(Versions().List().front()));
+        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+        QVERIFY(!m_store->Save(4));
+        QCOMPARE(m_store->Read(m_store->Document()), QByteArray("damage"));
+        QVERIFY(QFile::remove(lock));
+        m_store->Reopen();
+        QVERIFY(m_store->Save(4));
+    }
+
+    void filesWithoutBoundAreDamaged()
+    {
+        constexpr qint64 kHuge = qint64(60) << 30;
+        for (int i = 1; i <= 3; ++i)
+            QVERIFY(m_store->Save(i));
+        const ConfigVersion newest = Versions().List().front();
+        QFile document(m_store->Document());
+        if (!document.resize(kHuge))
+            QSKIP("This file system has no sparse files.");
+        QVERIFY(QFile::resize(newest.file, kHuge));
+
+        QStringList notices;
+        CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
+        auto obstacle = ConfigVersions::Obstacle::None;
+        QVERIFY(!Versions().OpenCurrent(&obstacle));
+        QCOMPARE(obstacle, ConfigVersions::Obstacle::Damaged);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+        CfgCenter::SetNoticeSink({});
+        QCOMPARE(notices.size(), 1);
+        QVERIFY(notices.front().contains(QLatin1String(" is damaged, kept as ")));
+        QCOMPARE(QFileInfo(AsideFile()).size(), kHuge);
+        QVERIFY(!Versions().Restore(newest));
+        QVERIFY(m_store->Save(4));
+        // And while it is open.
+        QVERIFY(document.resize(kHuge));
+        QVERIFY(m_store->Save(5));
+        QCOMPARE(m_store->Aside().size(), 2);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 5);
+    }
+
+    // What is not known is neither shown as if there were nothing, nor replaced.
+    void whatCannotBeLookedAtIsToldAndLeftAlone()
+    {
+        ICfg* const own = CfgCenter::GetAppCfg(View::Application);
+        for (int i = 1; i <= 2; ++i) {
+            own->SetInt(QStringLiteral("Number"), i, 0);
+            QVERIFY(CfgCenter::SaveDocument());
+        }
+        const ConfigVersions versions(View::Application, {});
+        const ConfigVersion version = versions.List().front();
+        const QByteArray before = m_store->Read(versions.DocumentFile());
+        QStringList notices;
+        CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
+        QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
+        m_store->Reopen();
+        auto current = ConfigVersions::Obstacle::None;
+        auto former = ConfigVersions::Obstacle::None;
+        bool isKnown = true;
+        {
+            const NoMoreFiles limit;
+            isKnown = CfgCenter::IsAppCfgKnown(View::Application);
+            versions.OpenCurrent(&current);
+            versions.Open(version, &former);
+        }
+        CfgCenter::SetNoticeSink({});
+        QVERIFY(!isKnown);
+        QCOMPARE(current, ConfigVersions::Obstacle::Unread);
+        QCOMPARE(former, ConfigVersions::Obstacle::Unread);
+        QCOMPARE(notices.size(), 1);
+        QVERIFY2(notices.front().startsWith(versions.DocumentFile() + QStringLiteral(" cannot be read at the moment")),
+                 qPrintable(notices.front()));
+
+        CfgCenter::GetAppCfg(View::Application)->SetInt(QStringLiteral("Number"), 9, 0);
+        QVERIFY(!CfgCenter::SaveDocument());
+        QCOMPARE(m_store->Read(versions.DocumentFile()), before);
+        m_store->Reopen();
+        QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
+        QCOMPARE(m_store->Number(CfgCenter::GetAppCfg(View::Application)), 2);
+    }
+
+    // What is there and gives no bytes.
+    void whatFailsWhileItIsReadIsToldApartFromDamage()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(QFile::remove(m_store->Document()));
+        QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), m_store->Document()));
+        auto obstacle = ConfigVersions::Obstacle::None;
+        QVERIFY(!Versions().OpenCurrent(&obstacle));
+        QCOMPARE(obstacle, ConfigVersions::Obstacle::Unread);
+        QVERIFY(QFile::remove(m_store->Document()));
+        QVERIFY(QDir().mkdir(m_store->Document()));
+        QVERIFY(!Versions().OpenCurrent(&obstacle));
+        QCOMPARE(obstacle, ConfigVersions::Obstacle::Damaged);
+    }
+
 private:
+    static ConfigVersions Versions() { return {View::Shared, QStringLiteral("Document")}; }
     QString AsideFile() const { return m_store->Path(QStringLiteral("shared/")) + m_store->Aside().value(0); }
 
     /// What the document's versions hold, newest first.

@@ -231,25 +231,21 @@ private slots:
     {
         QVERIFY(QDir().mkpath(m_store->Versions()));
         const QString last = m_store->Versions() + QStringLiteral("/99999999-20260102T030405.006Z.ini");
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        QVERIFY(m_store->Save(3));
         QVERIFY(m_store->Write(last, "[General]\nNumber=99\n"));
-        QVERIFY(m_store->Save(1));
         const TraceRecorder traces;
-        QVERIFY(m_store->Save(2));
-        QCOMPARE(traces.Messages().size(), 1);
-        QCOMPARE(Numbers(), QList<int>({99}));
+        QVERIFY(m_store->Save(4));
+        QCOMPARE(Numbers(), QList<int>({3, 99, 2, 1}));
+        QVERIFY(m_store->Save(5));
+        QCOMPARE(Numbers(), QList<int>({4, 3, 99, 2, 1}));
+        for (int i = 6; i <= 16; ++i)
+            QVERIFY(m_store->Save(i));
+        QCOMPARE(Numbers(), QList<int>({15, 14, 13, 12, 11, 10, 9, 8, 7, 6}));
+        QVERIFY2(traces.Messages().isEmpty(), qPrintable(traces.Messages().join(u'\n')));
         m_store->Reopen();
-        QCOMPARE(m_store->Number(), 2);
-    }
-
-    void whatKilledProcessesLeftIsCleanedUp()
-    {
-        QVERIFY(QDir().mkpath(m_store->Versions()));
-        const QString left = m_store->Versions() + QStringLiteral("/00000001-20260102T030405.006Z.ini.aBcDeF");
-        QVERIFY(m_store->Write(left, "half"));
-        QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Save(2));
-        QVERIFY(!QFile::exists(left));
-        QCOMPARE(Numbers(), QList<int>({1}));
+        QCOMPARE(m_store->Number(), 16);
     }
 
     void whatIsNoDocumentOpensAsNone()
@@ -260,7 +256,9 @@ private slots:
         for (const QByteArray& content : {QByteArray("damage"), QByteArray(), QByteArray(100, '\0')}) {
             QVERIFY(m_store->Write(version.file, content));
             QCOMPARE(Versions().List().size(), 1);
-            QVERIFY(!Versions().Open(version));
+            auto obstacle = ConfigVersions::Obstacle::None;
+            QVERIFY(!Versions().Open(version, &obstacle));
+            QCOMPARE(obstacle, ConfigVersions::Obstacle::Damaged);
         }
         QVERIFY(QFile::remove(version.file));
         QVERIFY(!Versions().Open(version));
@@ -305,7 +303,9 @@ private slots:
         QVERIFY(m_store->Save(3));
         for (const QByteArray& content : {QByteArray("damage"), QByteArray()}) {
             QVERIFY(m_store->Write(m_store->Document(), content));
-            QVERIFY(!Versions().OpenCurrent());
+            auto obstacle = ConfigVersions::Obstacle::None;
+            QVERIFY(!Versions().OpenCurrent(&obstacle));
+            QCOMPARE(obstacle, ConfigVersions::Obstacle::Damaged);
             QCOMPARE(m_store->Read(m_store->Document()), content);
         }
     }
@@ -399,8 +399,10 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         QVERIFY(m_store->Write(m_store->Document(), "damage"));
-        QVERIFY(Versions().Restore(Versions().List().front()));
+        QString keptAside;
+        QVERIFY(Versions().Restore(Versions().List().front(), &keptAside));
         QCOMPARE(m_store->Aside().size(), 1);
+        QCOMPARE(keptAside, m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front());
         QCOMPARE(m_store->Read(m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front()),
                  QByteArray("damage"));
         QCOMPARE(Numbers(), QList<int>({1}));

@@ -120,8 +120,9 @@ private:
         // The one announced last or the one before, and without a recovery that could hide something.
         QVERIFY(CfgCenter::Open(Store()));
         // What is being written stands beside the document, or the document, kept already, among the versions.
-        m_inReplace += !QDir(Folder()).entryList({QStringLiteral("ConnectData.ini.??????")}, QDir::Files).isEmpty() ||
-                       VersionFiles() > Versions().List().size();
+        m_inReplace +=
+            !QDir(Folder()).entryList({QStringLiteral(".unfinished-*")}, QDir::Files | QDir::Hidden).isEmpty() ||
+            VersionFiles() > Versions().List().size();
         const auto number = NumberIn(Versions().OpenCurrent().get());
         ICfg* const root = CfgCenter::CreateCfg(kDocument, View::Shared, {});
         const auto loaded = NumberIn(root);

@@ -1,0 +1,6 @@
+#include "platform/filesizelimit.h"
+
+// There is no such limit.
+void EndureFileSizeLimit()
+{
+}
