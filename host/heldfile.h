@@ -33,7 +33,7 @@ public:
     Result Take(const QString& path, QString* error);
     /// Puts `content` in place of what the file says. Others can read it; it is of no weight, so on a full disk it is
     /// missing. Only after `Taken` or `NoLock`.
-    void Write(const QByteArray& content);
+    void Write(const QByteArray& content) const;
 
     /// How it stands with `path`. Neither takes nor changes anything.
     static State Look(const QString& path);

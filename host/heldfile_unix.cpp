@@ -81,7 +81,7 @@ HeldFile::Result HeldFile::Take(const QString& path, QString* error)
     }
 }
 
-void HeldFile::Write(const QByteArray& content)
+void HeldFile::Write(const QByteArray& content) const
 {
     const int descriptor = static_cast<int>(m_Handle);
     if (::ftruncate(descriptor, 0) == 0)

@@ -52,7 +52,7 @@ HeldFile::Result HeldFile::Take(const QString& path, QString* error)
     return Result::Taken;
 }
 
-void HeldFile::Write(const QByteArray& content)
+void HeldFile::Write(const QByteArray& content) const
 {
     const HANDLE file = ToHandle(m_Handle);
     DWORD written = 0;
