@@ -8,6 +8,7 @@
 #include "host/librarysearch.h"
 #include "host/qtmessages.h"
 #include "host/tracelog.h"
+#include "platform/filesizelimit.h"
 #include "platform/standardstreams.h"
 
 #include <QApplication>
@@ -115,5 +116,6 @@ int main(int argc, char** argv)
 {
     SearchLibrariesHereOnly();
     StandardStreams::Prepare();
+    EndureFileSizeLimit();
     return static_cast<int>(Run(argc, argv));
 }
