@@ -56,9 +56,9 @@ ExitCode Application::Run()
     }
     // Before anything is written, and until everything is.
     InstanceLock lock;
-    if (const InstanceLock::Result taken = lock.Take(m_Options.configDirectory); taken != InstanceLock::Result::Taken) {
+    if (lock.Take(m_Options.configDirectory) == InstanceLock::Result::Held) {
         Console::Complain(lock.ErrorText());
-        return taken == InstanceLock::Result::Held ? ExitCode::Running : ExitCode::Unusable;
+        return ExitCode::Running;
     }
     if (!lock.Warning().isEmpty())
         m_Notices.Say(lock.Warning());
@@ -67,14 +67,27 @@ ExitCode Application::Run()
     // What was found damaged, and what is used instead, comes up when it is first read.
     CfgCenter::SetNoticeSink([this](const QString& notice) { m_Notices.Say(notice); });
     const auto noNotices = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
-    if (!CfgCenter::Open(m_Options.configDirectory)) {
-        Console::Complain(
-            QStringLiteral("the configuration directory %1 cannot be used").arg(m_Options.configDirectory));
+    if (!OpenConfiguration(lock.ErrorText()))
         return ExitCode::Unusable;
-    }
     const ExitCode result = RunWithConfiguration(library, signalWatcher);
     CfgCenter::Close();
     return m_SaveFailed ? ExitCode::Unusable : result;
+}
+
+/// False, and complained of, where the configuration is of no use. `obstacle` is what is known to keep from writing
+/// there; empty: nothing.
+bool Application::OpenConfiguration(QString obstacle)
+{
+    if (obstacle.isEmpty()) {
+        if (CfgCenter::Open(m_Options.configDirectory))
+            return true;
+        obstacle = QStringLiteral("the configuration directory %1 cannot be used: %2")
+                       .arg(m_Options.configDirectory, CfgCenter::OpenError());
+    }
+    // Just when nothing can be written somebody may need to see, or to take elsewhere, what is there.
+    m_LooksOnly = m_Options.ShowsOnly() && CfgCenter::OpenToLook(m_Options.configDirectory);
+    Console::Complain(m_LooksOnly ? QStringLiteral("%1; it is only looked at").arg(obstacle) : obstacle);
+    return m_LooksOnly;
 }
 
 ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher)
@@ -85,8 +98,13 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     const Texts texts;
     if (!m_Options.dataDirectory.isEmpty())
         DataDirectory::Set(m_Options.dataDirectory);
-    if (const QString notice = KeepMalformedSetAside(); !notice.isEmpty())
-        m_Notices.Say(notice);
+    // The list would seem empty, and an export of it take the place of a good file. Why has been said.
+    if (!CfgCenter::IsAppCfgKnown(View::Application))
+        return ExitCode::Unusable;
+    if (!m_LooksOnly) {
+        if (const QString notice = KeepMalformedSetAside(); !notice.isEmpty())
+            m_Notices.Say(notice);
+    }
 
     ExitCode result = ExitCode::Unusable;
     if (PluginLibrary::Instance instance = CreateInstance(library); !instance)
@@ -180,7 +198,7 @@ bool Application::SaveSettings(IDllInstance& instance, QWidget* window)
 
 bool Application::SaveDocument()
 {
-    const bool failed = !CfgCenter::SaveDocument();
+    const bool failed = !m_LooksOnly && !CfgCenter::SaveDocument();
     // Once is enough to know: saving is tried again at every occasion.
     if (failed && !m_SaveFailed)
         Console::Complain(QStringLiteral("the configuration in %1 could not be saved").arg(m_Options.configDirectory));

@@ -19,6 +19,7 @@ public:
     ExitCode Run();
 
 private:
+    bool OpenConfiguration(QString obstacle);
     ExitCode RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher);
     ExitCode RunWithInstance(IDllInstance& instance, SignalWatcher& signalWatcher);
     void RunDialog(IDllInstance& instance, const ConnectDialog& dialog);
@@ -31,5 +32,6 @@ private:
 
     const HostOptions m_Options;
     Notices m_Notices;
+    bool m_LooksOnly = false; // nothing is to be saved
     bool m_SaveFailed = false;
 };

@@ -43,6 +43,8 @@ Without a person (headless):
   All files to import and to add are taken, or none of them. A file without
   any entry is not taken, as in the dialog.
   What the dialog would say in a box is written to standard error.
+  Where nothing can be written to the configuration directory, --list, --export
+  and the pictures alone still work on what is stored there.
 
 For the support desk:
   --backups, --restore and --diagnose look at the configuration only. They load

@@ -278,6 +278,11 @@ bool HostOptions::IsHeadless() const
            !screenshot.isEmpty() || !screenshotBefore.isEmpty() || !screenshotDuring.isEmpty();
 }
 
+bool HostOptions::ShowsOnly() const
+{
+    return IsHeadless() && !Connects() && fileToImport.isEmpty() && filesToAdd.isEmpty();
+}
+
 bool HostOptions::IsForSupport() const
 {
     return backups || versionToRestore > 0 || diagnose;

@@ -38,6 +38,9 @@ struct HostOptions
     bool Connects() const;
     /// Whether the work is done without a person at the dialog; the host then ends by itself.
     bool IsHeadless() const;
+    /// Whether it is without a person and shows what is stored, and nothing more: it neither changes nor starts
+    /// anything.
+    bool ShowsOnly() const;
     /// Whether it is about the configuration alone, without the plug-in's instance and without any window.
     bool IsForSupport() const;
 };
