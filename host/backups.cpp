@@ -21,13 +21,16 @@
 
 namespace {
 
+using Obstacle = ConfigVersions::Obstacle;
+
 /// One state of the document: the present one, or a version.
 struct Row
 {
     int number = 0; // 0: the present state
     QDateTime saved;
     QString file;
-    std::optional<StoredSet> set; // none: the document cannot be read
+    std::optional<StoredSet> set; // none: there is an obstacle
+    Obstacle obstacle = Obstacle::None;
 };
 
 /// What is stored in the document with the root node `node`.
@@ -39,11 +42,15 @@ std::optional<StoredSet> SetOf(const std::unique_ptr<ICfg>& node)
 std::vector<Row> Rows(const ConfigVersions& versions)
 {
     const QFileInfo document(versions.DocumentFile());
-    std::vector<Row> rows{{0, document.exists() ? document.lastModified() : QDateTime(), document.filePath(),
-                           SetOf(versions.OpenCurrent())}};
+    Row now{0, document.exists() ? document.lastModified() : QDateTime(), document.filePath(), {}, {}};
+    now.set = SetOf(versions.OpenCurrent(&now.obstacle));
+    std::vector<Row> rows{now};
     const QList<ConfigVersion> list = versions.List();
-    for (const ConfigVersion& version : list)
-        rows.push_back({static_cast<int>(rows.size()), version.saved, version.file, SetOf(versions.Open(version))});
+    for (const ConfigVersion& version : list) {
+        Row row{static_cast<int>(rows.size()), version.saved, version.file, {}, {}};
+        row.set = SetOf(versions.Open(version, &row.obstacle));
+        rows.push_back(row);
+    }
     return rows;
 }
 
@@ -52,10 +59,10 @@ QString TimeText(const QDateTime& time)
     return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QStringLiteral("-");
 }
 
-QString CountText(const std::optional<StoredSet>& set)
+QString CountText(const std::optional<StoredSet>& set, Obstacle obstacle)
 {
     if (!set)
-        return QStringLiteral("damaged");
+        return obstacle == Obstacle::Unread ? QStringLiteral("cannot be read") : QStringLiteral("damaged");
     switch (set->state) {
     case StoredSet::State::None:
         return QStringLiteral("none stored");
@@ -67,12 +74,12 @@ QString CountText(const std::optional<StoredSet>& set)
     return {};
 }
 
-QString SentenceText(const std::optional<StoredSet>& set)
+QString SentenceText(const std::optional<StoredSet>& set, Obstacle obstacle)
 {
     if (set && set->state == StoredSet::State::Whole && set->entries == 1)
         return QStringLiteral("1 entry");
     return set && set->state == StoredSet::State::Whole ? QStringLiteral("%1 entries").arg(set->entries)
-                                                        : CountText(set);
+                                                        : CountText(set, obstacle);
 }
 
 QString Table(const std::vector<Row>& rows)
@@ -81,7 +88,7 @@ QString Table(const std::vector<Row>& rows)
         {QStringLiteral("Number"), QStringLiteral("Saved"), QStringLiteral("Entries"), QStringLiteral("File")}};
     for (const Row& row : rows) {
         lines.push_back({row.number == 0 ? QStringLiteral("now") : QString::number(row.number), TimeText(row.saved),
-                         CountText(row.set), OneLine(QDir::toNativeSeparators(row.file))});
+                         CountText(row.set, row.obstacle), OneLine(QDir::toNativeSeparators(row.file))});
     }
     return TextTable(lines);
 }
@@ -92,7 +99,8 @@ QByteArray Json(const std::vector<Row>& rows)
     for (const Row& row : rows) {
         QJsonObject version{{QStringLiteral("number"), row.number},
                             {QStringLiteral("file"), row.file},
-                            {QStringLiteral("readable"), row.set.has_value()}};
+                            {QStringLiteral("readable"), row.set.has_value()},
+                            {QStringLiteral("damaged"), row.obstacle == Obstacle::Damaged}};
         version.insert(QStringLiteral("saved"), row.saved.isValid() ? QJsonValue(row.saved.toString(Qt::ISODateWithMs))
                                                                     : QJsonValue(QJsonValue::Null));
         if (row.set) {
@@ -112,7 +120,9 @@ ExitCode Fail(ExitCode code, const QString& message)
 
 ExitCode CannotUse(const QString& directory)
 {
-    return Fail(ExitCode::Unusable, QStringLiteral("the configuration directory %1 cannot be used").arg(directory));
+    return Fail(
+        ExitCode::Unusable,
+        QStringLiteral("the configuration directory %1 cannot be used: %2").arg(directory, CfgCenter::OpenError()));
 }
 
 ExitCode NoDirectory(const QString& directory)
@@ -138,18 +148,25 @@ ExitCode RestoreVersion(const ConfigVersions& versions, int number)
 
     const ConfigVersion& wanted = before.at(number - 1);
     const QString name = QStringLiteral("version %1 of %2").arg(QString::number(number), TimeText(wanted.saved));
-    const std::optional<StoredSet> set = SetOf(versions.Open(wanted));
-    if (!set)
-        return Fail(ExitCode::Unusable, QStringLiteral("%1 is damaged").arg(name));
-    const std::optional<StoredSet> present = SetOf(versions.OpenCurrent());
-    if (!versions.Restore(wanted))
+    Obstacle obstacle = Obstacle::None;
+    const std::optional<StoredSet> set = SetOf(versions.Open(wanted, &obstacle));
+    if (!set) {
+        return Fail(ExitCode::Unusable, obstacle == Obstacle::Unread ? QStringLiteral("%1 cannot be read").arg(name)
+                                                                     : QStringLiteral("%1 is damaged").arg(name));
+    }
+    const std::optional<StoredSet> present = SetOf(versions.OpenCurrent(&obstacle));
+    QString keptAside;
+    if (!versions.Restore(wanted, &keptAside))
         return Fail(ExitCode::Unusable, QStringLiteral("%1 could not be brought back (--trace says why)").arg(name));
 
     const QList<ConfigVersion> after = versions.List();
-    const bool keptReplaced = !after.isEmpty() && after.constFirst().file != before.constFirst().file;
+    QString replaced;
+    if (!keptAside.isEmpty())
+        replaced = QStringLiteral("; what it replaced is kept as %1").arg(QDir::toNativeSeparators(keptAside));
+    else if (!after.isEmpty() && after.constFirst().file != before.constFirst().file)
+        replaced = QStringLiteral("; what it replaced is version 1 now");
     Console::Print(QStringLiteral("%1 is back: %2 -> %3%4")
-                       .arg(name, SentenceText(present), SentenceText(set),
-                            keptReplaced ? QStringLiteral("; what it replaced is version 1 now") : QString()));
+                       .arg(name, SentenceText(present, obstacle), SentenceText(set, Obstacle::None), replaced));
     return ExitCode::Done;
 }
 

@@ -55,11 +55,18 @@ std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString
 
 QString StateText(const ConfigVersions& document, const QList<ConfigVersion>& versions)
 {
-    if (document.OpenCurrent())
+    ConfigVersions::Obstacle obstacle{};
+    if (document.OpenCurrent(&obstacle))
         return QStringLiteral("readable");
     const std::optional<qsizetype> readable = NewestReadable(document, versions);
-    return readable ? QStringLiteral("DAMAGED; the next start uses the version of %1")
-                          .arg(TimeText(versions.at(*readable).saved))
+    const QString from = readable ? TimeText(versions.at(*readable).saved) : QString();
+    if (obstacle == ConfigVersions::Obstacle::Unread) {
+        // Whoever starts the host may be able to, or find the same.
+        return readable
+                   ? QStringLiteral("CANNOT BE READ now; a start that cannot either uses the version of %1").arg(from)
+                   : QStringLiteral("CANNOT BE READ now, nor any version");
+    }
+    return readable ? QStringLiteral("DAMAGED; the next start uses the version of %1").arg(from)
                     : QStringLiteral("DAMAGED, and no version can be read");
 }
 
@@ -77,9 +84,9 @@ QJsonArray DocumentRow(const QString& directory, const QString& path, const QFil
 
 bool CanHoldFiles(const QString& directory)
 {
-    // Permission bits do not tell: a file system can be read-only, and an administrator passes them all.
+    // Permission bits do not tell: a file system can be read-only or full, and an administrator passes them all.
     QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
-    return probe.open();
+    return probe.open() && probe.write("probe") > 0 && probe.flush();
 }
 
 QString HostAtWork(const InstanceLock::Owner& owner)

@@ -257,7 +257,12 @@ void TestVexelHostBackups::ADamagedDocumentIsShownAndReplaced()
     QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|damaged"), QStringLiteral("1|1")}));
     const auto result = setUp.Run({QStringLiteral("--restore=1")});
     QCOMPARE(result.exitCode, 0);
-    QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry")), qPrintable(result.output));
+    const QFileInfo document(Document(setUp));
+    const QStringList aside = document.dir().entryList({document.fileName() + QStringLiteral(".damaged-*")});
+    QCOMPARE(aside.size(), 1);
+    QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry; what it replaced is kept as ")) &&
+                 result.output.contains(aside.constFirst()),
+             qPrintable(result.output));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
     QVERIFY(setUp.StoredText().contains(garbage));
 }
