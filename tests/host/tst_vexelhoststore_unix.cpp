@@ -1,0 +1,192 @@
+#include "tests/dialog/filesizelimit.h"
+#include "tests/host/hostsetup.h"
+
+#include <sys/stat.h>
+
+// The host's executable on a configuration that is hard to read or cannot be written.
+class TestVexelHostStoreUnix : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WithoutRoomForTemporaryFiles();
+    void LeavesNothingAmongTheTemporaryFiles();
+    void OnAFullDiskItShowsAndExports();
+    void WhatCannotBeWrittenIsLookedAt();
+    void APipeInPlaceOfTheLock();
+    void ADocumentWithoutBound();
+    void ADocumentThatCannotBeRead();
+
+private:
+    static QString Document(const HostSetUp& setUp)
+    {
+        return setUp.Config() + QStringLiteral("/application/@application.ini");
+    }
+    /// Two versions of one and two entries, and a present list of three.
+    static void FillThrice(HostSetUp& setUp)
+    {
+        for (const QString& name : {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")})
+            setUp.Fill({name});
+    }
+    static QByteArray Content(const QString& fileName)
+    {
+        QFile file(fileName);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    static const QStringList s_allNames;
+};
+
+const QStringList TestVexelHostStoreUnix::s_allNames = {QStringLiteral("one"), QStringLiteral("two"),
+                                                        QStringLiteral("three")};
+
+void TestVexelHostStoreUnix::WithoutRoomForTemporaryFiles()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    setUp.Environment().insert(QStringLiteral("TMPDIR"), QStringLiteral("/no/such/folder"));
+    QCOMPARE(setUp.Names(), s_allNames);
+    const auto exported = setUp.Run({QStringLiteral("--export"), setUp.Path("out.xml")});
+    QCOMPARE(exported.error, QString());
+    QCOMPARE(exported.exitCode, 0);
+    QCOMPARE(Content(setUp.Path("out.xml")).count("<Connection>"), 3);
+    const auto backups = setUp.Run({QStringLiteral("--backups")});
+    QCOMPARE(backups.OutputLines().size(), 4);
+    QVERIFY2(!backups.output.contains(QLatin1String("damaged")), qPrintable(backups.output));
+    const auto diagnosis = setUp.Run({QStringLiteral("--diagnose")});
+    QVERIFY2(!diagnosis.output.contains(QLatin1String("DAMAGED")), qPrintable(diagnosis.output));
+    QCOMPARE(setUp.Run({QStringLiteral("--restore=2")}).exitCode, 0);
+    QCOMPARE(setUp.Names(), s_allNames.first(1));
+}
+
+void TestVexelHostStoreUnix::LeavesNothingAmongTheTemporaryFiles()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    const QString folder = setUp.Path("temporary");
+    QVERIFY(QDir().mkdir(folder));
+    setUp.Environment().insert(QStringLiteral("TMPDIR"), folder);
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    QProcess host;
+    setUp.Start(host, {QStringLiteral("--trace")});
+    // The list is loaded, and the plug-in has opened its link, or failed to.
+    QByteArray said;
+    QTRY_VERIFY((said += host.readAllStandardError()).contains("TCPServer"));
+    host.kill();
+    QVERIFY(host.waitForFinished());
+    QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
+}
+
+void TestVexelHostStoreUnix::OnAFullDiskItShowsAndExports()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
+    const QByteArray stored = setUp.StoredText();
+    {
+        // Files can be made, and hold nothing.
+        const FileSizeLimit limit(0);
+        QCOMPARE(setUp.Names(), s_allNames);
+        const auto exported = setUp.Run({QStringLiteral("--export=-")});
+        QCOMPARE(exported.error, QString());
+        QCOMPARE(exported.exitCode, 0);
+        QCOMPARE(exported.output.count(QLatin1String("<Connection>")), 3);
+        QCOMPARE(setUp.Run({QStringLiteral("--backups")}).OutputLines().size(), 4);
+
+        const auto added = setUp.Run({QStringLiteral("--add"), setUp.Path("more.xml")});
+        QCOMPARE(added.exitCode, 2);
+        QVERIFY2(added.error.contains(QLatin1String("could not be saved")), qPrintable(added.error));
+        QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 2);
+    }
+    QCOMPARE(setUp.StoredText(), stored);
+    QCOMPARE(setUp.Names(), s_allNames);
+}
+
+// Such as a disk that can only be read; nobody keeps an administrator from writing but what stands in the way.
+void TestVexelHostStoreUnix::WhatCannotBeWrittenIsLookedAt()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    const QByteArray stored = setUp.StoredText();
+    QVERIFY(QDir().mkdir(setUp.Config() + QStringLiteral("/vexelhost.lock")));
+
+    const auto listed = setUp.Run({QStringLiteral("--list"), QStringLiteral("--export"), setUp.Path("out.xml")});
+    QCOMPARE(listed.exitCode, 0);
+    QCOMPARE(listed.ErrorLines().size(), 1);
+    QVERIFY2(listed.error.contains(QLatin1String("cannot be used: ")) &&
+                 listed.error.contains(QLatin1String("it is only looked at")),
+             qPrintable(listed.error));
+    QCOMPARE(listed.OutputLines().size(), 4);
+    QCOMPARE(Content(setUp.Path("out.xml")).count("<Connection>"), 3);
+
+    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
+    for (const QStringList& arguments :
+         {QStringList{QStringLiteral("--add"), setUp.Path("more.xml"), QStringLiteral("--list")},
+          QStringList{QStringLiteral("--import"), setUp.Path("more.xml")},
+          QStringList{QStringLiteral("--connect"), QStringLiteral("one")}}) {
+        const auto result = setUp.Run(arguments);
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(QLatin1String("cannot be used: ")), qPrintable(result.error));
+    }
+    QCOMPARE(setUp.StoredText(), stored);
+}
+
+void TestVexelHostStoreUnix::APipeInPlaceOfTheLock()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    const QString lock = Document(setUp) + QStringLiteral(".lock");
+    QCOMPARE(mkfifo(QFile::encodeName(lock).constData(), 0600), 0);
+    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
+    const auto added = setUp.Run({QStringLiteral("--add"), setUp.Path("more.xml")});
+    QCOMPARE(added.exitCode, 2);
+    QVERIFY2(added.error.contains(QLatin1String("could not be saved")), qPrintable(added.error));
+    QCOMPARE(setUp.Names(), s_allNames);
+}
+
+void TestVexelHostStoreUnix::ADocumentWithoutBound()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    if (!QFile::resize(Document(setUp), qint64(60) << 30))
+        QSKIP("This file system has no sparse files.");
+    const auto result = setUp.Run({QStringLiteral("--list")});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.ErrorLines().size(), 1);
+    QVERIFY2(result.error.contains(QLatin1String(" is damaged, kept as ")), qPrintable(result.error));
+    QCOMPARE(result.OutputLines().size(), 3); // the version of two entries
+}
+
+// Its versions may be in order, and nothing says that it is damaged.
+void TestVexelHostStoreUnix::ADocumentThatCannotBeRead()
+{
+    HostSetUp setUp;
+    FillThrice(setUp);
+    QVERIFY(QFile::remove(Document(setUp)));
+    QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), Document(setUp)));
+    const auto backups = setUp.Run({QStringLiteral("--backups")});
+    QVERIFY2(backups.OutputLines().value(1).contains(QLatin1String("cannot be read")), qPrintable(backups.output));
+    QVERIFY2(!backups.output.contains(QLatin1String("damaged")), qPrintable(backups.output));
+    const auto json = setUp.Run({QStringLiteral("--backups"), QStringLiteral("--json")});
+    const QJsonObject now = QJsonDocument::fromJson(json.output.toUtf8())
+                                .object()
+                                .value(QLatin1String("versions"))
+                                .toArray()
+                                .first()
+                                .toObject();
+    QCOMPARE(now.value(QLatin1String("readable")), QJsonValue(false));
+    QCOMPARE(now.value(QLatin1String("damaged")), QJsonValue(false));
+    const auto diagnosis = setUp.Run({QStringLiteral("--diagnose")});
+    QVERIFY2(diagnosis.output.contains(QLatin1String("CANNOT BE READ now")), qPrintable(diagnosis.output));
+    QVERIFY2(!diagnosis.output.contains(QLatin1String("DAMAGED")), qPrintable(diagnosis.output));
+
+    const auto restored = setUp.Run({QStringLiteral("--restore=1")});
+    QCOMPARE(restored.exitCode, 0);
+    QVERIFY2(restored.output.contains(QLatin1String("cannot be read -> 2 entries; what it replaced is kept as ")),
+             qPrintable(restored.output));
+    QCOMPARE(setUp.Names(), s_allNames.first(2));
+}
+
+QTEST_GUILESS_MAIN(TestVexelHostStoreUnix)
+#include "tst_vexelhoststore_unix.moc"
