@@ -53,8 +53,9 @@ public:
     /// Host side: the store's directory, whole path; empty while documents live in memory alone.
     static QString Directory();
 
-    /// Host side: whether what is stored in the application's own document in `view` is known. False where its file
-    /// could not even be looked at, for a reason that may pass; the document then seems empty, and cannot be saved.
+    /// Host side: whether what is stored in the application's own document in `view`, or what is used in its place, is
+    /// known. False where its file is there, and could neither be read nor kept aside, and there is no version of it;
+    /// the document then seems empty, and cannot be saved.
     static bool IsAppCfgKnown(View view);
 
     /// Host side: who is told, in one plain English line, that a document could not be read when it was first asked

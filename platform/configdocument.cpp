@@ -105,6 +105,7 @@ void ConfigDocument::Load()
     Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
     Use(recovery.reading);
     m_isToBeLeftAlone = !recovery.isKeptAside;
+    m_isKnown = recovery.isKeptAside || recovery.reading.state != DocumentFile::State::Missing;
     if (!recovery.isInPlace) {
         ChangeAll();
         m_isChanged = recovery.isKeptAside; // the next save tries again

@@ -32,8 +32,8 @@ public:
     /// since this was last asked; else empty.
     QString TakeNotice() { return std::exchange(m_notice, QString()); }
 
-    /// Whether this holds what is stored, or what is used in its place. False: the file could not be looked at, and
-    /// only what was written here since is known.
+    /// Whether this holds what is stored, or what is used in its place. False: the file is there and could not be read,
+    /// and only what was written here since is known.
     bool IsKnown() const { return m_isKnown; }
 
     /// The value at `path`, nothing where there is none.

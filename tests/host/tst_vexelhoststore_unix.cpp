@@ -14,6 +14,7 @@ private slots:
     void OnAFullDiskItShowsAndExports();
     void WhatCannotBeWrittenIsLookedAt();
     void APipeInPlaceOfTheLock();
+    void AListThatIsNotKnownIsNotExported();
     void ADocumentWithoutBound();
     void ADocumentThatCannotBeRead();
 
@@ -27,6 +28,16 @@ private:
     {
         for (const QString& name : {QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")})
             setUp.Fill({name});
+    }
+    /// Lets a host without headless options run. Where a session has no folder for what lasts as long as it does, one
+    /// is made among the temporary files, and said so.
+    static void ShowOffScreen(HostSetUp& setUp)
+    {
+        const QString session = setUp.Path("session");
+        QVERIFY(QDir().mkpath(session));
+        QVERIFY(QFile::setPermissions(session, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        setUp.Environment().insert(QStringLiteral("XDG_RUNTIME_DIR"), session);
+        setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     }
     static QByteArray Content(const QString& fileName)
     {
@@ -65,7 +76,7 @@ void TestVexelHostStoreUnix::LeavesNothingAmongTheTemporaryFiles()
     const QString folder = setUp.Path("temporary");
     QVERIFY(QDir().mkdir(folder));
     setUp.Environment().insert(QStringLiteral("TMPDIR"), folder);
-    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    ShowOffScreen(setUp);
     QProcess host;
     setUp.Start(host, {QStringLiteral("--trace")});
     // The list is loaded, and the plug-in has opened its link, or failed to.
@@ -143,6 +154,35 @@ void TestVexelHostStoreUnix::APipeInPlaceOfTheLock()
     QCOMPARE(added.exitCode, 2);
     QVERIFY2(added.error.contains(QLatin1String("could not be saved")), qPrintable(added.error));
     QCOMPARE(setUp.Names(), s_allNames);
+}
+
+// It would be an empty one, in place of a good file.
+void TestVexelHostStoreUnix::AListThatIsNotKnownIsNotExported()
+{
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    const QString out = setUp.Path("out.xml");
+    QCOMPARE(setUp.Run({QStringLiteral("--export"), out}).exitCode, 0);
+    const QByteArray before = Content(out);
+    QVERIFY(before.contains("one"));
+
+    // Damaged, without a version, and nothing can be moved aside.
+    QVERIFY(QDir(Document(setUp) + QStringLiteral(".versions")).removeRecursively());
+    setUp.Write(Document(setUp), "damage");
+    QVERIFY(QDir().mkdir(Document(setUp) + QStringLiteral(".lock")));
+    for (const QStringList& arguments :
+         {QStringList{QStringLiteral("--export"), out}, QStringList{QStringLiteral("--list")},
+          QStringList{QStringLiteral("--connect"), QStringLiteral("one")}, QStringList{}}) {
+        if (arguments.isEmpty()) // the dialog
+            ShowOffScreen(setUp);
+        const auto result = setUp.Run(arguments);
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.ErrorLines().size(), 1);
+        QVERIFY2(result.error.contains(Document(setUp)), qPrintable(result.error));
+    }
+    QCOMPARE(Content(out), before);
+    QCOMPARE(Content(Document(setUp)), QByteArray("damage"));
 }
 
 void TestVexelHostStoreUnix::ADocumentWithoutBound()
