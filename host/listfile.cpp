@@ -1,5 +1,7 @@
 #include "host/listfile.h"
 
+#include "platform/foldersync.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -53,5 +55,8 @@ QString WriteListFile(const QString& fileName, const QByteArray& content)
         file.cancelWriting();
         return refused(reason);
     }
-    return file.commit() ? QString() : refused(file.errorString());
+    if (!file.commit())
+        return refused(file.errorString());
+    SyncFolder(former.absolutePath()); // where that fails, the file is there all the same
+    return {};
 }

@@ -1,3 +1,4 @@
+#include "host/listfile.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 
@@ -90,6 +91,20 @@ private slots:
             QVERIFY(std::find_if(g_requests.cbegin(), end, isWriting) != end);
             QVERIFY(FirstSyncOf(QFileInfo(Document()).path(), named) > named);
         }
+    }
+
+    void soIsAnExportedList()
+    {
+        const QString file = m_root->filePath(QStringLiteral("list.xml"));
+        QCOMPARE(WriteListFile(file, "<ConnectionEntries/>"), QString());
+        QVERIFY(QFile::exists(file));
+        QVERIFY(!g_requests.isEmpty());
+        QCOMPARE(g_requests.constLast().path, m_root->path());
+        QVERIFY(std::any_of(g_requests.cbegin(), g_requests.cend(), [&](const Request& request) {
+            struct stat status = {};
+            return request.kind == Request::Sync && ::stat(QFile::encodeName(file).constData(), &status) == 0 &&
+                   request.file == status.st_ino;
+        }));
     }
 
     void newFoldersAreOnTheDiskAsWell()
