@@ -79,6 +79,10 @@ private slots:
     void invalidExpressionsMatchNothing();
     void anEmptyPatternLetsEveryRowThrough_data();
     void anEmptyPatternLetsEveryRowThrough();
+    void halfAPairHidesNoText_data();
+    void halfAPairHidesNoText();
+    void aNullCharacterIsOneLikeAnyOther_data();
+    void aNullCharacterIsOneLikeAnyOther();
     void aLongTextIsSearchedToItsEnd_data();
     void aLongTextIsSearchedToItsEnd();
     void anyOtherModeIsPlainText_data();
@@ -150,6 +154,10 @@ void TestConnectionFilter::wildcard_data()
     AddRow("plain part", u"as", u"Mast 1", true);
     AddRow("letter case", u"M*T", u"mast", true);
     AddRow("letter case, other way", u"m*t", u"MAST", true);
+    AddRow("star, much behind the match", u"a*a*a*a*a*b", u"aaaaab aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", true);
+    AddRow("star, too many of them", u"a*a*a*a*a*b", u"aaaa b", false);
+    AddRow("star, the same part twice", u"ab*ab", u"abb a ab", true);
+    AddRow("star, part found too early", u"b*a", u"ab", false);
     AddRow("star, any run", u"M*1", u"Mast 1", true);
     AddRow("star, no character", u"Ma*st", u"Mast", true);
     AddRow("star, not found", u"M*2", u"Mast 1", false);
@@ -183,6 +191,11 @@ void TestConnectionFilter::wildcard_data()
     AddRow("closing bracket first in a complement", u"a[^]]b", u"a]b", false);
     AddRow("opening bracket in a set", u"a[[]b", u"a[b", true);
     AddRow("no character class in a set", u"a[[:digit:]]", u"a1", false);
+    AddRow("colons of a set", u"a[:x:]b", u"a:b", true);
+    AddRow("colons of a set, between them", u"a[:x:]b", u"axb", true);
+    AddRow("dots of a set", u"a[.x.]b", u"a.b", true);
+    AddRow("equals signs of a set", u"a[=x=]b", u"a=b", true);
+    AddRow("colons within a complement", u"a[^:x:]b", u"a:b", false);
     AddRow("backslash in a set", u"a[\\d]b", u"a\\b", true);
     AddRow("backslash in a set, its letter", u"a[\\d]b", u"adb", true);
     AddRow("backslash in a set is no class", u"a[\\d]b", u"a1b", false);
@@ -286,6 +299,45 @@ void TestConnectionFilter::anEmptyPatternLetsEveryRowThrough()
         QVERIFY(LetsThrough(QStringLiteral("a\nb"), pattern, mode));
         QVERIFY(LetsThrough(QString(QChar(0xD83D)), pattern, mode));
     }
+}
+
+void TestConnectionFilter::halfAPairHidesNoText_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("plain text") << s_plain;
+    QTest::newRow("wildcard") << s_wildcard;
+    QTest::newRow("regular expression") << s_regExp;
+}
+
+void TestConnectionFilter::halfAPairHidesNoText()
+{
+    QFETCH(int, mode);
+    const QString high(QChar(0xD83D));
+    const QString low(QChar(0xDCE1));
+    for (const QString& half : {high, low}) {
+        const QString text = QStringLiteral("Mast ") + half + QStringLiteral("1");
+        QVERIFY(LetsThrough(text, QStringLiteral("mast"), mode));
+        QVERIFY(LetsThrough(text, half + QStringLiteral("1"), mode));
+        QVERIFY(!LetsThrough(text, QStringLiteral("post"), mode));
+        QVERIFY(!LetsThrough(QStringLiteral("Mast 1"), half, mode));
+    }
+}
+
+void TestConnectionFilter::aNullCharacterIsOneLikeAnyOther_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("plain text") << s_plain;
+    QTest::newRow("wildcard") << s_wildcard;
+}
+
+void TestConnectionFilter::aNullCharacterIsOneLikeAnyOther()
+{
+    QFETCH(int, mode);
+    const QString null(1, QChar::Null);
+    // A digit behind it is no part of its number.
+    QVERIFY(LetsThrough(QStringLiteral("a") + null + QStringLiteral("12"), null + QStringLiteral("12"), mode));
+    QVERIFY(!LetsThrough(QString(QChar(u'\n')), null + QStringLiteral("12"), mode));
+    QVERIFY(!LetsThrough(QStringLiteral("a"), null, mode));
 }
 
 void TestConnectionFilter::aLongTextIsSearchedToItsEnd_data()

@@ -4,8 +4,11 @@
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -17,6 +20,26 @@ const QString s_searchModeKey = QStringLiteral("SearchMode");
 std::unique_ptr<ICfg> OpenSettings()
 {
     return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(s_settingsNode, 0));
+}
+
+/// The engine takes no text that holds half of a surrogate pair, as one cut off at some length may: a half counts as
+/// the character for what is none.
+QString WellFormed(const QString& text)
+{
+    if (text.isValidUtf16())
+        return text;
+    const QList<uint> characters = text.toUcs4();
+    return QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.constData()), characters.size());
+}
+
+/// `text` as an expression for itself. A null character is spelt in full: in the short form that Qt gives it, digits
+/// behind it would become a part of its number.
+QString Escaped(const QString& text)
+{
+    QStringList parts = text.split(QChar::Null);
+    for (QString& part : parts)
+        part = QRegularExpression::escape(part);
+    return parts.join(QLatin1String("\\x{0}"));
 }
 
 /// Copies the set that begins at `begin` ("[") into `expression` and returns the position behind it. A set that is
@@ -31,7 +54,8 @@ qsizetype TranslateSet(const QString& pattern, qsizetype begin, QString& express
     bool first = true;
     for (; i < pattern.size() && (first || pattern.at(i) != u']'); ++i) {
         const QChar c = pattern.at(i);
-        if (c == u'\\' || c == u'[' || c == u']')
+        // The last three would begin a class of a name, as in "[:alpha:]", or an error.
+        if (c == u'\\' || c == u'[' || c == u']' || c == u':' || c == u'.' || c == u'=')
             expression += u'\\';
         expression += c;
         first = false;
@@ -43,26 +67,46 @@ qsizetype TranslateSet(const QString& pattern, qsizetype begin, QString& express
     return i;
 }
 
-QString TranslateWildcard(const QString& pattern)
+/// The pattern's parts between its stars, each as an expression; without empty ones.
+QStringList TranslateParts(const QString& pattern)
 {
-    QString expression;
+    QStringList parts;
+    QString part;
     qsizetype i = 0;
     while (i < pattern.size()) {
         const QChar c = pattern.at(i);
         if (c == u'[') {
-            i = TranslateSet(pattern, i, expression);
+            i = TranslateSet(pattern, i, part);
             continue;
         }
         if (c == u'*')
-            expression += QLatin1String(".*");
+            parts.append(std::exchange(part, QString()));
         else if (c == u'?')
-            expression += u'.';
+            part += u'.';
         else if (c.isHighSurrogate() && i + 1 < pattern.size())
-            expression += QRegularExpression::escape(pattern.mid(i++, 2));
+            part += Escaped(pattern.mid(i++, 2));
         else
-            expression += QRegularExpression::escape(QString(c));
+            part += Escaped(c);
         ++i;
     }
+    parts.append(part);
+    parts.removeAll(QString());
+    return parts;
+}
+
+/// Each part is looked for behind the one before, and taken where it is found first: as a part always matches equally
+/// many characters, a later place is never a better one. Going back to look for one would take more steps than the
+/// engine may do, with no more than five stars and a name of fifty characters.
+QString TranslateWildcard(const QString& pattern)
+{
+    const QStringList parts = TranslateParts(pattern);
+    if (parts.isEmpty())
+        return {};
+    QString expression = parts.constFirst();
+    if (parts.size() > 1)
+        expression += QLatin1String("(*COMMIT)");
+    for (qsizetype i = 1; i < parts.size(); ++i)
+        expression += QLatin1String("(?>.*?") + parts.at(i) + u')';
     return expression;
 }
 
@@ -99,15 +143,16 @@ QRegularExpression FilterExpression(const QString& pattern, int mode)
     constexpr auto options = QRegularExpression::CaseInsensitiveOption |
                              QRegularExpression::DotMatchesEverythingOption |
                              QRegularExpression::UseUnicodePropertiesOption;
+    const QString text = WellFormed(pattern);
     switch (static_cast<SearchMode>(mode)) {
     case SearchMode::Wildcard:
-        return QRegularExpression(TranslateWildcard(pattern), options);
+        return QRegularExpression(TranslateWildcard(text), options);
     case SearchMode::RegularExpression:
-        return QRegularExpression(pattern, options);
+        return QRegularExpression(text, options);
     case SearchMode::PlainText:
         break;
     }
-    return QRegularExpression(QRegularExpression::escape(pattern), options);
+    return QRegularExpression(Escaped(text), options);
 }
 
 FilterSettings FilterSettings::Load()
@@ -167,7 +212,8 @@ bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& s
         return false;
     }
     const auto matches = [&](int column) {
-        const QString text = sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString();
+        const QString text =
+            WellFormed(sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString());
         return text.contains(text.size() > s_longText ? m_ForLongTexts : m_ForNames);
     };
     const int columns = sourceModel()->columnCount(sourceParent);
