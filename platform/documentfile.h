@@ -12,7 +12,7 @@
 
 /// In bytes. What is larger was not made by any program that saves documents: it is damaged. The largest list that can
 /// be imported takes half of this.
-constexpr qint64 kLargestDocument = 256 * 1024 * 1024;
+constexpr qint64 kLargestDocument = qint64{256} * 1024 * 1024;
 
 /// The file of one document, treated so that nothing in it is lost: written whole, and never thrown away for being
 /// damaged.

@@ -163,11 +163,11 @@ void VersionFolder::Renumber(const QStringList& names) const
 {
     QDir folder(Path());
     qulonglong number = 0;
-    for (auto name = names.crbegin(); name != names.crend(); ++name) {
+    std::for_each(names.crbegin(), names.crend(), [&folder, &number](const QString& name) {
         ++number;
-        if (NumberOf(*name) > number)
-            folder.rename(*name, Digits(number) + name->mid(kDigits));
-    }
+        if (NumberOf(name) > number)
+            folder.rename(name, Digits(number) + name.mid(kDigits));
+    });
 }
 
 // Newest first.
