@@ -8,34 +8,13 @@
 #
 # WINDOW is for tests of windows: those for Windows run a second time in real windows, as <name>_desktop, with the label
 # "desktop". Such a run needs a display, which windows/test gives to all of them together.
-#
-# Half of the time that a test takes to compile goes into the headers of Qt: all tests read them from one precompiled
-# header, and link the same parts of Qt, since these decide what the headers hold. -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
-# shows whether a test includes all that it uses.
 set(VEXEL_TEST_LIBRARIES vexel_options Qt6::Test Qt6::Widgets Qt6::Network Qt6::Xml)
-
-function(vexel_use_test_headers target)
-    if(NOT TARGET vexel_testheaders)
-        add_executable(vexel_testheaders EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/support/testheaders.cpp)
-        target_link_libraries(vexel_testheaders PRIVATE ${VEXEL_TEST_LIBRARIES})
-        target_precompile_headers(vexel_testheaders PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/testheaders.h)
-        set_target_properties(vexel_testheaders PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
-    endif()
-    target_precompile_headers(${target} REUSE_FROM vexel_testheaders)
-endfunction()
 
 function(vexel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE ${VEXEL_TEST_LIBRARIES} ${arg_LIBRARIES})
-    vexel_use_test_headers(${arg_NAME})
-    # Sources of the product that are built into a test are compiled, and checked, as they are in the product.
-    foreach(source IN LISTS arg_SOURCES)
-        if(IS_ABSOLUTE ${source})
-            set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
-        endif()
-    endforeach()
     target_compile_definitions(${arg_NAME} PRIVATE ${arg_DEFINITIONS})
     set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
     if(arg_DEPENDS)
