@@ -11,3 +11,7 @@ enum class Listening { Yes, Unavailable, Taken };
 /// that is started from here inherits the socket. The backlog is the server's.
 /// @param error says why, when the result is not `Yes`; must not be null.
 Listening ListenAlone(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error);
+
+/// Has no program that is started from here inherit the socket `handle`, which came of a call that was taken: it would
+/// keep the call open when this program has ended it.
+void KeepToThisProcess(qintptr handle);

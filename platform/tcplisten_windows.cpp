@@ -72,3 +72,9 @@ Listening ListenAlone(QTcpServer& server, const QHostAddress& address, quint16 p
     }
     return Listening::Yes;
 }
+
+// A call that is taken does not have it from the listening socket, and Qt leaves it so.
+void KeepToThisProcess(qintptr handle)
+{
+    SetHandleInformation(reinterpret_cast<HANDLE>(handle), HANDLE_FLAG_INHERIT, 0);
+}

@@ -36,6 +36,7 @@ public:
 protected:
     void incomingConnection(qintptr handle) override
     {
+        KeepToThisProcess(handle);
         auto* const socket = new QTcpSocket(this);
         // Before it has its handle: the caller may have begun to send, and may have to wait for its place.
         TcpConnection::BoundReadBuffer(socket);
