@@ -2,7 +2,6 @@
 #include "userinterface/vexelconnectdlg/boundedfile.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -13,10 +12,8 @@ class tst_BoundedFile : public QObject
 private slots:
     void WholeContent_data();
     void WholeContent();
-    void LinkIsFollowed();
     void AboveLimit();
     void HugeFile();
-    void FileWithoutSize();
     void NotRegular_data();
     void NotRegular();
     void PipeIsNotOpened();
@@ -49,21 +46,6 @@ void tst_BoundedFile::WholeContent()
     QCOMPARE(*read, content);
 }
 
-void tst_BoundedFile::LinkIsFollowed()
-{
-    Write("target", "abc");
-#ifdef Q_OS_WIN
-    const QString link = Path("link.lnk");
-#else
-    const QString link = Path("link");
-#endif
-    QVERIFY(QFile::link(Path("target"), link));
-#ifdef Q_OS_WIN
-    QSKIP("shortcuts of this system are not links to its files");
-#endif
-    QCOMPARE(ReadRegularFile(link).value_or("nothing"), QByteArray("abc"));
-}
-
 void tst_BoundedFile::AboveLimit()
 {
     const QString path = Write("limited", QByteArray(1000, 'x'));
@@ -84,16 +66,6 @@ void tst_BoundedFile::HugeFile()
     const auto atLimit = ReadRegularFile(file.fileName());
     QVERIFY(atLimit.has_value());
     QCOMPARE(atLimit->size(), MaximumFileSize);
-}
-
-void tst_BoundedFile::FileWithoutSize()
-{
-    // A regular file that says it is empty, and is not: neither cut off nor read beyond the limit.
-    const QString path = QStringLiteral("/proc/self/status");
-    if (!QFileInfo(path).isFile() || QFileInfo(path).size() != 0)
-        QSKIP("this system has no such file");
-    QVERIFY(ReadRegularFile(path).value_or(QByteArray()).startsWith("Name:"));
-    QVERIFY(!ReadRegularFile(path, 10).has_value());
 }
 
 void tst_BoundedFile::NotRegular_data()

@@ -8,6 +8,7 @@
 #include <QHostAddress>
 #include <QList>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTimer>
 
 #include <algorithm>
@@ -154,6 +155,15 @@ public:
     RecordingCallback callback;
     std::unique_ptr<IInterface> server;
 };
+
+/// Begins to call; whether anybody answers shows later.
+inline std::unique_ptr<QTcpSocket> Call(quint16 port,
+                                        const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
+{
+    auto caller = std::make_unique<QTcpSocket>();
+    caller->connectToHost(address, port);
+    return caller;
+}
 
 /// Runs the event loop until `condition` holds, without a pause in between: for conditions that are waited for a
 /// thousand times.

@@ -1,7 +1,5 @@
 #include "tests/link/flood.h"
-#include "tests/link/handlelimit.h"
 #include "tests/link/linkfixture.h"
-#include "tests/link/vanishing.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 
@@ -18,13 +16,6 @@ using Kind = RecordingCallback::Kind;
 namespace {
 
 constexpr qint64 s_mebibyte = 1024LL * 1024;
-
-std::unique_ptr<QTcpSocket> Call(quint16 port, const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
-{
-    auto caller = std::make_unique<QTcpSocket>();
-    caller->connectToHost(address, port);
-    return caller;
-}
 
 /// Says one line and hangs up, as the starter does.
 std::unique_ptr<QTcpSocket> CallBriefly(quint16 port,
@@ -65,8 +56,6 @@ private slots:
     void unansweredAttemptFails();
     void slowCallbackIsNotThePeersSilence();
     void peerThatDoesNotTakeWhatIsWritten();
-    void withoutHandles();
-    void vanishedPeersAreClosed();
     void nothingIsLeftOpen();
 };
 
@@ -415,50 +404,6 @@ void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
     peer->Write("x", std::numeric_limits<quint64>::max());
     QTRY_COMPARE(server.callback.Count(Kind::Error), 2);
     QTRY_COMPARE(first->state(), QAbstractSocket::UnconnectedState);
-}
-
-void TstInterfaceBounds::withoutHandles()
-{
-#ifdef Q_OS_UNIX
-    TestServer server;
-    std::vector<std::unique_ptr<QTcpSocket>> callers;
-    for (int call = 0; call < 3; ++call) {
-        callers.push_back(Call(server.port));
-        QVERIFY(callers.back()->waitForConnected()); // in the system's queue
-    }
-    {
-        const NoMoreHandles none;
-        QTRY_VERIFY(server.callback.Count(Kind::Error) > 0);
-        QCOMPARE(server.callback.Kinds(), QList<Kind>{Kind::Error});
-        QCOMPARE(server.callback.events.constFirst().source, server.server.get());
-        QVERIFY(server.server->IsOpen());
-    }
-    // Nobody was lost.
-    QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
-#else
-    QSKIP("There is no limit to set");
-#endif
-}
-
-void TstInterfaceBounds::vanishedPeersAreClosed()
-{
-#ifdef Q_OS_UNIX
-    TestServer server(200);
-    std::vector<std::unique_ptr<QTcpSocket>> callers;
-    for (int call = 0; call < CInterfaceCreator::MaximumPeers; ++call)
-        callers.push_back(Call(server.port));
-    QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
-    for (const auto& caller : callers) {
-        if (!Vanish(*caller))
-            QSKIP("This needs the right to administer the network, on Linux");
-    }
-    // Nothing says that they are gone, but that they are silent.
-    QCOMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
-    QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::MaximumPeers);
-    QCOMPARE(server.callback.Count(Kind::Error), 0);
-#else
-    QSKIP("A peer cannot vanish here");
-#endif
 }
 
 void TstInterfaceBounds::nothingIsLeftOpen()

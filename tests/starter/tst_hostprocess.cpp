@@ -1,5 +1,4 @@
-#include "starter/hostprocess.h"
-#include "tests/starter/fakehostrun.h"
+#include "tests/starter/startedhost.h"
 
 #include <QDir>
 #include <QTcpServer>
@@ -16,7 +15,6 @@ private slots:
     void argumentsArriveAsTheyAre();
     void directoryAndEnvironmentAreKept();
     void nothingElseIsInherited();
-    void hasASessionOfItsOwn();
     void exitCode_data();
     void exitCode();
     void crash();
@@ -25,21 +23,6 @@ private slots:
     void outlivesItsObject();
     void notStarted();
 };
-
-namespace {
-
-/// Starts a fake host and waits until it has said how.
-QJsonObject Started(HostProcess& process, const FakeHostRun& run, const QStringList& arguments)
-{
-    const QString error = process.Start(FakeHostRun::Program(), arguments);
-    if (!error.isEmpty())
-        qFatal("%s", qPrintable(error));
-    if (!QTest::qWaitFor([&] { return run.Starts().size() == 1; }, 20'000))
-        qFatal("It says nothing");
-    return run.Starts().constFirst();
-}
-
-} // namespace
 
 void TstHostProcess::argumentsArriveAsTheyAre()
 {
@@ -85,22 +68,6 @@ void TstHostProcess::nothingElseIsInherited()
     QCOMPARE(start.value(QLatin1String("inherited")).toArray(), QJsonArray());
     const QString nothing = QStringLiteral("nothing");
     QCOMPARE(start.value(QLatin1String("streams")).toArray(), (QJsonArray{nothing, nothing, nothing}));
-}
-
-void TstHostProcess::hasASessionOfItsOwn()
-{
-#ifdef Q_OS_LINUX
-    const FakeHostRun run;
-    HostProcess process;
-    (void)Started(process, run, run.Arguments(QStringLiteral("hang"), 1));
-    QFile file(QStringLiteral("/proc/%1/stat").arg(process.Id()));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    // After the name, which stands in parentheses: state, parent, process group, session.
-    const QByteArrayList fields = file.readAll().split(')').constLast().simplified().split(' ');
-    QCOMPARE(fields.at(3).toLongLong(), process.Id());
-#else
-    QSKIP("This system has no such sessions, or does not tell");
-#endif
 }
 
 void TstHostProcess::exitCode_data()

@@ -1,0 +1,61 @@
+#include "tests/link/handlelimit.h"
+#include "tests/link/linkfixture.h"
+#include "tests/link/vanishing.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <vector>
+
+using Kind = RecordingCallback::Kind;
+
+/// Connections at the bounds that a system sets, or where it lets them end in silence.
+class TstInterfaceBoundsUnix : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
+
+    void withoutHandles();
+    void vanishedPeersAreClosed();
+};
+
+void TstInterfaceBoundsUnix::withoutHandles()
+{
+    TestServer server;
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < 3; ++call) {
+        callers.push_back(Call(server.port));
+        QVERIFY(callers.back()->waitForConnected()); // in the system's queue
+    }
+    {
+        const NoMoreHandles none;
+        QTRY_VERIFY(server.callback.Count(Kind::Error) > 0);
+        QCOMPARE(server.callback.Kinds(), QList<Kind>{Kind::Error});
+        QCOMPARE(server.callback.events.constFirst().source, server.server.get());
+        QVERIFY(server.server->IsOpen());
+    }
+    // Nobody was lost.
+    QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
+}
+
+void TstInterfaceBoundsUnix::vanishedPeersAreClosed()
+{
+    TestServer server(200);
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < CInterfaceCreator::MaximumPeers; ++call)
+        callers.push_back(Call(server.port));
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    for (const auto& caller : callers) {
+        if (!Vanish(*caller))
+            QSKIP("This needs the right to administer the network, on Linux");
+    }
+    // Nothing says that they are gone, but that they are silent.
+    QCOMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::MaximumPeers);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+}
+
+QTEST_GUILESS_MAIN(TstInterfaceBoundsUnix)
+#include "tst_interfacebounds_unix.moc"
