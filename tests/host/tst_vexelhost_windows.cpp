@@ -93,6 +93,24 @@ private slots:
         QVERIFY2(result.error.contains(QLatin1String("\"mast\" could not be connected")), qPrintable(result.error));
     }
 
+    // Here names end before the blanks at their end, so this one is there.
+    void ApplicationWithATrailingBlank()
+    {
+        HostSetUp setUp;
+        const QString program = QStringLiteral(VEXEL_TESTCHILD " ");
+        setUp.Install(program, 1);
+        setUp.Fill({QStringLiteral("mast")});
+        const QDir reports(setUp.Path("reports"));
+        QVERIFY(reports.mkpath(QStringLiteral(".")));
+        setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), reports.path());
+        const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--connect"), QStringLiteral("mast"),
+                                       QStringLiteral("--wait")});
+        QCOMPARE(result.exitCode, 0);
+        const QString trace = QStringLiteral("ApplicationInstance::Start(): Started application <%1>").arg(program);
+        QVERIFY2(result.error.contains(trace), qPrintable(result.error));
+        QCOMPARE(reports.entryList(QDir::Files).size(), 1);
+    }
+
 private:
     static void Places()
     {
