@@ -3,7 +3,7 @@
 bool OpenToAppend(QFile& file, const QString& name, QString* error)
 {
     file.setFileName(name);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered))
+    if (file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
         return true;
     *error = file.errorString();
     return false;

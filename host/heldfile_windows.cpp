@@ -72,6 +72,12 @@ HeldFile::State HeldFile::Look(const QString& path)
         return State::Free;
     }
     switch (GetLastError()) {
+    case ERROR_ACCESS_DENIED: {
+        // Folders cannot be opened like that, and nobody has those.
+        const DWORD attributes = GetFileAttributesW(NameOf(path).c_str());
+        const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        return isFolder ? State::Free : State::Unknown;
+    }
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
         return State::Free;
