@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/system.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -20,8 +22,7 @@ public:
     {
         m_Environment = QProcessEnvironment::systemEnvironment();
         // As a person without a display has it: the host must find out by itself.
-        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-            m_Environment.remove(QString::fromLatin1(name));
+        System::TakeDisplay(m_Environment);
         QDir(m_Directory.path()).mkdir(QStringLiteral("data"));
     }
 

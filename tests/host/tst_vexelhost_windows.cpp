@@ -97,14 +97,14 @@ private slots:
     void ApplicationWithATrailingBlank()
     {
         HostSetUp setUp;
-        const QString program = QStringLiteral(VEXEL_TESTCHILD " ");
+        const QString program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)) + u' ';
         setUp.Install(program, 1);
         setUp.Fill({QStringLiteral("mast")});
         const QDir reports(setUp.Path("reports"));
         QVERIFY(reports.mkpath(QStringLiteral(".")));
         setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), reports.path());
-        const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--connect"), QStringLiteral("mast"),
-                                       QStringLiteral("--wait")});
+        const auto result = setUp.Run(
+            {QStringLiteral("--trace"), QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
         QCOMPARE(result.exitCode, 0);
         const QString trace = QStringLiteral("ApplicationInstance::Start(): Started application <%1>").arg(program);
         QVERIFY2(result.error.contains(trace), qPrintable(result.error));

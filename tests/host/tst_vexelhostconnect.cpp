@@ -34,7 +34,7 @@ private slots:
 
 private:
     static QStringList Changes(const QStringList& lines);
-    static QString KiteControl() { return QStringLiteral(PROGRAM_DIRECTORY "/kitecontrol"); }
+    static QString KiteControl() { return QDir().absoluteFilePath(QStringLiteral(PROGRAM_DIRECTORY "/kitecontrol")); }
 };
 
 /// "NAME: Free -> In Use" for each line, whose form is checked.
@@ -229,7 +229,10 @@ void TestVexelHostConnect::ChildrenFindTheConfiguration()
     QFile report(reports.constFirst().absoluteFilePath());
     QVERIFY(report.open(QIODevice::ReadOnly | QIODevice::Text));
     const QByteArray text = report.readAll();
-    QVERIFY2(text.contains("configuration: " + setUp.Config().toUtf8() + '\n'), text.constData());
+    // As the system writes it; in the report a backslash is two.
+    const QString directory =
+        QDir::toNativeSeparators(setUp.Config()).replace(QLatin1String("\\"), QLatin1String("\\\\"));
+    QVERIFY2(text.contains("configuration: " + directory.toUtf8() + '\n'), text.constData());
     QVERIFY2(text.contains("App1:XMsgDlg.dll Server mast\n"), text.constData());
     QVERIFY2(text.contains("station name: mast\n"), text.constData());
 }

@@ -41,7 +41,12 @@ public:
     TestChild(const TestChild&) = delete;
     TestChild& operator=(const TestChild&) = delete;
 
-    static QString Program() { return QStringLiteral(VEXEL_TESTCHILD); }
+    static QString Program()
+    {
+        // With its drive, so that it is found from everywhere.
+        static const QString s_program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD));
+        return s_program;
+    }
 
     /// What children do that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
     /// ended, be "polite" and exit when they are asked to end, be "stubborn" and stay even then, "print" `number` bytes

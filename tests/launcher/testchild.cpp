@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
+#include <QUuid>
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,12 +18,13 @@
 
 namespace {
 
-/// Writes a file "<process id>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is complete.
+/// Writes a file "....json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is complete. The process's
+/// number would be no name for it: some systems give the same one to the next process.
 bool WriteReport(const QStringList& inherited)
 {
-    QSaveFile file(QStringLiteral("%1/%2.json")
-                       .arg(qEnvironmentVariable("VEXEL_TESTCHILD_REPORTS"))
-                       .arg(QCoreApplication::applicationPid()));
+    QSaveFile file(
+        QStringLiteral("%1/%2.json")
+            .arg(qEnvironmentVariable("VEXEL_TESTCHILD_REPORTS"), QUuid::createUuid().toString(QUuid::WithoutBraces)));
     const QJsonObject report{
         {QStringLiteral("pid"), QCoreApplication::applicationPid()},
         {QStringLiteral("program"), QCoreApplication::applicationFilePath()},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 
@@ -34,6 +35,13 @@ qsizetype OpenHandles();
 
 /// Where a standard stream of this process leads: "nothing", "pipe", or another text.
 QString StreamTarget(int stream);
+
+/// Takes the display from `environment`, as for a person who has none, and the choice of a platform. Where there always
+/// is one, programs keep to the test's choice.
+void TakeDisplay(QProcessEnvironment& environment);
+
+/// Whether a command line can be too long for the system.
+bool HasLongestCommandLine();
 
 /// The memory that this process occupies, in KiB.
 qint64 ResidentKiB();

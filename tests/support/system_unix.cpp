@@ -66,6 +66,17 @@ QString StreamTarget(int stream)
     return target.contains(QLatin1String("pipe:")) ? QStringLiteral("pipe") : target;
 }
 
+void TakeDisplay(QProcessEnvironment& environment)
+{
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        environment.remove(QString::fromLatin1(name));
+}
+
+bool HasLongestCommandLine()
+{
+    return true;
+}
+
 qint64 ResidentKiB()
 {
     QFile file(QStringLiteral("/proc/self/statm"));

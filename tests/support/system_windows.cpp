@@ -132,6 +132,16 @@ QString StreamTarget(int stream)
     }
 }
 
+void TakeDisplay(QProcessEnvironment& /*environment*/)
+{
+}
+
+bool HasLongestCommandLine()
+{
+    // Wine, which tells by this that it is not Windows, takes them all.
+    return !GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
+}
+
 qint64 ResidentKiB()
 {
     PROCESS_MEMORY_COUNTERS counters{};
