@@ -41,12 +41,7 @@ public:
     TestChild(const TestChild&) = delete;
     TestChild& operator=(const TestChild&) = delete;
 
-    static QString Program()
-    {
-        // With its drive, so that it is found from everywhere.
-        static const QString s_program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD));
-        return s_program;
-    }
+    static QString Program() { return s_program; }
 
     /// What children do that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
     /// ended, be "polite" and exit when they are asked to end, be "stubborn" and stay even then, "print" `number` bytes
@@ -93,6 +88,8 @@ public:
 private:
     static QStringList Texts(const QJsonValue& array) { return array.toVariant().toStringList(); }
 
+    // With its drive, so that it is found from everywhere.
+    inline static const QString s_program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD));
     QTemporaryDir m_Reports;
 };
 

@@ -259,7 +259,7 @@ void tst_ConnectTo::ChildInheritsNothing()
     QLockFile lock(file.fileName() + s(".lock"));
     QVERIFY(lock.tryLock());
     const TestServer link;
-    const auto caller = Call(link.port);
+    const auto caller = CallerOf(link.port);
     QTRY_COMPARE(link.callback.Count(RecordingCallback::Open), 1);
     m_pChild->Behave("stay");
     QVERIFY(m_pCounter->ConnectTo(Entry("first", 1)));

@@ -156,9 +156,9 @@ public:
     std::unique_ptr<IInterface> server;
 };
 
-/// Begins to call; whether anybody answers shows later.
-inline std::unique_ptr<QTcpSocket> Call(quint16 port,
-                                        const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
+/// One who begins to call; whether anybody answers shows later.
+inline std::unique_ptr<QTcpSocket> CallerOf(quint16 port,
+                                            const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
 {
     auto caller = std::make_unique<QTcpSocket>();
     caller->connectToHost(address, port);

@@ -21,7 +21,7 @@ constexpr qint64 s_mebibyte = 1024LL * 1024;
 std::unique_ptr<QTcpSocket> CallBriefly(quint16 port,
                                         const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
 {
-    auto caller = Call(port, address);
+    auto caller = CallerOf(port, address);
     caller->write("line\n");
     caller->disconnectFromHost();
     return caller;
@@ -119,12 +119,12 @@ void TstInterfaceBounds::silentPeersKeepNobodyOut()
     std::vector<std::unique_ptr<QTcpSocket>> silent;
     silent.reserve(100);
     for (int call = 0; call < count; ++call)
-        silent.push_back(Call(server.port));
+        silent.push_back(CallerOf(server.port));
     QTRY_COMPARE_WITH_TIMEOUT(server.callback.Count(Kind::Open), count, 20'000);
     QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::MaximumPeers);
 
     const TraceRecorder traces;
-    const auto caller = Call(server.port);
+    const auto caller = CallerOf(server.port);
     caller->write("honest");
     QTRY_COMPARE(server.callback.received, QByteArray("honest"));
     // One had to go for it: the one that was there first.
@@ -151,9 +151,9 @@ void TstInterfaceBounds::floodOnOneAddressLeavesTheOtherFree()
     std::vector<std::unique_ptr<QTcpSocket>> silent;
     silent.reserve(100);
     for (int call = 0; call < 100; ++call)
-        silent.push_back(Call(server.port));
+        silent.push_back(CallerOf(server.port));
     QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::MaximumPeers);
-    const auto caller = Call(server.port, QHostAddress(QHostAddress::LocalHostIPv6));
+    const auto caller = CallerOf(server.port, QHostAddress(QHostAddress::LocalHostIPv6));
     caller->write("honest");
     QTRY_COMPARE_WITH_TIMEOUT(server.callback.received, QByteArray("honest"), 20'000);
     QVERIFY2(server.callback.Count(Kind::Open) < 100, "It had to wait until the flood was over");
@@ -163,7 +163,7 @@ void TstInterfaceBounds::peerIsClosedAfterItsBytes()
 {
     TestServer server;
     const TraceRecorder traces;
-    const auto caller = Call(server.port);
+    const auto caller = CallerOf(server.port);
     caller->write(QByteArray(CInterfaceCreator::MaximumBytesPerCall + 1, 'x'));
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.received.size(), CInterfaceCreator::MaximumBytesPerCall);
@@ -178,7 +178,7 @@ void TstInterfaceBounds::peerMaySendItsBytes()
     // Left unread, which must not keep the later ones from coming.
     server.callback.onRead = [](IInterface*, quint64) {
     };
-    const auto caller = Call(server.port);
+    const auto caller = CallerOf(server.port);
     caller->write(QByteArray(CInterfaceCreator::MaximumBytesPerCall, 'x'));
     QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
     for (const auto& event : std::as_const(server.callback.events))
@@ -191,7 +191,7 @@ void TstInterfaceBounds::peerMaySendItsBytes()
     // What it has sent counts per call.
     caller->disconnectFromHost();
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
-    const auto again = Call(server.port);
+    const auto again = CallerOf(server.port);
     again->write("x");
     QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall + 1);
 }
@@ -227,7 +227,7 @@ void TstInterfaceBounds::nothingPilesUpWhileTheCallbackIsBusy()
     qint64 unsent = 0;
     server.callback.onOpen = [&](IInterface*) {
         // The flood has its peer, which is kept waiting: time enough to send it all if somebody took it.
-        const auto silent = Call(clock.port);
+        const auto silent = CallerOf(clock.port);
         QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
     };
     Flood flood(server.port, 64 * s_mebibyte);
@@ -269,7 +269,7 @@ void TstInterfaceBounds::randomBytes()
         QByteArray bytes(random.bounded(1, 200'000), '\0');
         for (char& byte : bytes)
             byte = static_cast<char>(random.bounded(256));
-        const auto caller = Call(server.port);
+        const auto caller = CallerOf(server.port);
         caller->write(bytes);
         caller->disconnectFromHost();
         QTRY_COMPARE(ended.size(), call + 1);
@@ -283,16 +283,16 @@ void TstInterfaceBounds::silentPeerIsClosed()
     TestServer endless(0);
     TestServer server(50);
     const TraceRecorder traces;
-    const auto patient = Call(endless.port);
+    const auto patient = CallerOf(endless.port);
     QTRY_COMPARE(endless.callback.Count(Kind::Open), 1);
-    const auto caller = Call(server.port);
+    const auto caller = CallerOf(server.port);
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Close}));
     QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(endless.callback.Count(Kind::Close), 0);
 
     // One that falls silent after a word.
-    const auto second = Call(server.port);
+    const auto second = CallerOf(server.port);
     second->write("word");
     QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
     QCOMPARE(server.callback.received, QByteArray("word"));
@@ -301,12 +301,12 @@ void TstInterfaceBounds::silentPeerIsClosed()
 void TstInterfaceBounds::talkingPeerStays()
 {
     TestServer server(1000);
-    const auto talking = Call(server.port);
+    const auto talking = CallerOf(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
     QTimer talk;
     connect(&talk, &QTimer::timeout, talking.get(), [&] { talking->write("x"); });
     talk.start(10);
-    const auto silent = Call(server.port);
+    const auto silent = CallerOf(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(silent->state(), QAbstractSocket::UnconnectedState);
     QCOMPARE(talking->state(), QAbstractSocket::ConnectedState);
@@ -321,10 +321,10 @@ void TstInterfaceBounds::timeOutBeyondTimers()
     TestServer server((quint64{1} << 32U) + 50); // 50 in the lower 32 bits
     TestServer greatest(std::numeric_limits<quint64>::max());
     TestServer clock(500);
-    const auto caller = Call(server.port);
-    const auto second = Call(greatest.port);
+    const auto caller = CallerOf(server.port);
+    const auto second = CallerOf(greatest.port);
     QTRY_VERIFY(server.callback.Count(Kind::Open) == 1 && greatest.callback.Count(Kind::Open) == 1);
-    const auto silent = Call(clock.port);
+    const auto silent = CallerOf(clock.port);
     QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.Count(Kind::Close), 0);
     QCOMPARE(greatest.callback.Count(Kind::Close), 0);
@@ -368,9 +368,9 @@ void TstInterfaceBounds::slowCallbackIsNotThePeersSilence()
     TestServer other(50);
     server.callback.onOpen = [&](IInterface*) {
         // A box on the screen, say, for longer than the time-out.
-        const auto silent = Call(other.port);
+        const auto silent = CallerOf(other.port);
         QTRY_COMPARE(other.callback.Count(Kind::Close), 1);
-        const auto second = Call(other.port);
+        const auto second = CallerOf(other.port);
         QTRY_COMPARE(other.callback.Count(Kind::Close), 2);
     };
     const auto caller = CallBriefly(server.port);
@@ -387,12 +387,12 @@ void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
         if (server.callback.Count(Kind::Open) > 1)
             peer->Write("x", 1);
     };
-    const auto first = Call(server.port);
+    const auto first = CallerOf(server.port);
     QTRY_COMPARE(first->bytesAvailable(), much.size());
     QCOMPARE(server.callback.Count(Kind::Error), 0);
     QCOMPARE(server.callback.Length(Kind::Written), much.size());
 
-    const auto second = Call(server.port);
+    const auto second = CallerOf(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.Count(Kind::Error), 1);
     QTRY_COMPARE(second->state(), QAbstractSocket::UnconnectedState);
@@ -421,8 +421,8 @@ void TstInterfaceBounds::nothingIsLeftOpen()
         std::vector<std::unique_ptr<Flood>> floods;
         for (int call = 0; call < 50; ++call) {
             callers.push_back(CallBriefly(server.port));
-            callers.push_back(Call(server.port));
-            callers.push_back(Call(server.port));
+            callers.push_back(CallerOf(server.port));
+            callers.push_back(CallerOf(server.port));
             callers.back()->abort();
             if (call % 10 == 0)
                 floods.push_back(std::make_unique<Flood>(server.port, s_mebibyte));

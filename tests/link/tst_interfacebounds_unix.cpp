@@ -26,7 +26,7 @@ void TstInterfaceBoundsUnix::withoutHandles()
     TestServer server;
     std::vector<std::unique_ptr<QTcpSocket>> callers;
     for (int call = 0; call < 3; ++call) {
-        callers.push_back(Call(server.port));
+        callers.push_back(CallerOf(server.port));
         QVERIFY(callers.back()->waitForConnected()); // in the system's queue
     }
     {
@@ -45,7 +45,7 @@ void TstInterfaceBoundsUnix::vanishedPeersAreClosed()
     TestServer server(200);
     std::vector<std::unique_ptr<QTcpSocket>> callers;
     for (int call = 0; call < CInterfaceCreator::MaximumPeers; ++call)
-        callers.push_back(Call(server.port));
+        callers.push_back(CallerOf(server.port));
     QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
     for (const auto& caller : callers) {
         if (!Vanish(*caller))

@@ -2,6 +2,7 @@
 
 #include "tests/support/system.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,7 +18,7 @@ class FakeHostRun
 public:
     ~FakeHostRun() { End(); }
 
-    static QString Program() { return QStringLiteral(VEXEL_FAKEHOST); }
+    static QString Program() { return s_program; }
     QStringList Arguments(const QString& mode, quint16 port, const QStringList& more = {}) const
     {
         return QStringList{mode, QString::number(port), File()} + more;
@@ -53,5 +54,7 @@ public:
     }
 
 private:
+    // With its drive, so that it is found from everywhere.
+    inline static const QString s_program = QDir().absoluteFilePath(QStringLiteral(VEXEL_FAKEHOST));
     QTemporaryDir m_Directory;
 };
