@@ -22,7 +22,7 @@ public:
     {
         m_Environment = QProcessEnvironment::systemEnvironment();
         // As a person without a display has it: the host must find out by itself.
-        System::TakeDisplay(m_Environment);
+        m_HasDisplay = !System::TakeDisplay(m_Environment);
         QDir(m_Directory.path()).mkdir(QStringLiteral("data"));
     }
 
@@ -30,6 +30,8 @@ public:
     QString Config() const { return Path("config"); }
     QString Data() const { return Path("data"); }
     QProcessEnvironment& Environment() { return m_Environment; }
+    /// Whether the host finds a display.
+    bool HasDisplay() const { return m_HasDisplay; }
 
     void Write(const QString& fileName, const QByteArray& content) const
     {
@@ -155,4 +157,5 @@ public:
 private:
     QTemporaryDir m_Directory;
     QProcessEnvironment m_Environment;
+    bool m_HasDisplay = false;
 };

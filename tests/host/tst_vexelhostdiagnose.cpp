@@ -84,7 +84,7 @@ void TestVexelHostDiagnose::Paths()
     QCOMPARE(Value(report, "paths", "configuration"), QJsonValue(setUp.Config()));
     QCOMPARE(Value(report, "paths", "configurationFrom"), QJsonValue(QStringLiteral("--config")));
     QVERIFY(Value(report, "paths", "catalogues").toArray().contains(QStringLiteral("VexelConnectDlg_de.qm")));
-    QCOMPARE(Value(report, "paths", "display"), QJsonValue(false));
+    QCOMPARE(Value(report, "paths", "display"), QJsonValue(setUp.HasDisplay()));
 }
 
 void TestVexelHostDiagnose::WithoutAnything()

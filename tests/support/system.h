@@ -36,9 +36,9 @@ qsizetype OpenHandles();
 /// Where a standard stream of this process leads: "nothing", "pipe", or another text.
 QString StreamTarget(int stream);
 
-/// Takes the display from `environment`, as for a person who has none, and the choice of a platform. Where there always
-/// is one, programs keep to the test's choice.
-void TakeDisplay(QProcessEnvironment& environment);
+/// Takes the display from `environment`, as for a person who has none, and the choice of a platform. False: there
+/// always is one, and programs keep to the test's choice.
+bool TakeDisplay(QProcessEnvironment& environment);
 
 /// Whether a command line can be too long for the system.
 bool HasLongestCommandLine();

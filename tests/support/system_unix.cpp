@@ -66,10 +66,11 @@ QString StreamTarget(int stream)
     return target.contains(QLatin1String("pipe:")) ? QStringLiteral("pipe") : target;
 }
 
-void TakeDisplay(QProcessEnvironment& environment)
+bool TakeDisplay(QProcessEnvironment& environment)
 {
     for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
         environment.remove(QString::fromLatin1(name));
+    return true;
 }
 
 bool HasLongestCommandLine()

@@ -132,8 +132,9 @@ QString StreamTarget(int stream)
     }
 }
 
-void TakeDisplay(QProcessEnvironment& /*environment*/)
+bool TakeDisplay(QProcessEnvironment& /*environment*/)
 {
+    return false;
 }
 
 bool HasLongestCommandLine()
