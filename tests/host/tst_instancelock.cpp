@@ -33,7 +33,8 @@ public:
         QByteArray said;
         while (!said.contains('\n') && process.waitForReadyRead())
             said += process.readAllStandardOutput();
-        return said == "taken\n";
+        // Standard output ends lines in the way of the system.
+        return said.trimmed() == "taken";
     }
     /// As a power cut or an impatient administrator does.
     void Kill()
