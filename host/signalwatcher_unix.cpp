@@ -36,7 +36,6 @@ struct SignalWatcher::Private
 {
     std::array<int, 2> pipe = {-1, -1};
     std::array<struct sigaction, s_signals.size()> earlier = {};
-    struct sigaction earlierPipe = {};
     std::unique_ptr<QSocketNotifier> notifier;
 };
 
@@ -44,11 +43,6 @@ SignalWatcher::SignalWatcher(QObject* parent)
     : QObject(parent)
     , d(std::make_unique<Private>())
 {
-    // A reader of our output that goes away must not take the host with it before it has saved.
-    struct sigaction ignore = {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(SIGPIPE, &ignore, &d->earlierPipe);
-
     if (::pipe(d->pipe.data()) != 0) {
         qWarning("vexelhost: no pipe for signals; an interrupt ends the host without saving");
         return;
@@ -78,7 +72,6 @@ SignalWatcher::SignalWatcher(QObject* parent)
 
 SignalWatcher::~SignalWatcher()
 {
-    ::sigaction(SIGPIPE, &d->earlierPipe, nullptr);
     if (!d->notifier)
         return;
     for (std::size_t i = 0; i < s_signals.size(); ++i)

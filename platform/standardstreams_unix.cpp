@@ -1,5 +1,7 @@
 #include "platform/standardstreams.h"
 
+#include "platform/enduresignal_unix.h"
+
 #include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,18 +10,20 @@ namespace StandardStreams {
 
 void Prepare()
 {
+    EndureSignal(SIGPIPE);
 }
 
-void Write(Stream stream, const QString& text)
+bool Write(Stream stream, const QString& text)
 {
-    Write(stream, text.toLocal8Bit());
+    return Write(stream, text.toLocal8Bit());
 }
 
-void Write(Stream stream, const QByteArray& bytes)
+bool Write(Stream stream, const QByteArray& bytes)
 {
     std::FILE* const file = stream == Stream::Error ? stderr : stdout;
-    (void)std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
-    (void)std::fflush(file);
+    const auto size = static_cast<std::size_t>(bytes.size());
+    const bool isTaken = std::fwrite(bytes.constData(), 1, size, file) == size;
+    return std::fflush(file) == 0 && isTaken;
 }
 
 bool IsRead(Stream stream)

@@ -57,34 +57,35 @@ bool IsRead(Stream stream)
     return GetFileType(handle) != FILE_TYPE_CHAR || IsConsole(handle);
 }
 
-void Write(Stream stream, const QString& text)
+bool Write(Stream stream, const QString& text)
 {
     const HANDLE handle = GetStdHandle(IdOf(stream));
-    if (!IsConsole(handle)) {
-        Write(stream, text.toUtf8());
-        return;
-    }
+    if (!IsConsole(handle))
+        return Write(stream, text.toUtf8());
     for (qsizetype done = 0; done < text.size();) {
         const qsizetype part = std::min(text.size() - done, s_uLongestPart);
         DWORD written = 0;
         if (!WriteConsoleW(handle, text.utf16() + done, static_cast<DWORD>(part), &written, nullptr) || written == 0)
-            return;
+            return false;
         done += static_cast<qsizetype>(written);
     }
+    return true;
 }
 
-void Write(Stream stream, const QByteArray& bytes)
+bool Write(Stream stream, const QByteArray& bytes)
 {
     const HANDLE handle = GetStdHandle(IdOf(stream));
+    // As where it was started from a shortcut or by a session: nobody has asked for what it prints.
     if (!LeadsSomewhere(handle))
-        return;
+        return true;
     for (qsizetype done = 0; done < bytes.size();) {
         const qsizetype part = std::min<qsizetype>(bytes.size() - done, 1 << 20);
         DWORD written = 0;
         if (!WriteFile(handle, bytes.constData() + done, static_cast<DWORD>(part), &written, nullptr) || written == 0)
-            return;
+            return false;
         done += static_cast<qsizetype>(written);
     }
+    return true;
 }
 
 } // namespace StandardStreams
