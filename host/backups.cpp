@@ -180,12 +180,9 @@ ExitCode Print(const HostOptions& options)
     if (!CfgCenter::OpenToLook(options.configDirectory))
         return NoDirectory(options.configDirectory);
     const std::vector<Row> rows = Rows(ConfigVersions(View::Application, QString()));
-    if (options.json)
-        Console::PrintBytes(Json(rows));
-    else
-        Console::PrintRaw(Table(rows));
     CfgCenter::Close();
-    return ExitCode::Done;
+    const bool isPrinted = options.json ? Console::PrintBytes(Json(rows)) : Console::PrintRaw(Table(rows));
+    return isPrinted ? ExitCode::Done : ExitCode::Usage;
 }
 
 ExitCode Restore(const HostOptions& options)

@@ -7,6 +7,17 @@
 
 using StandardStreams::Stream;
 
+namespace {
+
+bool Printed(bool isWritten)
+{
+    if (!isWritten)
+        Console::Complain(QStringLiteral("cannot write all of it to standard output"));
+    return isWritten;
+}
+
+} // namespace
+
 namespace Console {
 
 void Print(const QString& text)
@@ -14,14 +25,14 @@ void Print(const QString& text)
     StandardStreams::Write(Stream::Output, text + QLatin1Char('\n'));
 }
 
-void PrintRaw(const QString& text)
+bool PrintRaw(const QString& text)
 {
-    StandardStreams::Write(Stream::Output, text);
+    return Printed(StandardStreams::Write(Stream::Output, text));
 }
 
-void PrintBytes(const QByteArray& bytes)
+bool PrintBytes(const QByteArray& bytes)
 {
-    StandardStreams::Write(Stream::Output, bytes);
+    return Printed(StandardStreams::Write(Stream::Output, bytes));
 }
 
 void Complain(const QString& message)

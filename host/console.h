@@ -10,10 +10,11 @@ namespace Console {
 /// Writes `text` and a line break to standard output.
 void Print(const QString& text);
 
-/// Writes `text` to standard output as it stands.
-void PrintRaw(const QString& text);
-/// Writes `bytes` as they are, as for a document with an encoding of its own.
-void PrintBytes(const QByteArray& bytes);
+/// Writes `text`, which somebody has asked for, to standard output as it stands. False, and complained of, where not
+/// all of it could be written.
+[[nodiscard]] bool PrintRaw(const QString& text);
+/// The same with `bytes` as they are, as for a document with an encoding of its own.
+[[nodiscard]] bool PrintBytes(const QByteArray& bytes);
 
 /// Writes "vexelhost: " and `message`, brought onto one line, to standard error.
 void Complain(const QString& message);

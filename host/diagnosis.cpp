@@ -178,9 +178,6 @@ ExitCode Diagnose(const HostOptions& given)
     ReportLink(report, options.configDirectory);
     CfgCenter::Close();
 
-    if (options.json)
-        Console::PrintBytes(report.Json());
-    else
-        Console::PrintRaw(report.Text());
-    return ExitCode::Done;
+    const bool isPrinted = options.json ? Console::PrintBytes(report.Json()) : Console::PrintRaw(report.Text());
+    return isPrinted ? ExitCode::Done : ExitCode::Usage;
 }

@@ -80,17 +80,15 @@ void HeadlessJob::Export()
 {
     const QByteArray document = m_Dialog.Document();
     if (m_Options.fileToExport == HostOptions::s_standardOutput)
-        Console::PrintBytes(document);
+        NotePrinted(Console::PrintBytes(document));
     else if (const QString error = WriteListFile(m_Options.fileToExport, document); !error.isEmpty())
         Fail(ExitCode::Usage, error);
 }
 
-void HeadlessJob::List() const
+void HeadlessJob::List()
 {
-    if (m_Options.json)
-        Console::PrintBytes(ConnectionJson(*m_Dialog.Entries()));
-    else
-        Console::PrintRaw(ConnectionTable(*m_Dialog.Entries()));
+    NotePrinted(m_Options.json ? Console::PrintBytes(ConnectionJson(*m_Dialog.Entries()))
+                               : Console::PrintRaw(ConnectionTable(*m_Dialog.Entries())));
 }
 
 /// False when nothing was connected because the list does not hold what was asked for.
@@ -163,6 +161,17 @@ void HeadlessJob::TakePicture(const QString& fileName)
 void HeadlessJob::Fail(ExitCode code, const QString& message)
 {
     Console::Complain(message);
+    NoteFailure(code);
+}
+
+void HeadlessJob::NotePrinted(bool isPrinted)
+{
+    if (!isPrinted)
+        NoteFailure(ExitCode::Usage);
+}
+
+void HeadlessJob::NoteFailure(ExitCode code)
+{
     if (m_Result == ExitCode::Done)
         m_Result = code;
 }

@@ -35,13 +35,15 @@ private:
     bool ImportAndAdd();
     bool Append(const QString& fileName);
     void Export();
-    void List() const;
+    void List();
     bool Connect();
     QList<int> RowsToConnect() const;
     void Press(const QList<int>& rows);
     void Wait();
     void TakePicture(const QString& fileName);
     void Fail(ExitCode code, const QString& message);
+    void NotePrinted(bool isPrinted);
+    void NoteFailure(ExitCode code);
 
     void OnBoxOpened(const QString& title, const QString& text);
     void OnStatusChanged(int row, const QString& name, const QString& from, const QString& to);

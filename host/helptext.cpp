@@ -54,8 +54,8 @@ For the support desk:
   work while a host runs. Every save that changes the stored list keeps the
   version before, ten of them. --restore brings back what is stored with the
   list as well.
-  --diagnose says what it found whatever that is; its exit code is 0. With
-  --data it looks at that directory and stores nothing.
+  --diagnose says what it found whatever that is; its exit code is 0 where that
+  could be printed. With --data it looks at that directory and stores nothing.
 
 Environment:
   The host looks for programs in its own folder first, and tells the
@@ -63,8 +63,8 @@ Environment:
 
 Exit codes:
   0  done
-  1  the command line is wrong, a file it names cannot be written, or there is
-     no version of the number to restore
+  1  the command line is wrong, what it asks for cannot be written, to a file
+     or to standard output, or there is no version of the number to restore
   2  the plug-in, the configuration, a file to import or add, or the version to
      restore cannot be used, the configuration could not be saved, or there is
      no display to show the dialog on

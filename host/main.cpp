@@ -72,8 +72,7 @@ ExitCode Run(int& argc, char** argv)
     const ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
     switch (commandLine.outcome) {
     case ParsedCommandLine::Outcome::Print:
-        Console::PrintRaw(commandLine.text);
-        return ExitCode::Done;
+        return Console::PrintRaw(commandLine.text) ? ExitCode::Done : ExitCode::Usage;
     case ParsedCommandLine::Outcome::Wrong:
         Console::Complain(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
         return ExitCode::Usage;

@@ -31,8 +31,10 @@ StarterExit Run()
     const ParsedStarterCommandLine commandLine = ParseStarterCommandLine(QCoreApplication::arguments());
     switch (commandLine.outcome) {
     case ParsedStarterCommandLine::Outcome::Print:
-        StandardStreams::Write(Stream::Output, commandLine.text);
-        return StarterExit::Called;
+        if (StandardStreams::Write(Stream::Output, commandLine.text))
+            return StarterExit::Called;
+        Complain(QStringLiteral("cannot write all of it to standard output"));
+        return StarterExit::Usage;
     case ParsedStarterCommandLine::Outcome::Wrong:
         Complain(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
         return StarterExit::Usage;

@@ -36,7 +36,7 @@ The call:
 
 Exit codes:
   0  a dialog has come to the front: one that was running, or a new one
-  1  the command line is wrong
+  1  the command line is wrong, or what it asks for cannot be printed
   2  the host cannot be started
   3  the host was started, and ended before its dialog answered, or gave way to
      one that works on the same configuration and shows no dialog

@@ -1,0 +1,98 @@
+#include "tests/host/hostsetup.h"
+#include "tests/support/brokenoutput_unix.h"
+
+#include <QFileInfo>
+
+/// The host's executable where what it prints does not arrive.
+class TestVexelHostOutputUnix : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WhatCannotBePrintedFails_data();
+    void WhatCannotBePrintedFails();
+    void WhatIsDoneIsDoneWithoutAReader_data();
+    void WhatIsDoneIsDoneWithoutAReader();
+    void ComplaintsWithoutAReader_data();
+    void ComplaintsWithoutAReader();
+};
+
+void TestVexelHostOutputUnix::WhatCannotBePrintedFails_data()
+{
+    AddBrokenOutputs({{QStringLiteral("--export=-")},
+                      {QStringLiteral("--list")},
+                      {QStringLiteral("--list"), QStringLiteral("--json")},
+                      {QStringLiteral("--backups")},
+                      {QStringLiteral("--backups"), QStringLiteral("--json")},
+                      {QStringLiteral("--diagnose")},
+                      {QStringLiteral("--diagnose"), QStringLiteral("--json")},
+                      {QStringLiteral("--help")},
+                      {QStringLiteral("--version")}});
+}
+
+void TestVexelHostOutputUnix::WhatCannotBePrintedFails()
+{
+    QFETCH(const BrokenOutput::Kind, kind);
+    QFETCH(const QStringList, arguments);
+    const BrokenOutput output(kind);
+    if (!output.IsThere())
+        QSKIP("This system has no disk that is always full.");
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    const QByteArray stored = setUp.StoredText();
+    QProcess host;
+    output.Give(host, STDOUT_FILENO);
+    setUp.Start(host, arguments);
+    const auto result = HostSetUp::End(host);
+    QCOMPARE(result.exitCode, 1);
+    QCOMPARE(result.error, QStringLiteral("vexelhost: cannot write all of it to standard output\n"));
+    QCOMPARE(setUp.StoredText(), stored);
+}
+
+void TestVexelHostOutputUnix::WhatIsDoneIsDoneWithoutAReader_data()
+{
+    AddBrokenOutputs({{QStringLiteral("--restore=1")}});
+}
+
+void TestVexelHostOutputUnix::WhatIsDoneIsDoneWithoutAReader()
+{
+    QFETCH(const BrokenOutput::Kind, kind);
+    QFETCH(const QStringList, arguments);
+    const BrokenOutput output(kind);
+    if (!output.IsThere())
+        QSKIP("This system has no disk that is always full.");
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill({QStringLiteral("two")});
+    QProcess host;
+    output.Give(host, STDOUT_FILENO);
+    setUp.Start(host, arguments);
+    const auto result = HostSetUp::End(host);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(result.error, QString());
+    QVERIFY(!QFileInfo::exists(setUp.Config() + QStringLiteral("/vexelhost.lock")));
+    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
+}
+
+void TestVexelHostOutputUnix::ComplaintsWithoutAReader_data()
+{
+    AddBrokenOutputs({{QStringLiteral("--no-such-option")}, {QStringLiteral("--restore=7")}});
+}
+
+void TestVexelHostOutputUnix::ComplaintsWithoutAReader()
+{
+    QFETCH(const BrokenOutput::Kind, kind);
+    QFETCH(const QStringList, arguments);
+    const BrokenOutput errors(kind);
+    if (!errors.IsThere())
+        QSKIP("This system has no disk that is always full.");
+    HostSetUp setUp;
+    setUp.Fill({QStringLiteral("one")});
+    QProcess host;
+    errors.Give(host, STDERR_FILENO);
+    setUp.Start(host, arguments);
+    QCOMPARE(HostSetUp::End(host).exitCode, 1);
+}
+
+QTEST_GUILESS_MAIN(TestVexelHostOutputUnix)
+#include "tst_vexelhostoutput_unix.moc"

@@ -1,0 +1,48 @@
+#include "tests/support/brokenoutput_unix.h"
+
+/// The starter's executable where what it prints does not arrive.
+class TestKiteStarterUnix : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WhatCannotBePrintedFails_data()
+    {
+        AddBrokenOutputs({{QStringLiteral("--help")}, {QStringLiteral("--version")}});
+    }
+    void WhatCannotBePrintedFails()
+    {
+        QFETCH(const BrokenOutput::Kind, kind);
+        QFETCH(const QStringList, arguments);
+        const BrokenOutput output(kind);
+        if (!output.IsThere())
+            QSKIP("This system has no disk that is always full.");
+        QProcess starter;
+        output.Give(starter, STDOUT_FILENO);
+        starter.start(QStringLiteral(VEXEL_KITESTARTER), arguments);
+        QVERIFY(starter.waitForFinished());
+        QCOMPARE(starter.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(starter.exitCode(), 1);
+        QCOMPARE(starter.readAllStandardError(),
+                 QByteArray("kitestarter: cannot write all of it to standard output\n"));
+    }
+
+    void ComplaintsWithoutAReader_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
+    void ComplaintsWithoutAReader()
+    {
+        QFETCH(const BrokenOutput::Kind, kind);
+        QFETCH(const QStringList, arguments);
+        const BrokenOutput errors(kind);
+        if (!errors.IsThere())
+            QSKIP("This system has no disk that is always full.");
+        QProcess starter;
+        errors.Give(starter, STDERR_FILENO);
+        starter.start(QStringLiteral(VEXEL_KITESTARTER), arguments);
+        QVERIFY(starter.waitForFinished());
+        QCOMPARE(starter.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(starter.exitCode(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestKiteStarterUnix)
+#include "tst_kitestarter_unix.moc"

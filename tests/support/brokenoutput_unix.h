@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QProcess>
+#include <QTest>
+
+#include <array>
+#include <fcntl.h>
+#include <unistd.h>
+
+/// Where the output of a child process can lead so that writing fails.
+class BrokenOutput
+{
+public:
+    enum Kind {
+        FullDisk,
+        GoneReader // of a pipe
+    };
+
+    explicit BrokenOutput(Kind kind)
+    {
+        if (kind == FullDisk) {
+            m_Descriptor = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+            return;
+        }
+        std::array<int, 2> pipe = {-1, -1};
+        if (::pipe(pipe.data()) == 0) {
+            ::close(pipe[0]);
+            m_Descriptor = pipe[1];
+            ::fcntl(m_Descriptor, F_SETFD, FD_CLOEXEC);
+        }
+    }
+    ~BrokenOutput() { ::close(m_Descriptor); }
+    Q_DISABLE_COPY_MOVE(BrokenOutput)
+
+    bool IsThere() const { return m_Descriptor >= 0; }
+
+    /// Lets `stream` of a process that is to be started lead here.
+    void Give(QProcess& process, int stream) const
+    {
+        process.setChildProcessModifier([from = m_Descriptor, stream] { ::dup2(from, stream); });
+    }
+
+private:
+    int m_Descriptor = -1;
+};
+
+/// Columns and rows for a test of both kinds.
+inline void AddBrokenOutputs(const QList<QStringList>& commandLines)
+{
+    QTest::addColumn<BrokenOutput::Kind>("kind");
+    QTest::addColumn<QStringList>("arguments");
+    for (const QStringList& arguments : commandLines) {
+        const QByteArray name = arguments.join(QLatin1Char(' ')).toUtf8();
+        QTest::newRow((name + " to a full disk").constData()) << BrokenOutput::FullDisk << arguments;
+        QTest::newRow((name + " to a reader that has gone").constData()) << BrokenOutput::GoneReader << arguments;
+    }
+}
