@@ -2,8 +2,6 @@
 #include "tests/starter/peers.h"
 #include "tests/support/system.h"
 
-#include <QElapsedTimer>
-
 using Kind = RecordingCallback::Kind;
 using namespace std::chrono_literals;
 
@@ -139,10 +137,7 @@ void TstLinkCall::foreignServiceThatClosesLooksLikeALink()
 void TstLinkCall::silentUntilTheDeadline()
 {
     const ForeignService service(ForeignService::NeverCloses);
-    QElapsedTimer timer;
-    timer.start();
     QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
-    QVERIFY(timer.hasExpired(200));
     QCOMPARE(service.calls, 1);
 }
 
