@@ -40,8 +40,8 @@ Exit codes:
   2  the host cannot be started
   3  the host was started, and ended before its dialog answered, or gave way to
      one that works on the same configuration and shows no dialog
-  4  the host was started, and its dialog did not answer in time; it is left
-     running
+  4  the host was started, or another kitestarter is starting one, and its
+     dialog did not answer in time; what was started is left running
   5  another program has the port and answers or cuts off calls, or a dialog
      that is busy for longer than the time-out; no host was started
   6  no dialog is running (with --call-only)
