@@ -18,13 +18,14 @@
 
 namespace {
 
-/// Writes a file "....json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is complete. The process's
-/// number would be no name for it: some systems give the same one to the next process.
+/// Writes a file "<process id>.<something>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is
+/// complete. The number alone would be no name: some systems give it to the next process.
 bool WriteReport(const QStringList& inherited)
 {
-    QSaveFile file(
-        QStringLiteral("%1/%2.json")
-            .arg(qEnvironmentVariable("VEXEL_TESTCHILD_REPORTS"), QUuid::createUuid().toString(QUuid::WithoutBraces)));
+    QSaveFile file(QStringLiteral("%1/%2.%3.json")
+                       .arg(qEnvironmentVariable("VEXEL_TESTCHILD_REPORTS"))
+                       .arg(QCoreApplication::applicationPid())
+                       .arg(QUuid::createUuid().toString(QUuid::WithoutBraces)));
     const QJsonObject report{
         {QStringLiteral("pid"), QCoreApplication::applicationPid()},
         {QStringLiteral("program"), QCoreApplication::applicationFilePath()},
