@@ -164,7 +164,7 @@ void TestVexelHostConnect::ProgramThatEndsAtOnce()
 {
     HostSetUp setUp;
     // The host itself: it takes the application's arguments for a wrong command line.
-    setUp.Install(QStringLiteral(VEXELHOST), 1);
+    setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXELHOST)), 1);
     setUp.Fill({QStringLiteral("mast")});
     const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
     QCOMPARE(result.exitCode, 0);
