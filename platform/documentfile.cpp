@@ -1,6 +1,7 @@
 #include "platform/documentfile.h"
 
 #include "platform/blockedplace.h"
+#include "platform/freename.h"
 #include "platform/patience.h"
 #include "platform/versionfolder.h"
 #include "platform/wholefile.h"
@@ -97,15 +98,7 @@ bool DocumentFile::Replace(const QByteArray& content) const
 
 std::optional<QString> DocumentFile::KeepAside() const
 {
-    const QString stamp = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddTHHmmsszzz"));
-    const QString first = m_path + QStringLiteral(".damaged-") + stamp;
-    QString aside = first;
-    const auto isTaken = [](const QString& name) {
-        return QFileInfo(name).isSymLink() || QFileInfo::exists(name);
-    };
-    for (int i = 2; isTaken(aside); ++i)
-        aside = first + QStringLiteral("-%1").arg(i);
-
+    const QString aside = FreeNameBeside(m_path, QStringLiteral(".damaged-"), QDateTime::currentDateTime());
     const QFileInfo info(m_path);
     std::error_code error;
     if (info.isFile() && !info.isSymLink()) { // a link is moved itself, and so lets go of what it leads to

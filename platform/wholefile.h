@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/patience.h"
+#include "platform/platformexport.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,11 +12,11 @@
 ///
 /// What is not finished stands beside the file under a name that begins with ".unfinished-", which people give to
 /// nothing of theirs.
-Attempt WriteWholeFile(const QString& file, const QByteArray& content);
+VEXELPLATFORM_EXPORT Attempt WriteWholeFile(const QString& file, const QByteArray& content);
 
 /// Makes `folder` and those on the way to it where they are missing, and has them outlast a loss of power. False: that
 /// did not work.
-bool MakeFolder(const QString& folder);
+VEXELPLATFORM_EXPORT bool MakeFolder(const QString& folder);
 
 /// Removes what killed processes left beside `file` while they put something in its place. Only where nobody else can
 /// be doing that at this moment.

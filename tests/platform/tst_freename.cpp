@@ -1,0 +1,44 @@
+#include "platform/freename.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+class TestFreeName : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void NameSaysWhatItIsAndWhen()
+    {
+        const QDateTime time(QDate(2026, 3, 4), QTime(10, 11, 12, 345), QTimeZone(3600));
+        QCOMPARE(FreeNameBeside(QStringLiteral("/no/such/list.ini"), QStringLiteral(".mark-"), time),
+                 QStringLiteral("/no/such/list.ini.mark-20260304T091112345"));
+    }
+
+    void NamesThatAreTakenAreLeftOut()
+    {
+        const QTemporaryDir directory;
+        const QString file = directory.filePath(QStringLiteral("list.ini"));
+        const QDateTime time = QDateTime::currentDateTime();
+        const auto next = [&] {
+            return FreeNameBeside(file, QStringLiteral(".mark-"), time);
+        };
+        const QString first = next();
+        QFile taken(first);
+        QVERIFY(taken.open(QIODevice::WriteOnly));
+        QCOMPARE(next(), first + QStringLiteral("-2"));
+        QVERIFY(QDir().mkdir(next()));
+        QCOMPARE(next(), first + QStringLiteral("-3"));
+        // Nothing is at its end, and writing there would make it.
+        if (!QFile::link(directory.filePath(QStringLiteral("nowhere")), next()))
+            QSKIP("This user cannot make links here.");
+        QCOMPARE(next(), first + QStringLiteral("-4"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFreeName)
+#include "tst_freename.moc"
