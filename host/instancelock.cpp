@@ -1,6 +1,7 @@
 #include "host/instancelock.h"
 
 #include "platform/blockedplace.h"
+#include "platform/wholefile.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -80,7 +81,7 @@ InstanceLock::Result InstanceLock::Take(const QString& directory)
 {
     const QString native = QDir::toNativeSeparators(directory);
     m_ErrorText = QStringLiteral("the configuration directory %1 cannot be used").arg(directory);
-    if (directory.isEmpty() || !QDir().mkpath(directory))
+    if (directory.isEmpty() || !MakeFolder(directory))
         return Result::Unusable;
 
     const QString file = FileIn(directory);

@@ -1,15 +1,30 @@
 #include "host/listfile.h"
 
-#include "platform/foldersync.h"
+#include "platform/patience.h"
+#include "platform/wholefile.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <QTemporaryFile>
 
 namespace {
 
 constexpr qint64 s_mebibyte = 1 << 20;
 constexpr qint64 s_largestFile = 64 * s_mebibyte;
+
+/// Why `file` could not be written, for a person: where that cannot be told from what is there, by how the last attempt
+/// went.
+QString ObstacleTo(const QFileInfo& file, Attempt last)
+{
+    if (file.exists() && !file.isWritable())
+        return QStringLiteral("it is write-protected");
+    QTemporaryFile probe(QFileInfo(file.exists() ? file.canonicalFilePath() : file.filePath()).absolutePath() +
+                         QStringLiteral("/.probe-XXXXXX"));
+    if (!probe.open())
+        return probe.errorString();
+    return last == Attempt::Held ? QStringLiteral("it cannot take its place; another program may hold it")
+                                 : QStringLiteral("no room");
+}
 
 } // namespace
 
@@ -46,17 +61,7 @@ QString WriteListFile(const QString& fileName, const QByteArray& content)
     const QFileInfo former(fileName);
     if (former.exists() && !former.isFile())
         return refused(QStringLiteral("not a regular file"));
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return refused(file.errorString());
-    // A disk that fills up takes a part without calling that an error.
-    if (file.write(content) != content.size()) {
-        const QString reason = file.error() == QFileDevice::NoError ? QStringLiteral("no room") : file.errorString();
-        file.cancelWriting();
-        return refused(reason);
-    }
-    if (!file.commit())
-        return refused(file.errorString());
-    SyncFolder(former.absolutePath()); // where that fails, the file is there all the same
-    return {};
+    Attempt last = Attempt::Done;
+    const bool isWritten = TryPatiently([&] { return last = WriteWholeFile(fileName, content); });
+    return isWritten ? QString() : refused(ObstacleTo(former, last));
 }

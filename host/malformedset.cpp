@@ -3,13 +3,15 @@
 #include "host/storedset.h"
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
+#include "platform/freename.h"
+#include "platform/patience.h"
 #include "platform/tracing.h"
+#include "platform/wholefile.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <optional>
 
@@ -38,17 +40,6 @@ QString FormerCopy(const QFileInfo& document, const QByteArray& content)
     return {};
 }
 
-/// A name for a copy that no file has.
-QString NameOfCopy(const QString& document)
-{
-    const QString stamp = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddTHHmmsszzz"));
-    const QString wanted = document + s_mark + stamp;
-    QString name = wanted;
-    for (int i = 2; QFileInfo::exists(name); ++i)
-        name = wanted + QStringLiteral("-%1").arg(i);
-    return name;
-}
-
 /// Where the copy of `document` is; empty where none could be made.
 QString Keep(const QString& document)
 {
@@ -57,10 +48,8 @@ QString Keep(const QString& document)
         return {};
     if (const QString former = FormerCopy(QFileInfo(document), *content); !former.isEmpty())
         return former;
-    const QString name = NameOfCopy(document);
-    QSaveFile file(name);
-    const bool kept = file.open(QIODevice::WriteOnly) && file.write(*content) == content->size() && file.commit();
-    return kept ? name : QString();
+    const QString name = FreeNameBeside(document, s_mark, QDateTime::currentDateTime());
+    return TryPatiently([&] { return WriteWholeFile(name, *content); }) ? name : QString();
 }
 
 } // namespace

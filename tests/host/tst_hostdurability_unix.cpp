@@ -1,0 +1,88 @@
+#include "host/application.h"
+#include "host/listfile.h"
+#include "host/malformedset.h"
+#include "platform/configversions.h"
+#include "tests/host/storeddocument.h"
+#include "tests/support/diskrequests_unix.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <optional>
+
+/// Whether what the host makes outlasts a loss of power: as far as the system is asked for that, in the right order.
+class TestHostDurabilityUnix : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_root.emplace();
+        DiskRequests::Forget();
+    }
+    void cleanup()
+    {
+        CfgCenter::Close();
+        m_root.reset();
+    }
+
+    void ANewConfigurationDirectory()
+    {
+        HostOptions options;
+        options.plugin = QStringLiteral(REAL_PLUGIN);
+        options.name = QStringLiteral("VexelConnectDlg");
+        options.configDirectory = m_root->filePath(QStringLiteral("new/folder/config"));
+        options.dataDirectory = m_root->path();
+        options.list = true;
+        QCOMPARE(Application(options).Run(), ExitCode::Done);
+        QVERIFY(QFileInfo(options.configDirectory).isDir());
+        QVERIFY(DiskRequests::FirstSyncOf(m_root->path()) >= 0);
+        QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new"))) >= 0);
+        QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new/folder"))) >= 0);
+    }
+
+    void AnExportedList()
+    {
+        const QString file = m_root->filePath(QStringLiteral("list.xml"));
+        for (const char* content : {"<ConnectionEntries/>", "<ConnectionEntries></ConnectionEntries>"}) {
+            DiskRequests::Forget();
+            QCOMPARE(WriteListFile(file, content), QString());
+            VerifyWritten(file);
+        }
+    }
+
+    void AListThatBreaksOff()
+    {
+        QVERIFY(CfgCenter::Open(m_root->path()));
+        StoreList(ListOf(5).chopped(30));
+        QVERIFY(CfgCenter::SaveDocument());
+        DiskRequests::Forget();
+        QVERIFY(!KeepMalformedSetAside().isEmpty());
+        const QFileInfo document(ConfigVersions(View::Application, QString()).DocumentFile());
+        const QFileInfoList copies =
+            document.dir().entryInfoList({document.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);
+        QCOMPARE(copies.size(), 1);
+        VerifyWritten(copies.constFirst().filePath());
+    }
+
+private:
+    static void VerifyWritten(const QString& file)
+    {
+        const qsizetype named = DiskRequests::LastRenameTo(file);
+        QVERIFY(named >= 0);
+        QVERIFY(DiskRequests::IsSyncedBefore(named));
+        QVERIFY(DiskRequests::FirstSyncOf(QFileInfo(file).path(), named) > named);
+        // Until then under a name that nobody has: the file's own with letters added may be somebody's copy of it.
+        const QString former = QFileInfo(DiskRequests::All().at(named).former).fileName();
+        QVERIFY2(former.startsWith(QLatin1String(".unfinished-")), qPrintable(former));
+    }
+
+    std::optional<QTemporaryDir> m_root;
+};
+
+QTEST_MAIN(TestHostDurabilityUnix)
+#include "tst_hostdurability_unix.moc"
