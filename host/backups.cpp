@@ -5,6 +5,7 @@
 #include "host/storedset.h"
 #include "host/textline.h"
 #include "host/texttable.h"
+#include "host/timetext.h"
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
@@ -52,11 +53,6 @@ std::vector<Row> Rows(const ConfigVersions& versions)
         rows.push_back(row);
     }
     return rows;
-}
-
-QString TimeText(const QDateTime& time)
-{
-    return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QStringLiteral("-");
 }
 
 QString CountText(const std::optional<StoredSet>& set, Obstacle obstacle)

@@ -3,6 +3,7 @@
 #include "host/instancelock.h"
 #include "host/storedset.h"
 #include "host/supportreport.h"
+#include "host/timetext.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 
@@ -17,21 +18,6 @@
 namespace {
 
 const QString s_suffix = QStringLiteral(".ini");
-
-QString TimeText(const QDateTime& time)
-{
-    return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-}
-
-/// The first version that can be read; its place in `versions`.
-std::optional<qsizetype> NewestReadable(const ConfigVersions& document, const QList<ConfigVersion>& versions)
-{
-    for (qsizetype i = 0; i < versions.size(); ++i) {
-        if (document.Open(versions.at(i)))
-            return i;
-    }
-    return std::nullopt;
-}
 
 /// The document of the store that has the file `path`, which is relative to the store; none where no document has it.
 std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString& path)
@@ -53,13 +39,13 @@ std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString
     return std::nullopt;
 }
 
-QString StateText(const ConfigVersions& document, const QList<ConfigVersion>& versions)
+QString StateText(const ConfigVersions& document)
 {
     ConfigVersions::Obstacle obstacle{};
     if (document.OpenCurrent(&obstacle))
         return QStringLiteral("readable");
-    const std::optional<qsizetype> readable = NewestReadable(document, versions);
-    const QString from = readable ? TimeText(versions.at(*readable).saved) : QString();
+    const std::optional<ConfigVersion> readable = document.NewestReadable();
+    const QString from = readable ? TimeText(readable->saved) : QString();
     if (obstacle == ConfigVersions::Obstacle::Unread) {
         // Whoever starts the host may be able to, or find the same.
         return readable
@@ -77,7 +63,7 @@ QJsonArray DocumentRow(const QString& directory, const QString& path, const QFil
     return {path,
             file.size(),
             TimeText(file.lastModified()),
-            document ? StateText(*document, versions) : QStringLiteral("not a document of the store"),
+            document ? StateText(*document) : QStringLiteral("not a document of the store"),
             versions.size(),
             versions.isEmpty() ? QJsonValue() : QJsonValue(TimeText(versions.constFirst().saved))};
 }
@@ -150,9 +136,8 @@ std::unique_ptr<ICfg> OpenAsAtStart(View view, const QString& name)
     const ConfigVersions document(view, name);
     if (std::unique_ptr<ICfg> current = document.OpenCurrent())
         return current;
-    const QList<ConfigVersion> versions = document.List();
-    const std::optional<qsizetype> readable = NewestReadable(document, versions);
-    return readable ? document.Open(versions.at(*readable)) : nullptr;
+    const std::optional<ConfigVersion> readable = document.NewestReadable();
+    return readable ? document.Open(*readable) : nullptr;
 }
 
 void ReportStore(SupportReport& report, const QString& directory)

@@ -4,6 +4,7 @@
 #include "platform/confignames.h"
 #include "platform/confignode.h"
 #include "platform/documentfile.h"
+#include "platform/documentrecovery.h"
 #include "platform/tracing.h"
 #include "platform/versionfolder.h"
 
@@ -46,15 +47,6 @@ std::unique_ptr<ICfg> RootOf(const QString& file, const DocumentFile::Reading& r
     return std::make_unique<ConfigNode>(std::make_shared<ConfigDocument>(reading.text->Values()), QString());
 }
 
-/// A version without a single byte is none.
-DocumentFile::Reading ReadVersion(const ConfigVersion& version)
-{
-    auto reading = ReadDocument(version.file);
-    if (reading.content.isEmpty())
-        reading.text.reset();
-    return reading;
-}
-
 } // namespace
 
 ConfigVersions::ConfigVersions(View view, const QString& name)
@@ -75,6 +67,12 @@ QString ConfigVersions::Folder() const
 QList<ConfigVersion> ConfigVersions::List() const
 {
     return m_file.isEmpty() ? QList<ConfigVersion>() : VersionFolder(m_file).List();
+}
+
+std::optional<ConfigVersion> ConfigVersions::NewestReadable() const
+{
+    const auto found = m_file.isEmpty() ? std::nullopt : ::NewestReadable(m_file);
+    return found ? std::optional(found->version) : std::nullopt;
 }
 
 std::unique_ptr<ICfg> ConfigVersions::Open(const ConfigVersion& version, Obstacle* obstacle) const

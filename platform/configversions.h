@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class ICfg;
 
@@ -37,6 +38,9 @@ public:
     /// The versions that are there, newest first; at most ten unless somebody else added some. Nothing is said about
     /// their content. Files with other names are left out.
     QList<ConfigVersion> List() const;
+
+    /// The newest version that can be read: what is used where the document itself cannot be. None where there is none.
+    std::optional<ConfigVersion> NewestReadable() const;
 
     /// Why there is nothing to see of a document or version.
     enum class Obstacle {

@@ -5,32 +5,29 @@
 
 #include <QFile>
 
-#include <optional>
 #include <utility>
 
-namespace {
-
-struct Found
+DocumentFile::Reading ReadVersion(const ConfigVersion& version)
 {
-    ConfigVersion version;
-    DocumentFile::Reading reading;
-};
+    auto reading = ReadDocument(version.file);
+    if (reading.content.isEmpty())
+        reading.text.reset();
+    return reading;
+}
 
-std::optional<Found> NewestReadable(const DocumentFile& file)
+std::optional<ReadableVersion> NewestReadable(const QString& document)
 {
-    const QList<ConfigVersion> versions = VersionFolder(file.Path()).List();
+    const QList<ConfigVersion> versions = VersionFolder(document).List();
     for (const ConfigVersion& version : versions) {
-        auto reading = ReadDocument(version.file);
-        if (reading.state == DocumentFile::State::Whole && !reading.content.isEmpty())
-            return Found{version, std::move(reading)};
+        auto reading = ReadVersion(version);
+        if (reading.text)
+            return ReadableVersion{version, std::move(reading)};
         TraceWhenWanted("platform/documentrecovery", __LINE__, [&] {
             return QStringLiteral("NewestReadable(): The version %1 cannot be read").arg(version.file);
         });
     }
     return std::nullopt;
 }
-
-} // namespace
 
 bool NeedsRecovery(const DocumentFile::Reading& reading)
 {
@@ -40,7 +37,7 @@ bool NeedsRecovery(const DocumentFile::Reading& reading)
 Recovery Recover(const DocumentFile& file, const DocumentFile::Reading& found, bool isLocked)
 {
     Recovery recovery;
-    auto version = NewestReadable(file);
+    auto version = NewestReadable(file.Path());
     const auto aside = isLocked ? file.KeepAside() : std::nullopt;
     recovery.isKeptAside = aside.has_value();
     if (aside && version)

@@ -1,8 +1,23 @@
 #pragma once
 
+#include "platform/configversions.h"
 #include "platform/documentfile.h"
 
 #include <QString>
+
+#include <optional>
+
+/// Reads a version of a document. One without a single byte is none: it has no text.
+DocumentFile::Reading ReadVersion(const ConfigVersion& version);
+
+struct ReadableVersion
+{
+    ConfigVersion version;
+    DocumentFile::Reading reading;
+};
+
+/// The newest version that can be read of the document in the file `document`, for use in its place.
+std::optional<ReadableVersion> NewestReadable(const QString& document);
 
 /// What is used instead of a document that cannot be read.
 struct Recovery

@@ -17,6 +17,7 @@ private slots:
     void MappingOfTheInstanceThatIsAskedFor();
     void StateOfTheStore();
     void DamagedDocuments();
+    void VersionThatTheNextStartUses();
     void ListThatBreaksOff();
     void OnlyHarmlessVariables();
     void TraceFileIsLeftAlone();
@@ -213,6 +214,32 @@ void TestVexelHostDiagnose::DamagedDocuments()
     const QJsonArray keptAside = Value(Diagnose(setUp), "configuration", "keptAside").toArray();
     QVERIFY(keptAside.size() >= 1);
     QVERIFY(keptAside.at(0).toString().startsWith(QLatin1String("application/@application.ini.damaged-")));
+}
+
+void TestVexelHostDiagnose::VersionThatTheNextStartUses()
+{
+    HostSetUp setUp;
+    for (int i = 1; i <= 4; ++i)
+        setUp.Fill({QStringLiteral("entry %1").arg(i)});
+    const QDir versions(Document(setUp) + QStringLiteral(".versions"));
+    const QStringList names = versions.entryList(QDir::Files, QDir::Name);
+    QCOMPARE(names.size(), 3);
+    // Not the two newest: one that holds nothing, and one that holds no document.
+    setUp.Write(versions.filePath(names.at(2)), QByteArray());
+    setUp.Write(versions.filePath(names.at(1)), "garbage");
+    setUp.Write(Document(setUp), "garbage");
+    const QJsonObject report = Diagnose(setUp);
+    const QString state =
+        Value(report, "configuration", "documents").toArray().at(0)[QLatin1String("state")].toString();
+    const QString beginning = QStringLiteral("DAMAGED; the next start uses the version of ");
+    QVERIFY2(state.startsWith(beginning), qPrintable(state));
+    QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
+
+    const auto start = setUp.Run({QStringLiteral("--list")});
+    QVERIFY2(start.error.contains(QLatin1String("using the version of ") + state.mid(beginning.size()) +
+                                  QLatin1String(" instead")),
+             qPrintable(state + QLatin1Char('\n') + start.error));
+    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
 }
 
 void TestVexelHostDiagnose::ListThatBreaksOff()
