@@ -46,6 +46,10 @@ void Prepare()
         if (console != INVALID_HANDLE_VALUE)
             SetStdHandle(IdOf(stream), console);
     }
+    // Programs that are started have streams of their own. They would keep these open for whoever reads the other end,
+    // also when this program has ended.
+    for (const DWORD id : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE})
+        SetHandleInformation(GetStdHandle(id), HANDLE_FLAG_INHERIT, 0);
 }
 
 bool IsRead(Stream stream)

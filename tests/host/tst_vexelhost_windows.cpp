@@ -93,6 +93,25 @@ private slots:
         QVERIFY2(result.error.contains(QLatin1String("\"mast\" could not be connected")), qPrintable(result.error));
     }
 
+    void ApplicationsDoNotHoldTheOutput()
+    {
+        HostSetUp setUp;
+        setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)), 1);
+        setUp.Fill({QStringLiteral("mast")});
+        const QDir reports(setUp.Path("reports"));
+        QVERIFY(reports.mkpath(QStringLiteral(".")));
+        setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), reports.path());
+        const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(reports.entryList(QDir::Files).size(), 1);
+        QFile file(reports.filePath(reports.entryList(QDir::Files).constFirst()));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QJsonArray inherited = QJsonDocument::fromJson(file.readAll()).object().value(u"inherited").toArray();
+        // The host's are pipes here; files are what whoever runs the tests has left open.
+        for (const QJsonValue& handle : inherited)
+            QVERIFY2(!handle.toString().endsWith(QLatin1String("of type 3")), qPrintable(handle.toString()));
+    }
+
     // Here names end before the blanks at their end, so this one is there.
     void ApplicationWithATrailingBlank()
     {

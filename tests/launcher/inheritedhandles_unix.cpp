@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 QStringList InheritedHandles()
@@ -14,7 +15,7 @@ QStringList InheritedHandles()
         return {QStringLiteral("this system does not tell")};
     while (const dirent* const entry = readdir(folder)) {
         const int handle = std::atoi(entry->d_name); // 0 for "." and ".."
-        if (handle <= STDERR_FILENO || handle == dirfd(folder))
+        if (handle <= STDERR_FILENO || (::fcntl(handle, F_GETFD) & FD_CLOEXEC) != 0)
             continue;
         char target[PATH_MAX];
         const ssize_t length = readlinkat(dirfd(folder), entry->d_name, target, sizeof target);
@@ -22,4 +23,9 @@ QStringList InheritedHandles()
     }
     closedir(folder);
     return handles;
+}
+
+QStringList HandlesToInherit()
+{
+    return InheritedHandles();
 }

@@ -185,7 +185,7 @@ void TstLinkCall::nothingIsLeftOpen()
     for (int round = 0; round < 5; ++round)
         callAll();
     QTRY_COMPARE(server.callback.now, 0);
-    QTRY_COMPARE(System::OpenHandles(), before);
+    QTRY_VERIFY(System::OpenHandles() <= before);
 }
 
 QTEST_GUILESS_MAIN(TstLinkCall)

@@ -104,7 +104,7 @@ qsizetype OpenHandles()
 {
     // There is a function that counts, but it counts what the system itself opens at its own times, too.
     constexpr std::uintptr_t step = 4;
-    constexpr std::uintptr_t end = 0x4000;
+    constexpr std::uintptr_t end = 0x2000;
     qsizetype count = 0;
     for (std::uintptr_t value = step; value < end; value += step) {
         if (GetFileType(reinterpret_cast<HANDLE>(value)) != FILE_TYPE_UNKNOWN) // NOLINT(performance-no-int-to-ptr)
