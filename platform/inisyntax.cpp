@@ -1,19 +1,13 @@
 #include "platform/inisyntax.h"
 
-#include <QDataStream>
-#include <QIODevice>
+#include <QStringDecoder>
 #include <QStringList>
-#include <QVariant>
-#include <QVariantMap>
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
 namespace {
-
-// Holds a value that UTF-8 cannot carry.
-const QString kWrapped = QStringLiteral("text");
 
 constexpr std::array<std::pair<char, char>, 11> kEscapes = {{{'a', '\a'},
                                                              {'b', '\b'},
@@ -27,8 +21,8 @@ constexpr std::array<std::pair<char, char>, 11> kEscapes = {{{'a', '\a'},
                                                              {'\'', '\''},
                                                              {'\\', '\\'}}};
 
-// What is written as some numbers in brackets.
-constexpr std::array<std::pair<const char*, qsizetype>, 3> kNumbers = {{{"@Rect(", 4}, {"@Size(", 2}, {"@Point(", 2}}};
+// How values of types other than text begin; a bracket closes them.
+constexpr std::array kOtherTypes = {"@Variant(", "@DateTime(", "@Invalid(", "@Rect(", "@Size(", "@Point("};
 
 bool IsLineBreak(char byte)
 {
@@ -105,7 +99,9 @@ private:
             while (m_at < m_value.size() && m_value.at(m_at) != '\\' && m_value.at(m_at) != '"' &&
                    m_value.at(m_at) != ',')
                 ++m_at;
-            m_item += QString::fromUtf8(m_value.sliced(begin, m_at - begin));
+            // A byte order mark is a character here, and not left out.
+            QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+            m_item += decoder(m_value.sliced(begin, m_at - begin));
         }
     }
 
@@ -167,70 +163,44 @@ private:
     bool m_isWithinQuotes = false;
 };
 
-/// What a program wrote that is more than text; nothing for what cannot be said as text.
-std::optional<QString> TextOf(const QVariant& value)
-{
-    if (value.typeId() == QMetaType::QVariantMap) {
-        const QVariantMap map = value.toMap();
-        const auto wrapped = map.constFind(kWrapped);
-        return wrapped == map.cend() ? std::nullopt : std::optional(wrapped->toString());
-    }
-    if (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList)
-        return value.toStringList().join(QStringLiteral(", "));
-    return value.canConvert<QString>() ? std::optional(value.toString()) : std::nullopt;
-}
-
-QVariant FromStream(const QByteArray& bytes, QDataStream::Version version)
-{
-    QDataStream stream(bytes);
-    stream.setVersion(version);
-    QVariant value;
-    stream >> value;
-    return value;
-}
-
+/// Nothing for what is of another type than text.
 std::optional<QString> ReadItem(const QString& item)
 {
     if (!item.startsWith(u'@'))
         return item;
-    const auto contentBehind = [&](QLatin1String beginning) -> std::optional<QString> {
-        if (!item.startsWith(beginning) || !item.endsWith(u')'))
-            return std::nullopt;
-        return item.mid(beginning.size()).chopped(1);
+    if (item.startsWith(QLatin1String("@@")))
+        return item.mid(1);
+    if (!item.endsWith(u')'))
+        return item;
+    const auto begins = [&](const char* beginning) {
+        return item.startsWith(QLatin1String(beginning));
     };
-    if (const auto bytes = contentBehind(QLatin1String("@ByteArray(")))
-        return QString::fromUtf8(bytes->toLatin1());
-    if (const auto text = contentBehind(QLatin1String("@String(")))
-        return text;
-    if (const auto bytes = contentBehind(QLatin1String("@Variant(")))
-        return TextOf(FromStream(bytes->toLatin1(), QDataStream::Qt_4_0));
-    if (const auto bytes = contentBehind(QLatin1String("@DateTime(")))
-        return TextOf(FromStream(bytes->toLatin1(), QDataStream::Qt_5_6));
-    if (item == QLatin1String("@Invalid()"))
-        return std::nullopt;
-    for (const auto& [beginning, count] : kNumbers) {
-        // Each number ends with a space or a bracket.
-        const auto numbers = contentBehind(QLatin1String(beginning));
-        if (numbers && 1 + numbers->count(u' ') + numbers->count(u')') == count)
-            return std::nullopt;
-    }
-    return item.startsWith(QLatin1String("@@")) ? item.mid(1) : item;
+    const QString content = item.mid(item.indexOf(u'(') + 1).chopped(1);
+    if (begins("@String("))
+        return content;
+    if (begins("@ByteArray("))
+        return QString::fromUtf8(content.toLatin1());
+    return std::any_of(kOtherTypes.begin(), kOtherTypes.end(), begins) ? std::nullopt : std::optional(item);
 }
 
 /// As one item that `ReadItem` reads.
 QString ItemOf(const QString& value)
 {
-    // Half of a surrogate pair has no place in UTF-8, and a leading byte order mark is dropped on reading.
-    if (!value.isValidUtf16() || value.startsWith(QChar::ByteOrderMark)) {
-        QByteArray bytes;
-        QDataStream stream(&bytes, QIODevice::WriteOnly);
-        stream.setVersion(QDataStream::Qt_4_0);
-        stream << QVariant(QVariantMap{{kWrapped, value}});
-        return QLatin1String("@Variant(") + QString::fromLatin1(bytes) + u')';
-    }
     if (value.contains(QChar::Null))
         return QLatin1String("@String(") + value + u')';
     return value.startsWith(u'@') ? u'@' + value : value;
+}
+
+/// Whether it is spelled as a number: it is a control character, has no place in UTF-8, being half of a surrogate pair,
+/// or would be dropped by other readers.
+bool NeedsNumber(QStringView text, qsizetype i)
+{
+    const QChar character = text.at(i);
+    if (character.isHighSurrogate())
+        return i + 1 == text.size() || !text.at(i + 1).isLowSurrogate();
+    if (character.isLowSurrogate())
+        return i == 0 || !text.at(i - 1).isHighSurrogate();
+    return character < u' ' || character == QChar::ByteOrderMark;
 }
 
 bool IsNameCharacter(QChar character)
@@ -350,34 +320,30 @@ std::optional<QString> ReadValue(QByteArrayView value)
 QByteArray WriteValue(const QString& value)
 {
     const QString item = ItemOf(value);
-    QByteArray result;
-    result.reserve(item.size() + 2);
     bool needsQuotes = item.startsWith(u' ') || item.endsWith(u' ');
     bool isAfterNumber = false; // a digit would be taken for one of the number's
-    const QByteArray text = item.toUtf8();
-    for (const char byte : text) {
-        needsQuotes = needsQuotes || byte == ';' || byte == ',' || byte == '=';
-        if (isAfterNumber && DigitOf(byte, 16) >= 0) {
-            result += "\\x" + QByteArray::number(byte, 16);
-            continue;
-        }
-        isAfterNumber = false;
-        const auto* const known = std::find_if(kEscapes.begin(), kEscapes.end(),
-                                               [byte](const auto& escape) { return escape.second == byte; });
-        if (known != kEscapes.end() && byte != '?' && byte != '\'') {
-            result += '\\';
-            result += known->first;
-        } else if (byte == '\0') {
-            result += "\\0";
-            isAfterNumber = true;
-        } else if (byte >= '\1' && byte < ' ') {
-            result += "\\x" + QByteArray::number(byte, 16);
+    QString result;
+    result.reserve(item.size() + 2);
+    for (qsizetype i = 0; i < item.size(); ++i) {
+        const QChar character = item.at(i);
+        needsQuotes = needsQuotes || character == u';' || character == u',' || character == u'=';
+        const auto* const known = std::find_if(kEscapes.begin(), kEscapes.end(), [&](const auto& escape) {
+            return QLatin1Char(escape.second) == character && escape.second != '?' && escape.second != '\'';
+        });
+        if (known != kEscapes.end()) {
+            result += u'\\';
+            result += QLatin1Char(known->first);
+            isAfterNumber = false;
+        } else if (NeedsNumber(item, i) || (isAfterNumber && DigitOf(character.toLatin1(), 16) >= 0)) {
+            result += character.isNull() ? QStringLiteral("\\0")
+                                         : QLatin1String("\\x") + QString::number(character.unicode(), 16);
             isAfterNumber = true;
         } else {
-            result += byte;
+            result += character;
+            isAfterNumber = false;
         }
     }
-    return needsQuotes ? '"' + result + '"' : result;
+    return (needsQuotes ? u'"' + result + u'"' : result).toUtf8();
 }
 
 QByteArray Closed(QByteArrayView value)
@@ -388,7 +354,7 @@ QByteArray Closed(QByteArrayView value)
         if (value.at(at) == '"')
             isWithinQuotes = !isWithinQuotes;
         else if (value.at(at) == '\\' && ++at == value.size())
-            return value.chopped(1).toByteArray() + (isWithinQuotes ? "\"" : "");
+            return value.toByteArray() + (isWithinQuotes ? " \"" : " "); // an escaped space means nothing
     }
     return value.toByteArray() + (isWithinQuotes ? "\"" : "");
 }

@@ -38,7 +38,7 @@ private:
 QString ReadKey(QByteArrayView key);
 QByteArray WriteKey(QStringView key);
 
-/// What is written behind the equals sign; nothing where that is something else than text. A list is the text that
+/// What is written behind the equals sign; nothing where that is of another type than text. A list is the text that
 /// somebody has typed without quotation marks.
 std::optional<QString> ReadValue(QByteArrayView value);
 QByteArray WriteValue(const QString& value);

@@ -16,6 +16,9 @@ namespace {
 constexpr QByteArrayView kNoSection("general");
 constexpr QByteArrayView kSectionGeneral("%general");
 
+// No program keeps its keys deeper. What somebody has typed deeper is kept and read, and not learned.
+constexpr qsizetype kMostSteps = 64;
+
 constexpr QByteArrayView kByteOrderMark("\xef\xbb\xbf");
 
 constexpr QByteArrayView kFirstLine("; The last line of this file tells that none of it is missing. Please keep both.");
@@ -62,14 +65,20 @@ Body BodyOf(QByteArrayView text)
     return {{}, true};
 }
 
+/// Whether no step of it is spelled in numbers.
+bool MeansItself(const QString& spelling)
+{
+    return !spelling.contains(u'%') && !spelling.contains(u'\\');
+}
+
 /// The key path that the text spells so; nothing for a spelling that somebody typed and no program can ask for.
 std::optional<QString> PathOf(const QString& spelling)
 {
     if (spelling.isEmpty() || spelling.startsWith(u'/') || spelling.endsWith(u'/') ||
         spelling.contains(QLatin1String("//")))
         return std::nullopt;
-    if (!spelling.contains(u'%') && !spelling.contains(u'\\'))
-        return spelling; // a step without these two means itself
+    if (MeansItself(spelling))
+        return spelling;
 
     QStringList steps = spelling.split(u'/');
     for (QString& step : steps)
@@ -135,8 +144,10 @@ bool IniText::TakeApart(QByteArrayView text)
         if (line->equals < 0)
             return false;
         const QByteArrayView value = line->text.sliced(line->equals + 1);
-        m_values.insert(section + IniSyntax::ReadKey(line->text.first(line->equals)),
-                        {line->isBrokenOff ? IniSyntax::Closed(value) : value.toByteArray(), m_nextPlace++});
+        const QString spelling = section + IniSyntax::ReadKey(line->text.first(line->equals));
+        m_values.insert(spelling, {line->isBrokenOff ? IniSyntax::Closed(value) : value.toByteArray(), m_nextPlace++});
+        m_isChanged = m_isChanged || line->isBrokenOff; // or the text's last line would belong to it
+        m_hasSpellings = m_hasSpellings || !MeansItself(spelling);
     }
     return true;
 }
@@ -164,7 +175,17 @@ void IniText::Set(const QString& path, const QString& value)
 
 void IniText::Remove(const QString& path)
 {
-    const QString spelling = Spell(path);
+    RemoveSpelling(path);
+    if (!m_hasSpellings)
+        return;
+    Learn();
+    const auto known = m_spellings.constFind(path);
+    if (known != m_spellings.cend())
+        RemoveSpelling(*known);
+}
+
+void IniText::RemoveSpelling(const QString& spelling)
+{
     m_isChanged = m_values.remove(spelling) > 0 || m_isChanged;
     const QString beginning = spelling + u'/';
     for (auto it = m_values.lowerBound(beginning); it != m_values.end() && it.key().startsWith(beginning);) {
@@ -221,7 +242,10 @@ QByteArray IniText::PutTogether(QByteArrayView lineEnd) const
                 text += lineEnd;
             text += '[' + SectionName(key.section) + ']' + lineEnd.toByteArray();
         }
-        text += IniSyntax::WriteKey(key.name) + '=' + *key.value + lineEnd.toByteArray();
+        text += IniSyntax::WriteKey(key.name) + '=' + *key.value;
+        if (key.value->endsWith('\r') || key.value->endsWith('\n')) // escaped, and this line's end would be, too
+            text += "\\ ";                                          // means nothing
+        text += lineEnd;
         before = &key;
     }
     return text;
@@ -238,7 +262,7 @@ void IniText::Learn()
 void IniText::Note(const QString& spelling)
 {
     const auto path = PathOf(spelling);
-    if (!path)
+    if (!path || spelling.count(u'/') >= kMostSteps)
         return;
 
     m_taken.insert(spelling.toLower(), *path);
@@ -281,8 +305,10 @@ QString IniText::Spell(const QString& path)
     } else {
         m_taken.insert(lower, path);
     }
-    if (spelling != path)
+    if (spelling != path) {
         m_spellings.insert(path, spelling);
+        m_hasSpellings = true;
+    }
     return spelling;
 }
 

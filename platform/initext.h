@@ -7,8 +7,9 @@
 #include <QString>
 
 /// The text of one document, taken apart and put together again, in memory alone: a document can be read where nothing
-/// can be written. The form is that of `QSettings`, so that programs which use it directly fit in. Values that nobody
-/// has set stay as they were written, byte for byte.
+/// can be written, while `QSettings` reads and writes named files alone. The form is that of `QSettings`, so that
+/// programs which use it directly fit in. Values that nobody has set stay as they were written, byte for byte; comments
+/// and empty lines go with the first change.
 ///
 /// A text that ends too early would still be one in this form. So the first line of what is written here, a comment,
 /// says that there is a last one, and a text with that first line and without the last one is damaged, wherever it was
@@ -45,6 +46,7 @@ private:
 
     bool TakeApart(QByteArrayView text);
     QByteArray PutTogether(QByteArrayView lineEnd) const;
+    void RemoveSpelling(const QString& spelling);
     void Learn();
     void Note(const QString& spelling);
     QString Spell(const QString& path);
@@ -57,6 +59,7 @@ private:
     bool m_isBlank = false; // no text at all
     bool m_wasEmpty = true;
     bool m_isChanged = false;
+    bool m_hasSpellings = false; // of keys or nodes that are not written as their paths
 
     // Learned when the first name turns up that the text does not have: most saves come without one.
     bool m_isLearned = false;

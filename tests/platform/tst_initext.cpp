@@ -1,5 +1,6 @@
 #include "platform/initext.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QMap>
 #include <QRandomGenerator>
@@ -36,12 +37,8 @@ constexpr std::array kPieces = {"[",
                                 ", ",
                                 "@",
                                 "@@",
-                                "@Size(1 2)",
                                 "@",
                                 "@String(q)",
-                                "@Invalid()",
-                                "@Variant(",
-                                "@Rect(",
                                 ")",
                                 " ",
                                 "\t",
@@ -73,6 +70,8 @@ constexpr std::array kPieces = {"[",
                                 "%2C",
                                 "%U20AC",
                                 "\\\r\n",
+                                "\\\r",
+                                "\r;",
                                 "\\t ",
                                 " \n",
                                 "@ByteArray(b)",
@@ -84,15 +83,25 @@ bool CanBeAskedFor(const QString& key)
            !key.contains(u'%') && !key.contains(u'\\');
 }
 
+/// Nothing for other types than text, and lists of it.
 std::optional<QString> TextOf(const QVariant& value)
 {
-    if (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList)
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return value.toString();
+    case QMetaType::QByteArray:
+        return QString::fromUtf8(value.toByteArray());
+    case QMetaType::QStringList:
         return value.toStringList().join(QStringLiteral(", "));
-    if (value.typeId() == QMetaType::QVariantMap)
-        return value.toMap().contains(QStringLiteral("text"))
-                   ? std::optional(value.toMap().value(QStringLiteral("text")).toString())
-                   : std::nullopt;
-    return value.canConvert<QString>() ? std::optional(value.toString()) : std::nullopt;
+    case QMetaType::QVariantList: {
+        QStringList texts;
+        for (const QVariant& item : value.toList())
+            texts += TextOf(item).value_or(QString());
+        return texts.join(QStringLiteral(", "));
+    }
+    default:
+        return std::nullopt;
+    }
 }
 
 /// The keys that have the same spelling as path, with their values; nothing for a damaged text.
@@ -122,6 +131,8 @@ private slots:
             QByteArray text = random.bounded(2) == 0 ? "Key=" : "";
             for (int k = random.bounded(20); k >= 0; --k)
                 text += kPieces.at(static_cast<std::size_t>(random.bounded(static_cast<int>(kPieces.size()))));
+            if (text == ";" || text == "; ") // the first line, cut off
+                continue;
             const auto theirs = TheirValues(text);
             QVERIFY2(OwnValues(text) == theirs, text.toPercentEncoding(" []=;,\"\\@").constData());
             if (!theirs)
@@ -197,6 +208,9 @@ private slots:
             set(QStringLiteral("Zero"), QString(QChar(0)) + QStringLiteral("7"),
                 QString(QChar(0)) + QStringLiteral("7"));
             settings.setValue(QStringLiteral("Size"), QSize(3, 4));
+            settings.setValue(QStringLiteral("Map"), QVariantMap{{QStringLiteral("text"), QStringLiteral("t")}});
+            settings.setValue(QStringLiteral("Time"), QDateTime::fromSecsSinceEpoch(0));
+            settings.setValue(QStringLiteral("None"), QVariant());
         }
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -208,7 +222,7 @@ private slots:
         text.Set(QStringLiteral("Number"), QStringLiteral("6"));
         expected.insert(QStringLiteral("Number"), QStringLiteral("6"));
         QVERIFY(text.Text().contains("Size=@Size(3 4)"));
-        QCOMPARE(TheirValues(text.Text(), QStringLiteral("Size")), std::optional(expected));
+        QCOMPARE(TheirValues(text.Text()), std::optional(expected));
     }
 
     void unchangedTextStaysAsItIs()
@@ -229,9 +243,93 @@ private slots:
         QVERIFY(!text.Text().contains("[A]"));
     }
 
+    void removedKeysGoHoweverTheyAreSpelled()
+    {
+        // A program for a system that tells upper case from lower case has made the first two, a person the others.
+        IniText text("[Node]\nk=1\n[node]\nk=2\n[General]\nA=3\n%41=4\n%250042=5\n[%250042]\nx=6\n[C]\nx=7\n");
+        text.Remove(QStringLiteral("node"));
+        text.Remove(QStringLiteral("A"));
+        text.Remove(QStringLiteral("B"));
+        const QMap<QString, QString> expected{{QStringLiteral("Node/k"), QStringLiteral("1")},
+                                              {QStringLiteral("C/x"), QStringLiteral("7")}};
+        QCOMPARE(IniText(text.Text()).Values(), expected);
+    }
+
+    void byteOrderMarksAreCharacters()
+    {
+        const QString mark(QChar::ByteOrderMark);
+        for (const QString& value : {mark, mark + mark, QStringLiteral("a\"") + mark + u'z', u'\n' + mark + u'1'}) {
+            IniText text{QByteArray()};
+            text.Set(kPath, value);
+            QCOMPARE(OwnValues(text.Text()).value().value(kPath), value);
+            QCOMPARE(TheirValues(text.Text()).value().value(kPath), value);
+        }
+        // As other programs write them.
+        QCOMPARE(IniText("k=a\\tb\xef\xbb\xbf"
+                         "c\n")
+                     .Values()
+                     .value(QStringLiteral("k")),
+                 QStringLiteral("a\tb") + mark + u'c');
+    }
+
+    void aBrokenOffValueTakesNothingAlong_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("quotation marks") << QByteArray("[B]\nf=\"open") << QStringLiteral("open");
+        QTest::newRow("with a line's end") << QByteArray("[B]\nf=\"open\n") << QStringLiteral("open\n");
+        QTest::newRow("backslash") << QByteArray("[B]\nf=open\\") << QStringLiteral("open");
+        QTest::newRow("both") << QByteArray("[B]\nf=\"open\\") << QStringLiteral("open");
+        QTest::newRow("escaped line's end") << QByteArray("[B]\nf=open\\\r\r\n") << QStringLiteral("open");
+    }
+    void aBrokenOffValueTakesNothingAlong()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, value);
+        const QMap<QString, QString> expected{{QStringLiteral("B/f"), value}};
+        const QByteArray same = IniText(text).Text();
+        QCOMPARE(OwnValues(same), std::optional(expected));
+        QCOMPARE(TheirValues(same), std::optional(expected));
+
+        IniText changed(text);
+        changed.Set(kPath, kValue);
+        auto more = expected;
+        more.insert(kPath, kValue);
+        QCOMPARE(OwnValues(changed.Text()), std::optional(more));
+        QCOMPARE(TheirValues(changed.Text()), std::optional(more));
+        QCOMPARE(IniText(changed.Text()).Text(), changed.Text());
+    }
+
+    // Nobody makes such texts by mistake, but a program that falls over one could not be started again.
+    void hostileTextsAreKept_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QByteArray steps;
+        for (int i = 0; i < 100'000; ++i)
+            steps += "\\a";
+        QTest::newRow("many steps") << "a" + steps + "=1";
+        // A list in a list in a list, as a stream of this toolkit's has it.
+        QByteArray nested = "k=@Variant(";
+        for (int i = 0; i < 200'000; ++i)
+            nested += "\\0\\0\\0\\t\\0\\0\\0\\x1";
+        QTest::newRow("nested lists") << nested + ")";
+    }
+    void hostileTextsAreKept()
+    {
+        QFETCH(QByteArray, line);
+        IniText text("[General]\n" + line + "\nz=2\n");
+        QVERIFY(!text.IsDamaged());
+        QCOMPARE(text.Values().value(QStringLiteral("z")), QStringLiteral("2"));
+        const qsizetype count = text.Values().size();
+        text.Set(kPath, kValue);
+        const QByteArray after = text.Text();
+        QVERIFY(after.size() > line.size());
+        QCOMPARE(IniText(after).Values().size(), count + 1);
+    }
+
 private:
-    /// As `OwnValues`; without `except`, which is there.
-    std::optional<QMap<QString, QString>> TheirValues(const QByteArray& text, const QString& except = {})
+    /// As `OwnValues`.
+    std::optional<QMap<QString, QString>> TheirValues(const QByteArray& text)
     {
         // Never the same name twice: what is read of a file is remembered.
         const QString path = m_folder.filePath(QStringLiteral("%1.ini").arg(++m_files));
@@ -246,7 +344,7 @@ private:
             if (settings.status() != QSettings::NoError)
                 return std::nullopt;
             for (const QString& key : keys) {
-                const auto value = CanBeAskedFor(key) && key != except ? TextOf(settings.value(key)) : std::nullopt;
+                const auto value = CanBeAskedFor(key) ? TextOf(settings.value(key)) : std::nullopt;
                 if (value)
                     values.insert(key, *value);
             }
