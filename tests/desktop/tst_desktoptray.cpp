@@ -1,10 +1,7 @@
-#include "host/connectdialog.h"
-#include "host/dialogsession.h"
-#include "host/notices.h"
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
 #include "tests/host/errorsto.h"
-#include "tests/host/fakedialog.h"
+#include "tests/host/hostsession.h"
 
 #include <QApplication>
 #include <QImage>
@@ -22,19 +19,11 @@
 namespace {
 
 /// A session of the host with its dialog, as a person at this desktop has it.
-struct Session
+struct Session : HostSession
 {
     Session()
     {
-        fake.Add(QStringLiteral("mast"));
         fake.setWindowTitle(QStringLiteral("Vexel - Connect Dialog"));
-        QString error;
-        dialog = ConnectDialog::Find(error);
-        session = std::make_unique<DialogSession>(*dialog, notices, [this] {
-            ++saved;
-            return canSave;
-        });
-        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::EndWanted);
         session->Start();
     }
 
@@ -61,14 +50,6 @@ struct Session
         }
         QFAIL(qPrintable(text));
     }
-
-    FakeDialog fake;
-    std::optional<ConnectDialog> dialog;
-    int saved = 0;
-    bool canSave = true;
-    Notices notices;
-    std::unique_ptr<DialogSession> session;
-    std::unique_ptr<QSignalSpy> end;
 };
 
 /// The message beside the icon.
@@ -172,8 +153,8 @@ void tst_DesktopTray::aClickCallsTheDialog()
     QTRY_VERIFY(session.IsDocked());
     session.fake.close();
     QTRY_COMPARE(session.saved, 1);
-    Desktop::Click(session.Place().center());
-    QTRY_VERIFY(session.fake.isVisible());
+    // A busy panel may move the icon between the look and the click; a person then clicks again.
+    QTRY_VERIFY((Desktop::Click(session.Place().center()), session.fake.isVisible()));
     QTRY_VERIFY(session.fake.isActiveWindow());
 }
 

@@ -1,8 +1,5 @@
-#include "host/connectdialog.h"
-#include "host/dialogsession.h"
-#include "host/notices.h"
 #include "tests/host/errorsto.h"
-#include "tests/host/fakedialog.h"
+#include "tests/host/hostsession.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -19,28 +16,9 @@
 namespace {
 
 /// A session without a tray, and without anybody at standard error.
-struct Session
+struct Session : HostSession
 {
-    Session()
-    {
-        fake.Add(QStringLiteral("mast"));
-        QString error;
-        dialog = ConnectDialog::Find(error);
-        session = std::make_unique<DialogSession>(*dialog, notices, [this] {
-            ++saved;
-            return canSave;
-        });
-        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::EndWanted);
-    }
-
     const ErrorsTo errors{QProcess::nullDevice()};
-    FakeDialog fake;
-    std::optional<ConnectDialog> dialog;
-    Notices notices;
-    int saved = 0;
-    bool canSave = true;
-    std::unique_ptr<DialogSession> session;
-    std::unique_ptr<QSignalSpy> end;
 };
 
 QMessageBox* Question()

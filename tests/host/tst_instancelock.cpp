@@ -1,4 +1,5 @@
 #include "host/instancelock.h"
+#include "tests/support/files.h"
 
 #include "tests/support/system.h"
 
@@ -55,19 +56,6 @@ qint64 OwnerOf(const QString& directory)
 {
     const InstanceLock::Owner owner = InstanceLock::Look(directory);
     return owner.state == InstanceLock::State::Nobody ? -1 : owner.process;
-}
-
-QByteArray Read(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void Write(const QString& fileName, const QByteArray& content)
-{
-    QFile file(fileName);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
-    QCOMPARE(file.write(content), content.size());
 }
 
 } // namespace
@@ -127,7 +115,7 @@ void TestInstanceLock::AnotherProcessIsRefused()
     const QTemporaryDir directory;
     Owner owner(directory.path());
     QVERIFY(owner.Holds());
-    const QByteArray before = Read(LockFile(directory));
+    const QByteArray before = Files::Read(LockFile(directory));
 
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
@@ -138,7 +126,7 @@ void TestInstanceLock::AnotherProcessIsRefused()
     QVERIFY(!lock.ErrorText().contains(QLatin1Char('\n')));
     QCOMPARE(OwnerOf(directory.path()), owner.process.processId());
     // The owner's lock is as it was.
-    QCOMPARE(Read(LockFile(directory)), before);
+    QCOMPARE(Files::Read(LockFile(directory)), before);
 }
 
 void TestInstanceLock::ADeadOwnerIsSucceeded()
@@ -159,7 +147,7 @@ void TestInstanceLock::ANumberThatBelongsToAnotherHostByNow()
     const QTemporaryDir directory;
     Owner owner(directory.path());
     QVERIFY(owner.Holds());
-    QByteArray content = Read(LockFile(directory));
+    QByteArray content = Files::Read(LockFile(directory));
     QVERIFY(content.startsWith(QByteArray::number(owner.process.processId()) + '\n'));
     owner.Kill();
 
@@ -168,7 +156,7 @@ void TestInstanceLock::ANumberThatBelongsToAnotherHostByNow()
     Owner other(elsewhere.path());
     QVERIFY(other.Holds());
     content.replace(0, content.indexOf('\n'), QByteArray::number(other.process.processId()));
-    Write(LockFile(directory), content);
+    QVERIFY(Files::Write(LockFile(directory), content));
 
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
@@ -182,10 +170,10 @@ void TestInstanceLock::ADeadOwnerWithTheOwnNumber()
     const QTemporaryDir directory;
     Owner owner(directory.path());
     QVERIFY(owner.Holds());
-    QByteArray content = Read(LockFile(directory));
+    QByteArray content = Files::Read(LockFile(directory));
     owner.Kill();
     content.replace(0, content.indexOf('\n'), QByteArray::number(QCoreApplication::applicationPid()));
-    Write(LockFile(directory), content);
+    QVERIFY(Files::Write(LockFile(directory), content));
 
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
@@ -224,7 +212,7 @@ void TestInstanceLock::AFileThatSaysNothing()
 {
     QFETCH(const QByteArray, content);
     const QTemporaryDir directory;
-    Write(LockFile(directory), content);
+    QVERIFY(Files::Write(LockFile(directory), content));
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
@@ -245,13 +233,13 @@ void TestInstanceLock::AnOwnerOnAnotherMachine()
     QVERIFY2(lock.ErrorText().contains(QLatin1String("4711 on elsewhere")), qPrintable(lock.ErrorText()));
     // It cannot be found out from here whether that process lives, so a person must be able to decide.
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(LockFile(directory))), qPrintable(lock.ErrorText()));
-    QCOMPARE(Read(LockFile(directory)), content);
+    QCOMPARE(Files::Read(LockFile(directory)), content);
 }
 
 void TestInstanceLock::AMachineOfAnotherNameByNow()
 {
     const QTemporaryDir directory;
-    Write(LockFile(directory), "1\nvexelhost\nits-earlier-name\n");
+    QVERIFY(Files::Write(LockFile(directory), "1\nvexelhost\nits-earlier-name\n"));
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
@@ -275,7 +263,7 @@ void TestInstanceLock::ManyAtOnce()
 {
     const QTemporaryDir directory;
     // What a killed one left, which all of them find.
-    Write(LockFile(directory), "1\nvexelhost\nhere\n");
+    QVERIFY(Files::Write(LockFile(directory), "1\nvexelhost\nhere\n"));
     std::vector<std::unique_ptr<Owner>> owners;
     for (int i = 0; i < 8; ++i)
         owners.push_back(std::make_unique<Owner>(directory.path()));
@@ -301,7 +289,7 @@ void TestInstanceLock::UnusableDirectories()
     QFETCH(const QString, path);
     QFETCH(const QString, blocker);
     const QTemporaryDir directory;
-    Write(directory.filePath(QStringLiteral("file")), "content");
+    QVERIFY(Files::Write(directory.filePath(QStringLiteral("file")), "content"));
     if (!blocker.isEmpty())
         QVERIFY(QDir(directory.path()).mkpath(blocker));
     const QString lockFile = directory.path() + QLatin1Char('/') + path + QStringLiteral("/vexelhost.lock");
@@ -320,7 +308,7 @@ void TestInstanceLock::UnusableDirectories()
     QVERIFY2(lock.ErrorText().contains(QLatin1String("cannot be used")), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(full), qPrintable(lock.ErrorText()));
     QCOMPARE(OwnerOf(full), -1);
-    QCOMPARE(Read(directory.filePath(QStringLiteral("file"))), QByteArray("content"));
+    QCOMPARE(Files::Read(directory.filePath(QStringLiteral("file"))), QByteArray("content"));
 }
 
 void TestInstanceLock::LookingDoesNotDisturb()
@@ -342,10 +330,10 @@ void TestInstanceLock::LookingRemovesNothing()
 {
     const QTemporaryDir directory;
     const QByteArray content = "999999\nvexelhost\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n';
-    Write(LockFile(directory), content);
+    QVERIFY(Files::Write(LockFile(directory), content));
     const QDateTime changed = QFileInfo(LockFile(directory)).lastModified();
     QCOMPARE(OwnerOf(directory.path()), -1);
-    QCOMPARE(Read(LockFile(directory)), content);
+    QCOMPARE(Files::Read(LockFile(directory)), content);
     QCOMPARE(QFileInfo(LockFile(directory)).lastModified(), changed);
 
     // Also where this user may only read.

@@ -1,6 +1,7 @@
 #include "host/malformedset.h"
 #include "platform/configversions.h"
 #include "tests/host/storeddocument.h"
+#include "tests/support/files.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QDir>
@@ -25,7 +26,6 @@ private slots:
 private:
     static void Save(const QByteArray& list);
     static QStringList Copies();
-    static QByteArray Content(const QString& fileName);
     static QString Document() { return ConfigVersions(View::Application, QString()).DocumentFile(); }
 
     std::unique_ptr<QTemporaryDir> m_pDirectory;
@@ -60,12 +60,6 @@ QStringList TestMalformedSet::Copies()
     return copies;
 }
 
-QByteArray TestMalformedSet::Content(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 void TestMalformedSet::AListInOrderIsLeftAlone()
 {
     QCOMPARE(KeepMalformedSetAside(), QString());
@@ -79,17 +73,17 @@ void TestMalformedSet::AListInOrderIsLeftAlone()
 void TestMalformedSet::AMalformedListIsKept()
 {
     Save(ListOf(5).chopped(30));
-    const QByteArray document = Content(Document());
+    const QByteArray document = Files::Read(Document());
     QVERIFY(!document.isEmpty());
 
     TraceRecorder recorder;
     const QString said = KeepMalformedSetAside();
     QCOMPARE(Copies().size(), 1);
-    QCOMPARE(Content(Copies().constFirst()), document);
+    QCOMPARE(Files::Read(Copies().constFirst()), document);
     QVERIFY2(said.contains(QLatin1String("5 entries")) && said.contains(Copies().constFirst()), qPrintable(said));
     QCOMPARE(recorder.Messages(), QStringList(QStringLiteral("KeepMalformedSetAside(): ") + said));
     // Not moved away: the plug-in loads what there is.
-    QCOMPARE(Content(Document()), document);
+    QCOMPARE(Files::Read(Document()), document);
 }
 
 void TestMalformedSet::TheSameContentIsKeptOnce()
@@ -110,12 +104,12 @@ void TestMalformedSet::EveryOtherContentIsKept()
     for (int i = 0; i < count; ++i) {
         // Of the same length, and faster than the clock that names them.
         Save(ListOf(9).replace("Entry 5", "Entry " + QByteArray(1, static_cast<char>('a' + i))).chopped(30));
-        documents.append(Content(Document()));
+        documents.append(Files::Read(Document()));
         QVERIFY(!KeepMalformedSetAside().isEmpty());
     }
     QCOMPARE(Copies().size(), count);
     for (const QString& copy : Copies())
-        QVERIFY(documents.removeOne(Content(copy)));
+        QVERIFY(documents.removeOne(Files::Read(copy)));
 }
 
 void TestMalformedSet::WhereItCannotBeKeptThatIsSaid()

@@ -1,4 +1,5 @@
 #include "host/rotatingfile.h"
+#include "tests/support/files.h"
 #include "tests/support/system.h"
 
 #include <QDir>
@@ -20,19 +21,6 @@ QByteArray Line(int number)
 {
     // Nine bytes, and a tenth for the break.
     return QByteArray::number(number).rightJustified(9, '0') + '\n';
-}
-
-QByteArray Read(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void Write(const QString& fileName, const QByteArray& content)
-{
-    QFile file(fileName);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
-    QCOMPARE(file.write(content), content.size());
 }
 
 /// A file in a folder of its own.
@@ -72,14 +60,14 @@ private slots:
 void TestRotatingFile::AppendsToWhatIsThere()
 {
     const Fixture fixture;
-    Write(fixture.name, "before\n");
+    QVERIFY(Files::Write(fixture.name, "before\n"));
     RotatingFile file;
     QVERIFY(!file.IsOpen());
     QCOMPARE(file.Open(fixture.name, s_largest), QString());
     QVERIFY(file.IsOpen());
     QCOMPARE(file.Append("after\n"), QString());
     // At once, without closing.
-    QCOMPARE(Read(fixture.name), QByteArray("before\nafter\n"));
+    QCOMPARE(Files::Read(fixture.name), QByteArray("before\nafter\n"));
 }
 
 void TestRotatingFile::AFullFileIsPutAside()
@@ -94,11 +82,11 @@ void TestRotatingFile::AFullFileIsPutAside()
     }
     // Full to the last byte is not too much.
     QCOMPARE(fixture.Names(), QStringList{QStringLiteral("trace.log")});
-    QCOMPARE(Read(fixture.name), first);
+    QCOMPARE(Files::Read(fixture.name), first);
     QCOMPARE(file.Append(Line(100)), QString());
     QCOMPARE(fixture.Names(), QStringList({QStringLiteral("trace.log"), QStringLiteral("trace.log.1")}));
-    QCOMPARE(Read(fixture.Earlier(1)), first);
-    QCOMPARE(Read(fixture.name), Line(100));
+    QCOMPARE(Files::Read(fixture.Earlier(1)), first);
+    QCOMPARE(Files::Read(fixture.name), Line(100));
 }
 
 void TestRotatingFile::FiveEarlierFilesAreKept()
@@ -113,8 +101,8 @@ void TestRotatingFile::FiveEarlierFilesAreKept()
     // The last 550 of them, in their order.
     QByteArray kept;
     for (int number = 5; number >= 1; --number)
-        kept += Read(fixture.Earlier(number));
-    kept += Read(fixture.name);
+        kept += Files::Read(fixture.Earlier(number));
+    kept += Files::Read(fixture.name);
     QByteArray expected;
     for (int i = lines - 550; i < lines; ++i)
         expected += Line(i);
@@ -125,12 +113,12 @@ void TestRotatingFile::AFileThatWasTooLargeBefore()
 {
     const Fixture fixture;
     const QByteArray before(5 * s_largest, 'x');
-    Write(fixture.name, before);
+    QVERIFY(Files::Write(fixture.name, before));
     RotatingFile file;
     QCOMPARE(file.Open(fixture.name, s_largest), QString());
     QCOMPARE(file.Append(Line(1)), QString());
-    QCOMPARE(Read(fixture.Earlier(1)), before);
-    QCOMPARE(Read(fixture.name), Line(1));
+    QCOMPARE(Files::Read(fixture.Earlier(1)), before);
+    QCOMPARE(Files::Read(fixture.name), Line(1));
 }
 
 void TestRotatingFile::ALineIsNeverSplit_data()
@@ -150,24 +138,24 @@ void TestRotatingFile::ALineIsNeverSplit()
     const QByteArray line = QByteArray(length, 'l') + '\n';
     for (int i = 0; i < 3; ++i)
         QCOMPARE(file.Append(line), QString());
-    QCOMPARE(Read(fixture.Earlier(2)), line);
-    QCOMPARE(Read(fixture.Earlier(1)), line);
-    QCOMPARE(Read(fixture.name), line);
+    QCOMPARE(Files::Read(fixture.Earlier(2)), line);
+    QCOMPARE(Files::Read(fixture.Earlier(1)), line);
+    QCOMPARE(Files::Read(fixture.name), line);
     QCOMPARE(fixture.Names().size(), 3);
 }
 
 void TestRotatingFile::AGapIsFilledFirst()
 {
     const Fixture fixture;
-    Write(fixture.Earlier(1), "one\n");
-    Write(fixture.Earlier(3), "three\n");
-    Write(fixture.name, QByteArray(s_largest, 'x'));
+    QVERIFY(Files::Write(fixture.Earlier(1), "one\n"));
+    QVERIFY(Files::Write(fixture.Earlier(3), "three\n"));
+    QVERIFY(Files::Write(fixture.name, QByteArray(s_largest, 'x')));
     RotatingFile file;
     QCOMPARE(file.Open(fixture.name, s_largest), QString());
     QCOMPARE(file.Append(Line(1)), QString());
-    QCOMPARE(Read(fixture.Earlier(2)), QByteArray("one\n"));
-    QCOMPARE(Read(fixture.Earlier(3)), QByteArray("three\n"));
-    QCOMPARE(Read(fixture.Earlier(1)).size(), s_largest);
+    QCOMPARE(Files::Read(fixture.Earlier(2)), QByteArray("one\n"));
+    QCOMPARE(Files::Read(fixture.Earlier(3)), QByteArray("three\n"));
+    QCOMPARE(Files::Read(fixture.Earlier(1)).size(), s_largest);
 }
 
 void TestRotatingFile::AFailureIsToldOnceAndLosesNothing_data()
@@ -187,7 +175,7 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
     QByteArray expected;
     for (int number = 1; number <= RotatingFile::KeptFiles; ++number) {
         if (number != blocked)
-            Write(fixture.Earlier(number), QByteArray::number(number));
+            QVERIFY(Files::Write(fixture.Earlier(number), QByteArray::number(number)));
     }
     if (blocked == 0) {
         // A name that is too long for one more suffix, as on a folder that is not to be written.
@@ -199,7 +187,7 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
             if (const QString error = file.Append(Line(i)); !error.isEmpty())
                 errors.append(error);
         }
-        QCOMPARE(Read(longName), expected);
+        QCOMPARE(Files::Read(longName), expected);
         QCOMPARE(errors.size(), 1);
         return;
     }
@@ -212,13 +200,13 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
         if (const QString error = file.Append(Line(i)); !error.isEmpty())
             errors.append(error);
     }
-    QCOMPARE(Read(fixture.name), expected);
+    QCOMPARE(Files::Read(fixture.name), expected);
     QCOMPARE(errors.size(), 1);
     QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))), qPrintable(errors.first()));
     // The other files are what they were.
     for (int number = 1; number <= RotatingFile::KeptFiles; ++number) {
         if (number != blocked)
-            QCOMPARE(Read(fixture.Earlier(number)), QByteArray::number(number));
+            QCOMPARE(Files::Read(fixture.Earlier(number)), QByteArray::number(number));
     }
 }
 
@@ -239,9 +227,9 @@ void TestRotatingFile::ItWorksAgainWhenTheWayIsFree()
     for (; i < 350; ++i)
         QCOMPARE(file.Append(Line(i)), QString());
     // From then on files are as large as they shall be.
-    QCOMPARE(Read(fixture.Earlier(2)).count('\n'), 200);
-    QCOMPARE(Read(fixture.Earlier(1)).count('\n'), 100);
-    QCOMPARE(Read(fixture.name).count('\n'), 50);
+    QCOMPARE(Files::Read(fixture.Earlier(2)).count('\n'), 200);
+    QCOMPARE(Files::Read(fixture.Earlier(1)).count('\n'), 100);
+    QCOMPARE(Files::Read(fixture.name).count('\n'), 50);
 }
 
 void TestRotatingFile::AnotherProcessAtItIsNoFailure()
@@ -254,11 +242,11 @@ void TestRotatingFile::AnotherProcessAtItIsNoFailure()
         QVERIFY(lock.tryLock());
         for (int i = 0; i < 150; ++i)
             QCOMPARE(file.Append(Line(i)), QString());
-        QCOMPARE(Read(fixture.name).count('\n'), 150);
+        QCOMPARE(Files::Read(fixture.name).count('\n'), 150);
     }
     QCOMPARE(file.Append(Line(150)), QString());
-    QCOMPARE(Read(fixture.Earlier(1)).count('\n'), 150);
-    QCOMPARE(Read(fixture.name), Line(150));
+    QCOMPARE(Files::Read(fixture.Earlier(1)).count('\n'), 150);
+    QCOMPARE(Files::Read(fixture.name), Line(150));
 }
 
 void TestRotatingFile::AFileThatSomebodyElsePutAside()
@@ -276,8 +264,8 @@ void TestRotatingFile::AFileThatSomebodyElsePutAside()
     QCOMPARE(one.Append(Line(100)), QString());
     // What the other has open is full, and has been put aside: it moves on and puts nothing aside itself.
     QCOMPARE(other.Append(Line(101)), QString());
-    QCOMPARE(Read(fixture.name), Line(100) + Line(101));
-    QCOMPARE(Read(fixture.Earlier(1)).count('\n'), 100);
+    QCOMPARE(Files::Read(fixture.name), Line(100) + Line(101));
+    QCOMPARE(Files::Read(fixture.Earlier(1)).count('\n'), 100);
     QVERIFY(!QFileInfo::exists(fixture.Earlier(2)));
 }
 
@@ -313,7 +301,7 @@ void TestRotatingFile::SeveralProcesses()
     std::set<QByteArray> lines;
     int count = 0;
     for (int number = 0; number <= RotatingFile::KeptFiles; ++number) {
-        const QByteArray content = Read(number == 0 ? fixture.name : fixture.Earlier(number));
+        const QByteArray content = Files::Read(number == 0 ? fixture.name : fixture.Earlier(number));
         QVERIFY(content.isEmpty() || content.endsWith('\n'));
         for (const QByteArray& line : content.chopped(content.isEmpty() ? 0 : 1).split('\n')) {
             if (line.isEmpty())

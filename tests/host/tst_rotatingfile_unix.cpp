@@ -1,5 +1,6 @@
 #include "host/rotatingfile.h"
 #include "tests/dialog/filesizelimit.h"
+#include "tests/support/files.h"
 #include "tests/support/system.h"
 
 #include <QDir>
@@ -14,19 +15,6 @@
 namespace {
 
 constexpr qint64 s_largest = 1000;
-
-QByteArray Read(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void Write(const QString& fileName, const QByteArray& content)
-{
-    QFile file(fileName);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
-    QCOMPARE(file.write(content), content.size());
-}
 
 } // namespace
 
@@ -67,7 +55,7 @@ void TestRotatingFileUnix::ARemovedFileIsMadeAnew()
     QVERIFY(QFile::remove(m_Name));
     QCOMPARE(file.Append("two\n"), QString());
     QCOMPARE(file.Append("three\n"), QString());
-    QCOMPARE(Read(m_Name), QByteArray("two\nthree\n"));
+    QCOMPARE(Files::Read(m_Name), QByteArray("two\nthree\n"));
 }
 
 void TestRotatingFileUnix::ARenamedFileIsLeftToWhoeverRenamedIt()
@@ -78,10 +66,10 @@ void TestRotatingFileUnix::ARenamedFileIsLeftToWhoeverRenamedIt()
     QCOMPARE(file.Append("one\n"), QString());
     QVERIFY(QFile::rename(m_Name, aside));
     // A file that somebody else has put there is appended to.
-    Write(m_Name, "zero\n");
+    QVERIFY(Files::Write(m_Name, "zero\n"));
     QCOMPARE(file.Append("two\n"), QString());
-    QCOMPARE(Read(aside), QByteArray("one\n"));
-    QCOMPARE(Read(m_Name), QByteArray("zero\ntwo\n"));
+    QCOMPARE(Files::Read(aside), QByteArray("one\n"));
+    QCOMPARE(Files::Read(m_Name), QByteArray("zero\ntwo\n"));
 }
 
 void TestRotatingFileUnix::ANewFileIsBoundedAsWell()
@@ -93,8 +81,8 @@ void TestRotatingFileUnix::ANewFileIsBoundedAsWell()
     const QByteArray line = QByteArray(99, 'x') + '\n';
     for (int i = 0; i < 11; ++i)
         QCOMPARE(file.Append(line), QString());
-    QCOMPARE(Read(m_Name), line);
-    QCOMPARE(Read(m_Name + QStringLiteral(".1")).size(), 1000);
+    QCOMPARE(Files::Read(m_Name), line);
+    QCOMPARE(Files::Read(m_Name + QStringLiteral(".1")).size(), 1000);
 }
 
 void TestRotatingFileUnix::AFileThatCannotBeMadeAnewIsToldOnce()
@@ -111,7 +99,7 @@ void TestRotatingFileUnix::AFileThatCannotBeMadeAnewIsToldOnce()
     // With the way free again it works again.
     QVERIFY(QDir().rmdir(m_Name));
     QCOMPARE(file.Append("four\n"), QString());
-    QCOMPARE(Read(m_Name), QByteArray("four\n"));
+    QCOMPARE(Files::Read(m_Name), QByteArray("four\n"));
 }
 
 void TestRotatingFileUnix::AFileReplacedByAPipeIsNotWaitedFor()
@@ -136,20 +124,20 @@ void TestRotatingFileUnix::ALineWithoutRoomDoesNotTakeTheNextOneAlong()
         QVERIFY2(!trouble.contains(QLatin1String("Unknown")), qPrintable(trouble));
         // Told once.
         QCOMPARE(file.Append("third\n"), QString());
-        QCOMPARE(Read(m_Name), QByteArray("one\nsec"));
+        QCOMPARE(Files::Read(m_Name), QByteArray("one\nsec"));
     }
     QCOMPARE(file.Append("fourth\n"), QString());
     QCOMPARE(file.Append("fifth\n"), QString());
-    QCOMPARE(Read(m_Name), QByteArray("one\nsec\nfourth\nfifth\n"));
+    QCOMPARE(Files::Read(m_Name), QByteArray("one\nsec\nfourth\nfifth\n"));
 }
 
 void TestRotatingFileUnix::ATornLineOfAnEarlierRun()
 {
-    Write(m_Name, "one\ntw");
+    QVERIFY(Files::Write(m_Name, "one\ntw"));
     RotatingFile file;
     QCOMPARE(file.Open(m_Name, s_largest), QString());
     QCOMPARE(file.Append("three\n"), QString());
-    QCOMPARE(Read(m_Name), QByteArray("one\ntw\nthree\n"));
+    QCOMPARE(Files::Read(m_Name), QByteArray("one\ntw\nthree\n"));
 }
 
 void TestRotatingFileUnix::APipeWithoutAReaderIsRefused()
@@ -187,7 +175,7 @@ void TestRotatingFileUnix::APipeInTheLocksPlace()
     const QString trouble = file.Append("eight..\n");
     QVERIFY2(trouble.startsWith(QLatin1String("is full and cannot be put aside: ")) && trouble.contains(pipe),
              qPrintable(trouble));
-    QCOMPARE(Read(m_Name), QByteArray("seven..\neight..\n"));
+    QCOMPARE(Files::Read(m_Name), QByteArray("seven..\neight..\n"));
 }
 
 QTEST_GUILESS_MAIN(TestRotatingFileUnix)

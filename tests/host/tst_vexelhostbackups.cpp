@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/files.h"
 
 #include <QRegularExpression>
 
@@ -26,11 +27,6 @@ private:
     static QString Document(const HostSetUp& setUp)
     {
         return setUp.Config() + QStringLiteral("/application/@application.ini");
-    }
-    static QByteArray Content(const QString& fileName)
-    {
-        QFile file(fileName);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     /// Number, entries and file of every line of `--backups`.
     static QStringList Lines(HostSetUp& setUp);
@@ -83,7 +79,7 @@ void TestVexelHostBackups::StoreLists(HostSetUp& setUp, int count)
 
 void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
 {
-    QByteArray text = Content(Document(setUp));
+    QByteArray text = Files::Read(Document(setUp));
     const qsizetype begin = text.indexOf("ModelMimeData=");
     QVERIFY(begin > 0);
     const qsizetype end = text.indexOf('\n', begin);
@@ -143,7 +139,7 @@ void TestVexelHostBackups::VersionsAsJson()
     QCOMPARE(former.value(QLatin1String("number")), QJsonValue(1));
     QCOMPARE(former.value(QLatin1String("entries")), QJsonValue(1));
     QCOMPARE(former.value(QLatin1String("malformed")), QJsonValue(false));
-    QVERIFY(Content(former.value(QLatin1String("file")).toString()).contains("ModelMimeData="));
+    QVERIFY(Files::Read(former.value(QLatin1String("file")).toString()).contains("ModelMimeData="));
     for (const QJsonObject& version : {now, former}) {
         const QDateTime saved =
             QDateTime::fromString(version.value(QLatin1String("saved")).toString(), Qt::ISODateWithMs);
@@ -178,7 +174,7 @@ void TestVexelHostBackups::RestoreBringsAVersionBack()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
-    const QByteArray oldest = Content(Files(setUp).constLast());
+    const QByteArray oldest = Files::Read(Files(setUp).constLast());
     const auto restored = setUp.Run({QStringLiteral("--restore"), QStringLiteral("2")});
     QCOMPARE(restored.error, QString());
     QCOMPARE(restored.exitCode, 0);
@@ -186,7 +182,7 @@ void TestVexelHostBackups::RestoreBringsAVersionBack()
     QVERIFY2(restored.output.startsWith(QLatin1String("version 2 of ")) &&
                  restored.output.contains(QLatin1String("3 entries -> 1 entry; what it replaced is version 1 now")),
              qPrintable(restored.output));
-    QCOMPARE(Content(Document(setUp)), oldest);
+    QCOMPARE(Files::Read(Document(setUp)), oldest);
     QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|1"), QStringLiteral("1|3"), QStringLiteral("2|2"),
                                         QStringLiteral("3|1")}));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
@@ -299,7 +295,7 @@ void TestVexelHostBackups::AListThatBreaksOffIsKeptForGood()
     HostSetUp setUp;
     StoreLists(setUp, 3);
     BreakOff(setUp, 1000);
-    const QByteArray document = Content(Document(setUp));
+    const QByteArray document = Files::Read(Document(setUp));
     QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, breaks off"));
 
     const auto first = setUp.Run({QStringLiteral("--list")});
@@ -311,14 +307,14 @@ void TestVexelHostBackups::AListThatBreaksOffIsKeptForGood()
         return info.dir().entryInfoList({info.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);
     };
     QCOMPARE(copies().size(), 1);
-    QCOMPARE(Content(copies().constFirst().filePath()), document);
+    QCOMPARE(Files::Read(copies().constFirst().filePath()), document);
     QVERIFY2(first.error.contains(copies().constFirst().fileName()), qPrintable(first.error));
 
     // Stored by the plug-in as far as it went, the list is in order, and the versions come and go.
     QCOMPARE(setUp.Run({QStringLiteral("--list")}).error, QString());
     StoreLists(setUp, 12);
     QCOMPARE(copies().size(), 1);
-    QCOMPARE(Content(copies().constFirst().filePath()), document);
+    QCOMPARE(Files::Read(copies().constFirst().filePath()), document);
 }
 
 QTEST_GUILESS_MAIN(TestVexelHostBackups)

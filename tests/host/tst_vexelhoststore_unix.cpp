@@ -1,5 +1,6 @@
 #include "tests/dialog/filesizelimit.h"
 #include "tests/host/hostsetup.h"
+#include "tests/support/files.h"
 
 #include <sys/stat.h>
 
@@ -39,11 +40,6 @@ private:
         setUp.Environment().insert(QStringLiteral("XDG_RUNTIME_DIR"), session);
         setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     }
-    static QByteArray Content(const QString& fileName)
-    {
-        QFile file(fileName);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
     static const QStringList s_allNames;
 };
 
@@ -59,7 +55,7 @@ void TestVexelHostStoreUnix::WithoutRoomForTemporaryFiles()
     const auto exported = setUp.Run({QStringLiteral("--export"), setUp.Path("out.xml")});
     QCOMPARE(exported.error, QString());
     QCOMPARE(exported.exitCode, 0);
-    QCOMPARE(Content(setUp.Path("out.xml")).count("<Connection>"), 3);
+    QCOMPARE(Files::Read(setUp.Path("out.xml")).count("<Connection>"), 3);
     const auto backups = setUp.Run({QStringLiteral("--backups")});
     QCOMPARE(backups.OutputLines().size(), 4);
     QVERIFY2(!backups.output.contains(QLatin1String("damaged")), qPrintable(backups.output));
@@ -127,7 +123,7 @@ void TestVexelHostStoreUnix::WhatCannotBeWrittenIsLookedAt()
                  listed.error.contains(QLatin1String("it is only looked at")),
              qPrintable(listed.error));
     QCOMPARE(listed.OutputLines().size(), 4);
-    QCOMPARE(Content(setUp.Path("out.xml")).count("<Connection>"), 3);
+    QCOMPARE(Files::Read(setUp.Path("out.xml")).count("<Connection>"), 3);
 
     setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
     for (const QStringList& arguments :
@@ -163,7 +159,7 @@ void TestVexelHostStoreUnix::AListThatIsNotKnownIsNotExported()
     setUp.Fill({QStringLiteral("one")});
     const QString out = setUp.Path("out.xml");
     QCOMPARE(setUp.Run({QStringLiteral("--export"), out}).exitCode, 0);
-    const QByteArray before = Content(out);
+    const QByteArray before = Files::Read(out);
     QVERIFY(before.contains("one"));
 
     // Damaged, without a version, and nothing can be moved aside.
@@ -181,8 +177,8 @@ void TestVexelHostStoreUnix::AListThatIsNotKnownIsNotExported()
         QCOMPARE(result.ErrorLines().size(), 1);
         QVERIFY2(result.error.contains(Document(setUp)), qPrintable(result.error));
     }
-    QCOMPARE(Content(out), before);
-    QCOMPARE(Content(Document(setUp)), QByteArray("damage"));
+    QCOMPARE(Files::Read(out), before);
+    QCOMPARE(Files::Read(Document(setUp)), QByteArray("damage"));
 }
 
 void TestVexelHostStoreUnix::ADocumentWithoutBound()

@@ -43,18 +43,6 @@ public:
         return QDir(Path(QStringLiteral("shared"))).entryList({QStringLiteral("Document.ini.damaged-*")});
     }
 
-    /// Writes into the file that is there, as an editor or a failing disk does.
-    static bool Write(const QString& path, const QByteArray& content)
-    {
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-    }
-    static QByteArray Read(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
-    }
-
 private:
     const QTemporaryDir m_store;
 };

@@ -1,6 +1,7 @@
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
+#include "tests/support/files.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -45,17 +46,17 @@ private slots:
         for (int i = 1; i <= 3; ++i)
             QVERIFY(m_store->Save(i));
         const QDateTime saved = ConfigVersions(View::Shared, QStringLiteral("Document")).List().front().saved;
-        const QByteArray version = m_store->Read(Version(0));
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        const QByteArray version = Files::Read(Version(0));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
 
         Notices notices;
         const TraceRecorder traces;
         m_store->Reopen();
         QVERIFY(notices.lines.isEmpty()); // nobody has asked for it
         QCOMPARE(m_store->Number(), 2);
-        QCOMPARE(m_store->Read(m_store->Document()), version);
+        QCOMPARE(Files::Read(m_store->Document()), version);
         QCOMPARE(m_store->Aside().size(), 1);
-        QCOMPARE(m_store->Read(AsideFile()), QByteArray("damage"));
+        QCOMPARE(Files::Read(AsideFile()), QByteArray("damage"));
 
         QCOMPARE(notices.lines.size(), 1);
         const QString line = notices.lines.front();
@@ -80,9 +81,9 @@ private slots:
     {
         for (int i = 1; i <= 5; ++i)
             QVERIFY(m_store->Save(i));
-        QVERIFY(m_store->Write(Version(0), "damage"));
-        QVERIFY(m_store->Write(Version(1), QByteArray()));
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(Version(0), "damage"));
+        QVERIFY(Files::Write(Version(1), QByteArray()));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         const Notices notices;
         const TraceRecorder traces;
         m_store->Reopen();
@@ -97,15 +98,15 @@ private slots:
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        QVERIFY(m_store->Write(Version(0), "damage"));
-        QVERIFY(m_store->Write(m_store->Document(), "damage, too"));
+        QVERIFY(Files::Write(Version(0), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage, too"));
         const Notices notices;
         m_store->Reopen();
         QCOMPARE(m_store->Number(), -1);
         QCOMPARE(notices.lines.size(), 1);
         QVERIFY(notices.lines.front().contains(QLatin1String("empty")));
         QVERIFY(!QFile::exists(m_store->Document()));
-        QCOMPARE(m_store->Read(AsideFile()), QByteArray("damage, too"));
+        QCOMPARE(Files::Read(AsideFile()), QByteArray("damage, too"));
         QVERIFY(m_store->Save(3));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
@@ -117,8 +118,8 @@ private slots:
             CfgCenter::GetAppCfg(View::User)->SetInt(QStringLiteral("Number"), i, 0);
             QVERIFY(m_store->Save(i));
         }
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
-        QVERIFY(m_store->Write(m_store->Path(QStringLiteral("user/@application.ini")), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Path(QStringLiteral("user/@application.ini")), "damage"));
         QStringList lines;
         int numberThen = 0;
         CfgCenter::SetNoticeSink([&](const QString& line) {
@@ -133,7 +134,7 @@ private slots:
         QCOMPARE(lines.size(), 2);
         QCOMPARE(numberThen, 1);
 
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1); // with nobody to tell
         QCOMPARE(lines.size(), 2);
@@ -155,7 +156,7 @@ private slots:
             CfgCenter::CreateCfg(QStringLiteral("Document"), View::Shared, QString::fromLatin1(name))
                 ->SetString(kText, QStringLiteral("Stra\u00dfe"), 0);
         QVERIFY(m_store->Save(2));
-        const QByteArray whole = m_store->Read(m_store->Document());
+        const QByteArray whole = Files::Read(m_store->Document());
         QVERIFY(whole.size() > 150);
         QVERIFY(whole.endsWith('\n'));
 
@@ -164,18 +165,18 @@ private slots:
             --lineEnd;
         for (qsizetype length = hasVersion ? 0 : 1; length < lineEnd; ++length) {
             const Notices notices;
-            QVERIFY(m_store->Write(m_store->Document(), whole.first(length)));
+            QVERIFY(Files::Write(m_store->Document(), whole.first(length)));
             m_store->Reopen();
             QVERIFY2(m_store->Number() == (hasVersion ? 1 : -1), qPrintable(QString::number(length)));
             QCOMPARE(notices.lines.size(), 1);
             QCOMPARE(m_store->Aside().size(), 1);
-            QCOMPARE(m_store->Read(AsideFile()), whole.first(length));
+            QCOMPARE(Files::Read(AsideFile()), whole.first(length));
             QVERIFY(QFile::remove(AsideFile()));
         }
 
         // Nothing that is said is missing.
         const Notices notices;
-        QVERIFY(m_store->Write(m_store->Document(), whole.first(lineEnd)));
+        QVERIFY(Files::Write(m_store->Document(), whole.first(lineEnd)));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 2);
         QVERIFY(notices.lines.isEmpty());
@@ -199,13 +200,13 @@ private slots:
         QVERIFY(m_store->Save(1));
         m_store->Root()->SetString(kText, QString(9000, u'x'), 0);
         QVERIFY(m_store->Save(2));
-        const QByteArray whole = m_store->Read(m_store->Document());
+        const QByteArray whole = Files::Read(m_store->Document());
         for (qsizetype at = 0; at < whole.size(); at += whole.size() / 12) {
             QByteArray broken = whole;
             broken.replace(at, bytes.size(), bytes);
             broken.truncate(whole.size());
             const Notices notices;
-            QVERIFY(m_store->Write(m_store->Document(), broken));
+            QVERIFY(Files::Write(m_store->Document(), broken));
             m_store->Reopen();
             QVERIFY2(m_store->Number() == 1, qPrintable(QString::number(at)));
             QCOMPARE(notices.lines.size(), 1);
@@ -231,7 +232,7 @@ private slots:
         QFETCH(bool, isCommented);
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        QByteArray text = m_store->Read(m_store->Document());
+        QByteArray text = Files::Read(m_store->Document());
         text.replace("\r\n", "\n");
         if (before.isEmpty())
             text += after;
@@ -247,13 +248,13 @@ private slots:
         const int number = text.contains("Number=3") ? 3 : 2;
         const Notices notices;
         for (const QByteArray& content : {text, crlf, QByteArray("\xef\xbb\xbf") + text}) {
-            QVERIFY(m_store->Write(m_store->Document(), content));
+            QVERIFY(Files::Write(m_store->Document(), content));
             m_store->Reopen();
             QCOMPARE(m_store->Number(), number);
             QVERIFY(m_store->Save(20));
             m_store->Reopen();
             QCOMPARE(m_store->Number(), 20);
-            QCOMPARE(m_store->Read(m_store->Document()).count("; end of file"), 1);
+            QCOMPARE(Files::Read(m_store->Document()).count("; end of file"), 1);
         }
         QVERIFY2(notices.lines.isEmpty(), qPrintable(notices.lines.join(u'\n')));
     }
@@ -297,7 +298,7 @@ private slots:
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         Notices notices;
         {
             QLockFile lock(m_store->Document() + QStringLiteral(".lock"));
@@ -312,7 +313,7 @@ private slots:
             QVERIFY(!m_store->Save(3));
             QCOMPARE(traces.Messages().size(), 1);
         }
-        QCOMPARE(m_store->Read(m_store->Document()), QByteArray("damage"));
+        QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
         QVERIFY(m_store->Aside().isEmpty());
 
         // Once it is gone there is nothing to lose, and all that is shown is saved.
@@ -340,14 +341,14 @@ private slots:
     void emptyFileIsDamageOnlyWithAHistory()
     {
         QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Write(m_store->Document(), QByteArray()));
+        QVERIFY(Files::Write(m_store->Document(), QByteArray()));
         const Notices notices;
         m_store->Reopen();
         QCOMPARE(m_store->Number(), -1);
         QVERIFY(notices.lines.isEmpty());
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        QVERIFY(m_store->Write(m_store->Document(), QByteArray()));
+        QVERIFY(Files::Write(m_store->Document(), QByteArray()));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);
         QCOMPARE(notices.lines.size(), 1);
@@ -370,7 +371,7 @@ private slots:
         m_store->Root()->SetString(kText, kText, 0);
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        QVERIFY(m_store->Write(m_store->Document(), QByteArray()));
+        QVERIFY(Files::Write(m_store->Document(), QByteArray()));
         QVERIFY(m_store->Save(3));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);

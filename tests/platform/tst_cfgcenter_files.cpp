@@ -2,6 +2,7 @@
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "tests/platform/tracerecorder.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -30,12 +31,6 @@ ICfg* Document()
 std::unique_ptr<ICfg> Child(const QString& name)
 {
     return std::unique_ptr<ICfg>(Document()->OpenChild(name, 0));
-}
-
-bool WriteFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 std::optional<QByteArray> ReadFile(const QString& path)
@@ -87,7 +82,7 @@ private slots:
     void openRefusesWhatCannotBeUsed()
     {
         QFETCH(QString, directory);
-        QVERIFY(WriteFile(m_store->filePath(QStringLiteral("file")), "content"));
+        QVERIFY(Files::Write(m_store->filePath(QStringLiteral("file")), "content"));
         Document()->SetString(kKey, kValue, 0);
 
         const TraceRecorder traces;
@@ -266,7 +261,7 @@ private slots:
     void saveFailsWhereThereIsNoFolder()
     {
         QVERIFY(QDir(m_store->path()).rmdir(QStringLiteral("shared")));
-        QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared")), "a file"));
+        QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared")), "a file"));
         Document()->SetString(kKey, kValue, 0);
         const TraceRecorder traces;
         QVERIFY(!CfgCenter::SaveDocument());
@@ -341,7 +336,7 @@ private slots:
         QVERIFY(!CfgCenter::SaveDocument());
         QCOMPARE(ReadFile(DocumentFile()), before);
 
-        QVERIFY(WriteFile(DocumentFile(), "damage"));
+        QVERIFY(Files::Write(DocumentFile(), "damage"));
         QVERIFY(CfgCenter::OpenToLook(m_store->path()));
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
@@ -350,7 +345,7 @@ private slots:
 
     void nothingIsTracedUnlessAskedFor()
     {
-        QVERIFY(WriteFile(DocumentFile(), "damage"));
+        QVERIFY(Files::Write(DocumentFile(), "damage"));
         const TraceRecorder traces;
         ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Assertion);
         Document()->SetString(kKey, kValue, 0);
@@ -363,7 +358,7 @@ private slots:
     void lockWithoutAnOwnerIsNoObstacle()
     {
         Document()->SetString(kKey, kValue, 0);
-        QVERIFY(WriteFile(DocumentFile() + QStringLiteral(".lock"), QByteArray()));
+        QVERIFY(Files::Write(DocumentFile() + QStringLiteral(".lock"), QByteArray()));
         QVERIFY(CfgCenter::SaveDocument());
         QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
     }
@@ -385,7 +380,7 @@ private slots:
     void damagedFilesAreKeptAside()
     {
         QFETCH(QByteArray, content);
-        QVERIFY(WriteFile(DocumentFile(), content));
+        QVERIFY(Files::Write(DocumentFile(), content));
         const TraceRecorder traces;
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         QCOMPARE(traces.Messages().size(), 1);
@@ -408,7 +403,7 @@ private slots:
     {
         constexpr int kTimes = 5;
         for (int i = 0; i < kTimes; ++i) {
-            QVERIFY(WriteFile(DocumentFile(), QByteArray("damage ") + QByteArray::number(i)));
+            QVERIFY(Files::Write(DocumentFile(), QByteArray("damage ") + QByteArray::number(i)));
             QVERIFY(CfgCenter::Open(m_store->path()));
             Document();
         }
@@ -425,7 +420,7 @@ private slots:
         Document()->SetString(kKey, kValue, 0);
         Child(kOther)->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(WriteFile(DocumentFile(), "damage"));
+        QVERIFY(Files::Write(DocumentFile(), "damage"));
         Document()->SetString(kOther, kOther, 0);
         {
             const TraceRecorder traces;
@@ -442,7 +437,7 @@ private slots:
 
     void emptyFilesAreEmptyDocuments()
     {
-        QVERIFY(WriteFile(DocumentFile(), QByteArray()));
+        QVERIFY(Files::Write(DocumentFile(), QByteArray()));
         const TraceRecorder traces;
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         QVERIFY(traces.Messages().isEmpty());
@@ -484,7 +479,7 @@ private slots:
         QFETCH(QString, node);
         QFETCH(QString, key);
         QFETCH(QString, value);
-        QVERIFY(WriteFile(DocumentFile(), content));
+        QVERIFY(Files::Write(DocumentFile(), content));
         for (int round = 0; round < 2; ++round) {
             if (node.isEmpty())
                 QCOMPARE(Document()->GetString(key, kNone, 0), value);
@@ -500,7 +495,7 @@ private slots:
 
     void newKeysJoinTheNodeThatWasTypedByHand()
     {
-        QVERIFY(WriteFile(DocumentFile(), "[Smith%20%26%20Co]\nA=1\n[%General]\nB=2\n"));
+        QVERIFY(Files::Write(DocumentFile(), "[Smith%20%26%20Co]\nA=1\n[%General]\nB=2\n"));
         Child(QStringLiteral("Smith & Co"))->SetString(kKey, kValue, 0);
         Child(QStringLiteral("General"))->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -533,7 +528,7 @@ private slots:
         const QDateTime stamp = QFileInfo(DocumentFile()).lastModified();
         QByteArray content = ReadFile(DocumentFile()).value_or(QByteArray());
         content.replace("Other=1", "Other=2");
-        QVERIFY(WriteFile(DocumentFile(), content));
+        QVERIFY(Files::Write(DocumentFile(), content));
         QFile file(DocumentFile());
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(file.setFileTime(stamp, QFileDevice::FileModificationTime));
@@ -557,11 +552,11 @@ private slots:
                   QStringLiteral(".unfinished-Document.ini")};
         QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.ini.versions"))));
         for (const QString& name : std::as_const(names)) {
-            QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/") + name), "copy"));
-            QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + name), "copy"));
+            QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/") + name), "copy"));
+            QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + name), "copy"));
         }
         const QString version = QStringLiteral("00000001-20260102T030405.006Z.ini.backup");
-        QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + version), "copy"));
+        QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + version), "copy"));
 
         for (const QString& value : {kValue, kOther, kNone}) {
             Document()->SetString(kKey, value, 0);
@@ -596,8 +591,8 @@ private slots:
         const QString ofAnother = QStringLiteral(".unfinished-0000000000000000-0123456789abcdef");
         QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.ini.versions"))));
         for (const QString& name : left)
-            QVERIFY(WriteFile(m_store->filePath(name), "half"));
-        QVERIFY(WriteFile(m_store->filePath(QStringLiteral("shared/") + ofAnother), "half"));
+            QVERIFY(Files::Write(m_store->filePath(name), "half"));
+        QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/") + ofAnother), "half"));
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
         for (const QString& name : left)

@@ -3,6 +3,7 @@
 #include "tests/dialog/filesizelimit.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
+#include "tests/support/files.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -50,7 +51,7 @@ private slots:
     void theOldStateStays()
     {
         QFETCH(int, missing);
-        const QByteArray before = m_store->Read(m_store->Document());
+        const QByteArray before = Files::Read(m_store->Document());
         m_store->Root()->SetString(kText, QString(9000, u'b'), 0);
         const qint64 needed = before.size() + 4000;
         {
@@ -61,7 +62,7 @@ private slots:
             QVERIFY(traces.Messages().constLast().contains(m_store->Document()));
             QVERIFY(!m_store->Save(3));
         }
-        QCOMPARE(m_store->Read(m_store->Document()), before);
+        QCOMPARE(Files::Read(m_store->Document()), before);
         QCOMPARE(Names(), m_names);
         QCOMPARE(Versions().size(), 1);
 
@@ -77,12 +78,12 @@ private slots:
 
     void damageFoundThenStaysWhereItIs()
     {
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         {
             const FileSizeLimit limit(5050);
             QVERIFY(!m_store->Save(3));
         }
-        QCOMPARE(m_store->Read(m_store->Document()), QByteArray("damage"));
+        QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
         QCOMPARE(Names(), m_names);
         QVERIFY(m_store->Save(3));
         QCOMPARE(m_store->Aside().size(), 1);
@@ -95,7 +96,7 @@ private slots:
     void versionThatCannotBePutInPlaceIsUsed()
     {
         QVERIFY(m_store->Save(3));
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         {
             const FileSizeLimit limit(5000);
             m_store->Reopen();
@@ -176,21 +177,21 @@ private slots:
 
     void restoreThatFailsChangesNothing()
     {
-        const QByteArray before = m_store->Read(m_store->Document());
+        const QByteArray before = Files::Read(m_store->Document());
         const ConfigVersions versions(View::Shared, QStringLiteral("Document"));
         m_store->Root()->Remove(kText, 0);
         QVERIFY(m_store->Save(3));
-        const QByteArray small = m_store->Read(m_store->Document());
+        const QByteArray small = Files::Read(m_store->Document());
         const QStringList names = Names();
         {
             const FileSizeLimit limit(before.size() - 1);
             QVERIFY(!versions.Restore(versions.List().front()));
         }
-        QCOMPARE(m_store->Read(m_store->Document()), small);
+        QCOMPARE(Files::Read(m_store->Document()), small);
         QCOMPARE(Names(), names);
         QCOMPARE(versions.List().size(), 2);
         QVERIFY(versions.Restore(versions.List().front()));
-        QCOMPARE(m_store->Read(m_store->Document()), before);
+        QCOMPARE(Files::Read(m_store->Document()), before);
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
+#include "tests/support/files.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -51,7 +52,7 @@ private slots:
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        const QByteArray content = m_store->Read(m_store->Document());
+        const QByteArray content = Files::Read(m_store->Document());
         const auto permissions = QFile::permissions(m_store->Document());
         QFile::setPermissions(m_store->Document(), {});
         if (QFile(m_store->Document()).open(QIODevice::ReadOnly))
@@ -63,7 +64,7 @@ private slots:
         CfgCenter::SetNoticeSink({});
         QCOMPARE(notices.size(), 1);
         QVERIFY(QFile::setPermissions(AsideFile(), permissions));
-        QCOMPARE(m_store->Read(AsideFile()), content);
+        QCOMPARE(Files::Read(AsideFile()), content);
         QVERIFY(m_store->Save(3));
     }
 
@@ -72,15 +73,15 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         const QString target = m_store->Path(QStringLiteral("target"));
-        QVERIFY(m_store->Write(target, "damage"));
+        QVERIFY(Files::Write(target, "damage"));
         QVERIFY(QFile::remove(m_store->Document()));
         QVERIFY(QFile::link(target, m_store->Document()));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);
-        QCOMPARE(m_store->Read(target), QByteArray("damage"));
-        QCOMPARE(m_store->Read(AsideFile()), QByteArray("damage"));
+        QCOMPARE(Files::Read(target), QByteArray("damage"));
+        QCOMPARE(Files::Read(AsideFile()), QByteArray("damage"));
         QVERIFY(m_store->Save(3));
-        QCOMPARE(m_store->Read(target), QByteArray("damage"));
+        QCOMPARE(Files::Read(target), QByteArray("damage"));
     }
 
     void documentOnAnotherDiskIsCopied()
@@ -99,7 +100,7 @@ private slots:
         QVERIFY(m_store->Save(3));
         QVERIFY(traces.Messages().isEmpty());
         QCOMPARE(VersionNumbers(), QList<int>({2, 1}));
-        QVERIFY(m_store->Write(target, "[General]\nNumber=9\n"));
+        QVERIFY(Files::Write(target, "[General]\nNumber=9\n"));
         QCOMPARE(VersionNumbers(), QList<int>({2, 1}));
         QVERIFY(QFileInfo(m_store->Document()).isSymLink());
     }
@@ -130,11 +131,11 @@ private slots:
             QCOMPARE(traces.Messages().size(), 1);
         }
         QVERIFY(!Versions().Restore(Versions().List().front()));
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);
         QVERIFY(!m_store->Save(4));
-        QCOMPARE(m_store->Read(m_store->Document()), QByteArray("damage"));
+        QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
         QVERIFY(QFile::remove(lock));
         m_store->Reopen();
         QVERIFY(m_store->Save(4));
@@ -182,7 +183,7 @@ private slots:
         }
         const ConfigVersions versions(View::Application, {});
         const ConfigVersion version = versions.List().front();
-        const QByteArray before = m_store->Read(versions.DocumentFile());
+        const QByteArray before = Files::Read(versions.DocumentFile());
         QStringList notices;
         CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
         QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
@@ -206,7 +207,7 @@ private slots:
 
         CfgCenter::GetAppCfg(View::Application)->SetInt(QStringLiteral("Number"), 9, 0);
         QVERIFY(!CfgCenter::SaveDocument());
-        QCOMPARE(m_store->Read(versions.DocumentFile()), before);
+        QCOMPARE(Files::Read(versions.DocumentFile()), before);
         m_store->Reopen();
         QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
         QCOMPARE(m_store->Number(CfgCenter::GetAppCfg(View::Application)), 2);

@@ -1,4 +1,5 @@
 #include "tests/platform/storefixture.h"
+#include "tests/support/files.h"
 
 #include <QTest>
 
@@ -67,12 +68,12 @@ private slots:
 
     void keepsTheOldStateWhereItNeverLetsGo()
     {
-        const QByteArray content = m_store->Read(m_store->Document());
+        const QByteArray content = Files::Read(m_store->Document());
         {
             const Holder holder(m_store->Document());
             QVERIFY(holder.Holds());
             QVERIFY(!m_store->Save(2));
-            QCOMPARE(m_store->Read(m_store->Document()), content);
+            QCOMPARE(Files::Read(m_store->Document()), content);
         }
         // Nothing is lost, and nothing is left.
         QVERIFY(CfgCenter::SaveDocument());

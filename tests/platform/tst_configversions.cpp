@@ -1,6 +1,7 @@
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
+#include "tests/support/files.h"
 
 #include <QFileInfo>
 #include <QLockFile>
@@ -94,7 +95,7 @@ private slots:
     void emptyDocumentsAreNoVersions()
     {
         QVERIFY(QDir().mkpath(m_store->Path(QStringLiteral("shared"))));
-        QVERIFY(m_store->Write(m_store->Document(), QByteArray()));
+        QVERIFY(Files::Write(m_store->Document(), QByteArray()));
         QVERIFY(m_store->Save(1));
         QVERIFY(Versions().List().isEmpty());
 
@@ -122,9 +123,9 @@ private slots:
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        const QByteArray version = m_store->Read(Versions().List().front().file);
-        QVERIFY(m_store->Write(m_store->Document(), "[General]\nNumber=9\n"));
-        QCOMPARE(m_store->Read(Versions().List().front().file), version);
+        const QByteArray version = Files::Read(Versions().List().front().file);
+        QVERIFY(Files::Write(m_store->Document(), "[General]\nNumber=9\n"));
+        QCOMPARE(Files::Read(Versions().List().front().file), version);
         QVERIFY(m_store->Save(3));
         QCOMPARE(Numbers(), QList<int>({9, 1}));
     }
@@ -141,7 +142,7 @@ private slots:
         if (error)
             QSKIP("This file system has no second names.");
         QCOMPARE(Numbers(), QList<int>({1}));
-        QVERIFY(m_store->Write(m_store->Document(), "[General]\nNumber=9\n"));
+        QVERIFY(Files::Write(m_store->Document(), "[General]\nNumber=9\n"));
         QCOMPARE(Numbers(), QList<int>({1}));
         QVERIFY(m_store->Save(3));
         QCOMPARE(Numbers(), QList<int>({9, 1}));
@@ -179,14 +180,14 @@ private slots:
     void saveWorksWhereNothingCanBeKept()
     {
         QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Write(m_store->Versions(), "in the way"));
+        QVERIFY(Files::Write(m_store->Versions(), "in the way"));
         {
             const TraceRecorder traces;
             QVERIFY(m_store->Save(2));
             QCOMPARE(traces.Messages().size(), 1);
             QVERIFY(traces.Messages().front().contains(m_store->Document()));
         }
-        QCOMPARE(m_store->Read(m_store->Versions()), QByteArray("in the way"));
+        QCOMPARE(Files::Read(m_store->Versions()), QByteArray("in the way"));
         QVERIFY(Versions().List().isEmpty());
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 2);
@@ -211,7 +212,7 @@ private slots:
         for (int i = 0; i < kFiles; ++i)
             foreign.insert(QStringLiteral("file %1").arg(i));
         for (const QString& name : std::as_const(foreign))
-            QVERIFY(m_store->Write(m_store->Versions() + u'/' + name, "[General]\nNumber=99\n"));
+            QVERIFY(Files::Write(m_store->Versions() + u'/' + name, "[General]\nNumber=99\n"));
         const QString folder = QStringLiteral("00000001-20260102T030405.006Z.ini");
         QVERIFY(QDir(m_store->Versions()).mkdir(folder));
 
@@ -234,7 +235,7 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         QVERIFY(m_store->Save(3));
-        QVERIFY(m_store->Write(last, "[General]\nNumber=99\n"));
+        QVERIFY(Files::Write(last, "[General]\nNumber=99\n"));
         const TraceRecorder traces;
         QVERIFY(m_store->Save(4));
         QCOMPARE(Numbers(), QList<int>({3, 99, 2, 1}));
@@ -254,7 +255,7 @@ private slots:
         QVERIFY(m_store->Save(2));
         const ConfigVersion version = Versions().List().front();
         for (const QByteArray& content : {QByteArray("damage"), QByteArray(), QByteArray(100, '\0')}) {
-            QVERIFY(m_store->Write(version.file, content));
+            QVERIFY(Files::Write(version.file, content));
             QCOMPARE(Versions().List().size(), 1);
             auto obstacle = ConfigVersions::Obstacle::None;
             QVERIFY(!Versions().Open(version, &obstacle));
@@ -272,8 +273,8 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         const ConfigVersion version = Versions().List().front();
-        const QByteArray before = m_store->Read(version.file);
-        const QByteArray document = m_store->Read(m_store->Document());
+        const QByteArray before = Files::Read(version.file);
+        const QByteArray document = Files::Read(m_store->Document());
         {
             const auto root = Versions().Open(version);
             root->SetInt(QStringLiteral("Number"), 7, 0);
@@ -284,8 +285,8 @@ private slots:
             CfgCenter::Close();
             QCOMPARE(child->GetInt(QStringLiteral("Number"), 0, 0), 8);
         }
-        QCOMPARE(m_store->Read(version.file), before);
-        QCOMPARE(m_store->Read(m_store->Document()), document);
+        QCOMPARE(Files::Read(version.file), before);
+        QCOMPARE(Files::Read(m_store->Document()), document);
     }
 
     void presentStateIsThatOfTheDisk()
@@ -302,11 +303,11 @@ private slots:
 
         QVERIFY(m_store->Save(3));
         for (const QByteArray& content : {QByteArray("damage"), QByteArray()}) {
-            QVERIFY(m_store->Write(m_store->Document(), content));
+            QVERIFY(Files::Write(m_store->Document(), content));
             auto obstacle = ConfigVersions::Obstacle::None;
             QVERIFY(!Versions().OpenCurrent(&obstacle));
             QCOMPARE(obstacle, ConfigVersions::Obstacle::Damaged);
-            QCOMPARE(m_store->Read(m_store->Document()), content);
+            QCOMPARE(Files::Read(m_store->Document()), content);
         }
     }
 
@@ -398,12 +399,12 @@ private slots:
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        QVERIFY(m_store->Write(m_store->Document(), "damage"));
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
         QString keptAside;
         QVERIFY(Versions().Restore(Versions().List().front(), &keptAside));
         QCOMPARE(m_store->Aside().size(), 1);
         QCOMPARE(keptAside, m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front());
-        QCOMPARE(m_store->Read(m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front()),
+        QCOMPARE(Files::Read(m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front()),
                  QByteArray("damage"));
         QCOMPARE(Numbers(), QList<int>({1}));
         m_store->Reopen();
@@ -414,7 +415,7 @@ private slots:
     {
         for (int i = 1; i <= 3; ++i)
             QVERIFY(m_store->Save(i));
-        const QByteArray document = m_store->Read(m_store->Document());
+        const QByteArray document = Files::Read(m_store->Document());
         const ConfigVersion version = Versions().List().back();
         const TraceRecorder traces;
 
@@ -429,18 +430,18 @@ private slots:
         QVERIFY(QFile::copy(version.file, elsewhere.file));
         const QString away = m_store->Path(QStringLiteral("away"));
         QVERIFY(QFile::rename(m_store->Versions(), away));
-        QVERIFY(m_store->Write(m_store->Versions(), "in the way"));
+        QVERIFY(Files::Write(m_store->Versions(), "in the way"));
         QVERIFY(!Versions().Restore(elsewhere));
         QCOMPARE(traces.Messages().size(), 3); // both what failed and why
         QVERIFY(QFile::remove(m_store->Versions()));
         QVERIFY(QFile::rename(away, m_store->Versions()));
 
-        QVERIFY(m_store->Write(version.file, "damage"));
+        QVERIFY(Files::Write(version.file, "damage"));
         QVERIFY(!Versions().Restore(version));
         QVERIFY(!Versions().Restore({}));
         QCOMPARE(traces.Messages().size(), 5);
 
-        QCOMPARE(m_store->Read(m_store->Document()), document);
+        QCOMPARE(Files::Read(m_store->Document()), document);
         QCOMPARE(Numbers(), QList<int>({2, -2}));
         QVERIFY(m_store->Aside().isEmpty());
     }

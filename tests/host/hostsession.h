@@ -1,0 +1,36 @@
+#pragma once
+
+#include "host/connectdialog.h"
+#include "host/dialogsession.h"
+#include "host/notices.h"
+#include "tests/host/fakedialog.h"
+
+#include <QSignalSpy>
+
+#include <memory>
+#include <optional>
+
+/// A session of the host with a dialog that holds one entry, named "mast"; not started yet. Whether saving works is up
+/// to the test.
+struct HostSession
+{
+    HostSession()
+    {
+        fake.Add(QStringLiteral("mast"));
+        QString error;
+        dialog = ConnectDialog::Find(error);
+        session = std::make_unique<DialogSession>(*dialog, notices, [this] {
+            ++saved;
+            return canSave;
+        });
+        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::EndWanted);
+    }
+
+    FakeDialog fake;
+    std::optional<ConnectDialog> dialog;
+    Notices notices;
+    int saved = 0;
+    bool canSave = true;
+    std::unique_ptr<DialogSession> session;
+    std::unique_ptr<QSignalSpy> end;
+};
