@@ -250,10 +250,9 @@ void TstStarter::lockWithAPipeInItsPlace()
 {
     // It is not opened, which would take for ever, and does not keep a host from being started.
     const FakeHostRun run;
-    auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
-    // Under another name where pipes have names of their own.
-    settings.lockFile = System::MakePipe(settings.lockFile);
-    QVERIFY(!settings.lockFile.isEmpty());
+    const auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
+    if (System::MakePipe(settings.lockFile) != settings.lockFile)
+        QSKIP("No pipes among files here");
     COMPARE_OUTCOME(RunWith(settings), Called, "");
     QCOMPARE(run.Starts().size(), 1);
 }
