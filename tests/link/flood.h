@@ -14,12 +14,18 @@ public:
         : m_iLeft(total)
     {
         QObject::connect(&socket, &QTcpSocket::connected, &socket, [this] { Send(); });
-        QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this] { Send(); });
+        QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [this](qint64 bytes) {
+            m_iTaken += bytes;
+            Send();
+        });
         socket.connectToHost(QHostAddress::LocalHost, port);
     }
 
     /// What is not even with the system yet.
     qint64 Unsent() const { return m_iLeft + socket.bytesToWrite(); }
+
+    /// What the system has taken.
+    qint64 Taken() const { return m_iTaken; }
 
     QTcpSocket socket;
 
@@ -32,4 +38,5 @@ private:
     }
 
     qint64 m_iLeft;
+    qint64 m_iTaken = 0;
 };

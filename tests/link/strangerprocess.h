@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QTest>
+
+/// Another process that has called a port, `calls` times at once, and has sent half a line each time.
+class Stranger
+{
+public:
+    Stranger(quint16 port, int calls)
+    {
+        process.start(QStringLiteral(VEXEL_STRANGER), {QString::number(port), QString::number(calls)});
+        QTRY_VERIFY(process.canReadLine());
+        QCOMPARE(process.readLine().trimmed(), QByteArray("there"));
+    }
+    ~Stranger()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(Stranger)
+
+    static QByteArray Said() { return QByteArrayLiteral("half a li"); }
+
+    QProcess process;
+};

@@ -1,0 +1,133 @@
+#include "tests/link/flood.h"
+#include "tests/link/linkfixture.h"
+#include "tests/support/system.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using Kind = RecordingCallback::Kind;
+
+namespace {
+
+constexpr qint64 s_mebibyte = 1024LL * 1024;
+// Sanitizers keep for a while what has been given back, and so their memory says nothing.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool s_canMeasure = false;
+constexpr qint64 s_flood = 64 * s_mebibyte;
+#else
+constexpr bool s_canMeasure = true;
+constexpr qint64 s_flood = 1024 * s_mebibyte;
+#endif
+// What the sender holds, in this process, too, and what the allocator keeps of it.
+constexpr qint64 s_mostKiB = 6L * 1024;
+
+} // namespace
+
+/// A gigabyte from a stranger, and the memory of this process.
+class TstInterfaceFlood : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void fromOnePeer_data();
+    void fromOnePeer();
+    void inAsManyCallsAsItTakes();
+    void whileTheCallbackIsBusy();
+
+private:
+    qint64 m_iBefore = 0;
+};
+
+void TstInterfaceFlood::initTestCase()
+{
+    // What has to be there anyway comes with the first one.
+    TestServer server;
+    Flood flood(server.port, 4 * s_mebibyte);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstInterfaceFlood::init()
+{
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+    m_iBefore = System::ResidentKiB();
+    QVERIFY(m_iBefore > 0);
+}
+
+void TstInterfaceFlood::cleanup()
+{
+    const qint64 more = System::ResidentKiB() - m_iBefore;
+    if (s_canMeasure)
+        QVERIFY2(more < s_mostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(more)));
+}
+
+void TstInterfaceFlood::fromOnePeer_data()
+{
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("read") << true;
+    QTest::newRow("left unread") << false;
+}
+
+void TstInterfaceFlood::fromOnePeer()
+{
+    QFETCH(const bool, isRead);
+    TestServer server(10'000);
+    if (!isRead) {
+        server.callback.onRead = [](IInterface*, quint64) {
+        };
+    }
+    Flood flood(server.port, s_flood);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
+    QVERIFY(flood.Unsent() > s_flood / 2);
+}
+
+void TstInterfaceFlood::inAsManyCallsAsItTakes()
+{
+    TestServer server(10'000);
+    quint64 given = 0;
+    server.callback.onRead = [&given](IInterface*, quint64 length) {
+        given += length;
+    };
+    qint64 left = s_flood;
+    quint64 calls = 0;
+    while (left > 0) {
+        Flood flood(server.port, left);
+        ++calls;
+        QVERIFY(WaitUntil(
+            [&] { return flood.socket.state() == QAbstractSocket::UnconnectedState || flood.Taken() == left; }));
+        QVERIFY2(flood.Taken() > 0, "It was not even heard");
+        left -= flood.Taken();
+        server.callback.events.clear();
+    }
+    QTRY_COMPARE(server.callback.now, 0);
+    QVERIFY(given <= calls * CInterfaceCreator::MaximumBytesPerCall);
+    QVERIFY(server.server->IsOpen());
+}
+
+void TstInterfaceFlood::whileTheCallbackIsBusy()
+{
+    TestServer server;
+    TestServer clock(500);
+    qint64 most = 0;
+    std::unique_ptr<Flood> flood;
+    server.callback.onOpen = [&](IInterface*) {
+        // Time enough to send it all if somebody took it.
+        const auto silent = CallerOf(clock.port);
+        QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
+        QVERIFY(flood->Unsent() > s_flood / 2);
+        most = System::ResidentKiB() - m_iBefore;
+    };
+    flood = std::make_unique<Flood>(server.port, s_flood);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    if (s_canMeasure)
+        QVERIFY2(most < s_mostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(most)));
+}
+
+QTEST_GUILESS_MAIN(TstInterfaceFlood)
+#include "tst_interfaceflood.moc"

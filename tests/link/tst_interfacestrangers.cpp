@@ -1,0 +1,90 @@
+#include "starter/linkending.h"
+#include "tests/link/linkfixture.h"
+#include "tests/link/strangerprocess.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using Kind = RecordingCallback::Kind;
+
+/// Connections of which one side only still is there, or does anything.
+class TstInterfaceStrangers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
+
+    void halfACallAndThenNothing();
+    void sendingHalfIsShutDown_data();
+    void sendingHalfIsShutDown();
+    void killedProcess_data();
+    void killedProcess();
+};
+
+void TstInterfaceStrangers::halfACallAndThenNothing()
+{
+    TestServer server(200);
+    Stranger stranger(server.port, 1);
+    QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Read, Kind::Close}));
+    QCOMPARE(server.callback.received, Stranger::Said());
+    // It was told.
+    QVERIFY(stranger.process.state() == QProcess::NotRunning || stranger.process.waitForFinished());
+    QCOMPARE(stranger.process.exitCode(), 0);
+}
+
+void TstInterfaceStrangers::sendingHalfIsShutDown_data()
+{
+    QTest::addColumn<bool>("isSent");
+    QTest::newRow("at once") << false;
+    QTest::newRow("after half a call") << true;
+}
+
+void TstInterfaceStrangers::sendingHalfIsShutDown()
+{
+    QFETCH(const bool, isSent);
+    TestServer server; // no time-out that would help
+    const auto caller = CallerOf(server.port);
+    QTRY_COMPARE(caller->state(), QAbstractSocket::ConnectedState);
+    if (isSent) {
+        caller->write(Stranger::Said());
+        QTRY_COMPARE(server.callback.received, Stranger::Said());
+    }
+    EndSending(caller->socketDescriptor());
+    // Nobody who has nothing more to say keeps a place.
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QCOMPARE(server.callback.Count(Kind::Open), 1);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+    QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
+}
+
+void TstInterfaceStrangers::killedProcess_data()
+{
+    QTest::addColumn<bool>("isAnswered");
+    QTest::newRow("that has read everything") << false;
+    // Its system then cuts the connection off.
+    QTest::newRow("with an answer on its way") << true;
+}
+
+void TstInterfaceStrangers::killedProcess()
+{
+    QFETCH(const bool, isAnswered);
+    TestServer server; // no time-out that would help
+    constexpr int calls = CInterfaceCreator::MaximumPeers;
+    Stranger stranger(server.port, calls);
+    QTRY_COMPARE(server.callback.received, Stranger::Said().repeated(calls));
+    QCOMPARE(server.callback.now, calls);
+    if (isAnswered)
+        server.server->Write("answer", 6);
+    stranger.process.kill();
+    QTRY_COMPARE(server.callback.Count(Kind::Close), calls);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+
+    // Every place is free again.
+    Stranger next(server.port, calls);
+    QTRY_COMPARE(server.callback.now, calls);
+    QCOMPARE(server.callback.most, calls);
+}
+
+QTEST_GUILESS_MAIN(TstInterfaceStrangers)
+#include "tst_interfacestrangers.moc"
