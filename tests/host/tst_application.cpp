@@ -1,7 +1,5 @@
-#include "host/application.h"
-#include "host/connectdialog.h"
-#include "platform/guibase.h"
 #include "tests/host/errorsto.h"
+#include "tests/host/hostinprocess.h"
 #include "tests/support/system.h"
 
 #include <QAction>
@@ -15,79 +13,13 @@
 #include <QSessionManager>
 #include <QSettings>
 #include <QSystemTrayIcon>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include <array>
 #include <functional>
-#include <optional>
 
 namespace {
-
-/// The host with the real plug-in, in this process and with a configuration of its own, as often as a test runs it.
-class Host
-{
-public:
-    Host()
-    {
-        options.plugin = QStringLiteral(REAL_PLUGIN);
-        options.configDirectory = directory.filePath(QStringLiteral("config"));
-        // Without any application: nothing can be connected.
-        options.dataDirectory = directory.path();
-        options.name = QStringLiteral("VexelConnectDlg");
-        options.language = QLocale(QStringLiteral("en_GB"));
-    }
-
-    /// Runs the host; `work` is done once the dialog is shown. Where that does not end the host, it is ended then.
-    ExitCode Run(const std::function<void(const ConnectDialog&)>& work, bool endsByItself = false)
-    {
-        // The size is restored when the first window of a process is shown.
-        GuiBase::Instance().SetMainWidget(nullptr);
-        bool hasWorked = false;
-        QTimer::singleShot(0, qApp, [&] {
-            QString error;
-            if (const auto dialog = ConnectDialog::Find(error)) {
-                hasWorked = true;
-                work(*dialog);
-            }
-            if (!endsByItself)
-                QCoreApplication::exit();
-        });
-        const ExitCode code = Application(options).Run();
-        [&] {
-            QVERIFY(hasWorked);
-        }();
-        return code;
-    }
-
-    /// What is on disk at this moment, every file in one text. Of earlier states, kept beside, there is nothing in it.
-    QByteArray Stored() const
-    {
-        QByteArray text;
-        QDirIterator files(options.configDirectory, {QStringLiteral("*.ini")}, QDir::Files,
-                           QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            QFile file(files.next());
-            if (!file.fileName().contains(QLatin1String("versions")) && file.open(QIODevice::ReadOnly))
-                text += file.readAll();
-        }
-        return text;
-    }
-    bool HasStored(const char* name) const { return Stored().contains(QByteArray(name).toHex()); }
-
-    QTemporaryDir directory;
-    HostOptions options;
-};
-
-void AddEntry(const ConnectDialog& dialog, const QString& name, bool ticked = false)
-{
-    const QString document = QStringLiteral("<ConnectionEntries><Connection><ConnectionName>%1</ConnectionName>"
-                                            "<DeviceType>4</DeviceType><Selected>%2</Selected></Connection>"
-                                            "</ConnectionEntries>")
-                                 .arg(name, ticked ? QStringLiteral("true") : QStringLiteral("false"));
-    QVERIFY(dialog.Append(document.toUtf8()));
-}
 
 /// What the system's session manager has Qt do when the session ends. There is no manager to be asked anything.
 void EndSession()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDir>
 #include <QProcess>
 #include <QString>
 #include <QTest>
@@ -11,7 +12,9 @@ class Stranger
 public:
     Stranger(quint16 port, int calls)
     {
-        process.start(QStringLiteral(VEXEL_STRANGER), {QString::number(port), QString::number(calls)});
+        // With its drive, so that it is found from everywhere.
+        process.start(QDir().absoluteFilePath(QStringLiteral(VEXEL_STRANGER)),
+                      {QString::number(port), QString::number(calls)});
         QTRY_VERIFY(process.canReadLine());
         QCOMPARE(process.readLine().trimmed(), QByteArray("there"));
     }
