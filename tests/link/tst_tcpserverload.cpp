@@ -151,10 +151,11 @@ void TstTcpServerLoad::floodCostsItsBound()
     QDialog window;
     const TraceRecorder traces(0);
     const TCPServer server(&window);
+    constexpr qint64 gibibyte = 1LL << 30U;
     for (int flood = 0; flood < 3; ++flood) {
         const std::size_t before = s_bytesAllocated;
-        Flood stranger(LinkPort::s_number, 64LL * 1024 * 1024);
-        QTRY_VERIFY(stranger.Unsent() < 64LL * 1024 * 1024); // it has begun
+        Flood stranger(LinkPort::s_number, gibibyte);
+        QTRY_VERIFY(stranger.Unsent() < gibibyte); // it has begun
         QTRY_COMPARE_WITH_TIMEOUT(stranger.socket.state(), QAbstractSocket::UnconnectedState, 30'000);
         // Every buffer is kept for good, so this is what one peer costs for good.
         QVERIFY(s_bytesAllocated - before >= CInterfaceCreator::MaximumBytesPerCall);
