@@ -282,6 +282,8 @@ void TestRotatingFile::DevicesAreLeftAlone()
 
 void TestRotatingFile::SeveralProcesses()
 {
+    if (System::IsWine())
+        QSKIP("Wine looks for the end of a file and then writes there, so that lines of others can be overwritten");
     const Fixture fixture;
     constexpr int writers = 3;
     // Room for all lines in the six files, so that none is dropped for its age.

@@ -20,12 +20,9 @@ QStringList HandlesBesides(const std::vector<HANDLE>& others)
         if (std::find(others.begin(), others.end(), handle) != others.end() || !GetHandleInformation(handle, &flags) ||
             !(flags & HANDLE_FLAG_INHERIT))
             continue;
-        // Neither file, pipe or socket, nor another process: what the system itself gives to every program.
-        if (GetFileType(handle) == FILE_TYPE_UNKNOWN) {
-            const DWORD process = GetProcessId(handle);
-            if (process == 0 || process == GetCurrentProcessId())
-                continue;
-        }
+        // Neither file, pipe nor socket. Of other things, such as processes, Wine gives some to every program.
+        if (GetFileType(handle) == FILE_TYPE_UNKNOWN)
+            continue;
         handles.append(QStringLiteral("handle %1 of type %2").arg(value).arg(GetFileType(handle)));
     }
     return handles;

@@ -296,8 +296,8 @@ void tst_ConnectTo::StartsInTheDirectoryOfTheMoment()
 
 void tst_ConnectTo::NameTooLongForACommandLine()
 {
-    if (!System::HasLongestCommandLine())
-        QSKIP("Command lines of any length are taken here");
+    if (System::IsWine())
+        QSKIP("Wine takes command lines of any length");
     // An argument of a megabyte: a start that fails like any other.
     Install({{s("Kite"), {4}}});
     Connection entry = Entry("", 4);

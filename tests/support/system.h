@@ -40,8 +40,8 @@ QString StreamTarget(int stream);
 /// always is one, and programs keep to the test's choice.
 bool TakeDisplay(QProcessEnvironment& environment);
 
-/// Whether a command line can be too long for the system.
-bool HasLongestCommandLine();
+/// Whether this is Windows as Wine has it, which is not like the real one in everything.
+bool IsWine();
 
 /// The memory that this process occupies, in KiB.
 qint64 ResidentKiB();

@@ -73,9 +73,9 @@ bool TakeDisplay(QProcessEnvironment& environment)
     return true;
 }
 
-bool HasLongestCommandLine()
+bool IsWine()
 {
-    return true;
+    return false;
 }
 
 qint64 ResidentKiB()

@@ -137,10 +137,9 @@ bool TakeDisplay(QProcessEnvironment& /*environment*/)
     return false;
 }
 
-bool HasLongestCommandLine()
+bool IsWine()
 {
-    // Wine, which tells by this that it is not Windows, takes them all.
-    return !GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
 
 qint64 ResidentKiB()
