@@ -26,6 +26,8 @@ class tst_DialogFiles : public QObject
     Q_OBJECT
 
 private slots:
+    // The system's own dialogs for files have no widgets to type into.
+    void initTestCase() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
     void init() { m_Fixture = std::make_unique<DialogFixture>(); }
     void cleanup() { m_Fixture.reset(); }
 
