@@ -1,0 +1,5 @@
+// The program for which the tests' headers are compiled; it is never run.
+int main()
+{
+    return 0;
+}
