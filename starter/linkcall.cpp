@@ -28,7 +28,8 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
         return socket.error() == QAbstractSocket::SocketTimeoutError ? LinkAnswer::Silent : LinkAnswer::Refused;
     }
 
-    SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n"));
+    if (!SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n")))
+        return LinkAnswer::CutOff;
     // Many a service that would answer gives up when it sees the end first.
     const QDeadlineTimer hearing(s_hearingTime);
     LinkEnding ending = WaitForEnding(socket.socketDescriptor(), std::min(hearing, deadline));

@@ -15,8 +15,9 @@ enum class LinkEnding {
     CutOff, ///< broke the connection off, as a program does that ends without having taken the call
 };
 
-/// Sends `line`. If the other side has gone, waiting for it says how.
-void SendLine(qintptr handle, const QByteArray& line);
+/// Sends `line`. False: the other side has broken the connection off already. Not every system says so a second time,
+/// to who waits afterwards.
+bool SendLine(qintptr handle, const QByteArray& line);
 /// Closes the sending direction.
 void EndSending(qintptr handle);
 /// Waits until the other side does something, and no longer than `deadline`.

@@ -17,10 +17,10 @@ int PollTime(const QDeadlineTimer& deadline)
 
 } // namespace
 
-void SendLine(qintptr handle, const QByteArray& line)
+bool SendLine(qintptr handle, const QByteArray& line)
 {
     // A line fits into the buffer of a fresh connection.
-    (void)send(static_cast<int>(handle), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL);
+    return send(static_cast<int>(handle), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL) >= 0;
 }
 
 void EndSending(qintptr handle)

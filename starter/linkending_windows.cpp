@@ -4,10 +4,10 @@
 
 #include <winsock2.h>
 
-void SendLine(qintptr handle, const QByteArray& line)
+bool SendLine(qintptr handle, const QByteArray& line)
 {
     // A line fits into the buffer of a fresh connection.
-    (void)send(static_cast<SOCKET>(handle), line.constData(), static_cast<int>(line.size()), 0);
+    return send(static_cast<SOCKET>(handle), line.constData(), static_cast<int>(line.size()), 0) != SOCKET_ERROR;
 }
 
 void EndSending(qintptr handle)
