@@ -353,13 +353,20 @@ void TstStarter::otherHostThatEndsMakesRoom()
 
 void TstStarter::otherHostWithoutALink()
 {
-    const FakeHostRun run;
-    auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
-    settings.timeOut = 2s;
-    COMPARE_OUTCOME(RunWith(settings), HostEnded, "same configuration directory");
-    // Tried again, but no storm of processes.
-    QVERIFY(!run.Starts().isEmpty());
-    QVERIFY(run.Starts().size() <= 5);
+    Starter::Outcome outcome{};
+    // The time may end while another try is just being started, which is not known to be in vain yet.
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        const FakeHostRun run;
+        auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
+        settings.timeOut = 2s;
+        outcome = RunWith(settings);
+        // Tried again, but no storm of processes.
+        QVERIFY(!run.Starts().isEmpty());
+        QVERIFY(run.Starts().size() <= 5);
+        if (outcome.code != StarterExit::NoAnswer)
+            break;
+    }
+    COMPARE_OUTCOME(outcome, HostEnded, "same configuration directory");
 }
 
 void TstStarter::foreignService_data()
