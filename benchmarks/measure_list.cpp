@@ -1,132 +1,319 @@
-// Prints what operations on the whole list cost, in milliseconds, with the dialog shown and both views visible.
+// What an operator does to whole lists, in the dialog with both views shown, beside a window that has the same views
+// and nothing but Qt's own parts. All figures include the layout and the painting that follow.
 
+#include "benchmarks/bareparts.h"
+#include "benchmarks/lists.h"
+#include "benchmarks/runner.h"
 #include "platform/cfgcenter.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QElapsedTimer>
+#include <QComboBox>
 #include <QFile>
 #include <QItemSelectionModel>
 #include <QLineEdit>
-#include <QLoggingCategory>
+#include <QSortFilterProxyModel>
 #include <QTemporaryDir>
 #include <QTreeView>
 
-#include <cmath>
-#include <cstdio>
-#include <functional>
-#include <map>
-#include <string>
-#include <vector>
+#include <array>
+#include <memory>
 
 namespace {
 
-/// A list as it grows in years of use: names in no order, all types, some ticks.
-void Fill(ConnectionsModel& model, int rows)
-{
-    for (int i = 0; i < rows; ++i) {
-        Connection entry;
-        entry.ConnectionName = QStringLiteral("Station %1 %2").arg((i * 7919) % 100003).arg(i);
-        entry.DeviceType = i % Connection::DeviceTypeCount;
-        entry.ConnectionType = i % Connection::ConnectionTypeCount;
-        entry.DeviceAddress = QStringLiteral("192.0.2.%1").arg(i % 256);
-        entry.DriverAddress = QStringLiteral("198.51.100.%1:27061").arg(i % 256);
-        entry.LinkSpeed = i % Connection::LinkSpeedCount;
-        entry.TimeoutSeconds = i % 3 * 30;
-        entry.Selected = i % 10 == 0;
-        model.AddConnection(entry);
-    }
-}
-
-double Measure(const std::function<void()>& operation)
-{
-    QElapsedTimer timer;
-    timer.start();
-    operation();
-    // What the operator waits for includes the layout and the painting that it brings.
-    QCoreApplication::processEvents();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
-}
+using Step = std::function<void()>;
 
 /// Model, launcher and dialog on a configuration in memory, with both views on the screen.
 class Session
 {
 public:
-    Session()
-        : model(nullptr, QStringLiteral("ConnectionsModel"))
+    explicit Session(int entries)
+        : model((CfgCenter::Close(), nullptr), QStringLiteral("ConnectionsModel"))
         , appCounter(&model, QStringLiteral("VexelConnectDlg"))
         , dialog(nullptr, &model, &appCounter)
     {
         dialog.resize(1200, 800);
         dialog.show();
         dialog.m_pDetailsAction->trigger();
-        QCoreApplication::processEvents();
+        Lists::Fill(model, Lists::Entries(entries));
+        Show();
     }
+
+    void Show() const { Settle(dialog.m_pBasicView, dialog.m_pDetailsView); }
 
     ConnectionsModel model;
     AppCounter appCounter;
     VexelConnectDlgGUI dialog;
 };
 
-void Select(Session& session, int every)
+/// The bare window with as many rows.
+class BareSession
 {
-    QItemSelectionModel* const selection = session.dialog.m_pBasicView->selectionModel();
-    QItemSelection rows;
-    const QAbstractItemModel* const shown = session.dialog.m_pBasicView->model();
-    for (int row = 0; row < shown->rowCount(); row += every) {
-        rows.select(shown->index(row, 0), shown->index(row, ConnectionsModel::ColumnCount - 1));
+public:
+    explicit BareSession(int entries)
+        : rows(BareTable::Rows(Lists::Entries(entries)))
+        , window(&table)
+    {
+        Restore();
     }
-    selection->select(rows, QItemSelectionModel::ClearAndSelect);
-    QCoreApplication::processEvents();
+
+    void Restore()
+    {
+        table.Clear();
+        table.Append(rows);
+        Show();
+    }
+
+    void Show() const { Settle(window.BasicView(), window.DetailsView()); }
+
+    const std::vector<BareTable::Row> rows;
+    BareTable table;
+    BareWindow window;
+};
+
+/// The bare window on the product's model: what sorting and filtering is compared with, since both ask that.
+class BareView
+{
+public:
+    explicit BareView(int entries)
+        : model((CfgCenter::Close(), nullptr), QStringLiteral("ConnectionsModel"))
+        , window((Lists::Fill(model, Lists::Entries(entries)), &model))
+    {
+        Show();
+    }
+
+    void Show() const { Settle(window.BasicView(), window.DetailsView()); }
+
+    ConnectionsModel model;
+    BareWindow window;
+};
+
+/// Times `step` again and again, each time after `before`, which is not timed.
+template <typename AnySession>
+void Repeat(benchmark::State& state, const AnySession& session, const Step& before, const Step& step)
+{
+    for (auto iteration : state) {
+        before();
+        session.Show();
+        state.SetIterationTime(Runner::Seconds([&] {
+            step();
+            session.Show();
+        }));
+    }
 }
 
-using Figures = std::map<std::string, double>;
-
-Figures MeasureAll(int rows, const QString& directory)
+void Import(benchmark::State& state, int entries)
 {
-    Figures figures;
-    CfgCenter::Open(directory + QStringLiteral("/store"));
-    const QString file = directory + QStringLiteral("/list.xml");
-    {
-        Session session;
-        session.model.removeRows(0, session.model.rowCount());
-        Fill(session.model, rows);
-        QCoreApplication::processEvents();
-        figures["export to a file"] = Measure([&] { session.dialog.Export(file); });
-        figures["store the set and save"] = Measure([&] {
-            session.model.SetConfiguration();
-            CfgCenter::SaveDocument();
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("list.xml"));
+    Session session(entries);
+    session.dialog.Export(path);
+    Repeat(
+        state, session, [&] { session.model.removeRows(0, session.model.rowCount()); },
+        [&] { session.dialog.Import(path); });
+    if (session.model.rowCount() != entries)
+        state.SkipWithError("not all entries were imported");
+}
+
+void ImportBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    Repeat(
+        state, session, [&] { session.table.Clear(); }, [&] { session.table.Append(session.rows); });
+}
+
+struct Pattern
+{
+    const char* name;
+    SearchMode mode;
+    QString text;
+};
+
+const std::array s_patterns{Pattern{"filter, plain text", SearchMode::PlainText, QStringLiteral("7")},
+                            Pattern{"filter, wildcard", SearchMode::Wildcard, QStringLiteral("s*7")},
+                            Pattern{"filter, expression", SearchMode::RegularExpression, QStringLiteral("7[0-4]")}};
+
+void Filter(benchmark::State& state, int entries, const Pattern& pattern)
+{
+    Session session(entries);
+    session.dialog.m_pFilterAction->trigger();
+    session.dialog.m_pRegExpComboBox->setCurrentIndex(static_cast<int>(pattern.mode));
+    Repeat(
+        state, session, [&] { session.dialog.m_pFilterPatternLineEdit->clear(); },
+        [&] { session.dialog.m_pFilterPatternLineEdit->setText(pattern.text); });
+}
+
+void FilterBare(benchmark::State& state, int entries, const Pattern& pattern)
+{
+    const BareView session(entries);
+    QSortFilterProxyModel* const proxy = session.window.Proxy();
+    Repeat(
+        state, session, [&] { proxy->setFilterFixedString(QString()); },
+        [&] {
+            switch (pattern.mode) {
+            case SearchMode::Wildcard:
+                return proxy->setFilterWildcard(pattern.text);
+            case SearchMode::RegularExpression:
+                return proxy->setFilterRegularExpression(pattern.text);
+            default:
+                return proxy->setFilterFixedString(pattern.text);
+            }
         });
-        figures["write and save the legacy records"] = Measure([&] { session.dialog.WriteLegacyConnectData(); });
-        figures["reset every status"] = Measure([&] { session.model.ResetConnectionStatus(); });
-        session.dialog.m_pBasicView->sortByColumn(ConnectionsModel::ColumnStatus, Qt::AscendingOrder);
-        figures["reset every status, sorted by status"] = Measure([&] { session.model.ResetConnectionStatus(); });
-        session.dialog.m_pBasicView->sortByColumn(ConnectionsModel::ColumnName, Qt::AscendingOrder);
-        figures["tick one entry"] = Measure([&] { session.model.setData(session.model.index(rows / 2, 0), true); });
-        figures["filter, one key"] =
-            Measure([&] { session.dialog.m_pFilterPatternLineEdit->setText(QStringLiteral("7")); });
-        session.dialog.m_pFilterPatternLineEdit->clear();
-        figures["import in place of all"] = Measure([&] { session.dialog.Import(file); });
-        Select(session, 10);
-        figures["delete a tenth, scattered"] = Measure([&] { session.dialog.SlotDelete(); });
-        session.dialog.Import(file);
-        Select(session, 2);
-        figures["delete half, scattered"] = Measure([&] { session.dialog.SlotDelete(); });
-        session.dialog.Import(file);
-        session.dialog.m_pBasicView->selectAll();
-        figures["delete all"] = Measure([&] { session.dialog.SlotDelete(); });
-        session.dialog.Import(file);
+}
+
+void Sort(benchmark::State& state, int entries, int column)
+{
+    const Session session(entries);
+    QTreeView* const view = session.dialog.m_pBasicView;
+    Repeat(
+        state, session, [&] { view->sortByColumn(column, Qt::DescendingOrder); },
+        [&] { view->sortByColumn(column, Qt::AscendingOrder); });
+}
+
+void SortBare(benchmark::State& state, int entries, int column)
+{
+    const BareView session(entries);
+    QTreeView* const view = session.window.BasicView();
+    Repeat(
+        state, session, [&] { view->sortByColumn(column, Qt::DescendingOrder); },
+        [&] { view->sortByColumn(column, Qt::AscendingOrder); });
+}
+
+void Select(const Session& session, int every)
+{
+    QItemSelectionModel* const selection = session.dialog.m_pBasicView->selectionModel();
+    const QAbstractItemModel* const shown = session.dialog.m_pBasicView->model();
+    QItemSelection rows;
+    for (int row = 0; row < shown->rowCount(); row += every)
+        rows.select(shown->index(row, 0), shown->index(row, ConnectionsModel::ColumnCount - 1));
+    selection->select(rows, QItemSelectionModel::ClearAndSelect);
+}
+
+void Delete(benchmark::State& state, int entries, int every)
+{
+    const std::vector<Connection> list = Lists::Entries(entries);
+    Session session(0);
+    Repeat(
+        state, session,
+        [&] {
+            session.model.removeRows(0, session.model.rowCount());
+            Lists::Fill(session.model, list);
+            session.Show();
+            if (every == 1)
+                session.dialog.m_pBasicView->selectAll();
+            else
+                Select(session, every);
+        },
+        [&] { session.dialog.SlotDelete(); });
+}
+
+void DeleteAllBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    Repeat(
+        state, session, [&] { session.Restore(); }, [&] { session.table.Clear(); });
+}
+
+void DeleteTenthBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    Repeat(
+        state, session, [&] { session.Restore(); }, [&] { session.table.ClearTenth(); });
+}
+
+void Tick(benchmark::State& state, int entries)
+{
+    Session session(entries);
+    const QModelIndex cell = session.model.index(entries / 2, ConnectionsModel::ColumnSelected);
+    bool ticked = false;
+    Repeat(
+        state, session, [&] { ticked = !ticked; }, [&] { session.model.setData(cell, ticked); });
+}
+
+void TickBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    Repeat(
+        state, session, [] {}, [&] { session.table.Touch(entries / 2, ConnectionsModel::ColumnSelected); });
+}
+
+void Reset(benchmark::State& state, int entries)
+{
+    Session session(entries);
+    Repeat(
+        state, session, [] {}, [&] { session.model.ResetConnectionStatus(); });
+}
+
+void ResetBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    Repeat(
+        state, session, [] {},
+        [&] {
+            for (int row = 0; row < entries; ++row)
+                session.table.Touch(row, ConnectionsModel::ColumnStatus);
+        });
+}
+
+/// What a view asks for when it paints 1,000 cells, spread over the list.
+void Ask(const QAbstractItemModel* model, int entries)
+{
+    constexpr int cells = 1'000;
+    for (int i = 0; i < cells; ++i) {
+        const QModelIndex cell =
+            model->index(static_cast<int>(i * 7919LL % entries), i % ConnectionsModel::ColumnCount);
+        for (const Qt::ItemDataRole role : {Qt::DisplayRole, Qt::DecorationRole, Qt::FontRole, Qt::TextAlignmentRole,
+                                            Qt::ForegroundRole, Qt::BackgroundRole, Qt::CheckStateRole})
+            benchmark::DoNotOptimize(model->data(cell, role));
     }
-    CfgCenter::SaveDocument();
-    CfgCenter::Close();
-    CfgCenter::Open(directory + QStringLiteral("/store"));
-    figures["load the stored set"] =
-        Measure([] { const ConnectionsModel model(nullptr, QStringLiteral("ConnectionsModel")); });
-    CfgCenter::Close();
-    return figures;
+}
+
+void Data(benchmark::State& state, int entries)
+{
+    const Session session(entries);
+    for (auto iteration : state)
+        state.SetIterationTime(Runner::Seconds([&] { Ask(session.dialog.m_pBasicView->model(), entries); }));
+}
+
+void DataBare(benchmark::State& state, int entries)
+{
+    const BareSession session(entries);
+    for (auto iteration : state)
+        state.SetIterationTime(Runner::Seconds([&] { Ask(session.window.Proxy(), entries); }));
+}
+
+void EnterAll()
+{
+    Runner::Enter("import", "product", Import);
+    Runner::Enter("import", "bare table, one insertion", ImportBare);
+    for (const Pattern& pattern : s_patterns) {
+        Runner::Enter(pattern.name, "product",
+                      [&pattern](benchmark::State& state, int entries) { Filter(state, entries, pattern); });
+        Runner::Enter(pattern.name, "bare proxy, same model",
+                      [&pattern](benchmark::State& state, int entries) { FilterBare(state, entries, pattern); });
+    }
+    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+        const std::string what = "sort by column " + std::to_string(column);
+        Runner::Enter(what, "product",
+                      [column](benchmark::State& state, int entries) { Sort(state, entries, column); });
+        Runner::Enter(what, "bare proxy, same model",
+                      [column](benchmark::State& state, int entries) { SortBare(state, entries, column); });
+    }
+    Runner::Enter("delete a tenth, scattered", "product",
+                  [](benchmark::State& state, int entries) { Delete(state, entries, 10); });
+    Runner::Enter("delete a tenth, scattered", "bare table, a reset", DeleteTenthBare);
+    Runner::Enter("delete all", "product", [](benchmark::State& state, int entries) { Delete(state, entries, 1); });
+    Runner::Enter("delete all", "bare table, a reset", DeleteAllBare);
+    Runner::Enter("tick one entry", "product", Tick);
+    Runner::Enter("tick one entry", "bare table, one change", TickBare);
+    Runner::Enter("reset every status", "product", Reset);
+    Runner::Enter("reset every status", "bare table, as many changes", ResetBare);
+    Runner::Enter("data of 1,000 cells", "product", Data);
+    Runner::Enter("data of 1,000 cells", "bare table, bare proxy", DataBare);
 }
 
 } // namespace
@@ -134,36 +321,6 @@ Figures MeasureAll(int rows, const QString& directory)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
-    std::vector<int> sizes;
-    for (int i = 1; i < argc; ++i) {
-        sizes.push_back(std::max(1, std::atoi(argv[i])));
-    }
-    if (sizes.empty()) {
-        sizes = {1000, 5000, 10000, 30000};
-    }
-
-    std::vector<Figures> columns;
-    for (const int rows : sizes) {
-        const QTemporaryDir directory;
-        columns.push_back(MeasureAll(rows, directory.path()));
-    }
-
-    std::printf("%-38s", "milliseconds, with this many entries");
-    for (const int rows : sizes) {
-        std::printf("%10d", rows);
-    }
-    std::printf("%10s\n", "exponent");
-    for (const auto& [name, first] : columns.front()) {
-        std::printf("%-38s", name.c_str());
-        for (const Figures& figures : columns) {
-            std::printf("%10.2f", figures.at(name));
-        }
-        if (columns.size() > 1) {
-            const double growth = std::log(columns.back().at(name) / first);
-            std::printf("%10.2f", growth / std::log(static_cast<double>(sizes.back()) / sizes.front()));
-        }
-        std::printf("\n");
-    }
-    return 0;
+    EnterAll();
+    return Runner::Run(argc, argv);
 }

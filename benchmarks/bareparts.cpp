@@ -1,0 +1,99 @@
+#include "benchmarks/bareparts.h"
+
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <QCoreApplication>
+#include <QHeaderView>
+#include <QSortFilterProxyModel>
+#include <QTreeView>
+
+#include <utility>
+
+std::vector<BareTable::Row> BareTable::Rows(const std::vector<Connection>& entries)
+{
+    std::vector<Row> rows;
+    rows.reserve(entries.size());
+    for (const Connection& entry : entries) {
+        rows.push_back({entry.Selected ? QStringLiteral(" ") : QString(), entry.ConnectionName,
+                        Connection::StatusName(entry.ConnectionStatus), Connection::DeviceTypeName(entry.DeviceType),
+                        Connection::ConnectionTypeName(entry.ConnectionType), entry.DeviceAddress, entry.DriverAddress,
+                        Connection::LinkSpeedName(entry.LinkSpeed), QString::number(entry.TimeoutSeconds),
+                        entry.Subsystem});
+    }
+    return rows;
+}
+
+void BareTable::Append(std::vector<Row> rows)
+{
+    const int first = rowCount();
+    beginInsertRows(QModelIndex(), first, first + static_cast<int>(rows.size()) - 1);
+    m_Rows.insert(m_Rows.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+    endInsertRows();
+}
+
+void BareTable::Clear()
+{
+    beginResetModel();
+    m_Rows.clear();
+    endResetModel();
+}
+
+void BareTable::ClearTenth()
+{
+    beginResetModel();
+    std::size_t row = 0;
+    std::erase_if(m_Rows, [&row](const Row&) { return row++ % 10 == 0; });
+    endResetModel();
+}
+
+void BareTable::Touch(int row, int column)
+{
+    const QModelIndex cell = index(row, column);
+    emit dataChanged(cell, cell);
+}
+
+int BareTable::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_Rows.size());
+}
+
+int BareTable::columnCount(const QModelIndex& /*parent*/) const
+{
+    return ConnectionsModel::ColumnCount;
+}
+
+QVariant BareTable::data(const QModelIndex& index, int role) const
+{
+    if (role != Qt::DisplayRole || !index.isValid())
+        return {};
+    return m_Rows[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
+}
+
+BareWindow::BareWindow(QAbstractItemModel* model)
+    : m_Proxy(new QSortFilterProxyModel(this))
+{
+    setupUi(this);
+    m_pFilterFrame->hide();
+    m_Proxy->setSourceModel(model);
+    m_Proxy->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    m_Proxy->setFilterKeyColumn(ConnectionsModel::ColumnName);
+    for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
+        view->setModel(m_Proxy);
+        view->setUniformRowHeights(true);
+        for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+            const bool basic = column <= ConnectionsModel::ColumnDeviceType;
+            view->setColumnHidden(column, basic != (view == m_pBasicView));
+        }
+        view->header()->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
+    }
+    resize(1200, 800);
+    show();
+    Settle(m_pBasicView, m_pDetailsView);
+}
+
+void Settle(QTreeView* basic, QTreeView* details)
+{
+    QCoreApplication::processEvents();
+    basic->viewport()->repaint();
+    details->viewport()->repaint();
+}

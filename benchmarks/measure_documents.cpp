@@ -1,0 +1,154 @@
+// Reading and writing connection list documents, beside the bare parts of Qt, and beside a parser known to be quick.
+
+#include "benchmarks/lists.h"
+#include "benchmarks/runner.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+
+#include <QCoreApplication>
+#include <QDomDocument>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <pugixml.hpp>
+
+namespace {
+
+void Read(benchmark::State& state, int entries)
+{
+    const QByteArray document = Lists::Document(Lists::Entries(entries));
+    for (auto iteration : state) {
+        std::vector<Connection> read;
+        state.SetIterationTime(Runner::Seconds(
+            [&] { ConnectionList::Read(document, [&read](const Connection& entry) { read.push_back(entry); }); }));
+        if (read.size() != static_cast<std::size_t>(entries))
+            state.SkipWithError("not all entries were read");
+    }
+}
+
+void ReadTokens(benchmark::State& state, int entries)
+{
+    const QByteArray document = Lists::Document(Lists::Entries(entries));
+    for (auto iteration : state) {
+        state.SetIterationTime(Runner::Seconds([&] {
+            QXmlStreamReader reader(document);
+            while (!reader.atEnd())
+                benchmark::DoNotOptimize(reader.readNext());
+        }));
+    }
+}
+
+void ReadTree(benchmark::State& state, int entries)
+{
+    const QByteArray document = Lists::Document(Lists::Entries(entries));
+    for (auto iteration : state) {
+        state.SetIterationTime(Runner::Seconds([&] {
+            pugi::xml_document tree;
+            benchmark::DoNotOptimize(tree.load_buffer(document.constData(), static_cast<std::size_t>(document.size())));
+        }));
+    }
+}
+
+void Write(benchmark::State& state, int entries)
+{
+    const std::vector<Connection> list = Lists::Entries(entries);
+    for (auto iteration : state)
+        state.SetIterationTime(Runner::Seconds([&] { benchmark::DoNotOptimize(Lists::Document(list)); }));
+}
+
+void WriteTree(benchmark::State& state, int entries)
+{
+    QDomDocument tree;
+    tree.setContent(Lists::Document(Lists::Entries(entries)));
+    for (auto iteration : state)
+        state.SetIterationTime(Runner::Seconds([&] { benchmark::DoNotOptimize(tree.toByteArray(2)); }));
+}
+
+/// The same tree, node by node, and then serialised.
+void BuildTree(benchmark::State& state, int entries)
+{
+    struct Field
+    {
+        QString name;
+        QString text;
+        bool isCData;
+    };
+    std::vector<std::vector<Field>> list;
+    QDomDocument model;
+    model.setContent(Lists::Document(Lists::Entries(entries)));
+    for (QDomElement entry = model.documentElement().firstChildElement(); !entry.isNull();
+         entry = entry.nextSiblingElement()) {
+        list.emplace_back();
+        for (QDomElement field = entry.firstChildElement(); !field.isNull(); field = field.nextSiblingElement())
+            list.back().push_back({field.tagName(), field.text(), field.firstChild().isCDATASection()});
+    }
+    model.clear();
+    for (auto iteration : state) {
+        state.SetIterationTime(Runner::Seconds([&] {
+            QDomDocument tree;
+            QDomElement root = tree.createElement(QStringLiteral("ConnectionEntries"));
+            tree.appendChild(root);
+            for (const auto& fields : list) {
+                QDomElement entry = tree.createElement(QStringLiteral("Connection"));
+                for (const Field& field : fields) {
+                    QDomElement element = tree.createElement(field.name);
+                    element.appendChild(field.isCData ? QDomNode(tree.createCDATASection(field.text))
+                                                      : QDomNode(tree.createTextNode(field.text)));
+                    entry.appendChild(element);
+                }
+                root.appendChild(entry);
+            }
+            benchmark::DoNotOptimize(tree.toByteArray(2));
+        }));
+    }
+}
+
+/// The same tokens, each written as it was read.
+void WriteTokens(benchmark::State& state, int entries)
+{
+    struct Token
+    {
+        QXmlStreamReader::TokenType type;
+        QString text;
+        bool isCData;
+    };
+    std::vector<Token> tokens;
+    QXmlStreamReader reader(Lists::Document(Lists::Entries(entries)));
+    while (!reader.atEnd()) {
+        const auto type = reader.readNext();
+        tokens.push_back({type,
+                          type == QXmlStreamReader::StartElement ? reader.name().toString() : reader.text().toString(),
+                          reader.isCDATA()});
+    }
+    for (auto iteration : state) {
+        state.SetIterationTime(Runner::Seconds([&] {
+            QByteArray document;
+            QXmlStreamWriter writer(&document);
+            for (const Token& token : tokens) {
+                if (token.type == QXmlStreamReader::StartElement)
+                    writer.writeStartElement(token.text);
+                else if (token.type == QXmlStreamReader::EndElement)
+                    writer.writeEndElement();
+                else if (token.isCData)
+                    writer.writeCDATA(token.text);
+                else if (token.type == QXmlStreamReader::Characters)
+                    writer.writeCharacters(token.text);
+            }
+            benchmark::DoNotOptimize(document);
+        }));
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    Runner::Enter("read a document", "product", Read);
+    Runner::Enter("read a document", "QXmlStreamReader, tokens alone", ReadTokens);
+    Runner::Enter("read a document", "pugixml, a tree", ReadTree);
+    Runner::Enter("write a document", "product", Write);
+    Runner::Enter("write a document", "QDomDocument, a ready tree", WriteTree);
+    Runner::Enter("write a document", "QDomDocument, built and serialised", BuildTree);
+    Runner::Enter("write a document", "QXmlStreamWriter, ready tokens", WriteTokens);
+    return Runner::Run(argc, argv);
+}

@@ -1,0 +1,69 @@
+// From the start of the process to the first painted dialog: the host with its plug-in, beside a program that shows an
+// empty dialog. Both are ended by a plug-in of Qt's as soon as they have painted; see firstpaint.cpp.
+
+#include "benchmarks/lists.h"
+#include "benchmarks/runner.h"
+#include "platform/cfgcenter.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <array>
+
+namespace {
+
+constexpr std::array s_lengths{0, 1'000, 10'000};
+
+void Time(benchmark::State& state, const QString& program, const QStringList& arguments, const QString& lockFile)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("firstpaint"));
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QCoreApplication::applicationDirPath());
+    for (auto iteration : state) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // It ends without warning, so that its lock is left.
+        QFile::remove(lockFile);
+        state.SetIterationTime(Runner::Seconds([&] {
+            process.start(program, arguments);
+            process.waitForFinished(60'000);
+        }));
+        if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+            return state.SkipWithError("the program did not come to its first painted dialog");
+    }
+}
+
+void StartHost(benchmark::State& state, int entries)
+{
+    const QTemporaryDir directory;
+    const QString store = directory.filePath(QStringLiteral("store"));
+    CfgCenter::Open(store);
+    {
+        ConnectionsModel model(nullptr, QStringLiteral("ConnectionsModel"));
+        Lists::Fill(model, Lists::Entries(entries));
+    }
+    CfgCenter::SaveDocument();
+    CfgCenter::Close();
+    const QString bin = QCoreApplication::applicationDirPath() + QStringLiteral("/../bin");
+    Time(state, bin + QStringLiteral("/vexelhost"), {QStringLiteral("--config"), store},
+         store + QStringLiteral("/vexelhost.lock"));
+}
+
+void StartBare(benchmark::State& state, int /*entries*/)
+{
+    Time(state, QCoreApplication::applicationDirPath() + QStringLiteral("/vexel_baredialog"), {}, QString());
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    Runner::Enter("start to the first painted dialog", "product", StartHost, s_lengths);
+    Runner::Enter("start to the first painted dialog", "a program with an empty dialog", StartBare, s_lengths);
+    return Runner::Run(argc, argv);
+}

@@ -1,0 +1,152 @@
+#!/usr/bin/env python3
+"""Makes tables and plots of what benchmarks/run has measured.
+
+    report.py RESULTS FOLDER
+
+RESULTS holds the JSON files of the measuring programs; link.txt and instructions.txt in it are taken over as they are.
+FOLDER gets tables.md and one SVG file for each thing measured.
+"""
+
+import json
+import math
+import pathlib
+import platform
+import sys
+
+PRODUCT = "product"
+COLOURS = ["#1f5fa8", "#c8641e", "#5a8f29", "#7a4fa0"]
+
+
+def load(results):
+    """what -> subject -> entries -> (median seconds, counters); the order is that of the measuring programs."""
+    figures = {}
+    for path in sorted(results.glob("*.json")):
+        for run in json.loads(path.read_text())["benchmarks"]:
+            if run.get("error_occurred"):
+                sys.exit(f"{path.name}: {run['name']}: {run['error_message']}")
+            if run["run_type"] == "aggregate" and run["aggregate_name"] != "median":
+                continue
+            subject, what, entries = run["run_name"].removesuffix("/manual_time").rsplit("/", 2)
+            unit = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}[run["time_unit"]]
+            counters = {name: value for name, value in run.items() if " " in name}
+            series = figures.setdefault(what, {}).setdefault(subject, {})
+            series[int(entries)] = (run["real_time"] * unit, counters)
+    return figures
+
+
+def exponent(series, least=1_000):
+    """The slope of the straight line through the logarithms, from `least` entries on."""
+    points = [(math.log(n), math.log(seconds)) for n, (seconds, _) in series.items() if n >= least]
+    if len(points) < 2:
+        return None
+    mean_x = sum(x for x, _ in points) / len(points)
+    mean_y = sum(y for _, y in points) / len(points)
+    return sum((x - mean_x) * (y - mean_y) for x, y in points) / sum((x - mean_x) ** 2 for x, _ in points)
+
+
+def text(seconds):
+    milliseconds = seconds * 1e3
+    digits = max(0, 2 - math.floor(math.log10(milliseconds))) if milliseconds < 100 else 0
+    return f"{milliseconds:.{min(digits, 4)}f}"
+
+
+def table(figures):
+    lines = []
+    for what, subjects in figures.items():
+        lengths = sorted({n for series in subjects.values() for n in series})
+        lines += [f"### {what[0].upper()}{what[1:]}", ""]
+        lines.append("| ms | " + " | ".join(f"{n:,}" for n in lengths) + " | exponent |")
+        lines.append("|---|" + "---:|" * (len(lengths) + 1))
+        for subject, series in subjects.items():
+            slope = exponent(series)
+            cells = [text(series[n][0]) if n in series else "" for n in lengths]
+            lines.append(f"| {subject} | " + " | ".join(cells) + f" | {'' if slope is None else f'{slope:.2f}'} |")
+        product = subjects.get(PRODUCT, {})
+        for subject, series in subjects.items():
+            if subject == PRODUCT:
+                continue
+            cells = [f"**{product[n][0] / series[n][0]:.2f}**" if n in series and n in product else "" for n in lengths]
+            lines.append(f"| ratio to: {subject} | " + " | ".join(cells) + " | |")
+        counters = sorted({name for _, values in product.values() for name in values})
+        for name in counters:
+            cells = [f"{product[n][1][name]:.0f}" if n in product else "" for n in lengths]
+            lines.append(f"| {name} | " + " | ".join(cells) + " | |")
+        lines += ["", f"![{what}]({file_name(what)})", ""]
+    return lines
+
+
+def file_name(what):
+    return "".join(c if c.isalnum() else "-" for c in what).strip("-").replace("--", "-") + ".svg"
+
+
+def plot(what, subjects):
+    """Both axes logarithmic: the slope of a line is its exponent of growth."""
+    width, height, left, bottom, top, right = 640, 360, 70, 50, 30, 20
+    points = [(max(n, 1), seconds) for series in subjects.values() for n, (seconds, _) in series.items()]
+    low_x, high_x = (math.log10(f(n for n, _ in points)) for f in (min, max))
+    low_y = math.floor(math.log10(min(s for _, s in points) * 1e3))
+    high_y = math.ceil(math.log10(max(s for _, s in points) * 1e3))
+    high_x, high_y = max(high_x, low_x + 1), max(high_y, low_y + 1)
+
+    def x(n):
+        return left + (math.log10(max(n, 1)) - low_x) / (high_x - low_x) * (width - left - right)
+
+    def y(seconds):
+        return height - bottom - (math.log10(seconds * 1e3) - low_y) / (high_y - low_y) * (height - bottom - top)
+
+    svg = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {height}" font-family="sans-serif"'
+           ' font-size="12">', f'<rect width="{width}" height="{height}" fill="white"/>',
+           f'<text x="{left}" y="18" font-size="14">{what[0].upper()}{what[1:]}</text>']
+    for decade in range(low_y, high_y + 1):
+        at = y(10.0 ** (decade - 3))
+        svg.append(f'<line x1="{left}" x2="{width - right}" y1="{at:.1f}" y2="{at:.1f}" stroke="#ddd"/>')
+        svg.append(f'<text x="{left - 6}" y="{at + 4:.1f}" text-anchor="end">{10.0 ** decade:g} ms</text>')
+    for n in sorted({n for n, _ in points}):
+        svg.append(f'<text x="{x(n):.1f}" y="{height - bottom + 18}" text-anchor="middle">{n:,}</text>')
+    for colour, (subject, series) in zip(COLOURS, subjects.items()):
+        line = [(x(n), y(seconds)) for n, (seconds, _) in sorted(series.items())]
+        svg.append(f'<polyline fill="none" stroke="{colour}" stroke-width="2" points="'
+                   + " ".join(f"{a:.1f},{b:.1f}" for a, b in line) + '"/>')
+        svg += [f'<circle cx="{a:.1f}" cy="{b:.1f}" r="3" fill="{colour}"/>' for a, b in line]
+    at = left
+    for colour, subject in zip(COLOURS, subjects):
+        svg.append(f'<rect x="{at}" y="{height - 18}" width="10" height="10" fill="{colour}"/>')
+        svg.append(f'<text x="{at + 14}" y="{height - 9}">{subject}</text>')
+        at += 40 + 7 * len(subject)
+    return "\n".join(svg + ["</svg>"]) + "\n"
+
+
+def machine():
+    model = "unknown processor"
+    for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines():
+        if line.startswith("model name"):
+            model = line.split(":", 1)[1].strip()
+            break
+    cores = sum(line.startswith("processor") for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines())
+    return f"{model}, {cores} cores; Linux {platform.release()}"
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    results, folder = (pathlib.Path(argument) for argument in sys.argv[1:])
+    figures = load(results)
+    if not figures:
+        sys.exit(f"no figures in {results}")
+    folder.mkdir(parents=True, exist_ok=True)
+    for old in folder.glob("*.svg"):
+        old.unlink()
+    for what, subjects in figures.items():
+        if len(subjects) > 1 or len(next(iter(subjects.values()))) > 1:
+            (folder / file_name(what)).write_text(plot(what, subjects))
+    lines = ["# Measured", "", f"By `benchmarks/run`, on: {machine()}. Medians. Ratios are to what was measured in the "
+             "same run with the bare parts of Qt; exponents are of growth from 1,000 entries on.", ""]
+    lines += table(figures)
+    for name, title in (("link.txt", "The starter link"), ("instructions.txt", "Instructions")):
+        if (results / name).exists():
+            lines += [f"### {title}", "", "```", (results / name).read_text().rstrip(), "```", ""]
+    (folder / "tables.md").write_text("\n".join(lines))
+
+
+if __name__ == "__main__":
+    main()
