@@ -1,0 +1,357 @@
+// Hundreds of applications come and go while an operator works at the dialog, for as long as it is told:
+//
+//     vexel_soak_applications SECONDS [RANDOM-START]
+//
+// Works in rounds. In each the operator does what operators do, at random and without a pause, while applications are
+// started, end, crash and are killed. Then everything is left to end, and it is looked at what is left behind.
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QItemSelectionModel>
+#include <QLineEdit>
+#include <QLoggingCategory>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeView>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+#include <malloc.h>
+
+namespace {
+
+constexpr int s_applications = 500;
+constexpr int s_roundSeconds = 20;
+
+QString ReadProcessFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : QString();
+}
+
+/// The processes that this one has started and not yet waited for, dead ones included.
+QList<pid_t> Children()
+{
+    QList<pid_t> children;
+    const QStringList threads = QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& thread : threads) {
+        const QString text = ReadProcessFile(QStringLiteral("/proc/self/task/%1/children").arg(thread));
+        for (const QString& number : text.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+            children.append(number.toInt());
+    }
+    return children;
+}
+
+/// What must not grow, as it is when nothing runs.
+struct Remains
+{
+    int inUse = 0;
+    qsizetype instances = 0;
+    qsizetype children = 0;
+    qsizetype handles = 0;
+    double heapMiB = 0;
+    double residentMiB = 0;
+};
+
+class Soak
+{
+public:
+    explicit Soak(quint32 randomStart)
+        : m_Random(randomStart)
+    {
+        CfgCenter::Open(Path(QStringLiteral("store")));
+        CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
+            ->SetString(QStringLiteral("VexelDataDir"), m_Directory.path(), 0);
+        WriteDataDirectory();
+        m_Model = std::make_unique<ConnectionsModel>(nullptr, QStringLiteral("ConnectionsModel"));
+        Fill();
+        m_AppCounter = std::make_unique<AppCounter>(m_Model.get(), QStringLiteral("VexelConnectDlg"));
+        m_Dialog = std::make_unique<VexelConnectDlgGUI>(nullptr, m_Model.get(), m_AppCounter.get());
+        m_Dialog->show();
+        m_Dialog->m_pDetailsAction->trigger();
+        m_Dialog->m_pFilterAction->trigger();
+        m_Dialog->Export(Path(QStringLiteral("list.xml")));
+        // Where no application is free, and where nothing is selected, a box says so.
+        QObject::connect(&m_BoxCloser, &QTimer::timeout, [] {
+            if (auto* const box = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+                box->accept();
+        });
+        m_BoxCloser.start(20);
+    }
+
+    ~Soak()
+    {
+        m_Dialog.reset();
+        m_Model.reset();
+        m_AppCounter.reset();
+        CfgCenter::Close();
+    }
+    Q_DISABLE_COPY_MOVE(Soak)
+
+    void Work(int seconds)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < seconds * 1000LL) {
+            Act();
+            QCoreApplication::processEvents();
+        }
+    }
+
+    /// Ends what runs, in all the ways there are, and waits until it is known. False when that does not come.
+    bool Rest()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (m_Model->CountInUse() != 0 || !m_AppCounter->Instances().isEmpty() || !Children().isEmpty()) {
+            if (timer.elapsed() > 60'000)
+                return false;
+            for (const pid_t child : Children())
+                kill(child, Below(2) == 0 ? SIGKILL : SIGTERM);
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 100);
+        }
+        return true;
+    }
+
+    Remains Look() const
+    {
+        const struct mallinfo2 heap = mallinfo2();
+        const QString pages = ReadProcessFile(QStringLiteral("/proc/self/statm")).section(QLatin1Char(' '), 1, 1);
+        return {m_Model->CountInUse(),
+                m_AppCounter->Instances().size(),
+                Children().size(),
+                static_cast<qsizetype>(QDir(QStringLiteral("/proc/self/fd")).count()),
+                static_cast<double>(heap.uordblks + heap.hblkhd) / 1024 / 1024,
+                pages.toDouble() * 4096 / 1024 / 1024};
+    }
+
+    qint64 Started() const { return m_Started; }
+    qint64 Actions() const { return m_Actions; }
+
+private:
+    QString Path(const QString& name) const { return m_Directory.filePath(name); }
+    int Below(int limit) { return static_cast<int>(m_Random.bounded(limit)); }
+    int AnyRow() { return Below(m_Model->rowCount()); }
+    QModelIndex Cell(int row, int column) const { return m_Model->index(row, column); }
+
+    void WriteDataDirectory() const
+    {
+        const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/vexel_soakchild");
+        QString applications;
+        for (int i = 1; i <= s_applications; ++i)
+            applications += QStringLiteral("<App%1><Startup><exe>%2</exe></Startup></App%1>").arg(i).arg(program);
+        Write(QStringLiteral("CfgVEXEL.xml"),
+              QStringLiteral("<CfgVEXEL><Machine>%1</Machine></CfgVEXEL>").arg(applications));
+        Write(QStringLiteral("TypeApplicationMappings.xml"),
+              QStringLiteral("<TypeApplicationMappings><Mapping><DeviceType>%1</DeviceType>"
+                             "<Application>App1</Application></Mapping></TypeApplicationMappings>")
+                  .arg(Connection::KiteEcho));
+    }
+
+    void Write(const QString& name, const QString& content) const
+    {
+        QFile file(Path(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content.toUtf8()) < 0)
+            qFatal("a file of the data directory cannot be written");
+    }
+
+    void Fill()
+    {
+        while (m_Model->rowCount() < s_applications) {
+            Connection entry;
+            entry.ConnectionName = QStringLiteral("Station %1").arg(m_Model->rowCount());
+            entry.DriverAddress = QStringLiteral("198.51.100.%1:27061").arg(Below(256));
+            m_Model->AddConnection(entry);
+        }
+    }
+
+    void Connect(int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            const Connection entry = m_Model->GetConnection(AnyRow());
+            if (entry.ConnectionStatus == Connection::Free && m_AppCounter->ConnectTo(entry))
+                ++m_Started;
+        }
+    }
+
+    void ConnectTicked()
+    {
+        for (int i = 0; i < 10; ++i)
+            m_Model->setData(Cell(AnyRow(), ConnectionsModel::ColumnSelected), true);
+        const int before = m_Model->CountInUse();
+        m_Dialog->SlotConnect();
+        m_Started += std::max(0, m_Model->CountInUse() - before);
+        m_Dialog->show();
+    }
+
+    void KillOne()
+    {
+        const QList<pid_t> children = Children();
+        if (!children.isEmpty())
+            kill(children.at(Below(static_cast<int>(children.size()))), Below(2) == 0 ? SIGKILL : SIGTERM);
+    }
+
+    void Edit()
+    {
+        const std::array columns{ConnectionsModel::ColumnName, ConnectionsModel::ColumnDeviceAddress,
+                                 ConnectionsModel::ColumnDriverAddress, ConnectionsModel::ColumnSubsystem};
+        const int row = AnyRow();
+        // Whoever changes an entry that is in use takes it from its application, which frees only what is as it was.
+        if (m_Model->GetConnection(row).ConnectionStatus == Connection::Free) {
+            m_Model->setData(Cell(row, columns[static_cast<std::size_t>(Below(4))]),
+                             QStringLiteral("Text %1").arg(Below(100'000)));
+        }
+    }
+
+    void Filter()
+    {
+        static const QStringList patterns{QString(), QStringLiteral("7"), QStringLiteral("*1?"),
+                                          QStringLiteral("(a+)+b"), QStringLiteral("[")};
+        m_Dialog->m_pRegExpComboBox->setCurrentIndex(Below(3));
+        m_Dialog->m_pFilterPatternLineEdit->setText(patterns.at(Below(static_cast<int>(patterns.size()))));
+    }
+
+    void Delete()
+    {
+        QTreeView* const view = m_Dialog->m_pBasicView;
+        if (view->model()->rowCount() == 0)
+            return;
+        view->selectionModel()->select(view->model()->index(Below(view->model()->rowCount()), 0),
+                                       QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        m_Dialog->SlotDelete();
+        Fill();
+    }
+
+    void Act()
+    {
+        const std::vector<std::pair<int, std::function<void()>>> actions{
+            {300,
+             [this] {
+                 Connect(10);
+             }},
+            {20,
+             [this] {
+                 ConnectTicked();
+             }},
+            {300,
+             [this] {
+                 KillOne();
+             }},
+            {100,
+             [this] {
+                 Edit();
+             }},
+            {100,
+             [this] {
+                 m_Model->setData(Cell(AnyRow(), ConnectionsModel::ColumnSelected), Below(2) == 0);
+             }},
+            {50,
+             [this] {
+                 Filter();
+             }},
+            {20,
+             [this] {
+                 m_Dialog->m_pBasicView->sortByColumn(Below(10), static_cast<Qt::SortOrder>(Below(2)));
+             }},
+            {20,
+             [this] {
+                 Delete();
+             }},
+            {5,
+             [this] {
+                 m_Dialog->Export(Path(QStringLiteral("list.xml")));
+             }},
+            {5,
+             [this] {
+                 m_Dialog->Import(Path(QStringLiteral("list.xml")));
+             }},
+            {5,
+             [this] {
+                 m_Model->SetConfiguration();
+                 CfgCenter::SaveDocument();
+             }},
+        };
+        int ticket = Below(925);
+        for (const auto& [share, action] : actions) {
+            if ((ticket -= share) < 0) {
+                ++m_Actions;
+                return action();
+            }
+        }
+    }
+
+    QTemporaryDir m_Directory;
+    QRandomGenerator m_Random;
+    QTimer m_BoxCloser;
+    std::unique_ptr<ConnectionsModel> m_Model;
+    std::unique_ptr<AppCounter> m_AppCounter;
+    std::unique_ptr<VexelConnectDlgGUI> m_Dialog;
+    qint64 m_Started = 0;
+    qint64 m_Actions = 0;
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
+    const int seconds = argc > 1 ? std::atoi(argv[1]) : 0;
+    if (seconds < 1) {
+        std::fputs("usage: vexel_soak_applications SECONDS [RANDOM-START]\n", stderr);
+        return 2;
+    }
+    const auto randomStart =
+        argc > 2 ? static_cast<quint32>(std::strtoul(argv[2], nullptr, 10)) : QRandomGenerator::global()->generate();
+    std::printf("random start %u\n%8s%10s%10s%8s%11s%10s%9s%10s%14s\n", randomStart, "seconds", "actions", "started",
+                "in use", "instances", "children", "handles", "heap MiB", "resident MiB");
+
+    Soak soak(randomStart);
+    std::vector<Remains> rounds;
+    bool rested = true;
+    QElapsedTimer timer;
+    timer.start();
+    // Two rounds at least: in the first everything is laid down that is needed once.
+    while (rested && (rounds.size() < 2 || timer.elapsed() < seconds * 1000LL)) {
+        soak.Work(s_roundSeconds);
+        rested = soak.Rest();
+        rounds.push_back(soak.Look());
+        const Remains& now = rounds.back();
+        std::printf("%8lld%10lld%10lld%8d%11lld%10lld%9lld%10.1f%14.1f\n",
+                    static_cast<long long>(timer.elapsed() / 1000), static_cast<long long>(soak.Actions()),
+                    static_cast<long long>(soak.Started()), now.inUse, static_cast<long long>(now.instances),
+                    static_cast<long long>(now.children), static_cast<long long>(now.handles), now.heapMiB,
+                    now.residentMiB);
+        std::fflush(stdout);
+    }
+
+    const Remains& first = rounds.front();
+    const Remains& last = rounds.back();
+    bool good = true;
+    const auto demand = [&good](bool condition, const char* fault) {
+        if (!condition)
+            std::printf("FAULT: %s\n", fault);
+        good = good && condition;
+    };
+    demand(rested,
+           "not every entry is \"Free\" a minute after the last application was killed, or one was not waited for");
+    demand(last.handles <= first.handles, "more files are open than after the first round");
+    demand(last.heapMiB <= first.heapMiB * 1.05 + 1, "the heap has grown since the first round");
+    return good ? 0 : 1;
+}
