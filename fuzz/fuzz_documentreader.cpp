@@ -95,14 +95,9 @@ Reading Read(const QByteArray& document)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    Start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    const Tidy tidy;
     const QByteArray document = ToBytes(data, size);
     const Reading reading = Read(document);
 

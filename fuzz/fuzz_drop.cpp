@@ -8,6 +8,7 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
@@ -26,7 +27,19 @@ namespace {
 
 const QString s_uriList = QStringLiteral("text/uri-list");
 
-/// The dialog with all that belongs to it, made once: an input begins with three entries in it.
+/// What every input begins with.
+void AddThreeEntries(ConnectionsModel& model)
+{
+    for (int i = 0; i < 3; ++i) {
+        Connection entry;
+        entry.ConnectionName = QString::number(i);
+        entry.Selected = i == 1;
+        entry.ConnectionStatus = i == 2 ? Connection::InUse : Connection::Free;
+        model.AddConnection(entry);
+    }
+}
+
+/// The dialog with all that belongs to it, made once.
 struct Stage
 {
     QTemporaryDir folder;
@@ -49,19 +62,6 @@ struct Stage
     }
 
     QString ListFile() const { return folder.filePath(QStringLiteral("list.xml")); }
-
-    void Reset()
-    {
-        model.removeRows(0, model.rowCount());
-        for (int i = 0; i < 3; ++i) {
-            Connection entry;
-            entry.ConnectionName = QString::number(i);
-            entry.Selected = i == 1;
-            entry.ConnectionStatus = i == 2 ? Connection::InUse : Connection::Free;
-            model.AddConnection(entry);
-        }
-        boxes = 0;
-    }
 };
 
 Stage& TheStage()
@@ -97,12 +97,14 @@ void FillData(unsigned formats, const QByteArray& document, QMimeData& data)
     }
 }
 
-void DropOntoModel(FuzzedDataProvider& input, Stage& stage)
+void DropOntoModel(FuzzedDataProvider& input)
 {
+    ConnectionsModel model(nullptr, QString());
+    AddThreeEntries(model);
     ConnectionFilterModel filter;
-    filter.setSourceModel(&stage.model);
+    filter.setSourceModel(&model);
     filter.sort(ConnectionsModel::ColumnName);
-    const QAbstractItemModelTester tester(&stage.model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
 
     // Numbers come from the end of the input, so the document is its beginning.
     const int row = input.ConsumeIntegralInRange(-1, 4);
@@ -113,14 +115,14 @@ void DropOntoModel(FuzzedDataProvider& input, Stage& stage)
     QMimeData data;
     FillData(formats, TakeRest(input), data);
 
-    Entries expected = EntriesOf(stage.model);
+    Entries expected = EntriesOf(model);
     bool read = false;
     const Entries added = Read(data.data(ConnectionList::MimeType()), read);
     expected.insert(expected.end(), added.begin(), added.end());
     Require(filter.dropMimeData(&data, action, row, column, parent) == read, "true as the reader says");
-    Require(IsSame(EntriesOf(stage.model), expected), "entries are appended, and nothing else changes");
-    Require(filter.rowCount() == stage.model.rowCount(), "all of them are shown");
-    RequireCounts(stage.model);
+    Require(IsSame(EntriesOf(model), expected), "entries are appended, and nothing else changes");
+    Require(filter.rowCount() == model.rowCount(), "all of them are shown");
+    RequireCounts(model);
 }
 
 /// One of the links that a file manager may offer.
@@ -153,6 +155,9 @@ std::optional<QByteArray> DroppedFile(const QMimeData& data)
 
 void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
 {
+    stage.model.removeRows(0, stage.model.rowCount());
+    AddThreeEntries(stage.model);
+    stage.boxes = 0;
     QMimeData data;
     QList<QUrl> urls;
     for (int count = input.ConsumeIntegralInRange(0, 3); count > 0; --count) {
@@ -197,24 +202,15 @@ void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    StartApplication();
-    TheStage();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Traces().clear();
-    Stage& stage = TheStage();
-    stage.Reset();
+    const Tidy tidy;
     FuzzedDataProvider input(data, size);
     // Boxes take their time, so few inputs go to the dialog.
     if (input.ConsumeIntegralInRange(0, 31) == 1) {
-        DropOntoDialog(input, stage);
+        DropOntoDialog(input, TheStage());
     } else {
-        DropOntoModel(input, stage);
+        DropOntoModel(input);
     }
     return 0;
 }

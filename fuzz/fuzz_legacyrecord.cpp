@@ -148,15 +148,9 @@ void RequireConversions(const ConnectData& record)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    Start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    CfgCenter::Close();
+    const Tidy tidy;
     FuzzedDataProvider input(data, size);
     const int index = input.ConsumeBool() ? input.ConsumeIntegral<int>() : 0;
     const Values values = TakeValues(input);

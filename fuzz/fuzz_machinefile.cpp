@@ -106,14 +106,9 @@ void RequireBounds(const MachineConfiguration& machine, qsizetype size)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    Start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    const Tidy tidy;
     const QByteArray document = ToBytes(data, size);
     MachineConfiguration machine;
     QXmlStreamReader reader(document);

@@ -125,14 +125,9 @@ void RequireServing(const Machine& machine, const QMap<int, QString>& executable
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    Start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    const Tidy tidy;
     FuzzedDataProvider input(data, size);
     // Numbers come from the end of the input, so the document is its beginning.
     const Machine machine = TakeMachine(input);

@@ -38,15 +38,9 @@ QByteArray Write(const Entries& entries)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    StartApplication();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Traces().clear();
+    const Tidy tidy;
     FuzzedDataProvider input(data, size);
     const Entries entries = TakeEntries(input);
     const Entries expected = WithoutUnwritable(entries);

@@ -74,16 +74,9 @@ QString TakeStored(FuzzedDataProvider& input)
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    StartApplication();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    Traces().clear();
-    CfgCenter::Close();
+    const Tidy tidy;
     FuzzedDataProvider input(data, size);
     const QString text = TakeStored(input);
     Node()->SetString(s_key, text, 0);

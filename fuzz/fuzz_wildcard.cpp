@@ -182,16 +182,11 @@ QStringList Shown(const QStringList& texts, const QRegularExpression& expression
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    Start();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     constexpr std::size_t s_longestPattern = 60;
     constexpr std::size_t s_longestText = 300;
+    const Tidy tidy;
     FuzzedDataProvider input(data, size);
     const int mode = input.ConsumeIntegralInRange(0, 5);
     const QString patternText = TakeText(input, s_longestPattern);

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/errorhandler.h"
-
-#include <QApplication>
+#include "platform/cfgcenter.h"
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -40,37 +38,19 @@ inline QStringList& Traces()
     return traces;
 }
 
-/// Call once, before the first input. Assertions of the product and warnings of Qt are findings from then on: no input
-/// may bring about either.
-inline void Start()
+/// Leaves nothing of an input behind: the fuzzer takes what is still allocated at its end for a possible leak, and
+/// looking for one takes a hundred times as long as most inputs.
+struct Tidy
 {
-    ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Trace | ErrorHandler::Assertion);
-    ErrorHandler::Instance().SetSink(
-        [](ErrorHandler::Kind kind, const QString& message, const QString& /*sourceFile*/, quint16 /*line*/) {
-            Require(kind == ErrorHandler::Trace, "no assertion of the product fails");
-            Traces().append(message);
-        });
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-        const bool isOfPlatform = message.startsWith(QLatin1String("This plugin does not support"));
-        if (!isOfPlatform) {
-            std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
-        }
-        Require(isOfPlatform || type == QtDebugMsg || type == QtInfoMsg, "Qt has nothing to warn of");
-    });
-}
-
-/// As `Start`, for targets with windows, images or a model that has them.
-inline void StartApplication()
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int count = 1;
-    static char name[] = "fuzz";
-    static char* arguments[] = {name, nullptr};
-    // Never deleted: the fuzzer leaves through exit(), when half of Qt is gone.
-    static const auto* const application = new QApplication(count, arguments);
-    Q_UNUSED(application)
-    Start();
-}
+    Tidy() = default;
+    Tidy(const Tidy&) = delete;
+    Tidy& operator=(const Tidy&) = delete;
+    ~Tidy()
+    {
+        Traces().clear();
+        CfgCenter::Close();
+    }
+};
 
 inline QByteArray ToBytes(const std::uint8_t* data, std::size_t size)
 {
