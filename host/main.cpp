@@ -6,6 +6,7 @@
 #include "host/hostdefaults.h"
 #include "host/hostoptions.h"
 #include "host/librarysearch.h"
+#include "host/programicon.h"
 #include "host/qtmessages.h"
 #include "host/tracelog.h"
 #include "platform/filesizelimit.h"
@@ -104,6 +105,7 @@ ExitCode Run(int& argc, char** argv)
         ProvideLettersOffScreen();
     }
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0], options.IsHeadless());
+    QApplication::setWindowIcon(ProgramIcon());
     if (options.IsHeadless())
         ChooseLettersOffScreen();
     return Application(options).Run();

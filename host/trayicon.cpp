@@ -1,36 +1,21 @@
 #include "host/trayicon.h"
 
+#include "host/programicon.h"
 #include "host/statusmonitor.h"
 
 #include <chrono>
 
 using namespace std::chrono_literals;
 
-/// A static library's resources are there only when they are asked for. Not in a namespace, where that cannot be done.
-static void ProvideDrawings()
-{
-    Q_INIT_RESOURCE(vexelhost);
-}
-
 namespace {
 
 constexpr std::chrono::milliseconds s_lookInterval = 1s;
-
-QIcon Drawing(const QString& name)
-{
-    QIcon icon;
-    // Sizes of their own, because thin lines blur when they are scaled.
-    for (const int size : {16, 22, 24, 32, 48, 64})
-        icon.addFile(QStringLiteral(":/vexelhost/%1-%2.png").arg(name).arg(size));
-    return icon;
-}
 
 } // namespace
 
 TrayIcon::TrayIcon(const StatusMonitor& monitor, QObject* parent)
     : QObject(parent)
 {
-    ProvideDrawings();
     m_Menu.setObjectName(QStringLiteral("m_TrayMenu"));
     m_Icon.setObjectName(QStringLiteral("m_TrayIcon"));
     m_Icon.setParent(this);
@@ -80,7 +65,7 @@ void TrayIcon::Look()
 
 void TrayIcon::ShowCount(int inUse)
 {
-    m_Icon.setIcon(Drawing(inUse == 0 ? QStringLiteral("tray") : QStringLiteral("tray-in-use")));
+    m_Icon.setIcon(ProgramIcon(inUse > 0));
     QString count = tr("%n entries in use", nullptr, inUse);
     if (inUse == 0)
         count = tr("no entry in use");

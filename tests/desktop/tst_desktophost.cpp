@@ -38,6 +38,15 @@ private:
         }
         return false;
     }
+    /// Whether a window shows a picture of its own in its title and in the task bar.
+    static bool HasPicture(const QString& window)
+    {
+        QProcess tool;
+        tool.start(QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("-notype"),
+                                             QStringLiteral("32c"), QStringLiteral("_NET_WM_ICON")});
+        return tool.waitForFinished() && tool.readAllStandardOutput().contains("_NET_WM_ICON = ");
+    }
+
     static QSize SizeOf(const QString& window)
     {
         const QString geometry = Desktop::Do({QStringLiteral("getwindowgeometry"), window});
@@ -58,6 +67,7 @@ void tst_DesktopHost::sizeOutlivesTheRun()
         host.start(QStringLiteral(VEXEL_HOST), arguments);
         QString window;
         QTRY_VERIFY_WITH_TIMEOUT(!(window = FindWindow()).isEmpty(), 20000);
+        QVERIFY(HasPicture(window));
         if (run == 0) {
             QVERIFY(SizeOf(window) != wanted);
             Desktop::Do({QStringLiteral("windowsize"), QStringLiteral("--sync"), window,
