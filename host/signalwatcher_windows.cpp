@@ -36,8 +36,8 @@ BOOL WINAPI OnConsoleEvent(DWORD event)
 /// windows are none of this: the dialog has its own answer to being closed.
 struct SignalWatcher::Private : QAbstractNativeEventFilter
 {
-    explicit Private(SignalWatcher& watcher)
-        : watcher(watcher)
+    explicit Private(SignalWatcher& asked)
+        : watcher(asked)
     {
         QCoreApplication::instance()->installNativeEventFilter(this);
     }
