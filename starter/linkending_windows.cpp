@@ -36,6 +36,9 @@ LinkEnding WaitForEnding(qintptr handle, QDeadlineTimer deadline)
         } while (!deadline.hasExpired());
         // Does nothing where it is done, also when that happens at this very moment.
         CancelIoEx(reinterpret_cast<HANDLE>(socket), &reading); // NOLINT(performance-no-int-to-ptr)
+        // The event may come a moment before the outcome, which would then pass for an end without a byte.
+        while (!HasOverlappedIoCompleted(&reading))
+            Sleep(1);
         if (WSAGetOverlappedResult(socket, &reading, &count, TRUE, &flags))
             ending = count > 0 ? LinkEnding::Spoke : LinkEnding::Closed;
         else if (WSAGetLastError() == WSA_OPERATION_ABORTED)
