@@ -63,45 +63,6 @@ void WriteTree(benchmark::State& state, int entries)
         state.SetIterationTime(Runner::Seconds([&] { benchmark::DoNotOptimize(tree.toByteArray(2)); }));
 }
 
-/// The same tree, node by node, and then serialised.
-void BuildTree(benchmark::State& state, int entries)
-{
-    struct Field
-    {
-        QString name;
-        QString text;
-        bool isCData;
-    };
-    std::vector<std::vector<Field>> list;
-    QDomDocument model;
-    model.setContent(Lists::Document(Lists::Entries(entries)));
-    for (QDomElement entry = model.documentElement().firstChildElement(); !entry.isNull();
-         entry = entry.nextSiblingElement()) {
-        list.emplace_back();
-        for (QDomElement field = entry.firstChildElement(); !field.isNull(); field = field.nextSiblingElement())
-            list.back().push_back({field.tagName(), field.text(), field.firstChild().isCDATASection()});
-    }
-    model.clear();
-    for (auto iteration : state) {
-        state.SetIterationTime(Runner::Seconds([&] {
-            QDomDocument tree;
-            QDomElement root = tree.createElement(QStringLiteral("ConnectionEntries"));
-            tree.appendChild(root);
-            for (const auto& fields : list) {
-                QDomElement entry = tree.createElement(QStringLiteral("Connection"));
-                for (const Field& field : fields) {
-                    QDomElement element = tree.createElement(field.name);
-                    element.appendChild(field.isCData ? QDomNode(tree.createCDATASection(field.text))
-                                                      : QDomNode(tree.createTextNode(field.text)));
-                    entry.appendChild(element);
-                }
-                root.appendChild(entry);
-            }
-            benchmark::DoNotOptimize(tree.toByteArray(2));
-        }));
-    }
-}
-
 /// The same tokens, each written as it was read.
 void WriteTokens(benchmark::State& state, int entries)
 {
@@ -148,7 +109,6 @@ int main(int argc, char* argv[])
     Runner::Enter("read a document", "pugixml, a tree", ReadTree);
     Runner::Enter("write a document", "product", Write);
     Runner::Enter("write a document", "QDomDocument, a ready tree", WriteTree);
-    Runner::Enter("write a document", "QDomDocument, built and serialised", BuildTree);
     Runner::Enter("write a document", "QXmlStreamWriter, ready tokens", WriteTokens);
     return Runner::Run(argc, argv);
 }
