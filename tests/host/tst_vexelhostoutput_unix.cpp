@@ -35,8 +35,6 @@ void TestVexelHostOutputUnix::WhatCannotBePrintedFails()
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
     const BrokenOutput output(kind);
-    if (!output.IsThere())
-        QSKIP("This system has no disk that is always full.");
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
     const QByteArray stored = setUp.StoredText();
@@ -59,8 +57,6 @@ void TestVexelHostOutputUnix::WhatIsDoneIsDoneWithoutAReader()
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
     const BrokenOutput output(kind);
-    if (!output.IsThere())
-        QSKIP("This system has no disk that is always full.");
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
     setUp.Fill({QStringLiteral("two")});
@@ -84,8 +80,6 @@ void TestVexelHostOutputUnix::ComplaintsWithoutAReader()
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
     const BrokenOutput errors(kind);
-    if (!errors.IsThere())
-        QSKIP("This system has no disk that is always full.");
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
     QProcess host;

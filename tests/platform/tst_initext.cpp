@@ -1,4 +1,5 @@
 #include "platform/initext.h"
+#include "tests/platform/inireadings.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -77,44 +78,6 @@ constexpr std::array kPieces = {"[",
                                 "@ByteArray(b)",
                                 "\xf0\x9f\x98\x80"};
 
-bool CanBeAskedFor(const QString& key)
-{
-    return !key.isEmpty() && !key.startsWith(u'/') && !key.endsWith(u'/') && !key.contains(QLatin1String("//")) &&
-           !key.contains(u'%') && !key.contains(u'\\');
-}
-
-/// Nothing for other types than text, and lists of it.
-std::optional<QString> TextOf(const QVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::QString:
-        return value.toString();
-    case QMetaType::QByteArray:
-        return QString::fromUtf8(value.toByteArray());
-    case QMetaType::QStringList:
-        return value.toStringList().join(QStringLiteral(", "));
-    case QMetaType::QVariantList: {
-        QStringList texts;
-        for (const QVariant& item : value.toList())
-            texts += TextOf(item).value_or(QString());
-        return texts.join(QStringLiteral(", "));
-    }
-    default:
-        return std::nullopt;
-    }
-}
-
-/// The keys that have the same spelling as path, with their values; nothing for a damaged text.
-std::optional<QMap<QString, QString>> OwnValues(const QByteArray& text)
-{
-    const IniText own(text);
-    if (own.IsDamaged())
-        return std::nullopt;
-    QMap<QString, QString> values = own.Values();
-    values.removeIf([](const auto& entry) { return !CanBeAskedFor(entry.key()); });
-    return values;
-}
-
 } // namespace
 
 /// The text of a document beside what the toolkit's own settings make of it.
@@ -133,8 +96,8 @@ private slots:
                 text += kPieces.at(static_cast<std::size_t>(random.bounded(static_cast<int>(kPieces.size()))));
             if (text == ";" || text == "; ") // the first line, cut off
                 continue;
-            const auto theirs = TheirValues(text);
-            QVERIFY2(OwnValues(text) == theirs, text.toPercentEncoding(" []=;,\"\\@").constData());
+            const auto theirs = IniReadings::Theirs(text);
+            QVERIFY2(IniReadings::Own(text) == theirs, text.toPercentEncoding(" []=;,\"\\@").constData());
             if (!theirs)
                 continue;
 
@@ -144,8 +107,9 @@ private slots:
             changed.Set(kPath, kValue);
             auto expected = *theirs;
             expected.insert(kPath, kValue);
-            QVERIFY2(OwnValues(changed.Text()) == expected, text.toPercentEncoding(" []=;,\"\\@").constData());
-            QVERIFY2(TheirValues(changed.Text()) == expected, text.toPercentEncoding(" []=;,\"\\@").constData());
+            QVERIFY2(IniReadings::Own(changed.Text()) == expected, text.toPercentEncoding(" []=;,\"\\@").constData());
+            QVERIFY2(IniReadings::Theirs(changed.Text()) == expected,
+                     text.toPercentEncoding(" []=;,\"\\@").constData());
         }
         QVERIFY(whole > 500); // else it proves little
     }
@@ -181,9 +145,9 @@ private slots:
             auto plainlySpelled = expected;
             plainlySpelled.remove(QStringLiteral("General/Key"));
             const QByteArray written = text.Text();
-            QVERIFY2(OwnValues(written) == expected, written.constData());
+            QVERIFY2(IniReadings::Own(written) == expected, written.constData());
             // The section that is called like the one of the root's keys has a spelling of its own.
-            QVERIFY2(TheirValues(written) == plainlySpelled, written.constData());
+            QVERIFY2(IniReadings::Theirs(written) == plainlySpelled, written.constData());
         }
     }
 
@@ -215,14 +179,14 @@ private slots:
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray written = file.readAll();
-        QCOMPARE(OwnValues(written), std::optional(expected));
+        QCOMPARE(IniReadings::Own(written), std::optional(expected));
 
         // What is no text stays, byte for byte.
         IniText text(written);
         text.Set(QStringLiteral("Number"), QStringLiteral("6"));
         expected.insert(QStringLiteral("Number"), QStringLiteral("6"));
         QVERIFY(text.Text().contains("Size=@Size(3 4)"));
-        QCOMPARE(TheirValues(text.Text()), std::optional(expected));
+        QCOMPARE(IniReadings::Theirs(text.Text()), std::optional(expected));
     }
 
     void unchangedTextStaysAsItIs()
@@ -239,7 +203,7 @@ private slots:
         text.Remove(QStringLiteral("A"));
         const QMap<QString, QString> expected{{QStringLiteral("Key"), QStringLiteral("1")},
                                               {QStringLiteral("AB/D"), QStringLiteral("5")}};
-        QCOMPARE(OwnValues(text.Text()), std::optional(expected));
+        QCOMPARE(IniReadings::Own(text.Text()), std::optional(expected));
         QVERIFY(!text.Text().contains("[A]"));
     }
 
@@ -261,8 +225,8 @@ private slots:
         for (const QString& value : {mark, mark + mark, QStringLiteral("a\"") + mark + u'z', u'\n' + mark + u'1'}) {
             IniText text{QByteArray()};
             text.Set(kPath, value);
-            QCOMPARE(OwnValues(text.Text()).value().value(kPath), value);
-            QCOMPARE(TheirValues(text.Text()).value().value(kPath), value);
+            QCOMPARE(IniReadings::Own(text.Text()).value().value(kPath), value);
+            QCOMPARE(IniReadings::Theirs(text.Text()).value().value(kPath), value);
         }
         // As other programs write them.
         QCOMPARE(IniText("k=a\\tb\xef\xbb\xbf"
@@ -288,15 +252,15 @@ private slots:
         QFETCH(QString, value);
         const QMap<QString, QString> expected{{QStringLiteral("B/f"), value}};
         const QByteArray same = IniText(text).Text();
-        QCOMPARE(OwnValues(same), std::optional(expected));
-        QCOMPARE(TheirValues(same), std::optional(expected));
+        QCOMPARE(IniReadings::Own(same), std::optional(expected));
+        QCOMPARE(IniReadings::Theirs(same), std::optional(expected));
 
         IniText changed(text);
         changed.Set(kPath, kValue);
         auto more = expected;
         more.insert(kPath, kValue);
-        QCOMPARE(OwnValues(changed.Text()), std::optional(more));
-        QCOMPARE(TheirValues(changed.Text()), std::optional(more));
+        QCOMPARE(IniReadings::Own(changed.Text()), std::optional(more));
+        QCOMPARE(IniReadings::Theirs(changed.Text()), std::optional(more));
         QCOMPARE(IniText(changed.Text()).Text(), changed.Text());
     }
 
@@ -326,35 +290,6 @@ private slots:
         QVERIFY(after.size() > line.size());
         QCOMPARE(IniText(after).Values().size(), count + 1);
     }
-
-private:
-    /// As `OwnValues`.
-    std::optional<QMap<QString, QString>> TheirValues(const QByteArray& text)
-    {
-        // Never the same name twice: what is read of a file is remembered.
-        const QString path = m_folder.filePath(QStringLiteral("%1.ini").arg(++m_files));
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-            return std::nullopt;
-        file.close();
-        QMap<QString, QString> values;
-        {
-            const QSettings settings(path, QSettings::IniFormat);
-            const QStringList keys = settings.allKeys();
-            if (settings.status() != QSettings::NoError)
-                return std::nullopt;
-            for (const QString& key : keys) {
-                const auto value = CanBeAskedFor(key) ? TextOf(settings.value(key)) : std::nullopt;
-                if (value)
-                    values.insert(key, *value);
-            }
-        }
-        QFile::remove(path);
-        return values;
-    }
-
-    const QTemporaryDir m_folder;
-    int m_files = 0;
 };
 
 QTEST_GUILESS_MAIN(tst_IniText)

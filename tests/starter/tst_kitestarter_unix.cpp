@@ -15,8 +15,6 @@ private slots:
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);
         const BrokenOutput output(kind);
-        if (!output.IsThere())
-            QSKIP("This system has no disk that is always full.");
         QProcess starter;
         output.Give(starter, STDOUT_FILENO);
         starter.start(QStringLiteral(VEXEL_KITESTARTER), arguments);
@@ -33,8 +31,6 @@ private slots:
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);
         const BrokenOutput errors(kind);
-        if (!errors.IsThere())
-            QSKIP("This system has no disk that is always full.");
         QProcess starter;
         errors.Give(starter, STDERR_FILENO);
         starter.start(QStringLiteral(VEXEL_KITESTARTER), arguments);
