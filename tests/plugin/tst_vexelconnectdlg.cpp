@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "platform/translationcenter.h"
+#include "tests/support/linkport.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -28,6 +29,8 @@ private slots:
     void cleanup() { CfgCenter::Close(); }
 
     void destroyingNothingDoesNothing();
+    // Before any other instance could have kept the port.
+    void aStarterCallsTheDialogUntilTheInstanceIsGone();
     void buildsEverythingHidden();
     void everyEntryIsFreeWhateverWasStored();
     void nameReachesTheInstanceAndItsConfiguration();
@@ -247,6 +250,23 @@ void tst_VexelConnectDlg::twoInstancesLiveSideBySide()
     QVERIFY(FindDialog());
     ARDestroy(second);
     QVERIFY(!FindDialog());
+}
+
+void tst_VexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
+{
+    NEED_PORT();
+    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    QVERIFY(FindDialog());
+    const auto windows = QApplication::topLevelWidgets().size();
+    for (int call = 0; call < 2; ++call) {
+        QTcpSocket starter;
+        starter.connectToHost(QHostAddress(QHostAddress::LocalHost), LinkPort::s_number);
+        QTRY_VERIFY(FindDialog()->isVisible());
+        FindDialog()->hide();
+    }
+    QCOMPARE(QApplication::topLevelWidgets().size(), windows);
+    ARDestroy(instance);
+    QVERIFY(LinkPort::IsFree());
 }
 
 QTEST_MAIN(tst_VexelConnectDlg)
