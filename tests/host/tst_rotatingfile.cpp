@@ -340,8 +340,10 @@ int WriteLines(const QStringList& arguments)
     for (int i = first; i < first + s_linesPerWriter; ++i) {
         const QString error = file.Append(Line(i));
 #ifdef Q_OS_UNIX
-        if (!error.isEmpty())
+        if (!error.isEmpty()) {
+            qWarning("%s", qPrintable(error));
             return 2;
+        }
 #endif
     }
     return 0;
