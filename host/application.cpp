@@ -6,11 +6,11 @@
 #include "host/dialogsession.h"
 #include "host/headlessjob.h"
 #include "host/hostdefaults.h"
-#include "host/instancelock.h"
 #include "host/malformedset.h"
 #include "host/signalwatcher.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
+#include "platform/instancelock.h"
 #include "platform/interfaces.h"
 #include "platform/translationcenter.h"
 

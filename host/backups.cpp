@@ -1,7 +1,6 @@
 #include "host/backups.h"
 
 #include "host/console.h"
-#include "host/instancelock.h"
 #include "host/storedset.h"
 #include "host/textline.h"
 #include "host/texttable.h"
@@ -9,6 +8,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
+#include "platform/instancelock.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -4,13 +4,13 @@
 #include "host/datadirectory.h"
 #include "host/desktop.h"
 #include "host/hostdefaults.h"
-#include "host/instancelock.h"
 #include "host/linkport.h"
 #include "host/machinereport.h"
 #include "host/pluginlibrary.h"
 #include "host/storereport.h"
 #include "host/supportreport.h"
 #include "platform/icfg.h"
+#include "platform/instancelock.h"
 #include "platform/platformversion.h"
 
 #include <QCoreApplication>

@@ -1,11 +1,11 @@
 #include "host/storereport.h"
 
-#include "host/instancelock.h"
 #include "host/storedset.h"
 #include "host/supportreport.h"
 #include "host/timetext.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
+#include "platform/instancelock.h"
 
 #include <QDirIterator>
 #include <QFileInfo>

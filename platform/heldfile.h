@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/platformexport.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -9,7 +11,7 @@
 ///
 /// In a folder of another machine this holds between the machines as far as the folder passes locks on, which network
 /// file systems do where they are not told otherwise.
-class HeldFile
+class VEXELPLATFORM_EXPORT HeldFile
 {
 public:
     enum class Result {

@@ -1,18 +1,21 @@
 #pragma once
 
-#include "host/heldfile.h"
+#include "platform/platformexport.h"
 
 #include <QString>
 
-#include <optional>
+#include <memory>
 
-/// Keeps a second host from working on the same configuration directory: a file in it that is held for as long as this
-/// object lives. Both would store the list of entries, and the one that ends last would undo what the other did.
+class HeldFile;
+
+/// Host side: keeps a second host from working on the same configuration directory: a file in it that is held for as
+/// long as this object lives. Both would store the list of entries, and the one that ends last would undo what the
+/// other did.
 ///
 /// Whether somebody holds it is known to the system alone (see `HeldFile`): what a dead host left behind is taken over
 /// at once, whatever its process number or the name of the machine stands for by now. The file says who holds it, for
 /// people only.
-class InstanceLock
+class VEXELPLATFORM_EXPORT InstanceLock
 {
 public:
     enum class Result {
@@ -28,7 +31,8 @@ public:
         qint64 process = 0; ///< its number; 0 where that is not known
     };
 
-    InstanceLock() = default;
+    InstanceLock();
+    ~InstanceLock();
 
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
@@ -46,7 +50,7 @@ public:
     static Owner Look(const QString& directory);
 
 private:
-    std::optional<HeldFile> m_File;
+    std::unique_ptr<HeldFile> m_File;
     QString m_ErrorText;
     QString m_Warning;
 };

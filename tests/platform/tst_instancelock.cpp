@@ -1,6 +1,7 @@
-#include "host/instancelock.h"
-#include "tests/support/files.h"
+#include "platform/instancelock.h"
 
+#include "platform/heldfile.h"
+#include "tests/support/files.h"
 #include "tests/support/system.h"
 
 #include <QDir>

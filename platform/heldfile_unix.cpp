@@ -1,4 +1,4 @@
-#include "host/heldfile.h"
+#include "platform/heldfile.h"
 
 #include <QFile>
 

@@ -1,4 +1,4 @@
-#include "host/instancelock.h"
+#include "platform/instancelock.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -19,7 +19,7 @@ bool g_HasLocks = true;
 } // namespace
 
 /// The system's own, in front of which this stands: a file system without locks is nothing that a test can mount.
-extern "C" int fcntl(int descriptor, int command, ...)
+extern "C" [[gnu::visibility("default")]] int fcntl(int descriptor, int command, ...)
 {
     va_list arguments;
     va_start(arguments, command);

@@ -1,6 +1,7 @@
-#include "host/instancelock.h"
+#include "platform/instancelock.h"
 
 #include "platform/blockedplace.h"
+#include "platform/heldfile.h"
 #include "platform/wholefile.h"
 
 #include <QCoreApplication>
@@ -77,6 +78,10 @@ QString HeldText(const QString& file, const QString& directory)
 
 } // namespace
 
+InstanceLock::InstanceLock() = default;
+
+InstanceLock::~InstanceLock() = default;
+
 InstanceLock::Result InstanceLock::Take(const QString& directory)
 {
     const QString native = QDir::toNativeSeparators(directory);
@@ -87,7 +92,7 @@ InstanceLock::Result InstanceLock::Take(const QString& directory)
     const QString file = FileIn(directory);
     QString error;
     const QDeadlineTimer patience(s_patience);
-    m_File.emplace();
+    m_File = std::make_unique<HeldFile>();
     HeldFile::Result result = m_File->Take(file, &error);
     while (result == HeldFile::Result::Held && !patience.hasExpired()) {
         QThread::msleep(static_cast<unsigned long>(s_pause.count()));
