@@ -7,6 +7,77 @@
 #include <qt_windows.h>
 
 #include <string>
+#include <vector>
+
+namespace {
+
+/// What a started process shall have of this one's, and nothing else: streams that lead nowhere. Without any, a
+/// windowed program takes the console of who started it, and would end with that.
+class Surroundings
+{
+public:
+    Surroundings()
+    {
+        SECURITY_ATTRIBUTES inheritable{};
+        inheritable.nLength = sizeof inheritable;
+        inheritable.bInheritHandle = TRUE;
+        m_Nowhere = CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                                OPEN_EXISTING, 0, nullptr);
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        m_Memory.resize(size);
+        m_Attributes = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_Memory.data());
+        m_IsInitialized = InitializeProcThreadAttributeList(m_Attributes, 1, 0, &size) != FALSE;
+        // Also what this process was itself given without knowing: a pipe among it would keep its reader waiting for as
+        // long as the host lives.
+        m_IsComplete = m_Nowhere != INVALID_HANDLE_VALUE && m_IsInitialized &&
+                       UpdateProcThreadAttribute(m_Attributes, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &m_Nowhere,
+                                                 sizeof m_Nowhere, nullptr, nullptr) != FALSE;
+    }
+    ~Surroundings()
+    {
+        if (m_IsInitialized)
+            DeleteProcThreadAttributeList(m_Attributes);
+        if (m_Nowhere != INVALID_HANDLE_VALUE)
+            CloseHandle(m_Nowhere);
+    }
+
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
+
+    /// Where this is false, GetLastError() says why.
+    bool IsComplete() const { return m_IsComplete; }
+    /// For as long as this object lives.
+    STARTUPINFOEXW StartUp() const
+    {
+        STARTUPINFOEXW startup{};
+        startup.StartupInfo.cb = sizeof startup;
+        startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+        startup.StartupInfo.hStdInput = m_Nowhere;
+        startup.StartupInfo.hStdOutput = m_Nowhere;
+        startup.StartupInfo.hStdError = m_Nowhere;
+        startup.lpAttributeList = m_Attributes;
+        return startup;
+    }
+
+private:
+    HANDLE m_Nowhere = INVALID_HANDLE_VALUE;
+    std::vector<char> m_Memory;
+    LPPROC_THREAD_ATTRIBUTE_LIST m_Attributes = nullptr;
+    bool m_IsInitialized = false;
+    bool m_IsComplete = false;
+};
+
+/// Whether `code` is that of an exception that nobody caught, which then is the exit code: an error by its uppermost
+/// bits, with the one unset that no such code uses. Exit codes below zero have it set.
+bool IsException(DWORD code)
+{
+    constexpr DWORD severity = 0xC0000000;
+    constexpr DWORD unused = 0x10000000;
+    return (code & (severity | unused)) == severity;
+}
+
+} // namespace
 
 HostProcess::~HostProcess()
 {
@@ -19,13 +90,14 @@ QString HostProcess::Start(const QString& file, const QStringList& arguments)
     const QString program = QDir::toNativeSeparators(file);
     // The system writes into the command line.
     std::wstring commandLine = WindowsCommandLine(QStringList{program} + arguments).toStdWString();
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
+    const Surroundings surroundings;
+    STARTUPINFOEXW startup = surroundings.StartUp();
     PROCESS_INFORMATION process{};
     // Neither this program's console, whose end would be the host's, nor one of its own.
-    const DWORD flags = DETACHED_PROCESS | CREATE_NEW_PROCESS_GROUP;
-    if (!CreateProcessW(program.toStdWString().c_str(), commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
-                        nullptr, &startup, &process))
+    const DWORD flags = DETACHED_PROCESS | CREATE_NEW_PROCESS_GROUP | EXTENDED_STARTUPINFO_PRESENT;
+    if (!surroundings.IsComplete() ||
+        !CreateProcessW(program.toStdWString().c_str(), commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr,
+                        nullptr, &startup.StartupInfo, &process))
         return qt_error_string(static_cast<int>(GetLastError()));
     CloseHandle(process.hThread);
     m_Handle = reinterpret_cast<qintptr>(process.hProcess);
@@ -40,9 +112,7 @@ std::optional<HostProcess::End> HostProcess::Ended()
     const HANDLE process = reinterpret_cast<HANDLE>(m_Handle);
     DWORD code = 0;
     if (WaitForSingleObject(process, 0) == WAIT_OBJECT_0 && GetExitCodeProcess(process, &code)) {
-        // An exception that nobody caught is the code, and has the bits of an error.
-        constexpr DWORD severityError = 0xC0000000;
-        if ((code & severityError) == severityError)
+        if (IsException(code))
             m_End = End{0, QStringLiteral("exception %1").arg(code, 8, 16, QLatin1Char('0'))};
         else
             m_End = End{static_cast<int>(code), {}};
