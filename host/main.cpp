@@ -5,11 +5,11 @@
 #include "host/diagnosis.h"
 #include "host/hostdefaults.h"
 #include "host/hostoptions.h"
-#include "host/librarysearch.h"
 #include "host/programicon.h"
 #include "host/qtmessages.h"
 #include "host/tracelog.h"
 #include "platform/filesizelimit.h"
+#include "platform/librarysearch.h"
 #include "platform/standardstreams.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+#include "platform/librarysearch.h"
 #include "platform/standardstreams.h"
 #include "starter/starter.h"
 #include "starter/starteroptions.h"
@@ -51,6 +52,7 @@ StarterExit Run()
 
 int main(int argc, char** argv)
 {
+    SearchLibrariesHereOnly();
     StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
     // Such as that there is no folder for run-time files, which is coped with.

@@ -1,3 +1,4 @@
+#include "platform/librarysearch.h"
 #include "platform/standardstreams.h"
 #include "userinterface/kitecontrol/kitecontrolwindow.h"
 #include "userinterface/kitecontrol/launchenvironment.h"
@@ -48,6 +49,7 @@ QStringList CommandLine(int argc, char** argv)
 
 int main(int argc, char* argv[])
 {
+    SearchLibrariesHereOnly();
     StandardStreams::Prepare();
     QStringList arguments = CommandLine(argc, argv);
     const QString program = QFileInfo(arguments.takeFirst()).baseName();

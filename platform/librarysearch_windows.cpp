@@ -1,4 +1,4 @@
-#include "host/librarysearch.h"
+#include "platform/librarysearch.h"
 
 #include <windows.h>
 
