@@ -4,6 +4,7 @@
 #include "host/console.h"
 #include "host/datadirectory.h"
 #include "host/dialogsession.h"
+#include "host/environment.h"
 #include "host/headlessjob.h"
 #include "host/hostdefaults.h"
 #include "host/malformedset.h"
@@ -124,13 +125,9 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
 /// The environment that the applications find which the plug-in starts.
 void Application::SetUpEnvironment() const
 {
-    qputenv("VEXEL_CONFIG_DIR", QDir::toNativeSeparators(m_Options.configDirectory).toLocal8Bit());
-
+    Environment::Set("VEXEL_CONFIG_DIR", QDir::toNativeSeparators(m_Options.configDirectory));
     // The machine's file may name programs without a path; those that came with the host stand beside it.
-    QByteArray path = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()).toLocal8Bit();
-    if (!qEnvironmentVariableIsEmpty("PATH"))
-        path += QDir::listSeparator().toLatin1() + qgetenv("PATH");
-    qputenv("PATH", path);
+    Environment::Prepend("PATH", QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
 }
 
 PluginLibrary::Instance Application::CreateInstance(const PluginLibrary& library) const
@@ -152,28 +149,34 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
     QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, qApp, [] { QCoreApplication::exit(); });
 
     if (m_Options.IsHeadless()) {
-        const ExitCode result = RunHeadless(*dialog, signalWatcher);
+        const ExitCode result = RunHeadless(instance, *dialog, signalWatcher);
         // The window has only had the sizes that its pictures needed.
         SaveSettings(instance, nullptr);
         return result;
     }
-    RunDialog(instance, *dialog);
+    RunDialog(instance, *dialog, signalWatcher);
     SaveSettings(instance, dialog->Window());
     return ExitCode::Done;
 }
 
-void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog)
+void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
     DialogSession session(dialog, m_Notices, [&] { return SaveSettings(instance, dialog.Window()); });
+    QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &session,
+                     [&] { SaveSettings(instance, dialog.Window()); });
     QObject::connect(&session, &DialogSession::EndWanted, qApp, [] { QCoreApplication::exit(); });
     session.Start();
     QCoreApplication::exec();
 }
 
-ExitCode Application::RunHeadless(const ConnectDialog& dialog, SignalWatcher& signalWatcher)
+ExitCode Application::RunHeadless(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
     HeadlessJob job(m_Options, dialog);
     QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, &job, &HeadlessJob::Stop);
+    QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &job, [&] {
+        if (!job.IsChangingEntries())
+            SaveSettings(instance, nullptr);
+    });
 
     // Inside the event loop, so that a request to end reaches every loop that the job runs.
     ExitCode result = ExitCode::Done;

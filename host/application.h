@@ -22,8 +22,8 @@ private:
     bool OpenConfiguration(QString obstacle);
     ExitCode RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher);
     ExitCode RunWithInstance(IDllInstance& instance, SignalWatcher& signalWatcher);
-    void RunDialog(IDllInstance& instance, const ConnectDialog& dialog);
-    ExitCode RunHeadless(const ConnectDialog& dialog, SignalWatcher& signalWatcher);
+    void RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher);
+    ExitCode RunHeadless(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher);
 
     void SetUpEnvironment() const;
     PluginLibrary::Instance CreateInstance(const PluginLibrary& library) const;

@@ -1,5 +1,7 @@
 #include "host/desktop.h"
 
+#include "host/environment.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFont>
@@ -22,7 +24,7 @@ void ProvideLettersOffScreen()
         GetWindowsDirectoryW(folder.data(), static_cast<UINT>(folder.size())) == 0)
         return;
     const QDir windows(QString::fromWCharArray(folder.data()));
-    qputenv("QT_QPA_FONTDIR", windows.filePath(QStringLiteral("Fonts")).toUtf8());
+    Environment::Set("QT_QPA_FONTDIR", windows.filePath(QStringLiteral("Fonts")));
 }
 
 void ChooseLettersOffScreen()

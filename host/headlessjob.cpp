@@ -9,6 +9,7 @@
 #include <QDateTime>
 #include <QEventLoop>
 #include <QRegularExpression>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
@@ -50,6 +51,7 @@ void HeadlessJob::Stop()
 /// the list then is as it was.
 bool HeadlessJob::ImportAndAdd()
 {
+    const QScopedValueRollback changing(m_IsChangingEntries, true);
     QStringList files = m_Options.filesToAdd;
     const bool imports = !m_Options.fileToImport.isEmpty();
     if (imports)
@@ -128,6 +130,7 @@ QList<int> HeadlessJob::RowsToConnect() const
 /// Connects exactly the entries of `rows`; the ticks are afterwards as they were.
 void HeadlessJob::Press(const QList<int>& rows)
 {
+    const QScopedValueRollback changing(m_IsChangingEntries, true);
     const TickKeeper keeper(m_Dialog);
     const QSet<int> wanted(rows.begin(), rows.end());
     for (int row = 0; row < m_Dialog.Count(); ++row) {

@@ -28,6 +28,10 @@ public:
     /// Ends a wait, and leaves out what would come after.
     void Stop();
 
+    /// Whether it is in the middle of something, and the list such as it is to remain neither before nor afterwards.
+    /// Nothing is to be saved then.
+    bool IsChangingEntries() const { return m_IsChangingEntries; }
+
 signals:
     void Stopped();
 
@@ -55,5 +59,6 @@ private:
     QSet<int> m_RowsStarted; // rows that were not "Free" at any moment of the connecting
     bool m_BoxOpened = false;
     bool m_Stopped = false;
+    bool m_IsChangingEntries = false;
     ExitCode m_Result = ExitCode::Done;
 };

@@ -20,6 +20,10 @@ public:
 
 signals:
     void EndRequested();
+    /// The session ends, and the process may end with it as soon as this returns: connect to it directly, and save.
+    /// Where there is time left, `EndRequested` follows. On Windows only; elsewhere the end of a session is a request
+    /// like any.
+    void SessionEnding();
 
 private:
     struct Private;

@@ -32,15 +32,40 @@ BOOL WINAPI OnConsoleEvent(DWORD event)
 
 } // namespace
 
-/// A host that shows no window and has no console can still be asked to end, by a message to its thread. Messages to
-/// windows are none of this: the dialog has its own answer to being closed.
+/// Hears what Windows and its programs send to a window, and what they send to the thread.
+///
+/// The window is never shown. It is what a host has that shows no other: Windows asks windows alone when the session
+/// ends. It also hears what is sent while a loop of Windows' own runs, as while a window is moved: those leave out what
+/// goes to the thread. The thread's messages are for the host that can have no window, without a desktop.
+///
+/// What is sent to other windows is none of this: the dialog has its own answer to being closed.
 struct SignalWatcher::Private : QAbstractNativeEventFilter
 {
     explicit Private(SignalWatcher& asked)
         : watcher(asked)
     {
         QCoreApplication::instance()->installNativeEventFilter(this);
+
+        WNDCLASSW description{};
+        description.lpfnWndProc = &Private::OnMessage;
+        description.hInstance = GetModuleHandleW(nullptr);
+        description.lpszClassName = s_className;
+        RegisterClassW(&description);
+        // Not one for messages only: the system leaves those out.
+        window = CreateWindowExW(0, s_className, nullptr, WS_OVERLAPPED, 0, 0, 0, 0, nullptr, nullptr,
+                                 description.hInstance, nullptr);
+        if (window)
+            SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     }
+    ~Private() override
+    {
+        if (window)
+            DestroyWindow(window);
+        UnregisterClassW(s_className, GetModuleHandleW(nullptr));
+    }
+
+    Private(const Private&) = delete;
+    Private& operator=(const Private&) = delete;
 
     bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* /*result*/) override
     {
@@ -51,7 +76,27 @@ struct SignalWatcher::Private : QAbstractNativeEventFilter
         return true;
     }
 
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM parameter, LPARAM more)
+    {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the system keeps it as a number.
+        auto* const d = reinterpret_cast<Private*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (d && message == WM_CLOSE) {
+            emit d->watcher.EndRequested();
+            return 0;
+        }
+        if (d && message == WM_ENDSESSION && parameter) {
+            emit d->watcher.SessionEnding();
+            QMetaObject::invokeMethod(&d->watcher, &SignalWatcher::EndRequested, Qt::QueuedConnection);
+            return 0;
+        }
+        // Which agrees to WM_QUERYENDSESSION, too.
+        return DefWindowProcW(window, message, parameter, more);
+    }
+
+    static constexpr const wchar_t* s_className = L"VexelHostRequests";
+
     SignalWatcher& watcher;
+    HWND window = nullptr;
 };
 
 SignalWatcher::SignalWatcher(QObject* parent)
@@ -65,8 +110,11 @@ SignalWatcher::SignalWatcher(QObject* parent)
 
 SignalWatcher::~SignalWatcher()
 {
+    {
+        const QMutexLocker locker(&g_Mutex);
+        g_pWatcher = nullptr;
+        g_Gone.wakeAll();
+    }
+    // Not before: the system does nothing about handlers while one of them runs, and that one may have waited for this.
     SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
-    const QMutexLocker locker(&g_Mutex);
-    g_pWatcher = nullptr;
-    g_Gone.wakeAll();
 }
