@@ -4,11 +4,13 @@
 #undef main
 
 #include "platform/icfg.h"
+#include "tests/host/errorsto.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QTimer>
 
@@ -36,7 +38,13 @@ void WatchForTheDialog()
 }
 Q_COREAPP_STARTUP_FUNCTION(WatchForTheDialog)
 
-int RunExample(const QStringList& arguments)
+struct Outcome
+{
+    int code = -1;
+    QString complaint; // what was printed on standard error
+};
+
+Outcome RunExample(const QStringList& arguments)
 {
     std::vector<QByteArray> texts = {"integration"};
     for (const QString& argument : arguments)
@@ -45,7 +53,18 @@ int RunExample(const QStringList& arguments)
     for (QByteArray& text : texts)
         argv.push_back(text.data());
     argv.push_back(nullptr);
-    return ExampleMain(static_cast<int>(texts.size()), argv.data());
+
+    QTemporaryFile complaint;
+    if (!complaint.open())
+        return {};
+    Outcome outcome;
+    {
+        const ErrorsTo file(complaint.fileName());
+        outcome.code = ExampleMain(static_cast<int>(texts.size()), argv.data());
+        std::fflush(stderr);
+    }
+    outcome.complaint = QString::fromLocal8Bit(complaint.readAll()).trimmed();
+    return outcome;
 }
 
 QString StoredEntries(const QString& directory)
@@ -70,7 +89,11 @@ private slots:
     void showsTheDialogAndSaves_data();
     void showsTheDialogAndSaves();
     void wrongCommandLine();
-    void noPlugin();
+    void configurationOfNoUse();
+    void configurationOfAnotherHost();
+    void plugInOfNoUse_data();
+    void plugInOfNoUse();
+    void whatCannotBeSaved();
 };
 
 void tst_Integration::showsTheDialogAndSaves_data()
@@ -96,22 +119,89 @@ void tst_Integration::showsTheDialogAndSaves()
         else
             dialog->close();
     };
-    QCOMPARE(RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()}), 0);
+    const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()});
+    QVERIFY2(outcome.code == 0, qPrintable(outcome.complaint));
     QVERIFY(cameBack);
     QVERIFY(QByteArray::fromHex(StoredEntries(directory.path()).toLatin1()).contains("<ConnectionName>"));
 }
 
 void tst_Integration::wrongCommandLine()
 {
-    QCOMPARE(RunExample({}), 1);
-    QCOMPARE(RunExample({QStringLiteral(VEXEL_PLUGIN), QString()}), 1);
+    const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN)});
+    QCOMPARE(outcome.code, 1);
+    QVERIFY2(outcome.complaint.contains(QLatin1String("usage: ")), qPrintable(outcome.complaint));
 }
 
-void tst_Integration::noPlugin()
+void tst_Integration::configurationOfNoUse()
+{
+    QTemporaryFile notAFolder;
+    QVERIFY(notAFolder.open());
+    for (const QString& directory : {QString(), notAFolder.fileName()}) {
+        const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN), directory});
+        QCOMPARE(outcome.code, 2);
+        QVERIFY2(outcome.complaint.contains(QLatin1String("configuration directory")), qPrintable(outcome.complaint));
+    }
+}
+
+void tst_Integration::configurationOfAnotherHost()
 {
     const QTemporaryDir directory;
-    const QString notThere = directory.filePath(QStringLiteral("none.dll"));
-    QCOMPARE(RunExample({notThere, directory.path()}), 2);
+    s_withTheDialog = [](QWidget* dialog) {
+        dialog->close();
+    };
+    {
+        InstanceLock other;
+        QCOMPARE(other.Take(directory.path()), InstanceLock::Result::Taken);
+        const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()});
+        QCOMPARE(outcome.code, 2);
+        QVERIFY2(outcome.complaint.contains(QLatin1String("another host")), qPrintable(outcome.complaint));
+    }
+    // And keeps others out while it works there itself.
+    InstanceLock::Result meanwhile = InstanceLock::Result::Taken;
+    s_withTheDialog = [&](QWidget* dialog) {
+        InstanceLock other;
+        meanwhile = other.Take(directory.path());
+        dialog->close();
+    };
+    QCOMPARE(RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()}).code, 0);
+    QCOMPARE(meanwhile, InstanceLock::Result::Held);
+}
+
+void tst_Integration::plugInOfNoUse_data()
+{
+    QTest::addColumn<QString>("plugin");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("none") << QStringLiteral("none.dll") << QStringLiteral("no plug-in: ");
+    QTest::newRow("a library that is none") << QStringLiteral(LIBRARY_NOEXPORTS) << QStringLiteral("no plug-in: ");
+    QTest::newRow("half of one") << QStringLiteral(LIBRARY_ONLYCREATE) << QStringLiteral("no plug-in: ");
+    QTest::newRow("no instance") << QStringLiteral(PLUGIN_REFUSING) << QStringLiteral("the plug-in cannot be used");
+    QTest::newRow("not available") << QStringLiteral(PLUGIN_UNAVAILABLE)
+                                   << QStringLiteral("the plug-in cannot be used");
+    QTest::newRow("no dialog") << QStringLiteral(PLUGIN_PLAIN) << QStringLiteral("the plug-in has no connect dialog");
+}
+
+void tst_Integration::plugInOfNoUse()
+{
+    QFETCH(const QString, plugin);
+    QFETCH(const QString, complaint);
+    const QTemporaryDir directory;
+    const Outcome outcome = RunExample({plugin, directory.filePath(QStringLiteral("config"))});
+    QCOMPARE(outcome.code, 3);
+    QVERIFY2(outcome.complaint.contains(complaint), qPrintable(outcome.complaint));
+}
+
+void tst_Integration::whatCannotBeSaved()
+{
+    const QTemporaryDir directory;
+    s_withTheDialog = [&](QWidget* dialog) {
+        dialog->findChild<QAction*>(QStringLiteral("m_pNewAction"))->trigger();
+        // From here on what is stored is only looked at.
+        CfgCenter::OpenToLook(directory.path());
+        dialog->close();
+    };
+    const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()});
+    QCOMPARE(outcome.code, 4);
+    QVERIFY2(outcome.complaint.contains(QLatin1String("could not be saved")), qPrintable(outcome.complaint));
 }
 
 QTEST_APPLESS_MAIN(tst_Integration)

@@ -1,0 +1,29 @@
+# vexel_install_package(TARGET): makes the library Vexel::Platform for those who build a host of their own with an
+# installed tree, which finds everything in relation to itself. Call it once.
+include(CMakePackageConfigHelpers)
+
+function(vexel_install_package target)
+    set(folder ${CMAKE_INSTALL_LIBDIR}/cmake/VexelPlatform)
+    set_target_properties(${target} PROPERTIES EXPORT_NAME Platform)
+    add_library(Vexel::Platform ALIAS ${target})
+    install(EXPORT VexelPlatformTargets NAMESPACE Vexel:: DESTINATION ${folder})
+
+    set(VEXEL_QT_PLUGINDIR plugins)
+    # What the library itself is linked with, and what that needs.
+    set(VEXEL_RUNTIME_NAMES Qt6Core Qt6Gui Qt6Network Qt6Widgets libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
+    list(JOIN VEXEL_RUNTIME_NAMES " " VEXEL_RUNTIME_NAMES)
+    configure_package_config_file(
+        ${PROJECT_SOURCE_DIR}/cmake/VexelPlatformConfig.cmake.in
+        ${CMAKE_CURRENT_BINARY_DIR}/VexelPlatformConfig.cmake
+        INSTALL_DESTINATION ${folder}
+        PATH_VARS CMAKE_INSTALL_BINDIR VEXEL_PLUGINDIR VEXEL_QT_PLUGINDIR
+    )
+    write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/VexelPlatformConfigVersion.cmake
+        COMPATIBILITY SameMajorVersion
+    )
+    install(FILES
+        ${CMAKE_CURRENT_BINARY_DIR}/VexelPlatformConfig.cmake
+        ${CMAKE_CURRENT_BINARY_DIR}/VexelPlatformConfigVersion.cmake
+        DESTINATION ${folder}
+    )
+endfunction()
