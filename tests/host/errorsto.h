@@ -14,5 +14,6 @@ public:
 
 private:
     qintptr m_Former = -1;
+    int m_FormerDescriptor = -1; // of the compiler's runtime, where that is another
     qintptr m_File = -1;
 };

@@ -61,7 +61,6 @@ Outcome RunExample(const QStringList& arguments)
     {
         const ErrorsTo file(complaint.fileName());
         outcome.code = ExampleMain(static_cast<int>(texts.size()), argv.data());
-        std::fflush(stderr);
     }
     outcome.complaint = QString::fromLocal8Bit(complaint.readAll()).trimmed();
     return outcome;
