@@ -25,6 +25,8 @@ std::vector<BareTable::Row> BareTable::Rows(const std::vector<Connection>& entri
 
 void BareTable::Append(std::vector<Row> rows)
 {
+    if (rows.empty())
+        return;
     const int first = rowCount();
     beginInsertRows(QModelIndex(), first, first + static_cast<int>(rows.size()) - 1);
     m_Rows.insert(m_Rows.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
@@ -36,6 +38,13 @@ void BareTable::Clear()
     beginResetModel();
     m_Rows.clear();
     endResetModel();
+}
+
+void BareTable::RemoveAll()
+{
+    beginRemoveRows(QModelIndex(), 0, rowCount() - 1);
+    m_Rows.clear();
+    endRemoveRows();
 }
 
 void BareTable::ClearTenth()

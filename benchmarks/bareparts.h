@@ -23,6 +23,8 @@ public:
     void Append(std::vector<Row> rows);
     /// Leaves no rows, by a reset.
     void Clear();
+    /// Leaves no rows, by one removal of all.
+    void RemoveAll();
     /// Takes every tenth row out, by a reset.
     void ClearTenth();
     /// Announces a change of `column` in `row`.

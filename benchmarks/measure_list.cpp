@@ -19,6 +19,7 @@
 #include <QSortFilterProxyModel>
 #include <QTemporaryDir>
 #include <QTreeView>
+#include <QXmlStreamReader>
 
 #include <array>
 #include <memory>
@@ -117,6 +118,20 @@ void Import(benchmark::State& state, int entries)
         [&] { session.dialog.Import(path); });
     if (session.model.rowCount() != entries)
         state.SkipWithError("not all entries were imported");
+}
+
+void ImportTokens(benchmark::State& state, int entries)
+{
+    const QByteArray document = Lists::Document(Lists::Entries(entries));
+    BareSession session(entries);
+    Repeat(
+        state, session, [&] { session.table.Clear(); },
+        [&] {
+            QXmlStreamReader reader(document);
+            while (!reader.atEnd())
+                benchmark::DoNotOptimize(reader.readNext());
+            session.table.Append(session.rows);
+        });
 }
 
 void ImportBare(benchmark::State& state, int entries)
@@ -218,6 +233,13 @@ void DeleteAllBare(benchmark::State& state, int entries)
         state, session, [&] { session.Restore(); }, [&] { session.table.Clear(); });
 }
 
+void RemoveAllBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    Repeat(
+        state, session, [&] { session.Restore(); }, [&] { session.table.RemoveAll(); });
+}
+
 void DeleteTenthBare(benchmark::State& state, int entries)
 {
     BareSession session(entries);
@@ -289,6 +311,7 @@ void DataBare(benchmark::State& state, int entries)
 void EnterAll()
 {
     Runner::Enter("import", "product", Import);
+    Runner::Enter("import", "tokens alone, and a bare table, one insertion", ImportTokens);
     Runner::Enter("import", "bare table, one insertion", ImportBare);
     for (const Pattern& pattern : s_patterns) {
         Runner::Enter(pattern.name, "product",
@@ -308,6 +331,7 @@ void EnterAll()
     Runner::Enter("delete a tenth, scattered", "bare table, a reset", DeleteTenthBare);
     Runner::Enter("delete all", "product", [](benchmark::State& state, int entries) { Delete(state, entries, 1); });
     Runner::Enter("delete all", "bare table, a reset", DeleteAllBare);
+    Runner::Enter("delete all", "bare table, one removal", RemoveAllBare);
     Runner::Enter("tick one entry", "product", Tick);
     Runner::Enter("tick one entry", "bare table, one change", TickBare);
     Runner::Enter("reset every status", "product", Reset);

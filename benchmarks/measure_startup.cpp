@@ -1,5 +1,6 @@
 // From the start of the process to the first painted dialog: the host with its plug-in, beside a program that shows an
-// empty dialog. Both are ended by a plug-in of Qt's as soon as they have painted; see firstpaint.cpp.
+// empty dialog, and one that shows the same form with as many rows. All are ended by a plug-in of Qt's as soon as they
+// have painted; see firstpaint.cpp.
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
@@ -53,6 +54,12 @@ void StartHost(benchmark::State& state, int entries)
          store + QStringLiteral("/vexelhost.lock"));
 }
 
+void StartForm(benchmark::State& state, int entries)
+{
+    Time(state, QCoreApplication::applicationDirPath() + QStringLiteral("/vexel_bareform"), {QString::number(entries)},
+         QString());
+}
+
 void StartBare(benchmark::State& state, int /*entries*/)
 {
     Time(state, QCoreApplication::applicationDirPath() + QStringLiteral("/vexel_baredialog"), {}, QString());
@@ -64,6 +71,7 @@ int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
     Runner::Enter("start to the first painted dialog", "product", StartHost, s_lengths);
+    Runner::Enter("start to the first painted dialog", "a program with the same form and rows", StartForm, s_lengths);
     Runner::Enter("start to the first painted dialog", "a program with an empty dialog", StartBare, s_lengths);
     return Runner::Run(argc, argv);
 }

@@ -9,6 +9,7 @@
 #include "host/hostdefaults.h"
 #include "host/malformedset.h"
 #include "host/signalwatcher.h"
+#include "host/storedset.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
 #include "platform/instancelock.h"
@@ -19,6 +20,7 @@
 #include <QDir>
 #include <QScopeGuard>
 
+#include <future>
 #include <utility>
 
 namespace {
@@ -102,18 +104,25 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     // The list would seem empty, and an export of it take the place of a good file. Why has been said.
     if (!CfgCenter::IsAppCfgKnown(View::Application))
         return ExitCode::Unusable;
-    if (!m_LooksOnly) {
-        if (const QString notice = KeepMalformedSetAside(); !notice.isEmpty())
-            m_Notices.Say(notice);
-    }
+    // The plug-in loads the list meanwhile. Nothing is saved before this is known.
+    std::future<StoredSet> storedSet;
+    if (!m_LooksOnly)
+        storedSet = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
 
     ExitCode result = ExitCode::Unusable;
-    if (PluginLibrary::Instance instance = CreateInstance(library); !instance)
-        Console::Complain(QStringLiteral("the plug-in %1 gives no instance").arg(m_Options.plugin));
-    else if (!instance->IsAvailable())
-        Console::Complain(QStringLiteral("the plug-in %1 says that it is not available").arg(m_Options.plugin));
-    else
-        result = RunWithInstance(*instance, signalWatcher);
+    {
+        const PluginLibrary::Instance instance = CreateInstance(library);
+        if (storedSet.valid()) {
+            if (const QString notice = KeepMalformedSetAside(storedSet.get()); !notice.isEmpty())
+                m_Notices.Say(notice);
+        }
+        if (!instance)
+            Console::Complain(QStringLiteral("the plug-in %1 gives no instance").arg(m_Options.plugin));
+        else if (!instance->IsAvailable())
+            Console::Complain(QStringLiteral("the plug-in %1 says that it is not available").arg(m_Options.plugin));
+        else
+            result = RunWithInstance(*instance, signalWatcher);
+    }
 
     // Tear-down has stored its settings once more. What it left to be deleted later goes while the plug-in's
     // surroundings still stand.

@@ -1,7 +1,6 @@
 #include "host/malformedset.h"
 
 #include "host/storedset.h"
-#include "platform/cfgcenter.h"
 #include "platform/configversions.h"
 #include "platform/freename.h"
 #include "platform/patience.h"
@@ -54,9 +53,8 @@ QString Keep(const QString& document)
 
 } // namespace
 
-QString KeepMalformedSetAside()
+QString KeepMalformedSetAside(const StoredSet& set)
 {
-    const StoredSet set = ReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
     if (set.state != StoredSet::State::Malformed)
         return {};
 

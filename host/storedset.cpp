@@ -31,11 +31,26 @@ StoredSet ReadDocument(const QByteArray& document)
     return set;
 }
 
+StoredSet ReadText(const QString& hex)
+{
+    return hex.isEmpty() ? StoredSet() : ReadDocument(QByteArray::fromHex(hex.toLatin1()));
+}
+
+QString TextOfSet(ICfg& document)
+{
+    const std::unique_ptr<ICfg> node(document.OpenChild(QStringLiteral("ConnectionsModel"), 0));
+    return node->GetString(QStringLiteral("ModelMimeData"), QString(), 0);
+}
+
 } // namespace
 
 StoredSet ReadStoredSet(ICfg& document)
 {
-    const std::unique_ptr<ICfg> node(document.OpenChild(QStringLiteral("ConnectionsModel"), 0));
-    const QString hex = node->GetString(QStringLiteral("ModelMimeData"), QString(), 0);
-    return hex.isEmpty() ? StoredSet() : ReadDocument(QByteArray::fromHex(hex.toLatin1()));
+    return ReadText(TextOfSet(document));
+}
+
+std::future<StoredSet> BeginToReadStoredSet(ICfg& document)
+{
+    // Where the system has no thread for it, it is done when somebody asks.
+    return std::async(ReadText, TextOfSet(document));
 }

@@ -1,6 +1,7 @@
 #include "host/application.h"
 #include "host/listfile.h"
 #include "host/malformedset.h"
+#include "host/storedset.h"
 #include "platform/configversions.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/diskrequests_unix.h"
@@ -61,7 +62,7 @@ private slots:
         StoreList(ListOf(5).chopped(30));
         QVERIFY(CfgCenter::SaveDocument());
         DiskRequests::Forget();
-        QVERIFY(!KeepMalformedSetAside().isEmpty());
+        QVERIFY(!KeepMalformedSetAside(ReadStoredSet(*CfgCenter::GetAppCfg(View::Application))).isEmpty());
         const QFileInfo document(ConfigVersions(View::Application, QString()).DocumentFile());
         const QFileInfoList copies =
             document.dir().entryInfoList({document.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);

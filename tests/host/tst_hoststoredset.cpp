@@ -17,6 +17,7 @@ private slots:
     void Sets();
     void EveryBreakIsSeen();
     void EntitiesAreNotExpanded();
+    void LaterChangesMakeNoDifference();
     void HexAsPeopleLeaveIt_data();
     void HexAsPeopleLeaveIt();
 };
@@ -94,6 +95,17 @@ void TestHostStoredSet::EntitiesAreNotExpanded()
     StoreList(document + "]><r><Connection>&a39;</Connection></r>");
     QCOMPARE(Look().state, State::Malformed);
     QCOMPARE(Look().entries, 0);
+}
+
+void TestHostStoredSet::LaterChangesMakeNoDifference()
+{
+    StoreList(ListOf(1000).chopped(30));
+    std::future<StoredSet> begun = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+    StoreList(ListOf(1));
+    CfgCenter::Close();
+    const StoredSet set = begun.get();
+    QCOMPARE(set.state, State::Malformed);
+    QCOMPARE(set.entries, 1000);
 }
 
 void TestHostStoredSet::HexAsPeopleLeaveIt_data()

@@ -1,4 +1,5 @@
 #include "host/malformedset.h"
+#include "host/storedset.h"
 #include "platform/configversions.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/files.h"
@@ -25,6 +26,7 @@ private slots:
 
 private:
     static void Save(const QByteArray& list);
+    static QString Keep() { return KeepMalformedSetAside(ReadStoredSet(*CfgCenter::GetAppCfg(View::Application))); }
     static QStringList Copies();
     static QString Document() { return ConfigVersions(View::Application, QString()).DocumentFile(); }
 
@@ -62,10 +64,10 @@ QStringList TestMalformedSet::Copies()
 
 void TestMalformedSet::AListInOrderIsLeftAlone()
 {
-    QCOMPARE(KeepMalformedSetAside(), QString());
+    QCOMPARE(Keep(), QString());
     for (const QByteArray& list : {QByteArray(), ListOf(0), ListOf(3)}) {
         Save(list);
-        QCOMPARE(KeepMalformedSetAside(), QString());
+        QCOMPARE(Keep(), QString());
     }
     QCOMPARE(Copies(), QStringList());
 }
@@ -77,7 +79,7 @@ void TestMalformedSet::AMalformedListIsKept()
     QVERIFY(!document.isEmpty());
 
     TraceRecorder recorder;
-    const QString said = KeepMalformedSetAside();
+    const QString said = Keep();
     QCOMPARE(Copies().size(), 1);
     QCOMPARE(Files::Read(Copies().constFirst()), document);
     QVERIFY2(said.contains(QLatin1String("5 entries")) && said.contains(Copies().constFirst()), qPrintable(said));
@@ -89,11 +91,11 @@ void TestMalformedSet::AMalformedListIsKept()
 void TestMalformedSet::TheSameContentIsKeptOnce()
 {
     Save(ListOf(5).chopped(30));
-    const QString said = KeepMalformedSetAside();
+    const QString said = Keep();
     QCOMPARE(Copies().size(), 1);
     // As after a host that was killed before it stored anything.
     QVERIFY(CfgCenter::Open(m_pDirectory->path()));
-    QCOMPARE(KeepMalformedSetAside(), said);
+    QCOMPARE(Keep(), said);
     QCOMPARE(Copies().size(), 1);
 }
 
@@ -105,7 +107,7 @@ void TestMalformedSet::EveryOtherContentIsKept()
         // Of the same length, and faster than the clock that names them.
         Save(ListOf(9).replace("Entry 5", "Entry " + QByteArray(1, static_cast<char>('a' + i))).chopped(30));
         documents.append(Files::Read(Document()));
-        QVERIFY(!KeepMalformedSetAside().isEmpty());
+        QVERIFY(!Keep().isEmpty());
     }
     QCOMPARE(Copies().size(), count);
     for (const QString& copy : Copies())
@@ -117,7 +119,7 @@ void TestMalformedSet::WhereItCannotBeKeptThatIsSaid()
     Save(ListOf(2).chopped(30));
     // The list is known, but its file has gone.
     QVERIFY(QFile::remove(Document()));
-    const QString said = KeepMalformedSetAside();
+    const QString said = Keep();
     QVERIFY2(said.contains(QLatin1String("2 entries")) && said.contains(Document()), qPrintable(said));
     QVERIFY2(said.contains(QLatin1String("could not be copied")), qPrintable(said));
     QCOMPARE(Copies(), QStringList());

@@ -1,7 +1,9 @@
 #include "userinterface/vexelconnectdlg/selectedrows.h"
 
 #include <QItemSelectionModel>
-#include <QSet>
+
+#include <cstddef>
+#include <vector>
 
 namespace {
 
@@ -23,24 +25,25 @@ QList<int> SelectedRows(const QItemSelectionModel& selection)
 {
     const QAbstractItemModel& model = *selection.model();
     const int columns = model.columnCount();
-    QSet<int> whole;
-    QSet<int> inPieces;
+    const auto rows = static_cast<std::size_t>(model.rowCount());
+    std::vector<bool> whole(rows, false);
+    std::vector<bool> inPieces(rows, false);
     const QItemSelection ranges = selection.selection();
     for (const QItemSelectionRange& range : ranges) {
         const bool wide = range.left() == 0 && range.right() == columns - 1;
         for (int row = range.top(); row <= range.bottom(); ++row) {
-            if (!wide) {
-                inPieces.insert(row);
-            } else if (HasSelectableCell(model, row, columns)) {
-                whole.insert(row);
-            }
+            if (!wide)
+                inPieces[static_cast<std::size_t>(row)] = true;
+            else if (HasSelectableCell(model, row, columns))
+                whole[static_cast<std::size_t>(row)] = true;
         }
     }
-    // Views that select rows make no others; who selects cells by other means gets the toolkit's answer.
-    for (const int row : std::as_const(inPieces)) {
-        if (!whole.contains(row) && selection.isRowSelected(row, QModelIndex())) {
-            whole.insert(row);
-        }
+    QList<int> result;
+    for (std::size_t i = 0; i < rows; ++i) {
+        const int row = static_cast<int>(i);
+        // Views that select rows make no others; who selects cells by other means gets the toolkit's answer.
+        if (whole[i] || (inPieces[i] && selection.isRowSelected(row, QModelIndex())))
+            result.append(row);
     }
-    return whole.values();
+    return result;
 }

@@ -4,6 +4,6 @@
 
 class QItemSelectionModel;
 
-/// The rows that are selected as a whole: those of `QItemSelectionModel::selectedRows`, in no particular order, in a
-/// time that grows with their number. The toolkit's own looks through all ranges for each row.
+/// The rows that are selected as a whole: those of `QItemSelectionModel::selectedRows`, from the first to the last,
+/// in a time that grows with the number of rows. The toolkit's own looks through all ranges for each row.
 QList<int> SelectedRows(const QItemSelectionModel& selection);

@@ -357,7 +357,7 @@ bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
     const bool loaded = m_pModel->FromByteArray(document);
     m_pProxyModel->setDynamicSortFilter(true);
     // Statuses were reset while nobody filtered anew.
-    m_pProxyModel->invalidate();
+    SlotUpdateFilter();
     return loaded;
 }
 
