@@ -1,5 +1,5 @@
 # vexel_add_test(NAME <name> SOURCES <files> [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>] [XVFB]
-#                [RESOURCE_LOCK <names>] [WINDOW])
+#                [RESOURCE_LOCK <names>] [WINDOW] [UNIX_ONLY <why>])
 #
 # One Qt Test executable, run by ctest on the offscreen platform with configuration, data and home folders of its own
 # under the build folder, so that no test meets the user's files. XVFB runs it in a real window under a virtual X server
@@ -8,6 +8,9 @@
 #
 # WINDOW is for tests of windows: those for Windows run a second time in real windows, as <name>_desktop, with the label
 # "desktop". Such a run needs a display, which windows/test gives to all of them together.
+#
+# UNIX_ONLY is for tests of what other systems do not have, or have no way to bring about: elsewhere they are not built,
+# and windows/test lists them with what <why> says, which also names the tests that look after the same there.
 #
 # Half of the time that a test takes to compile goes into the headers of Qt: the tests of a folder read them from one
 # precompiled header, and all link the same parts of Qt, since these decide what the headers hold. One for each folder,
@@ -28,8 +31,12 @@ function(vexel_use_test_headers target)
 endfunction()
 
 function(vexel_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME;UNIX_ONLY" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
+    if(arg_UNIX_ONLY AND NOT UNIX)
+        set_property(GLOBAL APPEND_STRING PROPERTY VEXEL_UNIX_ONLY "${arg_NAME}: ${arg_UNIX_ONLY}\n")
+        return()
+    endif()
     add_executable(${arg_NAME} ${arg_SOURCES})
     target_link_libraries(${arg_NAME} PRIVATE ${VEXEL_TEST_LIBRARIES} ${arg_LIBRARIES})
     vexel_use_test_headers(${arg_NAME})
