@@ -23,8 +23,9 @@ set(QT_HOST_PATH_CMAKE_DIR /usr/lib/x86_64-linux-gnu/cmake)
 set(QT_CHAINLOAD_TOOLCHAIN_FILE ${CMAKE_CURRENT_LIST_DIR}/mingw.cmake)
 include(${VEXEL_QT_WINDOWS}/lib/cmake/Qt6/qt.toolchain.cmake)
 
-# That Qt cannot unpack what Debian's rcc packs by itself.
-set(CMAKE_AUTORCC_OPTIONS --no-zstd)
+# That Qt cannot unpack what Debian's rcc packs by itself; and that rcc's first format has no times of files in it, so that
+# the same sources become the same program.
+set(CMAKE_AUTORCC_OPTIONS --no-zstd --format-version 1)
 
 # Runs what is built, the tests among it.
 set(CMAKE_CROSSCOMPILING_EMULATOR
