@@ -170,15 +170,16 @@ void VexelConnectDlgGUI::SetUpHeaders()
 {
     QHeaderView* const basicHeader = m_pBasicView->header();
     QHeaderView* const detailsHeader = m_pDetailsView->header();
-    basicHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
-    basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
-    detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
     basicHeader->setIconSize(QSize(14, 14));
+    // One order for both: the arrow stands in the column that is sorted, in whichever view shows it, and in no other.
+    basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
+    detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
+    // Behind all that would make them measure the list.
     SizeOncePerBurst(basicHeader, m_pProxyModel);
     SizeOncePerBurst(detailsHeader, m_pProxyModel);
+    basicHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
+    detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
 
-    // One order for both: the arrow stands in the column that is sorted, in whichever view shows it, and in no other.
-    detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
     connect(basicHeader, &QHeaderView::sortIndicatorChanged, detailsHeader, &QHeaderView::setSortIndicator);
     connect(detailsHeader, &QHeaderView::sortIndicatorChanged, basicHeader, &QHeaderView::setSortIndicator);
 }
