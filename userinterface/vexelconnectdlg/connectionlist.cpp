@@ -6,6 +6,8 @@
 #include <QDomDocument>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace {
 
 const QString s_rootElement = QStringLiteral("ConnectionEntries");
@@ -23,6 +25,10 @@ bool IsXmlCharacter(char16_t unit)
 /// `text` without what no XML document can hold.
 QString WithoutUnwritable(const QString& text)
 {
+    // Hardly any text has a part that needs a second look.
+    if (std::all_of(text.cbegin(), text.cend(),
+                    [](QChar unit) { return !unit.isSurrogate() && IsXmlCharacter(unit.unicode()); }))
+        return text;
     QString writable;
     writable.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {
