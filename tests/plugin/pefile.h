@@ -9,8 +9,9 @@
 #include <stdexcept>
 #include <vector>
 
-/// Reads which names a 64-bit library of Windows exports, and of which libraries it imports, from the file itself: what
-/// a loader sees, without loading it. Throws std::runtime_error where the file is not what it should be.
+/// Reads which names a 64-bit library of Windows exports, of which libraries it or a program imports, and what kind of
+/// program it is, from the file itself: what a loader sees, without loading it. Throws std::runtime_error where the
+/// file is not what it should be.
 class PeFile
 {
 public:
@@ -25,6 +26,7 @@ public:
         const std::uint32_t optional = header + 24;
         if (Number<std::uint16_t>(optional) != 0x20b)
             throw std::runtime_error("not a 64-bit one");
+        m_Subsystem = Number<std::uint16_t>(optional + 68);
         m_Exports = Number<std::uint32_t>(optional + 112);
         m_Imports = Number<std::uint32_t>(optional + 120);
         for (std::uint32_t i = 0; i < sections; ++i) {
@@ -33,6 +35,9 @@ public:
                                   Number<std::uint32_t>(section + 20)});
         }
     }
+
+    /// IMAGE_SUBSYSTEM_WINDOWS_GUI or, for a program with a console, IMAGE_SUBSYSTEM_WINDOWS_CUI.
+    std::uint16_t Subsystem() const { return m_Subsystem; }
 
     /// The exported names, in their order in the file, and "#" for each function that has none.
     QStringList Exports() const
@@ -100,6 +105,7 @@ private:
     }
 
     QByteArray m_Content;
+    std::uint16_t m_Subsystem = 0;
     std::uint32_t m_Exports = 0;
     std::uint32_t m_Imports = 0;
     std::vector<Section> m_Sections;

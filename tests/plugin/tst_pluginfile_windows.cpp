@@ -1,3 +1,4 @@
+#include "tests/plugin/fileresources_windows.h"
 #include "tests/plugin/pefile.h"
 
 #include <QDir>
@@ -5,7 +6,6 @@
 #include <QTest>
 
 #include <array>
-#include <string>
 
 #include <windows.h>
 
@@ -56,35 +56,14 @@ private slots:
 
     void tellsItsVersion()
     {
-        const std::wstring file = QStringLiteral(VEXEL_PLUGIN).toStdWString();
-        DWORD ignored = 0;
-        std::vector<char> block(GetFileVersionInfoSizeW(file.c_str(), &ignored));
-        QVERIFY(!block.empty());
-        QVERIFY(GetFileVersionInfoW(file.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
-
-        const auto text = [&block](const wchar_t* name) {
-            void* value = nullptr;
-            UINT length = 0;
-            const std::wstring path = std::wstring(L"\\StringFileInfo\\040904B0\\") + name;
-            if (!VerQueryValueW(block.data(), path.c_str(), &value, &length))
-                return QString();
-            return QString::fromWCharArray(static_cast<const wchar_t*>(value));
-        };
-        QCOMPARE(text(L"FileVersion"), QStringLiteral(VEXEL_VERSION));
-        QCOMPARE(text(L"ProductVersion"), QStringLiteral(VEXEL_VERSION));
-        QCOMPARE(text(L"FileDescription"), QStringLiteral("Connect dialog of the Vexel product"));
-        QCOMPARE(text(L"OriginalFilename"), QStringLiteral("vexelconnectdlg.dll"));
-
-        void* numbers = nullptr;
-        UINT length = 0;
-        QVERIFY(VerQueryValueW(block.data(), L"\\", &numbers, &length));
-        const auto* const fixed = static_cast<const VS_FIXEDFILEINFO*>(numbers);
-        QCOMPARE(QStringLiteral("%1.%2.%3")
-                     .arg(HIWORD(fixed->dwFileVersionMS))
-                     .arg(LOWORD(fixed->dwFileVersionMS))
-                     .arg(HIWORD(fixed->dwFileVersionLS)),
-                 QStringLiteral(VEXEL_VERSION));
-        QCOMPARE(fixed->dwFileType, DWORD{VFT_DLL});
+        const FileResources resources(QStringLiteral(VEXEL_PLUGIN));
+        QCOMPARE(resources.VersionText(QStringLiteral("FileVersion")), QStringLiteral(VEXEL_VERSION));
+        QCOMPARE(resources.VersionText(QStringLiteral("ProductVersion")), QStringLiteral(VEXEL_VERSION));
+        QCOMPARE(resources.VersionNumbers(), QStringLiteral(VEXEL_VERSION));
+        QCOMPARE(resources.VersionText(QStringLiteral("FileDescription")),
+                 QStringLiteral("Connect dialog of the Vexel product"));
+        QCOMPARE(resources.VersionText(QStringLiteral("OriginalFilename")), QStringLiteral("vexelconnectdlg.dll"));
+        QCOMPARE(resources.Type(), DWORD{VFT_DLL});
     }
 };
 

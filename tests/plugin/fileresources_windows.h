@@ -1,0 +1,100 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+/// What lies in a program or library of Windows besides its code, read by Windows' own means without running it.
+class FileResources
+{
+public:
+    explicit FileResources(const QString& file)
+        : m_File(file.toStdWString())
+        , m_Module(LoadLibraryExW(m_File.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE))
+    {
+        if (!m_Module)
+            throw std::runtime_error("there is no such file, or it is none of Windows'");
+        DWORD ignored = 0;
+        m_Version.resize(GetFileVersionInfoSizeW(m_File.c_str(), &ignored));
+        if (!GetFileVersionInfoW(m_File.c_str(), 0, static_cast<DWORD>(m_Version.size()), m_Version.data()))
+            m_Version.clear();
+    }
+    ~FileResources() { FreeLibrary(m_Module); }
+
+    FileResources(const FileResources&) = delete;
+    FileResources& operator=(const FileResources&) = delete;
+
+    /// One of the texts that a file's properties show, such as "FileVersion"; empty where it has none.
+    QString VersionText(const QString& name) const
+    {
+        UINT length = 0;
+        const void* const value = VersionValue(QStringLiteral("\\StringFileInfo\\040904B0\\") + name, &length);
+        return value ? QString::fromWCharArray(static_cast<const wchar_t*>(value)) : QString();
+    }
+
+    /// The version in numbers, as installers compare it, for example "1.0.0"; empty where it has none.
+    QString VersionNumbers() const
+    {
+        const VS_FIXEDFILEINFO* const fixed = Fixed();
+        if (!fixed)
+            return {};
+        return QStringLiteral("%1.%2.%3")
+            .arg(HIWORD(fixed->dwFileVersionMS))
+            .arg(LOWORD(fixed->dwFileVersionMS))
+            .arg(HIWORD(fixed->dwFileVersionLS));
+    }
+
+    /// VFT_APP or VFT_DLL; 0 where it does not say.
+    DWORD Type() const { return Fixed() ? Fixed()->dwFileType : 0; }
+
+    /// The numbers of the resources of `type`, such as RT_MANIFEST.
+    QList<int> Ids(const wchar_t* type) const
+    {
+        QList<int> ids;
+        EnumResourceNamesW(
+            m_Module, type,
+            [](HMODULE, LPCWSTR, LPWSTR name, LONG_PTR list) -> BOOL {
+                const auto id = reinterpret_cast<quintptr>(name);
+                reinterpret_cast<QList<int>*>(list)->append(IS_INTRESOURCE(name) ? static_cast<int>(id) : -1);
+                return TRUE;
+            },
+            reinterpret_cast<LONG_PTR>(&ids));
+        return ids;
+    }
+
+    /// The resource of `type` with the number `id`; empty where there is none.
+    QByteArray Content(const wchar_t* type, int id) const
+    {
+        const HRSRC resource = FindResourceW(m_Module, MAKEINTRESOURCEW(id), type);
+        if (!resource)
+            return {};
+        return QByteArray(static_cast<const char*>(LockResource(LoadResource(m_Module, resource))),
+                          static_cast<qsizetype>(SizeofResource(m_Module, resource)));
+    }
+
+private:
+    const void* VersionValue(const QString& path, UINT* length) const
+    {
+        void* value = nullptr;
+        if (m_Version.empty() || !VerQueryValueW(m_Version.data(), path.toStdWString().c_str(), &value, length))
+            return nullptr;
+        return value;
+    }
+
+    const VS_FIXEDFILEINFO* Fixed() const
+    {
+        UINT length = 0;
+        return static_cast<const VS_FIXEDFILEINFO*>(VersionValue(QStringLiteral("\\"), &length));
+    }
+
+    std::wstring m_File;
+    HMODULE m_Module;
+    std::vector<char> m_Version;
+};

@@ -1,0 +1,175 @@
+#include "tests/plugin/fileresources_windows.h"
+#include "tests/plugin/pefile.h"
+
+#include <QDir>
+#include <QDomDocument>
+#include <QFile>
+#include <QMap>
+#include <QTest>
+#include <QtEndian>
+
+#include <winuser.h>
+
+namespace {
+
+QString InPrograms(const QString& name)
+{
+    return QDir(QStringLiteral(VEXEL_PROGRAMS)).filePath(name);
+}
+
+QByteArray ContentOf(const QString& fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+template <typename Integer>
+Integer Number(const QByteArray& content, qsizetype offset)
+{
+    if (content.size() < offset + qsizetype{sizeof(Integer)})
+        return 0;
+    return qFromLittleEndian<Integer>(content.constData() + offset);
+}
+
+/// The images of an icon file, one after another: each entry has 16 bytes and ends with where its image stands.
+QList<QByteArray> ImagesOfFile(const QByteArray& content)
+{
+    QList<QByteArray> images;
+    for (int i = 0; i < Number<quint16>(content, 4); ++i) {
+        const qsizetype entry = 6 + 16 * i;
+        images.append(content.mid(Number<quint32>(content, entry + 12), Number<quint32>(content, entry + 8)));
+    }
+    return images;
+}
+
+/// The same for one among resources: each entry has 14 bytes and ends with the number of its image.
+QList<QByteArray> ImagesOfResource(const FileResources& resources, int id)
+{
+    const QByteArray group = resources.Content(RT_GROUP_ICON, id);
+    QList<QByteArray> images;
+    for (int i = 0; i < Number<quint16>(group, 4); ++i)
+        images.append(resources.Content(RT_ICON, Number<quint16>(group, 6 + 14 * i + 12)));
+    return images;
+}
+
+const QStringList s_samples{
+    QStringLiteral("heroncontrol"),     QStringLiteral("kitealphafinchcontrol"), QStringLiteral("kitebravocontrol"),
+    QStringLiteral("kitecobracontrol"), QStringLiteral("kitecontrol"),           QStringLiteral("kitefjordcontrol"),
+    QStringLiteral("linnetdfcontrol"),  QStringLiteral("pipitcontrol"),          QStringLiteral("wrendcontrol"),
+};
+
+} // namespace
+
+/// The built programs, as Windows and whoever looks at their properties see them.
+class tst_ProgramFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void windowed_data() { addPrograms(); }
+    void windowed();
+    void version_data();
+    void version();
+    void manifest_data() { addPrograms(); }
+    void manifest();
+    void icon_data() { addPrograms(); }
+    void icon();
+    void exampleHasAConsole();
+
+private:
+    static void addPrograms();
+};
+
+void tst_ProgramFiles::addPrograms()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("host") << QStringLiteral("vexelhost");
+    QTest::newRow("starter") << QStringLiteral("kitestarter");
+    for (const QString& name : s_samples)
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+/// No console flashes up.
+void tst_ProgramFiles::windowed()
+{
+    QFETCH(const QString, name);
+    const PeFile file(ContentOf(InPrograms(name + QStringLiteral(".exe"))));
+    QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_GUI});
+}
+
+void tst_ProgramFiles::version_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("description");
+    QTest::addColumn<long>("type");
+    QTest::newRow("host") << QStringLiteral("vexelhost.exe") << QStringLiteral("Vexel connect dialog") << VFT_APP;
+    QTest::newRow("starter") << QStringLiteral("kitestarter.exe")
+                             << QStringLiteral("Starter of the Vexel connect dialog") << VFT_APP;
+    for (const QString& name : s_samples) {
+        QTest::newRow(qPrintable(name)) << QString(name + QStringLiteral(".exe"))
+                                        << QStringLiteral("Sample application of the Vexel product") << VFT_APP;
+    }
+    QTest::newRow("platform library") << QStringLiteral("vexelplatform.dll")
+                                      << QStringLiteral("Services of the Vexel product") << VFT_DLL;
+}
+
+void tst_ProgramFiles::version()
+{
+    QFETCH(const QString, file);
+    QFETCH(const QString, description);
+    QFETCH(const long, type);
+    const FileResources resources(InPrograms(file));
+    QCOMPARE(resources.VersionText(QStringLiteral("FileVersion")), QStringLiteral(VEXEL_VERSION));
+    QCOMPARE(resources.VersionText(QStringLiteral("ProductVersion")), QStringLiteral(VEXEL_VERSION));
+    QCOMPARE(resources.VersionNumbers(), QStringLiteral(VEXEL_VERSION));
+    QCOMPARE(resources.VersionText(QStringLiteral("FileDescription")), description);
+    QCOMPARE(resources.VersionText(QStringLiteral("OriginalFilename")), file);
+    QCOMPARE(resources.Type(), static_cast<DWORD>(type));
+}
+
+/// How it wants to be run: Windows reads the one with the number 1.
+void tst_ProgramFiles::manifest()
+{
+    QFETCH(const QString, name);
+    const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
+    QCOMPARE(resources.Ids(RT_MANIFEST), QList<int>{1});
+    QDomDocument document;
+    QVERIFY(document.setContent(resources.Content(RT_MANIFEST, 1), true));
+
+    // A setting counts in the namespace of the Windows that brought it.
+    const QString settings = QStringLiteral("http://schemas.microsoft.com/SMI/%1/WindowsSettings");
+    const auto setting = [&](const char* year, const char* key) {
+        return document.elementsByTagNameNS(settings.arg(QLatin1String(year)), QLatin1String(key))
+            .item(0)
+            .toElement()
+            .text();
+    };
+    QCOMPARE(setting("2005", "dpiAware"), QStringLiteral("true/pm"));
+    QCOMPARE(setting("2016", "dpiAwareness"), QStringLiteral("PerMonitorV2, PerMonitor"));
+    QCOMPARE(setting("2019", "activeCodePage"), QStringLiteral("UTF-8"));
+    QCOMPARE(setting("2016", "longPathAware"), QStringLiteral("true"));
+    const QDomElement level = document.elementsByTagName(QStringLiteral("requestedExecutionLevel")).item(0).toElement();
+    QCOMPARE(level.attribute(QStringLiteral("level")), QStringLiteral("asInvoker"));
+}
+
+/// Folders show the icon of the lowest number; it is the committed one in all its sizes.
+void tst_ProgramFiles::icon()
+{
+    QFETCH(const QString, name);
+    const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
+    QCOMPARE(resources.Ids(RT_GROUP_ICON), QList<int>{1});
+    const QList<QByteArray> images = ImagesOfFile(ContentOf(QStringLiteral(VEXEL_ICON)));
+    QCOMPARE(images.size(), 8);
+    QVERIFY(!images.contains(QByteArray()));
+    QCOMPARE(ImagesOfResource(resources, 1), images);
+}
+
+/// Where it complains is where it was started from.
+void tst_ProgramFiles::exampleHasAConsole()
+{
+    const PeFile file(ContentOf(InPrograms(QStringLiteral("integration.exe"))));
+    QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_CUI});
+}
+
+QTEST_APPLESS_MAIN(tst_ProgramFiles)
+#include "tst_programfiles_windows.moc"
