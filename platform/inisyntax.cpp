@@ -319,6 +319,9 @@ std::optional<QString> ReadValue(QByteArrayView value)
 
 QByteArray WriteValue(const QString& value)
 {
+    // Whole lists are stored in hexadecimal: megabytes of what every reader takes as it stands.
+    if (std::all_of(value.cbegin(), value.cend(), IsNameCharacter))
+        return value.toLatin1();
     const QString item = ItemOf(value);
     bool needsQuotes = item.startsWith(u' ') || item.endsWith(u' ');
     bool isAfterNumber = false; // a digit would be taken for one of the number's
