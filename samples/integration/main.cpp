@@ -20,7 +20,7 @@
 #include <cstdio>
 #include <memory>
 
-#ifdef Q_OS_WIN
+#ifdef Q_OS_WIN // here, so that the example is one file
 #include <windows.h>
 #endif
 
