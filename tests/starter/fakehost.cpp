@@ -13,6 +13,7 @@
 // It lives until the file FILE.end is there, and no longer than a minute.
 
 #include "platform/interfaces.h"
+#include "platform/standardstreams.h"
 #include "tests/launcher/inheritedhandles.h"
 #include "tests/support/system.h"
 
@@ -62,6 +63,7 @@ qsizetype Report(const QString& fileName, const QStringList& arguments, const QS
     for (int handle = 0; handle < 3; ++handle)
         streams.append(System::StreamTarget(handle));
     start.insert(QStringLiteral("streams"), QJsonArray::fromStringList(streams));
+    start.insert(QStringLiteral("console"), System::HasConsole());
     file.write(QJsonDocument(start).toJson(QJsonDocument::Compact) + '\n');
     return before;
 }
@@ -98,6 +100,8 @@ int Live(const QString& fileName, const QString& address, bool takesCalls)
 int main(int argc, char** argv)
 {
     const QStringList inherited = InheritedHandles();
+    // As the real one begins, which may take the console of who started it.
+    StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 4)

@@ -75,6 +75,11 @@ void TstHostProcess::exitCode_data()
     QTest::addColumn<int>("code");
     for (const int code : {0, 1, 4, 255})
         QTest::addRow("%d", code) << code;
+#ifdef Q_OS_WIN
+    // No exceptions, though they look much like those there.
+    for (const int code : {-1, -255, 259})
+        QTest::addRow("%d", code) << code;
+#endif
 }
 
 void TstHostProcess::exitCode()
@@ -98,6 +103,15 @@ void TstHostProcess::crash()
 #ifdef Q_OS_WIN
     // There the C run time makes an exit code of it.
     QVERIFY(process.Ended()->exitCode != 0 || !process.Ended()->crash.isEmpty());
+    // What the system leaves as the exit code: an access violation, and an exception of C++ that nobody caught.
+    for (const quint32 code : {0xC0000005, 0xE06D7363}) {
+        const FakeHostRun another;
+        HostProcess broken;
+        const QString mode = QString::number(static_cast<qint32>(code));
+        QCOMPARE(broken.Start(FakeHostRun::Program(), another.Arguments(mode, 1)), QString());
+        QTRY_VERIFY_WITH_TIMEOUT(broken.Ended(), 20'000);
+        QCOMPARE(broken.Ended()->crash, QStringLiteral("exception %1").arg(code, 8, 16, QLatin1Char('0')));
+    }
 #else
     QCOMPARE(process.Ended()->crash, QStringLiteral("signal 6"));
 #endif

@@ -36,6 +36,9 @@ qsizetype OpenHandles();
 /// Where a standard stream of this process leads: "nothing", "pipe", or another text.
 QString StreamTarget(int stream);
 
+/// Whether this process has a console, or a terminal that it would be ended with.
+bool HasConsole();
+
 /// Takes the display from `environment`, as for a person who has none, and the choice of a platform. False: there
 /// always is one, and programs keep to the test's choice.
 bool TakeDisplay(QProcessEnvironment& environment);

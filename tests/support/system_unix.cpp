@@ -6,6 +6,7 @@
 
 #include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,6 +65,15 @@ QString StreamTarget(int stream)
     if (target == QLatin1String("/dev/null"))
         return QStringLiteral("nothing");
     return target.contains(QLatin1String("pipe:")) ? QStringLiteral("pipe") : target;
+}
+
+bool HasConsole()
+{
+    const int terminal = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (terminal < 0)
+        return false;
+    ::close(terminal);
+    return true;
 }
 
 bool TakeDisplay(QProcessEnvironment& environment)

@@ -132,6 +132,16 @@ QString StreamTarget(int stream)
     }
 }
 
+bool HasConsole()
+{
+    const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       nullptr, OPEN_EXISTING, 0, nullptr);
+    if (console == INVALID_HANDLE_VALUE)
+        return false;
+    CloseHandle(console);
+    return true;
+}
+
 bool TakeDisplay(QProcessEnvironment& /*environment*/)
 {
     return false;
