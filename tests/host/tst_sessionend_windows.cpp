@@ -1,5 +1,7 @@
 #include "tests/host/hostsetup.h"
 
+#include <algorithm>
+
 #include <windows.h>
 
 namespace {
@@ -7,7 +9,7 @@ namespace {
 struct Search
 {
     DWORD process = 0;
-    HWND found = nullptr;
+    QList<HWND> found;
 };
 
 BOOL CALLBACK Look(HWND window, LPARAM parameter)
@@ -15,19 +17,26 @@ BOOL CALLBACK Look(HWND window, LPARAM parameter)
     auto* const search = reinterpret_cast<Search*>(parameter);
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    if (process != search->process || !IsWindowVisible(window))
-        return TRUE;
-    search->found = window;
-    return FALSE;
+    if (process == search->process)
+        search->found.append(window);
+    return TRUE;
 }
 
-/// The dialog of a running host, as any program sees it.
-HWND WindowOf(qint64 process)
+/// All top-level windows of a running host, also hidden ones, as any program sees them.
+QList<HWND> WindowsOf(const QProcess& process)
 {
     Search search;
-    search.process = static_cast<DWORD>(process);
+    search.process = static_cast<DWORD>(process.processId());
     EnumWindows(&Look, reinterpret_cast<LPARAM>(&search));
     return search.found;
+}
+
+/// The dialog, where it is shown.
+HWND DialogOf(const QProcess& process)
+{
+    const QList<HWND> windows = WindowsOf(process);
+    const auto dialog = std::find_if(windows.cbegin(), windows.cend(), &IsWindowVisible);
+    return dialog == windows.cend() ? nullptr : *dialog;
 }
 
 /// The answer to what the system asks every window; -1 where there is none.
@@ -37,6 +46,18 @@ int Ask(HWND window, UINT message, WPARAM parameter)
     constexpr UINT patienceMs = 30'000;
     const LRESULT isAnswered = SendMessageTimeoutW(window, message, parameter, 0, SMTO_NORMAL, patienceMs, &answer);
     return isAnswered ? static_cast<int>(answer) : -1;
+}
+
+/// What the system does to a program when the session ends. The number of windows that it has asked.
+int EndSession(const QProcess& process)
+{
+    const QList<HWND> windows = WindowsOf(process);
+    int asked = 0;
+    for (const HWND window : windows)
+        asked += Ask(window, WM_QUERYENDSESSION, 0) == 1 ? 1 : 0;
+    for (const HWND window : windows)
+        Ask(window, WM_ENDSESSION, TRUE);
+    return asked;
 }
 
 } // namespace
@@ -53,7 +74,7 @@ private slots:
         QProcess process;
         setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
         HWND window = nullptr;
-        QTRY_VERIFY_WITH_TIMEOUT((window = WindowOf(process.processId())) != nullptr, 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(!setUp.StoredText().contains("FilterPattern"));
 
         QCOMPARE(Ask(window, WM_QUERYENDSESSION, 0), 1);
@@ -71,7 +92,7 @@ private slots:
         QProcess process;
         setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
         HWND window = nullptr;
-        QTRY_VERIFY_WITH_TIMEOUT((window = WindowOf(process.processId())) != nullptr, 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QCOMPARE(Ask(window, WM_QUERYENDSESSION, 0), 1);
         QVERIFY(Ask(window, WM_ENDSESSION, FALSE) >= 0);
         QCOMPARE(Ask(window, WM_NULL, 0), 0);
@@ -79,6 +100,90 @@ private slots:
         QCOMPARE(process.state(), QProcess::Running);
         process.kill();
         QVERIFY(process.waitForFinished());
+    }
+
+    // It has no window that anybody sees, and nothing of what it does is stored before its end.
+    void AHeadlessHostSavesEverything()
+    {
+        HostSetUp setUp;
+        // As it is where nobody has chosen how to draw: a host without a dialog draws nothing then.
+        setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
+        QProcess process;
+        StartAtWork(setUp, process);
+        QVERIFY(!setUp.StoredText().contains("ModelMimeData"));
+
+        QVERIFY(EndSession(process) > 0);
+        process.kill();
+        QVERIFY(process.waitForFinished());
+        for (const char* part : {"FilterPattern", "ModelMimeData", "VexelDataDir"})
+            QVERIFY2(setUp.StoredText().contains(part), part);
+        QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+        EndApplications(setUp);
+    }
+
+    // Where there is time left, it ends in order.
+    void AHeadlessHostEnds()
+    {
+        HostSetUp setUp;
+        setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
+        QProcess process;
+        StartAtWork(setUp, process);
+        QVERIFY(EndSession(process) > 0);
+        QCOMPARE(HostSetUp::End(process).exitCode, 0);
+        QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+        EndApplications(setUp);
+    }
+
+    // The dialog has gone to the tray, after which something has changed that is to be stored.
+    void AHiddenDialogIsSaved()
+    {
+        HostSetUp setUp;
+        QProcess process;
+        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        HWND window = nullptr;
+        QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
+        QVERIFY(PostMessageW(window, WM_CLOSE, 0, 0));
+        QTRY_VERIFY_WITH_TIMEOUT(!DialogOf(process) && setUp.StoredText().contains("FilterPattern"), 60'000);
+        QCOMPARE(process.state(), QProcess::Running);
+        for (const QString& name : QDir(setUp.Config() + QStringLiteral("/application")).entryList(QDir::Files))
+            QVERIFY(QFile::remove(setUp.Config() + QStringLiteral("/application/") + name));
+
+        QVERIFY(EndSession(process) > 0);
+        process.kill();
+        QVERIFY(process.waitForFinished());
+        QVERIFY(setUp.StoredText().contains("FilterPattern"));
+    }
+
+private:
+    /// A headless host that has made an entry "mast", and waits for the end of its application.
+    static void StartAtWork(HostSetUp& setUp, QProcess& process)
+    {
+        setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)), 1);
+        const QString list = setUp.Path("list.xml");
+        setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
+        setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_MODE"), QStringLiteral("polite"));
+        setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), setUp.Data());
+        setUp.Start(process, {QStringLiteral("--data"), setUp.Data(), QStringLiteral("--add"), list,
+                              QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+        QByteArray said;
+        QTRY_VERIFY2_WITH_TIMEOUT((said += process.readAllStandardOutput()).contains("Free -> In Use"),
+                                  process.readAllStandardError().constData(), 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT(!Reports(setUp).isEmpty(), 60'000);
+    }
+
+    static QStringList Reports(const HostSetUp& setUp)
+    {
+        return QDir(setUp.Data()).entryList({QStringLiteral("*.json")}, QDir::Files);
+    }
+
+    /// What a host that was ended in the middle of it has left.
+    static void EndApplications(const HostSetUp& setUp)
+    {
+        for (const QString& report : Reports(setUp)) {
+            const qint64 process = report.section(u'.', 0, 0).toLongLong();
+            System::AskToEnd(process);
+            QTRY_VERIFY_WITH_TIMEOUT(!System::IsProcess(process), 60'000);
+        }
     }
 };
 
