@@ -22,6 +22,7 @@ private slots:
     void TicksStayAsTheyWere();
     void EntriesOfTheSameName();
     void InstalledSamplesServeWithoutADataDirectory();
+    void ChildrenFindTheConfiguration_data();
     void ChildrenFindTheConfiguration();
     void PicturesAtEachMoment();
     void PictureThatCannotBeWritten();
@@ -211,18 +212,29 @@ void TestVexelHostConnect::InstalledSamplesServeWithoutADataDirectory()
     QVERIFY(!setUp.StoredText().contains("VexelDataDir"));
 }
 
+void TestVexelHostConnect::ChildrenFindTheConfiguration_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("plain") << QStringLiteral("config");
+    // More than the narrow characters of any one country hold.
+    QTest::newRow("letters") << QStringLiteral("\u00fc \u0441\u0432\u044f\u0437\u044c \u5317\u6597");
+}
+
 void TestVexelHostConnect::ChildrenFindTheConfiguration()
 {
+    QFETCH(const QString, folder);
     HostSetUp setUp;
     // Without a path: found beside the host.
     setUp.Install(QStringLiteral("kitecontrol"), 1);
-    setUp.Fill({QStringLiteral("mast")});
+    const QString list = setUp.Path("list.xml");
+    setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
     QVERIFY(QDir().mkpath(setUp.Path("reports")));
     setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.1"));
     setUp.Environment().insert(QStringLiteral("KITECONTROL_REPORT_DIR"), setUp.Path("reports"));
     // A relative directory, which the child could not find from elsewhere.
-    const auto result = setUp.Run({QStringLiteral("--config"), QStringLiteral("config"), QStringLiteral("--connect"),
-                                   QStringLiteral("mast"), QStringLiteral("--wait")});
+    const auto result =
+        setUp.Run({QStringLiteral("--config"), folder, QStringLiteral("--data"), setUp.Data(), QStringLiteral("--add"),
+                   list, QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
     QCOMPARE(result.exitCode, 0);
     const QFileInfoList reports = QDir(setUp.Path("reports")).entryInfoList(QDir::Files);
     QCOMPARE(reports.size(), 1);
@@ -230,8 +242,8 @@ void TestVexelHostConnect::ChildrenFindTheConfiguration()
     QVERIFY(report.open(QIODevice::ReadOnly | QIODevice::Text));
     const QByteArray text = report.readAll();
     // As the system writes it; in the report a backslash is two.
-    const QString directory =
-        QDir::toNativeSeparators(setUp.Config()).replace(QLatin1String("\\"), QLatin1String("\\\\"));
+    const QString directory = QDir::toNativeSeparators(QFileInfo(setUp.Config()).dir().filePath(folder))
+                                  .replace(QLatin1String("\\"), QLatin1String("\\\\"));
     QVERIFY2(text.contains("configuration: " + directory.toUtf8() + '\n'), text.constData());
     QVERIFY2(text.contains("App1:XMsgDlg.dll Server mast\n"), text.constData());
     QVERIFY2(text.contains("station name: mast\n"), text.constData());
