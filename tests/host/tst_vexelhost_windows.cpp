@@ -39,11 +39,16 @@ private slots:
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
-        // The one that comes last is the one that holds.
-        const auto result = setUp.Run({QStringLiteral("--config"), place, QStringLiteral("--list")});
-        QCOMPARE(result.exitCode, 2);
-        QCOMPARE(result.ErrorLines().size(), 1);
-        QVERIFY2(result.error.contains(QLatin1String("configuration directory")), qPrintable(result.error));
+        const QString list = setUp.Path("list.xml");
+        setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
+        // The one that comes last is the one that holds. What could not be kept anywhere is not taken.
+        for (const QStringList& work : {QStringList{QStringLiteral("--list")}, {QStringLiteral("--add"), list}}) {
+            const auto result = setUp.Run(QStringList{QStringLiteral("--config"), place} + work);
+            QCOMPARE(result.exitCode, 2);
+            QCOMPARE(result.ErrorLines().size(), 1);
+            QVERIFY2(result.error.contains(QLatin1String("configuration directory")), qPrintable(result.error));
+        }
+        QVERIFY(QFile::exists(list));
     }
 
     void DataThatIsNotThere_data() { Places(); }
@@ -55,6 +60,8 @@ private slots:
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.ErrorLines().size(), 1);
         QVERIFY2(result.error.contains(place), qPrintable(result.error));
+        // Before anything is made.
+        QVERIFY(!QFile::exists(setUp.Config()));
     }
 
     // As when the share or the drive was there once.
@@ -71,6 +78,15 @@ private slots:
         QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));
         const QString trace = QStringLiteral("Could not open %1/CfgVEXEL.xml for reading").arg(place);
         QVERIFY2(result.error.contains(trace), qPrintable(result.error));
+
+        // What is stored goes on without it, and is not forgotten: the drive may come back.
+        const QString list = setUp.Path("list.xml");
+        setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("pier")}));
+        const auto added = setUp.Run({QStringLiteral("--add"), list});
+        QCOMPARE(added.error, QString());
+        QCOMPARE(added.exitCode, 0);
+        QCOMPARE(setUp.Names(), (QStringList{QStringLiteral("mast"), QStringLiteral("pier")}));
+        QVERIFY(setUp.StoredText().contains("VexelDataDir=" + place.toUtf8()));
     }
 
     void ApplicationThatCannotBe_data()
@@ -136,7 +152,8 @@ private:
         QTest::addColumn<QString>("place");
         QTest::newRow("drive") << QStringLiteral("Q:/nowhere");
         QTest::newRow("share") << QStringLiteral("//no-such-host/share");
-        QTest::newRow("device") << QStringLiteral("NUL");
+        for (const char* device : {"NUL", "CON", "COM1", "NUL/folder", "C:/CON", "C:/windows/AUX"})
+            QTest::newRow(device) << QString::fromLatin1(device);
     }
 };
 
