@@ -37,7 +37,7 @@ QString FileIn(const QString& directory)
 QByteArray OwnName()
 {
     return QByteArray::number(QCoreApplication::applicationPid()) + "\nvexelhost\n" +
-           QSysInfo::machineHostName().toLocal8Bit() + '\n';
+           QSysInfo::machineHostName().toUtf8() + '\n';
 }
 
 Name ReadName(const QString& fileName)
@@ -51,7 +51,7 @@ Name ReadName(const QString& fileName)
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)
         return {};
-    return {process, QString::fromLocal8Bit(lines.at(2))};
+    return {process, QString::fromUtf8(lines.at(2))};
 }
 
 QString HeldText(const QString& file, const QString& directory)

@@ -75,6 +75,7 @@ private slots:
     void AChildThatOutlivesTheOwnerHoldsNothing();
     void AFileThatSaysNothing_data();
     void AFileThatSaysNothing();
+    void AnOwnerOnAnotherMachine_data();
     void AnOwnerOnAnotherMachine();
     void AMachineOfAnotherNameByNow();
     void AnOwnerThatDoesNotSayWhoItIs();
@@ -220,18 +221,26 @@ void TestInstanceLock::AFileThatSaysNothing()
     QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
+void TestInstanceLock::AnOwnerOnAnotherMachine_data()
+{
+    QTest::addColumn<QString>("machine");
+    QTest::newRow("plain") << QStringLiteral("elsewhere");
+    QTest::newRow("letters") << QStringLiteral("\u5317\u6597-\u00fc");
+}
+
 void TestInstanceLock::AnOwnerOnAnotherMachine()
 {
+    QFETCH(const QString, machine);
     const QTemporaryDir directory;
     HeldFile file;
     QString error;
     QCOMPARE(file.Take(LockFile(directory), &error), HeldFile::Result::Taken);
-    const QByteArray content = "4711\nvexelhost\nelsewhere\n";
+    const QByteArray content = "4711\nvexelhost\n" + machine.toUtf8() + '\n';
     file.Write(content);
 
     InstanceLock lock;
     QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
-    QVERIFY2(lock.ErrorText().contains(QLatin1String("4711 on elsewhere")), qPrintable(lock.ErrorText()));
+    QVERIFY2(lock.ErrorText().contains(QStringLiteral("4711 on ") + machine), qPrintable(lock.ErrorText()));
     // It cannot be found out from here whether that process lives, so a person must be able to decide.
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(LockFile(directory))), qPrintable(lock.ErrorText()));
     QCOMPARE(Files::Read(LockFile(directory)), content);
@@ -330,7 +339,7 @@ void TestInstanceLock::LookingDoesNotDisturb()
 void TestInstanceLock::LookingRemovesNothing()
 {
     const QTemporaryDir directory;
-    const QByteArray content = "999999\nvexelhost\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n';
+    const QByteArray content = "999999\nvexelhost\n" + QSysInfo::machineHostName().toUtf8() + '\n';
     QVERIFY(Files::Write(LockFile(directory), content));
     const QDateTime changed = QFileInfo(LockFile(directory)).lastModified();
     QCOMPARE(OwnerOf(directory.path()), -1);
