@@ -90,10 +90,15 @@ bool MakeFolder(const QString& folder)
     const QFileInfo info(folder);
     if (info.isDir())
         return true;
+    const QString path = info.absoluteFilePath();
     const QString parent = info.absolutePath();
+    // Neither a drive, which is its own parent, nor another machine can be made. The name of the latter would be taken
+    // for that of a folder on this one, and there would be no end of parents of one called ".", where devices are.
+    const bool isMachine = path.startsWith(QLatin1String("//")) && path.lastIndexOf(u'/', -2) < 2;
+    if (isMachine || parent.size() >= path.size())
+        return false;
     // Another process may make it at the same moment.
-    if (parent == info.absoluteFilePath() || !MakeFolder(parent) ||
-        (!QDir(parent).mkdir(info.fileName()) && !QFileInfo(folder).isDir()))
+    if (!MakeFolder(parent) || (!QDir(parent).mkdir(info.fileName()) && !QFileInfo(folder).isDir()))
         return false;
     SyncFolder(parent); // a document in it says so when that does not work
     return true;

@@ -49,6 +49,8 @@ private slots:
             QVERIFY2(result.error.contains(QLatin1String("configuration directory")), qPrintable(result.error));
         }
         QVERIFY(QFile::exists(list));
+        // Nor is it taken for a folder of this machine.
+        QVERIFY(!QFile::exists(QDir::rootPath() + QStringLiteral("no-such-host")));
     }
 
     void DataThatIsNotThere_data() { Places(); }
@@ -152,7 +154,8 @@ private:
         QTest::addColumn<QString>("place");
         QTest::newRow("drive") << QStringLiteral("Q:/nowhere");
         QTest::newRow("share") << QStringLiteral("//no-such-host/share");
-        for (const char* device : {"NUL", "CON", "COM1", "NUL/folder", "C:/CON", "C:/windows/AUX"})
+        QTest::newRow("machine") << QStringLiteral("//no-such-host");
+        for (const char* device : {"NUL", "CON", "COM1", "//./NUL", "NUL/folder", "C:/CON", "C:/windows/AUX"})
             QTest::newRow(device) << QString::fromLatin1(device);
     }
 };
