@@ -9,7 +9,7 @@
 /// link to nothing. It must not be opened as a file: a pipe keeps whoever opens it waiting for its other end.
 inline bool IsBlocked(const QString& path)
 {
-    // Asked once: a lock file of another process may come or go between two questions.
+    // Of a file this is asked once: a lock of another process may come or go between two questions.
     using std::filesystem::file_type;
     const std::filesystem::path place = QFileInfo(path).filesystemFilePath();
     std::error_code error;

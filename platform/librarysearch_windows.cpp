@@ -4,7 +4,6 @@
 
 void SearchLibrariesHereOnly()
 {
-    // The first for whoever asks for the search order of old.
-    SetDllDirectoryW(L"");
+    // Not SetDllDirectory: programs that are started by this one would inherit that.
     SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }

@@ -67,7 +67,10 @@ bool Write(Stream stream, const QString& text)
     if (!IsConsole(handle))
         return Write(stream, text.toUtf8());
     for (qsizetype done = 0; done < text.size();) {
-        const qsizetype part = std::min(text.size() - done, s_uLongestPart);
+        qsizetype part = std::min(text.size() - done, s_uLongestPart);
+        // The console shows two halves of a character that come one by one as two unknown ones.
+        if (part > 1 && done + part < text.size() && text.at(done + part - 1).isHighSurrogate())
+            --part;
         DWORD written = 0;
         if (!WriteConsoleW(handle, text.utf16() + done, static_cast<DWORD>(part), &written, nullptr) || written == 0)
             return false;

@@ -23,6 +23,8 @@ public:
         inheritable.bInheritHandle = TRUE;
         m_Nowhere = CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
                                 OPEN_EXISTING, 0, nullptr);
+        if (m_Nowhere == INVALID_HANDLE_VALUE)
+            return;
         SIZE_T size = 0;
         InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         m_Memory.resize(size);
@@ -30,9 +32,9 @@ public:
         m_IsInitialized = InitializeProcThreadAttributeList(m_Attributes, 1, 0, &size) != FALSE;
         // Also what this process was itself given without knowing: a pipe among it would keep its reader waiting for as
         // long as the host lives.
-        m_IsComplete = m_Nowhere != INVALID_HANDLE_VALUE && m_IsInitialized &&
-                       UpdateProcThreadAttribute(m_Attributes, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &m_Nowhere,
-                                                 sizeof m_Nowhere, nullptr, nullptr) != FALSE;
+        m_IsComplete =
+            m_IsInitialized && UpdateProcThreadAttribute(m_Attributes, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &m_Nowhere,
+                                                         sizeof m_Nowhere, nullptr, nullptr) != FALSE;
     }
     ~Surroundings()
     {

@@ -84,10 +84,16 @@ int main(int argc, char* argv[])
     QObject::connect(button("m_pConnectButton"), &QAbstractButton::clicked, dialog, &QWidget::show);
     QObject::connect(button("m_pCloseButton"), &QAbstractButton::clicked, &application, &QApplication::quit);
     QObject::connect(dialog, &QDialog::rejected, &application, &QApplication::quit);
+    // A session of the system that ends waits for this, and for nothing that comes later.
+    const auto save = [&instance] {
+        instance->SaveSettings();
+        return CfgCenter::SaveDocument();
+    };
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, dialog, save, Qt::DirectConnection);
     dialog->show();
     QApplication::exec();
 
-    instance->SaveSettings();
+    save();
     instance.reset(); // stores once more what ended with it
     return CfgCenter::SaveDocument() ? 0 : Fail(4, QStringLiteral("the configuration could not be saved"));
 }

@@ -154,6 +154,21 @@ private slots:
         QVERIFY(setUp.StoredText().contains("FilterPattern"));
     }
 
+    void TheExampleSaves()
+    {
+        HostSetUp setUp;
+        QProcess process;
+        process.setProcessEnvironment(setUp.Environment());
+        process.start(QStringLiteral(VEXEL_INTEGRATION), {QStringLiteral(VEXEL_PLUGIN), setUp.Config()});
+        QTRY_VERIFY_WITH_TIMEOUT(DialogOf(process), 60'000);
+        QVERIFY(!setUp.StoredText().contains("ModelMimeData"));
+        QVERIFY(EndSession(process) > 0);
+        process.kill();
+        QVERIFY(process.waitForFinished());
+        for (const char* part : {"FilterPattern", "ModelMimeData"})
+            QVERIFY2(setUp.StoredText().contains(part), part);
+    }
+
 private:
     /// A headless host that has made an entry "mast", and waits for the end of its application.
     static void StartAtWork(HostSetUp& setUp, QProcess& process)

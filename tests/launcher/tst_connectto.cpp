@@ -50,6 +50,7 @@ private slots:
     void EveryType();
     void TextsArriveAsGiven_data();
     void TextsArriveAsGiven();
+    void AnApplicationsNameArrivesAsGiven();
     void ChildInheritsNothing();
     void StartsInCurrentDirectory();
     void StartsInTheDirectoryOfTheMoment();
@@ -245,6 +246,17 @@ void tst_ConnectTo::TextsArriveAsGiven()
         QCOMPARE(m_pChild->Reports().constFirst().arguments, QStringList(s("KiteControl:XMsgDlg.dll")) + form.further);
         QVERIFY(WaitForEnd());
     }
+}
+
+// It is the name of an element of the machine's file, which knows no blanks and no quotes.
+void tst_ConnectTo::AnApplicationsNameArrivesAsGiven()
+{
+    const QString name = s("Пеленгатор_方位.2-a");
+    Install({{name, {4}}});
+    QVERIFY(m_pCounter->ConnectTo(Entry("mast", 4, 0)));
+    QTRY_COMPARE(m_pChild->Count(), 1);
+    QCOMPARE(m_pChild->Reports().constFirst().arguments.value(0), name + s(":XMsgDlg.dll"));
+    QVERIFY(WaitForEnd());
 }
 
 void tst_ConnectTo::ChildInheritsNothing()
