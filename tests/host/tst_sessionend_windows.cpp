@@ -160,13 +160,15 @@ private slots:
         QProcess process;
         process.setProcessEnvironment(setUp.Environment());
         process.start(QStringLiteral(VEXEL_INTEGRATION), {QStringLiteral(VEXEL_PLUGIN), setUp.Config()});
-        QTRY_VERIFY_WITH_TIMEOUT(DialogOf(process), 60'000);
+        HWND window = nullptr;
+        QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(!setUp.StoredText().contains("ModelMimeData"));
-        QVERIFY(EndSession(process) > 0);
-        process.kill();
-        QVERIFY(process.waitForFinished());
+        // When it answers; not only behind its event loop, for which there may be no time.
+        QCOMPARE(Ask(window, WM_QUERYENDSESSION, 0), 1);
         for (const char* part : {"FilterPattern", "ModelMimeData"})
             QVERIFY2(setUp.StoredText().contains(part), part);
+        process.kill();
+        QVERIFY(process.waitForFinished());
     }
 
 private:
