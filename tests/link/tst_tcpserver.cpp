@@ -492,7 +492,11 @@ void TstTcpServer::onError()
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer::OnError(): error")));
     QCOMPARE(traces.Reports().constFirst().line, 102);
+    QCOMPARE(traces.Reports().constFirst().kind, ErrorHandler::Trace);
     QVERIFY(!widget.isVisible());
+    widget.show();
+    server.OnError(&fake);
+    QVERIFY(widget.isVisible());
     QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
@@ -505,6 +509,9 @@ void TstTcpServer::onWritten()
     server.OnWritten(&fake, 10);
     QVERIFY(traces.Reports().isEmpty());
     QVERIFY(!widget.isVisible());
+    widget.show();
+    server.OnWritten(&fake, 10);
+    QVERIFY(widget.isVisible());
     QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
