@@ -39,6 +39,7 @@ if(VEXEL_WARNINGS_AS_ERRORS)
 endif()
 
 if(VEXEL_SANITIZE)
+    target_compile_definitions(vexel_options INTERFACE VEXEL_SANITIZED)
     target_compile_options(vexel_options INTERFACE
         -fsanitize=${VEXEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(vexel_options INTERFACE -fsanitize=${VEXEL_SANITIZE})

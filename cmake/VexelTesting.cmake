@@ -12,18 +12,18 @@
 # UNIX_ONLY is for tests of what other systems do not have, or have no way to bring about: elsewhere they are not built,
 # and windows/test lists them with what <why> says, which also names the tests that look after the same there.
 #
-# Half of the time that a test takes to compile goes into the headers of Qt: the tests of a folder read them from one
-# precompiled header, and all link the same parts of Qt, since these decide what the headers hold. One for each folder,
-# since Qt Test defines a macro with its name. -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON shows whether a test includes all
-# that it uses. What is tested is optimised as it is for users; the tests themselves would take longer to optimise than
-# to run.
+# Half of the time that a test takes to compile goes into the headers of Qt: all tests read them from one precompiled
+# header, and all link the same parts of Qt, since these decide what the headers hold; the macros by which Qt Test tells
+# each test its own folders would keep them from that, and nothing uses them. -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON shows
+# whether a test includes all that it uses. What is tested is optimised as it is for users; the tests themselves would
+# take longer to optimise than to run.
 set(VEXEL_TEST_OPTIONS $<$<CXX_COMPILER_ID:GNU,Clang>:-O0>)
 set(VEXEL_TEST_LIBRARIES vexel_options Qt6::Test Qt6::Widgets Qt6::Network Qt6::Xml)
 
 function(vexel_use_test_headers target)
-    get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
-    set(headers vexel_testheaders_${folder})
+    set(headers vexel_testheaders)
     if(NOT TARGET ${headers})
+        set_property(TARGET Qt6::Test PROPERTY INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
         add_executable(${headers} EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/support/testheaders.cpp)
         target_link_libraries(${headers} PRIVATE ${VEXEL_TEST_LIBRARIES})
         target_compile_options(${headers} PRIVATE ${VEXEL_TEST_OPTIONS})
@@ -32,6 +32,9 @@ function(vexel_use_test_headers target)
     endif()
     target_compile_options(${target} PRIVATE ${VEXEL_TEST_OPTIONS})
     target_precompile_headers(${target} REUSE_FROM ${headers})
+    # A test includes what moc makes of it, so that this is empty.
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp PROPERTIES
+        SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
 function(vexel_add_test)

@@ -86,8 +86,6 @@ class VEXELPLATFORM_EXPORT IInterfaceCallback
 {
 public:
     IInterfaceCallback() = default;
-    virtual ~IInterfaceCallback();
-
     IInterfaceCallback(const IInterfaceCallback&) = delete;
     IInterfaceCallback& operator=(const IInterfaceCallback&) = delete;
 
@@ -102,6 +100,8 @@ public:
     virtual void OnError(IInterface* pInterface) = 0;
     /// `length` bytes of what was given to `Write` have been taken by the system.
     virtual void OnWritten(IInterface* pInterface, quint64 length) = 0;
+
+    virtual ~IInterfaceCallback();
 };
 
 /// Makes interfaces. Without state; made on the spot.

@@ -361,7 +361,7 @@ void FormTest::showsFilterFrameAndDetailsAtFirst()
 void FormTest::connectsButtonsAndActions()
 {
     FormDialog& f = *m_pForm;
-    const auto calls = [&f](const char* text) {
+    const auto calls = [](const char* text) {
         return QStringList{QString::fromLatin1(text)};
     };
 

@@ -14,6 +14,8 @@ public:
 
 private:
     qintptr m_Former = -1;
-    int m_FormerDescriptor = -1; // of the compiler's runtime, where that is another
+#ifdef Q_OS_WIN
+    int m_FormerDescriptor = -1; // the compiler's runtime has one of its own
+#endif
     qintptr m_File = -1;
 };

@@ -390,7 +390,7 @@ void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
     const auto first = CallerOf(server.port);
     QTRY_COMPARE(first->bytesAvailable(), much.size());
     QCOMPARE(server.callback.Count(Kind::Error), 0);
-    QTRY_COMPARE(server.callback.Length(Kind::Written), much.size());
+    QTRY_COMPARE(server.callback.Length(Kind::Written), quint64(much.size()));
 
     const auto second = CallerOf(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr qint64 s_mebibyte = 1024LL * 1024;
 // Sanitizers keep for a while what has been given back, and so their memory says nothing.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef VEXEL_SANITIZED
 constexpr bool s_canMeasure = false;
 constexpr qint64 s_flood = 64 * s_mebibyte;
 #else

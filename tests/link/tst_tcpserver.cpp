@@ -224,6 +224,7 @@ void TstTcpServer::creationFails()
         QCOMPARE(traces.Messages(s_sourceFile),
                  QStringList(QStringLiteral("TCPServer(): Creation of Server TCP interface failed.")));
         QCOMPARE(traces.Reports().constLast().line, 54);
+        QCOMPARE(traces.Reports().constLast().kind, ErrorHandler::Trace);
 
         // Complete and usable, but that nobody calls back.
         QVERIFY(!window.isVisible());

@@ -1,0 +1,166 @@
+#include "platform/errorhandler.h"
+#include "platform/interfaces.h"
+#include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/tcpserver.h"
+
+#include <QDialog>
+#include <QList>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+/// What the server has asked of the connections library, and what it gets.
+struct Library
+{
+    struct Creation
+    {
+        QString address;
+        IInterfaceCallback* callback;
+        quint64 number;
+        bool flag;
+    };
+
+    QList<Creation> creations;
+    bool fails = false;
+    int alive = 0;
+    int calls = 0;
+};
+Library s_library;
+
+/// An interface that counts itself, and whatever is asked of it.
+class CountedInterface : public IInterface
+{
+public:
+    CountedInterface() { ++s_library.alive; }
+    ~CountedInterface() override { --s_library.alive; }
+
+    CountedInterface(const CountedInterface&) = delete;
+    CountedInterface& operator=(const CountedInterface&) = delete;
+
+    bool Open() override { return Called(); }
+    void Close() override { Called(); }
+    bool IsOpen() const override { return Called(); }
+    void Write(const char*, quint64) override { Called(); }
+    void Read(char*, quint64*, bool) override { Called(); }
+
+private:
+    static bool Called()
+    {
+        ++s_library.calls;
+        return true;
+    }
+};
+
+/// Notes what the trace has said by the time it is shown.
+class Window : public QDialog
+{
+public:
+    explicit Window(const TraceRecorder& traces)
+        : m_Traces(traces)
+    {
+    }
+
+    QStringList tracedBefore;
+
+protected:
+    void showEvent(QShowEvent* event) override
+    {
+        tracedBefore = m_Traces.Messages();
+        QDialog::showEvent(event);
+    }
+
+private:
+    const TraceRecorder& m_Traces;
+};
+
+} // namespace
+
+// In the place of the library's.
+IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number,
+                                               bool flag)
+{
+    s_library.creations.append({address, callback, number, flag});
+    return s_library.fails ? nullptr : new CountedInterface;
+}
+
+/// What the server asks of a connections library that does as the test says.
+class TstTcpServerCalls : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { s_library = {}; }
+
+    void createsOneOpenServer();
+    void endsWhatItCreated();
+    void withoutAnInterface();
+    void tracesBeforeItShows();
+};
+
+void TstTcpServerCalls::createsOneOpenServer()
+{
+    QWidget widget;
+    TCPServer server(&widget);
+    QCOMPARE(s_library.creations.size(), 1);
+    const auto& creation = s_library.creations.constFirst();
+    QCOMPARE(creation.address, QStringLiteral("TCP::8451"));
+    QCOMPARE(creation.callback, static_cast<IInterfaceCallback*>(&server));
+    QCOMPARE(creation.number, 10000);
+    QCOMPARE(creation.flag, false);
+
+    // No call of the starter has another one made, or touches the one that is there.
+    CountedInterface peer;
+    server.OnOpen(&peer);
+    server.OnWritten(&peer, 1);
+    server.OnError(&peer);
+    server.OnClose(&peer);
+    server.OnRead(&peer, 0);
+    QCOMPARE(s_library.creations.size(), 1);
+    QCOMPARE(s_library.calls, 0);
+}
+
+void TstTcpServerCalls::endsWhatItCreated()
+{
+    QWidget widget;
+    auto server = std::make_unique<TCPServer>(&widget);
+    QCOMPARE(s_library.alive, 1);
+    server.reset();
+    QCOMPARE(s_library.alive, 0);
+    QCOMPARE(s_library.calls, 0);
+    QVERIFY(!widget.isVisible());
+}
+
+void TstTcpServerCalls::withoutAnInterface()
+{
+    s_library.fails = true;
+    QWidget widget;
+    const TraceRecorder traces;
+    {
+        TCPServer server(&widget);
+        QCOMPARE(s_library.creations.size(), 1);
+        server.OnOpen(nullptr);
+        QVERIFY(widget.isVisible());
+    }
+    // It does not try again.
+    QCOMPARE(s_library.creations.size(), 1);
+    QCOMPARE(traces.Reports().constFirst().message,
+             QStringLiteral("TCPServer(): Creation of Server TCP interface failed."));
+    QCOMPARE(traces.Reports().constFirst().line, 54);
+    QCOMPARE(traces.Reports().constFirst().kind, ErrorHandler::Trace);
+}
+
+void TstTcpServerCalls::tracesBeforeItShows()
+{
+    const TraceRecorder traces;
+    Window window(traces);
+    TCPServer server(&window);
+    server.OnOpen(nullptr);
+    QCOMPARE(window.tracedBefore,
+             (QStringList{QStringLiteral("TCPServer(): Server TCP interface created."),
+                          QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.")}));
+}
+
+QTEST_MAIN(TstTcpServerCalls)
+#include "tst_tcpservercalls.moc"
