@@ -63,15 +63,15 @@ void WriteTree(benchmark::State& state, int entries)
         state.SetIterationTime(Runner::Seconds([&] { benchmark::DoNotOptimize(tree.toByteArray(2)); }));
 }
 
-/// The same tokens, each written as it was read.
-void WriteTokens(benchmark::State& state, int entries)
+struct Token
 {
-    struct Token
-    {
-        QXmlStreamReader::TokenType type;
-        QString text;
-        bool isCData;
-    };
+    QXmlStreamReader::TokenType type;
+    QString text;
+    bool isCData;
+};
+
+std::vector<Token> Tokens(int entries)
+{
     std::vector<Token> tokens;
     QXmlStreamReader reader(Lists::Document(Lists::Entries(entries)));
     while (!reader.atEnd()) {
@@ -80,6 +80,36 @@ void WriteTokens(benchmark::State& state, int entries)
                           type == QXmlStreamReader::StartElement ? reader.name().toString() : reader.text().toString(),
                           reader.isCDATA()});
     }
+    return tokens;
+}
+
+/// A tree of the same tokens, made, written and given up.
+void MakeAndWriteTree(benchmark::State& state, int entries)
+{
+    const std::vector<Token> tokens = Tokens(entries);
+    for (auto iteration : state) {
+        state.SetIterationTime(Runner::Seconds([&] {
+            QDomDocument tree;
+            QDomNode at = tree;
+            for (const Token& token : tokens) {
+                if (token.type == QXmlStreamReader::StartElement)
+                    at = at.appendChild(tree.createElement(token.text));
+                else if (token.type == QXmlStreamReader::EndElement)
+                    at = at.parentNode();
+                else if (token.isCData)
+                    at.appendChild(tree.createCDATASection(token.text));
+                else if (token.type == QXmlStreamReader::Characters && !token.text.trimmed().isEmpty())
+                    at.appendChild(tree.createTextNode(token.text));
+            }
+            benchmark::DoNotOptimize(tree.toByteArray(2));
+        }));
+    }
+}
+
+/// The same tokens, each written as it was read.
+void WriteTokens(benchmark::State& state, int entries)
+{
+    const std::vector<Token> tokens = Tokens(entries);
     for (auto iteration : state) {
         state.SetIterationTime(Runner::Seconds([&] {
             QByteArray document;
@@ -109,6 +139,7 @@ int main(int argc, char* argv[])
     Runner::Enter("read a document", "pugixml, a tree", ReadTree);
     Runner::Enter("write a document", "product", Write);
     Runner::Enter("write a document", "QDomDocument, a ready tree", WriteTree);
+    Runner::Enter("write a document", "QDomDocument, the tree as well", MakeAndWriteTree);
     Runner::Enter("write a document", "QXmlStreamWriter, ready tokens", WriteTokens);
     return Runner::Run(argc, argv);
 }
