@@ -145,6 +145,7 @@ void TstTcpServerCalls::withoutAnInterface()
     }
     // It does not try again.
     QCOMPARE(s_library.creations.size(), 1);
+    QVERIFY(!traces.Reports().isEmpty());
     QCOMPARE(traces.Reports().constFirst().message,
              QStringLiteral("TCPServer(): Creation of Server TCP interface failed."));
     QCOMPARE(traces.Reports().constFirst().line, 54);
