@@ -47,6 +47,8 @@ public:
     explicit BareWindow(QAbstractItemModel* model);
 
     QSortFilterProxyModel* Proxy() const { return m_Proxy; }
+    /// Shows the place of the filter, which does nothing here.
+    void ShowFilter() { m_pFilterFrame->show(); }
     QTreeView* BasicView() const { return m_pBasicView; }
     QTreeView* DetailsView() const { return m_pDetailsView; }
 

@@ -26,6 +26,8 @@
 
 namespace {
 
+constexpr int s_ticks = 100; // no list is shorter
+
 using Step = std::function<void()>;
 
 /// Model, launcher and dialog on a configuration in memory, with both views on the screen.
@@ -141,16 +143,21 @@ void ImportBare(benchmark::State& state, int entries)
         state, session, [&] { session.table.Clear(); }, [&] { session.table.Append(session.rows); });
 }
 
+/// A key stroke in the filter: the pattern before it, and after.
 struct Pattern
 {
     const char* name;
     SearchMode mode;
-    QString text;
+    QString before;
+    QString after;
 };
 
-const std::array s_patterns{Pattern{"filter, plain text", SearchMode::PlainText, QStringLiteral("7")},
-                            Pattern{"filter, wildcard", SearchMode::Wildcard, QStringLiteral("s*7")},
-                            Pattern{"filter, expression", SearchMode::RegularExpression, QStringLiteral("7[0-4]")}};
+const std::array s_patterns{
+    Pattern{"filter, plain text", SearchMode::PlainText, QString(), QStringLiteral("7")},
+    Pattern{"filter, plain text narrowed", SearchMode::PlainText, QStringLiteral("7"), QStringLiteral("70")},
+    Pattern{"filter, plain text cleared", SearchMode::PlainText, QStringLiteral("7"), QString()},
+    Pattern{"filter, wildcard", SearchMode::Wildcard, QString(), QStringLiteral("s*7")},
+    Pattern{"filter, expression", SearchMode::RegularExpression, QString(), QStringLiteral("7[0-4]")}};
 
 void Filter(benchmark::State& state, int entries, const Pattern& pattern)
 {
@@ -158,34 +165,36 @@ void Filter(benchmark::State& state, int entries, const Pattern& pattern)
     session.dialog.m_pFilterAction->trigger();
     session.dialog.m_pRegExpComboBox->setCurrentIndex(static_cast<int>(pattern.mode));
     Repeat(
-        state, session, [&] { session.dialog.m_pFilterPatternLineEdit->clear(); },
-        [&] { session.dialog.m_pFilterPatternLineEdit->setText(pattern.text); });
+        state, session, [&] { session.dialog.m_pFilterPatternLineEdit->setText(pattern.before); },
+        [&] { session.dialog.m_pFilterPatternLineEdit->setText(pattern.after); });
 }
 
 void FilterBare(benchmark::State& state, int entries, const Pattern& pattern)
 {
-    const BareView session(entries);
+    BareView session(entries);
+    session.window.ShowFilter();
     QSortFilterProxyModel* const proxy = session.window.Proxy();
+    const auto show = [&](const QString& text) {
+        switch (pattern.mode) {
+        case SearchMode::Wildcard:
+            return proxy->setFilterWildcard(text);
+        case SearchMode::RegularExpression:
+            return proxy->setFilterRegularExpression(text);
+        default:
+            return proxy->setFilterFixedString(text);
+        }
+    };
     Repeat(
-        state, session, [&] { proxy->setFilterFixedString(QString()); },
-        [&] {
-            switch (pattern.mode) {
-            case SearchMode::Wildcard:
-                return proxy->setFilterWildcard(pattern.text);
-            case SearchMode::RegularExpression:
-                return proxy->setFilterRegularExpression(pattern.text);
-            default:
-                return proxy->setFilterFixedString(pattern.text);
-            }
-        });
+        state, session, [&] { show(pattern.before); }, [&] { show(pattern.after); });
 }
 
+/// Sorts by `column` a list that was sorted by the one beside it.
 void Sort(benchmark::State& state, int entries, int column)
 {
     const Session session(entries);
     QTreeView* const view = session.dialog.m_pBasicView;
     Repeat(
-        state, session, [&] { view->sortByColumn(column, Qt::DescendingOrder); },
+        state, session, [&] { view->sortByColumn((column + 1) % ConnectionsModel::ColumnCount, Qt::AscendingOrder); },
         [&] { view->sortByColumn(column, Qt::AscendingOrder); });
 }
 
@@ -194,7 +203,7 @@ void SortBare(benchmark::State& state, int entries, int column)
     const BareView session(entries);
     QTreeView* const view = session.window.BasicView();
     Repeat(
-        state, session, [&] { view->sortByColumn(column, Qt::DescendingOrder); },
+        state, session, [&] { view->sortByColumn((column + 1) % ConnectionsModel::ColumnCount, Qt::AscendingOrder); },
         [&] { view->sortByColumn(column, Qt::AscendingOrder); });
 }
 
@@ -263,6 +272,49 @@ void TickBare(benchmark::State& state, int entries)
         state, session, [] {}, [&] { session.table.Touch(entries / 2, ConnectionsModel::ColumnSelected); });
 }
 
+/// Without layout and painting, which are most of the time of one change and the same for any list.
+void TickAlone(benchmark::State& state, int entries)
+{
+    Session session(entries);
+    bool ticked = false;
+    for (auto iteration : state) {
+        ticked = !ticked;
+        session.Show();
+        state.SetIterationTime(Runner::Seconds([&] {
+            for (int row = 0; row < s_ticks; ++row)
+                session.model.setData(session.model.index(row, ConnectionsModel::ColumnSelected), ticked);
+        }));
+    }
+}
+
+/// The model without anybody who listens.
+void TickUnseen(benchmark::State& state, int entries)
+{
+    CfgCenter::Close();
+    ConnectionsModel model(nullptr, QStringLiteral("ConnectionsModel"));
+    Lists::Fill(model, Lists::Entries(entries));
+    bool ticked = false;
+    for (auto iteration : state) {
+        ticked = !ticked;
+        state.SetIterationTime(Runner::Seconds([&] {
+            for (int row = 0; row < s_ticks; ++row)
+                model.setData(model.index(row, ConnectionsModel::ColumnSelected), ticked);
+        }));
+    }
+}
+
+void TickAloneBare(benchmark::State& state, int entries)
+{
+    BareSession session(entries);
+    for (auto iteration : state) {
+        session.Show();
+        state.SetIterationTime(Runner::Seconds([&] {
+            for (int row = 0; row < s_ticks; ++row)
+                session.table.Touch(row, ConnectionsModel::ColumnSelected);
+        }));
+    }
+}
+
 void Reset(benchmark::State& state, int entries)
 {
     Session session(entries);
@@ -311,8 +363,8 @@ void DataBare(benchmark::State& state, int entries)
 void EnterAll()
 {
     Runner::Enter("import", "product", Import);
-    Runner::Enter("import", "tokens alone, and a bare table, one insertion", ImportTokens);
     Runner::Enter("import", "bare table, one insertion", ImportBare);
+    Runner::Enter("import", "tokens alone, and a bare table, one insertion", ImportTokens);
     for (const Pattern& pattern : s_patterns) {
         Runner::Enter(pattern.name, "product",
                       [&pattern](benchmark::State& state, int entries) { Filter(state, entries, pattern); });
@@ -334,6 +386,9 @@ void EnterAll()
     Runner::Enter("delete all", "bare table, one removal", RemoveAllBare);
     Runner::Enter("tick one entry", "product", Tick);
     Runner::Enter("tick one entry", "bare table, one change", TickBare);
+    Runner::Enter("tick 100 entries, painting apart", "product", TickAlone);
+    Runner::Enter("tick 100 entries, painting apart", "bare table, as many changes", TickAloneBare);
+    Runner::Enter("tick 100 entries, no view", "product", TickUnseen);
     Runner::Enter("reset every status", "product", Reset);
     Runner::Enter("reset every status", "bare table, as many changes", ResetBare);
     Runner::Enter("data of 1,000 cells", "product", Data);

@@ -1,6 +1,6 @@
 // From the start of the process to the first painted dialog: the host with its plug-in, beside a program that shows an
 // empty dialog, and one that shows the same form with as many rows. All are ended by a plug-in of Qt's as soon as they
-// have painted; see firstpaint.cpp.
+// have painted; see firstpaint.cpp. The counter is the memory that each holds by then.
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
@@ -18,17 +18,34 @@ namespace {
 
 constexpr std::array s_lengths{0, 1'000, 10'000};
 
+/// The memory, in KiB, of which the file at `path` tells; 0 where it does not.
+double ResidentKiB(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).replace("kB", "").trimmed().toDouble();
+    }
+    return 0;
+}
+
 void Time(benchmark::State& state, const QString& program, const QStringList& arguments, const QString& lockFile)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("firstpaint"));
     environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QCoreApplication::applicationDirPath());
+    const QTemporaryDir directory;
+    const QString memory = directory.filePath(QStringLiteral("memory"));
+    environment.insert(QStringLiteral("VEXEL_FIRSTPAINT_MEMORY"), memory);
     for (auto iteration : state) {
         QProcess process;
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         // It ends without warning, so that its lock is left.
         QFile::remove(lockFile);
+        QFile::remove(memory);
         state.SetIterationTime(Runner::Seconds([&] {
             process.start(program, arguments);
             process.waitForFinished(60'000);
@@ -36,6 +53,7 @@ void Time(benchmark::State& state, const QString& program, const QStringList& ar
         if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
             return state.SkipWithError("the program did not come to its first painted dialog");
     }
+    state.counters["resident, KiB"] = ResidentKiB(memory);
 }
 
 void StartHost(benchmark::State& state, int entries)

@@ -17,26 +17,41 @@ PRODUCT = "product"
 COLOURS = ["#1f5fa8", "#c8641e", "#5a8f29", "#7a4fa0"]
 
 
+class Figure:
+    """Median seconds, and counters; unsteady where the repetitions differ by more than a tenth."""
+
+    def __init__(self):
+        self.seconds = None
+        self.unsteady = False
+        self.counters = {}
+
+
 def load(results):
-    """what -> subject -> entries -> (median seconds, counters); the order is that of the measuring programs."""
+    """what -> subject -> entries -> Figure, in the order of the measuring programs; and what they were built with."""
     figures = {}
+    context = {}
     for path in sorted(results.glob("*.json")):
-        for run in json.loads(path.read_text())["benchmarks"]:
+        content = json.loads(path.read_text())
+        context = content["context"]
+        for run in content["benchmarks"]:
             if run.get("error_occurred"):
                 sys.exit(f"{path.name}: {run['name']}: {run['error_message']}")
-            if run["run_type"] == "aggregate" and run["aggregate_name"] != "median":
-                continue
             subject, what, entries = run["run_name"].removesuffix("/manual_time").rsplit("/", 2)
+            figure = figures.setdefault(what, {}).setdefault(subject, {}).setdefault(int(entries), Figure())
             unit = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}[run["time_unit"]]
-            counters = {name: value for name, value in run.items() if " " in name}
-            series = figures.setdefault(what, {}).setdefault(subject, {})
-            series[int(entries)] = (run["real_time"] * unit, counters)
-    return figures
+            aggregate = run["aggregate_name"] if run["run_type"] == "aggregate" else "iteration"
+            if aggregate == "cv":
+                figure.unsteady = run["real_time"] > 0.1
+            elif aggregate == "median" or (aggregate == "iteration" and figure.seconds is None):
+                figure.seconds = run["real_time"] * unit
+                figure.counters = {name: value for name, value in run.items() if " " in name}
+    return figures, context
 
 
-def exponent(series, least=1_000):
-    """The slope of the straight line through the logarithms, from `least` entries on."""
-    points = [(math.log(n), math.log(seconds)) for n, (seconds, _) in series.items() if n >= least]
+def exponent(series):
+    """The slope of the straight line through the logarithms: of long lists from 1,000 entries on."""
+    least = 1_000 if max(series) >= 10_000 else 1
+    points = [(math.log(n), math.log(figure.seconds)) for n, figure in series.items() if n >= least]
     if len(points) < 2:
         return None
     mean_x = sum(x for x, _ in points) / len(points)
@@ -59,18 +74,19 @@ def table(figures):
         lines.append("|---|" + "---:|" * (len(lengths) + 1))
         for subject, series in subjects.items():
             slope = exponent(series)
-            cells = [text(series[n][0]) if n in series else "" for n in lengths]
+            cells = [text(series[n].seconds) + "~" * series[n].unsteady if n in series else "" for n in lengths]
             lines.append(f"| {subject} | " + " | ".join(cells) + f" | {'' if slope is None else f'{slope:.2f}'} |")
         product = subjects.get(PRODUCT, {})
         for subject, series in subjects.items():
             if subject == PRODUCT:
                 continue
-            cells = [f"**{product[n][0] / series[n][0]:.2f}**" if n in series and n in product else "" for n in lengths]
+            cells = [f"**{product[n].seconds / series[n].seconds:.2f}**" if n in series and n in product else ""
+                     for n in lengths]
             lines.append(f"| ratio to: {subject} | " + " | ".join(cells) + " | |")
-        counters = sorted({name for _, values in product.values() for name in values})
-        for name in counters:
-            cells = [f"{product[n][1][name]:.0f}" if n in product else "" for n in lengths]
-            lines.append(f"| {name} | " + " | ".join(cells) + " | |")
+        for subject, series in subjects.items():
+            for name in sorted({name for figure in series.values() for name in figure.counters}):
+                cells = [f"{series[n].counters[name]:,.0f}" if n in series else "" for n in lengths]
+                lines.append(f"| {subject}: {name} | " + " | ".join(cells) + " | |")
         lines += ["", f"![{what}]({file_name(what)})", ""]
     return lines
 
@@ -81,8 +97,9 @@ def file_name(what):
 
 def plot(what, subjects):
     """Both axes logarithmic: the slope of a line is its exponent of growth."""
-    width, height, left, bottom, top, right = 640, 360, 70, 50, 30, 20
-    points = [(max(n, 1), seconds) for series in subjects.values() for n, (seconds, _) in series.items()]
+    legend = 18 * len(subjects)
+    width, height, left, bottom, top, right = 640, 330 + legend, 70, 32 + legend, 30, 40
+    points = [(max(n, 1), figure.seconds) for series in subjects.values() for n, figure in series.items()]
     low_x, high_x = (math.log10(f(n for n, _ in points)) for f in (min, max))
     low_y = math.floor(math.log10(min(s for _, s in points) * 1e3))
     high_y = math.ceil(math.log10(max(s for _, s in points) * 1e3))
@@ -104,15 +121,15 @@ def plot(what, subjects):
     for n in sorted({n for n, _ in points}):
         svg.append(f'<text x="{x(n):.1f}" y="{height - bottom + 18}" text-anchor="middle">{n:,}</text>')
     for colour, (subject, series) in zip(COLOURS, subjects.items()):
-        line = [(x(n), y(seconds)) for n, (seconds, _) in sorted(series.items())]
+        line = [(x(n), y(series[n].seconds)) for n in sorted(series)]
         svg.append(f'<polyline fill="none" stroke="{colour}" stroke-width="2" points="'
                    + " ".join(f"{a:.1f},{b:.1f}" for a, b in line) + '"/>')
         svg += [f'<circle cx="{a:.1f}" cy="{b:.1f}" r="3" fill="{colour}"/>' for a, b in line]
-    at = left
+    at = height - legend
     for colour, subject in zip(COLOURS, subjects):
-        svg.append(f'<rect x="{at}" y="{height - 18}" width="10" height="10" fill="{colour}"/>')
-        svg.append(f'<text x="{at + 14}" y="{height - 9}">{subject}</text>')
-        at += 40 + 7 * len(subject)
+        svg.append(f'<rect x="{left}" y="{at}" width="10" height="10" fill="{colour}"/>')
+        svg.append(f'<text x="{left + 16}" y="{at + 9}">{subject}</text>')
+        at += 18
     return "\n".join(svg + ["</svg>"]) + "\n"
 
 
@@ -123,14 +140,14 @@ def machine():
             model = line.split(":", 1)[1].strip()
             break
     cores = sum(line.startswith("processor") for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines())
-    return f"{model}, {cores} cores; Linux {platform.release()}"
+    return f"{model}, {cores} cores; Linux {".".join(platform.release().split(".")[:2])}"
 
 
 def main():
     if len(sys.argv) != 3:
         sys.exit(__doc__)
     results, folder = (pathlib.Path(argument) for argument in sys.argv[1:])
-    figures = load(results)
+    figures, context = load(results)
     if not figures:
         sys.exit(f"no figures in {results}")
     folder.mkdir(parents=True, exist_ok=True)
@@ -139,8 +156,10 @@ def main():
     for what, subjects in figures.items():
         if len(subjects) > 1 or len(next(iter(subjects.values()))) > 1:
             (folder / file_name(what)).write_text(plot(what, subjects))
-    lines = ["# Measured", "", f"By `benchmarks/run`, on: {machine()}. Medians. Ratios are to what was measured in the "
-             "same run with the bare parts of Qt; exponents are of growth from 1,000 entries on.", ""]
+    lines = ["# Measured", "", f"By `benchmarks/run`, on: {machine()}; Qt {context.get('Qt', 'unknown')}, compiler "
+             f"{context.get('compiler', 'unknown')}. Medians; ~ stands behind those whose repetitions differ by more than "
+             "a tenth. Ratios are to what was measured in the same run with the bare parts of Qt; exponents are of growth, "
+             "for long lists from 1,000 entries on.", ""]
     lines += table(figures)
     for name, title in (("link.txt", "The starter link"), ("instructions.txt", "Instructions")):
         if (results / name).exists():

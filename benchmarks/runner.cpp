@@ -30,6 +30,8 @@ int Run(int argc, char* argv[])
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
+    benchmark::AddCustomContext("Qt", qVersion());
+    benchmark::AddCustomContext("compiler", __VERSION__);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;
