@@ -480,6 +480,14 @@ void tst_DialogFiles::dropWithoutUrlsIsIgnored()
     data.setData(QStringLiteral("text/plain"), ThreeEntries());
     MessageBoxes boxes;
     QVERIFY(!DialogFixture::Drop(m_Fixture->dialog, data));
+    // Nor where the drag had files, and what is dropped has none.
+    QMimeData files;
+    files.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
+    QVERIFY(DialogFixture::DragEnter(m_Fixture->dialog, files));
+    QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    event.accept();
+    QCoreApplication::sendEvent(m_Fixture->dialog, &event);
+    QVERIFY(!event.isAccepted());
     QCOMPARE(boxes.Count(), 0);
     QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
 }
