@@ -18,6 +18,12 @@ QString Escaped(QChar character)
     return kEscape + QString::number(character.unicode(), 16).rightJustified(kDigits, u'0').toUpper();
 }
 
+bool IsHexadecimal(QChar character)
+{
+    const char16_t unit = character.unicode();
+    return (unit >= u'0' && unit <= u'9') || (unit >= u'A' && unit <= u'F') || (unit >= u'a' && unit <= u'f');
+}
+
 QString ViewFolder(View view)
 {
     switch (view) {
@@ -87,14 +93,13 @@ QString ConfigNames::FromStep(const QString& step)
 
     QString name;
     for (qsizetype i = 0; i < step.size(); ++i) {
-        if (step.at(i) == kEscape && i + kDigits < step.size()) {
-            bool isNumber = false;
-            const ushort code = QStringView(step).mid(i + 1, kDigits).toUShort(&isNumber, 16);
-            if (isNumber) {
-                name += QChar(code);
-                i += kDigits;
-                continue;
-            }
+        const QStringView digits = QStringView(step).mid(i + 1, kDigits);
+        // Only digits: a number may have blanks and a sign before it.
+        if (step.at(i) == kEscape && digits.size() == kDigits &&
+            std::all_of(digits.begin(), digits.end(), IsHexadecimal)) {
+            name += QChar(digits.toUShort(nullptr, 16));
+            i += kDigits;
+            continue;
         }
         name += step.at(i);
     }

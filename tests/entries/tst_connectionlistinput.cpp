@@ -72,6 +72,8 @@ private slots:
     void documentTypesWithoutEntitiesAreRead();
     void entityDeclarationsAreRefused_data();
     void entityDeclarationsAreRefused();
+    void entityDeclarationsInAFieldAreRefused_data();
+    void entityDeclarationsInAFieldAreRefused();
 
     void deepNesting_data();
     void deepNesting();
@@ -478,6 +480,24 @@ void TestConnectionListInput::entityDeclarationsAreRefused()
                  .hasMatch(),
              qPrintable(message));
     QVERIFY(IsXmlErrorTrace(reading.reports, message));
+}
+
+void TestConnectionListInput::entityDeclarationsInAFieldAreRefused_data()
+{
+    entityDeclarationsAreRefused_data();
+}
+
+// Qt's reader takes a document type wherever it stands.
+void TestConnectionListInput::entityDeclarationsInAFieldAreRefused()
+{
+    QFETCH(QByteArray, declarations);
+    QFETCH(QByteArray, name);
+    const Reading reading = ReadList(InRoot(Named("before<!DOCTYPE a [" + declarations + "]>" + name)));
+    QVERIFY(!reading.result);
+    QCOMPARE(reading.entries.size(), std::size_t(1));
+    QCOMPARE(reading.entries.front().ConnectionName, QStringLiteral("before"));
+    QCOMPARE(reading.reports.size(), 1);
+    QVERIFY(IsXmlErrorTrace(reading.reports, reading.reports.first().message));
 }
 
 void TestConnectionListInput::deepNesting_data()

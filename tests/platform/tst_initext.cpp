@@ -219,6 +219,16 @@ private slots:
         QCOMPARE(IniText(text.Text()).Values(), expected);
     }
 
+    void digitsAloneSpellACharacter()
+    {
+        // What a reader of numbers would take as well: a sign, blanks, ends of lines.
+        const IniText text("%25+041=1\n%25 041=2\n\"%\n\r41\"=3\n%250042=4\n");
+        QCOMPARE(text.Values().size(), 4);
+        QVERIFY(!text.Values().contains(QStringLiteral("A")));
+        QVERIFY(!text.Values().contains(QStringLiteral("\"A\"")));
+        QCOMPARE(text.Values().value(QStringLiteral("B")), QStringLiteral("4"));
+    }
+
     void byteOrderMarksAreCharacters()
     {
         const QString mark(QChar::ByteOrderMark);

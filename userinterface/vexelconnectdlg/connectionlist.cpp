@@ -187,8 +187,24 @@ private:
             entry.Subsystem = ReadText();
     }
 
-    // An element inside a field's element is unknown there, and unknown elements are no errors.
-    QString ReadText() { return m_Xml.readElementText(QXmlStreamReader::SkipChildElements); }
+    /// The text of the element that has just begun. An element inside it is unknown there, and unknown elements are no
+    /// errors. Qt's own reading of a text would not look at what comes between: this reader takes a document type
+    /// anywhere.
+    QString ReadText()
+    {
+        QString text;
+        int depth = 0; // of unknown elements
+        while (!m_Xml.atEnd()) {
+            ReadNext();
+            if (m_Xml.isStartElement())
+                ++depth;
+            else if (m_Xml.isEndElement() && --depth < 0)
+                break;
+            else if (depth == 0 && (m_Xml.isCharacters() || m_Xml.isEntityReference()))
+                text += m_Xml.text();
+        }
+        return text;
+    }
 
     int ReadNumber() { return ReadText().toInt(); }
 
