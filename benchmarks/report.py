@@ -140,7 +140,8 @@ def machine():
             model = line.split(":", 1)[1].strip()
             break
     cores = sum(line.startswith("processor") for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines())
-    return f"{model}, {cores} cores; Linux {".".join(platform.release().split(".")[:2])}"
+    version = ".".join(platform.release().split(".")[:2])
+    return f"{model}, {cores} cores; Linux {version}"
 
 
 def main():
