@@ -118,7 +118,8 @@ def plot(what, subjects):
         at = y(10.0 ** (decade - 3))
         svg.append(f'<line x1="{left}" x2="{width - right}" y1="{at:.1f}" y2="{at:.1f}" stroke="#ddd"/>')
         svg.append(f'<text x="{left - 6}" y="{at + 4:.1f}" text-anchor="end">{10.0 ** decade:g} ms</text>')
-    for n in sorted({n for n, _ in points}):
+    # An empty list has no place on this axis, and stands where one of a single entry would.
+    for n in sorted({n for series in subjects.values() for n in series}):
         svg.append(f'<text x="{x(n):.1f}" y="{height - bottom + 18}" text-anchor="middle">{n:,}</text>')
     for colour, (subject, series) in zip(COLOURS, subjects.items()):
         line = [(x(n), y(series[n].seconds)) for n in sorted(series)]
