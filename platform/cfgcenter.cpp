@@ -83,7 +83,7 @@ QString ObstacleTo(const QString& directory)
         return QStringLiteral("it has no name");
     if (MakeFolder(directory))
         return ObstacleIn(directory);
-    return QFileInfo(directory).exists() ? QStringLiteral("it is no directory") : QStringLiteral("it cannot be made");
+    return QFileInfo::exists(directory) ? QStringLiteral("it is no directory") : QStringLiteral("it cannot be made");
 }
 
 } // namespace
