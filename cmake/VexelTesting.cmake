@@ -71,14 +71,18 @@ function(vexel_add_test)
         set(platform xcb)
         # The X keyboard library copies texts that end with their buffer, which is right and yet fails the strict check.
         set(strict_strings 0)
+        # The longest ones, which wait most: begun first, they are not waited for at the end.
+        set(cost 60)
     else()
         add_test(NAME ${arg_NAME} COMMAND ${arg_NAME})
         set(platform offscreen)
         set(strict_strings 1)
+        set(cost 0)
     endif()
     set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
     set_tests_properties(${arg_NAME} PROPERTIES
         TIMEOUT ${timeout}
+        COST ${cost}
         RESOURCE_LOCK "${arg_RESOURCE_LOCK}"
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};${environment}"
     )
