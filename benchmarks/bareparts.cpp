@@ -29,21 +29,21 @@ void BareTable::Append(std::vector<Row> rows)
         return;
     const int first = rowCount();
     beginInsertRows(QModelIndex(), first, first + static_cast<int>(rows.size()) - 1);
-    m_Rows.insert(m_Rows.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
+    m_rows.insert(m_rows.end(), std::make_move_iterator(rows.begin()), std::make_move_iterator(rows.end()));
     endInsertRows();
 }
 
 void BareTable::Clear()
 {
     beginResetModel();
-    m_Rows.clear();
+    m_rows.clear();
     endResetModel();
 }
 
 void BareTable::RemoveAll()
 {
     beginRemoveRows(QModelIndex(), 0, rowCount() - 1);
-    m_Rows.clear();
+    m_rows.clear();
     endRemoveRows();
 }
 
@@ -51,7 +51,7 @@ void BareTable::ClearTenth()
 {
     beginResetModel();
     std::size_t row = 0;
-    std::erase_if(m_Rows, [&row](const Row&) { return row++ % 10 == 0; });
+    std::erase_if(m_rows, [&row](const Row&) { return row++ % 10 == 0; });
     endResetModel();
 }
 
@@ -63,7 +63,7 @@ void BareTable::Touch(int row, int column)
 
 int BareTable::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_Rows.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }
 
 int BareTable::columnCount(const QModelIndex& /*parent*/) const
@@ -75,19 +75,19 @@ QVariant BareTable::data(const QModelIndex& index, int role) const
 {
     if (role != Qt::DisplayRole || !index.isValid())
         return {};
-    return m_Rows[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
+    return m_rows[static_cast<std::size_t>(index.row())][static_cast<std::size_t>(index.column())];
 }
 
 BareWindow::BareWindow(QAbstractItemModel* model)
-    : m_Proxy(new QSortFilterProxyModel(this))
+    : m_proxy(new QSortFilterProxyModel(this))
 {
     setupUi(this);
     m_pFilterFrame->hide();
-    m_Proxy->setSourceModel(model);
-    m_Proxy->setFilterCaseSensitivity(Qt::CaseInsensitive);
-    m_Proxy->setFilterKeyColumn(ConnectionsModel::ColumnName);
+    m_proxy->setSourceModel(model);
+    m_proxy->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    m_proxy->setFilterKeyColumn(ConnectionsModel::ColumnName);
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
-        view->setModel(m_Proxy);
+        view->setModel(m_proxy);
         view->setUniformRowHeights(true);
         for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
             const bool basic = column <= ConnectionsModel::ColumnDeviceType;

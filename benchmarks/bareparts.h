@@ -35,7 +35,7 @@ public:
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
 
 private:
-    std::vector<Row> m_Rows;
+    std::vector<Row> m_rows;
 };
 
 /// A window like the product's, with the same two views, and nothing in it but what Qt does by itself: a plain proxy,
@@ -46,14 +46,14 @@ public:
     /// Shows `model`, which is not owned, and is ready when the constructor returns.
     explicit BareWindow(QAbstractItemModel* model);
 
-    QSortFilterProxyModel* Proxy() const { return m_Proxy; }
+    QSortFilterProxyModel* Proxy() const { return m_proxy; }
     /// Shows the place of the filter, which does nothing here.
     void ShowFilter() { m_pFilterFrame->show(); }
     QTreeView* BasicView() const { return m_pBasicView; }
     QTreeView* DetailsView() const { return m_pDetailsView; }
 
 private:
-    QSortFilterProxyModel* m_Proxy = nullptr;
+    QSortFilterProxyModel* m_proxy = nullptr;
 };
 
 /// Lets the views of a window do all that they have left for later, painting included.

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr std::array s_counts{1, 10, 100};
+constexpr std::array kCounts{1, 10, 100};
 
 QString ChildProgram()
 {
@@ -39,16 +39,16 @@ class Machine
 public:
     explicit Machine(int count)
     {
-        CfgCenter::Open(m_Directory.filePath(QStringLiteral("store")));
+        CfgCenter::Open(m_directory.filePath(QStringLiteral("store")));
         CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
-            ->SetString(QStringLiteral("VexelDataDir"), m_Directory.path(), 0);
+            ->SetString(QStringLiteral("VexelDataDir"), m_directory.path(), 0);
         QString applications;
         for (int i = 1; i <= count; ++i)
             applications +=
                 QStringLiteral("<App%1><Startup><exe>%2</exe></Startup></App%1>").arg(i).arg(ChildProgram());
-        WriteFile(m_Directory.filePath(QStringLiteral("CfgVEXEL.xml")),
+        WriteFile(m_directory.filePath(QStringLiteral("CfgVEXEL.xml")),
                   QStringLiteral("<CfgVEXEL><Machine>%1</Machine></CfgVEXEL>").arg(applications));
-        WriteFile(m_Directory.filePath(QStringLiteral("TypeApplicationMappings.xml")),
+        WriteFile(m_directory.filePath(QStringLiteral("TypeApplicationMappings.xml")),
                   QStringLiteral("<TypeApplicationMappings><Mapping><DeviceType>%1</DeviceType>"
                                  "<Application>App1</Application></Mapping></TypeApplicationMappings>")
                       .arg(Connection::KiteEcho));
@@ -57,7 +57,7 @@ public:
     Q_DISABLE_COPY_MOVE(Machine)
 
 private:
-    QTemporaryDir m_Directory;
+    QTemporaryDir m_directory;
 };
 
 Connection TickedEntry(int number)
@@ -130,9 +130,9 @@ void StartBare(benchmark::State& state, int count)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    Runner::Enter("connect, records and all", "product", ConnectButton, s_counts);
-    Runner::Enter("connect, records and all", "QProcess, the same program", StartBare, s_counts);
-    Runner::Enter("start the applications", "product", ConnectEach, s_counts);
-    Runner::Enter("start the applications", "QProcess, the same program", StartBare, s_counts);
+    Runner::Enter("connect, records and all", "product", ConnectButton, kCounts);
+    Runner::Enter("connect, records and all", "QProcess, the same program", StartBare, kCounts);
+    Runner::Enter("start the applications", "product", ConnectEach, kCounts);
+    Runner::Enter("start the applications", "QProcess, the same program", StartBare, kCounts);
     return Runner::Run(argc, argv);
 }

@@ -28,11 +28,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr quint16 s_port = 8451;
-constexpr int s_repeats = 500;
-constexpr int s_rounds = 20;
-constexpr int s_crowd = 200;
-constexpr int s_processes = 30;
+constexpr quint16 kPort = 8451;
+constexpr int kRepeats = 500;
+constexpr int kRounds = 20;
+constexpr int kCrowd = 200;
+constexpr int kProcesses = 30;
 
 /// Runs `work`, which blocks, beside this thread's event loop.
 void Beside(const std::function<void()>& work)
@@ -74,7 +74,7 @@ double CallOnce(quint16 port)
 double MeasureCalls(quint16 port, const std::function<void()>& before = {})
 {
     std::vector<double> figures;
-    for (int call = 0; call < s_repeats; ++call) {
+    for (int call = 0; call < kRepeats; ++call) {
         if (before)
             before();
         Beside([&] { figures.push_back(CallOnce(port)); });
@@ -86,12 +86,12 @@ double MeasureCalls(quint16 port, const std::function<void()>& before = {})
 double MeasureCrowd(quint16 port)
 {
     std::vector<double> figures;
-    for (int round = 0; round < s_rounds; ++round) {
+    for (int round = 0; round < kRounds; ++round) {
         Beside([&] {
             QElapsedTimer timer;
             timer.start();
             std::vector<std::unique_ptr<QTcpSocket>> callers;
-            for (int call = 0; call < s_crowd; ++call) {
+            for (int call = 0; call < kCrowd; ++call) {
                 callers.push_back(std::make_unique<QTcpSocket>());
                 callers.back()->connectToHost(QHostAddress::LocalHost, port);
             }
@@ -115,7 +115,7 @@ double MeasureAmongSilentOnes(quint16 port)
     double figure = 0;
     Beside([&] {
         std::vector<std::unique_ptr<QTcpSocket>> silent;
-        for (int call = 0; call < s_crowd; ++call) {
+        for (int call = 0; call < kCrowd; ++call) {
             silent.push_back(std::make_unique<QTcpSocket>());
             silent.back()->connectToHost(QHostAddress::LocalHost, port);
             silent.back()->waitForConnected();
@@ -128,7 +128,7 @@ double MeasureAmongSilentOnes(quint16 port)
 double MeasureStarter(const QString& program)
 {
     std::vector<double> figures;
-    for (int call = 0; call < s_processes; ++call) {
+    for (int call = 0; call < kProcesses; ++call) {
         Beside([&] {
             QElapsedTimer timer;
             timer.start();
@@ -177,7 +177,7 @@ class BareServer : public QTcpServer
 public:
     BareServer()
     {
-        setListenBacklogSize(s_crowd + 50);
+        setListenBacklogSize(kCrowd + 50);
         connect(this, &QTcpServer::newConnection, this, [this] {
             while (QTcpSocket* const socket = nextPendingConnection()) {
                 connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
@@ -201,7 +201,7 @@ void PrintFlood(const char* what, int calls)
     int made = 0;
     qint64 taken = 0;
     const qint64 before = ResidentMemory();
-    Beside([&] { taken = Flood(s_port, gibibyte, calls, made); });
+    Beside([&] { taken = Flood(kPort, gibibyte, calls, made); });
     QCoreApplication::processEvents();
     std::printf("%-42s%8d%14.1f%12lld%12lld\n", what, made, static_cast<double>(taken) / 1024 / 1024,
                 static_cast<long long>(before), static_cast<long long>(ResidentMemory()));
@@ -219,8 +219,8 @@ int main(int argc, char* argv[])
     VexelConnectDlgGUI dialog(nullptr, &model, &appCounter);
     {
         QTcpServer probe;
-        if (!probe.listen(QHostAddress(QHostAddress::LocalHost), s_port)) {
-            std::fprintf(stderr, "Another program has port %d: nothing can be measured\n", s_port);
+        if (!probe.listen(QHostAddress(QHostAddress::LocalHost), kPort)) {
+            std::fprintf(stderr, "Another program has port %d: nothing can be measured\n", kPort);
             return 1;
         }
     }
@@ -230,17 +230,17 @@ int main(int argc, char* argv[])
 
     // Both have been there before, with all that happens only once.
     Beside([&] {
-        CallOnce(s_port);
+        CallOnce(kPort);
         CallOnce(barePort);
     });
 
     std::printf("%-58s%10s%10s%10s\n", "milliseconds from the connection to the answer, median", "link", "bare",
                 "ratio");
     const double bare = MeasureCalls(barePort);
-    PrintRow("one call, dialog visible", MeasureCalls(s_port), bare);
-    PrintRow("one call, dialog hidden", MeasureCalls(s_port, [&] { dialog.hide(); }), bare);
-    PrintRow("200 at once, until the last is answered", MeasureCrowd(s_port), MeasureCrowd(barePort));
-    std::printf("%-58s%10.3f\n", "one call behind 200 silent peers", MeasureAmongSilentOnes(s_port));
+    PrintRow("one call, dialog visible", MeasureCalls(kPort), bare);
+    PrintRow("one call, dialog hidden", MeasureCalls(kPort, [&] { dialog.hide(); }), bare);
+    PrintRow("200 at once, until the last is answered", MeasureCrowd(kPort), MeasureCrowd(barePort));
+    std::printf("%-58s%10.3f\n", "one call behind 200 silent peers", MeasureAmongSilentOnes(kPort));
     std::printf("%-58s%10.3f\n\n", "a whole run of kitestarter",
                 MeasureStarter(QCoreApplication::applicationDirPath() + QStringLiteral("/" VEXEL_STARTER)));
 

@@ -26,7 +26,7 @@
 
 namespace {
 
-constexpr int s_ticks = 100; // no list is shorter
+constexpr int kTicks = 100; // no list is shorter
 
 using Step = std::function<void()>;
 
@@ -152,7 +152,7 @@ struct Pattern
     QString after;
 };
 
-const std::array s_patterns{
+const std::array kPatterns{
     Pattern{"filter, plain text", SearchMode::PlainText, QString(), QStringLiteral("7")},
     Pattern{"filter, plain text narrowed", SearchMode::PlainText, QStringLiteral("7"), QStringLiteral("70")},
     Pattern{"filter, plain text cleared", SearchMode::PlainText, QStringLiteral("7"), QString()},
@@ -281,7 +281,7 @@ void TickAlone(benchmark::State& state, int entries)
         ticked = !ticked;
         session.Show();
         state.SetIterationTime(Runner::Seconds([&] {
-            for (int row = 0; row < s_ticks; ++row)
+            for (int row = 0; row < kTicks; ++row)
                 session.model.setData(session.model.index(row, ConnectionsModel::ColumnSelected), ticked);
         }));
     }
@@ -297,7 +297,7 @@ void TickUnseen(benchmark::State& state, int entries)
     for (auto iteration : state) {
         ticked = !ticked;
         state.SetIterationTime(Runner::Seconds([&] {
-            for (int row = 0; row < s_ticks; ++row)
+            for (int row = 0; row < kTicks; ++row)
                 model.setData(model.index(row, ConnectionsModel::ColumnSelected), ticked);
         }));
     }
@@ -309,7 +309,7 @@ void TickAloneBare(benchmark::State& state, int entries)
     for (auto iteration : state) {
         session.Show();
         state.SetIterationTime(Runner::Seconds([&] {
-            for (int row = 0; row < s_ticks; ++row)
+            for (int row = 0; row < kTicks; ++row)
                 session.table.Touch(row, ConnectionsModel::ColumnSelected);
         }));
     }
@@ -365,7 +365,7 @@ void EnterAll()
     Runner::Enter("import", "product", Import);
     Runner::Enter("import", "bare table, one insertion", ImportBare);
     Runner::Enter("import", "tokens alone, and a bare table, one insertion", ImportTokens);
-    for (const Pattern& pattern : s_patterns) {
+    for (const Pattern& pattern : kPatterns) {
         Runner::Enter(pattern.name, "product",
                       [&pattern](benchmark::State& state, int entries) { Filter(state, entries, pattern); });
         Runner::Enter(pattern.name, "bare proxy, same model",

@@ -18,14 +18,14 @@
 
 namespace {
 
-const QString s_name = QStringLiteral("ConnectionsModel");
+const QString kName = QStringLiteral("ConnectionsModel");
 
 void Store(benchmark::State& state, int entries)
 {
     const QTemporaryDir directory;
     CfgCenter::Open(directory.path());
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         Lists::Fill(model, Lists::Entries(entries));
         int ticked = 0;
         for (auto iteration : state) {
@@ -59,7 +59,7 @@ void Load(benchmark::State& state, int entries)
     const QTemporaryDir directory;
     CfgCenter::Open(directory.path());
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         Lists::Fill(model, Lists::Entries(entries));
     }
     CfgCenter::SaveDocument();
@@ -67,7 +67,7 @@ void Load(benchmark::State& state, int entries)
         CfgCenter::Close();
         CfgCenter::Open(directory.path());
         std::unique_ptr<ConnectionsModel> model;
-        state.SetIterationTime(Runner::Seconds([&] { model = std::make_unique<ConnectionsModel>(nullptr, s_name); }));
+        state.SetIterationTime(Runner::Seconds([&] { model = std::make_unique<ConnectionsModel>(nullptr, kName); }));
         if (model->rowCount() != entries)
             state.SkipWithError("not all entries were loaded");
     }
@@ -110,7 +110,7 @@ void Hold(benchmark::State& state, int entries)
     const QByteArray document = Lists::Document(list);
     std::size_t held = 0;
     for (auto iteration : state) {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         model.removeRows(0, model.rowCount());
         const std::size_t before = Held();
         // From a document: texts of entries that were copied would be counted as those of the first.

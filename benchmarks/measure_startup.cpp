@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::array s_lengths{0, 1'000, 10'000};
+constexpr std::array kLengths{0, 1'000, 10'000};
 
 /// The memory, in KiB, of which the file at `path` tells; 0 where it does not.
 double ResidentKiB(const QString& path)
@@ -88,8 +88,8 @@ void StartBare(benchmark::State& state, int /*entries*/)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    Runner::Enter("start to the first painted dialog", "product", StartHost, s_lengths);
-    Runner::Enter("start to the first painted dialog", "a program with the same form and rows", StartForm, s_lengths);
-    Runner::Enter("start to the first painted dialog", "a program with an empty dialog", StartBare, s_lengths);
+    Runner::Enter("start to the first painted dialog", "product", StartHost, kLengths);
+    Runner::Enter("start to the first painted dialog", "a program with the same form and rows", StartForm, kLengths);
+    Runner::Enter("start to the first painted dialog", "a program with an empty dialog", StartBare, kLengths);
     return Runner::Run(argc, argv);
 }

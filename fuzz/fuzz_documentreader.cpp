@@ -8,7 +8,7 @@ using namespace Fuzzing;
 
 namespace {
 
-const QString s_entry = QStringLiteral("Connection");
+const QString kEntry = QStringLiteral("Connection");
 
 /// The text of the element at `begin`, without that of the elements in it.
 QString TextOf(const XmlTokens& tokens, std::size_t begin)
@@ -63,11 +63,11 @@ Entries Expected(const XmlTokens& tokens)
 {
     Entries entries;
     for (std::size_t i = 0; i < tokens.list.size(); ++i) {
-        if (!tokens.IsStart(i, s_entry)) {
+        if (!tokens.IsStart(i, kEntry)) {
             continue;
         }
         Connection entry;
-        for (++i; i < tokens.list.size() && !tokens.IsEnd(i, s_entry); ++i) {
+        for (++i; i < tokens.list.size() && !tokens.IsEnd(i, kEntry); ++i) {
             if (tokens.IsStart(i) && TakeField(tokens, i, entry)) {
                 i = tokens.EndOf(i);
             }

@@ -25,7 +25,7 @@ using namespace Fuzzing;
 
 namespace {
 
-const QString s_uriList = QStringLiteral("text/uri-list");
+const QString kUriList = QStringLiteral("text/uri-list");
 
 /// What every input begins with.
 void AddThreeEntries(ConnectionsModel& model)
@@ -87,7 +87,7 @@ void FillData(unsigned formats, const QByteArray& document, QMimeData& data)
         data.setText(QString::fromUtf8(document));
     }
     if (formats & 4U) {
-        data.setData(s_uriList, document);
+        data.setData(kUriList, document);
     }
     if (formats & 8U) {
         data.setData(QStringLiteral("application/x-qabstractitemmodeldatalist"), document);
@@ -171,17 +171,17 @@ void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
     file.write(TakeRest(input));
     file.close();
     const Entries before = EntriesOf(stage.model);
-    constexpr QPoint s_place(5, 5);
+    constexpr QPoint kPlace(5, 5);
 
-    QDragEnterEvent enter(s_place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDragEnterEvent enter(kPlace, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     enter.ignore();
     QApplication::sendEvent(&stage.dialog, &enter);
-    Require(enter.isAccepted() == data.hasFormat(s_uriList), "a drag of files is let in, and no other");
-    QDropEvent drop(s_place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    Require(enter.isAccepted() == data.hasFormat(kUriList), "a drag of files is let in, and no other");
+    QDropEvent drop(kPlace, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&stage.dialog, &drop);
     RequireCounts(stage.model);
 
-    if (!data.hasFormat(s_uriList)) {
+    if (!data.hasFormat(kUriList)) {
         Require(IsSame(EntriesOf(stage.model), before) && stage.boxes == 0, "no files, no import");
         return;
     }

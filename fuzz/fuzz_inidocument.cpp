@@ -12,13 +12,13 @@ using namespace IniReadings;
 
 namespace {
 
-const QString s_key = QStringLiteral("Added/Key");
+const QString kKey = QStringLiteral("Added/Key");
 
 /// What begins as a value of another type is one to the product, while Qt looks whether it is well-formed.
 bool MayBeOfAnotherType(const QString& text)
 {
-    constexpr std::array s_beginnings = {"@Invalid(", "@Rect(", "@Size(", "@Point("};
-    return std::any_of(s_beginnings.begin(), s_beginnings.end(),
+    constexpr std::array kBeginnings = {"@Invalid(", "@Rect(", "@Size(", "@Point("};
+    return std::any_of(kBeginnings.begin(), kBeginnings.end(),
                        [&](const char* beginning) { return text.contains(QLatin1String(beginning)); });
 }
 
@@ -76,9 +76,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     IniText changed(text);
-    changed.Set(s_key, value);
+    changed.Set(kKey, value);
     Values expected = *own;
-    expected.insert(s_key, value);
+    expected.insert(kKey, value);
     if (isRemoved && !own->isEmpty()) {
         const QString key = own->firstKey();
         changed.Remove(key);

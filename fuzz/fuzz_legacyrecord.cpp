@@ -16,15 +16,15 @@ namespace {
 
 using Values = QMap<QString, QString>;
 
-const QStringList s_oldKeys{QStringLiteral("Type"),           QStringLiteral("Access"),
-                            QStringLiteral("StationAddress"), QStringLiteral("TimeoutFlag"),
-                            QStringLiteral("Timeout"),        QStringLiteral("MultiChannelServer"),
-                            QStringLiteral("Virtual")};
-const QStringList s_currentKeys{QStringLiteral("StationName"),    QStringLiteral("DeviceType"),
-                                QStringLiteral("ConnectionType"), QStringLiteral("DeviceAddress"),
-                                QStringLiteral("RemoteAddress"),  QStringLiteral("ConnectionSpeed"),
-                                QStringLiteral("TimeoutActive"),  QStringLiteral("TimeoutSeconds")};
-const QStringList s_otherKeys{QStringLiteral("Subsystem"), QStringLiteral("typ"), QStringLiteral("Other/Type")};
+const QStringList kOldKeys{QStringLiteral("Type"),           QStringLiteral("Access"),
+                           QStringLiteral("StationAddress"), QStringLiteral("TimeoutFlag"),
+                           QStringLiteral("Timeout"),        QStringLiteral("MultiChannelServer"),
+                           QStringLiteral("Virtual")};
+const QStringList kCurrentKeys{QStringLiteral("StationName"),    QStringLiteral("DeviceType"),
+                               QStringLiteral("ConnectionType"), QStringLiteral("DeviceAddress"),
+                               QStringLiteral("RemoteAddress"),  QStringLiteral("ConnectionSpeed"),
+                               QStringLiteral("TimeoutActive"),  QStringLiteral("TimeoutSeconds")};
+const QStringList kOtherKeys{QStringLiteral("Subsystem"), QStringLiteral("typ"), QStringLiteral("Other/Type")};
 
 ICfg* Document()
 {
@@ -38,13 +38,13 @@ std::unique_ptr<ICfg> Node(int index)
 
 Values TakeValues(FuzzedDataProvider& input)
 {
-    static const QStringList s_keys = s_oldKeys + s_currentKeys + s_otherKeys;
-    constexpr std::size_t s_longestText = 60;
+    static const QStringList kKeys = kOldKeys + kCurrentKeys + kOtherKeys;
+    constexpr std::size_t kLongestText = 60;
     Values values;
     const auto present = input.ConsumeIntegral<std::uint32_t>();
-    for (int i = 0; i < s_keys.size(); ++i) {
+    for (int i = 0; i < kKeys.size(); ++i) {
         if (present & (1U << i)) {
-            values[s_keys.at(i)] = TakeText(input, s_longestText);
+            values[kKeys.at(i)] = TakeText(input, kLongestText);
         }
     }
     return values;
@@ -112,10 +112,10 @@ void RequireNode(int index, const Values& values)
 {
     const auto node = Node(index);
     const QString missing(QChar(0xFFFF));
-    for (const QString& key : s_oldKeys) {
+    for (const QString& key : kOldKeys) {
         Require(node->GetString(key, missing, 0) == missing, "a key that only the old form has is gone");
     }
-    for (const QString& key : s_currentKeys + s_otherKeys) {
+    for (const QString& key : kCurrentKeys + kOtherKeys) {
         Require(node->GetString(key, missing, 0) == values.value(key, missing), "every other key is as it was");
     }
 }
@@ -167,7 +167,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(IsSame(ConnectData(index, Document()), Expected(index,
                                                             [&values] {
                                                                 Values current = values;
-                                                                for (const QString& key : s_oldKeys) {
+                                                                for (const QString& key : kOldKeys) {
                                                                     current.remove(key);
                                                                 }
                                                                 return current;

@@ -19,15 +19,15 @@ struct Machine
 
 Machine TakeMachine(FuzzedDataProvider& input)
 {
-    static const QStringList s_names{QStringLiteral("KiteControl"), QStringLiteral("Heron"), QStringLiteral("A")};
-    static const QStringList s_executables{QStringLiteral("a.exe"), QStringLiteral("b"), QString()};
+    static const QStringList kNames{QStringLiteral("KiteControl"), QStringLiteral("Heron"), QStringLiteral("A")};
+    static const QStringList kExecutables{QStringLiteral("a.exe"), QStringLiteral("b"), QString()};
     Machine machine;
     for (int count = input.ConsumeIntegralInRange(0, 5); count > 0; --count) {
         const int choice = input.ConsumeIntegralInRange(0, 11);
-        const QString& name = s_names.at(choice % 3);
+        const QString& name = kNames.at(choice % 3);
         machine.applications.append(name);
         if (choice / 3 < 3) {
-            machine.startLists[name].append(s_executables.at(choice / 3));
+            machine.startLists[name].append(kExecutables.at(choice / 3));
         }
     }
     return machine;

@@ -9,15 +9,15 @@ namespace {
 
 Entries TakeEntries(FuzzedDataProvider& input)
 {
-    constexpr std::size_t s_mostEntries = 8;
-    constexpr std::size_t s_longestText = 200;
+    constexpr std::size_t kMostEntries = 8;
+    constexpr std::size_t kLongestText = 200;
     Entries entries;
-    while (input.remaining_bytes() > 0 && entries.size() < s_mostEntries) {
+    while (input.remaining_bytes() > 0 && entries.size() < kMostEntries) {
         Connection& entry = entries.emplace_back();
-        entry.ConnectionName = TakeText(input, s_longestText);
-        entry.DeviceAddress = TakeText(input, s_longestText);
-        entry.DriverAddress = TakeText(input, s_longestText);
-        entry.Subsystem = TakeText(input, s_longestText);
+        entry.ConnectionName = TakeText(input, kLongestText);
+        entry.DeviceAddress = TakeText(input, kLongestText);
+        entry.DriverAddress = TakeText(input, kLongestText);
+        entry.Subsystem = TakeText(input, kLongestText);
         for (qint32* const number : {&entry.DeviceType, &entry.ConnectionType, &entry.LinkSpeed, &entry.TimeoutSeconds,
                                      &entry.ConnectionStatus}) {
             *number = input.ConsumeBool() ? input.ConsumeIntegral<qint32>() : input.ConsumeIntegral<std::int8_t>();

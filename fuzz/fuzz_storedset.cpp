@@ -11,17 +11,17 @@ using namespace Fuzzing;
 
 namespace {
 
-const QString s_name = QStringLiteral("ConnectionsModel");
-const QString s_key = QStringLiteral("ModelMimeData");
+const QString kName = QStringLiteral("ConnectionsModel");
+const QString kKey = QStringLiteral("ModelMimeData");
 
 std::unique_ptr<ICfg> Node()
 {
-    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::Application)->OpenChild(s_name, 0));
+    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::Application)->OpenChild(kName, 0));
 }
 
 QString Stored()
 {
-    return Node()->GetString(s_key, QStringLiteral("nothing"), 0);
+    return Node()->GetString(kKey, QStringLiteral("nothing"), 0);
 }
 
 /// Two digits a byte, whatever stands between them; with an odd number of digits the first stands alone.
@@ -79,11 +79,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Tidy tidy;
     FuzzedDataProvider input(data, size);
     const QString text = TakeStored(input);
-    Node()->SetString(s_key, text, 0);
+    Node()->SetString(kKey, text, 0);
 
     const Entries expected = Freed(Read(Decoded(text)));
     {
-        const ConnectionsModel model(nullptr, s_name);
+        const ConnectionsModel model(nullptr, kName);
         Require(IsSame(EntriesOf(model), expected), "the entries are those of the stored document, all free");
         RequireCounts(model);
         Require(Stored() == text, "loading leaves the stored set alone");
@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const QChar c : stored) {
         Require((c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f'), "stored in lower-case digits");
     }
-    const ConnectionsModel again(nullptr, s_name);
+    const ConnectionsModel again(nullptr, kName);
     Require(IsSame(EntriesOf(again), WithoutUnwritable(expected)), "what is stored is loaded");
     Require(QString::fromLatin1(again.ToByteArray().toHex()) == stored, "what is loaded is stored alike");
     return 0;

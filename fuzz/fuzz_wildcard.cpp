@@ -14,7 +14,7 @@ namespace {
 
 using Characters = std::vector<char32_t>;
 
-constexpr char32_t s_lastCharacter = 0x10FFFF;
+constexpr char32_t kLastCharacter = 0x10FFFF;
 
 Characters CharactersOf(const QString& text)
 {
@@ -30,9 +30,9 @@ char32_t Folded(char32_t c)
 /// All characters that differ from `c` in letter case only, and `c`.
 Characters CaseVariants(char32_t c)
 {
-    static const std::map<char32_t, Characters> s_variants = [] {
+    static const std::map<char32_t, Characters> kVariants = [] {
         std::map<char32_t, Characters> variants;
-        for (char32_t each = 0; each <= s_lastCharacter; ++each) {
+        for (char32_t each = 0; each <= kLastCharacter; ++each) {
             if (Folded(each) != each) {
                 variants[Folded(each)].push_back(each);
             }
@@ -40,8 +40,8 @@ Characters CaseVariants(char32_t c)
         return variants;
     }();
     Characters all{Folded(c)};
-    const auto found = s_variants.find(Folded(c));
-    if (found != s_variants.end()) {
+    const auto found = kVariants.find(Folded(c));
+    if (found != kVariants.end()) {
         all.insert(all.end(), found->second.begin(), found->second.end());
     }
     return all;
@@ -184,24 +184,24 @@ QStringList Shown(const QStringList& texts, const QRegularExpression& expression
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    constexpr std::size_t s_longestPattern = 60;
-    constexpr std::size_t s_longestText = 300;
+    constexpr std::size_t kLongestPattern = 60;
+    constexpr std::size_t kLongestText = 300;
     const Tidy tidy;
     FuzzedDataProvider input(data, size);
     const int mode = input.ConsumeIntegralInRange(0, 5);
-    const QString patternText = TakeText(input, s_longestPattern);
+    const QString patternText = TakeText(input, kLongestPattern);
     QStringList texts;
     while (input.remaining_bytes() > 0 && texts.size() < 4) {
-        texts.append(TakeText(input, s_longestText));
+        texts.append(TakeText(input, kLongestText));
     }
     texts.append(patternText);
 
     // Most inputs are for the wildcards, where there is most to get wrong.
-    constexpr int s_plain = 0;
-    constexpr int s_expression = 1;
-    const SearchMode searchMode = mode == s_plain        ? SearchMode::PlainText
-                                  : mode == s_expression ? SearchMode::RegularExpression
-                                                         : SearchMode::Wildcard;
+    constexpr int kPlain = 0;
+    constexpr int kExpression = 1;
+    const SearchMode searchMode = mode == kPlain        ? SearchMode::PlainText
+                                  : mode == kExpression ? SearchMode::RegularExpression
+                                                        : SearchMode::Wildcard;
     const QRegularExpression expression = FilterExpression(patternText, static_cast<int>(searchMode));
     const QStringList shown = Shown(texts, expression);
     if (patternText.isEmpty()) {

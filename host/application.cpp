@@ -1,15 +1,15 @@
 #include "host/application.h"
 
-#include "host/connectdialog.h"
-#include "host/console.h"
-#include "host/datadirectory.h"
-#include "host/dialogsession.h"
-#include "host/environment.h"
-#include "host/headlessjob.h"
-#include "host/hostdefaults.h"
-#include "host/malformedset.h"
-#include "host/signalwatcher.h"
-#include "host/storedset.h"
+#include "host/desktop/dialogsession.h"
+#include "host/headless/headlessjob.h"
+#include "host/options/hostdefaults.h"
+#include "host/output/console.h"
+#include "host/plugin/connectdialog.h"
+#include "host/plugin/datadirectory.h"
+#include "host/store/brokenlistbackup.h"
+#include "host/store/storedset.h"
+#include "host/system/environment.h"
+#include "host/system/signalwatcher.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
 #include "platform/instancelock.h"
@@ -29,20 +29,20 @@ namespace {
 class Texts
 {
 public:
-    Texts() { TranslationCenter::Instance().Register(m_Domain); }
-    ~Texts() { TranslationCenter::Instance().Unregister(m_Domain); }
+    Texts() { TranslationCenter::Instance().Register(m_domain); }
+    ~Texts() { TranslationCenter::Instance().Unregister(m_domain); }
 
     Texts(const Texts&) = delete;
     Texts& operator=(const Texts&) = delete;
 
 private:
-    const QString m_Domain = QStringLiteral("vexelhost");
+    const QString m_domain = QStringLiteral("vexelhost");
 };
 
 } // namespace
 
 Application::Application(HostOptions options)
-    : m_Options(WithDefaults(std::move(options)))
+    : m_options(WithDefaults(std::move(options)))
 {
 }
 
@@ -53,28 +53,28 @@ ExitCode Application::Run()
     SignalWatcher signalWatcher;
 
     PluginLibrary library;
-    if (library.Load(m_Options.plugin) != PluginLibrary::Error::None) {
-        Console::Complain(library.ErrorText());
+    if (library.Load(m_options.plugin) != PluginLibrary::Error::None) {
+        Console::PrintError(library.ErrorText());
         return ExitCode::Unusable;
     }
     // Before anything is written, and until everything is.
     InstanceLock lock;
-    if (lock.Take(m_Options.configDirectory) == InstanceLock::Result::Held) {
-        Console::Complain(lock.ErrorText());
+    if (lock.TryLock(m_options.configDirectory) == InstanceLock::Result::Busy) {
+        Console::PrintError(lock.ErrorText());
         return ExitCode::Running;
     }
     if (!lock.Warning().isEmpty())
-        m_Notices.Say(lock.Warning());
+        m_notices.Say(lock.Warning());
     // Whoever calls the link wants to see a dialog, and a headless host shows none.
-    CInterfaceCreator::SetServersAllowed(!m_Options.IsHeadless());
+    CInterfaceCreator::SetServersAllowed(!m_options.IsHeadless());
     // What was found damaged, and what is used instead, comes up when it is first read.
-    CfgCenter::SetNoticeSink([this](const QString& notice) { m_Notices.Say(notice); });
+    CfgCenter::SetNoticeSink([this](const QString& notice) { m_notices.Say(notice); });
     const auto noNotices = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
     if (!OpenConfiguration(lock.ErrorText()))
         return ExitCode::Unusable;
     const ExitCode result = RunWithConfiguration(library, signalWatcher);
     CfgCenter::Close();
-    return m_SaveFailed ? ExitCode::Unusable : result;
+    return m_saveFailed ? ExitCode::Unusable : result;
 }
 
 /// False, and complained of, where the configuration is of no use. `obstacle` is what is known to keep from writing
@@ -82,44 +82,44 @@ ExitCode Application::Run()
 bool Application::OpenConfiguration(QString obstacle)
 {
     if (obstacle.isEmpty()) {
-        if (CfgCenter::Open(m_Options.configDirectory))
+        if (CfgCenter::Open(m_options.configDirectory))
             return true;
         obstacle = QStringLiteral("the configuration directory %1 cannot be used: %2")
-                       .arg(m_Options.configDirectory, CfgCenter::OpenError());
+                       .arg(m_options.configDirectory, CfgCenter::OpenError());
     }
     // Just when nothing can be written somebody may need to see, or to take elsewhere, what is there.
-    m_LooksOnly = m_Options.ShowsOnly() && CfgCenter::OpenToLook(m_Options.configDirectory);
-    Console::Complain(m_LooksOnly ? QStringLiteral("%1; it is only looked at").arg(obstacle) : obstacle);
-    return m_LooksOnly;
+    m_isReadOnly = m_options.ShowsOnly() && CfgCenter::OpenReadOnly(m_options.configDirectory);
+    Console::PrintError(m_isReadOnly ? QStringLiteral("%1; it is only looked at").arg(obstacle) : obstacle);
+    return m_isReadOnly;
 }
 
 ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalWatcher& signalWatcher)
 {
     SetUpEnvironment();
-    if (m_Options.language)
-        TranslationCenter::Instance().SetLocale(*m_Options.language);
+    if (m_options.language)
+        TranslationCenter::Instance().SetLocale(*m_options.language);
     const Texts texts;
-    if (!m_Options.dataDirectory.isEmpty())
-        DataDirectory::Set(m_Options.dataDirectory);
+    if (!m_options.dataDirectory.isEmpty())
+        DataDirectory::Set(m_options.dataDirectory);
     // The list would seem empty, and an export of it take the place of a good file. Why has been said.
     if (!CfgCenter::IsAppCfgKnown(View::Application))
         return ExitCode::Unusable;
     // The plug-in loads the list meanwhile. Nothing is saved before this is known.
     std::future<StoredSet> storedSet;
-    if (!m_LooksOnly)
+    if (!m_isReadOnly)
         storedSet = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
 
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance(library);
         if (storedSet.valid()) {
-            if (const QString notice = KeepMalformedSetAside(storedSet.get()); !notice.isEmpty())
-                m_Notices.Say(notice);
+            if (const QString notice = BackUpBrokenList(storedSet.get()); !notice.isEmpty())
+                m_notices.Say(notice);
         }
         if (!instance)
-            Console::Complain(QStringLiteral("the plug-in %1 gives no instance").arg(m_Options.plugin));
+            Console::PrintError(QStringLiteral("the plug-in %1 gives no instance").arg(m_options.plugin));
         else if (!instance->IsAvailable())
-            Console::Complain(QStringLiteral("the plug-in %1 says that it is not available").arg(m_Options.plugin));
+            Console::PrintError(QStringLiteral("the plug-in %1 says that it is not available").arg(m_options.plugin));
         else
             result = RunWithInstance(*instance, signalWatcher);
     }
@@ -134,7 +134,7 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
 /// The environment that the applications find which the plug-in starts.
 void Application::SetUpEnvironment() const
 {
-    Environment::Set("VEXEL_CONFIG_DIR", QDir::toNativeSeparators(m_Options.configDirectory));
+    Environment::Set("VEXEL_CONFIG_DIR", QDir::toNativeSeparators(m_options.configDirectory));
     // The machine's file may name programs without a path; those that came with the host stand beside it.
     Environment::Prepend("PATH", QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
 }
@@ -143,7 +143,7 @@ PluginLibrary::Instance Application::CreateInstance(const PluginLibrary& library
 {
     // The plug-in reads the directory while it is being created, and not later.
     const DataDirectory::Fallback fallback(DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
-    return library.Create(m_Options.name);
+    return library.Create(m_options.name);
 }
 
 ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& signalWatcher)
@@ -151,13 +151,13 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
     QString error;
     const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
     if (!dialog) {
-        Console::Complain(error);
+        Console::PrintError(error);
         return ExitCode::Unusable;
     }
     // Not QCoreApplication::quit(): that asks every window first, and each of them can refuse.
     QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, qApp, [] { QCoreApplication::exit(); });
 
-    if (m_Options.IsHeadless()) {
+    if (m_options.IsHeadless()) {
         const ExitCode result = RunHeadless(instance, *dialog, signalWatcher);
         // The window has only had the sizes that its pictures needed.
         SaveSettings(instance, nullptr);
@@ -170,7 +170,7 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
 
 void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
-    DialogSession session(dialog, m_Notices, [&] { return SaveSettings(instance, dialog.Window()); });
+    DialogSession session(dialog, m_notices, [&] { return SaveSettings(instance, dialog.Window()); });
     QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &session,
                      [&] { SaveSettings(instance, dialog.Window()); });
     QObject::connect(&session, &DialogSession::EndWanted, qApp, [] { QCoreApplication::exit(); });
@@ -180,7 +180,7 @@ void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog,
 
 ExitCode Application::RunHeadless(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
-    HeadlessJob job(m_Options, dialog);
+    HeadlessJob job(m_options, dialog);
     QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, &job, &HeadlessJob::Stop);
     QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &job, [&] {
         if (!job.IsChangingEntries())
@@ -210,10 +210,11 @@ bool Application::SaveSettings(IDllInstance& instance, QWidget* window)
 
 bool Application::SaveDocument()
 {
-    const bool failed = !m_LooksOnly && !CfgCenter::SaveDocument();
+    const bool failed = !m_isReadOnly && !CfgCenter::SaveDocument();
     // Once is enough to know: saving is tried again at every occasion.
-    if (failed && !m_SaveFailed)
-        Console::Complain(QStringLiteral("the configuration in %1 could not be saved").arg(m_Options.configDirectory));
-    m_SaveFailed = failed;
+    if (failed && !m_saveFailed)
+        Console::PrintError(
+            QStringLiteral("the configuration in %1 could not be saved").arg(m_options.configDirectory));
+    m_saveFailed = failed;
     return !failed;
 }

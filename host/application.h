@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/exitcode.h"
-#include "host/hostoptions.h"
-#include "host/notices.h"
-#include "host/pluginlibrary.h"
+#include "host/options/hostoptions.h"
+#include "host/output/exitcode.h"
+#include "host/output/notices.h"
+#include "host/plugin/pluginlibrary.h"
 
 class ConnectDialog;
 class SignalWatcher;
@@ -30,8 +30,8 @@ private:
     bool SaveSettings(IDllInstance& instance, QWidget* window);
     bool SaveDocument();
 
-    const HostOptions m_Options;
-    Notices m_Notices;
-    bool m_LooksOnly = false; // nothing is to be saved
-    bool m_SaveFailed = false;
+    const HostOptions m_options;
+    Notices m_notices;
+    bool m_isReadOnly = false; // nothing is to be saved
+    bool m_saveFailed = false;
 };

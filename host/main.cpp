@@ -1,16 +1,15 @@
 #include "host/application.h"
-#include "host/backups.h"
-#include "host/console.h"
-#include "host/desktop.h"
-#include "host/diagnosis.h"
-#include "host/hostdefaults.h"
-#include "host/hostoptions.h"
-#include "host/programicon.h"
-#include "host/qtmessages.h"
-#include "host/tracelog.h"
-#include "platform/filesizelimit.h"
-#include "platform/librarysearch.h"
-#include "platform/standardstreams.h"
+#include "host/desktop/programicon.h"
+#include "host/options/hostdefaults.h"
+#include "host/options/hostoptions.h"
+#include "host/output/console.h"
+#include "host/output/qtmessages.h"
+#include "host/output/tracelog.h"
+#include "host/store/backups.h"
+#include "host/support/diagnosis.h"
+#include "host/system/desktop.h"
+#include "process/librarysearch.h"
+#include "process/standardstreams.h"
 
 #include <QApplication>
 
@@ -75,7 +74,7 @@ ExitCode Run(int& argc, char** argv)
     case ParsedCommandLine::Outcome::Print:
         return Console::PrintRaw(commandLine.text) ? ExitCode::Done : ExitCode::Usage;
     case ParsedCommandLine::Outcome::Wrong:
-        Console::Complain(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
+        Console::PrintError(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
         return ExitCode::Usage;
     case ParsedCommandLine::Outcome::Run:
         break;
@@ -86,7 +85,7 @@ ExitCode Run(int& argc, char** argv)
     const QString traceFile = options.diagnose ? QString() : options.traceFile;
     TraceLog traceLog;
     if (const QString error = traceLog.Start(options.trace, traceFile); !error.isEmpty()) {
-        Console::Complain(QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
+        Console::PrintError(QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
         return ExitCode::Usage;
     }
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
@@ -95,19 +94,19 @@ ExitCode Run(int& argc, char** argv)
     if (options.IsForSupport())
         return RunForSupport(options, argv[0]);
     if (!ChoosePlatform(options.IsHeadless())) {
-        Console::Complain(QStringLiteral("there is no display to show the dialog on; without one, use the headless "
-                                         "options (--help lists them)"));
+        Console::PrintError(QStringLiteral("there is no display to show the dialog on; without one, use the headless "
+                                           "options (--help lists them)"));
         return ExitCode::Unusable;
     }
 
     if (options.IsHeadless()) {
-        LeaveOutHeadlessNoise();
-        ProvideLettersOffScreen();
+        SuppressHeadlessWarnings();
+        SetUpOffscreenFonts();
     }
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0], options.IsHeadless());
     QApplication::setWindowIcon(ProgramIcon());
     if (options.IsHeadless())
-        ChooseLettersOffScreen();
+        ChooseOffscreenFont();
     return Application(options).Run();
 }
 
@@ -115,8 +114,7 @@ ExitCode Run(int& argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    SearchLibrariesHereOnly();
+    RestrictLibrarySearch();
     StandardStreams::Prepare();
-    EndureFileSizeLimit();
     return static_cast<int>(Run(argc, argv));
 }

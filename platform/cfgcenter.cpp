@@ -1,10 +1,10 @@
 #include "platform/cfgcenter.h"
 
-#include "platform/configdocument.h"
-#include "platform/confignames.h"
-#include "platform/confignode.h"
+#include "files/atomicfile.h"
+#include "platform/config/configdocument.h"
+#include "platform/config/confignames.h"
+#include "platform/config/confignode.h"
 #include "platform/tracing.h"
-#include "platform/wholefile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,7 +21,7 @@ namespace {
 struct Store
 {
     QString directory; // empty: documents live in memory alone
-    ConfigDocument::Access access = ConfigDocument::Access::Change;
+    ConfigDocument::Access access = ConfigDocument::Access::ReadWrite;
     std::map<QString, std::shared_ptr<ConfigDocument>> documents;                 // by file, relative to the store
     std::map<std::pair<QString, QString>, std::unique_ptr<ConfigNode>> rootNodes; // by that file and the key path
 };
@@ -81,7 +81,7 @@ QString ObstacleTo(const QString& directory)
 {
     if (directory.isEmpty())
         return QStringLiteral("it has no name");
-    if (MakeFolder(directory))
+    if (CreateFolder(directory))
         return ObstacleIn(directory);
     return QFileInfo::exists(directory) ? QStringLiteral("it is no directory") : QStringLiteral("it cannot be made");
 }
@@ -133,14 +133,14 @@ QString CfgCenter::OpenError()
     return TheOpenError();
 }
 
-bool CfgCenter::OpenToLook(const QString& directory)
+bool CfgCenter::OpenReadOnly(const QString& directory)
 {
     Close();
 
     if (!QFileInfo(directory).isDir())
         return false;
     TheStore().directory = QDir(directory).absolutePath();
-    TheStore().access = ConfigDocument::Access::Look;
+    TheStore().access = ConfigDocument::Access::ReadOnly;
     return true;
 }
 

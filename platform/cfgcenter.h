@@ -44,7 +44,7 @@ public:
     /// Host side: uses `directory` as the store only to look at it: nothing is written there, and changed documents
     /// cannot be saved. Returns false when it is no directory; the store is then as after `Close`. Drops every node as
     /// `Close` does.
-    static bool OpenToLook(const QString& directory);
+    static bool OpenReadOnly(const QString& directory);
 
     /// Host side: forgets every document and drops every node. Saves nothing. Handles that callers still own stay
     /// safe to use and to delete, but what they write goes nowhere.

@@ -1,12 +1,12 @@
 #include "platform/configversions.h"
 
-#include "platform/configdocument.h"
-#include "platform/confignames.h"
-#include "platform/confignode.h"
-#include "platform/documentfile.h"
-#include "platform/documentrecovery.h"
+#include "platform/config/configdocument.h"
+#include "platform/config/confignames.h"
+#include "platform/config/confignode.h"
+#include "platform/config/documentfile.h"
+#include "platform/config/documentrecovery.h"
+#include "platform/config/versionfolder.h"
 #include "platform/tracing.h"
-#include "platform/versionfolder.h"
 
 #include <QFileInfo>
 
@@ -90,7 +90,7 @@ std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
     return RootOf(m_file, ::DocumentFile(m_file).Read(), obstacle);
 }
 
-bool ConfigVersions::Restore(const ConfigVersion& version, QString* keptAside) const
+bool ConfigVersions::Restore(const ConfigVersion& version, QString* quarantined) const
 {
     const auto fail = [&](int line, const char* reason) {
         TraceWhenWanted("platform/configversions", line, [&] {
@@ -131,7 +131,7 @@ bool ConfigVersions::Restore(const ConfigVersion& version, QString* keptAside) c
         break;
     case State::Damaged:
     case State::Unreadable:
-        aside = file.KeepAside();
+        aside = file.Quarantine();
         if (!aside)
             return fail(__LINE__, "what is in its place cannot be moved aside");
         break;
@@ -140,11 +140,11 @@ bool ConfigVersions::Restore(const ConfigVersion& version, QString* keptAside) c
     if (!file.Replace(wanted.content)) {
         VersionFolder::Forget(kept);
         if (aside)
-            file.UndoKeepAside(*aside);
+            file.UndoQuarantine(*aside);
         return fail(__LINE__, "the file cannot be written");
     }
     versions.Prune();
-    if (keptAside)
-        *keptAside = aside.value_or(QString());
+    if (quarantined)
+        *quarantined = aside.value_or(QString());
     return true;
 }

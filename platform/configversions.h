@@ -56,11 +56,11 @@ public:
     std::unique_ptr<ICfg> OpenCurrent(Obstacle* obstacle = nullptr) const;
 
     /// Puts a version in the document's place. What it replaces is kept as the newest version, or beside the document
-    /// where it cannot be read; that file's path is then put into `keptAside`. Returns false, with a trace, when that
+    /// where it cannot be read; that file's path is then put into `quarantined`. Returns false, with a trace, when that
     /// could not be done; then nothing has changed.
     ///
     /// A process that has the document open keeps its working copy; call `CfgCenter::Open` again to see the change.
-    bool Restore(const ConfigVersion& version, QString* keptAside = nullptr) const;
+    bool Restore(const ConfigVersion& version, QString* quarantined = nullptr) const;
 
 private:
     const QString m_file; // the document's

@@ -1,8 +1,8 @@
 #include "platform/instancelock.h"
 
-#include "platform/blockedplace.h"
-#include "platform/heldfile.h"
-#include "platform/wholefile.h"
+#include "files/atomicfile.h"
+#include "files/filelock.h"
+#include "files/regularfile.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -18,8 +18,8 @@ using namespace std::chrono_literals;
 namespace {
 
 // On some systems whoever just looks is in the way for a moment, and a host that ends may need one.
-constexpr auto s_patience = 500ms;
-constexpr auto s_pause = 20ms;
+constexpr auto kTimeout = 500ms;
+constexpr auto kPause = 20ms;
 
 /// What the file says of who holds it. A host that was killed leaves it, so it is to be asked of a held one only.
 struct Name
@@ -44,7 +44,7 @@ Name ReadName(const QString& fileName)
 {
     constexpr qint64 longest = 4096;
     QFile file(fileName);
-    if (IsBlocked(fileName) || !file.open(QIODevice::ReadOnly))
+    if (IsNotRegularFile(fileName) || !file.open(QIODevice::ReadOnly))
         return {};
     const QList<QByteArray> lines = file.read(longest).split('\n');
     bool isNumber = false;
@@ -82,53 +82,53 @@ InstanceLock::InstanceLock() = default;
 
 InstanceLock::~InstanceLock() = default;
 
-InstanceLock::Result InstanceLock::Take(const QString& directory)
+InstanceLock::Result InstanceLock::TryLock(const QString& directory)
 {
     const QString native = QDir::toNativeSeparators(directory);
-    m_ErrorText = QStringLiteral("the configuration directory %1 cannot be used").arg(directory);
-    if (directory.isEmpty() || !MakeFolder(directory))
+    m_errorText = QStringLiteral("the configuration directory %1 cannot be used").arg(directory);
+    if (directory.isEmpty() || !CreateFolder(directory))
         return Result::Unusable;
 
     const QString file = FileIn(directory);
     QString error;
-    const QDeadlineTimer patience(s_patience);
-    m_File = std::make_unique<HeldFile>();
-    HeldFile::Result result = m_File->Take(file, &error);
-    while (result == HeldFile::Result::Held && !patience.hasExpired()) {
-        QThread::msleep(static_cast<unsigned long>(s_pause.count()));
-        result = m_File->Take(file, &error);
+    const QDeadlineTimer deadline(kTimeout);
+    m_file = std::make_unique<FileLock>();
+    FileLock::Result result = m_file->TryLock(file, &error);
+    while (result == FileLock::Result::Busy && !deadline.hasExpired()) {
+        QThread::msleep(static_cast<unsigned long>(kPause.count()));
+        result = m_file->TryLock(file, &error);
     }
     switch (result) {
-    case HeldFile::Result::NoLock:
-        m_Warning = QStringLiteral("the file system of the configuration directory %1 has no locks: take care that no "
+    case FileLock::Result::Unsupported:
+        m_warning = QStringLiteral("the file system of the configuration directory %1 has no locks: take care that no "
                                    "second host works there")
                         .arg(native);
         break;
-    case HeldFile::Result::Taken:
+    case FileLock::Result::Locked:
         break;
-    case HeldFile::Result::Held:
-        m_ErrorText = HeldText(file, directory);
-        m_File.reset();
-        return Result::Held;
-    case HeldFile::Result::Failed:
-        m_ErrorText += QStringLiteral(": ") + error;
-        m_File.reset();
+    case FileLock::Result::Busy:
+        m_errorText = HeldText(file, directory);
+        m_file.reset();
+        return Result::Busy;
+    case FileLock::Result::Failed:
+        m_errorText += QStringLiteral(": ") + error;
+        m_file.reset();
         return Result::Unusable;
     }
-    m_File->Write(OwnName());
-    m_ErrorText.clear();
-    return Result::Taken;
+    m_file->Write(OwnName());
+    m_errorText.clear();
+    return Result::Locked;
 }
 
-InstanceLock::Owner InstanceLock::Look(const QString& directory)
+InstanceLock::Owner InstanceLock::Query(const QString& directory)
 {
     const QString file = FileIn(directory);
-    switch (HeldFile::Look(file)) {
-    case HeldFile::State::Free:
+    switch (FileLock::Query(file)) {
+    case FileLock::State::Free:
         break;
-    case HeldFile::State::Held:
+    case FileLock::State::Locked:
         return {State::Somebody, ReadName(file).process};
-    case HeldFile::State::Unknown:
+    case FileLock::State::Unknown:
         return {State::Unknown, 0};
     }
     return {};

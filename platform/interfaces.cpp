@@ -1,8 +1,8 @@
 #include "platform/interfaces.h"
 
-#include "platform/tcpaddress.h"
-#include "platform/tcpconnection.h"
-#include "platform/tcpserverinterface.h"
+#include "platform/link/tcpaddress.h"
+#include "platform/link/tcpconnection.h"
+#include "platform/link/tcpserverinterface.h"
 #include "platform/tracing.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace {
 
-std::atomic g_AreServersAllowed = true;
+std::atomic g_areServersAllowed = true;
 
 /// What a timer can hold: 24 days and beyond are the same to everybody.
 std::chrono::milliseconds TimeOut(quint64 number)
@@ -54,10 +54,10 @@ IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfac
 
 void CInterfaceCreator::SetServersAllowed(bool bAllowed)
 {
-    g_AreServersAllowed = bAllowed;
+    g_areServersAllowed = bAllowed;
 }
 
 bool CInterfaceCreator::AreServersAllowed()
 {
-    return g_AreServersAllowed;
+    return g_areServersAllowed;
 }

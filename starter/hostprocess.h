@@ -35,6 +35,6 @@ public:
 
 private:
     qint64 m_iId = 0;
-    qintptr m_Handle = 0; // on Windows the process, owned
-    std::optional<End> m_End;
+    qintptr m_handle = 0; // on Windows the process, owned
+    std::optional<End> m_end;
 };

@@ -76,13 +76,13 @@ QString HostProcess::Start(const QString& file, const QStringList& arguments)
 
 std::optional<HostProcess::End> HostProcess::Ended()
 {
-    if (m_End || m_iId == 0)
-        return m_End;
+    if (m_end || m_iId == 0)
+        return m_end;
     int status = 0;
     const pid_t ended = waitpid(static_cast<pid_t>(m_iId), &status, WNOHANG);
     if (ended == m_iId && WIFSIGNALED(status))
-        m_End = End{0, QStringLiteral("signal %1").arg(WTERMSIG(status))};
+        m_end = End{0, QStringLiteral("signal %1").arg(WTERMSIG(status))};
     else if (ended == m_iId)
-        m_End = End{WEXITSTATUS(status), {}};
-    return m_End;
+        m_end = End{WEXITSTATUS(status), {}};
+    return m_end;
 }

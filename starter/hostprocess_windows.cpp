@@ -21,53 +21,53 @@ public:
         SECURITY_ATTRIBUTES inheritable{};
         inheritable.nLength = sizeof inheritable;
         inheritable.bInheritHandle = TRUE;
-        m_Nowhere = CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+        m_nowhere = CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
                                 OPEN_EXISTING, 0, nullptr);
-        if (m_Nowhere == INVALID_HANDLE_VALUE)
+        if (m_nowhere == INVALID_HANDLE_VALUE)
             return;
         SIZE_T size = 0;
         InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
-        m_Memory.resize(size);
-        m_Attributes = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_Memory.data());
-        m_IsInitialized = InitializeProcThreadAttributeList(m_Attributes, 1, 0, &size) != FALSE;
+        m_memory.resize(size);
+        m_attributes = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_memory.data());
+        m_isInitialized = InitializeProcThreadAttributeList(m_attributes, 1, 0, &size) != FALSE;
         // Also what this process was itself given without knowing: a pipe among it would keep its reader waiting for as
         // long as the host lives.
-        m_IsComplete =
-            m_IsInitialized && UpdateProcThreadAttribute(m_Attributes, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &m_Nowhere,
-                                                         sizeof m_Nowhere, nullptr, nullptr) != FALSE;
+        m_isComplete =
+            m_isInitialized && UpdateProcThreadAttribute(m_attributes, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, &m_nowhere,
+                                                         sizeof m_nowhere, nullptr, nullptr) != FALSE;
     }
     ~Surroundings()
     {
-        if (m_IsInitialized)
-            DeleteProcThreadAttributeList(m_Attributes);
-        if (m_Nowhere != INVALID_HANDLE_VALUE)
-            CloseHandle(m_Nowhere);
+        if (m_isInitialized)
+            DeleteProcThreadAttributeList(m_attributes);
+        if (m_nowhere != INVALID_HANDLE_VALUE)
+            CloseHandle(m_nowhere);
     }
 
     Surroundings(const Surroundings&) = delete;
     Surroundings& operator=(const Surroundings&) = delete;
 
     /// Where this is false, GetLastError() says why.
-    bool IsComplete() const { return m_IsComplete; }
+    bool IsComplete() const { return m_isComplete; }
     /// For as long as this object lives.
     STARTUPINFOEXW StartUp() const
     {
         STARTUPINFOEXW startup{};
         startup.StartupInfo.cb = sizeof startup;
         startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
-        startup.StartupInfo.hStdInput = m_Nowhere;
-        startup.StartupInfo.hStdOutput = m_Nowhere;
-        startup.StartupInfo.hStdError = m_Nowhere;
-        startup.lpAttributeList = m_Attributes;
+        startup.StartupInfo.hStdInput = m_nowhere;
+        startup.StartupInfo.hStdOutput = m_nowhere;
+        startup.StartupInfo.hStdError = m_nowhere;
+        startup.lpAttributeList = m_attributes;
         return startup;
     }
 
 private:
-    HANDLE m_Nowhere = INVALID_HANDLE_VALUE;
-    std::vector<char> m_Memory;
-    LPPROC_THREAD_ATTRIBUTE_LIST m_Attributes = nullptr;
-    bool m_IsInitialized = false;
-    bool m_IsComplete = false;
+    HANDLE m_nowhere = INVALID_HANDLE_VALUE;
+    std::vector<char> m_memory;
+    LPPROC_THREAD_ATTRIBUTE_LIST m_attributes = nullptr;
+    bool m_isInitialized = false;
+    bool m_isComplete = false;
 };
 
 /// Whether `code` is that of an exception that nobody caught, which then is the exit code: an error by its uppermost
@@ -83,8 +83,8 @@ bool IsException(DWORD code)
 
 HostProcess::~HostProcess()
 {
-    if (m_Handle != 0)
-        CloseHandle(reinterpret_cast<HANDLE>(m_Handle));
+    if (m_handle != 0)
+        CloseHandle(reinterpret_cast<HANDLE>(m_handle));
 }
 
 QString HostProcess::Start(const QString& file, const QStringList& arguments)
@@ -102,22 +102,22 @@ QString HostProcess::Start(const QString& file, const QStringList& arguments)
                         nullptr, &startup.StartupInfo, &process))
         return qt_error_string(static_cast<int>(GetLastError()));
     CloseHandle(process.hThread);
-    m_Handle = reinterpret_cast<qintptr>(process.hProcess);
+    m_handle = reinterpret_cast<qintptr>(process.hProcess);
     m_iId = process.dwProcessId;
     return {};
 }
 
 std::optional<HostProcess::End> HostProcess::Ended()
 {
-    if (m_End || m_Handle == 0)
-        return m_End;
-    const HANDLE process = reinterpret_cast<HANDLE>(m_Handle);
+    if (m_end || m_handle == 0)
+        return m_end;
+    const HANDLE process = reinterpret_cast<HANDLE>(m_handle);
     DWORD code = 0;
     if (WaitForSingleObject(process, 0) == WAIT_OBJECT_0 && GetExitCodeProcess(process, &code)) {
         if (IsException(code))
-            m_End = End{0, QStringLiteral("exception %1").arg(code, 8, 16, QLatin1Char('0'))};
+            m_end = End{0, QStringLiteral("exception %1").arg(code, 8, 16, QLatin1Char('0'))};
         else
-            m_End = End{static_cast<int>(code), {}};
+            m_end = End{static_cast<int>(code), {}};
     }
-    return m_End;
+    return m_end;
 }

@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // The dialog comes to the front at the connection, so this costs only the caller time.
-constexpr auto s_hearingTime = 50ms;
+constexpr auto kHearingTime = 50ms;
 
 LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline)
 {
@@ -31,7 +31,7 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
     if (!SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n")))
         return LinkAnswer::CutOff;
     // Many a service that would answer gives up when it sees the end first.
-    const QDeadlineTimer hearing(s_hearingTime);
+    const QDeadlineTimer hearing(kHearingTime);
     LinkEnding ending = WaitForEnding(socket.socketDescriptor(), std::min(hearing, deadline));
     if (ending == LinkEnding::None) {
         EndSending(socket.socketDescriptor());

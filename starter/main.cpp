@@ -1,5 +1,5 @@
-#include "platform/librarysearch.h"
-#include "platform/standardstreams.h"
+#include "process/librarysearch.h"
+#include "process/standardstreams.h"
 #include "starter/starter.h"
 #include "starter/starteroptions.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 using StandardStreams::Stream;
 
-void Complain(const QString& message)
+void PrintError(const QString& message)
 {
     StandardStreams::Write(Stream::Error, QStringLiteral("kitestarter: %1\n").arg(message));
 }
@@ -34,17 +34,17 @@ StarterExit Run()
     case ParsedStarterCommandLine::Outcome::Print:
         if (StandardStreams::Write(Stream::Output, commandLine.text))
             return StarterExit::Called;
-        Complain(QStringLiteral("cannot write all of it to standard output"));
+        PrintError(QStringLiteral("cannot write all of it to standard output"));
         return StarterExit::Usage;
     case ParsedStarterCommandLine::Outcome::Wrong:
-        Complain(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
+        PrintError(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
         return StarterExit::Usage;
     case ParsedStarterCommandLine::Outcome::Run:
         break;
     }
     const Starter::Outcome outcome = Starter(ToSettings(commandLine.options)).Run();
     if (!outcome.message.isEmpty())
-        Complain(outcome.message);
+        PrintError(outcome.message);
     return outcome.code;
 }
 
@@ -52,7 +52,7 @@ StarterExit Run()
 
 int main(int argc, char** argv)
 {
-    SearchLibrariesHereOnly();
+    RestrictLibrarySearch();
     StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
     // Such as that there is no folder for run-time files, which is coped with.

@@ -1,7 +1,7 @@
 #include "starter/starter.h"
 
-#include "host/exitcode.h"
-#include "platform/blockedplace.h"
+#include "files/regularfile.h"
+#include "host/output/exitcode.h"
 #include "starter/foreground.h"
 
 #include <QDir>
@@ -15,23 +15,23 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto s_pause = 50ms;
+constexpr auto kPause = 50ms;
 // After a host that gave way to another one, which may be about to end.
-constexpr auto s_pauseBeforeNextStart = 500ms;
+constexpr auto kPauseBeforeNextStart = 500ms;
 // A host that ends cuts off who is calling it, and cannot be reached after that. One that is called by very many at
 // once may drop a caller, but hardly the same one again.
-constexpr int s_mostCutOffs = 5;
+constexpr int kMostCutOffs = 5;
 // Age from which a lock file that names no process counts as left behind. One that is held is never taken for that.
-constexpr auto s_staleLockTime = 5s;
+constexpr auto kStaleLockTime = 5s;
 
 } // namespace
 
 Starter::Starter(Settings settings)
-    : m_Settings(std::move(settings))
-    , m_Deadline(m_Settings.timeOut)
-    , m_Lock(m_Settings.lockFile)
+    : m_settings(std::move(settings))
+    , m_deadline(m_settings.timeOut)
+    , m_lock(m_settings.lockFile)
 {
-    m_Lock.setStaleLockTime(s_staleLockTime);
+    m_lock.setStaleLockTime(kStaleLockTime);
 }
 
 QString Starter::DefaultLockFile(quint16 port)
@@ -53,7 +53,7 @@ Starter::Outcome Starter::Run()
 {
     HandOverForeground();
     for (;;) {
-        const LinkAnswer answer = CallLink(m_Settings.port, m_Deadline);
+        const LinkAnswer answer = CallLink(m_settings.port, m_deadline);
         if (const auto outcome = Judge(answer))
             return *outcome;
         // A call that was cut off reached somebody, who may still be there.
@@ -61,9 +61,9 @@ Starter::Outcome Starter::Run()
             if (const auto outcome = StartOrWatch())
                 return *outcome;
         }
-        if (m_Deadline.hasExpired())
+        if (m_deadline.hasExpired())
             return TimedOut();
-        QThread::msleep(static_cast<unsigned long>(s_pause.count()));
+        QThread::msleep(static_cast<unsigned long>(kPause.count()));
     }
 }
 
@@ -77,19 +77,19 @@ std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer)
         return Outcome{StarterExit::Foreign,
                        QStringLiteral("another program has port %1 and answers there, which no connect dialog does; "
                                       "no dialog can be called or started beside it")
-                           .arg(m_Settings.port)};
+                           .arg(m_settings.port)};
     case LinkAnswer::Silent:
         return TimedOut();
     case LinkAnswer::Refused:
-        if (m_Settings.callOnly)
+        if (m_settings.callOnly)
             return Outcome{StarterExit::NotRunning, QStringLiteral("no connect dialog is running")};
         break;
     case LinkAnswer::CutOff:
-        if (m_iCutOffs == s_mostCutOffs) {
+        if (m_iCutOffs == kMostCutOffs) {
             return Outcome{StarterExit::Foreign,
                            QStringLiteral("another program has port %1 and cuts off every call, which no connect "
                                           "dialog does; no dialog can be called or started beside it")
-                               .arg(m_Settings.port)};
+                               .arg(m_settings.port)};
         }
         break;
     }
@@ -99,7 +99,7 @@ std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer)
 std::optional<Starter::Outcome> Starter::StartOrWatch()
 {
     if (!m_pHost) {
-        if (!m_NextStart.hasExpired())
+        if (!m_nextStart.hasExpired())
             return std::nullopt;
         if (m_bLocked)
             return Start();
@@ -116,12 +116,12 @@ std::optional<Starter::Outcome> Starter::StartOrWatch()
         // The other host is starting, and will answer; or it is ending, and leaves room for another try.
         m_bOtherHost = true;
         m_pHost.reset();
-        m_NextStart = QDeadlineTimer(s_pauseBeforeNextStart);
+        m_nextStart = QDeadlineTimer(kPauseBeforeNextStart);
         return std::nullopt;
     }
     return Outcome{StarterExit::HostEnded,
                    QStringLiteral("%1 %2 before its dialog answered; started by itself it says why")
-                       .arg(m_Settings.host, end->crash.isEmpty()
+                       .arg(m_settings.host, end->crash.isEmpty()
                                                  ? QStringLiteral("ended with exit code %1").arg(end->exitCode)
                                                  : QStringLiteral("crashed (%1)").arg(end->crash))};
 }
@@ -129,10 +129,10 @@ std::optional<Starter::Outcome> Starter::StartOrWatch()
 std::optional<Starter::Outcome> Starter::Start()
 {
     m_pHost = std::make_unique<HostProcess>();
-    const QString error = m_pHost->Start(m_Settings.host, m_Settings.hostArguments);
+    const QString error = m_pHost->Start(m_settings.host, m_settings.hostArguments);
     if (error.isEmpty())
         return std::nullopt;
-    return Outcome{StarterExit::NotStarted, QStringLiteral("cannot start %1: %2").arg(m_Settings.host, error)};
+    return Outcome{StarterExit::NotStarted, QStringLiteral("cannot start %1: %2").arg(m_settings.host, error)};
 }
 
 /// Whether nobody else is starting a host, as far as the lock tells.
@@ -140,7 +140,7 @@ bool Starter::IsLocked()
 {
     // Only another starter's lock is waited for. Where no lock can be had at all, the host's own has to do.
     m_bOtherStarter =
-        !IsBlocked(m_Settings.lockFile) && !m_Lock.tryLock(0) && m_Lock.error() == QLockFile::LockFailedError;
+        !IsNotRegularFile(m_settings.lockFile) && !m_lock.tryLock(0) && m_lock.error() == QLockFile::LockFailedError;
     return !m_bOtherStarter;
 }
 
@@ -150,7 +150,7 @@ Starter::Outcome Starter::TimedOut() const
         return {StarterExit::NoAnswer,
                 QStringLiteral("%1 was started (process %2), but its dialog did not answer within %3; it is left "
                                "running")
-                    .arg(m_Settings.host)
+                    .arg(m_settings.host)
                     .arg(m_pHost->Id())
                     .arg(Seconds())};
     }
@@ -158,23 +158,23 @@ Starter::Outcome Starter::TimedOut() const
         return {StarterExit::HostEnded,
                 QStringLiteral("another host works on the same configuration directory, but no dialog answered on port "
                                "%1 within %2")
-                    .arg(m_Settings.port)
+                    .arg(m_settings.port)
                     .arg(Seconds())};
     }
     if (m_bOtherStarter) {
         return {StarterExit::NoAnswer,
                 QStringLiteral("another kitestarter is starting a host, but no dialog answered on port %1 within %2")
-                    .arg(m_Settings.port)
+                    .arg(m_settings.port)
                     .arg(Seconds())};
     }
     return {StarterExit::Foreign,
             QStringLiteral("port %1 is in use, but no dialog answered there within %2: another program has it, or a "
                            "dialog that is busy or hangs; no second one is started")
-                .arg(m_Settings.port)
+                .arg(m_settings.port)
                 .arg(Seconds())};
 }
 
 QString Starter::Seconds() const
 {
-    return QStringLiteral("%1 s").arg(static_cast<double>(m_Settings.timeOut.count()) / 1000);
+    return QStringLiteral("%1 s").arg(static_cast<double>(m_settings.timeOut.count()) / 1000);
 }

@@ -57,12 +57,12 @@ private:
     Outcome TimedOut() const;
     QString Seconds() const;
 
-    const Settings m_Settings;
-    const QDeadlineTimer m_Deadline;
-    QLockFile m_Lock;
+    const Settings m_settings;
+    const QDeadlineTimer m_deadline;
+    QLockFile m_lock;
     bool m_bLocked = false;
     std::unique_ptr<HostProcess> m_pHost;
-    QDeadlineTimer m_NextStart;   // expired: at once
+    QDeadlineTimer m_nextStart;   // expired: at once
     int m_iCutOffs = 0;           // calls cut off, one after the other
     bool m_bOtherHost = false;    // another host has the configuration directory
     bool m_bOtherStarter = false; // another starter has the lock

@@ -7,8 +7,8 @@
 namespace {
 
 // The dialog does not answer while it starts an application, which may take it 30 seconds.
-constexpr int s_defaultSeconds = 40;
-constexpr int s_mostSeconds = 3600;
+constexpr int kDefaultSeconds = 40;
+constexpr int kMostSeconds = 3600;
 
 // Both broken by hand at the width that QCommandLineParser uses for the options.
 QString Description()
@@ -58,53 +58,53 @@ private:
     QString HelpText() const;
     QString CheckGivenValues() const;
 
-    QCommandLineParser m_Parser;
-    const QCommandLineOption m_Help = {{QStringLiteral("h"), QStringLiteral("help")},
+    QCommandLineParser m_parser;
+    const QCommandLineOption m_help = {{QStringLiteral("h"), QStringLiteral("help")},
                                        QStringLiteral("Print this help.")};
-    const QCommandLineOption m_Version = {{QStringLiteral("v"), QStringLiteral("version")},
+    const QCommandLineOption m_version = {{QStringLiteral("v"), QStringLiteral("version")},
                                           QStringLiteral("Print the version.")};
-    const QCommandLineOption m_Host = {
+    const QCommandLineOption m_host = {
         QStringLiteral("host"),
         QStringLiteral("Start the program FILE. Default: the host that is installed with the starter."),
         QStringLiteral("FILE")};
-    const QCommandLineOption m_TimeOut = {
+    const QCommandLineOption m_timeOut = {
         QStringLiteral("timeout"),
         QStringLiteral("How long a dialog may take to answer, also one that is starting: 1 to %1. Default: %2.")
-            .arg(s_mostSeconds)
-            .arg(s_defaultSeconds),
-        QStringLiteral("SECONDS"), QString::number(s_defaultSeconds)};
-    const QCommandLineOption m_CallOnly = {QStringLiteral("call-only"),
+            .arg(kMostSeconds)
+            .arg(kDefaultSeconds),
+        QStringLiteral("SECONDS"), QString::number(kDefaultSeconds)};
+    const QCommandLineOption m_callOnly = {QStringLiteral("call-only"),
                                            QStringLiteral("Start nothing where no dialog is running.")};
 };
 
 Parser::Parser()
 {
-    m_Parser.setApplicationDescription(Description());
-    m_Parser.addOptions({m_Host, m_TimeOut, m_CallOnly, m_Help, m_Version});
+    m_parser.setApplicationDescription(Description());
+    m_parser.addOptions({m_host, m_timeOut, m_callOnly, m_help, m_version});
 }
 
 QString Parser::HelpText() const
 {
     // The parser's own first line names whatever path the program was started by.
-    const QString text = m_Parser.helpText();
+    const QString text = m_parser.helpText();
     return QStringLiteral("Usage: kitestarter [options] [-- HOST ARGUMENTS]") + text.mid(text.indexOf(u'\n')) + Notes();
 }
 
 /// Why a value given on the command line cannot be taken; empty when all can.
 QString Parser::CheckGivenValues() const
 {
-    if (!m_Parser.positionalArguments().isEmpty()) {
+    if (!m_parser.positionalArguments().isEmpty()) {
         return QStringLiteral("unexpected argument \"%1\"; the host's arguments stand after \"--\"")
-            .arg(m_Parser.positionalArguments().constFirst());
+            .arg(m_parser.positionalArguments().constFirst());
     }
-    if (m_Parser.isSet(m_Host) && m_Parser.value(m_Host).isEmpty())
+    if (m_parser.isSet(m_host) && m_parser.value(m_host).isEmpty())
         return QStringLiteral("--host needs a value that is not empty");
     bool isNumber = false;
-    const int seconds = m_Parser.value(m_TimeOut).toInt(&isNumber);
-    if (!isNumber || seconds < 1 || seconds > s_mostSeconds) {
+    const int seconds = m_parser.value(m_timeOut).toInt(&isNumber);
+    if (!isNumber || seconds < 1 || seconds > kMostSeconds) {
         return QStringLiteral("--timeout: not a number from 1 to %1: \"%2\"")
-            .arg(s_mostSeconds)
-            .arg(m_Parser.value(m_TimeOut));
+            .arg(kMostSeconds)
+            .arg(m_parser.value(m_timeOut));
     }
     return {};
 }
@@ -118,26 +118,26 @@ ParsedStarterCommandLine Parser::Parse(QStringList arguments)
         hostArguments = arguments.mid(separator + 1);
         arguments.erase(arguments.cbegin() + separator, arguments.cend());
     }
-    if (!m_Parser.parse(arguments)) {
+    if (!m_parser.parse(arguments)) {
         // The parser ends its own sentences.
-        QString error = m_Parser.errorText();
+        QString error = m_parser.errorText();
         if (error.endsWith(u'.'))
             error.chop(1);
         return {Outcome::Wrong, error, {}};
     }
-    if (m_Parser.isSet(m_Help))
+    if (m_parser.isSet(m_help))
         return {Outcome::Print, HelpText(), {}};
-    if (m_Parser.isSet(m_Version))
+    if (m_parser.isSet(m_version))
         return {Outcome::Print, QStringLiteral("kitestarter " VEXEL_VERSION "\n"), {}};
     if (const QString error = CheckGivenValues(); !error.isEmpty())
         return {Outcome::Wrong, error, {}};
 
     StarterOptions options;
-    if (m_Parser.isSet(m_Host))
-        options.host = QDir::cleanPath(QFileInfo(m_Parser.value(m_Host)).absoluteFilePath());
+    if (m_parser.isSet(m_host))
+        options.host = QDir::cleanPath(QFileInfo(m_parser.value(m_host)).absoluteFilePath());
     options.hostArguments = hostArguments;
-    options.timeOut = std::chrono::seconds(m_Parser.value(m_TimeOut).toInt());
-    options.callOnly = m_Parser.isSet(m_CallOnly);
+    options.timeOut = std::chrono::seconds(m_parser.value(m_timeOut).toInt());
+    options.callOnly = m_parser.isSet(m_callOnly);
     return {Outcome::Run, {}, options};
 }
 

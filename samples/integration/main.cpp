@@ -58,7 +58,7 @@ int main(int argc, char* argv[])
 
     // Two hosts on one configuration would undo what the other stores.
     InstanceLock lock;
-    if (lock.Take(arguments[2]) != InstanceLock::Result::Taken)
+    if (lock.TryLock(arguments[2]) != InstanceLock::Result::Locked)
         return Fail(2, lock.ErrorText());
     if (!CfgCenter::Open(arguments[2]))
         return Fail(2, CfgCenter::OpenError());

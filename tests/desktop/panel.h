@@ -23,20 +23,20 @@ public:
 
     void Start()
     {
-        m_Process.setProcessChannelMode(QProcess::ForwardedChannels);
-        m_Process.start(QStringLiteral("trayer"),
+        m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_process.start(QStringLiteral("trayer"),
                         {QStringLiteral("--edge"), QStringLiteral("bottom"), QStringLiteral("--align"),
                          QStringLiteral("right"), QStringLiteral("--widthtype"), QStringLiteral("request"),
                          QStringLiteral("--height"), QStringLiteral("24")});
-        QVERIFY2(m_Process.waitForStarted(), qPrintable(m_Process.errorString()));
+        QVERIFY2(m_process.waitForStarted(), qPrintable(m_process.errorString()));
         QTRY_VERIFY_WITH_TIMEOUT(QSystemTrayIcon::isSystemTrayAvailable(), 20000);
     }
     void Stop()
     {
-        m_Process.kill();
-        m_Process.waitForFinished();
+        m_process.kill();
+        m_process.waitForFinished();
     }
 
 private:
-    QProcess m_Process;
+    QProcess m_process;
 };

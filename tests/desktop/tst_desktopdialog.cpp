@@ -38,7 +38,7 @@ protected:
 } // namespace
 
 /// The dialog on a desktop: real clicks, keys and drags.
-class tst_DesktopDialog : public QObject
+class TestDesktopDialog : public QObject
 {
     Q_OBJECT
 
@@ -58,111 +58,111 @@ private slots:
 private:
     QPoint OnScreen(QTreeView* view, const QString& name, int column)
     {
-        const QModelIndex index = m_Fixture->ProxyIndex(name, column);
+        const QModelIndex index = m_fixture->ProxyIndex(name, column);
         return view->viewport()->mapToGlobal(view->visualRect(index).center());
     }
 
-    std::unique_ptr<TestChild> m_Child;
-    std::unique_ptr<DialogFixture> m_Fixture;
+    std::unique_ptr<TestChild> m_child;
+    std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void tst_DesktopDialog::init()
+void TestDesktopDialog::init()
 {
-    m_Child = std::make_unique<TestChild>();
-    m_Child->Behave("stay");
-    m_Fixture = std::make_unique<DialogFixture>();
-    m_Fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, TestChild::Program());
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south"))});
-    m_Fixture->dialog->resize(1000, 300);
-    m_Fixture->Show();
-    m_Fixture->dialog->move(100, 300);
-    m_Fixture->dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
-    QTRY_VERIFY(m_Fixture->dialog->pos().y() >= 250);
+    m_child = std::make_unique<TestChild>();
+    m_child->Behave("stay");
+    m_fixture = std::make_unique<DialogFixture>();
+    m_fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, TestChild::Program());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south"))});
+    m_fixture->dialog->resize(1000, 300);
+    m_fixture->Show();
+    m_fixture->dialog->move(100, 300);
+    m_fixture->dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
+    QTRY_VERIFY(m_fixture->dialog->pos().y() >= 250);
 }
 
-void tst_DesktopDialog::cleanup()
+void TestDesktopDialog::cleanup()
 {
-    m_Fixture.reset();
-    m_Child.reset();
+    m_fixture.reset();
+    m_child.reset();
 }
 
-void tst_DesktopDialog::clickTicks()
+void TestDesktopDialog::clickTicks()
 {
-    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected));
-    QTRY_VERIFY(m_Fixture->model->GetConnection(1).Selected);
-    QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+    Desktop::Click(OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected));
+    QTRY_VERIFY(m_fixture->model->GetConnection(1).Selected);
+    QVERIFY(!m_fixture->model->GetConnection(0).Selected);
 }
 
-void tst_DesktopDialog::doubleClickOnTheTickIsTwoClicks()
+void TestDesktopDialog::doubleClickOnTheTickIsTwoClicks()
 {
-    const QSignalSpy changed(m_Fixture->model, &QAbstractItemModel::dataChanged);
-    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected), 2);
+    const QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
+    Desktop::Click(OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected), 2);
     QTRY_COMPARE(changed.count(), 2);
-    QVERIFY(!m_Fixture->model->GetConnection(1).Selected);
+    QVERIFY(!m_fixture->model->GetConnection(1).Selected);
 }
 
-void tst_DesktopDialog::doubleClickEdits()
+void TestDesktopDialog::doubleClickEdits()
 {
-    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("north"), ConnectionsModel::ColumnName), 2);
-    QTRY_VERIFY(m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+    Desktop::Click(OnScreen(m_fixture->BasicView(), QStringLiteral("north"), ConnectionsModel::ColumnName), 2);
+    QTRY_VERIFY(m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
     Desktop::Press(QStringLiteral("ctrl+a"));
     Desktop::Type(QStringLiteral("typed"));
     Desktop::Press(QStringLiteral("Return"));
-    QTRY_COMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("typed"));
-    QVERIFY(m_Fixture->dialog->isVisible());
+    QTRY_COMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("typed"));
+    QVERIFY(m_fixture->dialog->isVisible());
 }
 
-void tst_DesktopDialog::doubleClickEditsInTheDetails()
+void TestDesktopDialog::doubleClickEditsInTheDetails()
 {
-    m_Fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Action("m_pDetailsAction")->trigger();
     // Wide enough that the click does not scroll the cell away under the second one.
-    m_Fixture->dialog->resize(1400, 300);
-    QTRY_VERIFY(m_Fixture->DetailsView()->width() > 600);
-    QTRY_VERIFY(m_Fixture->DetailsView()->horizontalScrollBar()->maximum() == 0);
-    Desktop::Click(OnScreen(m_Fixture->DetailsView(), QStringLiteral("north"), ConnectionsModel::ColumnDeviceAddress),
+    m_fixture->dialog->resize(1400, 300);
+    QTRY_VERIFY(m_fixture->DetailsView()->width() > 600);
+    QTRY_VERIFY(m_fixture->DetailsView()->horizontalScrollBar()->maximum() == 0);
+    Desktop::Click(OnScreen(m_fixture->DetailsView(), QStringLiteral("north"), ConnectionsModel::ColumnDeviceAddress),
                    2);
-    QTRY_VERIFY(m_Fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
+    QTRY_VERIFY(m_fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
     Desktop::Type(QStringLiteral("10.1.2.3"));
-    Desktop::Click(OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName));
-    QTRY_COMPARE(m_Fixture->model->GetConnection(0).DeviceAddress, QStringLiteral("10.1.2.3"));
+    Desktop::Click(OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName));
+    QTRY_COMPARE(m_fixture->model->GetConnection(0).DeviceAddress, QStringLiteral("10.1.2.3"));
 }
 
-void tst_DesktopDialog::altCConnects()
+void TestDesktopDialog::altCConnects()
 {
-    m_Fixture->model->setData(m_Fixture->model->index(0, 0), true);
+    m_fixture->model->setData(m_fixture->model->index(0, 0), true);
     Desktop::Press(QStringLiteral("alt+c"));
-    QTRY_VERIFY(!m_Fixture->dialog->isVisible());
-    QTRY_COMPARE(m_Child->Count(), 1);
-    QCOMPARE(m_Fixture->model->GetConnection(0).ConnectionStatus, int{Connection::InUse});
+    QTRY_VERIFY(!m_fixture->dialog->isVisible());
+    QTRY_COMPARE(m_child->Count(), 1);
+    QCOMPARE(m_fixture->model->GetConnection(0).ConnectionStatus, int{Connection::InUse});
 }
 
-void tst_DesktopDialog::enterConnects()
+void TestDesktopDialog::enterConnects()
 {
-    m_Fixture->model->setData(m_Fixture->model->index(1, 0), true);
+    m_fixture->model->setData(m_fixture->model->index(1, 0), true);
     Desktop::Press(QStringLiteral("Return"));
-    QTRY_VERIFY(!m_Fixture->dialog->isVisible());
-    QTRY_COMPARE(m_Child->Count(), 1);
-    QCOMPARE(m_Fixture->model->GetConnection(1).ConnectionStatus, int{Connection::InUse});
+    QTRY_VERIFY(!m_fixture->dialog->isVisible());
+    QTRY_COMPARE(m_child->Count(), 1);
+    QCOMPARE(m_fixture->model->GetConnection(1).ConnectionStatus, int{Connection::InUse});
 }
 
-void tst_DesktopDialog::contextMenuOpensOnRightClick()
+void TestDesktopDialog::contextMenuOpensOnRightClick()
 {
-    Desktop::MoveTo(OnScreen(m_Fixture->BasicView(), QStringLiteral("north"), ConnectionsModel::ColumnName));
+    Desktop::MoveTo(OnScreen(m_fixture->BasicView(), QStringLiteral("north"), ConnectionsModel::ColumnName));
     Desktop::Do({QStringLiteral("click"), QStringLiteral("3")});
     QTRY_VERIFY(QApplication::activePopupWidget());
     Desktop::Press(QStringLiteral("Down"));
     Desktop::Press(QStringLiteral("Return"));
-    QTRY_VERIFY(m_Fixture->DetailsView()->isVisible());
+    QTRY_VERIFY(m_fixture->DetailsView()->isVisible());
 }
 
-void tst_DesktopDialog::fileDroppedOnTheTableIsImported()
+void TestDesktopDialog::fileDroppedOnTheTableIsImported()
 {
     ConnectionsModel other(nullptr, QString());
     other.AddConnection(Entry(QStringLiteral("dropped")));
     DragSource source;
-    source.urls = {QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))};
+    source.urls = {QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))};
     source.setGeometry(1200, 100, 200, 200);
     source.show();
     QVERIFY(QTest::qWaitForWindowExposed(&source));
@@ -171,7 +171,7 @@ void tst_DesktopDialog::fileDroppedOnTheTableIsImported()
     Desktop::MoveTo(source.mapToGlobal(QPoint(100, 100)));
     Desktop::Do({QStringLiteral("mousedown"), QStringLiteral("1")});
     // The drag runs an event loop of its own, in which the rest of the way is gone.
-    const QPoint target = OnScreen(m_Fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName);
+    const QPoint target = OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName);
     QProcess rest;
     rest.start(QStringLiteral("xdotool"),
                {QStringLiteral("mousemove_relative"), QStringLiteral("5"), QStringLiteral("5"), QStringLiteral("sleep"),
@@ -180,10 +180,10 @@ void tst_DesktopDialog::fileDroppedOnTheTableIsImported()
                 QStringLiteral("mousemove"), QString::number(target.x()), QString::number(target.y()),
                 QStringLiteral("sleep"), QStringLiteral("0.3"), QStringLiteral("mouseup"), QStringLiteral("1")});
     QTRY_VERIFY_WITH_TIMEOUT(source.done, 20000);
-    QTRY_COMPARE_WITH_TIMEOUT(m_Fixture->Names(), QStringList{QStringLiteral("dropped")}, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_fixture->Names(), QStringList{QStringLiteral("dropped")}, 20000);
     QCOMPARE(source.result, Qt::CopyAction);
     QTRY_COMPARE(rest.state(), QProcess::NotRunning);
 }
 
-QTEST_MAIN(tst_DesktopDialog)
+QTEST_MAIN(TestDesktopDialog)
 #include "tst_desktopdialog.moc"

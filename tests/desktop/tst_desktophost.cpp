@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 
 /// The host with its window on a desktop.
-class tst_DesktopHost : public QObject
+class TestDesktopHost : public QObject
 {
     Q_OBJECT
 
@@ -28,9 +28,9 @@ private:
         QProcess tool;
         tool.start(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-tree")});
         tool.waitForFinished();
-        static const QRegularExpression s_icon(
+        static const QRegularExpression kIcon(
             QStringLiteral("\"vexelhost\": \\(\"vexelhost\"[^\\n]*\\+(\\d+)\\+(\\d+)\\n"));
-        auto matches = s_icon.globalMatch(QString::fromUtf8(tool.readAllStandardOutput()));
+        auto matches = kIcon.globalMatch(QString::fromUtf8(tool.readAllStandardOutput()));
         while (matches.hasNext()) {
             const auto match = matches.next();
             if (Panel::Place().contains(QPoint(match.captured(1).toInt(), match.captured(2).toInt())))
@@ -55,7 +55,7 @@ private:
     }
 };
 
-void tst_DesktopHost::sizeOutlivesTheRun()
+void TestDesktopHost::sizeOutlivesTheRun()
 {
     const QTemporaryDir directory;
     const QStringList arguments{QStringLiteral("--config"), directory.filePath(QStringLiteral("config")),
@@ -81,7 +81,7 @@ void tst_DesktopHost::sizeOutlivesTheRun()
     }
 }
 
-void tst_DesktopHost::staysInTheTrayUntilQuit()
+void TestDesktopHost::staysInTheTrayUntilQuit()
 {
     const Panel panel;
     const QTemporaryDir directory;
@@ -113,5 +113,5 @@ void tst_DesktopHost::staysInTheTrayUntilQuit()
     QCOMPARE(host.exitCode(), 0);
 }
 
-QTEST_MAIN(tst_DesktopHost)
+QTEST_MAIN(TestDesktopHost)
 #include "tst_desktophost.moc"

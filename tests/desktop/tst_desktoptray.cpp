@@ -77,7 +77,7 @@ bool BalloonSays(const QString& text)
 } // namespace
 
 /// The host's icon in a real system tray, worked with the mouse.
-class tst_DesktopTray : public QObject
+class TestDesktopTray : public QObject
 {
     Q_OBJECT
 
@@ -100,7 +100,7 @@ private slots:
     void aPanelThatComesLater();
 };
 
-void tst_DesktopTray::showsTheIcon()
+void TestDesktopTray::showsTheIcon()
 {
     const Panel panel;
     Session session;
@@ -124,7 +124,7 @@ void tst_DesktopTray::showsTheIcon()
     QTRY_VERIFY(hasBlue());
 }
 
-void tst_DesktopTray::closingHidesToTheTray()
+void TestDesktopTray::closingHidesToTheTray()
 {
     const Panel panel;
     Session session;
@@ -146,7 +146,7 @@ void tst_DesktopTray::closingHidesToTheTray()
     QCOMPARE(session.end->count(), 0);
 }
 
-void tst_DesktopTray::aClickCallsTheDialog()
+void TestDesktopTray::aClickCallsTheDialog()
 {
     const Panel panel;
     Session session;
@@ -158,7 +158,7 @@ void tst_DesktopTray::aClickCallsTheDialog()
     QTRY_VERIFY(session.fake.isActiveWindow());
 }
 
-void tst_DesktopTray::menu()
+void TestDesktopTray::menu()
 {
     const Panel panel;
     Session session;
@@ -174,7 +174,7 @@ void tst_DesktopTray::menu()
     QTRY_COMPARE(session.end->count(), 1);
 }
 
-void tst_DesktopTray::quitAsksWhileInUse()
+void TestDesktopTray::quitAsksWhileInUse()
 {
     const Panel panel;
     Session session;
@@ -197,7 +197,7 @@ void tst_DesktopTray::quitAsksWhileInUse()
     QTRY_COMPARE(session.end->count(), 1);
 }
 
-void tst_DesktopTray::onlyAFailedSaveIsTold()
+void TestDesktopTray::onlyAFailedSaveIsTold()
 {
     const Panel panel;
     Session session;
@@ -211,7 +211,7 @@ void tst_DesktopTray::onlyAFailedSaveIsTold()
     Balloon()->close();
 }
 
-void tst_DesktopTray::noticesAreToldWhereNobodyReads()
+void TestDesktopTray::noticesAreToldWhereNobodyReads()
 {
     const ErrorsTo nobody(QProcess::nullDevice());
     const Panel panel;
@@ -235,7 +235,7 @@ void tst_DesktopTray::noticesAreToldWhereNobodyReads()
     QVERIFY(!QApplication::activeModalWidget());
 }
 
-void tst_DesktopTray::aPanelThatStartsAnew()
+void TestDesktopTray::aPanelThatStartsAnew()
 {
     Panel panel;
     Session session;
@@ -251,7 +251,7 @@ void tst_DesktopTray::aPanelThatStartsAnew()
     QCOMPARE(session.end->count(), 0);
 }
 
-void tst_DesktopTray::aPanelThatGoesForGood()
+void TestDesktopTray::aPanelThatGoesForGood()
 {
     Panel panel;
     Session session;
@@ -268,7 +268,7 @@ void tst_DesktopTray::aPanelThatGoesForGood()
     QTRY_COMPARE(session.end->count(), 1);
 }
 
-void tst_DesktopTray::aPanelThatComesLater()
+void TestDesktopTray::aPanelThatComesLater()
 {
     Session session;
     QTRY_VERIFY(session.fake.isVisible());
@@ -283,5 +283,5 @@ void tst_DesktopTray::aPanelThatComesLater()
     QTRY_VERIFY(session.fake.isVisible());
 }
 
-QTEST_MAIN(tst_DesktopTray)
+QTEST_MAIN(TestDesktopTray)
 #include "tst_desktoptray.moc"

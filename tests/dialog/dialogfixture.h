@@ -51,22 +51,22 @@ public:
     void Build()
     {
         CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
-            ->SetString(QStringLiteral("VexelDataDir"), m_Data.path(), 0);
+            ->SetString(QStringLiteral("VexelDataDir"), m_data.path(), 0);
         model = new ConnectionsModel(nullptr, QStringLiteral("ConnectionsModel"));
-        m_ModelTester =
+        m_modelTester =
             std::make_unique<QAbstractItemModelTester>(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         appCounter = new AppCounter(model, QStringLiteral("VexelConnectDlg"));
         dialog = new VexelConnectDlgGUI(nullptr, model, appCounter);
-        m_ProxyTester =
+        m_proxyTester =
             std::make_unique<QAbstractItemModelTester>(Proxy(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     }
 
     /// In the order in which the plug-in does it.
     void TearDown()
     {
-        m_ProxyTester.reset();
+        m_proxyTester.reset();
         delete std::exchange(dialog, nullptr);
-        m_ModelTester.reset();
+        m_modelTester.reset();
         delete std::exchange(model, nullptr);
         delete std::exchange(appCounter, nullptr);
     }
@@ -112,7 +112,7 @@ public:
         return file.fileName();
     }
 
-    QString DataPath(const QString& name) const { return m_Data.filePath(name); }
+    QString DataPath(const QString& name) const { return m_data.filePath(name); }
 
     template <typename Widget>
     Widget* Find(const char* name) const
@@ -204,7 +204,7 @@ public:
     VexelConnectDlgGUI* dialog = nullptr;
 
 private:
-    QTemporaryDir m_Data;
-    std::unique_ptr<QAbstractItemModelTester> m_ModelTester;
-    std::unique_ptr<QAbstractItemModelTester> m_ProxyTester;
+    QTemporaryDir m_data;
+    std::unique_ptr<QAbstractItemModelTester> m_modelTester;
+    std::unique_ptr<QAbstractItemModelTester> m_proxyTester;
 };

@@ -14,5 +14,5 @@ public:
 
 private:
     struct Former;
-    const std::unique_ptr<Former> m_Former;
+    const std::unique_ptr<Former> m_former;
 };

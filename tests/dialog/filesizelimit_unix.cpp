@@ -10,19 +10,18 @@ struct FileSizeLimit::Former
 };
 
 FileSizeLimit::FileSizeLimit(qint64 bytes)
-    : m_Former(std::make_unique<Former>())
+    : m_former(std::make_unique<Former>())
 {
-    getrlimit(RLIMIT_FSIZE, &m_Former->limit);
-    // Else the first byte too many would end the process. What it starts has to see to that itself, which it would not
-    // have to if the signal were ignored.
-    m_Former->handler = std::signal(SIGXFSZ, [](int) {});
-    rlimit limit = m_Former->limit;
+    getrlimit(RLIMIT_FSIZE, &m_former->limit);
+    // Otherwise the system ends the process at the first byte too many. Child processes inherit an ignored signal.
+    m_former->handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit = m_former->limit;
     limit.rlim_cur = static_cast<rlim_t>(bytes);
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 FileSizeLimit::~FileSizeLimit()
 {
-    setrlimit(RLIMIT_FSIZE, &m_Former->limit);
-    std::signal(SIGXFSZ, m_Former->handler);
+    setrlimit(RLIMIT_FSIZE, &m_former->limit);
+    std::signal(SIGXFSZ, m_former->handler);
 }

@@ -12,7 +12,7 @@ class MarkingTranslator : public QTranslator
 {
 public:
     explicit MarkingTranslator(QString context)
-        : m_Context(std::move(context))
+        : m_context(std::move(context))
     {
         QCoreApplication::installTranslator(this);
     }
@@ -24,10 +24,10 @@ public:
     QString translate(const char* context, const char* sourceText, const char* /*disambiguation*/,
                       int /*n*/) const override
     {
-        return m_Context == QLatin1String(context) ? Marked(QString::fromUtf8(sourceText)) : QString();
+        return m_context == QLatin1String(context) ? Marked(QString::fromUtf8(sourceText)) : QString();
     }
     bool isEmpty() const override { return false; }
 
 private:
-    QString m_Context;
+    QString m_context;
 };

@@ -25,8 +25,8 @@ namespace {
 
 using Model = ConnectionsModel;
 
-constexpr int s_columnAboveAll = 10;
-const QList<int> s_withdrawn{9, 10, 11};
+constexpr int kColumnAboveAll = 10;
+const QList<int> kWithdrawn{9, 10, 11};
 
 // Accepts what the table model accepts and remembers what it was given.
 class RecordingModel : public QStandardItemModel
@@ -40,7 +40,7 @@ public:
     };
 
     RecordingModel()
-        : QStandardItemModel(1, s_columnAboveAll + 2)
+        : QStandardItemModel(1, kColumnAboveAll + 2)
     {
     }
 
@@ -73,13 +73,13 @@ class SizedEditor : public QWidget
 {
 public:
     explicit SizedEditor(QSize hint)
-        : m_Hint(hint)
+        : m_hint(hint)
     {
     }
-    QSize sizeHint() const override { return m_Hint; }
+    QSize sizeHint() const override { return m_hint; }
 
 private:
-    QSize m_Hint;
+    QSize m_hint;
 };
 
 Connection Entry()
@@ -107,12 +107,12 @@ void Turn(QWidget* widget, int steps)
 
 } // namespace
 
-class ConnectionsDelegateTest : public QObject
+class TestConnectionsDelegate : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { m_Style = QApplication::style()->name(); }
+    void initTestCase() { m_style = QApplication::style()->name(); }
     void init();
     void cleanup();
 
@@ -186,13 +186,13 @@ private:
         return qobject_cast<Editor*>(m_pView->indexWidget(At(column)));
     }
 
-    QString m_Style;
+    QString m_style;
     std::unique_ptr<ConnectionsModel> m_pModel;
     std::unique_ptr<ConnectionsDelegate> m_pDelegate;
     std::unique_ptr<QTreeView> m_pView;
 };
 
-void ConnectionsDelegateTest::init()
+void TestConnectionsDelegate::init()
 {
     m_pModel = std::make_unique<ConnectionsModel>(nullptr, QStringLiteral("DelegateTestModel"));
     m_pModel->removeRows(0, m_pModel->rowCount());
@@ -208,15 +208,15 @@ void ConnectionsDelegateTest::init()
     QVERIFY(QTest::qWaitForWindowActive(m_pView.get()));
 }
 
-void ConnectionsDelegateTest::cleanup()
+void TestConnectionsDelegate::cleanup()
 {
     m_pView.reset();
     m_pDelegate.reset();
     m_pModel.reset();
-    QApplication::setStyle(m_Style);
+    QApplication::setStyle(m_style);
 }
 
-void ConnectionsDelegateTest::isAPlainItemDelegate()
+void TestConnectionsDelegate::isAPlainItemDelegate()
 {
     const QMetaObject& meta = ConnectionsDelegate::staticMetaObject;
     QCOMPARE(meta.className(), "ConnectionsDelegate");
@@ -229,7 +229,7 @@ void ConnectionsDelegateTest::isAPlainItemDelegate()
     QCOMPARE(delegate->parent(), &parent);
 }
 
-void ConnectionsDelegateTest::paintsAndMeasuresAsTheItemDelegate()
+void TestConnectionsDelegate::paintsAndMeasuresAsTheItemDelegate()
 {
     m_pView->clearSelection();
     const QImage ours = m_pView->viewport()->grab().toImage();
@@ -244,7 +244,7 @@ void ConnectionsDelegateTest::paintsAndMeasuresAsTheItemDelegate()
     m_pView->setItemDelegate(m_pDelegate.get());
 }
 
-void ConnectionsDelegateTest::createsTheEditorOfTheColumn_data()
+void TestConnectionsDelegate::createsTheEditorOfTheColumn_data()
 {
     QTest::addColumn<const QMetaObject*>("kind");
     const QList<const QMetaObject*> kinds{
@@ -258,7 +258,7 @@ void ConnectionsDelegateTest::createsTheEditorOfTheColumn_data()
     }
 }
 
-void ConnectionsDelegateTest::createsTheEditorOfTheColumn()
+void TestConnectionsDelegate::createsTheEditorOfTheColumn()
 {
     QFETCH(const QMetaObject*, kind);
     const int column = QByteArray(QTest::currentDataTag()).mid(7).toInt();
@@ -270,7 +270,7 @@ void ConnectionsDelegateTest::createsTheEditorOfTheColumn()
     QCOMPARE(editor->parentWidget(), &parent);
 }
 
-void ConnectionsDelegateTest::fillsTheNewEditorAtOnce()
+void TestConnectionsDelegate::fillsTheNewEditorAtOnce()
 {
     m_pModel->setData(At(Model::ColumnStatus), 1);
 
@@ -291,7 +291,7 @@ void ConnectionsDelegateTest::fillsTheNewEditorAtOnce()
     QCOMPARE(delegate.filled, QList<QWidget*>{editor});
 }
 
-void ConnectionsDelegateTest::hasNoEditorForAnInvalidIndex()
+void TestConnectionsDelegate::hasNoEditorForAnInvalidIndex()
 {
     QWidget parent;
     QCOMPARE(m_pDelegate->createEditor(&parent, {}, QModelIndex()), nullptr);
@@ -300,12 +300,12 @@ void ConnectionsDelegateTest::hasNoEditorForAnInvalidIndex()
     QVERIFY(parent.children().isEmpty());
 }
 
-void ConnectionsDelegateTest::hasNoEditorAboveTheLastColumn()
+void TestConnectionsDelegate::hasNoEditorAboveTheLastColumn()
 {
     const RecordingModel model;
     RecordingDelegate delegate(nullptr);
     QWidget parent;
-    for (const int column : {s_columnAboveAll, s_columnAboveAll + 1}) {
+    for (const int column : {kColumnAboveAll, kColumnAboveAll + 1}) {
         delegate.filled = {&parent};
         QCOMPARE(delegate.createEditor(&parent, {}, model.index(0, column)), nullptr);
         QCOMPARE(delegate.filled, (QList<QWidget*>{&parent, nullptr}));
@@ -313,7 +313,7 @@ void ConnectionsDelegateTest::hasNoEditorAboveTheLastColumn()
     QVERIFY(parent.children().isEmpty());
 }
 
-void ConnectionsDelegateTest::offersOneItemPerValue_data()
+void TestConnectionsDelegate::offersOneItemPerValue_data()
 {
     using TextOf = QString (*)(int);
     QTest::addColumn<int>("column");
@@ -331,7 +331,7 @@ void ConnectionsDelegateTest::offersOneItemPerValue_data()
     add(Model::ColumnLinkSpeed, "link speed", 7, &Connection::LinkSpeedName);
 }
 
-void ConnectionsDelegateTest::offersOneItemPerValue()
+void TestConnectionsDelegate::offersOneItemPerValue()
 {
     QFETCH(int, column);
     QFETCH(QStringList, texts);
@@ -351,7 +351,7 @@ void ConnectionsDelegateTest::offersOneItemPerValue()
     QVERIFY(!comboBox->isEditable());
 }
 
-void ConnectionsDelegateTest::measuresTheTranslatedItems()
+void TestConnectionsDelegate::measuresTheTranslatedItems()
 {
     const MarkingTranslator translator(QStringLiteral("Connection"));
 
@@ -364,7 +364,7 @@ void ConnectionsDelegateTest::measuresTheTranslatedItems()
     QCOMPARE(types->minimumContentsLength(), 19); // "Kite Alpha + Wren C"
 }
 
-void ConnectionsDelegateTest::opensTheListWithoutScrolling_data()
+void TestConnectionsDelegate::opensTheListWithoutScrolling_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<QString>("style");
@@ -376,7 +376,7 @@ void ConnectionsDelegateTest::opensTheListWithoutScrolling_data()
     }
 }
 
-void ConnectionsDelegateTest::opensTheListWithoutScrolling()
+void TestConnectionsDelegate::opensTheListWithoutScrolling()
 {
     QFETCH(int, column);
     QFETCH(QString, style);
@@ -399,16 +399,16 @@ void ConnectionsDelegateTest::opensTheListWithoutScrolling()
     QCOMPARE(shown, column == Model::ColumnDeviceType ? 12 : comboBox->count());
 }
 
-void ConnectionsDelegateTest::hidesTheWithdrawnDeviceTypes()
+void TestConnectionsDelegate::hidesTheWithdrawnDeviceTypes()
 {
     const auto* const comboBox = NewEditor<QComboBox>(Model::ColumnDeviceType);
     const auto* const list = qobject_cast<QListView*>(comboBox->view());
     QVERIFY(list);
     int pickable = 0;
     for (int row = 0; row < comboBox->count(); ++row) {
-        QCOMPARE(list->isRowHidden(row), s_withdrawn.contains(row));
+        QCOMPARE(list->isRowHidden(row), kWithdrawn.contains(row));
         const bool enabled = comboBox->model()->index(row, 0).flags().testFlag(Qt::ItemIsEnabled);
-        QCOMPARE(enabled, !s_withdrawn.contains(row));
+        QCOMPARE(enabled, !kWithdrawn.contains(row));
         pickable += enabled ? 1 : 0;
     }
     QCOMPARE(pickable, 12);
@@ -423,7 +423,7 @@ void ConnectionsDelegateTest::hidesTheWithdrawnDeviceTypes()
     }
 }
 
-void ConnectionsDelegateTest::stepsOverTheWithdrawnDeviceTypes()
+void TestConnectionsDelegate::stepsOverTheWithdrawnDeviceTypes()
 {
     auto* const comboBox = NewEditor<QComboBox>(Model::ColumnDeviceType);
     comboBox->show();
@@ -444,12 +444,12 @@ void ConnectionsDelegateTest::stepsOverTheWithdrawnDeviceTypes()
     QCOMPARE(comboBox->currentIndex(), 0);
     for (int step = 0; step < comboBox->count(); ++step) {
         QTest::keyClick(comboBox, Qt::Key_Down);
-        QVERIFY(!s_withdrawn.contains(comboBox->currentIndex()));
+        QVERIFY(!kWithdrawn.contains(comboBox->currentIndex()));
     }
     QCOMPARE(comboBox->currentIndex(), 14);
 }
 
-void ConnectionsDelegateTest::stepsOverTheWithdrawnDeviceTypesInTheOpenList()
+void TestConnectionsDelegate::stepsOverTheWithdrawnDeviceTypesInTheOpenList()
 {
     auto* const comboBox = NewEditor<QComboBox>(Model::ColumnDeviceType);
     comboBox->show();
@@ -477,7 +477,7 @@ void ConnectionsDelegateTest::stepsOverTheWithdrawnDeviceTypesInTheOpenList()
     QCOMPARE(comboBox->currentIndex(), 8);
 }
 
-void ConnectionsDelegateTest::picksFromTheOpenListByMouse()
+void TestConnectionsDelegate::picksFromTheOpenListByMouse()
 {
     auto* const comboBox = Open<QComboBox>(Model::ColumnDeviceType);
     QVERIFY(comboBox);
@@ -498,7 +498,7 @@ void ConnectionsDelegateTest::picksFromTheOpenListByMouse()
     QCOMPARE(comboBox->currentIndex(), 12);
 }
 
-void ConnectionsDelegateTest::typedLettersDoNotReachTheWithdrawnDeviceTypes_data()
+void TestConnectionsDelegate::typedLettersDoNotReachTheWithdrawnDeviceTypes_data()
 {
     QTest::addColumn<int>("from");
     QTest::addColumn<QString>("typed");
@@ -511,7 +511,7 @@ void ConnectionsDelegateTest::typedLettersDoNotReachTheWithdrawnDeviceTypes_data
     QTest::newRow("on offer, round and past Pipit") << 8 << QStringLiteral("p") << 7;
 }
 
-void ConnectionsDelegateTest::typedLettersDoNotReachTheWithdrawnDeviceTypes()
+void TestConnectionsDelegate::typedLettersDoNotReachTheWithdrawnDeviceTypes()
 {
     QFETCH(int, from);
     QFETCH(QString, typed);
@@ -524,9 +524,9 @@ void ConnectionsDelegateTest::typedLettersDoNotReachTheWithdrawnDeviceTypes()
     QCOMPARE(comboBox->currentIndex(), to);
 }
 
-void ConnectionsDelegateTest::keepsAWithdrawnDeviceType()
+void TestConnectionsDelegate::keepsAWithdrawnDeviceType()
 {
-    for (const int value : s_withdrawn) {
+    for (const int value : kWithdrawn) {
         SetStored(Model::ColumnDeviceType, value);
         auto* const comboBox = Open<QComboBox>(Model::ColumnDeviceType);
         QVERIFY(comboBox);
@@ -540,7 +540,7 @@ void ConnectionsDelegateTest::keepsAWithdrawnDeviceType()
     }
 }
 
-void ConnectionsDelegateTest::leavesAWithdrawnDeviceType()
+void TestConnectionsDelegate::leavesAWithdrawnDeviceType()
 {
     SetStored(Model::ColumnDeviceType, 10);
     auto* const comboBox = NewEditor<QComboBox>(Model::ColumnDeviceType);
@@ -556,11 +556,11 @@ void ConnectionsDelegateTest::leavesAWithdrawnDeviceType()
     QTRY_VERIFY(comboBox->view()->isVisible());
     QTest::keyClick(comboBox->view(), Qt::Key_Down);
     QTest::keyClick(comboBox->view(), Qt::Key_Return);
-    QVERIFY(!s_withdrawn.contains(comboBox->currentIndex()));
+    QVERIFY(!kWithdrawn.contains(comboBox->currentIndex()));
     QTRY_VERIFY(!comboBox->view()->isVisible());
 }
 
-void ConnectionsDelegateTest::limitsTheTimeout()
+void TestConnectionsDelegate::limitsTheTimeout()
 {
     const auto* const spinBox = NewEditor<QSpinBox>(Model::ColumnTimeout);
     QCOMPARE(spinBox->minimum(), 0);
@@ -571,7 +571,7 @@ void ConnectionsDelegateTest::limitsTheTimeout()
     QCOMPARE(spinBox->text(), QStringLiteral("120 s"));
 }
 
-void ConnectionsDelegateTest::stepsTheTimeout()
+void TestConnectionsDelegate::stepsTheTimeout()
 {
     SetStored(Model::ColumnTimeout, 0);
     auto* const spinBox = NewEditor<QSpinBox>(Model::ColumnTimeout);
@@ -588,7 +588,7 @@ void ConnectionsDelegateTest::stepsTheTimeout()
     QCOMPARE(spinBox->text(), QStringLiteral("No Timeout"));
 }
 
-void ConnectionsDelegateTest::refusesATimeoutAboveTheLimit()
+void TestConnectionsDelegate::refusesATimeoutAboveTheLimit()
 {
     auto* const spinBox = Open<QSpinBox>(Model::ColumnTimeout);
     QVERIFY(spinBox);
@@ -603,7 +603,7 @@ void ConnectionsDelegateTest::refusesATimeoutAboveTheLimit()
     QCOMPARE(Stored(Model::ColumnTimeout).toInt(), 90000);
 }
 
-void ConnectionsDelegateTest::translatesTheSpecialValueOnly()
+void TestConnectionsDelegate::translatesTheSpecialValueOnly()
 {
     const MarkingTranslator translator(QStringLiteral("ConnectionsDelegate"));
     const auto* const spinBox = NewEditor<QSpinBox>(Model::ColumnTimeout);
@@ -611,7 +611,7 @@ void ConnectionsDelegateTest::translatesTheSpecialValueOnly()
     QCOMPARE(spinBox->suffix(), QStringLiteral(" s"));
 }
 
-void ConnectionsDelegateTest::countsATypedTimeoutWithoutEnter()
+void TestConnectionsDelegate::countsATypedTimeoutWithoutEnter()
 {
     auto* const spinBox = NewEditor<QSpinBox>(Model::ColumnTimeout);
     spinBox->setKeyboardTracking(false); // so that nothing but the delegate takes the typed text
@@ -624,7 +624,7 @@ void ConnectionsDelegateTest::countsATypedTimeoutWithoutEnter()
     QCOMPARE(Stored(Model::ColumnTimeout).toInt(), 45);
 }
 
-void ConnectionsDelegateTest::commitsNoTimeout()
+void TestConnectionsDelegate::commitsNoTimeout()
 {
     auto* const spinBox = Open<QSpinBox>(Model::ColumnTimeout);
     QVERIFY(spinBox);
@@ -635,7 +635,7 @@ void ConnectionsDelegateTest::commitsNoTimeout()
     QCOMPARE(At(Model::ColumnTimeout).data().toString(), QStringLiteral("No Timeout"));
 }
 
-void ConnectionsDelegateTest::lineEditsTakeAnyText_data()
+void TestConnectionsDelegate::lineEditsTakeAnyText_data()
 {
     QTest::addColumn<int>("column");
     QTest::newRow("name") << int(Model::ColumnName);
@@ -644,7 +644,7 @@ void ConnectionsDelegateTest::lineEditsTakeAnyText_data()
     QTest::newRow("subsystem") << int(Model::ColumnSubsystem);
 }
 
-void ConnectionsDelegateTest::lineEditsTakeAnyText()
+void TestConnectionsDelegate::lineEditsTakeAnyText()
 {
     QFETCH(int, column);
     auto* const lineEdit = NewEditor<QLineEdit>(column);
@@ -659,7 +659,7 @@ void ConnectionsDelegateTest::lineEditsTakeAnyText()
     QCOMPARE(Stored(column).toString(), text);
 }
 
-void ConnectionsDelegateTest::writesTheColumnsValue_data()
+void TestConnectionsDelegate::writesTheColumnsValue_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<QVariant>("before");
@@ -683,7 +683,7 @@ void ConnectionsDelegateTest::writesTheColumnsValue_data()
                                << QVariant(QStringLiteral("b"));
 }
 
-void ConnectionsDelegateTest::writesTheColumnsValue()
+void TestConnectionsDelegate::writesTheColumnsValue()
 {
     QFETCH(int, column);
     QFETCH(QVariant, before);
@@ -718,7 +718,7 @@ void ConnectionsDelegateTest::writesTheColumnsValue()
     QCOMPARE(model.calls.last().role, int(Qt::EditRole));
 }
 
-void ConnectionsDelegateTest::refillsTheEditor()
+void TestConnectionsDelegate::refillsTheEditor()
 {
     auto* const lineEdit = NewEditor<QLineEdit>(Model::ColumnName);
     lineEdit->setText(QStringLiteral("something else"));
@@ -733,7 +733,7 @@ void ConnectionsDelegateTest::refillsTheEditor()
     QCOMPARE(spinBox->value(), 0);
 }
 
-void ConnectionsDelegateTest::ignoresAnInvalidIndex()
+void TestConnectionsDelegate::ignoresAnInvalidIndex()
 {
     RecordingModel model;
     QLineEdit lineEdit(QStringLiteral("kept"));
@@ -745,10 +745,10 @@ void ConnectionsDelegateTest::ignoresAnInvalidIndex()
     m_pDelegate->setEditorData(nullptr, QModelIndex()); // nothing to fill, nothing to crash on
 }
 
-void ConnectionsDelegateTest::leavesEditorsAboveTheLastColumnAlone()
+void TestConnectionsDelegate::leavesEditorsAboveTheLastColumnAlone()
 {
     RecordingModel model;
-    const QModelIndex index = model.index(0, s_columnAboveAll);
+    const QModelIndex index = model.index(0, kColumnAboveAll);
     model.setData(index, QStringLiteral("text"), Qt::EditRole);
     QLineEdit lineEdit(QStringLiteral("kept"));
     m_pDelegate->setEditorData(&lineEdit, index);
@@ -756,21 +756,21 @@ void ConnectionsDelegateTest::leavesEditorsAboveTheLastColumnAlone()
     m_pDelegate->setEditorData(nullptr, index);
 }
 
-void ConnectionsDelegateTest::writesAnInvalidValueAboveTheLastColumn()
+void TestConnectionsDelegate::writesAnInvalidValueAboveTheLastColumn()
 {
     RecordingModel model;
     QLineEdit lineEdit(QStringLiteral("text"));
     for (QWidget* const editor : {static_cast<QWidget*>(&lineEdit), static_cast<QWidget*>(nullptr)}) {
         model.calls.clear();
-        m_pDelegate->setModelData(editor, &model, model.index(0, s_columnAboveAll));
+        m_pDelegate->setModelData(editor, &model, model.index(0, kColumnAboveAll));
         QCOMPARE(model.calls.size(), 1);
-        QCOMPARE(model.calls.first().index, model.index(0, s_columnAboveAll));
+        QCOMPARE(model.calls.first().index, model.index(0, kColumnAboveAll));
         QVERIFY(!model.calls.first().value.isValid());
         QCOMPARE(model.calls.first().role, int(Qt::EditRole));
     }
 }
 
-void ConnectionsDelegateTest::writesNothingWithoutAnEditor()
+void TestConnectionsDelegate::writesNothingWithoutAnEditor()
 {
     RecordingModel model;
     m_pDelegate->setModelData(nullptr, &model, model.index(0, Model::ColumnTimeout));
@@ -781,7 +781,7 @@ void ConnectionsDelegateTest::writesNothingWithoutAnEditor()
     QCOMPARE(Stored(Model::ColumnTimeout).toInt(), 120);
 }
 
-void ConnectionsDelegateTest::showsNoItemForAnUnknownValue()
+void TestConnectionsDelegate::showsNoItemForAnUnknownValue()
 {
     for (const int value : {15, -1}) {
         SetStored(Model::ColumnDeviceType, value);
@@ -793,7 +793,7 @@ void ConnectionsDelegateTest::showsNoItemForAnUnknownValue()
     }
 }
 
-void ConnectionsDelegateTest::placesTheEditor_data()
+void TestConnectionsDelegate::placesTheEditor_data()
 {
     QTest::addColumn<QRect>("cell");
     QTest::addColumn<QSize>("hint");
@@ -812,7 +812,7 @@ void ConnectionsDelegateTest::placesTheEditor_data()
     QTest::newRow("scrolled out") << QRect(-30, -7, 21, 10) << QSize(31, 20) << QRect(-35, -11, 31, 20);
 }
 
-void ConnectionsDelegateTest::placesTheEditor()
+void TestConnectionsDelegate::placesTheEditor()
 {
     QFETCH(QRect, cell);
     QFETCH(QSize, hint);
@@ -824,7 +824,7 @@ void ConnectionsDelegateTest::placesTheEditor()
     QCOMPARE(editor.geometry(), geometry);
 }
 
-void ConnectionsDelegateTest::outgrowsANarrowColumn()
+void TestConnectionsDelegate::outgrowsANarrowColumn()
 {
     m_pView->setColumnWidth(Model::ColumnConnectionType, 40);
     const auto* const comboBox = Open<QComboBox>(Model::ColumnConnectionType);
@@ -839,7 +839,7 @@ void ConnectionsDelegateTest::outgrowsANarrowColumn()
     QTRY_COMPARE(comboBox->width(), 400);
 }
 
-void ConnectionsDelegateTest::opensNoEditorForTickAndStatusByItself()
+void TestConnectionsDelegate::opensNoEditorForTickAndStatusByItself()
 {
     for (const int column : {Model::ColumnSelected, Model::ColumnStatus}) {
         QTest::ignoreMessage(QtWarningMsg, "edit: editing failed");
@@ -852,7 +852,7 @@ void ConnectionsDelegateTest::opensNoEditorForTickAndStatusByItself()
     }
 }
 
-void ConnectionsDelegateTest::editsByKeyboard()
+void TestConnectionsDelegate::editsByKeyboard()
 {
     m_pView->setCurrentIndex(At(Model::ColumnName));
     QTest::keyClick(m_pView.get(), Qt::Key_F2);
@@ -880,7 +880,7 @@ void ConnectionsDelegateTest::editsByKeyboard()
     QTRY_COMPARE(Stored(Model::ColumnTimeout).toInt(), 75);
 }
 
-void ConnectionsDelegateTest::cancelsByEscape()
+void TestConnectionsDelegate::cancelsByEscape()
 {
     auto* const lineEdit = Open<QLineEdit>(Model::ColumnName);
     QVERIFY(lineEdit);
@@ -890,5 +890,5 @@ void ConnectionsDelegateTest::cancelsByEscape()
     QCOMPARE(Stored(Model::ColumnName).toString(), QStringLiteral("Roof antenna"));
 }
 
-QTEST_MAIN(ConnectionsDelegateTest)
+QTEST_MAIN(TestConnectionsDelegate)
 #include "tst_connectionsdelegate.moc"

@@ -5,7 +5,7 @@
 #include <QSignalSpy>
 
 /// "&Connect" in the dialog, down to real processes and what they find in the configuration.
-class tst_DialogConnect : public QObject
+class TestDialogConnect : public QObject
 {
     Q_OBJECT
 
@@ -39,45 +39,45 @@ private:
     QList<int> Statuses() const
     {
         QList<int> statuses;
-        for (int row = 0; row < m_Fixture->model->rowCount(); ++row) {
-            statuses += m_Fixture->model->GetConnection(row).ConnectionStatus;
+        for (int row = 0; row < m_fixture->model->rowCount(); ++row) {
+            statuses += m_fixture->model->GetConnection(row).ConnectionStatus;
         }
         return statuses;
     }
 
-    std::unique_ptr<TestChild> m_Child;
-    std::unique_ptr<DialogFixture> m_Fixture;
+    std::unique_ptr<TestChild> m_child;
+    std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void tst_DialogConnect::init()
+void TestDialogConnect::init()
 {
-    m_Child = std::make_unique<TestChild>();
-    m_Fixture = std::make_unique<DialogFixture>();
-    m_Fixture->Install({QStringLiteral("Kite1"), QStringLiteral("Kite2"), QStringLiteral("Kite3")},
+    m_child = std::make_unique<TestChild>();
+    m_fixture = std::make_unique<DialogFixture>();
+    m_fixture->Install({QStringLiteral("Kite1"), QStringLiteral("Kite2"), QStringLiteral("Kite3")},
                        {Connection::KiteEcho, Connection::KiteBravo}, TestChild::Program());
-    m_Fixture->Build();
+    m_fixture->Build();
 }
 
-void tst_DialogConnect::cleanup()
+void TestDialogConnect::cleanup()
 {
-    m_Fixture.reset();
-    m_Child.reset();
+    m_fixture.reset();
+    m_child.reset();
 }
 
-void tst_DialogConnect::hidesWritesAndStartsTickedFreeEntries()
+void TestDialogConnect::hidesWritesAndStartsTickedFreeEntries()
 {
-    m_Child->Behave("stay");
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two")),
+    m_child->Behave("stay");
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two")),
                     Entry(QStringLiteral("three"), Connection::KiteBravo, true, QStringLiteral("10.0.0.3"))});
-    m_Fixture->Show();
+    m_fixture->Show();
     MessageBoxes boxes;
-    QTest::mouseClick(m_Fixture->ConnectButton(), Qt::LeftButton);
-    QVERIFY(!m_Fixture->dialog->isVisible());
+    QTest::mouseClick(m_fixture->ConnectButton(), Qt::LeftButton);
+    QVERIFY(!m_fixture->dialog->isVisible());
     QCOMPARE(Statuses(), (QList<int>{1, 0, 1}));
-    QVERIFY(!m_Fixture->ConnectButton()->isEnabled());
-    QTRY_COMPARE(m_Child->Count(), 2);
+    QVERIFY(!m_fixture->ConnectButton()->isEnabled());
+    QTRY_COMPARE(m_child->Count(), 2);
     QList<QStringList> arguments;
-    for (const TestChild::Report& report : m_Child->Reports()) {
+    for (const TestChild::Report& report : m_child->Reports()) {
         arguments += report.arguments;
     }
     QVERIFY(arguments.contains(
@@ -88,53 +88,53 @@ void tst_DialogConnect::hidesWritesAndStartsTickedFreeEntries()
     QCOMPARE(Record(1)->GetString(QStringLiteral("StationName"), QString(), 0), QStringLiteral("two"));
     QCOMPARE(Record(2)->GetString(QStringLiteral("DeviceType"), QString(), 0), QStringLiteral("Kite Bravo"));
     QCOMPARE(boxes.Count(), 0);
-    QVERIFY(!m_Fixture->dialog->isVisible());
+    QVERIFY(!m_fixture->dialog->isVisible());
 }
 
-void tst_DialogConnect::entriesComeBackWhenTheProcessesEnd()
+void TestDialogConnect::entriesComeBackWhenTheProcessesEnd()
 {
-    m_Child->Behave("exit", 3);
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
+    m_child->Behave("exit", 3);
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
                     Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
-    QSignalSpy changed(m_Fixture->model, &QAbstractItemModel::dataChanged);
-    m_Fixture->ConnectButton()->click();
+    QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
+    m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), (QList<int>{1, 1}));
     QTRY_COMPARE(Statuses(), (QList<int>{0, 0}));
     QCOMPARE(changed.count(), 4);
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
-    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
+    QVERIFY(m_fixture->model->GetConnection(0).Selected);
 }
 
-void tst_DialogConnect::recordsAreWrittenBeforeAnythingStarts()
+void TestDialogConnect::recordsAreWrittenBeforeAnythingStarts()
 {
-    m_Child->Behave("stay");
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
+    m_child->Behave("stay");
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
     QString countAtFirstStart = QStringLiteral("not started");
-    connect(m_Fixture->model, &QAbstractItemModel::dataChanged, this, [&] { countAtFirstStart = RecordCount(); });
-    m_Fixture->ConnectButton()->click();
+    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this, [&] { countAtFirstStart = RecordCount(); });
+    m_fixture->ConnectButton()->click();
     QCOMPARE(countAtFirstStart, QStringLiteral("2"));
 }
 
-void tst_DialogConnect::filterHidesNothingFromConnect()
+void TestDialogConnect::filterHidesNothingFromConnect()
 {
-    m_Child->Behave("stay");
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
-    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("two"));
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("two")});
-    m_Fixture->ConnectButton()->click();
+    m_child->Behave("stay");
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
+    m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("two"));
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("two")});
+    m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), (QList<int>{1, 0}));
     QCOMPARE(RecordCount(), QStringLiteral("2"));
 }
 
-void tst_DialogConnect::modelOrderDecidesNotTheView()
+void TestDialogConnect::modelOrderDecidesNotTheView()
 {
-    m_Child->Behave("stay");
-    m_Fixture->Add({Entry(QStringLiteral("z"), Connection::KiteEcho, true),
+    m_child->Behave("stay");
+    m_fixture->Add({Entry(QStringLiteral("z"), Connection::KiteEcho, true),
                     Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
-    m_Fixture->ConnectButton()->click();
-    QTRY_COMPARE(m_Child->Count(), 2);
+    m_fixture->ConnectButton()->click();
+    QTRY_COMPARE(m_child->Count(), 2);
     QStringList firstApplication;
-    for (const TestChild::Report& report : m_Child->Reports()) {
+    for (const TestChild::Report& report : m_child->Reports()) {
         if (report.arguments.first() == QLatin1String("Kite1:XMsgDlg.dll")) {
             firstApplication = report.arguments;
         }
@@ -143,25 +143,25 @@ void tst_DialogConnect::modelOrderDecidesNotTheView()
     QCOMPARE(Record(0)->GetString(QStringLiteral("StationName"), QString(), 0), QStringLiteral("z"));
 }
 
-void tst_DialogConnect::entriesInUseAreSkipped()
+void TestDialogConnect::entriesInUseAreSkipped()
 {
-    m_Child->Behave("stay");
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
-    m_Fixture->ConnectButton()->click();
-    QTRY_COMPARE(m_Child->Count(), 1);
-    m_Fixture->Add({Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
-    m_Fixture->dialog->SlotConnect();
-    QTRY_COMPARE(m_Child->Count(), 2);
-    QCOMPARE(m_Fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 2);
+    m_child->Behave("stay");
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
+    m_fixture->ConnectButton()->click();
+    QTRY_COMPARE(m_child->Count(), 1);
+    m_fixture->Add({Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->dialog->SlotConnect();
+    QTRY_COMPARE(m_child->Count(), 2);
+    QCOMPARE(m_fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 2);
 }
 
-void tst_DialogConnect::nothingFreeTellsAndGoesOn()
+void TestDialogConnect::nothingFreeTellsAndGoesOn()
 {
-    m_Child->Behave("stay");
-    m_Fixture->Add({Entry(QStringLiteral("no <b>%1</b>"), Connection::Heron, true),
+    m_child->Behave("stay");
+    m_fixture->Add({Entry(QStringLiteral("no <b>%1</b>"), Connection::Heron, true),
                     Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
     MessageBoxes boxes;
-    m_Fixture->ConnectButton()->click();
+    m_fixture->ConnectButton()->click();
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Problem"));
     QCOMPARE(boxes.Boxes().first().text,
@@ -169,53 +169,53 @@ void tst_DialogConnect::nothingFreeTellsAndGoesOn()
                             "connect to this type of hardware.\n\nDevice type: Heron\nNumber of installed applications "
                             "for this type: 0\nNumber of running applications for this type: 0"));
     QCOMPARE(Statuses(), (QList<int>{0, 1}));
-    QVERIFY(!m_Fixture->dialog->isVisible());
+    QVERIFY(!m_fixture->dialog->isVisible());
 }
 
-void tst_DialogConnect::failedStartLeavesTheEntryFree()
+void TestDialogConnect::failedStartLeavesTheEntryFree()
 {
-    m_Fixture->TearDown();
-    m_Fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, m_Fixture->DataPath(QStringLiteral("gone")));
-    m_Fixture->Build();
-    m_Fixture->model->removeRows(0, m_Fixture->model->rowCount());
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
+    m_fixture->TearDown();
+    m_fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, m_fixture->DataPath(QStringLiteral("gone")));
+    m_fixture->Build();
+    m_fixture->model->removeRows(0, m_fixture->model->rowCount());
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
     MessageBoxes boxes;
     TraceRecorder traces;
-    m_Fixture->ConnectButton()->click();
+    m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), QList<int>{0});
     QCOMPARE(boxes.Count(), 0);
     QCOMPARE(traces.Count(QStringLiteral("ApplicationInstance::Start(): Application <%1> could not be started")
-                              .arg(m_Fixture->DataPath(QStringLiteral("gone")))),
+                              .arg(m_fixture->DataPath(QStringLiteral("gone")))),
              1);
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
 }
 
-void tst_DialogConnect::mnemonicAndEnterPressConnect()
+void TestDialogConnect::mnemonicAndEnterPressConnect()
 {
-    m_Fixture->Add({Entry(QStringLiteral("one"))});
+    m_fixture->Add({Entry(QStringLiteral("one"))});
     for (const auto& [key, modifier] :
          {std::pair(Qt::Key_C, Qt::AltModifier), std::pair(Qt::Key_Return, Qt::NoModifier)}) {
-        m_Fixture->Show();
-        m_Fixture->dialog->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
-        QTest::keyClick(m_Fixture->dialog, key, modifier);
-        QTRY_VERIFY(!m_Fixture->dialog->isVisible());
+        m_fixture->Show();
+        m_fixture->dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
+        QTest::keyClick(m_fixture->dialog, key, modifier);
+        QTRY_VERIFY(!m_fixture->dialog->isVisible());
     }
     QCOMPARE(RecordCount(), QStringLiteral("1"));
 }
 
-void tst_DialogConnect::tearDownWithRunningApplications()
+void TestDialogConnect::tearDownWithRunningApplications()
 {
-    m_Child->Behave("stubborn");
-    m_Fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
+    m_child->Behave("stubborn");
+    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
                     Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
-    m_Fixture->ConnectButton()->click();
-    QTRY_COMPARE(m_Child->Count(), 2);
-    m_Fixture->TearDown();
-    for (const TestChild::Report& report : m_Child->Reports()) {
+    m_fixture->ConnectButton()->click();
+    QTRY_COMPARE(m_child->Count(), 2);
+    m_fixture->TearDown();
+    for (const TestChild::Report& report : m_child->Reports()) {
         QTRY_VERIFY(!System::IsProcess(report.pid));
     }
 }
 
-QTEST_MAIN(tst_DialogConnect)
+QTEST_MAIN(TestDialogConnect)
 #include "tst_dialogconnect.moc"

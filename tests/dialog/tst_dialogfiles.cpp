@@ -9,7 +9,7 @@
 
 namespace {
 
-const QString s_source = QStringLiteral("userinterface/vexelconnectdlg/vexelconnectdlggui");
+const QString kSource = QStringLiteral("userinterface/vexelconnectdlg/vexelconnectdlggui");
 
 QString FailureText(const QString& fileName)
 {
@@ -21,15 +21,15 @@ QString FailureText(const QString& fileName)
 } // namespace
 
 /// Import, export and files dropped onto the dialog, with real files and answered boxes.
-class tst_DialogFiles : public QObject
+class TestDialogFiles : public QObject
 {
     Q_OBJECT
 
 private slots:
     // The system's own dialogs for files have no widgets to type into.
     void initTestCase() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
-    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
-    void cleanup() { m_Fixture.reset(); }
+    void init() { m_fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void exportWritesTheWholeList();
     void exportOfWhatCannotBeOpenedTracesOnly();
@@ -74,17 +74,17 @@ private:
     }
 
     /// Answers the next file dialog: types `fileName` and accepts, or cancels without one. What the dialog said is in
-    /// `m_FileDialog` afterwards.
+    /// `m_fileDialog` afterwards.
     void AnswerFileDialog(const QString& fileName)
     {
-        auto* const timer = new QTimer(m_Fixture->dialog);
+        auto* const timer = new QTimer(m_fixture->dialog);
         QObject::connect(timer, &QTimer::timeout, timer, [this, timer, fileName] {
             auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             if (!dialog) {
                 return;
             }
             timer->deleteLater();
-            m_FileDialog = {dialog->windowTitle(), dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode()};
+            m_fileDialog = {dialog->windowTitle(), dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode()};
             if (fileName.isEmpty()) {
                 dialog->reject();
                 return;
@@ -102,81 +102,81 @@ private:
         QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
         QFileDialog::FileMode fileMode = QFileDialog::AnyFile;
     };
-    FileDialog m_FileDialog;
-    std::unique_ptr<DialogFixture> m_Fixture;
+    FileDialog m_fileDialog;
+    std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void tst_DialogFiles::exportWritesTheWholeList()
+void TestDialogFiles::exportWritesTheWholeList()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("b"), Connection::KiteBravo, true), Entry(QStringLiteral("a & <b>"))});
-    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nothing matches this"));
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("b"), Connection::KiteBravo, true), Entry(QStringLiteral("a & <b>"))});
+    m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nothing matches this"));
     MessageBoxes boxes;
     TraceRecorder traces;
-    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), QByteArray(100000, 'x'));
-    m_Fixture->dialog->Export(path);
+    const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), QByteArray(100000, 'x'));
+    m_fixture->dialog->Export(path);
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), m_Fixture->model->ToByteArray());
+    QCOMPARE(file.readAll(), m_fixture->model->ToByteArray());
     QCOMPARE(boxes.Count(), 0);
-    QCOMPARE(traces.Messages(s_source), QStringList());
-    QCOMPARE(QDir(m_Fixture->DataPath(QString())).entryList({QStringLiteral("list.xml*")}).size(), 1);
+    QCOMPARE(traces.Messages(kSource), QStringList());
+    QCOMPARE(QDir(m_fixture->DataPath(QString())).entryList({QStringLiteral("list.xml*")}).size(), 1);
 }
 
-void tst_DialogFiles::exportOfWhatCannotBeOpenedTracesOnly()
+void TestDialogFiles::exportOfWhatCannotBeOpenedTracesOnly()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     // A directory stands where the file should be written.
-    const QString path = m_Fixture->DataPath(QStringLiteral("directory.xml"));
+    const QString path = m_fixture->DataPath(QStringLiteral("directory.xml"));
     QVERIFY(QDir().mkdir(path));
     MessageBoxes boxes;
     TraceRecorder traces;
-    m_Fixture->dialog->Export(path);
-    m_Fixture->dialog->Export(m_Fixture->DataPath(QStringLiteral("missing/list.xml")));
+    m_fixture->dialog->Export(path);
+    m_fixture->dialog->Export(m_fixture->DataPath(QStringLiteral("missing/list.xml")));
     QCOMPARE(boxes.Count(), 0);
     QCOMPARE(traces.Reports().size(), 2);
     QCOMPARE(traces.Reports().at(0).message,
              QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing").arg(path));
-    QCOMPARE(traces.Reports().at(0).sourceFile, s_source);
+    QCOMPARE(traces.Reports().at(0).sourceFile, kSource);
     QCOMPARE(traces.Reports().at(0).line, quint16{421});
     QCOMPARE(traces.Reports().at(1).line, quint16{421});
     QVERIFY(QFileInfo(path).isDir());
 }
 
-void tst_DialogFiles::exportWithoutANameTracesOnly()
+void TestDialogFiles::exportWithoutANameTracesOnly()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     MessageBoxes boxes;
     TraceRecorder traces;
-    m_Fixture->dialog->Export(QString());
+    m_fixture->dialog->Export(QString());
     QCOMPARE(boxes.Count(), 0);
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(traces.Reports().first().message, QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"));
-    QCOMPARE(traces.Reports().first().sourceFile, s_source);
+    QCOMPARE(traces.Reports().first().sourceFile, kSource);
     QCOMPARE(traces.Reports().first().line, quint16{426});
 }
 
-void tst_DialogFiles::importReplacesTheList()
+void TestDialogFiles::importReplacesTheList()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("old"))});
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("old"))});
     MessageBoxes boxes;
-    QVERIFY(m_Fixture->dialog->Import(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
+    QVERIFY(m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
     QCOMPARE(boxes.Count(), 0);
-    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
-    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
-    QCOMPARE(m_Fixture->ShownNames(),
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+    QVERIFY(m_fixture->model->GetConnection(0).Selected);
+    QCOMPARE(m_fixture->ShownNames(),
              (QStringList{QStringLiteral("one"), QStringLiteral("three"), QStringLiteral("two")}));
 }
 
-void tst_DialogFiles::importMakesEverythingFree()
+void TestDialogFiles::importMakesEverythingFree()
 {
-    m_Fixture->Build();
-    QVERIFY(m_Fixture->dialog->Import(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
-    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+    m_fixture->Build();
+    QVERIFY(m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
+    QCOMPARE(m_fixture->model->CountInUse(), 0);
 }
 
-void tst_DialogFiles::importFailures_data()
+void TestDialogFiles::importFailures_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
@@ -189,159 +189,159 @@ void tst_DialogFiles::importFailures_data()
         "</ConnectionName></Connection></ConnectionEntries>");
 }
 
-void tst_DialogFiles::importFailures()
+void TestDialogFiles::importFailures()
 {
     QFETCH(QByteArray, content);
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("z"), Connection::Heron, true), Entry(QStringLiteral("a")),
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("z"), Connection::Heron, true), Entry(QStringLiteral("a")),
                     Entry(QStringLiteral("m"), Connection::KiteEcho, true)});
-    const QByteArray before = m_Fixture->model->ToByteArray();
-    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), content);
+    const QByteArray before = m_fixture->model->ToByteArray();
+    const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), content);
     MessageBoxes boxes;
-    QVERIFY(!m_Fixture->dialog->Import(path));
+    QVERIFY(!m_fixture->dialog->Import(path));
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
     QCOMPARE(boxes.Boxes().first().text, FailureText(path));
     QCOMPARE(boxes.Boxes().first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QVERIFY(boxes.Boxes().first().hasParent);
-    QCOMPARE(m_Fixture->model->ToByteArray(), before);
+    QCOMPARE(m_fixture->model->ToByteArray(), before);
 }
 
-void tst_DialogFiles::importWithoutANameTracesAndTells()
+void TestDialogFiles::importWithoutANameTracesAndTells()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     MessageBoxes boxes;
     TraceRecorder traces;
-    QVERIFY(!m_Fixture->dialog->Import(QString()));
+    QVERIFY(!m_fixture->dialog->Import(QString()));
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().text, FailureText(QString()));
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(traces.Reports().first().message, QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"));
-    QCOMPARE(traces.Reports().first().sourceFile, s_source);
+    QCOMPARE(traces.Reports().first().sourceFile, kSource);
     QCOMPARE(traces.Reports().first().line, quint16{388});
-    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
-    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
-    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
+    QVERIFY(m_fixture->model->GetConnection(0).Selected);
+    QCOMPARE(m_fixture->model->CountInUse(), 0);
 }
 
-void tst_DialogFiles::importOfWhatCannotBeOpenedTraces()
+void TestDialogFiles::importOfWhatCannotBeOpenedTraces()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    const QString pipe = System::MakePipe(m_Fixture->DataPath(QStringLiteral("pipe.xml")));
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    const QString pipe = System::MakePipe(m_fixture->DataPath(QStringLiteral("pipe.xml")));
     QVERIFY(!pipe.isEmpty());
-    const QString huge = m_Fixture->WriteFile(QStringLiteral("huge.xml"), ThreeEntries());
+    const QString huge = m_fixture->WriteFile(QStringLiteral("huge.xml"), ThreeEntries());
     QVERIFY(QFile::resize(huge, qint64{65} * 1024 * 1024));
-    QStringList unreadable{m_Fixture->DataPath(QStringLiteral("missing.xml")), huge,
-                           m_Fixture->DataPath(QString())}; // the last is a directory
+    QStringList unreadable{m_fixture->DataPath(QStringLiteral("missing.xml")), huge,
+                           m_fixture->DataPath(QString())}; // the last is a directory
     // Opening a pipe that nobody writes to waits for ever, and reading some device never ends.
     unreadable += pipe;
     unreadable += System::Devices();
     for (const QString& path : unreadable) {
         MessageBoxes boxes;
         TraceRecorder traces;
-        QVERIFY(!m_Fixture->dialog->Import(path));
+        QVERIFY(!m_fixture->dialog->Import(path));
         QCOMPARE(boxes.Count(), 1);
         QCOMPARE(boxes.Boxes().first().text, FailureText(path));
         QCOMPARE(traces.Reports().size(), 1);
         QCOMPARE(traces.Reports().first().message,
                  QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(path));
         QCOMPARE(traces.Reports().first().line, quint16{383});
-        QCOMPARE(traces.Reports().first().sourceFile, s_source);
-        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+        QCOMPARE(traces.Reports().first().sourceFile, kSource);
+        QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
     }
 }
 
-void tst_DialogFiles::importOfMarkupNamedFileShowsTheName()
+void TestDialogFiles::importOfMarkupNamedFileShowsTheName()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     MessageBoxes boxes;
-    m_Fixture->dialog->Import(QStringLiteral("<b>%1</b>"));
+    m_fixture->dialog->Import(QStringLiteral("<b>%1</b>"));
     QCOMPARE(boxes.Boxes().first().text, FailureText(QStringLiteral("<b>%1</b>")));
     QCOMPARE(boxes.Boxes().first().textFormat, Qt::PlainText);
 }
 
-void tst_DialogFiles::noTraceWhileTracesAreOff()
+void TestDialogFiles::noTraceWhileTracesAreOff()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     MessageBoxes boxes;
     TraceRecorder traces(ErrorHandler::Assertion);
-    m_Fixture->dialog->Import(QString());
-    m_Fixture->dialog->Export(QString());
+    m_fixture->dialog->Import(QString());
+    m_fixture->dialog->Export(QString());
     QCOMPARE(traces.Reports().size(), 0);
 }
 
-void tst_DialogFiles::actionsAskForTheFile()
+void TestDialogFiles::actionsAskForTheFile()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
-    const QString path = m_Fixture->DataPath(QStringLiteral("exported.xml"));
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
+    const QString path = m_fixture->DataPath(QStringLiteral("exported.xml"));
     AnswerFileDialog(path);
-    m_Fixture->Action("m_pExportAction")->trigger();
-    QCOMPARE(m_FileDialog.title, QStringLiteral("Export Connection Settings"));
-    QCOMPARE(m_FileDialog.filters, QStringList{QStringLiteral("*.xml")});
-    QCOMPARE(m_FileDialog.acceptMode, QFileDialog::AcceptSave);
-    QCOMPARE(m_FileDialog.fileMode, QFileDialog::AnyFile);
+    m_fixture->Action("m_pExportAction")->trigger();
+    QCOMPARE(m_fileDialog.title, QStringLiteral("Export Connection Settings"));
+    QCOMPARE(m_fileDialog.filters, QStringList{QStringLiteral("*.xml")});
+    QCOMPARE(m_fileDialog.acceptMode, QFileDialog::AcceptSave);
+    QCOMPARE(m_fileDialog.fileMode, QFileDialog::AnyFile);
     QVERIFY(QFile::exists(path));
 
-    m_Fixture->model->removeRows(0, 1);
+    m_fixture->model->removeRows(0, 1);
     AnswerFileDialog(path);
-    m_Fixture->Action("m_pImportAction")->trigger();
-    QCOMPARE(m_FileDialog.title, QStringLiteral("Import Connection Settings"));
-    QCOMPARE(m_FileDialog.filters, QStringList{QStringLiteral("*.xml")});
-    QCOMPARE(m_FileDialog.acceptMode, QFileDialog::AcceptOpen);
-    QCOMPARE(m_FileDialog.fileMode, QFileDialog::ExistingFile);
-    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    m_fixture->Action("m_pImportAction")->trigger();
+    QCOMPARE(m_fileDialog.title, QStringLiteral("Import Connection Settings"));
+    QCOMPARE(m_fileDialog.filters, QStringList{QStringLiteral("*.xml")});
+    QCOMPARE(m_fileDialog.acceptMode, QFileDialog::AcceptOpen);
+    QCOMPARE(m_fileDialog.fileMode, QFileDialog::ExistingFile);
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
 }
 
-void tst_DialogFiles::cancelledExportDoesNothing()
+void TestDialogFiles::cancelledExportDoesNothing()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Show();
     MessageBoxes boxes;
     AnswerFileDialog(QString());
-    m_Fixture->Action("m_pExportAction")->trigger();
+    m_fixture->Action("m_pExportAction")->trigger();
     QCOMPARE(boxes.Count(), 0);
-    QCOMPARE(QDir(m_Fixture->DataPath(QString())).entryList(QDir::Files), QStringList());
+    QCOMPARE(QDir(m_fixture->DataPath(QString())).entryList(QDir::Files), QStringList());
 }
 
-void tst_DialogFiles::cancelledImportTellsAnEmptyName()
+void TestDialogFiles::cancelledImportTellsAnEmptyName()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     MessageBoxes boxes;
     AnswerFileDialog(QString());
-    m_Fixture->Action("m_pImportAction")->trigger();
+    m_fixture->Action("m_pImportAction")->trigger();
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().text, FailureText(QString()));
-    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 }
 
-void tst_DialogFiles::dragOfTextIsRefused()
+void TestDialogFiles::dragOfTextIsRefused()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     QMimeData data;
     data.setText(QStringLiteral("text"));
-    QVERIFY(!DialogFixture::DragEnter(m_Fixture->dialog, data));
+    QVERIFY(!DialogFixture::DragEnter(m_fixture->dialog, data));
 }
 
-void tst_DialogFiles::dragOfFilesIsTaken()
+void TestDialogFiles::dragOfFilesIsTaken()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a"))});
-    QVERIFY(DialogFixture::DragEnter(m_Fixture->dialog, data));
+    QVERIFY(DialogFixture::DragEnter(m_fixture->dialog, data));
     // A file manager offers the name as text as well; over the table the file counts all the same.
     data.setText(QStringLiteral("/a"));
-    QVERIFY(DialogFixture::DragEnter(m_Fixture->BasicView()->viewport(), data));
-    QVERIFY(DialogFixture::DragEnter(m_Fixture->DetailsView()->viewport(), data));
+    QVERIFY(DialogFixture::DragEnter(m_fixture->BasicView()->viewport(), data));
+    QVERIFY(DialogFixture::DragEnter(m_fixture->DetailsView()->viewport(), data));
 }
 
-void tst_DialogFiles::dropOfOneFileImports_data()
+void TestDialogFiles::dropOfOneFileImports_data()
 {
     QTest::addColumn<QByteArray>("target");
     QTest::newRow("dialog") << QByteArray();
@@ -349,23 +349,23 @@ void tst_DialogFiles::dropOfOneFileImports_data()
     QTest::newRow("details view") << QByteArray("m_pDetailsView");
 }
 
-void tst_DialogFiles::dropOfOneFileImports()
+void TestDialogFiles::dropOfOneFileImports()
 {
     QFETCH(QByteArray, target);
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("old"))});
-    m_Fixture->Show();
-    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("old"))});
+    m_fixture->Show();
+    const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(path)});
     data.setText(path);
     QWidget* const widget =
-        target.isEmpty() ? m_Fixture->dialog : m_Fixture->Find<QTreeView>(target.constData())->viewport();
+        target.isEmpty() ? m_fixture->dialog : m_fixture->Find<QTreeView>(target.constData())->viewport();
     QVERIFY(DialogFixture::Drop(widget, data));
-    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
 }
 
-void tst_DialogFiles::dropOfOtherCountsTellsTheCount_data()
+void TestDialogFiles::dropOfOtherCountsTellsTheCount_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("text");
@@ -376,14 +376,14 @@ void tst_DialogFiles::dropOfOtherCountsTellsTheCount_data()
                                      "Too much files dropped (1000 files).\n\nPlease drop at most one file.");
 }
 
-void tst_DialogFiles::dropOfOtherCountsTellsTheCount()
+void TestDialogFiles::dropOfOtherCountsTellsTheCount()
 {
     QFETCH(int, count);
     QFETCH(QString, text);
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
-    const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
+    const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
     QMimeData data;
     // No URL at all still is a list of URLs.
     data.setData(QStringLiteral("text/uri-list"), QByteArray());
@@ -391,141 +391,141 @@ void tst_DialogFiles::dropOfOtherCountsTellsTheCount()
         data.setUrls(QList<QUrl>(count, QUrl::fromLocalFile(path)));
     }
     MessageBoxes boxes;
-    QVERIFY(DialogFixture::Drop(m_Fixture->dialog, data));
+    QVERIFY(DialogFixture::Drop(m_fixture->dialog, data));
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
     QCOMPARE(boxes.Boxes().first().text, text);
     QCOMPARE(boxes.Boxes().first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
 }
 
-void tst_DialogFiles::dropOfARemoteUrlTells()
+void TestDialogFiles::dropOfARemoteUrlTells()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     for (const char* url : {"http://192.0.2.1/list.xml", "::::", "file:"}) {
         QMimeData data;
         data.setData(QStringLiteral("text/uri-list"), QByteArray(url) + "\r\n");
         MessageBoxes boxes;
-        DialogFixture::Drop(m_Fixture->dialog, data);
+        DialogFixture::Drop(m_fixture->dialog, data);
         QCOMPARE(boxes.Count(), 1);
-        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+        QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
     }
 }
 
-void tst_DialogFiles::dropWhileABoxIsOpen()
+void TestDialogFiles::dropWhileABoxIsOpen()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     QMimeData two;
     two.setUrls({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
     QMimeData bad;
-    bad.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
+    bad.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
 
     std::unique_ptr<MessageBoxes> boxes;
     // Queued, so that they come while the box of the import below is up; nobody answers before they are there.
-    QTimer::singleShot(0, m_Fixture->dialog, [&] {
+    QTimer::singleShot(0, m_fixture->dialog, [&] {
         QVERIFY(QApplication::activeModalWidget());
-        QTimer::singleShot(0, m_Fixture->dialog, [&] {
+        QTimer::singleShot(0, m_fixture->dialog, [&] {
             boxes = std::make_unique<MessageBoxes>();
-            DialogFixture::Drop(m_Fixture->dialog, two);
+            DialogFixture::Drop(m_fixture->dialog, two);
         });
-        DialogFixture::Drop(m_Fixture->dialog, bad);
+        DialogFixture::Drop(m_fixture->dialog, bad);
     });
-    QVERIFY(!m_Fixture->dialog->Import(QString()));
+    QVERIFY(!m_fixture->dialog->Import(QString()));
     QVERIFY(boxes);
     QCOMPARE(boxes->Count(), 2);
     QCOMPARE(boxes->Boxes().first().text,
              QStringLiteral("Too much files dropped (2 files).\n\nPlease drop at most one file."));
-    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 }
 
-void tst_DialogFiles::importWhileAnEarlierOneIsUnsettled_data()
+void TestDialogFiles::importWhileAnEarlierOneIsUnsettled_data()
 {
     QTest::addColumn<bool>("good");
     QTest::newRow("another bad file") << false;
     QTest::newRow("a good file") << true;
 }
 
-void tst_DialogFiles::importWhileAnEarlierOneIsUnsettled()
+void TestDialogFiles::importWhileAnEarlierOneIsUnsettled()
 {
     QFETCH(bool, good);
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
-    const QString bad = m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad");
-    const QString other = good ? m_Fixture->WriteFile(QStringLiteral("good.xml"), ThreeEntries()) : bad;
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    const QString bad = m_fixture->WriteFile(QStringLiteral("bad.xml"), "bad");
+    const QString other = good ? m_fixture->WriteFile(QStringLiteral("good.xml"), ThreeEntries()) : bad;
 
     // While the box about the first file is open the list is empty.
     std::unique_ptr<MessageBoxes> boxes;
-    QTimer::singleShot(0, m_Fixture->dialog, [&] {
+    QTimer::singleShot(0, m_fixture->dialog, [&] {
         QVERIFY(QApplication::activeModalWidget());
-        QCOMPARE(m_Fixture->model->rowCount(), 0);
-        QTimer::singleShot(0, m_Fixture->dialog, [&] { boxes = std::make_unique<MessageBoxes>(); });
-        QCOMPARE(m_Fixture->dialog->Import(other), good);
+        QCOMPARE(m_fixture->model->rowCount(), 0);
+        QTimer::singleShot(0, m_fixture->dialog, [&] { boxes = std::make_unique<MessageBoxes>(); });
+        QCOMPARE(m_fixture->dialog->Import(other), good);
     });
-    QVERIFY(!m_Fixture->dialog->Import(bad));
+    QVERIFY(!m_fixture->dialog->Import(bad));
     QTRY_VERIFY(boxes);
-    QCOMPARE(m_Fixture->Names(),
+    QCOMPARE(m_fixture->Names(),
              good ? (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")})
                   : (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 }
 
-void tst_DialogFiles::dropWithoutUrlsIsIgnored()
+void TestDialogFiles::dropWithoutUrlsIsIgnored()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
     QMimeData data;
     data.setData(QStringLiteral("text/plain"), ThreeEntries());
     MessageBoxes boxes;
-    QVERIFY(!DialogFixture::Drop(m_Fixture->dialog, data));
+    QVERIFY(!DialogFixture::Drop(m_fixture->dialog, data));
     // Nor where the drag had files, and what is dropped has none.
     QMimeData files;
-    files.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
-    QVERIFY(DialogFixture::DragEnter(m_Fixture->dialog, files));
+    files.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
+    QVERIFY(DialogFixture::DragEnter(m_fixture->dialog, files));
     QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     event.accept();
-    QCoreApplication::sendEvent(m_Fixture->dialog, &event);
+    QCoreApplication::sendEvent(m_fixture->dialog, &event);
     QVERIFY(!event.isAccepted());
     QCOMPARE(boxes.Count(), 0);
-    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
 }
 
-void tst_DialogFiles::dropIsTakenWhileEntriesAreInUse()
+void TestDialogFiles::dropIsTakenWhileEntriesAreInUse()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
+    m_fixture->Show();
     QMimeData good;
-    good.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
+    good.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
     QMimeData bad;
-    bad.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
+    bad.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("bad.xml"), "bad"))});
 
     MessageBoxes boxes;
-    QVERIFY(DialogFixture::Drop(m_Fixture->dialog, bad));
+    QVERIFY(DialogFixture::Drop(m_fixture->dialog, bad));
     QCOMPARE(boxes.Count(), 1);
-    QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
-    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
+    QCOMPARE(m_fixture->model->CountInUse(), 0);
 
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
-    QVERIFY(DialogFixture::Drop(m_Fixture->dialog, good));
-    QCOMPARE(m_Fixture->model->rowCount(), 3);
-    QCOMPARE(m_Fixture->model->CountInUse(), 0);
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
+    QVERIFY(DialogFixture::Drop(m_fixture->dialog, good));
+    QCOMPARE(m_fixture->model->rowCount(), 3);
+    QCOMPARE(m_fixture->model->CountInUse(), 0);
 }
 
-void tst_DialogFiles::rowsDroppedOnTheTableAreCopied()
+void TestDialogFiles::rowsDroppedOnTheTableAreCopied()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteBravo, true), Entry(QStringLiteral("b"))});
-    m_Fixture->Show();
-    const std::unique_ptr<QMimeData> rows(m_Fixture->Proxy()->mimeData({m_Fixture->Proxy()->index(0, 0)}));
-    QVERIFY(DialogFixture::DragEnter(m_Fixture->BasicView()->viewport(), *rows));
-    QVERIFY(DialogFixture::Drop(m_Fixture->BasicView()->viewport(), *rows));
-    QCOMPARE(m_Fixture->Names(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}));
-    QVERIFY(m_Fixture->model->GetConnection(2).Selected);
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteBravo, true), Entry(QStringLiteral("b"))});
+    m_fixture->Show();
+    const std::unique_ptr<QMimeData> rows(m_fixture->Proxy()->mimeData({m_fixture->Proxy()->index(0, 0)}));
+    QVERIFY(DialogFixture::DragEnter(m_fixture->BasicView()->viewport(), *rows));
+    QVERIFY(DialogFixture::Drop(m_fixture->BasicView()->viewport(), *rows));
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}));
+    QVERIFY(m_fixture->model->GetConnection(2).Selected);
 }
 
-QTEST_MAIN(tst_DialogFiles)
+QTEST_MAIN(TestDialogFiles)
 #include "tst_dialogfiles.moc"

@@ -5,13 +5,13 @@
 #include <QSignalSpy>
 
 /// The filter as an operator sets it: column, pattern, search mode, its sign, and what is kept of it between runs.
-class tst_DialogFilter : public QObject
+class TestDialogFilter : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
-    void cleanup() { m_Fixture.reset(); }
+    void init() { m_fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void columnChoiceShowsHeadersWithIcons();
     void columnChoiceOffersWhatIsShown();
@@ -40,30 +40,30 @@ private:
     {
         return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0));
     }
-    QComboBox* Column() { return m_Fixture->Find<QComboBox>("m_pFilterColumnComboBox"); }
-    QLineEdit* Pattern() { return m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"); }
-    QComboBox* Mode() { return m_Fixture->Find<QComboBox>("m_pRegExpComboBox"); }
-    QLabel* Sign() { return m_Fixture->Find<QLabel>("m_pFilterActiveLabel"); }
+    QComboBox* Column() { return m_fixture->Find<QComboBox>("m_pFilterColumnComboBox"); }
+    QLineEdit* Pattern() { return m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"); }
+    QComboBox* Mode() { return m_fixture->Find<QComboBox>("m_pRegExpComboBox"); }
+    QLabel* Sign() { return m_fixture->Find<QLabel>("m_pFilterActiveLabel"); }
 
-    std::unique_ptr<DialogFixture> m_Fixture;
+    std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void tst_DialogFilter::columnChoiceShowsHeadersWithIcons()
+void TestDialogFilter::columnChoiceShowsHeadersWithIcons()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     QCOMPARE(Column()->count(), 10);
     for (int column = 0; column < 10; ++column) {
         QCOMPARE(Column()->itemText(column),
-                 m_Fixture->model->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+                 m_fixture->model->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
         QCOMPARE(Column()->itemIcon(column).isNull(), column != 0 && column != 8);
     }
     QCOMPARE(Column()->currentIndex(), 1);
 }
 
-void tst_DialogFilter::columnChoiceOffersWhatIsShown()
+void TestDialogFilter::columnChoiceOffersWhatIsShown()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Show();
     const auto* const list = qobject_cast<QListView*>(Column()->view());
     QVERIFY(list);
     const auto offered = [&] {
@@ -76,27 +76,27 @@ void tst_DialogFilter::columnChoiceOffersWhatIsShown()
         return columns;
     };
     QCOMPARE(offered(), (QList<int>{1, 2, 3}));
-    m_Fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Action("m_pDetailsAction")->trigger();
     QCOMPARE(offered(), (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 9}));
-    m_Fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Action("m_pDetailsAction")->trigger();
     QCOMPARE(offered(), (QList<int>{1, 2, 3}));
 }
 
-void tst_DialogFilter::columnChoiceIsNotUpdatedByShowing()
+void TestDialogFilter::columnChoiceIsNotUpdatedByShowing()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     // Switched on while the dialog is hidden: the details are not visible yet, and showing does not ask again.
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
-    QVERIFY(m_Fixture->DetailsView()->isVisible());
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
+    QVERIFY(m_fixture->DetailsView()->isVisible());
     QVERIFY(qobject_cast<QListView*>(Column()->view())->isRowHidden(5));
 }
 
-void tst_DialogFilter::tickCannotBeChosenByKeys()
+void TestDialogFilter::tickCannotBeChosenByKeys()
 {
-    m_Fixture->Build();
-    m_Fixture->Action("m_pFilterAction")->trigger();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Action("m_pFilterAction")->trigger();
+    m_fixture->Show();
     Column()->setFocus();
     QCOMPARE(Column()->currentIndex(), 1);
     QTest::keyClick(Column(), Qt::Key_Up);
@@ -109,7 +109,7 @@ void tst_DialogFilter::tickCannotBeChosenByKeys()
     QCOMPARE(Column()->currentIndex(), 3);
 }
 
-void tst_DialogFilter::patternFiltersAsItIsTyped_data()
+void TestDialogFilter::patternFiltersAsItIsTyped_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("pattern");
@@ -130,144 +130,144 @@ void tst_DialogFilter::patternFiltersAsItIsTyped_data()
     QTest::newRow("expression case") << 2 << QStringLiteral("^north$") << names("NORTH");
 }
 
-void tst_DialogFilter::patternFiltersAsItIsTyped()
+void TestDialogFilter::patternFiltersAsItIsTyped()
 {
     QFETCH(int, mode);
     QFETCH(QString, pattern);
     QFETCH(QStringList, shown);
-    m_Fixture->Build();
+    m_fixture->Build();
     for (const char* name : {"a/north", "e.st", "NORTH", "s[o]uth", "we*st"}) {
-        m_Fixture->Add({Entry(QString::fromLatin1(name))});
+        m_fixture->Add({Entry(QString::fromLatin1(name))});
     }
-    m_Fixture->Show();
-    m_Fixture->Action("m_pFilterAction")->trigger();
+    m_fixture->Show();
+    m_fixture->Action("m_pFilterAction")->trigger();
     Mode()->setCurrentIndex(mode);
     QTest::keyClicks(Pattern(), pattern);
-    QStringList sorted = m_Fixture->ShownNames();
+    QStringList sorted = m_fixture->ShownNames();
     sorted.sort(Qt::CaseInsensitive);
     shown.sort(Qt::CaseInsensitive);
     QCOMPARE(sorted, shown);
-    QCOMPARE(m_Fixture->DetailsView()->model()->rowCount(), shown.size());
+    QCOMPARE(m_fixture->DetailsView()->model()->rowCount(), shown.size());
 }
 
-void tst_DialogFilter::invalidExpressionShowsNothingAndSaysNothing()
+void TestDialogFilter::invalidExpressionShowsNothingAndSaysNothing()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
     Mode()->setCurrentIndex(2);
     Pattern()->setText(QStringLiteral("a("));
-    QCOMPARE(m_Fixture->ShownNames(), QStringList());
+    QCOMPARE(m_fixture->ShownNames(), QStringList());
     Pattern()->setText(QStringLiteral("a"));
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("a")});
-    QCOMPARE(m_Fixture->model->rowCount(), 2);
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("a")});
+    QCOMPARE(m_fixture->model->rowCount(), 2);
 }
 
-void tst_DialogFilter::hardExpressionCountsAsNoMatch()
+void TestDialogFilter::hardExpressionCountsAsNoMatch()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     // The engine finds its match in the end, but only after a quarter of a million steps back.
     const QString hard = QString(18, QLatin1Char('a')) + QStringLiteral("! aab");
     const QString pattern = QStringLiteral("(a+)+b");
     QVERIFY(hard.contains(QRegularExpression(pattern)));
-    m_Fixture->Add({Entry(hard), Entry(QStringLiteral("aab"))});
+    m_fixture->Add({Entry(hard), Entry(QStringLiteral("aab"))});
     Mode()->setCurrentIndex(2);
     Pattern()->setText(pattern);
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("aab")});
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("aab")});
     Pattern()->setText(QStringLiteral("a!"));
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{hard});
+    QCOMPARE(m_fixture->ShownNames(), QStringList{hard});
 }
 
-void tst_DialogFilter::withoutAColumnAnyColumnMatches()
+void TestDialogFilter::withoutAColumnAnyColumnMatches()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("Cobra"), Connection::KiteEcho),
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("Cobra"), Connection::KiteEcho),
                     Entry(QStringLiteral("x"), Connection::KiteCobra), Entry(QStringLiteral("y"))});
     Pattern()->setText(QStringLiteral("cobra"));
     Column()->setCurrentIndex(-1);
-    QCOMPARE(m_Fixture->ShownNames(), (QStringList{QStringLiteral("Cobra"), QStringLiteral("x")}));
+    QCOMPARE(m_fixture->ShownNames(), (QStringList{QStringLiteral("Cobra"), QStringLiteral("x")}));
 }
 
-void tst_DialogFilter::emptyPatternLetsEverythingThrough()
+void TestDialogFilter::emptyPatternLetsEverythingThrough()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QString())});
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QString())});
     for (int mode = 0; mode < 3; ++mode) {
         Mode()->setCurrentIndex(mode);
-        QCOMPARE(m_Fixture->Proxy()->rowCount(), 2);
+        QCOMPARE(m_fixture->Proxy()->rowCount(), 2);
     }
 }
 
-void tst_DialogFilter::columnDecidesWhereToSearch()
+void TestDialogFilter::columnDecidesWhereToSearch()
 {
-    m_Fixture->Build();
-    m_Fixture->Add(
+    m_fixture->Build();
+    m_fixture->Add(
         {Entry(QStringLiteral("Cobra"), Connection::KiteEcho), Entry(QStringLiteral("x"), Connection::KiteCobra)});
     Pattern()->setText(QStringLiteral("cobra"));
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("Cobra")});
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("Cobra")});
     Column()->setCurrentIndex(ConnectionsModel::ColumnDeviceType);
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("x")});
-    QCOMPARE(m_Fixture->Proxy()->filterKeyColumn(), int{ConnectionsModel::ColumnDeviceType});
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("x")});
+    QCOMPARE(m_fixture->Proxy()->filterKeyColumn(), int{ConnectionsModel::ColumnDeviceType});
 }
 
-void tst_DialogFilter::showingFocusesAndSelectsThePattern()
+void TestDialogFilter::showingFocusesAndSelectsThePattern()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     Pattern()->setText(QStringLiteral("abc"));
-    m_Fixture->Show();
-    m_Fixture->Action("m_pFilterAction")->trigger();
-    QVERIFY(m_Fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
+    m_fixture->Show();
+    m_fixture->Action("m_pFilterAction")->trigger();
+    QVERIFY(m_fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
     QVERIFY(Pattern()->hasFocus());
     QCOMPARE(Pattern()->selectedText(), QStringLiteral("abc"));
 }
 
-void tst_DialogFilter::signShowsWhileAHiddenFilterIsInForce()
+void TestDialogFilter::signShowsWhileAHiddenFilterIsInForce()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Show();
     QVERIFY(!Sign()->isVisible());
     Pattern()->setText(QStringLiteral("x"));
     QVERIFY(Sign()->isVisible());
-    m_Fixture->Action("m_pFilterAction")->trigger();
+    m_fixture->Action("m_pFilterAction")->trigger();
     QVERIFY(!Sign()->isVisible());
     Pattern()->setText(QStringLiteral("xy"));
     QVERIFY(!Sign()->isVisible());
-    m_Fixture->Action("m_pFilterAction")->trigger();
+    m_fixture->Action("m_pFilterAction")->trigger();
     QVERIFY(Sign()->isVisible());
     Pattern()->clear();
     QVERIFY(!Sign()->isVisible());
 }
 
-void tst_DialogFilter::hidingTheFrameKeepsTheFilter()
+void TestDialogFilter::hidingTheFrameKeepsTheFilter()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    m_Fixture->Show();
-    m_Fixture->Action("m_pFilterAction")->trigger();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Show();
+    m_fixture->Action("m_pFilterAction")->trigger();
     QTest::keyClicks(Pattern(), QStringLiteral("b"));
-    m_Fixture->Action("m_pFilterAction")->trigger();
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("b")});
-    m_Fixture->dialog->hide();
-    m_Fixture->Show();
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("b")});
+    m_fixture->Action("m_pFilterAction")->trigger();
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("b")});
+    m_fixture->dialog->hide();
+    m_fixture->Show();
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("b")});
 }
 
-void tst_DialogFilter::mnemonicsReachTheInputs()
+void TestDialogFilter::mnemonicsReachTheInputs()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
-    m_Fixture->Action("m_pFilterAction")->trigger();
-    m_Fixture->dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
-    QTest::keyClick(m_Fixture->dialog, Qt::Key_O, Qt::AltModifier);
+    m_fixture->Build();
+    m_fixture->Show();
+    m_fixture->Action("m_pFilterAction")->trigger();
+    m_fixture->dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
+    QTest::keyClick(m_fixture->dialog, Qt::Key_O, Qt::AltModifier);
     QVERIFY(Column()->hasFocus());
-    QTest::keyClick(m_Fixture->dialog, Qt::Key_P, Qt::AltModifier);
+    QTest::keyClick(m_fixture->dialog, Qt::Key_P, Qt::AltModifier);
     QVERIFY(Pattern()->hasFocus());
-    QTest::keyClick(m_Fixture->dialog, Qt::Key_M, Qt::AltModifier);
+    QTest::keyClick(m_fixture->dialog, Qt::Key_M, Qt::AltModifier);
     QVERIFY(Mode()->hasFocus());
 }
 
-void tst_DialogFilter::settingsAreRestored()
+void TestDialogFilter::settingsAreRestored()
 {
     {
         const auto settings = Settings();
@@ -275,15 +275,15 @@ void tst_DialogFilter::settingsAreRestored()
         settings->SetString(QStringLiteral("FilterPattern"), QStringLiteral("b*o"), 0);
         settings->SetInt(QStringLiteral("SearchMode"), 1, 0);
     }
-    m_Fixture->Build();
+    m_fixture->Build();
     QCOMPARE(Column()->currentIndex(), 3);
     QCOMPARE(Pattern()->text(), QStringLiteral("b*o"));
     QCOMPARE(Mode()->currentIndex(), 1);
-    m_Fixture->Add({Entry(QStringLiteral("x"), Connection::KiteBravo), Entry(QStringLiteral("y"))});
-    QCOMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("x")});
+    m_fixture->Add({Entry(QStringLiteral("x"), Connection::KiteBravo), Entry(QStringLiteral("y"))});
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("x")});
 }
 
-void tst_DialogFilter::settingsReadRule_data()
+void TestDialogFilter::settingsReadRule_data()
 {
     QTest::addColumn<int>("storedColumn");
     QTest::addColumn<int>("column");
@@ -297,7 +297,7 @@ void tst_DialogFilter::settingsReadRule_data()
     QTest::newRow("two above") << 11 << -1 << -1 << 0;
 }
 
-void tst_DialogFilter::settingsReadRule()
+void TestDialogFilter::settingsReadRule()
 {
     QFETCH(int, storedColumn);
     QFETCH(int, column);
@@ -308,26 +308,26 @@ void tst_DialogFilter::settingsReadRule()
         settings->SetInt(QStringLiteral("Column"), storedColumn, 0);
         settings->SetInt(QStringLiteral("SearchMode"), storedMode, 0);
     }
-    m_Fixture->Build();
+    m_fixture->Build();
     QCOMPARE(Column()->currentIndex(), column);
     QCOMPARE(Mode()->currentIndex(), mode);
 }
 
-void tst_DialogFilter::missingSettingsAreTheDefaults()
+void TestDialogFilter::missingSettingsAreTheDefaults()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     QCOMPARE(Column()->currentIndex(), 1);
     QCOMPARE(Pattern()->text(), QString());
     QCOMPARE(Mode()->currentIndex(), 0);
 }
 
-void tst_DialogFilter::settingsAreStoredAsTheyStand()
+void TestDialogFilter::settingsAreStoredAsTheyStand()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     Column()->setCurrentIndex(2);
     Pattern()->setText(QStringLiteral(" two words, \"quoted\" "));
     Mode()->setCurrentIndex(2);
-    m_Fixture->dialog->StoreFilterSettings();
+    m_fixture->dialog->StoreFilterSettings();
     const auto settings = Settings();
     QCOMPARE(settings->GetInt(QStringLiteral("Column"), -7, 0), 2);
     QCOMPARE(settings->GetString(QStringLiteral("FilterPattern"), QString(), 0),
@@ -335,5 +335,5 @@ void tst_DialogFilter::settingsAreStoredAsTheyStand()
     QCOMPARE(settings->GetInt(QStringLiteral("SearchMode"), -7, 0), 2);
 }
 
-QTEST_MAIN(tst_DialogFilter)
+QTEST_MAIN(TestDialogFilter)
 #include "tst_dialogfilter.moc"

@@ -17,29 +17,29 @@
 #include <QUrl>
 
 /// Where views, filter, files and editors meet one another.
-class tst_DialogMeetings : public QObject
+class TestDialogMeetings : public QObject
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<DialogFixture> m_Fixture;
+    std::unique_ptr<DialogFixture> m_fixture;
 
 private slots:
-    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
-    void cleanup() { m_Fixture.reset(); }
+    void init() { m_fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
 #ifdef Q_OS_UNIX
     void exportCutShortKeepsTheOldFile()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QString(100000, QLatin1Char('n')))});
+        m_fixture->Build();
+        m_fixture->Add({Entry(QString(100000, QLatin1Char('n')))});
         const QByteArray old(5000, 'o');
-        const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), old);
+        const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), old);
         MessageBoxes boxes;
         TraceRecorder traces;
         {
             const FileSizeLimit full(4096);
-            m_Fixture->dialog->Export(path);
+            m_fixture->dialog->Export(path);
         }
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -47,28 +47,28 @@ private slots:
         QCOMPARE(traces.Reports().size(), 1);
         QCOMPARE(traces.Reports().first().line, quint16{421});
         QCOMPARE(boxes.Count(), 0);
-        QCOMPARE(QDir(m_Fixture->DataPath(QString())).entryList(QDir::Files | QDir::Hidden),
+        QCOMPARE(QDir(m_fixture->DataPath(QString())).entryList(QDir::Files | QDir::Hidden),
                  QStringList{QStringLiteral("list.xml")});
     }
 #endif
 
     void importIsFilteredByTheStatusItLeaves()
     {
-        m_Fixture->Build();
+        m_fixture->Build();
         ConnectionsModel other(nullptr, QString());
         Connection used = Entry(QStringLiteral("used"));
         used.ConnectionStatus = Connection::InUse;
         other.AddConnection(used);
         other.AddConnection(Entry(QStringLiteral("free")));
-        m_Fixture->Find<QComboBox>("m_pFilterColumnComboBox")->setCurrentIndex(ConnectionsModel::ColumnStatus);
-        auto* const pattern = m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit");
-        const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
+        m_fixture->Find<QComboBox>("m_pFilterColumnComboBox")->setCurrentIndex(ConnectionsModel::ColumnStatus);
+        auto* const pattern = m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit");
+        const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
         pattern->setText(Connection::StatusName(Connection::Free));
-        QVERIFY(m_Fixture->dialog->Import(path));
-        QCOMPARE(m_Fixture->ShownNames(), (QStringList{QStringLiteral("free"), QStringLiteral("used")}));
+        QVERIFY(m_fixture->dialog->Import(path));
+        QCOMPARE(m_fixture->ShownNames(), (QStringList{QStringLiteral("free"), QStringLiteral("used")}));
         pattern->setText(Connection::StatusName(Connection::InUse));
-        QVERIFY(m_Fixture->dialog->Import(path));
-        QCOMPARE(m_Fixture->ShownNames(), QStringList());
+        QVERIFY(m_fixture->dialog->Import(path));
+        QCOMPARE(m_fixture->ShownNames(), QStringList());
     }
 
     void viewsReachTheirLastRowTogether_data()
@@ -82,69 +82,69 @@ private slots:
     void viewsReachTheirLastRowTogether()
     {
         QFETCH(int, width);
-        m_Fixture->Build();
+        m_fixture->Build();
         for (int i = 0; i < 60; ++i) {
-            m_Fixture->Add({Entry(QString::number(1000 + i))});
+            m_fixture->Add({Entry(QString::number(1000 + i))});
         }
-        m_Fixture->Action("m_pDetailsAction")->trigger();
-        m_Fixture->dialog->resize(width, 300);
-        m_Fixture->Show();
-        QTreeView* const basic = m_Fixture->BasicView();
-        QTreeView* const details = m_Fixture->DetailsView();
+        m_fixture->Action("m_pDetailsAction")->trigger();
+        m_fixture->dialog->resize(width, 300);
+        m_fixture->Show();
+        QTreeView* const basic = m_fixture->BasicView();
+        QTreeView* const details = m_fixture->DetailsView();
         QTRY_COMPARE(details->viewport()->height(), basic->viewport()->height());
         QTRY_COMPARE(details->verticalScrollBar()->maximum(), basic->verticalScrollBar()->maximum());
         for (QTreeView* view : {basic, details}) {
             basic->verticalScrollBar()->setValue(0);
             view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum());
             QCOMPARE(details->verticalScrollBar()->value(), basic->verticalScrollBar()->value());
-            const QRect last = details->visualRect(m_Fixture->Proxy()->index(59, ConnectionsModel::ColumnLinkSpeed));
+            const QRect last = details->visualRect(m_fixture->Proxy()->index(59, ConnectionsModel::ColumnLinkSpeed));
             QVERIFY(last.bottom() < details->viewport()->height());
-            QCOMPARE(basic->visualRect(m_Fixture->Proxy()->index(59, ConnectionsModel::ColumnName)).top(), last.top());
+            QCOMPARE(basic->visualRect(m_fixture->Proxy()->index(59, ConnectionsModel::ColumnName)).top(), last.top());
         }
     }
 
     void doubleClickOnTheTickIsTwoClicks()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QStringLiteral("a"))});
-        m_Fixture->Show();
-        QTreeView* const view = m_Fixture->BasicView();
-        const QModelIndex tick = m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
-        QSignalSpy changed(m_Fixture->model, &QAbstractItemModel::dataChanged);
+        m_fixture->Build();
+        m_fixture->Add({Entry(QStringLiteral("a"))});
+        m_fixture->Show();
+        QTreeView* const view = m_fixture->BasicView();
+        const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+        QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
         DialogFixture::DoubleClick(view, tick);
         QCOMPARE(changed.count(), 2);
-        QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+        QVERIFY(!m_fixture->model->GetConnection(0).Selected);
         DialogFixture::Click(view, tick);
-        QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+        QVERIFY(m_fixture->model->GetConnection(0).Selected);
     }
 
     void destructionWithAnOpenEditorIsClean()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QStringLiteral("a"))});
-        m_Fixture->Show();
-        m_Fixture->dialog->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
-        DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 1));
-        auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>();
+        m_fixture->Build();
+        m_fixture->Add({Entry(QStringLiteral("a"))});
+        m_fixture->Show();
+        m_fixture->dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
+        DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+        auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
         QVERIFY(editor);
         editor->setText(QStringLiteral("typed"));
-        delete std::exchange(m_Fixture->dialog, nullptr);
+        delete std::exchange(m_fixture->dialog, nullptr);
         // Leaving the cell commits, also in this way.
-        QCOMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("typed"));
+        QCOMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("typed"));
     }
 
     void dropWhileABoxIsOpenImportsNothing()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
-        m_Fixture->Show();
+        m_fixture->Build();
+        m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+        m_fixture->Show();
         ConnectionsModel other(nullptr, QString());
         other.AddConnection(Entry(QStringLiteral("dropped")));
         QMimeData good;
-        good.setUrls({QUrl::fromLocalFile(m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))});
-        for (const auto& opensABox : {std::function<void()>([this] { m_Fixture->Action("m_pEditAction")->trigger(); }),
-                                      std::function<void()>([this] { m_Fixture->dialog->Import(QString()); })}) {
+        good.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))});
+        for (const auto& opensABox : {std::function<void()>([this] { m_fixture->Action("m_pEditAction")->trigger(); }),
+                                      std::function<void()>([this] { m_fixture->dialog->Import(QString()); })}) {
             bool dropped = false;
             QTimer timer;
             connect(&timer, &QTimer::timeout, this, [&] {
@@ -154,42 +154,42 @@ private slots:
                 }
                 dropped = true;
                 MessageBoxes further; // in case that the drop brings one up
-                DialogFixture::Drop(m_Fixture->dialog, good);
+                DialogFixture::Drop(m_fixture->dialog, good);
                 box->button(QMessageBox::Ok)->click();
             });
             timer.start(1);
             opensABox();
             QVERIFY(dropped);
-            QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("a")});
-            QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+            QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
+            QVERIFY(m_fixture->model->GetConnection(0).Selected);
         }
     }
 
     void fileDroppedOnThePatternIsImported()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QStringLiteral("old"))});
-        m_Fixture->Action("m_pFilterAction")->trigger();
-        m_Fixture->Show();
+        m_fixture->Build();
+        m_fixture->Add({Entry(QStringLiteral("old"))});
+        m_fixture->Action("m_pFilterAction")->trigger();
+        m_fixture->Show();
         ConnectionsModel other(nullptr, QString());
         other.AddConnection(Entry(QStringLiteral("dropped")));
-        const QString path = m_Fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
+        const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(path)});
         data.setText(path);
-        QVERIFY(DialogFixture::Drop(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"), data));
-        QCOMPARE(m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->text(), QString());
-        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("dropped")});
+        QVERIFY(DialogFixture::Drop(m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit"), data));
+        QCOMPARE(m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->text(), QString());
+        QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("dropped")});
     }
 
     void restoredFilterShowsItsSign()
     {
         std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0))
             ->SetString(QStringLiteral("FilterPattern"), QStringLiteral("x"), 0);
-        m_Fixture->Build();
-        m_Fixture->Show();
-        QVERIFY(m_Fixture->Find<QLabel>("m_pFilterActiveLabel")->isVisible());
-        QVERIFY(!m_Fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
+        m_fixture->Build();
+        m_fixture->Show();
+        QVERIFY(m_fixture->Find<QLabel>("m_pFilterActiveLabel")->isVisible());
+        QVERIFY(!m_fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
     }
 
     void editorsKeepTheirRuleEverywhere_data()
@@ -209,16 +209,16 @@ private slots:
     {
         QFETCH(int, column);
         QFETCH(int, row);
-        m_Fixture->Build();
+        m_fixture->Build();
         for (int i = 0; i < 40; ++i) {
-            m_Fixture->Add({Entry(QString::number(1000 + i))});
+            m_fixture->Add({Entry(QString::number(1000 + i))});
         }
-        m_Fixture->Action("m_pDetailsAction")->trigger();
-        m_Fixture->dialog->resize(700, 300); // the details do not fit: their last columns lie at and beyond the edge
-        m_Fixture->Show();
+        m_fixture->Action("m_pDetailsAction")->trigger();
+        m_fixture->dialog->resize(700, 300); // the details do not fit: their last columns lie at and beyond the edge
+        m_fixture->Show();
         QTreeView* const view =
-            column <= ConnectionsModel::ColumnDeviceType ? m_Fixture->BasicView() : m_Fixture->DetailsView();
-        const QModelIndex cell = m_Fixture->Proxy()->index(row, column);
+            column <= ConnectionsModel::ColumnDeviceType ? m_fixture->BasicView() : m_fixture->DetailsView();
+        const QModelIndex cell = m_fixture->Proxy()->index(row, column);
         view->setFocus();
         DialogFixture::DoubleClick(view, cell);
         const QWidget* const editor = view->indexWidget(cell);
@@ -251,60 +251,60 @@ private slots:
     {
         QFETCH(QString, text);
         QFETCH(int, seconds);
-        m_Fixture->Build();
+        m_fixture->Build();
         Connection entry = Entry(QStringLiteral("a"));
         entry.TimeoutSeconds = 60;
-        m_Fixture->Add({entry});
-        m_Fixture->dialog->resize(1200, 300);
-        m_Fixture->Action("m_pDetailsAction")->trigger();
-        m_Fixture->Show();
-        DialogFixture::DoubleClick(m_Fixture->DetailsView(),
-                                   m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnTimeout));
-        auto* const editor = m_Fixture->DetailsView()->viewport()->findChild<QSpinBox*>();
+        m_fixture->Add({entry});
+        m_fixture->dialog->resize(1200, 300);
+        m_fixture->Action("m_pDetailsAction")->trigger();
+        m_fixture->Show();
+        DialogFixture::DoubleClick(m_fixture->DetailsView(),
+                                   m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnTimeout));
+        auto* const editor = m_fixture->DetailsView()->viewport()->findChild<QSpinBox*>();
         QVERIFY(editor);
         QGuiApplication::clipboard()->setText(text);
         editor->selectAll();
         editor->findChild<QLineEdit*>()->paste();
         QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_VERIFY(!m_Fixture->DetailsView()->viewport()->findChild<QSpinBox*>());
-        QCOMPARE(m_Fixture->model->GetConnection(0).TimeoutSeconds, seconds);
+        QTRY_VERIFY(!m_fixture->DetailsView()->viewport()->findChild<QSpinBox*>());
+        QCOMPARE(m_fixture->model->GetConnection(0).TimeoutSeconds, seconds);
     }
 
     void importOfAPipeAndOfAHugeFileFails()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QStringLiteral("b"), Connection::KiteEcho, true), Entry(QStringLiteral("a"))});
-        const QByteArray before = m_Fixture->model->ToByteArray();
-        const QString pipe = System::MakePipe(m_Fixture->DataPath(QStringLiteral("pipe")));
+        m_fixture->Build();
+        m_fixture->Add({Entry(QStringLiteral("b"), Connection::KiteEcho, true), Entry(QStringLiteral("a"))});
+        const QByteArray before = m_fixture->model->ToByteArray();
+        const QString pipe = System::MakePipe(m_fixture->DataPath(QStringLiteral("pipe")));
         QVERIFY(!pipe.isEmpty());
-        const QString huge = m_Fixture->WriteFile(QStringLiteral("huge.xml"), before);
+        const QString huge = m_fixture->WriteFile(QStringLiteral("huge.xml"), before);
         QVERIFY(QFile::resize(huge, qint64{65} * 1024 * 1024));
         for (const QString& path : {pipe, huge}) {
             MessageBoxes boxes;
             TraceRecorder traces;
-            QVERIFY(!m_Fixture->dialog->Import(path));
+            QVERIFY(!m_fixture->dialog->Import(path));
             QCOMPARE(boxes.Count(), 1);
             QCOMPARE(traces.Reports().size(), 1);
             QCOMPARE(traces.Reports().first().line, quint16{383});
-            QCOMPARE(m_Fixture->model->ToByteArray(), before);
+            QCOMPARE(m_fixture->model->ToByteArray(), before);
         }
     }
 
     void messagesAreTranslatedInTheDialogsContext()
     {
-        m_Fixture->Build();
-        m_Fixture->Show();
+        m_fixture->Build();
+        m_fixture->Show();
         const MarkingTranslator translator(QStringLiteral("VexelConnectDlgGUI"));
         MessageBoxes boxes;
-        m_Fixture->Action("m_pEditAction")->trigger();
-        m_Fixture->Action("m_pDeleteAction")->trigger();
-        m_Fixture->dialog->Import(QStringLiteral("missing"));
+        m_fixture->Action("m_pEditAction")->trigger();
+        m_fixture->Action("m_pDeleteAction")->trigger();
+        m_fixture->dialog->Import(QStringLiteral("missing"));
         QMimeData two;
         two.setUrls({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
-        DialogFixture::Drop(m_Fixture->dialog, two);
+        DialogFixture::Drop(m_fixture->dialog, two);
         QMimeData none;
         none.setData(QStringLiteral("text/uri-list"), QByteArray());
-        DialogFixture::Drop(m_Fixture->dialog, none);
+        DialogFixture::Drop(m_fixture->dialog, none);
         QCOMPARE(boxes.Count(), 5);
         for (const MessageBoxes::Box& box : boxes.Boxes()) {
             QCOMPARE(box.title, QStringLiteral("[Info]"));
@@ -316,8 +316,8 @@ private slots:
 
     void entriesThatGoDuringConnectAreLeftOut()
     {
-        m_Fixture->Build();
-        m_Fixture->Add({Entry(QStringLiteral("unserved"), Connection::Heron, true),
+        m_fixture->Build();
+        m_fixture->Add({Entry(QStringLiteral("unserved"), Connection::Heron, true),
                         Entry(QStringLiteral("gone"), Connection::KiteEcho, true)});
         bool removed = false;
         QTimer timer;
@@ -327,24 +327,24 @@ private slots:
                 return;
             }
             removed = true;
-            m_Fixture->model->removeRows(1, 1);
+            m_fixture->model->removeRows(1, 1);
             box->button(QMessageBox::Ok)->click();
         });
         timer.start(1);
-        m_Fixture->ConnectButton()->click();
+        m_fixture->ConnectButton()->click();
         QVERIFY(removed);
-        QCOMPARE(m_Fixture->Names(), QStringList{QStringLiteral("unserved")});
-        QCOMPARE(m_Fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 0);
+        QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("unserved")});
+        QCOMPARE(m_fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 0);
     }
 
     void detailsViewKeepsNoSelectionOfItsOwn()
     {
-        m_Fixture->Build();
-        QVERIFY(m_Fixture->DetailsView()
+        m_fixture->Build();
+        QVERIFY(m_fixture->DetailsView()
                     ->findChildren<QItemSelectionModel*>(QString(), Qt::FindDirectChildrenOnly)
                     .isEmpty());
     }
 };
 
-QTEST_MAIN(tst_DialogMeetings)
+QTEST_MAIN(TestDialogMeetings)
 #include "tst_dialogmeetings.moc"

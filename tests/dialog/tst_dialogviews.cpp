@@ -10,13 +10,13 @@
 #include <QSpinBox>
 
 /// The two views as one table, whatever is done to it; and texts of every kind through every editor.
-class tst_DialogViews : public QObject
+class TestDialogViews : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
-    void cleanup() { m_Fixture.reset(); }
+    void init() { m_fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void randomWalkKeepsViewsAndModelTogether();
     void selectedRowsAreTheToolkits();
@@ -30,13 +30,13 @@ private slots:
 private:
     void CompareViews();
 
-    std::unique_ptr<DialogFixture> m_Fixture;
+    std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void tst_DialogViews::CompareViews()
+void TestDialogViews::CompareViews()
 {
-    const QTreeView* const basic = m_Fixture->BasicView();
-    const QTreeView* const details = m_Fixture->DetailsView();
+    const QTreeView* const basic = m_fixture->BasicView();
+    const QTreeView* const details = m_fixture->DetailsView();
     QCOMPARE(details->model(), basic->model());
     QCOMPARE(details->selectionModel(), basic->selectionModel());
     QCOMPARE(details->verticalScrollBar()->value(), basic->verticalScrollBar()->value());
@@ -46,96 +46,96 @@ void tst_DialogViews::CompareViews()
 
     // The same rows at the same heights, in both views.
     const int first = basic->indexAt(QPoint(1, 1)).row();
-    for (int row = std::max(first, 0); row < std::min(first + 5, m_Fixture->Proxy()->rowCount()); ++row) {
-        const QRect left = basic->visualRect(m_Fixture->Proxy()->index(row, ConnectionsModel::ColumnName));
-        const QRect right = details->visualRect(m_Fixture->Proxy()->index(row, ConnectionsModel::ColumnLinkSpeed));
+    for (int row = std::max(first, 0); row < std::min(first + 5, m_fixture->Proxy()->rowCount()); ++row) {
+        const QRect left = basic->visualRect(m_fixture->Proxy()->index(row, ConnectionsModel::ColumnName));
+        const QRect right = details->visualRect(m_fixture->Proxy()->index(row, ConnectionsModel::ColumnLinkSpeed));
         QCOMPARE(right.top(), left.top());
         QCOMPARE(right.height(), left.height());
     }
 
     // Every entry that matches is shown once, and nothing else.
-    const auto expression = m_Fixture->Proxy()->filterRegularExpression();
+    const auto expression = m_fixture->Proxy()->filterRegularExpression();
     QStringList matching;
-    for (const QString& name : m_Fixture->Names()) {
+    for (const QString& name : m_fixture->Names()) {
         if (name.contains(expression)) {
             matching += name;
         }
     }
-    QStringList shown = m_Fixture->ShownNames();
+    QStringList shown = m_fixture->ShownNames();
     matching.sort();
     shown.sort();
     QCOMPARE(shown, matching);
 
     int selectedFree = 0;
-    for (int row = 0; row < m_Fixture->model->rowCount(); ++row) {
-        const Connection entry = m_Fixture->model->GetConnection(row);
+    for (int row = 0; row < m_fixture->model->rowCount(); ++row) {
+        const Connection entry = m_fixture->model->GetConnection(row);
         selectedFree += entry.Selected && entry.ConnectionStatus == 0 ? 1 : 0;
     }
-    QCOMPARE(m_Fixture->model->CountSelectedFree(), selectedFree);
+    QCOMPARE(m_fixture->model->CountSelectedFree(), selectedFree);
 }
 
-void tst_DialogViews::randomWalkKeepsViewsAndModelTogether()
+void TestDialogViews::randomWalkKeepsViewsAndModelTogether()
 {
-    m_Fixture->Build();
-    m_Fixture->dialog->resize(1200, 400);
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->dialog->resize(1200, 400);
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
     MessageBoxes boxes;
     QRandomGenerator random(20240607);
     const auto any = [&random](int below) {
         return below > 0 ? random.bounded(below) : 0;
     };
-    QTreeView* const views[] = {m_Fixture->BasicView(), m_Fixture->DetailsView()};
-    QByteArray saved = m_Fixture->model->ToByteArray();
+    QTreeView* const views[] = {m_fixture->BasicView(), m_fixture->DetailsView()};
+    QByteArray saved = m_fixture->model->ToByteArray();
 
     for (int step = 0; step < 1000; ++step) {
         QTreeView* const view = views[any(2)];
-        const int rows = m_Fixture->Proxy()->rowCount();
+        const int rows = m_fixture->Proxy()->rowCount();
         switch (any(12)) {
         case 0:
         case 1:
-            m_Fixture->Action("m_pNewAction")->trigger();
-            m_Fixture->model->setData(m_Fixture->model->index(m_Fixture->model->rowCount() - 1, 1),
+            m_fixture->Action("m_pNewAction")->trigger();
+            m_fixture->model->setData(m_fixture->model->index(m_fixture->model->rowCount() - 1, 1),
                                       QStringLiteral("station %1").arg(any(500)));
             break;
         case 2:
             if (rows > 0) {
-                DialogFixture::Click(m_Fixture->BasicView(), m_Fixture->Proxy()->index(any(rows), 0));
+                DialogFixture::Click(m_fixture->BasicView(), m_fixture->Proxy()->index(any(rows), 0));
             }
             break;
         case 3:
             view->sortByColumn(any(10), any(2) ? Qt::AscendingOrder : Qt::DescendingOrder);
             break;
         case 4:
-            m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")
+            m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")
                 ->setText(any(3) ? QString() : QString::number(any(10)));
             break;
         case 5:
-            m_Fixture->Find<QComboBox>("m_pRegExpComboBox")->setCurrentIndex(any(3));
+            m_fixture->Find<QComboBox>("m_pRegExpComboBox")->setCurrentIndex(any(3));
             break;
         case 6:
             if (rows > 0) {
-                DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->Proxy()->index(any(rows), 1));
-                if (auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>()) {
+                DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->Proxy()->index(any(rows), 1));
+                if (auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>()) {
                     editor->setText(QStringLiteral("edited %1").arg(any(500)));
                     QTest::keyClick(editor, Qt::Key_Return);
-                    QTRY_VERIFY(!m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+                    QTRY_VERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
                 }
             }
             break;
         case 7:
             for (int i = any(4); i > 0 && rows > 0; --i) {
-                view->selectionModel()->select(m_Fixture->Proxy()->index(any(rows), 0),
+                view->selectionModel()->select(m_fixture->Proxy()->index(any(rows), 0),
                                                QItemSelectionModel::Toggle | QItemSelectionModel::Rows);
             }
             break;
         case 8:
             if (any(3) == 0) {
-                m_Fixture->Action("m_pDeleteAction")->trigger();
+                m_fixture->Action("m_pDeleteAction")->trigger();
             } else if (rows > 0) {
                 const std::unique_ptr<QMimeData> dragged(
-                    m_Fixture->Proxy()->mimeData({m_Fixture->Proxy()->index(any(rows), 0)}));
-                QVERIFY(m_Fixture->Proxy()->dropMimeData(dragged.get(), Qt::CopyAction, -1, -1, QModelIndex()));
+                    m_fixture->Proxy()->mimeData({m_fixture->Proxy()->index(any(rows), 0)}));
+                QVERIFY(m_fixture->Proxy()->dropMimeData(dragged.get(), Qt::CopyAction, -1, -1, QModelIndex()));
             }
             break;
         case 9:
@@ -144,16 +144,16 @@ void tst_DialogViews::randomWalkKeepsViewsAndModelTogether()
         case 10:
             if (any(4) == 0) {
                 if (any(2)) {
-                    saved = m_Fixture->model->ToByteArray();
+                    saved = m_fixture->model->ToByteArray();
                 } else {
-                    m_Fixture->dialog->Import(m_Fixture->WriteFile(QStringLiteral("list.xml"), saved));
+                    m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), saved));
                 }
             }
             break;
         case 11:
-            if (m_Fixture->model->rowCount() > 0) {
-                m_Fixture->model->SetConnectionStatus(
-                    m_Fixture->model->GetConnection(any(m_Fixture->model->rowCount())), any(2));
+            if (m_fixture->model->rowCount() > 0) {
+                m_fixture->model->SetConnectionStatus(
+                    m_fixture->model->GetConnection(any(m_fixture->model->rowCount())), any(2));
             }
             break;
         }
@@ -164,20 +164,20 @@ void tst_DialogViews::randomWalkKeepsViewsAndModelTogether()
             return;
         }
     }
-    QVERIFY(m_Fixture->model->rowCount() > 0);
+    QVERIFY(m_fixture->model->rowCount() > 0);
 }
 
-void tst_DialogViews::selectedRowsAreTheToolkits()
+void TestDialogViews::selectedRowsAreTheToolkits()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     for (int i = 0; i < 30; ++i) {
         Connection entry = Entry(QString::number(i));
         entry.ConnectionType = i % 3;
         entry.ConnectionStatus = i % 4 == 0 ? Connection::InUse : Connection::Free;
-        m_Fixture->Add({entry});
+        m_fixture->Add({entry});
     }
-    const QAbstractItemModel* const shown = m_Fixture->Proxy();
-    QItemSelectionModel* const selection = m_Fixture->BasicView()->selectionModel();
+    const QAbstractItemModel* const shown = m_fixture->Proxy();
+    QItemSelectionModel* const selection = m_fixture->BasicView()->selectionModel();
     QRandomGenerator random(99);
     for (int round = 0; round < 300; ++round) {
         const int top = random.bounded(30);
@@ -197,24 +197,24 @@ void tst_DialogViews::selectedRowsAreTheToolkits()
     }
 }
 
-void tst_DialogViews::longAndBrokenTextsKeepRowsAlike()
+void TestDialogViews::longAndBrokenTextsKeepRowsAlike()
 {
-    m_Fixture->Build();
-    m_Fixture->dialog->resize(1200, 400);
-    m_Fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Build();
+    m_fixture->dialog->resize(1200, 400);
+    m_fixture->Action("m_pDetailsAction")->trigger();
     const QString broken = QStringLiteral("a\nb\r\nc") + QChar(QChar::LineSeparator) + QLatin1Char('d');
-    m_Fixture->Add({Entry(broken), Entry(QString(1024 * 1024, QLatin1Char('n'))), Entry(QStringLiteral("z"))});
-    m_Fixture->Show();
+    m_fixture->Add({Entry(broken), Entry(QString(1024 * 1024, QLatin1Char('n'))), Entry(QStringLiteral("z"))});
+    m_fixture->Show();
     CompareViews();
-    QCOMPARE(m_Fixture->Proxy()->index(0, 1).data().toString(), QStringLiteral("a b  c d"));
-    QVERIFY(m_Fixture->Proxy()->index(1, 1).data().toString().size() < 1000);
+    QCOMPARE(m_fixture->Proxy()->index(0, 1).data().toString(), QStringLiteral("a b  c d"));
+    QVERIFY(m_fixture->Proxy()->index(1, 1).data().toString().size() < 1000);
     // The whole text is what is edited and searched.
-    QCOMPARE(m_Fixture->Proxy()->index(0, 1).data(Qt::EditRole).toString(), broken);
-    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QString(20000, QLatin1Char('n')));
-    QCOMPARE(m_Fixture->Proxy()->rowCount(), 1);
+    QCOMPARE(m_fixture->Proxy()->index(0, 1).data(Qt::EditRole).toString(), broken);
+    m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QString(20000, QLatin1Char('n')));
+    QCOMPARE(m_fixture->Proxy()->rowCount(), 1);
 }
 
-void tst_DialogViews::editorsTakeTextsOfEveryKind_data()
+void TestDialogViews::editorsTakeTextsOfEveryKind_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("markup") << QStringLiteral("<b>&amp;]]></b>");
@@ -225,25 +225,25 @@ void tst_DialogViews::editorsTakeTextsOfEveryKind_data()
     QTest::newRow("a megabyte") << QString(1024 * 1024, QLatin1Char('m'));
 }
 
-void tst_DialogViews::editorsTakeTextsOfEveryKind()
+void TestDialogViews::editorsTakeTextsOfEveryKind()
 {
     QFETCH(QString, text);
-    m_Fixture->Build();
-    m_Fixture->dialog->resize(1200, 300);
+    m_fixture->Build();
+    m_fixture->dialog->resize(1200, 300);
     Connection entry = Entry(QStringLiteral("x"));
     entry.ConnectionType = Connection::RemoteConnection;
-    m_Fixture->Add({Entry(QStringLiteral("before")), entry, Entry(QStringLiteral("zz after"))});
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
+    m_fixture->Add({Entry(QStringLiteral("before")), entry, Entry(QStringLiteral("zz after"))});
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
 
     QHash<int, QString> kept;
     for (const int column : {ConnectionsModel::ColumnDeviceAddress, ConnectionsModel::ColumnDriverAddress,
                              ConnectionsModel::ColumnSubsystem, ConnectionsModel::ColumnName}) {
         QTreeView* const view =
-            column == ConnectionsModel::ColumnName ? m_Fixture->BasicView() : m_Fixture->DetailsView();
+            column == ConnectionsModel::ColumnName ? m_fixture->BasicView() : m_fixture->DetailsView();
         view->setFocus();
-        const int row = m_Fixture->Proxy()->mapFromSource(m_Fixture->model->index(1, column)).row();
-        m_Fixture->dialog->SlotDoubleClicked(m_Fixture->Proxy()->index(row, column));
+        const int row = m_fixture->Proxy()->mapFromSource(m_fixture->model->index(1, column)).row();
+        m_fixture->dialog->SlotDoubleClicked(m_fixture->Proxy()->index(row, column));
         auto* const editor = view->viewport()->findChild<QLineEdit*>();
         QVERIFY(editor);
         QGuiApplication::clipboard()->setText(text);
@@ -252,11 +252,11 @@ void tst_DialogViews::editorsTakeTextsOfEveryKind()
         kept.insert(column, editor->text());
         QTest::keyClick(editor, Qt::Key_Return);
         QTRY_VERIFY(!view->viewport()->findChild<QLineEdit*>());
-        QCOMPARE(m_Fixture->model->index(1, column).data(Qt::EditRole).toString(), kept.value(column));
+        QCOMPARE(m_fixture->model->index(1, column).data(Qt::EditRole).toString(), kept.value(column));
     }
 
     // Stored and read back; what XML cannot hold is left out, and the neighbours are what they were.
-    m_Fixture->model->SetConfiguration();
+    m_fixture->model->SetConfiguration();
     ConnectionsModel again(nullptr, QStringLiteral("ConnectionsModel"));
     QCOMPARE(again.rowCount(), 3);
     for (auto it = kept.cbegin(); it != kept.cend(); ++it) {
@@ -268,31 +268,31 @@ void tst_DialogViews::editorsTakeTextsOfEveryKind()
     QCOMPARE(again.GetConnection(2).ConnectionName, QStringLiteral("zz after"));
 }
 
-void tst_DialogViews::editorGrowsAboutItsCell()
+void TestDialogViews::editorGrowsAboutItsCell()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b")), Entry(QStringLiteral("c"))});
-    m_Fixture->dialog->resize(1200, 300);
-    m_Fixture->Show();
-    const QModelIndex cell = m_Fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnDeviceType);
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), cell);
-    auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QComboBox*>();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b")), Entry(QStringLiteral("c"))});
+    m_fixture->dialog->resize(1200, 300);
+    m_fixture->Show();
+    const QModelIndex cell = m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnDeviceType);
+    DialogFixture::DoubleClick(m_fixture->BasicView(), cell);
+    auto* const editor = m_fixture->BasicView()->viewport()->findChild<QComboBox*>();
     QVERIFY(editor);
-    const QRect rect = m_Fixture->BasicView()->visualRect(cell);
+    const QRect rect = m_fixture->BasicView()->visualRect(cell);
     QRect expected(QPoint(), rect.size().expandedTo(editor->sizeHint()));
     expected.moveCenter(rect.center());
     QCOMPARE(editor->geometry(), expected);
     QVERIFY(editor->width() >= editor->sizeHint().width());
 }
 
-void tst_DialogViews::deviceTypeEditorOffersTwelve()
+void TestDialogViews::deviceTypeEditorOffersTwelve()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::WrenD)});
-    m_Fixture->Show();
-    const QModelIndex cell = m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnDeviceType);
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), cell);
-    auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QComboBox*>();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"), Connection::WrenD)});
+    m_fixture->Show();
+    const QModelIndex cell = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnDeviceType);
+    DialogFixture::DoubleClick(m_fixture->BasicView(), cell);
+    auto* const editor = m_fixture->BasicView()->viewport()->findChild<QComboBox*>();
     QVERIFY(editor);
     QCOMPARE(editor->currentText(), QStringLiteral("Wren D"));
     const auto* const list = qobject_cast<QListView*>(editor->view());
@@ -303,25 +303,25 @@ void tst_DialogViews::deviceTypeEditorOffersTwelve()
     QCOMPARE(pickable, 12);
 }
 
-void tst_DialogViews::timeoutCountsAsTyped()
+void TestDialogViews::timeoutCountsAsTyped()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->dialog->resize(1200, 300);
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
-    m_Fixture->dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
-    DialogFixture::DoubleClick(m_Fixture->DetailsView(),
-                               m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnTimeout));
-    auto* const editor = m_Fixture->DetailsView()->viewport()->findChild<QSpinBox*>();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->dialog->resize(1200, 300);
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
+    m_fixture->dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
+    DialogFixture::DoubleClick(m_fixture->DetailsView(),
+                               m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnTimeout));
+    auto* const editor = m_fixture->DetailsView()->viewport()->findChild<QSpinBox*>();
     QVERIFY(editor);
     QCOMPARE(editor->text(), QStringLiteral("No Timeout"));
     editor->selectAll();
     QTest::keyClicks(editor, QStringLiteral("75"));
-    m_Fixture->ConnectButton()->setFocus();
-    QTRY_COMPARE(m_Fixture->model->GetConnection(0).TimeoutSeconds, 75);
+    m_fixture->ConnectButton()->setFocus();
+    QTRY_COMPARE(m_fixture->model->GetConnection(0).TimeoutSeconds, 75);
 }
 
-QTEST_MAIN(tst_DialogViews)
+QTEST_MAIN(TestDialogViews)
 #include "tst_dialogviews.moc"

@@ -10,13 +10,13 @@
 #include <QSplitter>
 
 /// The window itself: what it is made of, how its views hang together, and what mouse and menu do to the entries.
-class tst_DialogWindow : public QObject
+class TestDialogWindow : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init() { m_Fixture = std::make_unique<DialogFixture>(); }
-    void cleanup() { m_Fixture.reset(); }
+    void init() { m_fixture = std::make_unique<DialogFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     void metaObjectListsTheSlotsInOrder();
     void isNamedAcceptsDropsAndStartsHidden();
@@ -59,10 +59,10 @@ private slots:
     void destructionStoresTheFilterAndTouchesNothingElse();
 
 private:
-    std::unique_ptr<DialogFixture> m_Fixture;
+    std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void tst_DialogWindow::metaObjectListsTheSlotsInOrder()
+void TestDialogWindow::metaObjectListsTheSlotsInOrder()
 {
     QStringList slotNames;
     const QMetaObject& meta = VexelConnectDlgGUI::staticMetaObject;
@@ -78,76 +78,76 @@ void tst_DialogWindow::metaObjectListsTheSlotsInOrder()
                             .split(QLatin1Char(' ')));
     QCOMPARE(meta.superClass(), &QDialog::staticMetaObject);
 
-    m_Fixture->Build();
-    QCOMPARE(m_Fixture->dialog->qt_metacast("Ui::VexelConnectDlg"),
-             static_cast<void*>(static_cast<Ui::VexelConnectDlg*>(m_Fixture->dialog)));
+    m_fixture->Build();
+    QCOMPARE(m_fixture->dialog->qt_metacast("Ui::VexelConnectDlg"),
+             static_cast<void*>(static_cast<Ui::VexelConnectDlg*>(m_fixture->dialog)));
 }
 
-void tst_DialogWindow::isNamedAcceptsDropsAndStartsHidden()
+void TestDialogWindow::isNamedAcceptsDropsAndStartsHidden()
 {
-    m_Fixture->Build();
-    QCOMPARE(m_Fixture->dialog->objectName(), QStringLiteral("VexelConnectDlgGUI"));
-    QCOMPARE(m_Fixture->dialog->windowTitle(), QStringLiteral("Vexel - Connect Dialog"));
-    QVERIFY(m_Fixture->dialog->acceptDrops());
-    QVERIFY(!m_Fixture->dialog->isVisible());
-    QVERIFY(m_Fixture->dialog->isWindow());
+    m_fixture->Build();
+    QCOMPARE(m_fixture->dialog->objectName(), QStringLiteral("VexelConnectDlgGUI"));
+    QCOMPARE(m_fixture->dialog->windowTitle(), QStringLiteral("Vexel - Connect Dialog"));
+    QVERIFY(m_fixture->dialog->acceptDrops());
+    QVERIFY(!m_fixture->dialog->isVisible());
+    QVERIFY(m_fixture->dialog->isWindow());
     QVERIFY(!GuiBase::Instance().GetMainWidget());
 }
 
-void tst_DialogWindow::viewsShareModelDelegateAndSelection()
+void TestDialogWindow::viewsShareModelDelegateAndSelection()
 {
-    m_Fixture->Build();
-    QTreeView* const basic = m_Fixture->BasicView();
-    QTreeView* const details = m_Fixture->DetailsView();
-    QVERIFY(m_Fixture->Proxy());
-    QCOMPARE(m_Fixture->Proxy()->sourceModel(), m_Fixture->model);
-    QCOMPARE(m_Fixture->Proxy()->parent(), m_Fixture->dialog);
+    m_fixture->Build();
+    QTreeView* const basic = m_fixture->BasicView();
+    QTreeView* const details = m_fixture->DetailsView();
+    QVERIFY(m_fixture->Proxy());
+    QCOMPARE(m_fixture->Proxy()->sourceModel(), m_fixture->model);
+    QCOMPARE(m_fixture->Proxy()->parent(), m_fixture->dialog);
     QCOMPARE(details->model(), basic->model());
     QCOMPARE(details->itemDelegate(), basic->itemDelegate());
     QCOMPARE(basic->itemDelegate()->metaObject()->className(), "ConnectionsDelegate");
     QCOMPARE(details->selectionModel(), basic->selectionModel());
 
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
-    DialogFixture::Click(details, m_Fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnLinkSpeed));
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
+    DialogFixture::Click(details, m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnLinkSpeed));
     QCOMPARE(basic->selectionModel()->selectedRows().size(), 1);
-    QCOMPARE(basic->selectionModel()->selectedRows().first().row(), m_Fixture->ProxyRow(QStringLiteral("b")));
+    QCOMPARE(basic->selectionModel()->selectedRows().first().row(), m_fixture->ProxyRow(QStringLiteral("b")));
 }
 
-void tst_DialogWindow::everyColumnShowsInExactlyOneView()
+void TestDialogWindow::everyColumnShowsInExactlyOneView()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
-        QCOMPARE(m_Fixture->BasicView()->isColumnHidden(column), column > 3);
-        QCOMPARE(m_Fixture->DetailsView()->isColumnHidden(column), column <= 3);
+        QCOMPARE(m_fixture->BasicView()->isColumnHidden(column), column > 3);
+        QCOMPARE(m_fixture->DetailsView()->isColumnHidden(column), column <= 3);
     }
 }
 
-void tst_DialogWindow::headersResizeToContentsAndSortByName()
+void TestDialogWindow::headersResizeToContentsAndSortByName()
 {
-    m_Fixture->Build();
-    QHeaderView* const basic = m_Fixture->BasicView()->header();
+    m_fixture->Build();
+    QHeaderView* const basic = m_fixture->BasicView()->header();
     QCOMPARE(basic->sectionResizeMode(1), QHeaderView::ResizeToContents);
-    QCOMPARE(m_Fixture->DetailsView()->header()->sectionResizeMode(5), QHeaderView::ResizeToContents);
+    QCOMPARE(m_fixture->DetailsView()->header()->sectionResizeMode(5), QHeaderView::ResizeToContents);
     QCOMPARE(basic->sortIndicatorSection(), 1);
     QCOMPARE(basic->sortIndicatorOrder(), Qt::AscendingOrder);
     QCOMPARE(basic->iconSize(), QSize(14, 14));
 
-    m_Fixture->Add({Entry(QStringLiteral("c")), Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    QCOMPARE(m_Fixture->ShownNames(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    m_fixture->Add({Entry(QStringLiteral("c")), Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    QCOMPARE(m_fixture->ShownNames(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
 }
 
-void tst_DialogWindow::sortingInEitherViewSortsBoth()
+void TestDialogWindow::sortingInEitherViewSortsBoth()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     Connection fast = Entry(QStringLiteral("b"));
     fast.LinkSpeed = Connection::Gsm;
     Connection slow = Entry(QStringLiteral("a"));
     slow.LinkSpeed = Connection::RadioLink;
-    m_Fixture->Add({slow, fast});
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
+    m_fixture->Add({slow, fast});
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
 
     const auto clickHeader = [](QTreeView* view, int column) {
         QHeaderView* const header = view->header();
@@ -155,49 +155,49 @@ void tst_DialogWindow::sortingInEitherViewSortsBoth()
         const QPoint at(header->sectionViewportPosition(column) + 5, header->height() / 2);
         QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     };
-    clickHeader(m_Fixture->DetailsView(), ConnectionsModel::ColumnLinkSpeed);
-    QCOMPARE(m_Fixture->Proxy()->sortColumn(), int{ConnectionsModel::ColumnLinkSpeed});
-    const QStringList order = m_Fixture->ShownNames();
-    clickHeader(m_Fixture->DetailsView(), ConnectionsModel::ColumnLinkSpeed);
-    QCOMPARE(m_Fixture->ShownNames(), QStringList(order.crbegin(), order.crend()));
+    clickHeader(m_fixture->DetailsView(), ConnectionsModel::ColumnLinkSpeed);
+    QCOMPARE(m_fixture->Proxy()->sortColumn(), int{ConnectionsModel::ColumnLinkSpeed});
+    const QStringList order = m_fixture->ShownNames();
+    clickHeader(m_fixture->DetailsView(), ConnectionsModel::ColumnLinkSpeed);
+    QCOMPARE(m_fixture->ShownNames(), QStringList(order.crbegin(), order.crend()));
     // The basic view no longer claims to be sorted by one of its own columns.
-    QCOMPARE(m_Fixture->BasicView()->header()->sortIndicatorSection(), int{ConnectionsModel::ColumnLinkSpeed});
+    QCOMPARE(m_fixture->BasicView()->header()->sortIndicatorSection(), int{ConnectionsModel::ColumnLinkSpeed});
 
-    clickHeader(m_Fixture->BasicView(), ConnectionsModel::ColumnName);
-    QCOMPARE(m_Fixture->Proxy()->sortColumn(), int{ConnectionsModel::ColumnName});
-    QCOMPARE(m_Fixture->DetailsView()->header()->sortIndicatorSection(), int{ConnectionsModel::ColumnName});
+    clickHeader(m_fixture->BasicView(), ConnectionsModel::ColumnName);
+    QCOMPARE(m_fixture->Proxy()->sortColumn(), int{ConnectionsModel::ColumnName});
+    QCOMPARE(m_fixture->DetailsView()->header()->sortIndicatorSection(), int{ConnectionsModel::ColumnName});
 }
 
-void tst_DialogWindow::connectButtonStartsEnabledWhateverIsTicked()
+void TestDialogWindow::connectButtonStartsEnabledWhateverIsTicked()
 {
-    m_Fixture->Build();
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    m_fixture->Build();
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
 }
 
-void tst_DialogWindow::detailsAndFilterStartHidden()
+void TestDialogWindow::detailsAndFilterStartHidden()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
-    QVERIFY(!m_Fixture->DetailsView()->isVisible());
-    QVERIFY(!m_Fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
-    QVERIFY(m_Fixture->BasicView()->isVisible());
+    m_fixture->Build();
+    m_fixture->Show();
+    QVERIFY(!m_fixture->DetailsView()->isVisible());
+    QVERIFY(!m_fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
+    QVERIFY(m_fixture->BasicView()->isVisible());
 
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    QVERIFY(m_Fixture->DetailsView()->isVisible());
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    QVERIFY(!m_Fixture->DetailsView()->isVisible());
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    QVERIFY(m_fixture->DetailsView()->isVisible());
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    QVERIFY(!m_fixture->DetailsView()->isVisible());
 }
 
-void tst_DialogWindow::scrollingOneViewScrollsTheOther()
+void TestDialogWindow::scrollingOneViewScrollsTheOther()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     for (int i = 0; i < 200; ++i) {
-        m_Fixture->Add({Entry(QString::number(i))});
+        m_fixture->Add({Entry(QString::number(i))});
     }
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
-    QScrollBar* const basic = m_Fixture->BasicView()->verticalScrollBar();
-    QScrollBar* const details = m_Fixture->DetailsView()->verticalScrollBar();
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
+    QScrollBar* const basic = m_fixture->BasicView()->verticalScrollBar();
+    QScrollBar* const details = m_fixture->DetailsView()->verticalScrollBar();
     QTRY_VERIFY(basic->maximum() > 100 && details->maximum() > 100);
     basic->setValue(77);
     QCOMPARE(details->value(), 77);
@@ -205,220 +205,220 @@ void tst_DialogWindow::scrollingOneViewScrollsTheOther()
     QCOMPARE(basic->value(), 33);
 }
 
-void tst_DialogWindow::clickOnTheTickTogglesIt()
+void TestDialogWindow::clickOnTheTickTogglesIt()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
-    const QModelIndex tick = m_Fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnSelected);
-    DialogFixture::Click(m_Fixture->BasicView(), tick);
-    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
-    QVERIFY(!m_Fixture->model->GetConnection(1).Selected);
-    DialogFixture::Click(m_Fixture->BasicView(), tick);
-    QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Show();
+    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnSelected);
+    DialogFixture::Click(m_fixture->BasicView(), tick);
+    QVERIFY(m_fixture->model->GetConnection(0).Selected);
+    QVERIFY(!m_fixture->model->GetConnection(1).Selected);
+    DialogFixture::Click(m_fixture->BasicView(), tick);
+    QVERIFY(!m_fixture->model->GetConnection(0).Selected);
 }
 
-void tst_DialogWindow::clickElsewhereTogglesNothing()
+void TestDialogWindow::clickElsewhereTogglesNothing()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     for (int column = 1; column < 4; ++column) {
-        DialogFixture::Click(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), column));
-        QVERIFY(!m_Fixture->model->GetConnection(0).Selected);
+        DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), column));
+        QVERIFY(!m_fixture->model->GetConnection(0).Selected);
     }
 }
 
-void tst_DialogWindow::clickOnTheTickOfAnEntryInUseDoesNothing()
+void TestDialogWindow::clickOnTheTickOfAnEntryInUseDoesNothing()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
-    m_Fixture->Show();
-    const QModelIndex tick = m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
-    DialogFixture::Click(m_Fixture->BasicView(), tick);
-    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
+    m_fixture->Show();
+    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+    DialogFixture::Click(m_fixture->BasicView(), tick);
+    QVERIFY(m_fixture->model->GetConnection(0).Selected);
     // Also when the signal comes from elsewhere.
-    m_Fixture->dialog->SlotClicked(tick);
-    QVERIFY(m_Fixture->model->GetConnection(0).Selected);
+    m_fixture->dialog->SlotClicked(tick);
+    QVERIFY(m_fixture->model->GetConnection(0).Selected);
 }
 
-void tst_DialogWindow::tickingAFreeEntryEnablesConnect()
+void TestDialogWindow::tickingAFreeEntryEnablesConnect()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Show();
     const auto tick = [this](const QString& name) {
-        DialogFixture::Click(m_Fixture->BasicView(), m_Fixture->ProxyIndex(name, ConnectionsModel::ColumnSelected));
+        DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex(name, ConnectionsModel::ColumnSelected));
     };
     tick(QStringLiteral("a"));
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
     tick(QStringLiteral("b"));
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
     tick(QStringLiteral("a"));
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
     tick(QStringLiteral("b"));
-    QVERIFY(!m_Fixture->ConnectButton()->isEnabled());
+    QVERIFY(!m_fixture->ConnectButton()->isEnabled());
 }
 
-void tst_DialogWindow::connectFollowsTheStatus()
+void TestDialogWindow::connectFollowsTheStatus()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
-    QVERIFY(!m_Fixture->ConnectButton()->isEnabled());
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::Free);
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
+    QVERIFY(!m_fixture->ConnectButton()->isEnabled());
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::Free);
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
 }
 
-void tst_DialogWindow::changesOfOtherColumnsLeaveConnectAlone()
+void TestDialogWindow::changesOfOtherColumnsLeaveConnectAlone()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
     const auto setName = [this](const QString& name) {
-        m_Fixture->model->setData(m_Fixture->model->index(0, ConnectionsModel::ColumnName), name);
+        m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnName), name);
     };
     // Nothing is ticked, but no change has touched tick or status yet.
     setName(QStringLiteral("b"));
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
-    m_Fixture->model->setData(m_Fixture->model->index(0, ConnectionsModel::ColumnDeviceType), 1);
-    QVERIFY(m_Fixture->ConnectButton()->isEnabled());
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
+    m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnDeviceType), 1);
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
     // A range that reaches over the status column counts.
-    emit m_Fixture->model->dataChanged(m_Fixture->model->index(0, 1), m_Fixture->model->index(0, 3));
-    QVERIFY(!m_Fixture->ConnectButton()->isEnabled());
+    emit m_fixture->model->dataChanged(m_fixture->model->index(0, 1), m_fixture->model->index(0, 3));
+    QVERIFY(!m_fixture->ConnectButton()->isEnabled());
 }
 
-void tst_DialogWindow::doubleClickEditsInTheViewWithTheFocus()
+void TestDialogWindow::doubleClickEditsInTheViewWithTheFocus()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->dialog->resize(1200, 300);
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->dialog->resize(1200, 300);
+    m_fixture->Show();
 
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 1));
-    auto* editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>();
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    auto* editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     QCOMPARE(editor->text(), QStringLiteral("a"));
     editor->selectAll();
     QTest::keyClicks(editor, QStringLiteral("changed"));
     QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_COMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("changed"));
-    QVERIFY2(m_Fixture->dialog->isVisible(), "Enter in an editor must not press the default button");
+    QTRY_COMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("changed"));
+    QVERIFY2(m_fixture->dialog->isVisible(), "Enter in an editor must not press the default button");
 
-    DialogFixture::DoubleClick(m_Fixture->DetailsView(),
-                               m_Fixture->ProxyIndex(QStringLiteral("changed"), ConnectionsModel::ColumnDeviceAddress));
-    editor = m_Fixture->DetailsView()->viewport()->findChild<QLineEdit*>();
+    DialogFixture::DoubleClick(m_fixture->DetailsView(),
+                               m_fixture->ProxyIndex(QStringLiteral("changed"), ConnectionsModel::ColumnDeviceAddress));
+    editor = m_fixture->DetailsView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     QTest::keyClicks(editor, QStringLiteral("10.0.0.5"));
     QTest::keyClick(editor, Qt::Key_Escape);
-    QTRY_VERIFY(!m_Fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
-    QCOMPARE(m_Fixture->model->GetConnection(0).DeviceAddress, QString());
-    QVERIFY2(m_Fixture->dialog->isVisible(), "Escape in an editor must not close the dialog");
+    QTRY_VERIFY(!m_fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
+    QCOMPARE(m_fixture->model->GetConnection(0).DeviceAddress, QString());
+    QVERIFY2(m_fixture->dialog->isVisible(), "Escape in an editor must not close the dialog");
 }
 
-void tst_DialogWindow::editorsReportToTheirOwnViewOnly()
+void TestDialogWindow::editorsReportToTheirOwnViewOnly()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->dialog->resize(1200, 300);
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->dialog->resize(1200, 300);
+    m_fixture->Show();
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong")));
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 1));
-    auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>();
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("aa"));
     QTest::keyClick(editor, Qt::Key_Tab);
-    QTRY_COMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("aa"));
+    QTRY_COMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("aa"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(!m_Fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
-    QVERIFY(!m_Fixture->DetailsView()->viewport()->findChild<QComboBox*>());
+    QVERIFY(!m_fixture->DetailsView()->viewport()->findChild<QLineEdit*>());
+    QVERIFY(!m_fixture->DetailsView()->viewport()->findChild<QComboBox*>());
 }
 
-void tst_DialogWindow::leavingTheCellCommits()
+void TestDialogWindow::leavingTheCellCommits()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
-    m_Fixture->dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_Fixture->dialog));
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 1));
-    auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
+    m_fixture->dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("left"));
-    m_Fixture->ConnectButton()->setFocus();
-    QTRY_COMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("left"));
+    m_fixture->ConnectButton()->setFocus();
+    QTRY_COMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("left"));
 }
 
-void tst_DialogWindow::doubleClickOnTheTickOpensNoEditor()
+void TestDialogWindow::doubleClickOnTheTickOpensNoEditor()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
-    const QModelIndex tick = m_Fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), tick);
-    QVERIFY(!m_Fixture->BasicView()->isPersistentEditorOpen(tick));
-    QVERIFY(!m_Fixture->BasicView()->viewport()->findChild<QCheckBox*>());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
+    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+    DialogFixture::DoubleClick(m_fixture->BasicView(), tick);
+    QVERIFY(!m_fixture->BasicView()->isPersistentEditorOpen(tick));
+    QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QCheckBox*>());
 }
 
-void tst_DialogWindow::doubleClickOnTheStatusOpensNoEditorAndSaysNothing()
+void TestDialogWindow::doubleClickOnTheStatusOpensNoEditorAndSaysNothing()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 2));
-    QVERIFY(!m_Fixture->BasicView()->viewport()->findChild<QComboBox*>());
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 2));
+    QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QComboBox*>());
 }
 
-void tst_DialogWindow::doubleClickOnAnEntryInUseOpensNoEditor()
+void TestDialogWindow::doubleClickOnAnEntryInUseOpensNoEditor()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
-    m_Fixture->Show();
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("a"), 1));
-    QVERIFY(!m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
+    m_fixture->Show();
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
-void tst_DialogWindow::editingUnderAFilterKeepsTheEntry()
+void TestDialogWindow::editingUnderAFilterKeepsTheEntry()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south")), Entry(QStringLiteral("north 2"))});
-    m_Fixture->Show();
-    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nor"));
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south")), Entry(QStringLiteral("north 2"))});
+    m_fixture->Show();
+    m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nor"));
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong|editing failed")));
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("north"), 1));
-    auto* const editor = m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>();
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("north"), 1));
+    auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("west"));
     QTest::keyClick(editor, Qt::Key_Return);
-    QTRY_COMPARE(m_Fixture->ShownNames(), QStringList{QStringLiteral("north 2")});
-    QCOMPARE(m_Fixture->model->GetConnection(0).ConnectionName, QStringLiteral("west"));
-    QTRY_VERIFY(!m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+    QTRY_COMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("north 2")});
+    QCOMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("west"));
+    QTRY_VERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 
     // The view is ready for the next one.
-    DialogFixture::DoubleClick(m_Fixture->BasicView(), m_Fixture->ProxyIndex(QStringLiteral("north 2"), 1));
-    QVERIFY(m_Fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("north 2"), 1));
+    QVERIFY(m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
-void tst_DialogWindow::newAppendsADefaultEntry()
+void TestDialogWindow::newAppendsADefaultEntry()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Action("m_pNewAction")->trigger();
-    QCOMPARE(m_Fixture->model->rowCount(), 2);
-    QVERIFY(m_Fixture->model->GetConnection(1) == Connection());
-    QCOMPARE(m_Fixture->model->GetConnection(1).ConnectionName, QStringLiteral("enter connection name here"));
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Action("m_pNewAction")->trigger();
+    QCOMPARE(m_fixture->model->rowCount(), 2);
+    QVERIFY(m_fixture->model->GetConnection(1) == Connection());
+    QCOMPARE(m_fixture->model->GetConnection(1).ConnectionName, QStringLiteral("enter connection name here"));
 }
 
-void tst_DialogWindow::editSaysThatItIsNotThere()
+void TestDialogWindow::editSaysThatItIsNotThere()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Show();
     MessageBoxes boxes;
-    m_Fixture->Action("m_pEditAction")->trigger();
+    m_fixture->Action("m_pEditAction")->trigger();
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
     QCOMPARE(boxes.Boxes().first().text, QStringLiteral("Not yet implemented."));
@@ -427,22 +427,22 @@ void tst_DialogWindow::editSaysThatItIsNotThere()
     QVERIFY(boxes.Boxes().first().hasParent);
 }
 
-void tst_DialogWindow::deleteWithoutSelectionSaysSo()
+void TestDialogWindow::deleteWithoutSelectionSaysSo()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     MessageBoxes boxes;
-    m_Fixture->Action("m_pDeleteAction")->trigger();
+    m_fixture->Action("m_pDeleteAction")->trigger();
     QCOMPARE(boxes.Count(), 1);
     QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
     QCOMPARE(boxes.Boxes().first().text,
              QStringLiteral("No entry selected!\n\nPlease select the entries you want to delete."));
     QCOMPARE(boxes.Boxes().first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(m_Fixture->model->rowCount(), 1);
+    QCOMPARE(m_fixture->model->rowCount(), 1);
 }
 
-void tst_DialogWindow::deleteRemovesTheSelectedRows_data()
+void TestDialogWindow::deleteRemovesTheSelectedRows_data()
 {
     QTest::addColumn<bool>("inDetails");
     QTest::addColumn<int>("sortColumn");
@@ -453,56 +453,56 @@ void tst_DialogWindow::deleteRemovesTheSelectedRows_data()
     QTest::newRow("filtered") << true << int{ConnectionsModel::ColumnName} << QStringLiteral("7");
 }
 
-void tst_DialogWindow::deleteRemovesTheSelectedRows()
+void TestDialogWindow::deleteRemovesTheSelectedRows()
 {
     QFETCH(bool, inDetails);
     QFETCH(int, sortColumn);
     QFETCH(QString, pattern);
-    m_Fixture->Build();
+    m_fixture->Build();
     for (int i = 0; i < 40; ++i) {
-        m_Fixture->Add({Entry(QStringLiteral("entry %1").arg((i * 7) % 40))});
+        m_fixture->Add({Entry(QStringLiteral("entry %1").arg((i * 7) % 40))});
     }
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->dialog->resize(1200, 900);
-    m_Fixture->Show();
-    m_Fixture->BasicView()->sortByColumn(sortColumn, Qt::AscendingOrder);
-    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(pattern);
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->dialog->resize(1200, 900);
+    m_fixture->Show();
+    m_fixture->BasicView()->sortByColumn(sortColumn, Qt::AscendingOrder);
+    m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(pattern);
     const QStringList chosen{QStringLiteral("entry 7"), QStringLiteral("entry 17"), QStringLiteral("entry 27")};
 
-    QTreeView* const view = inDetails ? m_Fixture->DetailsView() : m_Fixture->BasicView();
+    QTreeView* const view = inDetails ? m_fixture->DetailsView() : m_fixture->BasicView();
     const int column = inDetails ? ConnectionsModel::ColumnLinkSpeed : ConnectionsModel::ColumnName;
     for (const QString& name : chosen) {
-        const QModelIndex cell = m_Fixture->ProxyIndex(name, column);
+        const QModelIndex cell = m_fixture->ProxyIndex(name, column);
         view->scrollTo(cell);
         QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::ControlModifier, view->visualRect(cell).center());
     }
-    QStringList expected = m_Fixture->Names();
+    QStringList expected = m_fixture->Names();
     for (const QString& name : chosen) {
         expected.removeAll(name);
     }
-    m_Fixture->Action("m_pDeleteAction")->trigger();
-    QCOMPARE(m_Fixture->Names(), expected);
+    m_fixture->Action("m_pDeleteAction")->trigger();
+    QCOMPARE(m_fixture->Names(), expected);
     QVERIFY(!view->selectionModel()->hasSelection());
 }
 
-void tst_DialogWindow::deleteAsksNothing()
+void TestDialogWindow::deleteAsksNothing()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    m_Fixture->Show();
-    m_Fixture->BasicView()->selectAll();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Show();
+    m_fixture->BasicView()->selectAll();
     MessageBoxes boxes;
-    m_Fixture->Action("m_pDeleteAction")->trigger();
+    m_fixture->Action("m_pDeleteAction")->trigger();
     QCOMPARE(boxes.Count(), 0);
-    QCOMPARE(m_Fixture->model->rowCount(), 0);
+    QCOMPARE(m_fixture->model->rowCount(), 0);
 }
 
-void tst_DialogWindow::contextMenuHoldsTheActionsInOrder()
+void TestDialogWindow::contextMenuHoldsTheActionsInOrder()
 {
-    m_Fixture->Build();
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Show();
     QMenu* menu = nullptr;
-    for (QMenu* child : m_Fixture->dialog->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
+    for (QMenu* child : m_fixture->dialog->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
         menu = child;
     }
     QVERIFY(menu);
@@ -514,51 +514,51 @@ void tst_DialogWindow::contextMenuHoldsTheActionsInOrder()
                                         "m_pImportAction m_pExportAction")
                         .split(QLatin1Char(' ')));
 
-    const QPoint at = m_Fixture->dialog->mapToGlobal(QPoint(20, 20));
+    const QPoint at = m_fixture->dialog->mapToGlobal(QPoint(20, 20));
     QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(20, 20), at);
-    QCoreApplication::sendEvent(m_Fixture->BasicView()->viewport(), &event);
+    QCoreApplication::sendEvent(m_fixture->BasicView()->viewport(), &event);
     QVERIFY(menu->isVisible());
     QCOMPARE(menu->pos(), at);
     menu->hide();
 }
 
-void tst_DialogWindow::contextMenuOffersImportAndExportOnlyWhileNothingIsInUse()
+void TestDialogWindow::contextMenuOffersImportAndExportOnlyWhileNothingIsInUse()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Show();
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Show();
     const auto openMenu = [this] {
-        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), m_Fixture->dialog->mapToGlobal(QPoint(5, 5)));
-        QCoreApplication::sendEvent(m_Fixture->dialog, &event);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), m_fixture->dialog->mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(m_fixture->dialog, &event);
         QVERIFY(QApplication::activePopupWidget());
         QApplication::activePopupWidget()->hide();
     };
     openMenu();
-    QVERIFY(m_Fixture->Action("m_pImportAction")->isEnabled());
-    QVERIFY(m_Fixture->Action("m_pExportAction")->isEnabled());
-    m_Fixture->model->SetConnectionStatus(m_Fixture->model->GetConnection(0), Connection::InUse);
+    QVERIFY(m_fixture->Action("m_pImportAction")->isEnabled());
+    QVERIFY(m_fixture->Action("m_pExportAction")->isEnabled());
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     openMenu();
-    QVERIFY(!m_Fixture->Action("m_pImportAction")->isEnabled());
-    QVERIFY(!m_Fixture->Action("m_pExportAction")->isEnabled());
-    m_Fixture->model->ResetConnectionStatus();
+    QVERIFY(!m_fixture->Action("m_pImportAction")->isEnabled());
+    QVERIFY(!m_fixture->Action("m_pExportAction")->isEnabled());
+    m_fixture->model->ResetConnectionStatus();
     openMenu();
-    QVERIFY(m_Fixture->Action("m_pImportAction")->isEnabled());
-    QVERIFY(m_Fixture->Action("m_pExportAction")->isEnabled());
+    QVERIFY(m_fixture->Action("m_pImportAction")->isEnabled());
+    QVERIFY(m_fixture->Action("m_pExportAction")->isEnabled());
 }
 
-void tst_DialogWindow::closeHidesAndKeepsEverything()
+void TestDialogWindow::closeHidesAndKeepsEverything()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
-    m_Fixture->Action("m_pDetailsAction")->trigger();
-    m_Fixture->Show();
-    m_Fixture->BasicView()->selectAll();
-    QTest::mouseClick(m_Fixture->Find<QPushButton>("m_pCloseButton"), Qt::LeftButton);
-    QVERIFY(!m_Fixture->dialog->isVisible());
-    QCOMPARE(m_Fixture->model->CountSelected(), 1);
-    QCOMPARE(m_Fixture->BasicView()->selectionModel()->selectedRows().size(), 1);
-    m_Fixture->Show();
-    QVERIFY(m_Fixture->DetailsView()->isVisible());
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Show();
+    m_fixture->BasicView()->selectAll();
+    QTest::mouseClick(m_fixture->Find<QPushButton>("m_pCloseButton"), Qt::LeftButton);
+    QVERIFY(!m_fixture->dialog->isVisible());
+    QCOMPARE(m_fixture->model->CountSelected(), 1);
+    QCOMPARE(m_fixture->BasicView()->selectionModel()->selectedRows().size(), 1);
+    m_fixture->Show();
+    QVERIFY(m_fixture->DetailsView()->isVisible());
     // Nothing was stored: neither the filter's node nor the entries.
     const std::unique_ptr<ICfg> stored(
         CfgCenter::GetAppCfg(View::Application)->OpenChild(QStringLiteral("ConnectionsModel"), 0));
@@ -568,46 +568,46 @@ void tst_DialogWindow::closeHidesAndKeepsEverything()
     QCOMPARE(filter->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0), QStringLiteral("none"));
 }
 
-void tst_DialogWindow::firstShowMakesItTheMainWidgetWithItsStoredSize()
+void TestDialogWindow::firstShowMakesItTheMainWidgetWithItsStoredSize()
 {
-    m_Fixture->Build();
-    m_Fixture->dialog->resize(640, 321);
-    GuiBase::Instance().StoreWidgetSize(m_Fixture->dialog);
-    m_Fixture->dialog->resize(500, 200);
-    m_Fixture->Show();
-    QCOMPARE(GuiBase::Instance().GetMainWidget(), m_Fixture->dialog);
-    QCOMPARE(m_Fixture->dialog->size(), QSize(640, 321));
+    m_fixture->Build();
+    m_fixture->dialog->resize(640, 321);
+    GuiBase::Instance().StoreWidgetSize(m_fixture->dialog);
+    m_fixture->dialog->resize(500, 200);
+    m_fixture->Show();
+    QCOMPARE(GuiBase::Instance().GetMainWidget(), m_fixture->dialog);
+    QCOMPARE(m_fixture->dialog->size(), QSize(640, 321));
 
-    m_Fixture->dialog->hide();
-    m_Fixture->dialog->resize(700, 400);
-    m_Fixture->Show();
-    QCOMPARE(m_Fixture->dialog->size(), QSize(700, 400));
+    m_fixture->dialog->hide();
+    m_fixture->dialog->resize(700, 400);
+    m_fixture->Show();
+    QCOMPARE(m_fixture->dialog->size(), QSize(700, 400));
 }
 
-void tst_DialogWindow::anotherMainWidgetStays()
+void TestDialogWindow::anotherMainWidgetStays()
 {
-    m_Fixture->Build();
+    m_fixture->Build();
     QWidget other;
     GuiBase::Instance().SetMainWidget(&other);
-    m_Fixture->dialog->resize(640, 321);
-    GuiBase::Instance().StoreWidgetSize(m_Fixture->dialog);
-    m_Fixture->dialog->resize(500, 200);
-    m_Fixture->Show();
+    m_fixture->dialog->resize(640, 321);
+    GuiBase::Instance().StoreWidgetSize(m_fixture->dialog);
+    m_fixture->dialog->resize(500, 200);
+    m_fixture->Show();
     QCOMPARE(GuiBase::Instance().GetMainWidget(), &other);
-    QCOMPARE(m_Fixture->dialog->size(), QSize(500, 200));
+    QCOMPARE(m_fixture->dialog->size(), QSize(500, 200));
 }
 
-void tst_DialogWindow::destructionStoresTheFilterAndTouchesNothingElse()
+void TestDialogWindow::destructionStoresTheFilterAndTouchesNothingElse()
 {
-    m_Fixture->Build();
-    m_Fixture->Add({Entry(QStringLiteral("a"))});
-    m_Fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("x"));
-    const QPointer<QAbstractItemModel> proxy = m_Fixture->Proxy();
-    QSignalSpy changed(m_Fixture->model, &QAbstractItemModel::dataChanged);
-    delete std::exchange(m_Fixture->dialog, nullptr);
+    m_fixture->Build();
+    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("x"));
+    const QPointer<QAbstractItemModel> proxy = m_fixture->Proxy();
+    QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
+    delete std::exchange(m_fixture->dialog, nullptr);
     QVERIFY(!proxy);
     QCOMPARE(changed.count(), 0);
-    QCOMPARE(m_Fixture->model->rowCount(), 1);
+    QCOMPARE(m_fixture->model->rowCount(), 1);
     const std::unique_ptr<ICfg> stored(
         CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0));
     QCOMPARE(stored->GetString(QStringLiteral("FilterPattern"), QString(), 0), QStringLiteral("x"));
@@ -615,5 +615,5 @@ void tst_DialogWindow::destructionStoresTheFilterAndTouchesNothingElse()
     QCOMPARE(stored->GetInt(QStringLiteral("SearchMode"), -7, 0), 0);
 }
 
-QTEST_MAIN(tst_DialogWindow)
+QTEST_MAIN(TestDialogWindow)
 #include "tst_dialogwindow.moc"

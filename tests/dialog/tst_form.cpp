@@ -45,27 +45,27 @@ public:
         m_pDetailsView->setModel(table);
     }
 
-    QStringList TakeCalls() { return std::exchange(m_Calls, {}); }
+    QStringList TakeCalls() { return std::exchange(m_calls, {}); }
 
 public slots:
-    void SlotNew() { m_Calls += QStringLiteral("New"); }
-    void SlotEdit() { m_Calls += QStringLiteral("Edit"); }
-    void SlotDelete() { m_Calls += QStringLiteral("Delete"); }
-    void SlotImport() { m_Calls += QStringLiteral("Import"); }
-    void SlotExport() { m_Calls += QStringLiteral("Export"); }
-    void SlotShowDetails(bool bShow) { m_Calls += QStringLiteral("ShowDetails %1").arg(int(bShow)); }
-    void SlotShowFilter(bool bShow) { m_Calls += QStringLiteral("ShowFilter %1").arg(int(bShow)); }
-    void SlotClicked(QModelIndex index) { m_Calls += QStringLiteral("Clicked %1").arg(index.row()); }
-    void SlotDoubleClicked(QModelIndex index) { m_Calls += QStringLiteral("DoubleClicked %1").arg(index.row()); }
-    void SlotClose() { m_Calls += QStringLiteral("Close"); }
-    void SlotConnect() { m_Calls += QStringLiteral("Connect"); }
-    void SlotUpdateFilter() { m_Calls += QStringLiteral("UpdateFilter"); }
+    void SlotNew() { m_calls += QStringLiteral("New"); }
+    void SlotEdit() { m_calls += QStringLiteral("Edit"); }
+    void SlotDelete() { m_calls += QStringLiteral("Delete"); }
+    void SlotImport() { m_calls += QStringLiteral("Import"); }
+    void SlotExport() { m_calls += QStringLiteral("Export"); }
+    void SlotShowDetails(bool bShow) { m_calls += QStringLiteral("ShowDetails %1").arg(int(bShow)); }
+    void SlotShowFilter(bool bShow) { m_calls += QStringLiteral("ShowFilter %1").arg(int(bShow)); }
+    void SlotClicked(QModelIndex index) { m_calls += QStringLiteral("Clicked %1").arg(index.row()); }
+    void SlotDoubleClicked(QModelIndex index) { m_calls += QStringLiteral("DoubleClicked %1").arg(index.row()); }
+    void SlotClose() { m_calls += QStringLiteral("Close"); }
+    void SlotConnect() { m_calls += QStringLiteral("Connect"); }
+    void SlotUpdateFilter() { m_calls += QStringLiteral("UpdateFilter"); }
 
 private:
-    QStringList m_Calls;
+    QStringList m_calls;
 };
 
-class FormTest : public QObject
+class TestForm : public QObject
 {
     Q_OBJECT
 
@@ -118,30 +118,30 @@ private:
     std::unique_ptr<FormDialog> m_pForm;
 };
 
-void FormTest::initTestCase()
+void TestForm::initTestCase()
 {
     Q_INIT_RESOURCE(vexelconnectdlg); // the linker leaves out what nothing in a static library refers to
 }
 
-void FormTest::init()
+void TestForm::init()
 {
     m_pForm = std::make_unique<FormDialog>();
     m_pForm->TakeCalls();
 }
 
-void FormTest::cleanup()
+void TestForm::cleanup()
 {
     m_pForm.reset();
 }
 
-void FormTest::ShowActive()
+void TestForm::ShowActive()
 {
     m_pForm->show();
     m_pForm->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_pForm.get()));
 }
 
-void FormTest::declaresTheMembersInOrder()
+void TestForm::declaresTheMembersInOrder()
 {
     const FormDialog& f = *m_pForm;
     const std::array<const void*, 27> members{
@@ -177,7 +177,7 @@ void FormTest::declaresTheMembersInOrder()
     QCOMPARE(sizeof(Ui::VexelConnectDlg), members.size() * sizeof(void*)); // and nothing else
 }
 
-void FormTest::namesItsObjects()
+void TestForm::namesItsObjects()
 {
     const FormDialog& f = *m_pForm;
 #define VERIFY_NAMED(member) QCOMPARE(f.member->objectName(), QStringLiteral(#member))
@@ -215,14 +215,14 @@ void FormTest::namesItsObjects()
     }
 }
 
-void FormTest::setsUpTheDialog()
+void TestForm::setsUpTheDialog()
 {
     QCOMPARE(m_pForm->objectName(), QStringLiteral("VexelConnectDlg"));
     QCOMPARE(m_pForm->size(), QSize(418, 166));
     QVERIFY(m_pForm->isSizeGripEnabled());
 }
 
-void FormTest::laysOutTheDialog()
+void TestForm::laysOutTheDialog()
 {
     QVBoxLayout* const layout = m_pForm->verticalLayout;
     QCOMPARE(m_pForm->layout(), layout);
@@ -244,7 +244,7 @@ void FormTest::laysOutTheDialog()
     QCOMPARE(splitter->widget(1), m_pForm->m_pDetailsView);
 }
 
-void FormTest::laysOutTheLowerPart()
+void TestForm::laysOutTheLowerPart()
 {
     const QGridLayout* const layout = m_pForm->gridLayout_2;
     QCOMPARE(layout->verticalSpacing(), 1);
@@ -278,7 +278,7 @@ void FormTest::laysOutTheLowerPart()
     QCOMPARE(middle->sizePolicy().verticalPolicy(), QSizePolicy::Minimum);
 }
 
-void FormTest::laysOutTheFilterFrame()
+void TestForm::laysOutTheFilterFrame()
 {
     QCOMPARE(m_pForm->m_pFilterFrame->frameShape(), QFrame::Panel);
     QCOMPARE(m_pForm->m_pFilterFrame->frameShadow(), QFrame::Sunken);
@@ -310,7 +310,7 @@ void FormTest::laysOutTheFilterFrame()
     QCOMPARE(m_pForm->m_pRegExpLabel->buddy(), m_pForm->m_pRegExpComboBox);
 }
 
-void FormTest::keepsBothViewsOpen()
+void TestForm::keepsBothViewsOpen()
 {
     ShowActive();
     m_pForm->m_pSplitter->setSizes({0, 1000});
@@ -319,7 +319,7 @@ void FormTest::keepsBothViewsOpen()
     QVERIFY(m_pForm->m_pSplitter->sizes().at(1) > 0);
 }
 
-void FormTest::setsUpTheViews()
+void TestForm::setsUpTheViews()
 {
     for (const QTreeView* const view : {m_pForm->m_pBasicView, m_pForm->m_pDetailsView}) {
         QCOMPARE(view->editTriggers(), QAbstractItemView::NoEditTriggers);
@@ -338,7 +338,7 @@ void FormTest::setsUpTheViews()
     QCOMPARE(m_pForm->m_pBasicView->selectionBehavior(), QAbstractItemView::SelectRows);
 }
 
-void FormTest::leavesWhatTheDetailsViewInherits()
+void TestForm::leavesWhatTheDetailsViewInherits()
 {
     const QTreeView untouched;
     const QTreeView* const view = m_pForm->m_pDetailsView;
@@ -349,7 +349,7 @@ void FormTest::leavesWhatTheDetailsViewInherits()
     QCOMPARE(view->alternatingRowColors(), untouched.alternatingRowColors());
 }
 
-void FormTest::showsFilterFrameAndDetailsAtFirst()
+void TestForm::showsFilterFrameAndDetailsAtFirst()
 {
     ShowActive();
     QVERIFY(m_pForm->m_pFilterFrame->isVisible());
@@ -358,7 +358,7 @@ void FormTest::showsFilterFrameAndDetailsAtFirst()
     QVERIFY(m_pForm->m_pConnectButton->isEnabled());
 }
 
-void FormTest::connectsButtonsAndActions()
+void TestForm::connectsButtonsAndActions()
 {
     FormDialog& f = *m_pForm;
     const auto calls = [](const char* text) {
@@ -389,7 +389,7 @@ void FormTest::connectsButtonsAndActions()
     QCOMPARE(f.TakeCalls(), calls("ShowFilter 0"));
 }
 
-void FormTest::connectsTheFilterWidgets()
+void TestForm::connectsTheFilterWidgets()
 {
     FormDialog& f = *m_pForm;
     const QStringList once{QStringLiteral("UpdateFilter")};
@@ -408,7 +408,7 @@ void FormTest::connectsTheFilterWidgets()
     QCOMPARE(f.TakeCalls(), once);
 }
 
-void FormTest::connectsTheViews()
+void TestForm::connectsTheViews()
 {
     ShowActive();
     m_pForm->resize(600, 400);
@@ -421,7 +421,7 @@ void FormTest::connectsTheViews()
     }
 }
 
-void FormTest::focusesByMnemonic_data()
+void TestForm::focusesByMnemonic_data()
 {
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<QString>("focused");
@@ -430,7 +430,7 @@ void FormTest::focusesByMnemonic_data()
     QTest::newRow("Alt+M") << Qt::Key_M << QStringLiteral("m_pRegExpComboBox");
 }
 
-void FormTest::focusesByMnemonic()
+void TestForm::focusesByMnemonic()
 {
     QFETCH(Qt::Key, key);
     QFETCH(QString, focused);
@@ -442,7 +442,7 @@ void FormTest::focusesByMnemonic()
     QCOMPARE(m_pForm->TakeCalls(), QStringList());
 }
 
-void FormTest::focusesNothingHidden()
+void TestForm::focusesNothingHidden()
 {
     m_pForm->m_pFilterFrame->hide();
     ShowActive();
@@ -453,7 +453,7 @@ void FormTest::focusesNothingHidden()
     }
 }
 
-void FormTest::connectsByMnemonicAndEnter()
+void TestForm::connectsByMnemonicAndEnter()
 {
     ShowActive();
     const QStringList once{QStringLiteral("Connect")};
@@ -476,7 +476,7 @@ void FormTest::connectsByMnemonicAndEnter()
     QCOMPARE(m_pForm->TakeCalls(), once);
 }
 
-void FormTest::hasNoOtherShortcuts()
+void TestForm::hasNoOtherShortcuts()
 {
     for (const QAction* const action : m_pForm->findChildren<QAction*>(QRegularExpression(QStringLiteral("^m_p")))) {
         QVERIFY(action->shortcuts().isEmpty());
@@ -485,7 +485,7 @@ void FormTest::hasNoOtherShortcuts()
     QCOMPARE(m_pForm->m_pConnectButton->shortcut(), QKeySequence(Qt::ALT | Qt::Key_C));
 }
 
-void FormTest::tabsFromTopToBottom()
+void TestForm::tabsFromTopToBottom()
 {
     const QList<QWidget*> expected{m_pForm->m_pBasicView,
                                    m_pForm->m_pDetailsView,
@@ -505,7 +505,7 @@ void FormTest::tabsFromTopToBottom()
     QCOMPARE(stops, expected);
 }
 
-void FormTest::showsTheTexts_data()
+void TestForm::showsTheTexts_data()
 {
     const QString column = QStringLiteral(
         "The column selection defines in which column the filter searches for the given filter pattern.");
@@ -533,7 +533,7 @@ void FormTest::showsTheTexts_data()
     QTest::newRow("m_pCloseButton") << close << QStringLiteral("Close");
 }
 
-void FormTest::showsTheTexts()
+void TestForm::showsTheTexts()
 {
     QFETCH(QString, help);
     QFETCH(QString, text);
@@ -550,7 +550,7 @@ void FormTest::showsTheTexts()
     QCOMPARE(widget->property("text").toString(), Translated(text));
 }
 
-void FormTest::showsTheDialogsTexts()
+void TestForm::showsTheDialogsTexts()
 {
     const QString title = QStringLiteral("Vexel - Connect Dialog");
     const QString help = QStringLiteral("Use the \"?\" button at the upper right corner to get more information.\n\n"
@@ -565,7 +565,7 @@ void FormTest::showsTheDialogsTexts()
     QCOMPARE(m_pForm->toolTip(), Translated(help));
 }
 
-void FormTest::showsTheActionsTexts_data()
+void TestForm::showsTheActionsTexts_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("toolTip");
@@ -582,7 +582,7 @@ void FormTest::showsTheActionsTexts_data()
     QTest::newRow("m_pFilterAction") << QStringLiteral("Filter") << QStringLiteral("Switch display of filter on/off.");
 }
 
-void FormTest::showsTheActionsTexts()
+void TestForm::showsTheActionsTexts()
 {
     QFETCH(QString, text);
     QFETCH(QString, toolTip);
@@ -597,7 +597,7 @@ void FormTest::showsTheActionsTexts()
     QCOMPARE(action->toolTip(), Translated(toolTip));
 }
 
-void FormTest::explainsTheActiveFilter()
+void TestForm::explainsTheActiveFilter()
 {
     const QLabel* const label = m_pForm->m_pFilterActiveLabel;
     QCOMPARE(label->toolTip(), QStringLiteral("filter is active"));
@@ -650,7 +650,7 @@ void FormTest::explainsTheActiveFilter()
     QCOMPARE(label->text(), QString());
 }
 
-void FormTest::listsTheSearchModes()
+void TestForm::listsTheSearchModes()
 {
     const QComboBox* const modes = m_pForm->m_pRegExpComboBox;
     QCOMPARE(modes->count(), 3);
@@ -661,7 +661,7 @@ void FormTest::listsTheSearchModes()
     QVERIFY(!modes->isEditable());
 }
 
-void FormTest::keepsTheStateInAnotherLanguage()
+void TestForm::keepsTheStateInAnotherLanguage()
 {
     FormDialog& f = *m_pForm;
     f.m_pFilterColumnComboBox->addItems({QStringLiteral("a"), QStringLiteral("b")});
@@ -686,7 +686,7 @@ void FormTest::keepsTheStateInAnotherLanguage()
     QCOMPARE(f.TakeCalls(), QStringList()); // the filter is as it was
 }
 
-void FormTest::showsTheIcons_data()
+void TestForm::showsTheIcons_data()
 {
     QTest::addColumn<QString>("file");
     QTest::newRow("m_pImportAction") << QStringLiteral(":/import.png");
@@ -700,7 +700,7 @@ void FormTest::showsTheIcons_data()
     QTest::newRow("m_pCloseButton") << QStringLiteral(":/exit.png");
 }
 
-void FormTest::showsTheIcons()
+void TestForm::showsTheIcons()
 {
     QFETCH(QString, file);
     const auto* const object = m_pForm->findChild<QObject*>(QString::fromLatin1(QTest::currentDataTag()));
@@ -711,13 +711,13 @@ void FormTest::showsTheIcons()
     QCOMPARE(icon.pixmap(QSize(16, 16), 1.0).toImage(), Pixels(file));
 }
 
-void FormTest::showsTheFilterPixmaps()
+void TestForm::showsTheFilterPixmaps()
 {
     QCOMPARE(m_pForm->m_pFilterLabel->pixmap().toImage(), Pixels(QStringLiteral(":/filter.png")));
     QCOMPARE(m_pForm->m_pFilterActiveLabel->pixmap().toImage(), Pixels(QStringLiteral(":/filter.png")));
 }
 
-void FormTest::bringsEveryIconInThreeSizes_data()
+void TestForm::bringsEveryIconInThreeSizes_data()
 {
     QTest::addColumn<QString>("pattern");
     for (const char* const name :
@@ -727,7 +727,7 @@ void FormTest::bringsEveryIconInThreeSizes_data()
     QTest::newRow("connect_to") << QStringLiteral(":/connect_to%1.xpm");
 }
 
-void FormTest::bringsEveryIconInThreeSizes()
+void TestForm::bringsEveryIconInThreeSizes()
 {
     QFETCH(QString, pattern);
     const std::array suffixes{QString(), QStringLiteral("@2x"), QStringLiteral("@3x")};
@@ -744,7 +744,7 @@ void FormTest::bringsEveryIconInThreeSizes()
     }
 }
 
-void FormTest::checksInGreenAndWhenDisabledInGrey()
+void TestForm::checksInGreenAndWhenDisabledInGrey()
 {
     const QIcon icon(QStringLiteral(":/ok.png"));
     const auto strongestColour = [&icon](QIcon::Mode mode, auto&& strengthOf) {
@@ -769,5 +769,5 @@ void FormTest::checksInGreenAndWhenDisabledInGrey()
     QVERIFY(strongestColour(QIcon::Disabled, colourfulness) < 16);
 }
 
-QTEST_MAIN(FormTest)
+QTEST_MAIN(TestForm)
 #include "tst_form.moc"

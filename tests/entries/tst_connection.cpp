@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int s_lowest = std::numeric_limits<int>::min();
-constexpr int s_highest = std::numeric_limits<int>::max();
+constexpr int kLowest = std::numeric_limits<int>::min();
+constexpr int kHighest = std::numeric_limits<int>::max();
 
 using NameOf = QString (*)(int);
 
@@ -118,13 +118,13 @@ void TestConnection::defaultNameIsTranslatedForEachEntry()
 void TestConnection::anyValueIsKept()
 {
     Connection entry;
-    entry.DeviceType = s_lowest;
-    entry.ConnectionType = s_highest;
+    entry.DeviceType = kLowest;
+    entry.ConnectionType = kHighest;
     entry.LinkSpeed = -1;
     entry.ConnectionStatus = 77;
     const Connection copy(entry);
-    QCOMPARE(copy.DeviceType, s_lowest);
-    QCOMPARE(copy.ConnectionType, s_highest);
+    QCOMPARE(copy.DeviceType, kLowest);
+    QCOMPARE(copy.ConnectionType, kHighest);
     QCOMPARE(copy.LinkSpeed, -1);
     QCOMPARE(copy.ConnectionStatus, 77);
 }
@@ -330,8 +330,8 @@ void TestConnection::valuesOutsideShowTheFallbackText_data()
     for (const auto& [what, nameOf] : operations) {
         QTest::addRow("%s -1", what) << nameOf << -1 << QStringLiteral("-1");
         QTest::addRow("%s 1234567", what) << nameOf << 1234567 << QStringLiteral("1234567");
-        QTest::addRow("%s lowest", what) << nameOf << s_lowest << QStringLiteral("-2147483648");
-        QTest::addRow("%s highest", what) << nameOf << s_highest << QStringLiteral("2147483647");
+        QTest::addRow("%s lowest", what) << nameOf << kLowest << QStringLiteral("-2147483648");
+        QTest::addRow("%s highest", what) << nameOf << kHighest << QStringLiteral("2147483647");
     }
 }
 
@@ -376,7 +376,7 @@ void TestConnection::applicationDeviceType_data()
     QTest::addColumn<int>("servedBy");
     for (const int type : {0, 3, 4, 5, 6, 7, 8})
         QTest::addRow("%d", type) << type << 4;
-    for (const int type : {1, 2, 9, 10, 11, 12, 13, 14, 15, 16, 400, -1, -3, s_lowest, s_highest})
+    for (const int type : {1, 2, 9, 10, 11, 12, 13, 14, 15, 16, 400, -1, -3, kLowest, kHighest})
         QTest::addRow("%d", type) << type << type;
 }
 

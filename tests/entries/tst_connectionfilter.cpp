@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr int s_plain = 0;
-constexpr int s_wildcard = 1;
-constexpr int s_regExp = 2;
+constexpr int kPlain = 0;
+constexpr int kWildcard = 1;
+constexpr int kRegExp = 2;
 
 std::unique_ptr<ICfg> SettingsNode(View view = View::User)
 {
@@ -145,7 +145,7 @@ void TestConnectionFilter::plainText()
     QFETCH(QString, pattern);
     QFETCH(QString, text);
     QFETCH(bool, matches);
-    QCOMPARE(LetsThrough(text, pattern, s_plain), matches);
+    QCOMPARE(LetsThrough(text, pattern, kPlain), matches);
 }
 
 void TestConnectionFilter::wildcard_data()
@@ -223,7 +223,7 @@ void TestConnectionFilter::wildcard()
     QFETCH(QString, pattern);
     QFETCH(QString, text);
     QFETCH(bool, matches);
-    QCOMPARE(LetsThrough(text, pattern, s_wildcard), matches);
+    QCOMPARE(LetsThrough(text, pattern, kWildcard), matches);
 }
 
 void TestConnectionFilter::regularExpression_data()
@@ -256,7 +256,7 @@ void TestConnectionFilter::regularExpression()
     QFETCH(QString, pattern);
     QFETCH(QString, text);
     QFETCH(bool, matches);
-    QCOMPARE(LetsThrough(text, pattern, s_regExp), matches);
+    QCOMPARE(LetsThrough(text, pattern, kRegExp), matches);
 }
 
 void TestConnectionFilter::invalidExpressionsMatchNothing_data()
@@ -265,9 +265,9 @@ void TestConnectionFilter::invalidExpressionsMatchNothing_data()
     QTest::addColumn<int>("mode");
     for (const char* const pattern :
          {"(", ")", "[", "[a", "*", "+", "?", "a{2,1}", "\\", "(?<n>", "[z-a]", "(?P", "\\1"})
-        QTest::addRow("expression %s", pattern) << QString::fromLatin1(pattern) << s_regExp;
+        QTest::addRow("expression %s", pattern) << QString::fromLatin1(pattern) << kRegExp;
     for (const char* const pattern : {"[", "a[", "[a", "[]", "[^", "[^]", "[z-a]"})
-        QTest::addRow("wildcard %s", pattern) << QString::fromLatin1(pattern) << s_wildcard;
+        QTest::addRow("wildcard %s", pattern) << QString::fromLatin1(pattern) << kWildcard;
 }
 
 void TestConnectionFilter::invalidExpressionsMatchNothing()
@@ -279,15 +279,15 @@ void TestConnectionFilter::invalidExpressionsMatchNothing()
     QVERIFY(!LetsThrough(pattern, pattern, mode));
     QVERIFY(!LetsThrough(QStringLiteral(""), pattern, mode));
     // As plain text each of them is a text like any other.
-    QVERIFY(LetsThrough(pattern, pattern, s_plain));
+    QVERIFY(LetsThrough(pattern, pattern, kPlain));
 }
 
 void TestConnectionFilter::anEmptyPatternLetsEveryRowThrough_data()
 {
     QTest::addColumn<int>("mode");
-    QTest::newRow("plain text") << s_plain;
-    QTest::newRow("wildcard") << s_wildcard;
-    QTest::newRow("regular expression") << s_regExp;
+    QTest::newRow("plain text") << kPlain;
+    QTest::newRow("wildcard") << kWildcard;
+    QTest::newRow("regular expression") << kRegExp;
 }
 
 void TestConnectionFilter::anEmptyPatternLetsEveryRowThrough()
@@ -304,9 +304,9 @@ void TestConnectionFilter::anEmptyPatternLetsEveryRowThrough()
 void TestConnectionFilter::halfAPairHidesNoText_data()
 {
     QTest::addColumn<int>("mode");
-    QTest::newRow("plain text") << s_plain;
-    QTest::newRow("wildcard") << s_wildcard;
-    QTest::newRow("regular expression") << s_regExp;
+    QTest::newRow("plain text") << kPlain;
+    QTest::newRow("wildcard") << kWildcard;
+    QTest::newRow("regular expression") << kRegExp;
 }
 
 void TestConnectionFilter::halfAPairHidesNoText()
@@ -326,8 +326,8 @@ void TestConnectionFilter::halfAPairHidesNoText()
 void TestConnectionFilter::aNullCharacterIsOneLikeAnyOther_data()
 {
     QTest::addColumn<int>("mode");
-    QTest::newRow("plain text") << s_plain;
-    QTest::newRow("wildcard") << s_wildcard;
+    QTest::newRow("plain text") << kPlain;
+    QTest::newRow("wildcard") << kWildcard;
 }
 
 void TestConnectionFilter::aNullCharacterIsOneLikeAnyOther()
@@ -344,13 +344,13 @@ void TestConnectionFilter::aLongTextIsSearchedToItsEnd_data()
 {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<int>("mode");
-    QTest::newRow("plain text") << QStringLiteral("ab") << s_plain;
-    QTest::newRow("plain text, one character") << QStringLiteral("b") << s_plain;
-    QTest::newRow("wildcard") << QStringLiteral("ab") << s_wildcard;
-    QTest::newRow("wildcard, any run") << QStringLiteral("aa*b") << s_wildcard;
-    QTest::newRow("wildcard, set") << QStringLiteral("a[bc]") << s_wildcard;
-    QTest::newRow("regular expression") << QStringLiteral("ab$") << s_regExp;
-    QTest::newRow("regular expression, alternatives") << QStringLiteral("ab|ac") << s_regExp;
+    QTest::newRow("plain text") << QStringLiteral("ab") << kPlain;
+    QTest::newRow("plain text, one character") << QStringLiteral("b") << kPlain;
+    QTest::newRow("wildcard") << QStringLiteral("ab") << kWildcard;
+    QTest::newRow("wildcard, any run") << QStringLiteral("aa*b") << kWildcard;
+    QTest::newRow("wildcard, set") << QStringLiteral("a[bc]") << kWildcard;
+    QTest::newRow("regular expression") << QStringLiteral("ab$") << kRegExp;
+    QTest::newRow("regular expression, alternatives") << QStringLiteral("ab|ac") << kRegExp;
 }
 
 void TestConnectionFilter::aLongTextIsSearchedToItsEnd()
@@ -381,11 +381,11 @@ void TestConnectionFilter::anExpressionWithoutEndIsGivenUp()
 {
     for (const int length : {40, 900, 5000, 100'000}) {
         const QString name(length, u'a');
-        QVERIFY(!LetsThrough(name, QStringLiteral("^(a+)+b$"), s_regExp));
-        QVERIFY(!LetsThrough(name, QStringLiteral("^(a|aa)+b$"), s_regExp));
-        QVERIFY(!LetsThrough(name, QStringLiteral("*a*a*a*a*a*a*a*a*a*b"), s_wildcard));
-        QVERIFY(LetsThrough(name, QStringLiteral("^(a+)+$"), s_regExp));
-        QVERIFY(LetsThrough(name, QStringLiteral("*a*a*a*a*a*a*a*a*a"), s_wildcard));
+        QVERIFY(!LetsThrough(name, QStringLiteral("^(a+)+b$"), kRegExp));
+        QVERIFY(!LetsThrough(name, QStringLiteral("^(a|aa)+b$"), kRegExp));
+        QVERIFY(!LetsThrough(name, QStringLiteral("*a*a*a*a*a*a*a*a*a*b"), kWildcard));
+        QVERIFY(LetsThrough(name, QStringLiteral("^(a+)+$"), kRegExp));
+        QVERIFY(LetsThrough(name, QStringLiteral("*a*a*a*a*a*a*a*a*a"), kWildcard));
     }
 }
 
@@ -396,7 +396,7 @@ void TestConnectionFilter::noColumnChosenMeansAnyAndOneOutsideNone()
         model.AddConnection(SampleEntry(number));
     ConnectionFilterModel filter;
     filter.setSourceModel(&model);
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("10.0.1.2"), s_plain));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("10.0.1.2"), kPlain));
     filter.setFilterKeyColumn(-1);
     QCOMPARE(Shown(filter), QStringList{QStringLiteral("entry 2")});
     filter.setFilterKeyColumn(ConnectionsModel::ColumnCount);
@@ -423,12 +423,12 @@ void TestConnectionFilter::showsOneLineButFiltersAndEditsTheWhole()
     QCOMPARE(cell(2).data(Qt::EditRole).toString(), tooLong);
     QCOMPARE(filter.index(0, ConnectionsModel::ColumnTimeout).data(), QVariant(QStringLiteral("No Timeout")));
 
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("xz"), s_plain));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("xz"), kPlain));
     QCOMPARE(filter.rowCount(), 1);
     QCOMPARE(cell(0).data(Qt::EditRole).toString(), tooLong);
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("b\rc"), s_plain));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("b\rc"), kPlain));
     QCOMPARE(filter.rowCount(), 1);
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("b c"), s_plain));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("b c"), kPlain));
     QCOMPARE(filter.rowCount(), 0);
 }
 
@@ -440,7 +440,7 @@ void TestConnectionFilter::filtersTheKeyColumnOnly()
     ConnectionFilterModel filter;
     const QAbstractItemModelTester tester(&filter, QAbstractItemModelTester::FailureReportingMode::QtTest);
     filter.setSourceModel(&model);
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("10.0.1.2"), s_plain));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("10.0.1.2"), kPlain));
     filter.setFilterKeyColumn(ConnectionsModel::ColumnName);
     QCOMPARE(filter.rowCount(), 0);
     filter.setFilterKeyColumn(ConnectionsModel::ColumnDriverAddress);
@@ -461,7 +461,7 @@ void TestConnectionFilter::filtersWhatIsDisplayed()
     filter.setSourceModel(&model);
     const auto shown = [&filter](int column, const QString& pattern) {
         filter.setFilterKeyColumn(column);
-        filter.setFilterRegularExpression(FilterExpression(pattern, s_plain));
+        filter.setFilterRegularExpression(FilterExpression(pattern, kPlain));
         return Shown(filter);
     };
     const QStringList a{QStringLiteral("a")};
@@ -480,15 +480,15 @@ void TestConnectionFilter::follows()
     const QAbstractItemModelTester tester(&filter, QAbstractItemModelTester::FailureReportingMode::QtTest);
     filter.setSourceModel(&model);
     filter.setFilterKeyColumn(ConnectionsModel::ColumnName);
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("mast *"), s_wildcard));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("mast *"), kWildcard));
     model.AddConnection(NamedEntry(QStringLiteral("Mast 1")));
     model.AddConnection(NamedEntry(QStringLiteral("Post 1")));
     QCOMPARE(Shown(filter), QStringList{QStringLiteral("Mast 1")});
     model.setData(model.index(1, ConnectionsModel::ColumnName), QStringLiteral("Mast 2"));
     QCOMPARE(Shown(filter), (QStringList{QStringLiteral("Mast 1"), QStringLiteral("Mast 2")}));
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("["), s_wildcard));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("["), kWildcard));
     QCOMPARE(filter.rowCount(), 0);
-    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("[2]"), s_wildcard));
+    filter.setFilterRegularExpression(FilterExpression(QStringLiteral("[2]"), kWildcard));
     QCOMPARE(Shown(filter), QStringList{QStringLiteral("Mast 2")});
 }
 

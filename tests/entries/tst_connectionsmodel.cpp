@@ -13,28 +13,28 @@
 
 namespace {
 
-constexpr int s_columns = 10;
+constexpr int kColumns = 10;
 
 /// Every role that Qt names in its models, and one of an application's own.
-const QList<int> s_roles{Qt::DisplayRole,    Qt::DecorationRole,       Qt::EditRole,
-                         Qt::ToolTipRole,    Qt::StatusTipRole,        Qt::WhatsThisRole,
-                         Qt::FontRole,       Qt::TextAlignmentRole,    Qt::BackgroundRole,
-                         Qt::ForegroundRole, Qt::CheckStateRole,       Qt::AccessibleTextRole,
-                         Qt::SizeHintRole,   Qt::InitialSortOrderRole, Qt::AccessibleDescriptionRole,
-                         Qt::UserRole};
+const QList<int> kRoles{Qt::DisplayRole,    Qt::DecorationRole,       Qt::EditRole,
+                        Qt::ToolTipRole,    Qt::StatusTipRole,        Qt::WhatsThisRole,
+                        Qt::FontRole,       Qt::TextAlignmentRole,    Qt::BackgroundRole,
+                        Qt::ForegroundRole, Qt::CheckStateRole,       Qt::AccessibleTextRole,
+                        Qt::SizeHintRole,   Qt::InitialSortOrderRole, Qt::AccessibleDescriptionRole,
+                        Qt::UserRole};
 
-const QStringList s_headers{QStringLiteral(""),
-                            QStringLiteral("Name"),
-                            QStringLiteral("Status"),
-                            QStringLiteral("Device Type"),
-                            QStringLiteral("Connection Type"),
-                            QStringLiteral("Device Address"),
-                            QStringLiteral("Driver Address"),
-                            QStringLiteral("Link Speed"),
-                            QStringLiteral("Timeout Time"),
-                            QStringLiteral("Subsystem")};
+const QStringList kHeaders{QStringLiteral(""),
+                           QStringLiteral("Name"),
+                           QStringLiteral("Status"),
+                           QStringLiteral("Device Type"),
+                           QStringLiteral("Connection Type"),
+                           QStringLiteral("Device Address"),
+                           QStringLiteral("Driver Address"),
+                           QStringLiteral("Link Speed"),
+                           QStringLiteral("Timeout Time"),
+                           QStringLiteral("Subsystem")};
 
-const QStringList s_help{
+const QStringList kHelp{
     QStringLiteral(
         "Select the connections you want to establish via clicking onto the square.\n\nSelected entries show a green "
         "check indicator.\n\nConnections that have yet been established show a gray check indicator."),
@@ -133,14 +133,14 @@ void TestConnectionsModel::dimensions()
     const QAbstractItemModelTester tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
     QCOMPARE(model->parent(), &parent);
     QCOMPARE(model->rowCount(), 0);
-    QCOMPARE(model->columnCount(), s_columns);
+    QCOMPARE(model->columnCount(), kColumns);
     model->AddConnection(Connection());
     model->AddConnection(Connection());
     QCOMPARE(model->rowCount(), 2);
     QCOMPARE(model->rowCount(model->index(0, 0)), 0);
     QCOMPARE(model->rowCount(model->index(1, 9)), 0);
-    QCOMPARE(model->columnCount(model->index(0, 0)), s_columns);
-    QCOMPARE(model->columnCount(model->index(1, 9)), s_columns);
+    QCOMPARE(model->columnCount(model->index(0, 0)), kColumns);
+    QCOMPARE(model->columnCount(model->index(1, 9)), kColumns);
 }
 
 void TestConnectionsModel::baseBehaviourIsKept()
@@ -213,7 +213,7 @@ void TestConnectionsModel::editDataKeepsItsType()
     model.AddConnection(Connection());
     const QList<int> types{QMetaType::Bool,    QMetaType::QString, QMetaType::Int, QMetaType::Int, QMetaType::Int,
                            QMetaType::QString, QMetaType::QString, QMetaType::Int, QMetaType::Int, QMetaType::QString};
-    for (int column = 0; column < s_columns; ++column)
+    for (int column = 0; column < kColumns; ++column)
         QCOMPARE(model.data(model.index(0, column), Qt::EditRole).typeId(), types.at(column));
 }
 
@@ -297,7 +297,7 @@ void TestConnectionsModel::tickDecoration()
     QVERIFY(!ResourceImage(":/ok.png").isNull());
     QCOMPARE(ImageOf(selected), ResourceImage(":/ok.png"));
 
-    for (int column = 1; column < s_columns; ++column) {
+    for (int column = 1; column < kColumns; ++column) {
         QVERIFY(!model.index(0, column).data(Qt::DecorationRole).isValid());
         QVERIFY(!model.index(1, column).data(Qt::DecorationRole).isValid());
     }
@@ -308,8 +308,8 @@ void TestConnectionsModel::otherRolesAndColumnsShowNothing()
     const QList<int> used{Qt::DisplayRole, Qt::EditRole, Qt::ToolTipRole, Qt::StatusTipRole};
     ConnectionsModel model(nullptr, QString());
     model.AddConnection(SampleEntry(1));
-    for (int column = 0; column < s_columns; ++column) {
-        for (const int role : s_roles) {
+    for (int column = 0; column < kColumns; ++column) {
+        for (const int role : kRoles) {
             const bool shown = used.contains(role) || (role == Qt::DecorationRole && column == 0);
             QVERIFY2(model.index(0, column).data(role).isValid() == shown,
                      qPrintable(QStringLiteral("column %1 role %2").arg(column).arg(role)));
@@ -323,7 +323,7 @@ void TestConnectionsModel::badIndexesShowNothing()
     model.AddConnection(SampleEntry(1));
     ConnectionsModel other(nullptr, QString());
     other.AddConnection(SampleEntry(2));
-    const QStandardItemModel foreign(1, s_columns);
+    const QStandardItemModel foreign(1, kColumns);
     const QList<QModelIndex> bad{QModelIndex(),
                                  model.createIndex(1, 0),
                                  model.createIndex(5, 3),
@@ -332,7 +332,7 @@ void TestConnectionsModel::badIndexesShowNothing()
                                  other.index(0, 1),
                                  foreign.index(0, 1)};
     for (const QModelIndex& index : bad) {
-        for (const int role : s_roles)
+        for (const int role : kRoles)
             QVERIFY(!model.data(index, role).isValid());
     }
 }
@@ -340,8 +340,8 @@ void TestConnectionsModel::badIndexesShowNothing()
 void TestConnectionsModel::headerTexts()
 {
     const ConnectionsModel model(nullptr, QString());
-    for (int section = 0; section < s_columns; ++section)
-        QCOMPARE(model.headerData(section, Qt::Horizontal), QVariant(s_headers.at(section)));
+    for (int section = 0; section < kColumns; ++section)
+        QCOMPARE(model.headerData(section, Qt::Horizontal), QVariant(kHeaders.at(section)));
     for (const int section : {-1, 10, 11, 1000})
         QVERIFY(!model.headerData(section, Qt::Horizontal).isValid());
 }
@@ -366,8 +366,8 @@ void TestConnectionsModel::headerHelp()
 {
     const ConnectionsModel model(nullptr, QString());
     for (const int role : {Qt::ToolTipRole, Qt::StatusTipRole}) {
-        for (int section = 0; section < s_columns; ++section) {
-            QCOMPARE(model.headerData(section, Qt::Horizontal, role), QVariant(s_help.at(section)));
+        for (int section = 0; section < kColumns; ++section) {
+            QCOMPARE(model.headerData(section, Qt::Horizontal, role), QVariant(kHelp.at(section)));
             QVERIFY(!model.headerData(section, Qt::Vertical, role).isValid());
         }
         QVERIFY(!model.headerData(-1, Qt::Horizontal, role).isValid());
@@ -389,8 +389,8 @@ void TestConnectionsModel::headersShowNothingElse()
 {
     const QList<int> used{Qt::DisplayRole, Qt::DecorationRole, Qt::ToolTipRole, Qt::StatusTipRole};
     const ConnectionsModel model(nullptr, QString());
-    for (int section = -1; section <= s_columns; ++section) {
-        for (const int role : s_roles) {
+    for (int section = -1; section <= kColumns; ++section) {
+        for (const int role : kRoles) {
             if (!used.contains(role))
                 QVERIFY(!model.headerData(section, Qt::Horizontal, role).isValid());
             if (role != Qt::DisplayRole)
@@ -405,9 +405,9 @@ void TestConnectionsModel::cellsShowTheHelpOfTheirColumn()
     model.AddConnection(Connection());
     model.AddConnection(SampleEntry(1));
     for (int row = 0; row < 2; ++row) {
-        for (int column = 0; column < s_columns; ++column) {
-            QCOMPARE(model.index(row, column).data(Qt::ToolTipRole), QVariant(s_help.at(column)));
-            QCOMPARE(model.index(row, column).data(Qt::StatusTipRole), QVariant(s_help.at(column)));
+        for (int column = 0; column < kColumns; ++column) {
+            QCOMPARE(model.index(row, column).data(Qt::ToolTipRole), QVariant(kHelp.at(column)));
+            QCOMPARE(model.index(row, column).data(Qt::StatusTipRole), QVariant(kHelp.at(column)));
         }
     }
 }
@@ -419,11 +419,11 @@ void TestConnectionsModel::translations()
     {
         const MarkingTranslator translator(QStringLiteral("ConnectionsModel"));
         QCOMPARE(model.headerData(0, Qt::Horizontal), QVariant(QStringLiteral("")));
-        for (int section = 1; section < s_columns; ++section)
-            QCOMPARE(model.headerData(section, Qt::Horizontal).toString(), u'[' + s_headers.at(section) + u']');
+        for (int section = 1; section < kColumns; ++section)
+            QCOMPARE(model.headerData(section, Qt::Horizontal).toString(), u'[' + kHeaders.at(section) + u']');
         for (const int section : {0, 1, 2, 3, 5, 6, 7, 8, 9})
             QCOMPARE(model.headerData(section, Qt::Horizontal, Qt::ToolTipRole).toString(),
-                     u'[' + s_help.at(section) + u']');
+                     u'[' + kHelp.at(section) + u']');
         QCOMPARE(
             model.headerData(4, Qt::Horizontal, Qt::ToolTipRole).toString(),
             QStringLiteral(
@@ -469,7 +469,7 @@ void TestConnectionsModel::flags()
     const Qt::ItemFlags shut = Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
     const Qt::ItemFlags readOnly = shut | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
     const Qt::ItemFlags open = readOnly | Qt::ItemIsEditable;
-    for (int column = 0; column < s_columns; ++column) {
+    for (int column = 0; column < kColumns; ++column) {
         Qt::ItemFlags expected = column == 0 || column == 2 ? readOnly : open;
         if (status != 0 || (column == 5 && connectionType == 2) || (column == 6 && connectionType == 0))
             expected = shut;
@@ -485,12 +485,12 @@ void TestConnectionsModel::anEntryInUseIsShutUntilTheReset()
     ConnectionsModel model(nullptr, QString());
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
     model.AddConnection(entry);
-    for (int column = 0; column < s_columns; ++column) {
+    for (int column = 0; column < kColumns; ++column) {
         QVERIFY(!model.flags(model.index(0, column)).testFlag(Qt::ItemIsEditable));
         QVERIFY(!model.flags(model.index(0, column)).testFlag(Qt::ItemIsEnabled));
     }
     model.ResetConnectionStatus();
-    for (int column = 0; column < s_columns; ++column) {
+    for (int column = 0; column < kColumns; ++column) {
         QCOMPARE(model.flags(model.index(0, column)).testFlag(Qt::ItemIsEditable), column != 0 && column != 2);
         QVERIFY(model.flags(model.index(0, column)).testFlag(Qt::ItemIsEnabled));
     }
@@ -537,7 +537,7 @@ void TestConnectionsModel::neverUserCheckable()
     model.AddConnection(Connection());
     model.AddConnection(SampleEntry(1));
     for (int row = 0; row < 2; ++row) {
-        for (int column = 0; column < s_columns; ++column)
+        for (int column = 0; column < kColumns; ++column)
             QVERIFY(!model.flags(model.index(row, column)).testFlag(Qt::ItemIsUserCheckable));
     }
 }

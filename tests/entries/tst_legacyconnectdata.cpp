@@ -11,7 +11,7 @@
 
 namespace {
 
-const QString s_none = QStringLiteral("(none)");
+const QString kNone = QStringLiteral("(none)");
 
 ICfg* LegacyDocument()
 {
@@ -25,7 +25,7 @@ std::unique_ptr<ICfg> Record(int number)
 
 QString ConnectionCount()
 {
-    return LegacyDocument()->GetString(QStringLiteral("ConnectionCount"), s_none, 0);
+    return LegacyDocument()->GetString(QStringLiteral("ConnectionCount"), kNone, 0);
 }
 
 /// The eight stored values of a record as text, each with its key.
@@ -34,14 +34,14 @@ QStringList StoredValues(int number)
     const auto node = Record(number);
     QStringList values;
     for (const char* const key : {"StationName", "DeviceType", "DeviceAddress", "RemoteAddress"})
-        values += QLatin1String(key) + u'=' + node->GetString(QString::fromLatin1(key), s_none, 0);
+        values += QLatin1String(key) + u'=' + node->GetString(QString::fromLatin1(key), kNone, 0);
     for (const char* const key : {"ConnectionType", "ConnectionSpeed", "TimeoutSeconds"})
         values += QLatin1String(key) + u'=' + QString::number(node->GetInt(QString::fromLatin1(key), -4711, 0));
     const QString active = QStringLiteral("TimeoutActive");
     // Both defaults, so that a missing value is neither.
     values += node->GetBool(active, false, 0) == node->GetBool(active, true, 0)
                   ? active + (node->GetBool(active, false, 0) ? QStringLiteral("=true") : QStringLiteral("=false"))
-                  : active + u'=' + s_none;
+                  : active + u'=' + kNone;
     return values;
 }
 
@@ -278,7 +278,7 @@ void TestLegacyConnectData::exportWritesEveryEntryInRowOrder()
     QCOMPARE(StoredValues(1), StoredValuesOf(unselected));
     QCOMPARE(StoredValues(2), StoredValuesOf(SampleEntry(1)));
     QCOMPARE(StoredValues(3), StoredValuesOf(SampleEntry(1)));
-    QVERIFY(StoredValues(4).contains(QStringLiteral("StationName=") + s_none));
+    QVERIFY(StoredValues(4).contains(QStringLiteral("StationName=") + kNone));
 }
 
 void TestLegacyConnectData::exportOfThreeThenOneLeavesTheOtherRecords()
@@ -296,7 +296,7 @@ void TestLegacyConnectData::exportOfAnEmptyTableWritesTheCountOnly()
 {
     Export({});
     QCOMPARE(ConnectionCount(), QStringLiteral("0"));
-    QVERIFY(StoredValues(0).contains(QStringLiteral("StationName=") + s_none));
+    QVERIFY(StoredValues(0).contains(QStringLiteral("StationName=") + kNone));
 }
 
 void TestLegacyConnectData::exportWritesWhetherATimeoutApplies()
@@ -317,8 +317,8 @@ void TestLegacyConnectData::exportWritesTheCurrentKeysOnly()
     Export({SampleEntry(1)});
     for (const char* const key : {"Type", "Access", "StationAddress", "TimeoutFlag", "Timeout", "MultiChannelServer",
                                   "Status", "Selected", "Subsystem", "Reserved", "Index"})
-        QCOMPARE(Record(0)->GetString(QString::fromLatin1(key), s_none, 0), s_none);
-    QCOMPARE(Record(0)->GetString(QStringLiteral("Virtual"), s_none, 0), QStringLiteral("kept"));
+        QCOMPARE(Record(0)->GetString(QString::fromLatin1(key), kNone, 0), kNone);
+    QCOMPARE(Record(0)->GetString(QStringLiteral("Virtual"), kNone, 0), QStringLiteral("kept"));
 }
 
 void TestLegacyConnectData::exportGoesToTheSharedDocument()
@@ -326,9 +326,9 @@ void TestLegacyConnectData::exportGoesToTheSharedDocument()
     Export({SampleEntry(1)});
     const QString name = QStringLiteral("KiteResources/ConnectData");
     const QString key = QStringLiteral("ConnectionCount");
-    QCOMPARE(CfgCenter::CreateCfg(name, View::User, {})->GetString(key, s_none, 0), s_none);
-    QCOMPARE(CfgCenter::CreateCfg(name, View::Application, {})->GetString(key, s_none, 0), s_none);
-    QCOMPARE(CfgCenter::CreateCfg(name, View::Shared, {})->GetString(key, s_none, 0), QStringLiteral("1"));
+    QCOMPARE(CfgCenter::CreateCfg(name, View::User, {})->GetString(key, kNone, 0), kNone);
+    QCOMPARE(CfgCenter::CreateCfg(name, View::Application, {})->GetString(key, kNone, 0), kNone);
+    QCOMPARE(CfgCenter::CreateCfg(name, View::Shared, {})->GetString(key, kNone, 0), QStringLiteral("1"));
 }
 
 void TestLegacyConnectData::exportSavesTheDocument()

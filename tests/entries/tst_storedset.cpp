@@ -15,26 +15,26 @@
 
 namespace {
 
-const QString s_name = QStringLiteral("ConnectionsModel");
-const QString s_none = QStringLiteral("(none)");
+const QString kName = QStringLiteral("ConnectionsModel");
+const QString kNone = QStringLiteral("(none)");
 
 std::unique_ptr<ICfg> Node(const QString& name, View view = View::Application)
 {
     return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(view)->OpenChild(name, 0));
 }
 
-/// The text stored for the model `name`, or `s_none`.
-QString StoredText(const QString& name = s_name, View view = View::Application)
+/// The text stored for the model `name`, or `kNone`.
+QString StoredText(const QString& name = kName, View view = View::Application)
 {
-    return Node(name, view)->GetString(QStringLiteral("ModelMimeData"), s_none, 0);
+    return Node(name, view)->GetString(QStringLiteral("ModelMimeData"), kNone, 0);
 }
 
-void StoreText(const QString& text, const QString& name = s_name)
+void StoreText(const QString& text, const QString& name = kName)
 {
     Node(name)->SetString(QStringLiteral("ModelMimeData"), text, 0);
 }
 
-void StoreDocument(const QByteArray& document, const QString& name = s_name)
+void StoreDocument(const QByteArray& document, const QString& name = kName)
 {
     StoreText(QString::fromLatin1(document.toHex()), name);
 }
@@ -54,9 +54,9 @@ bool IsTrace(const QList<TraceRecorder::Report>& reports, const QString& message
            reports.first().line == line;
 }
 
-const QString s_couldNotRead =
+const QString kCouldNotRead =
     QStringLiteral("ConnectionsModel::GetConfiguration(): Could not read config because of empty object name.");
-const QString s_couldNotWrite =
+const QString kCouldNotWrite =
     QStringLiteral("ConnectionsModel::SetConfiguration(): Could not write config because of empty object name.");
 
 } // namespace
@@ -98,9 +98,9 @@ private slots:
 void TestStoredSet::firstStartIsEmpty()
 {
     const TraceRecorder recorder;
-    const ConnectionsModel model(nullptr, s_name);
+    const ConnectionsModel model(nullptr, kName);
     QCOMPARE(model.rowCount(), 0);
-    QCOMPARE(model.objectName(), s_name);
+    QCOMPARE(model.objectName(), kName);
     // An empty value is an empty document, and that is a malformed one.
     QVERIFY(IsXmlErrorTrace(recorder.Reports(), ParserMessage(QByteArray())));
 }
@@ -108,7 +108,7 @@ void TestStoredSet::firstStartIsEmpty()
 void TestStoredSet::constructorLoadsTheSet()
 {
     StoreDocument(WriteList({SampleEntry(3), SampleEntry(1), SampleEntry(2)}));
-    const ConnectionsModel model(nullptr, s_name);
+    const ConnectionsModel model(nullptr, kName);
     QCOMPARE(AllFields(model),
              (QList<QStringList>{FreeFields(SampleEntry(3)), FreeFields(SampleEntry(1)), FreeFields(SampleEntry(2))}));
 }
@@ -116,16 +116,16 @@ void TestStoredSet::constructorLoadsTheSet()
 void TestStoredSet::destructorStoresTheSet()
 {
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         model.AddConnection(SampleEntry(1));
-        QCOMPARE(StoredText(), s_none);
+        QCOMPARE(StoredText(), kNone);
     }
     QCOMPARE(StoredText().toLatin1(), WriteList({SampleEntry(1)}).toHex());
 }
 
 void TestStoredSet::valueIsThePlainHexOfTheDocument()
 {
-    ConnectionsModel model(nullptr, s_name);
+    ConnectionsModel model(nullptr, kName);
     model.AddConnection(NamedEntry(QStringLiteral(u"K\u00FCste JKLMNO")));
     model.AddConnection(SampleEntry(1));
     QVERIFY(model.SetConfiguration());
@@ -144,7 +144,7 @@ void TestStoredSet::valueIsThePlainHexOfTheDocument()
 void TestStoredSet::emptyModelStoresDeclarationAndEmptyRoot()
 {
     {
-        const ConnectionsModel model(nullptr, s_name);
+        const ConnectionsModel model(nullptr, kName);
     }
     QCOMPARE(QByteArray::fromHex(StoredText().toLatin1()),
              QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries/>\n"));
@@ -153,24 +153,24 @@ void TestStoredSet::emptyModelStoresDeclarationAndEmptyRoot()
 void TestStoredSet::onlyTheModelsNodeIsWritten()
 {
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         model.AddConnection(SampleEntry(1));
     }
-    QCOMPARE(StoredText(s_name, View::User), s_none);
-    QCOMPARE(StoredText(s_name, View::Shared), s_none);
-    QCOMPARE(CfgCenter::GetAppCfg(View::Application)->GetString(QStringLiteral("ModelMimeData"), s_none, 0), s_none);
+    QCOMPARE(StoredText(kName, View::User), kNone);
+    QCOMPARE(StoredText(kName, View::Shared), kNone);
+    QCOMPARE(CfgCenter::GetAppCfg(View::Application)->GetString(QStringLiteral("ModelMimeData"), kNone, 0), kNone);
 }
 
 void TestStoredSet::modelsOfDifferentNamesKeepApart()
 {
     const QString other = QStringLiteral("another/name");
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         model.AddConnection(SampleEntry(1));
         ConnectionsModel otherModel(nullptr, other);
         otherModel.AddConnection(SampleEntry(2));
     }
-    const ConnectionsModel model(nullptr, s_name);
+    const ConnectionsModel model(nullptr, kName);
     const ConnectionsModel otherModel(nullptr, other);
     QCOMPARE(AllFields(model), QList<QStringList>{FreeFields(SampleEntry(1))});
     QCOMPARE(AllFields(otherModel), QList<QStringList>{FreeFields(SampleEntry(2))});
@@ -179,13 +179,13 @@ void TestStoredSet::modelsOfDifferentNamesKeepApart()
 void TestStoredSet::selectedAndInUseComesBackSelectedAndFree()
 {
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         Connection entry;
         entry.Selected = true;
         entry.ConnectionStatus = 1;
         model.AddConnection(entry);
     }
-    const ConnectionsModel model(nullptr, s_name);
+    const ConnectionsModel model(nullptr, kName);
     QCOMPARE(model.rowCount(), 1);
     QCOMPARE(model.GetConnection(0).Selected, true);
     QCOMPARE(model.GetConnection(0).ConnectionStatus, 0);
@@ -195,7 +195,7 @@ void TestStoredSet::selectedAndInUseComesBackSelectedAndFree()
 
 void TestStoredSet::documentKeepsStatusAndSelectionAsStored()
 {
-    ConnectionsModel model(nullptr, s_name);
+    ConnectionsModel model(nullptr, kName);
     model.AddConnection(SampleEntry(1));
     QVERIFY(model.SetConfiguration());
     const Reading reading = ReadList(QByteArray::fromHex(StoredText().toLatin1()));
@@ -205,7 +205,7 @@ void TestStoredSet::documentKeepsStatusAndSelectionAsStored()
 
 void TestStoredSet::loadReplacesWhatTheModelHeld()
 {
-    ConnectionsModel model(nullptr, s_name);
+    ConnectionsModel model(nullptr, kName);
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
     model.AddConnection(SampleEntry(1));
     model.AddConnection(SampleEntry(2));
@@ -225,7 +225,7 @@ void TestStoredSet::loadFollowsTheObjectName()
     const QString other = QStringLiteral("other");
     StoreDocument(WriteList({SampleEntry(1)}));
     StoreDocument(WriteList({SampleEntry(2)}), other);
-    ConnectionsModel model(nullptr, s_name);
+    ConnectionsModel model(nullptr, kName);
     model.setObjectName(other);
     QVERIFY(model.GetConfiguration());
     QCOMPARE(AllFields(model), QList<QStringList>{FreeFields(SampleEntry(2))});
@@ -253,7 +253,7 @@ void TestStoredSet::charactersThatAreNoHexDigitsAreSkipped()
             text += digit + between;
         StoreText(text);
         const TraceRecorder recorder;
-        const ConnectionsModel model(nullptr, s_name);
+        const ConnectionsModel model(nullptr, kName);
         QVERIFY(recorder.Reports().isEmpty());
         QCOMPARE(AllFields(model), QList<QStringList>{FreeFields(SampleEntry(1))});
     }
@@ -284,7 +284,7 @@ void TestStoredSet::malformedValues()
     StoreText(text);
     ConnectionsModel model(nullptr, QStringLiteral("another"));
     model.AddConnection(SampleEntry(9));
-    model.setObjectName(s_name);
+    model.setObjectName(kName);
     const TraceRecorder recorder;
     QVERIFY(model.GetConfiguration());
     QCOMPARE(recorder.Reports().size(), 1);
@@ -302,26 +302,26 @@ void TestStoredSet::withoutAnObjectNameNothingIsReadOrWritten()
     {
         TraceRecorder recorder;
         auto model = std::make_unique<ConnectionsModel>(nullptr, QString());
-        QVERIFY2(IsTrace(recorder.Reports(), s_couldNotRead, 673), recorder.Text().constData());
+        QVERIFY2(IsTrace(recorder.Reports(), kCouldNotRead, 673), recorder.Text().constData());
         QCOMPARE(model->rowCount(), 0);
         model->AddConnection(SampleEntry(2));
 
         recorder.Clear();
         QVERIFY(!model->GetConfiguration());
-        QVERIFY2(IsTrace(recorder.Reports(), s_couldNotRead, 673), recorder.Text().constData());
+        QVERIFY2(IsTrace(recorder.Reports(), kCouldNotRead, 673), recorder.Text().constData());
         QCOMPARE(AllFields(*model), QList<QStringList>{Fields(SampleEntry(2))});
 
         recorder.Clear();
         QVERIFY(!model->SetConfiguration());
-        QVERIFY2(IsTrace(recorder.Reports(), s_couldNotWrite, 694), recorder.Text().constData());
+        QVERIFY2(IsTrace(recorder.Reports(), kCouldNotWrite, 694), recorder.Text().constData());
 
         recorder.Clear();
         model.reset();
-        QVERIFY2(IsTrace(recorder.Reports(), s_couldNotWrite, 694), recorder.Text().constData());
+        QVERIFY2(IsTrace(recorder.Reports(), kCouldNotWrite, 694), recorder.Text().constData());
     }
     QCOMPARE(StoredText(QString()), text);
     QCOMPARE(StoredText(), text);
-    QCOMPARE(CfgCenter::GetAppCfg(View::Application)->GetString(QStringLiteral("ModelMimeData"), s_none, 0), s_none);
+    QCOMPARE(CfgCenter::GetAppCfg(View::Application)->GetString(QStringLiteral("ModelMimeData"), kNone, 0), kNone);
 }
 
 void TestStoredSet::withoutAnObjectNameAndTracesOffNothingIsSaid()
@@ -331,7 +331,7 @@ void TestStoredSet::withoutAnObjectNameAndTracesOffNothingIsSaid()
         ConnectionsModel model(nullptr, QString());
         QVERIFY(!model.GetConfiguration());
         QVERIFY(!model.SetConfiguration());
-        ConnectionsModel empty(nullptr, s_name);
+        ConnectionsModel empty(nullptr, kName);
     }
     QVERIFY(recorder.Reports().isEmpty());
 }
@@ -341,18 +341,18 @@ void TestStoredSet::setSurvivesTheRun()
     const QTemporaryDir store;
     QVERIFY(CfgCenter::Open(store.path()));
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         model.AddConnection(SampleEntry(1));
         model.AddConnection(SampleEntry(2));
         QVERIFY(model.SetConfiguration());
         QVERIFY(CfgCenter::SaveDocument());
     }
     CfgCenter::Close();
-    QCOMPARE(StoredText(), s_none);
+    QCOMPARE(StoredText(), kNone);
 
     QVERIFY(CfgCenter::Open(store.path()));
     QCOMPARE(StoredText().toLatin1(), WriteList({SampleEntry(1), SampleEntry(2)}).toHex());
-    const ConnectionsModel model(nullptr, s_name);
+    const ConnectionsModel model(nullptr, kName);
     QCOMPARE(AllFields(model), (QList<QStringList>{FreeFields(SampleEntry(1)), FreeFields(SampleEntry(2))}));
 }
 
@@ -361,12 +361,12 @@ void TestStoredSet::storingDoesNotSaveTheDocument()
     const QTemporaryDir store;
     QVERIFY(CfgCenter::Open(store.path()));
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         model.AddConnection(SampleEntry(1));
         QVERIFY(model.SetConfiguration());
     }
     QVERIFY(CfgCenter::Open(store.path()));
-    QCOMPARE(StoredText(), s_none);
+    QCOMPARE(StoredText(), kNone);
 }
 
 void TestStoredSet::hostileTextsSurviveTheRun()
@@ -382,7 +382,7 @@ void TestStoredSet::hostileTextsSurviveTheRun()
     const QTemporaryDir store;
     QVERIFY(CfgCenter::Open(store.path()));
     {
-        ConnectionsModel model(nullptr, s_name);
+        ConnectionsModel model(nullptr, kName);
         for (int number = 0; number < names.size(); ++number) {
             Connection entry = SampleEntry(number);
             entry.ConnectionName = names.at(number);
@@ -395,7 +395,7 @@ void TestStoredSet::hostileTextsSurviveTheRun()
     QVERIFY(CfgCenter::Open(store.path()));
 
     const TraceRecorder recorder;
-    const ConnectionsModel model(nullptr, s_name);
+    const ConnectionsModel model(nullptr, kName);
     QVERIFY2(recorder.Reports().isEmpty(), recorder.Text().constData());
     QCOMPARE(model.rowCount(), 2 * static_cast<int>(names.size()));
     for (int number = 0; number < names.size(); ++number) {

@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    QAbstractItemModelTester m_Tester{this, QAbstractItemModelTester::FailureReportingMode::QtTest};
+    QAbstractItemModelTester m_tester{this, QAbstractItemModelTester::FailureReportingMode::QtTest};
 };
 
 inline QStringList Texts(std::initializer_list<const char*> texts)

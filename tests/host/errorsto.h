@@ -13,9 +13,9 @@ public:
     Q_DISABLE_COPY_MOVE(ErrorsTo)
 
 private:
-    qintptr m_Former = -1;
+    qintptr m_former = -1;
 #ifdef Q_OS_WIN
-    int m_FormerDescriptor = -1; // the compiler's runtime has one of its own
+    int m_formerDescriptor = -1; // the compiler's runtime has one of its own
 #endif
-    qintptr m_File = -1;
+    qintptr m_file = -1;
 };

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int s_errors = 2;
+constexpr int kErrors = 2;
 
 } // namespace
 
@@ -22,14 +22,14 @@ ErrorsTo::ErrorsTo(const QString& file)
     const std::wstring name = QDir::toNativeSeparators(file).toStdWString();
     const HANDLE handle = CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                       CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    m_Former = reinterpret_cast<qintptr>(GetStdHandle(STD_ERROR_HANDLE));
-    m_File = reinterpret_cast<qintptr>(handle);
+    m_former = reinterpret_cast<qintptr>(GetStdHandle(STD_ERROR_HANDLE));
+    m_file = reinterpret_cast<qintptr>(handle);
 
     HANDLE another = nullptr;
     DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &another, 0, FALSE, DUPLICATE_SAME_ACCESS);
     const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(another), _O_TEXT);
-    m_FormerDescriptor = _dup(s_errors);
-    _dup2(descriptor, s_errors);
+    m_formerDescriptor = _dup(kErrors);
+    _dup2(descriptor, kErrors);
     _close(descriptor);
     SetStdHandle(STD_ERROR_HANDLE, handle);
 }
@@ -37,10 +37,10 @@ ErrorsTo::ErrorsTo(const QString& file)
 ErrorsTo::~ErrorsTo()
 {
     std::fflush(stderr);
-    if (m_FormerDescriptor != -1) {
-        _dup2(m_FormerDescriptor, s_errors);
-        _close(m_FormerDescriptor);
+    if (m_formerDescriptor != -1) {
+        _dup2(m_formerDescriptor, kErrors);
+        _close(m_formerDescriptor);
     }
-    SetStdHandle(STD_ERROR_HANDLE, reinterpret_cast<HANDLE>(m_Former));
-    CloseHandle(reinterpret_cast<HANDLE>(m_File));
+    SetStdHandle(STD_ERROR_HANDLE, reinterpret_cast<HANDLE>(m_former));
+    CloseHandle(reinterpret_cast<HANDLE>(m_file));
 }

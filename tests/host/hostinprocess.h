@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/application.h"
-#include "host/connectdialog.h"
+#include "host/plugin/connectdialog.h"
 #include "platform/guibase.h"
 
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/connectdialog.h"
-#include "host/dialogsession.h"
-#include "host/notices.h"
+#include "host/desktop/dialogsession.h"
+#include "host/output/notices.h"
+#include "host/plugin/connectdialog.h"
 #include "tests/host/fakedialog.h"
 
 #include <QSignalSpy>

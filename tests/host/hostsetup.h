@@ -20,18 +20,18 @@ class HostSetUp
 public:
     HostSetUp()
     {
-        m_Environment = QProcessEnvironment::systemEnvironment();
+        m_environment = QProcessEnvironment::systemEnvironment();
         // As a person without a display has it: the host must find out by itself.
-        m_HasDisplay = !System::TakeDisplay(m_Environment);
-        QDir(m_Directory.path()).mkdir(QStringLiteral("data"));
+        m_hasDisplay = !System::TakeDisplay(m_environment);
+        QDir(m_directory.path()).mkdir(QStringLiteral("data"));
     }
 
-    QString Path(const char* name) const { return m_Directory.filePath(QString::fromLatin1(name)); }
+    QString Path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
     QString Config() const { return Path("config"); }
     QString Data() const { return Path("data"); }
-    QProcessEnvironment& Environment() { return m_Environment; }
+    QProcessEnvironment& Environment() { return m_environment; }
     /// Whether the host finds a display.
-    bool HasDisplay() const { return m_HasDisplay; }
+    bool HasDisplay() const { return m_hasDisplay; }
 
     void Write(const QString& fileName, const QByteArray& content) const
     {
@@ -98,8 +98,8 @@ public:
 
     void Start(QProcess& process, const QStringList& arguments)
     {
-        process.setProcessEnvironment(m_Environment);
-        process.setWorkingDirectory(m_Directory.path());
+        process.setProcessEnvironment(m_environment);
+        process.setWorkingDirectory(m_directory.path());
         process.start(QStringLiteral(VEXELHOST), QStringList{QStringLiteral("--config"), Config()} + arguments);
     }
 
@@ -155,7 +155,7 @@ public:
     }
 
 private:
-    QTemporaryDir m_Directory;
-    QProcessEnvironment m_Environment;
-    bool m_HasDisplay = false;
+    QTemporaryDir m_directory;
+    QProcessEnvironment m_environment;
+    bool m_hasDisplay = false;
 };

@@ -39,7 +39,7 @@ void Terminate()
 QAction* TrayAction(const QString& text)
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() != QLatin1String("m_TrayMenu"))
+        if (widget->objectName() != QLatin1String("m_trayMenu"))
             continue;
         for (QAction* action : widget->findChildren<QAction*>()) {
             if (action->text() == text)
@@ -70,24 +70,24 @@ class TestApplication : public QObject
     Q_OBJECT
 
 private slots:
-    void TheEndOfTheSessionSavesEverything();
-    void ARequestToEndWhileABoxIsOpen_data();
-    void ARequestToEndWhileABoxIsOpen();
-    void SaveNow();
-    void QuitWithNothingInUse();
-    void QuitAsksWhileEntriesAreInUse();
-    void ClosingWithoutATrayEndsTheHost();
-    void ClosingThatCannotSaveAsks();
-    void ADamagedConfigurationIsShownWhereNobodyReads();
-    void TheTraySpeaksTheLanguage();
-    void SizeOutlivesTheRun_data();
-    void SizeOutlivesTheRun();
-    void UnusableSizes_data();
-    void UnusableSizes();
-    void ASecondHostWritesNothing();
+    void theEndOfTheSessionSavesEverything();
+    void aRequestToEndWhileABoxIsOpen_data();
+    void aRequestToEndWhileABoxIsOpen();
+    void saveNow();
+    void quitWithNothingInUse();
+    void quitAsksWhileEntriesAreInUse();
+    void closingWithoutATrayEndsTheHost();
+    void closingThatCannotSaveAsks();
+    void aDamagedConfigurationIsShownWhereNobodyReads();
+    void theTraySpeaksTheLanguage();
+    void sizeOutlivesTheRun_data();
+    void sizeOutlivesTheRun();
+    void unusableSizes_data();
+    void unusableSizes();
+    void aSecondHostWritesNothing();
 };
 
-void TestApplication::TheEndOfTheSessionSavesEverything()
+void TestApplication::theEndOfTheSessionSavesEverything()
 {
     Host host;
     const ExitCode code = host.Run([&](const ConnectDialog& dialog) {
@@ -109,7 +109,7 @@ void TestApplication::TheEndOfTheSessionSavesEverything()
     QCOMPARE(code, ExitCode::Done);
 }
 
-void TestApplication::ARequestToEndWhileABoxIsOpen_data()
+void TestApplication::aRequestToEndWhileABoxIsOpen_data()
 {
     QTest::addColumn<QString>("title");
     QTest::newRow("info") << QStringLiteral("Info");
@@ -118,7 +118,7 @@ void TestApplication::ARequestToEndWhileABoxIsOpen_data()
     QTest::newRow("question whether to quit") << QStringLiteral("Vexel - Connect Dialog");
 }
 
-void TestApplication::ARequestToEndWhileABoxIsOpen()
+void TestApplication::aRequestToEndWhileABoxIsOpen()
 {
     QFETCH(const QString, title);
     Host host;
@@ -149,7 +149,7 @@ void TestApplication::ARequestToEndWhileABoxIsOpen()
     QVERIFY(host.HasStored("Box mast"));
 }
 
-void TestApplication::SaveNow()
+void TestApplication::saveNow()
 {
     Host host;
     host.Run([&](const ConnectDialog& dialog) {
@@ -161,7 +161,7 @@ void TestApplication::SaveNow()
     });
 }
 
-void TestApplication::QuitWithNothingInUse()
+void TestApplication::quitWithNothingInUse()
 {
     Host host;
     const ExitCode code = host.Run(
@@ -175,7 +175,7 @@ void TestApplication::QuitWithNothingInUse()
     QVERIFY(host.HasStored("Quit mast"));
 }
 
-void TestApplication::QuitAsksWhileEntriesAreInUse()
+void TestApplication::quitAsksWhileEntriesAreInUse()
 {
     Host host;
     QStringList answers{QStringLiteral("Cancel"), QStringLiteral("Quit")};
@@ -205,7 +205,7 @@ void TestApplication::QuitAsksWhileEntriesAreInUse()
     QVERIFY(host.HasStored("Quit mast"));
 }
 
-void TestApplication::ClosingWithoutATrayEndsTheHost()
+void TestApplication::closingWithoutATrayEndsTheHost()
 {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         QSKIP("There is a tray here.");
@@ -220,7 +220,7 @@ void TestApplication::ClosingWithoutATrayEndsTheHost()
     QVERIFY(host.HasStored("Close mast"));
 }
 
-void TestApplication::ClosingThatCannotSaveAsks()
+void TestApplication::closingThatCannotSaveAsks()
 {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         QSKIP("There is a tray here.");
@@ -256,7 +256,7 @@ void TestApplication::ClosingThatCannotSaveAsks()
     QVERIFY(host.HasStored("Kept mast"));
 }
 
-void TestApplication::ADamagedConfigurationIsShownWhereNobodyReads()
+void TestApplication::aDamagedConfigurationIsShownWhereNobodyReads()
 {
     Host host;
     for (const char* name : {"First mast", "Second mast"})
@@ -270,17 +270,17 @@ void TestApplication::ADamagedConfigurationIsShownWhereNobodyReads()
     QString shown;
     host.Run([&](const ConnectDialog&) {
         for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (widget->objectName() == QLatin1String("m_NoticeBox") && widget->isVisible())
+            if (widget->objectName() == QLatin1String("m_noticeBox") && widget->isVisible())
                 shown = qobject_cast<QMessageBox*>(widget)->text();
         }
     });
     QVERIFY2(shown.contains(QLatin1String("damaged")), qPrintable(shown));
     // It goes with the host.
     for (const QWidget* widget : QApplication::topLevelWidgets())
-        QVERIFY(widget->objectName() != QLatin1String("m_NoticeBox"));
+        QVERIFY(widget->objectName() != QLatin1String("m_noticeBox"));
 }
 
-void TestApplication::TheTraySpeaksTheLanguage()
+void TestApplication::theTraySpeaksTheLanguage()
 {
     Host host;
     host.options.language = QLocale(QStringLiteral("de_AT"));
@@ -294,14 +294,14 @@ void TestApplication::TheTraySpeaksTheLanguage()
     host.Run([&](const ConnectDialog&) { QVERIFY(TrayAction(QStringLiteral("Quit"))); });
 }
 
-void TestApplication::SizeOutlivesTheRun_data()
+void TestApplication::sizeOutlivesTheRun_data()
 {
     QTest::addColumn<bool>("details");
     QTest::newRow("without details") << false;
     QTest::newRow("with details") << true;
 }
 
-void TestApplication::SizeOutlivesTheRun()
+void TestApplication::sizeOutlivesTheRun()
 {
     QFETCH(const bool, details);
     Host host;
@@ -316,7 +316,7 @@ void TestApplication::SizeOutlivesTheRun()
         host.Run([&](const ConnectDialog& dialog) { QCOMPARE(dialog.Window()->size(), size); });
 }
 
-void TestApplication::UnusableSizes_data()
+void TestApplication::unusableSizes_data()
 {
     QTest::addColumn<QString>("width");
     QTest::addColumn<QString>("height");
@@ -328,7 +328,7 @@ void TestApplication::UnusableSizes_data()
     QTest::newRow("tiny") << QStringLiteral("1") << QStringLiteral("1");
 }
 
-void TestApplication::UnusableSizes()
+void TestApplication::unusableSizes()
 {
     QFETCH(const QString, width);
     QFETCH(const QString, height);
@@ -363,7 +363,7 @@ void TestApplication::UnusableSizes()
     });
 }
 
-void TestApplication::ASecondHostWritesNothing()
+void TestApplication::aSecondHostWritesNothing()
 {
     Host host;
     host.Run([&](const ConnectDialog& dialog) {

@@ -18,14 +18,14 @@ class TestApplicationWithoutLink : public QObject
     Q_OBJECT
 
 private slots:
-    void TheDialogWorksAndNobodyRaisesIt();
+    void theDialogWorksAndNobodyRaisesIt();
 };
 
-void TestApplicationWithoutLink::TheDialogWorksAndNobodyRaisesIt()
+void TestApplicationWithoutLink::theDialogWorksAndNobodyRaisesIt()
 {
     NEED_PORT();
     QTcpServer other;
-    QVERIFY2(other.listen(QHostAddress(QHostAddress::LocalHost), LinkPort::s_number), qPrintable(other.errorString()));
+    QVERIFY2(other.listen(QHostAddress(QHostAddress::LocalHost), LinkPort::kNumber), qPrintable(other.errorString()));
     int calls = 0;
     connect(&other, &QTcpServer::newConnection, &other, [&] {
         ++calls;
@@ -55,7 +55,7 @@ void TestApplicationWithoutLink::TheDialogWorksAndNobodyRaisesIt()
         wasInUse = dialog.Status(0) != ConnectDialog::Free;
         wasHidden = !dialog.Window()->isVisible();
 
-        auto call = std::async(std::launch::async, [] { return CallLink(LinkPort::s_number, QDeadlineTimer(30s)); });
+        auto call = std::async(std::launch::async, [] { return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)); });
         QTRY_VERIFY_WITH_TIMEOUT(call.wait_for(0s) == std::future_status::ready, 30'000);
         answer = call.get();
         QCoreApplication::processEvents();

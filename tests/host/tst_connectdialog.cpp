@@ -1,4 +1,4 @@
-#include "host/connectdialog.h"
+#include "host/plugin/connectdialog.h"
 #include "tests/host/fakedialog.h"
 
 #include <QAbstractItemModelTester>
@@ -15,17 +15,17 @@ class TestConnectDialog : public QObject
 private slots:
     void init();
     void cleanup();
-    void FindsTheParts();
-    void SaysWhatIsMissing_data();
-    void SaysWhatIsMissing();
-    void NoDialogAtAll();
-    void RowsAreThoseOfTheList();
-    void NamesAreComparedExactly();
-    void TickKeeperGivesTheTicksBack();
-    void TickKeeperFollowsMovedRows();
-    void ConnectPressesTheButton();
-    void AppendThatFailsLeavesTheListAlone();
-    void DocumentIsThatOfTheWholeListInItsOrder();
+    void findsTheParts();
+    void saysWhatIsMissing_data();
+    void saysWhatIsMissing();
+    void noDialogAtAll();
+    void rowsAreThoseOfTheList();
+    void namesAreComparedExactly();
+    void tickKeeperGivesTheTicksBack();
+    void tickKeeperFollowsMovedRows();
+    void connectPressesTheButton();
+    void appendThatFailsLeavesTheListAlone();
+    void documentIsThatOfTheWholeListInItsOrder();
 
 private:
     std::unique_ptr<FakeDialog> m_pFake;
@@ -43,7 +43,7 @@ void TestConnectDialog::cleanup()
     m_pFake.reset();
 }
 
-void TestConnectDialog::FindsTheParts()
+void TestConnectDialog::findsTheParts()
 {
     QString error;
     const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
@@ -54,7 +54,7 @@ void TestConnectDialog::FindsTheParts()
     QCOMPARE(dialog->Entries(), &m_pFake->entries);
 }
 
-void TestConnectDialog::SaysWhatIsMissing_data()
+void TestConnectDialog::saysWhatIsMissing_data()
 {
     QTest::addColumn<QString>("part");
     QTest::newRow("basic view") << QStringLiteral("m_pBasicView");
@@ -63,7 +63,7 @@ void TestConnectDialog::SaysWhatIsMissing_data()
     QTest::newRow("list") << QStringLiteral("ConnectionsModel");
 }
 
-void TestConnectDialog::SaysWhatIsMissing()
+void TestConnectDialog::saysWhatIsMissing()
 {
     QFETCH(const QString, part);
     if (auto* widget = m_pFake->findChild<QWidget*>(part))
@@ -75,7 +75,7 @@ void TestConnectDialog::SaysWhatIsMissing()
     QVERIFY2(error.contains(part), qPrintable(error));
 }
 
-void TestConnectDialog::NoDialogAtAll()
+void TestConnectDialog::noDialogAtAll()
 {
     m_pFake.reset();
     QString error;
@@ -83,7 +83,7 @@ void TestConnectDialog::NoDialogAtAll()
     QVERIFY2(error.contains(QLatin1String("VexelConnectDlgGUI")), qPrintable(error));
 }
 
-void TestConnectDialog::RowsAreThoseOfTheList()
+void TestConnectDialog::rowsAreThoseOfTheList()
 {
     m_pFake->Add(QStringLiteral("zebra"), true, 1);
     m_pFake->Add(QStringLiteral("ant"));
@@ -103,7 +103,7 @@ void TestConnectDialog::RowsAreThoseOfTheList()
     QVERIFY(m_pFake->IsTicked(1));
 }
 
-void TestConnectDialog::NamesAreComparedExactly()
+void TestConnectDialog::namesAreComparedExactly()
 {
     for (const char* name : {"mast", "Mast", "mast ", "mast"})
         m_pFake->Add(QString::fromLatin1(name));
@@ -114,7 +114,7 @@ void TestConnectDialog::NamesAreComparedExactly()
     QCOMPARE(dialog->RowsNamed(QStringLiteral("mas")), QList<int>());
 }
 
-void TestConnectDialog::TickKeeperGivesTheTicksBack()
+void TestConnectDialog::tickKeeperGivesTheTicksBack()
 {
     for (const bool ticked : {true, false, true, false})
         m_pFake->Add(QStringLiteral("x"), ticked);
@@ -122,7 +122,7 @@ void TestConnectDialog::TickKeeperGivesTheTicksBack()
     const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
     QVERIFY(dialog);
     {
-        const TickKeeper keeper(*dialog);
+        const TickRestorer keeper(*dialog);
         for (int row = 0; row < 4; ++row)
             dialog->SetTicked(row, row == 1);
     }
@@ -132,7 +132,7 @@ void TestConnectDialog::TickKeeperGivesTheTicksBack()
     QCOMPARE(m_pFake->IsTicked(3), false);
 }
 
-void TestConnectDialog::TickKeeperFollowsMovedRows()
+void TestConnectDialog::tickKeeperFollowsMovedRows()
 {
     m_pFake->Add(QStringLiteral("gone"), true);
     m_pFake->Add(QStringLiteral("ticked"), true);
@@ -141,7 +141,7 @@ void TestConnectDialog::TickKeeperFollowsMovedRows()
     const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
     QVERIFY(dialog);
     {
-        const TickKeeper keeper(*dialog);
+        const TickRestorer keeper(*dialog);
         dialog->SetTicked(1, false);
         dialog->SetTicked(2, true);
         m_pFake->entries.removeRow(0);
@@ -152,7 +152,7 @@ void TestConnectDialog::TickKeeperFollowsMovedRows()
     QVERIFY(m_pFake->IsTicked(2));
 }
 
-void TestConnectDialog::ConnectPressesTheButton()
+void TestConnectDialog::connectPressesTheButton()
 {
     QString error;
     const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
@@ -162,7 +162,7 @@ void TestConnectDialog::ConnectPressesTheButton()
     QCOMPARE(clicks.count(), 1);
 }
 
-void TestConnectDialog::AppendThatFailsLeavesTheListAlone()
+void TestConnectDialog::appendThatFailsLeavesTheListAlone()
 {
     m_pFake->Add(QStringLiteral("a"));
     QString error;
@@ -173,7 +173,7 @@ void TestConnectDialog::AppendThatFailsLeavesTheListAlone()
     QCOMPARE(dialog->Count(), 1);
 }
 
-void TestConnectDialog::DocumentIsThatOfTheWholeListInItsOrder()
+void TestConnectDialog::documentIsThatOfTheWholeListInItsOrder()
 {
     // Says of each index that it is asked for which entry it stands for.
     struct NamingModel : QStandardItemModel

@@ -1,4 +1,4 @@
-#include "host/connectionreport.h"
+#include "host/headless/connectionreport.h"
 #include "tests/host/fakedialog.h"
 
 #include <QJsonArray>
@@ -11,12 +11,12 @@ class TestConnectionReport : public QObject
     Q_OBJECT
 
 private slots:
-    void EmptyListIsAHeading();
-    void ColumnsStandUnderTheirHeadings();
-    void NamesCannotBreakTheTable();
-    void LongNamesAreCut();
-    void JsonHoldsValuesAsTheyAre();
-    void JsonOfAnEmptyList();
+    void emptyListIsAHeading();
+    void columnsStandUnderTheirHeadings();
+    void namesCannotBreakTheTable();
+    void longNamesAreCut();
+    void jsonHoldsValuesAsTheyAre();
+    void jsonOfAnEmptyList();
 };
 
 namespace {
@@ -30,7 +30,7 @@ QStringList Lines(const QString& table)
 
 } // namespace
 
-void TestConnectionReport::EmptyListIsAHeading()
+void TestConnectionReport::emptyListIsAHeading()
 {
     const FakeDialog fake;
     QCOMPARE(Lines(ConnectionTable(fake.entries)),
@@ -38,7 +38,7 @@ void TestConnectionReport::EmptyListIsAHeading()
                                         "Heading 8  Heading 9  Selected")));
 }
 
-void TestConnectionReport::ColumnsStandUnderTheirHeadings()
+void TestConnectionReport::columnsStandUnderTheirHeadings()
 {
     FakeDialog fake;
     fake.Add(QStringLiteral("a mast with a name"), true, 1);
@@ -53,7 +53,7 @@ void TestConnectionReport::ColumnsStandUnderTheirHeadings()
     QVERIFY(lines.at(2).endsWith(QLatin1String("  no")));
 }
 
-void TestConnectionReport::NamesCannotBreakTheTable()
+void TestConnectionReport::namesCannotBreakTheTable()
 {
     FakeDialog fake;
     fake.Add(QStringLiteral("a\nb\x1b[2J\u202e"));
@@ -62,7 +62,7 @@ void TestConnectionReport::NamesCannotBreakTheTable()
     QVERIFY2(lines.at(1).startsWith(QLatin1String("a\\nb\\u{1b}[2J\\u{202e}  0 ")), qPrintable(lines.at(1)));
 }
 
-void TestConnectionReport::LongNamesAreCut()
+void TestConnectionReport::longNamesAreCut()
 {
     FakeDialog fake;
     fake.Add(QString(1'000'000, QLatin1Char('x')));
@@ -74,7 +74,7 @@ void TestConnectionReport::LongNamesAreCut()
         QVERIFY(line.size() < 200);
 }
 
-void TestConnectionReport::JsonHoldsValuesAsTheyAre()
+void TestConnectionReport::jsonHoldsValuesAsTheyAre()
 {
     const QString name = QStringLiteral("a\nb \"c\" \U0001F4E1");
     FakeDialog fake;
@@ -97,7 +97,7 @@ void TestConnectionReport::JsonHoldsValuesAsTheyAre()
     QCOMPARE(connection.size(), 15);
 }
 
-void TestConnectionReport::JsonOfAnEmptyList()
+void TestConnectionReport::jsonOfAnEmptyList()
 {
     const FakeDialog fake;
     const QJsonObject root = QJsonDocument::fromJson(ConnectionJson(fake.entries)).object();

@@ -1,4 +1,4 @@
-#include "host/datadirectory.h"
+#include "host/plugin/datadirectory.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 
@@ -11,11 +11,11 @@ class TestDataDirectory : public QObject
 
 private slots:
     void init();
-    void SetIsWhatThePluginReads();
-    void FallbackStandsInOnlyWhileItLives();
-    void FallbackLeavesAStoredDirectoryAlone();
-    void NoFallbackWithoutADirectory();
-    void SamplesStandBesideTheProgram();
+    void setIsWhatThePluginReads();
+    void fallbackStandsInOnlyWhileItLives();
+    void fallbackLeavesAStoredDirectoryAlone();
+    void noFallbackWithoutADirectory();
+    void samplesStandBesideTheProgram();
 
 private:
     static QString Read();
@@ -33,13 +33,13 @@ void TestDataDirectory::init()
     QCOMPARE(Read(), QStringLiteral("(none)"));
 }
 
-void TestDataDirectory::SetIsWhatThePluginReads()
+void TestDataDirectory::setIsWhatThePluginReads()
 {
     DataDirectory::Set(QStringLiteral("/given"));
     QCOMPARE(Read(), QStringLiteral("/given"));
 }
 
-void TestDataDirectory::FallbackStandsInOnlyWhileItLives()
+void TestDataDirectory::fallbackStandsInOnlyWhileItLives()
 {
     {
         const DataDirectory::Fallback fallback(QStringLiteral("/samples"));
@@ -48,7 +48,7 @@ void TestDataDirectory::FallbackStandsInOnlyWhileItLives()
     QCOMPARE(Read(), QStringLiteral("(none)"));
 }
 
-void TestDataDirectory::FallbackLeavesAStoredDirectoryAlone()
+void TestDataDirectory::fallbackLeavesAStoredDirectoryAlone()
 {
     DataDirectory::Set(QStringLiteral("/stored"));
     {
@@ -58,13 +58,13 @@ void TestDataDirectory::FallbackLeavesAStoredDirectoryAlone()
     QCOMPARE(Read(), QStringLiteral("/stored"));
 }
 
-void TestDataDirectory::NoFallbackWithoutADirectory()
+void TestDataDirectory::noFallbackWithoutADirectory()
 {
     const DataDirectory::Fallback fallback{QString()};
     QCOMPARE(Read(), QStringLiteral("(none)"));
 }
 
-void TestDataDirectory::SamplesStandBesideTheProgram()
+void TestDataDirectory::samplesStandBesideTheProgram()
 {
     const QString directory = DataDirectory::InstalledSamples(QStringLiteral(PROGRAM_DIRECTORY));
     QVERIFY(QFileInfo(directory + QStringLiteral("/CfgVEXEL.xml")).isFile());

@@ -1,5 +1,5 @@
-#include "host/connectdialog.h"
-#include "host/dialogpicture.h"
+#include "host/headless/dialogpicture.h"
+#include "host/plugin/connectdialog.h"
 #include "tests/host/fakedialog.h"
 
 #include <QDir>
@@ -15,13 +15,13 @@ class TestDialogPicture : public QObject
     Q_OBJECT
 
 private slots:
-    void WritesAPngThatShowsAllRowsAndColumns();
-    void LeavesTheDialogShownOrHiddenAsItWas();
-    void BoundedForLongLists();
-    void SaysWhenTheFileCannotBeWritten();
+    void writesAPngThatShowsAllRowsAndColumns();
+    void leavesTheDialogShownOrHiddenAsItWas();
+    void boundedForLongLists();
+    void saysWhenTheFileCannotBeWritten();
 };
 
-void TestDialogPicture::WritesAPngThatShowsAllRowsAndColumns()
+void TestDialogPicture::writesAPngThatShowsAllRowsAndColumns()
 {
     FakeDialog fake;
     fake.resize(100, 80);
@@ -47,7 +47,7 @@ void TestDialogPicture::WritesAPngThatShowsAllRowsAndColumns()
     }
 }
 
-void TestDialogPicture::LeavesTheDialogShownOrHiddenAsItWas()
+void TestDialogPicture::leavesTheDialogShownOrHiddenAsItWas()
 {
     const FakeDialog fake;
     QString error;
@@ -61,7 +61,7 @@ void TestDialogPicture::LeavesTheDialogShownOrHiddenAsItWas()
     QVERIFY(fake.isVisible());
 }
 
-void TestDialogPicture::BoundedForLongLists()
+void TestDialogPicture::boundedForLongLists()
 {
     FakeDialog fake;
     for (int i = 0; i < 200; ++i)
@@ -78,7 +78,7 @@ void TestDialogPicture::BoundedForLongLists()
     QVERIFY(image.height() <= 1600);
 }
 
-void TestDialogPicture::SaysWhenTheFileCannotBeWritten()
+void TestDialogPicture::saysWhenTheFileCannotBeWritten()
 {
     const FakeDialog fake;
     QString error;

@@ -41,13 +41,13 @@ void Answer(const QString& text)
 QMessageBox* NoticeOnScreen()
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() == QLatin1String("m_NoticeBox") && widget->isVisible())
+        if (widget->objectName() == QLatin1String("m_noticeBox") && widget->isVisible())
             return qobject_cast<QMessageBox*>(widget);
     }
     return nullptr;
 }
 
-const QString s_notSaved = QStringLiteral("The configuration could not be saved.");
+const QString kNotSaved = QStringLiteral("The configuration could not be saved.");
 
 } // namespace
 
@@ -68,17 +68,17 @@ private slots:
         QVERIFY(!NoticeOnScreen());
     }
 
-    void ClosingSavesAndEnds();
-    void ClosingThatCannotSaveAsks();
-    void QuittingThatCannotSaveAsks();
-    void AFailedSaveWhileInUseIsShown();
-    void StayingHiddenIsShown();
-    void NothingIsShownWhereStandardErrorIsRead();
-    void WhatCameBeforeTheDialogIsShownWithIt();
-    void SeveralNoticesShareABox();
+    void closingSavesAndEnds();
+    void closingThatCannotSaveAsks();
+    void quittingThatCannotSaveAsks();
+    void aFailedSaveWhileInUseIsShown();
+    void stayingHiddenIsShown();
+    void nothingIsShownWhereStandardErrorIsRead();
+    void whatCameBeforeTheDialogIsShownWithIt();
+    void severalNoticesShareABox();
 };
 
-void TestDialogSession::ClosingSavesAndEnds()
+void TestDialogSession::closingSavesAndEnds()
 {
     Session host;
     host.session->Start();
@@ -89,14 +89,14 @@ void TestDialogSession::ClosingSavesAndEnds()
     QVERIFY(host.saved > 0);
 }
 
-void TestDialogSession::ClosingThatCannotSaveAsks()
+void TestDialogSession::closingThatCannotSaveAsks()
 {
     Session host;
     host.session->Start();
     host.canSave = false;
     host.fake.close();
     QTRY_VERIFY(Question());
-    QVERIFY2(Question()->text().startsWith(s_notSaved), qPrintable(Question()->text()));
+    QVERIFY2(Question()->text().startsWith(kNotSaved), qPrintable(Question()->text()));
     QCOMPARE(host.end->count(), 0);
     // Whoever stays has the dialog again, with everything in it.
     Answer(QStringLiteral("Cancel"));
@@ -115,7 +115,7 @@ void TestDialogSession::ClosingThatCannotSaveAsks()
     QTRY_COMPARE(host.end->count(), 2);
 }
 
-void TestDialogSession::QuittingThatCannotSaveAsks()
+void TestDialogSession::quittingThatCannotSaveAsks()
 {
     Session host;
     host.session->Start();
@@ -127,25 +127,25 @@ void TestDialogSession::QuittingThatCannotSaveAsks()
     QVERIFY2(Question()->text().contains(QLatin1String("in use")), qPrintable(Question()->text()));
     Answer(QStringLiteral("Quit"));
     QTRY_VERIFY(Question());
-    QVERIFY2(Question()->text().startsWith(s_notSaved), qPrintable(Question()->text()));
+    QVERIFY2(Question()->text().startsWith(kNotSaved), qPrintable(Question()->text()));
     QCOMPARE(host.end->count(), 0);
     Answer(QStringLiteral("Quit"));
     QCOMPARE(host.end->count(), 1);
 }
 
-void TestDialogSession::AFailedSaveWhileInUseIsShown()
+void TestDialogSession::aFailedSaveWhileInUseIsShown()
 {
     Session host;
     host.session->Start();
     host.canSave = false;
     host.fake.SetStatus(0, 1);
     host.fake.close();
-    QTRY_VERIFY(NoticeOnScreen() && NoticeOnScreen()->text().contains(s_notSaved));
+    QTRY_VERIFY(NoticeOnScreen() && NoticeOnScreen()->text().contains(kNotSaved));
     QVERIFY(!Question());
     QCOMPARE(host.end->count(), 0);
 }
 
-void TestDialogSession::StayingHiddenIsShown()
+void TestDialogSession::stayingHiddenIsShown()
 {
     Session host;
     host.session->Start();
@@ -163,7 +163,7 @@ void TestDialogSession::StayingHiddenIsShown()
     QCOMPARE(host.end->count(), 0);
 }
 
-void TestDialogSession::NothingIsShownWhereStandardErrorIsRead()
+void TestDialogSession::nothingIsShownWhereStandardErrorIsRead()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("errors"));
@@ -184,7 +184,7 @@ void TestDialogSession::NothingIsShownWhereStandardErrorIsRead()
     QVERIFY2(said.contains("vexelhost: 1 entry is still in use"), said.constData());
 }
 
-void TestDialogSession::WhatCameBeforeTheDialogIsShownWithIt()
+void TestDialogSession::whatCameBeforeTheDialogIsShownWithIt()
 {
     Session host;
     host.notices.Say(QStringLiteral("the document <b>was</b> damaged"));
@@ -198,7 +198,7 @@ void TestDialogSession::WhatCameBeforeTheDialogIsShownWithIt()
     QVERIFY(!QApplication::activeModalWidget());
 }
 
-void TestDialogSession::SeveralNoticesShareABox()
+void TestDialogSession::severalNoticesShareABox()
 {
     Session host;
     host.session->Start();

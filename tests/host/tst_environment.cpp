@@ -1,4 +1,4 @@
-#include "host/environment.h"
+#include "host/system/environment.h"
 
 #include <QDir>
 #include <QProcessEnvironment>
@@ -16,48 +16,48 @@ class TestEnvironment : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { qunsetenv(s_name); }
+    void init() { qunsetenv(kName); }
 
-    void EveryLetterIsKept_data() { Texts(); }
-    void EveryLetterIsKept()
+    void everyLetterIsKept_data() { Texts(); }
+    void everyLetterIsKept()
     {
         QFETCH(const QString, text);
-        Environment::Set(s_name, text);
-        COMPARE_VARIABLE(s_name, text);
-        Environment::Set(s_name, QStringLiteral("another"));
-        COMPARE_VARIABLE(s_name, QStringLiteral("another"));
+        Environment::Set(kName, text);
+        COMPARE_VARIABLE(kName, text);
+        Environment::Set(kName, QStringLiteral("another"));
+        COMPARE_VARIABLE(kName, QStringLiteral("another"));
     }
 
-    void TheFirstOfAList_data() { Texts(); }
-    void TheFirstOfAList()
+    void theFirstOfAList_data() { Texts(); }
+    void theFirstOfAList()
     {
         QFETCH(const QString, text);
-        Environment::Prepend(s_name, text);
-        COMPARE_VARIABLE(s_name, text);
+        Environment::Prepend(kName, text);
+        COMPARE_VARIABLE(kName, text);
         // Those that are there keep their letters, too.
-        Environment::Prepend(s_name, QStringLiteral("/first"));
-        COMPARE_VARIABLE(s_name, QStringLiteral("/first") + QDir::listSeparator() + text);
+        Environment::Prepend(kName, QStringLiteral("/first"));
+        COMPARE_VARIABLE(kName, QStringLiteral("/first") + QDir::listSeparator() + text);
     }
 
-    void LongListsAreKept()
+    void longListsAreKept()
     {
         const QString text(20'000, QChar(0x5317));
-        Environment::Prepend(s_name, text);
-        Environment::Prepend(s_name, QStringLiteral("/first"));
-        COMPARE_VARIABLE(s_name, QStringLiteral("/first") + QDir::listSeparator() + text);
+        Environment::Prepend(kName, text);
+        Environment::Prepend(kName, QStringLiteral("/first"));
+        COMPARE_VARIABLE(kName, QStringLiteral("/first") + QDir::listSeparator() + text);
     }
 
 #ifdef Q_OS_UNIX
-    void BytesThatAreNoTextAreKept()
+    void bytesThatAreNoTextAreKept()
     {
-        qputenv(s_name, "/a\xff\xfe");
-        Environment::Prepend(s_name, QStringLiteral("/first"));
-        QCOMPARE(qgetenv(s_name), QByteArray("/first:/a\xff\xfe"));
+        qputenv(kName, "/a\xff\xfe");
+        Environment::Prepend(kName, QStringLiteral("/first"));
+        QCOMPARE(qgetenv(kName), QByteArray("/first:/a\xff\xfe"));
     }
 #endif
 
 private:
-    static constexpr const char* s_name = "VEXEL_TEST_ENVIRONMENT";
+    static constexpr const char* kName = "VEXEL_TEST_ENVIRONMENT";
 
     static void Texts()
     {

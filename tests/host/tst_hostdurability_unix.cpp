@@ -1,7 +1,7 @@
 #include "host/application.h"
-#include "host/listfile.h"
-#include "host/malformedset.h"
-#include "host/storedset.h"
+#include "host/headless/listfile.h"
+#include "host/store/brokenlistbackup.h"
+#include "host/store/storedset.h"
 #include "platform/configversions.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/diskrequests_unix.h"
@@ -31,7 +31,7 @@ private slots:
         m_root.reset();
     }
 
-    void ANewConfigurationDirectory()
+    void aNewConfigurationDirectory()
     {
         HostOptions options;
         options.plugin = QStringLiteral(REAL_PLUGIN);
@@ -46,7 +46,7 @@ private slots:
         QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new/folder"))) >= 0);
     }
 
-    void AnExportedList()
+    void anExportedList()
     {
         const QString file = m_root->filePath(QStringLiteral("list.xml"));
         for (const char* content : {"<ConnectionEntries/>", "<ConnectionEntries></ConnectionEntries>"}) {
@@ -56,13 +56,13 @@ private slots:
         }
     }
 
-    void AListThatBreaksOff()
+    void aListThatBreaksOff()
     {
         QVERIFY(CfgCenter::Open(m_root->path()));
         StoreList(ListOf(5).chopped(30));
         QVERIFY(CfgCenter::SaveDocument());
         DiskRequests::Forget();
-        QVERIFY(!KeepMalformedSetAside(ReadStoredSet(*CfgCenter::GetAppCfg(View::Application))).isEmpty());
+        QVERIFY(!BackUpBrokenList(ReadStoredSet(*CfgCenter::GetAppCfg(View::Application))).isEmpty());
         const QFileInfo document(ConfigVersions(View::Application, QString()).DocumentFile());
         const QFileInfoList copies =
             document.dir().entryInfoList({document.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);

@@ -1,4 +1,4 @@
-#include "host/hostoptions.h"
+#include "host/options/hostoptions.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,21 +21,21 @@ class TestHostOptions : public QObject
     Q_OBJECT
 
 private slots:
-    void NothingGiven();
-    void EveryOptionArrives();
-    void PathsBecomeAbsolute();
-    void NamesToConnectAreTakenOnceAndAsTheyAre();
-    void LanguageMayBeTheSourceTexts();
-    void HelpNamesEveryOptionAndEveryExitCode();
-    void VersionIsThatOfTheProject();
-    void WrongCommandLines_data();
-    void WrongCommandLines();
-    void HeadlessOptions_data();
-    void HeadlessOptions();
-    void SupportOptions();
+    void nothingGiven();
+    void everyOptionArrives();
+    void pathsBecomeAbsolute();
+    void namesToConnectAreTakenOnceAndAsTheyAre();
+    void languageMayBeTheSourceTexts();
+    void helpNamesEveryOptionAndEveryExitCode();
+    void versionIsThatOfTheProject();
+    void wrongCommandLines_data();
+    void wrongCommandLines();
+    void headlessOptions_data();
+    void headlessOptions();
+    void supportOptions();
 };
 
-void TestHostOptions::NothingGiven()
+void TestHostOptions::nothingGiven()
 {
     const ParsedCommandLine parsed = Parse({});
     QCOMPARE(parsed.outcome, Outcome::Run);
@@ -49,7 +49,7 @@ void TestHostOptions::NothingGiven()
     QVERIFY(!parsed.options.IsHeadless());
 }
 
-void TestHostOptions::EveryOptionArrives()
+void TestHostOptions::everyOptionArrives()
 {
     const QTemporaryDir data;
     const ParsedCommandLine parsed = Parse({QStringLiteral("--plugin"),
@@ -117,7 +117,7 @@ void TestHostOptions::EveryOptionArrives()
     QVERIFY(rest.options.connectSelected);
 }
 
-void TestHostOptions::PathsBecomeAbsolute()
+void TestHostOptions::pathsBecomeAbsolute()
 {
     const ParsedCommandLine parsed = Parse(
         {QStringLiteral("--plugin"), QStringLiteral("plug.so"), QStringLiteral("--config"), QStringLiteral("a/../b"),
@@ -136,7 +136,7 @@ void TestHostOptions::PathsBecomeAbsolute()
     QCOMPARE(parsed.options.dataDirectory, here.absolutePath());
 }
 
-void TestHostOptions::NamesToConnectAreTakenOnceAndAsTheyAre()
+void TestHostOptions::namesToConnectAreTakenOnceAndAsTheyAre()
 {
     const QString odd = QStringLiteral(" a\nb ");
     const ParsedCommandLine parsed = Parse({QStringLiteral("--connect"), odd, QStringLiteral("--connect"), odd,
@@ -147,7 +147,7 @@ void TestHostOptions::NamesToConnectAreTakenOnceAndAsTheyAre()
     QVERIFY(parsed.options.Connects());
 }
 
-void TestHostOptions::LanguageMayBeTheSourceTexts()
+void TestHostOptions::languageMayBeTheSourceTexts()
 {
     const ParsedCommandLine parsed = Parse({QStringLiteral("--language"), QStringLiteral("C")});
     QCOMPARE(parsed.outcome, Outcome::Run);
@@ -155,7 +155,7 @@ void TestHostOptions::LanguageMayBeTheSourceTexts()
     QCOMPARE(parsed.options.language.value_or(QLocale(QLocale::German)), QLocale::c());
 }
 
-void TestHostOptions::HelpNamesEveryOptionAndEveryExitCode()
+void TestHostOptions::helpNamesEveryOptionAndEveryExitCode()
 {
     for (const QString& option : {QStringLiteral("--help"), QStringLiteral("-h")}) {
         const ParsedCommandLine parsed = Parse({option});
@@ -196,14 +196,14 @@ void TestHostOptions::HelpNamesEveryOptionAndEveryExitCode()
     }
 }
 
-void TestHostOptions::VersionIsThatOfTheProject()
+void TestHostOptions::versionIsThatOfTheProject()
 {
     const ParsedCommandLine parsed = Parse({QStringLiteral("--version")});
     QCOMPARE(parsed.outcome, Outcome::Print);
     QCOMPARE(parsed.text, QStringLiteral("vexelhost " VEXEL_VERSION "\n"));
 }
 
-void TestHostOptions::WrongCommandLines_data()
+void TestHostOptions::wrongCommandLines_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("hint");
@@ -258,7 +258,7 @@ void TestHostOptions::WrongCommandLines_data()
     row("during nothing", {QStringLiteral("--screenshot-during"), QStringLiteral("a.png")}, "--connect");
 }
 
-void TestHostOptions::WrongCommandLines()
+void TestHostOptions::wrongCommandLines()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, hint);
@@ -268,7 +268,7 @@ void TestHostOptions::WrongCommandLines()
     QVERIFY(!parsed.text.contains(QLatin1Char('\n')));
 }
 
-void TestHostOptions::HeadlessOptions_data()
+void TestHostOptions::headlessOptions_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<bool>("headless");
@@ -291,7 +291,7 @@ void TestHostOptions::HeadlessOptions_data()
         false);
 }
 
-void TestHostOptions::HeadlessOptions()
+void TestHostOptions::headlessOptions()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const bool, headless);
@@ -300,7 +300,7 @@ void TestHostOptions::HeadlessOptions()
     QCOMPARE(parsed.options.IsHeadless(), headless);
 }
 
-void TestHostOptions::SupportOptions()
+void TestHostOptions::supportOptions()
 {
     const ParsedCommandLine backups = Parse({QStringLiteral("--backups"), QStringLiteral("--json")});
     QCOMPARE(backups.outcome, Outcome::Run);
@@ -322,7 +322,7 @@ void TestHostOptions::SupportOptions()
 
     QVERIFY(!Parse({QStringLiteral("--list")}).options.IsForSupport());
     QCOMPARE(Parse({QStringLiteral("--export"), QStringLiteral("-")}).options.fileToExport,
-             HostOptions::s_standardOutput);
+             HostOptions::kStandardOutput);
 }
 
 QTEST_GUILESS_MAIN(TestHostOptions)

@@ -1,4 +1,4 @@
-#include "host/storedset.h"
+#include "host/store/storedset.h"
 #include "tests/host/storeddocument.h"
 
 #include <QTest>
@@ -12,14 +12,14 @@ class TestHostStoredSet : public QObject
 
 private slots:
     void init();
-    void NothingStored();
-    void Sets_data();
-    void Sets();
-    void EveryBreakIsSeen();
-    void EntitiesAreNotExpanded();
-    void LaterChangesMakeNoDifference();
-    void HexAsPeopleLeaveIt_data();
-    void HexAsPeopleLeaveIt();
+    void nothingStored();
+    void sets_data();
+    void sets();
+    void everyBreakIsSeen();
+    void entitiesAreNotExpanded();
+    void laterChangesMakeNoDifference();
+    void hexAsPeopleLeaveIt_data();
+    void hexAsPeopleLeaveIt();
 };
 
 namespace {
@@ -37,7 +37,7 @@ void TestHostStoredSet::init()
     CfgCenter::Close();
 }
 
-void TestHostStoredSet::NothingStored()
+void TestHostStoredSet::nothingStored()
 {
     QCOMPARE(Look().state, State::None);
     StoreHex(QString());
@@ -45,7 +45,7 @@ void TestHostStoredSet::NothingStored()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::Sets_data()
+void TestHostStoredSet::sets_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<State>("state");
@@ -66,7 +66,7 @@ void TestHostStoredSet::Sets_data()
     QTest::newRow("control character") << ListOf(2).replace("Entry 2", "Entry \x01") << State::Malformed << 2;
 }
 
-void TestHostStoredSet::Sets()
+void TestHostStoredSet::sets()
 {
     QFETCH(const QByteArray, document);
     StoreList(document);
@@ -74,7 +74,7 @@ void TestHostStoredSet::Sets()
     QTEST(Look().entries, "entries");
 }
 
-void TestHostStoredSet::EveryBreakIsSeen()
+void TestHostStoredSet::everyBreakIsSeen()
 {
     const QByteArray document = ListOf(2).trimmed();
     for (qsizetype length = 1; length < document.size(); ++length) {
@@ -85,7 +85,7 @@ void TestHostStoredSet::EveryBreakIsSeen()
     QCOMPARE(Look().state, State::Whole);
 }
 
-void TestHostStoredSet::EntitiesAreNotExpanded()
+void TestHostStoredSet::entitiesAreNotExpanded()
 {
     QByteArray document = "<!DOCTYPE r [<!ENTITY a0 \"x\">";
     for (int i = 1; i < 40; ++i) {
@@ -97,7 +97,7 @@ void TestHostStoredSet::EntitiesAreNotExpanded()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::LaterChangesMakeNoDifference()
+void TestHostStoredSet::laterChangesMakeNoDifference()
 {
     StoreList(ListOf(1000).chopped(30));
     std::future<StoredSet> begun = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
@@ -108,7 +108,7 @@ void TestHostStoredSet::LaterChangesMakeNoDifference()
     QCOMPARE(set.entries, 1000);
 }
 
-void TestHostStoredSet::HexAsPeopleLeaveIt_data()
+void TestHostStoredSet::hexAsPeopleLeaveIt_data()
 {
     QTest::addColumn<QString>("hex");
     QTest::addColumn<State>("state");
@@ -122,7 +122,7 @@ void TestHostStoredSet::HexAsPeopleLeaveIt_data()
     QTest::newRow("a digit missing") << QString(hex).remove(100, 1) << State::Malformed;
 }
 
-void TestHostStoredSet::HexAsPeopleLeaveIt()
+void TestHostStoredSet::hexAsPeopleLeaveIt()
 {
     QFETCH(const QString, hex);
     StoreHex(hex);

@@ -10,10 +10,10 @@ class TestInstalledTree : public QObject
     Q_OBJECT
 
 private slots:
-    void RunsAfterItWasMoved();
+    void runsAfterItWasMoved();
 };
 
-void TestInstalledTree::RunsAfterItWasMoved()
+void TestInstalledTree::runsAfterItWasMoved()
 {
     QDir installed(QStringLiteral(VEXEL_INSTALLED));
     const QString place = installed.absoluteFilePath(QStringLiteral("second place"));

@@ -1,4 +1,4 @@
-#include "host/linkport.h"
+#include "host/support/linkport.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -10,11 +10,11 @@ class TestLinkPort : public QObject
     Q_OBJECT
 
 private slots:
-    void FreePort();
-    void TakenPort_data();
-    void TakenPort();
-    void NobodyIsCalled();
-    void WhoLooksKeepsNobodyOut();
+    void freePort();
+    void takenPort_data();
+    void takenPort();
+    void nobodyIsCalled();
+    void whoLooksKeepsNobodyOut();
 };
 
 namespace {
@@ -28,17 +28,17 @@ quint16 SomePort()
 
 } // namespace
 
-void TestLinkPort::FreePort()
+void TestLinkPort::freePort()
 {
     const quint16 number = SomePort();
     QVERIFY(number != 0);
-    const LinkPort port = LookAtPort(number);
+    const LinkPort port = ProbePort(number);
     QVERIFY(port.isFree);
     QVERIFY(!port.owner);
     QCOMPARE(port.error, QString());
 }
 
-void TestLinkPort::TakenPort_data()
+void TestLinkPort::takenPort_data()
 {
     QTest::addColumn<QHostAddress>("address");
     QTest::newRow("IPv4") << QHostAddress(QHostAddress::LocalHost);
@@ -46,13 +46,13 @@ void TestLinkPort::TakenPort_data()
     QTest::newRow("every address") << QHostAddress(QHostAddress::Any);
 }
 
-void TestLinkPort::TakenPort()
+void TestLinkPort::takenPort()
 {
     QFETCH(const QHostAddress, address);
     QTcpServer server;
     if (!server.listen(address))
         QSKIP("This machine does not have this kind of address.");
-    const LinkPort port = LookAtPort(server.serverPort());
+    const LinkPort port = ProbePort(server.serverPort());
     QVERIFY(!port.isFree);
     QCOMPARE(port.error, QString());
 #ifdef Q_OS_LINUX
@@ -64,11 +64,11 @@ void TestLinkPort::TakenPort()
 #endif
 }
 
-void TestLinkPort::NobodyIsCalled()
+void TestLinkPort::nobodyIsCalled()
 {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
-    QVERIFY(!LookAtPort(server.serverPort()).isFree);
+    QVERIFY(!ProbePort(server.serverPort()).isFree);
     // A real call, so that it would have been heard of by now.
     QTcpSocket caller;
     caller.connectToHost(QHostAddress::LocalHost, server.serverPort());
@@ -77,7 +77,7 @@ void TestLinkPort::NobodyIsCalled()
     QVERIFY(!server.hasPendingConnections());
 }
 
-void TestLinkPort::WhoLooksKeepsNobodyOut()
+void TestLinkPort::whoLooksKeepsNobodyOut()
 {
     const quint16 number = SomePort();
     QTcpSocket probe;

@@ -1,4 +1,4 @@
-#include "host/listfile.h"
+#include "host/headless/listfile.h"
 #include "tests/support/system.h"
 
 #include <QDir>
@@ -12,15 +12,15 @@ class TestListFile : public QObject
     Q_OBJECT
 
 private slots:
-    void ReadsAFileWhole();
-    void RefusesWhatIsNoFile_data();
-    void RefusesWhatIsNoFile();
-    void ReadsUpToTheLimitAndNoFurther();
-    void WritesAFileWhole();
-    void WritesNothingInPlaceOfWhatIsNoFile();
+    void readsAFileWhole();
+    void refusesWhatIsNoFile_data();
+    void refusesWhatIsNoFile();
+    void readsUpToTheLimitAndNoFurther();
+    void writesAFileWhole();
+    void writesNothingInPlaceOfWhatIsNoFile();
 };
 
-void TestListFile::ReadsAFileWhole()
+void TestListFile::readsAFileWhole()
 {
     const QTemporaryDir directory;
     QFile file(directory.filePath(QStringLiteral("list.xml")));
@@ -33,7 +33,7 @@ void TestListFile::ReadsAFileWhole()
     QCOMPARE(read.content, content);
 }
 
-void TestListFile::RefusesWhatIsNoFile_data()
+void TestListFile::refusesWhatIsNoFile_data()
 {
     QTest::addColumn<QString>("fileName");
     QTest::newRow("missing") << QStringLiteral("/no/such/list.xml");
@@ -44,7 +44,7 @@ void TestListFile::RefusesWhatIsNoFile_data()
         QTest::newRow(qPrintable(device)) << device;
 }
 
-void TestListFile::RefusesWhatIsNoFile()
+void TestListFile::refusesWhatIsNoFile()
 {
     QFETCH(const QString, fileName);
     const ListFile read = ReadListFile(fileName);
@@ -52,7 +52,7 @@ void TestListFile::RefusesWhatIsNoFile()
     QVERIFY2(read.error.contains(fileName), qPrintable(read.error));
 }
 
-void TestListFile::ReadsUpToTheLimitAndNoFurther()
+void TestListFile::readsUpToTheLimitAndNoFurther()
 {
     constexpr qint64 limit = 64LL * 1024 * 1024;
     const QTemporaryDir directory;
@@ -67,7 +67,7 @@ void TestListFile::ReadsUpToTheLimitAndNoFurther()
     QVERIFY2(read.error.contains(QLatin1String("64 MiB")), qPrintable(read.error));
 }
 
-void TestListFile::WritesAFileWhole()
+void TestListFile::writesAFileWhole()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("list.xml"));
@@ -78,7 +78,7 @@ void TestListFile::WritesAFileWhole()
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(QStringLiteral("list.xml")));
 }
 
-void TestListFile::WritesNothingInPlaceOfWhatIsNoFile()
+void TestListFile::writesNothingInPlaceOfWhatIsNoFile()
 {
     const QTemporaryDir directory;
     QVERIFY(QDir(directory.path()).mkdir(QStringLiteral("folder")));

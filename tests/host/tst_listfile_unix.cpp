@@ -1,4 +1,4 @@
-#include "host/listfile.h"
+#include "host/headless/listfile.h"
 #include "tests/dialog/filesizelimit.h"
 
 #include <QDir>
@@ -11,7 +11,7 @@ class TestListFileUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void AFullDiskLeavesTheFileAsItWas()
+    void aFullDiskLeavesTheFileAsItWas()
     {
         const QTemporaryDir directory;
         const QString fileName = directory.filePath(QStringLiteral("list.xml"));

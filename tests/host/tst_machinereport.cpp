@@ -1,5 +1,5 @@
-#include "host/machinereport.h"
-#include "host/supportreport.h"
+#include "host/support/machinereport.h"
+#include "host/support/supportreport.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
@@ -17,14 +17,14 @@ class TestMachineReport : public QObject
 
 private slots:
     void init();
-    void SaysWhatThePluginReads_data();
-    void SaysWhatThePluginReads();
-    void SaysWhyAFileIsNotRead();
-    void SaysWhereXmlBreaks();
-    void FindsExecutables();
-    void ConfiguredMappingCountsFirst();
-    void SaysWhatIsDropped_data();
-    void SaysWhatIsDropped();
+    void saysWhatThePluginReads_data();
+    void saysWhatThePluginReads();
+    void saysWhyAFileIsNotRead();
+    void saysWhereXmlBreaks();
+    void findsExecutables();
+    void configuredMappingCountsFirst();
+    void saysWhatIsDropped_data();
+    void saysWhatIsDropped();
 
 private:
     void Write(const char* name, const QByteArray& content) const
@@ -66,7 +66,7 @@ void TestMachineReport::init()
     CfgCenter::Close();
 }
 
-void TestMachineReport::SaysWhatThePluginReads_data()
+void TestMachineReport::saysWhatThePluginReads_data()
 {
     QTest::addColumn<QByteArray>("machine");
     QTest::addColumn<QByteArray>("mapping");
@@ -90,7 +90,7 @@ void TestMachineReport::SaysWhatThePluginReads_data()
     QTest::newRow("entities") << QByteArray("&x;") + Application("A", "a") << Mapping("4", "A");
 }
 
-void TestMachineReport::SaysWhatThePluginReads()
+void TestMachineReport::saysWhatThePluginReads()
 {
     QFETCH(const QByteArray, machine);
     QFETCH(const QByteArray, mapping);
@@ -126,7 +126,7 @@ void TestMachineReport::SaysWhatThePluginReads()
     QCOMPARE(names, expected);
 }
 
-void TestMachineReport::SaysWhyAFileIsNotRead()
+void TestMachineReport::saysWhyAFileIsNotRead()
 {
     // Without a machine file the mapping is not looked for.
     QCOMPARE(Report().value(QLatin1String("machineFileState")), QJsonValue(QStringLiteral("not read: no such file")));
@@ -150,7 +150,7 @@ void TestMachineReport::SaysWhyAFileIsNotRead()
              QJsonValue(QStringLiteral("read; it has no element \"Machine\"")));
 }
 
-void TestMachineReport::SaysWhereXmlBreaks()
+void TestMachineReport::saysWhereXmlBreaks()
 {
     WriteMachine("<A>\n  <Startup></A>");
     WriteMapping(Mapping("4", "A") + "\n<x></y>");
@@ -161,7 +161,7 @@ void TestMachineReport::SaysWhereXmlBreaks()
     }
 }
 
-void TestMachineReport::FindsExecutables()
+void TestMachineReport::findsExecutables()
 {
     const QString here = QCoreApplication::applicationDirPath();
     const QString program = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
@@ -179,7 +179,7 @@ void TestMachineReport::FindsExecutables()
     QCOMPARE(elsewhere.at(0)[QLatin1String("foundAs")], QJsonValue(QStringLiteral("NOT FOUND")));
 }
 
-void TestMachineReport::ConfiguredMappingCountsFirst()
+void TestMachineReport::configuredMappingCountsFirst()
 {
     WriteMachine(Application("A", "a"));
     WriteMapping(Mapping("4", "A"));
@@ -192,7 +192,7 @@ void TestMachineReport::ConfiguredMappingCountsFirst()
     QCOMPARE(types.at(9)[QLatin1String("executable")], QJsonValue(QStringLiteral("a")));
 }
 
-void TestMachineReport::SaysWhatIsDropped_data()
+void TestMachineReport::saysWhatIsDropped_data()
 {
     QTest::addColumn<QByteArray>("machine");
     QTest::addColumn<QByteArray>("mapping");
@@ -241,7 +241,7 @@ void TestMachineReport::SaysWhatIsDropped_data()
          QStringLiteral("application \"B\": no device type is mapped to its executable")});
 }
 
-void TestMachineReport::SaysWhatIsDropped()
+void TestMachineReport::saysWhatIsDropped()
 {
     QFETCH(const QByteArray, machine);
     QFETCH(const QByteArray, mapping);

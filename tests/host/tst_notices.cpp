@@ -1,4 +1,4 @@
-#include "host/notices.h"
+#include "host/output/notices.h"
 #include "tests/host/errorsto.h"
 
 #include <QFile>
@@ -11,12 +11,12 @@ class TestNotices : public QObject
     Q_OBJECT
 
 private slots:
-    void OnStandardErrorWhereItIsRead();
-    void ShownWhereNobodyReads();
-    void KeptUntilTheyCanBeShown();
+    void onStandardErrorWhereItIsRead();
+    void shownWhereNobodyReads();
+    void keptUntilTheyCanBeShown();
 };
 
-void TestNotices::OnStandardErrorWhereItIsRead()
+void TestNotices::onStandardErrorWhereItIsRead()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("errors"));
@@ -35,7 +35,7 @@ void TestNotices::OnStandardErrorWhereItIsRead()
     QCOMPARE(file.readAll(), QByteArray("vexelhost: one\nvexelhost: two\n"));
 }
 
-void TestNotices::ShownWhereNobodyReads()
+void TestNotices::shownWhereNobodyReads()
 {
     const ErrorsTo errors(QProcess::nullDevice());
     QStringList shown;
@@ -47,7 +47,7 @@ void TestNotices::ShownWhereNobodyReads()
     QCOMPARE(shown, QStringList({QStringLiteral("one"), QStringLiteral("zwei"), QStringLiteral("three")}));
 }
 
-void TestNotices::KeptUntilTheyCanBeShown()
+void TestNotices::keptUntilTheyCanBeShown()
 {
     const ErrorsTo errors(QProcess::nullDevice());
     QStringList shown;

@@ -13,7 +13,7 @@
 namespace {
 
 // Nobody has such a library.
-const wchar_t* const s_library = L"vexelplanted.dll";
+const wchar_t* const kLibrary = L"vexelplanted.dll";
 
 /// Lets the process load the library by its bare name, as if one of its own libraries did so. Returns whether it has
 /// found it: "found", "not found", or "not told" where it cannot be told to.
@@ -22,18 +22,18 @@ QString Loaded(qint64 number)
     const HANDLE process = OpenProcess(PROCESS_ALL_ACCESS, FALSE, static_cast<DWORD>(number));
     if (!process)
         return QStringLiteral("not told");
-    const auto length = (std::wcslen(s_library) + 1) * sizeof(wchar_t);
+    const auto length = (std::wcslen(kLibrary) + 1) * sizeof(wchar_t);
     void* const name = VirtualAllocEx(process, nullptr, length, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
     // The system's libraries are at one place in all processes.
     const FARPROC load = GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW");
     const auto routine = reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(load));
     QString result = QStringLiteral("not told");
-    if (name && WriteProcessMemory(process, name, s_library, length, nullptr)) {
+    if (name && WriteProcessMemory(process, name, kLibrary, length, nullptr)) {
         if (const HANDLE thread = CreateRemoteThread(process, nullptr, 0, routine, name, 0, nullptr)) {
-            constexpr DWORD patienceMs = 30'000;
+            constexpr DWORD timeoutMs = 30'000;
             DWORD code = 0;
             // The lower half of where it is loaded.
-            if (WaitForSingleObject(thread, patienceMs) == WAIT_OBJECT_0 && GetExitCodeThread(thread, &code))
+            if (WaitForSingleObject(thread, timeoutMs) == WAIT_OBJECT_0 && GetExitCodeThread(thread, &code))
                 result = code != 0 ? QStringLiteral("found") : QStringLiteral("not found");
             CloseHandle(thread);
         }
@@ -58,8 +58,8 @@ private slots:
     }
 
     // Without this the others would say nothing: a program that takes no care does load it.
-    void OneThatTakesNoCare_data() { Places(); }
-    void OneThatTakesNoCare()
+    void oneThatTakesNoCare_data() { Places(); }
+    void oneThatTakesNoCare()
     {
         QFETCH(const QString, place);
         QProcess process;
@@ -69,8 +69,8 @@ private slots:
         End(process);
     }
 
-    void Host_data() { Places(); }
-    void Host()
+    void host_data() { Places(); }
+    void host()
     {
         QFETCH(const QString, place);
         QProcess process;
@@ -82,8 +82,8 @@ private slots:
         End(process);
     }
 
-    void Starter_data() { Places(); }
-    void Starter()
+    void starter_data() { Places(); }
+    void starter()
     {
         QFETCH(const QString, place);
         QProcess process;
@@ -99,8 +99,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!System::IsProcess(child), 60'000);
     }
 
-    void SampleApplication_data() { Places(); }
-    void SampleApplication()
+    void sampleApplication_data() { Places(); }
+    void sampleApplication()
     {
         QFETCH(const QString, place);
         QProcess process;
@@ -120,18 +120,18 @@ private:
         QTest::newRow("PATH") << QStringLiteral("listed");
     }
 
-    QString Current() const { return m_Directory.filePath(QStringLiteral("current")); }
-    QString Listed() const { return m_Directory.filePath(QStringLiteral("listed")); }
+    QString Current() const { return m_directory.filePath(QStringLiteral("current")); }
+    QString Listed() const { return m_directory.filePath(QStringLiteral("listed")); }
     /// Where programs tell that they run.
-    QString Elsewhere() const { return m_Directory.filePath(QStringLiteral("elsewhere")); }
+    QString Elsewhere() const { return m_directory.filePath(QStringLiteral("elsewhere")); }
 
     /// Starts it with the library in the folder `place`.
     void Start(QProcess& process, const QString& program, const QStringList& arguments, const QString& place) const
     {
-        const QString name = QString::fromWCharArray(s_library);
+        const QString name = QString::fromWCharArray(kLibrary);
         for (const QString& folder : {Current(), Listed()})
             QFile::remove(folder + u'/' + name);
-        QVERIFY(QFile::copy(QStringLiteral(VEXEL_LIBRARY), m_Directory.filePath(place) + u'/' + name));
+        QVERIFY(QFile::copy(QStringLiteral(VEXEL_LIBRARY), m_directory.filePath(place) + u'/' + name));
 
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("PATH"),
@@ -151,7 +151,7 @@ private:
         QVERIFY(process.waitForFinished());
     }
 
-    QTemporaryDir m_Directory;
+    QTemporaryDir m_directory;
 };
 
 QTEST_GUILESS_MAIN(TestPlantedLibrary)

@@ -1,4 +1,4 @@
-#include "host/pluginlibrary.h"
+#include "host/plugin/pluginlibrary.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -11,21 +11,21 @@ class TestPluginLibrary : public QObject
     Q_OBJECT
 
 private slots:
-    void GoodPlugin();
-    void NameArrivesWhole_data();
-    void NameArrivesWhole();
-    void MissingFile();
-    void MissingFileIsNotLookedForUnderOtherNames();
-    void Directory();
-    void NotALibrary();
-    void EmptyFile();
-    void LibraryWithoutTheFunctions();
-    void LibraryWithOneOfTheFunctions();
-    void PluginThatGivesNoInstance();
-    void DefaultFileStandsBesideTheProgram();
+    void goodPlugin();
+    void nameArrivesWhole_data();
+    void nameArrivesWhole();
+    void missingFile();
+    void missingFileIsNotLookedForUnderOtherNames();
+    void directory();
+    void notALibrary();
+    void emptyFile();
+    void libraryWithoutTheFunctions();
+    void libraryWithOneOfTheFunctions();
+    void pluginThatGivesNoInstance();
+    void defaultFileStandsBesideTheProgram();
 };
 
-void TestPluginLibrary::GoodPlugin()
+void TestPluginLibrary::goodPlugin()
 {
     PluginLibrary library;
     QCOMPARE(library.Load(QStringLiteral(PLUGIN_PLAIN)), PluginLibrary::Error::None);
@@ -40,7 +40,7 @@ void TestPluginLibrary::GoodPlugin()
     QVERIFY(QCoreApplication::instance()->property("plainInstanceDestroyed").toBool());
 }
 
-void TestPluginLibrary::NameArrivesWhole_data()
+void TestPluginLibrary::nameArrivesWhole_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("plain") << QStringLiteral("VexelConnectDlg");
@@ -48,7 +48,7 @@ void TestPluginLibrary::NameArrivesWhole_data()
     QTest::newRow("astral") << QStringLiteral("Mast \U0001F4E1 north");
 }
 
-void TestPluginLibrary::NameArrivesWhole()
+void TestPluginLibrary::nameArrivesWhole()
 {
     QFETCH(const QString, name);
     PluginLibrary library;
@@ -58,14 +58,14 @@ void TestPluginLibrary::NameArrivesWhole()
     QCOMPARE(instance->Name(), name);
 }
 
-void TestPluginLibrary::MissingFile()
+void TestPluginLibrary::missingFile()
 {
     PluginLibrary library;
     QCOMPARE(library.Load(QStringLiteral("/no/such/plugin.so")), PluginLibrary::Error::Missing);
     QVERIFY(library.ErrorText().contains(QLatin1String("/no/such/plugin.so")));
 }
 
-void TestPluginLibrary::MissingFileIsNotLookedForUnderOtherNames()
+void TestPluginLibrary::missingFileIsNotLookedForUnderOtherNames()
 {
     // QLibrary by itself would find "plugin.so" when it is asked for "plugin".
     QString name = QStringLiteral(PLUGIN_PLAIN);
@@ -74,7 +74,7 @@ void TestPluginLibrary::MissingFileIsNotLookedForUnderOtherNames()
     QCOMPARE(library.Load(name), PluginLibrary::Error::Missing);
 }
 
-void TestPluginLibrary::Directory()
+void TestPluginLibrary::directory()
 {
     const QTemporaryDir directory;
     PluginLibrary library;
@@ -82,7 +82,7 @@ void TestPluginLibrary::Directory()
     QVERIFY(library.ErrorText().contains(directory.path()));
 }
 
-void TestPluginLibrary::NotALibrary()
+void TestPluginLibrary::notALibrary()
 {
     const QTemporaryDir directory;
     QFile file(directory.filePath(QStringLiteral("plugin.so")));
@@ -94,7 +94,7 @@ void TestPluginLibrary::NotALibrary()
     QVERIFY(library.ErrorText().contains(file.fileName()));
 }
 
-void TestPluginLibrary::EmptyFile()
+void TestPluginLibrary::emptyFile()
 {
     const QTemporaryDir directory;
     QFile file(directory.filePath(QStringLiteral("plugin.so")));
@@ -104,7 +104,7 @@ void TestPluginLibrary::EmptyFile()
     QCOMPARE(library.Load(file.fileName()), PluginLibrary::Error::NotLoadable);
 }
 
-void TestPluginLibrary::LibraryWithoutTheFunctions()
+void TestPluginLibrary::libraryWithoutTheFunctions()
 {
     PluginLibrary library;
     QCOMPARE(library.Load(QStringLiteral(LIBRARY_NOEXPORTS)), PluginLibrary::Error::LacksFunctions);
@@ -112,20 +112,20 @@ void TestPluginLibrary::LibraryWithoutTheFunctions()
     QVERIFY(library.ErrorText().contains(QLatin1String("ARDestroy")));
 }
 
-void TestPluginLibrary::LibraryWithOneOfTheFunctions()
+void TestPluginLibrary::libraryWithOneOfTheFunctions()
 {
     PluginLibrary library;
     QCOMPARE(library.Load(QStringLiteral(LIBRARY_ONLYCREATE)), PluginLibrary::Error::LacksFunctions);
 }
 
-void TestPluginLibrary::PluginThatGivesNoInstance()
+void TestPluginLibrary::pluginThatGivesNoInstance()
 {
     PluginLibrary library;
     QCOMPARE(library.Load(QStringLiteral(PLUGIN_REFUSING)), PluginLibrary::Error::None);
     QVERIFY(!library.Create(QStringLiteral("VexelConnectDlg")));
 }
 
-void TestPluginLibrary::DefaultFileStandsBesideTheProgram()
+void TestPluginLibrary::defaultFileStandsBesideTheProgram()
 {
     const QString file = PluginLibrary::DefaultFile(QStringLiteral(PROGRAM_DIRECTORY));
     QVERIFY(QDir::isAbsolutePath(file));

@@ -1,4 +1,4 @@
-#include "host/quitquestion.h"
+#include "host/desktop/quitquestion.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -31,16 +31,16 @@ class TestQuitQuestion : public QObject
     Q_OBJECT
 
 private slots:
-    void Tells_data();
-    void Tells();
-    void TellsWhatCouldNotBeSaved();
-    void Answers_data();
-    void Answers();
-    void AsksOnceAtATime();
-    void GoesWithItsObject();
+    void tells_data();
+    void tells();
+    void tellsWhatCouldNotBeSaved();
+    void answers_data();
+    void answers();
+    void asksOnceAtATime();
+    void goesWithItsObject();
 };
 
-void TestQuitQuestion::Tells_data()
+void TestQuitQuestion::tells_data()
 {
     QTest::addColumn<int>("inUse");
     QTest::addColumn<QString>("text");
@@ -48,7 +48,7 @@ void TestQuitQuestion::Tells_data()
     QTest::newRow("three") << 3 << QStringLiteral("3 entries are in use.");
 }
 
-void TestQuitQuestion::Tells()
+void TestQuitQuestion::tells()
 {
     QFETCH(const int, inUse);
     QFETCH(const QString, text);
@@ -59,7 +59,7 @@ void TestQuitQuestion::Tells()
     QVERIFY(OpenBox()->text().contains(QLatin1String("end with it")));
 }
 
-void TestQuitQuestion::TellsWhatCouldNotBeSaved()
+void TestQuitQuestion::tellsWhatCouldNotBeSaved()
 {
     QuitQuestion question;
     const QSignalSpy answered(&question, &QuitQuestion::Answered);
@@ -73,7 +73,7 @@ void TestQuitQuestion::TellsWhatCouldNotBeSaved()
     QVERIFY(!answered.at(0).at(0).toBool());
 }
 
-void TestQuitQuestion::Answers_data()
+void TestQuitQuestion::answers_data()
 {
     QTest::addColumn<QString>("button");
     QTest::addColumn<int>("key");
@@ -85,7 +85,7 @@ void TestQuitQuestion::Answers_data()
     QTest::newRow("the window's own cross") << QString() << 0 << false;
 }
 
-void TestQuitQuestion::Answers()
+void TestQuitQuestion::answers()
 {
     QFETCH(const QString, button);
     QFETCH(const int, key);
@@ -115,7 +115,7 @@ void TestQuitQuestion::Answers()
     QCOMPARE(answered.count(), 2);
 }
 
-void TestQuitQuestion::AsksOnceAtATime()
+void TestQuitQuestion::asksOnceAtATime()
 {
     QuitQuestion question;
     const QSignalSpy answered(&question, &QuitQuestion::Answered);
@@ -128,7 +128,7 @@ void TestQuitQuestion::AsksOnceAtATime()
     QCOMPARE(answered.count(), 1);
 }
 
-void TestQuitQuestion::GoesWithItsObject()
+void TestQuitQuestion::goesWithItsObject()
 {
     auto question = std::make_unique<QuitQuestion>();
     const QSignalSpy answered(question.get(), &QuitQuestion::Answered);

@@ -1,4 +1,4 @@
-#include "host/rotatingfile.h"
+#include "host/output/rotatingfile.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
 
@@ -13,9 +13,9 @@
 
 namespace {
 
-const QString s_write = QStringLiteral("--write");
-constexpr qint64 s_largest = 1000;
-constexpr int s_linesPerWriter = 2000;
+const QString kWrite = QStringLiteral("--write");
+constexpr qint64 kLargest = 1000;
+constexpr int kLinesPerWriter = 2000;
 
 QByteArray Line(int number)
 {
@@ -40,41 +40,41 @@ class TestRotatingFile : public QObject
     Q_OBJECT
 
 private slots:
-    void AppendsToWhatIsThere();
-    void AFullFileIsPutAside();
-    void FiveEarlierFilesAreKept();
-    void AFileThatWasTooLargeBefore();
-    void ALineIsNeverSplit_data();
-    void ALineIsNeverSplit();
-    void AGapIsFilledFirst();
-    void AFailureIsToldOnceAndLosesNothing_data();
-    void AFailureIsToldOnceAndLosesNothing();
-    void ItWorksAgainWhenTheWayIsFree();
-    void AnotherProcessAtItIsNoFailure();
-    void AFileThatSomebodyElsePutAside();
-    void DevicesAreLeftAlone();
-    void SeveralProcesses();
-    void UnusableFile();
+    void appendsToWhatIsThere();
+    void aFullFileIsPutAside();
+    void fiveEarlierFilesAreKept();
+    void aFileThatWasTooLargeBefore();
+    void aLineIsNeverSplit_data();
+    void aLineIsNeverSplit();
+    void aGapIsFilledFirst();
+    void aFailureIsToldOnceAndLosesNothing_data();
+    void aFailureIsToldOnceAndLosesNothing();
+    void itWorksAgainWhenTheWayIsFree();
+    void anotherProcessAtItIsNoFailure();
+    void aFileThatSomebodyElsePutAside();
+    void devicesAreLeftAlone();
+    void severalProcesses();
+    void unusableFile();
 };
 
-void TestRotatingFile::AppendsToWhatIsThere()
+void TestRotatingFile::appendsToWhatIsThere()
 {
     const Fixture fixture;
     QVERIFY(Files::Write(fixture.name, "before\n"));
     RotatingFile file;
     QVERIFY(!file.IsOpen());
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     QVERIFY(file.IsOpen());
     QCOMPARE(file.Append("after\n"), QString());
     // At once, without closing.
     QCOMPARE(Files::Read(fixture.name), QByteArray("before\nafter\n"));
 }
 
-void TestRotatingFile::AFullFileIsPutAside()
+void TestRotatingFile::aFullFileIsPutAside()
 {
     const Fixture fixture;
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     QByteArray first;
     for (int i = 0; i < 100; ++i) {
         first += Line(i);
@@ -89,11 +89,11 @@ void TestRotatingFile::AFullFileIsPutAside()
     QCOMPARE(Files::Read(fixture.name), Line(100));
 }
 
-void TestRotatingFile::FiveEarlierFilesAreKept()
+void TestRotatingFile::fiveEarlierFilesAreKept()
 {
     const Fixture fixture;
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     constexpr int lines = 850;
     for (int i = 0; i < lines; ++i)
         QCOMPARE(file.Append(Line(i)), QString());
@@ -109,19 +109,19 @@ void TestRotatingFile::FiveEarlierFilesAreKept()
     QCOMPARE(kept, expected);
 }
 
-void TestRotatingFile::AFileThatWasTooLargeBefore()
+void TestRotatingFile::aFileThatWasTooLargeBefore()
 {
     const Fixture fixture;
-    const QByteArray before(5 * s_largest, 'x');
+    const QByteArray before(5 * kLargest, 'x');
     QVERIFY(Files::Write(fixture.name, before));
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     QCOMPARE(file.Append(Line(1)), QString());
     QCOMPARE(Files::Read(fixture.Earlier(1)), before);
     QCOMPARE(Files::Read(fixture.name), Line(1));
 }
 
-void TestRotatingFile::ALineIsNeverSplit_data()
+void TestRotatingFile::aLineIsNeverSplit_data()
 {
     QTest::addColumn<int>("length");
     QTest::newRow("does not fit any more") << 700;
@@ -129,12 +129,12 @@ void TestRotatingFile::ALineIsNeverSplit_data()
     QTest::newRow("larger than any buffer") << 3'000'000;
 }
 
-void TestRotatingFile::ALineIsNeverSplit()
+void TestRotatingFile::aLineIsNeverSplit()
 {
     QFETCH(const int, length);
     const Fixture fixture;
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     const QByteArray line = QByteArray(length, 'l') + '\n';
     for (int i = 0; i < 3; ++i)
         QCOMPARE(file.Append(line), QString());
@@ -144,21 +144,21 @@ void TestRotatingFile::ALineIsNeverSplit()
     QCOMPARE(fixture.Names().size(), 3);
 }
 
-void TestRotatingFile::AGapIsFilledFirst()
+void TestRotatingFile::aGapIsFilledFirst()
 {
     const Fixture fixture;
     QVERIFY(Files::Write(fixture.Earlier(1), "one\n"));
     QVERIFY(Files::Write(fixture.Earlier(3), "three\n"));
-    QVERIFY(Files::Write(fixture.name, QByteArray(s_largest, 'x')));
+    QVERIFY(Files::Write(fixture.name, QByteArray(kLargest, 'x')));
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     QCOMPARE(file.Append(Line(1)), QString());
     QCOMPARE(Files::Read(fixture.Earlier(2)), QByteArray("one\n"));
     QCOMPARE(Files::Read(fixture.Earlier(3)), QByteArray("three\n"));
-    QCOMPARE(Files::Read(fixture.Earlier(1)).size(), s_largest);
+    QCOMPARE(Files::Read(fixture.Earlier(1)).size(), kLargest);
 }
 
-void TestRotatingFile::AFailureIsToldOnceAndLosesNothing_data()
+void TestRotatingFile::aFailureIsToldOnceAndLosesNothing_data()
 {
     QTest::addColumn<int>("blocked");
     QTest::newRow("the first") << 1;
@@ -167,7 +167,7 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing_data()
     QTest::newRow("the lock's place") << 0;
 }
 
-void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
+void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
 {
     QFETCH(const int, blocked);
     const Fixture fixture;
@@ -181,7 +181,7 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
         // A name that is too long for one more suffix, as on a folder that is not to be written.
         const QString longName = fixture.directory.filePath(QString(253, QLatin1Char('n')));
         RotatingFile file;
-        QCOMPARE(file.Open(longName, s_largest), QString());
+        QCOMPARE(file.Open(longName, kLargest), QString());
         for (int i = 0; i < 1000; ++i) {
             expected += Line(i);
             if (const QString error = file.Append(Line(i)); !error.isEmpty())
@@ -194,7 +194,7 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
     QVERIFY(QDir().mkdir(fixture.Earlier(blocked)));
 
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     for (int i = 0; i < 1000; ++i) {
         expected += Line(i);
         if (const QString error = file.Append(Line(i)); !error.isEmpty())
@@ -210,12 +210,12 @@ void TestRotatingFile::AFailureIsToldOnceAndLosesNothing()
     }
 }
 
-void TestRotatingFile::ItWorksAgainWhenTheWayIsFree()
+void TestRotatingFile::itWorksAgainWhenTheWayIsFree()
 {
     const Fixture fixture;
     QVERIFY(QDir().mkdir(fixture.Earlier(1)));
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     int i = 0;
     for (; i < 150; ++i)
         (void)file.Append(Line(i));
@@ -232,11 +232,11 @@ void TestRotatingFile::ItWorksAgainWhenTheWayIsFree()
     QCOMPARE(Files::Read(fixture.name).count('\n'), 50);
 }
 
-void TestRotatingFile::AnotherProcessAtItIsNoFailure()
+void TestRotatingFile::anotherProcessAtItIsNoFailure()
 {
     const Fixture fixture;
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, s_largest), QString());
+    QCOMPARE(file.Open(fixture.name, kLargest), QString());
     {
         QLockFile lock(fixture.name + QStringLiteral(".lock"));
         QVERIFY(lock.tryLock());
@@ -249,7 +249,7 @@ void TestRotatingFile::AnotherProcessAtItIsNoFailure()
     QCOMPARE(Files::Read(fixture.name), Line(150));
 }
 
-void TestRotatingFile::AFileThatSomebodyElsePutAside()
+void TestRotatingFile::aFileThatSomebodyElsePutAside()
 {
 #ifndef Q_OS_UNIX
     QSKIP("A file that is open is not renamed on this system.");
@@ -257,8 +257,8 @@ void TestRotatingFile::AFileThatSomebodyElsePutAside()
     const Fixture fixture;
     RotatingFile one;
     RotatingFile other;
-    QCOMPARE(one.Open(fixture.name, s_largest), QString());
-    QCOMPARE(other.Open(fixture.name, s_largest), QString());
+    QCOMPARE(one.Open(fixture.name, kLargest), QString());
+    QCOMPARE(other.Open(fixture.name, kLargest), QString());
     for (int i = 0; i < 100; ++i)
         QCOMPARE(one.Append(Line(i)), QString());
     QCOMPARE(one.Append(Line(100)), QString());
@@ -269,7 +269,7 @@ void TestRotatingFile::AFileThatSomebodyElsePutAside()
     QVERIFY(!QFileInfo::exists(fixture.Earlier(2)));
 }
 
-void TestRotatingFile::DevicesAreLeftAlone()
+void TestRotatingFile::devicesAreLeftAlone()
 {
     const QString device = QProcess::nullDevice();
     RotatingFile file;
@@ -280,20 +280,20 @@ void TestRotatingFile::DevicesAreLeftAlone()
     QVERIFY(!QFileInfo::exists(device + QStringLiteral(".1")));
 }
 
-void TestRotatingFile::SeveralProcesses()
+void TestRotatingFile::severalProcesses()
 {
     if (System::IsWine())
         QSKIP("Wine looks for the end of a file and then writes there, so that lines of others can be overwritten");
     const Fixture fixture;
     constexpr int writers = 3;
     // Room for all lines in the six files, so that none is dropped for its age.
-    const qint64 largest = writers * s_linesPerWriter * 10 / 4;
+    const qint64 largest = writers * kLinesPerWriter * 10 / 4;
     std::vector<std::unique_ptr<QProcess>> processes;
     for (int i = 0; i < writers; ++i) {
         processes.push_back(std::make_unique<QProcess>());
         processes.back()->setProcessChannelMode(QProcess::ForwardedChannels);
         processes.back()->start(QCoreApplication::applicationFilePath(),
-                                {s_write, fixture.name, QString::number(largest), QString::number(i)});
+                                {kWrite, fixture.name, QString::number(largest), QString::number(i)});
     }
     for (const auto& process : processes) {
         QVERIFY(process->waitForFinished());
@@ -313,18 +313,18 @@ void TestRotatingFile::SeveralProcesses()
             ++count;
         }
     }
-    QCOMPARE(count, writers * s_linesPerWriter);
-    QCOMPARE(lines.size(), static_cast<std::size_t>(writers * s_linesPerWriter));
+    QCOMPARE(count, writers * kLinesPerWriter);
+    QCOMPARE(lines.size(), static_cast<std::size_t>(writers * kLinesPerWriter));
 #ifdef Q_OS_UNIX
     QVERIFY(QFileInfo::exists(fixture.Earlier(1)));
 #endif
 }
 
-void TestRotatingFile::UnusableFile()
+void TestRotatingFile::unusableFile()
 {
     const QTemporaryDir directory;
     RotatingFile file;
-    QVERIFY(!file.Open(directory.path(), s_largest).isEmpty());
+    QVERIFY(!file.Open(directory.path(), kLargest).isEmpty());
     QVERIFY(!file.IsOpen());
     QCOMPARE(file.Append("nowhere\n"), QString());
 }
@@ -336,8 +336,8 @@ int WriteLines(const QStringList& arguments)
     RotatingFile file;
     if (!file.Open(arguments.at(2), arguments.at(3).toLongLong()).isEmpty())
         return 1;
-    const int first = arguments.at(4).toInt() * s_linesPerWriter;
-    for (int i = first; i < first + s_linesPerWriter; ++i) {
+    const int first = arguments.at(4).toInt() * kLinesPerWriter;
+    for (int i = first; i < first + kLinesPerWriter; ++i) {
         const QString error = file.Append(Line(i));
 #ifdef Q_OS_UNIX
         if (!error.isEmpty()) {
@@ -355,7 +355,7 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 5 && arguments.at(1) == s_write)
+    if (arguments.size() == 5 && arguments.at(1) == kWrite)
         return WriteLines(arguments);
     TestRotatingFile test;
     return QTest::qExec(&test, argc, argv);

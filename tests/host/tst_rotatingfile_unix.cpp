@@ -1,4 +1,4 @@
-#include "host/rotatingfile.h"
+#include "host/output/rotatingfile.h"
 #include "tests/dialog/filesizelimit.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr qint64 s_largest = 1000;
+constexpr qint64 kLargest = 1000;
 
 } // namespace
 
@@ -27,95 +27,95 @@ class TestRotatingFileUnix : public QObject
 private slots:
     void init()
     {
-        m_Directory = std::make_unique<QTemporaryDir>();
-        m_Name = m_Directory->filePath(QStringLiteral("trace.log"));
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_name = m_directory->filePath(QStringLiteral("trace.log"));
     }
 
-    void ARemovedFileIsMadeAnew();
-    void ARenamedFileIsLeftToWhoeverRenamedIt();
-    void ANewFileIsBoundedAsWell();
-    void AFileThatCannotBeMadeAnewIsToldOnce();
-    void AFileReplacedByAPipeIsNotWaitedFor();
-    void ALineWithoutRoomDoesNotTakeTheNextOneAlong();
-    void ATornLineOfAnEarlierRun();
-    void APipeWithoutAReaderIsRefused();
-    void APipeWithAReader();
-    void APipeInTheLocksPlace();
+    void aRemovedFileIsMadeAnew();
+    void aRenamedFileIsLeftToWhoeverRenamedIt();
+    void aNewFileIsBoundedAsWell();
+    void aFileThatCannotBeMadeAnewIsToldOnce();
+    void aFileReplacedByAPipeIsNotWaitedFor();
+    void aLineWithoutRoomDoesNotTakeTheNextOneAlong();
+    void aTornLineOfAnEarlierRun();
+    void aPipeWithoutAReaderIsRefused();
+    void aPipeWithAReader();
+    void aPipeInTheLocksPlace();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_Directory;
-    QString m_Name;
+    std::unique_ptr<QTemporaryDir> m_directory;
+    QString m_name;
 };
 
-void TestRotatingFileUnix::ARemovedFileIsMadeAnew()
+void TestRotatingFileUnix::aRemovedFileIsMadeAnew()
 {
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
+    QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
-    QVERIFY(QFile::remove(m_Name));
+    QVERIFY(QFile::remove(m_name));
     QCOMPARE(file.Append("two\n"), QString());
     QCOMPARE(file.Append("three\n"), QString());
-    QCOMPARE(Files::Read(m_Name), QByteArray("two\nthree\n"));
+    QCOMPARE(Files::Read(m_name), QByteArray("two\nthree\n"));
 }
 
-void TestRotatingFileUnix::ARenamedFileIsLeftToWhoeverRenamedIt()
+void TestRotatingFileUnix::aRenamedFileIsLeftToWhoeverRenamedIt()
 {
-    const QString aside = m_Directory->filePath(QStringLiteral("mine"));
+    const QString aside = m_directory->filePath(QStringLiteral("mine"));
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
+    QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
-    QVERIFY(QFile::rename(m_Name, aside));
+    QVERIFY(QFile::rename(m_name, aside));
     // A file that somebody else has put there is appended to.
-    QVERIFY(Files::Write(m_Name, "zero\n"));
+    QVERIFY(Files::Write(m_name, "zero\n"));
     QCOMPARE(file.Append("two\n"), QString());
     QCOMPARE(Files::Read(aside), QByteArray("one\n"));
-    QCOMPARE(Files::Read(m_Name), QByteArray("zero\ntwo\n"));
+    QCOMPARE(Files::Read(m_name), QByteArray("zero\ntwo\n"));
 }
 
-void TestRotatingFileUnix::ANewFileIsBoundedAsWell()
+void TestRotatingFileUnix::aNewFileIsBoundedAsWell()
 {
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
+    QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
-    QVERIFY(QFile::remove(m_Name));
+    QVERIFY(QFile::remove(m_name));
     const QByteArray line = QByteArray(99, 'x') + '\n';
     for (int i = 0; i < 11; ++i)
         QCOMPARE(file.Append(line), QString());
-    QCOMPARE(Files::Read(m_Name), line);
-    QCOMPARE(Files::Read(m_Name + QStringLiteral(".1")).size(), 1000);
+    QCOMPARE(Files::Read(m_name), line);
+    QCOMPARE(Files::Read(m_name + QStringLiteral(".1")).size(), 1000);
 }
 
-void TestRotatingFileUnix::AFileThatCannotBeMadeAnewIsToldOnce()
+void TestRotatingFileUnix::aFileThatCannotBeMadeAnewIsToldOnce()
 {
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
+    QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
-    QVERIFY(QFile::remove(m_Name));
-    QVERIFY(QDir().mkdir(m_Name));
+    QVERIFY(QFile::remove(m_name));
+    QVERIFY(QDir().mkdir(m_name));
     const QString trouble = file.Append("two\n");
     QVERIFY2(trouble.contains(QLatin1String("removed")), qPrintable(trouble));
     for (int i = 0; i < 300; ++i)
         QCOMPARE(file.Append("three\n"), QString());
     // With the way free again it works again.
-    QVERIFY(QDir().rmdir(m_Name));
+    QVERIFY(QDir().rmdir(m_name));
     QCOMPARE(file.Append("four\n"), QString());
-    QCOMPARE(Files::Read(m_Name), QByteArray("four\n"));
+    QCOMPARE(Files::Read(m_name), QByteArray("four\n"));
 }
 
-void TestRotatingFileUnix::AFileReplacedByAPipeIsNotWaitedFor()
+void TestRotatingFileUnix::aFileReplacedByAPipeIsNotWaitedFor()
 {
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
-    QVERIFY(QFile::remove(m_Name));
-    QCOMPARE(System::MakePipe(m_Name), m_Name);
+    QCOMPARE(file.Open(m_name, kLargest), QString());
+    QVERIFY(QFile::remove(m_name));
+    QCOMPARE(System::MakePipe(m_name), m_name);
     QVERIFY(file.Append("one\n").contains(QLatin1String("nobody reads from it")));
     QCOMPARE(file.Append("two\n"), QString());
 }
 
-void TestRotatingFileUnix::ALineWithoutRoomDoesNotTakeTheNextOneAlong()
+void TestRotatingFileUnix::aLineWithoutRoomDoesNotTakeTheNextOneAlong()
 {
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
+    QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
     {
         const FileSizeLimit limit(7);
@@ -124,58 +124,58 @@ void TestRotatingFileUnix::ALineWithoutRoomDoesNotTakeTheNextOneAlong()
         QVERIFY2(!trouble.contains(QLatin1String("Unknown")), qPrintable(trouble));
         // Told once.
         QCOMPARE(file.Append("third\n"), QString());
-        QCOMPARE(Files::Read(m_Name), QByteArray("one\nsec"));
+        QCOMPARE(Files::Read(m_name), QByteArray("one\nsec"));
     }
     QCOMPARE(file.Append("fourth\n"), QString());
     QCOMPARE(file.Append("fifth\n"), QString());
-    QCOMPARE(Files::Read(m_Name), QByteArray("one\nsec\nfourth\nfifth\n"));
+    QCOMPARE(Files::Read(m_name), QByteArray("one\nsec\nfourth\nfifth\n"));
 }
 
-void TestRotatingFileUnix::ATornLineOfAnEarlierRun()
+void TestRotatingFileUnix::aTornLineOfAnEarlierRun()
 {
-    QVERIFY(Files::Write(m_Name, "one\ntw"));
+    QVERIFY(Files::Write(m_name, "one\ntw"));
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QString());
+    QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("three\n"), QString());
-    QCOMPARE(Files::Read(m_Name), QByteArray("one\ntw\nthree\n"));
+    QCOMPARE(Files::Read(m_name), QByteArray("one\ntw\nthree\n"));
 }
 
-void TestRotatingFileUnix::APipeWithoutAReaderIsRefused()
+void TestRotatingFileUnix::aPipeWithoutAReaderIsRefused()
 {
-    QCOMPARE(System::MakePipe(m_Name), m_Name);
+    QCOMPARE(System::MakePipe(m_name), m_name);
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, s_largest), QStringLiteral("nobody reads from it"));
+    QCOMPARE(file.Open(m_name, kLargest), QStringLiteral("nobody reads from it"));
     QVERIFY(!file.IsOpen());
 }
 
-void TestRotatingFileUnix::APipeWithAReader()
+void TestRotatingFileUnix::aPipeWithAReader()
 {
-    QCOMPARE(System::MakePipe(m_Name), m_Name);
-    const int reader = ::open(QFile::encodeName(m_Name).constData(), O_RDONLY | O_NONBLOCK);
+    QCOMPARE(System::MakePipe(m_name), m_name);
+    const int reader = ::open(QFile::encodeName(m_name).constData(), O_RDONLY | O_NONBLOCK);
     QVERIFY(reader != -1);
     const auto close = qScopeGuard([reader] { ::close(reader); });
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, 10), QString());
+    QCOMPARE(file.Open(m_name, 10), QString());
     for (int i = 0; i < 3; ++i)
         QCOMPARE(file.Append("seven..\n"), QString());
     QByteArray received(100, '\0');
     received.truncate(::read(reader, received.data(), 100));
     QCOMPARE(received, QByteArray("seven..\nseven..\nseven..\n"));
     // Never put aside.
-    QCOMPARE(QDir(m_Directory->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(), 1);
+    QCOMPARE(QDir(m_directory->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(), 1);
 }
 
-void TestRotatingFileUnix::APipeInTheLocksPlace()
+void TestRotatingFileUnix::aPipeInTheLocksPlace()
 {
-    const QString pipe = m_Name + QStringLiteral(".lock");
+    const QString pipe = m_name + QStringLiteral(".lock");
     QCOMPARE(System::MakePipe(pipe), pipe);
     RotatingFile file;
-    QCOMPARE(file.Open(m_Name, 10), QString());
+    QCOMPARE(file.Open(m_name, 10), QString());
     QCOMPARE(file.Append("seven..\n"), QString());
     const QString trouble = file.Append("eight..\n");
     QVERIFY2(trouble.startsWith(QLatin1String("is full and cannot be put aside: ")) && trouble.contains(pipe),
              qPrintable(trouble));
-    QCOMPARE(Files::Read(m_Name), QByteArray("seven..\neight..\n"));
+    QCOMPARE(Files::Read(m_name), QByteArray("seven..\neight..\n"));
 }
 
 QTEST_GUILESS_MAIN(TestRotatingFileUnix)

@@ -43,8 +43,8 @@ HWND DialogOf(const QProcess& process)
 int Ask(HWND window, UINT message, WPARAM parameter)
 {
     DWORD_PTR answer = 0;
-    constexpr UINT patienceMs = 30'000;
-    const LRESULT isAnswered = SendMessageTimeoutW(window, message, parameter, 0, SMTO_NORMAL, patienceMs, &answer);
+    constexpr UINT timeoutMs = 30'000;
+    const LRESULT isAnswered = SendMessageTimeoutW(window, message, parameter, 0, SMTO_NORMAL, timeoutMs, &answer);
     return isAnswered ? static_cast<int>(answer) : -1;
 }
 
@@ -68,7 +68,7 @@ class TestSessionEnd : public QObject
     Q_OBJECT
 
 private slots:
-    void EverythingIsSaved()
+    void everythingIsSaved()
     {
         HostSetUp setUp;
         QProcess process;
@@ -86,7 +86,7 @@ private slots:
             QVERIFY2(setUp.StoredText().contains(part), part);
     }
 
-    void ASessionThatGoesOnAfterAllLeavesTheHost()
+    void aSessionThatGoesOnAfterAllLeavesTheHost()
     {
         HostSetUp setUp;
         QProcess process;
@@ -103,7 +103,7 @@ private slots:
     }
 
     // It has no window that anybody sees, and nothing of what it does is stored before its end.
-    void AHeadlessHostSavesEverything()
+    void aHeadlessHostSavesEverything()
     {
         HostSetUp setUp;
         // As it is where nobody has chosen how to draw: a host without a dialog draws nothing then.
@@ -122,7 +122,7 @@ private slots:
     }
 
     // Where there is time left, it ends in order.
-    void AHeadlessHostEnds()
+    void aHeadlessHostEnds()
     {
         HostSetUp setUp;
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
@@ -135,7 +135,7 @@ private slots:
     }
 
     // The dialog has gone to the tray, after which something has changed that is to be stored.
-    void AHiddenDialogIsSaved()
+    void aHiddenDialogIsSaved()
     {
         HostSetUp setUp;
         QProcess process;
@@ -154,7 +154,7 @@ private slots:
         QVERIFY(setUp.StoredText().contains("FilterPattern"));
     }
 
-    void TheExampleSaves()
+    void theExampleSaves()
     {
         HostSetUp setUp;
         QProcess process;

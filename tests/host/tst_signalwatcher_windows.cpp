@@ -1,4 +1,4 @@
-#include "host/signalwatcher.h"
+#include "host/system/signalwatcher.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -149,8 +149,8 @@ private slots:
         // Whoever ends lets the console's thread go on and does not wait for it; by itself that loses patience later.
         bool hasEnded = false;
         const std::unique_ptr<QThread> look(QThread::create([&] {
-            constexpr DWORD lessThanItsPatienceMs = 10'000;
-            hasEnded = WaitForSingleObject(thread, lessThanItsPatienceMs) == WAIT_OBJECT_0;
+            constexpr DWORD kLessThanItsTimeoutMs = 10'000;
+            hasEnded = WaitForSingleObject(thread, kLessThanItsTimeoutMs) == WAIT_OBJECT_0;
         }));
         look->start();
         watcher.reset();

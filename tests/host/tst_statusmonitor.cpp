@@ -1,4 +1,4 @@
-#include "host/statusmonitor.h"
+#include "host/plugin/statusmonitor.h"
 #include "tests/host/fakedialog.h"
 
 #include <QAbstractItemModelTester>
@@ -14,15 +14,15 @@ class TestStatusMonitor : public QObject
 private slots:
     void init();
     void cleanup();
-    void CountsWhatIsThere();
-    void AnnouncesAChangeWithNameAndTexts();
-    void KeepsSilentAboutCellsThatStay();
-    void KeepsSilentAboutOtherColumns();
-    void SeesAChangeInsideALargerRange();
-    void CountFollowsInsertedAndRemovedRows();
-    void RowsStayTheirOwnAfterARemoval();
-    void RereadsAfterAReset();
-    void RereadsAfterSorting();
+    void countsWhatIsThere();
+    void announcesAChangeWithNameAndTexts();
+    void keepsSilentAboutCellsThatStay();
+    void keepsSilentAboutOtherColumns();
+    void seesAChangeInsideALargerRange();
+    void countFollowsInsertedAndRemovedRows();
+    void rowsStayTheirOwnAfterARemoval();
+    void rereadsAfterAReset();
+    void rereadsAfterSorting();
 
 private:
     std::unique_ptr<FakeDialog> m_pFake;
@@ -44,13 +44,13 @@ void TestStatusMonitor::cleanup()
     m_pFake.reset();
 }
 
-void TestStatusMonitor::CountsWhatIsThere()
+void TestStatusMonitor::countsWhatIsThere()
 {
     const StatusMonitor monitor(m_pEntries);
     QCOMPARE(monitor.CountInUse(), 1);
 }
 
-void TestStatusMonitor::AnnouncesAChangeWithNameAndTexts()
+void TestStatusMonitor::announcesAChangeWithNameAndTexts()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
@@ -68,7 +68,7 @@ void TestStatusMonitor::AnnouncesAChangeWithNameAndTexts()
     QCOMPARE(monitor.CountInUse(), 1);
 }
 
-void TestStatusMonitor::KeepsSilentAboutCellsThatStay()
+void TestStatusMonitor::keepsSilentAboutCellsThatStay()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
@@ -78,7 +78,7 @@ void TestStatusMonitor::KeepsSilentAboutCellsThatStay()
     QCOMPARE(counts.count(), 0);
 }
 
-void TestStatusMonitor::KeepsSilentAboutOtherColumns()
+void TestStatusMonitor::keepsSilentAboutOtherColumns()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
@@ -87,7 +87,7 @@ void TestStatusMonitor::KeepsSilentAboutOtherColumns()
     QCOMPARE(changes.count(), 0);
 }
 
-void TestStatusMonitor::SeesAChangeInsideALargerRange()
+void TestStatusMonitor::seesAChangeInsideALargerRange()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
@@ -103,7 +103,7 @@ void TestStatusMonitor::SeesAChangeInsideALargerRange()
     QCOMPARE(monitor.CountInUse(), 1);
 }
 
-void TestStatusMonitor::CountFollowsInsertedAndRemovedRows()
+void TestStatusMonitor::countFollowsInsertedAndRemovedRows()
 {
     const StatusMonitor monitor(m_pEntries);
     m_pFake->Add(QStringLiteral("fourth"), false, 1);
@@ -114,7 +114,7 @@ void TestStatusMonitor::CountFollowsInsertedAndRemovedRows()
     QCOMPARE(monitor.CountInUse(), 0);
 }
 
-void TestStatusMonitor::RowsStayTheirOwnAfterARemoval()
+void TestStatusMonitor::rowsStayTheirOwnAfterARemoval()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
@@ -125,7 +125,7 @@ void TestStatusMonitor::RowsStayTheirOwnAfterARemoval()
     QCOMPARE(monitor.CountInUse(), 0);
 }
 
-void TestStatusMonitor::RereadsAfterAReset()
+void TestStatusMonitor::rereadsAfterAReset()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
@@ -134,7 +134,7 @@ void TestStatusMonitor::RereadsAfterAReset()
     QCOMPARE(counts.count(), 1);
 }
 
-void TestStatusMonitor::RereadsAfterSorting()
+void TestStatusMonitor::rereadsAfterSorting()
 {
     const StatusMonitor monitor(m_pEntries);
     QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);

@@ -1,4 +1,4 @@
-#include "host/supportreport.h"
+#include "host/support/supportreport.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -9,18 +9,18 @@ class TestSupportReport : public QObject
     Q_OBJECT
 
 private slots:
-    void TextOfFacts();
-    void TextOfTablesAndLists();
-    void JsonOfEverything();
-    void TextsCannotBreakTheReport();
-    void LongTablesAreCutInTheTextOnly();
-    void NothingAtAll();
+    void textOfFacts();
+    void textOfTablesAndLists();
+    void jsonOfEverything();
+    void textsCannotBreakTheReport();
+    void longTablesAreCutInTheTextOnly();
+    void nothingAtAll();
 
 private:
     static QJsonObject Read(const SupportReport& report) { return QJsonDocument::fromJson(report.Json()).object(); }
 };
 
-void TestSupportReport::TextOfFacts()
+void TestSupportReport::textOfFacts()
 {
     SupportReport report;
     report.BeginSection(QStringLiteral("One"));
@@ -44,7 +44,7 @@ void TestSupportReport::TextOfFacts()
                                            "  some     x, y\n"));
 }
 
-void TestSupportReport::TextOfTablesAndLists()
+void TestSupportReport::textOfTablesAndLists()
 {
     SupportReport report;
     report.BeginSection(QStringLiteral("One"));
@@ -67,7 +67,7 @@ void TestSupportReport::TextOfTablesAndLists()
                                            "  no texts  none\n"));
 }
 
-void TestSupportReport::JsonOfEverything()
+void TestSupportReport::jsonOfEverything()
 {
     SupportReport report;
     report.BeginSection(QStringLiteral("Starter link"));
@@ -87,7 +87,7 @@ void TestSupportReport::JsonOfEverything()
     QCOMPARE(Read(report), QJsonObject({{QStringLiteral("starterLink"), expected}}));
 }
 
-void TestSupportReport::TextsCannotBreakTheReport()
+void TestSupportReport::textsCannotBreakTheReport()
 {
     SupportReport report;
     report.BeginSection(QStringLiteral("One"));
@@ -103,7 +103,7 @@ void TestSupportReport::TextsCannotBreakTheReport()
     QCOMPARE(one.value(QLatin1String("c")).toArray().at(0).toString(), QStringLiteral("\u202eabc\n"));
 }
 
-void TestSupportReport::LongTablesAreCutInTheTextOnly()
+void TestSupportReport::longTablesAreCutInTheTextOnly()
 {
     QStringList texts;
     for (int i = 0; i < 100'000; ++i)
@@ -118,7 +118,7 @@ void TestSupportReport::LongTablesAreCutInTheTextOnly()
     QCOMPARE(one.value(QLatin1String("list")).toArray().size(), 100'000);
 }
 
-void TestSupportReport::NothingAtAll()
+void TestSupportReport::nothingAtAll()
 {
     QCOMPARE(SupportReport().Text(), QString());
     QCOMPARE(Read(SupportReport()), QJsonObject());

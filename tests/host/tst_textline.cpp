@@ -1,4 +1,4 @@
-#include "host/textline.h"
+#include "host/output/textline.h"
 
 #include <QTest>
 
@@ -7,14 +7,14 @@ class TestTextLine : public QObject
     Q_OBJECT
 
 private slots:
-    void OneLineEscapesWhatWouldBreakTheLine_data();
-    void OneLineEscapesWhatWouldBreakTheLine();
-    void ElidedCutsByCharacters_data();
-    void ElidedCutsByCharacters();
-    void CellCountLeavesOutWhatTakesNoCell();
+    void oneLineEscapesWhatWouldBreakTheLine_data();
+    void oneLineEscapesWhatWouldBreakTheLine();
+    void elidedCutsByCharacters_data();
+    void elidedCutsByCharacters();
+    void cellCountLeavesOutWhatTakesNoCell();
 };
 
-void TestTextLine::OneLineEscapesWhatWouldBreakTheLine_data()
+void TestTextLine::oneLineEscapesWhatWouldBreakTheLine_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("line");
@@ -32,14 +32,14 @@ void TestTextLine::OneLineEscapesWhatWouldBreakTheLine_data()
     QTest::newRow("astral") << QStringLiteral("\U0001F4E1") << QStringLiteral("\U0001F4E1");
 }
 
-void TestTextLine::OneLineEscapesWhatWouldBreakTheLine()
+void TestTextLine::oneLineEscapesWhatWouldBreakTheLine()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, line);
     QCOMPARE(OneLine(text), line);
 }
 
-void TestTextLine::ElidedCutsByCharacters_data()
+void TestTextLine::elidedCutsByCharacters_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("elided");
@@ -51,14 +51,14 @@ void TestTextLine::ElidedCutsByCharacters_data()
                                         << QStringLiteral("\U0001F4E1\U0001F4E1\U0001F4E1\u2026");
 }
 
-void TestTextLine::ElidedCutsByCharacters()
+void TestTextLine::elidedCutsByCharacters()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, elided);
     QCOMPARE(Elided(text, 4), elided);
 }
 
-void TestTextLine::CellCountLeavesOutWhatTakesNoCell()
+void TestTextLine::cellCountLeavesOutWhatTakesNoCell()
 {
     QCOMPARE(CellCount(QString()), 0);
     QCOMPARE(CellCount(QStringLiteral("abc")), 3);

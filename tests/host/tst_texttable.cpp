@@ -1,4 +1,4 @@
-#include "host/texttable.h"
+#include "host/output/texttable.h"
 
 #include <QTest>
 
@@ -7,13 +7,13 @@ class TestTextTable : public QObject
     Q_OBJECT
 
 private slots:
-    void ColumnsAreAligned();
-    void NoBlanksAtTheEndOfALine();
-    void WideAndCombiningCharacters();
-    void NothingAtAll();
+    void columnsAreAligned();
+    void noBlanksAtTheEndOfALine();
+    void wideAndCombiningCharacters();
+    void nothingAtAll();
 };
 
-void TestTextTable::ColumnsAreAligned()
+void TestTextTable::columnsAreAligned()
 {
     QCOMPARE(TextTable({{QStringLiteral("Name"), QStringLiteral("N"), QStringLiteral("Last")},
                         {QStringLiteral("a"), QStringLiteral("1000"), QStringLiteral("x")},
@@ -23,7 +23,7 @@ void TestTextTable::ColumnsAreAligned()
                             "longer  2     last and longest\n"));
 }
 
-void TestTextTable::NoBlanksAtTheEndOfALine()
+void TestTextTable::noBlanksAtTheEndOfALine()
 {
     QCOMPARE(TextTable({{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")},
                         {QString(), QString(), QStringLiteral("x")},
@@ -35,14 +35,14 @@ void TestTextTable::NoBlanksAtTheEndOfALine()
                             "\n"));
 }
 
-void TestTextTable::WideAndCombiningCharacters()
+void TestTextTable::wideAndCombiningCharacters()
 {
     // An a with two dots, made of two characters in one cell.
     QCOMPARE(TextTable({{QStringLiteral("a\u0308"), QStringLiteral("b")}, {QStringLiteral("xy"), QStringLiteral("z")}}),
              QStringLiteral("a\u0308   b\nxy  z\n"));
 }
 
-void TestTextTable::NothingAtAll()
+void TestTextTable::nothingAtAll()
 {
     QCOMPARE(TextTable({}), QString());
 }

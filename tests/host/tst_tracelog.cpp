@@ -1,4 +1,4 @@
-#include "host/tracelog.h"
+#include "host/output/tracelog.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -11,15 +11,15 @@ class TestTraceLog : public QObject
     Q_OBJECT
 
 private slots:
-    void LineHoldsEverything();
-    void LineStaysOneLine();
-    void PercentSignsStay();
-    void WritesAndAppends();
-    void GivesKindsAndSinkBack();
-    void NothingAskedForChangesNothing();
-    void FileThatCannotBeOpened();
-    void AFullFileIsPutAside();
-    void TheSizeIsBoundedByItself();
+    void lineHoldsEverything();
+    void lineStaysOneLine();
+    void percentSignsStay();
+    void writesAndAppends();
+    void givesKindsAndSinkBack();
+    void nothingAskedForChangesNothing();
+    void fileThatCannotBeOpened();
+    void aFullFileIsPutAside();
+    void theSizeIsBoundedByItself();
 
 private:
     static QStringList FileLines(const QString& fileName);
@@ -33,7 +33,7 @@ QStringList TestTraceLog::FileLines(const QString& fileName)
     return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-void TestTraceLog::LineHoldsEverything()
+void TestTraceLog::lineHoldsEverything()
 {
     const QDateTime time(QDate(2024, 5, 17), QTime(9, 30, 12, 345));
     QCOMPARE(TraceLog::Line(time, ErrorHandler::Trace, QStringLiteral("Class::Function(): text"),
@@ -43,7 +43,7 @@ void TestTraceLog::LineHoldsEverything()
              QStringLiteral("2024-05-17T09:30:12.345 assertion file:1 a == b"));
 }
 
-void TestTraceLog::LineStaysOneLine()
+void TestTraceLog::lineStaysOneLine()
 {
     const QString line = TraceLog::Line(QDateTime::currentDateTime(), ErrorHandler::Trace,
                                         QStringLiteral("one\ntwo\r\nthree"), QStringLiteral("file"), 1);
@@ -51,14 +51,14 @@ void TestTraceLog::LineStaysOneLine()
     QVERIFY(!line.contains(QLatin1Char('\n')));
 }
 
-void TestTraceLog::PercentSignsStay()
+void TestTraceLog::percentSignsStay()
 {
     const QString line = TraceLog::Line(QDateTime::currentDateTime(), ErrorHandler::Trace,
                                         QStringLiteral("opened %1 and %3"), QStringLiteral("%2"), 1);
     QVERIFY(line.endsWith(QLatin1String("trace %2:1 opened %1 and %3")));
 }
 
-void TestTraceLog::WritesAndAppends()
+void TestTraceLog::writesAndAppends()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
@@ -78,7 +78,7 @@ void TestTraceLog::WritesAndAppends()
         QVERIFY2(form.match(line).hasMatch(), qPrintable(line));
 }
 
-void TestTraceLog::GivesKindsAndSinkBack()
+void TestTraceLog::givesKindsAndSinkBack()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
@@ -94,7 +94,7 @@ void TestTraceLog::GivesKindsAndSinkBack()
     QVERIFY(FileLines(fileName).isEmpty());
 }
 
-void TestTraceLog::NothingAskedForChangesNothing()
+void TestTraceLog::nothingAskedForChangesNothing()
 {
     const unsigned before = ErrorHandler::Instance().EnabledKinds();
     TraceLog log;
@@ -102,7 +102,7 @@ void TestTraceLog::NothingAskedForChangesNothing()
     QCOMPARE(ErrorHandler::Instance().EnabledKinds(), before);
 }
 
-void TestTraceLog::FileThatCannotBeOpened()
+void TestTraceLog::fileThatCannotBeOpened()
 {
     const unsigned before = ErrorHandler::Instance().EnabledKinds();
     const QTemporaryDir directory;
@@ -111,7 +111,7 @@ void TestTraceLog::FileThatCannotBeOpened()
     QCOMPARE(ErrorHandler::Instance().EnabledKinds(), before);
 }
 
-void TestTraceLog::AFullFileIsPutAside()
+void TestTraceLog::aFullFileIsPutAside()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
@@ -131,7 +131,7 @@ void TestTraceLog::AFullFileIsPutAside()
         QVERIFY2(lines.at(i).endsWith(QStringLiteral(" line %1").arg(i)), qPrintable(lines.at(i)));
 }
 
-void TestTraceLog::TheSizeIsBoundedByItself()
+void TestTraceLog::theSizeIsBoundedByItself()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));

@@ -1,5 +1,5 @@
-#include "host/statusmonitor.h"
-#include "host/trayicon.h"
+#include "host/desktop/trayicon.h"
+#include "host/plugin/statusmonitor.h"
 #include "tests/host/fakedialog.h"
 
 #include <QPainter>
@@ -65,17 +65,17 @@ class TestTrayIcon : public QObject
     Q_OBJECT
 
 private slots:
-    void TipTellsTheNumberInUse();
-    void TipAtTheStart();
-    void MenuSaysWhatIsWanted();
-    void ClicksCallTheDialog();
-    void PictureTellsWhetherAnythingIsInUse();
-    void PictureStandsOutOnEveryPanel_data();
-    void PictureStandsOutOnEveryPanel();
-    void WithoutATray();
+    void tipTellsTheNumberInUse();
+    void tipAtTheStart();
+    void menuSaysWhatIsWanted();
+    void clicksCallTheDialog();
+    void pictureTellsWhetherAnythingIsInUse();
+    void pictureStandsOutOnEveryPanel_data();
+    void pictureStandsOutOnEveryPanel();
+    void withoutATray();
 };
 
-void TestTrayIcon::TipTellsTheNumberInUse()
+void TestTrayIcon::tipTellsTheNumberInUse()
 {
     const QString name = QStringLiteral("Vexel - Connect Dialog\n");
     InTray inTray;
@@ -88,7 +88,7 @@ void TestTrayIcon::TipTellsTheNumberInUse()
     QCOMPARE(inTray.Icon()->toolTip(), name + QStringLiteral("no entry in use"));
 }
 
-void TestTrayIcon::TipAtTheStart()
+void TestTrayIcon::tipAtTheStart()
 {
     InTray inTray;
     inTray.fake.SetStatus(0, 1);
@@ -96,7 +96,7 @@ void TestTrayIcon::TipAtTheStart()
     QVERIFY(later.findChild<QSystemTrayIcon*>()->toolTip().endsWith(QLatin1String("1 entry in use")));
 }
 
-void TestTrayIcon::MenuSaysWhatIsWanted()
+void TestTrayIcon::menuSaysWhatIsWanted()
 {
     const InTray inTray;
     const auto counts = [&] {
@@ -113,7 +113,7 @@ void TestTrayIcon::MenuSaysWhatIsWanted()
     QCOMPARE(counts(), QList<qsizetype>({1, 1, 1}));
 }
 
-void TestTrayIcon::ClicksCallTheDialog()
+void TestTrayIcon::clicksCallTheDialog()
 {
     const InTray inTray;
     emit inTray.Icon()->activated(QSystemTrayIcon::Trigger);
@@ -125,7 +125,7 @@ void TestTrayIcon::ClicksCallTheDialog()
     QCOMPARE(inTray.save.count() + inTray.end.count(), 0);
 }
 
-void TestTrayIcon::PictureTellsWhetherAnythingIsInUse()
+void TestTrayIcon::pictureTellsWhetherAnythingIsInUse()
 {
     InTray inTray;
     const QImage free = inTray.Picture();
@@ -136,14 +136,14 @@ void TestTrayIcon::PictureTellsWhetherAnythingIsInUse()
     QCOMPARE(inTray.Picture(), free);
 }
 
-void TestTrayIcon::PictureStandsOutOnEveryPanel_data()
+void TestTrayIcon::pictureStandsOutOnEveryPanel_data()
 {
     QTest::addColumn<int>("size");
     for (const int size : {16, 22, 24, 32, 48, 64})
         QTest::addRow("%d", size) << size;
 }
 
-void TestTrayIcon::PictureStandsOutOnEveryPanel()
+void TestTrayIcon::pictureStandsOutOnEveryPanel()
 {
     QFETCH(const int, size);
     const InTray inTray;
@@ -158,7 +158,7 @@ void TestTrayIcon::PictureStandsOutOnEveryPanel()
     }
 }
 
-void TestTrayIcon::WithoutATray()
+void TestTrayIcon::withoutATray()
 {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         QSKIP("There is a tray here.");

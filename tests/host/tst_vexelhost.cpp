@@ -7,30 +7,30 @@ class TestVexelHost : public QObject
     Q_OBJECT
 
 private slots:
-    void Help();
-    void Version();
-    void UnusableStarts_data();
-    void UnusableStarts();
-    void WrongCommandLine();
-    void DisplayThatDoesNotAnswer();
-    void UnwritableConfiguration();
-    void UnwritableTraceFile();
-    void FailedStartsHarmNothing();
-    void AddAndListAsTable();
-    void ListAsJson();
-    void AddAppends();
-    void AddedEntriesAreFree();
-    void AddOfABadFileChangesNothing_data();
-    void AddOfABadFileChangesNothing();
-    void NamesCannotBreakTheTable();
-    void DataDirectoryIsStoredOnlyWhenGiven();
-    void TracesGoWhereAsked();
-    void LanguageIsTaken();
-    void InterruptEndsAnInteractiveHost_data();
-    void InterruptEndsAnInteractiveHost();
+    void help();
+    void version();
+    void unusableStarts_data();
+    void unusableStarts();
+    void wrongCommandLine();
+    void displayThatDoesNotAnswer();
+    void unwritableConfiguration();
+    void unwritableTraceFile();
+    void failedStartsHarmNothing();
+    void addAndListAsTable();
+    void listAsJson();
+    void addAppends();
+    void addedEntriesAreFree();
+    void addOfABadFileChangesNothing_data();
+    void addOfABadFileChangesNothing();
+    void namesCannotBreakTheTable();
+    void dataDirectoryIsStoredOnlyWhenGiven();
+    void tracesGoWhereAsked();
+    void languageIsTaken();
+    void interruptEndsAnInteractiveHost_data();
+    void interruptEndsAnInteractiveHost();
 };
 
-void TestVexelHost::Help()
+void TestVexelHost::help()
 {
     HostSetUp setUp;
     const auto result = setUp.Run({QStringLiteral("--help")});
@@ -43,7 +43,7 @@ void TestVexelHost::Help()
     QVERIFY(!QFileInfo::exists(setUp.Config()));
 }
 
-void TestVexelHost::Version()
+void TestVexelHost::version()
 {
     HostSetUp setUp;
     const auto result = setUp.Run({QStringLiteral("--version")});
@@ -51,7 +51,7 @@ void TestVexelHost::Version()
     QCOMPARE(result.output, QStringLiteral("vexelhost " VEXEL_VERSION "\n"));
 }
 
-void TestVexelHost::UnusableStarts_data()
+void TestVexelHost::unusableStarts_data()
 {
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<QString>("hint");
@@ -66,7 +66,7 @@ void TestVexelHost::UnusableStarts_data()
     QTest::newRow("without a dialog") << QStringLiteral(PLUGIN_PLAIN) << QStringLiteral("VexelConnectDlgGUI");
 }
 
-void TestVexelHost::UnusableStarts()
+void TestVexelHost::unusableStarts()
 {
     QFETCH(const QString, plugin);
     QFETCH(const QString, hint);
@@ -79,7 +79,7 @@ void TestVexelHost::UnusableStarts()
              qPrintable(result.error));
 }
 
-void TestVexelHost::WrongCommandLine()
+void TestVexelHost::wrongCommandLine()
 {
     HostSetUp setUp;
     const auto result = setUp.Run({QStringLiteral("--frobnicate")});
@@ -89,7 +89,7 @@ void TestVexelHost::WrongCommandLine()
     QVERIFY(!QFileInfo::exists(setUp.Config()));
 }
 
-void TestVexelHost::DisplayThatDoesNotAnswer()
+void TestVexelHost::displayThatDoesNotAnswer()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
@@ -99,7 +99,7 @@ void TestVexelHost::DisplayThatDoesNotAnswer()
     QVERIFY2(result.error.contains(QLatin1String("no-such-platform")), qPrintable(result.error));
 }
 
-void TestVexelHost::UnwritableConfiguration()
+void TestVexelHost::unwritableConfiguration()
 {
     HostSetUp setUp;
     setUp.Write(setUp.Path("file"), "a regular file");
@@ -110,7 +110,7 @@ void TestVexelHost::UnwritableConfiguration()
     QVERIFY2(result.error.contains(setUp.Path("file/config")), qPrintable(result.error));
 }
 
-void TestVexelHost::UnwritableTraceFile()
+void TestVexelHost::unwritableTraceFile()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("no/such/folder/trace.log");
@@ -120,7 +120,7 @@ void TestVexelHost::UnwritableTraceFile()
     QVERIFY2(result.error.contains(fileName), qPrintable(result.error));
 }
 
-void TestVexelHost::FailedStartsHarmNothing()
+void TestVexelHost::failedStartsHarmNothing()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one"), QStringLiteral("two")}, {QStringLiteral("two")});
@@ -135,7 +135,7 @@ void TestVexelHost::FailedStartsHarmNothing()
     QCOMPARE(setUp.Entries(), before);
 }
 
-void TestVexelHost::AddAndListAsTable()
+void TestVexelHost::addAndListAsTable()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("North mast"), QStringLiteral("Pier")}, {QStringLiteral("Pier")});
@@ -153,7 +153,7 @@ void TestVexelHost::AddAndListAsTable()
     QVERIFY(lines.at(2).endsWith(QLatin1String("  yes")));
 }
 
-void TestVexelHost::ListAsJson()
+void TestVexelHost::listAsJson()
 {
     HostSetUp setUp;
     const QString name = QStringLiteral("\"Mast\"\n<&> \U0001F4E1");
@@ -171,7 +171,7 @@ void TestVexelHost::ListAsJson()
     QCOMPARE(entry.value(QLatin1String("timeoutText")), QJsonValue(QStringLiteral("No Timeout")));
 }
 
-void TestVexelHost::AddAppends()
+void TestVexelHost::addAppends()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -186,7 +186,7 @@ void TestVexelHost::AddAppends()
                                          QStringLiteral("one")}));
 }
 
-void TestVexelHost::AddedEntriesAreFree()
+void TestVexelHost::addedEntriesAreFree()
 {
     HostSetUp setUp;
     setUp.Write(setUp.Path("a.xml"), HostSetUp::ListDocument({QStringLiteral("one")}, {}, 1));
@@ -194,7 +194,7 @@ void TestVexelHost::AddedEntriesAreFree()
     QVERIFY2(result.OutputLines().constLast().startsWith(QLatin1String("one   Free ")), qPrintable(result.output));
 }
 
-void TestVexelHost::AddOfABadFileChangesNothing_data()
+void TestVexelHost::addOfABadFileChangesNothing_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("not XML") << QByteArray("hello");
@@ -205,7 +205,7 @@ void TestVexelHost::AddOfABadFileChangesNothing_data()
                                               HostSetUp::ListDocument({QStringLiteral("half")});
 }
 
-void TestVexelHost::AddOfABadFileChangesNothing()
+void TestVexelHost::addOfABadFileChangesNothing()
 {
     QFETCH(const QByteArray, content);
     HostSetUp setUp;
@@ -227,7 +227,7 @@ void TestVexelHost::AddOfABadFileChangesNothing()
     QCOMPARE(setUp.Entries(), before);
 }
 
-void TestVexelHost::NamesCannotBreakTheTable()
+void TestVexelHost::namesCannotBreakTheTable()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("two\nlines"), QString(1'000'000, QLatin1Char('x'))});
@@ -239,7 +239,7 @@ void TestVexelHost::NamesCannotBreakTheTable()
     QCOMPARE(setUp.Names().at(1).size(), 1'000'000);
 }
 
-void TestVexelHost::DataDirectoryIsStoredOnlyWhenGiven()
+void TestVexelHost::dataDirectoryIsStoredOnlyWhenGiven()
 {
     HostSetUp setUp;
     QCOMPARE(setUp.Run({QStringLiteral("--list")}).exitCode, 0);
@@ -251,7 +251,7 @@ void TestVexelHost::DataDirectoryIsStoredOnlyWhenGiven()
     QVERIFY(setUp.StoredText().contains("VexelDataDir=" + setUp.Data().toUtf8()));
 }
 
-void TestVexelHost::TracesGoWhereAsked()
+void TestVexelHost::tracesGoWhereAsked()
 {
     HostSetUp setUp;
     // The data directory is empty, which the plug-in has to say.
@@ -273,7 +273,7 @@ void TestVexelHost::TracesGoWhereAsked()
     QVERIFY(file.readAll().contains(said.toUtf8()));
 }
 
-void TestVexelHost::LanguageIsTaken()
+void TestVexelHost::languageIsTaken()
 {
     HostSetUp setUp;
     const auto german = setUp.Run({QStringLiteral("--list"), QStringLiteral("--language"), QStringLiteral("de_AT")});
@@ -285,14 +285,14 @@ void TestVexelHost::LanguageIsTaken()
     QVERIFY2(icelandic.output.contains(QLatin1String("Device Type")), qPrintable(icelandic.output));
 }
 
-void TestVexelHost::InterruptEndsAnInteractiveHost_data()
+void TestVexelHost::interruptEndsAnInteractiveHost_data()
 {
     QTest::addColumn<QString>("signal");
     for (const QString& name : System::RequestsToEnd())
         QTest::newRow(qPrintable(name)) << name;
 }
 
-void TestVexelHost::InterruptEndsAnInteractiveHost()
+void TestVexelHost::interruptEndsAnInteractiveHost()
 {
     QFETCH(const QString, signal);
     HostSetUp setUp;

@@ -7,7 +7,7 @@ class TestVexelHostUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void NoDisplay()
+    void noDisplay()
     {
         HostSetUp setUp;
         const auto result = setUp.Run({});
@@ -16,7 +16,7 @@ private slots:
         QVERIFY2(result.error.contains(QLatin1String("no display")), qPrintable(result.error));
     }
 
-    void HeadlessHostLeavesTheDesktopToItsChildren()
+    void headlessHostLeavesTheDesktopToItsChildren()
     {
         // The host shows nothing, but what it starts is meant for the person at the display.
         HostSetUp setUp;
@@ -40,14 +40,14 @@ private slots:
         }
     }
 
-    void AFullDiskKeepsTheOldList()
+    void aFullDiskKeepsTheOldList()
     {
         HostSetUp setUp;
         setUp.Fill({QStringLiteral("one")});
         const QByteArray stored = setUp.StoredText();
         setUp.Write(setUp.Path("large.xml"), HostSetUp::ListDocument({QString(200'000, QLatin1Char('x'))}));
         {
-            // What the host is started with holds for it, too.
+            // The host inherits the limit.
             const FileSizeLimit limit(100'000);
             const auto result =
                 setUp.Run({QStringLiteral("--add"), setUp.Path("large.xml"), QStringLiteral("--trace")});
@@ -55,7 +55,7 @@ private slots:
             QVERIFY2(result.error.contains(QLatin1String("vexelhost: the configuration in ") + setUp.Config() +
                                            QLatin1String(" could not be saved\n")),
                      qPrintable(result.error));
-            QVERIFY2(result.error.contains(QLatin1String(" trace platform/configdocument:")), qPrintable(result.error));
+            QVERIFY2(result.error.contains(QLatin1String(" trace platform/config/configdocument:")), qPrintable(result.error));
 
             const auto exported = setUp.Run(
                 {QStringLiteral("--add"), setUp.Path("large.xml"), QStringLiteral("--export"), setUp.Path("out.xml")});

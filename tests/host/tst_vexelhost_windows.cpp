@@ -6,7 +6,7 @@ class TestVexelHostWindows : public QObject
     Q_OBJECT
 
 private slots:
-    void PluginAtAPathOfAnyLetters()
+    void pluginAtAPathOfAnyLetters()
     {
         HostSetUp setUp;
         const QString folder = setUp.Data() + QString::fromUtf8("/\xd0\x9f\xd0\xb5\xd0\xbb \xe6\x96\xb9\xe4\xbd\x8d "
@@ -23,8 +23,8 @@ private slots:
         }
     }
 
-    void PluginThatIsNotThere_data() { Places(); }
-    void PluginThatIsNotThere()
+    void pluginThatIsNotThere_data() { Places(); }
+    void pluginThatIsNotThere()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
@@ -34,8 +34,8 @@ private slots:
         QVERIFY2(result.error.contains(QLatin1String("plug-in")), qPrintable(result.error));
     }
 
-    void ConfigurationThatCannotBe_data() { Places(); }
-    void ConfigurationThatCannotBe()
+    void configurationThatCannotBe_data() { Places(); }
+    void configurationThatCannotBe()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
@@ -53,8 +53,8 @@ private slots:
         QVERIFY(!QFile::exists(QDir::rootPath() + QStringLiteral("no-such-host")));
     }
 
-    void DataThatIsNotThere_data() { Places(); }
-    void DataThatIsNotThere()
+    void dataThatIsNotThere_data() { Places(); }
+    void dataThatIsNotThere()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
@@ -67,8 +67,8 @@ private slots:
     }
 
     // As when the share or the drive was there once.
-    void DataThatIsThereNoMore_data() { Places(); }
-    void DataThatIsThereNoMore()
+    void dataThatIsThereNoMore_data() { Places(); }
+    void dataThatIsThereNoMore()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
@@ -91,13 +91,13 @@ private slots:
         QVERIFY(setUp.StoredText().contains("VexelDataDir=" + place.toUtf8()));
     }
 
-    void ApplicationThatCannotBe_data()
+    void applicationThatCannotBe_data()
     {
         QTest::addColumn<QString>("program");
         for (const char* name : {"NUL", "CON", "Q:/nowhere/app.exe", "//no-such-host/share/app.exe", "C:/nowhere/ "})
             QTest::newRow(name) << QString::fromLatin1(name);
     }
-    void ApplicationThatCannotBe()
+    void applicationThatCannotBe()
     {
         QFETCH(const QString, program);
         HostSetUp setUp;
@@ -111,7 +111,7 @@ private slots:
         QVERIFY2(result.error.contains(QLatin1String("\"mast\" could not be connected")), qPrintable(result.error));
     }
 
-    void ApplicationsDoNotHoldTheOutput()
+    void applicationsDoNotHoldTheOutput()
     {
         HostSetUp setUp;
         setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)), 1);
@@ -131,7 +131,7 @@ private slots:
     }
 
     // Here names end before the blanks at their end, so this one is there.
-    void ApplicationWithATrailingBlank()
+    void applicationWithATrailingBlank()
     {
         HostSetUp setUp;
         const QString program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)) + u' ';

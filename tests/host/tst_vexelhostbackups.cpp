@@ -9,19 +9,19 @@ class TestVexelHostBackups : public QObject
     Q_OBJECT
 
 private slots:
-    void WithoutAConfiguration();
-    void WithoutAStoredList();
-    void VersionsAreListedNewestFirst();
-    void VersionsAsJson();
-    void LookingWritesNothing();
-    void NeedsNeitherDisplayNorPlugin();
-    void RestoreBringsAVersionBack();
-    void RestoreOfTheStateThatIsThere();
-    void RestoreNamesTheVersionsThatExist();
-    void ADamagedVersionIsShownAndNotRestored();
-    void ADamagedDocumentIsShownAndReplaced();
-    void WhileAHostRuns();
-    void AListThatBreaksOffIsKeptForGood();
+    void withoutAConfiguration();
+    void withoutAStoredList();
+    void versionsAreListedNewestFirst();
+    void versionsAsJson();
+    void lookingWritesNothing();
+    void needsNeitherDisplayNorPlugin();
+    void restoreBringsAVersionBack();
+    void restoreOfTheStateThatIsThere();
+    void restoreNamesTheVersionsThatExist();
+    void aDamagedVersionIsShownAndNotRestored();
+    void aDamagedDocumentIsShownAndReplaced();
+    void whileAHostRuns();
+    void aListThatBreaksOffIsKeptForGood();
 
 private:
     static QString Document(const HostSetUp& setUp)
@@ -44,11 +44,11 @@ QStringList TestVexelHostBackups::Lines(HostSetUp& setUp)
     if (result.exitCode != 0 || !result.error.isEmpty())
         return {result.error};
     QStringList lines;
-    static const QRegularExpression s_line(
+    static const QRegularExpression kLine(
         QStringLiteral("^(now|\\d+) +(-|\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d)  +(\\S.*?)  +(/.*|[A-Z]:.*)$"));
     const QStringList output = result.OutputLines();
     for (const QString& line : output.mid(1)) {
-        const QRegularExpressionMatch match = s_line.match(line);
+        const QRegularExpressionMatch match = kLine.match(line);
         lines.append(match.hasMatch() ? match.captured(1) + QLatin1Char('|') + match.captured(3) : line);
     }
     return lines;
@@ -87,7 +87,7 @@ void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
     setUp.Write(Document(setUp), text);
 }
 
-void TestVexelHostBackups::WithoutAConfiguration()
+void TestVexelHostBackups::withoutAConfiguration()
 {
     HostSetUp setUp;
     for (const char* option : {"--backups", "--restore=1"}) {
@@ -101,14 +101,14 @@ void TestVexelHostBackups::WithoutAConfiguration()
     }
 }
 
-void TestVexelHostBackups::WithoutAStoredList()
+void TestVexelHostBackups::withoutAStoredList()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config()));
     QCOMPARE(Lines(setUp), QStringList(QStringLiteral("now|none stored")));
 }
 
-void TestVexelHostBackups::VersionsAreListedNewestFirst()
+void TestVexelHostBackups::versionsAreListedNewestFirst()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
@@ -119,7 +119,7 @@ void TestVexelHostBackups::VersionsAreListedNewestFirst()
                                    QStringLiteral("File")}));
 }
 
-void TestVexelHostBackups::VersionsAsJson()
+void TestVexelHostBackups::versionsAsJson()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -148,7 +148,7 @@ void TestVexelHostBackups::VersionsAsJson()
     }
 }
 
-void TestVexelHostBackups::LookingWritesNothing()
+void TestVexelHostBackups::lookingWritesNothing()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -160,7 +160,7 @@ void TestVexelHostBackups::LookingWritesNothing()
     QCOMPARE(QFileInfo(Document(setUp)).lastModified(), changed);
 }
 
-void TestVexelHostBackups::NeedsNeitherDisplayNorPlugin()
+void TestVexelHostBackups::needsNeitherDisplayNorPlugin()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -170,7 +170,7 @@ void TestVexelHostBackups::NeedsNeitherDisplayNorPlugin()
     QCOMPARE(setUp.Run(QStringList{QStringLiteral("--restore=1")} + withoutPlugin).exitCode, 0);
 }
 
-void TestVexelHostBackups::RestoreBringsAVersionBack()
+void TestVexelHostBackups::restoreBringsAVersionBack()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
@@ -192,7 +192,7 @@ void TestVexelHostBackups::RestoreBringsAVersionBack()
     QCOMPARE(setUp.Names().size(), 3);
 }
 
-void TestVexelHostBackups::RestoreOfTheStateThatIsThere()
+void TestVexelHostBackups::restoreOfTheStateThatIsThere()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -205,7 +205,7 @@ void TestVexelHostBackups::RestoreOfTheStateThatIsThere()
     QCOMPARE(setUp.StoredText(), before);
 }
 
-void TestVexelHostBackups::RestoreNamesTheVersionsThatExist()
+void TestVexelHostBackups::restoreNamesTheVersionsThatExist()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config()));
@@ -230,7 +230,7 @@ void TestVexelHostBackups::RestoreNamesTheVersionsThatExist()
     }
 }
 
-void TestVexelHostBackups::ADamagedVersionIsShownAndNotRestored()
+void TestVexelHostBackups::aDamagedVersionIsShownAndNotRestored()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
@@ -244,7 +244,7 @@ void TestVexelHostBackups::ADamagedVersionIsShownAndNotRestored()
     QCOMPARE(setUp.Names().size(), 3);
 }
 
-void TestVexelHostBackups::ADamagedDocumentIsShownAndReplaced()
+void TestVexelHostBackups::aDamagedDocumentIsShownAndReplaced()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -263,7 +263,7 @@ void TestVexelHostBackups::ADamagedDocumentIsShownAndReplaced()
     QVERIFY(setUp.StoredText().contains(garbage));
 }
 
-void TestVexelHostBackups::WhileAHostRuns()
+void TestVexelHostBackups::whileAHostRuns()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -290,7 +290,7 @@ void TestVexelHostBackups::WhileAHostRuns()
     QCOMPARE(setUp.Names().size(), 1);
 }
 
-void TestVexelHostBackups::AListThatBreaksOffIsKeptForGood()
+void TestVexelHostBackups::aListThatBreaksOffIsKeptForGood()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);

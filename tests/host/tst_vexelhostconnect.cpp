@@ -10,28 +10,28 @@ class TestVexelHostConnect : public QObject
     Q_OBJECT
 
 private slots:
-    void ConnectAndWait();
-    void ConnectedTwiceIsConnectedOnce();
-    void ConnectWithoutWaitingTakesTheApplicationAlong();
-    void UnknownNameConnectsNothing();
-    void ConnectSelected();
-    void NothingTickedToConnect();
-    void NoApplicationFree();
-    void ProgramThatDoesNotExist();
-    void ProgramThatEndsAtOnce();
-    void TicksStayAsTheyWere();
-    void EntriesOfTheSameName();
-    void InstalledSamplesServeWithoutADataDirectory();
-    void ChildrenFindTheConfiguration_data();
-    void ChildrenFindTheConfiguration();
-    void PicturesAtEachMoment();
-    void PictureThatCannotBeWritten();
-    void TerminatedWhileWaiting();
-    void ReaderThatGoesAway();
-    void EndOfTheHostEndsItsApplications();
-    void NameChoosesTheMappingFile();
-    void BoxTextKeepsTheName();
-    void ConfigurationThatCannotBeSaved();
+    void connectAndWait();
+    void connectedTwiceIsConnectedOnce();
+    void connectWithoutWaitingTakesTheApplicationAlong();
+    void unknownNameConnectsNothing();
+    void connectSelected();
+    void nothingTickedToConnect();
+    void noApplicationFree();
+    void programThatDoesNotExist();
+    void programThatEndsAtOnce();
+    void ticksStayAsTheyWere();
+    void entriesOfTheSameName();
+    void installedSamplesServeWithoutADataDirectory();
+    void childrenFindTheConfiguration_data();
+    void childrenFindTheConfiguration();
+    void picturesAtEachMoment();
+    void pictureThatCannotBeWritten();
+    void terminatedWhileWaiting();
+    void readerThatGoesAway();
+    void endOfTheHostEndsItsApplications();
+    void nameChoosesTheMappingFile();
+    void boxTextKeepsTheName();
+    void configurationThatCannotBeSaved();
 
 private:
     static QStringList Changes(const QStringList& lines);
@@ -50,7 +50,7 @@ QStringList TestVexelHostConnect::Changes(const QStringList& lines)
     return changes;
 }
 
-void TestVexelHostConnect::ConnectAndWait()
+void TestVexelHostConnect::connectAndWait()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -63,7 +63,7 @@ void TestVexelHostConnect::ConnectAndWait()
              QStringList({QStringLiteral("mast: Free -> In Use"), QStringLiteral("mast: In Use -> Free")}));
 }
 
-void TestVexelHostConnect::ConnectedTwiceIsConnectedOnce()
+void TestVexelHostConnect::connectedTwiceIsConnectedOnce()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 2);
@@ -75,7 +75,7 @@ void TestVexelHostConnect::ConnectedTwiceIsConnectedOnce()
     QCOMPARE(result.OutputLines().size(), 2);
 }
 
-void TestVexelHostConnect::ConnectWithoutWaitingTakesTheApplicationAlong()
+void TestVexelHostConnect::connectWithoutWaitingTakesTheApplicationAlong()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -88,7 +88,7 @@ void TestVexelHostConnect::ConnectWithoutWaitingTakesTheApplicationAlong()
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
 }
 
-void TestVexelHostConnect::UnknownNameConnectsNothing()
+void TestVexelHostConnect::unknownNameConnectsNothing()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -100,7 +100,7 @@ void TestVexelHostConnect::UnknownNameConnectsNothing()
     QCOMPARE(result.ErrorLines(), QStringList(QStringLiteral("vexelhost: there is no entry called \"Mast\"")));
 }
 
-void TestVexelHostConnect::ConnectSelected()
+void TestVexelHostConnect::connectSelected()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 2);
@@ -118,7 +118,7 @@ void TestVexelHostConnect::ConnectSelected()
     QCOMPARE(setUp.TickedNames(), QStringList({QStringLiteral("mast"), QStringLiteral("van")}));
 }
 
-void TestVexelHostConnect::NothingTickedToConnect()
+void TestVexelHostConnect::nothingTickedToConnect()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -128,7 +128,7 @@ void TestVexelHostConnect::NothingTickedToConnect()
     QCOMPARE(result.ErrorLines(), QStringList(QStringLiteral("vexelhost: no entry is ticked")));
 }
 
-void TestVexelHostConnect::NoApplicationFree()
+void TestVexelHostConnect::noApplicationFree()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -149,7 +149,7 @@ void TestVexelHostConnect::NoApplicationFree()
     QCOMPARE(setUp.TickedNames(), QStringList(QStringLiteral("pier")));
 }
 
-void TestVexelHostConnect::ProgramThatDoesNotExist()
+void TestVexelHostConnect::programThatDoesNotExist()
 {
     HostSetUp setUp;
     setUp.Install(QStringLiteral("/no/such/program"), 1);
@@ -161,7 +161,7 @@ void TestVexelHostConnect::ProgramThatDoesNotExist()
              QStringList(QStringLiteral("vexelhost: \"mast\" could not be connected (--trace says why)")));
 }
 
-void TestVexelHostConnect::ProgramThatEndsAtOnce()
+void TestVexelHostConnect::programThatEndsAtOnce()
 {
     HostSetUp setUp;
     // The host itself: it takes the application's arguments for a wrong command line.
@@ -173,7 +173,7 @@ void TestVexelHostConnect::ProgramThatEndsAtOnce()
              QStringList({QStringLiteral("mast: Free -> In Use"), QStringLiteral("mast: In Use -> Free")}));
 }
 
-void TestVexelHostConnect::TicksStayAsTheyWere()
+void TestVexelHostConnect::ticksStayAsTheyWere()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -188,7 +188,7 @@ void TestVexelHostConnect::TicksStayAsTheyWere()
     }
 }
 
-void TestVexelHostConnect::EntriesOfTheSameName()
+void TestVexelHostConnect::entriesOfTheSameName()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 2);
@@ -200,7 +200,7 @@ void TestVexelHostConnect::EntriesOfTheSameName()
     QCOMPARE(result.OutputLines().size(), 4);
 }
 
-void TestVexelHostConnect::InstalledSamplesServeWithoutADataDirectory()
+void TestVexelHostConnect::installedSamplesServeWithoutADataDirectory()
 {
     HostSetUp setUp;
     setUp.Write(setUp.Path("list.xml"), HostSetUp::ListDocument({QStringLiteral("mast")}));
@@ -212,7 +212,7 @@ void TestVexelHostConnect::InstalledSamplesServeWithoutADataDirectory()
     QVERIFY(!setUp.StoredText().contains("VexelDataDir"));
 }
 
-void TestVexelHostConnect::ChildrenFindTheConfiguration_data()
+void TestVexelHostConnect::childrenFindTheConfiguration_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::newRow("plain") << QStringLiteral("config");
@@ -220,7 +220,7 @@ void TestVexelHostConnect::ChildrenFindTheConfiguration_data()
     QTest::newRow("letters") << QStringLiteral("\u00fc \u0441\u0432\u044f\u0437\u044c \u5317\u6597");
 }
 
-void TestVexelHostConnect::ChildrenFindTheConfiguration()
+void TestVexelHostConnect::childrenFindTheConfiguration()
 {
     QFETCH(const QString, folder);
     HostSetUp setUp;
@@ -249,7 +249,7 @@ void TestVexelHostConnect::ChildrenFindTheConfiguration()
     QVERIFY2(text.contains("station name: mast\n"), text.constData());
 }
 
-void TestVexelHostConnect::PicturesAtEachMoment()
+void TestVexelHostConnect::picturesAtEachMoment()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -278,7 +278,7 @@ void TestVexelHostConnect::PicturesAtEachMoment()
     QVERIFY(!setUp.StoredText().contains(QByteArray("VexelConnectDlgGUI")));
 }
 
-void TestVexelHostConnect::PictureThatCannotBeWritten()
+void TestVexelHostConnect::pictureThatCannotBeWritten()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("no/such/folder/a.png");
@@ -288,7 +288,7 @@ void TestVexelHostConnect::PictureThatCannotBeWritten()
     QVERIFY2(result.error.contains(fileName), qPrintable(result.error));
 }
 
-void TestVexelHostConnect::TerminatedWhileWaiting()
+void TestVexelHostConnect::terminatedWhileWaiting()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -308,7 +308,7 @@ void TestVexelHostConnect::TerminatedWhileWaiting()
     QCOMPARE(setUp.TickedNames(), QStringList(QStringLiteral("pier")));
 }
 
-void TestVexelHostConnect::EndOfTheHostEndsItsApplications()
+void TestVexelHostConnect::endOfTheHostEndsItsApplications()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -329,7 +329,7 @@ void TestVexelHostConnect::EndOfTheHostEndsItsApplications()
     QVERIFY(!System::IsProcess(child));
 }
 
-void TestVexelHostConnect::NameChoosesTheMappingFile()
+void TestVexelHostConnect::nameChoosesTheMappingFile()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -344,7 +344,7 @@ void TestVexelHostConnect::NameChoosesTheMappingFile()
     QVERIFY2(result.error.contains(missed), qPrintable(result.error));
 }
 
-void TestVexelHostConnect::BoxTextKeepsTheName()
+void TestVexelHostConnect::boxTextKeepsTheName()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 0);
@@ -355,7 +355,7 @@ void TestVexelHostConnect::BoxTextKeepsTheName()
     QVERIFY2(result.ErrorLines().constFirst().contains(QLatin1String("\"two  blanks\".")), qPrintable(result.error));
 }
 
-void TestVexelHostConnect::ReaderThatGoesAway()
+void TestVexelHostConnect::readerThatGoesAway()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);
@@ -371,7 +371,7 @@ void TestVexelHostConnect::ReaderThatGoesAway()
     QCOMPARE(setUp.Names(), QStringList({QStringLiteral("mast"), QStringLiteral("van")}));
 }
 
-void TestVexelHostConnect::ConfigurationThatCannotBeSaved()
+void TestVexelHostConnect::configurationThatCannotBeSaved()
 {
     HostSetUp setUp;
     setUp.Install(KiteControl(), 1);

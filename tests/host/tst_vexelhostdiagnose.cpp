@@ -8,23 +8,23 @@ class TestVexelHostDiagnose : public QObject
     Q_OBJECT
 
 private slots:
-    void TextHasEverySection();
-    void Versions();
-    void Paths();
-    void WithoutAnything();
-    void PluginThatDoesNotLoad();
-    void DataDirectoryAndWhereItComesFrom();
-    void MappingOfTheInstanceThatIsAskedFor();
-    void StateOfTheStore();
-    void DamagedDocuments();
-    void VersionThatTheNextStartUses();
-    void ListThatBreaksOff();
-    void OnlyHarmlessVariables();
-    void TraceFileIsLeftAlone();
-    void PortInUse();
-    void WhileAHostRuns();
-    void AHostThatIsDead();
-    void ChangesNothing();
+    void textHasEverySection();
+    void versions();
+    void paths();
+    void withoutAnything();
+    void pluginThatDoesNotLoad();
+    void dataDirectoryAndWhereItComesFrom();
+    void mappingOfTheInstanceThatIsAskedFor();
+    void stateOfTheStore();
+    void damagedDocuments();
+    void versionThatTheNextStartUses();
+    void listThatBreaksOff();
+    void onlyHarmlessVariables();
+    void traceFileIsLeftAlone();
+    void portInUse();
+    void whileAHostRuns();
+    void aHostThatIsDead();
+    void changesNothing();
 
 private:
     static QJsonObject Diagnose(HostSetUp& setUp, const QStringList& arguments = {})
@@ -45,7 +45,7 @@ private:
     }
 };
 
-void TestVexelHostDiagnose::TextHasEverySection()
+void TestVexelHostDiagnose::textHasEverySection()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -61,7 +61,7 @@ void TestVexelHostDiagnose::TextHasEverySection()
     QVERIFY(result.output.contains(QLatin1String("\n  entries stored  1\n")));
 }
 
-void TestVexelHostDiagnose::Versions()
+void TestVexelHostDiagnose::versions()
 {
     HostSetUp setUp;
     const QJsonObject report = Diagnose(setUp);
@@ -73,7 +73,7 @@ void TestVexelHostDiagnose::Versions()
         QVERIFY2(!Value(report, "versions", key).toString().isEmpty(), key);
 }
 
-void TestVexelHostDiagnose::Paths()
+void TestVexelHostDiagnose::paths()
 {
     HostSetUp setUp;
     const QJsonObject report = Diagnose(setUp);
@@ -88,7 +88,7 @@ void TestVexelHostDiagnose::Paths()
     QCOMPARE(Value(report, "paths", "display"), QJsonValue(setUp.HasDisplay()));
 }
 
-void TestVexelHostDiagnose::WithoutAnything()
+void TestVexelHostDiagnose::withoutAnything()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
@@ -102,7 +102,7 @@ void TestVexelHostDiagnose::WithoutAnything()
     QCOMPARE(Value(Diagnose(setUp), "configuration", "exists"), QJsonValue(false));
 }
 
-void TestVexelHostDiagnose::PluginThatDoesNotLoad()
+void TestVexelHostDiagnose::pluginThatDoesNotLoad()
 {
     HostSetUp setUp;
     for (const auto& [file, hint] :
@@ -118,7 +118,7 @@ void TestVexelHostDiagnose::PluginThatDoesNotLoad()
     QVERIFY(Value(report, "paths", "plugInState").toString().startsWith(QLatin1String("loads")));
 }
 
-void TestVexelHostDiagnose::DataDirectoryAndWhereItComesFrom()
+void TestVexelHostDiagnose::dataDirectoryAndWhereItComesFrom()
 {
     HostSetUp setUp;
     QJsonObject report = Diagnose(setUp);
@@ -146,7 +146,7 @@ void TestVexelHostDiagnose::DataDirectoryAndWhereItComesFrom()
     QCOMPARE(Value(report, "applications", "machineFileState"), QJsonValue(QStringLiteral("not read: no such file")));
 }
 
-void TestVexelHostDiagnose::MappingOfTheInstanceThatIsAskedFor()
+void TestVexelHostDiagnose::mappingOfTheInstanceThatIsAskedFor()
 {
     HostSetUp setUp;
     setUp.Install(QStringLiteral("/no/such/program"), 1);
@@ -161,7 +161,7 @@ void TestVexelHostDiagnose::MappingOfTheInstanceThatIsAskedFor()
              QJsonValue(QStringLiteral("/another/mapping.xml")));
 }
 
-void TestVexelHostDiagnose::StateOfTheStore()
+void TestVexelHostDiagnose::stateOfTheStore()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -173,7 +173,7 @@ void TestVexelHostDiagnose::StateOfTheStore()
     QCOMPARE(Value(report, "configuration", "hostAtWork"), QJsonValue(QStringLiteral("none")));
     QCOMPARE(Value(report, "configuration", "storedList"), QJsonValue(QStringLiteral("in order")));
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(2));
-    QCOMPARE(Value(report, "configuration", "keptAside"), QJsonValue(QJsonArray()));
+    QCOMPARE(Value(report, "configuration", "quarantined"), QJsonValue(QJsonArray()));
 
     QMap<QString, QJsonObject> documents;
     const QJsonArray rows = Value(report, "configuration", "documents").toArray();
@@ -192,7 +192,7 @@ void TestVexelHostDiagnose::StateOfTheStore()
              QJsonValue(QStringLiteral("not a document of the store")));
 }
 
-void TestVexelHostDiagnose::DamagedDocuments()
+void TestVexelHostDiagnose::damagedDocuments()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -211,12 +211,12 @@ void TestVexelHostDiagnose::DamagedDocuments()
 
     // And so it does.
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
-    const QJsonArray keptAside = Value(Diagnose(setUp), "configuration", "keptAside").toArray();
-    QVERIFY(keptAside.size() >= 1);
-    QVERIFY(keptAside.at(0).toString().startsWith(QLatin1String("application/@application.ini.damaged-")));
+    const QJsonArray quarantined = Value(Diagnose(setUp), "configuration", "quarantined").toArray();
+    QVERIFY(quarantined.size() >= 1);
+    QVERIFY(quarantined.at(0).toString().startsWith(QLatin1String("application/@application.ini.damaged-")));
 }
 
-void TestVexelHostDiagnose::VersionThatTheNextStartUses()
+void TestVexelHostDiagnose::versionThatTheNextStartUses()
 {
     HostSetUp setUp;
     for (int i = 1; i <= 4; ++i)
@@ -242,7 +242,7 @@ void TestVexelHostDiagnose::VersionThatTheNextStartUses()
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
 }
 
-void TestVexelHostDiagnose::ListThatBreaksOff()
+void TestVexelHostDiagnose::listThatBreaksOff()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
@@ -254,7 +254,7 @@ void TestVexelHostDiagnose::ListThatBreaksOff()
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
 }
 
-void TestVexelHostDiagnose::OnlyHarmlessVariables()
+void TestVexelHostDiagnose::onlyHarmlessVariables()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("VEXEL_CONFIG_DIR"), QStringLiteral("/somewhere"));
@@ -272,7 +272,7 @@ void TestVexelHostDiagnose::OnlyHarmlessVariables()
     QCOMPARE(Value(Diagnose(setUp), "paths", "environment").toVariant().toStringList(), expected);
 }
 
-void TestVexelHostDiagnose::TraceFileIsLeftAlone()
+void TestVexelHostDiagnose::traceFileIsLeftAlone()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("trace.log");
@@ -289,7 +289,7 @@ void TestVexelHostDiagnose::TraceFileIsLeftAlone()
              QJsonValue(QStringLiteral("its folder does not exist")));
 }
 
-void TestVexelHostDiagnose::PortInUse()
+void TestVexelHostDiagnose::portInUse()
 {
     HostSetUp setUp;
     QTcpServer server;
@@ -307,7 +307,7 @@ void TestVexelHostDiagnose::PortInUse()
     QTRY_COMPARE_WITH_TIMEOUT(Value(Diagnose(setUp), "starterLink", "free"), QJsonValue(true), 60'000);
 }
 
-void TestVexelHostDiagnose::WhileAHostRuns()
+void TestVexelHostDiagnose::whileAHostRuns()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
@@ -331,7 +331,7 @@ void TestVexelHostDiagnose::WhileAHostRuns()
     QVERIFY2(!rest.contains(QLatin1String("Received call")), qPrintable(rest));
 }
 
-void TestVexelHostDiagnose::AHostThatIsDead()
+void TestVexelHostDiagnose::aHostThatIsDead()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -345,7 +345,7 @@ void TestVexelHostDiagnose::AHostThatIsDead()
     QVERIFY(!QFileInfo::exists(lock));
 }
 
-void TestVexelHostDiagnose::ChangesNothing()
+void TestVexelHostDiagnose::changesNothing()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});

@@ -7,12 +7,12 @@ class TestVexelHostLife : public QObject
     Q_OBJECT
 
 private slots:
-    void ASecondHostIsRefused_data();
-    void ASecondHostIsRefused();
-    void AKilledHostIsSucceeded();
-    void ADamagedConfigurationIsTold();
-    void AFullTraceFileIsPutAside();
-    void ATraceFileThatCannotBePutAsideIsToldOnce();
+    void aSecondHostIsRefused_data();
+    void aSecondHostIsRefused();
+    void aKilledHostIsSucceeded();
+    void aDamagedConfigurationIsTold();
+    void aFullTraceFileIsPutAside();
+    void aTraceFileThatCannotBePutAsideIsToldOnce();
 
 private:
     /// Starts a host with its dialog, and waits until it is there.
@@ -30,7 +30,7 @@ private:
     }
 };
 
-void TestVexelHostLife::ASecondHostIsRefused_data()
+void TestVexelHostLife::aSecondHostIsRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("with a dialog") << QStringList();
@@ -40,7 +40,7 @@ void TestVexelHostLife::ASecondHostIsRefused_data()
     QTest::newRow("that would change the data directory") << QStringList{QStringLiteral("--data"), QStringLiteral(".")};
 }
 
-void TestVexelHostLife::ASecondHostIsRefused()
+void TestVexelHostLife::aSecondHostIsRefused()
 {
     QFETCH(const QStringList, arguments);
     HostSetUp setUp;
@@ -65,7 +65,7 @@ void TestVexelHostLife::ASecondHostIsRefused()
     QCOMPARE(setUp.Names(), QStringList{QStringLiteral("one")});
 }
 
-void TestVexelHostLife::AKilledHostIsSucceeded()
+void TestVexelHostLife::aKilledHostIsSucceeded()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -79,7 +79,7 @@ void TestVexelHostLife::AKilledHostIsSucceeded()
     QCOMPARE(setUp.Names(), QStringList{QStringLiteral("one")});
 }
 
-void TestVexelHostLife::ADamagedConfigurationIsTold()
+void TestVexelHostLife::aDamagedConfigurationIsTold()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -100,7 +100,7 @@ void TestVexelHostLife::ADamagedConfigurationIsTold()
     QCOMPARE(setUp.Run({QStringLiteral("--list")}).error, QString());
 }
 
-void TestVexelHostLife::AFullTraceFileIsPutAside()
+void TestVexelHostLife::aFullTraceFileIsPutAside()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("trace.log");
@@ -114,7 +114,7 @@ void TestVexelHostLife::AFullTraceFileIsPutAside()
     QVERIFY(QFileInfo(fileName).size() > 0 && QFileInfo(fileName).size() < 100'000);
 }
 
-void TestVexelHostLife::ATraceFileThatCannotBePutAsideIsToldOnce()
+void TestVexelHostLife::aTraceFileThatCannotBePutAsideIsToldOnce()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("trace.log");

@@ -6,20 +6,20 @@ class TestVexelHostLists : public QObject
     Q_OBJECT
 
 private slots:
-    void ImportTakesThePlaceOfAllEntries();
-    void ImportedEntriesAreFree();
-    void ImportThenAddThenExportThenList();
-    void ImportOfABadFileChangesNothing_data();
-    void ImportOfABadFileChangesNothing();
-    void ImportIsUndoneWhenAnAddFails();
-    void ExportThenImportGivesAnEqualList();
-    void ExportOfAnEmptyList();
-    void ExportReplacesAFile();
-    void ExportToStandardOutput();
-    void ExportThatFailsLeavesTheFileAsItWas();
+    void importTakesThePlaceOfAllEntries();
+    void importedEntriesAreFree();
+    void importThenAddThenExportThenList();
+    void importOfABadFileChangesNothing_data();
+    void importOfABadFileChangesNothing();
+    void importIsUndoneWhenAnAddFails();
+    void exportThenImportGivesAnEqualList();
+    void exportOfAnEmptyList();
+    void exportReplacesAFile();
+    void exportToStandardOutput();
+    void exportThatFailsLeavesTheFileAsItWas();
 };
 
-void TestVexelHostLists::ImportTakesThePlaceOfAllEntries()
+void TestVexelHostLists::importTakesThePlaceOfAllEntries()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("old 1"), QStringLiteral("old 2"), QStringLiteral("old 3")});
@@ -34,7 +34,7 @@ void TestVexelHostLists::ImportTakesThePlaceOfAllEntries()
     QCOMPARE(setUp.TickedNames(), QStringList(QStringLiteral("a")));
 }
 
-void TestVexelHostLists::ImportedEntriesAreFree()
+void TestVexelHostLists::importedEntriesAreFree()
 {
     HostSetUp setUp;
     setUp.Write(setUp.Path("busy.xml"), HostSetUp::ListDocument({QStringLiteral("one")}, {}, 1));
@@ -45,7 +45,7 @@ void TestVexelHostLists::ImportedEntriesAreFree()
     QCOMPARE(setUp.Entries().at(0).toObject().value(QLatin1String("status")), QJsonValue(0));
 }
 
-void TestVexelHostLists::ImportThenAddThenExportThenList()
+void TestVexelHostLists::importThenAddThenExportThenList()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("old")});
@@ -67,7 +67,7 @@ void TestVexelHostLists::ImportThenAddThenExportThenList()
     QCOMPARE(other.Names(), QStringList({QStringLiteral("imported"), QStringLiteral("added")}));
 }
 
-void TestVexelHostLists::ImportOfABadFileChangesNothing_data()
+void TestVexelHostLists::importOfABadFileChangesNothing_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("not XML") << QByteArray("hello");
@@ -80,7 +80,7 @@ void TestVexelHostLists::ImportOfABadFileChangesNothing_data()
                                               HostSetUp::ListDocument({QStringLiteral("half")});
 }
 
-void TestVexelHostLists::ImportOfABadFileChangesNothing()
+void TestVexelHostLists::importOfABadFileChangesNothing()
 {
     QFETCH(const QByteArray, content);
     HostSetUp setUp;
@@ -106,7 +106,7 @@ void TestVexelHostLists::ImportOfABadFileChangesNothing()
     }
 }
 
-void TestVexelHostLists::ImportIsUndoneWhenAnAddFails()
+void TestVexelHostLists::importIsUndoneWhenAnAddFails()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -120,7 +120,7 @@ void TestVexelHostLists::ImportIsUndoneWhenAnAddFails()
     QCOMPARE(setUp.Entries(), before);
 }
 
-void TestVexelHostLists::ExportThenImportGivesAnEqualList()
+void TestVexelHostLists::exportThenImportGivesAnEqualList()
 {
     HostSetUp setUp;
     const QString samples = QStringLiteral(PROGRAM_DIRECTORY "/../share/vexel/connections.xml");
@@ -143,7 +143,7 @@ void TestVexelHostLists::ExportThenImportGivesAnEqualList()
     QCOMPARE(other.Entries(), entries);
 }
 
-void TestVexelHostLists::ExportOfAnEmptyList()
+void TestVexelHostLists::exportOfAnEmptyList()
 {
     HostSetUp setUp;
     QCOMPARE(setUp.Run({QStringLiteral("--export"), setUp.Path("out.xml")}).exitCode, 0);
@@ -153,7 +153,7 @@ void TestVexelHostLists::ExportOfAnEmptyList()
     QVERIFY2(document.contains("<ConnectionEntries/>"), document.constData());
 }
 
-void TestVexelHostLists::ExportReplacesAFile()
+void TestVexelHostLists::exportReplacesAFile()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -167,7 +167,7 @@ void TestVexelHostLists::ExportReplacesAFile()
     QCOMPARE(other.Names(), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
 }
 
-void TestVexelHostLists::ExportToStandardOutput()
+void TestVexelHostLists::exportToStandardOutput()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("M\u00e4st \U0001F4E1")});
@@ -184,7 +184,7 @@ void TestVexelHostLists::ExportToStandardOutput()
     QVERIFY(!QFileInfo::exists(setUp.Path("-")));
 }
 
-void TestVexelHostLists::ExportThatFailsLeavesTheFileAsItWas()
+void TestVexelHostLists::exportThatFailsLeavesTheFileAsItWas()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});

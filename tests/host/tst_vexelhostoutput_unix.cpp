@@ -9,15 +9,15 @@ class TestVexelHostOutputUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void WhatCannotBePrintedFails_data();
-    void WhatCannotBePrintedFails();
-    void WhatIsDoneIsDoneWithoutAReader_data();
-    void WhatIsDoneIsDoneWithoutAReader();
-    void ComplaintsWithoutAReader_data();
-    void ComplaintsWithoutAReader();
+    void whatCannotBePrintedFails_data();
+    void whatCannotBePrintedFails();
+    void whatIsDoneIsDoneWithoutAReader_data();
+    void whatIsDoneIsDoneWithoutAReader();
+    void complaintsWithoutAReader_data();
+    void complaintsWithoutAReader();
 };
 
-void TestVexelHostOutputUnix::WhatCannotBePrintedFails_data()
+void TestVexelHostOutputUnix::whatCannotBePrintedFails_data()
 {
     AddBrokenOutputs({{QStringLiteral("--export=-")},
                       {QStringLiteral("--list")},
@@ -30,7 +30,7 @@ void TestVexelHostOutputUnix::WhatCannotBePrintedFails_data()
                       {QStringLiteral("--version")}});
 }
 
-void TestVexelHostOutputUnix::WhatCannotBePrintedFails()
+void TestVexelHostOutputUnix::whatCannotBePrintedFails()
 {
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
@@ -47,12 +47,12 @@ void TestVexelHostOutputUnix::WhatCannotBePrintedFails()
     QCOMPARE(setUp.StoredText(), stored);
 }
 
-void TestVexelHostOutputUnix::WhatIsDoneIsDoneWithoutAReader_data()
+void TestVexelHostOutputUnix::whatIsDoneIsDoneWithoutAReader_data()
 {
     AddBrokenOutputs({{QStringLiteral("--restore=1")}});
 }
 
-void TestVexelHostOutputUnix::WhatIsDoneIsDoneWithoutAReader()
+void TestVexelHostOutputUnix::whatIsDoneIsDoneWithoutAReader()
 {
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
@@ -70,12 +70,12 @@ void TestVexelHostOutputUnix::WhatIsDoneIsDoneWithoutAReader()
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
 }
 
-void TestVexelHostOutputUnix::ComplaintsWithoutAReader_data()
+void TestVexelHostOutputUnix::complaintsWithoutAReader_data()
 {
     AddBrokenOutputs({{QStringLiteral("--no-such-option")}, {QStringLiteral("--restore=7")}});
 }
 
-void TestVexelHostOutputUnix::ComplaintsWithoutAReader()
+void TestVexelHostOutputUnix::complaintsWithoutAReader()
 {
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);

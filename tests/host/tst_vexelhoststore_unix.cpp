@@ -10,14 +10,14 @@ class TestVexelHostStoreUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void WithoutRoomForTemporaryFiles();
-    void LeavesNothingAmongTheTemporaryFiles();
-    void OnAFullDiskItShowsAndExports();
-    void WhatCannotBeWrittenIsLookedAt();
-    void APipeInPlaceOfTheLock();
-    void AListThatIsNotKnownIsNotExported();
-    void ADocumentWithoutBound();
-    void ADocumentThatCannotBeRead();
+    void withoutRoomForTemporaryFiles();
+    void leavesNothingAmongTheTemporaryFiles();
+    void onAFullDiskItShowsAndExports();
+    void whatCannotBeWrittenIsLookedAt();
+    void aPipeInPlaceOfTheLock();
+    void aListThatIsNotKnownIsNotExported();
+    void aDocumentWithoutBound();
+    void aDocumentThatCannotBeRead();
 
 private:
     static QString Document(const HostSetUp& setUp)
@@ -40,18 +40,18 @@ private:
         setUp.Environment().insert(QStringLiteral("XDG_RUNTIME_DIR"), session);
         setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     }
-    static const QStringList s_allNames;
+    static const QStringList kAllNames;
 };
 
-const QStringList TestVexelHostStoreUnix::s_allNames = {QStringLiteral("one"), QStringLiteral("two"),
-                                                        QStringLiteral("three")};
+const QStringList TestVexelHostStoreUnix::kAllNames = {QStringLiteral("one"), QStringLiteral("two"),
+                                                       QStringLiteral("three")};
 
-void TestVexelHostStoreUnix::WithoutRoomForTemporaryFiles()
+void TestVexelHostStoreUnix::withoutRoomForTemporaryFiles()
 {
     HostSetUp setUp;
     FillThrice(setUp);
     setUp.Environment().insert(QStringLiteral("TMPDIR"), QStringLiteral("/no/such/folder"));
-    QCOMPARE(setUp.Names(), s_allNames);
+    QCOMPARE(setUp.Names(), kAllNames);
     const auto exported = setUp.Run({QStringLiteral("--export"), setUp.Path("out.xml")});
     QCOMPARE(exported.error, QString());
     QCOMPARE(exported.exitCode, 0);
@@ -62,10 +62,10 @@ void TestVexelHostStoreUnix::WithoutRoomForTemporaryFiles()
     const auto diagnosis = setUp.Run({QStringLiteral("--diagnose")});
     QVERIFY2(!diagnosis.output.contains(QLatin1String("DAMAGED")), qPrintable(diagnosis.output));
     QCOMPARE(setUp.Run({QStringLiteral("--restore=2")}).exitCode, 0);
-    QCOMPARE(setUp.Names(), s_allNames.first(1));
+    QCOMPARE(setUp.Names(), kAllNames.first(1));
 }
 
-void TestVexelHostStoreUnix::LeavesNothingAmongTheTemporaryFiles()
+void TestVexelHostStoreUnix::leavesNothingAmongTheTemporaryFiles()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -83,7 +83,7 @@ void TestVexelHostStoreUnix::LeavesNothingAmongTheTemporaryFiles()
     QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
 }
 
-void TestVexelHostStoreUnix::OnAFullDiskItShowsAndExports()
+void TestVexelHostStoreUnix::onAFullDiskItShowsAndExports()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -92,7 +92,7 @@ void TestVexelHostStoreUnix::OnAFullDiskItShowsAndExports()
     {
         // Files can be made, and hold nothing.
         const FileSizeLimit limit(0);
-        QCOMPARE(setUp.Names(), s_allNames);
+        QCOMPARE(setUp.Names(), kAllNames);
         const auto exported = setUp.Run({QStringLiteral("--export=-")});
         QCOMPARE(exported.error, QString());
         QCOMPARE(exported.exitCode, 0);
@@ -105,11 +105,11 @@ void TestVexelHostStoreUnix::OnAFullDiskItShowsAndExports()
         QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 2);
     }
     QCOMPARE(setUp.StoredText(), stored);
-    QCOMPARE(setUp.Names(), s_allNames);
+    QCOMPARE(setUp.Names(), kAllNames);
 }
 
 // Such as a disk that can only be read; nobody keeps an administrator from writing but what stands in the way.
-void TestVexelHostStoreUnix::WhatCannotBeWrittenIsLookedAt()
+void TestVexelHostStoreUnix::whatCannotBeWrittenIsLookedAt()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -139,7 +139,7 @@ void TestVexelHostStoreUnix::WhatCannotBeWrittenIsLookedAt()
     QCOMPARE(setUp.StoredText(), stored);
 }
 
-void TestVexelHostStoreUnix::APipeInPlaceOfTheLock()
+void TestVexelHostStoreUnix::aPipeInPlaceOfTheLock()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -149,11 +149,11 @@ void TestVexelHostStoreUnix::APipeInPlaceOfTheLock()
     const auto added = setUp.Run({QStringLiteral("--add"), setUp.Path("more.xml")});
     QCOMPARE(added.exitCode, 2);
     QVERIFY2(added.error.contains(QLatin1String("could not be saved")), qPrintable(added.error));
-    QCOMPARE(setUp.Names(), s_allNames);
+    QCOMPARE(setUp.Names(), kAllNames);
 }
 
 // It would be an empty one, in place of a good file.
-void TestVexelHostStoreUnix::AListThatIsNotKnownIsNotExported()
+void TestVexelHostStoreUnix::aListThatIsNotKnownIsNotExported()
 {
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
@@ -181,7 +181,7 @@ void TestVexelHostStoreUnix::AListThatIsNotKnownIsNotExported()
     QCOMPARE(Files::Read(Document(setUp)), QByteArray("damage"));
 }
 
-void TestVexelHostStoreUnix::ADocumentWithoutBound()
+void TestVexelHostStoreUnix::aDocumentWithoutBound()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -195,7 +195,7 @@ void TestVexelHostStoreUnix::ADocumentWithoutBound()
 }
 
 // Its versions may be in order, and nothing says that it is damaged.
-void TestVexelHostStoreUnix::ADocumentThatCannotBeRead()
+void TestVexelHostStoreUnix::aDocumentThatCannotBeRead()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -221,7 +221,7 @@ void TestVexelHostStoreUnix::ADocumentThatCannotBeRead()
     QCOMPARE(restored.exitCode, 0);
     QVERIFY2(restored.output.contains(QLatin1String("cannot be read -> 2 entries; what it replaced is kept as ")),
              qPrintable(restored.output));
-    QCOMPARE(setUp.Names(), s_allNames.first(2));
+    QCOMPARE(setUp.Names(), kAllNames.first(2));
 }
 
 QTEST_GUILESS_MAIN(TestVexelHostStoreUnix)

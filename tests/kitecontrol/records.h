@@ -13,19 +13,19 @@ public:
     Records& Add(const char* station, const char* deviceType, const char* remoteAddress = "")
     {
         ConnectData record;
-        record.m_nIndex = qint32(m_Records.size());
+        record.m_nIndex = qint32(m_records.size());
         record.m_sStationName = QString::fromUtf8(station);
         record.m_sDeviceType = QString::fromLatin1(deviceType);
         record.m_sRemoteAddress = QString::fromLatin1(remoteAddress);
         record.m_nConnectionType = record.m_sRemoteAddress.isEmpty() ? 0 : 1;
-        m_Records.push_back(record);
+        m_records.push_back(record);
         return *this;
     }
 
     /// A copy, so that the list may be made and walked in one expression.
-    std::vector<ConnectData> List() const { return m_Records; }
-    ConnectData& Last() { return m_Records.back(); }
+    std::vector<ConnectData> List() const { return m_records; }
+    ConnectData& Last() { return m_records.back(); }
 
 private:
-    std::vector<ConnectData> m_Records;
+    std::vector<ConnectData> m_records;
 };

@@ -12,7 +12,7 @@
 
 namespace {
 
-const QStringList s_oldOnlyKeys{
+const QStringList kOldOnlyKeys{
     QStringLiteral("Type"),
     QStringLiteral("Access"),
     QStringLiteral("StationAddress"),
@@ -212,7 +212,7 @@ void TestConnectData::oldMultiChannelRecord()
     QCOMPARE(record.m_sStationName, QStringLiteral("Old server"));
     QCOMPARE(record.m_sDeviceType, QStringLiteral("Kite Cobra"));
     QCOMPARE(record.m_sRemoteAddress, QStringLiteral("10.0.0.6"));
-    for (const QString& key : s_oldOnlyKeys) {
+    for (const QString& key : kOldOnlyKeys) {
         QVERIFY2(!cfg.Has(Key(0, key)), qPrintable(key));
     }
 }
@@ -277,7 +277,7 @@ void TestConnectData::oldNumbersAndFlags()
 void TestConnectData::removesTheOldKeysAndNoOther()
 {
     RecordingCfg cfg;
-    for (const QString& key : s_oldOnlyKeys) {
+    for (const QString& key : kOldOnlyKeys) {
         Put(cfg, qPrintable(key), QStringLiteral("1"));
     }
     Put(cfg, "StationName", QStringLiteral("Name"));
@@ -538,7 +538,7 @@ void TestConnectData::worksOnTheProductsConfiguration()
     QCOMPARE(old.m_nTimeoutSeconds, 60);
     const std::unique_ptr<ICfg> node(document->OpenChild(QStringLiteral("ConnectData0"), 0));
     const QString none = QStringLiteral("(none)");
-    for (const QString& key : s_oldOnlyKeys) {
+    for (const QString& key : kOldOnlyKeys) {
         QCOMPARE(node->GetString(key, none, 0), none);
     }
 

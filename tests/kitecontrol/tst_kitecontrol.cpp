@@ -16,8 +16,8 @@
 
 namespace {
 
-const QString s_program = QStringLiteral(KITECONTROL_PROGRAM);
-const QString s_bravoProgram = QStringLiteral(KITEBRAVOCONTROL_PROGRAM);
+const QString kProgram = QStringLiteral(KITECONTROL_PROGRAM);
+const QString kBravoProgram = QStringLiteral(KITEBRAVOCONTROL_PROGRAM);
 
 QMap<QString, QByteArray> FilesBelow(const QString& directory)
 {
@@ -57,14 +57,14 @@ private slots:
 
 private:
     void WriteStore(const std::vector<ConnectData>& records);
-    /// Starts `program` and waits for its end; what it printed is in `m_Printed` and `m_sErrors` then.
+    /// Starts `program` and waits for its end; what it printed is in `m_printed` and `m_sErrors` then.
     void Run(const QString& program, const QStringList& arguments);
     static QStringList ServerArguments(const QString& station);
 
     std::unique_ptr<QTemporaryDir> m_pDirectory;
     QString m_sStore;
-    QProcessEnvironment m_Environment;
-    QStringList m_Printed;
+    QProcessEnvironment m_environment;
+    QStringList m_printed;
     QString m_sErrors;
 };
 
@@ -73,10 +73,10 @@ void TestKiteControl::init()
     m_pDirectory = std::make_unique<QTemporaryDir>();
     QVERIFY(m_pDirectory->isValid());
     m_sStore = m_pDirectory->filePath(QStringLiteral("store"));
-    m_Environment = QProcessEnvironment::systemEnvironment();
-    m_Environment.insert(QStringLiteral("VEXEL_CONFIG_DIR"), m_sStore);
-    m_Environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.05"));
-    m_Environment.remove(QStringLiteral("KITECONTROL_REPORT_DIR"));
+    m_environment = QProcessEnvironment::systemEnvironment();
+    m_environment.insert(QStringLiteral("VEXEL_CONFIG_DIR"), m_sStore);
+    m_environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.05"));
+    m_environment.remove(QStringLiteral("KITECONTROL_REPORT_DIR"));
 }
 
 void TestKiteControl::cleanup()
@@ -99,11 +99,11 @@ void TestKiteControl::WriteStore(const std::vector<ConnectData>& records)
 void TestKiteControl::Run(const QString& program, const QStringList& arguments)
 {
     QProcess process;
-    process.setProcessEnvironment(m_Environment);
+    process.setProcessEnvironment(m_environment);
     process.start(program, arguments);
     QVERIFY2(process.waitForFinished(60000), qPrintable(process.errorString()));
     m_sErrors = QString::fromUtf8(process.readAllStandardError());
-    m_Printed = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    m_printed = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, qPrintable(m_sErrors));
 }
 
@@ -115,7 +115,7 @@ QStringList TestKiteControl::ServerArguments(const QString& station)
 void TestKiteControl::printsItsRecordAndEnds()
 {
     WriteStore(Records().Add("Other", "Kite Echo").Add("Mast north", "Plover One", "192.0.2.4").List());
-    Run(s_program, ServerArguments(QStringLiteral("Mast north")));
+    Run(kProgram, ServerArguments(QStringLiteral("Mast north")));
     const QStringList expected{
         QStringLiteral("application: KiteControl"),
         QStringLiteral("command line: kitecontrol KiteControl:XMsgDlg.dll Server \"Mast north\""),
@@ -132,17 +132,17 @@ void TestKiteControl::printsItsRecordAndEnds()
         QStringLiteral("time-out: none"),
         QStringLiteral("type category: 4"),
     };
-    QCOMPARE(m_Printed, expected);
+    QCOMPARE(m_printed, expected);
 }
 
 void TestKiteControl::relativeFindsItsRecordByAddress()
 {
     WriteStore(Records().Add("Fjord", "Kite Fjord", "192.0.2.4").Add("Harbour", "Kite Bravo", "192.0.2.4").List());
-    Run(s_bravoProgram, {QStringLiteral("KiteBravoControl:XMsgDlg.dll"), QStringLiteral("Server"),
-                         QStringLiteral("Connection=192.0.2.4:27061")});
-    QVERIFY(m_Printed.contains(QStringLiteral("command line: kitebravocontrol KiteBravoControl:XMsgDlg.dll Server "
+    Run(kBravoProgram, {QStringLiteral("KiteBravoControl:XMsgDlg.dll"), QStringLiteral("Server"),
+                        QStringLiteral("Connection=192.0.2.4:27061")});
+    QVERIFY(m_printed.contains(QStringLiteral("command line: kitebravocontrol KiteBravoControl:XMsgDlg.dll Server "
                                               "Connection=192.0.2.4:27061")));
-    QVERIFY2(m_Printed.contains(QStringLiteral("station name: Harbour")), qPrintable(m_Printed.join(u'|')));
+    QVERIFY2(m_printed.contains(QStringLiteral("station name: Harbour")), qPrintable(m_printed.join(u'|')));
 }
 
 void TestKiteControl::recordOfTheOldestFormIsReadAndLeft()
@@ -160,9 +160,9 @@ void TestKiteControl::recordOfTheOldestFormIsReadAndLeft()
         QVERIFY(CfgCenter::SaveDocument());
     }
     const QMap<QString, QByteArray> before = FilesBelow(m_sStore);
-    Run(s_program, ServerArguments(QStringLiteral("Old mast")));
-    QVERIFY(m_Printed.contains(QStringLiteral("device type: Kite Echo/Ember")));
-    QVERIFY(m_Printed.contains(QStringLiteral("device address: 10.0.0.5")));
+    Run(kProgram, ServerArguments(QStringLiteral("Old mast")));
+    QVERIFY(m_printed.contains(QStringLiteral("device type: Kite Echo/Ember")));
+    QVERIFY(m_printed.contains(QStringLiteral("device address: 10.0.0.5")));
     // The migration stays in the reader's memory.
     QCOMPARE(FilesBelow(m_sStore), before);
 }
@@ -182,9 +182,9 @@ void TestKiteControl::leavesADamagedConfigurationAlone()
     }
     QVERIFY(damaged > 0);
     const QMap<QString, QByteArray> before = FilesBelow(m_sStore);
-    Run(s_program, ServerArguments(QStringLiteral("Mast")));
-    QCOMPARE(m_Printed.filter(QStringLiteral("finding: ")).size(), 1);
-    QVERIFY(!m_Printed.contains(QStringLiteral("record: ConnectData0")));
+    Run(kProgram, ServerArguments(QStringLiteral("Mast")));
+    QCOMPARE(m_printed.filter(QStringLiteral("finding: ")).size(), 1);
+    QVERIFY(!m_printed.contains(QStringLiteral("record: ConnectData0")));
     QCOMPARE(FilesBelow(m_sStore), before);
 }
 
@@ -195,21 +195,21 @@ void TestKiteControl::readsAReadOnlyConfiguration()
     const QMap<QString, QByteArray> before = FilesBelow(m_sStore);
     const QFile::Permissions former = QFile::permissions(m_sStore);
     QVERIFY(QFile::setPermissions(m_sStore, QFile::ReadOwner | QFile::ExeOwner));
-    Run(s_program, ServerArguments(QStringLiteral("Mast")));
+    Run(kProgram, ServerArguments(QStringLiteral("Mast")));
     QVERIFY(QFile::setPermissions(m_sStore, former));
-    QVERIFY2(m_Printed.contains(QStringLiteral("record: ConnectData0")), qPrintable(m_Printed.join(u'|')));
+    QVERIFY2(m_printed.contains(QStringLiteral("record: ConnectData0")), qPrintable(m_printed.join(u'|')));
     QCOMPARE(FilesBelow(m_sStore), before);
 }
 
 void TestKiteControl::worksWithoutConfiguration()
 {
-    m_Environment.remove(QStringLiteral("VEXEL_CONFIG_DIR"));
-    Run(s_program, ServerArguments(QStringLiteral("Mast")));
-    QVERIFY(m_Printed.contains(QStringLiteral("finding: no configuration is known (VEXEL_CONFIG_DIR is not set)")));
+    m_environment.remove(QStringLiteral("VEXEL_CONFIG_DIR"));
+    Run(kProgram, ServerArguments(QStringLiteral("Mast")));
+    QVERIFY(m_printed.contains(QStringLiteral("finding: no configuration is known (VEXEL_CONFIG_DIR is not set)")));
 
-    m_Environment.insert(QStringLiteral("VEXEL_CONFIG_DIR"), m_sStore);
-    Run(s_program, ServerArguments(QStringLiteral("Mast")));
-    QVERIFY(m_Printed.contains(QStringLiteral("finding: the configuration directory does not exist")));
+    m_environment.insert(QStringLiteral("VEXEL_CONFIG_DIR"), m_sStore);
+    Run(kProgram, ServerArguments(QStringLiteral("Mast")));
+    QVERIFY(m_printed.contains(QStringLiteral("finding: the configuration directory does not exist")));
     QVERIFY(!QDir(m_sStore).exists());
 }
 
@@ -230,8 +230,8 @@ void TestKiteControl::takesEveryNameAsItIs()
     Records records;
     records.Add("Other", "Kite Echo").Add(qUtf8Printable(station), "Kite Echo");
     WriteStore(records.List());
-    Run(s_program, ServerArguments(station));
-    QVERIFY2(m_Printed.contains(QStringLiteral("record: ConnectData1")), qPrintable(m_Printed.join(u'|')));
+    Run(kProgram, ServerArguments(station));
+    QVERIFY2(m_printed.contains(QStringLiteral("record: ConnectData1")), qPrintable(m_printed.join(u'|')));
 }
 
 void TestKiteControl::writesAReportFile()
@@ -239,11 +239,11 @@ void TestKiteControl::writesAReportFile()
     WriteStore(Records().Add("Mast", "Kite Echo").List());
     const QDir reports(m_pDirectory->filePath(QStringLiteral("reports")));
     QVERIFY(reports.mkpath(QStringLiteral(".")));
-    m_Environment.insert(QStringLiteral("KITECONTROL_REPORT_DIR"), reports.path());
+    m_environment.insert(QStringLiteral("KITECONTROL_REPORT_DIR"), reports.path());
 
     QProcess process;
-    process.setProcessEnvironment(m_Environment);
-    process.start(s_program, ServerArguments(QStringLiteral("Mast")));
+    process.setProcessEnvironment(m_environment);
+    process.start(kProgram, ServerArguments(QStringLiteral("Mast")));
     QVERIFY(process.waitForStarted());
     const qint64 id = process.processId();
     QVERIFY(process.waitForFinished(60000));
@@ -258,22 +258,22 @@ void TestKiteControl::writesAReportFile()
 
 void TestKiteControl::reportFolderMissing()
 {
-    m_Environment.insert(QStringLiteral("KITECONTROL_REPORT_DIR"), m_pDirectory->filePath(QStringLiteral("missing")));
-    Run(s_program, ServerArguments(QStringLiteral("Mast")));
+    m_environment.insert(QStringLiteral("KITECONTROL_REPORT_DIR"), m_pDirectory->filePath(QStringLiteral("missing")));
+    Run(kProgram, ServerArguments(QStringLiteral("Mast")));
     QVERIFY2(m_sErrors.contains(QLatin1String("no report could be written")), qPrintable(m_sErrors));
-    QVERIFY(!m_Printed.isEmpty());
+    QVERIFY(!m_printed.isEmpty());
 }
 
 void TestKiteControl::runsUntilTerminated()
 {
 #ifdef Q_OS_WIN
-    if (m_Environment.value(QStringLiteral("QT_QPA_PLATFORM")) == QLatin1String("offscreen"))
+    if (m_environment.value(QStringLiteral("QT_QPA_PLATFORM")) == QLatin1String("offscreen"))
         QSKIP("Programs are asked to end by a message to their windows, and off screen there are none.");
 #endif
-    m_Environment.remove(QStringLiteral("KITECONTROL_SECONDS"));
+    m_environment.remove(QStringLiteral("KITECONTROL_SECONDS"));
     QProcess process;
-    process.setProcessEnvironment(m_Environment);
-    process.start(s_program, ServerArguments(QStringLiteral("Mast")));
+    process.setProcessEnvironment(m_environment);
+    process.start(kProgram, ServerArguments(QStringLiteral("Mast")));
     // What it prints is there at once, not only at its end.
     QByteArray printed;
     QTRY_VERIFY_WITH_TIMEOUT((printed += process.readAllStandardOutput()).contains("finding: "), 60000);
@@ -284,10 +284,10 @@ void TestKiteControl::runsUntilTerminated()
 
 void TestKiteControl::complainsAboutSeconds()
 {
-    m_Environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("soon"));
+    m_environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("soon"));
     QProcess process;
-    process.setProcessEnvironment(m_Environment);
-    process.start(s_program, ServerArguments(QStringLiteral("Mast")));
+    process.setProcessEnvironment(m_environment);
+    process.start(kProgram, ServerArguments(QStringLiteral("Mast")));
     QByteArray errors;
     QTRY_VERIFY_WITH_TIMEOUT((errors += process.readAllStandardError()).contains("KITECONTROL_SECONDS"), 60000);
     process.kill();

@@ -12,8 +12,8 @@
 
 namespace {
 
-const QStringList s_mastArguments{QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"),
-                                  QStringLiteral("Mast")};
+const QStringList kMastArguments{QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"),
+                                 QStringLiteral("Mast")};
 
 LegacyRecords Known(const std::vector<ConnectData>& records)
 {
@@ -25,7 +25,7 @@ LegacyRecords Known(const std::vector<ConnectData>& records)
 
 LaunchReport MastReport(const LegacyRecords& records)
 {
-    return LaunchReport::Make(QStringLiteral("kitecontrol"), s_mastArguments, records);
+    return LaunchReport::Make(QStringLiteral("kitecontrol"), kMastArguments, records);
 }
 
 } // namespace

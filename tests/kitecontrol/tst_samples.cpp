@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int s_deviceTypes = 15;
-constexpr int s_linkSpeeds = 7;
+constexpr int kDeviceTypes = 15;
+constexpr int kLinkSpeeds = 7;
 
 QByteArray Contents(const char* name)
 {
@@ -103,10 +103,10 @@ private:
     void ReadEntries();
     int ApplicationsFor(int deviceType) const;
 
-    QStringList m_Names; ///< of the applications, in the order of the file
-    QMap<QString, Application> m_Applications;
-    QList<QPair<int, QString>> m_Mappings;
-    std::vector<Entry> m_Entries;
+    QStringList m_names; ///< of the applications, in the order of the file
+    QMap<QString, Application> m_applications;
+    QList<QPair<int, QString>> m_mappings;
+    std::vector<Entry> m_entries;
 };
 
 void TestSamples::initTestCase()
@@ -124,8 +124,8 @@ void TestSamples::ReadMachine()
     }
     while (reader.readNextStartElement()) {
         const QString name = reader.name().toString();
-        m_Names.append(name);
-        Application& application = m_Applications[name];
+        m_names.append(name);
+        Application& application = m_applications[name];
         while (reader.readNextStartElement()) {
             if (reader.name() == QLatin1String("Startup")) {
                 QVERIFY2(!application.hasStartup, qPrintable(name));
@@ -140,7 +140,7 @@ void TestSamples::ReadMachine()
         QVERIFY(reader.readNext() != QXmlStreamReader::StartElement);
     }
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
-    QVERIFY(!m_Names.isEmpty());
+    QVERIFY(!m_names.isEmpty());
 }
 
 void TestSamples::ReadMappings()
@@ -161,7 +161,7 @@ void TestSamples::ReadMappings()
                 mapping.second = text;
             }
         }
-        m_Mappings.append(mapping);
+        m_mappings.append(mapping);
     }
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
 }
@@ -178,37 +178,37 @@ void TestSamples::ReadEntries()
             const QString name = reader.name().toString();
             entry.append({name, reader.readElementText()});
         }
-        m_Entries.push_back(entry);
+        m_entries.push_back(entry);
     }
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
-    QVERIFY(m_Entries.size() >= s_deviceTypes);
+    QVERIFY(m_entries.size() >= kDeviceTypes);
 }
 
 int TestSamples::ApplicationsFor(int deviceType) const
 {
     QString executable;
-    for (const auto& [type, name] : m_Mappings) {
+    for (const auto& [type, name] : m_mappings) {
         if (type == ServingType(deviceType)) {
-            executable = m_Applications.value(name).executable;
+            executable = m_applications.value(name).executable;
         }
     }
     return executable.isEmpty()
                ? 0
-               : int(std::count_if(m_Applications.begin(), m_Applications.end(), [&executable](const Application& a) {
+               : int(std::count_if(m_applications.begin(), m_applications.end(), [&executable](const Application& a) {
                      return a.hasStartup && a.executable == executable;
                  }));
 }
 
 void TestSamples::applicationNamesAreUnique()
 {
-    QCOMPARE(QSet<QString>(m_Names.begin(), m_Names.end()).size(), m_Names.size());
+    QCOMPARE(QSet<QString>(m_names.begin(), m_names.end()).size(), m_names.size());
 }
 
 void TestSamples::applicationsShowEveryCase()
 {
     int withoutStartup = 0;
     int withParameters = 0;
-    for (auto it = m_Applications.constBegin(); it != m_Applications.constEnd(); ++it) {
+    for (auto it = m_applications.constBegin(); it != m_applications.constEnd(); ++it) {
         if (!it->hasStartup) {
             ++withoutStartup;
             continue;
@@ -220,7 +220,7 @@ void TestSamples::applicationsShowEveryCase()
         }
         QCOMPARE(it->parameters.keys(), numbers);
     }
-    QVERIFY(m_Applications.value(QStringLiteral("KiteControl")).parameterCount > 1);
+    QVERIFY(m_applications.value(QStringLiteral("KiteControl")).parameterCount > 1);
     QVERIFY(withParameters > 0);
     QVERIFY(withoutStartup > 0);
     QVERIFY(ApplicationsFor(4) >= 4);
@@ -229,7 +229,7 @@ void TestSamples::applicationsShowEveryCase()
 
 void TestSamples::executablesAreBuilt()
 {
-    for (auto it = m_Applications.constBegin(); it != m_Applications.constEnd(); ++it) {
+    for (auto it = m_applications.constBegin(); it != m_applications.constEnd(); ++it) {
         if (!it->hasStartup) {
             continue;
         }
@@ -245,17 +245,17 @@ void TestSamples::executablesAreBuilt()
 
 void TestSamples::everyMappedApplicationHasAStartup()
 {
-    QVERIFY(!m_Mappings.isEmpty());
-    for (const auto& [type, name] : m_Mappings) {
-        QVERIFY2(m_Applications.value(name).hasStartup, qPrintable(name));
-        QVERIFY2(!m_Applications.value(name).executable.isEmpty(), qPrintable(name));
-        QVERIFY2(type >= 0 && type < s_deviceTypes && ServingType(type) == type, qPrintable(QString::number(type)));
+    QVERIFY(!m_mappings.isEmpty());
+    for (const auto& [type, name] : m_mappings) {
+        QVERIFY2(m_applications.value(name).hasStartup, qPrintable(name));
+        QVERIFY2(!m_applications.value(name).executable.isEmpty(), qPrintable(name));
+        QVERIFY2(type >= 0 && type < kDeviceTypes && ServingType(type) == type, qPrintable(QString::number(type)));
     }
 }
 
 void TestSamples::everyDeviceTypeIsServed()
 {
-    for (int type = 0; type < s_deviceTypes; ++type) {
+    for (int type = 0; type < kDeviceTypes; ++type) {
         QVERIFY2(ApplicationsFor(type) > 0, qPrintable(QString::number(type)));
     }
 }
@@ -264,10 +264,10 @@ void TestSamples::eachExecutableServesOneDeviceType()
 {
     // Or an entry would be given an application that is made for another device.
     QSet<QString> executables;
-    for (const auto& mapping : m_Mappings) {
-        executables.insert(m_Applications.value(mapping.second).executable);
+    for (const auto& mapping : m_mappings) {
+        executables.insert(m_applications.value(mapping.second).executable);
     }
-    QCOMPARE(executables.size(), m_Mappings.size());
+    QCOMPARE(executables.size(), m_mappings.size());
 }
 
 void TestSamples::listIsInTheStoredForm()
@@ -285,7 +285,7 @@ void TestSamples::listIsInTheStoredForm()
                                                               QStringLiteral("version=\"1.0\" encoding=\"utf-8\"")));
     QDomElement root = document.createElement(QStringLiteral("ConnectionEntries"));
     document.appendChild(root);
-    for (const Entry& entry : m_Entries) {
+    for (const Entry& entry : m_entries) {
         QStringList names;
         QDomElement connection = document.createElement(QStringLiteral("Connection"));
         root.appendChild(connection);
@@ -312,7 +312,7 @@ void TestSamples::listCoversEveryValue()
     int withPort = 0;
     int withTimeout = 0;
     int withSubsystem = 0;
-    for (const Entry& entry : m_Entries) {
+    for (const Entry& entry : m_entries) {
         deviceTypes.insert(NumberOf(entry, "DeviceType"));
         connectionTypes.insert(NumberOf(entry, "ConnectionType"));
         linkSpeeds.insert(NumberOf(entry, "LinkSpeed"));
@@ -326,9 +326,9 @@ void TestSamples::listCoversEveryValue()
         return values.size() == count && *std::min_element(values.begin(), values.end()) == 0 &&
                *std::max_element(values.begin(), values.end()) == count - 1;
     };
-    QVERIFY(isRange(deviceTypes, s_deviceTypes));
+    QVERIFY(isRange(deviceTypes, kDeviceTypes));
     QVERIFY(isRange(connectionTypes, 3));
-    QVERIFY(isRange(linkSpeeds, s_linkSpeeds));
+    QVERIFY(isRange(linkSpeeds, kLinkSpeeds));
     QVERIFY(withPort >= 2);
     QVERIFY(withTimeout >= 2);
     QVERIFY(withSubsystem >= 2);
@@ -338,7 +338,7 @@ void TestSamples::namesAndDriverAddressesAreUnique()
 {
     QSet<QString> names;
     QSet<QString> drivers;
-    for (const Entry& entry : m_Entries) {
+    for (const Entry& entry : m_entries) {
         const QString name = ValueOf(entry, "ConnectionName");
         QVERIFY2(!names.contains(name), qPrintable(name));
         names.insert(name);
@@ -355,7 +355,7 @@ void TestSamples::addressesAreThoseOfExamples()
     const QStringList networks{QStringLiteral("192.0.2.0/24"),   QStringLiteral("198.51.100.0/24"),
                                QStringLiteral("203.0.113.0/24"), QStringLiteral("10.0.0.0/8"),
                                QStringLiteral("172.16.0.0/12"),  QStringLiteral("192.168.0.0/16")};
-    for (const Entry& entry : m_Entries) {
+    for (const Entry& entry : m_entries) {
         for (const char* const field : {"DeviceAddress", "DriverAddress"}) {
             const QString address = ValueOf(entry, field).section(QLatin1Char(':'), 0, 0);
             const bool isExample = std::any_of(networks.begin(), networks.end(), [&address](const QString& network) {
@@ -369,7 +369,7 @@ void TestSamples::addressesAreThoseOfExamples()
 void TestSamples::tickedEntriesRunAtTheSameTime()
 {
     QMap<int, int> ticked;
-    for (const Entry& entry : m_Entries) {
+    for (const Entry& entry : m_entries) {
         const QString selected = ValueOf(entry, "Selected");
         QVERIFY(selected == QLatin1String("true") || selected == QLatin1String("false"));
         if (selected == QLatin1String("true")) {

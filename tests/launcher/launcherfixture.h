@@ -29,7 +29,7 @@ public:
 
     TestChild()
     {
-        qputenv("VEXEL_TESTCHILD_REPORTS", QFile::encodeName(m_Reports.path()));
+        qputenv("VEXEL_TESTCHILD_REPORTS", QFile::encodeName(m_reports.path()));
         Behave("exit");
     }
     ~TestChild()
@@ -41,7 +41,7 @@ public:
     TestChild(const TestChild&) = delete;
     TestChild& operator=(const TestChild&) = delete;
 
-    static QString Program() { return s_program; }
+    static QString Program() { return kProgram; }
 
     /// What children do that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
     /// ended, be "polite" and exit when they are asked to end, be "stubborn" and stay even then, "print" `number` bytes
@@ -56,7 +56,7 @@ public:
     QList<Report> Reports() const
     {
         QList<Report> reports;
-        const QFileInfoList files = QDir(m_Reports.path()).entryInfoList({QStringLiteral("*.json")}, QDir::Files);
+        const QFileInfoList files = QDir(m_reports.path()).entryInfoList({QStringLiteral("*.json")}, QDir::Files);
         for (const QFileInfo& info : files) {
             QFile file(info.filePath());
             if (!file.open(QIODevice::ReadOnly))
@@ -79,7 +79,7 @@ public:
     /// Forgets the reports so far.
     void Clear()
     {
-        QDir reports(m_Reports.path());
+        QDir reports(m_reports.path());
         const QStringList files = reports.entryList(QDir::Files);
         for (const QString& file : files)
             reports.remove(file);
@@ -89,8 +89,8 @@ private:
     static QStringList Texts(const QJsonValue& array) { return array.toVariant().toStringList(); }
 
     // With its drive, so that it is found from everywhere.
-    inline static const QString s_program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD));
-    QTemporaryDir m_Reports;
+    inline static const QString kProgram = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD));
+    QTemporaryDir m_reports;
 };
 
 /// A data directory, empty at first, that the configuration in memory names, together with nothing else.
@@ -100,7 +100,7 @@ public:
     DataDirectory()
     {
         CfgCenter::Close();
-        Configure("Administration", "VexelDataDir", m_Directory.path());
+        Configure("Administration", "VexelDataDir", m_directory.path());
     }
     ~DataDirectory() { CfgCenter::Close(); }
     DataDirectory(const DataDirectory&) = delete;
@@ -114,7 +114,7 @@ public:
 
     QString MachineFile() const { return Path(QStringLiteral("CfgVEXEL.xml")); }
     QString MappingFile() const { return Path(QStringLiteral("TypeApplicationMappings.xml")); }
-    QString Path(const QString& name) const { return m_Directory.path() + QLatin1Char('/') + name; }
+    QString Path(const QString& name) const { return m_directory.path() + QLatin1Char('/') + name; }
 
     bool WriteMachine(const QString& document) const { return Write(MachineFile(), document); }
     bool WriteMappings(const QString& document) const { return Write(MappingFile(), document); }
@@ -149,5 +149,5 @@ public:
     }
 
 private:
-    QTemporaryDir m_Directory;
+    QTemporaryDir m_directory;
 };

@@ -23,12 +23,12 @@ QStringList l(const char* names)
     return s(names).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-const QString s_source = QStringLiteral("userinterface/vexelconnectdlg/appcounter");
+const QString kSource = QStringLiteral("userinterface/vexelconnectdlg/appcounter");
 
 } // namespace
 
 /// What is read from the two files, and what the lookups make of it. What is done with it is in tst_connectto.
-class tst_AppCounter : public QObject
+class TestAppCounter : public QObject
 {
     Q_OBJECT
 
@@ -36,48 +36,48 @@ private slots:
     void init();
     void cleanup();
 
-    void MetaObject();
+    void metaObject();
 
-    void NoDataDirectory();
-    void MachineFileMissing();
-    void MachineFileMissingKeepsConfiguredPath();
-    void MappingPathByDefault();
-    void MappingPathConfigured();
-    void MappingFileMissing();
-    void NotAFile();
-    void FileTooLarge();
-    void ConfigurationOfOtherName();
+    void noDataDirectory();
+    void machineFileMissing();
+    void machineFileMissingKeepsConfiguredPath();
+    void mappingPathByDefault();
+    void mappingPathConfigured();
+    void mappingFileMissing();
+    void notAFile();
+    void fileTooLarge();
+    void configurationOfOtherName();
 
-    void Applications_data();
-    void Applications();
-    void MachineAnywhere_data();
-    void MachineAnywhere();
-    void StartList_data();
-    void StartList();
-    void OnlyFirstStartup();
-    void SameApplicationTwice();
-    void ParameterCountOutOfRange_data();
-    void ParameterCountOutOfRange();
-    void ManySlots();
-    void MachineXmlError_data();
-    void MachineXmlError();
-    void MachineWithoutMachine();
-    void MachineCutShort();
-    void MachineReadDirectly();
+    void applications_data();
+    void applications();
+    void machineAnywhere_data();
+    void machineAnywhere();
+    void startList_data();
+    void startList();
+    void onlyFirstStartup();
+    void sameApplicationTwice();
+    void parameterCountOutOfRange_data();
+    void parameterCountOutOfRange();
+    void manySlots();
+    void machineXmlError_data();
+    void machineXmlError();
+    void machineWithoutMachine();
+    void machineCutShort();
+    void machineReadDirectly();
 
-    void Mappings_data();
-    void Mappings();
-    void MappingsXmlError();
-    void MappingsReadDirectly();
-    void EntitiesAreRefused();
+    void mappings_data();
+    void mappings();
+    void mappingsXmlError();
+    void mappingsReadDirectly();
+    void entitiesAreRefused();
 
-    void InstalledTable();
-    void InstalledOnce();
-    void Normalisation_data();
-    void Normalisation();
-    void UpdatesRebuild();
-    void EveryTraceNamesItsPlace();
-    void SilentWithoutTraces();
+    void installedTable();
+    void installedOnce();
+    void normalisation_data();
+    void normalisation();
+    void updatesRebuild();
+    void everyTraceNamesItsPlace();
+    void silentWithoutTraces();
 
 private:
     std::unique_ptr<AppCounter> Counter(const QString& name = QStringLiteral("Launcher")) const
@@ -110,19 +110,19 @@ private:
     std::unique_ptr<TraceRecorder> m_pTraces;
 };
 
-void tst_AppCounter::init()
+void TestAppCounter::init()
 {
     m_pData = std::make_unique<DataDirectory>();
     m_pTraces = std::make_unique<TraceRecorder>();
 }
 
-void tst_AppCounter::cleanup()
+void TestAppCounter::cleanup()
 {
     m_pTraces.reset();
     m_pData.reset();
 }
 
-void tst_AppCounter::MetaObject()
+void TestAppCounter::metaObject()
 {
     const QMetaObject& meta = AppCounter::staticMetaObject;
     QCOMPARE(meta.className(), "AppCounter");
@@ -135,7 +135,7 @@ void tst_AppCounter::MetaObject()
     QCOMPARE(slot.access(), QMetaMethod::Public);
 }
 
-void tst_AppCounter::NoDataDirectory()
+void TestAppCounter::noDataDirectory()
 {
     DataDirectory::Configure("Administration", "VexelDataDir", QString());
     const auto counter = Counter();
@@ -151,7 +151,7 @@ void tst_AppCounter::NoDataDirectory()
     }
 }
 
-void tst_AppCounter::MachineFileMissing()
+void TestAppCounter::machineFileMissing()
 {
     // The default path is settled only once the machine configuration is open: the mapping file is there, and not read.
     QVERIFY(m_pData->WriteMappings(DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe")))));
@@ -161,7 +161,7 @@ void tst_AppCounter::MachineFileMissing()
     QCOMPARE(counter->ProgramForType(1), QString());
 }
 
-void tst_AppCounter::MachineFileMissingKeepsConfiguredPath()
+void TestAppCounter::machineFileMissingKeepsConfiguredPath()
 {
     const QString path = m_pData->Path(s("elsewhere.xml"));
     QVERIFY(DataDirectory::Write(path, DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe")))));
@@ -173,7 +173,7 @@ void tst_AppCounter::MachineFileMissingKeepsConfiguredPath()
     QVERIFY(counter->InstalledApplications(1).isEmpty());
 }
 
-void tst_AppCounter::MappingPathByDefault()
+void TestAppCounter::mappingPathByDefault()
 {
     const auto counter = Counter(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("kite.exe"))),
                                  DataDirectory::Mappings(DataDirectory::Mapping(1, s("Kite"))));
@@ -183,7 +183,7 @@ void tst_AppCounter::MappingPathByDefault()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_AppCounter::MappingPathConfigured()
+void TestAppCounter::mappingPathConfigured()
 {
     const QString path = m_pData->Path(s("elsewhere.xml"));
     QVERIFY(DataDirectory::Write(path, DataDirectory::Mappings(DataDirectory::Mapping(2, s("Kite")))));
@@ -195,7 +195,7 @@ void tst_AppCounter::MappingPathConfigured()
     QCOMPARE(counter->InstalledApplications(2), l("Kite"));
 }
 
-void tst_AppCounter::MappingFileMissing()
+void TestAppCounter::mappingFileMissing()
 {
     QVERIFY(m_pData->WriteMachine(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("kite.exe")))));
     const auto counter = Counter();
@@ -205,7 +205,7 @@ void tst_AppCounter::MappingFileMissing()
         QVERIFY(counter->InstalledApplications(deviceType).isEmpty());
 }
 
-void tst_AppCounter::NotAFile()
+void TestAppCounter::notAFile()
 {
     QVERIFY(QDir().mkdir(m_pData->MachineFile()));
     const QStringList devices = System::Devices();
@@ -217,7 +217,7 @@ void tst_AppCounter::NotAFile()
     }
 }
 
-void tst_AppCounter::FileTooLarge()
+void TestAppCounter::fileTooLarge()
 {
     QFile file(m_pData->MachineFile());
     QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(qint64{65} * 1024 * 1024));
@@ -226,7 +226,7 @@ void tst_AppCounter::FileTooLarge()
     QCOMPARE(m_pTraces->Messages().constFirst(), CouldNotOpenMachine());
 }
 
-void tst_AppCounter::ConfigurationOfOtherName()
+void TestAppCounter::configurationOfOtherName()
 {
     // Only the configuration that was named counts, and only in the application's view.
     DataDirectory::Configure("Other", "TypeApplicationMappings", s("/other"));
@@ -235,7 +235,7 @@ void tst_AppCounter::ConfigurationOfOtherName()
     QCOMPARE(Counter(s("Other"))->MappingFilePath(), s("/other"));
 }
 
-void tst_AppCounter::Applications_data()
+void TestAppCounter::applications_data()
 {
     QTest::addColumn<QString>("content");
     QTest::addColumn<QString>("names");
@@ -252,7 +252,7 @@ void tst_AppCounter::Applications_data()
     QTest::newRow("comments, instructions, sections") << s("<!-- <X/> --><?pi <Y/> ?><![CDATA[<Z/>]]><A/>") << s("A");
 }
 
-void tst_AppCounter::Applications()
+void TestAppCounter::applications()
 {
     QFETCH(const QString, content);
     QFETCH(const QString, names);
@@ -261,7 +261,7 @@ void tst_AppCounter::Applications()
     QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotParseMappings()));
 }
 
-void tst_AppCounter::MachineAnywhere_data()
+void TestAppCounter::machineAnywhere_data()
 {
     QTest::addColumn<QString>("document");
     QTest::addColumn<QString>("names");
@@ -274,7 +274,7 @@ void tst_AppCounter::MachineAnywhere_data()
         << s("<!DOCTYPE x [<!ELEMENT x ANY>]><x><Machine><A/></Machine></x>") << s("A");
 }
 
-void tst_AppCounter::MachineAnywhere()
+void TestAppCounter::machineAnywhere()
 {
     QFETCH(const QString, document);
     QFETCH(const QString, names);
@@ -283,7 +283,7 @@ void tst_AppCounter::MachineAnywhere()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_AppCounter::StartList_data()
+void TestAppCounter::startList_data()
 {
     QTest::addColumn<QString>("startup");
     QTest::addColumn<QStringList>("startList");
@@ -344,7 +344,7 @@ void tst_AppCounter::StartList_data()
     row("largest count", "<exe>x</exe><NumParam>1000</NumParam>", manyParameters);
 }
 
-void tst_AppCounter::StartList()
+void TestAppCounter::startList()
 {
     QFETCH(const QString, startup);
     QFETCH(const QStringList, startList);
@@ -355,7 +355,7 @@ void tst_AppCounter::StartList()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_AppCounter::OnlyFirstStartup()
+void TestAppCounter::onlyFirstStartup()
 {
     const auto counter =
         Counter(DataDirectory::Machine(s("<A><Startup><exe>a</exe></Startup><Startup><exe>b</exe></Startup></A>"
@@ -366,7 +366,7 @@ void tst_AppCounter::OnlyFirstStartup()
     QCOMPARE(counter->InstalledList(), l("A B C D"));
 }
 
-void tst_AppCounter::SameApplicationTwice()
+void TestAppCounter::sameApplicationTwice()
 {
     // Both times in the list; the start lists add up.
     const auto counter = Counter(
@@ -377,14 +377,14 @@ void tst_AppCounter::SameApplicationTwice()
     QCOMPARE(counter->InstalledApplications(1), l("A"));
 }
 
-void tst_AppCounter::ParameterCountOutOfRange_data()
+void TestAppCounter::parameterCountOutOfRange_data()
 {
     QTest::addColumn<QString>("count");
     for (const char* const count : {"2000000000", "1001", "-1", "99999999999999999999", "-99999999999999999999"})
         QTest::newRow(count) << s(count);
 }
 
-void tst_AppCounter::ParameterCountOutOfRange()
+void TestAppCounter::parameterCountOutOfRange()
 {
     QFETCH(const QString, count);
     const auto counter =
@@ -400,7 +400,7 @@ void tst_AppCounter::ParameterCountOutOfRange()
              QStringList(s("AppCounter::ReadMachine(): Parameter count of application <A> is out of range")));
 }
 
-void tst_AppCounter::ManySlots()
+void TestAppCounter::manySlots()
 {
     // A small file that asks for more memory than it has itself, application by application.
     QString applications;
@@ -416,7 +416,7 @@ void tst_AppCounter::ManySlots()
     QCOMPARE(m_pTraces->Messages().filter(s("is out of range")).size(), 2000 - slotCount / 1001);
 }
 
-void tst_AppCounter::MachineXmlError_data()
+void TestAppCounter::machineXmlError_data()
 {
     QTest::addColumn<QString>("document");
     QTest::addColumn<int>("row");
@@ -430,7 +430,7 @@ void tst_AppCounter::MachineXmlError_data()
     QTest::newRow("control character") << s("<Machine><A/>\x01</Machine>") << 1 << s("A");
 }
 
-void tst_AppCounter::MachineXmlError()
+void TestAppCounter::machineXmlError()
 {
     QFETCH(const QString, document);
     QFETCH(const int, row);
@@ -451,7 +451,7 @@ void tst_AppCounter::MachineXmlError()
     QCOMPARE(counter->ProgramForType(1), s("a.exe"));
 }
 
-void tst_AppCounter::MachineWithoutMachine()
+void TestAppCounter::machineWithoutMachine()
 {
     const auto counter = Counter(s("<Configuration><Other><A/></Other></Configuration>"),
                                  DataDirectory::Mappings(DataDirectory::Mapping(1, s("a.exe"))));
@@ -462,7 +462,7 @@ void tst_AppCounter::MachineWithoutMachine()
     QCOMPARE(counter->MappingFilePath(), m_pData->MappingFile());
 }
 
-void tst_AppCounter::MachineCutShort()
+void TestAppCounter::machineCutShort()
 {
     // A start list is made at the end of its description; one that does not come to its end makes none.
     const auto counter = Counter(s("<Machine><A><Startup><exe>a</exe></Startup></A><B><Startup><exe>b</exe>"),
@@ -474,7 +474,7 @@ void tst_AppCounter::MachineCutShort()
     QCOMPARE(m_pTraces->Messages().constLast(), CouldNotParseMachine());
 }
 
-void tst_AppCounter::MachineReadDirectly()
+void TestAppCounter::machineReadDirectly()
 {
     const auto counter = Counter();
     m_pTraces->Clear();
@@ -492,7 +492,7 @@ void tst_AppCounter::MachineReadDirectly()
     QCOMPARE(counter->InstalledList(), l("A"));
 }
 
-void tst_AppCounter::Mappings_data()
+void TestAppCounter::mappings_data()
 {
     QTest::addColumn<QString>("mappings");
     QTest::addColumn<QStringList>("programs"); // of the types 1, 2 and 9
@@ -545,7 +545,7 @@ void tst_AppCounter::Mappings_data()
     row("blanks in the application are kept", map("1", " Kite"), "", "", "", false);
 }
 
-void tst_AppCounter::Mappings()
+void TestAppCounter::mappings()
 {
     QFETCH(const QString, mappings);
     QFETCH(const QStringList, programs);
@@ -560,7 +560,7 @@ void tst_AppCounter::Mappings()
     QCOMPARE(m_pTraces->Messages(), parsed ? QStringList() : QStringList(CouldNotParseMappings()));
 }
 
-void tst_AppCounter::MappingsXmlError()
+void TestAppCounter::mappingsXmlError()
 {
     const QString document = s("<TypeApplicationMappings>\n") + DataDirectory::Mapping(1, s("a.exe")) +
                              s("\n<Mapping><DeviceType>2</DeviceType><Application>b.exe</Application>");
@@ -576,7 +576,7 @@ void tst_AppCounter::MappingsXmlError()
     QCOMPARE(counter->ProgramForType(2), QString());
 }
 
-void tst_AppCounter::MappingsReadDirectly()
+void TestAppCounter::mappingsReadDirectly()
 {
     const auto counter = Counter();
     m_pTraces->Clear();
@@ -593,7 +593,7 @@ void tst_AppCounter::MappingsReadDirectly()
     QCOMPARE(counter->ProgramForType(2), s("b.exe"));
 }
 
-void tst_AppCounter::EntitiesAreRefused()
+void TestAppCounter::entitiesAreRefused()
 {
     const QString type = s("<!DOCTYPE x [<!ENTITY a 'A'><!ENTITY b '&a;&a;'>]>");
     const auto counter = Counter(type + s("<Machine><A/>&b;</Machine>"),
@@ -611,7 +611,7 @@ void tst_AppCounter::EntitiesAreRefused()
     QCOMPARE(counter->ProgramForType(1), QString());
 }
 
-void tst_AppCounter::InstalledTable()
+void TestAppCounter::installedTable()
 {
     const auto counter = Counter(
         DataDirectory::Machine(DataDirectory::Application(s("Zeta"), s("same.exe")) +
@@ -634,7 +634,7 @@ void tst_AppCounter::InstalledTable()
     QVERIFY(counter->RunningApplications(1).isEmpty());
 }
 
-void tst_AppCounter::InstalledOnce()
+void TestAppCounter::installedOnce()
 {
     const auto counter =
         Counter(DataDirectory::Machine(DataDirectory::Application(s("Kite"), s("a.exe")) +
@@ -645,7 +645,7 @@ void tst_AppCounter::InstalledOnce()
     QCOMPARE(counter->InstalledApplications(1), l("Kite"));
 }
 
-void tst_AppCounter::Normalisation_data()
+void TestAppCounter::normalisation_data()
 {
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<int>("served");
@@ -655,7 +655,7 @@ void tst_AppCounter::Normalisation_data()
     }
 }
 
-void tst_AppCounter::Normalisation()
+void TestAppCounter::normalisation()
 {
     QFETCH(const int, deviceType);
     QFETCH(const int, served);
@@ -672,7 +672,7 @@ void tst_AppCounter::Normalisation()
     QCOMPARE(counter->FreeApplications(deviceType), QStringList(s("App%1").arg(served)));
 }
 
-void tst_AppCounter::UpdatesRebuild()
+void TestAppCounter::updatesRebuild()
 {
     const auto counter =
         Counter(DataDirectory::Machine(DataDirectory::Application(s("Old"), s("old.exe"))),
@@ -699,7 +699,7 @@ void tst_AppCounter::UpdatesRebuild()
     QCOMPARE(m_pTraces->Messages(), QStringList(CouldNotOpenMappings(m_pData->MappingFile())));
 }
 
-void tst_AppCounter::EveryTraceNamesItsPlace()
+void TestAppCounter::everyTraceNamesItsPlace()
 {
     const auto missing = Counter();
     const auto malformed = Counter(s("<Machine><A><Startup><NumParam>-1</NumParam></Startup></A>"), s("<x>"));
@@ -707,7 +707,7 @@ void tst_AppCounter::EveryTraceNamesItsPlace()
     QSet<quint16> lines;
     for (const TraceRecorder::Report& report : reports) {
         QCOMPARE(report.kind, ErrorHandler::Trace);
-        QCOMPARE(report.sourceFile, s_source);
+        QCOMPARE(report.sourceFile, kSource);
         QVERIFY(report.line > 0);
         lines.insert(report.line);
     }
@@ -716,7 +716,7 @@ void tst_AppCounter::EveryTraceNamesItsPlace()
     QCOMPARE(lines.size(), 7);
 }
 
-void tst_AppCounter::SilentWithoutTraces()
+void TestAppCounter::silentWithoutTraces()
 {
     m_pTraces.reset();
     m_pTraces = std::make_unique<TraceRecorder>(ErrorHandler::Assertion);
@@ -726,5 +726,5 @@ void tst_AppCounter::SilentWithoutTraces()
     QCOMPARE(malformed->InstalledList(), l("A"));
 }
 
-QTEST_GUILESS_MAIN(tst_AppCounter)
+QTEST_GUILESS_MAIN(TestAppCounter)
 #include "tst_appcounter.moc"

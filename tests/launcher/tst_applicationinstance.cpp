@@ -57,7 +57,7 @@ public:
 
 } // namespace
 
-class tst_ApplicationInstance : public QObject
+class TestApplicationInstance : public QObject
 {
     Q_OBJECT
 
@@ -65,42 +65,42 @@ private slots:
     void init();
     void cleanup();
 
-    void MetaObject();
-    void StoresAndStartsNothing();
-    void ConnectionIsCopy();
-    void HostName_data();
-    void HostName();
-    void SetState();
-    void StateNamesAreTranslated();
-    void EveryTraceNamesItsPlace();
-    void SilentWithoutTraces();
+    void metaObject();
+    void storesAndStartsNothing();
+    void connectionIsCopy();
+    void hostName_data();
+    void hostName();
+    void setState();
+    void stateNamesAreTranslated();
+    void everyTraceNamesItsPlace();
+    void silentWithoutTraces();
 
-    void StartAndEnd();
-    void ExitCodeIsNoCrash();
-    void Crash();
-    void FailedStart_data();
-    void FailedStart();
-    void ProgramNameWithPlaceholder();
-    void WorkingDirectory();
-    void MissingWorkingDirectory();
-    void Arguments_data();
-    void Arguments();
-    void OutputGoesNowhere();
-    void InputIsSilentPipe();
-    void StartAgain();
-    void StartWhileRunning();
+    void startAndEnd();
+    void exitCodeIsNoCrash();
+    void crash();
+    void failedStart_data();
+    void failedStart();
+    void programNameWithPlaceholder();
+    void workingDirectory();
+    void missingWorkingDirectory();
+    void arguments_data();
+    void arguments();
+    void outputGoesNowhere();
+    void inputIsSilentPipe();
+    void startAgain();
+    void startWhileRunning();
 
-    void ReleaseStarted();
-    void ReleaseFreeWithoutProcess();
-    void ReleaseFreeWithProcess();
-    void ReleaseOtherState_data();
-    void ReleaseOtherState();
-    void ReleaseStartedWithoutProcess();
-    void EndInErrorState();
-    void SlotWithoutProcess();
-    void DestructorEndsProcess_data();
-    void DestructorEndsProcess();
-    void DeletedByItsOwnSignal();
+    void releaseStarted();
+    void releaseFreeWithoutProcess();
+    void releaseFreeWithProcess();
+    void releaseOtherState_data();
+    void releaseOtherState();
+    void releaseStartedWithoutProcess();
+    void endInErrorState();
+    void slotWithoutProcess();
+    void destructorEndsProcess_data();
+    void destructorEndsProcess();
+    void deletedByItsOwnSignal();
 
 private:
     std::unique_ptr<ApplicationInstance> Instance(const QStringList& arguments = {},
@@ -125,19 +125,19 @@ private:
     std::unique_ptr<TraceRecorder> m_pTraces;
 };
 
-void tst_ApplicationInstance::init()
+void TestApplicationInstance::init()
 {
     m_pChild = std::make_unique<TestChild>();
     m_pTraces = std::make_unique<TraceRecorder>();
 }
 
-void tst_ApplicationInstance::cleanup()
+void TestApplicationInstance::cleanup()
 {
     m_pTraces.reset();
     m_pChild.reset();
 }
 
-void tst_ApplicationInstance::MetaObject()
+void TestApplicationInstance::metaObject()
 {
     const QMetaObject& meta = ApplicationInstance::staticMetaObject;
     QCOMPARE(meta.className(), "ApplicationInstance");
@@ -154,7 +154,7 @@ void tst_ApplicationInstance::MetaObject()
     QCOMPARE(slot.parameterNames(), (QList<QByteArray>{"iCode", "status"}));
 }
 
-void tst_ApplicationInstance::StoresAndStartsNothing()
+void TestApplicationInstance::storesAndStartsNothing()
 {
     Connection entry;
     entry.ConnectionName = QStringLiteral("Mast 7");
@@ -173,7 +173,7 @@ void tst_ApplicationInstance::StoresAndStartsNothing()
     QCOMPARE(m_pChild->Count(), 0);
 }
 
-void tst_ApplicationInstance::ConnectionIsCopy()
+void TestApplicationInstance::connectionIsCopy()
 {
     Connection entry;
     entry.ConnectionName = QStringLiteral("before");
@@ -182,7 +182,7 @@ void tst_ApplicationInstance::ConnectionIsCopy()
     QCOMPARE(instance.GetConnection().ConnectionName, QStringLiteral("before"));
 }
 
-void tst_ApplicationInstance::HostName_data()
+void TestApplicationInstance::hostName_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("name");
@@ -199,14 +199,14 @@ void tst_ApplicationInstance::HostName_data()
     row("", "");
 }
 
-void tst_ApplicationInstance::HostName()
+void TestApplicationInstance::hostName()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, name);
     QCOMPARE(Instance(arguments)->GetHostName(), name);
 }
 
-void tst_ApplicationInstance::SetState()
+void TestApplicationInstance::setState()
 {
     const auto instance = Instance();
     instance->SetState(ApplicationInstance::Free);
@@ -228,7 +228,7 @@ void tst_ApplicationInstance::SetState()
                           StateChange("Unknown state of ApplicationInstance", "Free")}));
 }
 
-void tst_ApplicationInstance::StateNamesAreTranslated()
+void TestApplicationInstance::stateNamesAreTranslated()
 {
     BracketTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
@@ -243,7 +243,7 @@ void tst_ApplicationInstance::StateNamesAreTranslated()
                           StateChange("Unknown state of ApplicationInstance", "[Free]")}));
 }
 
-void tst_ApplicationInstance::EveryTraceNamesItsPlace()
+void TestApplicationInstance::everyTraceNamesItsPlace()
 {
     m_pChild->Behave("crash");
     ApplicationInstance instance(TestChild::Program(), {}, QStringLiteral("/no/such/folder"), Connection());
@@ -267,7 +267,7 @@ void tst_ApplicationInstance::EveryTraceNamesItsPlace()
     QCOMPARE(lines.size(), 7);
 }
 
-void tst_ApplicationInstance::SilentWithoutTraces()
+void TestApplicationInstance::silentWithoutTraces()
 {
     m_pTraces.reset();
     m_pTraces = std::make_unique<TraceRecorder>(ErrorHandler::Assertion);
@@ -281,7 +281,7 @@ void tst_ApplicationInstance::SilentWithoutTraces()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_ApplicationInstance::StartAndEnd()
+void TestApplicationInstance::startAndEnd()
 {
     const auto instance = Instance();
     int stateInSignal = -1;
@@ -300,7 +300,7 @@ void tst_ApplicationInstance::StartAndEnd()
     QVERIFY(!System::IsProcess(m_pChild->Reports().constFirst().pid));
 }
 
-void tst_ApplicationInstance::ExitCodeIsNoCrash()
+void TestApplicationInstance::exitCodeIsNoCrash()
 {
     m_pChild->Behave("exit", 3);
     const auto instance = Instance();
@@ -310,7 +310,7 @@ void tst_ApplicationInstance::ExitCodeIsNoCrash()
     QVERIFY2(m_pTraces->Messages().contains(Ended()), m_pTraces->Text().constData());
 }
 
-void tst_ApplicationInstance::Crash()
+void TestApplicationInstance::crash()
 {
     m_pChild->Behave("crash");
     const auto instance = Instance();
@@ -331,7 +331,7 @@ void tst_ApplicationInstance::Crash()
                      StateChange("Started", "Free")}));
 }
 
-void tst_ApplicationInstance::FailedStart_data()
+void TestApplicationInstance::failedStart_data()
 {
     QTest::addColumn<QString>("program");
     QTest::newRow("no program") << QString();
@@ -346,7 +346,7 @@ void tst_ApplicationInstance::FailedStart_data()
         QTest::newRow(qPrintable(device)) << device;
 }
 
-void tst_ApplicationInstance::FailedStart()
+void TestApplicationInstance::failedStart()
 {
     QFETCH(const QString, program);
     const auto instance = Instance({}, program);
@@ -368,7 +368,7 @@ void tst_ApplicationInstance::FailedStart()
     QCOMPARE(exited.count(), 0);
 }
 
-void tst_ApplicationInstance::ProgramNameWithPlaceholder()
+void TestApplicationInstance::programNameWithPlaceholder()
 {
     // Texts filled into a message are not searched for placeholders again.
     const QString program = QStringLiteral("/no/%2/%1");
@@ -382,7 +382,7 @@ void tst_ApplicationInstance::ProgramNameWithPlaceholder()
                                          "started")}));
 }
 
-void tst_ApplicationInstance::WorkingDirectory()
+void TestApplicationInstance::workingDirectory()
 {
     const QTemporaryDir directory;
     ApplicationInstance instance(TestChild::Program(), {}, directory.path(), Connection());
@@ -392,7 +392,7 @@ void tst_ApplicationInstance::WorkingDirectory()
     QCOMPARE(m_pTraces->Messages().constFirst(), Started());
 }
 
-void tst_ApplicationInstance::MissingWorkingDirectory()
+void TestApplicationInstance::missingWorkingDirectory()
 {
     ApplicationInstance instance(TestChild::Program(), {}, QStringLiteral("/no/such/folder"), Connection());
     QVERIFY(instance.Start());
@@ -405,7 +405,7 @@ void tst_ApplicationInstance::MissingWorkingDirectory()
     QCOMPARE(instance.GetWorkingDirectory(), QStringLiteral("/no/such/folder"));
 }
 
-void tst_ApplicationInstance::Arguments_data()
+void TestApplicationInstance::arguments_data()
 {
     QTest::addColumn<QStringList>("arguments");
     const auto row = [](const char* name, const QString& argument) {
@@ -432,7 +432,7 @@ void tst_ApplicationInstance::Arguments_data()
     QTest::newRow("400 arguments") << QList<QString>(400, QStringLiteral("a b"));
 }
 
-void tst_ApplicationInstance::Arguments()
+void TestApplicationInstance::arguments()
 {
     QFETCH(const QStringList, arguments);
     const auto instance = Instance(arguments);
@@ -441,7 +441,7 @@ void tst_ApplicationInstance::Arguments()
     QCOMPARE(m_pChild->Reports().constFirst().arguments, arguments);
 }
 
-void tst_ApplicationInstance::OutputGoesNowhere()
+void TestApplicationInstance::outputGoesNowhere()
 {
     // The report of this child comes after it has printed.
     m_pChild->Behave("print", 64 * 1024 * 1024);
@@ -468,14 +468,14 @@ void tst_ApplicationInstance::OutputGoesNowhere()
     QCOMPARE(endlessExited.count(), 0);
 }
 
-void tst_ApplicationInstance::InputIsSilentPipe()
+void TestApplicationInstance::inputIsSilentPipe()
 {
     TestChild::Report report;
     QVERIFY(RunningInstance("stay", &report));
     QCOMPARE(report.stdinTarget, QStringLiteral("pipe"));
 }
 
-void tst_ApplicationInstance::StartAgain()
+void TestApplicationInstance::startAgain()
 {
     const auto instance = Instance();
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
@@ -486,7 +486,7 @@ void tst_ApplicationInstance::StartAgain()
     }
 }
 
-void tst_ApplicationInstance::StartWhileRunning()
+void TestApplicationInstance::startWhileRunning()
 {
     TestChild::Report first;
     const auto instance = RunningInstance("stay", &first);
@@ -502,7 +502,7 @@ void tst_ApplicationInstance::StartWhileRunning()
     QCOMPARE(exited.count(), 0);
 }
 
-void tst_ApplicationInstance::ReleaseStarted()
+void TestApplicationInstance::releaseStarted()
 {
     // Asked, not killed: this one still chooses how it ends.
     TestChild::Report report;
@@ -523,7 +523,7 @@ void tst_ApplicationInstance::ReleaseStarted()
     QCOMPARE(exited.count(), 0);
 }
 
-void tst_ApplicationInstance::ReleaseFreeWithoutProcess()
+void TestApplicationInstance::releaseFreeWithoutProcess()
 {
     const auto instance = Instance();
     instance->ReleaseInstance();
@@ -533,7 +533,7 @@ void tst_ApplicationInstance::ReleaseFreeWithoutProcess()
     QVERIFY(instance->Start());
 }
 
-void tst_ApplicationInstance::ReleaseFreeWithProcess()
+void TestApplicationInstance::releaseFreeWithProcess()
 {
     TestChild::Report report;
     const auto instance = RunningInstance("stubborn", &report);
@@ -553,7 +553,7 @@ void tst_ApplicationInstance::ReleaseFreeWithProcess()
     QCOMPARE(exited.count(), 0);
 }
 
-void tst_ApplicationInstance::ReleaseOtherState_data()
+void TestApplicationInstance::releaseOtherState_data()
 {
     QTest::addColumn<int>("state");
     QTest::newRow("Error") << 2;
@@ -561,7 +561,7 @@ void tst_ApplicationInstance::ReleaseOtherState_data()
     QTest::newRow("negative") << -1;
 }
 
-void tst_ApplicationInstance::ReleaseOtherState()
+void TestApplicationInstance::releaseOtherState()
 {
     QFETCH(const int, state);
     TestChild::Report report;
@@ -582,7 +582,7 @@ void tst_ApplicationInstance::ReleaseOtherState()
     QCOMPARE(exited.count(), 0);
 }
 
-void tst_ApplicationInstance::ReleaseStartedWithoutProcess()
+void TestApplicationInstance::releaseStartedWithoutProcess()
 {
     const auto instance = Instance();
     instance->SetState(ApplicationInstance::Started);
@@ -590,7 +590,7 @@ void tst_ApplicationInstance::ReleaseStartedWithoutProcess()
     QCOMPARE(instance->GetState(), ApplicationInstance::Free);
 }
 
-void tst_ApplicationInstance::EndInErrorState()
+void TestApplicationInstance::endInErrorState()
 {
     const auto instance = Instance();
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
@@ -607,7 +607,7 @@ void tst_ApplicationInstance::EndInErrorState()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_ApplicationInstance::SlotWithoutProcess()
+void TestApplicationInstance::slotWithoutProcess()
 {
     const auto instance = Instance();
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
@@ -621,14 +621,14 @@ void tst_ApplicationInstance::SlotWithoutProcess()
     QCOMPARE(exited.count(), 0);
 }
 
-void tst_ApplicationInstance::DestructorEndsProcess_data()
+void TestApplicationInstance::destructorEndsProcess_data()
 {
     QTest::addColumn<bool>("released");
     QTest::newRow("started") << false;
     QTest::newRow("released, but still there") << true;
 }
 
-void tst_ApplicationInstance::DestructorEndsProcess()
+void TestApplicationInstance::destructorEndsProcess()
 {
     QFETCH(const bool, released);
     TestChild::Report report;
@@ -644,7 +644,7 @@ void tst_ApplicationInstance::DestructorEndsProcess()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_ApplicationInstance::DeletedByItsOwnSignal()
+void TestApplicationInstance::deletedByItsOwnSignal()
 {
     QPointer<ApplicationInstance> instance = Instance().release();
     connect(instance, &ApplicationInstance::ProcessExited, this, [&] { delete instance; });
@@ -652,5 +652,5 @@ void tst_ApplicationInstance::DeletedByItsOwnSignal()
     QTRY_VERIFY(instance.isNull());
 }
 
-QTEST_GUILESS_MAIN(tst_ApplicationInstance)
+QTEST_GUILESS_MAIN(TestApplicationInstance)
 #include "tst_applicationinstance.moc"

@@ -6,7 +6,7 @@
 
 namespace {
 
-const QString s_noPort = QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver");
+const QString kNoPort = QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver");
 
 Connection Entry(int deviceType, int connectionType = 0)
 {
@@ -21,24 +21,24 @@ Connection Entry(int deviceType, int connectionType = 0)
 
 } // namespace
 
-class tst_CommandLine : public QObject
+class TestCommandLine : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void ForEveryType_data();
-    void ForEveryType();
-    void DriverAddress_data();
-    void DriverAddress();
-    void NoPort_data();
-    void NoPort();
-    void UnsupportedType_data();
-    void UnsupportedType();
-    void TextsAreTakenAsTheyAre();
-    void SilentWithoutTraces();
+    void forEveryType_data();
+    void forEveryType();
+    void driverAddress_data();
+    void driverAddress();
+    void noPort_data();
+    void noPort();
+    void unsupportedType_data();
+    void unsupportedType();
+    void textsAreTakenAsTheyAre();
+    void silentWithoutTraces();
 };
 
-void tst_CommandLine::ForEveryType_data()
+void TestCommandLine::forEveryType_data()
 {
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<int>("connectionType");
@@ -74,7 +74,7 @@ void tst_CommandLine::ForEveryType_data()
     }
 }
 
-void tst_CommandLine::ForEveryType()
+void TestCommandLine::forEveryType()
 {
     QFETCH(const int, deviceType);
     QFETCH(const int, connectionType);
@@ -83,7 +83,7 @@ void tst_CommandLine::ForEveryType()
              QStringList(QStringLiteral("KiteControl:XMsgDlg.dll")) + further);
 }
 
-void tst_CommandLine::DriverAddress_data()
+void TestCommandLine::driverAddress_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<QString>("expected");
@@ -109,7 +109,7 @@ void tst_CommandLine::DriverAddress_data()
     row("host:\u0661", "host:\u0661:27061");
 }
 
-void tst_CommandLine::DriverAddress()
+void TestCommandLine::driverAddress()
 {
     QFETCH(const QString, address);
     QFETCH(const QString, expected);
@@ -121,7 +121,7 @@ void tst_CommandLine::DriverAddress()
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
-void tst_CommandLine::NoPort_data()
+void TestCommandLine::noPort_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<bool>("traced");
@@ -130,7 +130,7 @@ void tst_CommandLine::NoPort_data()
     QTest::newRow("own port") << QStringLiteral("driver.example:1") << false;
 }
 
-void tst_CommandLine::NoPort()
+void TestCommandLine::noPort()
 {
     QFETCH(const QString, address);
     QFETCH(const bool, traced);
@@ -140,14 +140,14 @@ void tst_CommandLine::NoPort()
     QCOMPARE(ApplicationArguments(QStringLiteral("App"), entry),
              (QStringList{QStringLiteral("App:XMsgDlg.dll"), QStringLiteral("Server"),
                           QString(QStringLiteral("Connection=") + address)}));
-    QCOMPARE(traces.Messages(), traced ? QStringList(s_noPort) : QStringList());
+    QCOMPARE(traces.Messages(), traced ? QStringList(kNoPort) : QStringList());
     if (traced) {
         QCOMPARE(traces.Reports().constFirst().sourceFile, QStringLiteral("userinterface/vexelconnectdlg/appcounter"));
         QCOMPARE(traces.Reports().constFirst().kind, ErrorHandler::Trace);
     }
 }
 
-void tst_CommandLine::UnsupportedType_data()
+void TestCommandLine::unsupportedType_data()
 {
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<QString>("text");
@@ -157,7 +157,7 @@ void tst_CommandLine::UnsupportedType_data()
     QTest::newRow("below") << -1 << QStringLiteral("No string representation for ID -1");
 }
 
-void tst_CommandLine::UnsupportedType()
+void TestCommandLine::unsupportedType()
 {
     QFETCH(const int, deviceType);
     QFETCH(const QString, text);
@@ -168,7 +168,7 @@ void tst_CommandLine::UnsupportedType()
              QStringList(QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported").arg(text)));
 }
 
-void tst_CommandLine::TextsAreTakenAsTheyAre()
+void TestCommandLine::textsAreTakenAsTheyAre()
 {
     Connection entry = Entry(Connection::KiteEcho);
     entry.ConnectionName = QStringLiteral("%1 <b>x</b> \"y\" %2\n");
@@ -180,7 +180,7 @@ void tst_CommandLine::TextsAreTakenAsTheyAre()
     QCOMPARE(ApplicationArguments(QStringLiteral("A"), entry).constLast(), QStringLiteral("Connection=%1 a\\:9446"));
 }
 
-void tst_CommandLine::SilentWithoutTraces()
+void TestCommandLine::silentWithoutTraces()
 {
     const TraceRecorder traces(ErrorHandler::Assertion);
     ApplicationArguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));
@@ -188,5 +188,5 @@ void tst_CommandLine::SilentWithoutTraces()
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
-QTEST_GUILESS_MAIN(tst_CommandLine)
+QTEST_GUILESS_MAIN(TestCommandLine)
 #include "tst_commandline.moc"

@@ -38,7 +38,7 @@ Connection Entry(const char* name, int deviceType, int connectionType = 1)
 } // namespace
 
 /// Starting applications for entries, and what their ends do.
-class tst_ConnectTo : public QObject
+class TestConnectTo : public QObject
 {
     Q_OBJECT
 
@@ -46,44 +46,44 @@ private slots:
     void init();
     void cleanup();
 
-    void EveryType_data();
-    void EveryType();
-    void TextsArriveAsGiven_data();
-    void TextsArriveAsGiven();
-    void AnApplicationsNameArrivesAsGiven();
-    void ChildInheritsNothing();
-    void StartsInCurrentDirectory();
-    void StartsInTheDirectoryOfTheMoment();
-    void NameTooLongForACommandLine();
-    void EntryIsInUseUntilEnd();
-    void EqualEntries();
-    void ApplicationsInTurn();
-    void OneListForFoldedTypes();
-    void TypesDoNotShareRunning();
-    void SignalOrder();
+    void everyType_data();
+    void everyType();
+    void textsArriveAsGiven_data();
+    void textsArriveAsGiven();
+    void anApplicationsNameArrivesAsGiven();
+    void childInheritsNothing();
+    void startsInCurrentDirectory();
+    void startsInTheDirectoryOfTheMoment();
+    void nameTooLongForACommandLine();
+    void entryIsInUseUntilEnd();
+    void equalEntries();
+    void applicationsInTurn();
+    void oneListForFoldedTypes();
+    void typesDoNotShareRunning();
+    void signalOrder();
 
-    void NoFreeApplication_data();
-    void NoFreeApplication();
-    void NoFreeApplicationWhileRunning();
-    void ProblemTextIsTranslated();
-    void ProblemWithLongName_data();
-    void ProblemWithLongName();
+    void noFreeApplication_data();
+    void noFreeApplication();
+    void noFreeApplicationWhileRunning();
+    void problemTextIsTranslated();
+    void problemWithLongName_data();
+    void problemWithLongName();
 
-    void FailedStart();
-    void FailedStartIsSweptByAnotherEnd();
-    void FailedStartFreesWhatRuns();
-    void ReleasedIsSwept();
-    void SweepKeepsStartedAndError();
-    void SweepIsPerDeviceType();
-    void SweepByHand();
-    void UnsupportedTypeIsStarted();
-    void CrashFreesEntry();
-    void ManyStarts();
-    void WithoutModel();
-    void ModelGoneFirst();
-    void TearDownWithRunningChildren_data();
-    void TearDownWithRunningChildren();
-    void TearDownAfterSweepWithoutEventLoop();
+    void failedStart();
+    void failedStartIsSweptByAnotherEnd();
+    void failedStartFreesWhatRuns();
+    void releasedIsSwept();
+    void sweepKeepsStartedAndError();
+    void sweepIsPerDeviceType();
+    void sweepByHand();
+    void unsupportedTypeIsStarted();
+    void crashFreesEntry();
+    void manyStarts();
+    void withoutModel();
+    void modelGoneFirst();
+    void tearDownWithRunningChildren_data();
+    void tearDownWithRunningChildren();
+    void tearDownAfterSweepWithoutEventLoop();
 
 private:
     /// The applications, all of them the test's child, each for the device types of which it is listed.
@@ -103,7 +103,7 @@ private:
     std::unique_ptr<AppCounter> m_pCounter;
 };
 
-void tst_ConnectTo::init()
+void TestConnectTo::init()
 {
     m_pChild = std::make_unique<TestChild>();
     m_pData = std::make_unique<DataDirectory>();
@@ -114,7 +114,7 @@ void tst_ConnectTo::init()
                                  m_pModel.get());
 }
 
-void tst_ConnectTo::cleanup()
+void TestConnectTo::cleanup()
 {
     m_pModel.reset();
     m_pCounter.reset();
@@ -124,7 +124,7 @@ void tst_ConnectTo::cleanup()
     m_pChild.reset();
 }
 
-void tst_ConnectTo::Install(const QList<std::pair<QString, QList<int>>>& applications, const QString& program)
+void TestConnectTo::Install(const QList<std::pair<QString, QList<int>>>& applications, const QString& program)
 {
     QString machine;
     QString mappings;
@@ -139,7 +139,7 @@ void tst_ConnectTo::Install(const QList<std::pair<QString, QList<int>>>& applica
     m_pTraces->Clear();
 }
 
-void tst_ConnectTo::EveryType_data()
+void TestConnectTo::everyType_data()
 {
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<int>("connectionType");
@@ -176,7 +176,7 @@ void tst_ConnectTo::EveryType_data()
     }
 }
 
-void tst_ConnectTo::EveryType()
+void TestConnectTo::everyType()
 {
     QFETCH(const int, deviceType);
     QFETCH(const int, connectionType);
@@ -202,7 +202,7 @@ void tst_ConnectTo::EveryType()
     QVERIFY(WaitForEnd());
 }
 
-void tst_ConnectTo::TextsArriveAsGiven_data()
+void TestConnectTo::textsArriveAsGiven_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("empty") << QString();
@@ -217,7 +217,7 @@ void tst_ConnectTo::TextsArriveAsGiven_data()
     QTest::newRow("8,000 characters") << QString(8000, QLatin1Char('x'));
 }
 
-void tst_ConnectTo::TextsArriveAsGiven()
+void TestConnectTo::textsArriveAsGiven()
 {
     // Each of the four forms of a command line that carries a text of the entry.
     QFETCH(const QString, text);
@@ -249,7 +249,7 @@ void tst_ConnectTo::TextsArriveAsGiven()
 }
 
 // It is the name of an element of the machine's file, which knows no blanks and no quotes.
-void tst_ConnectTo::AnApplicationsNameArrivesAsGiven()
+void TestConnectTo::anApplicationsNameArrivesAsGiven()
 {
     const QString name = s("Пеленгатор_方位.2-a");
     Install({{name, {4}}});
@@ -259,7 +259,7 @@ void tst_ConnectTo::AnApplicationsNameArrivesAsGiven()
     QVERIFY(WaitForEnd());
 }
 
-void tst_ConnectTo::ChildInheritsNothing()
+void TestConnectTo::childInheritsNothing()
 {
     Install({{s("Kite"), {1}}, {s("Kestrel"), {1}}});
     // What whoever runs the tests has left open goes on to the children; that is not the launcher's doing.
@@ -280,7 +280,7 @@ void tst_ConnectTo::ChildInheritsNothing()
         QCOMPARE(report.inherited.join(u'\n'), before.join(u'\n'));
 }
 
-void tst_ConnectTo::StartsInCurrentDirectory()
+void TestConnectTo::startsInCurrentDirectory()
 {
     Install({{s("Kite"), {1}}});
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
@@ -289,7 +289,7 @@ void tst_ConnectTo::StartsInCurrentDirectory()
     QCOMPARE(m_pChild->Reports().constFirst().directory, QDir::current().canonicalPath());
 }
 
-void tst_ConnectTo::StartsInTheDirectoryOfTheMoment()
+void TestConnectTo::startsInTheDirectoryOfTheMoment()
 {
     // Not in that of the launcher's own start.
     Install({{s("Kite"), {1}}});
@@ -306,7 +306,7 @@ void tst_ConnectTo::StartsInTheDirectoryOfTheMoment()
     QVERIFY(WaitForEnd());
 }
 
-void tst_ConnectTo::NameTooLongForACommandLine()
+void TestConnectTo::nameTooLongForACommandLine()
 {
     if (System::IsWine())
         QSKIP("Wine takes command lines of any length");
@@ -330,7 +330,7 @@ void tst_ConnectTo::NameTooLongForACommandLine()
     QVERIFY(WaitForEnd());
 }
 
-void tst_ConnectTo::EntryIsInUseUntilEnd()
+void TestConnectTo::entryIsInUseUntilEnd()
 {
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("polite");
@@ -365,7 +365,7 @@ void tst_ConnectTo::EntryIsInUseUntilEnd()
     QTRY_VERIFY(watched.isNull());
 }
 
-void tst_ConnectTo::EqualEntries()
+void TestConnectTo::equalEntries()
 {
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("stay");
@@ -379,7 +379,7 @@ void tst_ConnectTo::EqualEntries()
     QCOMPARE(m_pModel->CountInUse(), 2);
 }
 
-void tst_ConnectTo::ApplicationsInTurn()
+void TestConnectTo::applicationsInTurn()
 {
     Install({{s("First"), {1}}, {s("Second"), {1}}});
     m_pChild->Behave("polite");
@@ -402,7 +402,7 @@ void tst_ConnectTo::ApplicationsInTurn()
     QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("Second"), s("First")}));
 }
 
-void tst_ConnectTo::OneListForFoldedTypes()
+void TestConnectTo::oneListForFoldedTypes()
 {
     Install({{s("Kite"), {4}}});
     m_pChild->Behave("stay");
@@ -417,7 +417,7 @@ void tst_ConnectTo::OneListForFoldedTypes()
     QVERIFY(m_pBoxes->Boxes().at(0).text.contains(s("Device type: Kite Alpha + Wren C\n")));
 }
 
-void tst_ConnectTo::TypesDoNotShareRunning()
+void TestConnectTo::typesDoNotShareRunning()
 {
     Install({{s("Kite"), {1, 2}}});
     m_pChild->Behave("stay");
@@ -427,7 +427,7 @@ void tst_ConnectTo::TypesDoNotShareRunning()
     QCOMPARE(m_pCounter->Instances().size(), 2);
 }
 
-void tst_ConnectTo::SignalOrder()
+void TestConnectTo::signalOrder()
 {
     // At the moment the model announces "Free" the instance is still listed; afterwards nothing of it is left.
     Install({{s("Kite"), {1}}});
@@ -441,7 +441,7 @@ void tst_ConnectTo::SignalOrder()
     QCOMPARE(seen, (QList<std::pair<int, qsizetype>>{{1, 1}, {0, 1}}));
 }
 
-void tst_ConnectTo::NoFreeApplication_data()
+void TestConnectTo::noFreeApplication_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("deviceType");
@@ -456,7 +456,7 @@ void tst_ConnectTo::NoFreeApplication_data()
     QTest::newRow("non-Latin") << s("Пеленгатор \xF0\x9F\x93\xA1") << 14 << s("Linnet + DF");
 }
 
-void tst_ConnectTo::NoFreeApplication()
+void TestConnectTo::noFreeApplication()
 {
     QFETCH(const QString, name);
     QFETCH(const int, deviceType);
@@ -491,7 +491,7 @@ void tst_ConnectTo::NoFreeApplication()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_ConnectTo::NoFreeApplicationWhileRunning()
+void TestConnectTo::noFreeApplicationWhileRunning()
 {
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("stay");
@@ -508,7 +508,7 @@ void tst_ConnectTo::NoFreeApplicationWhileRunning()
     QCOMPARE(m_pCounter->RunningApplications(1), QStringList(s("Kite")));
 }
 
-void tst_ConnectTo::ProblemTextIsTranslated()
+void TestConnectTo::problemTextIsTranslated()
 {
     class Translator : public QTranslator
     {
@@ -530,7 +530,7 @@ void tst_ConnectTo::ProblemTextIsTranslated()
     QCOMPARE(m_pBoxes->Boxes().constFirst().text, s("0|0|Kite Bravo|Mast 7"));
 }
 
-void tst_ConnectTo::ProblemWithLongName_data()
+void TestConnectTo::problemWithLongName_data()
 {
     QTest::addColumn<int>("length");
     QTest::addColumn<bool>("whole");
@@ -538,7 +538,7 @@ void tst_ConnectTo::ProblemWithLongName_data()
     QTest::newRow("longer than a box can show") << 1024 * 1024 << false;
 }
 
-void tst_ConnectTo::ProblemWithLongName()
+void TestConnectTo::problemWithLongName()
 {
     QFETCH(const int, length);
     QFETCH(const bool, whole);
@@ -554,7 +554,7 @@ void tst_ConnectTo::ProblemWithLongName()
     QVERIFY(text.size() < 20'000);
 }
 
-void tst_ConnectTo::FailedStart()
+void TestConnectTo::failedStart()
 {
     Install({{s("Kite"), {1}}}, s("/no/such/program"));
     m_pModel->AddConnection(Entry("a", 1));
@@ -576,7 +576,7 @@ void tst_ConnectTo::FailedStart()
     QCOMPARE(m_pCounter->Instances().size(), 1);
 }
 
-void tst_ConnectTo::FailedStartIsSweptByAnotherEnd()
+void TestConnectTo::failedStartIsSweptByAnotherEnd()
 {
     QVERIFY(m_pData->WriteMachine(DataDirectory::Machine(DataDirectory::Application(s("Bad"), s("/no/such/program")) +
                                                          DataDirectory::Application(s("Good"), TestChild::Program()))));
@@ -594,7 +594,7 @@ void tst_ConnectTo::FailedStartIsSweptByAnotherEnd()
     QCOMPARE(Status(1), 0);
 }
 
-void tst_ConnectTo::FailedStartFreesWhatRuns()
+void TestConnectTo::failedStartFreesWhatRuns()
 {
     // What sweeping a failed start undoes need not be its own doing: its entry becomes "Free", and its application
     // available once, though both belong to a start that succeeded since.
@@ -615,7 +615,7 @@ void tst_ConnectTo::FailedStartFreesWhatRuns()
     QCOMPARE(m_pCounter->Instances().constFirst()->GetState(), ApplicationInstance::Started);
 }
 
-void tst_ConnectTo::ReleasedIsSwept()
+void TestConnectTo::releasedIsSwept()
 {
     // "Free" though its process may still be there: only the state counts.
     Install({{s("Kite"), {1}}});
@@ -633,7 +633,7 @@ void tst_ConnectTo::ReleasedIsSwept()
     QTRY_VERIFY(!System::IsProcess(m_pChild->Reports().constFirst().pid));
 }
 
-void tst_ConnectTo::SweepKeepsStartedAndError()
+void TestConnectTo::sweepKeepsStartedAndError()
 {
     Install({{s("A"), {1}}, {s("B"), {1}}, {s("C"), {1}}});
     m_pChild->Behave("stay");
@@ -650,7 +650,7 @@ void tst_ConnectTo::SweepKeepsStartedAndError()
     QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("A"), s("B")}));
 }
 
-void tst_ConnectTo::SweepIsPerDeviceType()
+void TestConnectTo::sweepIsPerDeviceType()
 {
     // An application booked for two types is still booked for one when the other's instance ends.
     Install({{s("Kite"), {1, 2}}});
@@ -663,7 +663,7 @@ void tst_ConnectTo::SweepIsPerDeviceType()
     QVERIFY(m_pCounter->RunningApplications(2).isEmpty());
 }
 
-void tst_ConnectTo::SweepByHand()
+void TestConnectTo::sweepByHand()
 {
     // Nothing to sweep: nothing changes.
     Install({{s("Kite"), {1}}});
@@ -673,7 +673,7 @@ void tst_ConnectTo::SweepByHand()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void tst_ConnectTo::UnsupportedTypeIsStarted()
+void TestConnectTo::unsupportedTypeIsStarted()
 {
     Install({{s("Kite"), {11, 33}}});
     m_pModel->AddConnection(Entry("a", 33));
@@ -686,7 +686,7 @@ void tst_ConnectTo::UnsupportedTypeIsStarted()
                            "supported")));
 }
 
-void tst_ConnectTo::CrashFreesEntry()
+void TestConnectTo::crashFreesEntry()
 {
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("crash");
@@ -698,7 +698,7 @@ void tst_ConnectTo::CrashFreesEntry()
     QCOMPARE(m_pCounter->FreeApplications(1), QStringList(s("Kite")));
 }
 
-void tst_ConnectTo::ManyStarts()
+void TestConnectTo::manyStarts()
 {
     Install({{s("Kite"), {1}}});
     m_pModel->AddConnection(Entry("a", 1));
@@ -717,7 +717,7 @@ void tst_ConnectTo::ManyStarts()
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
-void tst_ConnectTo::WithoutModel()
+void TestConnectTo::withoutModel()
 {
     Install({{s("Kite"), {1}}});
     m_pCounter = std::make_unique<AppCounter>(nullptr, QString());
@@ -727,7 +727,7 @@ void tst_ConnectTo::WithoutModel()
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
-void tst_ConnectTo::ModelGoneFirst()
+void TestConnectTo::modelGoneFirst()
 {
     // The launcher goes on without the model, should an application end in between.
     Install({{s("Kite"), {1}}});
@@ -737,7 +737,7 @@ void tst_ConnectTo::ModelGoneFirst()
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
-void tst_ConnectTo::TearDownWithRunningChildren_data()
+void TestConnectTo::tearDownWithRunningChildren_data()
 {
     QTest::addColumn<QByteArray>("mode");
     QTest::newRow("waiting") << QByteArray("stay");
@@ -745,7 +745,7 @@ void tst_ConnectTo::TearDownWithRunningChildren_data()
     QTest::newRow("printing") << QByteArray("print-forever");
 }
 
-void tst_ConnectTo::TearDownWithRunningChildren()
+void TestConnectTo::tearDownWithRunningChildren()
 {
     QFETCH(const QByteArray, mode);
     Install({{s("A"), {1}}, {s("B"), {1}}, {s("C"), {1}}});
@@ -764,7 +764,7 @@ void tst_ConnectTo::TearDownWithRunningChildren()
     QCoreApplication::processEvents();
 }
 
-void tst_ConnectTo::TearDownAfterSweepWithoutEventLoop()
+void TestConnectTo::tearDownAfterSweepWithoutEventLoop()
 {
     // Swept, but not deleted yet, when the launcher goes. The leak checker would find it.
     Install({{s("Kite"), {1}}});
@@ -780,5 +780,5 @@ void tst_ConnectTo::TearDownAfterSweepWithoutEventLoop()
     QVERIFY(instance.isNull());
 }
 
-QTEST_MAIN(tst_ConnectTo)
+QTEST_MAIN(TestConnectTo)
 #include "tst_connectto.moc"

@@ -5,15 +5,15 @@
 
 /// Every hostile document here is one that takes a reader without the guard gigabytes, or a token stream without end,
 /// or is one step from it. A guard that fails shows as a test that is killed by its time-out or by its memory.
-class tst_XmlGuard : public QObject
+class TestXmlGuard : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void Refused_data();
-    void Refused();
-    void Harmless_data();
-    void Harmless();
+    void refused_data();
+    void refused();
+    void harmless_data();
+    void harmless();
 
 private:
     struct Outcome
@@ -27,7 +27,7 @@ private:
     static Outcome Read(const QByteArray& document);
 };
 
-tst_XmlGuard::Outcome tst_XmlGuard::Read(const QByteArray& document)
+TestXmlGuard::Outcome TestXmlGuard::Read(const QByteArray& document)
 {
     Outcome outcome;
     QXmlStreamReader reader(document);
@@ -50,7 +50,7 @@ tst_XmlGuard::Outcome tst_XmlGuard::Read(const QByteArray& document)
     return outcome;
 }
 
-void tst_XmlGuard::Refused_data()
+void TestXmlGuard::refused_data()
 {
     QTest::addColumn<QByteArray>("document");
 
@@ -102,7 +102,7 @@ void tst_XmlGuard::Refused_data()
     QTest::newRow("in UTF-16") << QByteArray(reinterpret_cast<const char*>(utf16.utf16()), utf16.size() * 2);
 }
 
-void tst_XmlGuard::Refused()
+void TestXmlGuard::refused()
 {
     QFETCH(const QByteArray, document);
     const Outcome outcome = Read(document);
@@ -113,7 +113,7 @@ void tst_XmlGuard::Refused()
     QVERIFY(outcome.tokensAfterType == 0 || outcome.tokensAfterType == 1);
 }
 
-void tst_XmlGuard::Harmless_data()
+void TestXmlGuard::harmless_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("text");
@@ -127,7 +127,7 @@ void tst_XmlGuard::Harmless_data()
         << QString(QStringLiteral("<&>\"'A") + QString::fromUcs4(U"\x1F4E1", 1));
 }
 
-void tst_XmlGuard::Harmless()
+void TestXmlGuard::harmless()
 {
     QFETCH(const QByteArray, document);
     QFETCH(const QString, text);
@@ -136,5 +136,5 @@ void tst_XmlGuard::Harmless()
     QCOMPARE(outcome.text, text);
 }
 
-QTEST_GUILESS_MAIN(tst_XmlGuard)
+QTEST_GUILESS_MAIN(TestXmlGuard)
 #include "tst_xmlguard.moc"

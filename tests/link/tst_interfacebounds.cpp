@@ -15,7 +15,7 @@ using Kind = RecordingCallback::Kind;
 
 namespace {
 
-constexpr qint64 s_mebibyte = 1024LL * 1024;
+constexpr qint64 kMebibyte = 1024LL * 1024;
 
 /// Says one line and hangs up, as the starter does.
 std::unique_ptr<QTcpSocket> CallBriefly(quint16 port,
@@ -29,7 +29,7 @@ std::unique_ptr<QTcpSocket> CallBriefly(quint16 port,
 
 } // namespace
 
-class TstInterfaceBounds : public QObject
+class TestInterfaceBounds : public QObject
 {
     Q_OBJECT
 
@@ -59,13 +59,13 @@ private slots:
     void nothingIsLeftOpen();
 };
 
-void TstInterfaceBounds::init()
+void TestInterfaceBounds::init()
 {
     // Qt warns where a socket is used in a state in which it must not be.
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
 }
 
-void TstInterfaceBounds::thousandInARow()
+void TestInterfaceBounds::thousandInARow()
 {
     TestServer server(10'000);
     for (int call = 1; call <= 1000; ++call) {
@@ -79,14 +79,14 @@ void TstInterfaceBounds::thousandInARow()
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-void TstInterfaceBounds::twoHundredAtOnce_data()
+void TestInterfaceBounds::twoHundredAtOnce_data()
 {
     QTest::addColumn<bool>("onBoth");
     QTest::newRow("IPv4") << false;
     QTest::newRow("IPv4 and IPv6") << true;
 }
 
-void TstInterfaceBounds::twoHundredAtOnce()
+void TestInterfaceBounds::twoHundredAtOnce()
 {
     QFETCH(const bool, onBoth);
     if (onBoth && !HasIPv6())
@@ -105,14 +105,14 @@ void TstInterfaceBounds::twoHundredAtOnce()
         QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstInterfaceBounds::silentPeersKeepNobodyOut_data()
+void TestInterfaceBounds::silentPeersKeepNobodyOut_data()
 {
     QTest::addColumn<int>("count");
     QTest::newRow("as many as there are places") << CInterfaceCreator::MaximumPeers;
     QTest::newRow("more of them") << 3 * CInterfaceCreator::MaximumPeers;
 }
 
-void TstInterfaceBounds::silentPeersKeepNobodyOut()
+void TestInterfaceBounds::silentPeersKeepNobodyOut()
 {
     QFETCH(const int, count);
     TestServer server; // no time-out that would help
@@ -143,7 +143,7 @@ void TstInterfaceBounds::silentPeersKeepNobodyOut()
     QVERIFY(server.server->IsOpen());
 }
 
-void TstInterfaceBounds::floodOnOneAddressLeavesTheOtherFree()
+void TestInterfaceBounds::floodOnOneAddressLeavesTheOtherFree()
 {
     if (!HasIPv6())
         QSKIP("This machine has no IPv6");
@@ -159,7 +159,7 @@ void TstInterfaceBounds::floodOnOneAddressLeavesTheOtherFree()
     QVERIFY2(server.callback.Count(Kind::Open) < 100, "It had to wait until the flood was over");
 }
 
-void TstInterfaceBounds::peerIsClosedAfterItsBytes()
+void TestInterfaceBounds::peerIsClosedAfterItsBytes()
 {
     TestServer server;
     const TraceRecorder traces;
@@ -172,7 +172,7 @@ void TstInterfaceBounds::peerIsClosedAfterItsBytes()
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-void TstInterfaceBounds::peerMaySendItsBytes()
+void TestInterfaceBounds::peerMaySendItsBytes()
 {
     TestServer server;
     // Left unread, which must not keep the later ones from coming.
@@ -196,21 +196,21 @@ void TstInterfaceBounds::peerMaySendItsBytes()
     QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall + 1);
 }
 
-void TstInterfaceBounds::peerThatSendsWithoutEnd_data()
+void TestInterfaceBounds::peerThatSendsWithoutEnd_data()
 {
     QTest::addColumn<bool>("isRead");
     QTest::newRow("read") << true;
     QTest::newRow("left unread") << false;
 }
 
-void TstInterfaceBounds::peerThatSendsWithoutEnd()
+void TestInterfaceBounds::peerThatSendsWithoutEnd()
 {
     QFETCH(const bool, isRead);
     TestServer server(10'000);
     if (!isRead)
         server.callback.onRead = [](IInterface*, quint64) {
         };
-    Flood flood(server.port, 64 * s_mebibyte);
+    Flood flood(server.port, 64 * kMebibyte);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
     QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
@@ -220,7 +220,7 @@ void TstInterfaceBounds::peerThatSendsWithoutEnd()
     QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
 }
 
-void TstInterfaceBounds::nothingPilesUpWhileTheCallbackIsBusy()
+void TestInterfaceBounds::nothingPilesUpWhileTheCallbackIsBusy()
 {
     TestServer server;
     TestServer clock(500);
@@ -230,20 +230,20 @@ void TstInterfaceBounds::nothingPilesUpWhileTheCallbackIsBusy()
         const auto silent = CallerOf(clock.port);
         QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
     };
-    Flood flood(server.port, 64 * s_mebibyte);
+    Flood flood(server.port, 64 * kMebibyte);
     server.callback.onRead = [&](IInterface*, quint64) {
         unsent = std::max(unsent, flood.Unsent());
     };
     // The rest fills the system's buffers.
-    QTRY_VERIFY2(unsent > 32 * s_mebibyte, QByteArray::number(unsent).constData());
+    QTRY_VERIFY2(unsent > 32 * kMebibyte, QByteArray::number(unsent).constData());
 }
 
-void TstInterfaceBounds::clientIsSentWithoutEnd()
+void TestInterfaceBounds::clientIsSentWithoutEnd()
 {
     QTcpServer stranger;
     QVERIFY(stranger.listen(QHostAddress(QHostAddress::LocalHost)));
     connect(&stranger, &QTcpServer::newConnection, &stranger,
-            [&] { stranger.nextPendingConnection()->write(QByteArray(8 * s_mebibyte, 'x')); });
+            [&] { stranger.nextPendingConnection()->write(QByteArray(8 * kMebibyte, 'x')); });
     RecordingCallback callback;
     const auto client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(stranger.serverPort()), callback);
     QTRY_COMPARE(callback.Count(Kind::Close), 1);
@@ -253,7 +253,7 @@ void TstInterfaceBounds::clientIsSentWithoutEnd()
     QCOMPARE(callback.received.size(), 2 * CInterfaceCreator::MaximumBytesPerCall);
 }
 
-void TstInterfaceBounds::randomBytes()
+void TestInterfaceBounds::randomBytes()
 {
     TestServer server(10'000);
     QHash<IInterface*, QByteArray> received;
@@ -278,7 +278,7 @@ void TstInterfaceBounds::randomBytes()
     QVERIFY(server.server->IsOpen());
 }
 
-void TstInterfaceBounds::silentPeerIsClosed()
+void TestInterfaceBounds::silentPeerIsClosed()
 {
     TestServer endless(0);
     TestServer server(50);
@@ -298,7 +298,7 @@ void TstInterfaceBounds::silentPeerIsClosed()
     QCOMPARE(server.callback.received, QByteArray("word"));
 }
 
-void TstInterfaceBounds::talkingPeerStays()
+void TestInterfaceBounds::talkingPeerStays()
 {
     TestServer server(1000);
     const auto talking = CallerOf(server.port);
@@ -316,7 +316,7 @@ void TstInterfaceBounds::talkingPeerStays()
     QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
 }
 
-void TstInterfaceBounds::timeOutBeyondTimers()
+void TestInterfaceBounds::timeOutBeyondTimers()
 {
     TestServer server((quint64{1} << 32U) + 50); // 50 in the lower 32 bits
     TestServer greatest(std::numeric_limits<quint64>::max());
@@ -330,7 +330,7 @@ void TstInterfaceBounds::timeOutBeyondTimers()
     QCOMPARE(greatest.callback.Count(Kind::Close), 0);
 }
 
-void TstInterfaceBounds::silentHostIsLeft()
+void TestInterfaceBounds::silentHostIsLeft()
 {
     const TestServer host;
     RecordingCallback callback;
@@ -339,7 +339,7 @@ void TstInterfaceBounds::silentHostIsLeft()
     QVERIFY(!client->IsOpen());
 }
 
-void TstInterfaceBounds::unansweredAttemptFails()
+void TestInterfaceBounds::unansweredAttemptFails()
 {
     // A host that takes no calls: the first ones wait in its system's queue, the others are not answered at all (or, on
     // some systems, refused).
@@ -362,7 +362,7 @@ void TstInterfaceBounds::unansweredAttemptFails()
     QVERIFY(failed > 0);
 }
 
-void TstInterfaceBounds::slowCallbackIsNotThePeersSilence()
+void TestInterfaceBounds::slowCallbackIsNotThePeersSilence()
 {
     TestServer server(50);
     TestServer other(50);
@@ -378,7 +378,7 @@ void TstInterfaceBounds::slowCallbackIsNotThePeersSilence()
     QCOMPARE(server.callback.received, QByteArray("line\n"));
 }
 
-void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
+void TestInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
 {
     TestServer server;
     const QByteArray much(CInterfaceCreator::MaximumBytesUnsent, 'x');
@@ -406,7 +406,7 @@ void TstInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
     QTRY_COMPARE(first->state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstInterfaceBounds::nothingIsLeftOpen()
+void TestInterfaceBounds::nothingIsLeftOpen()
 {
     TestServer server(100);
     const auto callOnce = [&] {
@@ -425,7 +425,7 @@ void TstInterfaceBounds::nothingIsLeftOpen()
             callers.push_back(CallerOf(server.port));
             callers.back()->abort();
             if (call % 10 == 0)
-                floods.push_back(std::make_unique<Flood>(server.port, s_mebibyte));
+                floods.push_back(std::make_unique<Flood>(server.port, kMebibyte));
         }
         QTRY_VERIFY_WITH_TIMEOUT(server.callback.Count(Kind::Close) >= 100 && server.callback.now == 0, 30'000);
     }
@@ -433,5 +433,5 @@ void TstInterfaceBounds::nothingIsLeftOpen()
     QVERIFY(server.server->IsOpen());
 }
 
-QTEST_GUILESS_MAIN(TstInterfaceBounds)
+QTEST_GUILESS_MAIN(TestInterfaceBounds)
 #include "tst_interfacebounds.moc"

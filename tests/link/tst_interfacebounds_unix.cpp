@@ -10,7 +10,7 @@
 using Kind = RecordingCallback::Kind;
 
 /// Connections at the bounds that a system sets, or where it lets them end in silence.
-class TstInterfaceBoundsUnix : public QObject
+class TestInterfaceBoundsUnix : public QObject
 {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ private slots:
     void vanishedPeersAreClosed();
 };
 
-void TstInterfaceBoundsUnix::withoutHandles()
+void TestInterfaceBoundsUnix::withoutHandles()
 {
     {
         // The sanitizers' check of types takes a handle itself for what they have not met before.
@@ -46,7 +46,7 @@ void TstInterfaceBoundsUnix::withoutHandles()
     QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
 }
 
-void TstInterfaceBoundsUnix::vanishedPeersAreClosed()
+void TestInterfaceBoundsUnix::vanishedPeersAreClosed()
 {
     TestServer server(200);
     std::vector<std::unique_ptr<QTcpSocket>> callers;
@@ -63,5 +63,5 @@ void TstInterfaceBoundsUnix::vanishedPeersAreClosed()
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-QTEST_GUILESS_MAIN(TstInterfaceBoundsUnix)
+QTEST_GUILESS_MAIN(TestInterfaceBoundsUnix)
 #include "tst_interfacebounds_unix.moc"

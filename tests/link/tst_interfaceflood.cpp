@@ -9,22 +9,22 @@ using Kind = RecordingCallback::Kind;
 
 namespace {
 
-constexpr qint64 s_mebibyte = 1024LL * 1024;
+constexpr qint64 kMebibyte = 1024LL * 1024;
 // Sanitizers keep for a while what has been given back, and so their memory says nothing.
 #ifdef VEXEL_SANITIZED
-constexpr bool s_canMeasure = false;
-constexpr qint64 s_flood = 64 * s_mebibyte;
+constexpr bool kCanMeasure = false;
+constexpr qint64 kFlood = 64 * kMebibyte;
 #else
-constexpr bool s_canMeasure = true;
-constexpr qint64 s_flood = 1024 * s_mebibyte;
+constexpr bool kCanMeasure = true;
+constexpr qint64 kFlood = 1024 * kMebibyte;
 #endif
 // What the sender holds, in this process, too, and what the allocator keeps of it.
-constexpr qint64 s_mostKiB = 6L * 1024;
+constexpr qint64 kMostKiB = 6L * 1024;
 
 } // namespace
 
 /// A gigabyte from a stranger, and the memory of this process.
-class TstInterfaceFlood : public QObject
+class TestInterfaceFlood : public QObject
 {
     Q_OBJECT
 
@@ -42,37 +42,37 @@ private:
     qint64 m_iBefore = 0;
 };
 
-void TstInterfaceFlood::initTestCase()
+void TestInterfaceFlood::initTestCase()
 {
     // What has to be there anyway comes with the first one.
     TestServer server;
-    Flood flood(server.port, 4 * s_mebibyte);
+    Flood flood(server.port, 4 * kMebibyte);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstInterfaceFlood::init()
+void TestInterfaceFlood::init()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
     m_iBefore = System::ResidentKiB();
     QVERIFY(m_iBefore > 0);
 }
 
-void TstInterfaceFlood::cleanup()
+void TestInterfaceFlood::cleanup()
 {
     const qint64 more = System::ResidentKiB() - m_iBefore;
-    if (s_canMeasure)
-        QVERIFY2(more < s_mostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(more)));
+    if (kCanMeasure)
+        QVERIFY2(more < kMostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(more)));
 }
 
-void TstInterfaceFlood::fromOnePeer_data()
+void TestInterfaceFlood::fromOnePeer_data()
 {
     QTest::addColumn<bool>("isRead");
     QTest::newRow("read") << true;
     QTest::newRow("left unread") << false;
 }
 
-void TstInterfaceFlood::fromOnePeer()
+void TestInterfaceFlood::fromOnePeer()
 {
     QFETCH(const bool, isRead);
     TestServer server(10'000);
@@ -80,21 +80,21 @@ void TstInterfaceFlood::fromOnePeer()
         server.callback.onRead = [](IInterface*, quint64) {
         };
     }
-    Flood flood(server.port, s_flood);
+    Flood flood(server.port, kFlood);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
     QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
-    QVERIFY(flood.Unsent() > s_flood / 2);
+    QVERIFY(flood.Unsent() > kFlood / 2);
 }
 
-void TstInterfaceFlood::inAsManyCallsAsItTakes()
+void TestInterfaceFlood::inAsManyCallsAsItTakes()
 {
     TestServer server(10'000);
     quint64 given = 0;
     server.callback.onRead = [&given](IInterface*, quint64 length) {
         given += length;
     };
-    qint64 left = s_flood;
+    qint64 left = kFlood;
     quint64 calls = 0;
     while (left > 0) {
         Flood flood(server.port, left);
@@ -110,7 +110,7 @@ void TstInterfaceFlood::inAsManyCallsAsItTakes()
     QVERIFY(server.server->IsOpen());
 }
 
-void TstInterfaceFlood::whileTheCallbackIsBusy()
+void TestInterfaceFlood::whileTheCallbackIsBusy()
 {
     TestServer server;
     TestServer clock(500);
@@ -120,14 +120,14 @@ void TstInterfaceFlood::whileTheCallbackIsBusy()
         // Time enough to send it all if somebody took it.
         const auto silent = CallerOf(clock.port);
         QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
-        QVERIFY(flood->Unsent() > s_flood / 2);
+        QVERIFY(flood->Unsent() > kFlood / 2);
         most = System::ResidentKiB() - m_iBefore;
     };
-    flood = std::make_unique<Flood>(server.port, s_flood);
+    flood = std::make_unique<Flood>(server.port, kFlood);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
-    if (s_canMeasure)
-        QVERIFY2(most < s_mostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(most)));
+    if (kCanMeasure)
+        QVERIFY2(most < kMostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(most)));
 }
 
-QTEST_GUILESS_MAIN(TstInterfaceFlood)
+QTEST_GUILESS_MAIN(TestInterfaceFlood)
 #include "tst_interfaceflood.moc"

@@ -10,7 +10,7 @@ using Kind = RecordingCallback::Kind;
 
 namespace {
 
-constexpr auto s_holdArgument = "--wait-for-end-of-input";
+constexpr auto kHoldArgument = "--wait-for-end-of-input";
 
 Kind KindOf(int row)
 {
@@ -63,7 +63,7 @@ public:
 
 } // namespace
 
-class TstInterfaceLifetime : public QObject
+class TestInterfaceLifetime : public QObject
 {
     Q_OBJECT
 
@@ -85,13 +85,13 @@ private slots:
     void childrenDoNotInheritTheSockets();
 };
 
-void TstInterfaceLifetime::init()
+void TestInterfaceLifetime::init()
 {
     // Qt warns where a socket is used in a state in which it must not be.
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
 }
 
-void TstInterfaceLifetime::serverDeletedInCallback_data()
+void TestInterfaceLifetime::serverDeletedInCallback_data()
 {
     QTest::addColumn<int>("kind");
     QTest::newRow("OnOpen") << int(Kind::Open);
@@ -101,7 +101,7 @@ void TstInterfaceLifetime::serverDeletedInCallback_data()
     QTest::newRow("OnError") << int(Kind::Error);
 }
 
-void TstInterfaceLifetime::serverDeletedInCallback()
+void TestInterfaceLifetime::serverDeletedInCallback()
 {
     QFETCH(const int, kind);
     TestServer server;
@@ -130,7 +130,7 @@ void TstInterfaceLifetime::serverDeletedInCallback()
     QCOMPARE(server.callback.events.constLast().kind, KindOf(kind));
 }
 
-void TstInterfaceLifetime::clientDeletedInCallback_data()
+void TestInterfaceLifetime::clientDeletedInCallback_data()
 {
     QTest::addColumn<int>("kind");
     QTest::newRow("OnOpen") << int(Kind::Open);
@@ -139,7 +139,7 @@ void TstInterfaceLifetime::clientDeletedInCallback_data()
     QTest::newRow("OnClose") << int(Kind::Close);
 }
 
-void TstInterfaceLifetime::clientDeletedInCallback()
+void TestInterfaceLifetime::clientDeletedInCallback()
 {
     QFETCH(const int, kind);
     const Echo host(KindOf(kind) == Kind::Close);
@@ -156,7 +156,7 @@ void TstInterfaceLifetime::clientDeletedInCallback()
     QCOMPARE(callback.events.constLast().kind, KindOf(kind));
 }
 
-void TstInterfaceLifetime::clientDeletedInOnError()
+void TestInterfaceLifetime::clientDeletedInOnError()
 {
     RecordingCallback callback;
     std::unique_ptr<IInterface> client;
@@ -169,7 +169,7 @@ void TstInterfaceLifetime::clientDeletedInOnError()
     QCOMPARE(callback.Kinds(), QList<Kind>{Kind::Error});
 }
 
-void TstInterfaceLifetime::serverDeletedInNestedLoop()
+void TestInterfaceLifetime::serverDeletedInNestedLoop()
 {
     TestServer server;
     QTcpSocket second;
@@ -194,7 +194,7 @@ void TstInterfaceLifetime::serverDeletedInNestedLoop()
     QCOMPARE(server.callback.Count(Kind::Close), 0);
 }
 
-void TstInterfaceLifetime::noCallbackAfterDelete()
+void TestInterfaceLifetime::noCallbackAfterDelete()
 {
     TestServer server;
     QTcpSocket caller;
@@ -211,7 +211,7 @@ void TstInterfaceLifetime::noCallbackAfterDelete()
     QVERIFY(next.listen(QHostAddress(QHostAddress::LocalHost), server.port));
 }
 
-void TstInterfaceLifetime::deletedWithCallersWaiting()
+void TestInterfaceLifetime::deletedWithCallersWaiting()
 {
     TestServer server;
     std::vector<std::unique_ptr<QTcpSocket>> callers;
@@ -226,7 +226,7 @@ void TstInterfaceLifetime::deletedWithCallersWaiting()
         QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstInterfaceLifetime::closedInCallback_data()
+void TestInterfaceLifetime::closedInCallback_data()
 {
     QTest::addColumn<int>("kind");
     QTest::newRow("OnOpen") << int(Kind::Open);
@@ -234,7 +234,7 @@ void TstInterfaceLifetime::closedInCallback_data()
     QTest::newRow("OnClose") << int(Kind::Close);
 }
 
-void TstInterfaceLifetime::closedInCallback()
+void TestInterfaceLifetime::closedInCallback()
 {
     QFETCH(const int, kind);
     TestServer server;
@@ -271,7 +271,7 @@ void TstInterfaceLifetime::closedInCallback()
         QCOMPARE(server.callback.Length(Kind::Read), KindOf(kind) == Kind::Open ? 0 : 20'001);
 }
 
-void TstInterfaceLifetime::serverClosedInCallback()
+void TestInterfaceLifetime::serverClosedInCallback()
 {
     TestServer server;
     server.callback.onOpen = [&](IInterface*) {
@@ -284,7 +284,7 @@ void TstInterfaceLifetime::serverClosedInCallback()
     QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstInterfaceLifetime::callbacksOfOnePeerDoNotNest()
+void TestInterfaceLifetime::callbacksOfOnePeerDoNotNest()
 {
     TestServer server;
     QTcpSocket first;
@@ -315,7 +315,7 @@ void TstInterfaceLifetime::callbacksOfOnePeerDoNotNest()
     QCOMPARE(server.callback.events.constLast().source, server.callback.events.constFirst().source);
 }
 
-void TstInterfaceLifetime::childrenDoNotInheritTheSockets()
+void TestInterfaceLifetime::childrenDoNotInheritTheSockets()
 {
     TestServer server;
     QTcpSocket caller;
@@ -323,7 +323,7 @@ void TstInterfaceLifetime::childrenDoNotInheritTheSockets()
     QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
 
     QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {QLatin1String(s_holdArgument)});
+    child.start(QCoreApplication::applicationFilePath(), {QLatin1String(kHoldArgument)});
     QVERIFY(child.waitForStarted());
     // Else the child would keep the port and the call open.
     server.server.reset();
@@ -337,12 +337,12 @@ void TstInterfaceLifetime::childrenDoNotInheritTheSockets()
 
 int main(int argc, char* argv[])
 {
-    if (argc == 2 && qstrcmp(argv[1], s_holdArgument) == 0) {
+    if (argc == 2 && qstrcmp(argv[1], kHoldArgument) == 0) {
         QFile input;
         return input.open(stdin, QIODevice::ReadOnly) && input.readAll().isEmpty() ? 0 : 1;
     }
     const QCoreApplication application(argc, argv);
-    TstInterfaceLifetime test;
+    TestInterfaceLifetime test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "tst_interfacelifetime.moc"

@@ -12,7 +12,7 @@
 
 using Kind = RecordingCallback::Kind;
 
-class TstInterfaces : public QObject
+class TestInterfaces : public QObject
 {
     Q_OBJECT
 
@@ -45,13 +45,13 @@ private slots:
     void callbacksComeOnTheCreatingThread();
 };
 
-void TstInterfaces::init()
+void TestInterfaces::init()
 {
     // Qt warns where a socket is used in a state in which it must not be.
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
 }
 
-void TstInterfaces::malformedAddress_data()
+void TestInterfaces::malformedAddress_data()
 {
     QTest::addColumn<QString>("address");
     const QStringList addresses{
@@ -102,7 +102,7 @@ void TstInterfaces::malformedAddress_data()
         QTest::addRow("%d: %s", int(row), qPrintable(addresses[row].left(30))) << addresses[row];
 }
 
-void TstInterfaces::malformedAddress()
+void TestInterfaces::malformedAddress()
 {
     QFETCH(const QString, address);
     RecordingCallback callback;
@@ -115,14 +115,14 @@ void TstInterfaces::malformedAddress()
     QVERIFY(callback.events.isEmpty());
 }
 
-void TstInterfaces::withoutCallback()
+void TestInterfaces::withoutCallback()
 {
     const TraceRecorder traces;
     QVERIFY(!CInterfaceCreator().CreateInterface(QStringLiteral("TCP::%1").arg(FreePort()), nullptr, 0, false));
     QCOMPARE(traces.Reports().size(), 1);
 }
 
-void TstInterfaces::goodAddress_data()
+void TestInterfaces::goodAddress_data()
 {
     QTest::addColumn<QString>("address");
     QTest::newRow("lowest port") << QStringLiteral("TCP::1");
@@ -134,7 +134,7 @@ void TstInterfaces::goodAddress_data()
     QTest::newRow("IPv6, long") << QStringLiteral("TCP:[2001:db8::8:800:200c:417a]:8451");
 }
 
-void TstInterfaces::goodAddress()
+void TestInterfaces::goodAddress()
 {
     QFETCH(const QString, address);
     RecordingCallback callback;
@@ -144,7 +144,7 @@ void TstInterfaces::goodAddress()
     QVERIFY(!created->IsOpen());
 }
 
-void TstInterfaces::serverAndClient_data()
+void TestInterfaces::serverAndClient_data()
 {
     QTest::addColumn<QString>("host");
     QTest::newRow("IPv4") << QStringLiteral("127.0.0.1");
@@ -152,7 +152,7 @@ void TstInterfaces::serverAndClient_data()
     QTest::newRow("name") << QStringLiteral("localhost");
 }
 
-void TstInterfaces::serverAndClient()
+void TestInterfaces::serverAndClient()
 {
     QFETCH(const QString, host);
     if (host == u"[::1]" && !HasIPv6())
@@ -198,7 +198,7 @@ void TstInterfaces::serverAndClient()
     QVERIFY(server.server->IsOpen());
 }
 
-void TstInterfaces::listensOnLoopbackOnly()
+void TestInterfaces::listensOnLoopbackOnly()
 {
     const TestServer server;
     int tried = 0;
@@ -217,7 +217,7 @@ void TstInterfaces::listensOnLoopbackOnly()
         QSKIP("This machine has no other address");
 }
 
-void TstInterfaces::portTaken_data()
+void TestInterfaces::portTaken_data()
 {
     QTest::addColumn<QHostAddress>("holder");
     QTest::newRow("IPv4") << QHostAddress(QHostAddress::LocalHost);
@@ -226,7 +226,7 @@ void TstInterfaces::portTaken_data()
     QTest::newRow("all") << QHostAddress(QHostAddress::Any);
 }
 
-void TstInterfaces::portTaken()
+void TestInterfaces::portTaken()
 {
     QFETCH(const QHostAddress, holder);
     QTcpServer taken;
@@ -250,7 +250,7 @@ void TstInterfaces::portTaken()
     QVERIFY2(!Create(address, callback), "Two servers of the library on one port");
 }
 
-void TstInterfaces::serversNotAllowed()
+void TestInterfaces::serversNotAllowed()
 {
     const auto allowAgain = qScopeGuard([] { CInterfaceCreator::SetServersAllowed(true); });
     QVERIFY(CInterfaceCreator::AreServersAllowed());
@@ -280,7 +280,7 @@ void TstInterfaces::serversNotAllowed()
     QVERIFY(closed->Open());
 }
 
-void TstInterfaces::createdClosed()
+void TestInterfaces::createdClosed()
 {
     const quint16 port = FreePort();
     RecordingCallback callback;
@@ -301,7 +301,7 @@ void TstInterfaces::createdClosed()
     QVERIFY(other.listen(QHostAddress(QHostAddress::LocalHost), port));
 }
 
-void TstInterfaces::closedServerClosesItsPeers()
+void TestInterfaces::closedServerClosesItsPeers()
 {
     TestServer server;
     QTcpSocket first;
@@ -323,7 +323,7 @@ void TstInterfaces::closedServerClosesItsPeers()
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-void TstInterfaces::clientCannotConnect()
+void TestInterfaces::clientCannotConnect()
 {
     RecordingCallback callback;
     const TraceRecorder traces;
@@ -335,7 +335,7 @@ void TstInterfaces::clientCannotConnect()
     QVERIFY(!client->IsOpen());
 }
 
-void TstInterfaces::clientConnectsAgain()
+void TestInterfaces::clientConnectsAgain()
 {
     TestServer server;
     RecordingCallback callback;
@@ -361,7 +361,7 @@ void TstInterfaces::clientConnectsAgain()
     QCOMPARE(server.callback.Count(Kind::Open), 2);
 }
 
-void TstInterfaces::closeBeforeConnected()
+void TestInterfaces::closeBeforeConnected()
 {
     TestServer server;
     RecordingCallback callback;
@@ -372,7 +372,7 @@ void TstInterfaces::closeBeforeConnected()
     QCOMPARE(callback.Kinds(), QList<Kind>{Kind::Open});
 }
 
-void TstInterfaces::readBringsWhatWaits()
+void TestInterfaces::readBringsWhatWaits()
 {
     TestServer server;
     quint64 inOpen = 99;
@@ -399,7 +399,7 @@ void TstInterfaces::readBringsWhatWaits()
     QCOMPARE(RecordingCallback::Take(peer, 10), QByteArray());
 }
 
-void TstInterfaces::readLooksWithoutTaking()
+void TestInterfaces::readLooksWithoutTaking()
 {
     TestServer server;
     QByteArrayList taken;
@@ -414,7 +414,7 @@ void TstInterfaces::readLooksWithoutTaking()
     QTRY_COMPARE(taken, (QByteArrayList{"look", "look", ""}));
 }
 
-void TstInterfaces::unreadBytesAreDropped()
+void TestInterfaces::unreadBytesAreDropped()
 {
     TestServer server;
     int reads = 0;
@@ -435,7 +435,7 @@ void TstInterfaces::unreadBytesAreDropped()
     QCOMPARE(server.callback.received, QByteArray("parwhole"));
 }
 
-void TstInterfaces::readThrows()
+void TestInterfaces::readThrows()
 {
     TestServer server;
     char byte = 0;
@@ -463,7 +463,7 @@ void TstInterfaces::readThrows()
     QTRY_COMPARE(thrown, 3);
 }
 
-void TstInterfaces::writeReachesEveryPeer()
+void TestInterfaces::writeReachesEveryPeer()
 {
     TestServer server;
     server.server->Write("nobody", 6);
@@ -490,7 +490,7 @@ void TstInterfaces::writeReachesEveryPeer()
     QVERIFY(closed.readAll().endsWith("last"));
 }
 
-void TstInterfaces::callerThatHasGone()
+void TestInterfaces::callerThatHasGone()
 {
     TestServer server;
     {
@@ -507,7 +507,7 @@ void TstInterfaces::callerThatHasGone()
     QCOMPARE(server.callback.received, QByteArray("gone"));
 }
 
-void TstInterfaces::callerThatResets()
+void TestInterfaces::callerThatResets()
 {
     TestServer server;
     server.callback.onOpen = [](IInterface* peer) {
@@ -523,7 +523,7 @@ void TstInterfaces::callerThatResets()
     QCOMPARE(server.callback.Count(Kind::Close), 1);
 }
 
-void TstInterfaces::callbacksComeOnTheCreatingThread()
+void TestInterfaces::callbacksComeOnTheCreatingThread()
 {
     const quint16 port = FreePort();
     RecordingCallback callback;
@@ -566,5 +566,5 @@ void TstInterfaces::callbacksComeOnTheCreatingThread()
     QCOMPARE(threads, (QList<QThread*>{&thread, &thread, &thread}));
 }
 
-QTEST_GUILESS_MAIN(TstInterfaces)
+QTEST_GUILESS_MAIN(TestInterfaces)
 #include "tst_interfaces.moc"

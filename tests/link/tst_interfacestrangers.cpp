@@ -8,7 +8,7 @@
 using Kind = RecordingCallback::Kind;
 
 /// Connections of which one side only still is there, or does anything.
-class TstInterfaceStrangers : public QObject
+class TestInterfaceStrangers : public QObject
 {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ private slots:
     void killedProcess();
 };
 
-void TstInterfaceStrangers::halfACallAndThenNothing()
+void TestInterfaceStrangers::halfACallAndThenNothing()
 {
     TestServer server(200);
     Stranger stranger(server.port, 1);
@@ -33,14 +33,14 @@ void TstInterfaceStrangers::halfACallAndThenNothing()
     QCOMPARE(stranger.process.exitCode(), 0);
 }
 
-void TstInterfaceStrangers::sendingHalfIsShutDown_data()
+void TestInterfaceStrangers::sendingHalfIsShutDown_data()
 {
     QTest::addColumn<bool>("isSent");
     QTest::newRow("at once") << false;
     QTest::newRow("after half a call") << true;
 }
 
-void TstInterfaceStrangers::sendingHalfIsShutDown()
+void TestInterfaceStrangers::sendingHalfIsShutDown()
 {
     QFETCH(const bool, isSent);
     TestServer server; // no time-out that would help
@@ -58,7 +58,7 @@ void TstInterfaceStrangers::sendingHalfIsShutDown()
     QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstInterfaceStrangers::killedProcess_data()
+void TestInterfaceStrangers::killedProcess_data()
 {
     QTest::addColumn<bool>("isAnswered");
     QTest::newRow("that has read everything") << false;
@@ -66,7 +66,7 @@ void TstInterfaceStrangers::killedProcess_data()
     QTest::newRow("with an answer on its way") << true;
 }
 
-void TstInterfaceStrangers::killedProcess()
+void TestInterfaceStrangers::killedProcess()
 {
     QFETCH(const bool, isAnswered);
     TestServer server; // no time-out that would help
@@ -86,5 +86,5 @@ void TstInterfaceStrangers::killedProcess()
     QCOMPARE(server.callback.most, calls);
 }
 
-QTEST_GUILESS_MAIN(TstInterfaceStrangers)
+QTEST_GUILESS_MAIN(TestInterfaceStrangers)
 #include "tst_interfacestrangers.moc"

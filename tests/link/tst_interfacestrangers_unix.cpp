@@ -19,7 +19,7 @@ bool Tell(const Stranger& stranger, int signal)
 } // namespace
 
 /// Connections of another process that is stopped: they stay, and nothing comes from them.
-class TstInterfaceStrangersUnix : public QObject
+class TestInterfaceStrangersUnix : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private slots:
     void stoppedProcessDoesNotTakeWhatIsWritten();
 };
 
-void TstInterfaceStrangersUnix::stoppedProcessIsClosed()
+void TestInterfaceStrangersUnix::stoppedProcessIsClosed()
 {
     TestServer server(1000);
     constexpr int calls = CInterfaceCreator::MaximumPeers;
@@ -46,7 +46,7 @@ void TstInterfaceStrangersUnix::stoppedProcessIsClosed()
     QCOMPARE(stranger.process.exitCode(), 0);
 }
 
-void TstInterfaceStrangersUnix::stoppedProcessKeepsNobodyOut()
+void TestInterfaceStrangersUnix::stoppedProcessKeepsNobodyOut()
 {
     TestServer server; // no time-out that would help
     constexpr int calls = CInterfaceCreator::MaximumPeers;
@@ -61,7 +61,7 @@ void TstInterfaceStrangersUnix::stoppedProcessKeepsNobodyOut()
     QCOMPARE(server.callback.most, calls);
 }
 
-void TstInterfaceStrangersUnix::stoppedProcessDoesNotTakeWhatIsWritten()
+void TestInterfaceStrangersUnix::stoppedProcessDoesNotTakeWhatIsWritten()
 {
     TestServer server;
     const Stranger stranger(server.port, 1);
@@ -79,5 +79,5 @@ void TstInterfaceStrangersUnix::stoppedProcessDoesNotTakeWhatIsWritten()
     QVERIFY(server.server->IsOpen());
 }
 
-QTEST_GUILESS_MAIN(TstInterfaceStrangersUnix)
+QTEST_GUILESS_MAIN(TestInterfaceStrangersUnix)
 #include "tst_interfacestrangers_unix.moc"

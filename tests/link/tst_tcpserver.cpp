@@ -18,8 +18,8 @@
 
 namespace {
 
-constexpr quint16 s_port = LinkPort::s_number;
-const QString s_sourceFile = QStringLiteral("userinterface/vexelconnectdlg/tcpserver");
+constexpr quint16 kPort = LinkPort::kNumber;
+const QString kSourceFile = QStringLiteral("userinterface/vexelconnectdlg/tcpserver");
 
 // What becomes of the arrays that the server allocates.
 std::atomic<int> s_arraysAllocated = 0;
@@ -112,7 +112,7 @@ protected:
 
 } // namespace
 
-class TstTcpServer : public QObject
+class TestTcpServer : public QObject
 {
     Q_OBJECT
 
@@ -154,7 +154,7 @@ private slots:
     void twoHundredStarters();
 };
 
-void TstTcpServer::bases()
+void TestTcpServer::bases()
 {
     static_assert(std::is_base_of_v<QObject, TCPServer>);
     static_assert(std::is_base_of_v<IInterfaceCallback, TCPServer>);
@@ -165,7 +165,7 @@ void TstTcpServer::bases()
     QVERIFY(static_cast<void*>(static_cast<IInterfaceCallback*>(&server)) != static_cast<void*>(&server));
 }
 
-void TstTcpServer::metaObjectCarriesTheNameAlone()
+void TestTcpServer::metaObjectCarriesTheNameAlone()
 {
     const QMetaObject& meta = TCPServer::staticMetaObject;
     QCOMPARE(QByteArray(meta.className()), QByteArray("TCPServer"));
@@ -177,7 +177,7 @@ void TstTcpServer::metaObjectCarriesTheNameAlone()
     QCOMPARE(meta.constructorCount(), 0);
 }
 
-void TstTcpServer::metacast()
+void TestTcpServer::metacast()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -190,7 +190,7 @@ void TstTcpServer::metacast()
     QVERIFY(server.inherits("TCPServer"));
 }
 
-void TstTcpServer::hasNoParent()
+void TestTcpServer::hasNoParent()
 {
     QWidget widget;
     const TCPServer server(&widget);
@@ -198,30 +198,30 @@ void TstTcpServer::hasNoParent()
     QVERIFY(widget.children().isEmpty());
 }
 
-void TstTcpServer::listening()
+void TestTcpServer::listening()
 {
     NEED_PORT();
     QWidget widget;
     const TraceRecorder traces;
     const TCPServer server(&widget);
-    QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer(): Server TCP interface created.")));
+    QCOMPARE(traces.Messages(kSourceFile), QStringList(QStringLiteral("TCPServer(): Server TCP interface created.")));
     QCOMPARE(traces.Reports().constLast().line, 49);
     QCOMPARE(traces.Reports().constLast().kind, ErrorHandler::Trace);
     QVERIFY(!LinkPort::IsFree());
     QVERIFY(!widget.isVisible());
 }
 
-void TstTcpServer::creationFails()
+void TestTcpServer::creationFails()
 {
     QTcpServer other;
-    if (!other.listen(QHostAddress(QHostAddress::LocalHost), s_port)) {
+    if (!other.listen(QHostAddress(QHostAddress::LocalHost), kPort)) {
         QCOMPARE(other.serverError(), QAbstractSocket::AddressInUseError); // taken already, then
     }
     Window window;
     const TraceRecorder traces;
     {
         TCPServer server(&window);
-        QCOMPARE(traces.Messages(s_sourceFile),
+        QCOMPARE(traces.Messages(kSourceFile),
                  QStringList(QStringLiteral("TCPServer(): Creation of Server TCP interface failed.")));
         QCOMPARE(traces.Reports().constLast().line, 54);
         QCOMPARE(traces.Reports().constLast().kind, ErrorHandler::Trace);
@@ -232,7 +232,7 @@ void TstTcpServer::creationFails()
         QVERIFY(window.isVisible());
         QTcpSocket caller;
         window.hide();
-        caller.connectToHost(QHostAddress::LocalHost, s_port);
+        caller.connectToHost(QHostAddress::LocalHost, kPort);
         QTRY_COMPARE(caller.state(), QAbstractSocket::ConnectedState);
         caller.write("x");
         QVERIFY(caller.waitForBytesWritten());
@@ -240,14 +240,14 @@ void TstTcpServer::creationFails()
         QVERIFY(!window.isVisible());
     }
     // Its end says nothing and leaves the port to its holder.
-    QCOMPARE(traces.Messages(s_sourceFile).size(), 2);
+    QCOMPARE(traces.Messages(kSourceFile).size(), 2);
     QVERIFY(!LinkPort::IsFree());
 }
 
-void TstTcpServer::creationFailsQuietly()
+void TestTcpServer::creationFailsQuietly()
 {
     QTcpServer other;
-    if (!other.listen(QHostAddress(QHostAddress::LocalHost), s_port)) {
+    if (!other.listen(QHostAddress(QHostAddress::LocalHost), kPort)) {
         QCOMPARE(other.serverError(), QAbstractSocket::AddressInUseError);
     }
     QWidget widget;
@@ -257,7 +257,7 @@ void TstTcpServer::creationFailsQuietly()
     QCOMPARE(QApplication::activeModalWidget(), nullptr);
 }
 
-void TstTcpServer::destructionGivesThePortBack()
+void TestTcpServer::destructionGivesThePortBack()
 {
     NEED_PORT();
     QWidget widget;
@@ -268,17 +268,17 @@ void TstTcpServer::destructionGivesThePortBack()
     QVERIFY(LinkPort::IsFree());
 }
 
-void TstTcpServer::destructionLeavesTheWidget()
+void TestTcpServer::destructionLeavesTheWidget()
 {
     NEED_PORT();
     auto widget = std::make_unique<QWidget>();
     auto server = std::make_unique<TCPServer>(widget.get());
     QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, s_port);
+    caller.connectToHost(QHostAddress::LocalHost, kPort);
     QTRY_VERIFY(widget->isVisible());
     widget->hide();
     QTcpSocket late;
-    late.connectToHost(QHostAddress::LocalHost, s_port);
+    late.connectToHost(QHostAddress::LocalHost, kPort);
     QVERIFY(late.waitForConnected());
     // The plug-in deletes the dialog first; a call that waits then comes to nothing.
     widget.reset();
@@ -287,14 +287,14 @@ void TstTcpServer::destructionLeavesTheWidget()
     QTRY_VERIFY(LinkPort::HasEnded(late));
 }
 
-void TstTcpServer::onOpenShowsAndActivates_data()
+void TestTcpServer::onOpenShowsAndActivates_data()
 {
     QTest::addColumn<unsigned>("kinds");
     QTest::newRow("traces on") << unsigned(ErrorHandler::Trace);
     QTest::newRow("traces off") << 0U;
 }
 
-void TstTcpServer::onOpenShowsAndActivates()
+void TestTcpServer::onOpenShowsAndActivates()
 {
     QFETCH(const unsigned, kinds);
     Window window;
@@ -310,12 +310,12 @@ void TstTcpServer::onOpenShowsAndActivates()
     QCOMPARE(traces.Reports().size(), 1);
     const auto report = traces.Reports().constFirst();
     QCOMPARE(report.message, QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter."));
-    QCOMPARE(report.sourceFile, s_sourceFile);
+    QCOMPARE(report.sourceFile, kSourceFile);
     QCOMPARE(report.line, 68);
     QCOMPARE(report.kind, ErrorHandler::Trace);
 }
 
-void TstTcpServer::onOpenShowsBeforeItActivates()
+void TestTcpServer::onOpenShowsBeforeItActivates()
 {
     Window window;
     TCPServer server(&window);
@@ -323,7 +323,7 @@ void TstTcpServer::onOpenShowsBeforeItActivates()
     QTRY_COMPARE(window.seen, (QList<QEvent::Type>{QEvent::Show, QEvent::WindowActivate}));
 }
 
-void TstTcpServer::onOpenRaisesTheVisibleWindowEachTime()
+void TestTcpServer::onOpenRaisesTheVisibleWindowEachTime()
 {
     QWidget other;
     Window window;
@@ -343,7 +343,7 @@ void TstTcpServer::onOpenRaisesTheVisibleWindowEachTime()
     QVERIFY(window.isVisible());
 }
 
-void TstTcpServer::onReadOfNothing()
+void TestTcpServer::onReadOfNothing()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -357,7 +357,7 @@ void TstTcpServer::onReadOfNothing()
     server.OnRead(nullptr, 0);
 }
 
-void TstTcpServer::onReadTakesAllBytes()
+void TestTcpServer::onReadTakesAllBytes()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -378,7 +378,7 @@ void TstTcpServer::onReadTakesAllBytes()
     QVERIFY(!widget.isVisible());
 }
 
-void TstTcpServer::onReadKeepsItsBuffer()
+void TestTcpServer::onReadKeepsItsBuffer()
 {
     FakeInterface fake;
     {
@@ -390,7 +390,7 @@ void TstTcpServer::onReadKeepsItsBuffer()
     QVERIFY(!s_watchedArrayReleased);
 }
 
-void TstTcpServer::onReadWithSomeBytesOnly()
+void TestTcpServer::onReadWithSomeBytesOnly()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -405,7 +405,7 @@ void TstTcpServer::onReadWithSomeBytesOnly()
     QVERIFY(traces.Reports().isEmpty());
 }
 
-void TstTcpServer::onReadThrows_data()
+void TestTcpServer::onReadThrows_data()
 {
     QTest::addColumn<int>("what");
     QTest::newRow("the library's exception") << 0;
@@ -414,7 +414,7 @@ void TstTcpServer::onReadThrows_data()
     QTest::newRow("a text") << 3;
 }
 
-void TstTcpServer::onReadThrows()
+void TestTcpServer::onReadThrows()
 {
     QFETCH(const int, what);
     QWidget widget;
@@ -440,11 +440,11 @@ void TstTcpServer::onReadThrows()
     QCOMPARE(traces.Reports().size(), 1);
     const auto report = traces.Reports().constFirst();
     QCOMPARE(report.message, QStringLiteral("KiteStarter::OnRead(): pInterface->Read exception caught!"));
-    QCOMPARE(report.sourceFile, s_sourceFile);
+    QCOMPARE(report.sourceFile, kSourceFile);
     QCOMPARE(report.line, 88);
 }
 
-void TstTcpServer::onReadThrowsQuietly()
+void TestTcpServer::onReadThrowsQuietly()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -458,7 +458,7 @@ void TstTcpServer::onReadThrowsQuietly()
     QVERIFY(traces.Reports().isEmpty());
 }
 
-void TstTcpServer::onReadOfMoreThanThereIs()
+void TestTcpServer::onReadOfMoreThanThereIs()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -468,7 +468,7 @@ void TstTcpServer::onReadOfMoreThanThereIs()
     QCOMPARE(fake.reads, 0);
 }
 
-void TstTcpServer::onClose()
+void TestTcpServer::onClose()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -476,14 +476,14 @@ void TstTcpServer::onClose()
     const TraceRecorder traces;
     server.OnClose(&fake);
     QCOMPARE(traces.Reports().size(), 1);
-    QCOMPARE(traces.Messages(s_sourceFile),
+    QCOMPARE(traces.Messages(kSourceFile),
              QStringList(QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.")));
     QCOMPARE(traces.Reports().constFirst().line, 97);
     QVERIFY(!widget.isVisible());
     QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
-void TstTcpServer::onError()
+void TestTcpServer::onError()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -491,7 +491,7 @@ void TstTcpServer::onError()
     const TraceRecorder traces;
     server.OnError(&fake);
     QCOMPARE(traces.Reports().size(), 1);
-    QCOMPARE(traces.Messages(s_sourceFile), QStringList(QStringLiteral("TCPServer::OnError(): error")));
+    QCOMPARE(traces.Messages(kSourceFile), QStringList(QStringLiteral("TCPServer::OnError(): error")));
     QCOMPARE(traces.Reports().constFirst().line, 102);
     QCOMPARE(traces.Reports().constFirst().kind, ErrorHandler::Trace);
     QVERIFY(!widget.isVisible());
@@ -501,7 +501,7 @@ void TstTcpServer::onError()
     QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
-void TstTcpServer::onWritten()
+void TestTcpServer::onWritten()
 {
     QWidget widget;
     TCPServer server(&widget);
@@ -516,14 +516,14 @@ void TstTcpServer::onWritten()
     QCOMPARE(fake.unexpected + fake.reads, 0);
 }
 
-void TstTcpServer::tracesOnlyWithTheirBit_data()
+void TestTcpServer::tracesOnlyWithTheirBit_data()
 {
     QTest::addColumn<unsigned>("kinds");
     QTest::newRow("none") << 0U;
     QTest::newRow("all but theirs") << ~unsigned(ErrorHandler::Trace);
 }
 
-void TstTcpServer::tracesOnlyWithTheirBit()
+void TestTcpServer::tracesOnlyWithTheirBit()
 {
     QFETCH(const unsigned, kinds);
     const TraceRecorder traces(kinds);
@@ -535,7 +535,7 @@ void TstTcpServer::tracesOnlyWithTheirBit()
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
-void TstTcpServer::starterRaisesTheHiddenDialog()
+void TestTcpServer::starterRaisesTheHiddenDialog()
 {
     NEED_PORT();
     QWidget other;
@@ -544,19 +544,19 @@ void TstTcpServer::starterRaisesTheHiddenDialog()
     const TraceRecorder traces;
     const TCPServer server(&window);
     QTcpSocket starter;
-    starter.connectToHost(QHostAddress::LocalHost, s_port);
+    starter.connectToHost(QHostAddress::LocalHost, kPort);
     QTRY_VERIFY(window.isVisible());
     QTRY_VERIFY(window.isActiveWindow());
     starter.write("wake up");
     starter.disconnectFromHost();
-    QTRY_COMPARE(traces.Messages(s_sourceFile),
+    QTRY_COMPARE(traces.Messages(kSourceFile),
                  (QStringList{QStringLiteral("TCPServer(): Server TCP interface created."),
                               QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter."),
                               QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.")}));
     QCOMPARE(starter.bytesAvailable(), 0); // it never answers
 }
 
-void TstTcpServer::starterCallsAgain()
+void TestTcpServer::starterCallsAgain()
 {
     NEED_PORT();
     Window window;
@@ -564,7 +564,7 @@ void TstTcpServer::starterCallsAgain()
     const auto windows = QApplication::topLevelWidgets().size();
     for (int call = 0; call < 5; ++call) {
         QTcpSocket starter;
-        starter.connectToHost(QHostAddress::LocalHost, s_port);
+        starter.connectToHost(QHostAddress::LocalHost, kPort);
         QTRY_VERIFY(window.isVisible());
         window.hide();
     }
@@ -572,7 +572,7 @@ void TstTcpServer::starterCallsAgain()
     QCOMPARE(window.seen.count(QEvent::Show), 5);
 }
 
-void TstTcpServer::starterCallsOverEitherAddress()
+void TestTcpServer::starterCallsOverEitherAddress()
 {
     NEED_PORT();
     Window window;
@@ -584,13 +584,13 @@ void TstTcpServer::starterCallsOverEitherAddress()
     }
     for (const auto address : addresses) {
         QTcpSocket starter;
-        starter.connectToHost(address, s_port);
+        starter.connectToHost(address, kPort);
         QTRY_VERIFY(window.isVisible());
         window.hide();
     }
 }
 
-void TstTcpServer::twoHundredStarters()
+void TestTcpServer::twoHundredStarters()
 {
     NEED_PORT();
     Window window;
@@ -599,7 +599,7 @@ void TstTcpServer::twoHundredStarters()
     std::vector<std::unique_ptr<QTcpSocket>> starters;
     for (int call = 0; call < 200; ++call) {
         starters.push_back(std::make_unique<QTcpSocket>());
-        starters.back()->connectToHost(QHostAddress::LocalHost, s_port);
+        starters.back()->connectToHost(QHostAddress::LocalHost, kPort);
         starters.back()->write("show\n");
         starters.back()->disconnectFromHost();
     }
@@ -610,5 +610,5 @@ void TstTcpServer::twoHundredStarters()
     QCOMPARE(traces.Messages().size(), 401);
 }
 
-QTEST_MAIN(TstTcpServer)
+QTEST_MAIN(TestTcpServer)
 #include "tst_tcpserver.moc"

@@ -27,14 +27,14 @@ struct Library
     int alive = 0;
     int calls = 0;
 };
-Library s_library;
+Library kLibrary;
 
 /// An interface that counts itself, and whatever is asked of it.
 class CountedInterface : public IInterface
 {
 public:
-    CountedInterface() { ++s_library.alive; }
-    ~CountedInterface() override { --s_library.alive; }
+    CountedInterface() { ++kLibrary.alive; }
+    ~CountedInterface() override { --kLibrary.alive; }
 
     CountedInterface(const CountedInterface&) = delete;
     CountedInterface& operator=(const CountedInterface&) = delete;
@@ -48,7 +48,7 @@ public:
 private:
     static bool Called()
     {
-        ++s_library.calls;
+        ++kLibrary.calls;
         return true;
     }
 };
@@ -58,7 +58,7 @@ class Window : public QDialog
 {
 public:
     explicit Window(const TraceRecorder& traces)
-        : m_Traces(traces)
+        : m_traces(traces)
     {
     }
 
@@ -67,12 +67,12 @@ public:
 protected:
     void showEvent(QShowEvent* event) override
     {
-        tracedBefore = m_Traces.Messages();
+        tracedBefore = m_traces.Messages();
         QDialog::showEvent(event);
     }
 
 private:
-    const TraceRecorder& m_Traces;
+    const TraceRecorder& m_traces;
 };
 
 } // namespace
@@ -81,17 +81,17 @@ private:
 IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number,
                                                bool flag)
 {
-    s_library.creations.append({address, callback, number, flag});
-    return s_library.fails ? nullptr : new CountedInterface;
+    kLibrary.creations.append({address, callback, number, flag});
+    return kLibrary.fails ? nullptr : new CountedInterface;
 }
 
 /// What the server asks of a connections library that does as the test says.
-class TstTcpServerCalls : public QObject
+class TestTcpServerCalls : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init() { s_library = {}; }
+    void init() { kLibrary = {}; }
 
     void createsOneOpenServer();
     void endsWhatItCreated();
@@ -99,12 +99,12 @@ private slots:
     void tracesBeforeItShows();
 };
 
-void TstTcpServerCalls::createsOneOpenServer()
+void TestTcpServerCalls::createsOneOpenServer()
 {
     QWidget widget;
     TCPServer server(&widget);
-    QCOMPARE(s_library.creations.size(), 1);
-    const auto& creation = s_library.creations.constFirst();
+    QCOMPARE(kLibrary.creations.size(), 1);
+    const auto& creation = kLibrary.creations.constFirst();
     QCOMPARE(creation.address, QStringLiteral("TCP::8451"));
     QCOMPARE(creation.callback, static_cast<IInterfaceCallback*>(&server));
     QCOMPARE(creation.number, 10000);
@@ -117,34 +117,34 @@ void TstTcpServerCalls::createsOneOpenServer()
     server.OnError(&peer);
     server.OnClose(&peer);
     server.OnRead(&peer, 0);
-    QCOMPARE(s_library.creations.size(), 1);
-    QCOMPARE(s_library.calls, 0);
+    QCOMPARE(kLibrary.creations.size(), 1);
+    QCOMPARE(kLibrary.calls, 0);
 }
 
-void TstTcpServerCalls::endsWhatItCreated()
+void TestTcpServerCalls::endsWhatItCreated()
 {
     QWidget widget;
     auto server = std::make_unique<TCPServer>(&widget);
-    QCOMPARE(s_library.alive, 1);
+    QCOMPARE(kLibrary.alive, 1);
     server.reset();
-    QCOMPARE(s_library.alive, 0);
-    QCOMPARE(s_library.calls, 0);
+    QCOMPARE(kLibrary.alive, 0);
+    QCOMPARE(kLibrary.calls, 0);
     QVERIFY(!widget.isVisible());
 }
 
-void TstTcpServerCalls::withoutAnInterface()
+void TestTcpServerCalls::withoutAnInterface()
 {
-    s_library.fails = true;
+    kLibrary.fails = true;
     QWidget widget;
     const TraceRecorder traces;
     {
         TCPServer server(&widget);
-        QCOMPARE(s_library.creations.size(), 1);
+        QCOMPARE(kLibrary.creations.size(), 1);
         server.OnOpen(nullptr);
         QVERIFY(widget.isVisible());
     }
     // It does not try again.
-    QCOMPARE(s_library.creations.size(), 1);
+    QCOMPARE(kLibrary.creations.size(), 1);
     QVERIFY(!traces.Reports().isEmpty());
     QCOMPARE(traces.Reports().constFirst().message,
              QStringLiteral("TCPServer(): Creation of Server TCP interface failed."));
@@ -152,7 +152,7 @@ void TstTcpServerCalls::withoutAnInterface()
     QCOMPARE(traces.Reports().constFirst().kind, ErrorHandler::Trace);
 }
 
-void TstTcpServerCalls::tracesBeforeItShows()
+void TestTcpServerCalls::tracesBeforeItShows()
 {
     const TraceRecorder traces;
     Window window(traces);
@@ -163,5 +163,5 @@ void TstTcpServerCalls::tracesBeforeItShows()
                           QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.")}));
 }
 
-QTEST_MAIN(TstTcpServerCalls)
+QTEST_MAIN(TestTcpServerCalls)
 #include "tst_tcpservercalls.moc"

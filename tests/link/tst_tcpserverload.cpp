@@ -24,16 +24,16 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::atomic<std::size_t> s_bytesAllocated = 0; // for arrays
+std::atomic<std::size_t> kBytesAllocated = 0; // for arrays
 
-const QString s_called = QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.");
-const QString s_closed = QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.");
+const QString kCalled = QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.");
+const QString kClosed = QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed.");
 
 } // namespace
 
 void* operator new[](std::size_t size)
 {
-    s_bytesAllocated += size;
+    kBytesAllocated += size;
     void* const array = std::malloc(size); // NOLINT(cppcoreguidelines-no-malloc)
     if (!array)
         throw std::bad_alloc();
@@ -51,7 +51,7 @@ void operator delete[](void* array, std::size_t) noexcept
 }
 
 // The dialog's link at its real port, with the callers that a machine may have.
-class TstTcpServerLoad : public QObject
+class TestTcpServerLoad : public QObject
 {
     Q_OBJECT
 
@@ -69,18 +69,18 @@ private:
     static std::unique_ptr<QTcpSocket> Call()
     {
         auto caller = std::make_unique<QTcpSocket>();
-        caller->connectToHost(QHostAddress::LocalHost, LinkPort::s_number);
+        caller->connectToHost(QHostAddress::LocalHost, LinkPort::kNumber);
         return caller;
     }
 };
 
-void TstTcpServerLoad::cleanup()
+void TestTcpServerLoad::cleanup()
 {
     // The one that comes next needs the port.
     QTRY_VERIFY_WITH_TIMEOUT(LinkPort::IsFree(), 30'000);
 }
 
-void TstTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
+void TestTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
 {
     NEED_PORT();
     /// Lets another thread see whether it is shown.
@@ -104,14 +104,14 @@ void TstTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
         window.hide();
         window.isShown = false;
         auto isAnswered = std::async(std::launch::async, [&] {
-            return CallLink(LinkPort::s_number, QDeadlineTimer(30s)) == LinkAnswer::Taken && window.isShown;
+            return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)) == LinkAnswer::Taken && window.isShown;
         });
         QVERIFY(QTest::qWaitFor([&] { return isAnswered.wait_for(0s) == std::future_status::ready; }, 30'000));
         QVERIFY(isAnswered.get());
     }
 }
 
-void TstTcpServerLoad::thousandCallsInARow()
+void TestTcpServerLoad::thousandCallsInARow()
 {
     NEED_PORT();
     QDialog window;
@@ -122,14 +122,14 @@ void TstTcpServerLoad::thousandCallsInARow()
         caller->write("show\n");
         caller->disconnectFromHost();
         // Without the pauses of a test's usual waiting.
-        QVERIFY(WaitUntil([&] { return traces.Count(s_closed) == call; }));
+        QVERIFY(WaitUntil([&] { return traces.Count(kClosed) == call; }));
         QVERIFY(window.isVisible());
         window.hide();
     }
-    QCOMPARE(traces.Count(s_called), 1000);
+    QCOMPARE(traces.Count(kCalled), 1000);
 }
 
-void TstTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
+void TestTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
 {
     NEED_PORT();
     QDialog window;
@@ -138,14 +138,14 @@ void TstTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
     std::array<std::unique_ptr<QTcpSocket>, 2UL * CInterfaceCreator::MaximumPeers> silent;
     for (auto& caller : silent)
         caller = Call();
-    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), qsizetype(silent.size()), 20'000);
+    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(kCalled), qsizetype(silent.size()), 20'000);
     window.hide();
     const auto caller = Call();
     QTRY_VERIFY(window.isVisible());
-    QCOMPARE(traces.Count(s_called), qsizetype(silent.size() + 1));
+    QCOMPARE(traces.Count(kCalled), qsizetype(silent.size() + 1));
 }
 
-void TstTcpServerLoad::floodCostsItsBound()
+void TestTcpServerLoad::floodCostsItsBound()
 {
     NEED_PORT();
     QDialog window;
@@ -153,21 +153,21 @@ void TstTcpServerLoad::floodCostsItsBound()
     const TCPServer server(&window);
     constexpr qint64 gibibyte = 1LL << 30U;
     for (int flood = 0; flood < 3; ++flood) {
-        const std::size_t before = s_bytesAllocated;
-        Flood stranger(LinkPort::s_number, gibibyte);
+        const std::size_t before = kBytesAllocated;
+        Flood stranger(LinkPort::kNumber, gibibyte);
         QTRY_VERIFY(stranger.Unsent() < gibibyte); // it has begun
         QTRY_COMPARE_WITH_TIMEOUT(stranger.socket.state(), QAbstractSocket::UnconnectedState, 30'000);
         // Every buffer is kept for good, so this is what one peer costs for good.
-        QVERIFY(s_bytesAllocated - before >= CInterfaceCreator::MaximumBytesPerCall);
-        QVERIFY2(s_bytesAllocated - before < CInterfaceCreator::MaximumBytesPerCall + 4096,
-                 QByteArray::number(quint64(s_bytesAllocated - before)).constData());
+        QVERIFY(kBytesAllocated - before >= CInterfaceCreator::MaximumBytesPerCall);
+        QVERIFY2(kBytesAllocated - before < CInterfaceCreator::MaximumBytesPerCall + 4096,
+                 QByteArray::number(quint64(kBytesAllocated - before)).constData());
     }
     window.hide();
     const auto caller = Call();
     QTRY_VERIFY(window.isVisible());
 }
 
-void TstTcpServerLoad::randomBytesOnlyRaiseTheDialog()
+void TestTcpServerLoad::randomBytesOnlyRaiseTheDialog()
 {
     NEED_PORT();
     QDialog window;
@@ -182,14 +182,14 @@ void TstTcpServerLoad::randomBytesOnlyRaiseTheDialog()
         const auto caller = Call();
         caller->write(bytes);
         caller->disconnectFromHost();
-        QTRY_COMPARE(traces.Count(s_closed), call);
+        QTRY_COMPARE(traces.Count(kClosed), call);
         QVERIFY(window.isVisible());
         QCOMPARE(caller->bytesAvailable(), 0);
     }
-    QCOMPARE(traces.Count(s_called), 50);
+    QCOMPARE(traces.Count(kCalled), 50);
 }
 
-void TstTcpServerLoad::nothingIsLeftOpen()
+void TestTcpServerLoad::nothingIsLeftOpen()
 {
     NEED_PORT();
     QDialog window;
@@ -204,11 +204,11 @@ void TstTcpServerLoad::nothingIsLeftOpen()
             if (call % 4 == 0)
                 callers.back()->disconnectFromHost();
         }
-        QTRY_COMPARE_WITH_TIMEOUT(traces.Count(s_called), 100, 30'000);
+        QTRY_COMPARE_WITH_TIMEOUT(traces.Count(kCalled), 100, 30'000);
     }
     // The server has gone with some of them there.
     QTRY_COMPARE(System::OpenHandles(), before);
 }
 
-QTEST_MAIN(TstTcpServerLoad)
+QTEST_MAIN(TestTcpServerLoad)
 #include "tst_tcpserverload.moc"

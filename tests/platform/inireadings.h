@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/initext.h"
+#include "platform/config/initext.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -60,10 +60,10 @@ inline std::optional<QString> TextOf(const QVariant& value)
 /// To Qt's own settings.
 inline std::optional<Values> Theirs(const QByteArray& text)
 {
-    static const QTemporaryDir s_folder;
+    static const QTemporaryDir kFolder;
     static int s_files = 0;
     // Never the same name twice: what is read of a file is remembered.
-    const QString path = s_folder.filePath(QString::number(++s_files));
+    const QString path = kFolder.filePath(QString::number(++s_files));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
         qFatal("There is no room for a copy: %s", qPrintable(file.errorString()));

@@ -59,7 +59,7 @@ void AddAwkwardNames(qsizetype longest)
 } // namespace
 
 /// What callers see of the configuration, in memory and after a new start.
-class tst_CfgCenter : public QObject
+class TestCfgCenter : public QObject
 {
     Q_OBJECT
 
@@ -515,5 +515,5 @@ private:
     std::optional<QTemporaryDir> m_store;
 };
 
-QTEST_GUILESS_MAIN(tst_CfgCenter)
+QTEST_GUILESS_MAIN(TestCfgCenter)
 #include "tst_cfgcenter.moc"

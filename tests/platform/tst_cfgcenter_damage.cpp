@@ -33,7 +33,7 @@ public:
 } // namespace
 
 /// A document that cannot be read when it is first asked for.
-class tst_CfgCenterDamage : public QObject
+class TestCfgCenterDamage : public QObject
 {
     Q_OBJECT
 
@@ -278,7 +278,7 @@ private slots:
         QVERIFY(notices.lines.isEmpty());
     }
 
-    void aFolderInThePlaceIsKeptAside()
+    void aFolderInThePlaceIsQuarantined()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -294,7 +294,7 @@ private slots:
     }
 
     // A version is shown, and what is in the file cannot be lost.
-    void whatCannotBeKeptAsideIsNeverReplaced()
+    void whatCannotBeQuarantinedIsNeverReplaced()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -391,5 +391,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(tst_CfgCenterDamage)
+QTEST_GUILESS_MAIN(TestCfgCenterDamage)
 #include "tst_cfgcenter_damage.moc"

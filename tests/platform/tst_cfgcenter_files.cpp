@@ -42,7 +42,7 @@ std::optional<QByteArray> ReadFile(const QString& path)
 } // namespace
 
 /// What becomes of the store's files: when they are written, when not, and what is done about bad ones.
-class tst_CfgCenterFiles : public QObject
+class TestCfgCenterFiles : public QObject
 {
     Q_OBJECT
 
@@ -103,17 +103,17 @@ private slots:
     void openToLookMakesAndWritesNothing()
     {
         const QString missing = m_store->filePath(QStringLiteral("not/there"));
-        QVERIFY(!CfgCenter::OpenToLook(missing));
+        QVERIFY(!CfgCenter::OpenReadOnly(missing));
         QVERIFY(!QFile::exists(missing));
         QCOMPARE(CfgCenter::Directory(), QString());
-        QVERIFY(!CfgCenter::OpenToLook(QString()));
+        QVERIFY(!CfgCenter::OpenReadOnly(QString()));
         QCOMPARE(CfgCenter::Directory(), QString());
 
         QVERIFY(CfgCenter::Open(m_store->path()));
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
         const QDateTime changed = QFileInfo(m_store->path()).lastModified();
-        QVERIFY(CfgCenter::OpenToLook(m_store->path()));
+        QVERIFY(CfgCenter::OpenReadOnly(m_store->path()));
         QCOMPARE(QFileInfo(m_store->path()).lastModified(), changed);
         QCOMPARE(CfgCenter::Directory(), m_store->path());
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
@@ -273,7 +273,7 @@ private slots:
         QVERIFY(QFile::exists(DocumentFile()));
     }
 
-    void whatIsNoFileIsKeptAside()
+    void whatIsNoFileIsQuarantined()
     {
         QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral("/inside")));
         const TraceRecorder traces;
@@ -291,7 +291,7 @@ private slots:
     }
 
     // The working copy still knows what was stored, and it is saved again as if the document were damaged.
-    void whatTakesThePlaceLaterIsKeptAside()
+    void whatTakesThePlaceLaterIsQuarantined()
     {
         Child(kOther)->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -328,7 +328,7 @@ private slots:
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
         const auto before = ReadFile(DocumentFile());
-        QVERIFY(CfgCenter::OpenToLook(m_store->path()));
+        QVERIFY(CfgCenter::OpenReadOnly(m_store->path()));
         QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
         QVERIFY(CfgCenter::SaveDocument()); // nothing to save
@@ -337,7 +337,7 @@ private slots:
         QCOMPARE(ReadFile(DocumentFile()), before);
 
         QVERIFY(Files::Write(DocumentFile(), "damage"));
-        QVERIFY(CfgCenter::OpenToLook(m_store->path()));
+        QVERIFY(CfgCenter::OpenReadOnly(m_store->path()));
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
         QCOMPARE(ReadFile(DocumentFile()), std::optional(QByteArray("damage")));
@@ -363,7 +363,7 @@ private slots:
         QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
     }
 
-    void damagedFilesAreKeptAside_data()
+    void damagedFilesAreQuarantined_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("a line that says nothing") << QByteArray("[General]\nKey=Value\nKey\n");
@@ -377,7 +377,7 @@ private slots:
                                                  "ELF\x02\x01\x01\n\xde\xad\xbe\xef");
         QTest::newRow("another format") << QByteArray("<?xml version='1.0'?>\n<Key>\nValue\n</Key>\n");
     }
-    void damagedFilesAreKeptAside()
+    void damagedFilesAreQuarantined()
     {
         QFETCH(QByteArray, content);
         QVERIFY(Files::Write(DocumentFile(), content));
@@ -415,7 +415,7 @@ private slots:
     }
 
     // The working copy still knows what was in the file: it comes back whole, not just what was changed.
-    void fileDamagedMeanwhileIsKeptAsideAndMended()
+    void fileDamagedMeanwhileIsQuarantinedAndMended()
     {
         Document()->SetString(kKey, kValue, 0);
         Child(kOther)->SetString(kKey, kValue, 0);
@@ -614,5 +614,5 @@ private:
     std::optional<QTemporaryDir> m_store;
 };
 
-QTEST_GUILESS_MAIN(tst_CfgCenterFiles)
+QTEST_GUILESS_MAIN(TestCfgCenterFiles)
 #include "tst_cfgcenter_files.moc"

@@ -31,7 +31,7 @@ std::unique_ptr<ICfg> Child(const QString& name)
 } // namespace
 
 /// Several processes on one store.
-class tst_CfgCenterProcesses : public QObject
+class TestCfgCenterProcesses : public QObject
 {
     Q_OBJECT
 
@@ -204,8 +204,8 @@ private:
 
     static bool IsDone(QProcess& process)
     {
-        constexpr int kPatienceMs = 120000;
-        if (process.state() != QProcess::NotRunning && !process.waitForFinished(kPatienceMs))
+        constexpr int kTimeoutMs = 120000;
+        if (process.state() != QProcess::NotRunning && !process.waitForFinished(kTimeoutMs))
             return false;
         return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     }
@@ -245,5 +245,5 @@ private:
     std::optional<QTemporaryDir> m_root;
 };
 
-QTEST_GUILESS_MAIN(tst_CfgCenterProcesses)
+QTEST_GUILESS_MAIN(TestCfgCenterProcesses)
 #include "tst_cfgcenter_processes.moc"

@@ -40,7 +40,7 @@ private:
 
 /// Documents among what only the file systems of Unix have for everybody: symbolic links, and rights that hold for the
 /// owner as well.
-class tst_CfgCenterUnix : public QObject
+class TestCfgCenterUnix : public QObject
 {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ private slots:
     void init() { m_store.emplace(); }
     void cleanup() { m_store.reset(); }
 
-    void aFileThatMayNotBeReadIsKeptAside()
+    void aFileThatMayNotBeReadIsQuarantined()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -249,5 +249,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(tst_CfgCenterUnix)
+QTEST_GUILESS_MAIN(TestCfgCenterUnix)
 #include "tst_cfgcenter_unix.moc"

@@ -15,7 +15,7 @@ class Holder
 {
 public:
     explicit Holder(const QString& file, DWORD sharing = FILE_SHARE_READ)
-        : m_Handle(CreateFileW(file.toStdWString().c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr))
+        : m_handle(CreateFileW(file.toStdWString().c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr))
     {
     }
     ~Holder() { LetGo(); }
@@ -23,22 +23,22 @@ public:
     Holder(const Holder&) = delete;
     Holder& operator=(const Holder&) = delete;
 
-    bool Holds() const { return m_Handle != INVALID_HANDLE_VALUE; }
+    bool Holds() const { return m_handle != INVALID_HANDLE_VALUE; }
     void LetGo()
     {
         if (Holds())
-            CloseHandle(m_Handle);
-        m_Handle = INVALID_HANDLE_VALUE;
+            CloseHandle(m_handle);
+        m_handle = INVALID_HANDLE_VALUE;
     }
 
 private:
-    HANDLE m_Handle;
+    HANDLE m_handle;
 };
 
 } // namespace
 
 /// Documents where other programs can keep a file from being replaced or read.
-class tst_CfgCenterWindows : public QObject
+class TestCfgCenterWindows : public QObject
 {
     Q_OBJECT
 
@@ -116,5 +116,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(tst_CfgCenterWindows)
+QTEST_GUILESS_MAIN(TestCfgCenterWindows)
 #include "tst_cfgcenter_windows.moc"

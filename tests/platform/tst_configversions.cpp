@@ -42,7 +42,7 @@ bool SetTime(const QString& path, const QDateTime& time)
 
 } // namespace
 
-class tst_ConfigVersions : public QObject
+class TestConfigVersions : public QObject
 {
     Q_OBJECT
 
@@ -400,10 +400,10 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         QVERIFY(Files::Write(m_store->Document(), "damage"));
-        QString keptAside;
-        QVERIFY(Versions().Restore(Versions().List().front(), &keptAside));
+        QString quarantined;
+        QVERIFY(Versions().Restore(Versions().List().front(), &quarantined));
         QCOMPARE(m_store->Aside().size(), 1);
-        QCOMPARE(keptAside, m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front());
+        QCOMPARE(quarantined, m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front());
         QCOMPARE(Files::Read(m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front()),
                  QByteArray("damage"));
         QCOMPARE(Numbers(), QList<int>({1}));
@@ -450,5 +450,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(tst_ConfigVersions)
+QTEST_GUILESS_MAIN(TestConfigVersions)
 #include "tst_configversions.moc"

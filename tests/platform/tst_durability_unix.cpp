@@ -10,7 +10,7 @@
 #include <optional>
 
 /// Whether what is saved outlasts a loss of power: as far as the system is asked for that, in the right order.
-class tst_Durability : public QObject
+class TestDurability : public QObject
 {
     Q_OBJECT
 
@@ -65,5 +65,5 @@ private:
     std::optional<QTemporaryDir> m_root;
 };
 
-QTEST_GUILESS_MAIN(tst_Durability)
+QTEST_GUILESS_MAIN(TestDurability)
 #include "tst_durability_unix.moc"

@@ -54,7 +54,7 @@ struct Report
 
 } // namespace
 
-class tst_ErrorHandler : public QObject
+class TestErrorHandler : public QObject
 {
     Q_OBJECT
 
@@ -246,5 +246,5 @@ private:
     unsigned m_mask = 0;
 };
 
-QTEST_GUILESS_MAIN(tst_ErrorHandler)
+QTEST_GUILESS_MAIN(TestErrorHandler)
 #include "tst_errorhandler.moc"

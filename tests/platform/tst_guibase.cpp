@@ -11,7 +11,7 @@
 #include <memory>
 #include <optional>
 
-class tst_GuiBase : public QObject
+class TestGuiBase : public QObject
 {
     Q_OBJECT
 
@@ -188,5 +188,5 @@ private:
     std::optional<QTemporaryDir> m_store;
 };
 
-QTEST_MAIN(tst_GuiBase)
+QTEST_MAIN(TestGuiBase)
 #include "tst_guibase.moc"

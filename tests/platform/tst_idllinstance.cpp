@@ -3,7 +3,7 @@
 #include <QTest>
 
 /// An instance that takes the base as it is.
-class tst_IDllInstance : public QObject
+class TestIDllInstance : public QObject
 {
     Q_OBJECT
 
@@ -54,5 +54,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_IDllInstance)
+QTEST_GUILESS_MAIN(TestIDllInstance)
 #include "tst_idllinstance.moc"

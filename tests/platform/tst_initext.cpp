@@ -1,4 +1,4 @@
-#include "platform/initext.h"
+#include "platform/config/initext.h"
 #include "tests/platform/inireadings.h"
 
 #include <QDateTime>
@@ -81,7 +81,7 @@ constexpr std::array kPieces = {"[",
 } // namespace
 
 /// The text of a document beside what the toolkit's own settings make of it.
-class tst_IniText : public QObject
+class TestIniText : public QObject
 {
     Q_OBJECT
 
@@ -299,5 +299,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_IniText)
+QTEST_GUILESS_MAIN(TestIniText)
 #include "tst_initext.moc"

@@ -1,6 +1,6 @@
 #include "platform/instancelock.h"
 
-#include "platform/heldfile.h"
+#include "files/filelock.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
 
@@ -17,14 +17,14 @@
 
 namespace {
 
-const QString s_hold = QStringLiteral("--hold");
-const QString s_holdWithChild = QStringLiteral("--hold-with-child");
+const QString kHold = QStringLiteral("--hold");
+const QString kHoldWithChild = QStringLiteral("--hold-with-child");
 
 /// This program again, in a process of its own that holds the lock of a directory until it is killed.
 class Owner
 {
 public:
-    explicit Owner(const QString& directory, const QString& how = s_hold)
+    explicit Owner(const QString& directory, const QString& how = kHold)
     {
         process.start(QCoreApplication::applicationFilePath(), {how, directory});
     }
@@ -55,7 +55,7 @@ QString LockFile(const QTemporaryDir& directory)
 /// The number of the process that works on `directory`; 0 where the file does not say. -1: none works there.
 qint64 OwnerOf(const QString& directory)
 {
-    const InstanceLock::Owner owner = InstanceLock::Look(directory);
+    const InstanceLock::Owner owner = InstanceLock::Query(directory);
     return owner.state == InstanceLock::State::Nobody ? -1 : owner.process;
 }
 
@@ -66,53 +66,53 @@ class TestInstanceLock : public QObject
     Q_OBJECT
 
 private slots:
-    void OneTakesAndGivesBack();
-    void MakesTheDirectory();
-    void AnotherProcessIsRefused();
-    void ADeadOwnerIsSucceeded();
-    void ANumberThatBelongsToAnotherHostByNow();
-    void ADeadOwnerWithTheOwnNumber();
-    void AChildThatOutlivesTheOwnerHoldsNothing();
-    void AFileThatSaysNothing_data();
-    void AFileThatSaysNothing();
-    void AnOwnerOnAnotherMachine_data();
-    void AnOwnerOnAnotherMachine();
-    void AMachineOfAnotherNameByNow();
-    void AnOwnerThatDoesNotSayWhoItIs();
-    void ManyAtOnce();
-    void UnusableDirectories_data();
-    void UnusableDirectories();
-    void LookingDoesNotDisturb();
-    void LookingRemovesNothing();
-    void OtherDirectoriesAreFree();
+    void oneTakesAndGivesBack();
+    void makesTheDirectory();
+    void anotherProcessIsRefused();
+    void aDeadOwnerIsSucceeded();
+    void aNumberThatBelongsToAnotherHostByNow();
+    void aDeadOwnerWithTheOwnNumber();
+    void aChildThatOutlivesTheOwnerHoldsNothing();
+    void aFileThatSaysNothing_data();
+    void aFileThatSaysNothing();
+    void anOwnerOnAnotherMachine_data();
+    void anOwnerOnAnotherMachine();
+    void aMachineOfAnotherNameByNow();
+    void anOwnerThatDoesNotSayWhoItIs();
+    void manyAtOnce();
+    void unusableDirectories_data();
+    void unusableDirectories();
+    void lookingDoesNotDisturb();
+    void lookingRemovesNothing();
+    void otherDirectoriesAreFree();
 };
 
-void TestInstanceLock::OneTakesAndGivesBack()
+void TestInstanceLock::oneTakesAndGivesBack()
 {
     const QTemporaryDir directory;
     {
         InstanceLock lock;
-        QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+        QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
         QCOMPARE(lock.ErrorText(), QString());
         QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
         InstanceLock second;
-        QCOMPARE(second.Take(directory.path()), InstanceLock::Result::Held);
+        QCOMPARE(second.TryLock(directory.path()), InstanceLock::Result::Busy);
     }
     QCOMPARE(OwnerOf(directory.path()), -1);
     // Nothing stays behind.
     QVERIFY(QDir(directory.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     InstanceLock again;
-    QCOMPARE(again.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(again.TryLock(directory.path()), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::MakesTheDirectory()
+void TestInstanceLock::makesTheDirectory()
 {
     const QTemporaryDir directory;
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.filePath(QStringLiteral("not/yet/there"))), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.filePath(QStringLiteral("not/yet/there"))), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::AnotherProcessIsRefused()
+void TestInstanceLock::anotherProcessIsRefused()
 {
     const QTemporaryDir directory;
     Owner owner(directory.path());
@@ -120,7 +120,7 @@ void TestInstanceLock::AnotherProcessIsRefused()
     const QByteArray before = Files::Read(LockFile(directory));
 
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Busy);
     // Which process, where, and what to do about it, in one line.
     QVERIFY2(lock.ErrorText().contains(QString::number(owner.process.processId())), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(directory.path())), qPrintable(lock.ErrorText()));
@@ -131,7 +131,7 @@ void TestInstanceLock::AnotherProcessIsRefused()
     QCOMPARE(Files::Read(LockFile(directory)), before);
 }
 
-void TestInstanceLock::ADeadOwnerIsSucceeded()
+void TestInstanceLock::aDeadOwnerIsSucceeded()
 {
     const QTemporaryDir directory;
     Owner owner(directory.path());
@@ -140,11 +140,11 @@ void TestInstanceLock::ADeadOwnerIsSucceeded()
     QVERIFY(QFile::exists(LockFile(directory)));
 
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
     QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
-void TestInstanceLock::ANumberThatBelongsToAnotherHostByNow()
+void TestInstanceLock::aNumberThatBelongsToAnotherHostByNow()
 {
     const QTemporaryDir directory;
     Owner owner(directory.path());
@@ -162,11 +162,11 @@ void TestInstanceLock::ANumberThatBelongsToAnotherHostByNow()
 
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
     QCOMPARE(OwnerOf(elsewhere.path()), other.process.processId());
 }
 
-void TestInstanceLock::ADeadOwnerWithTheOwnNumber()
+void TestInstanceLock::aDeadOwnerWithTheOwnNumber()
 {
     // In a container, where every host is process 1.
     const QTemporaryDir directory;
@@ -179,16 +179,16 @@ void TestInstanceLock::ADeadOwnerWithTheOwnNumber()
 
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::AChildThatOutlivesTheOwnerHoldsNothing()
+void TestInstanceLock::aChildThatOutlivesTheOwnerHoldsNothing()
 {
     const QTemporaryDir directory;
     const QTemporaryDir reports;
     qputenv("VEXEL_TESTCHILD_MODE", "stay");
     qputenv("VEXEL_TESTCHILD_REPORTS", reports.path().toLocal8Bit());
-    Owner owner(directory.path(), s_holdWithChild);
+    Owner owner(directory.path(), kHoldWithChild);
     QVERIFY(owner.Holds());
     QStringList names;
     QTRY_VERIFY(!(names = QDir(reports.path()).entryList({QStringLiteral("*.json")})).isEmpty());
@@ -197,12 +197,12 @@ void TestInstanceLock::AChildThatOutlivesTheOwnerHoldsNothing()
 
     QVERIFY(System::IsProcess(child));
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
     QVERIFY(System::IsProcess(child));
     QVERIFY(System::AskToEnd(child));
 }
 
-void TestInstanceLock::AFileThatSaysNothing_data()
+void TestInstanceLock::aFileThatSaysNothing_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
@@ -210,66 +210,66 @@ void TestInstanceLock::AFileThatSaysNothing_data()
     QTest::newRow("zeroes") << QByteArray(4096, '\0');
 }
 
-void TestInstanceLock::AFileThatSaysNothing()
+void TestInstanceLock::aFileThatSaysNothing()
 {
     QFETCH(const QByteArray, content);
     const QTemporaryDir directory;
     QVERIFY(Files::Write(LockFile(directory), content));
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
     QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
-void TestInstanceLock::AnOwnerOnAnotherMachine_data()
+void TestInstanceLock::anOwnerOnAnotherMachine_data()
 {
     QTest::addColumn<QString>("machine");
     QTest::newRow("plain") << QStringLiteral("elsewhere");
     QTest::newRow("letters") << QStringLiteral("\u5317\u6597-\u00fc");
 }
 
-void TestInstanceLock::AnOwnerOnAnotherMachine()
+void TestInstanceLock::anOwnerOnAnotherMachine()
 {
     QFETCH(const QString, machine);
     const QTemporaryDir directory;
-    HeldFile file;
+    FileLock file;
     QString error;
-    QCOMPARE(file.Take(LockFile(directory), &error), HeldFile::Result::Taken);
+    QCOMPARE(file.TryLock(LockFile(directory), &error), FileLock::Result::Locked);
     const QByteArray content = "4711\nvexelhost\n" + machine.toUtf8() + '\n';
     file.Write(content);
 
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Busy);
     QVERIFY2(lock.ErrorText().contains(QStringLiteral("4711 on ") + machine), qPrintable(lock.ErrorText()));
     // It cannot be found out from here whether that process lives, so a person must be able to decide.
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(LockFile(directory))), qPrintable(lock.ErrorText()));
     QCOMPARE(Files::Read(LockFile(directory)), content);
 }
 
-void TestInstanceLock::AMachineOfAnotherNameByNow()
+void TestInstanceLock::aMachineOfAnotherNameByNow()
 {
     const QTemporaryDir directory;
     QVERIFY(Files::Write(LockFile(directory), "1\nvexelhost\nits-earlier-name\n"));
     QCOMPARE(OwnerOf(directory.path()), -1);
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::AnOwnerThatDoesNotSayWhoItIs()
+void TestInstanceLock::anOwnerThatDoesNotSayWhoItIs()
 {
     // As one on a full disk.
     const QTemporaryDir directory;
-    HeldFile file;
+    FileLock file;
     QString error;
-    QCOMPARE(file.Take(LockFile(directory), &error), HeldFile::Result::Taken);
+    QCOMPARE(file.TryLock(LockFile(directory), &error), FileLock::Result::Locked);
     QCOMPARE(OwnerOf(directory.path()), 0);
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Held);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Busy);
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(directory.path())), qPrintable(lock.ErrorText()));
     QVERIFY2(!lock.ErrorText().contains(QLatin1String("process")), qPrintable(lock.ErrorText()));
 }
 
-void TestInstanceLock::ManyAtOnce()
+void TestInstanceLock::manyAtOnce()
 {
     const QTemporaryDir directory;
     // What a killed one left, which all of them find.
@@ -281,7 +281,7 @@ void TestInstanceLock::ManyAtOnce()
     QCOMPARE(holders, 1);
 }
 
-void TestInstanceLock::UnusableDirectories_data()
+void TestInstanceLock::unusableDirectories_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("blocker");
@@ -294,7 +294,7 @@ void TestInstanceLock::UnusableDirectories_data()
     QTest::newRow("a link in the lock's place") << QStringLiteral("link") << QString();
 }
 
-void TestInstanceLock::UnusableDirectories()
+void TestInstanceLock::unusableDirectories()
 {
     QFETCH(const QString, path);
     QFETCH(const QString, blocker);
@@ -314,14 +314,14 @@ void TestInstanceLock::UnusableDirectories()
 
     InstanceLock lock;
     const QString full = path.isEmpty() ? QString() : directory.filePath(path);
-    QCOMPARE(lock.Take(full), InstanceLock::Result::Unusable);
+    QCOMPARE(lock.TryLock(full), InstanceLock::Result::Unusable);
     QVERIFY2(lock.ErrorText().contains(QLatin1String("cannot be used")), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(full), qPrintable(lock.ErrorText()));
     QCOMPARE(OwnerOf(full), -1);
     QCOMPARE(Files::Read(directory.filePath(QStringLiteral("file"))), QByteArray("content"));
 }
 
-void TestInstanceLock::LookingDoesNotDisturb()
+void TestInstanceLock::lookingDoesNotDisturb()
 {
     const QTemporaryDir directory;
     const QString missing = directory.filePath(QStringLiteral("missing"));
@@ -329,14 +329,14 @@ void TestInstanceLock::LookingDoesNotDisturb()
     QVERIFY(!QFile::exists(missing));
 
     InstanceLock lock;
-    QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+    QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
     for (int i = 0; i < 3; ++i)
         QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
     InstanceLock second;
-    QCOMPARE(second.Take(directory.path()), InstanceLock::Result::Held);
+    QCOMPARE(second.TryLock(directory.path()), InstanceLock::Result::Busy);
 }
 
-void TestInstanceLock::LookingRemovesNothing()
+void TestInstanceLock::lookingRemovesNothing()
 {
     const QTemporaryDir directory;
     const QByteArray content = "999999\nvexelhost\n" + QSysInfo::machineHostName().toUtf8() + '\n';
@@ -353,14 +353,14 @@ void TestInstanceLock::LookingRemovesNothing()
     QCOMPARE(QDir(directory.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
 }
 
-void TestInstanceLock::OtherDirectoriesAreFree()
+void TestInstanceLock::otherDirectoriesAreFree()
 {
     const QTemporaryDir one;
     const QTemporaryDir other;
     InstanceLock first;
     InstanceLock second;
-    QCOMPARE(first.Take(one.path()), InstanceLock::Result::Taken);
-    QCOMPARE(second.Take(other.path()), InstanceLock::Result::Taken);
+    QCOMPARE(first.TryLock(one.path()), InstanceLock::Result::Locked);
+    QCOMPARE(second.TryLock(other.path()), InstanceLock::Result::Locked);
 }
 
 namespace {
@@ -368,7 +368,7 @@ namespace {
 int Hold(const QString& directory, bool withChild)
 {
     InstanceLock lock;
-    const bool isTaken = lock.Take(directory) == InstanceLock::Result::Taken;
+    const bool isTaken = lock.TryLock(directory) == InstanceLock::Result::Locked;
     if (withChild)
         QProcess::startDetached(QStringLiteral(VEXEL_TESTCHILD), {});
     std::puts(isTaken ? "taken" : "not taken");
@@ -382,8 +382,8 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 3 && arguments.at(1).startsWith(s_hold))
-        return Hold(arguments.at(2), arguments.at(1) == s_holdWithChild);
+    if (arguments.size() == 3 && arguments.at(1).startsWith(kHold))
+        return Hold(arguments.at(2), arguments.at(1) == kHoldWithChild);
     TestInstanceLock test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -14,7 +14,7 @@
 
 namespace {
 
-bool g_HasLocks = true;
+bool g_hasLocks = true;
 
 } // namespace
 
@@ -25,7 +25,7 @@ extern "C" [[gnu::visibility("default")]] int fcntl(int descriptor, int command,
     va_start(arguments, command);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (!g_HasLocks && (command == F_OFD_SETLK || command == F_OFD_GETLK)) {
+    if (!g_hasLocks && (command == F_OFD_SETLK || command == F_OFD_GETLK)) {
         errno = ENOLCK;
         return -1;
     }
@@ -38,28 +38,28 @@ class TestInstanceLockUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void AFileSystemWithoutLocks()
+    void aFileSystemWithoutLocks()
     {
-        const auto again = qScopeGuard([] { g_HasLocks = true; });
+        const auto again = qScopeGuard([] { g_hasLocks = true; });
         const QTemporaryDir directory;
         {
             InstanceLock lock;
-            QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+            QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
             QCOMPARE(lock.Warning(), QString());
         }
         // The host works there, but says that it is not alone for certain.
-        g_HasLocks = false;
+        g_hasLocks = false;
         InstanceLock lock;
-        QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+        QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
         QCOMPARE(lock.ErrorText(), QString());
         QVERIFY2(lock.Warning().contains(directory.path()), qPrintable(lock.Warning()));
-        QCOMPARE(InstanceLock::Look(directory.path()).state, InstanceLock::State::Unknown);
+        QCOMPARE(InstanceLock::Query(directory.path()).state, InstanceLock::State::Unknown);
         InstanceLock second;
-        QCOMPARE(second.Take(directory.path()), InstanceLock::Result::Taken);
+        QCOMPARE(second.TryLock(directory.path()), InstanceLock::Result::Locked);
         QVERIFY(!second.Warning().isEmpty());
     }
 
-    void AnotherUserLooks()
+    void anotherUserLooks()
     {
         if (::geteuid() != 0)
             QSKIP("Only an administrator can be somebody else");
@@ -69,11 +69,11 @@ private slots:
         constexpr uid_t nobody = 65534;
         const auto look = [&] {
             const auto back = qScopeGuard([] { [[maybe_unused]] const int result = ::seteuid(0); });
-            return ::seteuid(nobody) == 0 ? InstanceLock::Look(directory.path()) : InstanceLock::Owner{};
+            return ::seteuid(nobody) == 0 ? InstanceLock::Query(directory.path()) : InstanceLock::Owner{};
         };
         {
             InstanceLock lock;
-            QCOMPARE(lock.Take(directory.path()), InstanceLock::Result::Taken);
+            QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
             QCOMPARE(look().state, InstanceLock::State::Somebody);
             QCOMPARE(look().process, QCoreApplication::applicationPid());
         }

@@ -46,7 +46,7 @@ std::optional<int> NumberIn(ICfg* root)
 
 } // namespace
 
-class tst_SaveKills : public QObject
+class TestSaveKills : public QObject
 {
     Q_OBJECT
 
@@ -182,5 +182,5 @@ private:
     int m_inReplace = 0;
 };
 
-QTEST_GUILESS_MAIN(tst_SaveKills)
+QTEST_GUILESS_MAIN(TestSaveKills)
 #include "tst_savekills.moc"

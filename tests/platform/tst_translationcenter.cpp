@@ -15,7 +15,7 @@ QString Shown()
 
 } // namespace
 
-class tst_TranslationCenter : public QObject
+class TestTranslationCenter : public QObject
 {
     Q_OBJECT
 
@@ -157,7 +157,7 @@ int main(int argc, char* argv[])
     int result = 0;
     {
         const QCoreApplication application(argc, argv);
-        tst_TranslationCenter test;
+        TestTranslationCenter test;
         result = QTest::qExec(&test, argc, argv);
         TranslationCenter::Instance().Register(kDomain);
         TranslationCenter::Instance().Register(QStringLiteral("StaysRegistered"));

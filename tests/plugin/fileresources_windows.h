@@ -16,17 +16,17 @@ class FileResources
 {
 public:
     explicit FileResources(const QString& file)
-        : m_File(file.toStdWString())
-        , m_Module(LoadLibraryExW(m_File.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE))
+        : m_file(file.toStdWString())
+        , m_module(LoadLibraryExW(m_file.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE))
     {
-        if (!m_Module)
+        if (!m_module)
             throw std::runtime_error("there is no such file, or it is none of Windows'");
         DWORD ignored = 0;
-        m_Version.resize(GetFileVersionInfoSizeW(m_File.c_str(), &ignored));
-        if (!GetFileVersionInfoW(m_File.c_str(), 0, static_cast<DWORD>(m_Version.size()), m_Version.data()))
-            m_Version.clear();
+        m_version.resize(GetFileVersionInfoSizeW(m_file.c_str(), &ignored));
+        if (!GetFileVersionInfoW(m_file.c_str(), 0, static_cast<DWORD>(m_version.size()), m_version.data()))
+            m_version.clear();
     }
-    ~FileResources() { FreeLibrary(m_Module); }
+    ~FileResources() { FreeLibrary(m_module); }
 
     FileResources(const FileResources&) = delete;
     FileResources& operator=(const FileResources&) = delete;
@@ -59,7 +59,7 @@ public:
     {
         QList<int> ids;
         EnumResourceNamesW(
-            m_Module, type,
+            m_module, type,
             [](HMODULE, LPCWSTR, LPWSTR name, LONG_PTR list) -> BOOL {
                 const auto id = reinterpret_cast<quintptr>(name);
                 reinterpret_cast<QList<int>*>(list)->append(IS_INTRESOURCE(name) ? static_cast<int>(id) : -1);
@@ -72,18 +72,18 @@ public:
     /// The resource of `type` with the number `id`; empty where there is none.
     QByteArray Content(const wchar_t* type, int id) const
     {
-        const HRSRC resource = FindResourceW(m_Module, MAKEINTRESOURCEW(id), type);
+        const HRSRC resource = FindResourceW(m_module, MAKEINTRESOURCEW(id), type);
         if (!resource)
             return {};
-        return QByteArray(static_cast<const char*>(LockResource(LoadResource(m_Module, resource))),
-                          static_cast<qsizetype>(SizeofResource(m_Module, resource)));
+        return QByteArray(static_cast<const char*>(LockResource(LoadResource(m_module, resource))),
+                          static_cast<qsizetype>(SizeofResource(m_module, resource)));
     }
 
 private:
     const void* VersionValue(const QString& path, UINT* length) const
     {
         void* value = nullptr;
-        if (m_Version.empty() || !VerQueryValueW(m_Version.data(), path.toStdWString().c_str(), &value, length))
+        if (m_version.empty() || !VerQueryValueW(m_version.data(), path.toStdWString().c_str(), &value, length))
             return nullptr;
         return value;
     }
@@ -94,7 +94,7 @@ private:
         return static_cast<const VS_FIXEDFILEINFO*>(VersionValue(QStringLiteral("\\"), &length));
     }
 
-    std::wstring m_File;
-    HMODULE m_Module;
-    std::vector<char> m_Version;
+    std::wstring m_file;
+    HMODULE m_module;
+    std::vector<char> m_version;
 };

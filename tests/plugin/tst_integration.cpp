@@ -78,7 +78,7 @@ QString StoredEntries(const QString& directory)
 } // namespace
 
 /// The example for those who load the plug-in into a program of their own.
-class tst_Integration : public QObject
+class TestIntegration : public QObject
 {
     Q_OBJECT
 
@@ -95,14 +95,14 @@ private slots:
     void whatCannotBeSaved();
 };
 
-void tst_Integration::showsTheDialogAndSaves_data()
+void TestIntegration::showsTheDialogAndSaves_data()
 {
     QTest::addColumn<bool>("byButton");
     QTest::newRow("Close") << true;
     QTest::newRow("title bar") << false;
 }
 
-void tst_Integration::showsTheDialogAndSaves()
+void TestIntegration::showsTheDialogAndSaves()
 {
     QFETCH(const bool, byButton);
     const QTemporaryDir directory;
@@ -124,14 +124,14 @@ void tst_Integration::showsTheDialogAndSaves()
     QVERIFY(QByteArray::fromHex(StoredEntries(directory.path()).toLatin1()).contains("<ConnectionName>"));
 }
 
-void tst_Integration::wrongCommandLine()
+void TestIntegration::wrongCommandLine()
 {
     const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN)});
     QCOMPARE(outcome.code, 1);
     QVERIFY2(outcome.complaint.contains(QLatin1String("usage: ")), qPrintable(outcome.complaint));
 }
 
-void tst_Integration::configurationOfNoUse()
+void TestIntegration::configurationOfNoUse()
 {
     QTemporaryFile notAFolder;
     QVERIFY(notAFolder.open());
@@ -142,7 +142,7 @@ void tst_Integration::configurationOfNoUse()
     }
 }
 
-void tst_Integration::configurationOfAnotherHost()
+void TestIntegration::configurationOfAnotherHost()
 {
     const QTemporaryDir directory;
     s_withTheDialog = [](QWidget* dialog) {
@@ -150,23 +150,23 @@ void tst_Integration::configurationOfAnotherHost()
     };
     {
         InstanceLock other;
-        QCOMPARE(other.Take(directory.path()), InstanceLock::Result::Taken);
+        QCOMPARE(other.TryLock(directory.path()), InstanceLock::Result::Locked);
         const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()});
         QCOMPARE(outcome.code, 2);
         QVERIFY2(outcome.complaint.contains(QLatin1String("another host")), qPrintable(outcome.complaint));
     }
     // And keeps others out while it works there itself.
-    InstanceLock::Result meanwhile = InstanceLock::Result::Taken;
+    InstanceLock::Result meanwhile = InstanceLock::Result::Locked;
     s_withTheDialog = [&](QWidget* dialog) {
         InstanceLock other;
-        meanwhile = other.Take(directory.path());
+        meanwhile = other.TryLock(directory.path());
         dialog->close();
     };
     QCOMPARE(RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()}).code, 0);
-    QCOMPARE(meanwhile, InstanceLock::Result::Held);
+    QCOMPARE(meanwhile, InstanceLock::Result::Busy);
 }
 
-void tst_Integration::plugInOfNoUse_data()
+void TestIntegration::plugInOfNoUse_data()
 {
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<QString>("complaint");
@@ -179,7 +179,7 @@ void tst_Integration::plugInOfNoUse_data()
     QTest::newRow("no dialog") << QStringLiteral(PLUGIN_PLAIN) << QStringLiteral("the plug-in has no connect dialog");
 }
 
-void tst_Integration::plugInOfNoUse()
+void TestIntegration::plugInOfNoUse()
 {
     QFETCH(const QString, plugin);
     QFETCH(const QString, complaint);
@@ -189,13 +189,13 @@ void tst_Integration::plugInOfNoUse()
     QVERIFY2(outcome.complaint.contains(complaint), qPrintable(outcome.complaint));
 }
 
-void tst_Integration::whatCannotBeSaved()
+void TestIntegration::whatCannotBeSaved()
 {
     const QTemporaryDir directory;
     s_withTheDialog = [&](QWidget* dialog) {
         dialog->findChild<QAction*>(QStringLiteral("m_pNewAction"))->trigger();
         // From here on what is stored is only looked at.
-        CfgCenter::OpenToLook(directory.path());
+        CfgCenter::OpenReadOnly(directory.path());
         dialog->close();
     };
     const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN), directory.path()});
@@ -203,5 +203,5 @@ void tst_Integration::whatCannotBeSaved()
     QVERIFY2(outcome.complaint.contains(QLatin1String("could not be saved")), qPrintable(outcome.complaint));
 }
 
-QTEST_APPLESS_MAIN(tst_Integration)
+QTEST_APPLESS_MAIN(TestIntegration)
 #include "tst_integration.moc"

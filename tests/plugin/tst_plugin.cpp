@@ -8,7 +8,7 @@
 #include <QTest>
 
 /// The built plug-in file: a life of it through its exports alone.
-class tst_Plugin : public QObject
+class TestPlugin : public QObject
 {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ private:
     }
 };
 
-void tst_Plugin::livesThroughItsExports()
+void TestPlugin::livesThroughItsExports()
 {
     QLibrary library(QStringLiteral(VEXEL_PLUGIN));
     QVERIFY2(library.load(), qPrintable(library.errorString()));
@@ -54,5 +54,5 @@ void tst_Plugin::livesThroughItsExports()
     CfgCenter::Close();
 }
 
-QTEST_MAIN(tst_Plugin)
+QTEST_MAIN(TestPlugin)
 #include "tst_plugin.moc"

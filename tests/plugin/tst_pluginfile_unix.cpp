@@ -3,7 +3,7 @@
 #include <QTest>
 
 /// The built plug-in file, as the loader sees it.
-class tst_PluginFile : public QObject
+class TestPluginFile : public QObject
 {
     Q_OBJECT
 
@@ -27,5 +27,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_PluginFile)
+QTEST_GUILESS_MAIN(TestPluginFile)
 #include "tst_pluginfile_unix.moc"

@@ -29,7 +29,7 @@ QString SystemFolder()
 } // namespace
 
 /// The built plug-in file, as Windows and whoever looks at its properties see it.
-class tst_PluginFile : public QObject
+class TestPluginFile : public QObject
 {
     Q_OBJECT
 
@@ -67,5 +67,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_PluginFile)
+QTEST_APPLESS_MAIN(TestPluginFile)
 #include "tst_pluginfile_windows.moc"

@@ -52,7 +52,7 @@ QList<QByteArray> ImagesOfResource(const FileResources& resources, int id)
     return images;
 }
 
-const QStringList s_samples{
+const QStringList kSamples{
     QStringLiteral("heroncontrol"),     QStringLiteral("kitealphafinchcontrol"), QStringLiteral("kitebravocontrol"),
     QStringLiteral("kitecobracontrol"), QStringLiteral("kitecontrol"),           QStringLiteral("kitefjordcontrol"),
     QStringLiteral("linnetdfcontrol"),  QStringLiteral("pipitcontrol"),          QStringLiteral("wrendcontrol"),
@@ -61,7 +61,7 @@ const QStringList s_samples{
 } // namespace
 
 /// The built programs, as Windows and whoever looks at their properties see them.
-class tst_ProgramFiles : public QObject
+class TestProgramFiles : public QObject
 {
     Q_OBJECT
 
@@ -80,24 +80,24 @@ private:
     static void addPrograms();
 };
 
-void tst_ProgramFiles::addPrograms()
+void TestProgramFiles::addPrograms()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("host") << QStringLiteral("vexelhost");
     QTest::newRow("starter") << QStringLiteral("kitestarter");
-    for (const QString& name : s_samples)
+    for (const QString& name : kSamples)
         QTest::newRow(qPrintable(name)) << name;
 }
 
 /// No console flashes up.
-void tst_ProgramFiles::windowed()
+void TestProgramFiles::windowed()
 {
     QFETCH(const QString, name);
     const PeFile file(ContentOf(InPrograms(name + QStringLiteral(".exe"))));
     QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_GUI});
 }
 
-void tst_ProgramFiles::version_data()
+void TestProgramFiles::version_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("description");
@@ -105,7 +105,7 @@ void tst_ProgramFiles::version_data()
     QTest::newRow("host") << QStringLiteral("vexelhost.exe") << QStringLiteral("Vexel connect dialog") << VFT_APP;
     QTest::newRow("starter") << QStringLiteral("kitestarter.exe")
                              << QStringLiteral("Starter of the Vexel connect dialog") << VFT_APP;
-    for (const QString& name : s_samples) {
+    for (const QString& name : kSamples) {
         QTest::newRow(qPrintable(name)) << QString(name + QStringLiteral(".exe"))
                                         << QStringLiteral("Sample application of the Vexel product") << VFT_APP;
     }
@@ -113,7 +113,7 @@ void tst_ProgramFiles::version_data()
                                       << QStringLiteral("Services of the Vexel product") << VFT_DLL;
 }
 
-void tst_ProgramFiles::version()
+void TestProgramFiles::version()
 {
     QFETCH(const QString, file);
     QFETCH(const QString, description);
@@ -128,7 +128,7 @@ void tst_ProgramFiles::version()
 }
 
 /// How it wants to be run: Windows reads the one with the number 1.
-void tst_ProgramFiles::manifest()
+void TestProgramFiles::manifest()
 {
     QFETCH(const QString, name);
     const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
@@ -153,7 +153,7 @@ void tst_ProgramFiles::manifest()
 }
 
 /// Folders show the icon of the lowest number; it is the committed one in all its sizes.
-void tst_ProgramFiles::icon()
+void TestProgramFiles::icon()
 {
     QFETCH(const QString, name);
     const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
@@ -165,11 +165,11 @@ void tst_ProgramFiles::icon()
 }
 
 /// Where it complains is where it was started from.
-void tst_ProgramFiles::exampleHasAConsole()
+void TestProgramFiles::exampleHasAConsole()
 {
     const PeFile file(ContentOf(InPrograms(QStringLiteral("integration.exe"))));
     QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_CUI});
 }
 
-QTEST_APPLESS_MAIN(tst_ProgramFiles)
+QTEST_APPLESS_MAIN(TestProgramFiles)
 #include "tst_programfiles_windows.moc"

@@ -20,7 +20,7 @@
 #include <memory>
 
 /// One instance of the plug-in, from `ARCreateEx` to `ARDestroy`.
-class tst_VexelConnectDlg : public QObject
+class TestVexelConnectDlg : public QObject
 {
     Q_OBJECT
 
@@ -85,13 +85,13 @@ private:
     }
 };
 
-void tst_VexelConnectDlg::destroyingNothingDoesNothing()
+void TestVexelConnectDlg::destroyingNothingDoesNothing()
 {
     ARDestroy(nullptr);
     QVERIFY(!FindDialog());
 }
 
-void tst_VexelConnectDlg::buildsEverythingHidden()
+void TestVexelConnectDlg::buildsEverythingHidden()
 {
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
     QVERIFY(FindDialog());
@@ -105,7 +105,7 @@ void tst_VexelConnectDlg::buildsEverythingHidden()
     QVERIFY(!FindDialog());
 }
 
-void tst_VexelConnectDlg::everyEntryIsFreeWhateverWasStored()
+void TestVexelConnectDlg::everyEntryIsFreeWhateverWasStored()
 {
     StoreTwoEntries();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
@@ -116,7 +116,7 @@ void tst_VexelConnectDlg::everyEntryIsFreeWhateverWasStored()
     ARDestroy(instance);
 }
 
-void tst_VexelConnectDlg::nameReachesTheInstanceAndItsConfiguration()
+void TestVexelConnectDlg::nameReachesTheInstanceAndItsConfiguration()
 {
     // The instance's name is the configuration that may name the mapping file: seen in what the registry could not
     // open.
@@ -142,7 +142,7 @@ void tst_VexelConnectDlg::nameReachesTheInstanceAndItsConfiguration()
     ARDestroy(instance);
 }
 
-void tst_VexelConnectDlg::saveStoresFilterAndEntries()
+void TestVexelConnectDlg::saveStoresFilterAndEntries()
 {
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
     FindModel()->AddConnection(Connection());
@@ -155,7 +155,7 @@ void tst_VexelConnectDlg::saveStoresFilterAndEntries()
     ARDestroy(instance);
 }
 
-void tst_VexelConnectDlg::saveStoresTheFilterFirst()
+void TestVexelConnectDlg::saveStoresTheFilterFirst()
 {
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
     FindDialog()->m_pFilterPatternLineEdit->setText(QStringLiteral("abc"));
@@ -173,7 +173,7 @@ void tst_VexelConnectDlg::saveStoresTheFilterFirst()
     ARDestroy(instance);
 }
 
-void tst_VexelConnectDlg::saveDuringTheBoxOfAFailedImportStoresTheOldEntries()
+void TestVexelConnectDlg::saveDuringTheBoxOfAFailedImportStoresTheOldEntries()
 {
     StoreTwoEntries();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
@@ -200,7 +200,7 @@ void tst_VexelConnectDlg::saveDuringTheBoxOfAFailedImportStoresTheOldEntries()
     QCOMPARE(StoredEntries(), QString::fromLatin1(entries.toHex()));
 }
 
-void tst_VexelConnectDlg::registersItsTranslationsAndTakesThemBack()
+void TestVexelConnectDlg::registersItsTranslationsAndTakesThemBack()
 {
     TranslationCenter::Instance().SetDirectory(QStringLiteral(VEXEL_TRANSLATIONS));
     TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
@@ -216,7 +216,7 @@ void tst_VexelConnectDlg::registersItsTranslationsAndTakesThemBack()
     TranslationCenter::Instance().SetLocale(QLocale::c());
 }
 
-void tst_VexelConnectDlg::destroyStoresFilterAndEntries()
+void TestVexelConnectDlg::destroyStoresFilterAndEntries()
 {
     StoreTwoEntries();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
@@ -241,7 +241,7 @@ void tst_VexelConnectDlg::destroyStoresFilterAndEntries()
     QCOMPARE(StoredEntries(), expected);
 }
 
-void tst_VexelConnectDlg::twoInstancesLiveSideBySide()
+void TestVexelConnectDlg::twoInstancesLiveSideBySide()
 {
     IDllInstance* const first = ARCreateEx(L"first");
     IDllInstance* const second = ARCreateEx(L"second");
@@ -252,7 +252,7 @@ void tst_VexelConnectDlg::twoInstancesLiveSideBySide()
     QVERIFY(!FindDialog());
 }
 
-void tst_VexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
+void TestVexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
 {
     NEED_PORT();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
@@ -260,7 +260,7 @@ void tst_VexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
     const auto windows = QApplication::topLevelWidgets().size();
     for (int call = 0; call < 2; ++call) {
         QTcpSocket starter;
-        starter.connectToHost(QHostAddress(QHostAddress::LocalHost), LinkPort::s_number);
+        starter.connectToHost(QHostAddress(QHostAddress::LocalHost), LinkPort::kNumber);
         QTRY_VERIFY(FindDialog()->isVisible());
         FindDialog()->hide();
     }
@@ -269,5 +269,5 @@ void tst_VexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
     QVERIFY(LinkPort::IsFree());
 }
 
-QTEST_MAIN(tst_VexelConnectDlg)
+QTEST_MAIN(TestVexelConnectDlg)
 #include "tst_vexelconnectdlg.moc"

@@ -36,8 +36,8 @@
 
 namespace {
 
-constexpr int s_applications = 500;
-constexpr int s_roundSeconds = 20;
+constexpr int kApplications = 500;
+constexpr int kRoundSeconds = 20;
 
 QString ReadProcessFile(const QString& path)
 {
@@ -73,33 +73,33 @@ class Soak
 {
 public:
     explicit Soak(quint32 randomStart)
-        : m_Random(randomStart)
+        : m_random(randomStart)
     {
         CfgCenter::Open(Path(QStringLiteral("store")));
         CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
-            ->SetString(QStringLiteral("VexelDataDir"), m_Directory.path(), 0);
+            ->SetString(QStringLiteral("VexelDataDir"), m_directory.path(), 0);
         WriteDataDirectory();
-        m_Model = std::make_unique<ConnectionsModel>(nullptr, QStringLiteral("ConnectionsModel"));
+        m_model = std::make_unique<ConnectionsModel>(nullptr, QStringLiteral("ConnectionsModel"));
         Fill();
-        m_AppCounter = std::make_unique<AppCounter>(m_Model.get(), QStringLiteral("VexelConnectDlg"));
-        m_Dialog = std::make_unique<VexelConnectDlgGUI>(nullptr, m_Model.get(), m_AppCounter.get());
-        m_Dialog->show();
-        m_Dialog->m_pDetailsAction->trigger();
-        m_Dialog->m_pFilterAction->trigger();
-        m_Dialog->Export(Path(QStringLiteral("list.xml")));
+        m_appCounter = std::make_unique<AppCounter>(m_model.get(), QStringLiteral("VexelConnectDlg"));
+        m_dialog = std::make_unique<VexelConnectDlgGUI>(nullptr, m_model.get(), m_appCounter.get());
+        m_dialog->show();
+        m_dialog->m_pDetailsAction->trigger();
+        m_dialog->m_pFilterAction->trigger();
+        m_dialog->Export(Path(QStringLiteral("list.xml")));
         // Where no application is free, and where nothing is selected, a box says so.
-        QObject::connect(&m_BoxCloser, &QTimer::timeout, [] {
+        QObject::connect(&m_boxCloser, &QTimer::timeout, [] {
             if (auto* const box = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
                 box->accept();
         });
-        m_BoxCloser.start(20);
+        m_boxCloser.start(20);
     }
 
     ~Soak()
     {
-        m_Dialog.reset();
-        m_Model.reset();
-        m_AppCounter.reset();
+        m_dialog.reset();
+        m_model.reset();
+        m_appCounter.reset();
         CfgCenter::Close();
     }
     Q_DISABLE_COPY_MOVE(Soak)
@@ -110,7 +110,7 @@ public:
         timer.start();
         while (timer.elapsed() < seconds * 1000LL) {
             Act();
-            m_MostInUse = std::max(m_MostInUse, m_Model->CountInUse());
+            m_mostInUse = std::max(m_mostInUse, m_model->CountInUse());
             QCoreApplication::processEvents();
         }
     }
@@ -120,7 +120,7 @@ public:
     {
         QElapsedTimer timer;
         timer.start();
-        while (m_Model->CountInUse() != 0 || !m_AppCounter->Instances().isEmpty() || !Children().isEmpty()) {
+        while (m_model->CountInUse() != 0 || !m_appCounter->Instances().isEmpty() || !Children().isEmpty()) {
             if (timer.elapsed() > 60'000)
                 return false;
             for (const pid_t child : Children())
@@ -134,31 +134,31 @@ public:
     {
         const struct mallinfo2 heap = mallinfo2();
         const QString pages = ReadProcessFile(QStringLiteral("/proc/self/statm")).section(QLatin1Char(' '), 1, 1);
-        return {m_Model->CountInUse(),
-                m_AppCounter->Instances().size(),
+        return {m_model->CountInUse(),
+                m_appCounter->Instances().size(),
                 Children().size(),
                 static_cast<qsizetype>(QDir(QStringLiteral("/proc/self/fd")).count()),
                 static_cast<double>(heap.uordblks + heap.hblkhd) / 1024 / 1024,
                 pages.toDouble() * 4096 / 1024 / 1024};
     }
 
-    qint64 Started() const { return m_Started; }
-    qint64 Actions() const { return m_Actions; }
+    qint64 Started() const { return m_started; }
+    qint64 Actions() const { return m_actions; }
     /// How many entries were in use at the same time.
-    int MostInUse() const { return m_MostInUse; }
-    qint64 Killed() const { return m_Killed; }
+    int MostInUse() const { return m_mostInUse; }
+    qint64 Killed() const { return m_killed; }
 
 private:
-    QString Path(const QString& name) const { return m_Directory.filePath(name); }
-    int Below(int limit) { return static_cast<int>(m_Random.bounded(limit)); }
-    int AnyRow() { return Below(m_Model->rowCount()); }
-    QModelIndex Cell(int row, int column) const { return m_Model->index(row, column); }
+    QString Path(const QString& name) const { return m_directory.filePath(name); }
+    int Below(int limit) { return static_cast<int>(m_random.bounded(limit)); }
+    int AnyRow() { return Below(m_model->rowCount()); }
+    QModelIndex Cell(int row, int column) const { return m_model->index(row, column); }
 
     void WriteDataDirectory() const
     {
         const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/vexel_soakchild");
         QString applications;
-        for (int i = 1; i <= s_applications; ++i)
+        for (int i = 1; i <= kApplications; ++i)
             applications += QStringLiteral("<App%1><Startup><exe>%2</exe></Startup></App%1>").arg(i).arg(program);
         Write(QStringLiteral("CfgVEXEL.xml"),
               QStringLiteral("<CfgVEXEL><Machine>%1</Machine></CfgVEXEL>").arg(applications));
@@ -177,31 +177,31 @@ private:
 
     void Fill()
     {
-        while (m_Model->rowCount() < s_applications) {
+        while (m_model->rowCount() < kApplications) {
             Connection entry;
-            entry.ConnectionName = QStringLiteral("Station %1").arg(m_Model->rowCount());
+            entry.ConnectionName = QStringLiteral("Station %1").arg(m_model->rowCount());
             entry.DriverAddress = QStringLiteral("198.51.100.%1:27061").arg(Below(256));
-            m_Model->AddConnection(entry);
+            m_model->AddConnection(entry);
         }
     }
 
     void Connect(int count)
     {
         for (int i = 0; i < count; ++i) {
-            const Connection entry = m_Model->GetConnection(AnyRow());
-            if (entry.ConnectionStatus == Connection::Free && m_AppCounter->ConnectTo(entry))
-                ++m_Started;
+            const Connection entry = m_model->GetConnection(AnyRow());
+            if (entry.ConnectionStatus == Connection::Free && m_appCounter->ConnectTo(entry))
+                ++m_started;
         }
     }
 
     void ConnectTicked()
     {
         for (int i = 0; i < 10; ++i)
-            m_Model->setData(Cell(AnyRow(), ConnectionsModel::ColumnSelected), true);
-        const int before = m_Model->CountInUse();
-        m_Dialog->SlotConnect();
-        m_Started += std::max(0, m_Model->CountInUse() - before);
-        m_Dialog->show();
+            m_model->setData(Cell(AnyRow(), ConnectionsModel::ColumnSelected), true);
+        const int before = m_model->CountInUse();
+        m_dialog->SlotConnect();
+        m_started += std::max(0, m_model->CountInUse() - before);
+        m_dialog->show();
     }
 
     void KillOne()
@@ -210,7 +210,7 @@ private:
         if (children.isEmpty())
             return;
         kill(children.at(Below(static_cast<int>(children.size()))), Below(2) == 0 ? SIGKILL : SIGTERM);
-        ++m_Killed;
+        ++m_killed;
     }
 
     void Edit()
@@ -219,8 +219,8 @@ private:
                                  ConnectionsModel::ColumnDriverAddress, ConnectionsModel::ColumnSubsystem};
         const int row = AnyRow();
         // Whoever changes an entry that is in use takes it from its application, which frees only what is as it was.
-        if (m_Model->GetConnection(row).ConnectionStatus == Connection::Free) {
-            m_Model->setData(Cell(row, columns[static_cast<std::size_t>(Below(4))]),
+        if (m_model->GetConnection(row).ConnectionStatus == Connection::Free) {
+            m_model->setData(Cell(row, columns[static_cast<std::size_t>(Below(4))]),
                              QStringLiteral("Text %1").arg(Below(100'000)));
         }
     }
@@ -229,18 +229,18 @@ private:
     {
         static const QStringList patterns{QString(), QStringLiteral("7"), QStringLiteral("*1?"),
                                           QStringLiteral("(a+)+b"), QStringLiteral("[")};
-        m_Dialog->m_pRegExpComboBox->setCurrentIndex(Below(3));
-        m_Dialog->m_pFilterPatternLineEdit->setText(patterns.at(Below(static_cast<int>(patterns.size()))));
+        m_dialog->m_pRegExpComboBox->setCurrentIndex(Below(3));
+        m_dialog->m_pFilterPatternLineEdit->setText(patterns.at(Below(static_cast<int>(patterns.size()))));
     }
 
     void Delete()
     {
-        QTreeView* const view = m_Dialog->m_pBasicView;
+        QTreeView* const view = m_dialog->m_pBasicView;
         if (view->model()->rowCount() == 0)
             return;
         view->selectionModel()->select(view->model()->index(Below(view->model()->rowCount()), 0),
                                        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-        m_Dialog->SlotDelete();
+        m_dialog->SlotDelete();
         Fill();
     }
 
@@ -265,7 +265,7 @@ private:
              }},
             {100,
              [this] {
-                 m_Model->setData(Cell(AnyRow(), ConnectionsModel::ColumnSelected), Below(2) == 0);
+                 m_model->setData(Cell(AnyRow(), ConnectionsModel::ColumnSelected), Below(2) == 0);
              }},
             {50,
              [this] {
@@ -273,7 +273,7 @@ private:
              }},
             {20,
              [this] {
-                 m_Dialog->m_pBasicView->sortByColumn(Below(10), static_cast<Qt::SortOrder>(Below(2)));
+                 m_dialog->m_pBasicView->sortByColumn(Below(10), static_cast<Qt::SortOrder>(Below(2)));
              }},
             {20,
              [this] {
@@ -281,37 +281,37 @@ private:
              }},
             {5,
              [this] {
-                 m_Dialog->Export(Path(QStringLiteral("list.xml")));
+                 m_dialog->Export(Path(QStringLiteral("list.xml")));
              }},
             {5,
              [this] {
-                 m_Dialog->Import(Path(QStringLiteral("list.xml")));
+                 m_dialog->Import(Path(QStringLiteral("list.xml")));
              }},
             {5,
              [this] {
-                 m_Model->SetConfiguration();
+                 m_model->SetConfiguration();
                  CfgCenter::SaveDocument();
              }},
         };
         int ticket = Below(925);
         for (const auto& [share, action] : actions) {
             if ((ticket -= share) < 0) {
-                ++m_Actions;
+                ++m_actions;
                 return action();
             }
         }
     }
 
-    QTemporaryDir m_Directory;
-    QRandomGenerator m_Random;
-    QTimer m_BoxCloser;
-    std::unique_ptr<ConnectionsModel> m_Model;
-    std::unique_ptr<AppCounter> m_AppCounter;
-    std::unique_ptr<VexelConnectDlgGUI> m_Dialog;
-    qint64 m_Started = 0;
-    qint64 m_Actions = 0;
-    qint64 m_Killed = 0;
-    int m_MostInUse = 0;
+    QTemporaryDir m_directory;
+    QRandomGenerator m_random;
+    QTimer m_boxCloser;
+    std::unique_ptr<ConnectionsModel> m_model;
+    std::unique_ptr<AppCounter> m_appCounter;
+    std::unique_ptr<VexelConnectDlgGUI> m_dialog;
+    qint64 m_started = 0;
+    qint64 m_actions = 0;
+    qint64 m_killed = 0;
+    int m_mostInUse = 0;
 };
 
 } // namespace
@@ -337,7 +337,7 @@ int main(int argc, char* argv[])
     timer.start();
     // Two rounds at least: in the first everything is laid down that is needed once.
     while (rested && (rounds.size() < 2 || timer.elapsed() < seconds * 1000LL)) {
-        soak.Work(s_roundSeconds);
+        soak.Work(kRoundSeconds);
         rested = soak.Rest();
         rounds.push_back(soak.Look());
         const Remains& now = rounds.back();

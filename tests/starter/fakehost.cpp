@@ -13,7 +13,7 @@
 // It lives until the file FILE.end is there, and no longer than a minute.
 
 #include "platform/interfaces.h"
-#include "platform/standardstreams.h"
+#include "process/standardstreams.h"
 #include "tests/launcher/inheritedhandles.h"
 #include "tests/support/system.h"
 
@@ -33,7 +33,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int s_otherHost = 4;
+constexpr int kOtherHost = 4;
 
 class Link : public IInterfaceCallback
 {
@@ -75,7 +75,7 @@ int Live(const QString& fileName, const QString& address, bool takesCalls)
     if (!address.isEmpty()) {
         server.reset(CInterfaceCreator().CreateInterface(address, &link, 10'000, false));
         if (!server)
-            return s_otherHost;
+            return kOtherHost;
     }
     const auto isEnd = [end = fileName + QStringLiteral(".end")] {
         return QFile::exists(end);
@@ -118,7 +118,7 @@ int main(int argc, char** argv)
     if (mode == QLatin1String("deaf"))
         return Live(fileName, address, false);
     if (mode == QLatin1String("secondtry") && before == 0)
-        return s_otherHost;
+        return kOtherHost;
     if (mode == QLatin1String("late"))
         QThread::msleep(300);
     if (mode == QLatin1String("answer") || mode == QLatin1String("late") || mode == QLatin1String("secondtry"))

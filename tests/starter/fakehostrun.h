@@ -18,12 +18,12 @@ class FakeHostRun
 public:
     ~FakeHostRun() { End(); }
 
-    static QString Program() { return s_program; }
+    static QString Program() { return kProgram; }
     QStringList Arguments(const QString& mode, quint16 port, const QStringList& more = {}) const
     {
         return QStringList{mode, QString::number(port), File()} + more;
     }
-    QString Path(const char* name) const { return m_Directory.filePath(QString::fromLatin1(name)); }
+    QString Path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
     QString File() const { return Path("starts"); }
 
     /// One for each host that was started.
@@ -55,6 +55,6 @@ public:
 
 private:
     // With its drive, so that it is found from everywhere.
-    inline static const QString s_program = QDir().absoluteFilePath(QStringLiteral(VEXEL_FAKEHOST));
-    QTemporaryDir m_Directory;
+    inline static const QString kProgram = QDir().absoluteFilePath(QStringLiteral(VEXEL_FAKEHOST));
+    QTemporaryDir m_directory;
 };

@@ -4,7 +4,7 @@
 
 /// What host and starter make of the one text that Windows passes to a program, written in the ways of different
 /// prompts and programs.
-class TstCommandLines : public QObject
+class TestCommandLines : public QObject
 {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ private:
     static void lines();
 };
 
-void TstCommandLines::lines()
+void TestCommandLines::lines()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("argument");
@@ -40,7 +40,7 @@ void TstCommandLines::lines()
     row("8,000 characters", QString(8000, u'x'), QString(8000, u'x'));
 }
 
-void TstCommandLines::host()
+void TestCommandLines::host()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, argument);
@@ -55,7 +55,7 @@ void TstCommandLines::host()
     QCOMPARE(error, QStringLiteral("vexelhost: there is no entry called \"%1\"\n").arg(argument));
 }
 
-void TstCommandLines::starter()
+void TestCommandLines::starter()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, argument);
@@ -74,5 +74,5 @@ void TstCommandLines::starter()
     QVERIFY2(error.contains(QLatin1String("exit code 7")), qPrintable(error));
 }
 
-QTEST_GUILESS_MAIN(TstCommandLines)
+QTEST_GUILESS_MAIN(TestCommandLines)
 #include "tst_commandlines_windows.moc"

@@ -4,7 +4,7 @@
 #include <QProcess>
 
 /// Host and starter, which are windowed programs, where they are started from a console, and where they print to.
-class TstConsole : public QObject
+class TestConsole : public QObject
 {
     Q_OBJECT
 
@@ -23,14 +23,14 @@ private:
     static QString Quoted(const QString& text) { return u'"' + text + u'"'; }
 };
 
-void TstConsole::programs()
+void TestConsole::programs()
 {
     QTest::addColumn<QString>("program");
     QTest::newRow("host") << QStringLiteral(VEXELHOST);
     QTest::newRow("starter") << QStringLiteral(VEXEL_KITESTARTER);
 }
 
-void TstConsole::versionIsShown()
+void TestConsole::versionIsShown()
 {
     QFETCH(const QString, program);
     PseudoConsole console;
@@ -41,7 +41,7 @@ void TstConsole::versionIsShown()
                  qPrintable(console.Text()));
 }
 
-void TstConsole::everyLetterIsShown()
+void TestConsole::everyLetterIsShown()
 {
     QFETCH(const QString, program);
     const QString letters = QStringLiteral("\u00fc\u0441\u0432\u044f\u0437\u044c");
@@ -53,7 +53,7 @@ void TstConsole::everyLetterIsShown()
     QVERIFY2(console.Text().contains(letters), qPrintable(console.Text()));
 }
 
-void TstConsole::streamsThatLeadElsewhere()
+void TestConsole::streamsThatLeadElsewhere()
 {
     QFETCH(const QString, program);
     const QTemporaryDir directory;
@@ -76,7 +76,7 @@ void TstConsole::streamsThatLeadElsewhere()
     QVERIFY(error.endsWith('\n') && !error.contains('\r'));
 }
 
-void TstConsole::startersHostTakesNoConsole()
+void TestConsole::startersHostTakesNoConsole()
 {
     const FakeHostRun run;
     PseudoConsole console;
@@ -90,5 +90,5 @@ void TstConsole::startersHostTakesNoConsole()
     QVERIFY2(console.Text().contains(QLatin1String("kitestarter: ")), qPrintable(console.Text()));
 }
 
-QTEST_GUILESS_MAIN(TstConsole)
+QTEST_GUILESS_MAIN(TestConsole)
 #include "tst_console_windows.moc"

@@ -12,13 +12,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::atomic<int> g_HandedOver = 0;
-std::atomic<DWORD> g_To = 0;
+std::atomic<int> g_handedOver = 0;
+std::atomic<DWORD> g_to = 0;
 
 BOOL WINAPI Recorded(DWORD process)
 {
-    g_To = process;
-    ++g_HandedOver;
+    g_to = process;
+    ++g_handedOver;
     return TRUE;
 }
 
@@ -47,7 +47,7 @@ FARPROC* ImportedAddress(const char* library, const char* function)
 } // namespace
 
 /// Whether the dialog may come to the front when it is called: only who has the right can hand it on.
-class TstForeground : public QObject
+class TestForeground : public QObject
 {
     Q_OBJECT
 
@@ -68,7 +68,7 @@ private slots:
         TestServer server(10'000);
         int handedOver = -1;
         server.callback.onOpen = [&](IInterface*) {
-            handedOver = g_HandedOver;
+            handedOver = g_handedOver;
         };
         Starter::Settings settings;
         settings.port = server.port;
@@ -79,9 +79,9 @@ private slots:
         QVERIFY2(outcome.code == StarterExit::Called, qPrintable(outcome.message));
         // Whoever answers, which is known only then.
         QCOMPARE(handedOver, 1);
-        QCOMPARE(g_To.load(), DWORD{ASFW_ANY});
+        QCOMPARE(g_to.load(), DWORD{ASFW_ANY});
     }
 };
 
-QTEST_GUILESS_MAIN(TstForeground)
+QTEST_GUILESS_MAIN(TestForeground)
 #include "tst_foreground_windows.moc"

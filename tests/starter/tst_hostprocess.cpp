@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <memory>
 
-class TstHostProcess : public QObject
+class TestHostProcess : public QObject
 {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ private slots:
     void notStarted();
 };
 
-void TstHostProcess::argumentsArriveAsTheyAre()
+void TestHostProcess::argumentsArriveAsTheyAre()
 {
     const QStringList arguments{QStringLiteral("--config"),
                                 QStringLiteral("a folder with spaces"),
@@ -42,7 +42,7 @@ void TstHostProcess::argumentsArriveAsTheyAre()
     QCOMPARE(start.value(QLatin1String("process")).toInt(), process.Id());
 }
 
-void TstHostProcess::directoryAndEnvironmentAreKept()
+void TestHostProcess::directoryAndEnvironmentAreKept()
 {
     const FakeHostRun run;
     const QString before = QDir::currentPath();
@@ -56,7 +56,7 @@ void TstHostProcess::directoryAndEnvironmentAreKept()
     QCOMPARE(start.value(QLatin1String("variable")).toString(), QStringLiteral("a value; $HOME"));
 }
 
-void TstHostProcess::nothingElseIsInherited()
+void TestHostProcess::nothingElseIsInherited()
 {
     // What this test was handed by others, as the pipe that is its output under ctest, and what it has opened in such a
     // way that whoever it starts gets it.
@@ -70,7 +70,7 @@ void TstHostProcess::nothingElseIsInherited()
     QCOMPARE(start.value(QLatin1String("streams")).toArray(), (QJsonArray{nothing, nothing, nothing}));
 }
 
-void TstHostProcess::exitCode_data()
+void TestHostProcess::exitCode_data()
 {
     QTest::addColumn<int>("code");
     for (const int code : {0, 1, 4, 255})
@@ -82,7 +82,7 @@ void TstHostProcess::exitCode_data()
 #endif
 }
 
-void TstHostProcess::exitCode()
+void TestHostProcess::exitCode()
 {
     QFETCH(const int, code);
     const FakeHostRun run;
@@ -94,7 +94,7 @@ void TstHostProcess::exitCode()
     QCOMPARE(process.Ended()->exitCode, code);
 }
 
-void TstHostProcess::crash()
+void TestHostProcess::crash()
 {
     const FakeHostRun run;
     HostProcess process;
@@ -117,7 +117,7 @@ void TstHostProcess::crash()
 #endif
 }
 
-void TstHostProcess::cannotBeStarted_data()
+void TestHostProcess::cannotBeStarted_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char* kind : {"missing", "directory", "not a program"})
@@ -129,7 +129,7 @@ void TstHostProcess::cannotBeStarted_data()
 #endif
 }
 
-void TstHostProcess::cannotBeStarted()
+void TestHostProcess::cannotBeStarted()
 {
     QFETCH(const QString, kind);
     const QTemporaryDir directory;
@@ -151,7 +151,7 @@ void TstHostProcess::cannotBeStarted()
     QCOMPARE(process.Id(), 0);
 }
 
-void TstHostProcess::outlivesItsObject()
+void TestHostProcess::outlivesItsObject()
 {
     const FakeHostRun run;
     // A port whose owner can be asked whether it lives.
@@ -170,12 +170,12 @@ void TstHostProcess::outlivesItsObject()
     QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
 }
 
-void TstHostProcess::notStarted()
+void TestHostProcess::notStarted()
 {
     HostProcess process;
     QVERIFY(!process.Ended());
     QCOMPARE(process.Id(), 0);
 }
 
-QTEST_GUILESS_MAIN(TstHostProcess)
+QTEST_GUILESS_MAIN(TestHostProcess)
 #include "tst_hostprocess.moc"

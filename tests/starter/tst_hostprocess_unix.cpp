@@ -1,7 +1,7 @@
 #include "tests/starter/startedhost.h"
 
 /// The host as Unix keeps processes apart.
-class TstHostProcessUnix : public QObject
+class TestHostProcessUnix : public QObject
 {
     Q_OBJECT
 
@@ -21,5 +21,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TstHostProcessUnix)
+QTEST_GUILESS_MAIN(TestHostProcessUnix)
 #include "tst_hostprocess_unix.moc"

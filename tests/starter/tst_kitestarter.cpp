@@ -35,9 +35,9 @@ private slots:
 
 namespace {
 
-const QString s_called = QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.");
-const QString s_created = QStringLiteral("TCPServer(): Server TCP interface created.");
-const QString s_failed = QStringLiteral("TCPServer(): Creation of Server TCP interface failed.");
+const QString kCalled = QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.");
+const QString kCreated = QStringLiteral("TCPServer(): Server TCP interface created.");
+const QString kFailed = QStringLiteral("TCPServer(): Creation of Server TCP interface failed.");
 
 /// A folder with a configuration for the host, and the ways to start what works on it. Hosts end with it.
 class SetUp
@@ -48,11 +48,11 @@ public:
     {
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         // Its rights are looked at, too.
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_Directory.path());
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_directory.path());
     }
     ~SetUp() { End(); }
 
-    QString Path(const QString& name) const { return m_Directory.filePath(name); }
+    QString Path(const QString& name) const { return m_directory.filePath(name); }
     QString Config() const { return Path(QStringLiteral("a 'b'  \u00fc \u5317\u6597 \u0441\u0432\u044f\u0437\u044c")); }
     QStringList HostArguments() const
     {
@@ -63,7 +63,7 @@ public:
     {
         auto process = std::make_unique<QProcess>();
         process->setProcessEnvironment(environment);
-        process->setWorkingDirectory(m_Directory.path());
+        process->setWorkingDirectory(m_directory.path());
         process->start(QStringLiteral(VEXEL_KITESTARTER), arguments);
         return process;
     }
@@ -115,7 +115,7 @@ public:
     QProcessEnvironment environment;
 
 private:
-    QTemporaryDir m_Directory;
+    QTemporaryDir m_directory;
 };
 
 } // namespace
@@ -167,10 +167,10 @@ void TestKiteStarter::runningDialogIsRaised()
     QProcess host;
     host.setProcessEnvironment(setUp.environment);
     host.start(QStringLiteral(VEXELHOST), setUp.HostArguments());
-    QTRY_COMPARE_WITH_TIMEOUT(setUp.Traced(s_created), 1, 30'000);
+    QTRY_COMPARE_WITH_TIMEOUT(setUp.Traced(kCreated), 1, 30'000);
     for (int call = 1; call <= 3; ++call) {
         COMPARE_CALLED(setUp.RunForHost());
-        QCOMPARE(setUp.Traced(s_called), call);
+        QCOMPARE(setUp.Traced(kCalled), call);
     }
     QCOMPARE(setUp.Host(), host.processId());
     setUp.End();
@@ -185,12 +185,12 @@ void TestKiteStarter::twiceGivesOneDialog()
     COMPARE_CALLED(setUp.RunForHost());
     const qint64 host = setUp.Host();
     QVERIFY(host > 0);
-    QCOMPARE(setUp.Traced(s_called), 1);
+    QCOMPARE(setUp.Traced(kCalled), 1);
     COMPARE_CALLED(setUp.RunForHost());
     QCOMPARE(setUp.Host(), host);
-    QCOMPARE(setUp.Traced(s_called), 2);
-    QCOMPARE(setUp.Traced(s_created), 1);
-    QCOMPARE(setUp.Traced(s_failed), 0);
+    QCOMPARE(setUp.Traced(kCalled), 2);
+    QCOMPARE(setUp.Traced(kCreated), 1);
+    QCOMPARE(setUp.Traced(kFailed), 0);
     QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("kitestarter-8451.lock"))));
 }
 
@@ -204,10 +204,10 @@ void TestKiteStarter::tenAtOnceGiveOneHost()
     for (const auto& starter : starters)
         COMPARE_CALLED(SetUp::End(*starter));
     // Every host creates a link, or fails to.
-    QCOMPARE(setUp.Traced(s_created), 1);
-    QCOMPARE(setUp.Traced(s_failed), 0);
+    QCOMPARE(setUp.Traced(kCreated), 1);
+    QCOMPARE(setUp.Traced(kFailed), 0);
     // Each of them was answered.
-    QVERIFY(setUp.Traced(s_called) >= 10);
+    QVERIFY(setUp.Traced(kCalled) >= 10);
 }
 
 void TestKiteStarter::otherConfigurationIsCalledAsWell()
@@ -216,7 +216,7 @@ void TestKiteStarter::otherConfigurationIsCalledAsWell()
     const SetUp setUp;
     COMPARE_CALLED(setUp.RunForHost());
     COMPARE_CALLED(setUp.Run({QStringLiteral("--"), QStringLiteral("--config"), setUp.Path(QStringLiteral("other"))}));
-    QCOMPARE(setUp.Traced(s_called), 2);
+    QCOMPARE(setUp.Traced(kCalled), 2);
     QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("other"))));
 }
 
@@ -243,8 +243,8 @@ void TestKiteStarter::headlessHostIsNotTakenForADialog()
 
     COMPARE_COMPLAINT(setUp.Run({QStringLiteral("--call-only")}), 6, QLatin1String("no connect dialog is running"));
     COMPARE_CALLED(setUp.RunForHost());
-    QCOMPARE(setUp.Traced(s_created), 1);
-    QCOMPARE(setUp.Traced(s_called), 1);
+    QCOMPARE(setUp.Traced(kCreated), 1);
+    QCOMPARE(setUp.Traced(kCalled), 1);
     QCOMPARE(headless.state(), QProcess::Running);
     QVERIFY(System::AskToEnd(headless.processId()));
     QVERIFY(headless.state() == QProcess::NotRunning || headless.waitForFinished(60'000));
@@ -279,7 +279,7 @@ void TestKiteStarter::foreignService()
 {
     NEED_PORT();
     QTcpServer service;
-    QVERIFY(service.listen(QHostAddress(QHostAddress::LocalHost), LinkPort::s_number));
+    QVERIFY(service.listen(QHostAddress(QHostAddress::LocalHost), LinkPort::kNumber));
     connect(&service, &QTcpServer::newConnection, &service,
             [&] { service.nextPendingConnection()->write("220 hello\r\n"); });
     const SetUp setUp;
@@ -299,7 +299,7 @@ void TestKiteStarter::callOnly()
     QVERIFY(!QFile::exists(setUp.Config()));
     COMPARE_CALLED(setUp.RunForHost());
     COMPARE_CALLED(setUp.Run(arguments));
-    QCOMPARE(setUp.Traced(s_called), 2);
+    QCOMPARE(setUp.Traced(kCalled), 2);
 }
 
 void TestKiteStarter::withoutARunTimeFolder()
@@ -314,7 +314,7 @@ void TestKiteStarter::withoutARunTimeFolder()
     QVERIFY(QFile::setPermissions(setUp.Path(QStringLiteral("open")), QFile::Permissions(0x7777)));
     setUp.environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), setUp.Path(QStringLiteral("open")));
     COMPARE_CALLED(setUp.RunForHost());
-    QCOMPARE(setUp.Traced(s_created), 1);
+    QCOMPARE(setUp.Traced(kCreated), 1);
 }
 
 QTEST_GUILESS_MAIN(TestKiteStarter)

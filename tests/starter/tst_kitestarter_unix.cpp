@@ -6,11 +6,11 @@ class TestKiteStarterUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void WhatCannotBePrintedFails_data()
+    void whatCannotBePrintedFails_data()
     {
         AddBrokenOutputs({{QStringLiteral("--help")}, {QStringLiteral("--version")}});
     }
-    void WhatCannotBePrintedFails()
+    void whatCannotBePrintedFails()
     {
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);
@@ -25,8 +25,8 @@ private slots:
                  QByteArray("kitestarter: cannot write all of it to standard output\n"));
     }
 
-    void ComplaintsWithoutAReader_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
-    void ComplaintsWithoutAReader()
+    void complaintsWithoutAReader_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
+    void complaintsWithoutAReader()
     {
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);

@@ -24,7 +24,7 @@ bool HaveAllGone(const ForeignService& service)
 
 } // namespace
 
-class TstLinkCall : public QObject
+class TestLinkCall : public QObject
 {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ private slots:
     void nothingIsLeftOpen();
 };
 
-void TstLinkCall::linkTakesIt()
+void TestLinkCall::linkTakesIt()
 {
     TestServer server(10'000);
     QCOMPARE(Call(server.port), LinkAnswer::Taken);
@@ -53,7 +53,7 @@ void TstLinkCall::linkTakesIt()
     QCOMPARE(server.callback.Count(Kind::Open), 1);
 }
 
-void TstLinkCall::linkIsDoneWithItBeforeItAnswers()
+void TestLinkCall::linkIsDoneWithItBeforeItAnswers()
 {
     // What the callback does when it is called, such as to raise a window, is done when the caller is told.
     TestServer server(10'000);
@@ -70,7 +70,7 @@ void TstLinkCall::linkIsDoneWithItBeforeItAnswers()
     }
 }
 
-void TstLinkCall::everyCallIsTaken()
+void TestLinkCall::everyCallIsTaken()
 {
     TestServer server(10'000);
     const int taken = Beside([&] {
@@ -85,7 +85,7 @@ void TstLinkCall::everyCallIsTaken()
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-void TstLinkCall::busyLinkIsWaitedFor()
+void TestLinkCall::busyLinkIsWaitedFor()
 {
     TestServer server(10'000);
     auto answer = std::async(std::launch::async, [&] { return CallLink(server.port, QDeadlineTimer(30s)); });
@@ -95,7 +95,7 @@ void TstLinkCall::busyLinkIsWaitedFor()
     QCOMPARE(answer.get(), LinkAnswer::Taken);
 }
 
-void TstLinkCall::fullLinkIsWaitedFor()
+void TestLinkCall::fullLinkIsWaitedFor()
 {
     TestServer server; // no time-out that would help
     std::vector<std::unique_ptr<QTcpSocket>> silent;
@@ -107,12 +107,12 @@ void TstLinkCall::fullLinkIsWaitedFor()
     QCOMPARE(Call(server.port), LinkAnswer::Taken);
 }
 
-void TstLinkCall::nobodyListens()
+void TestLinkCall::nobodyListens()
 {
     QCOMPARE(CallLink(FreePort(), QDeadlineTimer(30s)), LinkAnswer::Refused);
 }
 
-void TstLinkCall::onlyTheOtherAddressListens()
+void TestLinkCall::onlyTheOtherAddressListens()
 {
     if (!HasIPv6())
         QSKIP("This machine has no IPv6");
@@ -121,7 +121,7 @@ void TstLinkCall::onlyTheOtherAddressListens()
     QCOMPARE(service.calls, 1);
 }
 
-void TstLinkCall::foreignService_data()
+void TestLinkCall::foreignService_data()
 {
     QTest::addColumn<int>("manner");
     QTest::newRow("greets") << int(ForeignService::Greets);
@@ -129,7 +129,7 @@ void TstLinkCall::foreignService_data()
     QTest::newRow("answers") << int(ForeignService::Answers);
 }
 
-void TstLinkCall::foreignService()
+void TestLinkCall::foreignService()
 {
     QFETCH(const int, manner);
     const ForeignService service(static_cast<ForeignService::Manner>(manner));
@@ -137,21 +137,21 @@ void TstLinkCall::foreignService()
     QCOMPARE(service.calls, 1);
 }
 
-void TstLinkCall::foreignServiceThatClosesLooksLikeALink()
+void TestLinkCall::foreignServiceThatClosesLooksLikeALink()
 {
     // Nothing on the wire tells the two apart.
     const ForeignService service(ForeignService::ClosesLate);
     QCOMPARE(Call(service.serverPort()), LinkAnswer::Taken);
 }
 
-void TstLinkCall::silentUntilTheDeadline()
+void TestLinkCall::silentUntilTheDeadline()
 {
     const ForeignService service(ForeignService::NeverCloses);
     QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
     QCOMPARE(service.calls, 1);
 }
 
-void TstLinkCall::linkThatEndsCutsItOff()
+void TestLinkCall::linkThatEndsCutsItOff()
 {
     // A host that ends while it is called: it never takes the call out of the system's queue.
     auto service = std::make_unique<QTcpServer>();
@@ -164,7 +164,7 @@ void TstLinkCall::linkThatEndsCutsItOff()
     QCOMPARE(answer.get(), LinkAnswer::CutOff);
 }
 
-void TstLinkCall::queueThatIsFull()
+void TestLinkCall::queueThatIsFull()
 {
     QTcpServer service;
     service.setListenBacklogSize(1);
@@ -179,7 +179,7 @@ void TstLinkCall::queueThatIsFull()
     QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
 }
 
-void TstLinkCall::nothingIsLeftOpen()
+void TestLinkCall::nothingIsLeftOpen()
 {
     TestServer server(10'000);
     const ForeignService service(ForeignService::Greets);
@@ -199,5 +199,5 @@ void TstLinkCall::nothingIsLeftOpen()
     QTRY_VERIFY(System::OpenHandles() <= before);
 }
 
-QTEST_GUILESS_MAIN(TstLinkCall)
+QTEST_GUILESS_MAIN(TestLinkCall)
 #include "tst_linkcall.moc"

@@ -10,7 +10,7 @@
 using namespace std::chrono_literals;
 
 // The starter with hosts and services made for the purpose, at ports that are free.
-class TstStarter : public QObject
+class TestStarter : public QObject
 {
     Q_OBJECT
 
@@ -92,7 +92,7 @@ std::vector<Starter::Outcome> RunAtOnce(const Starter::Settings& settings, int c
         QVERIFY(!compared.message.contains(u'\n'));                                                                    \
     } while (false)
 
-void TstStarter::runningOneIsCalled()
+void TestStarter::runningOneIsCalled()
 {
     const FakeHostRun run;
     TestServer server(10'000);
@@ -101,14 +101,14 @@ void TstStarter::runningOneIsCalled()
     QCOMPARE(run.Starts().size(), 0);
 }
 
-void TstStarter::absentOneIsStarted_data()
+void TestStarter::absentOneIsStarted_data()
 {
     QTest::addColumn<QString>("mode");
     QTest::newRow("at once") << QStringLiteral("answer");
     QTest::newRow("after a while") << QStringLiteral("late");
 }
 
-void TstStarter::absentOneIsStarted()
+void TestStarter::absentOneIsStarted()
 {
     QFETCH(const QString, mode);
     const FakeHostRun run;
@@ -123,7 +123,7 @@ void TstStarter::absentOneIsStarted()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::oneThatStartsLateIsWaitedFor()
+void TestStarter::oneThatStartsLateIsWaitedFor()
 {
     // It listens, and takes calls only later.
     const FakeHostRun run;
@@ -137,7 +137,7 @@ void TstStarter::oneThatStartsLateIsWaitedFor()
     QCOMPARE(run.Starts().size(), 0);
 }
 
-void TstStarter::callOnlyStartsNothing()
+void TestStarter::callOnlyStartsNothing()
 {
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
@@ -147,7 +147,7 @@ void TstStarter::callOnlyStartsNothing()
     QVERIFY(!QFile::exists(settings.lockFile));
 }
 
-void TstStarter::callOnlyCalls()
+void TestStarter::callOnlyCalls()
 {
     const FakeHostRun run;
     TestServer server(10'000);
@@ -157,7 +157,7 @@ void TstStarter::callOnlyCalls()
     QCOMPARE(server.callback.Count(RecordingCallback::Open), 1);
 }
 
-void TstStarter::tenAtOnceStartOne()
+void TestStarter::tenAtOnceStartOne()
 {
     const FakeHostRun run;
     for (const auto& outcome : RunAtOnce(SettingsFor(run, QStringLiteral("late"), FreePort()), 10))
@@ -165,7 +165,7 @@ void TstStarter::tenAtOnceStartOne()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::tenWithoutALockGetOne()
+void TestStarter::tenWithoutALockGetOne()
 {
     // Hosts that find another one at work end with exit code 4.
     const FakeHostRun run;
@@ -176,7 +176,7 @@ void TstStarter::tenWithoutALockGetOne()
     QVERIFY(!run.Starts().isEmpty());
 }
 
-void TstStarter::oneThatIsStartedByAnotherIsWaitedFor()
+void TestStarter::oneThatIsStartedByAnotherIsWaitedFor()
 {
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
@@ -193,7 +193,7 @@ void TstStarter::oneThatIsStartedByAnotherIsWaitedFor()
     QCOMPARE(run.Starts().size(), 0);
 }
 
-void TstStarter::otherStarterGivesUp()
+void TestStarter::otherStarterGivesUp()
 {
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
@@ -209,7 +209,7 @@ void TstStarter::otherStarterGivesUp()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::staleLock_data()
+void TestStarter::staleLock_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("age"); // s
@@ -220,7 +220,7 @@ void TstStarter::staleLock_data()
     QTest::newRow("garbage") << QByteArray("\xff\x01garbage") << 60;
 }
 
-void TstStarter::staleLock()
+void TestStarter::staleLock()
 {
     QFETCH(const QByteArray, content);
     QFETCH(const int, age);
@@ -237,7 +237,7 @@ void TstStarter::staleLock()
     QVERIFY(!QFile::exists(settings.lockFile));
 }
 
-void TstStarter::lockThatCannotBeHad()
+void TestStarter::lockThatCannotBeHad()
 {
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
@@ -246,7 +246,7 @@ void TstStarter::lockThatCannotBeHad()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::lockWithAPipeInItsPlace()
+void TestStarter::lockWithAPipeInItsPlace()
 {
     // It is not opened, which would take for ever, and does not keep a host from being started.
     const FakeHostRun run;
@@ -257,7 +257,7 @@ void TstStarter::lockWithAPipeInItsPlace()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::lockIsGivenBack()
+void TestStarter::lockIsGivenBack()
 {
     const FakeHostRun run;
     for (const char* mode : {"1", "crash", "answer"}) {
@@ -268,7 +268,7 @@ void TstStarter::lockIsGivenBack()
     QCOMPARE(run.Starts().size(), 3);
 }
 
-void TstStarter::hostCrashes()
+void TestStarter::hostCrashes()
 {
     const FakeHostRun run;
 #ifdef Q_OS_WIN
@@ -279,14 +279,14 @@ void TstStarter::hostCrashes()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::hostEnds_data()
+void TestStarter::hostEnds_data()
 {
     QTest::addColumn<QString>("code");
     for (const char* code : {"0", "1", "2", "3", "5"})
         QTest::newRow(code) << QString::fromLatin1(code);
 }
 
-void TstStarter::hostEnds()
+void TestStarter::hostEnds()
 {
     QFETCH(const QString, code);
     const FakeHostRun run;
@@ -296,14 +296,14 @@ void TstStarter::hostEnds()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::hostHangs_data()
+void TestStarter::hostHangs_data()
 {
     QTest::addColumn<QString>("mode");
     QTest::newRow("before it listens") << QStringLiteral("hang");
     QTest::newRow("before it takes a call") << QStringLiteral("deaf");
 }
 
-void TstStarter::hostHangs()
+void TestStarter::hostHangs()
 {
     QFETCH(const QString, mode);
     const FakeHostRun run;
@@ -318,7 +318,7 @@ void TstStarter::hostHangs()
     QCOMPARE(System::ProgramOf(process.toLongLong()), FakeHostRun::Program());
 }
 
-void TstStarter::hostCannotBeStarted()
+void TestStarter::hostCannotBeStarted()
 {
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
@@ -328,7 +328,7 @@ void TstStarter::hostCannotBeStarted()
     QVERIFY2(outcome.message.contains(settings.host), qPrintable(outcome.message));
 }
 
-void TstStarter::otherHostIsCalled()
+void TestStarter::otherHostIsCalled()
 {
     // A host that somebody else has started, and whose link comes later than the one started here ends.
     const FakeHostRun run;
@@ -344,14 +344,14 @@ void TstStarter::otherHostIsCalled()
     QCOMPARE(callback.Count(RecordingCallback::Open), 1);
 }
 
-void TstStarter::otherHostThatEndsMakesRoom()
+void TestStarter::otherHostThatEndsMakesRoom()
 {
     const FakeHostRun run;
     COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("secondtry"), FreePort())), Called, "");
     QCOMPARE(run.Starts().size(), 2);
 }
 
-void TstStarter::otherHostWithoutALink()
+void TestStarter::otherHostWithoutALink()
 {
     Starter::Outcome outcome{};
     // The time may end while another try is just being started, which is not known to be in vain yet.
@@ -369,7 +369,7 @@ void TstStarter::otherHostWithoutALink()
     COMPARE_OUTCOME(outcome, HostEnded, "same configuration directory");
 }
 
-void TstStarter::foreignService_data()
+void TestStarter::foreignService_data()
 {
     QTest::addColumn<int>("manner");
     QTest::addColumn<QString>("hint");
@@ -382,7 +382,7 @@ void TstStarter::foreignService_data()
     QTest::newRow("cuts off") << int(ForeignService::CutsOff) << QStringLiteral("cuts off every call");
 }
 
-void TstStarter::foreignService()
+void TestStarter::foreignService()
 {
     QFETCH(const int, manner);
     QFETCH(const QString, hint);
@@ -403,7 +403,7 @@ void TstStarter::foreignService()
         QCOMPARE(service.calls, 1);
 }
 
-void TstStarter::foreignServiceOnTheOtherAddress()
+void TestStarter::foreignServiceOnTheOtherAddress()
 {
     if (!HasIPv6())
         QSKIP("This machine has no IPv6");
@@ -414,7 +414,7 @@ void TstStarter::foreignServiceOnTheOtherAddress()
     QCOMPARE(run.Starts().size(), 0);
 }
 
-void TstStarter::hostThatEndsWhileItIsCalled()
+void TestStarter::hostThatEndsWhileItIsCalled()
 {
     // Its successor is started.
     auto ending = std::make_unique<QTcpServer>();
@@ -431,7 +431,7 @@ void TstStarter::hostThatEndsWhileItIsCalled()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::hostThatCutsOffWhileItEnds()
+void TestStarter::hostThatCutsOffWhileItEnds()
 {
     ForeignService ending(ForeignService::CutsOff);
     connect(&ending, &QTcpServer::newConnection, &ending, [&] {
@@ -444,7 +444,7 @@ void TstStarter::hostThatCutsOffWhileItEnds()
     QCOMPARE(run.Starts().size(), 1);
 }
 
-void TstStarter::defaults()
+void TestStarter::defaults()
 {
     QCOMPARE(Starter::Settings().port, 8451);
     QVERIFY(Starter::DefaultHost(QStringLiteral("/folder")).startsWith(QLatin1String("/folder/vexelhost")));
@@ -459,5 +459,5 @@ void TstStarter::defaults()
     QVERIFY(Starter::DefaultLockFile(1) != Starter::DefaultLockFile(2));
 }
 
-QTEST_GUILESS_MAIN(TstStarter)
+QTEST_GUILESS_MAIN(TestStarter)
 #include "tst_starter.moc"

@@ -4,7 +4,7 @@
 #include <QDir>
 #include <QTest>
 
-class TstStarterOptions : public QObject
+class TestStarterOptions : public QObject
 {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ ParsedStarterCommandLine Parse(const QStringList& arguments)
 
 } // namespace
 
-void TstStarterOptions::defaults()
+void TestStarterOptions::defaults()
 {
     const auto parsed = Parse({});
     QCOMPARE(parsed.outcome, Outcome::Run);
@@ -43,7 +43,7 @@ void TstStarterOptions::defaults()
                 .text.contains(QStringLiteral("Default: %1.").arg(parsed.options.timeOut.count())));
 }
 
-void TstStarterOptions::everyOption()
+void TestStarterOptions::everyOption()
 {
     const auto parsed = Parse({QStringLiteral("--host"), QStringLiteral("bin/../my host"), QStringLiteral("--timeout"),
                                QStringLiteral("3600"), QStringLiteral("--call-only")});
@@ -53,7 +53,7 @@ void TstStarterOptions::everyOption()
     QCOMPARE(parsed.options.callOnly, true);
 }
 
-void TstStarterOptions::hostArgumentsAreLeftAlone()
+void TestStarterOptions::hostArgumentsAreLeftAlone()
 {
     const QStringList arguments{QStringLiteral("--help"), QStringLiteral("--"),        QString(),
                                 QStringLiteral("-x"),     QStringLiteral("--timeout"), QStringLiteral("a b")};
@@ -65,7 +65,7 @@ void TstStarterOptions::hostArgumentsAreLeftAlone()
     QCOMPARE(Parse({QStringLiteral("--")}).outcome, Outcome::Run);
 }
 
-void TstStarterOptions::wrong_data()
+void TestStarterOptions::wrong_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("hint");
@@ -87,7 +87,7 @@ void TstStarterOptions::wrong_data()
     row("beyond all numbers", {timeOut, QStringLiteral("99999999999999999999")}, "--timeout");
 }
 
-void TstStarterOptions::wrong()
+void TestStarterOptions::wrong()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, hint);
@@ -97,7 +97,7 @@ void TstStarterOptions::wrong()
     QVERIFY(!parsed.text.contains(u'\n'));
 }
 
-void TstStarterOptions::help()
+void TestStarterOptions::help()
 {
     for (const char* name : {"--help", "-h"}) {
         const auto parsed = Parse({QString::fromLatin1(name), QStringLiteral("--"), QStringLiteral("x")});
@@ -111,7 +111,7 @@ void TstStarterOptions::help()
     }
 }
 
-void TstStarterOptions::helpNamesEveryExitCode()
+void TestStarterOptions::helpNamesEveryExitCode()
 {
     const QString text = Parse({QStringLiteral("--help")}).text;
     const QString codes = text.mid(text.indexOf(QLatin1String("Exit codes:")));
@@ -121,12 +121,12 @@ void TstStarterOptions::helpNamesEveryExitCode()
         QVERIFY2(codes.contains(QStringLiteral("\n  %1  ").arg(static_cast<int>(code))), qPrintable(codes));
 }
 
-void TstStarterOptions::version()
+void TestStarterOptions::version()
 {
     const auto parsed = Parse({QStringLiteral("-v")});
     QCOMPARE(parsed.outcome, Outcome::Print);
     QCOMPARE(parsed.text, QStringLiteral("kitestarter " VEXEL_VERSION "\n"));
 }
 
-QTEST_GUILESS_MAIN(TstStarterOptions)
+QTEST_GUILESS_MAIN(TestStarterOptions)
 #include "tst_starteroptions.moc"

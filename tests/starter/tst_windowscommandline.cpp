@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-class TstWindowsCommandLine : public QObject
+class TestWindowsCommandLine : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ QStringList TakeApart(const QString& text)
 
 } // namespace
 
-void TstWindowsCommandLine::isWritten_data()
+void TestWindowsCommandLine::isWritten_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("text");
@@ -78,7 +78,7 @@ void TstWindowsCommandLine::isWritten_data()
     QTest::newRow("not Latin") << QStringLiteral("\u5317 \u0441") << QStringLiteral("\"\u5317 \u0441\"");
 }
 
-void TstWindowsCommandLine::isWritten()
+void TestWindowsCommandLine::isWritten()
 {
     QFETCH(const QString, argument);
     QFETCH(const QString, text);
@@ -87,7 +87,7 @@ void TstWindowsCommandLine::isWritten()
              QStringLiteral("x ") + text + QStringLiteral(" y"));
 }
 
-void TstWindowsCommandLine::comesApartAgain()
+void TestWindowsCommandLine::comesApartAgain()
 {
     // Every text of these five characters, up to five long.
     const QString characters = QStringLiteral("\\\" \ta");
@@ -100,5 +100,5 @@ void TstWindowsCommandLine::comesApartAgain()
     }
 }
 
-QTEST_GUILESS_MAIN(TstWindowsCommandLine)
+QTEST_GUILESS_MAIN(TestWindowsCommandLine)
 #include "tst_windowscommandline.moc"

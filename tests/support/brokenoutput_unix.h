@@ -20,27 +20,27 @@ public:
     explicit BrokenOutput(Kind kind)
     {
         if (kind == FullDisk) {
-            m_Descriptor = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+            m_descriptor = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
             return;
         }
         std::array<int, 2> pipe = {-1, -1};
         if (::pipe(pipe.data()) == 0) {
             ::close(pipe[0]);
-            m_Descriptor = pipe[1];
-            ::fcntl(m_Descriptor, F_SETFD, FD_CLOEXEC);
+            m_descriptor = pipe[1];
+            ::fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
         }
     }
-    ~BrokenOutput() { ::close(m_Descriptor); }
+    ~BrokenOutput() { ::close(m_descriptor); }
     Q_DISABLE_COPY_MOVE(BrokenOutput)
 
     /// Lets `stream` of a process that is to be started lead here.
     void Give(QProcess& process, int stream) const
     {
-        process.setChildProcessModifier([from = m_Descriptor, stream] { ::dup2(from, stream); });
+        process.setChildProcessModifier([from = m_descriptor, stream] { ::dup2(from, stream); });
     }
 
 private:
-    int m_Descriptor = -1;
+    int m_descriptor = -1;
 };
 
 /// Columns and rows for a test of the kinds that this system has.

@@ -8,14 +8,14 @@
 /// The port of the starter link, which one program of the machine can have at a time.
 namespace LinkPort {
 
-constexpr quint16 s_number = 8451;
+constexpr quint16 kNumber = 8451;
 
 /// Whether this process could have it: another one of the product may be running on the machine.
 inline bool IsFree()
 {
     const auto isFree = [](QHostAddress::SpecialAddress address) {
         QTcpServer probe;
-        return probe.listen(QHostAddress(address), s_number) ||
+        return probe.listen(QHostAddress(address), kNumber) ||
                probe.serverError() != QAbstractSocket::AddressInUseError;
     };
     return isFree(QHostAddress::LocalHost) && isFree(QHostAddress::LocalHostIPv6);

@@ -30,20 +30,20 @@ public:
 
     MessageBoxes()
     {
-        QObject::connect(&m_Timer, &QTimer::timeout, &m_Timer, [this] { AnswerActive(); });
-        m_Timer.start(1);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { AnswerActive(); });
+        m_timer.start(1);
     }
 
     MessageBoxes(const MessageBoxes&) = delete;
     MessageBoxes& operator=(const MessageBoxes&) = delete;
 
     /// Puts `button` at the end of the answers to give.
-    void Answer(QMessageBox::StandardButton button) { m_Answers.append(button); }
+    void Answer(QMessageBox::StandardButton button) { m_answers.append(button); }
 
     /// The boxes answered so far, oldest first.
-    const QList<Box>& Boxes() const { return m_Boxes; }
-    qsizetype Count() const { return m_Boxes.size(); }
-    void Clear() { m_Boxes.clear(); }
+    const QList<Box>& Boxes() const { return m_boxes; }
+    qsizetype Count() const { return m_boxes.size(); }
+    void Clear() { m_boxes.clear(); }
 
 private:
     void AnswerActive()
@@ -53,10 +53,10 @@ private:
         if (!box || !box->isVisible()) {
             return;
         }
-        m_Boxes.append({box->windowTitle(), box->text(), box->informativeText(), box->textFormat(), box->icon(),
+        m_boxes.append({box->windowTitle(), box->text(), box->informativeText(), box->textFormat(), box->icon(),
                         box->standardButtons(), box->isModal(), box->parentWidget() != nullptr});
 
-        QAbstractButton* button = m_Answers.isEmpty() ? nullptr : box->button(m_Answers.takeFirst());
+        QAbstractButton* button = m_answers.isEmpty() ? nullptr : box->button(m_answers.takeFirst());
         if (!button) {
             button = box->defaultButton();
         }
@@ -70,7 +70,7 @@ private:
         }
     }
 
-    QTimer m_Timer;
-    QList<QMessageBox::StandardButton> m_Answers;
-    QList<Box> m_Boxes;
+    QTimer m_timer;
+    QList<QMessageBox::StandardButton> m_answers;
+    QList<Box> m_boxes;
 };

@@ -13,7 +13,7 @@ using Create = HRESULT(WINAPI*)(COORD size, HANDLE input, HANDLE output, DWORD f
 using End = void(WINAPI*)(void* console);
 
 // The compiler's own headers have it for the newest systems only.
-constexpr DWORD_PTR s_consoleAttribute = 0x00020016;
+constexpr DWORD_PTR kConsoleAttribute = 0x00020016;
 
 template <typename Function>
 Function Get(const char* name)
@@ -72,7 +72,7 @@ bool PseudoConsole::Start(const QString& commandLine)
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
     startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory.data());
     InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &length);
-    UpdateProcThreadAttribute(startup.lpAttributeList, 0, s_consoleAttribute, d->console, sizeof d->console, nullptr,
+    UpdateProcThreadAttribute(startup.lpAttributeList, 0, kConsoleAttribute, d->console, sizeof d->console, nullptr,
                               nullptr);
     std::wstring line = (QStringLiteral("\"" VEXEL_CONSOLECHILD "\" ") + commandLine).toStdWString();
     PROCESS_INFORMATION process{};

@@ -29,9 +29,9 @@ QStringList RequestsToEnd()
 
 bool AskToEnd(qint64 number, const QString& request)
 {
-    constexpr std::array s_signals = {SIGTERM, SIGINT, SIGHUP};
+    constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
     const auto index = static_cast<std::size_t>(RequestsToEnd().indexOf(request));
-    return ::kill(static_cast<pid_t>(number), s_signals.at(index)) == 0;
+    return ::kill(static_cast<pid_t>(number), kSignals.at(index)) == 0;
 }
 
 void EndWhenAsked()

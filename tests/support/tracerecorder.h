@@ -29,8 +29,8 @@ public:
     {
         ErrorHandler::Instance().SetSink(
             [this](ErrorHandler::Kind kind, const QString& message, const QString& sourceFile, quint16 line) {
-                const QMutexLocker locker(&m_Mutex);
-                m_Reports.append({kind, message, sourceFile, line});
+                const QMutexLocker locker(&m_mutex);
+                m_reports.append({kind, message, sourceFile, line});
             });
         ErrorHandler::Instance().SetEnabledKinds(kinds);
     }
@@ -47,8 +47,8 @@ public:
     /// Every report since construction or `Clear`, oldest first.
     QList<Report> Reports() const
     {
-        const QMutexLocker locker(&m_Mutex);
-        return m_Reports;
+        const QMutexLocker locker(&m_mutex);
+        return m_reports;
     }
 
     /// The messages of `Reports`; with `sourceFile`, only of those that name it as their source.
@@ -68,8 +68,8 @@ public:
 
     void Clear()
     {
-        const QMutexLocker locker(&m_Mutex);
-        m_Reports.clear();
+        const QMutexLocker locker(&m_mutex);
+        m_reports.clear();
     }
 
     /// All messages, one a line, for a failing check.
@@ -77,6 +77,6 @@ public:
 
 private:
     const unsigned m_uFormerKinds;
-    mutable QMutex m_Mutex;
-    QList<Report> m_Reports;
+    mutable QMutex m_mutex;
+    QList<Report> m_reports;
 };

@@ -1,8 +1,8 @@
 // Takes the pictures of the documentation: vexel_pictures <connection list> <folder for the pictures>
 
+#include "files/boundedfile.h"
 #include "platform/cfgcenter.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
-#include "userinterface/vexelconnectdlg/boundedfile.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 

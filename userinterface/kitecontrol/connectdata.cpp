@@ -9,30 +9,30 @@
 namespace {
 
 // The product's configuration distinguishes reading the old keys from reading the current ones.
-constexpr int s_oldKeysMode = 2;
-constexpr int s_currentKeysMode = 0;
-constexpr int s_flag = 0;
+constexpr int kOldKeysMode = 2;
+constexpr int kCurrentKeysMode = 0;
+constexpr int kFlag = 0;
 
-constexpr auto s_sourceFile = "userinterface/kitecontrol/connectdata";
+constexpr auto kSourceFile = "userinterface/kitecontrol/connectdata";
 // The places that the assertions name, whatever lines they stand on today.
-constexpr quint16 s_readAssertLine = 103;
-constexpr quint16 s_writeAssertLine = 181;
+constexpr quint16 kReadAssertLine = 103;
+constexpr quint16 kWriteAssertLine = 181;
 
-constexpr qint32 s_direct = 0;
-constexpr qint32 s_remote = 1;
-constexpr qint32 s_multiChannelServer = 2;
+constexpr qint32 kDirect = 0;
+constexpr qint32 kRemote = 1;
+constexpr qint32 kMultiChannelServer = 2;
 
 // The keys that only the old form has, in the order of their removal.
-constexpr std::initializer_list<const char*> s_oldKeys{
+constexpr std::initializer_list<const char*> kOldKeys{
     "Type", "Access", "StationAddress", "TimeoutFlag", "Timeout", "MultiChannelServer", "Virtual"};
 
 /// The record's node, or null after having said so: a configuration that cannot open it is a programming error. Its
 /// callers then leave, because going on would dereference the null pointer.
 std::unique_ptr<ICfg> OpenRecord(ICfg* pCfg, int index, quint16 assertLine)
 {
-    std::unique_ptr<ICfg> pSubCfg(pCfg->OpenChild(QStringLiteral("ConnectData%1").arg(index), s_flag));
+    std::unique_ptr<ICfg> pSubCfg(pCfg->OpenChild(QStringLiteral("ConnectData%1").arg(index), kFlag));
     if (!pSubCfg && (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Assertion)) {
-        _Q_assert("pSubCfg", s_sourceFile, assertLine);
+        _Q_assert("pSubCfg", kSourceFile, assertLine);
     }
     return pSubCfg;
 }
@@ -65,13 +65,13 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     , m_sRemoteAddress(QLatin1String(""))
     , m_sSubsystem(QLatin1String(""))
 {
-    const std::unique_ptr<ICfg> pSubCfg = OpenRecord(pCfg, index, s_readAssertLine);
+    const std::unique_ptr<ICfg> pSubCfg = OpenRecord(pCfg, index, kReadAssertLine);
     if (!pSubCfg) {
         return;
     }
 
     const auto oldString = [&pSubCfg](const QString& key, const QString& defaultValue) {
-        return pSubCfg->GetString(key, defaultValue, s_oldKeysMode);
+        return pSubCfg->GetString(key, defaultValue, kOldKeysMode);
     };
     m_sStationName = oldString(QStringLiteral("StationName"), QStringLiteral("Kite Echo-Simulation"));
     m_sDeviceType = oldString(QStringLiteral("Type"), QStringLiteral("Kite Echo/Ember"));
@@ -81,22 +81,22 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     m_nTimeoutSeconds = oldString(QStringLiteral("Timeout"), QStringLiteral("0")).toInt();
     m_sRemoteAddress = oldString(QStringLiteral("RemoteAddress"), QStringLiteral(""));
     ClearZeroAddress(m_sRemoteAddress);
-    if (pSubCfg->GetInt(QStringLiteral("MultiChannelServer"), 0, s_oldKeysMode) != 0) {
-        m_nConnectionType = s_multiChannelServer;
+    if (pSubCfg->GetInt(QStringLiteral("MultiChannelServer"), 0, kOldKeysMode) != 0) {
+        m_nConnectionType = kMultiChannelServer;
     } else {
-        m_nConnectionType = m_sRemoteAddress.isEmpty() ? s_direct : s_remote;
+        m_nConnectionType = m_sRemoteAddress.isEmpty() ? kDirect : kRemote;
     }
 
-    for (const char* const key : s_oldKeys) {
-        pSubCfg->Remove(QString::fromLatin1(key), s_flag);
+    for (const char* const key : kOldKeys) {
+        pSubCfg->Remove(QString::fromLatin1(key), kFlag);
     }
 
     // What the old keys gave is the default now, so a current key wins and an old record keeps its values.
     const auto readString = [&pSubCfg](const QString& key, QString& field) {
-        field = pSubCfg->GetString(key, field, s_currentKeysMode);
+        field = pSubCfg->GetString(key, field, kCurrentKeysMode);
     };
     const auto readInt = [&pSubCfg](const QString& key, qint32& field) {
-        field = pSubCfg->GetInt(key, field, s_currentKeysMode);
+        field = pSubCfg->GetInt(key, field, kCurrentKeysMode);
     };
     readString(QStringLiteral("StationName"), m_sStationName);
     readString(QStringLiteral("DeviceType"), m_sDeviceType);
@@ -104,33 +104,33 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     readString(QStringLiteral("DeviceAddress"), m_sDeviceAddress);
     readString(QStringLiteral("RemoteAddress"), m_sRemoteAddress);
     readInt(QStringLiteral("ConnectionSpeed"), m_nConnectionSpeed);
-    m_bTimeoutActive = pSubCfg->GetBool(QStringLiteral("TimeoutActive"), m_bTimeoutActive, s_currentKeysMode);
+    m_bTimeoutActive = pSubCfg->GetBool(QStringLiteral("TimeoutActive"), m_bTimeoutActive, kCurrentKeysMode);
     readInt(QStringLiteral("TimeoutSeconds"), m_nTimeoutSeconds);
     ClearZeroAddress(m_sRemoteAddress);
 
     // The address that the connection type does not use.
-    if (m_nConnectionType == s_direct) {
+    if (m_nConnectionType == kDirect) {
         m_sRemoteAddress = QLatin1String("");
-    } else if (m_nConnectionType == s_multiChannelServer) {
+    } else if (m_nConnectionType == kMultiChannelServer) {
         m_sDeviceAddress = QLatin1String("");
     }
 }
 
 void ConnectData::Write(ICfg* pCfg) const
 {
-    const std::unique_ptr<ICfg> pSubCfg = OpenRecord(pCfg, m_nIndex, s_writeAssertLine);
+    const std::unique_ptr<ICfg> pSubCfg = OpenRecord(pCfg, m_nIndex, kWriteAssertLine);
     if (!pSubCfg) {
         return;
     }
 
-    pSubCfg->SetString(QStringLiteral("StationName"), m_sStationName, s_flag);
-    pSubCfg->SetString(QStringLiteral("DeviceType"), m_sDeviceType, s_flag);
-    pSubCfg->SetInt(QStringLiteral("ConnectionType"), m_nConnectionType, s_flag);
-    pSubCfg->SetString(QStringLiteral("DeviceAddress"), m_sDeviceAddress, s_flag);
-    pSubCfg->SetString(QStringLiteral("RemoteAddress"), m_sRemoteAddress, s_flag);
-    pSubCfg->SetInt(QStringLiteral("ConnectionSpeed"), m_nConnectionSpeed, s_flag);
-    pSubCfg->SetBool(QStringLiteral("TimeoutActive"), m_bTimeoutActive, s_flag);
-    pSubCfg->SetInt(QStringLiteral("TimeoutSeconds"), m_nTimeoutSeconds, s_flag);
+    pSubCfg->SetString(QStringLiteral("StationName"), m_sStationName, kFlag);
+    pSubCfg->SetString(QStringLiteral("DeviceType"), m_sDeviceType, kFlag);
+    pSubCfg->SetInt(QStringLiteral("ConnectionType"), m_nConnectionType, kFlag);
+    pSubCfg->SetString(QStringLiteral("DeviceAddress"), m_sDeviceAddress, kFlag);
+    pSubCfg->SetString(QStringLiteral("RemoteAddress"), m_sRemoteAddress, kFlag);
+    pSubCfg->SetInt(QStringLiteral("ConnectionSpeed"), m_nConnectionSpeed, kFlag);
+    pSubCfg->SetBool(QStringLiteral("TimeoutActive"), m_bTimeoutActive, kFlag);
+    pSubCfg->SetInt(QStringLiteral("TimeoutSeconds"), m_nTimeoutSeconds, kFlag);
 }
 
 int ConnectData::GetTypeCategory() const

@@ -17,14 +17,14 @@
 namespace {
 
 // An entry's name may be a megabyte long; a label that lays it out would block for minutes.
-constexpr qsizetype s_longestShown = 240;
+constexpr qsizetype kLongestShown = 240;
 
-constexpr int s_leastValueWidth = 120;
-constexpr int s_windowWidth = 600;
+constexpr int kLeastValueWidth = 120;
+constexpr int kWindowWidth = 600;
 
 QString Shown(const QString& text)
 {
-    return text.size() > s_longestShown ? text.left(s_longestShown) + QChar(0x2026) : text;
+    return text.size() > kLongestShown ? text.left(kLongestShown) + QChar(0x2026) : text;
 }
 
 QLabel* ValueLabel(const QString& text, const QString& objectName)
@@ -33,7 +33,7 @@ QLabel* ValueLabel(const QString& text, const QString& objectName)
     label->setObjectName(objectName);
     label->setTextFormat(Qt::PlainText); // names are the operator's, markup and all
     label->setWordWrap(true);
-    label->setMinimumWidth(s_leastValueWidth); // else its longest word is, and a word may be as long as a path
+    label->setMinimumWidth(kLeastValueWidth); // else its longest word is, and a word may be as long as a path
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     return label;
 }
@@ -76,7 +76,7 @@ KiteControlWindow::KiteControlWindow(const LaunchReport& report, QWidget* parent
     AddStart(report);
     layout->addStretch();
     AddButtons();
-    resize(s_windowWidth, layout->totalHeightForWidth(s_windowWidth));
+    resize(kWindowWidth, layout->totalHeightForWidth(kWindowWidth));
 }
 
 void KiteControlWindow::AddHeading(const LaunchReport& report)

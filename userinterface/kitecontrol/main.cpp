@@ -1,5 +1,5 @@
-#include "platform/librarysearch.h"
-#include "platform/standardstreams.h"
+#include "process/librarysearch.h"
+#include "process/standardstreams.h"
 #include "userinterface/kitecontrol/kitecontrolwindow.h"
 #include "userinterface/kitecontrol/launchenvironment.h"
 #include "userinterface/kitecontrol/launchreport.h"
@@ -49,7 +49,7 @@ QStringList CommandLine(int argc, char** argv)
 
 int main(int argc, char* argv[])
 {
-    SearchLibrariesHereOnly();
+    RestrictLibrarySearch();
     StandardStreams::Prepare();
     QStringList arguments = CommandLine(argc, argv);
     const QString program = QFileInfo(arguments.takeFirst()).baseName();

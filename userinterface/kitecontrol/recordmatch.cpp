@@ -8,7 +8,7 @@
 namespace {
 
 /// The device types that one kind of application serves, and whose entries it is told by their names.
-constexpr std::array<const char*, 7> s_kiteEchoFamily{
+constexpr std::array<const char*, 7> kKiteEchoFamily{
     "Kite Alpha + Wren C", "Kite Delta", "Kite Echo", "Kite Ember", "Kite Moss", "Plover One", "Plover Five",
 };
 
@@ -26,7 +26,7 @@ QString Squeezed(const QString& text)
 
 bool IsOfKiteEchoFamily(const QString& deviceType)
 {
-    return std::any_of(s_kiteEchoFamily.begin(), s_kiteEchoFamily.end(),
+    return std::any_of(kKiteEchoFamily.begin(), kKiteEchoFamily.end(),
                        [&deviceType](const char* name) { return deviceType == QLatin1String(name); });
 }
 

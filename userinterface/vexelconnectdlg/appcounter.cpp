@@ -1,9 +1,9 @@
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
+#include "files/boundedfile.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
-#include "userinterface/vexelconnectdlg/boundedfile.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
@@ -19,10 +19,10 @@
 
 namespace {
 
-constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/appcounter";
+constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/appcounter";
 
 // Of a name in a message box. The box takes a second and more to come up for every hundred thousand characters.
-constexpr qsizetype s_shownNameLength = 10'000;
+constexpr qsizetype kShownNameLength = 10'000;
 
 QString ConfiguredText(const QString& node, const QString& key)
 {
@@ -31,12 +31,12 @@ QString ConfiguredText(const QString& node, const QString& key)
 
 void TracePath(quint16 line, const char* message, const QString& path)
 {
-    Trace(s_traceSource, line, [message, &path] { return QString::fromLatin1(message).arg(path); });
+    Trace(kTraceSource, line, [message, &path] { return QString::fromLatin1(message).arg(path); });
 }
 
 void TraceXmlError(quint16 line, const char* message, const QXmlStreamReader& reader)
 {
-    Trace(s_traceSource, line, [message, &reader] {
+    Trace(kTraceSource, line, [message, &reader] {
         return QString::fromLatin1(message).arg(QString::number(reader.lineNumber()),
                                                 QString::number(reader.columnNumber()), reader.errorString());
     });
@@ -55,7 +55,7 @@ AppCounter::AppCounter(ConnectionsModel* owner, QString configurationName)
 AppCounter::~AppCounter()
 {
     // Applications that are ended here must not be heard of: what is done about it needs the tables.
-    const QList<ApplicationInstance*> instances = std::exchange(m_Instances, {});
+    const QList<ApplicationInstance*> instances = std::exchange(m_instances, {});
     for (ApplicationInstance* const instance : instances) {
         instance->disconnect(this);
         delete instance;
@@ -64,11 +64,11 @@ AppCounter::~AppCounter()
 
 void AppCounter::UpdateInstalledApps()
 {
-    m_StartupTable.clear();
-    m_InstalledList.clear();
+    m_startupTable.clear();
+    m_installedList.clear();
     for (int deviceType = 0; deviceType < Connection::DeviceTypeCount; ++deviceType) {
-        m_InstalledTable[deviceType].clear();
-        m_RunningTable[deviceType].clear();
+        m_installedTable[deviceType].clear();
+        m_runningTable[deviceType].clear();
     }
 
     const QString dataDirectory = ConfiguredText(QStringLiteral("Administration"), QStringLiteral("VexelDataDir"));
@@ -90,7 +90,7 @@ void AppCounter::UpdateInstalledApps()
 
 void AppCounter::UpdateTypeDeviceMappings()
 {
-    m_TypeTable.clear();
+    m_typeTable.clear();
     if (const std::optional<QByteArray> document = ReadRegularFile(m_sMappingFilePath)) {
         QXmlStreamReader reader(*document);
         if (!ReadTypeApplicationMappings(reader))
@@ -107,12 +107,12 @@ bool AppCounter::ReadMachine(QXmlStreamReader& reader)
     MachineConfiguration machine;
     const bool isMachine = machine.Read(reader);
 
-    m_InstalledList += machine.applications;
+    m_installedList += machine.applications;
     for (auto entry = machine.startLists.cbegin(); entry != machine.startLists.cend(); ++entry)
-        m_StartupTable[entry.key()] += entry.value();
+        m_startupTable[entry.key()] += entry.value();
 
     for (const QString& application : std::as_const(machine.unreadable)) {
-        Trace(s_traceSource, __LINE__, [&application] {
+        Trace(kTraceSource, __LINE__, [&application] {
             return QStringLiteral("AppCounter::ReadMachine(): Parameter count of application <%1> is out of range")
                 .arg(application);
         });
@@ -127,7 +127,7 @@ bool AppCounter::ReadMachine(QXmlStreamReader& reader)
 
 bool AppCounter::ReadTypeApplicationMappings(QXmlStreamReader& reader)
 {
-    const bool lastKept = TypeMapping::Read(reader, m_StartupTable, m_TypeTable);
+    const bool lastKept = TypeMapping::Read(reader, m_startupTable, m_typeTable);
     if (reader.hasError()) {
         TraceXmlError(__LINE__,
                       "AppCounter::ReadTypeApplicationMappings(): "
@@ -140,23 +140,23 @@ bool AppCounter::ReadTypeApplicationMappings(QXmlStreamReader& reader)
 
 void AppCounter::FillInstalledTable()
 {
-    for (QStringList& applications : m_InstalledTable)
+    for (QStringList& applications : m_installedTable)
         applications.clear();
 
     const QMap<int, QStringList> serving =
-        TypeMapping::ServingApplications(m_InstalledList, m_StartupTable, m_TypeTable);
+        TypeMapping::ServingApplications(m_installedList, m_startupTable, m_typeTable);
     for (auto type = serving.cbegin(); type != serving.cend(); ++type)
-        m_InstalledTable[type.key()] = type.value();
+        m_installedTable[type.key()] = type.value();
 }
 
 QStringList AppCounter::InstalledApplications(int deviceType) const
 {
-    return m_InstalledTable.value(Connection::ApplicationDeviceType(deviceType));
+    return m_installedTable.value(Connection::ApplicationDeviceType(deviceType));
 }
 
 QStringList AppCounter::RunningApplications(int deviceType) const
 {
-    return m_RunningTable.value(Connection::ApplicationDeviceType(deviceType));
+    return m_runningTable.value(Connection::ApplicationDeviceType(deviceType));
 }
 
 QStringList AppCounter::FreeApplications(int deviceType) const
@@ -169,7 +169,7 @@ QStringList AppCounter::FreeApplications(int deviceType) const
 
 QString AppCounter::ProgramForType(int deviceType) const
 {
-    return m_TypeTable.value(Connection::ApplicationDeviceType(deviceType));
+    return m_typeTable.value(Connection::ApplicationDeviceType(deviceType));
 }
 
 bool AppCounter::ConnectTo(const Connection& entry)
@@ -185,22 +185,22 @@ bool AppCounter::ConnectTo(const Connection& entry)
         ProgramForType(entry.DeviceType), ApplicationArguments(application, entry), QDir::currentPath(), entry);
     // The list owns it; the parent is for one that was swept and whose deletion the event loop did not come to.
     instance->setParent(this);
-    m_Instances.append(instance);
+    m_instances.append(instance);
     connect(instance, &ApplicationInstance::ProcessExited, this, &AppCounter::SlotOnProcessExit);
     if (!instance->Start())
         return false;
 
     if (m_pOwner)
         m_pOwner->SetConnectionStatus(entry, Connection::InUse);
-    m_RunningTable[Connection::ApplicationDeviceType(entry.DeviceType)].append(application);
+    m_runningTable[Connection::ApplicationDeviceType(entry.DeviceType)].append(application);
     return true;
 }
 
 void AppCounter::ShowNoFreeApplication(const Connection& entry) const
 {
     QString name = entry.ConnectionName;
-    if (name.size() > s_shownNameLength) {
-        name.truncate(s_shownNameLength);
+    if (name.size() > kShownNameLength) {
+        name.truncate(kShownNameLength);
         name += QChar(0x2026);
     }
     QMessageBox box(QMessageBox::Information, tr("Problem"),
@@ -221,10 +221,10 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry) const
 
 void AppCounter::SlotOnProcessExit()
 {
-    const QList<ApplicationInstance*> instances = m_Instances;
+    const QList<ApplicationInstance*> instances = m_instances;
     for (ApplicationInstance* const instance : instances) {
         // Whoever hears of a status may have swept already.
-        if (m_Instances.contains(instance) && instance->GetState() == ApplicationInstance::Free)
+        if (m_instances.contains(instance) && instance->GetState() == ApplicationInstance::Free)
             Sweep(instance);
     }
 }
@@ -234,9 +234,9 @@ void AppCounter::Sweep(ApplicationInstance* instance)
     const Connection entry = instance->GetConnection();
     if (m_pOwner)
         m_pOwner->SetConnectionStatus(entry, Connection::Free);
-    m_RunningTable[Connection::ApplicationDeviceType(entry.DeviceType)].removeOne(instance->GetHostName());
+    m_runningTable[Connection::ApplicationDeviceType(entry.DeviceType)].removeOne(instance->GetHostName());
 
-    m_Instances.removeOne(instance);
+    m_instances.removeOne(instance);
     instance->disconnect();
     // It may be the one whose signal is being handled.
     instance->deleteLater();

@@ -61,12 +61,12 @@ public:
     QString ProgramForType(int deviceType) const;
 
     /// The applications in the order of the machine configuration.
-    const QStringList& InstalledList() const { return m_InstalledList; }
+    const QStringList& InstalledList() const { return m_installedList; }
     /// For each application that has one its start list: the executable, then the parameters.
-    const QMap<QString, QStringList>& StartupTable() const { return m_StartupTable; }
+    const QMap<QString, QStringList>& StartupTable() const { return m_startupTable; }
     const QString& MappingFilePath() const { return m_sMappingFilePath; }
     /// The applications started and not yet swept, in start order. Owned by the launcher.
-    const QList<ApplicationInstance*>& Instances() const { return m_Instances; }
+    const QList<ApplicationInstance*>& Instances() const { return m_instances; }
 
 public slots:
     /// An application has ended: lets go of every instance that is "Free", makes its entry "Free" and its application
@@ -79,12 +79,12 @@ private:
     void Sweep(ApplicationInstance* instance);
 
     QPointer<ConnectionsModel> m_pOwner;
-    QMap<int, QStringList> m_InstalledTable;
-    QMap<QString, QStringList> m_StartupTable;
-    QStringList m_InstalledList;
-    QMap<int, QStringList> m_RunningTable;
-    QList<ApplicationInstance*> m_Instances;
-    QMap<int, QString> m_TypeTable;
+    QMap<int, QStringList> m_installedTable;
+    QMap<QString, QStringList> m_startupTable;
+    QStringList m_installedList;
+    QMap<int, QStringList> m_runningTable;
+    QList<ApplicationInstance*> m_instances;
+    QMap<int, QString> m_typeTable;
     const QString m_sConfigurationName;
     QString m_sMappingFilePath;
 };

@@ -8,19 +8,19 @@
 
 namespace {
 
-constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/applicationinstance";
+constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/applicationinstance";
 
-constexpr int s_startTimeoutMs = 30000;
+constexpr int kStartTimeoutMs = 30000;
 
 // A killed process ends at once, unless the system holds it up; then this one shall not wait for ever.
-constexpr int s_killTimeoutMs = 30000;
+constexpr int kKillTimeoutMs = 30000;
 
 /// Ends a process that still runs, and waits for its end, so that no child is left behind in any form.
 void End(QProcess& process)
 {
     if (process.state() != QProcess::NotRunning) {
         process.kill();
-        process.waitForFinished(s_killTimeoutMs);
+        process.waitForFinished(kKillTimeoutMs);
     }
 }
 
@@ -29,9 +29,9 @@ void End(QProcess& process)
 ApplicationInstance::ApplicationInstance(QString program, QStringList arguments, QString workingDirectory,
                                          const Connection& connection)
     : m_sProgram(std::move(program))
-    , m_Arguments(std::move(arguments))
+    , m_arguments(std::move(arguments))
     , m_sWorkingDirectory(std::move(workingDirectory))
-    , m_Connection(connection)
+    , m_connection(connection)
 {
 }
 
@@ -57,7 +57,7 @@ bool ApplicationInstance::Start()
         m_pProcess->setWorkingDirectory(m_sWorkingDirectory);
     } else {
         // Not handed to the process then: it would fail to start, where only its place is in question.
-        Trace(s_traceSource, __LINE__, [this] {
+        Trace(kTraceSource, __LINE__, [this] {
             return QStringLiteral("ApplicationInstance::Start(): Specified working directory does not exist: <%1>")
                 .arg(m_sWorkingDirectory);
         });
@@ -66,17 +66,17 @@ bool ApplicationInstance::Start()
     // Nobody here reads what the application prints, and unread output is kept in memory without bound.
     m_pProcess->setStandardOutputFile(QProcess::nullDevice());
     m_pProcess->setStandardErrorFile(QProcess::nullDevice());
-    m_pProcess->start(m_sProgram, m_Arguments, QIODevice::ReadWrite);
+    m_pProcess->start(m_sProgram, m_arguments, QIODevice::ReadWrite);
 
-    if (!m_pProcess->waitForStarted(s_startTimeoutMs)) {
-        Trace(s_traceSource, __LINE__, [this] {
+    if (!m_pProcess->waitForStarted(kStartTimeoutMs)) {
+        Trace(kTraceSource, __LINE__, [this] {
             return QStringLiteral("ApplicationInstance::Start(): Application <%1> could not be started")
                 .arg(m_sProgram);
         });
         ReleaseInstance();
         return false;
     }
-    Trace(s_traceSource, __LINE__,
+    Trace(kTraceSource, __LINE__,
           [this] { return QStringLiteral("ApplicationInstance::Start(): Started application <%1>").arg(m_sProgram); });
     SetState(Started);
     return true;
@@ -84,15 +84,15 @@ bool ApplicationInstance::Start()
 
 void ApplicationInstance::ReleaseInstance()
 {
-    if (m_State == Started) {
+    if (m_state == Started) {
         // The state can be set from outside as well, without a process.
         if (m_pProcess)
             m_pProcess->terminate();
         SetState(Free);
         return;
     }
-    Trace(s_traceSource, __LINE__, [this] {
-        return QStringLiteral("ApplicationInstance::ReleaseInstance() unknwon state %1").arg(int{m_State});
+    Trace(kTraceSource, __LINE__, [this] {
+        return QStringLiteral("ApplicationInstance::ReleaseInstance() unknwon state %1").arg(int{m_state});
     });
     SetState(Free);
     DropProcess();
@@ -100,18 +100,18 @@ void ApplicationInstance::ReleaseInstance()
 
 void ApplicationInstance::SetState(int state)
 {
-    if (state == m_State)
+    if (state == m_state)
         return;
-    Trace(s_traceSource, __LINE__, [this, state] {
+    Trace(kTraceSource, __LINE__, [this, state] {
         return QStringLiteral("ApplicationInstance::SetState: <%1> to <%2> for application <%3>.")
-            .arg(StateName(m_State), StateName(state), m_sProgram);
+            .arg(StateName(m_state), StateName(state), m_sProgram);
     });
-    m_State = static_cast<State>(state);
+    m_state = static_cast<State>(state);
 }
 
 QString ApplicationInstance::GetHostName() const
 {
-    return m_Arguments.isEmpty() ? QString() : m_Arguments.constFirst().section(u':', 0, 0);
+    return m_arguments.isEmpty() ? QString() : m_arguments.constFirst().section(u':', 0, 0);
 }
 
 void ApplicationInstance::SlotProcessExited(int iCode, QProcess::ExitStatus status)
@@ -120,24 +120,24 @@ void ApplicationInstance::SlotProcessExited(int iCode, QProcess::ExitStatus stat
         return;
 
     if (status == QProcess::NormalExit) {
-        Trace(s_traceSource, __LINE__, [this] {
+        Trace(kTraceSource, __LINE__, [this] {
             return QStringLiteral("ApplicationInstance::SlotProcessExited(): "
                                   "Received SlotProcessExited signal for application <%1>.")
                 .arg(m_sProgram);
         });
     } else {
-        Trace(s_traceSource, __LINE__, [this, iCode] {
+        Trace(kTraceSource, __LINE__, [this, iCode] {
             return QStringLiteral("ApplicationInstance::SlotProcessExited(): "
                                   "abnormal exit with code <%1> of process <%2>.")
                 .arg(QString::number(iCode), m_sProgram);
         });
     }
 
-    if (m_State == Started) {
+    if (m_state == Started) {
         SetState(Free);
         DropProcess();
         emit ProcessExited();
-    } else if (m_State == Error) {
+    } else if (m_state == Error) {
         SetState(Free);
         DropProcess();
     }

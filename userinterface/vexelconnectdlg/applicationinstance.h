@@ -35,12 +35,12 @@ public:
     /// comes. Any other state: "Free", and a process that is still there is ended and deleted.
     void ReleaseInstance();
 
-    State GetState() const { return m_State; }
+    State GetState() const { return m_state; }
     /// Traces the change from one state to another. Any number is taken.
     void SetState(int state);
 
     const QString& GetWorkingDirectory() const { return m_sWorkingDirectory; }
-    Connection GetConnection() const { return m_Connection; }
+    Connection GetConnection() const { return m_connection; }
     /// The first argument up to its first ":", or the whole of it without one: the name of the application. Empty
     /// without arguments.
     QString GetHostName() const;
@@ -61,8 +61,8 @@ private:
 
     QProcess* m_pProcess = nullptr;
     const QString m_sProgram;
-    const QStringList m_Arguments;
+    const QStringList m_arguments;
     const QString m_sWorkingDirectory;
-    const Connection m_Connection;
-    State m_State = Free;
+    const Connection m_connection;
+    State m_state = Free;
 };

@@ -7,7 +7,7 @@
 namespace {
 
 // It is the launcher's connect operation that speaks here.
-constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/appcounter";
+constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/appcounter";
 
 /// The port of the driver application of a (normalised) device type, with its colon; empty where there is none.
 QString DefaultPort(int deviceType)
@@ -32,12 +32,12 @@ QString DefaultPort(int deviceType)
 QString DriverWithPort(const Connection& entry, int deviceType)
 {
     // Anywhere in the address, so that one of IPv6 mostly counts as having a port. Digits are those of ASCII.
-    static const QRegularExpression s_port(QStringLiteral(":\\d+"));
-    if (entry.DriverAddress.contains(s_port))
+    static const QRegularExpression kPort(QStringLiteral(":\\d+"));
+    if (entry.DriverAddress.contains(kPort))
         return entry.DriverAddress;
     const QString port = DefaultPort(deviceType);
     if (port.isEmpty()) {
-        Trace(s_traceSource, __LINE__,
+        Trace(kTraceSource, __LINE__,
               [] { return QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver"); });
     }
     return entry.DriverAddress + port;
@@ -74,7 +74,7 @@ QStringList ApplicationArguments(const QString& application, const Connection& e
         break;
     default:
         // Started all the same: an application may do with its first argument alone.
-        Trace(s_traceSource, __LINE__, [&entry] {
+        Trace(kTraceSource, __LINE__, [&entry] {
             return QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported")
                 .arg(Connection::DeviceTypeName(entry.DeviceType));
         });

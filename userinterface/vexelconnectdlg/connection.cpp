@@ -7,29 +7,29 @@
 namespace {
 
 // Made once, when the library is loaded: a language chosen later does not reach it.
-const QString s_fallbackText = QCoreApplication::translate("Connection", "No string representation for ID %1");
+const QString kFallbackText = QCoreApplication::translate("Connection", "No string representation for ID %1");
 
 // Product names: the same in every language.
-constexpr std::array<const char*, Connection::DeviceTypeCount> s_deviceTypeNames{
+constexpr std::array<const char*, Connection::DeviceTypeCount> kDeviceTypeNames{
     "Kite Alpha + Wren C", "Kite Bravo", "Kite Cobra",  "Kite Delta", "Kite Echo", "Kite Ember",
     "Kite Moss",           "Plover One", "Plover Five", "Heron",      "Wren D",    "Pipit",
     "Kite Alpha + Finch",  "Kite Fjord", "Linnet + DF",
 };
 
-constexpr std::array<const char*, Connection::ConnectionTypeCount> s_connectionTypeNames{
+constexpr std::array<const char*, Connection::ConnectionTypeCount> kConnectionTypeNames{
     QT_TRANSLATE_NOOP("Connection", "Direct Connection"),
     QT_TRANSLATE_NOOP("Connection", "Remote Connection"),
     QT_TRANSLATE_NOOP("Connection", "MultiChannel Server"),
 };
 
-constexpr std::array<const char*, Connection::LinkSpeedCount> s_linkSpeedNames{
+constexpr std::array<const char*, Connection::LinkSpeedCount> kLinkSpeedNames{
     QT_TRANSLATE_NOOP("Connection", "LAN"),        QT_TRANSLATE_NOOP("Connection", "ISDN"),
     QT_TRANSLATE_NOOP("Connection", "Fast Modem"), QT_TRANSLATE_NOOP("Connection", "Slow Modem"),
     QT_TRANSLATE_NOOP("Connection", "GSM"),        QT_TRANSLATE_NOOP("Connection", "UMTS"),
     QT_TRANSLATE_NOOP("Connection", "Radio Link"),
 };
 
-constexpr std::array<const char*, Connection::ConnectionStatusCount> s_statusNames{
+constexpr std::array<const char*, Connection::ConnectionStatusCount> kStatusNames{
     QT_TRANSLATE_NOOP("Connection", "Free"),
     QT_TRANSLATE_NOOP("Connection", "In Use"),
 };
@@ -42,7 +42,7 @@ const char* TextAt(const std::array<const char*, N>& texts, int value)
 
 QString TranslatedOrFallback(const char* text, int value)
 {
-    return text ? Connection::tr(text) : s_fallbackText.arg(value);
+    return text ? Connection::tr(text) : kFallbackText.arg(value);
 }
 
 } // namespace
@@ -97,23 +97,23 @@ bool Connection::operator==(const Connection& other) const
 
 QString Connection::StatusName(int value)
 {
-    return TranslatedOrFallback(TextAt(s_statusNames, value), value);
+    return TranslatedOrFallback(TextAt(kStatusNames, value), value);
 }
 
 QString Connection::ConnectionTypeName(int value)
 {
-    return TranslatedOrFallback(TextAt(s_connectionTypeNames, value), value);
+    return TranslatedOrFallback(TextAt(kConnectionTypeNames, value), value);
 }
 
 QString Connection::DeviceTypeName(int value)
 {
-    const char* const text = TextAt(s_deviceTypeNames, value);
-    return text ? QString::fromLatin1(text) : s_fallbackText.arg(value);
+    const char* const text = TextAt(kDeviceTypeNames, value);
+    return text ? QString::fromLatin1(text) : kFallbackText.arg(value);
 }
 
 QString Connection::LinkSpeedName(int value)
 {
-    return TranslatedOrFallback(TextAt(s_linkSpeedNames, value), value);
+    return TranslatedOrFallback(TextAt(kLinkSpeedNames, value), value);
 }
 
 int Connection::ApplicationDeviceType(int deviceType)

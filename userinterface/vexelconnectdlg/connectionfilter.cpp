@@ -12,14 +12,14 @@
 
 namespace {
 
-const QString s_settingsNode = QStringLiteral("FilterSettings");
-const QString s_columnKey = QStringLiteral("Column");
-const QString s_patternKey = QStringLiteral("FilterPattern");
-const QString s_searchModeKey = QStringLiteral("SearchMode");
+const QString kSettingsNode = QStringLiteral("FilterSettings");
+const QString kColumnKey = QStringLiteral("Column");
+const QString kPatternKey = QStringLiteral("FilterPattern");
+const QString kSearchModeKey = QStringLiteral("SearchMode");
 
 std::unique_ptr<ICfg> OpenSettings()
 {
-    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(s_settingsNode, 0));
+    return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(kSettingsNode, 0));
 }
 
 /// The engine takes no text that holds half of a surrogate pair, as one cut off at some length may: a half counts as
@@ -113,11 +113,11 @@ QString TranslateWildcard(const QString& pattern)
 // How often the engine may step back within one text: far more than an honest expression does on a name, and over in
 // a fraction of a millisecond. A text of many thousand characters, of which a list holds few, takes more steps by
 // itself.
-constexpr const char* s_matchLimit = "(*LIMIT_MATCH=20000)";
-constexpr const char* s_longTextMatchLimit = "(*LIMIT_MATCH=2000000)";
-constexpr qsizetype s_longText = 1000; // characters
+constexpr const char* kMatchLimit = "(*LIMIT_MATCH=20000)";
+constexpr const char* kLongTextMatchLimit = "(*LIMIT_MATCH=2000000)";
+constexpr qsizetype kLongText = 1000; // characters
 
-constexpr qsizetype s_longestShownText = 500; // characters; wider than any screen
+constexpr qsizetype kLongestShownText = 500; // characters; wider than any screen
 
 bool IsLineBreak(QChar c)
 {
@@ -127,11 +127,11 @@ bool IsLineBreak(QChar c)
 
 QString OneLine(const QString& text)
 {
-    const bool tooLong = text.size() > s_longestShownText;
+    const bool tooLong = text.size() > kLongestShownText;
     if (!tooLong && std::none_of(text.begin(), text.end(), IsLineBreak)) {
         return text;
     }
-    QString line = tooLong ? text.left(s_longestShownText) + QChar(0x2026) : text;
+    QString line = tooLong ? text.left(kLongestShownText) + QChar(0x2026) : text;
     std::replace_if(line.begin(), line.end(), IsLineBreak, QLatin1Char(' '));
     return line;
 }
@@ -159,14 +159,14 @@ FilterSettings FilterSettings::Load()
 {
     const auto node = OpenSettings();
     FilterSettings settings;
-    settings.column = node->GetInt(s_columnKey, ConnectionsModel::ColumnName, 0);
+    settings.column = node->GetInt(kColumnKey, ConnectionsModel::ColumnName, 0);
     // One step only: a value further out leaves the choice without a current column.
     if (settings.column < 0)
         ++settings.column;
     else if (settings.column >= ConnectionsModel::ColumnCount)
         --settings.column;
-    settings.pattern = node->GetString(s_patternKey, QString(), 0);
-    settings.searchMode = node->GetInt(s_searchModeKey, 0, 0);
+    settings.pattern = node->GetString(kPatternKey, QString(), 0);
+    settings.searchMode = node->GetInt(kSearchModeKey, 0, 0);
     if (settings.searchMode < 0 || settings.searchMode > static_cast<int>(SearchMode::RegularExpression))
         settings.searchMode = static_cast<int>(SearchMode::PlainText);
     return settings;
@@ -175,9 +175,9 @@ FilterSettings FilterSettings::Load()
 void FilterSettings::Save() const
 {
     const auto node = OpenSettings();
-    node->SetInt(s_columnKey, column, 0);
-    node->SetString(s_patternKey, pattern, 0);
-    node->SetInt(s_searchModeKey, searchMode, 0);
+    node->SetInt(kColumnKey, column, 0);
+    node->SetString(kPatternKey, pattern, 0);
+    node->SetInt(kSearchModeKey, searchMode, 0);
 }
 
 QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
@@ -192,29 +192,29 @@ QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
 void ConnectionFilterModel::UpdateBounds() const
 {
     const QRegularExpression expression = filterRegularExpression();
-    if (expression != m_Expression) {
-        m_Expression = expression;
+    if (expression != m_expression) {
+        m_expression = expression;
         const auto bounded = [&expression](const char* limit) {
             return QRegularExpression(QLatin1String(limit) + expression.pattern(), expression.patternOptions());
         };
-        m_ForNames = bounded(s_matchLimit);
-        m_ForLongTexts = bounded(s_longTextMatchLimit);
+        m_forNames = bounded(kMatchLimit);
+        m_forLongTexts = bounded(kLongTextMatchLimit);
     }
 }
 
 bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
     UpdateBounds();
-    if (m_Expression.pattern().isEmpty()) {
+    if (m_expression.pattern().isEmpty()) {
         return true;
     }
-    if (!m_ForNames.isValid()) {
+    if (!m_forNames.isValid()) {
         return false;
     }
     const auto matches = [&](int column) {
         const QString text =
             WellFormed(sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString());
-        return text.contains(text.size() > s_longText ? m_ForLongTexts : m_ForNames);
+        return text.contains(text.size() > kLongText ? m_forLongTexts : m_forNames);
     };
     const int columns = sourceModel()->columnCount(sourceParent);
     if (filterKeyColumn() >= 0) {

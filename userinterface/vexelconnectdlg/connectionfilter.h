@@ -49,7 +49,7 @@ private:
     void UpdateBounds() const;
 
     /// The filter's expression, and what is matched in its place; made anew when the filter's is another one.
-    mutable QRegularExpression m_Expression;
-    mutable QRegularExpression m_ForNames;
-    mutable QRegularExpression m_ForLongTexts;
+    mutable QRegularExpression m_expression;
+    mutable QRegularExpression m_forNames;
+    mutable QRegularExpression m_forLongTexts;
 };

@@ -10,12 +10,12 @@
 
 namespace {
 
-const QString s_rootElement = QStringLiteral("ConnectionEntries");
-const QString s_entryElement = QStringLiteral("Connection");
+const QString kRootElement = QStringLiteral("ConnectionEntries");
+const QString kEntryElement = QStringLiteral("Connection");
 
 // The place that the product's trace analysis knows the message by.
-constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/connectionsmodel";
-constexpr quint16 s_xmlErrorLine = 612;
+constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/connectionsmodel";
+constexpr quint16 kXmlErrorLine = 612;
 
 bool IsXmlCharacter(char16_t unit)
 {
@@ -48,19 +48,19 @@ class Writer
 public:
     QByteArray Write(const std::vector<const Connection*>& entries)
     {
-        m_Document.appendChild(m_Document.createProcessingInstruction(
+        m_document.appendChild(m_document.createProcessingInstruction(
             QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"utf-8\"")));
-        QDomElement root = m_Document.createElement(s_rootElement);
-        m_Document.appendChild(root);
+        QDomElement root = m_document.createElement(kRootElement);
+        m_document.appendChild(root);
         for (const Connection* entry : entries)
             root.appendChild(EntryElement(*entry));
-        return m_Document.toByteArray(2);
+        return m_document.toByteArray(2);
     }
 
 private:
     QDomElement EntryElement(const Connection& entry)
     {
-        QDomElement element = m_Document.createElement(s_entryElement);
+        QDomElement element = m_document.createElement(kEntryElement);
         AppendText(element, QStringLiteral("ConnectionName"), entry.ConnectionName);
         AppendNumber(element, QStringLiteral("DeviceType"), entry.DeviceType);
         AppendNumber(element, QStringLiteral("ConnectionType"), entry.ConnectionType);
@@ -77,8 +77,8 @@ private:
 
     void AppendPlain(QDomElement& parent, const QString& name, const QString& value)
     {
-        QDomElement element = m_Document.createElement(name);
-        element.appendChild(m_Document.createTextNode(value));
+        QDomElement element = m_document.createElement(name);
+        element.appendChild(m_document.createTextNode(value));
         parent.appendChild(element);
     }
 
@@ -92,12 +92,12 @@ private:
     void AppendText(QDomElement& parent, const QString& name, const QString& value)
     {
         const QString text = WithoutUnwritable(value);
-        QDomElement element = m_Document.createElement(name);
+        QDomElement element = m_document.createElement(name);
         qsizetype begin = 0;
         for (qsizetype i = 0; i < text.size(); ++i) {
             if (text.at(i) == u'\r') {
                 AppendSection(element, text.mid(begin, i - begin));
-                element.appendChild(m_Document.createTextNode(QStringLiteral("\r")));
+                element.appendChild(m_document.createTextNode(QStringLiteral("\r")));
                 begin = i + 1;
             } else if (text.at(i) == u'>' && i - begin >= 2 && text.at(i - 1) == u']' && text.at(i - 2) == u']') {
                 AppendSection(element, text.mid(begin, i - begin));
@@ -110,32 +110,32 @@ private:
 
     void AppendSection(QDomElement& parent, const QString& text)
     {
-        parent.appendChild(m_Document.createCDATASection(text));
+        parent.appendChild(m_document.createCDATASection(text));
     }
 
-    QDomDocument m_Document;
+    QDomDocument m_document;
 };
 
 class Reader
 {
 public:
     Reader(const QByteArray& document, const ConnectionList::Consumer& consumer)
-        : m_Xml(document)
-        , m_Consumer(consumer)
+        : m_xml(document)
+        , m_consumer(consumer)
     {
     }
 
     bool Read()
     {
         bool anyEntry = false;
-        while (!m_Xml.atEnd()) {
+        while (!m_xml.atEnd()) {
             ReadNext();
-            if (m_Xml.isStartElement() && m_Xml.name() == s_entryElement) {
+            if (m_xml.isStartElement() && m_xml.name() == kEntryElement) {
                 anyEntry = true;
                 ReadEntry();
             }
         }
-        if (m_Xml.hasError()) {
+        if (m_xml.hasError()) {
             TraceError();
             return false;
         }
@@ -145,26 +145,26 @@ public:
 private:
     void ReadNext()
     {
-        m_Xml.readNext();
-        RefuseEntityDeclarations(m_Xml);
+        m_xml.readNext();
+        RefuseEntityDeclarations(m_xml);
     }
 
     void ReadEntry()
     {
         Connection entry;
-        while (!m_Xml.atEnd()) {
+        while (!m_xml.atEnd()) {
             ReadNext();
-            if (m_Xml.isEndElement() && m_Xml.name() == s_entryElement)
+            if (m_xml.isEndElement() && m_xml.name() == kEntryElement)
                 break;
-            if (m_Xml.isStartElement())
+            if (m_xml.isStartElement())
                 ReadField(entry);
         }
-        m_Consumer(entry);
+        m_consumer(entry);
     }
 
     void ReadField(Connection& entry)
     {
-        const QStringView name = m_Xml.name();
+        const QStringView name = m_xml.name();
         if (name == QLatin1String("ConnectionName"))
             entry.ConnectionName = ReadText();
         else if (name == QLatin1String("DeviceType"))
@@ -194,14 +194,14 @@ private:
     {
         QString text;
         int depth = 0; // of unknown elements
-        while (!m_Xml.atEnd()) {
+        while (!m_xml.atEnd()) {
             ReadNext();
-            if (m_Xml.isStartElement())
+            if (m_xml.isStartElement())
                 ++depth;
-            else if (m_Xml.isEndElement() && --depth < 0)
+            else if (m_xml.isEndElement() && --depth < 0)
                 break;
-            else if (depth == 0 && (m_Xml.isCharacters() || m_Xml.isEntityReference()))
-                text += m_Xml.text();
+            else if (depth == 0 && (m_xml.isCharacters() || m_xml.isEntityReference()))
+                text += m_xml.text();
         }
         return text;
     }
@@ -210,14 +210,14 @@ private:
 
     void TraceError() const
     {
-        Trace(s_traceSource, s_xmlErrorLine, [this] {
+        Trace(kTraceSource, kXmlErrorLine, [this] {
             return QStringLiteral("XML parsing error occurred in row %1 column %2. \"%3\"")
-                .arg(QString::number(m_Xml.lineNumber()), QString::number(m_Xml.columnNumber()), m_Xml.errorString());
+                .arg(QString::number(m_xml.lineNumber()), QString::number(m_xml.columnNumber()), m_xml.errorString());
         });
     }
 
-    QXmlStreamReader m_Xml;
-    const ConnectionList::Consumer& m_Consumer;
+    QXmlStreamReader m_xml;
+    const ConnectionList::Consumer& m_consumer;
 };
 
 } // namespace

@@ -15,11 +15,11 @@
 
 namespace {
 
-constexpr int s_maximumTimeout = 90000; // seconds
-constexpr int s_timeoutStep = 30;       // seconds
+constexpr int kMaximumTimeout = 90000; // seconds
+constexpr int kTimeoutStep = 30;       // seconds
 
 // Device types that exist in stored entries but are no longer offered.
-constexpr std::array s_withdrawnDeviceTypes{Connection::Heron, Connection::WrenD, Connection::Pipit};
+constexpr std::array kWithdrawnDeviceTypes{Connection::Heron, Connection::WrenD, Connection::Pipit};
 
 // A list of the values 0 to count - 1, so that an item's position is its value.
 QComboBox* NewComboBox(QWidget* parent, int count, QString (*textOf)(int value))
@@ -40,8 +40,8 @@ QSpinBox* NewTimeoutSpinBox(QWidget* parent)
 {
     auto* const spinBox = new QSpinBox(parent);
     spinBox->setSpecialValueText(ConnectionsDelegate::tr("No Timeout"));
-    spinBox->setRange(0, s_maximumTimeout);
-    spinBox->setSingleStep(s_timeoutStep);
+    spinBox->setRange(0, kMaximumTimeout);
+    spinBox->setSingleStep(kTimeoutStep);
     spinBox->setSuffix(QStringLiteral(" s"));
     return spinBox;
 }
@@ -55,7 +55,7 @@ QWidget* NewEditor(QWidget* parent, int column)
         return NewComboBox(parent, Connection::ConnectionStatusCount, &Connection::StatusName);
     case ConnectionsModel::ColumnDeviceType: {
         QComboBox* const comboBox = NewComboBox(parent, Connection::DeviceTypeCount, &Connection::DeviceTypeName);
-        for (const int value : s_withdrawnDeviceTypes) {
+        for (const int value : kWithdrawnDeviceTypes) {
             SetItemHidden(comboBox, value, true);
         }
         return comboBox;

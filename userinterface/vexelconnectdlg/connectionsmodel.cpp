@@ -21,11 +21,11 @@ static void InitImages()
 
 namespace {
 
-constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/connectionsmodel";
-constexpr quint16 s_noNameToReadLine = 673;
-constexpr quint16 s_noNameToWriteLine = 694;
+constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/connectionsmodel";
+constexpr quint16 kNoNameToReadLine = 673;
+constexpr quint16 kNoNameToWriteLine = 694;
 
-const QString s_storedSetKey = QStringLiteral("ModelMimeData");
+const QString kStoredSetKey = QStringLiteral("ModelMimeData");
 
 std::unique_ptr<ICfg> OpenStoredSet(const QString& objectName)
 {
@@ -66,8 +66,8 @@ ConnectionsModel::ConnectionsModel(QObject* parent, const QString& objectName)
     : QAbstractTableModel(parent)
 {
     InitImages();
-    m_SelectedIcon = QIcon(QStringLiteral(":/ok.png"));
-    m_TimeoutIcon = QIcon(QStringLiteral(":/time.png"));
+    m_selectedIcon = QIcon(QStringLiteral(":/ok.png"));
+    m_timeoutIcon = QIcon(QStringLiteral(":/time.png"));
     setObjectName(objectName);
     GetConfiguration();
 }
@@ -79,7 +79,7 @@ ConnectionsModel::~ConnectionsModel()
 
 int ConnectionsModel::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_Connections.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_connections.size());
 }
 
 int ConnectionsModel::columnCount(const QModelIndex& /*parent*/) const
@@ -91,7 +91,7 @@ const Connection* ConnectionsModel::EntryAt(const QModelIndex& index) const
 {
     const bool inTable =
         index.isValid() && index.model() == this && index.row() < rowCount() && index.column() < ColumnCount;
-    return inTable ? m_Connections[static_cast<std::size_t>(index.row())].get() : nullptr;
+    return inTable ? m_connections[static_cast<std::size_t>(index.row())].get() : nullptr;
 }
 
 QVariant ConnectionsModel::data(const QModelIndex& index, int role) const
@@ -107,7 +107,7 @@ QVariant ConnectionsModel::data(const QModelIndex& index, int role) const
     case Qt::DecorationRole:
         if (index.column() != ColumnSelected)
             return {};
-        return entry->Selected ? QVariant(m_SelectedIcon) : QVariant(EmptyBox());
+        return entry->Selected ? QVariant(m_selectedIcon) : QVariant(EmptyBox());
     case Qt::ToolTipRole:
     case Qt::StatusTipRole:
         return headerData(index.column(), Qt::Horizontal, role);
@@ -168,10 +168,10 @@ bool ConnectionsModel::setData(const QModelIndex& index, const QVariant& value, 
 {
     const bool assignable = role == Qt::EditRole && EntryAt(index) != nullptr;
     if (assignable) {
-        Connection& entry = *m_Connections[static_cast<std::size_t>(index.row())];
-        m_Counts.Add(entry, -1);
+        Connection& entry = *m_connections[static_cast<std::size_t>(index.row())];
+        m_counts.Add(entry, -1);
         Assign(entry, index.column(), value);
-        m_Counts.Add(entry, +1);
+        m_counts.Add(entry, +1);
     }
     emit dataChanged(index, index);
     return assignable;
@@ -224,9 +224,9 @@ QVariant ConnectionsModel::headerData(int section, Qt::Orientation orientation, 
         return HeaderText(section);
     case Qt::DecorationRole:
         if (section == ColumnSelected)
-            return m_SelectedIcon;
+            return m_selectedIcon;
         if (section == ColumnTimeout)
-            return m_TimeoutIcon;
+            return m_timeoutIcon;
         return {};
     case Qt::ToolTipRole:
     case Qt::StatusTipRole:
@@ -272,7 +272,7 @@ QStringList ConnectionsModel::mimeTypes() const
 QMimeData* ConnectionsModel::mimeData(const QModelIndexList& indexes) const
 {
     std::vector<const Connection*> entries;
-    std::vector<bool> taken(m_Connections.size(), false);
+    std::vector<bool> taken(m_connections.size(), false);
     for (const QModelIndex& index : indexes) {
         const Connection* const entry = EntryAt(index);
         if (!entry || taken[static_cast<std::size_t>(index.row())])
@@ -303,17 +303,17 @@ bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
     // Callers pass ranges that exist; a longer one must not tear the list.
     const int last = row + std::min(count, rowCount() - row) - 1;
     beginRemoveRows(QModelIndex(), row, last);
-    const auto begin = m_Connections.begin() + row;
-    const auto end = m_Connections.begin() + last + 1;
-    std::for_each(begin, end, [this](const auto& entry) { m_Counts.Add(*entry, -1); });
-    m_Connections.erase(begin, end);
+    const auto begin = m_connections.begin() + row;
+    const auto end = m_connections.begin() + last + 1;
+    std::for_each(begin, end, [this](const auto& entry) { m_counts.Add(*entry, -1); });
+    m_connections.erase(begin, end);
     endRemoveRows();
     return true;
 }
 
 void ConnectionsModel::RemoveEntries(const QList<int>& rows)
 {
-    std::vector<bool> doomed(m_Connections.size(), false);
+    std::vector<bool> doomed(m_connections.size(), false);
     int count = 0;
     int first = rowCount();
     int last = -1;
@@ -340,17 +340,17 @@ void ConnectionsModel::MoveToEnd(const std::vector<bool>& marked)
 {
     emit layoutAboutToBeChanged({}, VerticalSortHint);
     std::vector<std::unique_ptr<Connection>> reordered;
-    reordered.reserve(m_Connections.size());
-    std::vector<int> newRows(m_Connections.size());
+    reordered.reserve(m_connections.size());
+    std::vector<int> newRows(m_connections.size());
     for (const bool behind : {false, true}) {
-        for (std::size_t row = 0; row < m_Connections.size(); ++row) {
+        for (std::size_t row = 0; row < m_connections.size(); ++row) {
             if (marked[row] == behind) {
                 newRows[row] = static_cast<int>(reordered.size());
-                reordered.push_back(std::move(m_Connections[row]));
+                reordered.push_back(std::move(m_connections[row]));
             }
         }
     }
-    m_Connections = std::move(reordered);
+    m_connections = std::move(reordered);
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     after.reserve(before.size());
@@ -395,23 +395,23 @@ bool ConnectionsModel::AddConnection(const Connection& connection)
 {
     const int row = rowCount();
     beginInsertRows(QModelIndex(), row, row);
-    m_Connections.push_back(std::make_unique<Connection>(connection));
-    m_Counts.Add(connection, +1);
+    m_connections.push_back(std::make_unique<Connection>(connection));
+    m_counts.Add(connection, +1);
     endInsertRows();
     return true;
 }
 
 Connection ConnectionsModel::GetConnection(int row) const
 {
-    return *m_Connections[static_cast<std::size_t>(row)];
+    return *m_connections[static_cast<std::size_t>(row)];
 }
 
 void ConnectionsModel::SetStatus(int row, int status)
 {
-    Connection& entry = *m_Connections[static_cast<std::size_t>(row)];
-    m_Counts.Add(entry, -1);
+    Connection& entry = *m_connections[static_cast<std::size_t>(row)];
+    m_counts.Add(entry, -1);
     entry.ConnectionStatus = status;
-    m_Counts.Add(entry, +1);
+    m_counts.Add(entry, +1);
     const QModelIndex cell = index(row, ColumnStatus);
     emit dataChanged(cell, cell);
 }
@@ -419,7 +419,7 @@ void ConnectionsModel::SetStatus(int row, int status)
 bool ConnectionsModel::SetConnectionStatus(const Connection& connection, int status)
 {
     for (int row = 0; row < rowCount(); ++row) {
-        if (*m_Connections[static_cast<std::size_t>(row)] == connection)
+        if (*m_connections[static_cast<std::size_t>(row)] == connection)
             SetStatus(row, status);
     }
     return false;
@@ -433,17 +433,17 @@ void ConnectionsModel::ResetConnectionStatus()
 
 int ConnectionsModel::CountSelectedFree() const
 {
-    return m_Counts.selectedFree;
+    return m_counts.selectedFree;
 }
 
 int ConnectionsModel::CountInUse() const
 {
-    return m_Counts.inUse;
+    return m_counts.inUse;
 }
 
 int ConnectionsModel::CountSelected() const
 {
-    return m_Counts.selected;
+    return m_counts.selected;
 }
 
 QByteArray ConnectionsModel::ToByteArray() const
@@ -469,14 +469,14 @@ bool ConnectionsModel::FromByteArray(const QByteArray& document)
 bool ConnectionsModel::GetConfiguration()
 {
     if (objectName().isEmpty()) {
-        Trace(s_traceSource, s_noNameToReadLine, [] {
+        Trace(kTraceSource, kNoNameToReadLine, [] {
             return QStringLiteral(
                 "ConnectionsModel::GetConfiguration(): Could not read config because of empty object name.");
         });
         return false;
     }
     const auto storedSet = OpenStoredSet(objectName());
-    const QString hex = storedSet->GetString(s_storedSetKey, QStringLiteral(""), 0);
+    const QString hex = storedSet->GetString(kStoredSetKey, QStringLiteral(""), 0);
     FromByteArray(QByteArray::fromHex(hex.toLatin1()));
     return true;
 }
@@ -484,13 +484,13 @@ bool ConnectionsModel::GetConfiguration()
 bool ConnectionsModel::SetConfiguration()
 {
     if (objectName().isEmpty()) {
-        Trace(s_traceSource, s_noNameToWriteLine, [] {
+        Trace(kTraceSource, kNoNameToWriteLine, [] {
             return QStringLiteral(
                 "ConnectionsModel::SetConfiguration(): Could not write config because of empty object name.");
         });
         return false;
     }
     const auto storedSet = OpenStoredSet(objectName());
-    storedSet->SetString(s_storedSetKey, QString::fromLatin1(ToByteArray().toHex()), 0);
+    storedSet->SetString(kStoredSetKey, QString::fromLatin1(ToByteArray().toHex()), 0);
     return true;
 }

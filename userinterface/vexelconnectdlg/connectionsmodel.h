@@ -107,8 +107,8 @@ private:
     /// Moves the marked entries behind the others; both keep their order.
     void MoveToEnd(const std::vector<bool>& marked);
 
-    std::vector<std::unique_ptr<Connection>> m_Connections;
-    Counts m_Counts;
-    QIcon m_SelectedIcon;
-    QIcon m_TimeoutIcon;
+    std::vector<std::unique_ptr<Connection>> m_connections;
+    Counts m_counts;
+    QIcon m_selectedIcon;
+    QIcon m_timeoutIcon;
 };

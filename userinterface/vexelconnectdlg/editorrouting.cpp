@@ -6,11 +6,11 @@
 
 namespace {
 
-constexpr const char* s_cellProperty = "vexelCell";
+constexpr const char* kCellProperty = "vexelCell";
 
 bool IsCellThere(const QWidget* editor)
 {
-    return editor->property(s_cellProperty).toPersistentModelIndex().isValid();
+    return editor->property(kCellProperty).toPersistentModelIndex().isValid();
 }
 
 void PutAway(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView* view)
@@ -28,7 +28,7 @@ void PutAway(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView
 void RememberCell(QWidget* editor, const QModelIndex& index)
 {
     if (editor) {
-        editor->setProperty(s_cellProperty, QVariant::fromValue(QPersistentModelIndex(index)));
+        editor->setProperty(kCellProperty, QVariant::fromValue(QPersistentModelIndex(index)));
     }
 }
 

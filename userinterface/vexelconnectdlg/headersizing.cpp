@@ -9,13 +9,13 @@ namespace {
 
 /// Rows that are measured, from the first visible one on: two screens full. More would be half of what a key stroke in
 /// the filter takes.
-constexpr int s_measuredRows = 50;
+constexpr int kMeasuredRows = 50;
 
 } // namespace
 
 void SizeOncePerBurst(QHeaderView* header, const QAbstractItemModel* model)
 {
-    header->setResizeContentsPrecision(s_measuredRows);
+    header->setResizeContentsPrecision(kMeasuredRows);
     QObject::disconnect(model, &QAbstractItemModel::dataChanged, header, nullptr);
 
     auto* const timer = new QTimer(header);

@@ -7,7 +7,7 @@
 namespace {
 
 /// Where a parameter's index begins in the name of its element: behind "Param".
-constexpr qsizetype s_indexPosition = 5;
+constexpr qsizetype kIndexPosition = 5;
 
 /// The parameter count that `text` states, blanks around it allowed: 0 when it is no number, -1 when it is one that no
 /// int holds.
@@ -17,8 +17,8 @@ int ParameterCount(const QString& text)
     const int count = text.toInt(&isNumber);
     if (isNumber)
         return count;
-    static const QRegularExpression s_number(QStringLiteral("^\\s*[+-]?\\d+\\s*$"));
-    return s_number.match(text).hasMatch() ? -1 : 0;
+    static const QRegularExpression kNumber(QStringLiteral("^\\s*[+-]?\\d+\\s*$"));
+    return kNumber.match(text).hasMatch() ? -1 : 0;
 }
 
 } // namespace
@@ -91,7 +91,7 @@ void MachineConfiguration::ReadStartup(QXmlStreamReader& reader, const QString& 
             count = ParameterCount(text);
         } else if (name.contains(u"Param")) {
             bool isNumber = false;
-            const int index = name.mid(s_indexPosition).toInt(&isNumber);
+            const int index = name.mid(kIndexPosition).toInt(&isNumber);
             if (isNumber)
                 slotTexts[index] = text;
         }

@@ -22,12 +22,12 @@ bool SecondClick::eventFilter(QObject* watched, QEvent* event)
     const QModelIndex index = m_pView->indexAt(mouse->position().toPoint());
     if (mouse->button() == Qt::LeftButton && index.isValid() && index.column() == m_iColumn) {
         if (event->type() == QEvent::MouseButtonDblClick) {
-            m_Pressed = index;
-        } else if (std::exchange(m_Pressed, QPersistentModelIndex()) == index) {
+            m_pressed = index;
+        } else if (std::exchange(m_pressed, QPersistentModelIndex()) == index) {
             emit m_pView->clicked(index);
         }
     } else {
-        m_Pressed = QPersistentModelIndex();
+        m_pressed = QPersistentModelIndex();
     }
     return QObject::eventFilter(watched, event);
 }

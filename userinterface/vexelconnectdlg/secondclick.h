@@ -22,5 +22,5 @@ public:
 private:
     QAbstractItemView* const m_pView;
     const int m_iColumn;
-    QPersistentModelIndex m_Pressed;
+    QPersistentModelIndex m_pressed;
 };

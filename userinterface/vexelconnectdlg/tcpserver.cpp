@@ -8,27 +8,27 @@
 
 namespace {
 
-constexpr quint64 s_silentPeerTimeout = 10000; // ms
+constexpr quint64 kSilentPeerTimeout = 10000; // ms
 
-constexpr auto s_sourceFile = "userinterface/vexelconnectdlg/tcpserver";
+constexpr auto kSourceFile = "userinterface/vexelconnectdlg/tcpserver";
 // The lines that the traces are known by.
-constexpr quint16 s_lineCreated = 49;
-constexpr quint16 s_lineCreationFailed = 54;
-constexpr quint16 s_lineOpen = 68;
-constexpr quint16 s_lineReadFailed = 88;
-constexpr quint16 s_lineClose = 97;
-constexpr quint16 s_lineError = 102;
+constexpr quint16 kLineCreated = 49;
+constexpr quint16 kLineCreationFailed = 54;
+constexpr quint16 kLineOpen = 68;
+constexpr quint16 kLineReadFailed = 88;
+constexpr quint16 kLineClose = 97;
+constexpr quint16 kLineError = 102;
 
 } // namespace
 
 TCPServer::TCPServer(QWidget* pWidget)
     : m_pWidget(pWidget)
 {
-    m_pInterface = CInterfaceCreator().CreateInterface(QStringLiteral("TCP::8451"), this, s_silentPeerTimeout, false);
+    m_pInterface = CInterfaceCreator().CreateInterface(QStringLiteral("TCP::8451"), this, kSilentPeerTimeout, false);
     if (m_pInterface) {
-        Trace(s_sourceFile, s_lineCreated, [] { return QStringLiteral("TCPServer(): Server TCP interface created."); });
+        Trace(kSourceFile, kLineCreated, [] { return QStringLiteral("TCPServer(): Server TCP interface created."); });
     } else {
-        Trace(s_sourceFile, s_lineCreationFailed,
+        Trace(kSourceFile, kLineCreationFailed,
               [] { return QStringLiteral("TCPServer(): Creation of Server TCP interface failed."); });
     }
 }
@@ -40,7 +40,7 @@ TCPServer::~TCPServer()
 
 void TCPServer::OnOpen(IInterface* /*pInterface*/)
 {
-    Trace(s_sourceFile, s_lineOpen,
+    Trace(kSourceFile, kLineOpen,
           [] { return QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter."); });
     m_pWidget->show();
     m_pWidget->activateWindow();
@@ -48,7 +48,7 @@ void TCPServer::OnOpen(IInterface* /*pInterface*/)
 
 void TCPServer::OnClose(IInterface* /*pInterface*/)
 {
-    Trace(s_sourceFile, s_lineClose,
+    Trace(kSourceFile, kLineClose,
           [] { return QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed."); });
 }
 
@@ -65,7 +65,7 @@ void TCPServer::OnRead(IInterface* pInterface, quint64 length)
         quint64 uLength = length;
         pInterface->Read(pBuffer, &uLength, false);
     } catch (...) {
-        Trace(s_sourceFile, s_lineReadFailed,
+        Trace(kSourceFile, kLineReadFailed,
               [] { return QStringLiteral("KiteStarter::OnRead(): pInterface->Read exception caught!"); });
         delete[] pBuffer;
     }
@@ -73,7 +73,7 @@ void TCPServer::OnRead(IInterface* pInterface, quint64 length)
 
 void TCPServer::OnError(IInterface* /*pInterface*/)
 {
-    Trace(s_sourceFile, s_lineError, [] { return QStringLiteral("TCPServer::OnError(): error"); });
+    Trace(kSourceFile, kLineError, [] { return QStringLiteral("TCPServer::OnError(): error"); });
 }
 
 void TCPServer::OnWritten(IInterface* /*pInterface*/, quint64 /*length*/)

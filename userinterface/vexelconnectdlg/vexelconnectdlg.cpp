@@ -10,7 +10,7 @@
 
 namespace {
 
-const QString s_translationDomain = QStringLiteral("VexelConnectDlg");
+const QString kTranslationDomain = QStringLiteral("VexelConnectDlg");
 
 template <typename Object>
 void DeleteAndForget(Object*& pointer)
@@ -23,7 +23,7 @@ void DeleteAndForget(Object*& pointer)
 VexelConnectDlgDLL::VexelConnectDlgDLL(const QString& name)
     : IDllInstance(name)
 {
-    TranslationCenter::Instance().Register(s_translationDomain);
+    TranslationCenter::Instance().Register(kTranslationDomain);
     m_pModel = new ConnectionsModel(nullptr, QStringLiteral("ConnectionsModel"));
     // Whatever was stored: nothing that an earlier run started is known to this one.
     m_pModel->ResetConnectionStatus();
@@ -34,7 +34,7 @@ VexelConnectDlgDLL::VexelConnectDlgDLL(const QString& name)
 
 VexelConnectDlgDLL::~VexelConnectDlgDLL()
 {
-    TranslationCenter::Instance().Unregister(s_translationDomain);
+    TranslationCenter::Instance().Unregister(kTranslationDomain);
     // The dialog stores the filter, then the model the entries. Launcher and server outlive the two and
     // leave them alone.
     DeleteAndForget(m_pGui);

@@ -1,9 +1,9 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
+#include "files/boundedfile.h"
 #include "platform/guibase.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/atomicfile.h"
-#include "userinterface/vexelconnectdlg/boundedfile.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -33,11 +33,11 @@
 
 namespace {
 
-constexpr const char* s_traceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
-constexpr quint16 s_cannotReadLine = 383;
-constexpr quint16 s_nothingToReadLine = 388;
-constexpr quint16 s_cannotWriteLine = 421;
-constexpr quint16 s_nothingToWriteLine = 426;
+constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
+constexpr quint16 kCannotReadLine = 383;
+constexpr quint16 kNothingToReadLine = 388;
+constexpr quint16 kCannotWriteLine = 421;
+constexpr quint16 kNothingToWriteLine = 426;
 
 QString UriListType()
 {
@@ -157,10 +157,10 @@ void VexelConnectDlgGUI::FillColumnChoice()
 
 void VexelConnectDlgGUI::ShareOutColumns()
 {
-    m_BasicColumns = {ConnectionsModel::ColumnSelected, ConnectionsModel::ColumnName, ConnectionsModel::ColumnStatus,
+    m_basicColumns = {ConnectionsModel::ColumnSelected, ConnectionsModel::ColumnName, ConnectionsModel::ColumnStatus,
                       ConnectionsModel::ColumnDeviceType};
     for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
-        const bool basic = m_BasicColumns.contains(column);
+        const bool basic = m_basicColumns.contains(column);
         m_pBasicView->setColumnHidden(column, !basic);
         m_pDetailsView->setColumnHidden(column, basic);
     }
@@ -188,7 +188,7 @@ void VexelConnectDlgGUI::UpdateColumnChoice()
 {
     for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
         const bool shown = column != ConnectionsModel::ColumnSelected &&
-                           (m_BasicColumns.contains(column) || m_pDetailsView->isVisible());
+                           (m_basicColumns.contains(column) || m_pDetailsView->isVisible());
         SetItemHidden(m_pFilterColumnComboBox, column, !shown);
     }
 }
@@ -324,18 +324,18 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     SettleImport();
     QByteArray backup = m_pModel->ToByteArray();
     if (fileName.isEmpty()) {
-        Trace(s_traceSource, s_nothingToReadLine,
+        Trace(kTraceSource, kNothingToReadLine,
               [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
     } else if (const std::optional<QByteArray> document = ReadRegularFile(fileName)) {
         if (LoadEntries(*document)) {
             return true;
         }
     } else {
-        Trace(s_traceSource, s_cannotReadLine, [&fileName] {
+        Trace(kTraceSource, kCannotReadLine, [&fileName] {
             return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
         });
     }
-    m_EntriesBeforeImport = std::move(backup);
+    m_entriesBeforeImport = std::move(backup);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
@@ -345,7 +345,7 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
 
 void VexelConnectDlgGUI::SettleImport()
 {
-    if (const std::optional<QByteArray> entries = std::exchange(m_EntriesBeforeImport, std::nullopt)) {
+    if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt)) {
         LoadEntries(*entries);
     }
 }
@@ -365,12 +365,12 @@ bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
 void VexelConnectDlgGUI::Export(const QString& fileName)
 {
     if (fileName.isEmpty()) {
-        Trace(s_traceSource, s_nothingToWriteLine,
+        Trace(kTraceSource, kNothingToWriteLine,
               [] { return QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"); });
         return;
     }
     if (!ReplaceFile(fileName, m_pModel->ToByteArray())) {
-        Trace(s_traceSource, s_cannotWriteLine, [&fileName] {
+        Trace(kTraceSource, kCannotWriteLine, [&fileName] {
             return QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing").arg(fileName);
         });
     }

@@ -78,9 +78,9 @@ private:
     bool LoadEntries(const QByteArray& document);
     void ShowInfo(const QString& text);
 
-    std::optional<QByteArray> m_EntriesBeforeImport; // while the box about a failed import is open
+    std::optional<QByteArray> m_entriesBeforeImport; // while the box about a failed import is open
     QMenu* m_pContextMenu = nullptr;
-    QList<int> m_BasicColumns;
+    QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;
     QSortFilterProxyModel* m_pProxyModel = nullptr;
     ConnectionsDelegate* m_pDelegate = nullptr;

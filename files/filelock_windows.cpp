@@ -1,0 +1,89 @@
+#include "files/filelock.h"
+
+#include <QDir>
+
+#include <string>
+
+#include <windows.h>
+
+// An open file that others may only read: the system lets nobody else open it for writing or remove it.
+
+namespace {
+
+std::wstring NameOf(const QString& path)
+{
+    return QDir::toNativeSeparators(path).toStdWString();
+}
+
+HANDLE ToHandle(qintptr handle)
+{
+    return reinterpret_cast<HANDLE>(handle);
+}
+
+} // namespace
+
+FileLock::~FileLock()
+{
+    if (m_handle == -1)
+        return;
+    CloseHandle(ToHandle(m_handle));
+    // Fails where somebody else has taken it by now.
+    DeleteFileW(NameOf(m_path).c_str());
+}
+
+FileLock::Result FileLock::TryLock(const QString& path, QString* error)
+{
+    const HANDLE file = CreateFileW(NameOf(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        const DWORD code = GetLastError();
+        if (code == ERROR_SHARING_VIOLATION)
+            return Result::Busy;
+        *error = qt_error_string(static_cast<int>(code));
+        return Result::Failed;
+    }
+    if (GetFileType(file) != FILE_TYPE_DISK) {
+        *error = QStringLiteral("%1 is not a file").arg(path);
+        CloseHandle(file);
+        return Result::Failed;
+    }
+    m_path = path;
+    m_handle = reinterpret_cast<qintptr>(file);
+    return Result::Locked;
+}
+
+void FileLock::Write(const QByteArray& content) const
+{
+    const HANDLE file = ToHandle(m_handle);
+    DWORD written = 0;
+    SetFilePointer(file, 0, nullptr, FILE_BEGIN);
+    WriteFile(file, content.constData(), static_cast<DWORD>(content.size()), &written, nullptr);
+    SetEndOfFile(file);
+}
+
+FileLock::State FileLock::Query(const QString& path)
+{
+    // Says that it would not bear a writer, and so finds out whether there is one. Who takes the file at this very
+    // moment has to try again.
+    const HANDLE file = CreateFileW(NameOf(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file != INVALID_HANDLE_VALUE) {
+        CloseHandle(file);
+        return State::Free;
+    }
+    switch (GetLastError()) {
+    case ERROR_ACCESS_DENIED: {
+        // Folders cannot be opened like that, and nobody has those.
+        const DWORD attributes = GetFileAttributesW(NameOf(path).c_str());
+        const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        return isFolder ? State::Free : State::Unknown;
+    }
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        return State::Free;
+    case ERROR_SHARING_VIOLATION:
+        return State::Locked;
+    default:
+        return State::Unknown;
+    }
+}

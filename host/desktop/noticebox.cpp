@@ -1,0 +1,30 @@
+#include "host/desktop/noticebox.h"
+
+NoticeBox::NoticeBox(QObject* parent)
+    : QObject(parent)
+{
+}
+
+NoticeBox::~NoticeBox()
+{
+    delete m_pBox;
+}
+
+void NoticeBox::Tell(const QString& text)
+{
+    if (m_pBox && m_pBox->isVisible()) {
+        m_pBox->setText(m_pBox->text() + QStringLiteral("\n\n") + text);
+    } else {
+        delete m_pBox;
+        // No parent: the dialog may be hidden.
+        m_pBox = new QMessageBox(QMessageBox::Warning, tr("Vexel - Connect Dialog"), text, QMessageBox::Ok);
+        m_pBox->setObjectName(QStringLiteral("m_noticeBox"));
+        m_pBox->setAttribute(Qt::WA_DeleteOnClose);
+        // It tells of names of files, in which nothing is formatting.
+        m_pBox->setTextFormat(Qt::PlainText);
+        m_pBox->setModal(false);
+        m_pBox->show();
+    }
+    m_pBox->raise();
+    m_pBox->activateWindow();
+}

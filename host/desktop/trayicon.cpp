@@ -1,0 +1,75 @@
+#include "host/desktop/trayicon.h"
+
+#include "host/desktop/programicon.h"
+#include "host/plugin/statusmonitor.h"
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::chrono::milliseconds kLookInterval = 1s;
+
+} // namespace
+
+TrayIcon::TrayIcon(const StatusMonitor& monitor, QObject* parent)
+    : QObject(parent)
+{
+    m_menu.setObjectName(QStringLiteral("m_trayMenu"));
+    m_icon.setObjectName(QStringLiteral("m_trayIcon"));
+    m_icon.setParent(this);
+    m_icon.setContextMenu(&m_menu);
+
+    QAction* show = m_menu.addAction(tr("Show connect dialog"), this, &TrayIcon::DialogWanted);
+    m_menu.setDefaultAction(show);
+    m_menu.addAction(tr("Save now"), this, &TrayIcon::SaveWanted);
+    m_menu.addSeparator();
+    m_menu.addAction(tr("Quit"), this, &TrayIcon::EndWanted);
+
+    connect(&m_icon, &QSystemTrayIcon::activated, this, &TrayIcon::OnActivated);
+    connect(&monitor, &StatusMonitor::InUseChanged, this, &TrayIcon::ShowCount);
+    connect(&m_lookTimer, &QTimer::timeout, this, &TrayIcon::Look);
+
+    ShowCount(monitor.CountInUse());
+    m_available = QSystemTrayIcon::isSystemTrayAvailable();
+    // Where there never is a tray, Qt would complain of that.
+    m_icon.setVisible(m_available);
+    m_lookTimer.start(kLookInterval);
+}
+
+void TrayIcon::Tell(const QString& text, QSystemTrayIcon::MessageIcon icon)
+{
+    if (m_available)
+        m_icon.showMessage(tr("Vexel - Connect Dialog"), text, icon);
+}
+
+void TrayIcon::OnActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    // A double click has been a click already, the menu's own click belongs to the menu.
+    if (reason == QSystemTrayIcon::Trigger)
+        emit DialogWanted();
+}
+
+void TrayIcon::Look()
+{
+    const bool available = QSystemTrayIcon::isSystemTrayAvailable();
+    if (available == m_available)
+        return;
+    m_available = available;
+    // Once it is visible, it is so in the tray that comes after this one, too.
+    if (available)
+        m_icon.show();
+    emit AvailabilityChanged(available);
+}
+
+void TrayIcon::ShowCount(int inUse)
+{
+    m_icon.setIcon(ProgramIcon(inUse > 0));
+    QString count = tr("%n entries in use", nullptr, inUse);
+    if (inUse == 0)
+        count = tr("no entry in use");
+    else if (inUse == 1)
+        count = tr("1 entry in use");
+    m_icon.setToolTip(tr("Vexel - Connect Dialog") + QLatin1Char('\n') + count);
+}

@@ -1,0 +1,40 @@
+#include "host/headless/messageboxautoresponder.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+void Answer(QMessageBox* box)
+{
+    QAbstractButton* button = box->defaultButton();
+    if (!button && !box->buttons().isEmpty())
+        button = box->buttons().constFirst();
+    if (button)
+        button->click();
+    else
+        box->accept();
+}
+
+} // namespace
+
+MessageBoxAutoResponder::MessageBoxAutoResponder(QObject* parent)
+    : QObject(parent)
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool MessageBoxAutoResponder::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Show) {
+        if (auto* box = qobject_cast<QMessageBox*>(watched)) {
+            emit BoxOpened(box->windowTitle(), box->text());
+            // Not from here: the box is only just being shown, and its own event loop does not run yet.
+            QTimer::singleShot(0, box, [box] { Answer(box); });
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}

@@ -1,0 +1,294 @@
+#include "host/options/hostoptions.h"
+
+#include "host/options/helptext.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+const QString kDefaultName = QStringLiteral("VexelConnectDlg");
+
+class Parser
+{
+public:
+    Parser();
+    ParsedCommandLine Parse(const QStringList& arguments);
+
+private:
+    QString Help() const;
+    QString CheckGivenValues() const;
+    QString CheckCombination(const HostOptions& options) const;
+    QString AbsolutePath(const QCommandLineOption& option) const;
+    HostOptions Read() const;
+
+    QCommandLineParser m_parser;
+    const QCommandLineOption m_help = {{QStringLiteral("h"), QStringLiteral("help")},
+                                       QStringLiteral("Print this help.")};
+    const QCommandLineOption m_version = {{QStringLiteral("v"), QStringLiteral("version")},
+                                          QStringLiteral("Print the version.")};
+    const QCommandLineOption m_plugin = {
+        QStringLiteral("plugin"),
+        QStringLiteral("Load the plug-in from FILE. Default: the one installed with the host."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_config = {
+        QStringLiteral("config"),
+        QStringLiteral("Keep the configuration in DIR, which is made where it is missing. Default: this user's usual "
+                       "place for configurations."),
+        QStringLiteral("DIR")};
+    const QCommandLineOption m_data = {
+        QStringLiteral("data"),
+        QStringLiteral("Read CfgVEXEL.xml and TypeApplicationMappings.xml, which say what applications there are, "
+                       "from DIR, and store that. Default: the directory last stored, else the installed samples."),
+        QStringLiteral("DIR")};
+    const QCommandLineOption m_name = {
+        QStringLiteral("name"),
+        QStringLiteral("Name of the plug-in's instance and of its own configuration. Default: %1.").arg(kDefaultName),
+        QStringLiteral("NAME")};
+    const QCommandLineOption m_trace = {QStringLiteral("trace"),
+                                        QStringLiteral("Write trace lines to standard error.")};
+    const QCommandLineOption m_traceFile = {
+        QStringLiteral("trace-file"),
+        QStringLiteral("Append trace lines to FILE. Beyond 10 MiB it becomes FILE.1, an earlier FILE.1 becomes FILE.2, "
+                       "and so on up to FILE.5."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_language = {
+        QStringLiteral("language"),
+        QStringLiteral("Language of the dialog, as in \"de\" or \"de_AT\". Default: the system's."),
+        QStringLiteral("LOCALE")};
+    const QCommandLineOption m_import = {
+        QStringLiteral("import"),
+        QStringLiteral("Put the entries of the connection list FILE (XML) in place of all entries."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_add = {
+        QStringLiteral("add"),
+        QStringLiteral("Append the entries of the connection list FILE (XML) to the list. Repeatable."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_export = {
+        QStringLiteral("export"),
+        QStringLiteral("Write the whole list to FILE, as --import and the dialog read it. \"-\": to standard output."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_list = {QStringLiteral("list"),
+                                       QStringLiteral("Print the entries as a table, before anything is connected.")};
+    const QCommandLineOption m_json = {
+        QStringLiteral("json"),
+        QStringLiteral("With --list, --backups or --diagnose: print one JSON document, with numbers and "
+                       "texts. Not together with --wait, which prints lines.")};
+    const QCommandLineOption m_connect = {
+        QStringLiteral("connect"),
+        QStringLiteral("Connect the entries called NAME, whether they are ticked or not; the ticks stay as they are. "
+                       "Repeatable. If any NAME is unknown, nothing is connected."),
+        QStringLiteral("NAME")};
+    const QCommandLineOption m_connectSelected = {QStringLiteral("connect-selected"),
+                                                  QStringLiteral("Connect the ticked entries.")};
+    const QCommandLineOption m_wait = {
+        QStringLiteral("wait"),
+        QStringLiteral("Wait until every entry that was connected is \"Free\" again. Prints each change of status as "
+                       "a line \"TIME NAME: Free -> In Use\".")};
+    const QCommandLineOption m_screenshotBefore = {
+        QStringLiteral("screenshot-before"),
+        QStringLiteral("Write a picture of the dialog before anything is connected to FILE (PNG)."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_screenshotDuring = {
+        QStringLiteral("screenshot-during"),
+        QStringLiteral("Write a picture of the dialog to FILE as soon as everything is connected. Needs --connect or "
+                       "--connect-selected."),
+        QStringLiteral("FILE")};
+    const QCommandLineOption m_screenshot = {QStringLiteral("screenshot"),
+                                             QStringLiteral("Write a picture of the dialog to FILE at the end."),
+                                             QStringLiteral("FILE")};
+    const QCommandLineOption m_backups = {
+        QStringLiteral("backups"),
+        QStringLiteral("Print the versions of the stored list, newest first, with number, date and time, number of "
+                       "entries, and file.")};
+    const QCommandLineOption m_restore = {
+        QStringLiteral("restore"),
+        QStringLiteral("Bring version N back, as --backups numbers them. What it replaces becomes version 1."),
+        QStringLiteral("N")};
+    const QCommandLineOption m_diagnose = {
+        QStringLiteral("diagnose"),
+        QStringLiteral("Print what a support desk asks first: versions, paths, what was read from the data directory "
+                       "and what of it was dropped, the state of the configuration and of the starter's port.")};
+};
+
+Parser::Parser()
+{
+    m_parser.setApplicationDescription(HelpText::Description());
+    m_parser.addOptions({m_plugin,
+                         m_config,
+                         m_data,
+                         m_name,
+                         m_trace,
+                         m_traceFile,
+                         m_language,
+                         m_import,
+                         m_add,
+                         m_export,
+                         m_list,
+                         m_json,
+                         m_connect,
+                         m_connectSelected,
+                         m_wait,
+                         m_screenshot,
+                         m_screenshotBefore,
+                         m_screenshotDuring,
+                         m_backups,
+                         m_restore,
+                         m_diagnose,
+                         m_help,
+                         m_version});
+}
+
+QString Parser::Help() const
+{
+    // The parser's own first line names whatever path the program was started by.
+    const QString text = m_parser.helpText();
+    return QStringLiteral("Usage: vexelhost [options]") + text.mid(text.indexOf(QLatin1Char('\n'))) + HelpText::Notes();
+}
+
+/// Why a value given on the command line cannot be taken; empty when all can.
+QString Parser::CheckGivenValues() const
+{
+    if (!m_parser.positionalArguments().isEmpty())
+        return QStringLiteral("unexpected argument \"%1\"").arg(m_parser.positionalArguments().constFirst());
+
+    for (const QCommandLineOption* option :
+         {&m_plugin, &m_config, &m_data, &m_name, &m_traceFile, &m_language, &m_import, &m_add, &m_export,
+          &m_screenshot, &m_screenshotBefore, &m_screenshotDuring}) {
+        const QStringList values = m_parser.values(*option);
+        if (values.contains(QString()))
+            return QStringLiteral("--%1 needs a value that is not empty").arg(option->names().constFirst());
+    }
+
+    // The other values are settings, of which the last one counts; these are work, and all of it is meant.
+    for (const QCommandLineOption* option : {&m_import, &m_export, &m_restore}) {
+        if (m_parser.values(*option).size() > 1)
+            return QStringLiteral("--%1 can be given only once").arg(option->names().constFirst());
+    }
+    if (m_parser.isSet(m_restore)) {
+        bool isNumber = false;
+        if (m_parser.value(m_restore).toInt(&isNumber) < 1 || !isNumber)
+            return QStringLiteral("--restore needs the number of a version, as --backups prints it");
+    }
+
+    const QString language = m_parser.value(m_language);
+    if (!language.isEmpty() && language != QLatin1String("C") && QLocale(language) == QLocale::c())
+        return QStringLiteral("--language: no such locale: %1").arg(language);
+
+    // Stored as it is given, so a slip of the finger would last.
+    if (m_parser.isSet(m_data) && !QFileInfo(m_parser.value(m_data)).isDir())
+        return QStringLiteral("--data: no such directory: %1").arg(m_parser.value(m_data));
+    return {};
+}
+
+QString Parser::CheckCombination(const HostOptions& options) const
+{
+    const int supportCommands =
+        (options.backups ? 1 : 0) + (options.versionToRestore > 0 ? 1 : 0) + (options.diagnose ? 1 : 0);
+    if (supportCommands > 1)
+        return QStringLiteral("of --backups, --restore and --diagnose only one can be used at a time");
+    if (supportCommands > 0 && options.IsHeadless()) {
+        return QStringLiteral("--backups, --restore and --diagnose cannot be used together with work on the entries "
+                              "or the dialog");
+    }
+    // It would have to be stored, and these leave the configuration's other values alone.
+    if (!options.dataDirectory.isEmpty() && (options.backups || options.versionToRestore > 0))
+        return QStringLiteral("--data cannot be used together with --backups or --restore");
+
+    if (options.json && !options.list && !options.backups && !options.diagnose)
+        return QStringLiteral("--json needs --list, --backups or --diagnose");
+    if (options.fileToExport == HostOptions::kStandardOutput && (options.list || options.wait))
+        return QStringLiteral("--export - cannot be used together with --list or --wait: they print, too");
+    if (options.json && options.wait)
+        return QStringLiteral("--json and --wait cannot be used together: one prints a document, the other lines");
+    if (options.connectSelected && !options.namesToConnect.isEmpty())
+        return QStringLiteral("--connect and --connect-selected cannot be used together");
+    if (!options.screenshotDuring.isEmpty() && !options.Connects())
+        return QStringLiteral("--screenshot-during needs --connect or --connect-selected");
+    return {};
+}
+
+QString Parser::AbsolutePath(const QCommandLineOption& option) const
+{
+    const QString path = m_parser.value(option);
+    return path.isEmpty() ? QString() : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+}
+
+HostOptions Parser::Read() const
+{
+    HostOptions options;
+    options.plugin = AbsolutePath(m_plugin);
+    options.configDirectory = AbsolutePath(m_config);
+    options.dataDirectory = AbsolutePath(m_data);
+    options.name = m_parser.isSet(m_name) ? m_parser.value(m_name) : kDefaultName;
+    options.trace = m_parser.isSet(m_trace);
+    options.traceFile = AbsolutePath(m_traceFile);
+    if (m_parser.isSet(m_language))
+        options.language = QLocale(m_parser.value(m_language));
+    options.fileToImport = AbsolutePath(m_import);
+    const bool printsExport = m_parser.value(m_export) == HostOptions::kStandardOutput;
+    options.fileToExport = printsExport ? HostOptions::kStandardOutput : AbsolutePath(m_export);
+    for (const QString& file : m_parser.values(m_add))
+        options.filesToAdd.append(QFileInfo(file).absoluteFilePath());
+    options.list = m_parser.isSet(m_list);
+    options.json = m_parser.isSet(m_json);
+    options.namesToConnect = m_parser.values(m_connect);
+    options.namesToConnect.removeDuplicates();
+    options.connectSelected = m_parser.isSet(m_connectSelected);
+    options.wait = m_parser.isSet(m_wait);
+    options.screenshotBefore = AbsolutePath(m_screenshotBefore);
+    options.screenshotDuring = AbsolutePath(m_screenshotDuring);
+    options.screenshot = AbsolutePath(m_screenshot);
+    options.backups = m_parser.isSet(m_backups);
+    options.versionToRestore = m_parser.value(m_restore).toInt();
+    options.diagnose = m_parser.isSet(m_diagnose);
+    return options;
+}
+
+ParsedCommandLine Parser::Parse(const QStringList& arguments)
+{
+    using Outcome = ParsedCommandLine::Outcome;
+
+    if (!m_parser.parse(arguments))
+        return {Outcome::Wrong, m_parser.errorText(), {}};
+    if (m_parser.isSet(m_help))
+        return {Outcome::Print, Help(), {}};
+    if (m_parser.isSet(m_version))
+        return {Outcome::Print, QStringLiteral("vexelhost " VEXEL_VERSION "\n"), {}};
+    if (const QString error = CheckGivenValues(); !error.isEmpty())
+        return {Outcome::Wrong, error, {}};
+    const HostOptions options = Read();
+    if (const QString error = CheckCombination(options); !error.isEmpty())
+        return {Outcome::Wrong, error, {}};
+    return {Outcome::Run, {}, options};
+}
+
+} // namespace
+
+bool HostOptions::Connects() const
+{
+    return connectSelected || !namesToConnect.isEmpty();
+}
+
+bool HostOptions::IsHeadless() const
+{
+    return list || wait || Connects() || !fileToImport.isEmpty() || !filesToAdd.isEmpty() || !fileToExport.isEmpty() ||
+           !screenshot.isEmpty() || !screenshotBefore.isEmpty() || !screenshotDuring.isEmpty();
+}
+
+bool HostOptions::ShowsOnly() const
+{
+    return IsHeadless() && !Connects() && fileToImport.isEmpty() && filesToAdd.isEmpty();
+}
+
+bool HostOptions::IsForSupport() const
+{
+    return backups || versionToRestore > 0 || diagnose;
+}
+
+ParsedCommandLine ParseCommandLine(const QStringList& arguments)
+{
+    return Parser().Parse(arguments);
+}

@@ -1,0 +1,43 @@
+#include "host/output/console.h"
+
+#include "host/output/textline.h"
+#include "process/standardstreams.h"
+
+#include <QByteArray>
+
+using StandardStreams::Stream;
+
+namespace {
+
+bool Printed(bool isWritten)
+{
+    if (!isWritten)
+        Console::PrintError(QStringLiteral("cannot write all of it to standard output"));
+    return isWritten;
+}
+
+} // namespace
+
+namespace Console {
+
+void Print(const QString& text)
+{
+    StandardStreams::Write(Stream::Output, text + QLatin1Char('\n'));
+}
+
+bool PrintRaw(const QString& text)
+{
+    return Printed(StandardStreams::Write(Stream::Output, text));
+}
+
+bool PrintBytes(const QByteArray& bytes)
+{
+    return Printed(StandardStreams::Write(Stream::Output, bytes));
+}
+
+void PrintError(const QString& message)
+{
+    StandardStreams::Write(Stream::Error, QStringLiteral("vexelhost: %1\n").arg(OneLine(message)));
+}
+
+} // namespace Console

@@ -1,0 +1,156 @@
+#include "host/plugin/connectdialog.h"
+
+#include <QAbstractProxyModel>
+#include <QApplication>
+#include <QMimeData>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+/// How a connection list document travels.
+const QString kDocumentType = QStringLiteral("text/plain");
+
+/// The model that `view` shows, below all proxies.
+QAbstractItemModel* SourceModel(const QTreeView* view)
+{
+    QAbstractItemModel* model = view->model();
+    while (auto* proxy = qobject_cast<QAbstractProxyModel*>(model))
+        model = proxy->sourceModel();
+    return model;
+}
+
+} // namespace
+
+std::optional<ConnectDialog> ConnectDialog::Find(QString& error)
+{
+    const QString windowName = QStringLiteral("VexelConnectDlgGUI");
+    const QString modelName = QStringLiteral("ConnectionsModel");
+
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto window = std::find_if(windows.begin(), windows.end(),
+                                     [&](const QWidget* widget) { return widget->objectName() == windowName; });
+    if (window == windows.end()) {
+        error = QStringLiteral("the plug-in has no window \"%1\"").arg(windowName);
+        return std::nullopt;
+    }
+
+    ConnectDialog dialog;
+    dialog.m_pWindow = *window;
+    for (const QString& name : {QStringLiteral("m_pBasicView"), QStringLiteral("m_pDetailsView")}) {
+        auto* view = dialog.m_pWindow->findChild<QTreeView*>(name);
+        if (!view) {
+            error = QStringLiteral("the plug-in's window has no view \"%1\"").arg(name);
+            return std::nullopt;
+        }
+        dialog.m_views.append(view);
+    }
+    dialog.m_pConnectButton = dialog.m_pWindow->findChild<QAbstractButton*>(QStringLiteral("m_pConnectButton"));
+    if (!dialog.m_pConnectButton) {
+        error = QStringLiteral("the plug-in's window has no button \"m_pConnectButton\"");
+        return std::nullopt;
+    }
+    dialog.m_pEntries = SourceModel(dialog.m_views.constFirst());
+    if (!dialog.m_pEntries || dialog.m_pEntries->objectName() != modelName ||
+        dialog.m_pEntries->columnCount() != EntryColumnCount) {
+        error = QStringLiteral("the plug-in's window does not show a list \"%1\" of %2 columns")
+                    .arg(modelName)
+                    .arg(EntryColumnCount);
+        return std::nullopt;
+    }
+    return dialog;
+}
+
+int ConnectDialog::Count() const
+{
+    return m_pEntries->rowCount();
+}
+
+QVariant ConnectDialog::Value(int row, EntryColumn column) const
+{
+    return m_pEntries->index(row, static_cast<int>(column)).data(Qt::EditRole);
+}
+
+QString ConnectDialog::Name(int row) const
+{
+    return Value(row, EntryColumn::Name).toString();
+}
+
+int ConnectDialog::Status(int row) const
+{
+    return Value(row, EntryColumn::Status).toInt();
+}
+
+bool ConnectDialog::IsTicked(int row) const
+{
+    return Value(row, EntryColumn::Tick).toBool();
+}
+
+void ConnectDialog::SetTicked(int row, bool ticked) const
+{
+    m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Tick)), ticked, Qt::EditRole);
+}
+
+QList<int> ConnectDialog::RowsNamed(const QString& name) const
+{
+    QList<int> rows;
+    for (int row = 0; row < Count(); ++row) {
+        if (Name(row) == name)
+            rows.append(row);
+    }
+    return rows;
+}
+
+bool ConnectDialog::Append(const QByteArray& document) const
+{
+    const int before = Count();
+    QMimeData data;
+    data.setData(kDocumentType, document);
+    const bool good = m_pEntries->dropMimeData(&data, Qt::CopyAction, -1, -1, QModelIndex());
+    if (!good) {
+        // What stood before the error has been taken: half a file is not what was asked for.
+        if (Count() > before)
+            m_pEntries->removeRows(before, Count() - before);
+        return false;
+    }
+    // A file may have been written while its entries were in use; here nothing runs for them.
+    for (int row = before; row < Count(); ++row)
+        m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Status)), Free, Qt::EditRole);
+    return true;
+}
+
+QByteArray ConnectDialog::Document() const
+{
+    QModelIndexList rows;
+    rows.reserve(Count());
+    for (int row = 0; row < Count(); ++row)
+        rows.append(m_pEntries->index(row, 0));
+    const std::unique_ptr<QMimeData> data(m_pEntries->mimeData(rows));
+    return data ? data->data(kDocumentType) : QByteArray();
+}
+
+void ConnectDialog::BringToFront() const
+{
+    m_pWindow->show();
+    m_pWindow->raise();
+    m_pWindow->activateWindow();
+}
+
+TickRestorer::TickRestorer(const ConnectDialog& dialog)
+    : m_dialog(dialog)
+{
+    m_ticks.reserve(dialog.Count());
+    for (int row = 0; row < dialog.Count(); ++row) {
+        m_ticks.append({QPersistentModelIndex(dialog.Entries()->index(row, static_cast<int>(EntryColumn::Tick))),
+                        dialog.IsTicked(row)});
+    }
+}
+
+TickRestorer::~TickRestorer()
+{
+    for (const auto& [index, ticked] : m_ticks) {
+        if (index.isValid() && m_dialog.IsTicked(index.row()) != ticked)
+            m_dialog.SetTicked(index.row(), ticked);
+    }
+}

@@ -1,0 +1,48 @@
+#include "host/plugin/datadirectory.h"
+
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+const QString kKey = QStringLiteral("VexelDataDir");
+
+ICfg& Node()
+{
+    return *CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString());
+}
+
+} // namespace
+
+namespace DataDirectory {
+
+void Set(const QString& directory)
+{
+    Node().SetString(kKey, directory, 0);
+}
+
+QString InstalledSamples(const QString& programDirectory)
+{
+    const QString directory =
+        QDir::cleanPath(QDir(programDirectory).absoluteFilePath(QStringLiteral(VEXEL_BIN_TO_DATA "/data")));
+    return QFileInfo(directory).isDir() ? directory : QString();
+}
+
+Fallback::Fallback(const QString& directory)
+{
+    if (directory.isEmpty() || !Node().GetString(kKey, QString(), 0).isEmpty())
+        return;
+    Set(directory);
+    m_inPlace = true;
+}
+
+Fallback::~Fallback()
+{
+    if (m_inPlace)
+        Node().Remove(kKey, 0);
+}
+
+} // namespace DataDirectory

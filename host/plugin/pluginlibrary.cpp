@@ -1,0 +1,54 @@
+#include "host/plugin/pluginlibrary.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLibrary>
+
+#include <string>
+
+QString PluginLibrary::DefaultFile(const QString& programDirectory)
+{
+    return QDir::cleanPath(
+        QDir(programDirectory).absoluteFilePath(QStringLiteral(VEXEL_BIN_TO_PLUGINS "/" VEXEL_PLUGIN_FILE)));
+}
+
+PluginLibrary::Error PluginLibrary::Load(const QString& file)
+{
+    // QLibrary would look for a missing file under other names and in the system's folders.
+    const QFileInfo info(file);
+    if (!info.exists())
+        return Fail(Error::Missing, QStringLiteral("there is no plug-in %1").arg(file));
+    if (!info.isFile())
+        return Fail(Error::NotAFile, QStringLiteral("the plug-in %1 is not a file").arg(file));
+
+    // Resolving everything now turns a library that lacks something into an error here instead of a crash later.
+    QLibrary library(info.absoluteFilePath());
+    library.setLoadHints(QLibrary::ResolveAllSymbolsHint);
+    if (!library.load()) {
+        return Fail(Error::NotLoadable,
+                    QStringLiteral("the plug-in %1 cannot be loaded: %2").arg(file, library.errorString()));
+    }
+
+    m_create = reinterpret_cast<CreateFunction>(library.resolve("ARCreateEx"));
+    m_destroy = reinterpret_cast<DestroyFunction>(library.resolve("ARDestroy"));
+    if (!m_create || !m_destroy) {
+        m_create = nullptr;
+        m_destroy = nullptr;
+        return Fail(Error::LacksFunctions,
+                    QStringLiteral("%1 is not a plug-in: it does not export ARCreateEx and ARDestroy").arg(file));
+    }
+    m_errorText.clear();
+    return Error::None;
+}
+
+PluginLibrary::Instance PluginLibrary::Create(const QString& name) const
+{
+    const std::wstring wide = name.toStdWString();
+    return Instance(m_create(wide.c_str()), Destroyer{m_destroy});
+}
+
+PluginLibrary::Error PluginLibrary::Fail(Error error, const QString& text)
+{
+    m_errorText = text;
+    return error;
+}

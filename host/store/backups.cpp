@@ -1,0 +1,199 @@
+#include "host/store/backups.h"
+
+#include "host/output/console.h"
+#include "host/output/textline.h"
+#include "host/output/texttable.h"
+#include "host/output/timetext.h"
+#include "host/store/storedset.h"
+#include "platform/cfgcenter.h"
+#include "platform/configversions.h"
+#include "platform/icfg.h"
+#include "platform/instancelock.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace {
+
+using Obstacle = ConfigVersions::Obstacle;
+
+/// One state of the document: the present one, or a version.
+struct Row
+{
+    int number = 0; // 0: the present state
+    QDateTime saved;
+    QString file;
+    std::optional<StoredSet> set; // none: there is an obstacle
+    Obstacle obstacle = Obstacle::None;
+};
+
+/// What is stored in the document with the root node `node`.
+std::optional<StoredSet> SetOf(const std::unique_ptr<ICfg>& node)
+{
+    return node ? std::optional(ReadStoredSet(*node)) : std::nullopt;
+}
+
+std::vector<Row> Rows(const ConfigVersions& versions)
+{
+    const QFileInfo document(versions.DocumentFile());
+    Row now{0, document.exists() ? document.lastModified() : QDateTime(), document.filePath(), {}, {}};
+    now.set = SetOf(versions.OpenCurrent(&now.obstacle));
+    std::vector<Row> rows{now};
+    const QList<ConfigVersion> list = versions.List();
+    for (const ConfigVersion& version : list) {
+        Row row{static_cast<int>(rows.size()), version.saved, version.file, {}, {}};
+        row.set = SetOf(versions.Open(version, &row.obstacle));
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+QString CountText(const std::optional<StoredSet>& set, Obstacle obstacle)
+{
+    if (!set)
+        return obstacle == Obstacle::Unread ? QStringLiteral("cannot be read") : QStringLiteral("damaged");
+    switch (set->state) {
+    case StoredSet::State::None:
+        return QStringLiteral("none stored");
+    case StoredSet::State::Whole:
+        return QString::number(set->entries);
+    case StoredSet::State::Malformed:
+        return QStringLiteral("%1, breaks off").arg(set->entries);
+    }
+    return {};
+}
+
+QString SentenceText(const std::optional<StoredSet>& set, Obstacle obstacle)
+{
+    if (set && set->state == StoredSet::State::Whole && set->entries == 1)
+        return QStringLiteral("1 entry");
+    return set && set->state == StoredSet::State::Whole ? QStringLiteral("%1 entries").arg(set->entries)
+                                                        : CountText(set, obstacle);
+}
+
+QString Table(const std::vector<Row>& rows)
+{
+    std::vector<QStringList> lines{
+        {QStringLiteral("Number"), QStringLiteral("Saved"), QStringLiteral("Entries"), QStringLiteral("File")}};
+    for (const Row& row : rows) {
+        lines.push_back({row.number == 0 ? QStringLiteral("now") : QString::number(row.number), TimeText(row.saved),
+                         CountText(row.set, row.obstacle), OneLine(QDir::toNativeSeparators(row.file))});
+    }
+    return TextTable(lines);
+}
+
+QByteArray Json(const std::vector<Row>& rows)
+{
+    QJsonArray versions;
+    for (const Row& row : rows) {
+        QJsonObject version{{QStringLiteral("number"), row.number},
+                            {QStringLiteral("file"), row.file},
+                            {QStringLiteral("readable"), row.set.has_value()},
+                            {QStringLiteral("damaged"), row.obstacle == Obstacle::Damaged}};
+        version.insert(QStringLiteral("saved"), row.saved.isValid() ? QJsonValue(row.saved.toString(Qt::ISODateWithMs))
+                                                                    : QJsonValue(QJsonValue::Null));
+        if (row.set) {
+            version.insert(QStringLiteral("entries"), row.set->entries);
+            version.insert(QStringLiteral("malformed"), row.set->state == StoredSet::State::Malformed);
+        }
+        versions.append(version);
+    }
+    return QJsonDocument(QJsonObject{{QStringLiteral("versions"), versions}}).toJson();
+}
+
+ExitCode Fail(ExitCode code, const QString& message)
+{
+    Console::PrintError(message);
+    return code;
+}
+
+ExitCode CannotUse(const QString& directory)
+{
+    return Fail(
+        ExitCode::Unusable,
+        QStringLiteral("the configuration directory %1 cannot be used: %2").arg(directory, CfgCenter::OpenError()));
+}
+
+ExitCode NoDirectory(const QString& directory)
+{
+    return Fail(ExitCode::Unusable, QStringLiteral("there is no configuration directory %1").arg(directory));
+}
+
+ExitCode NoSuchVersion(int number, qsizetype count)
+{
+    QString existing = QStringLiteral("there are none");
+    if (count == 1)
+        existing = QStringLiteral("there is only version 1");
+    else if (count > 1)
+        existing = QStringLiteral("there are versions 1 to %1").arg(count);
+    return Fail(ExitCode::Usage, QStringLiteral("there is no version %1; %2").arg(QString::number(number), existing));
+}
+
+ExitCode RestoreVersion(const ConfigVersions& versions, int number)
+{
+    const QList<ConfigVersion> before = versions.List();
+    if (number > before.size())
+        return NoSuchVersion(number, before.size());
+
+    const ConfigVersion& wanted = before.at(number - 1);
+    const QString name = QStringLiteral("version %1 of %2").arg(QString::number(number), TimeText(wanted.saved));
+    Obstacle obstacle = Obstacle::None;
+    const std::optional<StoredSet> set = SetOf(versions.Open(wanted, &obstacle));
+    if (!set) {
+        return Fail(ExitCode::Unusable, obstacle == Obstacle::Unread ? QStringLiteral("%1 cannot be read").arg(name)
+                                                                     : QStringLiteral("%1 is damaged").arg(name));
+    }
+    const std::optional<StoredSet> present = SetOf(versions.OpenCurrent(&obstacle));
+    QString quarantined;
+    if (!versions.Restore(wanted, &quarantined))
+        return Fail(ExitCode::Unusable, QStringLiteral("%1 could not be brought back (--trace says why)").arg(name));
+
+    const QList<ConfigVersion> after = versions.List();
+    QString replaced;
+    if (!quarantined.isEmpty())
+        replaced = QStringLiteral("; what it replaced is kept as %1").arg(QDir::toNativeSeparators(quarantined));
+    else if (!after.isEmpty() && after.constFirst().file != before.constFirst().file)
+        replaced = QStringLiteral("; what it replaced is version 1 now");
+    Console::Print(QStringLiteral("%1 is back: %2 -> %3%4")
+                       .arg(name, SentenceText(present, obstacle), SentenceText(set, Obstacle::None), replaced));
+    return ExitCode::Done;
+}
+
+} // namespace
+
+namespace Backups {
+
+ExitCode Print(const HostOptions& options)
+{
+    // Looking at a configuration must not make one.
+    if (!CfgCenter::OpenReadOnly(options.configDirectory))
+        return NoDirectory(options.configDirectory);
+    const std::vector<Row> rows = Rows(ConfigVersions(View::Application, QString()));
+    CfgCenter::Close();
+    const bool isPrinted = options.json ? Console::PrintBytes(Json(rows)) : Console::PrintRaw(Table(rows));
+    return isPrinted ? ExitCode::Done : ExitCode::Usage;
+}
+
+ExitCode Restore(const HostOptions& options)
+{
+    if (!QFileInfo(options.configDirectory).isDir())
+        return NoDirectory(options.configDirectory);
+    // A host that runs would undo it with its next save.
+    InstanceLock lock;
+    if (const InstanceLock::Result taken = lock.TryLock(options.configDirectory); taken != InstanceLock::Result::Locked)
+        return Fail(taken == InstanceLock::Result::Busy ? ExitCode::Running : ExitCode::Unusable, lock.ErrorText());
+    if (!CfgCenter::Open(options.configDirectory))
+        return CannotUse(options.configDirectory);
+    const ExitCode result = RestoreVersion(ConfigVersions(View::Application, QString()), options.versionToRestore);
+    CfgCenter::Close();
+    return result;
+}
+
+} // namespace Backups

@@ -1,0 +1,183 @@
+#include "host/support/diagnosis.h"
+
+#include "host/options/hostdefaults.h"
+#include "host/output/console.h"
+#include "host/plugin/datadirectory.h"
+#include "host/plugin/pluginlibrary.h"
+#include "host/support/linkport.h"
+#include "host/support/machinereport.h"
+#include "host/support/storereport.h"
+#include "host/support/supportreport.h"
+#include "host/system/desktop.h"
+#include "platform/icfg.h"
+#include "platform/instancelock.h"
+#include "platform/platformversion.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcessEnvironment>
+#include <QSysInfo>
+
+#include <memory>
+
+namespace {
+
+constexpr quint16 kLinkPort = 8451;
+
+/// A value and where it was said.
+struct Setting
+{
+    QString value;
+    QString origin;
+};
+
+Setting Given(const QString& given, const QString& used, const char* option, const char* otherwise)
+{
+    return {used, QLatin1String(given.isEmpty() ? otherwise : option)};
+}
+
+/// The value at `key` of a document, as the next start would find it.
+QString Configured(const QString& document, const QString& key)
+{
+    const std::unique_ptr<ICfg> node = OpenAsAtStart(View::Application, document);
+    return node ? node->GetString(key, QString(), 0) : QString();
+}
+
+Setting DataDirectorySetting(const HostOptions& options)
+{
+    if (!options.dataDirectory.isEmpty())
+        return {options.dataDirectory, QStringLiteral("--data")};
+    if (const QString stored = Configured(QStringLiteral("Administration"), QStringLiteral("VexelDataDir"));
+        !stored.isEmpty())
+        return {stored, QStringLiteral("the configuration")};
+    if (const QString samples = DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath());
+        !samples.isEmpty())
+        return {samples, QStringLiteral("the installed samples")};
+    return {QString(), QStringLiteral("nowhere")};
+}
+
+QString PluginState(const QString& file)
+{
+    PluginLibrary library;
+    return library.Load(file) == PluginLibrary::Error::None ? QStringLiteral("loads; exports ARCreateEx and ARDestroy")
+                                                            : library.ErrorText();
+}
+
+QJsonValue TraceFileState(const QString& fileName)
+{
+    if (fileName.isEmpty())
+        return {};
+    const QFileInfo file(fileName);
+    if (!file.exists())
+        return file.dir().exists() ? QStringLiteral("not there yet") : QStringLiteral("its folder does not exist");
+    if (!file.isFile())
+        return QStringLiteral("not a regular file");
+    return QStringLiteral("%1 bytes%2")
+        .arg(file.size())
+        .arg(file.isWritable() ? QString() : QStringLiteral(", cannot be written"));
+}
+
+/// The variables that matter here, and no others: an environment may hold secrets.
+QStringList Environment()
+{
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QStringList variables;
+    const QStringList names = environment.keys();
+    for (const QString& name : names) {
+        if (name.startsWith(QLatin1String("VEXEL_")) || name == QLatin1String("QT_QPA_PLATFORM"))
+            variables.append(name + QLatin1Char('=') + environment.value(name));
+    }
+    variables.sort();
+    return variables;
+}
+
+void ReportVersions(SupportReport& report)
+{
+    report.BeginSection(QStringLiteral("Versions"));
+    report.AddFact(QStringLiteral("program"), QStringLiteral(VEXEL_VERSION));
+    report.AddFact(QStringLiteral("platform library"), PlatformVersion());
+    report.AddFact(QStringLiteral("Qt"), QString::fromLatin1(qVersion()));
+    report.AddFact(QStringLiteral("Qt built with"), QStringLiteral(QT_VERSION_STR));
+    report.AddFact(QStringLiteral("system"), QSysInfo::prettyProductName());
+    report.AddFact(QStringLiteral("kernel"), QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion());
+    report.AddFact(QStringLiteral("processor"), QSysInfo::currentCpuArchitecture());
+    report.AddFact(QStringLiteral("compiler"), QStringLiteral(VEXEL_COMPILER));
+}
+
+void ReportPaths(SupportReport& report, const HostOptions& given, const HostOptions& options, const Setting& data)
+{
+    const auto addSetting = [&report](const char* label, const Setting& setting) {
+        report.AddFact(QLatin1String(label), setting.value);
+        report.AddFact(QLatin1String(label) + QStringLiteral(" from"), setting.origin);
+    };
+    report.BeginSection(QStringLiteral("Paths"));
+    report.AddFact(QStringLiteral("program"), QCoreApplication::applicationFilePath());
+    report.AddFact(QStringLiteral("current directory"), QDir::currentPath());
+    addSetting("plug-in", Given(given.plugin, options.plugin, "--plugin", "installed with the host"));
+    report.AddFact(QStringLiteral("plug-in state"), PluginState(options.plugin));
+    addSetting("configuration",
+               Given(given.configDirectory, options.configDirectory, "--config", "this user's usual place"));
+    addSetting("data directory", data);
+    report.AddFact(QStringLiteral("data directory exists"), QFileInfo(data.value).isDir());
+    const QDir translations(
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/" VEXEL_BIN_TO_TRANSLATIONS)));
+    report.AddFact(QStringLiteral("translations"), translations.path());
+    report.AddFact(QStringLiteral("catalogues"),
+                   QJsonArray::fromStringList(translations.entryList({QStringLiteral("*.qm")}, QDir::Files)));
+    report.AddFact(QStringLiteral("trace file"), options.traceFile.isEmpty() ? QJsonValue() : options.traceFile);
+    report.AddFact(QStringLiteral("trace file state"), TraceFileState(options.traceFile));
+    report.AddFact(QStringLiteral("display"), HasDesktop());
+    report.AddList(QStringLiteral("environment"), Environment());
+}
+
+QString PortState(const LinkPort& port, const QString& configDirectory)
+{
+    if (!port.error.isEmpty())
+        return QStringLiteral("cannot be tried: %1").arg(port.error);
+    if (port.isFree)
+        return QStringLiteral("free: no host answers the starter");
+    if (!port.owner)
+        return QStringLiteral("in use, the system does not say by whom");
+    const QString owner =
+        QStringLiteral("in use by process %1 (%2)").arg(QString::number(port.owner->number), port.owner->name);
+    const bool isHost = InstanceLock::Query(configDirectory).process == port.owner->number;
+    return isHost ? owner + QStringLiteral(", the host on this configuration") : owner;
+}
+
+void ReportLink(SupportReport& report, const QString& configDirectory)
+{
+    const LinkPort port = ProbePort(kLinkPort);
+    report.BeginSection(QStringLiteral("Starter link"));
+    report.AddFact(QStringLiteral("port"), kLinkPort);
+    report.AddFact(QStringLiteral("free"), port.isFree);
+    report.AddFact(QStringLiteral("state"), PortState(port, configDirectory));
+}
+
+/// As the host lets its children look for programs: in its own folder first.
+QStringList ProgramDirectories()
+{
+    const QStringList path = qEnvironmentVariable("PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
+    return QStringList{QCoreApplication::applicationDirPath()} + path;
+}
+
+} // namespace
+
+ExitCode Diagnose(const HostOptions& given)
+{
+    const HostOptions options = WithDefaults(given);
+    CfgCenter::OpenReadOnly(options.configDirectory);
+
+    SupportReport report;
+    ReportVersions(report);
+    const Setting data = DataDirectorySetting(options);
+    ReportPaths(report, given, options, data);
+    ReportMachine(report, {data.value, Configured(options.name, QStringLiteral("TypeApplicationMappings")),
+                           ProgramDirectories()});
+    ReportStore(report, options.configDirectory);
+    ReportLink(report, options.configDirectory);
+    CfgCenter::Close();
+
+    const bool isPrinted = options.json ? Console::PrintBytes(report.Json()) : Console::PrintRaw(report.Text());
+    return isPrinted ? ExitCode::Done : ExitCode::Usage;
+}

@@ -1,0 +1,25 @@
+#include "host/support/linkport.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+
+LinkPort ProbePort(quint16 port)
+{
+    LinkPort result;
+    for (const auto address : {QHostAddress::LocalHost, QHostAddress::LocalHostIPv6}) {
+        QTcpSocket probe;
+        if (probe.bind(QHostAddress(address), port, ProbeMode()))
+            continue;
+        if (probe.error() == QAbstractSocket::AddressInUseError) {
+            result.owner = ListenerOn(port);
+            return result;
+        }
+        // A machine need not have both kinds of address, but it has this one.
+        if (address == QHostAddress::LocalHost) {
+            result.error = probe.errorString();
+            return result;
+        }
+    }
+    result.isFree = true;
+    return result;
+}

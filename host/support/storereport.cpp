@@ -1,0 +1,155 @@
+#include "host/support/storereport.h"
+
+#include "host/output/timetext.h"
+#include "host/store/storedset.h"
+#include "host/support/supportreport.h"
+#include "platform/configversions.h"
+#include "platform/icfg.h"
+#include "platform/instancelock.h"
+
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace {
+
+const QString kSuffix = QStringLiteral(".ini");
+
+/// The document of the store that has the file `path`, which is relative to the store; none where no document has it.
+std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString& path)
+{
+    static const QList<std::pair<QString, View>> kViews = {{QStringLiteral("user/"), View::User},
+                                                           {QStringLiteral("application/"), View::Application},
+                                                           {QStringLiteral("shared/"), View::Shared}};
+    for (const auto& [folder, view] : kViews) {
+        if (!path.startsWith(folder) || !path.endsWith(kSuffix))
+            continue;
+        const QString encoded = path.mid(folder.size()).chopped(kSuffix.size());
+        // The application's own has a name that needs no reading, and every other name says the same read and written.
+        for (const QString& name : {QString(), QString::fromUtf8(QByteArray::fromPercentEncoding(encoded.toUtf8()))}) {
+            const ConfigVersions document(view, name);
+            if (document.DocumentFile() == directory + QLatin1Char('/') + path)
+                return document;
+        }
+    }
+    return std::nullopt;
+}
+
+QString StateText(const ConfigVersions& document)
+{
+    ConfigVersions::Obstacle obstacle{};
+    if (document.OpenCurrent(&obstacle))
+        return QStringLiteral("readable");
+    const std::optional<ConfigVersion> readable = document.NewestReadable();
+    const QString from = readable ? TimeText(readable->saved) : QString();
+    if (obstacle == ConfigVersions::Obstacle::Unread) {
+        // Whoever starts the host may be able to, or find the same.
+        return readable
+                   ? QStringLiteral("CANNOT BE READ now; a start that cannot either uses the version of %1").arg(from)
+                   : QStringLiteral("CANNOT BE READ now, nor any version");
+    }
+    return readable ? QStringLiteral("DAMAGED; the next start uses the version of %1").arg(from)
+                    : QStringLiteral("DAMAGED, and no version can be read");
+}
+
+QJsonArray DocumentRow(const QString& directory, const QString& path, const QFileInfo& file)
+{
+    const std::optional<ConfigVersions> document = DocumentOf(directory, path);
+    const QList<ConfigVersion> versions = document ? document->List() : QList<ConfigVersion>();
+    return {path,
+            file.size(),
+            TimeText(file.lastModified()),
+            document ? StateText(*document) : QStringLiteral("not a document of the store"),
+            versions.size(),
+            versions.isEmpty() ? QJsonValue() : QJsonValue(TimeText(versions.constFirst().saved))};
+}
+
+bool CanHoldFiles(const QString& directory)
+{
+    // Permission bits do not tell: a file system can be read-only or full, and an administrator passes them all.
+    QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
+    return probe.open() && probe.write("probe") > 0 && probe.flush();
+}
+
+QString HostAtWork(const InstanceLock::Owner& owner)
+{
+    switch (owner.state) {
+    case InstanceLock::State::Nobody:
+        break;
+    case InstanceLock::State::Somebody:
+        return owner.process == 0 ? QStringLiteral("yes, it does not say which process")
+                                  : QStringLiteral("process %1").arg(owner.process);
+    case InstanceLock::State::Unknown:
+        return QStringLiteral("not known: its lock cannot be looked at");
+    }
+    return QStringLiteral("none");
+}
+
+void ReportStoredList(SupportReport& report)
+{
+    const std::unique_ptr<ICfg> document = OpenAsAtStart(View::Application, QString());
+    const StoredSet set = document ? ReadStoredSet(*document) : StoredSet();
+    QString state = QStringLiteral("in order");
+    if (!document)
+        state = QStringLiteral("its document cannot be read");
+    else if (set.state == StoredSet::State::None)
+        state = QStringLiteral("nothing stored");
+    else if (set.state == StoredSet::State::Malformed)
+        state = QStringLiteral("BREAKS OFF; the next start keeps a copy and loads what comes before");
+    report.AddFact(QStringLiteral("stored list"), state);
+    report.AddFact(QStringLiteral("entries stored"), set.entries);
+}
+
+void ReportFiles(SupportReport& report, const QString& directory)
+{
+    QList<QJsonArray> documents;
+    QStringList quarantined;
+    QDirIterator files(directory, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = QDir(directory).relativeFilePath(files.next());
+        if (path.contains(QLatin1String(".versions/")))
+            continue;
+        if (path.contains(QLatin1String(".ini.damaged-")) || path.contains(QLatin1String(".ini.malformed-")))
+            quarantined.append(path);
+        else if (path.endsWith(kSuffix))
+            documents.append(DocumentRow(directory, path, files.fileInfo()));
+    }
+    std::sort(documents.begin(), documents.end(), [](const QJsonArray& one, const QJsonArray& other) {
+        return one.at(0).toString() < other.at(0).toString();
+    });
+    quarantined.sort();
+    report.AddTable(QStringLiteral("documents"),
+                    {QStringLiteral("File"), QStringLiteral("Bytes"), QStringLiteral("Changed"),
+                     QStringLiteral("State"), QStringLiteral("Versions"), QStringLiteral("Newest version")},
+                    documents);
+    report.AddList(QStringLiteral("quarantined"), quarantined);
+}
+
+} // namespace
+
+std::unique_ptr<ICfg> OpenAsAtStart(View view, const QString& name)
+{
+    const ConfigVersions document(view, name);
+    if (std::unique_ptr<ICfg> current = document.OpenCurrent())
+        return current;
+    const std::optional<ConfigVersion> readable = document.NewestReadable();
+    return readable ? document.Open(*readable) : nullptr;
+}
+
+void ReportStore(SupportReport& report, const QString& directory)
+{
+    report.BeginSection(QStringLiteral("Configuration"));
+    const bool exists = QFileInfo(directory).isDir();
+    report.AddFact(QStringLiteral("directory"), directory);
+    report.AddFact(QStringLiteral("exists"), exists);
+    if (!exists)
+        return;
+    report.AddFact(QStringLiteral("can be written"), CanHoldFiles(directory));
+    report.AddFact(QStringLiteral("host at work"), HostAtWork(InstanceLock::Query(directory)));
+    ReportStoredList(report);
+    ReportFiles(report, directory);
+}

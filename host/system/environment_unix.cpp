@@ -1,0 +1,17 @@
+#include "host/system/environment.h"
+
+#include <QFile>
+
+void Environment::Set(const char* name, const QString& value)
+{
+    qputenv(name, QFile::encodeName(value));
+}
+
+void Environment::Prepend(const char* name, const QString& folder)
+{
+    QByteArray list = QFile::encodeName(folder);
+    // Kept as bytes: the others need not be texts.
+    if (!qEnvironmentVariableIsEmpty(name))
+        list += ':' + qgetenv(name);
+    qputenv(name, list);
+}

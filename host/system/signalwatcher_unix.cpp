@@ -1,0 +1,83 @@
+#include "host/system/signalwatcher.h"
+
+#include <QSocketNotifier>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// A handler may do next to nothing; it writes a byte into this pipe, and the event loop reads it.
+int g_writeEnd = -1;
+
+extern "C" void OnSignal(int)
+{
+    const int error = errno;
+    const char byte = 0;
+    // A full pipe already holds the request.
+    [[maybe_unused]] const ssize_t written = ::write(g_writeEnd, &byte, 1);
+    errno = error;
+}
+
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+
+void KeepFromChildrenAndBlocking(int descriptor)
+{
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+}
+
+} // namespace
+
+struct SignalWatcher::Private
+{
+    std::array<int, 2> pipe = {-1, -1};
+    std::array<struct sigaction, kSignals.size()> earlier = {};
+    std::unique_ptr<QSocketNotifier> notifier;
+};
+
+SignalWatcher::SignalWatcher(QObject* parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>())
+{
+    if (::pipe(d->pipe.data()) != 0) {
+        qWarning("vexelhost: no pipe for signals; an interrupt ends the host without saving");
+        return;
+    }
+    for (const int descriptor : d->pipe)
+        KeepFromChildrenAndBlocking(descriptor);
+    g_writeEnd = d->pipe[1];
+
+    d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
+    connect(d->notifier.get(), &QSocketNotifier::activated, this, [this] {
+        std::array<char, 16> bytes = {};
+        while (::read(d->pipe[0], bytes.data(), bytes.size()) > 0) {
+        }
+        emit EndRequested();
+    });
+
+    struct sigaction action = {};
+    action.sa_handler = OnSignal;
+    action.sa_flags = SA_RESTART;
+    ::sigemptyset(&action.sa_mask);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        ::sigaction(kSignals[i], nullptr, &d->earlier[i]);
+        if (d->earlier[i].sa_handler != SIG_IGN)
+            ::sigaction(kSignals[i], &action, nullptr);
+    }
+}
+
+SignalWatcher::~SignalWatcher()
+{
+    if (!d->notifier)
+        return;
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &d->earlier[i], nullptr);
+    d->notifier.reset();
+    g_writeEnd = -1;
+    for (const int descriptor : d->pipe)
+        ::close(descriptor);
+}

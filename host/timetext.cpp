@@ -1,8 +1,0 @@
-#include "host/timetext.h"
-
-#include <QDateTime>
-
-QString TimeText(const QDateTime& time)
-{
-    return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QStringLiteral("-");
-}

@@ -1,0 +1,180 @@
+#include "platform/config/versionfolder.h"
+
+#include "files/atomicfile.h"
+#include "files/retry.h"
+#include "platform/config/documentfile.h"
+#include "platform/tracing.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype kDepth = 10;
+constexpr int kDigits = 8;
+constexpr qulonglong kLastNumber = 99'999'999;
+
+const QString kTimeFormat = QStringLiteral("yyyyMMdd'T'HHmmss.zzz");
+
+template <typename BuildText>
+void Trace(int line, BuildText buildText)
+{
+    TraceWhenWanted("platform/config/versionfolder", line, buildText);
+}
+
+qulonglong NumberOf(const QString& name)
+{
+    return name.left(kDigits).toULongLong();
+}
+
+QString Digits(qulonglong number)
+{
+    return QStringLiteral("%1").arg(number, kDigits, 10, QLatin1Char('0'));
+}
+
+QDateTime TimeOf(const QString& name)
+{
+    QDateTime time = QDateTime::fromString(name.mid(kDigits + 1).section(u'Z', 0, 0), kTimeFormat);
+    time.setTimeSpec(Qt::UTC);
+    return time;
+}
+
+bool IsVersionName(const QString& name)
+{
+    static const QRegularExpression form(QStringLiteral("^[0-9]{8}-[0-9]{8}T[0-9]{6}\\.[0-9]{3}Z\\.ini$"));
+    return form.match(name).hasMatch() && TimeOf(name).isValid();
+}
+
+/// Whether the file holds `content`. Reads it only where the sizes agree.
+bool Holds(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    return QFileInfo(path).size() == content.size() && file.open(QIODevice::ReadOnly) && file.readAll() == content;
+}
+
+} // namespace
+
+VersionFolder::VersionFolder(QString document)
+    : m_document(std::move(document))
+{
+}
+
+QString VersionFolder::Path() const
+{
+    // No document's file or folder has this name: theirs have no dot but the one before "ini".
+    return m_document + QStringLiteral(".versions");
+}
+
+QList<ConfigVersion> VersionFolder::List() const
+{
+    QList<ConfigVersion> versions;
+    const QString folder = Path() + u'/';
+    const QStringList names = Names();
+    for (const QString& name : names) {
+        if (!IsSameFile(folder + name, m_document))
+            versions.append({folder + name, TimeOf(name).toLocalTime()});
+    }
+    return versions;
+}
+
+std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
+{
+    const auto fail = [this](int line, const char* reason) -> std::optional<QString> {
+        Trace(line, [&] {
+            return QStringLiteral("VersionFolder::Keep(): %1 is saved without keeping what it was before: %2")
+                .arg(m_document, QString::fromLatin1(reason));
+        });
+        return std::nullopt;
+    };
+
+    const QString folder = Path();
+    if (!CreateFolder(folder))
+        return fail(__LINE__, "the folder for versions cannot be created");
+    QStringList names = Names();
+    // Somebody has put a file there with a number that leaves no room.
+    if (!names.isEmpty() && NumberOf(names.front()) >= kLastNumber) {
+        Renumber(names);
+        names = Names();
+    }
+    const QString newest = names.isEmpty() ? QString() : names.front();
+    if (!newest.isEmpty()) {
+        const QString newestFile = folder + u'/' + newest;
+        if (IsSameFile(newestFile, m_document) || Holds(newestFile, content))
+            return QString();
+        if (NumberOf(newest) >= kLastNumber)
+            return fail(__LINE__, "the numbers are used up and cannot be given anew");
+    }
+
+    // A second name for the file costs next to nothing, and cannot differ from it nor fill the disk. Replacing the
+    // document gives that name a new file and leaves this one alone. Not every file system has second names.
+    // Whatever loses this name in a loss of power loses the replacement as well, or just a version.
+    const QString file = folder + u'/' + NextName(newest);
+    const QFileInfo document(m_document);
+    std::error_code error;
+    std::filesystem::create_hard_link(QFileInfo(document.canonicalFilePath()).filesystemFilePath(),
+                                      QFileInfo(file).filesystemFilePath(), error);
+    if (error && !Retry([&] { return WriteAtomically(file, content); }))
+        return fail(__LINE__, "the folder for versions cannot be written");
+    return file;
+}
+
+void VersionFolder::Forget(const std::optional<QString>& kept)
+{
+    if (kept && !kept->isEmpty())
+        QFile::remove(*kept);
+}
+
+void VersionFolder::Prune() const
+{
+    const QString folder = Path() + u'/';
+    const QStringList names = Names();
+    for (qsizetype i = kDepth; i < names.size(); ++i) {
+        if (!QFile::remove(folder + names.at(i)))
+            Trace(__LINE__, [&] {
+                return QStringLiteral("VersionFolder::Prune(): Could not remove the old version %1")
+                    .arg(folder + names.at(i));
+            });
+    }
+
+    RemoveAllTemporaryFiles(Path());
+}
+
+QString VersionFolder::NextName(const QString& newest) const
+{
+    const qulonglong number = newest.isEmpty() ? 1 : NumberOf(newest) + 1;
+    const auto nameOf = [number](const QDateTime& time) {
+        return QStringLiteral("%1-%2Z.ini").arg(Digits(number), time.toString(kTimeFormat));
+    };
+    const QString name = nameOf(QFileInfo(m_document).lastModified().toUTC());
+    return IsVersionName(name) ? name : nameOf(QDateTime::currentDateTimeUtc()); // a file can claim any year
+}
+
+/// Gives the versions, newest first in `names`, the numbers from 1 on. They keep their order at every moment, as the
+/// oldest goes first and no number becomes larger.
+void VersionFolder::Renumber(const QStringList& names) const
+{
+    QDir folder(Path());
+    qulonglong number = 0;
+    std::for_each(names.crbegin(), names.crend(), [&folder, &number](const QString& name) {
+        ++number;
+        if (NumberOf(name) > number)
+            folder.rename(name, Digits(number) + name.mid(kDigits));
+    });
+}
+
+// Newest first.
+QStringList VersionFolder::Names() const
+{
+    QStringList names = QDir(Path()).entryList({QStringLiteral("*-*Z.ini")}, QDir::Files, QDir::NoSort);
+    names.removeIf([](const QString& name) { return !IsVersionName(name); });
+    std::sort(names.begin(), names.end(), std::greater<>());
+    return names;
+}

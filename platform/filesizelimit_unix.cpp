@@ -1,8 +1,0 @@
-#include "platform/filesizelimit.h"
-
-#include "platform/enduresignal_unix.h"
-
-void EndureFileSizeLimit()
-{
-    EndureSignal(SIGXFSZ);
-}

@@ -1,6 +1,0 @@
-#include "platform/filesizelimit.h"
-
-// There is no such limit.
-void EndureFileSizeLimit()
-{
-}

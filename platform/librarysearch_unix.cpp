@@ -1,5 +1,0 @@
-#include "platform/librarysearch.h"
-
-void SearchLibrariesHereOnly()
-{
-}

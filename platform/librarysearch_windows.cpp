@@ -1,9 +1,0 @@
-#include "platform/librarysearch.h"
-
-#include <windows.h>
-
-void SearchLibrariesHereOnly()
-{
-    // Not SetDllDirectory: programs that are started by this one would inherit that.
-    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-}

@@ -1,0 +1,5 @@
+#include "process/librarysearch.h"
+
+void RestrictLibrarySearch()
+{
+}

@@ -1,0 +1,97 @@
+#include "files/boundedfile.h"
+#include "tests/support/system.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestBoundedFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void wholeContent_data();
+    void wholeContent();
+    void aboveLimit();
+    void hugeFile();
+    void notRegular_data();
+    void notRegular();
+    void pipeIsNotOpened();
+
+private:
+    QString Path(const char* name) const { return m_directory.filePath(QLatin1String(name)); }
+    QString Write(const char* name, const QByteArray& content) const
+    {
+        QFile file(Path(name));
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName() : QString();
+    }
+
+    QTemporaryDir m_directory;
+};
+
+void TestBoundedFile::wholeContent_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("one byte") << QByteArray("x");
+    QTest::newRow("binary with NUL and CR LF") << QByteArray("a\0b\r\n\xff", 6);
+    QTest::newRow("more than one piece") << QByteArray(3 * 1024 * 1024 + 17, 'z');
+}
+
+void TestBoundedFile::wholeContent()
+{
+    QFETCH(const QByteArray, content);
+    const auto read = ReadRegularFile(Write("content", content));
+    QVERIFY(read.has_value());
+    QCOMPARE(*read, content);
+}
+
+void TestBoundedFile::aboveLimit()
+{
+    const QString path = Write("limited", QByteArray(1000, 'x'));
+    QCOMPARE(ReadRegularFile(path, 1000).value_or("nothing").size(), 1000);
+    QVERIFY(!ReadRegularFile(path, 999).has_value());
+    QVERIFY(!ReadRegularFile(path, 0).has_value());
+}
+
+void TestBoundedFile::hugeFile()
+{
+    // Without content on disk; its size alone is refused.
+    QFile file(Path("huge"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(kMaximumFileSize + 1));
+    file.close();
+    QVERIFY(!ReadRegularFile(file.fileName()).has_value());
+    QVERIFY(file.resize(kMaximumFileSize));
+    const auto atLimit = ReadRegularFile(file.fileName());
+    QVERIFY(atLimit.has_value());
+    QCOMPARE(atLimit->size(), kMaximumFileSize);
+}
+
+void TestBoundedFile::notRegular_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("no name") << QString();
+    QTest::newRow("missing") << Path("missing");
+    QTest::newRow("directory") << m_directory.path();
+    const QStringList devices = System::Devices();
+    for (const QString& device : devices)
+        QTest::newRow(qPrintable(device)) << device;
+}
+
+void TestBoundedFile::notRegular()
+{
+    QFETCH(const QString, path);
+    QVERIFY(!ReadRegularFile(path).has_value());
+}
+
+void TestBoundedFile::pipeIsNotOpened()
+{
+    const QString pipe = System::MakePipe(Path("pipe"));
+    QVERIFY(!pipe.isEmpty());
+    // Nobody writes to it: opening it would wait for ever.
+    QVERIFY(!ReadRegularFile(pipe).has_value());
+}
+
+QTEST_GUILESS_MAIN(TestBoundedFile)
+#include "tst_boundedfile.moc"

@@ -1,0 +1,426 @@
+#include "host/desktop/dialogvisibility.h"
+#include "host/plugin/connectdialog.h"
+#include "host/plugin/statusmonitor.h"
+#include "tests/host/fakedialog.h"
+
+#include <QHideEvent>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace {
+
+/// The dialog with its keeper, shown, with one entry.
+struct Kept
+{
+    Kept()
+    {
+        fake.Add(QStringLiteral("mast"), true);
+        QString error;
+        dialog = ConnectDialog::Find(error);
+        monitor = std::make_unique<StatusMonitor>(&fake.entries);
+        // What the plug-in's own slot does comes first, as in the host.
+        QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
+            fake.hide();
+            if (onConnect)
+                onConnect();
+        });
+        keeper = std::make_unique<DialogVisibility>(*dialog, *monitor);
+        hidden = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::DialogHidden);
+        end = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::EndWanted);
+        stays = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::StaysHidden);
+        wentToTray = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::WentToTray);
+        asks = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::EndNeedsAnswer);
+        fake.show();
+    }
+
+    FakeDialog fake;
+    std::function<void()> onConnect;
+    std::optional<ConnectDialog> dialog;
+    std::unique_ptr<StatusMonitor> monitor;
+    std::unique_ptr<DialogVisibility> keeper;
+    std::unique_ptr<QSignalSpy> hidden;
+    std::unique_ptr<QSignalSpy> end;
+    std::unique_ptr<QSignalSpy> stays;
+    std::unique_ptr<QSignalSpy> wentToTray;
+    std::unique_ptr<QSignalSpy> asks;
+};
+
+/// Lets everything that is waiting in the event queue happen.
+void Settle()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+class TestDialogVisibility : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void closingWithNothingInUseEndsTheHost_data();
+    void closingWithNothingInUseEndsTheHost();
+    void closingWhileInUseStaysAndComesBack();
+    void closingAgainAfterwardsEndsTheHost();
+    void connectingHidesUntilTheLastHasEnded();
+    void connectingInVainShowsTheDialogAgain();
+    void aProblemBoxDoesNotEndTheHost();
+    void anApplicationThatEndsDuringTheProblemBox();
+    void anApplicationThatEndsWhileTheDialogIsShown();
+    void minimisingIsNotClosing();
+
+    void closingToTheTray_data();
+    void closingToTheTray();
+    void theTrayIsExplainedOnce();
+    void connectingWithATrayComesBack();
+    void calledFromTheTrayWhileWaiting();
+    void theTrayGoesWhileTheDialogIsAway();
+    void theTrayGoesWhileEntriesAreInUse();
+    void theTrayGoesWhileTheDialogIsShown();
+    void theTrayAppearsLater();
+    void theTrayAppearsWhileWaiting();
+    void askingToEnd();
+    void aBoxThatWasAnsweredHoldsNothingUp();
+};
+
+void TestDialogVisibility::closingWithNothingInUseEndsTheHost_data()
+{
+    QTest::addColumn<bool>("byButton");
+    QTest::newRow("hidden by its button") << true;
+    QTest::newRow("closed by the window manager") << false;
+}
+
+void TestDialogVisibility::closingWithNothingInUseEndsTheHost()
+{
+    QFETCH(const bool, byButton);
+    Kept kept;
+    if (byButton)
+        kept.fake.hide();
+    else
+        kept.fake.close();
+    QTRY_COMPARE(kept.end->count(), 1);
+    QCOMPARE(kept.hidden->count(), 1);
+    QCOMPARE(kept.stays->count(), 0);
+}
+
+void TestDialogVisibility::closingWhileInUseStaysAndComesBack()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.hide();
+    QTRY_COMPARE(kept.stays->count(), 1);
+    QCOMPARE(kept.stays->at(0).at(0).toInt(), 1);
+    QCOMPARE(kept.hidden->count(), 1);
+    QVERIFY(kept.fake.isHidden());
+
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.stays->count(), 1);
+}
+
+void TestDialogVisibility::closingAgainAfterwardsEndsTheHost()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.hide();
+    QTRY_COMPARE(kept.stays->count(), 1);
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    kept.fake.hide();
+    QTRY_COMPARE(kept.end->count(), 1);
+}
+
+void TestDialogVisibility::connectingHidesUntilTheLastHasEnded()
+{
+    Kept kept;
+    kept.fake.Add(QStringLiteral("pier"), true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+        kept.fake.SetStatus(1, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    QCOMPARE(kept.hidden->count(), 1);
+    // The person asked for that, there is nothing to say.
+    QCOMPARE(kept.stays->count(), 0);
+
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    kept.fake.SetStatus(1, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::connectingInVainShowsTheDialogAgain()
+{
+    Kept kept;
+    kept.fake.connectButton->click();
+    QTRY_VERIFY(kept.fake.isVisible());
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+    QVERIFY(kept.fake.isVisible());
+}
+
+void TestDialogVisibility::aProblemBoxDoesNotEndTheHost()
+{
+    Kept kept;
+    bool endedDuringBox = false;
+    kept.onConnect = [&] {
+        QMessageBox box;
+        QTimer::singleShot(0, &box, [&] {
+            Settle();
+            endedDuringBox = kept.end->count() != 0 || kept.fake.isVisible();
+            box.accept();
+        });
+        box.exec();
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QVERIFY(!endedDuringBox);
+    QCOMPARE(kept.end->count(), 0);
+    QVERIFY(kept.fake.isHidden());
+}
+
+void TestDialogVisibility::anApplicationThatEndsDuringTheProblemBox()
+{
+    Kept kept;
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+        QMessageBox box;
+        QTimer::singleShot(0, &box, [&] {
+            kept.fake.SetStatus(0, 0);
+            Settle();
+            box.accept();
+        });
+        box.exec();
+    };
+    kept.fake.connectButton->click();
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::anApplicationThatEndsWhileTheDialogIsShown()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.hidden->count(), 0);
+}
+
+void TestDialogVisibility::minimisingIsNotClosing()
+{
+    Kept kept;
+    kept.fake.showMinimized();
+    // What a window manager does to the window's content.
+    QHideEvent spontaneous;
+    QCoreApplication::sendEvent(&kept.fake, &spontaneous);
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.hidden->count(), 0);
+}
+
+void TestDialogVisibility::closingToTheTray_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("nothing in use") << 0;
+    QTest::newRow("in use") << 1;
+}
+
+void TestDialogVisibility::closingToTheTray()
+{
+    QFETCH(const int, status);
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.SetStatus(0, status);
+    kept.fake.close();
+    QTRY_COMPARE(kept.hidden->count(), 1);
+    QCOMPARE(kept.wentToTray->count(), 1);
+
+    // Whoever sent it away calls it back; the end of an application does not.
+    kept.fake.SetStatus(0, 1);
+    Settle();
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.stays->count(), 0);
+    QCOMPARE(kept.hidden->count(), 1);
+
+    kept.keeper->ShowDialog();
+    QVERIFY(kept.fake.isVisible());
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::theTrayIsExplainedOnce()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    for (int i = 1; i <= 3; ++i) {
+        kept.fake.close();
+        QTRY_COMPARE(kept.hidden->count(), i);
+        QCOMPARE(kept.wentToTray->count(), 1);
+        kept.keeper->ShowDialog();
+    }
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::connectingWithATrayComesBack()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    // It was not sent away, it made room.
+    QCOMPARE(kept.wentToTray->count(), 0);
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+
+    kept.onConnect = nullptr;
+    kept.fake.connectButton->click();
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::calledFromTheTrayWhileWaiting()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    kept.keeper->ShowDialog();
+    QVERIFY(kept.fake.isVisible());
+    // Closed by now, so it stays away.
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::theTrayGoesWhileTheDialogIsAway()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    kept.keeper->SetTrayAvailable(false);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+    // From now on as without a tray.
+    kept.fake.close();
+    QTRY_COMPARE(kept.end->count(), 1);
+}
+
+void TestDialogVisibility::theTrayGoesWhileEntriesAreInUse()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.SetStatus(0, 1);
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    kept.keeper->SetTrayAvailable(false);
+    QTRY_COMPARE(kept.stays->count(), 1);
+    QCOMPARE(kept.stays->at(0).at(0).toInt(), 1);
+    QVERIFY(kept.fake.isHidden());
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::theTrayGoesWhileTheDialogIsShown()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.keeper->SetTrayAvailable(false);
+    Settle();
+    QVERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.hidden->count(), 0);
+    QCOMPARE(kept.end->count(), 0);
+    kept.fake.close();
+    QTRY_COMPARE(kept.end->count(), 1);
+}
+
+void TestDialogVisibility::theTrayAppearsLater()
+{
+    Kept kept;
+    Settle();
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.close();
+    QTRY_COMPARE(kept.wentToTray->count(), 1);
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::theTrayAppearsWhileWaiting()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.fake.close();
+    QTRY_COMPARE(kept.stays->count(), 1);
+    kept.keeper->SetTrayAvailable(true);
+    // It was promised to come back.
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.wentToTray->count(), 0);
+}
+
+void TestDialogVisibility::askingToEnd()
+{
+    Kept kept;
+    kept.fake.SetStatus(0, 1);
+    kept.keeper->AskToEnd();
+    QCOMPARE(kept.asks->count(), 1);
+    QCOMPARE(kept.asks->at(0).at(0).toInt(), 1);
+    QCOMPARE(kept.end->count(), 0);
+
+    kept.fake.SetStatus(0, 0);
+    kept.keeper->AskToEnd();
+    QCOMPARE(kept.asks->count(), 1);
+    QCOMPARE(kept.end->count(), 1);
+}
+
+void TestDialogVisibility::aBoxThatWasAnsweredHoldsNothingUp()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.onConnect = [&] {
+        kept.fake.SetStatus(0, 1);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+
+    QMessageBox box;
+    box.setModal(true);
+    box.show();
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
+    box.hide();
+    kept.keeper->DecideLater();
+    QTRY_VERIFY(kept.fake.isVisible());
+}
+
+QTEST_MAIN(TestDialogVisibility)
+#include "tst_dialogvisibility.moc"

@@ -1,0 +1,61 @@
+#include "host/headless/messageboxautoresponder.h"
+
+#include <QDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+class TestMessageBoxAutoResponder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void answersAndTellsWhatItSaid();
+    void pressesTheDefaultButton();
+    void answersEveryBox();
+    void leavesOtherWindowsAlone();
+};
+
+void TestMessageBoxAutoResponder::answersAndTellsWhatItSaid()
+{
+    const MessageBoxAutoResponder answerer;
+    QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
+    QCOMPARE(QMessageBox::information(nullptr, QStringLiteral("Problem"), QStringLiteral("Could not\n\nconnect")),
+             QMessageBox::Ok);
+    QCOMPARE(opened.count(), 1);
+    QCOMPARE(opened.at(0).at(0).toString(), QStringLiteral("Problem"));
+    QCOMPARE(opened.at(0).at(1).toString(), QStringLiteral("Could not\n\nconnect"));
+}
+
+void TestMessageBoxAutoResponder::pressesTheDefaultButton()
+{
+    const MessageBoxAutoResponder answerer;
+    QCOMPARE(QMessageBox::question(nullptr, QStringLiteral("t"), QStringLiteral("q"),
+                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::No),
+             QMessageBox::No);
+}
+
+void TestMessageBoxAutoResponder::answersEveryBox()
+{
+    const MessageBoxAutoResponder answerer;
+    QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
+    for (int i = 0; i < 3; ++i)
+        QMessageBox::information(nullptr, QStringLiteral("t"), QString::number(i));
+    QCOMPARE(opened.count(), 3);
+    QCOMPARE(opened.at(2).at(1).toString(), QStringLiteral("2"));
+}
+
+void TestMessageBoxAutoResponder::leavesOtherWindowsAlone()
+{
+    const MessageBoxAutoResponder answerer;
+    QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
+    QDialog dialog;
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QCOMPARE(opened.count(), 0);
+    QVERIFY(dialog.isVisible());
+}
+
+QTEST_MAIN(TestMessageBoxAutoResponder)
+#include "tst_messageboxautoresponder.moc"
