@@ -92,15 +92,18 @@ void Measure(benchmark::State& state, int count, const Connect& connect)
 
 void ConnectButton(benchmark::State& state, int count)
 {
-    Measure(state, count, [](ConnectionsModel&, AppCounter&, VexelConnectDlgGUI& dialog) { dialog.SlotConnect(); });
+    Measure(
+        state, count, [](ConnectionsModel&, AppCounter&, VexelConnectDlgGUI& dialog) { dialog.SlotConnect(); });
 }
 
 void ConnectEach(benchmark::State& state, int count)
 {
-    Measure(state, count, [](ConnectionsModel& model, AppCounter& appCounter, VexelConnectDlgGUI&) {
-        for (int row = 0; row < model.rowCount(); ++row)
-            appCounter.ConnectTo(model.GetConnection(row));
-    });
+    Measure(
+        state, count,
+        [](ConnectionsModel& model, AppCounter& appCounter, VexelConnectDlgGUI&) {
+            for (int row = 0; row < model.rowCount(); ++row)
+                appCounter.ConnectTo(model.GetConnection(row));
+        });
 }
 
 void StartBare(benchmark::State& state, int count)

@@ -94,7 +94,7 @@ void MakeAndWriteTree(benchmark::State& state, int entries)
             tree.appendChild(tree.createProcessingInstruction(QStringLiteral("xml"),
                                                               QStringLiteral("version=\"1.0\" encoding=\"utf-8\"")));
             QDomNode at = tree;
-            for (const Token& token : tokens) {
+            for (const Token& token : tokens)
                 if (token.type == QXmlStreamReader::StartElement)
                     at = at.appendChild(tree.createElement(token.text));
                 else if (token.type == QXmlStreamReader::EndElement)
@@ -103,7 +103,6 @@ void MakeAndWriteTree(benchmark::State& state, int entries)
                     at.appendChild(tree.createCDATASection(token.text));
                 else if (token.type == QXmlStreamReader::Characters && !token.text.trimmed().isEmpty())
                     at.appendChild(tree.createTextNode(token.text));
-            }
             benchmark::DoNotOptimize(tree.toByteArray(2));
         }));
     }
@@ -117,7 +116,7 @@ void WriteTokens(benchmark::State& state, int entries)
         state.SetIterationTime(Runner::Seconds([&] {
             QByteArray document;
             QXmlStreamWriter writer(&document);
-            for (const Token& token : tokens) {
+            for (const Token& token : tokens)
                 if (token.type == QXmlStreamReader::StartElement)
                     writer.writeStartElement(token.text);
                 else if (token.type == QXmlStreamReader::EndElement)
@@ -126,7 +125,6 @@ void WriteTokens(benchmark::State& state, int entries)
                     writer.writeCDATA(token.text);
                 else if (token.type == QXmlStreamReader::Characters)
                     writer.writeCharacters(token.text);
-            }
             benchmark::DoNotOptimize(document);
         }));
     }

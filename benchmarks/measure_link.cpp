@@ -99,10 +99,9 @@ double MeasureCrowd(quint16 port)
                 caller->waitForConnected();
                 EndSending(caller->socketDescriptor());
             }
-            for (const auto& caller : callers) {
+            for (const auto& caller : callers)
                 if (WaitForEnding(caller->socketDescriptor(), QDeadlineTimer(60s)) == LinkEnding::None)
                     std::exit(1);
-            }
             figures.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
         });
     }

@@ -366,15 +366,16 @@ void EnterAll()
     Runner::Enter("import", "bare table, one insertion", ImportBare);
     Runner::Enter("import", "tokens alone, and a bare table, one insertion", ImportTokens);
     for (const Pattern& pattern : kPatterns) {
-        Runner::Enter(pattern.name, "product",
-                      [&pattern](benchmark::State& state, int entries) { Filter(state, entries, pattern); });
+        Runner::Enter(
+            pattern.name, "product",
+            [&pattern](benchmark::State& state, int entries) { Filter(state, entries, pattern); });
         Runner::Enter(pattern.name, "bare proxy, same model",
                       [&pattern](benchmark::State& state, int entries) { FilterBare(state, entries, pattern); });
     }
     for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
         const std::string what = "sort by column " + std::to_string(column);
-        Runner::Enter(what, "product",
-                      [column](benchmark::State& state, int entries) { Sort(state, entries, column); });
+        Runner::Enter(
+            what, "product", [column](benchmark::State& state, int entries) { Sort(state, entries, column); });
         Runner::Enter(what, "bare proxy, same model",
                       [column](benchmark::State& state, int entries) { SortBare(state, entries, column); });
     }

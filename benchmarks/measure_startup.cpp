@@ -24,10 +24,9 @@ double ResidentKiB(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return 0;
-    for (const QByteArray& line : file.readAll().split('\n')) {
+    for (const QByteArray& line : file.readAll().split('\n'))
         if (line.startsWith("VmRSS:"))
             return line.mid(6).replace("kB", "").trimmed().toDouble();
-    }
     return 0;
 }
 

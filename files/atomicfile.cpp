@@ -40,10 +40,9 @@ void Remove(QDir folder, const QString& mark)
     // QSaveFile adds a dot and six letters while it writes.
     static const QRegularExpression form(QStringLiteral("^\\.unfinished-[0-9a-f]{16}-[0-9a-f]{16}(\\.[A-Za-z]{6})?$"));
     const QStringList names = folder.entryList({kPrefix + mark + u'*'}, QDir::Files | QDir::Hidden);
-    for (const QString& name : names) {
+    for (const QString& name : names)
         if (form.match(name).hasMatch())
             folder.remove(name);
-    }
 }
 
 } // namespace

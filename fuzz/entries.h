@@ -22,16 +22,16 @@ inline bool IsSame(const Connection& a, const Connection& b)
 
 inline bool IsSame(const Entries& a, const Entries& b)
 {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](const Connection& left, const Connection& right) { return IsSame(left, right); });
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [](const Connection& left, const Connection& right) { return IsSame(left, right); });
 }
 
 inline Entries EntriesOf(const ConnectionsModel& model)
 {
     Entries entries;
-    for (int row = 0; row < model.rowCount(); ++row) {
+    for (int row = 0; row < model.rowCount(); ++row)
         entries.push_back(model.GetConnection(row));
-    }
     return entries;
 }
 
@@ -70,26 +70,23 @@ inline QString WithoutUnwritable(const QString& text)
 
 inline Connection WithoutUnwritable(Connection entry)
 {
-    for (QString* const text : {&entry.ConnectionName, &entry.DeviceAddress, &entry.DriverAddress, &entry.Subsystem}) {
+    for (QString* const text : {&entry.ConnectionName, &entry.DeviceAddress, &entry.DriverAddress, &entry.Subsystem})
         *text = WithoutUnwritable(*text);
-    }
     return entry;
 }
 
 inline Entries WithoutUnwritable(const Entries& entries)
 {
     Entries writable;
-    for (const Connection& entry : entries) {
+    for (const Connection& entry : entries)
         writable.push_back(WithoutUnwritable(entry));
-    }
     return writable;
 }
 
 inline Entries Freed(Entries entries)
 {
-    for (Connection& entry : entries) {
+    for (Connection& entry : entries)
         entry.ConnectionStatus = Connection::Free;
-    }
     return entries;
 }
 

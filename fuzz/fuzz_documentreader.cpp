@@ -15,13 +15,11 @@ QString TextOf(const XmlTokens& tokens, std::size_t begin)
 {
     QString text;
     const std::size_t end = tokens.EndOf(begin);
-    for (std::size_t i = begin + 1; i < end; ++i) {
-        if (tokens.IsStart(i)) {
+    for (std::size_t i = begin + 1; i < end; ++i)
+        if (tokens.IsStart(i))
             i = tokens.EndOf(i);
-        } else if (tokens.list[i].kind == XmlToken::Kind::Text) {
+        else if (tokens.list[i].kind == XmlToken::Kind::Text)
             text += tokens.list[i].text;
-        }
-    }
     return text;
 }
 
@@ -48,11 +46,10 @@ bool TakeField(const XmlTokens& tokens, std::size_t begin, Connection& entry)
     }
     for (const auto& field : fields) {
         if (name == QLatin1String(field.name)) {
-            if (field.text) {
+            if (field.text)
                 *field.text = text;
-            } else {
+            else
                 *field.number = text.toInt();
-            }
             return true;
         }
     }
@@ -63,15 +60,12 @@ Entries Expected(const XmlTokens& tokens)
 {
     Entries entries;
     for (std::size_t i = 0; i < tokens.list.size(); ++i) {
-        if (!tokens.IsStart(i, kEntry)) {
+        if (!tokens.IsStart(i, kEntry))
             continue;
-        }
         Connection entry;
-        for (++i; i < tokens.list.size() && !tokens.IsEnd(i, kEntry); ++i) {
-            if (tokens.IsStart(i) && TakeField(tokens, i, entry)) {
+        for (++i; i < tokens.list.size() && !tokens.IsEnd(i, kEntry); ++i)
+            if (tokens.IsStart(i) && TakeField(tokens, i, entry))
                 i = tokens.EndOf(i);
-            }
-        }
         entries.push_back(entry);
     }
     return entries;
@@ -122,16 +116,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!tokens.hasError) {
         const Entries cut = Read(document.first(document.size() / 2)).entries;
         Require(cut.size() <= reading.entries.size(), "half a document has no more entries");
-        for (std::size_t i = 0; i + 1 < cut.size(); ++i) {
+        for (std::size_t i = 0; i + 1 < cut.size(); ++i)
             Require(IsSame(cut[i], reading.entries[i]), "half a document has the same entries");
-        }
     }
 
     // What was read can be written and reads back.
     std::vector<const Connection*> pointers;
-    for (const Connection& entry : reading.entries) {
+    for (const Connection& entry : reading.entries)
         pointers.push_back(&entry);
-    }
     const Reading again = Read(ConnectionList::Write(pointers));
     Require(IsSame(again.entries, WithoutUnwritable(reading.entries)), "what is written is read back");
     return 0;

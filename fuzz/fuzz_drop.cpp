@@ -80,21 +80,16 @@ Entries Read(const QByteArray& document, bool& result)
 /// What applications offer with a drag: a document as text, as something else, or links. One bit for each.
 void FillData(unsigned formats, const QByteArray& document, QMimeData& data)
 {
-    if (formats & 1U) {
+    if (formats & 1U)
         data.setData(ConnectionList::MimeType(), document);
-    }
-    if (formats & 2U) {
+    if (formats & 2U)
         data.setText(QString::fromUtf8(document));
-    }
-    if (formats & 4U) {
+    if (formats & 4U)
         data.setData(kUriList, document);
-    }
-    if (formats & 8U) {
+    if (formats & 8U)
         data.setData(QStringLiteral("application/x-qabstractitemmodeldatalist"), document);
-    }
-    if (formats & 16U) {
+    if (formats & 16U)
         data.setHtml(QString::fromUtf8(document));
-    }
 }
 
 void DropOntoModel(FuzzedDataProvider& input)
@@ -147,9 +142,8 @@ std::optional<QByteArray> DroppedFile(const QMimeData& data)
 {
     const QString path = data.urls().first().toLocalFile();
     QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    }
     return file.readAll();
 }
 
@@ -160,12 +154,10 @@ void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
     stage.boxes = 0;
     QMimeData data;
     QList<QUrl> urls;
-    for (int count = input.ConsumeIntegralInRange(0, 3); count > 0; --count) {
+    for (int count = input.ConsumeIntegralInRange(0, 3); count > 0; --count)
         urls.append(TakeUrl(input, stage));
-    }
-    if (input.ConsumeIntegralInRange(0, 3) != 0) {
+    if (input.ConsumeIntegralInRange(0, 3) != 0)
         data.setUrls(urls);
-    }
     QFile file(stage.ListFile());
     Require(file.open(QIODevice::WriteOnly), "the folder can be written");
     file.write(TakeRest(input));
@@ -192,9 +184,8 @@ void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
     }
     bool read = false;
     Entries entries;
-    if (const std::optional<QByteArray> document = DroppedFile(data)) {
+    if (const std::optional<QByteArray> document = DroppedFile(data))
         entries = Read(*document, read);
-    }
     Require(stage.boxes == (read ? 0 : 1), "a box tells of a file that is none of ours");
     Require(IsSame(EntriesOf(stage.model), Freed(read ? entries : WithoutUnwritable(before))),
             "the entries are those of the file, or those that were there, all free");
@@ -207,10 +198,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Tidy tidy;
     FuzzedDataProvider input(data, size);
     // Boxes take their time, so few inputs go to the dialog.
-    if (input.ConsumeIntegralInRange(0, 31) == 1) {
+    if (input.ConsumeIntegralInRange(0, 31) == 1)
         DropOntoDialog(input, TheStage());
-    } else {
+    else
         DropOntoModel(input);
-    }
     return 0;
 }

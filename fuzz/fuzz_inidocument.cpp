@@ -63,18 +63,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const auto own = Own(text);
     // A line of its own tells what is cut off, and a byte order mark is no character to Qt.
-    if (!own || text.contains("\xef\xbb\xbf")) {
+    if (!own || text.contains("\xef\xbb\xbf"))
         return 0;
-    }
     const auto theirs = TheirsQuietly(text);
     Require(theirs && IsSame(*own, *theirs), "it reads as Qt reads it");
     Require(Own(IniText(text).Text()) == own, "it reads the same from its own text");
 
     // One that differs in case only has another spelling than its path.
     if (std::any_of(own->keyBegin(), own->keyEnd(),
-                    [](const QString& key) { return key.startsWith(QLatin1String("added"), Qt::CaseInsensitive); })) {
+                    [](const QString& key) { return key.startsWith(QLatin1String("added"), Qt::CaseInsensitive); }))
         return 0;
-    }
     IniText changed(text);
     changed.Set(kKey, value);
     Values expected = *own;

@@ -42,11 +42,9 @@ Values TakeValues(FuzzedDataProvider& input)
     constexpr std::size_t kLongestText = 60;
     Values values;
     const auto present = input.ConsumeIntegral<std::uint32_t>();
-    for (int i = 0; i < kKeys.size(); ++i) {
-        if (present & (1U << i)) {
+    for (int i = 0; i < kKeys.size(); ++i)
+        if (present & (1U << i))
             values[kKeys.at(i)] = TakeText(input, kLongestText);
-        }
-    }
     return values;
 }
 
@@ -65,9 +63,8 @@ QString TextOf(const Values& values, const char* key, const QString& defaultValu
 bool BoolOf(const Values& values, const char* key, bool defaultValue)
 {
     const QString text = values.value(QString::fromLatin1(key)).toLower();
-    if (text == QLatin1String("true") || text == QLatin1String("1")) {
+    if (text == QLatin1String("true") || text == QLatin1String("1"))
         return true;
-    }
     return text == QLatin1String("false") || text == QLatin1String("0") ? false : defaultValue;
 }
 
@@ -90,11 +87,10 @@ ConnectData Expected(int index, const Values& values)
     record.m_nConnectionSpeed = IntOf(values, "ConnectionSpeed", 0);
     record.m_bTimeoutActive = BoolOf(values, "TimeoutActive", IntOf(values, "TimeoutFlag", 0) != 0);
     record.m_nTimeoutSeconds = IntOf(values, "TimeoutSeconds", IntOf(values, "Timeout", 0));
-    if (record.m_nConnectionType == 0) {
+    if (record.m_nConnectionType == 0)
         record.m_sRemoteAddress.clear();
-    } else if (record.m_nConnectionType == 2) {
+    else if (record.m_nConnectionType == 2)
         record.m_sDeviceAddress.clear();
-    }
     return record;
 }
 
@@ -112,22 +108,18 @@ void RequireNode(int index, const Values& values)
 {
     const auto node = Node(index);
     const QString missing(QChar(0xFFFF));
-    for (const QString& key : kOldKeys) {
+    for (const QString& key : kOldKeys)
         Require(node->GetString(key, missing, 0) == missing, "a key that only the old form has is gone");
-    }
-    for (const QString& key : kCurrentKeys + kOtherKeys) {
+    for (const QString& key : kCurrentKeys + kOtherKeys)
         Require(node->GetString(key, missing, 0) == values.value(key, missing), "every other key is as it was");
-    }
 }
 
 /// The device type whose text the record's contains, the smallest of several; the default without one.
 int ExpectedType(const QString& text)
 {
-    for (int type = 0; type < Connection::DeviceTypeCount; ++type) {
-        if (text.indexOf(Connection::DeviceTypeName(type), 0, Qt::CaseInsensitive) >= 0) {
+    for (int type = 0; type < Connection::DeviceTypeCount; ++type)
+        if (text.indexOf(Connection::DeviceTypeName(type), 0, Qt::CaseInsensitive) >= 0)
             return type;
-        }
-    }
     return Connection().DeviceType;
 }
 
@@ -156,9 +148,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Values values = TakeValues(input);
     {
         const auto node = Node(index);
-        for (auto value = values.cbegin(); value != values.cend(); ++value) {
+        for (auto value = values.cbegin(); value != values.cend(); ++value)
             node->SetString(value.key(), value.value(), 0);
-        }
     }
 
     const ConnectData record(index, Document());
@@ -167,9 +158,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(IsSame(ConnectData(index, Document()), Expected(index,
                                                             [&values] {
                                                                 Values current = values;
-                                                                for (const QString& key : kOldKeys) {
+                                                                for (const QString& key : kOldKeys)
                                                                     current.remove(key);
-                                                                }
                                                                 return current;
                                                             }())),
             "read once more it is what is left of the node");

@@ -16,11 +16,9 @@ int ParameterCount(const QString& text)
     const QString number = text.trimmed();
     const bool isSigned = number.startsWith(u'-') || number.startsWith(u'+');
     const QString digits = number.mid(isSigned ? 1 : 0);
-    for (const QChar c : digits) {
-        if (c < u'0' || c > u'9') {
+    for (const QChar c : digits)
+        if (c < u'0' || c > u'9')
             return 0;
-        }
-    }
     bool fits = false;
     const int count = number.toInt(&fits);
     return fits || digits.isEmpty() ? count : -1;
@@ -50,9 +48,8 @@ Startup StartupAt(const XmlTokens& tokens, std::size_t begin)
         } else if (name.contains(QLatin1String("Param"))) {
             bool isNumber = false;
             const int index = name.mid(5).toInt(&isNumber);
-            if (isNumber) {
+            if (isNumber)
                 startup.slotTexts[index] = text;
-            }
         }
     }
     return startup;
@@ -65,14 +62,12 @@ void TakeApplication(const XmlTokens& tokens, std::size_t begin, MachineConfigur
     machine.applications.append(application);
     const std::size_t end = tokens.EndOf(begin);
     for (std::size_t i = begin + 1; i < end; ++i) {
-        if (!tokens.IsStart(i, u"Startup")) {
+        if (!tokens.IsStart(i, u"Startup"))
             continue;
-        }
         const Startup startup = StartupAt(tokens, i);
         if (startup.IsReadable() && slotCount + startup.count + 1 <= MachineConfiguration::MaximumSlotCount) {
-            for (int index = 0; index <= startup.count; ++index) {
+            for (int index = 0; index <= startup.count; ++index)
                 machine.startLists[application].append(startup.slotTexts.value(index));
-            }
             slotCount += startup.count + 1;
         } else {
             machine.unreadable.append(application);
@@ -91,17 +86,14 @@ void RequireBounds(const MachineConfiguration& machine, qsizetype size)
                     (MachineConfiguration::MaximumParameterCount + 1) * machine.applications.count(list.key()),
                 "an application has no more parameters than that");
         slotCount += list->size();
-        for (const QString& text : *list) {
+        for (const QString& text : *list)
             Require(text.size() <= size, "a parameter is no longer than the document");
-        }
     }
     Require(slotCount <= MachineConfiguration::MaximumSlotCount, "all start lists have no more slots than that");
-    for (const QString& application : machine.unreadable) {
+    for (const QString& application : machine.unreadable)
         Require(machine.applications.contains(application), "what is unreadable is that of an application");
-    }
-    for (const QString& application : machine.applications) {
+    for (const QString& application : machine.applications)
         Require(!application.isEmpty(), "an application has a name");
-    }
 }
 
 } // namespace
@@ -119,9 +111,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const XmlTokens tokens = TokensOf(document);
     Require(reader.hasError() == tokens.hasError, "an error is an error");
     std::size_t root = 0;
-    while (root < tokens.list.size() && !tokens.IsStart(root, u"Machine")) {
+    while (root < tokens.list.size() && !tokens.IsStart(root, u"Machine"))
         ++root;
-    }
     Require(isMachine == (root < tokens.list.size()), "true with a machine");
     if (!isMachine) {
         Require(machine.applications.isEmpty() && machine.unreadable.isEmpty(), "nothing is read without a machine");
@@ -133,9 +124,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     MachineConfiguration expected;
     int slotCount = 0;
-    for (const std::size_t child : tokens.Children(root)) {
+    for (const std::size_t child : tokens.Children(root))
         TakeApplication(tokens, child, expected, slotCount);
-    }
     Require(machine.applications == expected.applications, "the applications are those of the document");
     Require(machine.startLists == expected.startLists, "the start lists are those of the document");
     Require(machine.unreadable == expected.unreadable, "the unreadable are those of the document");

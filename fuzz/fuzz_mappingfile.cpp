@@ -26,9 +26,8 @@ Machine TakeMachine(FuzzedDataProvider& input)
         const int choice = input.ConsumeIntegralInRange(0, 11);
         const QString& name = kNames.at(choice % 3);
         machine.applications.append(name);
-        if (choice / 3 < 3) {
+        if (choice / 3 < 3)
             machine.startLists[name].append(kExecutables.at(choice / 3));
-        }
     }
     return machine;
 }
@@ -58,12 +57,10 @@ Mapping MappingAt(const XmlTokens& tokens, std::size_t begin)
 /// The executable of `mapping`; null where it is dropped.
 QString ExecutableOf(const Mapping& mapping, const StartLists& startLists)
 {
-    if (mapping.deviceType < 0 || mapping.application.isEmpty()) {
+    if (mapping.deviceType < 0 || mapping.application.isEmpty())
         return {};
-    }
-    if (mapping.application.toLower().contains(QLatin1String(".exe"))) {
+    if (mapping.application.toLower().contains(QLatin1String(".exe")))
         return mapping.application;
-    }
     const QStringList startList = startLists.value(mapping.application);
     // An empty executable is one all the same.
     return startList.isEmpty() ? QString() : QLatin1String("") + startList.first();
@@ -88,15 +85,13 @@ Expected ExpectedOf(const XmlTokens& tokens, const StartLists& startLists)
         }
         const std::size_t end = tokens.EndOf(i);
         for (++i; i < end; ++i) {
-            if (!tokens.IsStart(i, u"Mapping")) {
+            if (!tokens.IsStart(i, u"Mapping"))
                 continue;
-            }
             const Mapping mapping = MappingAt(tokens, i);
             const QString executable = ExecutableOf(mapping, startLists);
             expected.lastKept = !executable.isNull();
-            if (expected.lastKept) {
+            if (expected.lastKept)
                 expected.executables[mapping.deviceType] = executable;
-            }
             ++expected.mappings;
             i = tokens.EndOf(i);
         }
@@ -112,15 +107,13 @@ void RequireServing(const Machine& machine, const QMap<int, QString>& executable
         QStringList expected;
         for (const QString& application : machine.applications) {
             const QStringList startList = machine.startLists.value(application);
-            if (!startList.isEmpty() && startList.first() == type.value() && !expected.contains(application)) {
+            if (!startList.isEmpty() && startList.first() == type.value() && !expected.contains(application))
                 expected.append(application);
-            }
         }
         Require(serving.value(type.key()) == expected, "the applications that serve a type");
     }
-    for (auto type = serving.cbegin(); type != serving.cend(); ++type) {
+    for (auto type = serving.cbegin(); type != serving.cend(); ++type)
         Require(executables.contains(type.key()) && !type->isEmpty(), "none serve a type without an executable");
-    }
 }
 
 } // namespace

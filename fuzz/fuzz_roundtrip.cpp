@@ -19,9 +19,8 @@ Entries TakeEntries(FuzzedDataProvider& input)
         entry.DriverAddress = TakeText(input, kLongestText);
         entry.Subsystem = TakeText(input, kLongestText);
         for (qint32* const number : {&entry.DeviceType, &entry.ConnectionType, &entry.LinkSpeed, &entry.TimeoutSeconds,
-                                     &entry.ConnectionStatus}) {
+                                     &entry.ConnectionStatus})
             *number = input.ConsumeBool() ? input.ConsumeIntegral<qint32>() : input.ConsumeIntegral<std::int8_t>();
-        }
         entry.Selected = input.ConsumeBool();
     }
     return entries;
@@ -30,9 +29,8 @@ Entries TakeEntries(FuzzedDataProvider& input)
 QByteArray Write(const Entries& entries)
 {
     std::vector<const Connection*> pointers;
-    for (const Connection& entry : entries) {
+    for (const Connection& entry : entries)
         pointers.push_back(&entry);
-    }
     return ConnectionList::Write(pointers);
 }
 
@@ -56,9 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     // Without an object name it neither loads nor stores, and says so.
     ConnectionsModel model(nullptr, QString());
-    for (const Connection& entry : entries) {
+    for (const Connection& entry : entries)
         model.AddConnection(entry);
-    }
     RequireCounts(model);
     Require(model.ToByteArray() == document, "the model writes the same document");
     Require(model.FromByteArray(document) == !entries.empty(), "the model reads it");

@@ -30,21 +30,18 @@ QByteArray Decoded(const QString& text)
     std::vector<unsigned> digits;
     for (const QChar c : text) {
         const char16_t unit = c.unicode();
-        if (unit >= u'0' && unit <= u'9') {
+        if (unit >= u'0' && unit <= u'9')
             digits.push_back(unit - unsigned{u'0'});
-        } else if (unit >= u'a' && unit <= u'f') {
+        else if (unit >= u'a' && unit <= u'f')
             digits.push_back(unit - unsigned{u'a'} + 10);
-        } else if (unit >= u'A' && unit <= u'F') {
+        else if (unit >= u'A' && unit <= u'F')
             digits.push_back(unit - unsigned{u'A'} + 10);
-        }
     }
-    if (digits.size() % 2 != 0) {
+    if (digits.size() % 2 != 0)
         digits.insert(digits.begin(), 0);
-    }
     QByteArray bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
+    for (std::size_t i = 0; i < digits.size(); i += 2)
         bytes.append(static_cast<char>(digits[i] * 16 + digits[i + 1]));
-    }
     return bytes;
 }
 
@@ -61,14 +58,12 @@ QString TakeStored(FuzzedDataProvider& input)
     const int kind = input.ConsumeIntegralInRange(0, 3);
     const auto place = input.ConsumeIntegral<std::uint16_t>();
     const auto unit = input.ConsumeIntegral<char16_t>();
-    if (kind == 0) {
+    if (kind == 0)
         return TakeText(input, input.remaining_bytes());
-    }
     QByteArray hex = TakeRest(input).toHex();
     QString text = QString::fromLatin1(kind == 1 ? hex.toUpper() : hex);
-    if (kind == 2) {
+    if (kind == 2)
         text.insert(place % (text.size() + 1), QChar(unit));
-    }
     return text;
 }
 
@@ -89,9 +84,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(Stored() == text, "loading leaves the stored set alone");
     }
     const QString stored = Stored();
-    for (const QChar c : stored) {
+    for (const QChar c : stored)
         Require((c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f'), "stored in lower-case digits");
-    }
     const ConnectionsModel again(nullptr, kName);
     Require(IsSame(EntriesOf(again), WithoutUnwritable(expected)), "what is stored is loaded");
     Require(QString::fromLatin1(again.ToByteArray().toHex()) == stored, "what is loaded is stored alike");

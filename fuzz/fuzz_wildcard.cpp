@@ -32,18 +32,15 @@ Characters CaseVariants(char32_t c)
 {
     static const std::map<char32_t, Characters> kVariants = [] {
         std::map<char32_t, Characters> variants;
-        for (char32_t each = 0; each <= kLastCharacter; ++each) {
-            if (Folded(each) != each) {
+        for (char32_t each = 0; each <= kLastCharacter; ++each)
+            if (Folded(each) != each)
                 variants[Folded(each)].push_back(each);
-            }
-        }
         return variants;
     }();
     Characters all{Folded(c)};
     const auto found = kVariants.find(Folded(c));
-    if (found != kVariants.end()) {
+    if (found != kVariants.end())
         all.insert(all.end(), found->second.begin(), found->second.end());
-    }
     return all;
 }
 
@@ -58,16 +55,13 @@ struct Sign
 
     bool Matches(char32_t c) const
     {
-        if (kind == Kind::Any) {
+        if (kind == Kind::Any)
             return true;
-        }
         const Characters variants = CaseVariants(c);
         for (const auto& [low, high] : ranges) {
-            for (const char32_t variant : variants) {
-                if (variant >= low && variant <= high) {
+            for (const char32_t variant : variants)
+                if (variant >= low && variant <= high)
                     return !isComplement;
-                }
-            }
         }
         return isComplement;
     }
@@ -109,15 +103,14 @@ Pattern PatternOf(const QString& text)
     Pattern pattern;
     for (std::size_t i = 0; i < characters.size(); ++i) {
         const char32_t c = characters[i];
-        if (c == U'*') {
+        if (c == U'*')
             pattern.signs.push_back({Sign::Kind::Run, false, {}});
-        } else if (c == U'?') {
+        else if (c == U'?')
             pattern.signs.push_back({Sign::Kind::Any, false, {}});
-        } else if (c == U'[') {
+        else if (c == U'[')
             pattern.signs.push_back(SetAt(characters, i, pattern.isValid));
-        } else {
+        else
             pattern.signs.push_back({Sign::Kind::Set, false, {{c, c}}});
-        }
     }
     return pattern;
 }
@@ -130,27 +123,21 @@ bool Matches(const Pattern& pattern, const Characters& text)
     std::vector<bool> reached(end + 1, false);
     for (std::size_t at = 0;; ++at) {
         reached[0] = true; // it may begin here
-        for (std::size_t i = 0; i < end; ++i) {
-            if (reached[i] && pattern.signs[i].kind == Sign::Kind::Run) {
+        for (std::size_t i = 0; i < end; ++i)
+            if (reached[i] && pattern.signs[i].kind == Sign::Kind::Run)
                 reached[i + 1] = true;
-            }
-        }
-        if (reached[end]) {
+        if (reached[end])
             return true;
-        }
-        if (at == text.size()) {
+        if (at == text.size())
             return false;
-        }
         std::vector<bool> next(end + 1, false);
         for (std::size_t i = 0; i < end; ++i) {
-            if (!reached[i]) {
+            if (!reached[i])
                 continue;
-            }
-            if (pattern.signs[i].kind == Sign::Kind::Run) {
+            if (pattern.signs[i].kind == Sign::Kind::Run)
                 next[i] = true;
-            } else if (pattern.signs[i].Matches(text[at])) {
+            else if (pattern.signs[i].Matches(text[at]))
                 next[i + 1] = true;
-            }
         }
         reached = next;
     }
@@ -159,9 +146,8 @@ bool Matches(const Pattern& pattern, const Characters& text)
 Pattern PlainPattern(const QString& text)
 {
     Pattern pattern;
-    for (const char32_t c : CharactersOf(text)) {
+    for (const char32_t c : CharactersOf(text))
         pattern.signs.push_back({Sign::Kind::Set, false, {{c, c}}});
-    }
     return pattern;
 }
 
@@ -174,9 +160,8 @@ QStringList Shown(const QStringList& texts, const QRegularExpression& expression
     filter.setFilterKeyColumn(0);
     filter.setFilterRegularExpression(expression);
     QStringList shown;
-    for (int row = 0; row < filter.rowCount(); ++row) {
+    for (int row = 0; row < filter.rowCount(); ++row)
         shown.append(filter.index(row, 0).data(Qt::EditRole).toString());
-    }
     return shown;
 }
 
@@ -191,9 +176,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int mode = input.ConsumeIntegralInRange(0, 5);
     const QString patternText = TakeText(input, kLongestPattern);
     QStringList texts;
-    while (input.remaining_bytes() > 0 && texts.size() < 4) {
+    while (input.remaining_bytes() > 0 && texts.size() < 4)
         texts.append(TakeText(input, kLongestText));
-    }
     texts.append(patternText);
 
     // Most inputs are for the wildcards, where there is most to get wrong.
@@ -218,11 +202,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Pattern pattern = isWildcard ? PatternOf(patternText) : PlainPattern(patternText);
     Require(expression.isValid() == pattern.isValid, "an expression is valid where the pattern is");
     QStringList expected;
-    for (const QString& text : texts) {
-        if (pattern.isValid && Matches(pattern, CharactersOf(text))) {
+    for (const QString& text : texts)
+        if (pattern.isValid && Matches(pattern, CharactersOf(text)))
             expected.append(text);
-        }
-    }
     Require(shown == expected, "the texts that match are shown");
     return 0;
 }

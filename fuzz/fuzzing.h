@@ -26,9 +26,8 @@ namespace Fuzzing {
 
 inline void Require(bool holds, const char* what)
 {
-    if (!holds) {
+    if (!holds)
         Fail(what);
-    }
 }
 
 /// The trace lines of one input. Traces are on, so that their texts are built, too.
@@ -69,13 +68,11 @@ inline QString TakeText(FuzzedDataProvider& input, std::size_t maximum)
 {
     const bool isUtf8 = input.ConsumeIntegral<std::uint8_t>() % 4 != 0;
     const std::string bytes = input.ConsumeRandomLengthString(maximum);
-    if (isUtf8) {
+    if (isUtf8)
         return QString::fromStdString(bytes);
-    }
     QString text(static_cast<qsizetype>(bytes.size() / sizeof(QChar)), Qt::Uninitialized);
-    if (!text.isEmpty()) {
+    if (!text.isEmpty())
         std::memcpy(text.data(), bytes.data(), static_cast<std::size_t>(text.size()) * sizeof(QChar));
-    }
     return text;
 }
 

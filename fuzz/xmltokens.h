@@ -34,13 +34,11 @@ struct XmlTokens
     std::size_t EndOf(std::size_t begin) const
     {
         int depth = 0;
-        for (std::size_t i = begin; i < list.size(); ++i) {
-            if (IsStart(i)) {
+        for (std::size_t i = begin; i < list.size(); ++i)
+            if (IsStart(i))
                 ++depth;
-            } else if (IsEnd(i) && --depth == 0) {
+            else if (IsEnd(i) && --depth == 0)
                 return i;
-            }
-        }
         return list.size();
     }
 

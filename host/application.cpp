@@ -170,9 +170,10 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
 
 void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
-    DialogSession session(dialog, m_notices, [&] { return SaveSettings(instance, dialog.Window()); });
-    QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &session,
-                     [&] { SaveSettings(instance, dialog.Window()); });
+    DialogSession session(
+        dialog, m_notices, [&] { return SaveSettings(instance, dialog.Window()); });
+    QObject::connect(
+        &signalWatcher, &SignalWatcher::SessionEnding, &session, [&] { SaveSettings(instance, dialog.Window()); });
     QObject::connect(&session, &DialogSession::EndWanted, qApp, [] { QCoreApplication::exit(); });
     session.Start();
     QCoreApplication::exec();

@@ -96,10 +96,9 @@ void HeadlessJob::List()
 /// False when nothing was connected because the list does not hold what was asked for.
 bool HeadlessJob::Connect()
 {
-    for (const QString& name : m_options.namesToConnect) {
+    for (const QString& name : m_options.namesToConnect)
         if (m_dialog.RowsNamed(name).isEmpty())
             Fail(ExitCode::NotConnected, QStringLiteral("there is no entry called \"%1\"").arg(name));
-    }
     const QList<int> rows = RowsToConnect();
     if (m_options.connectSelected && rows.isEmpty())
         Fail(ExitCode::NotConnected, QStringLiteral("no entry is ticked"));
@@ -120,10 +119,9 @@ bool HeadlessJob::Connect()
 QList<int> HeadlessJob::RowsToConnect() const
 {
     QList<int> rows;
-    for (int row = 0; row < m_dialog.Count(); ++row) {
+    for (int row = 0; row < m_dialog.Count(); ++row)
         if (m_options.connectSelected ? m_dialog.IsTicked(row) : m_options.namesToConnect.contains(m_dialog.Name(row)))
             rows.append(row);
-    }
     return rows;
 }
 
@@ -133,10 +131,9 @@ void HeadlessJob::Press(const QList<int>& rows)
     const QScopedValueRollback changing(m_isChangingEntries, true);
     const TickRestorer keeper(m_dialog);
     const QSet<int> wanted(rows.begin(), rows.end());
-    for (int row = 0; row < m_dialog.Count(); ++row) {
+    for (int row = 0; row < m_dialog.Count(); ++row)
         if (wanted.contains(row) || m_dialog.IsTicked(row))
             m_dialog.SetTicked(row, wanted.contains(row));
-    }
     m_dialog.PressConnect();
 }
 

@@ -163,10 +163,9 @@ QString Parser::CheckGivenValues() const
     }
 
     // The other values are settings, of which the last one counts; these are work, and all of it is meant.
-    for (const QCommandLineOption* option : {&m_import, &m_export, &m_restore}) {
+    for (const QCommandLineOption* option : {&m_import, &m_export, &m_restore})
         if (m_parser.values(*option).size() > 1)
             return QStringLiteral("--%1 can be given only once").arg(option->names().constFirst());
-    }
     if (m_parser.isSet(m_restore)) {
         bool isNumber = false;
         if (m_parser.value(m_restore).toInt(&isNumber) < 1 || !isNumber)

@@ -108,19 +108,17 @@ QString RotatingFile::PutAside(qint64 added)
 QString RotatingFile::ShiftEarlierFiles() const
 {
     int free = 1;
-    for (; free <= KeptFiles && QFileInfo::exists(NameOf(free)); ++free) {
+    for (; free <= KeptFiles && QFileInfo::exists(NameOf(free)); ++free)
         if (!QFileInfo(NameOf(free)).isFile())
             return QStringLiteral("%1 is in the way").arg(QDir::toNativeSeparators(NameOf(free)));
-    }
     if (free > KeptFiles) {
         free = KeptFiles;
         if (!QFile::remove(NameOf(free)))
             return QStringLiteral("%1 cannot be removed").arg(QDir::toNativeSeparators(NameOf(free)));
     }
-    for (int number = free; number > 1; --number) {
+    for (int number = free; number > 1; --number)
         if (!QFile::rename(NameOf(number - 1), NameOf(number)))
             return QStringLiteral("%1 cannot be renamed").arg(QDir::toNativeSeparators(NameOf(number - 1)));
-    }
     return {};
 }
 

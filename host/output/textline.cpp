@@ -71,12 +71,11 @@ QString OneLine(const QString& text)
 {
     QString line;
     line.reserve(text.size());
-    for (const char32_t character : CodePoints(text)) {
+    for (const char32_t character : CodePoints(text))
         if (NeedsEscape(character))
             line += Escape(character);
         else
             line += QChar::fromUcs4(character);
-    }
     return line;
 }
 

@@ -11,10 +11,9 @@ QString TextTable(const std::vector<QStringList>& lines)
         return {};
 
     std::vector<int> widths(static_cast<std::size_t>(lines.front().size()), 0);
-    for (const QStringList& line : lines) {
+    for (const QStringList& line : lines)
         for (std::size_t i = 0; i < widths.size(); ++i)
             widths[i] = std::max(widths[i], CellCount(line.at(static_cast<qsizetype>(i))));
-    }
 
     QString table;
     for (const QStringList& line : lines) {

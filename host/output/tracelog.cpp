@@ -50,9 +50,8 @@ void TraceLog::Write(const QString& line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
     const QMutexLocker locker(&m_mutex);
-    if (m_toStandardError) {
+    if (m_toStandardError)
         StandardStreams::Write(StandardStreams::Stream::Error, bytes);
-    }
     if (!m_file.IsOpen())
         return;
     if (const QString trouble = m_file.Append(bytes); !trouble.isEmpty())

@@ -95,10 +95,9 @@ void ConnectDialog::SetTicked(int row, bool ticked) const
 QList<int> ConnectDialog::RowsNamed(const QString& name) const
 {
     QList<int> rows;
-    for (int row = 0; row < Count(); ++row) {
+    for (int row = 0; row < Count(); ++row)
         if (Name(row) == name)
             rows.append(row);
-    }
     return rows;
 }
 
@@ -149,8 +148,7 @@ TickRestorer::TickRestorer(const ConnectDialog& dialog)
 
 TickRestorer::~TickRestorer()
 {
-    for (const auto& [index, ticked] : m_ticks) {
+    for (const auto& [index, ticked] : m_ticks)
         if (index.isValid() && m_dialog.IsTicked(index.row()) != ticked)
             m_dialog.SetTicked(index.row(), ticked);
-    }
 }

@@ -32,10 +32,9 @@ QString FormerCopy(const QFileInfo& document, const QByteArray& content)
 {
     const QFileInfoList copies =
         document.dir().entryInfoList({document.fileName() + kMark + QLatin1Char('*')}, QDir::Files, QDir::Name);
-    for (const QFileInfo& copy : copies) {
+    for (const QFileInfo& copy : copies)
         if (copy.size() == content.size() && Content(copy.filePath()) == content)
             return copy.filePath();
-    }
     return {};
 }
 

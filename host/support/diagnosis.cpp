@@ -84,10 +84,9 @@ QStringList Environment()
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QStringList variables;
     const QStringList names = environment.keys();
-    for (const QString& name : names) {
+    for (const QString& name : names)
         if (name.startsWith(QLatin1String("VEXEL_")) || name == QLatin1String("QT_QPA_PLATFORM"))
             variables.append(name + QLatin1Char('=') + environment.value(name));
-    }
     variables.sort();
     return variables;
 }

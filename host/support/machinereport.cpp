@@ -152,11 +152,10 @@ void Machine::OnMapping(int deviceType, const QString& application, TypeMapping:
     const QString replaced = std::exchange(m_mapped[deviceType], mapping);
     if (!replaced.isEmpty())
         Drop(replaced, QStringLiteral("a later mapping of this device type replaces it"));
-    if (deviceType >= Connection::DeviceTypeCount) {
+    if (deviceType >= Connection::DeviceTypeCount)
         Drop(mapping, QStringLiteral("no entry has this device type"));
-    } else if (const int serving = Connection::ApplicationDeviceType(deviceType); serving != deviceType) {
+    else if (const int serving = Connection::ApplicationDeviceType(deviceType); serving != deviceType)
         Drop(mapping, QStringLiteral("device type %1 is mapped in its place").arg(TypeText(serving)));
-    }
 }
 
 /// Mappings that lead to no application, and applications that are listed and yet never started.
@@ -212,10 +211,9 @@ QString Machine::FoundAs(const QString& executable) const
 QList<QJsonArray> Machine::ApplicationRows() const
 {
     QMap<QString, QJsonArray> types;
-    for (auto type = m_serving.cbegin(); type != m_serving.cend(); ++type) {
+    for (auto type = m_serving.cbegin(); type != m_serving.cend(); ++type)
         for (const QString& application : type.value())
             types[application].append(QString::number(type.key()));
-    }
     QList<QJsonArray> rows;
     QStringList applications = m_machine.applications;
     applications.removeDuplicates();

@@ -202,12 +202,11 @@ bool ConfigDocument::Save()
         Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Save(): %1").arg(m_notice); });
     }
 
-    if (m_fingerprint != FingerprintOf(before.content)) {
+    if (m_fingerprint != FingerprintOf(before.content))
         TakeOver(before.text->Values());
-    } else { // nobody else wrote: the working copy is what the file holds
+    else // nobody else wrote: the working copy is what the file holds
         for (Entry& entry : m_entries)
             entry.isChanged = false;
-    }
     m_removed.clear();
     m_isChanged = false;
     m_isToBeLeftAlone = false;
@@ -220,10 +219,9 @@ QByteArray ConfigDocument::Merge(IniText& text) const
 {
     for (const QString& path : m_removed)
         text.Remove(path);
-    for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it) {
+    for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it)
         if (it->isChanged)
             text.Set(it.key(), it->text);
-    }
     return text.Text();
 }
 

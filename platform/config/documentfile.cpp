@@ -97,10 +97,12 @@ bool DocumentFile::Replace(const QByteArray& content) const
     bool isDurable = true;
     const bool isWritten = Retry([&] { return WriteAtomically(m_path, content, &isDurable); });
     if (!isDurable) {
-        TraceWhenWanted("platform/config/documentfile", __LINE__, [&] {
-            return QStringLiteral("DocumentFile::Replace(): %1 is written, but a loss of power may undo that")
-                .arg(m_path);
-        });
+        TraceWhenWanted(
+            "platform/config/documentfile", __LINE__,
+            [&] {
+                return QStringLiteral("DocumentFile::Replace(): %1 is written, but a loss of power may undo that")
+                    .arg(m_path);
+            });
     }
     return isWritten;
 }

@@ -289,7 +289,7 @@ QByteArray WriteKey(QStringView key)
 {
     QByteArray result;
     result.reserve(key.size());
-    for (const QChar character : key) {
+    for (const QChar character : key)
         if (character == u'/')
             result += '\\';
         else if (IsNameCharacter(character))
@@ -298,7 +298,6 @@ QByteArray WriteKey(QStringView key)
             result += '%' + Hex(character.unicode(), 2);
         else
             result += "%U" + Hex(character.unicode(), 4);
-    }
     if (result.endsWith('\\')) { // would take the equals sign behind it with it
         result.chop(1);
         result += "%2F";
@@ -353,12 +352,11 @@ QByteArray Closed(QByteArrayView value)
 {
     bool isWithinQuotes = false;
     qsizetype at = 0;
-    for (; at < value.size(); ++at) {
+    for (; at < value.size(); ++at)
         if (value.at(at) == '"')
             isWithinQuotes = !isWithinQuotes;
         else if (value.at(at) == '\\' && ++at == value.size())
             return value.toByteArray() + (isWithinQuotes ? " \"" : " "); // an escaped space means nothing
-    }
     return value.toByteArray() + (isWithinQuotes ? "\"" : "");
 }
 

@@ -78,10 +78,9 @@ QList<ConfigVersion> VersionFolder::List() const
     QList<ConfigVersion> versions;
     const QString folder = Path() + u'/';
     const QStringList names = Names();
-    for (const QString& name : names) {
+    for (const QString& name : names)
         if (!IsSameFile(folder + name, m_document))
             versions.append({folder + name, TimeOf(name).toLocalTime()});
-    }
     return versions;
 }
 
@@ -138,10 +137,12 @@ void VersionFolder::Prune() const
     const QStringList names = Names();
     for (qsizetype i = kDepth; i < names.size(); ++i) {
         if (!QFile::remove(folder + names.at(i)))
-            Trace(__LINE__, [&] {
-                return QStringLiteral("VersionFolder::Prune(): Could not remove the old version %1")
-                    .arg(folder + names.at(i));
-            });
+            Trace(
+                __LINE__,
+                [&] {
+                    return QStringLiteral("VersionFolder::Prune(): Could not remove the old version %1")
+                        .arg(folder + names.at(i));
+                });
     }
 
     RemoveAllTemporaryFiles(Path());

@@ -32,10 +32,9 @@ static int Fail(int code, const QString& why)
 
 static QDialog* FindDialog()
 {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
+    for (QWidget* window : QApplication::topLevelWidgets())
         if (window->objectName() == QLatin1String("VexelConnectDlgGUI"))
             return qobject_cast<QDialog*>(window);
-    }
     return nullptr;
 }
 

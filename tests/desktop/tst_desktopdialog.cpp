@@ -22,9 +22,8 @@ public:
 protected:
     void mouseMoveEvent(QMouseEvent* event) override
     {
-        if (!(event->buttons() & Qt::LeftButton) || done) {
+        if (!(event->buttons() & Qt::LeftButton) || done)
             return;
-        }
         done = true;
         auto* const dragged = new QMimeData;
         dragged->setUrls(urls);

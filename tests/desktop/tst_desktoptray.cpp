@@ -55,10 +55,9 @@ struct Session : HostSession
 /// The message beside the icon.
 QWidget* Balloon()
 {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
+    for (QWidget* widget : QApplication::topLevelWidgets())
         if (widget->inherits("QBalloonTip") && widget->isVisible())
             return widget;
-    }
     return nullptr;
 }
 
@@ -67,10 +66,9 @@ bool BalloonSays(const QString& text)
     const QWidget* balloon = Balloon();
     if (!balloon)
         return false;
-    for (const QLabel* label : balloon->findChildren<QLabel*>()) {
+    for (const QLabel* label : balloon->findChildren<QLabel*>())
         if (label->text() == text)
             return true;
-    }
     return false;
 }
 
@@ -114,10 +112,9 @@ void TestDesktopTray::showsTheIcon()
                                               session.Place().height())
                                  .toImage();
         for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
+            for (int x = 0; x < image.width(); ++x)
                 if (image.pixelColor(x, y) == blue)
                     return true;
-            }
         }
         return false;
     };

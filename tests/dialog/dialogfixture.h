@@ -79,9 +79,8 @@ public:
 
     void Add(const QList<Connection>& entries)
     {
-        for (const Connection& entry : entries) {
+        for (const Connection& entry : entries)
             model->AddConnection(entry);
-        }
     }
 
     /// Installs the test's child program under `applications` names, all of them for `deviceTypes`.
@@ -106,9 +105,8 @@ public:
     QString WriteFile(const QString& name, const QByteArray& content)
     {
         QFile file(DataPath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qFatal("cannot write %s", qPrintable(file.fileName()));
-        }
         return file.fileName();
     }
 
@@ -118,9 +116,8 @@ public:
     Widget* Find(const char* name) const
     {
         auto* const found = dialog->findChild<Widget*>(QString::fromLatin1(name));
-        if (!found) {
+        if (!found)
             qFatal("no %s in the dialog", name);
-        }
         return found;
     }
 
@@ -133,11 +130,9 @@ public:
     /// The proxy's row of the first entry of that name; -1 where the filter hides it.
     int ProxyRow(const QString& name) const
     {
-        for (int row = 0; row < Proxy()->rowCount(); ++row) {
-            if (Proxy()->index(row, ConnectionsModel::ColumnName).data(Qt::EditRole).toString() == name) {
+        for (int row = 0; row < Proxy()->rowCount(); ++row)
+            if (Proxy()->index(row, ConnectionsModel::ColumnName).data(Qt::EditRole).toString() == name)
                 return row;
-            }
-        }
         return -1;
     }
 
@@ -147,9 +142,8 @@ public:
     QStringList ShownNames() const
     {
         QStringList names;
-        for (int row = 0; row < Proxy()->rowCount(); ++row) {
+        for (int row = 0; row < Proxy()->rowCount(); ++row)
             names += Proxy()->index(row, ConnectionsModel::ColumnName).data(Qt::EditRole).toString();
-        }
         return names;
     }
 
@@ -157,9 +151,8 @@ public:
     QStringList Names() const
     {
         QStringList names;
-        for (int row = 0; row < model->rowCount(); ++row) {
+        for (int row = 0; row < model->rowCount(); ++row)
             names += model->GetConnection(row).ConnectionName;
-        }
         return names;
     }
 
@@ -190,9 +183,8 @@ public:
     /// What the platform sends when something is dragged onto `target` and let go.
     static bool Drop(QWidget* target, const QMimeData& data)
     {
-        if (!DragEnter(target, data)) {
+        if (!DragEnter(target, data))
             return false;
-        }
         QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         event.ignore();
         QCoreApplication::sendEvent(target, &event);

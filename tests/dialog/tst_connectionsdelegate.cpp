@@ -253,9 +253,8 @@ void TestConnectionsDelegate::createsTheEditorOfTheColumn_data()
         &QLineEdit::staticMetaObject, &QComboBox::staticMetaObject, &QSpinBox::staticMetaObject,
         &QLineEdit::staticMetaObject,
     };
-    for (int column = 0; column < kinds.size(); ++column) {
+    for (int column = 0; column < kinds.size(); ++column)
         QTest::addRow("column %d", column) << kinds.at(column);
-    }
 }
 
 void TestConnectionsDelegate::createsTheEditorOfTheColumn()
@@ -320,9 +319,8 @@ void TestConnectionsDelegate::offersOneItemPerValue_data()
     QTest::addColumn<QStringList>("texts");
     const auto add = [](int column, const char* tag, int count, TextOf textOf) {
         QStringList texts;
-        for (int value = 0; value < count; ++value) {
+        for (int value = 0; value < count; ++value)
             texts.append(textOf(value));
-        }
         QTest::newRow(tag) << column << texts;
     };
     add(Model::ColumnStatus, "status", 2, &Connection::StatusName);
@@ -368,12 +366,10 @@ void TestConnectionsDelegate::opensTheListWithoutScrolling_data()
 {
     QTest::addColumn<int>("column");
     QTest::addColumn<QString>("style");
-    for (const QString& style : QStyleFactory::keys()) {
+    for (const QString& style : QStyleFactory::keys())
         for (const int column :
-             {Model::ColumnStatus, Model::ColumnDeviceType, Model::ColumnConnectionType, Model::ColumnLinkSpeed}) {
+             {Model::ColumnStatus, Model::ColumnDeviceType, Model::ColumnConnectionType, Model::ColumnLinkSpeed})
             QTest::addRow("%s, column %d", qPrintable(style), column) << column << style;
-        }
-    }
 }
 
 void TestConnectionsDelegate::opensTheListWithoutScrolling()
@@ -701,15 +697,14 @@ void TestConnectionsDelegate::writesTheColumnsValue()
     QCOMPARE(model.calls.size(), 1);
     QCOMPARE(model.calls.last().value, before);
 
-    if (auto* const checkBox = qobject_cast<QCheckBox*>(editor)) {
+    if (auto* const checkBox = qobject_cast<QCheckBox*>(editor))
         checkBox->click();
-    } else if (auto* const comboBox = qobject_cast<QComboBox*>(editor)) {
+    else if (auto* const comboBox = qobject_cast<QComboBox*>(editor))
         comboBox->setCurrentIndex(after.toInt());
-    } else if (auto* const spinBox = qobject_cast<QSpinBox*>(editor)) {
+    else if (auto* const spinBox = qobject_cast<QSpinBox*>(editor))
         spinBox->setValue(after.toInt());
-    } else {
+    else
         qobject_cast<QLineEdit*>(editor)->setText(after.toString());
-    }
     m_pDelegate->setModelData(editor, &model, index);
     QCOMPARE(model.calls.size(), 2);
     QCOMPARE(model.calls.last().index, index);

@@ -39,9 +39,8 @@ private:
     QList<int> Statuses() const
     {
         QList<int> statuses;
-        for (int row = 0; row < m_fixture->model->rowCount(); ++row) {
+        for (int row = 0; row < m_fixture->model->rowCount(); ++row)
             statuses += m_fixture->model->GetConnection(row).ConnectionStatus;
-        }
         return statuses;
     }
 
@@ -77,9 +76,8 @@ void TestDialogConnect::hidesWritesAndStartsTickedFreeEntries()
     QVERIFY(!m_fixture->ConnectButton()->isEnabled());
     QTRY_COMPARE(m_child->Count(), 2);
     QList<QStringList> arguments;
-    for (const TestChild::Report& report : m_child->Reports()) {
+    for (const TestChild::Report& report : m_child->Reports())
         arguments += report.arguments;
-    }
     QVERIFY(arguments.contains(
         QStringList{QStringLiteral("Kite1:XMsgDlg.dll"), QStringLiteral("Server"), QStringLiteral("one")}));
     QVERIFY(arguments.contains(QStringList{QStringLiteral("Kite1:XMsgDlg.dll"), QStringLiteral("Server"),
@@ -134,11 +132,9 @@ void TestDialogConnect::modelOrderDecidesNotTheView()
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 2);
     QStringList firstApplication;
-    for (const TestChild::Report& report : m_child->Reports()) {
-        if (report.arguments.first() == QLatin1String("Kite1:XMsgDlg.dll")) {
+    for (const TestChild::Report& report : m_child->Reports())
+        if (report.arguments.first() == QLatin1String("Kite1:XMsgDlg.dll"))
             firstApplication = report.arguments;
-        }
-    }
     QCOMPARE(firstApplication.last(), QStringLiteral("z"));
     QCOMPARE(Record(0)->GetString(QStringLiteral("StationName"), QString(), 0), QStringLiteral("z"));
 }
@@ -212,9 +208,8 @@ void TestDialogConnect::tearDownWithRunningApplications()
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 2);
     m_fixture->TearDown();
-    for (const TestChild::Report& report : m_child->Reports()) {
+    for (const TestChild::Report& report : m_child->Reports())
         QTRY_VERIFY(!System::IsProcess(report.pid));
-    }
 }
 
 QTEST_MAIN(TestDialogConnect)

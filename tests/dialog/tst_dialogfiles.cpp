@@ -80,9 +80,8 @@ private:
         auto* const timer = new QTimer(m_fixture->dialog);
         QObject::connect(timer, &QTimer::timeout, timer, [this, timer, fileName] {
             auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-            if (!dialog) {
+            if (!dialog)
                 return;
-            }
             timer->deleteLater();
             m_fileDialog = {dialog->windowTitle(), dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode()};
             if (fileName.isEmpty()) {
@@ -387,9 +386,8 @@ void TestDialogFiles::dropOfOtherCountsTellsTheCount()
     QMimeData data;
     // No URL at all still is a list of URLs.
     data.setData(QStringLiteral("text/uri-list"), QByteArray());
-    if (count > 0) {
+    if (count > 0)
         data.setUrls(QList<QUrl>(count, QUrl::fromLocalFile(path)));
-    }
     MessageBoxes boxes;
     QVERIFY(DialogFixture::Drop(m_fixture->dialog, data));
     QCOMPARE(boxes.Count(), 1);

@@ -68,11 +68,9 @@ void TestDialogFilter::columnChoiceOffersWhatIsShown()
     QVERIFY(list);
     const auto offered = [&] {
         QList<int> columns;
-        for (int column = 0; column < 10; ++column) {
-            if (!list->isRowHidden(column)) {
+        for (int column = 0; column < 10; ++column)
+            if (!list->isRowHidden(column))
                 columns += column;
-            }
-        }
         return columns;
     };
     QCOMPARE(offered(), (QList<int>{1, 2, 3}));
@@ -103,9 +101,8 @@ void TestDialogFilter::tickCannotBeChosenByKeys()
     QCOMPARE(Column()->currentIndex(), 1);
     QTest::keyClick(Column(), Qt::Key_Home);
     QCOMPARE(Column()->currentIndex(), 1);
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 6; ++i)
         QTest::keyClick(Column(), Qt::Key_Down);
-    }
     QCOMPARE(Column()->currentIndex(), 3);
 }
 
@@ -136,9 +133,8 @@ void TestDialogFilter::patternFiltersAsItIsTyped()
     QFETCH(QString, pattern);
     QFETCH(QStringList, shown);
     m_fixture->Build();
-    for (const char* name : {"a/north", "e.st", "NORTH", "s[o]uth", "we*st"}) {
+    for (const char* name : {"a/north", "e.st", "NORTH", "s[o]uth", "we*st"})
         m_fixture->Add({Entry(QString::fromLatin1(name))});
-    }
     m_fixture->Show();
     m_fixture->Action("m_pFilterAction")->trigger();
     Mode()->setCurrentIndex(mode);

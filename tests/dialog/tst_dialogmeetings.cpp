@@ -74,18 +74,16 @@ private slots:
     void viewsReachTheirLastRowTogether_data()
     {
         QTest::addColumn<int>("width");
-        for (const int width : {420, 600, 900, 1200, 1600}) {
+        for (const int width : {420, 600, 900, 1200, 1600})
             QTest::addRow("%d", width) << width;
-        }
     }
 
     void viewsReachTheirLastRowTogether()
     {
         QFETCH(int, width);
         m_fixture->Build();
-        for (int i = 0; i < 60; ++i) {
+        for (int i = 0; i < 60; ++i)
             m_fixture->Add({Entry(QString::number(1000 + i))});
-        }
         m_fixture->Action("m_pDetailsAction")->trigger();
         m_fixture->dialog->resize(width, 300);
         m_fixture->Show();
@@ -149,9 +147,8 @@ private slots:
             QTimer timer;
             connect(&timer, &QTimer::timeout, this, [&] {
                 auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-                if (!box || dropped) {
+                if (!box || dropped)
                     return;
-                }
                 dropped = true;
                 MessageBoxes further; // in case that the drop brings one up
                 DialogFixture::Drop(m_fixture->dialog, good);
@@ -198,11 +195,9 @@ private slots:
         QTest::addColumn<int>("row");
         for (const int column : {ConnectionsModel::ColumnName, ConnectionsModel::ColumnDeviceType,
                                  ConnectionsModel::ColumnConnectionType, ConnectionsModel::ColumnDeviceAddress,
-                                 ConnectionsModel::ColumnTimeout, ConnectionsModel::ColumnSubsystem}) {
-            for (const int row : {0, 39}) {
+                                 ConnectionsModel::ColumnTimeout, ConnectionsModel::ColumnSubsystem})
+            for (const int row : {0, 39})
                 QTest::addRow("column %d, row %d", column, row) << column << row;
-            }
-        }
     }
 
     void editorsKeepTheirRuleEverywhere()
@@ -210,9 +205,8 @@ private slots:
         QFETCH(int, column);
         QFETCH(int, row);
         m_fixture->Build();
-        for (int i = 0; i < 40; ++i) {
+        for (int i = 0; i < 40; ++i)
             m_fixture->Add({Entry(QString::number(1000 + i))});
-        }
         m_fixture->Action("m_pDetailsAction")->trigger();
         m_fixture->dialog->resize(700, 300); // the details do not fit: their last columns lie at and beyond the edge
         m_fixture->Show();
@@ -323,9 +317,8 @@ private slots:
         QTimer timer;
         connect(&timer, &QTimer::timeout, this, [&] {
             auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box || removed) {
+            if (!box || removed)
                 return;
-            }
             removed = true;
             m_fixture->model->removeRows(1, 1);
             box->button(QMessageBox::Ok)->click();

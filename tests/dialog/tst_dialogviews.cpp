@@ -56,11 +56,9 @@ void TestDialogViews::CompareViews()
     // Every entry that matches is shown once, and nothing else.
     const auto expression = m_fixture->Proxy()->filterRegularExpression();
     QStringList matching;
-    for (const QString& name : m_fixture->Names()) {
-        if (name.contains(expression)) {
+    for (const QString& name : m_fixture->Names())
+        if (name.contains(expression))
             matching += name;
-        }
-    }
     QStringList shown = m_fixture->ShownNames();
     matching.sort();
     shown.sort();
@@ -99,9 +97,8 @@ void TestDialogViews::randomWalkKeepsViewsAndModelTogether()
                                       QStringLiteral("station %1").arg(any(500)));
             break;
         case 2:
-            if (rows > 0) {
+            if (rows > 0)
                 DialogFixture::Click(m_fixture->BasicView(), m_fixture->Proxy()->index(any(rows), 0));
-            }
             break;
         case 3:
             view->sortByColumn(any(10), any(2) ? Qt::AscendingOrder : Qt::DescendingOrder);
@@ -143,11 +140,10 @@ void TestDialogViews::randomWalkKeepsViewsAndModelTogether()
             break;
         case 10:
             if (any(4) == 0) {
-                if (any(2)) {
+                if (any(2))
                     saved = m_fixture->model->ToByteArray();
-                } else {
+                else
                     m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), saved));
-                }
             }
             break;
         case 11:
@@ -187,9 +183,8 @@ void TestDialogViews::selectedRowsAreTheToolkits()
         selection->select(range,
                           random.bounded(5) == 0 ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::Toggle);
         QList<int> expected;
-        for (const QModelIndex& index : selection->selectedRows()) {
+        for (const QModelIndex& index : selection->selectedRows())
             expected += index.row();
-        }
         QList<int> actual = SelectedRows(*selection);
         std::sort(expected.begin(), expected.end());
         std::sort(actual.begin(), actual.end());
@@ -297,9 +292,8 @@ void TestDialogViews::deviceTypeEditorOffersTwelve()
     QCOMPARE(editor->currentText(), QStringLiteral("Wren D"));
     const auto* const list = qobject_cast<QListView*>(editor->view());
     int pickable = 0;
-    for (int row = 0; row < editor->count(); ++row) {
+    for (int row = 0; row < editor->count(); ++row)
         pickable += list->isRowHidden(row) ? 0 : 1;
-    }
     QCOMPARE(pickable, 12);
 }
 

@@ -191,9 +191,8 @@ void TestDialogWindow::detailsAndFilterStartHidden()
 void TestDialogWindow::scrollingOneViewScrollsTheOther()
 {
     m_fixture->Build();
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 200; ++i)
         m_fixture->Add({Entry(QString::number(i))});
-    }
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->Show();
     QScrollBar* const basic = m_fixture->BasicView()->verticalScrollBar();
@@ -459,9 +458,8 @@ void TestDialogWindow::deleteRemovesTheSelectedRows()
     QFETCH(int, sortColumn);
     QFETCH(QString, pattern);
     m_fixture->Build();
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 40; ++i)
         m_fixture->Add({Entry(QStringLiteral("entry %1").arg((i * 7) % 40))});
-    }
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->dialog->resize(1200, 900);
     m_fixture->Show();
@@ -477,9 +475,8 @@ void TestDialogWindow::deleteRemovesTheSelectedRows()
         QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::ControlModifier, view->visualRect(cell).center());
     }
     QStringList expected = m_fixture->Names();
-    for (const QString& name : chosen) {
+    for (const QString& name : chosen)
         expected.removeAll(name);
-    }
     m_fixture->Action("m_pDeleteAction")->trigger();
     QCOMPARE(m_fixture->Names(), expected);
     QVERIFY(!view->selectionModel()->hasSelection());
@@ -502,14 +499,12 @@ void TestDialogWindow::contextMenuHoldsTheActionsInOrder()
     m_fixture->Build();
     m_fixture->Show();
     QMenu* menu = nullptr;
-    for (QMenu* child : m_fixture->dialog->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) {
+    for (QMenu* child : m_fixture->dialog->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
         menu = child;
-    }
     QVERIFY(menu);
     QStringList names;
-    for (const QAction* action : menu->actions()) {
+    for (const QAction* action : menu->actions())
         names += action->isSeparator() ? QStringLiteral("-") : action->objectName();
-    }
     QCOMPARE(names, QString::fromLatin1("m_pDetailsAction m_pFilterAction - m_pNewAction m_pDeleteAction - "
                                         "m_pImportAction m_pExportAction")
                         .split(QLatin1Char(' ')));

@@ -478,9 +478,8 @@ void TestForm::connectsByMnemonicAndEnter()
 
 void TestForm::hasNoOtherShortcuts()
 {
-    for (const QAction* const action : m_pForm->findChildren<QAction*>(QRegularExpression(QStringLiteral("^m_p")))) {
+    for (const QAction* const action : m_pForm->findChildren<QAction*>(QRegularExpression(QStringLiteral("^m_p"))))
         QVERIFY(action->shortcuts().isEmpty());
-    }
     QVERIFY(m_pForm->m_pCloseButton->shortcut().isEmpty());
     QCOMPARE(m_pForm->m_pConnectButton->shortcut(), QKeySequence(Qt::ALT | Qt::Key_C));
 }
@@ -497,9 +496,8 @@ void TestForm::tabsFromTopToBottom()
     QList<QWidget*> stops;
     QWidget* widget = m_pForm->m_pBasicView;
     do {
-        if (expected.contains(widget)) {
+        if (expected.contains(widget))
             stops.append(widget);
-        }
         widget = widget->nextInFocusChain();
     } while (widget != m_pForm->m_pBasicView);
     QCOMPARE(stops, expected);
@@ -628,9 +626,8 @@ void TestForm::explainsTheActiveFilter()
         QCOMPARE(format.leftMargin(), 0.0);
         QCOMPARE(format.rightMargin(), 0.0);
         QCOMPARE(format.textIndent(), 0.0);
-        if (block.text().isEmpty()) {
+        if (block.text().isEmpty())
             QCOMPARE(block.charFormat().fontPointSize(), 8.0);
-        }
         for (auto fragment = block.begin(); !fragment.atEnd(); ++fragment) {
             const QTextCharFormat text = fragment.fragment().charFormat();
             if (text.isImageFormat()) {
@@ -721,9 +718,8 @@ void TestForm::bringsEveryIconInThreeSizes_data()
 {
     QTest::addColumn<QString>("pattern");
     for (const char* const name :
-         {"ok", "time", "import", "export", "plus", "minus", "details", "edit", "filter", "exit"}) {
+         {"ok", "time", "import", "export", "plus", "minus", "details", "edit", "filter", "exit"})
         QTest::newRow(name) << QStringLiteral(":/%1%2.png").arg(QString::fromLatin1(name));
-    }
     QTest::newRow("connect_to") << QStringLiteral(":/connect_to%1.xpm");
 }
 
@@ -738,9 +734,8 @@ void TestForm::bringsEveryIconInThreeSizes()
         const QImage image = reader.read();
         QCOMPARE(image.size(), QSize(16, 16) * scale);
         QVERIFY(image.hasAlphaChannel()); // shows on any background
-        if (scale < 3) {
+        if (scale < 3)
             QCOMPARE(image.devicePixelRatio(), scale); // taken for what its name says
-        }
     }
 }
 
@@ -751,11 +746,9 @@ void TestForm::checksInGreenAndWhenDisabledInGrey()
         const QImage image = icon.pixmap(QSize(12, 12), 1.0, mode).toImage().convertToFormat(QImage::Format_ARGB32);
         int strongest = 0;
         for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                if (qAlpha(image.pixel(x, y)) > 127) {
+            for (int x = 0; x < image.width(); ++x)
+                if (qAlpha(image.pixel(x, y)) > 127)
                     strongest = std::max(strongest, strengthOf(image.pixelColor(x, y)));
-                }
-            }
         }
         return strongest;
     };

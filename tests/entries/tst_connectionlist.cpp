@@ -283,10 +283,9 @@ void TestConnectionList::unwritableCharactersAreLeftOut_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("readBack");
-    for (char16_t control = 0; control < 0x20; ++control) {
+    for (char16_t control = 0; control < 0x20; ++control)
         if (control != u'\t' && control != u'\n' && control != u'\r')
             QTest::addRow("U+%04X", unsigned{control}) << Units({u'a', control, u'b'}) << QStringLiteral("ab");
-    }
     QTest::newRow("U+FFFE") << Units({u'a', 0xFFFE, u'b'}) << QStringLiteral("ab");
     QTest::newRow("U+FFFF") << Units({u'a', 0xFFFF, u'b'}) << QStringLiteral("ab");
     QTest::newRow("high surrogate alone") << Units({u'a', 0xD83D, u'b'}) << QStringLiteral("ab");
@@ -332,12 +331,11 @@ void TestConnectionList::randomTextsReadBack()
     for (int round = 0; round < 500; ++round) {
         QString text;
         const int length = random.bounded(40);
-        for (int i = 0; i < length; ++i) {
+        for (int i = 0; i < length; ++i)
             if (random.bounded(3) == 0)
                 text += QChar(static_cast<char16_t>(random.bounded(0x10000)));
             else
                 text += spice.at(random.bounded(static_cast<int>(spice.size())));
-        }
         const Reading reading = ReadList(WriteList({TextEntry(text), SampleEntry(1)}));
         QVERIFY2(reading.result, text.toUtf8().toHex().constData());
         QCOMPARE(reading.entries.size(), std::size_t{2});

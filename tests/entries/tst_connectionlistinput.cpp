@@ -155,7 +155,8 @@ void TestConnectionListInput::fields_data()
             entry.LinkSpeed = 3;
             entry.Subsystem = QStringLiteral("s");
         });
-    add("repeated children: the last counts",
+    add(
+        "repeated children: the last counts",
         "<ConnectionName>x</ConnectionName><Selected>true</Selected><DeviceType>1</DeviceType>"
         "<ConnectionName>y</ConnectionName><Selected>false</Selected><DeviceType>2</DeviceType>",
         [](Connection& entry) {
@@ -169,10 +170,13 @@ void TestConnectionListInput::fields_data()
             entry.DeviceType = 7;
             entry.ConnectionName = QStringLiteral("n");
         });
-    add("letter case of the names", "<connectionname>x</connectionname><DEVICETYPE>1</DEVICETYPE>", [](Connection&) {});
-    add("text and sections together", "<ConnectionName>a<![CDATA[<b>]]>c&amp;&#100;</ConnectionName>",
+    add(
+        "letter case of the names", "<connectionname>x</connectionname><DEVICETYPE>1</DEVICETYPE>", [](Connection&) {});
+    add(
+        "text and sections together", "<ConnectionName>a<![CDATA[<b>]]>c&amp;&#100;</ConnectionName>",
         [](Connection& entry) { entry.ConnectionName = QStringLiteral("a<b>c&d"); });
-    add("number in a section", "<DeviceType><![CDATA[9]]></DeviceType>",
+    add(
+        "number in a section", "<DeviceType><![CDATA[9]]></DeviceType>",
         [](Connection& entry) { entry.DeviceType = 9; });
     add("blanks in a text stay", "<ConnectionName>  a\n </ConnectionName>",
         [](Connection& entry) { entry.ConnectionName = QStringLiteral("  a\n "); });

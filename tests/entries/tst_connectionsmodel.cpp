@@ -331,10 +331,9 @@ void TestConnectionsModel::badIndexesShowNothing()
                                  model.createIndex(std::numeric_limits<int>::max(), std::numeric_limits<int>::max()),
                                  other.index(0, 1),
                                  foreign.index(0, 1)};
-    for (const QModelIndex& index : bad) {
+    for (const QModelIndex& index : bad)
         for (const int role : kRoles)
             QVERIFY(!model.data(index, role).isValid());
-    }
 }
 
 void TestConnectionsModel::headerTexts()
@@ -449,10 +448,9 @@ void TestConnectionsModel::flags_data()
 {
     QTest::addColumn<int>("connectionType");
     QTest::addColumn<int>("status");
-    for (const int type : {-1, 0, 1, 2, 3}) {
+    for (const int type : {-1, 0, 1, 2, 3})
         for (const int status : {-1, 0, 1, 2})
             QTest::addRow("type %d status %d", type, status) << type << status;
-    }
 }
 
 void TestConnectionsModel::flags()
@@ -536,10 +534,9 @@ void TestConnectionsModel::neverUserCheckable()
     ConnectionsModel model(nullptr, QString());
     model.AddConnection(Connection());
     model.AddConnection(SampleEntry(1));
-    for (int row = 0; row < 2; ++row) {
+    for (int row = 0; row < 2; ++row)
         for (int column = 0; column < kColumns; ++column)
             QVERIFY(!model.flags(model.index(row, column)).testFlag(Qt::ItemIsUserCheckable));
-    }
 }
 
 QTEST_MAIN(TestConnectionsModel)

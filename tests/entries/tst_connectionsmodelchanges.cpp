@@ -164,21 +164,35 @@ void TestConnectionsModelChanges::setDataAssigns_data()
         change(entry);
         QTest::newRow(name) << column << value << Fields(entry);
     };
-    add("Selected", 0, false, [](Connection& entry) { entry.Selected = false; });
-    add("ConnectionName", 1, QStringLiteral("x"),
+    add(
+        "Selected", 0, false, [](Connection& entry) { entry.Selected = false; });
+    add(
+        "ConnectionName", 1, QStringLiteral("x"),
         [](Connection& entry) { entry.ConnectionName = QStringLiteral("x"); });
-    add("ConnectionStatus", 2, 0, [](Connection& entry) { entry.ConnectionStatus = 0; });
-    add("DeviceType", 3, 14, [](Connection& entry) { entry.DeviceType = 14; });
-    add("ConnectionType", 4, 0, [](Connection& entry) { entry.ConnectionType = 0; });
-    add("DeviceAddress", 5, QStringLiteral("x"), [](Connection& entry) { entry.DeviceAddress = QStringLiteral("x"); });
-    add("DriverAddress", 6, QStringLiteral("x"), [](Connection& entry) { entry.DriverAddress = QStringLiteral("x"); });
-    add("LinkSpeed", 7, 0, [](Connection& entry) { entry.LinkSpeed = 0; });
-    add("TimeoutSeconds", 8, 0, [](Connection& entry) { entry.TimeoutSeconds = 0; });
-    add("Subsystem", 9, QStringLiteral("x"), [](Connection& entry) { entry.Subsystem = QStringLiteral("x"); });
-    add("number as text", 3, QStringLiteral("7"), [](Connection& entry) { entry.DeviceType = 7; });
-    add("text as number", 1, 7, [](Connection& entry) { entry.ConnectionName = QStringLiteral("7"); });
-    add("tick as number", 0, 0, [](Connection& entry) { entry.Selected = false; });
-    add("invalid value as text", 1, QVariant(), [](Connection& entry) { entry.ConnectionName = QString(); });
+    add(
+        "ConnectionStatus", 2, 0, [](Connection& entry) { entry.ConnectionStatus = 0; });
+    add(
+        "DeviceType", 3, 14, [](Connection& entry) { entry.DeviceType = 14; });
+    add(
+        "ConnectionType", 4, 0, [](Connection& entry) { entry.ConnectionType = 0; });
+    add(
+        "DeviceAddress", 5, QStringLiteral("x"), [](Connection& entry) { entry.DeviceAddress = QStringLiteral("x"); });
+    add(
+        "DriverAddress", 6, QStringLiteral("x"), [](Connection& entry) { entry.DriverAddress = QStringLiteral("x"); });
+    add(
+        "LinkSpeed", 7, 0, [](Connection& entry) { entry.LinkSpeed = 0; });
+    add(
+        "TimeoutSeconds", 8, 0, [](Connection& entry) { entry.TimeoutSeconds = 0; });
+    add(
+        "Subsystem", 9, QStringLiteral("x"), [](Connection& entry) { entry.Subsystem = QStringLiteral("x"); });
+    add(
+        "number as text", 3, QStringLiteral("7"), [](Connection& entry) { entry.DeviceType = 7; });
+    add(
+        "text as number", 1, 7, [](Connection& entry) { entry.ConnectionName = QStringLiteral("7"); });
+    add(
+        "tick as number", 0, 0, [](Connection& entry) { entry.Selected = false; });
+    add(
+        "invalid value as text", 1, QVariant(), [](Connection& entry) { entry.ConnectionName = QString(); });
     add("invalid value as number", 3, QVariant(), [](Connection& entry) { entry.DeviceType = 0; });
     add("same value", 1, SampleEntry(1).ConnectionName, [](Connection&) {});
 }
@@ -369,10 +383,9 @@ void TestConnectionsModelChanges::countsStayRightAfterAnyChange()
             const int count = rows > 0 ? random.bounded(rows - row + 1) : 0;
             QCOMPARE(model.removeRows(row, count), rows > 0);
             std::vector<Connection> left;
-            for (int i = 0; i < rows; ++i) {
+            for (int i = 0; i < rows; ++i)
                 if (i < row || i >= row + count)
                     left.push_back(reference[static_cast<std::size_t>(i)]);
-            }
             reference.swap(left);
             break;
         }
@@ -395,10 +408,9 @@ void TestConnectionsModelChanges::countsStayRightAfterAnyChange()
             const Connection entry = anyEntry();
             const int status = random.bounded(-1, 3);
             model.SetConnectionStatus(entry, status);
-            for (Connection& candidate : reference) {
+            for (Connection& candidate : reference)
                 if (candidate == entry)
                     candidate.ConnectionStatus = status;
-            }
             break;
         }
         case 4: {

@@ -202,18 +202,15 @@ void TestConnectionsModelRemoval::keepsTheRestAsItWas()
             handles += QPersistentModelIndex(model.index(i, i % ConnectionsModel::ColumnCount));
         }
         QList<int> doomed;
-        for (int i = random.bounded(count + 1); i > 0; --i) {
+        for (int i = random.bounded(count + 1); i > 0; --i)
             doomed += random.bounded(count);
-        }
-        for (const int row : doomed) {
+        for (const int row : doomed)
             expected.removeAll(QString::number(row));
-        }
         model.RemoveEntries(doomed);
 
         QStringList left;
-        for (int row = 0; row < model.rowCount(); ++row) {
+        for (int row = 0; row < model.rowCount(); ++row)
             left += model.GetConnection(row).ConnectionName;
-        }
         QCOMPARE(left, expected);
         QVERIFY(CountedByHand(model).Agrees(model));
         for (int i = 0; i < count; ++i) {

@@ -43,10 +43,9 @@ private slots:
         std::atomic<bool> isOver = false;
         std::atomic<int> changes = 0;
         std::thread other([&] {
-            while (!isOver) {
+            while (!isOver)
                 if (Files::Write(file, {}) && QFile::remove(file))
                     ++changes;
-            }
         });
         int blocked = 0;
         for (int i = 0; i < 20000 || changes < 1000; ++i)

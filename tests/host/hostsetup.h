@@ -134,10 +134,9 @@ public:
     QStringList TickedNames()
     {
         QStringList names;
-        for (const QJsonValue& entry : Entries()) {
+        for (const QJsonValue& entry : Entries())
             if (entry.toObject().value(QLatin1String("selected")).toBool())
                 names.append(entry.toObject().value(QLatin1String("name")).toString());
-        }
         return names;
     }
 

@@ -41,10 +41,9 @@ QAction* TrayAction(const QString& text)
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         if (widget->objectName() != QLatin1String("m_trayMenu"))
             continue;
-        for (QAction* action : widget->findChildren<QAction*>()) {
+        for (QAction* action : widget->findChildren<QAction*>())
             if (action->text() == text)
                 return action;
-        }
     }
     return nullptr;
 }
@@ -182,10 +181,9 @@ void TestApplication::quitAsksWhileEntriesAreInUse()
     bool cancelled = false;
     const std::function<void(QMessageBox&)> answer = [&](QMessageBox& box) {
         const QString text = answers.takeFirst();
-        for (QAbstractButton* button : box.buttons()) {
+        for (QAbstractButton* button : box.buttons())
             if (button->text() == text)
                 QTimer::singleShot(0, button, &QAbstractButton::click);
-        }
     };
     host.Run(
         [&](const ConnectDialog& dialog) {
@@ -269,10 +267,9 @@ void TestApplication::aDamagedConfigurationIsShownWhereNobodyReads()
     const ErrorsTo nobody(QProcess::nullDevice());
     QString shown;
     host.Run([&](const ConnectDialog&) {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
+        for (QWidget* widget : QApplication::topLevelWidgets())
             if (widget->objectName() == QLatin1String("m_noticeBox") && widget->isVisible())
                 shown = qobject_cast<QMessageBox*>(widget)->text();
-        }
     });
     QVERIFY2(shown.contains(QLatin1String("damaged")), qPrintable(shown));
     // It goes with the host.

@@ -40,10 +40,9 @@ void Answer(const QString& text)
 
 QMessageBox* NoticeOnScreen()
 {
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
+    for (QWidget* widget : QApplication::topLevelWidgets())
         if (widget->objectName() == QLatin1String("m_noticeBox") && widget->isVisible())
             return qobject_cast<QMessageBox*>(widget);
-    }
     return nullptr;
 }
 

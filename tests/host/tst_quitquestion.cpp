@@ -17,10 +17,9 @@ QMessageBox* OpenBox()
 
 QAbstractButton* Button(const QString& text)
 {
-    for (QAbstractButton* button : OpenBox()->buttons()) {
+    for (QAbstractButton* button : OpenBox()->buttons())
         if (button->text() == text)
             return button;
-    }
     return nullptr;
 }
 

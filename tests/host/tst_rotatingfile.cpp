@@ -173,10 +173,9 @@ void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
     const Fixture fixture;
     QStringList errors;
     QByteArray expected;
-    for (int number = 1; number <= RotatingFile::KeptFiles; ++number) {
+    for (int number = 1; number <= RotatingFile::KeptFiles; ++number)
         if (number != blocked)
             QVERIFY(Files::Write(fixture.Earlier(number), QByteArray::number(number)));
-    }
     if (blocked == 0) {
         // A name that is too long for one more suffix, as on a folder that is not to be written.
         const QString longName = fixture.directory.filePath(QString(253, QLatin1Char('n')));
@@ -204,10 +203,9 @@ void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
     QCOMPARE(errors.size(), 1);
     QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))), qPrintable(errors.first()));
     // The other files are what they were.
-    for (int number = 1; number <= RotatingFile::KeptFiles; ++number) {
+    for (int number = 1; number <= RotatingFile::KeptFiles; ++number)
         if (number != blocked)
             QCOMPARE(Files::Read(fixture.Earlier(number)), QByteArray::number(number));
-    }
 }
 
 void TestRotatingFile::itWorksAgainWhenTheWayIsFree()

@@ -22,10 +22,9 @@ struct InTray
     QSystemTrayIcon* Icon() const { return tray.findChild<QSystemTrayIcon*>(); }
     QAction* Action(const QString& text) const
     {
-        for (QAction* action : Icon()->contextMenu()->actions()) {
+        for (QAction* action : Icon()->contextMenu()->actions())
             if (action->text() == text)
                 return action;
-        }
         return nullptr;
     }
     QImage Picture() const { return Icon()->icon().pixmap(22).toImage(); }
@@ -41,20 +40,18 @@ struct InTray
 int Brightest(const QImage& image)
 {
     int brightest = 0;
-    for (int y = 0; y < image.height(); ++y) {
+    for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
             brightest = qMax(brightest, qGray(image.pixel(x, y)));
-    }
     return brightest;
 }
 
 int Darkest(const QImage& image)
 {
     int darkest = 255;
-    for (int y = 0; y < image.height(); ++y) {
+    for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
             darkest = qMin(darkest, qGray(image.pixel(x, y)));
-    }
     return darkest;
 }
 

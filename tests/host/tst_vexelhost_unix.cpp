@@ -55,7 +55,8 @@ private slots:
             QVERIFY2(result.error.contains(QLatin1String("vexelhost: the configuration in ") + setUp.Config() +
                                            QLatin1String(" could not be saved\n")),
                      qPrintable(result.error));
-            QVERIFY2(result.error.contains(QLatin1String(" trace platform/config/configdocument:")), qPrintable(result.error));
+            QVERIFY2(result.error.contains(QLatin1String(" trace platform/config/configdocument:")),
+                     qPrintable(result.error));
 
             const auto exported = setUp.Run(
                 {QStringLiteral("--add"), setUp.Path("large.xml"), QStringLiteral("--export"), setUp.Path("out.xml")});

@@ -60,10 +60,9 @@ QStringList TestVexelHostBackups::Files(HostSetUp& setUp)
     const QJsonArray versions =
         QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
     QStringList files;
-    for (const QJsonValue& version : versions) {
+    for (const QJsonValue& version : versions)
         if (version[QLatin1String("number")].toInt() > 0)
             files.append(version[QLatin1String("file")].toString());
-    }
     return files;
 }
 

@@ -264,10 +264,9 @@ void TestVexelHostDiagnose::onlyHarmlessVariables()
     QVERIFY(!result.output.contains(QLatin1String("hush-hush")));
     QStringList expected{QStringLiteral("QT_QPA_PLATFORM=offscreen")};
     const QStringList names = setUp.Environment().keys();
-    for (const QString& name : names) {
+    for (const QString& name : names)
         if (name.startsWith(QLatin1String("VEXEL_")))
             expected.append(name + QLatin1Char('=') + setUp.Environment().value(name));
-    }
     expected.sort();
     QCOMPARE(Value(Diagnose(setUp), "paths", "environment").toVariant().toStringList(), expected);
 }

@@ -40,9 +40,8 @@ public:
     ICfg* OpenChild(const QString& key, int flag) override
     {
         Note(QStringLiteral("open %1 flag %2").arg(key).arg(flag));
-        if (!m_pStore->opensChildren) {
+        if (!m_pStore->opensChildren)
             return nullptr;
-        }
         ++m_pStore->openHandles;
         return new RecordingCfg(m_pStore, m_sPath + key + QLatin1Char('/'));
     }

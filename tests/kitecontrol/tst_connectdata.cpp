@@ -212,9 +212,8 @@ void TestConnectData::oldMultiChannelRecord()
     QCOMPARE(record.m_sStationName, QStringLiteral("Old server"));
     QCOMPARE(record.m_sDeviceType, QStringLiteral("Kite Cobra"));
     QCOMPARE(record.m_sRemoteAddress, QStringLiteral("10.0.0.6"));
-    for (const QString& key : kOldOnlyKeys) {
+    for (const QString& key : kOldOnlyKeys)
         QVERIFY2(!cfg.Has(Key(0, key)), qPrintable(key));
-    }
 }
 
 void TestConnectData::oldRemoteAddressZeroMeansNone()
@@ -277,9 +276,8 @@ void TestConnectData::oldNumbersAndFlags()
 void TestConnectData::removesTheOldKeysAndNoOther()
 {
     RecordingCfg cfg;
-    for (const QString& key : kOldOnlyKeys) {
+    for (const QString& key : kOldOnlyKeys)
         Put(cfg, qPrintable(key), QStringLiteral("1"));
-    }
     Put(cfg, "StationName", QStringLiteral("Name"));
     Put(cfg, "ConnectionSpeed", QStringLiteral("3"));
     Put(cfg, "RemoteAddress", QStringLiteral("pc7"));
@@ -428,9 +426,8 @@ void TestConnectData::writtenRecordReadsBack()
 void TestConnectData::laterShorterListLeavesTheRest()
 {
     RecordingCfg cfg;
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         FullRecord(i).Write(&cfg);
-    }
     ConnectData other = FullRecord(0);
     other.m_sStationName = QStringLiteral("Other");
     other.Write(&cfg);
@@ -538,9 +535,8 @@ void TestConnectData::worksOnTheProductsConfiguration()
     QCOMPARE(old.m_nTimeoutSeconds, 60);
     const std::unique_ptr<ICfg> node(document->OpenChild(QStringLiteral("ConnectData0"), 0));
     const QString none = QStringLiteral("(none)");
-    for (const QString& key : kOldOnlyKeys) {
+    for (const QString& key : kOldOnlyKeys)
         QCOMPARE(node->GetString(key, none, 0), none);
-    }
 
     const ConnectData current(1, document);
     QCOMPARE(current.m_sStationName, FullRecord(1).m_sStationName);

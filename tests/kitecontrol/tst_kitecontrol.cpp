@@ -89,9 +89,8 @@ void TestKiteControl::WriteStore(const std::vector<ConnectData>& records)
 {
     QVERIFY(CfgCenter::Open(m_sStore));
     ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString());
-    for (const ConnectData& record : records) {
+    for (const ConnectData& record : records)
         record.Write(document);
-    }
     document->SetString(QStringLiteral("ConnectionCount"), QString::number(records.size()), 0);
     QVERIFY(CfgCenter::SaveDocument());
 }

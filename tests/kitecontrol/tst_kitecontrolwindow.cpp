@@ -80,9 +80,8 @@ void TestKiteControlWindow::givesEveryValueItsRoom()
 void TestKiteControlWindow::showsCandidates()
 {
     Records records;
-    for (int i = 0; i < LaunchReport::MaximumCandidates + 5; ++i) {
+    for (int i = 0; i < LaunchReport::MaximumCandidates + 5; ++i)
         records.Add("Mast", "Kite Echo");
-    }
     const KiteControlWindow window(ReportFor(QStringLiteral("Mast"), records.List()));
     const auto* const list = window.findChild<QListWidget*>(QStringLiteral("m_pCandidates"));
     QVERIFY(list);

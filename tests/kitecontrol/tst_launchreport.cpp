@@ -164,9 +164,8 @@ void TestLaunchReport::addressIsNoStation()
 void TestLaunchReport::manyCandidatesAreCounted()
 {
     Records records;
-    for (int i = 0; i < LaunchReport::MaximumCandidates + 3; ++i) {
+    for (int i = 0; i < LaunchReport::MaximumCandidates + 3; ++i)
         records.Add("Mast", "Kite Echo");
-    }
     const QStringList lines = MastReport(Known(records.List())).Lines();
     QCOMPARE(lines.filter(QStringLiteral("candidate: ")).size(), LaunchReport::MaximumCandidates);
     QCOMPARE(lines.constLast(), QStringLiteral("further candidates: 3"));
@@ -236,12 +235,10 @@ void TestLaunchReport::countBoundsTheRecords()
     QFETCH(QString, count);
     QFETCH(int, read);
     ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("Bounds"), View::Shared, QString());
-    if (!count.isNull()) {
+    if (!count.isNull())
         document->SetString(QStringLiteral("ConnectionCount"), count, 0);
-    }
-    for (const ConnectData& record : Records().Add("A", "x").Add("B", "x").Add("C", "x").List()) {
+    for (const ConnectData& record : Records().Add("A", "x").Add("B", "x").Add("C", "x").List())
         record.Write(document);
-    }
     QCOMPARE(int(LegacyRecords::FromDocument(document).size()), read);
 }
 
@@ -249,9 +246,8 @@ void TestLaunchReport::recordsKeepTheirNumbers()
 {
     RecordingCfg document;
     document.SetString(QStringLiteral("ConnectionCount"), QStringLiteral("2"), 0);
-    for (const ConnectData& record : Records().Add("A", "x").Add("B", "y").List()) {
+    for (const ConnectData& record : Records().Add("A", "x").Add("B", "y").List())
         record.Write(&document);
-    }
     const std::vector<ConnectData> records = LegacyRecords::FromDocument(&document);
     QCOMPARE(records.size(), std::size_t(2));
     QCOMPARE(document.Contents().openHandles, 0);
@@ -290,9 +286,8 @@ void TestLaunchReport::recordsOfADirectory()
     const QTemporaryDir store;
     QVERIFY(CfgCenter::Open(store.path()));
     ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString());
-    for (const ConnectData& record : Records().Add("A", "Kite Echo").Add("B", "Heron").List()) {
+    for (const ConnectData& record : Records().Add("A", "Kite Echo").Add("B", "Heron").List())
         record.Write(document);
-    }
     document->SetString(QStringLiteral("ConnectionCount"), QStringLiteral("2"), 0);
     QVERIFY(CfgCenter::SaveDocument());
     CfgCenter::Close();

@@ -159,9 +159,8 @@ void TestRecordMatch::findsRecords()
     const QStringList arguments = QStringList{application + QStringLiteral(":XMsgDlg.dll")} + furtherArguments;
     const RecordMatch match = RecordMatch::Find(LaunchArguments::Parse(arguments), records.List());
     QCOMPARE(Numbers(match.fitting), fitting);
-    if (!fitting.isEmpty()) {
+    if (!fitting.isEmpty())
         QCOMPARE(Numbers(match.sameDevice), QList<int>{});
-    }
 }
 
 void TestRecordMatch::offersRecordsOfTheDevice_data()

@@ -36,11 +36,9 @@ using Entry = QList<QPair<QString, QString>>;
 
 QString ValueOf(const Entry& entry, const char* name)
 {
-    for (const auto& [key, value] : entry) {
-        if (key == QLatin1String(name)) {
+    for (const auto& [key, value] : entry)
+        if (key == QLatin1String(name))
             return value;
-        }
-    }
     return QStringLiteral("(missing)");
 }
 
@@ -119,9 +117,8 @@ void TestSamples::initTestCase()
 void TestSamples::ReadMachine()
 {
     QXmlStreamReader reader(Contents("data/CfgVEXEL.xml"));
-    while (!reader.atEnd() && reader.name() != QLatin1String("Machine")) {
+    while (!reader.atEnd() && reader.name() != QLatin1String("Machine"))
         reader.readNext();
-    }
     while (reader.readNextStartElement()) {
         const QString name = reader.name().toString();
         m_names.append(name);
@@ -187,11 +184,9 @@ void TestSamples::ReadEntries()
 int TestSamples::ApplicationsFor(int deviceType) const
 {
     QString executable;
-    for (const auto& [type, name] : m_mappings) {
-        if (type == ServingType(deviceType)) {
+    for (const auto& [type, name] : m_mappings)
+        if (type == ServingType(deviceType))
             executable = m_applications.value(name).executable;
-        }
-    }
     return executable.isEmpty()
                ? 0
                : int(std::count_if(m_applications.begin(), m_applications.end(), [&executable](const Application& a) {
@@ -215,9 +210,8 @@ void TestSamples::applicationsShowEveryCase()
         }
         withParameters += it->parameterCount > 1 ? 1 : 0;
         QList<int> numbers;
-        for (int i = 1; i <= it->parameterCount; ++i) {
+        for (int i = 1; i <= it->parameterCount; ++i)
             numbers.append(i);
-        }
         QCOMPARE(it->parameters.keys(), numbers);
     }
     QVERIFY(m_applications.value(QStringLiteral("KiteControl")).parameterCount > 1);
@@ -230,9 +224,8 @@ void TestSamples::applicationsShowEveryCase()
 void TestSamples::executablesAreBuilt()
 {
     for (auto it = m_applications.constBegin(); it != m_applications.constEnd(); ++it) {
-        if (!it->hasStartup) {
+        if (!it->hasStartup)
             continue;
-        }
         // Bare names, so that the samples work wherever they are installed and on every system.
         QVERIFY2(!it->executable.contains(QLatin1Char('/')) && !it->executable.contains(QLatin1Char('.')),
                  qPrintable(it->executable));
@@ -255,18 +248,16 @@ void TestSamples::everyMappedApplicationHasAStartup()
 
 void TestSamples::everyDeviceTypeIsServed()
 {
-    for (int type = 0; type < kDeviceTypes; ++type) {
+    for (int type = 0; type < kDeviceTypes; ++type)
         QVERIFY2(ApplicationsFor(type) > 0, qPrintable(QString::number(type)));
-    }
 }
 
 void TestSamples::eachExecutableServesOneDeviceType()
 {
     // Or an entry would be given an application that is made for another device.
     QSet<QString> executables;
-    for (const auto& mapping : m_mappings) {
+    for (const auto& mapping : m_mappings)
         executables.insert(m_applications.value(mapping.second).executable);
-    }
     QCOMPARE(executables.size(), m_mappings.size());
 }
 
@@ -292,11 +283,10 @@ void TestSamples::listIsInTheStoredForm()
         for (const auto& [name, value] : entry) {
             names.append(name);
             QDomElement child = document.createElement(name);
-            if (texts.contains(name)) {
+            if (texts.contains(name))
                 child.appendChild(document.createCDATASection(value));
-            } else {
+            else
                 child.appendChild(document.createTextNode(value));
-            }
             connection.appendChild(child);
         }
         QCOMPARE(names, order);
@@ -372,9 +362,8 @@ void TestSamples::tickedEntriesRunAtTheSameTime()
     for (const Entry& entry : m_entries) {
         const QString selected = ValueOf(entry, "Selected");
         QVERIFY(selected == QLatin1String("true") || selected == QLatin1String("false"));
-        if (selected == QLatin1String("true")) {
+        if (selected == QLatin1String("true"))
             ++ticked[ServingType(NumberOf(entry, "DeviceType"))];
-        }
     }
     QCOMPARE(ticked.size(), 4);
     for (auto it = ticked.constBegin(); it != ticked.constEnd(); ++it) {

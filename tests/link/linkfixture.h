@@ -72,26 +72,25 @@ public:
 
     qsizetype Count(Kind kind) const
     {
-        return std::count_if(events.cbegin(), events.cend(), [kind](const Event& event) { return event.kind == kind; });
+        return std::count_if(
+            events.cbegin(), events.cend(), [kind](const Event& event) { return event.kind == kind; });
     }
     /// The bytes of all events of the kind.
     quint64 Length(Kind kind) const
     {
         quint64 sum = 0;
-        for (const Event& event : events) {
+        for (const Event& event : events)
             if (event.kind == kind)
                 sum += event.length;
-        }
         return sum;
     }
     /// The kinds in order, repeated ones once.
     QList<Kind> Kinds() const
     {
         QList<Kind> kinds;
-        for (const Event& event : events) {
+        for (const Event& event : events)
             if (kinds.isEmpty() || kinds.constLast() != event.kind)
                 kinds.append(event.kind);
-        }
         return kinds;
     }
 

@@ -133,12 +133,11 @@ void TestInterfaceBounds::silentPeersKeepNobodyOut()
     QCOMPARE(server.callback.most, CInterfaceCreator::MaximumPeers);
     QList<IInterface*> opened;
     QList<IInterface*> closed;
-    for (const auto& event : std::as_const(server.callback.events)) {
+    for (const auto& event : std::as_const(server.callback.events))
         if (event.kind == Kind::Open)
             opened.append(event.source);
         else if (event.kind == Kind::Close)
             closed.append(event.source);
-    }
     QCOMPARE(closed, opened.mid(0, closed.size()));
     QVERIFY(server.server->IsOpen());
 }

@@ -53,10 +53,9 @@ void TestInterfaceBoundsUnix::vanishedPeersAreClosed()
     for (int call = 0; call < CInterfaceCreator::MaximumPeers; ++call)
         callers.push_back(CallerOf(server.port));
     QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
-    for (const auto& caller : callers) {
+    for (const auto& caller : callers)
         if (!Vanish(*caller))
             QSKIP("This needs the right to administer the network, on Linux");
-    }
     // Nothing says that they are gone, but that they are silent.
     QCOMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
     QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::MaximumPeers);

@@ -28,9 +28,8 @@ std::atomic<bool> s_watchedArrayReleased = false;
 
 void ReleaseArray(void* array) noexcept
 {
-    if (array && array == s_watchedArray) {
+    if (array && array == s_watchedArray)
         s_watchedArrayReleased = true;
-    }
     std::free(array); // NOLINT(cppcoreguidelines-no-malloc): the counterpart of the allocation below
 }
 
@@ -42,9 +41,8 @@ void* operator new[](std::size_t size)
     // A sanitizer ends the process rather than to answer that there is no such amount.
     constexpr std::size_t beyondAnyMemory = std::size_t{1} << 40U;
     void* const array = size < beyondAnyMemory ? std::malloc(size) : nullptr; // NOLINT(cppcoreguidelines-no-malloc)
-    if (!array) {
+    if (!array)
         throw std::bad_alloc();
-    }
     return array;
 }
 
@@ -75,9 +73,8 @@ public:
         flagGiven = flag;
         s_watchedArray = buffer;
         s_watchedArrayReleased = false;
-        if (read) {
+        if (read)
             read(buffer, length);
-        }
     }
 
     std::function<void(char*, quint64*)> read;
@@ -103,9 +100,8 @@ public:
 protected:
     bool event(QEvent* event) override
     {
-        if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate) {
+        if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate)
             seen.append(event->type());
-        }
         return QDialog::event(event);
     }
 };
@@ -214,9 +210,8 @@ void TestTcpServer::listening()
 void TestTcpServer::creationFails()
 {
     QTcpServer other;
-    if (!other.listen(QHostAddress(QHostAddress::LocalHost), kPort)) {
+    if (!other.listen(QHostAddress(QHostAddress::LocalHost), kPort))
         QCOMPARE(other.serverError(), QAbstractSocket::AddressInUseError); // taken already, then
-    }
     Window window;
     const TraceRecorder traces;
     {
@@ -247,9 +242,8 @@ void TestTcpServer::creationFails()
 void TestTcpServer::creationFailsQuietly()
 {
     QTcpServer other;
-    if (!other.listen(QHostAddress(QHostAddress::LocalHost), kPort)) {
+    if (!other.listen(QHostAddress(QHostAddress::LocalHost), kPort))
         QCOMPARE(other.serverError(), QAbstractSocket::AddressInUseError);
-    }
     QWidget widget;
     const TraceRecorder traces(ErrorHandler::Assertion);
     const TCPServer server(&widget);
@@ -579,9 +573,8 @@ void TestTcpServer::starterCallsOverEitherAddress()
     const TCPServer server(&window);
     QTcpServer probe;
     QList<QHostAddress::SpecialAddress> addresses{QHostAddress::LocalHost};
-    if (probe.listen(QHostAddress(QHostAddress::LocalHostIPv6))) {
+    if (probe.listen(QHostAddress(QHostAddress::LocalHostIPv6)))
         addresses.append(QHostAddress::LocalHostIPv6);
-    }
     for (const auto address : addresses) {
         QTcpSocket starter;
         starter.connectToHost(address, kPort);

@@ -103,9 +103,9 @@ void TestTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
     for (int call = 0; call < 5; ++call) {
         window.hide();
         window.isShown = false;
-        auto isAnswered = std::async(std::launch::async, [&] {
-            return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)) == LinkAnswer::Taken && window.isShown;
-        });
+        auto isAnswered = std::async(
+            std::launch::async,
+            [&] { return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)) == LinkAnswer::Taken && window.isShown; });
         QVERIFY(QTest::qWaitFor([&] { return isAnswered.wait_for(0s) == std::future_status::ready; }, 30'000));
         QVERIFY(isAnswered.get());
     }

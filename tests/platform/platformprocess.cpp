@@ -41,10 +41,9 @@ int Write(const QString& document, const QString& prefix, int count)
         root->SetString(prefix + QString::number(i), prefix, 0);
         // Where many save without a pause one may find no gap in time; the document stays changed, so ask again.
         int attempts = 1;
-        while (!CfgCenter::SaveDocument()) {
+        while (!CfgCenter::SaveDocument())
             if (++attempts > kAttempts)
                 return 3;
-        }
     }
     return 0;
 }

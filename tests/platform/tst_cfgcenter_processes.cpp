@@ -235,10 +235,9 @@ private:
         const int number = Document()->GetInt(QStringLiteral("Key0"), 0, 0);
         if (number < least)
             return false;
-        for (int i = 1; i < count; ++i) {
+        for (int i = 1; i < count; ++i)
             if (Document()->GetInt(QStringLiteral("Key%1").arg(i), 0, 0) != number)
                 return false;
-        }
         return true;
     }
 

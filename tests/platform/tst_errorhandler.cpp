@@ -213,10 +213,9 @@ private slots:
         threads.reserve(kThreads);
         for (int i = 0; i < kThreads; ++i) {
             threads.emplace_back(QThread::create([] {
-                for (int n = 0; n < kReports; ++n) {
+                for (int n = 0; n < kReports; ++n)
                     if (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Trace)
                         _Q_Trace(QStringLiteral("from a thread"), "a", 1);
-                }
             }));
         }
         ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Trace);

@@ -37,10 +37,9 @@ ConfigVersions Versions()
 std::optional<int> NumberIn(ICfg* root)
 {
     const int number = root ? root->GetInt(QStringLiteral("Key0"), -1, 0) : -1;
-    for (int i = 1; i < kKeys && number >= 0; ++i) {
+    for (int i = 1; i < kKeys && number >= 0; ++i)
         if (root->GetInt(QStringLiteral("Key%1").arg(i), -1, 0) != number)
             return std::nullopt;
-    }
     return number < 0 ? std::nullopt : std::optional(number);
 }
 

@@ -90,10 +90,9 @@ private:
     /// Where in the file that stands which is at `address` once the library is loaded.
     std::uint32_t Offset(std::uint32_t address) const
     {
-        for (const Section& section : m_sections) {
+        for (const Section& section : m_sections)
             if (address >= section.address && address - section.address < section.size)
                 return address - section.address + section.offset;
-        }
         throw std::runtime_error("an address lies in no section");
     }
 

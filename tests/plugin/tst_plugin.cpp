@@ -18,11 +18,9 @@ private slots:
 private:
     QDialog* FindDialog() const
     {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (widget->objectName() == QLatin1String("VexelConnectDlgGUI")) {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == QLatin1String("VexelConnectDlgGUI"))
                 return qobject_cast<QDialog*>(widget);
-            }
-        }
         return nullptr;
     }
 };

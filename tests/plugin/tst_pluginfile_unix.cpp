@@ -18,10 +18,9 @@ private slots:
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitCode(), 0);
         QStringList symbols;
-        for (const QString& line : QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'))) {
+        for (const QString& line : QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n')))
             if (!line.isEmpty())
                 symbols += line.section(QLatin1Char(' '), 0, 1);
-        }
         symbols.sort();
         QCOMPARE(symbols, (QStringList{QStringLiteral("ARCreateEx T"), QStringLiteral("ARDestroy T")}));
     }

@@ -71,11 +71,9 @@ private:
     }
     static VexelConnectDlgGUI* FindDialog()
     {
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (auto* const dialog = qobject_cast<VexelConnectDlgGUI*>(widget)) {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* const dialog = qobject_cast<VexelConnectDlgGUI*>(widget))
                 return dialog;
-            }
-        }
         return nullptr;
     }
     static ConnectionsModel* FindModel()

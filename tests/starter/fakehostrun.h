@@ -32,10 +32,9 @@ public:
         QFile file(File());
         QList<QJsonObject> starts;
         if (file.open(QIODevice::ReadOnly)) {
-            for (const QByteArray& line : file.readAll().split('\n')) {
+            for (const QByteArray& line : file.readAll().split('\n'))
                 if (!line.isEmpty())
                     starts.append(QJsonDocument::fromJson(line).object());
-            }
         }
         return starts;
     }

@@ -50,12 +50,11 @@ public:
                 socket->write("220 at your service\r\n");
             if (manner == Echoes)
                 connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->write(socket->readAll()); });
-            if (manner == Answers) {
+            if (manner == Answers)
                 connect(socket, &QTcpSocket::readyRead, socket, [socket] {
                     if (socket->canReadLine())
                         socket->write("HTTP/1.1 400 Bad Request\r\nConnection: close\r\n\r\n");
                 });
-            }
             // Qt closes its side by itself when the other has; only one that does not look does not notice.
             if (manner == NeverCloses)
                 socket->setReadBufferSize(1);

@@ -72,7 +72,8 @@ std::vector<Starter::Outcome> RunAtOnce(const Starter::Settings& settings, int c
         std::vector<std::future<Starter::Outcome>> starters;
         starters.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i)
-            starters.push_back(std::async(std::launch::async, [settings] { return Starter(settings).Run(); }));
+            starters.push_back(std::async(
+                std::launch::async, [settings] { return Starter(settings).Run(); }));
         std::vector<Starter::Outcome> outcomes;
         outcomes.reserve(starters.size());
         for (auto& starter : starters)

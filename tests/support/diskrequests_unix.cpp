@@ -61,27 +61,27 @@ void Forget()
 
 qsizetype LastRenameTo(const QString& path)
 {
-    for (qsizetype at = g_requests.size() - 1; at >= 0; --at) {
+    for (qsizetype at = g_requests.size() - 1; at >= 0; --at)
         if (g_requests.at(at).kind == Request::Rename && g_requests.at(at).path == path)
             return at;
-    }
     return -1;
 }
 
 qsizetype FirstSyncOf(const QString& path, qsizetype from)
 {
-    for (qsizetype at = from; at < g_requests.size(); ++at) {
+    for (qsizetype at = from; at < g_requests.size(); ++at)
         if (g_requests.at(at).kind == Request::Sync && g_requests.at(at).path == path)
             return at;
-    }
     return -1;
 }
 
 bool IsSyncedBefore(qsizetype rename)
 {
-    return std::any_of(g_requests.cbegin(), g_requests.cbegin() + rename, [&](const Request& request) {
-        return request.kind == Request::Sync && request.file == g_requests.at(rename).file;
-    });
+    return std::any_of(
+        g_requests.cbegin(), g_requests.cbegin() + rename,
+        [&](const Request& request) {
+            return request.kind == Request::Sync && request.file == g_requests.at(rename).file;
+        });
 }
 
 } // namespace DiskRequests

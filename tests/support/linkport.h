@@ -37,7 +37,6 @@ inline bool HasEnded(QTcpSocket& caller)
 // Skips the test where another program has the port and keeps it.
 #define NEED_PORT()                                                                                                    \
     do {                                                                                                               \
-        if (!QTest::qWaitFor(LinkPort::IsFree, 30'000)) {                                                              \
+        if (!QTest::qWaitFor(LinkPort::IsFree, 30'000))                                                                \
             QSKIP("Another program has port 8451");                                                                    \
-        }                                                                                                              \
     } while (false)

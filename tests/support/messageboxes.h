@@ -50,24 +50,20 @@ private:
     {
         auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         // A box that is already closing stays the active one until its event loop has returned.
-        if (!box || !box->isVisible()) {
+        if (!box || !box->isVisible())
             return;
-        }
         m_boxes.append({box->windowTitle(), box->text(), box->informativeText(), box->textFormat(), box->icon(),
                         box->standardButtons(), box->isModal(), box->parentWidget() != nullptr});
 
         QAbstractButton* button = m_answers.isEmpty() ? nullptr : box->button(m_answers.takeFirst());
-        if (!button) {
+        if (!button)
             button = box->defaultButton();
-        }
-        if (!button && !box->buttons().isEmpty()) {
+        if (!button && !box->buttons().isEmpty())
             button = box->buttons().constFirst();
-        }
-        if (button) {
+        if (button)
             button->click();
-        } else {
+        else
             box->reject();
-        }
     }
 
     QTimer m_timer;

@@ -42,10 +42,9 @@ PseudoConsole::~PseudoConsole()
 {
     if (d->console)
         Get<End>("ClosePseudoConsole")(d->console);
-    for (const HANDLE handle : {d->keys, d->screen, d->process}) {
+    for (const HANDLE handle : {d->keys, d->screen, d->process})
         if (handle)
             CloseHandle(handle);
-    }
 }
 
 bool PseudoConsole::Start(const QString& commandLine)

@@ -36,7 +36,8 @@ bool AskToEnd(qint64 number, const QString& request)
 
 void EndWhenAsked()
 {
-    std::signal(SIGTERM, [](int) { ::_exit(0); });
+    std::signal(
+        SIGTERM, [](int) { ::_exit(0); });
 }
 
 void GoOnWhenAsked()

@@ -64,11 +64,10 @@ bool AskToEnd(qint64 number, const QString& /*request*/)
     bool wasAsked = false;
     THREADENTRY32 thread{};
     thread.dwSize = sizeof thread;
-    for (BOOL more = Thread32First(threads, &thread); more; more = Thread32Next(threads, &thread)) {
+    for (BOOL more = Thread32First(threads, &thread); more; more = Thread32Next(threads, &thread))
         if (thread.th32OwnerProcessID == static_cast<DWORD>(number) &&
             PostThreadMessageW(thread.th32ThreadID, WM_CLOSE, 0, 0))
             wasAsked = true;
-    }
     CloseHandle(threads);
     return wasAsked;
 }
@@ -106,10 +105,9 @@ qsizetype OpenHandles()
     constexpr std::uintptr_t step = 4;
     constexpr std::uintptr_t end = 0x2000;
     qsizetype count = 0;
-    for (std::uintptr_t value = step; value < end; value += step) {
+    for (std::uintptr_t value = step; value < end; value += step)
         if (GetFileType(reinterpret_cast<HANDLE>(value)) != FILE_TYPE_UNKNOWN) // NOLINT(performance-no-int-to-ptr)
             ++count;
-    }
     return count;
 }
 

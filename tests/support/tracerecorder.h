@@ -55,11 +55,9 @@ public:
     QStringList Messages(const QString& sourceFile = QString()) const
     {
         QStringList messages;
-        for (const Report& report : Reports()) {
-            if (sourceFile.isNull() || report.sourceFile == sourceFile) {
+        for (const Report& report : Reports())
+            if (sourceFile.isNull() || report.sourceFile == sourceFile)
                 messages.append(report.message);
-            }
-        }
         return messages;
     }
 

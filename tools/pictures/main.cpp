@@ -89,9 +89,8 @@ bool TakeAll(const QByteArray& document, const QString& folder)
         Scene scene(document);
         for (int row = 0; row < scene.model.rowCount(); ++row) {
             const Connection entry = scene.model.GetConnection(row);
-            if (entry.Selected) {
+            if (entry.Selected)
                 scene.model.SetConnectionStatus(entry, Connection::InUse);
-            }
         }
         saved &= scene.Save(path("dialog-in-use"));
     }

@@ -31,27 +31,23 @@ constexpr std::initializer_list<const char*> kOldKeys{
 std::unique_ptr<ICfg> OpenRecord(ICfg* pCfg, int index, quint16 assertLine)
 {
     std::unique_ptr<ICfg> pSubCfg(pCfg->OpenChild(QStringLiteral("ConnectData%1").arg(index), kFlag));
-    if (!pSubCfg && (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Assertion)) {
+    if (!pSubCfg && (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Assertion))
         _Q_assert("pSubCfg", kSourceFile, assertLine);
-    }
     return pSubCfg;
 }
 
 /// "0" is how the oldest applications stored an address that is not set.
 void ClearZeroAddress(QString& address)
 {
-    if (address == QLatin1String("0")) {
+    if (address == QLatin1String("0"))
         address = QLatin1String("");
-    }
 }
 
 bool ContainsAny(const QString& text, std::initializer_list<const char*> parts)
 {
-    for (const char* const part : parts) {
-        if (text.contains(QLatin1String(part))) {
+    for (const char* const part : parts)
+        if (text.contains(QLatin1String(part)))
             return true;
-        }
-    }
     return false;
 }
 
@@ -66,9 +62,8 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     , m_sSubsystem(QLatin1String(""))
 {
     const std::unique_ptr<ICfg> pSubCfg = OpenRecord(pCfg, index, kReadAssertLine);
-    if (!pSubCfg) {
+    if (!pSubCfg)
         return;
-    }
 
     const auto oldString = [&pSubCfg](const QString& key, const QString& defaultValue) {
         return pSubCfg->GetString(key, defaultValue, kOldKeysMode);
@@ -81,15 +76,13 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     m_nTimeoutSeconds = oldString(QStringLiteral("Timeout"), QStringLiteral("0")).toInt();
     m_sRemoteAddress = oldString(QStringLiteral("RemoteAddress"), QStringLiteral(""));
     ClearZeroAddress(m_sRemoteAddress);
-    if (pSubCfg->GetInt(QStringLiteral("MultiChannelServer"), 0, kOldKeysMode) != 0) {
+    if (pSubCfg->GetInt(QStringLiteral("MultiChannelServer"), 0, kOldKeysMode) != 0)
         m_nConnectionType = kMultiChannelServer;
-    } else {
+    else
         m_nConnectionType = m_sRemoteAddress.isEmpty() ? kDirect : kRemote;
-    }
 
-    for (const char* const key : kOldKeys) {
+    for (const char* const key : kOldKeys)
         pSubCfg->Remove(QString::fromLatin1(key), kFlag);
-    }
 
     // What the old keys gave is the default now, so a current key wins and an old record keeps its values.
     const auto readString = [&pSubCfg](const QString& key, QString& field) {
@@ -109,19 +102,17 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     ClearZeroAddress(m_sRemoteAddress);
 
     // The address that the connection type does not use.
-    if (m_nConnectionType == kDirect) {
+    if (m_nConnectionType == kDirect)
         m_sRemoteAddress = QLatin1String("");
-    } else if (m_nConnectionType == kMultiChannelServer) {
+    else if (m_nConnectionType == kMultiChannelServer)
         m_sDeviceAddress = QLatin1String("");
-    }
 }
 
 void ConnectData::Write(ICfg* pCfg) const
 {
     const std::unique_ptr<ICfg> pSubCfg = OpenRecord(pCfg, m_nIndex, kWriteAssertLine);
-    if (!pSubCfg) {
+    if (!pSubCfg)
         return;
-    }
 
     pSubCfg->SetString(QStringLiteral("StationName"), m_sStationName, kFlag);
     pSubCfg->SetString(QStringLiteral("DeviceType"), m_sDeviceType, kFlag);
@@ -136,8 +127,7 @@ void ConnectData::Write(ICfg* pCfg) const
 int ConnectData::GetTypeCategory() const
 {
     // First, because "Kite Moss E" begins with "Kite Moss".
-    if (ContainsAny(m_sDeviceType, {"Kite Echo", "Kite Ember", "Kite Moss E"})) {
+    if (ContainsAny(m_sDeviceType, {"Kite Echo", "Kite Ember", "Kite Moss E"}))
         return 0;
-    }
     return ContainsAny(m_sDeviceType, {"Kite Moss", "Kite Alpha", "Plover One", "Plover Five"}) ? 4 : 0;
 }

@@ -68,11 +68,10 @@ KiteControlWindow::KiteControlWindow(const LaunchReport& report, QWidget* parent
     layout->setSpacing(12);
 
     AddHeading(report);
-    if (report.record) {
+    if (report.record)
         AddRecord(report);
-    } else if (!report.candidates.empty()) {
+    else if (!report.candidates.empty())
         AddCandidates(report);
-    }
     AddStart(report);
     layout->addStretch();
     AddButtons();
@@ -115,12 +114,10 @@ void KiteControlWindow::AddCandidates(const LaunchReport& report)
     list->setAlternatingRowColors(true);
     list->setWordWrap(true);
     const auto listed = std::min(report.candidates.size(), std::size_t(LaunchReport::MaximumCandidates));
-    for (std::size_t i = 0; i < listed; ++i) {
+    for (std::size_t i = 0; i < listed; ++i)
         list->addItem(Shown(LaunchReport::Summary(report.candidates[i])));
-    }
-    if (listed < report.candidates.size()) {
+    if (listed < report.candidates.size())
         list->addItem(tr("and %n more", nullptr, int(report.candidates.size() - listed)));
-    }
     auto* const groupLayout = new QVBoxLayout(group);
     groupLayout->addWidget(list);
     layout()->addWidget(group);

@@ -11,9 +11,8 @@ std::optional<std::chrono::milliseconds> ParseSeconds(const QString& text)
 {
     bool isNumber = false;
     const double seconds = text.toDouble(&isNumber);
-    if (!isNumber || !std::isfinite(seconds) || seconds < 0) {
+    if (!isNumber || !std::isfinite(seconds) || seconds < 0)
         return std::nullopt;
-    }
     // Qt's timers count milliseconds in an int.
     constexpr double longest = std::numeric_limits<int>::max();
     return std::chrono::milliseconds(std::llround(std::min(seconds * 1000, longest)));
@@ -29,9 +28,8 @@ LaunchEnvironment LaunchEnvironment::From(const QProcessEnvironment& environment
     const QString seconds = environment.value(QStringLiteral("KITECONTROL_SECONDS"));
     if (!seconds.isEmpty()) {
         result.lifetime = ParseSeconds(seconds);
-        if (!result.lifetime) {
+        if (!result.lifetime)
             result.complaints.append(QStringLiteral("KITECONTROL_SECONDS is not a time in seconds: ") + seconds);
-        }
     }
     return result;
 }

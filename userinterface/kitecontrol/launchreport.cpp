@@ -15,9 +15,8 @@ template <std::size_t N>
 QString NumberAndWord(int value, const std::array<const char*, N>& words)
 {
     const QString number = QString::number(value);
-    if (value < 0 || static_cast<std::size_t>(value) >= N) {
+    if (value < 0 || static_cast<std::size_t>(value) >= N)
         return number;
-    }
     return number + QStringLiteral(" (") + QString::fromLatin1(words[static_cast<std::size_t>(value)]) +
            QLatin1Char(')');
 }
@@ -50,15 +49,14 @@ QString Escaped(const QString& text)
     result.reserve(text.size());
     for (const QChar character : text) {
         const bool breaksLines = character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
-        if (character == QLatin1Char('\\')) {
+        if (character == QLatin1Char('\\'))
             result += QStringLiteral("\\\\");
-        } else if (character == QLatin1Char('\n')) {
+        else if (character == QLatin1Char('\n'))
             result += QStringLiteral("\\n");
-        } else if (character.category() == QChar::Other_Control || breaksLines) {
+        else if (character.category() == QChar::Other_Control || breaksLines)
             result += QStringLiteral("\\u%1").arg(ushort(character.unicode()), 4, 16, QLatin1Char('0'));
-        } else {
+        else
             result += character;
-        }
     }
     return result;
 }
@@ -68,9 +66,8 @@ QString Quoted(const QString& argument)
     const bool plain = !argument.isEmpty() && std::none_of(argument.begin(), argument.end(), [](QChar character) {
         return character.isSpace() || character == QLatin1Char('"');
     });
-    if (plain) {
+    if (plain)
         return argument;
-    }
     return QLatin1Char('"') + QString(argument).replace(QLatin1Char('"'), QStringLiteral("\\\"")) + QLatin1Char('"');
 }
 
@@ -81,12 +78,10 @@ QString Line(const QString& label, const QString& value)
 
 QString FindingWithout(const LaunchReport& report, bool severalFit)
 {
-    if (report.arguments.isEmpty()) {
+    if (report.arguments.isEmpty())
         return QStringLiteral("started without a command line, so no record belongs to this start");
-    }
-    if (severalFit) {
+    if (severalFit)
         return QStringLiteral("%1 records fit this command line").arg(report.candidates.size());
-    }
     return QStringLiteral("no record fits this command line");
 }
 
@@ -110,9 +105,8 @@ LaunchReport LaunchReport::Make(const QString& program, const QStringList& argum
         return report;
     }
     // A "Connection=..." behind "Server" is taken for an address as long as no record says that it is a name.
-    if (launch.hasStation && !launch.hasAddress) {
+    if (launch.hasStation && !launch.hasAddress)
         report.station = launch.station;
-    }
     const bool severalFit = !match.fitting.empty();
     report.candidates = std::move(severalFit ? match.fitting : match.sameDevice);
     report.finding = records.problem.isEmpty() ? FindingWithout(report, severalFit) : records.problem;
@@ -122,9 +116,8 @@ LaunchReport LaunchReport::Make(const QString& program, const QStringList& argum
 QString LaunchReport::CommandLine() const
 {
     QStringList words{Quoted(program)};
-    for (const QString& argument : arguments) {
+    for (const QString& argument : arguments)
         words.append(Quoted(argument));
-    }
     return words.join(QLatin1Char(' '));
 }
 
@@ -140,19 +133,16 @@ QStringList LaunchReport::Lines() const
     };
     if (record) {
         lines.append(Line(QStringLiteral("record"), RecordName(*record)));
-        for (const Fact& fact : Facts(*record)) {
+        for (const Fact& fact : Facts(*record))
             lines.append(Line(QString::fromLatin1(fact.label).toLower(), Escaped(fact.value)));
-        }
         return lines;
     }
     const int listed = std::min(int(candidates.size()), MaximumCandidates);
-    for (int i = 0; i < listed; ++i) {
+    for (int i = 0; i < listed; ++i)
         lines.append(Line(QStringLiteral("candidate"), Escaped(Summary(candidates[std::size_t(i)]))));
-    }
     const int left = int(candidates.size()) - listed;
-    if (left > 0) {
+    if (left > 0)
         lines.append(Line(QStringLiteral("further candidates"), QString::number(left)));
-    }
     return lines;
 }
 

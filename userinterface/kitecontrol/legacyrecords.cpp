@@ -24,9 +24,8 @@ bool CopyFiles(const QString& from, const QString& to)
         const QString copy = target.filePath(source.relativeFilePath(file));
         const bool isCopied = target.mkpath(QFileInfo(copy).path()) && QFile::copy(file, copy);
         // A lock, or a file that is just being saved, may be gone by now.
-        if (!isCopied && QFileInfo::exists(file)) {
+        if (!isCopied && QFileInfo::exists(file))
             return false;
-        }
     }
     return true;
 }
@@ -55,9 +54,8 @@ LegacyRecords LegacyRecords::FromDirectory(const QString& directory)
     result.records =
         FromDocument(CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString()));
     CfgCenter::Close();
-    if (result.records.empty()) {
+    if (result.records.empty())
         result.problem = QStringLiteral("the configuration holds no records");
-    }
     return result;
 }
 
@@ -67,8 +65,7 @@ std::vector<ConnectData> LegacyRecords::FromDocument(ICfg* document)
     const int count = std::clamp(declared, 0, MaximumCount);
     std::vector<ConnectData> records;
     records.reserve(static_cast<std::size_t>(count));
-    for (int index = 0; index < count; ++index) {
+    for (int index = 0; index < count; ++index)
         records.emplace_back(index, document);
-    }
     return records;
 }

@@ -19,9 +19,8 @@ using StandardStreams::Stream;
 
 void Print(Stream stream, const QStringList& lines)
 {
-    for (const QString& line : lines) {
+    for (const QString& line : lines)
         StandardStreams::Write(stream, line + QLatin1Char('\n'));
-    }
 }
 
 /// The host shows nothing of what its applications print, so whoever wants to see the report names a folder. Whole or
@@ -30,9 +29,8 @@ bool SaveReport(const QString& directory, const QString& program, const QStringL
 {
     const QString name = QStringLiteral("%1-%2.txt").arg(program).arg(QCoreApplication::applicationPid());
     QSaveFile file(QDir(directory).filePath(name));
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!file.open(QIODevice::WriteOnly))
         return false;
-    }
     file.write(lines.join(QLatin1Char('\n')).toUtf8() + '\n');
     return file.commit();
 }
@@ -64,14 +62,12 @@ int main(int argc, char* argv[])
 
     Print(Stream::Error, environment.complaints);
     Print(Stream::Output, report.Lines());
-    if (!environment.reportDirectory.isEmpty() && !SaveReport(environment.reportDirectory, program, report.Lines())) {
+    if (!environment.reportDirectory.isEmpty() && !SaveReport(environment.reportDirectory, program, report.Lines()))
         Print(Stream::Error, {QStringLiteral("no report could be written to ") + environment.reportDirectory});
-    }
 
     KiteControlWindow window(report);
     window.show();
-    if (environment.lifetime) {
+    if (environment.lifetime)
         QTimer::singleShot(*environment.lifetime, &application, &QCoreApplication::quit);
-    }
     return QApplication::exec();
 }

@@ -16,18 +16,17 @@ constexpr std::array<const char*, 7> kKiteEchoFamily{
 QString Squeezed(const QString& text)
 {
     QString result;
-    for (const QChar character : text) {
-        if (character.isLetterOrNumber()) {
+    for (const QChar character : text)
+        if (character.isLetterOrNumber())
             result.append(character.toLower());
-        }
-    }
     return result;
 }
 
 bool IsOfKiteEchoFamily(const QString& deviceType)
 {
-    return std::any_of(kKiteEchoFamily.begin(), kKiteEchoFamily.end(),
-                       [&deviceType](const char* name) { return deviceType == QLatin1String(name); });
+    return std::any_of(
+        kKiteEchoFamily.begin(), kKiteEchoFamily.end(),
+        [&deviceType](const char* name) { return deviceType == QLatin1String(name); });
 }
 
 bool IsNamedAfter(const QString& application, const QString& deviceType)
@@ -39,12 +38,10 @@ bool IsNamedAfter(const QString& application, const QString& deviceType)
 /// Whether an entry with the driver address `remote` is started with `address`: as it stands, or with a port added.
 bool LeadsToAddress(const QString& remote, const QString& address)
 {
-    if (remote == address) {
+    if (remote == address)
         return true;
-    }
-    if (!address.startsWith(remote) || remote.contains(QLatin1Char(':'))) {
+    if (!address.startsWith(remote) || remote.contains(QLatin1Char(':')))
         return false;
-    }
     const QStringView port = QStringView(address).mid(remote.size());
     return port.size() > 1 && port.front() == QLatin1Char(':') &&
            std::all_of(port.begin() + 1, port.end(),
@@ -69,9 +66,8 @@ bool LeadsToNameOnly(const ConnectData& record)
 
 bool LeadsTo(const LaunchArguments& arguments, const ConnectData& record)
 {
-    if (arguments.onlyApplication) {
+    if (arguments.onlyApplication)
         return IsNamedAfter(arguments.application, record.m_sDeviceType) && LeadsToNameOnly(record);
-    }
     // Both are asked: an entry of the "Kite Echo" family may be called "Connection=...".
     return (arguments.hasStation && record.m_sStationName == arguments.station) ||
            (arguments.hasAddress && LeadsToAddress(record.m_sRemoteAddress, arguments.address));
@@ -117,9 +113,8 @@ RecordMatch RecordMatch::Find(const LaunchArguments& arguments, const std::vecto
         match.sameDevice = Select(records, ofTheDevice);
     } else if (match.fitting.size() > 1) {
         std::vector<ConnectData> narrowed = Select(match.fitting, ofTheDevice);
-        if (!narrowed.empty()) {
+        if (!narrowed.empty())
             match.fitting = std::move(narrowed);
-        }
     }
     return match;
 }

@@ -31,15 +31,18 @@ QString ConfiguredText(const QString& node, const QString& key)
 
 void TracePath(quint16 line, const char* message, const QString& path)
 {
-    Trace(kTraceSource, line, [message, &path] { return QString::fromLatin1(message).arg(path); });
+    Trace(
+        kTraceSource, line, [message, &path] { return QString::fromLatin1(message).arg(path); });
 }
 
 void TraceXmlError(quint16 line, const char* message, const QXmlStreamReader& reader)
 {
-    Trace(kTraceSource, line, [message, &reader] {
-        return QString::fromLatin1(message).arg(QString::number(reader.lineNumber()),
-                                                QString::number(reader.columnNumber()), reader.errorString());
-    });
+    Trace(
+        kTraceSource, line,
+        [message, &reader] {
+            return QString::fromLatin1(message).arg(QString::number(reader.lineNumber()),
+                                                    QString::number(reader.columnNumber()), reader.errorString());
+        });
 }
 
 } // namespace
@@ -112,10 +115,12 @@ bool AppCounter::ReadMachine(QXmlStreamReader& reader)
         m_startupTable[entry.key()] += entry.value();
 
     for (const QString& application : std::as_const(machine.unreadable)) {
-        Trace(kTraceSource, __LINE__, [&application] {
-            return QStringLiteral("AppCounter::ReadMachine(): Parameter count of application <%1> is out of range")
-                .arg(application);
-        });
+        Trace(
+            kTraceSource, __LINE__,
+            [&application] {
+                return QStringLiteral("AppCounter::ReadMachine(): Parameter count of application <%1> is out of range")
+                    .arg(application);
+            });
     }
     if (reader.hasError()) {
         TraceXmlError(__LINE__, "AppCounter::ReadMachine(): XML parsing error occurred in row %1 column %2. \"%3\"",

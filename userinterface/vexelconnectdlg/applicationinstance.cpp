@@ -120,17 +120,21 @@ void ApplicationInstance::SlotProcessExited(int iCode, QProcess::ExitStatus stat
         return;
 
     if (status == QProcess::NormalExit) {
-        Trace(kTraceSource, __LINE__, [this] {
-            return QStringLiteral("ApplicationInstance::SlotProcessExited(): "
-                                  "Received SlotProcessExited signal for application <%1>.")
-                .arg(m_sProgram);
-        });
+        Trace(
+            kTraceSource, __LINE__,
+            [this] {
+                return QStringLiteral("ApplicationInstance::SlotProcessExited(): "
+                                      "Received SlotProcessExited signal for application <%1>.")
+                    .arg(m_sProgram);
+            });
     } else {
-        Trace(kTraceSource, __LINE__, [this, iCode] {
-            return QStringLiteral("ApplicationInstance::SlotProcessExited(): "
-                                  "abnormal exit with code <%1> of process <%2>.")
-                .arg(QString::number(iCode), m_sProgram);
-        });
+        Trace(
+            kTraceSource, __LINE__,
+            [this, iCode] {
+                return QStringLiteral("ApplicationInstance::SlotProcessExited(): "
+                                      "abnormal exit with code <%1> of process <%2>.")
+                    .arg(QString::number(iCode), m_sProgram);
+            });
     }
 
     if (m_state == Started) {

@@ -37,8 +37,9 @@ QString DriverWithPort(const Connection& entry, int deviceType)
         return entry.DriverAddress;
     const QString port = DefaultPort(deviceType);
     if (port.isEmpty()) {
-        Trace(kTraceSource, __LINE__,
-              [] { return QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver"); });
+        Trace(
+            kTraceSource, __LINE__,
+            [] { return QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver"); });
     }
     return entry.DriverAddress + port;
 }
@@ -63,11 +64,10 @@ QStringList ApplicationArguments(const QString& application, const Connection& e
         arguments << server << connectionTo(deviceType);
         break;
     case Connection::KiteCobra:
-        if (entry.ConnectionType == Connection::RemoteConnection) {
+        if (entry.ConnectionType == Connection::RemoteConnection)
             arguments << server << connectionTo(deviceType);
-        } else if (entry.ConnectionType == Connection::MultiChannelServer) {
+        else if (entry.ConnectionType == Connection::MultiChannelServer)
             arguments << server << QStringLiteral("MCS") << QStringLiteral("MCSMaster") << connectionTo(deviceType);
-        }
         break;
     case Connection::KiteEcho:
         arguments << server << entry.ConnectionName;

@@ -128,9 +128,8 @@ bool IsLineBreak(QChar c)
 QString OneLine(const QString& text)
 {
     const bool tooLong = text.size() > kLongestShownText;
-    if (!tooLong && std::none_of(text.begin(), text.end(), IsLineBreak)) {
+    if (!tooLong && std::none_of(text.begin(), text.end(), IsLineBreak))
         return text;
-    }
     QString line = tooLong ? text.left(kLongestShownText) + QChar(0x2026) : text;
     std::replace_if(line.begin(), line.end(), IsLineBreak, QLatin1Char(' '));
     return line;
@@ -183,9 +182,8 @@ void FilterSettings::Save() const
 QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
 {
     QVariant value = QSortFilterProxyModel::data(index, role);
-    if (role == Qt::DisplayRole && value.metaType() == QMetaType::fromType<QString>()) {
+    if (role == Qt::DisplayRole && value.metaType() == QMetaType::fromType<QString>())
         return OneLine(value.toString());
-    }
     return value;
 }
 
@@ -205,26 +203,21 @@ void ConnectionFilterModel::UpdateBounds() const
 bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
     UpdateBounds();
-    if (m_expression.pattern().isEmpty()) {
+    if (m_expression.pattern().isEmpty())
         return true;
-    }
-    if (!m_forNames.isValid()) {
+    if (!m_forNames.isValid())
         return false;
-    }
     const auto matches = [&](int column) {
         const QString text =
             WellFormed(sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString());
         return text.contains(text.size() > kLongText ? m_forLongTexts : m_forNames);
     };
     const int columns = sourceModel()->columnCount(sourceParent);
-    if (filterKeyColumn() >= 0) {
+    if (filterKeyColumn() >= 0)
         return filterKeyColumn() >= columns || matches(filterKeyColumn());
-    }
     // No column chosen: any will do.
-    for (int column = 0; column < columns; ++column) {
-        if (matches(column)) {
+    for (int column = 0; column < columns; ++column)
+        if (matches(column))
             return true;
-        }
-    }
     return false;
 }

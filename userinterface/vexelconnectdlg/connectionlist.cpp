@@ -210,10 +210,13 @@ private:
 
     void TraceError() const
     {
-        Trace(kTraceSource, kXmlErrorLine, [this] {
-            return QStringLiteral("XML parsing error occurred in row %1 column %2. \"%3\"")
-                .arg(QString::number(m_xml.lineNumber()), QString::number(m_xml.columnNumber()), m_xml.errorString());
-        });
+        Trace(
+            kTraceSource, kXmlErrorLine,
+            [this] {
+                return QStringLiteral("XML parsing error occurred in row %1 column %2. \"%3\"")
+                    .arg(QString::number(m_xml.lineNumber()), QString::number(m_xml.columnNumber()),
+                         m_xml.errorString());
+            });
     }
 
     QXmlStreamReader m_xml;

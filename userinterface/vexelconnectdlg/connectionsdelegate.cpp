@@ -55,9 +55,8 @@ QWidget* NewEditor(QWidget* parent, int column)
         return NewComboBox(parent, Connection::ConnectionStatusCount, &Connection::StatusName);
     case ConnectionsModel::ColumnDeviceType: {
         QComboBox* const comboBox = NewComboBox(parent, Connection::DeviceTypeCount, &Connection::DeviceTypeName);
-        for (const int value : kWithdrawnDeviceTypes) {
+        for (const int value : kWithdrawnDeviceTypes)
             SetItemHidden(comboBox, value, true);
-        }
         return comboBox;
     }
     case ConnectionsModel::ColumnConnectionType:
@@ -79,19 +78,16 @@ QWidget* NewEditor(QWidget* parent, int column)
 // What the editor holds; invalid without an editor of a known kind.
 QVariant EditedValue(QWidget* editor)
 {
-    if (const auto* const checkBox = qobject_cast<QCheckBox*>(editor)) {
+    if (const auto* const checkBox = qobject_cast<QCheckBox*>(editor))
         return checkBox->isChecked();
-    }
-    if (const auto* const comboBox = qobject_cast<QComboBox*>(editor)) {
+    if (const auto* const comboBox = qobject_cast<QComboBox*>(editor))
         return comboBox->currentIndex();
-    }
     if (auto* const spinBox = qobject_cast<QSpinBox*>(editor)) {
         spinBox->interpretText(); // a number counts as typed, without Enter
         return spinBox->value();
     }
-    if (const auto* const lineEdit = qobject_cast<QLineEdit*>(editor)) {
+    if (const auto* const lineEdit = qobject_cast<QLineEdit*>(editor))
         return lineEdit->text();
-    }
     return {};
 }
 
@@ -105,9 +101,8 @@ ConnectionsDelegate::ConnectionsDelegate(QObject* parent)
 QWidget* ConnectionsDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                                            const QModelIndex& index) const
 {
-    if (!index.isValid()) {
+    if (!index.isValid())
         return nullptr;
-    }
     QWidget* const editor = NewEditor(parent, index.column());
     RememberCell(editor, index);
     setEditorData(editor, index);
@@ -116,33 +111,29 @@ QWidget* ConnectionsDelegate::createEditor(QWidget* parent, const QStyleOptionVi
 
 void ConnectionsDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
-    if (editor && (!index.isValid() || index.column() >= ConnectionsModel::ColumnCount)) {
+    if (editor && (!index.isValid() || index.column() >= ConnectionsModel::ColumnCount))
         return;
-    }
     // The column chose the kind of the editor, so the kind tells what to set.
     const QVariant value = index.data(Qt::EditRole);
-    if (auto* const checkBox = qobject_cast<QCheckBox*>(editor)) {
+    if (auto* const checkBox = qobject_cast<QCheckBox*>(editor))
         checkBox->setChecked(value.toBool());
-    } else if (auto* const comboBox = qobject_cast<QComboBox*>(editor)) {
+    else if (auto* const comboBox = qobject_cast<QComboBox*>(editor))
         comboBox->setCurrentIndex(value.toInt());
-    } else if (auto* const spinBox = qobject_cast<QSpinBox*>(editor)) {
+    else if (auto* const spinBox = qobject_cast<QSpinBox*>(editor))
         spinBox->setValue(value.toInt());
-    } else if (auto* const lineEdit = qobject_cast<QLineEdit*>(editor)) {
+    else if (auto* const lineEdit = qobject_cast<QLineEdit*>(editor))
         lineEdit->setText(value.toString());
-    }
 }
 
 void ConnectionsDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
 {
-    if (!model || (editor && !index.isValid())) {
+    if (!model || (editor && !index.isValid()))
         return;
-    }
     QVariant value;
     if (index.isValid() && index.column() < ConnectionsModel::ColumnCount) {
         value = EditedValue(editor);
-        if (!value.isValid()) {
+        if (!value.isValid())
             return; // nothing was edited; an invalid value would be taken for 0 or an empty text
-        }
     }
     model->setData(index, value, Qt::EditRole);
 }
@@ -150,9 +141,8 @@ void ConnectionsDelegate::setModelData(QWidget* editor, QAbstractItemModel* mode
 void ConnectionsDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                                                const QModelIndex& /*index*/) const
 {
-    if (!editor) {
+    if (!editor)
         return;
-    }
     QRect geometry(QPoint(0, 0), option.rect.size().expandedTo(editor->sizeHint()));
     geometry.moveCenter(option.rect.center());
     editor->setGeometry(geometry);

@@ -318,17 +318,15 @@ void ConnectionsModel::RemoveEntries(const QList<int>& rows)
     int first = rowCount();
     int last = -1;
     for (const int row : rows) {
-        if (row < 0 || row >= rowCount() || doomed[static_cast<std::size_t>(row)]) {
+        if (row < 0 || row >= rowCount() || doomed[static_cast<std::size_t>(row)])
             continue;
-        }
         doomed[static_cast<std::size_t>(row)] = true;
         ++count;
         first = std::min(first, row);
         last = std::max(last, row);
     }
-    if (count == 0) {
+    if (count == 0)
         return;
-    }
     if (last - first + 1 != count) {
         MoveToEnd(doomed);
         first = rowCount() - count;
@@ -354,9 +352,8 @@ void ConnectionsModel::MoveToEnd(const std::vector<bool>& marked)
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     after.reserve(before.size());
-    for (const QModelIndex& moved : before) {
+    for (const QModelIndex& moved : before)
         after.append(index(newRows[static_cast<std::size_t>(moved.row())], moved.column()));
-    }
     changePersistentIndexList(before, after);
     emit layoutChanged({}, VerticalSortHint);
 }
@@ -418,10 +415,9 @@ void ConnectionsModel::SetStatus(int row, int status)
 
 bool ConnectionsModel::SetConnectionStatus(const Connection& connection, int status)
 {
-    for (int row = 0; row < rowCount(); ++row) {
+    for (int row = 0; row < rowCount(); ++row)
         if (*m_connections[static_cast<std::size_t>(row)] == connection)
             SetStatus(row, status);
-    }
     return false;
 }
 

@@ -17,9 +17,8 @@ void PutAway(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView
 {
     // Losing the focus must not count as leaving the cell once more.
     editor->removeEventFilter(delegate);
-    if (editor->hasFocus() || (editor->focusProxy() && editor->focusProxy()->hasFocus())) {
+    if (editor->hasFocus() || (editor->focusProxy() && editor->focusProxy()->hasFocus()))
         view->setFocus();
-    }
     editor->hide();
 }
 
@@ -27,9 +26,8 @@ void PutAway(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView
 
 void RememberCell(QWidget* editor, const QModelIndex& index)
 {
-    if (editor) {
+    if (editor)
         editor->setProperty(kCellProperty, QVariant::fromValue(QPersistentModelIndex(index)));
-    }
 }
 
 void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView*>& views)
@@ -38,11 +36,12 @@ void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView
         QObject::disconnect(delegate, &QAbstractItemDelegate::commitData, view, nullptr);
         QObject::disconnect(delegate, &QAbstractItemDelegate::closeEditor, view, nullptr);
         // The view's operations are for subclasses and signals only, hence by name.
-        QObject::connect(delegate, &QAbstractItemDelegate::commitData, view, [view](QWidget* editor) {
-            if (view->isAncestorOf(editor) && IsCellThere(editor)) {
-                QMetaObject::invokeMethod(view, "commitData", Q_ARG(QWidget*, editor));
-            }
-        });
+        QObject::connect(
+            delegate, &QAbstractItemDelegate::commitData, view,
+            [view](QWidget* editor) {
+                if (view->isAncestorOf(editor) && IsCellThere(editor))
+                    QMetaObject::invokeMethod(view, "commitData", Q_ARG(QWidget*, editor));
+            });
         QObject::connect(delegate, &QAbstractItemDelegate::closeEditor, view,
                          [view, delegate](QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
                              if (!view->isAncestorOf(editor)) {

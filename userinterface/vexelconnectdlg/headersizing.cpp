@@ -22,8 +22,8 @@ void SizeOncePerBurst(QHeaderView* header, const QAbstractItemModel* model)
     timer->setSingleShot(true);
     timer->setInterval(0);
     // By name, because the operation is for the toolkit's own signals.
-    QObject::connect(timer, &QTimer::timeout, header,
-                     [header] { QMetaObject::invokeMethod(header, "resizeSections"); });
+    QObject::connect(
+        timer, &QTimer::timeout, header, [header] { QMetaObject::invokeMethod(header, "resizeSections"); });
     QObject::connect(model, &QAbstractItemModel::dataChanged, timer,
                      [timer](const QModelIndex& /*topLeft*/, const QModelIndex& bottomRight) {
                          if (bottomRight.column() > ConnectionsModel::ColumnSelected && !timer->isActive()) {

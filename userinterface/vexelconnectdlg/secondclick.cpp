@@ -15,17 +15,15 @@ SecondClick::SecondClick(QAbstractItemView* view, int column)
 
 bool SecondClick::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::MouseButtonDblClick && event->type() != QEvent::MouseButtonRelease) {
+    if (event->type() != QEvent::MouseButtonDblClick && event->type() != QEvent::MouseButtonRelease)
         return QObject::eventFilter(watched, event);
-    }
     const auto* const mouse = static_cast<QMouseEvent*>(event);
     const QModelIndex index = m_pView->indexAt(mouse->position().toPoint());
     if (mouse->button() == Qt::LeftButton && index.isValid() && index.column() == m_iColumn) {
-        if (event->type() == QEvent::MouseButtonDblClick) {
+        if (event->type() == QEvent::MouseButtonDblClick)
             m_pressed = index;
-        } else if (std::exchange(m_pressed, QPersistentModelIndex()) == index) {
+        else if (std::exchange(m_pressed, QPersistentModelIndex()) == index)
             emit m_pView->clicked(index);
-        }
     } else {
         m_pressed = QPersistentModelIndex();
     }

@@ -12,9 +12,8 @@ bool HasSelectableCell(const QAbstractItemModel& model, int row, int columns)
 {
     for (int column = 0; column < columns; ++column) {
         const Qt::ItemFlags flags = model.index(row, column).flags();
-        if (flags.testFlag(Qt::ItemIsSelectable) && flags.testFlag(Qt::ItemIsEnabled)) {
+        if (flags.testFlag(Qt::ItemIsSelectable) && flags.testFlag(Qt::ItemIsEnabled))
             return true;
-        }
     }
     return false;
 }
@@ -31,12 +30,11 @@ QList<int> SelectedRows(const QItemSelectionModel& selection)
     const QItemSelection ranges = selection.selection();
     for (const QItemSelectionRange& range : ranges) {
         const bool wide = range.left() == 0 && range.right() == columns - 1;
-        for (int row = range.top(); row <= range.bottom(); ++row) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
             if (!wide)
                 inPieces[static_cast<std::size_t>(row)] = true;
             else if (HasSelectableCell(model, row, columns))
                 whole[static_cast<std::size_t>(row)] = true;
-        }
     }
     QList<int> result;
     for (std::size_t i = 0; i < rows; ++i) {

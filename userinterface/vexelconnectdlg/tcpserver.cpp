@@ -26,10 +26,12 @@ TCPServer::TCPServer(QWidget* pWidget)
 {
     m_pInterface = CInterfaceCreator().CreateInterface(QStringLiteral("TCP::8451"), this, kSilentPeerTimeout, false);
     if (m_pInterface) {
-        Trace(kSourceFile, kLineCreated, [] { return QStringLiteral("TCPServer(): Server TCP interface created."); });
+        Trace(
+            kSourceFile, kLineCreated, [] { return QStringLiteral("TCPServer(): Server TCP interface created."); });
     } else {
-        Trace(kSourceFile, kLineCreationFailed,
-              [] { return QStringLiteral("TCPServer(): Creation of Server TCP interface failed."); });
+        Trace(
+            kSourceFile, kLineCreationFailed,
+            [] { return QStringLiteral("TCPServer(): Creation of Server TCP interface failed."); });
     }
 }
 
@@ -48,15 +50,15 @@ void TCPServer::OnOpen(IInterface* /*pInterface*/)
 
 void TCPServer::OnClose(IInterface* /*pInterface*/)
 {
-    Trace(kSourceFile, kLineClose,
-          [] { return QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed."); });
+    Trace(
+        kSourceFile, kLineClose,
+        [] { return QStringLiteral("TCPServer::OnClose(): Connection to KiteStarter closed."); });
 }
 
 void TCPServer::OnRead(IInterface* pInterface, quint64 length)
 {
-    if (length == 0) {
+    if (length == 0)
         return;
-    }
     // Deliberate behaviour of this link: the buffer of a successful read is never given back, only that of a failed one
     // is. The connections library hands over at most 4 KiB at a time, so that is the most that one call of this costs.
     char* pBuffer = nullptr;
@@ -73,7 +75,8 @@ void TCPServer::OnRead(IInterface* pInterface, quint64 length)
 
 void TCPServer::OnError(IInterface* /*pInterface*/)
 {
-    Trace(kSourceFile, kLineError, [] { return QStringLiteral("TCPServer::OnError(): error"); });
+    Trace(
+        kSourceFile, kLineError, [] { return QStringLiteral("TCPServer::OnError(): error"); });
 }
 
 void TCPServer::OnWritten(IInterface* /*pInterface*/, quint64 /*length*/)

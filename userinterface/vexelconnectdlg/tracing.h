@@ -10,7 +10,6 @@
 template <typename Message>
 void Trace(const char* sourceFile, quint16 line, Message&& message)
 {
-    if (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Trace) {
+    if (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Trace)
         _Q_Trace(message(), sourceFile, line);
-    }
 }

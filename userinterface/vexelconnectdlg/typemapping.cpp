@@ -93,10 +93,9 @@ QMap<int, QStringList> TypeMapping::ServingApplications(QStringList applications
         const QStringList startList = startLists.value(application);
         if (startList.isEmpty())
             continue;
-        for (auto type = executables.cbegin(); type != executables.cend(); ++type) {
+        for (auto type = executables.cbegin(); type != executables.cend(); ++type)
             if (type.value() == startList.constFirst())
                 serving[type.key()].append(application);
-        }
     }
     return serving;
 }

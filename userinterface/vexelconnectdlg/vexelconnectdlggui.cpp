@@ -234,9 +234,8 @@ void VexelConnectDlgGUI::SlotDelete()
         ShowInfo(tr("No entry selected!\n\nPlease select the entries you want to delete."));
         return;
     }
-    for (int& row : rows) {
+    for (int& row : rows)
         row = m_pProxyModel->mapToSource(m_pProxyModel->index(row, 0)).row();
-    }
     // Nothing of the selection outlives the removal, and keeping it up to date through every step costs the most.
     selection->clearSelection();
     m_pModel->RemoveEntries(rows);
@@ -324,16 +323,19 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     SettleImport();
     QByteArray backup = m_pModel->ToByteArray();
     if (fileName.isEmpty()) {
-        Trace(kTraceSource, kNothingToReadLine,
-              [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
+        Trace(
+            kTraceSource, kNothingToReadLine,
+            [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
     } else if (const std::optional<QByteArray> document = ReadRegularFile(fileName)) {
-        if (LoadEntries(*document)) {
+        if (LoadEntries(*document))
             return true;
-        }
     } else {
-        Trace(kTraceSource, kCannotReadLine, [&fileName] {
-            return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
-        });
+        Trace(
+            kTraceSource, kCannotReadLine,
+            [&fileName] {
+                return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading")
+                    .arg(fileName);
+            });
     }
     m_entriesBeforeImport = std::move(backup);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
@@ -345,9 +347,8 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
 
 void VexelConnectDlgGUI::SettleImport()
 {
-    if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt)) {
+    if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt))
         LoadEntries(*entries);
-    }
 }
 
 bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
@@ -370,9 +371,12 @@ void VexelConnectDlgGUI::Export(const QString& fileName)
         return;
     }
     if (!ReplaceFile(fileName, m_pModel->ToByteArray())) {
-        Trace(kTraceSource, kCannotWriteLine, [&fileName] {
-            return QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing").arg(fileName);
-        });
+        Trace(
+            kTraceSource, kCannotWriteLine,
+            [&fileName] {
+                return QStringLiteral("VexelConnectDlgGUI::Export(): could not open file \"%1\" for writing")
+                    .arg(fileName);
+            });
     }
 }
 
