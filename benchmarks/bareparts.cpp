@@ -68,7 +68,7 @@ int BareTable::rowCount(const QModelIndex& parent) const
 
 int BareTable::columnCount(const QModelIndex& /*parent*/) const
 {
-    return ConnectionsModel::ColumnCount;
+    return ConnectionsModel::kColumnCount;
 }
 
 QVariant BareTable::data(const QModelIndex& index, int role) const
@@ -89,7 +89,7 @@ BareWindow::BareWindow(QAbstractItemModel* model)
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         view->setModel(m_proxy);
         view->setUniformRowHeights(true);
-        for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+        for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
             const bool basic = column <= ConnectionsModel::ColumnDeviceType;
             view->setColumnHidden(column, basic != (view == m_pBasicView));
         }

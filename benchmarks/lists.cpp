@@ -13,11 +13,11 @@ std::vector<Connection> Entries(int count)
     for (int i = 0; i < count; ++i) {
         Connection& entry = entries[static_cast<std::size_t>(i)];
         entry.ConnectionName = QStringLiteral("Station %1 %2").arg((i * 7919LL) % 100003).arg(i);
-        entry.DeviceType = i % Connection::DeviceTypeCount;
-        entry.ConnectionType = i % Connection::ConnectionTypeCount;
+        entry.DeviceType = i % Connection::kDeviceTypeCount;
+        entry.ConnectionType = i % Connection::kConnectionTypeCount;
         entry.DeviceAddress = QStringLiteral("192.0.2.%1").arg(i % 256);
         entry.DriverAddress = QStringLiteral("198.51.100.%1:27061").arg(i % 256);
-        entry.LinkSpeed = i % Connection::LinkSpeedCount;
+        entry.LinkSpeed = i % Connection::kLinkSpeedCount;
         entry.TimeoutSeconds = i % 3 * 30;
         entry.Selected = i % 10 == 0;
     }

@@ -153,7 +153,7 @@ qint64 ResidentMemory()
 /// Sends `total` bytes in as many calls as it takes, but at most `calls`. Returns how many the system has taken.
 qint64 Flood(quint16 port, qint64 total, int calls, int& made)
 {
-    const QByteArray block(CInterfaceCreator::MaximumBytesPerCall, 'x');
+    const QByteArray block(CInterfaceCreator::kMaximumBytesPerCall, 'x');
     qint64 taken = 0;
     for (made = 0; made < calls && taken < total; ++made) {
         QTcpSocket socket;

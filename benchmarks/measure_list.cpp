@@ -194,7 +194,7 @@ void Sort(benchmark::State& state, int entries, int column)
     const Session session(entries);
     QTreeView* const view = session.dialog.m_pBasicView;
     Repeat(
-        state, session, [&] { view->sortByColumn((column + 1) % ConnectionsModel::ColumnCount, Qt::AscendingOrder); },
+        state, session, [&] { view->sortByColumn((column + 1) % ConnectionsModel::kColumnCount, Qt::AscendingOrder); },
         [&] { view->sortByColumn(column, Qt::AscendingOrder); });
 }
 
@@ -203,7 +203,7 @@ void SortBare(benchmark::State& state, int entries, int column)
     const BareView session(entries);
     QTreeView* const view = session.window.BasicView();
     Repeat(
-        state, session, [&] { view->sortByColumn((column + 1) % ConnectionsModel::ColumnCount, Qt::AscendingOrder); },
+        state, session, [&] { view->sortByColumn((column + 1) % ConnectionsModel::kColumnCount, Qt::AscendingOrder); },
         [&] { view->sortByColumn(column, Qt::AscendingOrder); });
 }
 
@@ -213,7 +213,7 @@ void Select(const Session& session, int every)
     const QAbstractItemModel* const shown = session.dialog.m_pBasicView->model();
     QItemSelection rows;
     for (int row = 0; row < shown->rowCount(); row += every)
-        rows.select(shown->index(row, 0), shown->index(row, ConnectionsModel::ColumnCount - 1));
+        rows.select(shown->index(row, 0), shown->index(row, ConnectionsModel::kColumnCount - 1));
     selection->select(rows, QItemSelectionModel::ClearAndSelect);
 }
 
@@ -339,7 +339,7 @@ void Ask(const QAbstractItemModel* model, int entries)
     constexpr int cells = 1'000;
     for (int i = 0; i < cells; ++i) {
         const QModelIndex cell =
-            model->index(static_cast<int>(i * 7919LL % entries), i % ConnectionsModel::ColumnCount);
+            model->index(static_cast<int>(i * 7919LL % entries), i % ConnectionsModel::kColumnCount);
         for (const Qt::ItemDataRole role : {Qt::DisplayRole, Qt::DecorationRole, Qt::FontRole, Qt::TextAlignmentRole,
                                             Qt::ForegroundRole, Qt::BackgroundRole, Qt::CheckStateRole})
             benchmark::DoNotOptimize(model->data(cell, role));
@@ -372,7 +372,7 @@ void EnterAll()
         Runner::Enter(pattern.name, "bare proxy, same model",
                       [&pattern](benchmark::State& state, int entries) { FilterBare(state, entries, pattern); });
     }
-    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+    for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         const std::string what = "sort by column " + std::to_string(column);
         Runner::Enter(
             what, "product", [column](benchmark::State& state, int entries) { Sort(state, entries, column); });

@@ -103,7 +103,7 @@ void DropOntoModel(FuzzedDataProvider& input)
 
     // Numbers come from the end of the input, so the document is its beginning.
     const int row = input.ConsumeIntegralInRange(-1, 4);
-    const int column = input.ConsumeIntegralInRange(-1, int{ConnectionsModel::ColumnCount});
+    const int column = input.ConsumeIntegralInRange(-1, int{ConnectionsModel::kColumnCount});
     const QModelIndex parent = input.ConsumeBool() ? filter.index(row, column) : QModelIndex();
     const Qt::DropAction action = input.ConsumeBool() ? Qt::CopyAction : Qt::MoveAction;
     const auto formats = input.ConsumeIntegral<std::uint8_t>();

@@ -117,7 +117,7 @@ void RequireNode(int index, const Values& values)
 /// The device type whose text the record's contains, the smallest of several; the default without one.
 int ExpectedType(const QString& text)
 {
-    for (int type = 0; type < Connection::DeviceTypeCount; ++type)
+    for (int type = 0; type < Connection::kDeviceTypeCount; ++type)
         if (text.indexOf(Connection::DeviceTypeName(type), 0, Qt::CaseInsensitive) >= 0)
             return type;
     return Connection().DeviceType;

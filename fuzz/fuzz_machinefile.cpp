@@ -29,7 +29,7 @@ struct Startup
     QMap<int, QString> slotTexts;
     int count = 0;
 
-    bool IsReadable() const { return count >= 0 && count <= MachineConfiguration::MaximumParameterCount; }
+    bool IsReadable() const { return count >= 0 && count <= MachineConfiguration::kMaximumParameterCount; }
 };
 
 Startup StartupAt(const XmlTokens& tokens, std::size_t begin)
@@ -65,7 +65,7 @@ void TakeApplication(const XmlTokens& tokens, std::size_t begin, MachineConfigur
         if (!tokens.IsStart(i, u"Startup"))
             continue;
         const Startup startup = StartupAt(tokens, i);
-        if (startup.IsReadable() && slotCount + startup.count + 1 <= MachineConfiguration::MaximumSlotCount) {
+        if (startup.IsReadable() && slotCount + startup.count + 1 <= MachineConfiguration::kMaximumSlotCount) {
             for (int index = 0; index <= startup.count; ++index)
                 machine.startLists[application].append(startup.slotTexts.value(index));
             slotCount += startup.count + 1;
@@ -83,13 +83,13 @@ void RequireBounds(const MachineConfiguration& machine, qsizetype size)
         Require(machine.applications.contains(list.key()), "a start list is that of an application");
         Require(!list->isEmpty(), "a start list has an executable");
         Require(list->size() <=
-                    (MachineConfiguration::MaximumParameterCount + 1) * machine.applications.count(list.key()),
+                    (MachineConfiguration::kMaximumParameterCount + 1) * machine.applications.count(list.key()),
                 "an application has no more parameters than that");
         slotCount += list->size();
         for (const QString& text : *list)
             Require(text.size() <= size, "a parameter is no longer than the document");
     }
-    Require(slotCount <= MachineConfiguration::MaximumSlotCount, "all start lists have no more slots than that");
+    Require(slotCount <= MachineConfiguration::kMaximumSlotCount, "all start lists have no more slots than that");
     for (const QString& application : machine.unreadable)
         Require(machine.applications.contains(application), "what is unreadable is that of an application");
     for (const QString& application : machine.applications)

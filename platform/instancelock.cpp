@@ -42,11 +42,11 @@ QByteArray OwnName()
 
 Name ReadName(const QString& fileName)
 {
-    constexpr qint64 longest = 4096;
+    constexpr qint64 kLongest = 4096;
     QFile file(fileName);
     if (IsNotRegularFile(fileName) || !file.open(QIODevice::ReadOnly))
         return {};
-    const QList<QByteArray> lines = file.read(longest).split('\n');
+    const QList<QByteArray> lines = file.read(kLongest).split('\n');
     bool isNumber = false;
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)

@@ -18,8 +18,8 @@ std::atomic g_areServersAllowed = true;
 /// What a timer can hold: 24 days and beyond are the same to everybody.
 std::chrono::milliseconds TimeOut(quint64 number)
 {
-    constexpr quint64 longest = std::numeric_limits<int>::max();
-    return std::chrono::milliseconds(static_cast<int>(std::min(number, longest)));
+    constexpr quint64 kLongest = std::numeric_limits<int>::max();
+    return std::chrono::milliseconds(static_cast<int>(std::min(number, kLongest)));
 }
 
 } // namespace

@@ -33,16 +33,16 @@
 ///
 /// **Bounds**, so that no stranger can fill the memory or keep others out:
 ///
-/// - A server has at most `MaximumPeers` peers at once. Who calls beyond that waits, unanswered, in the system's queue
+/// - A server has at most `kMaximumPeers` peers at once. Who calls beyond that waits, unanswered, in the system's queue
 ///   until a place is free. When none gets free by itself, the peer that has been there longest is closed, once it had
-///   `AssuredTime` milliseconds. So honest callers that are many at once are all served, and silent ones cannot lock
+///   `kAssuredTime` milliseconds. So honest callers that are many at once are all served, and silent ones cannot lock
 ///   them out. A peer whose callback runs an event loop keeps its place until that has returned.
 /// - A peer that has sent nothing for the time-out of its interface is closed.
-/// - At most `MaximumBytesPerCall` bytes are taken from one peer, from its `OnOpen` to its `OnClose`. A peer that
+/// - At most `kMaximumBytesPerCall` bytes are taken from one peer, from its `OnOpen` to its `OnClose`. A peer that
 ///   sends more is closed.
-/// - At most `MaximumBytesPerRead` bytes are handed over in one `OnRead`, and no more than that is held of a peer in
+/// - At most `kMaximumBytesPerRead` bytes are handed over in one `OnRead`, and no more than that is held of a peer in
 ///   memory. What the callback leaves unread is dropped when it returns.
-/// - At most `MaximumBytesUnsent` bytes wait for a peer to take them. A peer that makes more of them wait is in error.
+/// - At most `kMaximumBytesUnsent` bytes wait for a peer to take them. A peer that makes more of them wait is in error.
 ///
 /// A client keeps the same bounds against its one peer, the server. What is closed for its bounds is traced.
 
@@ -108,11 +108,11 @@ public:
 class CInterfaceCreator
 {
 public:
-    static constexpr int MaximumPeers = 16;
-    static constexpr int AssuredTime = 250;
-    static constexpr int MaximumBytesPerCall = 64 * 1024;
-    static constexpr int MaximumBytesPerRead = 4 * 1024;
-    static constexpr int MaximumBytesUnsent = 64 * 1024;
+    static constexpr int kMaximumPeers = 16;
+    static constexpr int kAssuredTime = 250;
+    static constexpr int kMaximumBytesPerCall = 64 * 1024;
+    static constexpr int kMaximumBytesPerRead = 4 * 1024;
+    static constexpr int kMaximumBytesUnsent = 64 * 1024;
 
     /// Makes the server or client that `address` names, and opens it.
     /// @param callback who is told; must not be null.

@@ -186,7 +186,7 @@ void HeadlessJob::OnBoxOpened(const QString& title, const QString& text)
 
 void HeadlessJob::OnStatusChanged(int row, const QString& name, const QString& from, const QString& to)
 {
-    if (m_dialog.Status(row) != ConnectDialog::Free)
+    if (m_dialog.Status(row) != ConnectDialog::kFree)
         m_rowsStarted.insert(row);
     if (m_options.wait) {
         Console::Print(QStringLiteral("%1 ").arg(QDateTime::currentDateTime().toString(Qt::ISODateWithMs)) +

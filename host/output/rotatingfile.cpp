@@ -108,11 +108,11 @@ QString RotatingFile::PutAside(qint64 added)
 QString RotatingFile::ShiftEarlierFiles() const
 {
     int free = 1;
-    for (; free <= KeptFiles && QFileInfo::exists(NameOf(free)); ++free)
+    for (; free <= kKeptFiles && QFileInfo::exists(NameOf(free)); ++free)
         if (!QFileInfo(NameOf(free)).isFile())
             return QStringLiteral("%1 is in the way").arg(QDir::toNativeSeparators(NameOf(free)));
-    if (free > KeptFiles) {
-        free = KeptFiles;
+    if (free > kKeptFiles) {
+        free = kKeptFiles;
         if (!QFile::remove(NameOf(free)))
             return QStringLiteral("%1 cannot be removed").arg(QDir::toNativeSeparators(NameOf(free)));
     }

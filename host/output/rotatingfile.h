@@ -22,7 +22,7 @@
 class RotatingFile
 {
 public:
-    static constexpr int KeptFiles = 5;
+    static constexpr int kKeptFiles = 5;
 
     /// Opens `fileName` to append to. An empty text, or why that cannot be done; a pipe that nobody reads from cannot
     /// be opened. A file is full when a line would make it larger than `largest` bytes.

@@ -18,7 +18,7 @@ class TraceLog
 {
 public:
     /// In bytes.
-    static constexpr qint64 LargestFile = qint64{10} * 1024 * 1024;
+    static constexpr qint64 kLargestFile = qint64{10} * 1024 * 1024;
 
     TraceLog() = default;
     /// Gives reports and enabled kinds back as they were.
@@ -29,7 +29,7 @@ public:
 
     /// Where lines shall go; call once. Lines are appended to `fileName` (empty: no file), which
     /// grows to `largestFile` bytes. Returns an empty text, or why the file cannot be written; nothing is changed then.
-    QString Start(bool toStandardError, const QString& fileName, qint64 largestFile = LargestFile);
+    QString Start(bool toStandardError, const QString& fileName, qint64 largestFile = kLargestFile);
 
     /// One report as a line, without a line break at its end.
     static QString Line(const QDateTime& time, ErrorHandler::Kind kind, const QString& message,

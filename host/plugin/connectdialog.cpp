@@ -53,10 +53,10 @@ std::optional<ConnectDialog> ConnectDialog::Find(QString& error)
     }
     dialog.m_pEntries = SourceModel(dialog.m_views.constFirst());
     if (!dialog.m_pEntries || dialog.m_pEntries->objectName() != modelName ||
-        dialog.m_pEntries->columnCount() != EntryColumnCount) {
+        dialog.m_pEntries->columnCount() != kEntryColumnCount) {
         error = QStringLiteral("the plug-in's window does not show a list \"%1\" of %2 columns")
                     .arg(modelName)
-                    .arg(EntryColumnCount);
+                    .arg(kEntryColumnCount);
         return std::nullopt;
     }
     return dialog;
@@ -115,7 +115,7 @@ bool ConnectDialog::Append(const QByteArray& document) const
     }
     // A file may have been written while its entries were in use; here nothing runs for them.
     for (int row = before; row < Count(); ++row)
-        m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Status)), Free, Qt::EditRole);
+        m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Status)), kFree, Qt::EditRole);
     return true;
 }
 

@@ -25,7 +25,7 @@ enum class EntryColumn : int {
     Timeout = 8,
     Subsystem = 9,
 };
-constexpr int EntryColumnCount = 10;
+constexpr int kEntryColumnCount = 10;
 
 /// The plug-in's connect dialog as the host sees it: nothing but Qt's public object tree, found by object names.
 ///
@@ -34,7 +34,7 @@ constexpr int EntryColumnCount = 10;
 class ConnectDialog
 {
 public:
-    static constexpr int Free = 0;
+    static constexpr int kFree = 0;
 
     /// The dialog among this application's top-level windows. None, with `error` saying in a sentence what is missing,
     /// when there is none or it lacks a part.

@@ -36,7 +36,7 @@ void StatusMonitor::Reread()
     int inUse = 0;
     for (int row = 0; row < m_pEntries->rowCount(); ++row) {
         m_states.push_back(Read(row));
-        inUse += m_states.back().value != ConnectDialog::Free ? 1 : 0;
+        inUse += m_states.back().value != ConnectDialog::kFree ? 1 : 0;
     }
     SetCountInUse(inUse);
 }
@@ -52,7 +52,7 @@ void StatusMonitor::OnDataChanged(const QModelIndex& topLeft, const QModelIndex&
             continue;
         const QString from = known.text;
         const int difference =
-            static_cast<int>(now.value != ConnectDialog::Free) - static_cast<int>(known.value != ConnectDialog::Free);
+            static_cast<int>(now.value != ConnectDialog::kFree) - static_cast<int>(known.value != ConnectDialog::kFree);
         known = std::move(now);
         const QString to = known.text;
         emit StatusChanged(row, m_pEntries->index(row, kName).data(Qt::EditRole).toString(), from, to);
@@ -68,7 +68,7 @@ void StatusMonitor::OnRowsInserted(const QModelIndex& parent, int first, int las
     int inUse = m_inUse;
     for (int row = first; row <= last; ++row) {
         added.push_back(Read(row));
-        inUse += added.back().value != ConnectDialog::Free ? 1 : 0;
+        inUse += added.back().value != ConnectDialog::kFree ? 1 : 0;
     }
     m_states.insert(m_states.begin() + first, added.begin(), added.end());
     SetCountInUse(inUse);
@@ -80,7 +80,8 @@ void StatusMonitor::OnRowsRemoved(const QModelIndex& parent, int first, int last
         return;
     const auto begin = m_states.begin() + first;
     const auto end = m_states.begin() + last + 1;
-    const auto inUse = std::count_if(begin, end, [](const State& state) { return state.value != ConnectDialog::Free; });
+    const auto inUse =
+        std::count_if(begin, end, [](const State& state) { return state.value != ConnectDialog::kFree; });
     m_states.erase(begin, end);
     SetCountInUse(m_inUse - static_cast<int>(inUse));
 }

@@ -45,7 +45,7 @@ QString Quoted(const QString& text)
 
 QString TypeText(int deviceType)
 {
-    if (deviceType < 0 || deviceType >= Connection::DeviceTypeCount)
+    if (deviceType < 0 || deviceType >= Connection::kDeviceTypeCount)
         return QString::number(deviceType);
     return QStringLiteral("%1 (%2)").arg(QString::number(deviceType), Connection::DeviceTypeName(deviceType));
 }
@@ -152,7 +152,7 @@ void Machine::OnMapping(int deviceType, const QString& application, TypeMapping:
     const QString replaced = std::exchange(m_mapped[deviceType], mapping);
     if (!replaced.isEmpty())
         Drop(replaced, QStringLiteral("a later mapping of this device type replaces it"));
-    if (deviceType >= Connection::DeviceTypeCount)
+    if (deviceType >= Connection::kDeviceTypeCount)
         Drop(mapping, QStringLiteral("no entry has this device type"));
     else if (const int serving = Connection::ApplicationDeviceType(deviceType); serving != deviceType)
         Drop(mapping, QStringLiteral("device type %1 is mapped in its place").arg(TypeText(serving)));
@@ -163,7 +163,7 @@ void Machine::FindUnstartable()
 {
     QSet<QString> serving;
     for (auto type = m_mapped.cbegin(); type != m_mapped.cend(); ++type) {
-        if (Connection::ApplicationDeviceType(type.key()) != type.key() || type.key() >= Connection::DeviceTypeCount)
+        if (Connection::ApplicationDeviceType(type.key()) != type.key() || type.key() >= Connection::kDeviceTypeCount)
             continue;
         const QStringList applications = m_serving.value(type.key());
         if (applications.isEmpty())
@@ -234,7 +234,7 @@ QList<QJsonArray> Machine::ApplicationRows() const
 QList<QJsonArray> Machine::TypeRows() const
 {
     QList<QJsonArray> rows;
-    for (int type = 0; type < Connection::DeviceTypeCount; ++type) {
+    for (int type = 0; type < Connection::kDeviceTypeCount; ++type) {
         const int serving = Connection::ApplicationDeviceType(type);
         const auto executable = m_executables.constFind(serving);
         const bool isMapped = executable != m_executables.cend();

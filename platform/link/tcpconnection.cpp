@@ -64,7 +64,7 @@ TcpConnection::~TcpConnection()
 
 void TcpConnection::BoundReadBuffer(QTcpSocket* socket)
 {
-    socket->setReadBufferSize(CInterfaceCreator::MaximumBytesPerRead);
+    socket->setReadBufferSize(CInterfaceCreator::kMaximumBytesPerRead);
 }
 
 bool TcpConnection::Open()
@@ -112,8 +112,8 @@ void TcpConnection::Write(const char* data, quint64 length)
     if (!IsOpen() || length == 0)
         return;
     const auto unsent = static_cast<quint64>(m_pSocket->bytesToWrite());
-    if (length > CInterfaceCreator::MaximumBytesUnsent || unsent + length > CInterfaceCreator::MaximumBytesUnsent) {
-        Fail(QStringLiteral("more than %1 bytes wait to be sent").arg(CInterfaceCreator::MaximumBytesUnsent));
+    if (length > CInterfaceCreator::kMaximumBytesUnsent || unsent + length > CInterfaceCreator::kMaximumBytesUnsent) {
+        Fail(QStringLiteral("more than %1 bytes wait to be sent").arg(CInterfaceCreator::kMaximumBytesUnsent));
         return;
     }
     m_pSocket->write(data, static_cast<qint64>(length));
@@ -253,17 +253,17 @@ bool TcpConnection::ReportNext()
 
 bool TcpConnection::HandOver()
 {
-    const qint64 left = CInterfaceCreator::MaximumBytesPerCall - m_iTaken;
+    const qint64 left = CInterfaceCreator::kMaximumBytesPerCall - m_iTaken;
     if (left == 0) {
         TraceWhenWanted(kSource, __LINE__, [this] {
             return QStringLiteral("TcpConnection::HandOver(): %1 sent more than %2 bytes and is closed")
                 .arg(PeerName())
-                .arg(CInterfaceCreator::MaximumBytesPerCall);
+                .arg(CInterfaceCreator::kMaximumBytesPerCall);
         });
         m_pSocket->abort();
         return true;
     }
-    m_iWaiting = std::min({m_pSocket->bytesAvailable(), left, qint64{CInterfaceCreator::MaximumBytesPerRead}});
+    m_iWaiting = std::min({m_pSocket->bytesAvailable(), left, qint64{CInterfaceCreator::kMaximumBytesPerRead}});
     m_iTaken += m_iWaiting;
     RestartTimeOut();
 

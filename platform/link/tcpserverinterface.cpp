@@ -149,7 +149,7 @@ void TcpServerInterface::Admit()
 
 bool TcpServerInterface::HasPlace()
 {
-    if (m_peers.size() < CInterfaceCreator::MaximumPeers)
+    if (m_peers.size() < CInterfaceCreator::kMaximumPeers)
         return true;
     const auto isEnding = [](const auto& peer) {
         return peer->IsEnding();
@@ -158,7 +158,7 @@ bool TcpServerInterface::HasPlace()
         return false;
 
     TcpConnection& oldest = *m_peers.front();
-    const qint64 assured = CInterfaceCreator::AssuredTime - oldest.Age();
+    const qint64 assured = CInterfaceCreator::kAssuredTime - oldest.Age();
     if (assured > 0) {
         m_placeTimer.start(static_cast<int>(assured));
         return false;
@@ -166,7 +166,7 @@ bool TcpServerInterface::HasPlace()
     TraceWhenWanted(kSource, __LINE__, [] {
         return QStringLiteral("TcpServerInterface::HasPlace(): %1 peers are there and another calls: the one that was "
                               "there first is closed")
-            .arg(CInterfaceCreator::MaximumPeers);
+            .arg(CInterfaceCreator::kMaximumPeers);
     });
     oldest.Close();
     return false;

@@ -234,7 +234,7 @@ void TestConnectionsDelegate::paintsAndMeasuresAsTheItemDelegate()
     m_pView->clearSelection();
     const QImage ours = m_pView->viewport()->grab().toImage();
     QItemDelegate plain;
-    for (int column = 0; column < Model::ColumnCount; ++column) {
+    for (int column = 0; column < Model::kColumnCount; ++column) {
         QStyleOptionViewItem option;
         option.initFrom(m_pView.get());
         QCOMPARE(m_pDelegate->sizeHint(option, At(column)), plain.sizeHint(option, At(column)));

@@ -118,7 +118,7 @@ void TestDialogWindow::viewsShareModelDelegateAndSelection()
 void TestDialogWindow::everyColumnShowsInExactlyOneView()
 {
     m_fixture->Build();
-    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+    for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         QCOMPARE(m_fixture->BasicView()->isColumnHidden(column), column > 3);
         QCOMPARE(m_fixture->DetailsView()->isColumnHidden(column), column <= 3);
     }

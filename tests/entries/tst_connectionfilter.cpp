@@ -399,7 +399,7 @@ void TestConnectionFilter::noColumnChosenMeansAnyAndOneOutsideNone()
     filter.setFilterRegularExpression(FilterExpression(QStringLiteral("10.0.1.2"), kPlain));
     filter.setFilterKeyColumn(-1);
     QCOMPARE(Shown(filter), QStringList{QStringLiteral("entry 2")});
-    filter.setFilterKeyColumn(ConnectionsModel::ColumnCount);
+    filter.setFilterKeyColumn(ConnectionsModel::kColumnCount);
     QCOMPARE(filter.rowCount(), 3);
 }
 

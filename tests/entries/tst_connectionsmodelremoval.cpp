@@ -199,7 +199,7 @@ void TestConnectionsModelRemoval::keepsTheRestAsItWas()
             entry.ConnectionName = QString::number(i);
             model.AddConnection(entry);
             expected += entry.ConnectionName;
-            handles += QPersistentModelIndex(model.index(i, i % ConnectionsModel::ColumnCount));
+            handles += QPersistentModelIndex(model.index(i, i % ConnectionsModel::kColumnCount));
         }
         QList<int> doomed;
         for (int i = random.bounded(count + 1); i > 0; --i)
@@ -218,7 +218,7 @@ void TestConnectionsModelRemoval::keepsTheRestAsItWas()
             QCOMPARE(handle.isValid(), expected.contains(QString::number(i)));
             if (handle.isValid()) {
                 QCOMPARE(handle.row(), static_cast<int>(expected.indexOf(QString::number(i))));
-                QCOMPARE(handle.column(), i % ConnectionsModel::ColumnCount);
+                QCOMPARE(handle.column(), i % ConnectionsModel::kColumnCount);
             }
         }
     }

@@ -52,7 +52,7 @@ void TestApplicationWithoutLink::theDialogWorksAndNobodyRaisesIt()
         QVERIFY(dialog.Window()->isVisible());
         AddEntry(dialog, QStringLiteral("mast"), true);
         dialog.PressConnect();
-        wasInUse = dialog.Status(0) != ConnectDialog::Free;
+        wasInUse = dialog.Status(0) != ConnectDialog::kFree;
         wasHidden = !dialog.Window()->isVisible();
 
         auto call = std::async(std::launch::async, [] { return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)); });

@@ -179,7 +179,7 @@ void TestConnectDialog::documentIsThatOfTheWholeListInItsOrder()
     struct NamingModel : QStandardItemModel
     {
         NamingModel()
-            : QStandardItemModel(0, EntryColumnCount)
+            : QStandardItemModel(0, kEntryColumnCount)
         {
         }
         QMimeData* mimeData(const QModelIndexList& indexes) const override

@@ -103,8 +103,8 @@ void TestMachineReport::saysWhatThePluginReads()
     const QJsonObject report = Report();
     QCOMPARE(report.value(QLatin1String("mappingFile")).toString(), counter.MappingFilePath());
     const QJsonArray types = report.value(QLatin1String("deviceTypes")).toArray();
-    QCOMPARE(types.size(), Connection::DeviceTypeCount);
-    for (int type = 0; type < Connection::DeviceTypeCount; ++type) {
+    QCOMPARE(types.size(), Connection::kDeviceTypeCount);
+    for (int type = 0; type < Connection::kDeviceTypeCount; ++type) {
         const QJsonObject row = types.at(type).toObject();
         QCOMPARE(row.value(QLatin1String("type")), QJsonValue(type));
         QCOMPARE(row.value(QLatin1String("executable")).toString(), counter.ProgramForType(type));

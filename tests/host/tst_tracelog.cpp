@@ -137,12 +137,12 @@ void TestTraceLog::theSizeIsBoundedByItself()
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
     {
         QFile full(fileName);
-        QVERIFY(full.open(QIODevice::WriteOnly) && full.resize(TraceLog::LargestFile));
+        QVERIFY(full.open(QIODevice::WriteOnly) && full.resize(TraceLog::kLargestFile));
     }
     TraceLog log;
     QCOMPARE(log.Start(false, fileName), QString());
     _Q_Trace(QStringLiteral("one more"), "folder/file", 42);
-    QCOMPARE(QFile(fileName + QStringLiteral(".1")).size(), TraceLog::LargestFile);
+    QCOMPARE(QFile(fileName + QStringLiteral(".1")).size(), TraceLog::kLargestFile);
     QCOMPARE(FileLines(fileName).size(), 1);
 }
 

@@ -80,12 +80,12 @@ void TestKiteControlWindow::givesEveryValueItsRoom()
 void TestKiteControlWindow::showsCandidates()
 {
     Records records;
-    for (int i = 0; i < LaunchReport::MaximumCandidates + 5; ++i)
+    for (int i = 0; i < LaunchReport::kMaximumCandidates + 5; ++i)
         records.Add("Mast", "Kite Echo");
     const KiteControlWindow window(ReportFor(QStringLiteral("Mast"), records.List()));
     const auto* const list = window.findChild<QListWidget*>(QStringLiteral("m_pCandidates"));
     QVERIFY(list);
-    QCOMPARE(list->count(), LaunchReport::MaximumCandidates + 1);
+    QCOMPARE(list->count(), LaunchReport::kMaximumCandidates + 1);
     QCOMPARE(list->item(0)->text(), LaunchReport::Summary(records.List().at(0)));
     QCOMPARE(list->item(list->count() - 1)->text(), QStringLiteral("and 5 more"));
 }

@@ -164,10 +164,10 @@ void TestLaunchReport::addressIsNoStation()
 void TestLaunchReport::manyCandidatesAreCounted()
 {
     Records records;
-    for (int i = 0; i < LaunchReport::MaximumCandidates + 3; ++i)
+    for (int i = 0; i < LaunchReport::kMaximumCandidates + 3; ++i)
         records.Add("Mast", "Kite Echo");
     const QStringList lines = MastReport(Known(records.List())).Lines();
-    QCOMPARE(lines.filter(QStringLiteral("candidate: ")).size(), LaunchReport::MaximumCandidates);
+    QCOMPARE(lines.filter(QStringLiteral("candidate: ")).size(), LaunchReport::kMaximumCandidates);
     QCOMPARE(lines.constLast(), QStringLiteral("further candidates: 3"));
 }
 
@@ -227,7 +227,7 @@ void TestLaunchReport::countBoundsTheRecords_data()
     QTest::newRow("all") << QStringLiteral("3") << 3;
     QTest::newRow("negative") << QStringLiteral("-1") << 0;
     QTest::newRow("no number") << QStringLiteral("many") << 0;
-    QTest::newRow("absurd") << QStringLiteral("2000000000") << LegacyRecords::MaximumCount;
+    QTest::newRow("absurd") << QStringLiteral("2000000000") << LegacyRecords::kMaximumCount;
 }
 
 void TestLaunchReport::countBoundsTheRecords()

@@ -412,7 +412,7 @@ void TestAppCounter::manySlots()
     for (const QStringList& startList : counter->StartupTable())
         slotCount += startList.size();
     QVERIFY(slotCount > 0);
-    QVERIFY(slotCount <= MachineConfiguration::MaximumSlotCount);
+    QVERIFY(slotCount <= MachineConfiguration::kMaximumSlotCount);
     QCOMPARE(m_pTraces->Messages().filter(s("is out of range")).size(), 2000 - slotCount / 1001);
 }
 

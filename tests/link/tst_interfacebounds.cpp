@@ -100,7 +100,7 @@ void TestInterfaceBounds::twoHundredAtOnce()
     QTRY_COMPARE_WITH_TIMEOUT(server.callback.Count(Kind::Close), 200, 30'000);
     QCOMPARE(server.callback.Count(Kind::Open), 200);
     QCOMPARE(server.callback.received, QByteArray("line\n").repeated(200));
-    QVERIFY(server.callback.most <= CInterfaceCreator::MaximumPeers);
+    QVERIFY(server.callback.most <= CInterfaceCreator::kMaximumPeers);
     for (const auto& caller : callers)
         QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
 }
@@ -108,8 +108,8 @@ void TestInterfaceBounds::twoHundredAtOnce()
 void TestInterfaceBounds::silentPeersKeepNobodyOut_data()
 {
     QTest::addColumn<int>("count");
-    QTest::newRow("as many as there are places") << CInterfaceCreator::MaximumPeers;
-    QTest::newRow("more of them") << 3 * CInterfaceCreator::MaximumPeers;
+    QTest::newRow("as many as there are places") << CInterfaceCreator::kMaximumPeers;
+    QTest::newRow("more of them") << 3 * CInterfaceCreator::kMaximumPeers;
 }
 
 void TestInterfaceBounds::silentPeersKeepNobodyOut()
@@ -121,16 +121,16 @@ void TestInterfaceBounds::silentPeersKeepNobodyOut()
     for (int call = 0; call < count; ++call)
         silent.push_back(CallerOf(server.port));
     QTRY_COMPARE_WITH_TIMEOUT(server.callback.Count(Kind::Open), count, 20'000);
-    QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::MaximumPeers);
+    QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::kMaximumPeers);
 
     const TraceRecorder traces;
     const auto caller = CallerOf(server.port);
     caller->write("honest");
     QTRY_COMPARE(server.callback.received, QByteArray("honest"));
     // One had to go for it: the one that was there first.
-    QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::MaximumPeers + 1);
+    QCOMPARE(server.callback.Count(Kind::Close), count - CInterfaceCreator::kMaximumPeers + 1);
     QCOMPARE(traces.Reports().size(), 1);
-    QCOMPARE(server.callback.most, CInterfaceCreator::MaximumPeers);
+    QCOMPARE(server.callback.most, CInterfaceCreator::kMaximumPeers);
     QList<IInterface*> opened;
     QList<IInterface*> closed;
     for (const auto& event : std::as_const(server.callback.events))
@@ -151,7 +151,7 @@ void TestInterfaceBounds::floodOnOneAddressLeavesTheOtherFree()
     silent.reserve(100);
     for (int call = 0; call < 100; ++call)
         silent.push_back(CallerOf(server.port));
-    QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::MaximumPeers);
+    QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::kMaximumPeers);
     const auto caller = CallerOf(server.port, QHostAddress(QHostAddress::LocalHostIPv6));
     caller->write("honest");
     QTRY_COMPARE_WITH_TIMEOUT(server.callback.received, QByteArray("honest"), 20'000);
@@ -163,9 +163,9 @@ void TestInterfaceBounds::peerIsClosedAfterItsBytes()
     TestServer server;
     const TraceRecorder traces;
     const auto caller = CallerOf(server.port);
-    caller->write(QByteArray(CInterfaceCreator::MaximumBytesPerCall + 1, 'x'));
+    caller->write(QByteArray(CInterfaceCreator::kMaximumBytesPerCall + 1, 'x'));
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
-    QCOMPARE(server.callback.received.size(), CInterfaceCreator::MaximumBytesPerCall);
+    QCOMPARE(server.callback.received.size(), CInterfaceCreator::kMaximumBytesPerCall);
     QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
     QCOMPARE(traces.Reports().size(), 1);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
@@ -178,10 +178,10 @@ void TestInterfaceBounds::peerMaySendItsBytes()
     server.callback.onRead = [](IInterface*, quint64) {
     };
     const auto caller = CallerOf(server.port);
-    caller->write(QByteArray(CInterfaceCreator::MaximumBytesPerCall, 'x'));
-    QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
+    caller->write(QByteArray(CInterfaceCreator::kMaximumBytesPerCall, 'x'));
+    QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::kMaximumBytesPerCall);
     for (const auto& event : std::as_const(server.callback.events))
-        QVERIFY(event.length <= CInterfaceCreator::MaximumBytesPerRead);
+        QVERIFY(event.length <= CInterfaceCreator::kMaximumBytesPerRead);
     // It is heard to the end and gets an answer.
     server.server->Write("still here", 10);
     QTRY_COMPARE(caller->bytesAvailable(), 10);
@@ -192,7 +192,7 @@ void TestInterfaceBounds::peerMaySendItsBytes()
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     const auto again = CallerOf(server.port);
     again->write("x");
-    QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall + 1);
+    QTRY_COMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::kMaximumBytesPerCall + 1);
 }
 
 void TestInterfaceBounds::peerThatSendsWithoutEnd_data()
@@ -212,7 +212,7 @@ void TestInterfaceBounds::peerThatSendsWithoutEnd()
     Flood flood(server.port, 64 * kMebibyte);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
-    QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
+    QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::kMaximumBytesPerCall);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 
     const auto caller = CallBriefly(server.port);
@@ -246,10 +246,10 @@ void TestInterfaceBounds::clientIsSentWithoutEnd()
     RecordingCallback callback;
     const auto client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(stranger.serverPort()), callback);
     QTRY_COMPARE(callback.Count(Kind::Close), 1);
-    QCOMPARE(callback.received.size(), CInterfaceCreator::MaximumBytesPerCall);
+    QCOMPARE(callback.received.size(), CInterfaceCreator::kMaximumBytesPerCall);
     QVERIFY(client->Open());
     QTRY_COMPARE(callback.Count(Kind::Close), 2);
-    QCOMPARE(callback.received.size(), 2 * CInterfaceCreator::MaximumBytesPerCall);
+    QCOMPARE(callback.received.size(), 2 * CInterfaceCreator::kMaximumBytesPerCall);
 }
 
 void TestInterfaceBounds::randomBytes()
@@ -272,7 +272,7 @@ void TestInterfaceBounds::randomBytes()
         caller->write(bytes);
         caller->disconnectFromHost();
         QTRY_COMPARE(ended.size(), call + 1);
-        QCOMPARE(ended.constLast(), bytes.left(CInterfaceCreator::MaximumBytesPerCall));
+        QCOMPARE(ended.constLast(), bytes.left(CInterfaceCreator::kMaximumBytesPerCall));
     }
     QVERIFY(server.server->IsOpen());
 }
@@ -380,7 +380,7 @@ void TestInterfaceBounds::slowCallbackIsNotThePeersSilence()
 void TestInterfaceBounds::peerThatDoesNotTakeWhatIsWritten()
 {
     TestServer server;
-    const QByteArray much(CInterfaceCreator::MaximumBytesUnsent, 'x');
+    const QByteArray much(CInterfaceCreator::kMaximumBytesUnsent, 'x');
     server.callback.onOpen = [&](IInterface* peer) {
         peer->Write(much.constData(), static_cast<quint64>(much.size()));
         if (server.callback.Count(Kind::Open) > 1)

@@ -50,15 +50,15 @@ void TestInterfaceBoundsUnix::vanishedPeersAreClosed()
 {
     TestServer server(200);
     std::vector<std::unique_ptr<QTcpSocket>> callers;
-    for (int call = 0; call < CInterfaceCreator::MaximumPeers; ++call)
+    for (int call = 0; call < CInterfaceCreator::kMaximumPeers; ++call)
         callers.push_back(CallerOf(server.port));
-    QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
     for (const auto& caller : callers)
         if (!Vanish(*caller))
             QSKIP("This needs the right to administer the network, on Linux");
     // Nothing says that they are gone, but that they are silent.
-    QCOMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
-    QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::MaximumPeers);
+    QCOMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::kMaximumPeers);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 

@@ -83,7 +83,7 @@ void TestInterfaceFlood::fromOnePeer()
     Flood flood(server.port, kFlood);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(flood.socket.state(), QAbstractSocket::UnconnectedState);
-    QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::MaximumBytesPerCall);
+    QCOMPARE(server.callback.Length(Kind::Read), CInterfaceCreator::kMaximumBytesPerCall);
     QVERIFY(flood.Unsent() > kFlood / 2);
 }
 
@@ -106,7 +106,7 @@ void TestInterfaceFlood::inAsManyCallsAsItTakes()
         server.callback.events.clear();
     }
     QTRY_COMPARE(server.callback.now, 0);
-    QVERIFY(given <= calls * CInterfaceCreator::MaximumBytesPerCall);
+    QVERIFY(given <= calls * CInterfaceCreator::kMaximumBytesPerCall);
     QVERIFY(server.server->IsOpen());
 }
 

@@ -107,7 +107,7 @@ void TestInterfaceLifetime::serverDeletedInCallback()
     TestServer server;
     // Each peer is answered; with more than it takes where an error is wanted.
     server.callback.onOpen = [&](IInterface* peer) {
-        peer->Write("x", KindOf(kind) == Kind::Error ? CInterfaceCreator::MaximumBytesUnsent + 1 : 1);
+        peer->Write("x", KindOf(kind) == Kind::Error ? CInterfaceCreator::kMaximumBytesUnsent + 1 : 1);
     };
     bool deleted = false;
     SetHook(server.callback, KindOf(kind), [&] {
@@ -215,12 +215,12 @@ void TestInterfaceLifetime::deletedWithCallersWaiting()
 {
     TestServer server;
     std::vector<std::unique_ptr<QTcpSocket>> callers;
-    for (int call = 0; call < 3 * CInterfaceCreator::MaximumPeers; ++call) {
+    for (int call = 0; call < 3 * CInterfaceCreator::kMaximumPeers; ++call) {
         callers.push_back(std::make_unique<QTcpSocket>());
         callers.back()->connectToHost(QHostAddress::LocalHost, server.port);
         callers.back()->write("x");
     }
-    QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::MaximumPeers);
+    QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::kMaximumPeers);
     server.server.reset();
     for (const auto& caller : callers)
         QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);

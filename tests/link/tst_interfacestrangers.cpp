@@ -70,7 +70,7 @@ void TestInterfaceStrangers::killedProcess()
 {
     QFETCH(const bool, isAnswered);
     TestServer server; // no time-out that would help
-    constexpr int calls = CInterfaceCreator::MaximumPeers;
+    constexpr int calls = CInterfaceCreator::kMaximumPeers;
     Stranger stranger(server.port, calls);
     QTRY_COMPARE(server.callback.received, Stranger::Said().repeated(calls));
     QCOMPARE(server.callback.now, calls);

@@ -34,7 +34,7 @@ private slots:
 void TestInterfaceStrangersUnix::stoppedProcessIsClosed()
 {
     TestServer server(1000);
-    constexpr int calls = CInterfaceCreator::MaximumPeers;
+    constexpr int calls = CInterfaceCreator::kMaximumPeers;
     Stranger stranger(server.port, calls);
     QVERIFY(Tell(stranger, SIGSTOP));
     QTRY_COMPARE(server.callback.Count(Kind::Close), calls);
@@ -49,7 +49,7 @@ void TestInterfaceStrangersUnix::stoppedProcessIsClosed()
 void TestInterfaceStrangersUnix::stoppedProcessKeepsNobodyOut()
 {
     TestServer server; // no time-out that would help
-    constexpr int calls = CInterfaceCreator::MaximumPeers;
+    constexpr int calls = CInterfaceCreator::kMaximumPeers;
     const Stranger stranger(server.port, calls);
     QTRY_COMPARE(server.callback.received, Stranger::Said().repeated(calls));
     QVERIFY(Tell(stranger, SIGSTOP));
@@ -68,7 +68,7 @@ void TestInterfaceStrangersUnix::stoppedProcessDoesNotTakeWhatIsWritten()
     QTRY_COMPARE(server.callback.received, Stranger::Said());
     QVERIFY(Tell(stranger, SIGSTOP));
     // Its system takes some of it, and then nothing more.
-    const QByteArray much(CInterfaceCreator::MaximumBytesUnsent, 'x');
+    const QByteArray much(CInterfaceCreator::kMaximumBytesUnsent, 'x');
     const auto isEnded = [&] {
         server.server->Write(much.constData(), static_cast<quint64>(much.size()));
         return server.callback.Count(Kind::Close) > 0;

@@ -135,7 +135,7 @@ void TestTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
     QDialog window;
     const TraceRecorder traces;
     const TCPServer server(&window);
-    std::array<std::unique_ptr<QTcpSocket>, 2UL * CInterfaceCreator::MaximumPeers> silent;
+    std::array<std::unique_ptr<QTcpSocket>, 2UL * CInterfaceCreator::kMaximumPeers> silent;
     for (auto& caller : silent)
         caller = Call();
     QTRY_COMPARE_WITH_TIMEOUT(traces.Count(kCalled), qsizetype(silent.size()), 20'000);
@@ -158,8 +158,8 @@ void TestTcpServerLoad::floodCostsItsBound()
         QTRY_VERIFY(stranger.Unsent() < gibibyte); // it has begun
         QTRY_COMPARE_WITH_TIMEOUT(stranger.socket.state(), QAbstractSocket::UnconnectedState, 30'000);
         // Every buffer is kept for good, so this is what one peer costs for good.
-        QVERIFY(kBytesAllocated - before >= CInterfaceCreator::MaximumBytesPerCall);
-        QVERIFY2(kBytesAllocated - before < CInterfaceCreator::MaximumBytesPerCall + 4096,
+        QVERIFY(kBytesAllocated - before >= CInterfaceCreator::kMaximumBytesPerCall);
+        QVERIFY2(kBytesAllocated - before < CInterfaceCreator::kMaximumBytesPerCall + 4096,
                  QByteArray::number(quint64(kBytesAllocated - before)).constData());
     }
     window.hide();

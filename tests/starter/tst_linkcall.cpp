@@ -99,11 +99,11 @@ void TestLinkCall::fullLinkIsWaitedFor()
 {
     TestServer server; // no time-out that would help
     std::vector<std::unique_ptr<QTcpSocket>> silent;
-    for (int call = 0; call < 2 * CInterfaceCreator::MaximumPeers; ++call) {
+    for (int call = 0; call < 2 * CInterfaceCreator::kMaximumPeers; ++call) {
         silent.push_back(std::make_unique<QTcpSocket>());
         silent.back()->connectToHost(QHostAddress::LocalHost, server.port);
     }
-    QTRY_COMPARE(server.callback.now, CInterfaceCreator::MaximumPeers);
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
     QCOMPARE(Call(server.port), LinkAnswer::Taken);
 }
 

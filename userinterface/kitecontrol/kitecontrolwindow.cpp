@@ -113,7 +113,7 @@ void KiteControlWindow::AddCandidates(const LaunchReport& report)
     list->setObjectName(QStringLiteral("m_pCandidates"));
     list->setAlternatingRowColors(true);
     list->setWordWrap(true);
-    const auto listed = std::min(report.candidates.size(), std::size_t(LaunchReport::MaximumCandidates));
+    const auto listed = std::min(report.candidates.size(), std::size_t(LaunchReport::kMaximumCandidates));
     for (std::size_t i = 0; i < listed; ++i)
         list->addItem(Shown(LaunchReport::Summary(report.candidates[i])));
     if (listed < report.candidates.size())

@@ -14,8 +14,8 @@ std::optional<std::chrono::milliseconds> ParseSeconds(const QString& text)
     if (!isNumber || !std::isfinite(seconds) || seconds < 0)
         return std::nullopt;
     // Qt's timers count milliseconds in an int.
-    constexpr double longest = std::numeric_limits<int>::max();
-    return std::chrono::milliseconds(std::llround(std::min(seconds * 1000, longest)));
+    constexpr double kLongest = std::numeric_limits<int>::max();
+    return std::chrono::milliseconds(std::llround(std::min(seconds * 1000, kLongest)));
 }
 
 } // namespace

@@ -137,7 +137,7 @@ QStringList LaunchReport::Lines() const
             lines.append(Line(QString::fromLatin1(fact.label).toLower(), Escaped(fact.value)));
         return lines;
     }
-    const int listed = std::min(int(candidates.size()), MaximumCandidates);
+    const int listed = std::min(int(candidates.size()), kMaximumCandidates);
     for (int i = 0; i < listed; ++i)
         lines.append(Line(QStringLiteral("candidate"), Escaped(Summary(candidates[std::size_t(i)]))));
     const int left = int(candidates.size()) - listed;

@@ -15,7 +15,7 @@ struct LegacyRecords;
 struct LaunchReport
 {
     /// No more candidates than this are listed; `Lines` then says how many there are.
-    static constexpr int MaximumCandidates = 20;
+    static constexpr int kMaximumCandidates = 20;
 
     struct Fact
     {

@@ -62,7 +62,7 @@ LegacyRecords LegacyRecords::FromDirectory(const QString& directory)
 std::vector<ConnectData> LegacyRecords::FromDocument(ICfg* document)
 {
     const int declared = document->GetString(QStringLiteral("ConnectionCount"), QString(), 0).toInt();
-    const int count = std::clamp(declared, 0, MaximumCount);
+    const int count = std::clamp(declared, 0, kMaximumCount);
     std::vector<ConnectData> records;
     records.reserve(static_cast<std::size_t>(count));
     for (int index = 0; index < count; ++index)

@@ -12,7 +12,7 @@ class ICfg;
 struct LegacyRecords
 {
     /// No more than this many are read, whatever count a configuration claims.
-    static constexpr int MaximumCount = 100'000;
+    static constexpr int kMaximumCount = 100'000;
 
     QString configuration; ///< the configuration's directory; empty: none is known
     QString problem;       ///< why there are no records; empty: they were read

@@ -58,9 +58,9 @@ bool IsOfTheDevice(const LaunchArguments& arguments, const ConnectData& record)
 /// address could be given; the devices without a form of their own are started so however they are connected.
 bool LeadsToNameOnly(const ConnectData& record)
 {
-    constexpr qint32 remote = 1;
-    constexpr qint32 multiChannelServer = 2;
-    const bool hasDriver = record.m_nConnectionType == remote || record.m_nConnectionType == multiChannelServer;
+    constexpr qint32 kRemote = 1;
+    constexpr qint32 kMultiChannelServer = 2;
+    const bool hasDriver = record.m_nConnectionType == kRemote || record.m_nConnectionType == kMultiChannelServer;
     return !(hasDriver && record.m_sDeviceType == QLatin1String("Kite Cobra"));
 }
 

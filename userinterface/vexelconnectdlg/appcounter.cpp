@@ -69,7 +69,7 @@ void AppCounter::UpdateInstalledApps()
 {
     m_startupTable.clear();
     m_installedList.clear();
-    for (int deviceType = 0; deviceType < Connection::DeviceTypeCount; ++deviceType) {
+    for (int deviceType = 0; deviceType < Connection::kDeviceTypeCount; ++deviceType) {
         m_installedTable[deviceType].clear();
         m_runningTable[deviceType].clear();
     }

@@ -9,14 +9,14 @@ namespace {
 
 QString ConnectionTypeHelp()
 {
-    const std::array<QString, Connection::ConnectionTypeCount> descriptions{
+    const std::array<QString, Connection::kConnectionTypeCount> descriptions{
         ConnectionsModel::tr("userinterface does directly connect to the resource"),
         ConnectionsModel::tr("userinterface does connect to a driver application; driver application is connected to "
                              "resource"),
         ConnectionsModel::tr("KiteControl-specific connection type (see respective manual)"),
     };
     QString help = ConnectionsModel::tr("The connection type can be one of the following:\n");
-    for (int type = 0; type < Connection::ConnectionTypeCount; ++type) {
+    for (int type = 0; type < Connection::kConnectionTypeCount; ++type) {
         help += QStringLiteral("\n- \"%1\" --> %2\n")
                     .arg(Connection::ConnectionTypeName(type), descriptions.at(static_cast<std::size_t>(type)));
     }

@@ -10,26 +10,26 @@ namespace {
 const QString kFallbackText = QCoreApplication::translate("Connection", "No string representation for ID %1");
 
 // Product names: the same in every language.
-constexpr std::array<const char*, Connection::DeviceTypeCount> kDeviceTypeNames{
+constexpr std::array<const char*, Connection::kDeviceTypeCount> kDeviceTypeNames{
     "Kite Alpha + Wren C", "Kite Bravo", "Kite Cobra",  "Kite Delta", "Kite Echo", "Kite Ember",
     "Kite Moss",           "Plover One", "Plover Five", "Heron",      "Wren D",    "Pipit",
     "Kite Alpha + Finch",  "Kite Fjord", "Linnet + DF",
 };
 
-constexpr std::array<const char*, Connection::ConnectionTypeCount> kConnectionTypeNames{
+constexpr std::array<const char*, Connection::kConnectionTypeCount> kConnectionTypeNames{
     QT_TRANSLATE_NOOP("Connection", "Direct Connection"),
     QT_TRANSLATE_NOOP("Connection", "Remote Connection"),
     QT_TRANSLATE_NOOP("Connection", "MultiChannel Server"),
 };
 
-constexpr std::array<const char*, Connection::LinkSpeedCount> kLinkSpeedNames{
+constexpr std::array<const char*, Connection::kLinkSpeedCount> kLinkSpeedNames{
     QT_TRANSLATE_NOOP("Connection", "LAN"),        QT_TRANSLATE_NOOP("Connection", "ISDN"),
     QT_TRANSLATE_NOOP("Connection", "Fast Modem"), QT_TRANSLATE_NOOP("Connection", "Slow Modem"),
     QT_TRANSLATE_NOOP("Connection", "GSM"),        QT_TRANSLATE_NOOP("Connection", "UMTS"),
     QT_TRANSLATE_NOOP("Connection", "Radio Link"),
 };
 
-constexpr std::array<const char*, Connection::ConnectionStatusCount> kStatusNames{
+constexpr std::array<const char*, Connection::kConnectionStatusCount> kStatusNames{
     QT_TRANSLATE_NOOP("Connection", "Free"),
     QT_TRANSLATE_NOOP("Connection", "In Use"),
 };

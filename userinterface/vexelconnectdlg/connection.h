@@ -36,10 +36,10 @@ public:
     enum ConnectionStates : qint32 { Free = 0, InUse = 1 };
 
     /// How many values each enumeration has; they are numbered from 0 without gaps.
-    static constexpr int DeviceTypeCount = 15;
-    static constexpr int ConnectionTypeCount = 3;
-    static constexpr int LinkSpeedCount = 7;
-    static constexpr int ConnectionStatusCount = 2;
+    static constexpr int kDeviceTypeCount = 15;
+    static constexpr int kConnectionTypeCount = 3;
+    static constexpr int kLinkSpeedCount = 7;
+    static constexpr int kConnectionStatusCount = 2;
 
     Connection();
     Connection(const Connection& other);

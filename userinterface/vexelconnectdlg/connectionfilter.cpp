@@ -139,19 +139,19 @@ QString OneLine(const QString& text)
 
 QRegularExpression FilterExpression(const QString& pattern, int mode)
 {
-    constexpr auto options = QRegularExpression::CaseInsensitiveOption |
-                             QRegularExpression::DotMatchesEverythingOption |
-                             QRegularExpression::UseUnicodePropertiesOption;
+    constexpr auto kOptions = QRegularExpression::CaseInsensitiveOption |
+                              QRegularExpression::DotMatchesEverythingOption |
+                              QRegularExpression::UseUnicodePropertiesOption;
     const QString text = WellFormed(pattern);
     switch (static_cast<SearchMode>(mode)) {
     case SearchMode::Wildcard:
-        return QRegularExpression(TranslateWildcard(text), options);
+        return QRegularExpression(TranslateWildcard(text), kOptions);
     case SearchMode::RegularExpression:
-        return QRegularExpression(text, options);
+        return QRegularExpression(text, kOptions);
     case SearchMode::PlainText:
         break;
     }
-    return QRegularExpression(Escaped(text), options);
+    return QRegularExpression(Escaped(text), kOptions);
 }
 
 FilterSettings FilterSettings::Load()
@@ -162,7 +162,7 @@ FilterSettings FilterSettings::Load()
     // One step only: a value further out leaves the choice without a current column.
     if (settings.column < 0)
         ++settings.column;
-    else if (settings.column >= ConnectionsModel::ColumnCount)
+    else if (settings.column >= ConnectionsModel::kColumnCount)
         --settings.column;
     settings.pattern = node->GetString(kPatternKey, QString(), 0);
     settings.searchMode = node->GetInt(kSearchModeKey, 0, 0);

@@ -52,17 +52,17 @@ QWidget* NewEditor(QWidget* parent, int column)
     case ConnectionsModel::ColumnSelected:
         return new QCheckBox(parent);
     case ConnectionsModel::ColumnStatus:
-        return NewComboBox(parent, Connection::ConnectionStatusCount, &Connection::StatusName);
+        return NewComboBox(parent, Connection::kConnectionStatusCount, &Connection::StatusName);
     case ConnectionsModel::ColumnDeviceType: {
-        QComboBox* const comboBox = NewComboBox(parent, Connection::DeviceTypeCount, &Connection::DeviceTypeName);
+        QComboBox* const comboBox = NewComboBox(parent, Connection::kDeviceTypeCount, &Connection::DeviceTypeName);
         for (const int value : kWithdrawnDeviceTypes)
             SetItemHidden(comboBox, value, true);
         return comboBox;
     }
     case ConnectionsModel::ColumnConnectionType:
-        return NewComboBox(parent, Connection::ConnectionTypeCount, &Connection::ConnectionTypeName);
+        return NewComboBox(parent, Connection::kConnectionTypeCount, &Connection::ConnectionTypeName);
     case ConnectionsModel::ColumnLinkSpeed:
-        return NewComboBox(parent, Connection::LinkSpeedCount, &Connection::LinkSpeedName);
+        return NewComboBox(parent, Connection::kLinkSpeedCount, &Connection::LinkSpeedName);
     case ConnectionsModel::ColumnTimeout:
         return NewTimeoutSpinBox(parent);
     case ConnectionsModel::ColumnName:
@@ -111,7 +111,7 @@ QWidget* ConnectionsDelegate::createEditor(QWidget* parent, const QStyleOptionVi
 
 void ConnectionsDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
-    if (editor && (!index.isValid() || index.column() >= ConnectionsModel::ColumnCount))
+    if (editor && (!index.isValid() || index.column() >= ConnectionsModel::kColumnCount))
         return;
     // The column chose the kind of the editor, so the kind tells what to set.
     const QVariant value = index.data(Qt::EditRole);
@@ -130,7 +130,7 @@ void ConnectionsDelegate::setModelData(QWidget* editor, QAbstractItemModel* mode
     if (!model || (editor && !index.isValid()))
         return;
     QVariant value;
-    if (index.isValid() && index.column() < ConnectionsModel::ColumnCount) {
+    if (index.isValid() && index.column() < ConnectionsModel::kColumnCount) {
         value = EditedValue(editor);
         if (!value.isValid())
             return; // nothing was edited; an invalid value would be taken for 0 or an empty text

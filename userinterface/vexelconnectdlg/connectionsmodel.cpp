@@ -84,13 +84,13 @@ int ConnectionsModel::rowCount(const QModelIndex& parent) const
 
 int ConnectionsModel::columnCount(const QModelIndex& /*parent*/) const
 {
-    return ColumnCount;
+    return kColumnCount;
 }
 
 const Connection* ConnectionsModel::EntryAt(const QModelIndex& index) const
 {
     const bool inTable =
-        index.isValid() && index.model() == this && index.row() < rowCount() && index.column() < ColumnCount;
+        index.isValid() && index.model() == this && index.row() < rowCount() && index.column() < kColumnCount;
     return inTable ? m_connections[static_cast<std::size_t>(index.row())].get() : nullptr;
 }
 

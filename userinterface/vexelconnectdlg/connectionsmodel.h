@@ -29,7 +29,7 @@ public:
         ColumnTimeout = 8,
         ColumnSubsystem = 9
     };
-    static constexpr int ColumnCount = 10;
+    static constexpr int kColumnCount = 10;
 
     /// Loads the set stored under `objectName`.
     ConnectionsModel(QObject* parent, const QString& objectName);

@@ -27,7 +27,7 @@ Connection ConnectDataToConnection(const ConnectData& record)
     Connection entry;
     entry.ConnectionName = record.m_sStationName;
     // Containment, in ascending order: old records name their device more loosely ("Kite Echo/Ember").
-    for (int type = 0; type < Connection::DeviceTypeCount; ++type) {
+    for (int type = 0; type < Connection::kDeviceTypeCount; ++type) {
         if (record.m_sDeviceType.contains(Connection::DeviceTypeName(type), Qt::CaseInsensitive)) {
             entry.DeviceType = type;
             break;

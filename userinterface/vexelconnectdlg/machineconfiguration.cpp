@@ -99,7 +99,7 @@ void MachineConfiguration::ReadStartup(QXmlStreamReader& reader, const QString& 
     if (reader.hasError())
         return;
 
-    if (count < 0 || count > MaximumParameterCount || m_iSlots + count + 1 > MaximumSlotCount) {
+    if (count < 0 || count > kMaximumParameterCount || m_iSlots + count + 1 > kMaximumSlotCount) {
         unreadable.append(application);
         return;
     }

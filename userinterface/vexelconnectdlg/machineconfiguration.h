@@ -19,8 +19,8 @@ public:
     /// An application has at most this many parameters, and all of them together at most that many start list slots:
     /// the file only has to name a number, while each slot takes memory. A count that is negative or beyond them makes
     /// the start description unreadable: it adds nothing to the start list. A count that is no number is 0.
-    static constexpr int MaximumParameterCount = 1000;
-    static constexpr int MaximumSlotCount = 100'000;
+    static constexpr int kMaximumParameterCount = 1000;
+    static constexpr int kMaximumSlotCount = 100'000;
 
     /// Reads to the end of the document or to its first XML error, which the reader then has. Names and start lists
     /// are added to those there are. Returns whether the document holds a "Machine" element.

@@ -148,7 +148,7 @@ void VexelConnectDlgGUI::AlignHeights()
 void VexelConnectDlgGUI::FillColumnChoice()
 {
     m_pFilterColumnComboBox->clear();
-    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+    for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         m_pFilterColumnComboBox->addItem(
             m_pModel->headerData(column, Qt::Horizontal, Qt::DecorationRole).value<QIcon>(),
             m_pModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
@@ -159,7 +159,7 @@ void VexelConnectDlgGUI::ShareOutColumns()
 {
     m_basicColumns = {ConnectionsModel::ColumnSelected, ConnectionsModel::ColumnName, ConnectionsModel::ColumnStatus,
                       ConnectionsModel::ColumnDeviceType};
-    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+    for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         const bool basic = m_basicColumns.contains(column);
         m_pBasicView->setColumnHidden(column, !basic);
         m_pDetailsView->setColumnHidden(column, basic);
@@ -186,7 +186,7 @@ void VexelConnectDlgGUI::SetUpHeaders()
 
 void VexelConnectDlgGUI::UpdateColumnChoice()
 {
-    for (int column = 0; column < ConnectionsModel::ColumnCount; ++column) {
+    for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         const bool shown = column != ConnectionsModel::ColumnSelected &&
                            (m_basicColumns.contains(column) || m_pDetailsView->isVisible());
         SetItemHidden(m_pFilterColumnComboBox, column, !shown);
