@@ -3,6 +3,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <chrono>
+
 /// A file that one process of the system has at a time, for as long as it lives. The system itself knows who has it and
 /// gives it back when that process ends, however it ends: neither its content nor its age says anything about that, and
 /// a file that was left behind is in nobody's way.
@@ -31,6 +33,8 @@ public:
     /// Makes `path` where it is missing, and takes it; may be tried again after `Busy`. Never waits. `error` says why
     /// where it failed.
     Result TryLock(const QString& path, QString* error);
+    /// Calls `TryLock` until the result is not `Busy` or `timeout` has passed.
+    Result Lock(const QString& path, std::chrono::milliseconds timeout, QString* error);
     /// Puts `content` in place of what the file says. Others can read it; it is of no weight, so on a full disk it is
     /// missing. Only after `Locked` or `Unsupported`.
     void Write(const QByteArray& content) const;

@@ -14,7 +14,7 @@ constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
 
 /// A lock of the whole file. It belongs to the opened file, not to the process: two objects of one process keep each
 /// other out, and none loses it because another closes the file.
-struct flock Lock()
+struct flock WholeFileLock()
 {
     struct flock lock = {};
     lock.l_type = F_WRLCK;
@@ -61,7 +61,7 @@ FileLock::Result FileLock::TryLock(const QString& path, QString* error)
             ::close(descriptor);
             return Result::Failed;
         }
-        struct flock lock = Lock();
+        struct flock lock = WholeFileLock();
         if (::fcntl(descriptor, F_OFD_SETLK, &lock) == 0) {
             if (IsNameOf(name, descriptor)) {
                 m_path = path;
@@ -95,7 +95,7 @@ FileLock::State FileLock::Query(const QString& path)
         return errno == ENOENT || errno == ENOTDIR || errno == ELOOP ? State::Free : State::Unknown;
     State state = State::Free;
     if (IsFile(descriptor)) {
-        struct flock lock = Lock();
+        struct flock lock = WholeFileLock();
         if (::fcntl(descriptor, F_OFD_GETLK, &lock) != 0)
             state = State::Unknown;
         else if (lock.l_type != F_UNLCK)

@@ -21,7 +21,7 @@ namespace {
 struct Store
 {
     QString directory; // empty: documents live in memory alone
-    ConfigDocument::Access access = ConfigDocument::Access::ReadWrite;
+    DocumentAccess access = DocumentAccess::ReadWrite;
     std::map<QString, std::shared_ptr<ConfigDocument>> documents;                 // by file, relative to the store
     std::map<std::pair<QString, QString>, std::unique_ptr<ConfigNode>> rootNodes; // by that file and the key path
 };
@@ -140,7 +140,7 @@ bool CfgCenter::OpenReadOnly(const QString& directory)
     if (!QFileInfo(directory).isDir())
         return false;
     TheStore().directory = QDir(directory).absolutePath();
-    TheStore().access = ConfigDocument::Access::ReadOnly;
+    TheStore().access = DocumentAccess::ReadOnly;
     return true;
 }
 

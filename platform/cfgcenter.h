@@ -1,15 +1,13 @@
 #pragma once
 
 #include "platform/platformexport.h"
+#include "platform/view.h"
 
 #include <QString>
 
 #include <functional>
 
 class ICfg;
-
-/// Whose configuration: the values are those that callers of the product pass.
-enum class View : int { User = 1, Application = 2, Shared = 4 };
 
 /// The product configuration: one document per view and name, each a file of the store.
 ///

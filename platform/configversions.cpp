@@ -1,10 +1,11 @@
 #include "platform/configversions.h"
 
+#include "platform/cfgcenter.h"
 #include "platform/config/configdocument.h"
 #include "platform/config/confignames.h"
 #include "platform/config/confignode.h"
-#include "platform/config/documentfile.h"
-#include "platform/config/documentrecovery.h"
+#include "platform/config/documentloader.h"
+#include "platform/config/documenttransaction.h"
 #include "platform/config/versionfolder.h"
 #include "platform/tracing.h"
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-using State = DocumentFile::State;
+using State = DocumentReading::State;
 
 QString FileOf(View view, const QString& name)
 {
@@ -25,9 +26,9 @@ QString FileOf(View view, const QString& name)
     return store + u'/' + (name.isEmpty() ? ConfigNames::ApplicationFile(view) : ConfigNames::DocumentFile(view, name));
 }
 
-ConfigVersions::Obstacle ObstacleTo(const QString& file, const DocumentFile::Reading& reading)
+ConfigVersions::Obstacle ObstacleTo(const QString& file, const DocumentReading& reading)
 {
-    if (reading.text)
+    if (reading.values)
         return ConfigVersions::Obstacle::None;
     // What is there and no file is no document for anybody.
     const QFileInfo info(file);
@@ -37,14 +38,13 @@ ConfigVersions::Obstacle ObstacleTo(const QString& file, const DocumentFile::Rea
 }
 
 /// Of a working copy that no file belongs to.
-std::unique_ptr<ICfg> RootOf(const QString& file, const DocumentFile::Reading& reading,
-                             ConfigVersions::Obstacle* obstacle)
+std::unique_ptr<ICfg> RootOf(const QString& file, const DocumentReading& reading, ConfigVersions::Obstacle* obstacle)
 {
     if (obstacle)
         *obstacle = ObstacleTo(file, reading);
-    if (!reading.text)
+    if (!reading.values)
         return nullptr;
-    return std::make_unique<ConfigNode>(std::make_shared<ConfigDocument>(reading.text->Values()), QString());
+    return std::make_unique<ConfigNode>(std::make_shared<ConfigDocument>(*reading.values), QString());
 }
 
 } // namespace
@@ -71,13 +71,16 @@ QList<ConfigVersion> ConfigVersions::List() const
 
 std::optional<ConfigVersion> ConfigVersions::NewestReadable() const
 {
-    const auto found = m_file.isEmpty() ? std::nullopt : ::NewestReadable(m_file);
+    const auto found = m_file.isEmpty() ? std::nullopt : NewestReadableVersion(m_file);
     return found ? std::optional(found->version) : std::nullopt;
 }
 
 std::unique_ptr<ICfg> ConfigVersions::Open(const ConfigVersion& version, Obstacle* obstacle) const
 {
-    return RootOf(version.file, ReadVersion(version), obstacle);
+    DocumentReading reading = ReadDocument(version.file);
+    if (reading.state == State::Missing)
+        reading.values.reset();
+    return RootOf(version.file, reading, obstacle);
 }
 
 std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
@@ -87,64 +90,31 @@ std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
             *obstacle = Obstacle::Unread;
         return nullptr;
     }
-    return RootOf(m_file, ::DocumentFile(m_file).Read(), obstacle);
+    return RootOf(m_file, ReadDocument(m_file), obstacle);
 }
 
 bool ConfigVersions::Restore(const ConfigVersion& version, QString* quarantined) const
 {
-    const auto fail = [&](int line, const char* reason) {
+    const auto fail = [&](int line, const QString& reason) {
         TraceWhenWanted("platform/configversions", line, [&] {
-            return QStringLiteral("ConfigVersions::Restore(): Could not put %1 in the place of %2: %3")
-                .arg(version.file, m_file, QString::fromLatin1(reason));
+            return QStringLiteral("ConfigVersions::Restore(): Could not replace %1 by %2: %3")
+                .arg(m_file, version.file, reason);
         });
         return false;
     };
     if (m_file.isEmpty())
-        return fail(__LINE__, "no configuration directory is open");
+        return fail(__LINE__, QStringLiteral("no configuration directory is open"));
 
-    const ::DocumentFile file(m_file);
-    const auto lock = file.Lock();
-    if (!lock)
-        return fail(__LINE__, "the document's lock cannot be taken");
-    file.RemoveLeftovers();
-    const auto wanted = ReadVersion(version);
-    if (!wanted.text)
-        return fail(__LINE__, "the version cannot be read");
-
-    const VersionFolder versions(m_file);
-    std::optional<QString> kept;
-    std::optional<QString> aside;
-    const auto present = file.Read();
-    switch (present.state) {
-    case State::Unavailable:
-        return fail(__LINE__, "what is in its place cannot be read at the moment");
-    case State::Missing:
-        break;
-    case State::Whole:
-        if (present.content == wanted.content)
-            return true;
-        if (present.text->IsEmpty())
-            break;
-        kept = versions.Keep(present.content);
-        if (!kept)
-            return fail(__LINE__, "the present state cannot be kept");
-        break;
-    case State::Damaged:
-    case State::Unreadable:
-        aside = file.Quarantine();
-        if (!aside)
-            return fail(__LINE__, "what is in its place cannot be moved aside");
-        break;
-    }
-
-    if (!file.Replace(wanted.content)) {
-        VersionFolder::Forget(kept);
-        if (aside)
-            file.UndoQuarantine(*aside);
-        return fail(__LINE__, "the file cannot be written");
-    }
-    versions.Prune();
+    DocumentTransaction transaction(m_file);
+    if (!transaction.Begin())
+        return fail(__LINE__, transaction.Error());
+    const DocumentReading wanted = ReadDocument(version.file);
+    if (wanted.state != DocumentReading::State::Valid)
+        return fail(__LINE__, QStringLiteral("the version cannot be read"));
+    if (!transaction.Replace(wanted.content, DocumentTransaction::VersionPolicy::Required))
+        return fail(__LINE__, transaction.Error());
+    transaction.Commit();
     if (quarantined)
-        *quarantined = aside.value_or(QString());
+        *quarantined = transaction.Quarantined().value_or(QString());
     return true;
 }

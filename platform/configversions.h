@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/cfgcenter.h"
+#include "platform/configversion.h"
 #include "platform/platformexport.h"
+#include "platform/view.h"
 
-#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -12,18 +12,11 @@
 
 class ICfg;
 
-/// An earlier state of a document.
-struct ConfigVersion
-{
-    QString file;    ///< whole path
-    QDateTime saved; ///< when that state came into the document's file; local time, as the computer's clock said
-};
-
-/// The earlier states of one document. Every save that changes a document keeps what was there before, ten states
-/// deep, in a folder beside it.
+/// Host side: the earlier versions of one document. Every save that changes a document keeps its earlier content, ten
+/// versions deep, in a folder beside it.
 ///
-/// Host side; looks at the files of the store that `CfgCenter::Open` has named when the object is made. Without one
-/// there are no versions. Working copies that `CfgCenter` holds are neither looked at nor changed.
+/// Reads the files of the store that `CfgCenter` has open when the object is made; without a store there are no
+/// versions. Working copies that `CfgCenter` holds are neither read nor changed.
 class VEXELPLATFORM_EXPORT ConfigVersions
 {
 public:
@@ -35,31 +28,30 @@ public:
     /// The folder that holds the versions; empty without a store. Need not exist.
     QString Folder() const;
 
-    /// The versions that are there, newest first; at most ten unless somebody else added some. Nothing is said about
-    /// their content. Files with other names are left out.
+    /// The versions, newest first; at most ten unless somebody else added files. Nothing is said about their content.
     QList<ConfigVersion> List() const;
 
-    /// The newest version that can be read: what is used where the document itself cannot be. None where there is none.
+    /// The newest version that can be read: what replaces a damaged document.
     std::optional<ConfigVersion> NewestReadable() const;
 
-    /// Why there is nothing to see of a document or version.
+    /// Why a document or version cannot be opened.
     enum class Obstacle {
         None,
-        Damaged, ///< what the file holds is no document
-        Unread   ///< it cannot be looked at, by this process or at this moment; what it holds is not known
+        Damaged, ///< the file holds no document
+        Unread   ///< this process cannot read the file, or not at this moment; its content is unknown
     };
 
-    /// The root node of a version. Can be read; what is written to it goes nowhere. Null where there is an obstacle, of
-    /// which kind `obstacle` says.
+    /// The root node of a version, for reading; what is written to it is lost. Null if there is an obstacle, which is
+    /// put into `obstacle`.
     std::unique_ptr<ICfg> Open(const ConfigVersion& version, Obstacle* obstacle = nullptr) const;
-    /// The same of the document's file as it is on disk. A document that does not exist yet is empty.
+    /// The same for the document's file as it is on disk. A missing document is empty.
     std::unique_ptr<ICfg> OpenCurrent(Obstacle* obstacle = nullptr) const;
 
-    /// Puts a version in the document's place. What it replaces is kept as the newest version, or beside the document
-    /// where it cannot be read; that file's path is then put into `quarantined`. Returns false, with a trace, when that
-    /// could not be done; then nothing has changed.
+    /// Replaces the document by a version. The document becomes the newest version or, if it cannot be read, is
+    /// quarantined; the path of the quarantined file is put into `quarantined`. False, with a trace: nothing has
+    /// changed.
     ///
-    /// A process that has the document open keeps its working copy; call `CfgCenter::Open` again to see the change.
+    /// A process that has the document open keeps its working copy until it calls `CfgCenter::Open` again.
     bool Restore(const ConfigVersion& version, QString* quarantined = nullptr) const;
 
 private:

@@ -5,11 +5,9 @@
 #include "files/regularfile.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QSysInfo>
-#include <QThread>
 
 #include <chrono>
 
@@ -19,7 +17,6 @@ namespace {
 
 // On some systems whoever just looks is in the way for a moment, and a host that ends may need one.
 constexpr auto kTimeout = 500ms;
-constexpr auto kPause = 20ms;
 
 /// What the file says of who holds it. A host that was killed leaves it, so it is to be asked of a held one only.
 struct Name
@@ -91,14 +88,8 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
 
     const QString file = FileIn(directory);
     QString error;
-    const QDeadlineTimer deadline(kTimeout);
     m_file = std::make_unique<FileLock>();
-    FileLock::Result result = m_file->TryLock(file, &error);
-    while (result == FileLock::Result::Busy && !deadline.hasExpired()) {
-        QThread::msleep(static_cast<unsigned long>(kPause.count()));
-        result = m_file->TryLock(file, &error);
-    }
-    switch (result) {
+    switch (m_file->Lock(file, kTimeout, &error)) {
     case FileLock::Result::Unsupported:
         m_warning = QStringLiteral("the file system of the configuration directory %1 has no locks: take care that no "
                                    "second host works there")

@@ -1,15 +1,10 @@
 #include "platform/config/configdocument.h"
 
-#include "platform/config/documentfile.h"
-#include "platform/config/documentrecovery.h"
-#include "platform/config/initext.h"
-#include "platform/config/versionfolder.h"
+#include "platform/config/documenttransaction.h"
 #include "platform/tracing.h"
 
 #include <QCryptographicHash>
-#include <QLockFile>
 
-#include <memory>
 #include <utility>
 
 namespace {
@@ -25,14 +20,22 @@ QByteArray FingerprintOf(const QByteArray& content)
     return QCryptographicHash::hash(content, QCryptographicHash::Blake2b_256);
 }
 
-bool IsBelow(const QString& path, const QString& node)
+/// Removes the key at `path` and everything below it. Returns whether there was anything.
+template <typename Value>
+bool RemoveTree(QMap<QString, Value>& map, const QString& path)
 {
-    return path.size() > node.size() && path.startsWith(node) && path.at(node.size()) == u'/';
+    bool isRemoved = map.remove(path) > 0;
+    const QString below = path + u'/';
+    for (auto it = map.lowerBound(below); it != map.end() && it.key().startsWith(below);) {
+        it = map.erase(it);
+        isRemoved = true;
+    }
+    return isRemoved;
 }
 
 } // namespace
 
-ConfigDocument::ConfigDocument(QString file, Access access)
+ConfigDocument::ConfigDocument(QString file, DocumentAccess access)
     : m_file(std::move(file))
     , m_access(access)
 {
@@ -40,7 +43,7 @@ ConfigDocument::ConfigDocument(QString file, Access access)
         Load();
 }
 
-ConfigDocument::ConfigDocument(const QMap<QString, QString>& values)
+ConfigDocument::ConfigDocument(const DocumentText::Values& values)
 {
     TakeOver(values);
 }
@@ -65,18 +68,13 @@ void ConfigDocument::SetValue(const QString& path, const QString& value)
 
 void ConfigDocument::Remove(const QString& path)
 {
-    bool isRemoved = m_entries.remove(path) > 0;
-    for (auto it = m_entries.lowerBound(path + u'/'); it != m_entries.end() && IsBelow(it.key(), path);) {
-        it = m_entries.erase(it);
-        isRemoved = true;
-    }
-    if (isRemoved) {
+    if (RemoveTree(m_entries, path)) {
         m_removed.insert(path);
         m_isChanged = true;
     }
 }
 
-void ConfigDocument::TakeOver(const QMap<QString, QString>& values)
+void ConfigDocument::TakeOver(const DocumentText::Values& values)
 {
     m_entries.clear();
     for (auto it = values.cbegin(); it != values.cend(); ++it)
@@ -85,49 +83,31 @@ void ConfigDocument::TakeOver(const QMap<QString, QString>& values)
 
 void ConfigDocument::Load()
 {
-    const DocumentFile file(m_file);
-    auto reading = file.Read();
-    if (!NeedsRecovery(reading)) {
-        Use(reading);
-        return;
-    }
-
-    // Another process may be mending it at this moment: what the lock's owner finds counts.
-    const auto lock = m_access == Access::ReadOnly ? nullptr : file.Lock();
-    if (lock)
-        reading = file.Read();
-    if (!NeedsRecovery(reading)) {
-        Use(reading);
-        return;
-    }
-    Recovery recovery = Recover(file, reading, lock != nullptr);
-    m_notice = recovery.notice;
-    Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
-    Use(recovery.reading);
-    m_isToBeLeftAlone = !recovery.isQuarantined;
-    m_isKnown = recovery.isQuarantined || recovery.reading.state != DocumentFile::State::Missing;
-    if (!recovery.isInPlace) {
-        ChangeAll();
-        m_isChanged = recovery.isQuarantined; // the next save tries again
-    }
-}
-
-void ConfigDocument::Use(const DocumentFile::Reading& reading)
-{
-    if (!reading.text) {
+    const LoadedDocument loaded = LoadDocument(m_file, m_access);
+    m_notice = loaded.notice;
+    if (!loaded.reading.values) {
         m_notice =
             QStringLiteral("%1 cannot be read at the moment, so nothing in it is known, and nothing is saved to it")
                 .arg(m_file);
-        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
-        m_isToBeLeftAlone = true;
+        m_isWriteProtected = true;
         m_isKnown = false;
-        return;
+    } else {
+        TakeOver(*loaded.reading.values);
+        m_fingerprint = FingerprintOf(loaded.reading.content);
     }
-    TakeOver(reading.text->Values());
-    m_fingerprint = FingerprintOf(reading.content);
+    if (loaded.isRecovered) {
+        m_isWriteProtected = !loaded.isQuarantined;
+        m_isKnown = loaded.isQuarantined || loaded.reading.state == DocumentReading::State::Valid;
+    }
+    if (!loaded.isInPlace) {
+        MarkAllChanged();
+        m_isChanged = loaded.isQuarantined; // the next save tries again
+    }
+    if (!m_notice.isEmpty())
+        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
 }
 
-void ConfigDocument::ChangeAll()
+void ConfigDocument::MarkAllChanged()
 {
     m_removed.clear();
     for (Entry& entry : m_entries)
@@ -138,105 +118,66 @@ bool ConfigDocument::Save()
 {
     if (m_file.isEmpty() || !m_isChanged)
         return true;
+    if (m_access == DocumentAccess::ReadOnly)
+        return Fail(__LINE__, QStringLiteral("the configuration was opened read-only"));
 
-    const auto fail = [this](int line, const char* reason) {
-        Trace(line, [&] {
-            return QStringLiteral("ConfigDocument::Save(): Could not save %1: %2")
-                .arg(m_file, QString::fromLatin1(reason));
-        });
-        return false;
-    };
+    DocumentTransaction transaction(m_file);
+    if (!transaction.Begin() || !Write(transaction))
+        return Fail(__LINE__, transaction.Error());
+    transaction.Commit();
 
-    if (m_access == Access::ReadOnly)
-        return fail(__LINE__, "the configuration was opened to look at it");
-    const DocumentFile file(m_file);
-    const auto lock = file.Lock();
-    if (!lock)
-        return fail(__LINE__, "its lock cannot be taken");
-    file.RemoveLeftovers();
-
-    auto before = file.Read();
-    using State = DocumentFile::State;
-    if (m_isToBeLeftAlone && before.state != State::Missing)
-        return fail(__LINE__, "the file that is there could not be read at first, nor kept aside");
-
-    std::optional<QString> aside;
-    switch (before.state) {
-    case State::Missing:
-        if (m_fingerprint != FingerprintOf({})) // taken away since it was read; the working copy knows what was in it
-            ChangeAll();
-        break;
-    case State::Whole:
-        break;
-    case State::Unavailable:
-        return fail(__LINE__, "the file that is there cannot be read at the moment");
-    case State::Damaged:
-    case State::Unreadable:
-        // So since it was read. The working copy still knows what was in it.
-        aside = file.Quarantine();
-        if (!aside)
-            return fail(__LINE__, "what is in its place cannot be read, nor moved aside");
-        before.content.clear();
-        before.text = std::make_unique<IniText>(before.content);
-        ChangeAll();
-        break;
-    }
-
-    const bool wasDamaged = before.state == State::Damaged;
-    const QByteArray after = Merge(*before.text);
-    if (after.size() > kLargestDocument) {
-        if (aside)
-            file.UndoQuarantine(*aside);
-        return fail(__LINE__, "it would be too large to be read again");
-    }
-    if (after != before.content && !Replace(file, before, after)) {
-        if (aside)
-            file.UndoQuarantine(*aside);
-        return fail(__LINE__, "the file cannot be written");
-    }
-    lock->unlock(); // others need not wait for the rest
-    if (aside) {
-        m_notice =
-            QStringLiteral("%1 %2, kept as %3; what was known of it is saved in its place")
-                .arg(m_file, wasDamaged ? QStringLiteral("is damaged") : QStringLiteral("cannot be read"), *aside);
+    if (const auto& quarantined = transaction.Quarantined()) {
+        const DocumentReading& before = transaction.Before();
+        m_notice = QStringLiteral("%1 %2, quarantined as %3; what was known of it is saved in its place")
+                       .arg(m_file,
+                            before.state == DocumentReading::State::Damaged
+                                ? QStringLiteral("is damaged (%1)").arg(before.error)
+                                : QStringLiteral("cannot be read"),
+                            *quarantined);
         Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Save(): %1").arg(m_notice); });
     }
-
-    if (m_fingerprint != FingerprintOf(before.content))
-        TakeOver(before.text->Values());
-    else // nobody else wrote: the working copy is what the file holds
-        for (Entry& entry : m_entries)
-            entry.isChanged = false;
     m_removed.clear();
     m_isChanged = false;
-    m_isToBeLeftAlone = false;
+    m_isWriteProtected = false;
     m_isKnown = true;
-    m_fingerprint = FingerprintOf(after);
     return true;
 }
 
-QByteArray ConfigDocument::Merge(IniText& text) const
+/// Merges the changes into what the file holds, and takes the result over.
+bool ConfigDocument::Write(DocumentTransaction& transaction)
+{
+    const DocumentReading& before = transaction.Before();
+    const bool isMissing = before.state == DocumentReading::State::Missing;
+    if (m_isWriteProtected && !isMissing)
+        return transaction.Fail("the file could neither be read nor quarantined when it was opened");
+
+    // Removed, damaged or made unreadable since it was read: the working copy still knows the content.
+    if (before.NeedsRecovery() || (isMissing && m_fingerprint != FingerprintOf({})))
+        MarkAllChanged();
+    DocumentText::Values values = before.values.value_or(DocumentText::Values());
+    Apply(values);
+    QByteArray content = before.content;
+    if (values != before.values) {
+        content = DocumentText::Write(values);
+        if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
+            return false;
+    }
+    TakeOver(values);
+    m_fingerprint = FingerprintOf(content);
+    return true;
+}
+
+void ConfigDocument::Apply(DocumentText::Values& values) const
 {
     for (const QString& path : m_removed)
-        text.Remove(path);
+        RemoveTree(values, path);
     for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it)
         if (it->isChanged)
-            text.Set(it.key(), it->text);
-    return text.Text();
+            values.insert(it.key(), it->text);
 }
 
-// Call while holding the lock.
-bool ConfigDocument::Replace(const DocumentFile& file, const DocumentFile::Reading& before, const QByteArray& after)
+bool ConfigDocument::Fail(int line, const QString& reason) const
 {
-    const VersionFolder versions(file.Path());
-    std::optional<QString> kept;
-    if (!before.text->IsEmpty())
-        kept = versions.Keep(before.content);
-    if (!file.Replace(after)) {
-        VersionFolder::Forget(kept);
-        return false;
-    }
-    if (kept)
-        versions.Prune();
-    return true;
+    Trace(line, [&] { return QStringLiteral("ConfigDocument::Save(): Could not save %1: %2").arg(m_file, reason); });
+    return false;
 }

@@ -1,68 +1,47 @@
 #pragma once
 
-#include "platform/config/initext.h"
+#include "platform/config/documenttext.h"
 
 #include <QByteArray>
-#include <QLockFile>
 #include <QString>
 #include <QtGlobal>
 
-#include <memory>
 #include <optional>
 
-/// In bytes. What is larger was not made by any program that saves documents: it is damaged. The largest list that can
-/// be imported takes half of this.
+/// The largest document that is read or written, in bytes. The largest list that can be imported takes half of it.
 constexpr qint64 kLargestDocument = qint64{256} * 1024 * 1024;
 
-/// The file of one document, treated so that nothing in it is lost: written whole, and never thrown away for being
-/// damaged.
-class DocumentFile
+/// What reading a document's file, or one of its versions, gave.
+struct DocumentReading
 {
-public:
-    explicit DocumentFile(QString path);
-
-    const QString& Path() const { return m_path; }
-
     enum class State {
         Missing,
-        Whole,
-        Damaged,    ///< not the text of a document, or too large for one
-        Unreadable, ///< no file but something else, or not for us to read
-        Unavailable ///< this process lacks what reading takes, such as descriptors; may be different soon
+        Valid,
+        Damaged,    ///< not the text of a document, or larger than `kLargestDocument`
+        Unreadable, ///< not a regular file, or no permission to read it
+        Unavailable ///< the process has run out of a resource, such as file descriptors; may pass
     };
-    struct Reading
-    {
-        State state = State::Unavailable;
-        QByteArray content;
-        std::unique_ptr<IniText> text; ///< of a missing or whole document: its content, taken apart; else null
-    };
-    Reading Read() const;
+    State state = State::Unavailable;
+    QByteArray content;
+    std::optional<DocumentText::Values> values; ///< of a missing (no values) or valid document
+    QString error;                              ///< of a damaged document: where and why
 
-    /// Takes the document's lock: nobody else changes the file, or anything that belongs to it, while the result
-    /// lives. Creates the file's folder. Null when that could not be done in some seconds.
-    std::unique_ptr<QLockFile> Lock() const;
-
-    // The rest: only while holding the lock.
-
-    /// Replaces the file's content at once and durably: at every moment the file is the old one or the new one.
-    /// False: it is as it was.
-    bool Replace(const QByteArray& content) const;
-
-    /// Gives what is there a second name, beside it, which is returned; where the system allows it, the first name
-    /// stays, so that there is never no file. Nothing when neither worked.
-    std::optional<QString> Quarantine() const;
-    /// Undoes that as long as the document has not been replaced.
-    void UndoQuarantine(const QString& aside) const;
-
-    /// Removes what killed processes left beside the file: they had not finished writing it.
-    void RemoveLeftovers() const;
-
-private:
-    const QString m_path;
+    /// True if the file holds no document and reading it again would not help.
+    bool NeedsRecovery() const { return state == State::Damaged || state == State::Unreadable; }
 };
 
-/// Reads any file that holds the text of a document. One without a single byte counts as whole.
-DocumentFile::Reading ReadDocument(const QString& file);
+DocumentReading ReadDocument(const QString& file);
 
-/// Whether two names stand for one and the same file.
+/// Replaces the content of `file` atomically and durably; see `WriteAtomically`.
+bool ReplaceDocument(const QString& file, const QByteArray& content);
+
+/// Gives a damaged or unreadable document a second name beside it, "<file>.damaged-<time>", and returns that name.
+/// Where the file system has hard links, the first name stays valid until the document is replaced. Call only while
+/// holding the document's lock.
+std::optional<QString> QuarantineDocument(const QString& file);
+
+/// Undoes `QuarantineDocument`, as long as `file` has not been replaced.
+void UndoQuarantine(const QString& file, const QString& quarantined);
+
+/// True if both names lead to the same file.
 bool IsSameFile(const QString& one, const QString& other);

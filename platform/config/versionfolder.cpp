@@ -49,7 +49,7 @@ QDateTime TimeOf(const QString& name)
 
 bool IsVersionName(const QString& name)
 {
-    static const QRegularExpression form(QStringLiteral("^[0-9]{8}-[0-9]{8}T[0-9]{6}\\.[0-9]{3}Z\\.ini$"));
+    static const QRegularExpression form(QStringLiteral("^[0-9]{8}-[0-9]{8}T[0-9]{6}\\.[0-9]{3}Z\\.json$"));
     return form.match(name).hasMatch() && TimeOf(name).isValid();
 }
 
@@ -69,7 +69,7 @@ VersionFolder::VersionFolder(QString document)
 
 QString VersionFolder::Path() const
 {
-    // No document's file or folder has this name: theirs have no dot but the one before "ini".
+    // No document has this name: the only dot in theirs is the one before "json".
     return m_document + QStringLiteral(".versions");
 }
 
@@ -84,21 +84,21 @@ QList<ConfigVersion> VersionFolder::List() const
     return versions;
 }
 
-std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
+VersionFolder::Kept VersionFolder::Keep(const QByteArray& content) const
 {
-    const auto fail = [this](int line, const char* reason) -> std::optional<QString> {
+    const auto fail = [this](int line, const char* reason) -> Kept {
         Trace(line, [&] {
-            return QStringLiteral("VersionFolder::Keep(): %1 is saved without keeping what it was before: %2")
+            return QStringLiteral("VersionFolder::Keep(): %1 is saved without keeping its earlier version: %2")
                 .arg(m_document, QString::fromLatin1(reason));
         });
-        return std::nullopt;
+        return {Outcome::Failed, {}};
     };
 
     const QString folder = Path();
     if (!CreateFolder(folder))
         return fail(__LINE__, "the folder for versions cannot be created");
     QStringList names = Names();
-    // Somebody has put a file there with a number that leaves no room.
+    // A file that somebody else put there may have a number that leaves no higher one.
     if (!names.isEmpty() && NumberOf(names.front()) >= kLastNumber) {
         Renumber(names);
         names = Names();
@@ -107,14 +107,13 @@ std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
     if (!newest.isEmpty()) {
         const QString newestFile = folder + u'/' + newest;
         if (IsSameFile(newestFile, m_document) || Holds(newestFile, content))
-            return QString();
+            return {Outcome::AlreadyNewest, {}};
         if (NumberOf(newest) >= kLastNumber)
-            return fail(__LINE__, "the numbers are used up and cannot be given anew");
+            return fail(__LINE__, "the numbers are used up and the files cannot be renumbered");
     }
 
-    // A second name for the file costs next to nothing, and cannot differ from it nor fill the disk. Replacing the
-    // document gives that name a new file and leaves this one alone. Not every file system has second names.
-    // Whatever loses this name in a loss of power loses the replacement as well, or just a version.
+    // A hard link costs next to nothing, cannot differ from the document, and does not fill the disk. Replacing the
+    // document leaves the link's file alone. Not every file system has hard links.
     const QString file = folder + u'/' + NextName(newest);
     const QFileInfo document(m_document);
     std::error_code error;
@@ -122,13 +121,7 @@ std::optional<QString> VersionFolder::Keep(const QByteArray& content) const
                                       QFileInfo(file).filesystemFilePath(), error);
     if (error && !Retry([&] { return WriteAtomically(file, content); }))
         return fail(__LINE__, "the folder for versions cannot be written");
-    return file;
-}
-
-void VersionFolder::Forget(const std::optional<QString>& kept)
-{
-    if (kept && !kept->isEmpty())
-        QFile::remove(*kept);
+    return {Outcome::Added, file};
 }
 
 void VersionFolder::Prune() const
@@ -152,7 +145,7 @@ QString VersionFolder::NextName(const QString& newest) const
 {
     const qulonglong number = newest.isEmpty() ? 1 : NumberOf(newest) + 1;
     const auto nameOf = [number](const QDateTime& time) {
-        return QStringLiteral("%1-%2Z.ini").arg(Digits(number), time.toString(kTimeFormat));
+        return QStringLiteral("%1-%2Z.json").arg(Digits(number), time.toString(kTimeFormat));
     };
     const QString name = nameOf(QFileInfo(m_document).lastModified().toUTC());
     return IsVersionName(name) ? name : nameOf(QDateTime::currentDateTimeUtc()); // a file can claim any year
@@ -174,7 +167,7 @@ void VersionFolder::Renumber(const QStringList& names) const
 // Newest first.
 QStringList VersionFolder::Names() const
 {
-    QStringList names = QDir(Path()).entryList({QStringLiteral("*-*Z.ini")}, QDir::Files, QDir::NoSort);
+    QStringList names = QDir(Path()).entryList({QStringLiteral("*-*Z.json")}, QDir::Files, QDir::NoSort);
     names.removeIf([](const QString& name) { return !IsVersionName(name); });
     std::sort(names.begin(), names.end(), std::greater<>());
     return names;

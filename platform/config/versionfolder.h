@@ -1,17 +1,15 @@
 #pragma once
 
-#include "platform/configversions.h"
+#include "platform/configversion.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QString>
 
-#include <optional>
-
-/// The folder beside a document that holds its earlier states, one file each.
+/// The folder beside a document that holds its earlier versions, one file each.
 ///
-/// The files are numbered, as clocks go backwards and two saves fit into one tick of them. The names carry the time
-/// all the same, for people: "00000017-20260304T101112.345Z.ini".
+/// The files are numbered, because clocks go backwards and two saves fit into one tick. The time in the name is for
+/// people: "00000017-20260304T101112.345Z.json".
 class VersionFolder
 {
 public:
@@ -19,21 +17,26 @@ public:
 
     QString Path() const;
 
-    /// Newest first. A file that is at the same time the document is not among them: a process was killed after it
-    /// kept the document and before it replaced it.
+    /// The versions, newest first. A file that is the document itself is not a version: a process was killed after it
+    /// linked the document and before it replaced it.
     QList<ConfigVersion> List() const;
 
-    // The rest: only while holding the document's lock.
+    enum class Outcome {
+        Added,
+        AlreadyNewest, ///< the newest version has this content
+        Failed         ///< traced
+    };
+    struct Kept
+    {
+        Outcome outcome = Outcome::Failed;
+        QString file; ///< of an added version
+    };
+    /// Adds the document's file, which holds `content`, to the versions, so that it outlasts the document's
+    /// replacement. Call only while holding the document's lock.
+    Kept Keep(const QByteArray& content) const;
 
-    /// Keeps the document's file, which holds `content`, so that replacing it leaves a version. Returns the file that
-    /// was made for that, an empty name where the newest version has this content already, nothing, with a trace, when
-    /// it could not be kept.
-    std::optional<QString> Keep(const QByteArray& content) const;
-
-    /// Takes back what `Keep` has returned, as the document was not replaced.
-    static void Forget(const std::optional<QString>& kept);
-
-    /// Removes the oldest versions where there are too many, and what a killed process left unfinished.
+    /// Removes the oldest versions beyond ten, and temporary files of killed processes. Call only while holding the
+    /// document's lock.
     void Prune() const;
 
 private:

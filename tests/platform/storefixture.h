@@ -26,7 +26,7 @@ public:
     void Reopen() const { CfgCenter::Open(m_store.path()); }
 
     QString Path(const QString& name) const { return m_store.filePath(name); }
-    QString Document() const { return Path(QStringLiteral("shared/Document.ini")); }
+    QString Document() const { return Path(QStringLiteral("shared/Document.json")); }
     QString Versions() const { return Document() + QStringLiteral(".versions"); }
 
     static ICfg* Root() { return CfgCenter::CreateCfg(QStringLiteral("Document"), View::Shared, {}); }
@@ -37,10 +37,10 @@ public:
         return CfgCenter::SaveDocument();
     }
 
-    /// What was kept aside of the document, by name.
-    QStringList Aside() const
+    /// The names of the quarantined copies of the document.
+    QStringList Quarantined() const
     {
-        return QDir(Path(QStringLiteral("shared"))).entryList({QStringLiteral("Document.ini.damaged-*")});
+        return QDir(Path(QStringLiteral("shared"))).entryList({QStringLiteral("Document.json.damaged-*")});
     }
 
 private:

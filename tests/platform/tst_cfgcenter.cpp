@@ -335,33 +335,6 @@ private slots:
         }
     }
 
-    // Where names that differ in case only are one name, the file must not hold two such names.
-    void fileHoldsNoNamesThatDifferInCaseOnly()
-    {
-        for (const QString& name : {QStringLiteral("Name"), QStringLiteral("name"), QStringLiteral("NAME")}) {
-            Document()->SetString(name, name, 0);
-            Child(Document(), name)->SetString(kKey, name, 0);
-        }
-        QVERIFY(CfgCenter::SaveDocument());
-        QFile file(m_store->filePath(QStringLiteral("application/Document.ini")));
-        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        QSet<QString> sections;
-        QSet<QString> keys;
-        while (!file.atEnd()) {
-            const QString line = QString::fromUtf8(file.readLine()).trimmed().toLower();
-            if (line.startsWith(u'[')) {
-                QVERIFY2(!sections.contains(line), qUtf8Printable(line));
-                sections.insert(line);
-                keys.clear();
-            } else if (!line.isEmpty()) {
-                const QString key = line.section(u'=', 0, 0);
-                QVERIFY2(!keys.contains(key), qUtf8Printable(key));
-                keys.insert(key);
-            }
-        }
-        QCOMPARE(sections.size(), 4); // the root and three nodes
-    }
-
     void anyTextIsAValue_data()
     {
         QTest::addColumn<QString>("value");
@@ -426,18 +399,12 @@ private slots:
         CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, {})->SetInt(kKey, 1, 0);
         CfgCenter::GetAppCfg(View::User)->SetInt(kKey, 1, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(Files(), QStringList({QStringLiteral("application/Administration.ini"),
-                                       QStringLiteral("shared/KiteResources/ConnectData.ini"),
-                                       QStringLiteral("user/@application.ini")}));
-        QFile file(m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.ini")));
-        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        const QByteArrayList lines = file.readAll().split('\n');
-        QCOMPARE(lines.size(), 5);
-        QVERIFY(lines.at(0).startsWith("; "));
-        QCOMPARE(lines.at(1), QByteArray("[General]"));
-        QCOMPARE(lines.at(2), QByteArray("ConnectionCount=3"));
-        QVERIFY(lines.at(3).startsWith("; "));
-        QVERIFY(lines.at(4).isEmpty());
+        QCOMPARE(Files(), QStringList({QStringLiteral("application/Administration.json"),
+                                       QStringLiteral("shared/KiteResources/ConnectData.json"),
+                                       QStringLiteral("user/@application.json")}));
+        QFile file(m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.json")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("{\n    \"values\": {\n        \"ConnectionCount\": \"3\"\n    }\n}"));
     }
 
     void readingMakesNoFile()
@@ -454,7 +421,7 @@ private slots:
         // Names of files end there.
         AddAwkwardNames(200);
         QTest::newRow("device") << QStringLiteral("CON/nul/Com1");
-        QTest::newRow("folder named as a file") << QStringLiteral("a.ini/b.ini.lock/c");
+        QTest::newRow("folder named as a file") << QStringLiteral("a.json/b.json.lock/c");
         QTest::newRow("trailing dot and space") << QStringLiteral("a./b ");
         QTest::newRow("home") << QStringLiteral("~/a");
     }
@@ -483,12 +450,24 @@ private slots:
 
     void documentsWithNamesThatAreAlikeAreApart()
     {
-        const QStringList names{QStringLiteral("a"),    QStringLiteral("a.ini"),        QStringLiteral("a.ini/a"),
-                                QStringLiteral("a/a"),  QStringLiteral("/a"),           QStringLiteral("a/"),
-                                QStringLiteral("a//a"), QStringLiteral("a\\a"),         QStringLiteral("a%2Fa"),
-                                QStringLiteral("./a"),  QStringLiteral("../a"),         QStringLiteral("b/../a"),
-                                QStringLiteral("."),    QStringLiteral(".."),           QString(),
-                                QStringLiteral("%"),    QStringLiteral("a.ini.lock/a"), QStringLiteral("a.ini.lock")};
+        const QStringList names{QStringLiteral("a"),
+                                QStringLiteral("a.json"),
+                                QStringLiteral("a.json/a"),
+                                QStringLiteral("a/a"),
+                                QStringLiteral("/a"),
+                                QStringLiteral("a/"),
+                                QStringLiteral("a//a"),
+                                QStringLiteral("a\\a"),
+                                QStringLiteral("a%2Fa"),
+                                QStringLiteral("./a"),
+                                QStringLiteral("../a"),
+                                QStringLiteral("b/../a"),
+                                QStringLiteral("."),
+                                QStringLiteral(".."),
+                                QString(),
+                                QStringLiteral("%"),
+                                QStringLiteral("a.json.lock/a"),
+                                QStringLiteral("a.json.lock")};
         for (const QString& name : names)
             Document(name)->SetString(kKey, QStringLiteral("<%1>").arg(name), 0);
         QVERIFY(CfgCenter::SaveDocument());

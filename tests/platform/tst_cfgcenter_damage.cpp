@@ -1,3 +1,4 @@
+#include "files/filelock.h"
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
@@ -5,9 +6,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QRandomGenerator>
-#include <QSettings>
 #include <QTest>
 
 namespace {
@@ -55,13 +54,14 @@ private slots:
         QVERIFY(notices.lines.isEmpty()); // nobody has asked for it
         QCOMPARE(m_store->Number(), 2);
         QCOMPARE(Files::Read(m_store->Document()), version);
-        QCOMPARE(m_store->Aside().size(), 1);
-        QCOMPARE(Files::Read(AsideFile()), QByteArray("damage"));
+        QCOMPARE(m_store->Quarantined().size(), 1);
+        QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage"));
 
         QCOMPARE(notices.lines.size(), 1);
         const QString line = notices.lines.front();
         QVERIFY(!line.contains(u'\n'));
-        QVERIFY(line.contains(m_store->Document() + QStringLiteral(" is damaged, kept as ") + AsideFile()));
+        QVERIFY(line.startsWith(m_store->Document() + QStringLiteral(" is damaged (line 1: ")));
+        QVERIFY(line.contains(QStringLiteral("), quarantined as ") + QuarantinedFile()));
         QVERIFY(line.endsWith(QStringLiteral("using the version of %1 instead")
                                   .arg(saved.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))));
         QCOMPARE(traces.Messages().size(), 1);
@@ -106,7 +106,7 @@ private slots:
         QCOMPARE(notices.lines.size(), 1);
         QVERIFY(notices.lines.front().contains(QLatin1String("empty")));
         QVERIFY(!QFile::exists(m_store->Document()));
-        QCOMPARE(Files::Read(AsideFile()), QByteArray("damage, too"));
+        QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage, too"));
         QVERIFY(m_store->Save(3));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
@@ -119,7 +119,7 @@ private slots:
             QVERIFY(m_store->Save(i));
         }
         QVERIFY(Files::Write(m_store->Document(), "damage"));
-        QVERIFY(Files::Write(m_store->Path(QStringLiteral("user/@application.ini")), "damage"));
+        QVERIFY(Files::Write(m_store->Path(QStringLiteral("user/@application.json")), "damage"));
         QStringList lines;
         int numberThen = 0;
         CfgCenter::SetNoticeSink([&](const QString& line) {
@@ -140,14 +140,13 @@ private slots:
         QCOMPARE(lines.size(), 2);
     }
 
-    // Wherever the text ends too early, also between two lines, which leaves what would else be a document.
-    void textCutOffAnywhereIsDamaged_data()
+    void truncatedTextIsDamaged_data()
     {
         QTest::addColumn<bool>("hasVersion");
         QTest::newRow("with a version") << true;
         QTest::newRow("without") << false;
     }
-    void textCutOffAnywhereIsDamaged()
+    void truncatedTextIsDamaged()
     {
         QFETCH(bool, hasVersion);
         if (hasVersion)
@@ -157,29 +156,16 @@ private slots:
                 ->SetString(kText, QStringLiteral("Stra\u00dfe"), 0);
         QVERIFY(m_store->Save(2));
         const QByteArray whole = Files::Read(m_store->Document());
-        QVERIFY(whole.size() > 150);
-        QVERIFY(whole.endsWith('\n'));
-
-        qsizetype lineEnd = whole.size() - 1;
-        if (whole.at(lineEnd - 1) == '\r')
-            --lineEnd;
-        for (qsizetype length = hasVersion ? 0 : 1; length < lineEnd; ++length) {
+        for (qsizetype length = 0; length < whole.size(); ++length) {
             const Notices notices;
             QVERIFY(Files::Write(m_store->Document(), whole.first(length)));
             m_store->Reopen();
             QVERIFY2(m_store->Number() == (hasVersion ? 1 : -1), qPrintable(QString::number(length)));
             QCOMPARE(notices.lines.size(), 1);
-            QCOMPARE(m_store->Aside().size(), 1);
-            QCOMPARE(Files::Read(AsideFile()), whole.first(length));
-            QVERIFY(QFile::remove(AsideFile()));
+            QCOMPARE(m_store->Quarantined().size(), 1);
+            QCOMPARE(Files::Read(QuarantinedFile()), whole.first(length));
+            QVERIFY(QFile::remove(QuarantinedFile()));
         }
-
-        // Nothing that is said is missing.
-        const Notices notices;
-        QVERIFY(Files::Write(m_store->Document(), whole.first(lineEnd)));
-        m_store->Reopen();
-        QCOMPARE(m_store->Number(), 2);
-        QVERIFY(notices.lines.isEmpty());
     }
 
     void overwrittenTextIsDamaged_data()
@@ -213,71 +199,6 @@ private slots:
         }
     }
 
-    void whatOthersMakeOfTheTextIsRead_data()
-    {
-        QTest::addColumn<QByteArray>("before"); // as a regular text with one place to be replaced
-        QTest::addColumn<QByteArray>("after");
-        QTest::addColumn<bool>("isCommented");
-        QTest::newRow("a value typed over") << QByteArray("Number=2") << QByteArray("Number=3") << true;
-        QTest::newRow("a key typed in") << QByteArray("[General]") << QByteArray("[General]\nOther=1") << true;
-        QTest::newRow("a key typed behind the end") << QByteArray() << QByteArray("\n[A]\nb=1\n") << true;
-        QTest::newRow("the last line's name inside")
-            << QByteArray("[General]") << QByteArray("; end of file\n[General]\nOther=1") << true;
-        QTest::newRow("no comments") << QByteArray() << QByteArray() << false;
-    }
-    void whatOthersMakeOfTheTextIsRead()
-    {
-        QFETCH(QByteArray, before);
-        QFETCH(QByteArray, after);
-        QFETCH(bool, isCommented);
-        QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Save(2));
-        QByteArray text = Files::Read(m_store->Document());
-        text.replace("\r\n", "\n");
-        if (before.isEmpty())
-            text += after;
-        else
-            text.replace(before, after);
-        if (!isCommented) {
-            QByteArrayList lines = text.split('\n');
-            lines.removeIf([](const QByteArray& line) { return line.startsWith(';'); });
-            text = lines.join('\n');
-        }
-        QByteArray crlf = text;
-        crlf.replace("\n", "\r\n");
-        const int number = text.contains("Number=3") ? 3 : 2;
-        const Notices notices;
-        for (const QByteArray& content : {text, crlf, QByteArray("\xef\xbb\xbf") + text}) {
-            QVERIFY(Files::Write(m_store->Document(), content));
-            m_store->Reopen();
-            QCOMPARE(m_store->Number(), number);
-            QVERIFY(m_store->Save(20));
-            m_store->Reopen();
-            QCOMPARE(m_store->Number(), 20);
-            QCOMPARE(Files::Read(m_store->Document()).count("; end of file"), 1);
-        }
-        QVERIFY2(notices.lines.isEmpty(), qPrintable(notices.lines.join(u'\n')));
-    }
-
-    void programsThatUseTheFormatDirectlyAreRead()
-    {
-        QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Save(2));
-        {
-            QSettings settings(m_store->Document(), QSettings::IniFormat);
-            QCOMPARE(settings.allKeys(), QStringList({QStringLiteral("Number")}));
-            settings.setValue(QStringLiteral("Theirs"), 5);
-        }
-        const Notices notices;
-        m_store->Root()->SetInt(QStringLiteral("Ours"), 6, 0);
-        QVERIFY(CfgCenter::SaveDocument());
-        m_store->Reopen();
-        QCOMPARE(m_store->Number(), 2);
-        QCOMPARE(m_store->Root()->GetInt(QStringLiteral("Theirs"), 0, 0), 5);
-        QCOMPARE(m_store->Root()->GetInt(QStringLiteral("Ours"), 0, 0), 6);
-        QVERIFY(notices.lines.isEmpty());
-    }
-
     void aFolderInThePlaceIsQuarantined()
     {
         QVERIFY(m_store->Save(1));
@@ -288,8 +209,8 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);
         QCOMPARE(notices.lines.size(), 1);
-        QVERIFY(notices.lines.front().contains(QLatin1String(" cannot be read, kept as ")));
-        QVERIFY(QDir(AsideFile() + QStringLiteral("/inside")).exists());
+        QVERIFY(notices.lines.front().contains(QLatin1String(" cannot be read, quarantined as ")));
+        QVERIFY(QDir(QuarantinedFile() + QStringLiteral("/inside")).exists());
         QVERIFY(QFileInfo(m_store->Document()).isFile());
     }
 
@@ -301,8 +222,9 @@ private slots:
         QVERIFY(Files::Write(m_store->Document(), "damage"));
         Notices notices;
         {
-            QLockFile lock(m_store->Document() + QStringLiteral(".lock"));
-            QVERIFY(lock.lock());
+            FileLock lock;
+            QString error;
+            QCOMPARE(lock.TryLock(m_store->Document() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
             m_store->Reopen();
             QCOMPARE(m_store->Number(), 1);
         }
@@ -314,7 +236,7 @@ private slots:
             QCOMPARE(traces.Messages().size(), 1);
         }
         QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
-        QVERIFY(m_store->Aside().isEmpty());
+        QVERIFY(m_store->Quarantined().isEmpty());
 
         // Once it is gone there is nothing to lose, and all that is shown is saved.
         m_store->Root()->SetString(kText, kText, 0);
@@ -336,22 +258,6 @@ private slots:
         QCOMPARE(m_store->Number(), -1);
         QVERIFY(!QFile::exists(m_store->Document()));
         QVERIFY(notices.lines.isEmpty());
-    }
-
-    void emptyFileIsDamageOnlyWithAHistory()
-    {
-        QVERIFY(m_store->Save(1));
-        QVERIFY(Files::Write(m_store->Document(), QByteArray()));
-        const Notices notices;
-        m_store->Reopen();
-        QCOMPARE(m_store->Number(), -1);
-        QVERIFY(notices.lines.isEmpty());
-        QVERIFY(m_store->Save(1));
-        QVERIFY(m_store->Save(2));
-        QVERIFY(Files::Write(m_store->Document(), QByteArray()));
-        m_store->Reopen();
-        QCOMPARE(m_store->Number(), 1);
-        QCOMPARE(notices.lines.size(), 1);
     }
 
     void fileTakenAwayMeanwhileComesBackWhole()
@@ -376,7 +282,7 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), kText);
-        QCOMPARE(m_store->Aside().size(), 1);
+        QCOMPARE(m_store->Quarantined().size(), 1);
         QCOMPARE(VersionCount(), 1);
     }
 
@@ -386,7 +292,10 @@ private:
         return ConfigVersions(View::Shared, QStringLiteral("Document")).List().value(number).file;
     }
     qsizetype VersionCount() const { return ConfigVersions(View::Shared, QStringLiteral("Document")).List().size(); }
-    QString AsideFile() const { return m_store->Path(QStringLiteral("shared/")) + m_store->Aside().value(0); }
+    QString QuarantinedFile() const
+    {
+        return m_store->Path(QStringLiteral("shared/")) + m_store->Quarantined().value(0);
+    }
 
     std::optional<StoreFixture> m_store;
 };

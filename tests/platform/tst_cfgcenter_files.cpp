@@ -1,3 +1,4 @@
+#include "files/filelock.h"
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
@@ -7,9 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
-#include <QSettings>
-#include <QSize>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -68,7 +66,7 @@ private slots:
         QVERIFY(QDir(deep).isEmpty());
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(QFile::exists(deep + QStringLiteral("/shared/Document.ini")));
+        QVERIFY(QFile::exists(deep + QStringLiteral("/shared/Document.json")));
     }
 
     void openRefusesWhatCannotBeUsed_data()
@@ -100,7 +98,7 @@ private slots:
         QVERIFY(!QFile::exists(DocumentFile()));
     }
 
-    void openToLookMakesAndWritesNothing()
+    void readOnlyStoreIsNeitherMadeNorWritten()
     {
         const QString missing = m_store->filePath(QStringLiteral("not/there"));
         QVERIFY(!CfgCenter::OpenReadOnly(missing));
@@ -204,7 +202,7 @@ private slots:
         QVERIFY(CfgCenter::SaveDocument());
         Document()->SetString(kKey, kOther, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.json")}));
     }
 
     void saveThatFailsLeavesEverything()
@@ -217,8 +215,9 @@ private slots:
         Document()->SetString(kOther, kOther, 0);
 
         // Another process that hangs while it saves.
-        auto lock = std::make_unique<QLockFile>(DocumentFile() + QStringLiteral(".lock"));
-        QVERIFY(lock->lock());
+        auto lock = std::make_unique<FileLock>();
+        QString error;
+        QCOMPARE(lock->TryLock(DocumentFile() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
         {
             const TraceRecorder traces;
             QVERIFY(!CfgCenter::SaveDocument());
@@ -228,7 +227,7 @@ private slots:
         QCOMPARE(ReadFile(DocumentFile()), before);
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kOther);
         // It did not keep the other documents from their files.
-        QVERIFY(QFile::exists(m_store->filePath(QStringLiteral("user/@application.ini"))));
+        QVERIFY(QFile::exists(m_store->filePath(QStringLiteral("user/@application.json"))));
 
         lock.reset();
         QVERIFY(CfgCenter::SaveDocument());
@@ -244,8 +243,9 @@ private slots:
         const QString path = DocumentFile();
         Document()->SetString(kKey, kValue, 0);
         {
-            QLockFile lock(path + QStringLiteral(".lock"));
-            QVERIFY(lock.lock());
+            FileLock lock;
+            QString error;
+            QCOMPARE(lock.TryLock(path + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
             QVERIFY(!CfgCenter::SaveDocument());
         }
 
@@ -282,7 +282,7 @@ private slots:
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
         QCOMPARE(traces.Messages().size(), 1);
-        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.json")}));
         const QStringList aside =
             QDir(m_store->filePath(QStringLiteral("shared"))).entryList({QStringLiteral("*.damaged-*")}, QDir::Dirs);
         QCOMPARE(aside.size(), 1);
@@ -310,8 +310,9 @@ private slots:
         const QString asidePath = m_store->filePath(QStringLiteral("shared/") + aside.front());
         QVERIFY(QFile::exists(asidePath + QStringLiteral("/inside")));
         QCOMPARE(notices.size(), 1);
-        QVERIFY2(notices.front().contains(DocumentFile() + QStringLiteral(" cannot be read, kept as ") + asidePath),
-                 qPrintable(notices.front()));
+        QVERIFY2(
+            notices.front().contains(DocumentFile() + QStringLiteral(" cannot be read, quarantined as ") + asidePath),
+            qPrintable(notices.front()));
         QCOMPARE(traces.Messages().size(), 1);
         QVERIFY(traces.Messages().front().contains(notices.front()));
 
@@ -322,8 +323,7 @@ private slots:
         QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
     }
 
-    // What is there is not known to be less than what would be written.
-    void whatIsOpenedToLookCannotBeSaved()
+    void readOnlyStoreCannotBeSaved()
     {
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -339,7 +339,7 @@ private slots:
         QVERIFY(Files::Write(DocumentFile(), "damage"));
         QVERIFY(CfgCenter::OpenReadOnly(m_store->path()));
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
-        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.json")}));
         QCOMPARE(ReadFile(DocumentFile()), std::optional(QByteArray("damage")));
     }
 
@@ -354,28 +354,31 @@ private slots:
         QVERIFY(traces.Messages().isEmpty());
     }
 
-    // Of a process that was killed between making the lock and writing its name into it.
-    void lockWithoutAnOwnerIsNoObstacle()
+    // The lock of a process that was killed.
+    void leftoverLockIsNoObstacle()
     {
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(Files::Write(DocumentFile() + QStringLiteral(".lock"), QByteArray()));
         QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
+        QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.json")}));
     }
 
     void damagedFilesAreQuarantined_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("a line that says nothing") << QByteArray("[General]\nKey=Value\nKey\n");
-        QTest::newRow("section without an end") << QByteArray("[General\nKey=Value\n");
-        QTest::newRow("null bytes") << QByteArray("[General]\nKey=Value\n\0\0\0\0", 25);
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("comment") << QByteArray("{\n// mast\n\"values\": {\"Key\": \"Value\"}}");
+        QTest::newRow("trailing comma") << QByteArray("{\"values\": {\"Key\": \"Value\",}}");
+        QTest::newRow("null bytes behind it") << QByteArray("{\"values\": {}}\0\0\0\0", 18);
         QTest::newRow("only null bytes") << QByteArray(4096, '\0');
-        QTest::newRow("another encoding") << QByteArray("[General]\nKey=Stra\xdf"
-                                                        "e\n");
-        QTest::newRow("two bytes a letter") << QByteArray("\xff\xfe[\0G\0]\0", 8);
+        QTest::newRow("another encoding") << QByteArray("{\"values\": {\"Key\": \"Stra\xdf"
+                                                        "e\"}}");
+        QTest::newRow("UTF-16") << QByteArray("\xff\xfe{\0}\0", 6);
         QTest::newRow("a program") << QByteArray("\x7f"
                                                  "ELF\x02\x01\x01\n\xde\xad\xbe\xef");
         QTest::newRow("another format") << QByteArray("<?xml version='1.0'?>\n<Key>\nValue\n</Key>\n");
+        QTest::newRow("JSON of another form") << QByteArray("{\"Key\": \"Value\"}");
+        QTest::newRow("value that is no text") << QByteArray("{\"values\": {\"Key\": []}}");
     }
     void damagedFilesAreQuarantined()
     {
@@ -388,7 +391,7 @@ private slots:
         QVERIFY(!QFile::exists(DocumentFile()));
         QCOMPARE(SharedFiles().size(), 1);
         const QString aside = SharedFiles().front();
-        QVERIFY2(aside.startsWith(QLatin1String("Document.ini.damaged-2")), qUtf8Printable(aside));
+        QVERIFY2(aside.startsWith(QLatin1String("Document.json.damaged-2")), qUtf8Printable(aside));
         QCOMPARE(ReadFile(m_store->filePath(QStringLiteral("shared/") + aside)), content);
 
         Document()->SetString(kKey, kValue, 0);
@@ -435,88 +438,34 @@ private slots:
         QCOMPARE(Document()->GetString(kOther, kNone, 0), kOther);
     }
 
-    void emptyFilesAreEmptyDocuments()
+    void noticeNamesTheDamagedLine()
     {
-        QVERIFY(Files::Write(DocumentFile(), QByteArray()));
-        const TraceRecorder traces;
-        QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
-        QVERIFY(traces.Messages().isEmpty());
-        QCOMPARE(SharedFiles().size(), 1);
+        QVERIFY(Files::Write(DocumentFile(), "{\n  \"values\": {\n    \"Key\": \"Value\",\n  }\n}"));
+        QStringList notices;
+        CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
+        Document();
+        CfgCenter::SetNoticeSink({});
+        QCOMPARE(notices.size(), 1);
+        QVERIFY2(notices.front().contains(DocumentFile() + QStringLiteral(" is damaged (line 4: ")),
+                 qPrintable(notices.front()));
     }
 
-    void filesTypedByHandAreRead_data()
+    void fileTypedByHandIsRead()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("node");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        const QString root;
-        QTest::newRow("no section") << QByteArray("Key=Value") << root << kKey << kValue;
-        QTest::newRow("spaces") << QByteArray("[General]\n  Key  =  Value  \n") << root << kKey << kValue;
-        QTest::newRow("comments") << QByteArray("; a\n[Other]\n;Key=no\nKey=Value\n") << kOther << kKey << kValue;
-        QTest::newRow("other line ends") << QByteArray("[Other]\r\nKey=Value\r\n") << kOther << kKey << kValue;
-        QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf[Other]\nKey=Value\n") << kOther << kKey << kValue;
-        QTest::newRow("letters") << QByteArray("Key=Stra\xc3\x9f"
-                                               "e\n")
-                                 << root << kKey << QStringLiteral("Stra\u00dfe");
-        QTest::newRow("comma") << QByteArray("Key=Smith, John\n") << root << kKey << QStringLiteral("Smith, John");
-        QTest::newRow("commas and at") << QByteArray("Key=a, @b, c\n") << root << kKey << QStringLiteral("a, @b, c");
-        QTest::newRow("quoted comma") << QByteArray("Key=\"a,b\"\n") << root << kKey << QStringLiteral("a,b");
-        QTest::newRow("node in node") << QByteArray("[A]\nB\\Key=Value\n") << QStringLiteral("A") << QStringLiteral("B")
-                                      << kNone;
-        QTest::newRow("section twice") << QByteArray("[A]\nKey=Value\n[B]\nKey=b\n[A]\nOther=x\n")
-                                       << QStringLiteral("A") << kKey << kValue;
-        QTest::newRow("node General") << QByteArray("[%General]\nKey=Value\n") << QStringLiteral("General") << kKey
-                                      << kValue;
-        QTest::newRow("percent") << QByteArray("100%25=Value\n") << root << QStringLiteral("100%") << kValue;
-        QTest::newRow("no key") << QByteArray("=nothing\n[A]\n=nothing\nKey=Value\n") << QStringLiteral("A") << kKey
-                                << kValue;
-        QTest::newRow("no text") << QByteArray("Key=@Size(1 2)\n") << root << kKey << kNone;
-    }
-    void filesTypedByHandAreRead()
-    {
-        QFETCH(QByteArray, content);
-        QFETCH(QString, node);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        QVERIFY(Files::Write(DocumentFile(), content));
-        for (int round = 0; round < 2; ++round) {
-            if (node.isEmpty())
-                QCOMPARE(Document()->GetString(key, kNone, 0), value);
-            else
-                QCOMPARE(Child(node)->GetString(key, kNone, 0), value);
-            QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.ini")}));
-            // And the same after a save of something else.
-            Document()->SetString(QStringLiteral("Saved"), kValue, 0);
-            QVERIFY(CfgCenter::SaveDocument());
-            QVERIFY(CfgCenter::Open(m_store->path()));
-        }
-    }
-
-    void newKeysJoinTheNodeThatWasTypedByHand()
-    {
-        QVERIFY(Files::Write(DocumentFile(), "[Smith%20%26%20Co]\nA=1\n[%General]\nB=2\n"));
-        Child(QStringLiteral("Smith & Co"))->SetString(kKey, kValue, 0);
-        Child(QStringLiteral("General"))->SetString(kKey, kValue, 0);
-        QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(ReadFile(DocumentFile()).value_or(QByteArray()).count("Key=Value"), 2);
-        QCOMPARE(ReadFile(DocumentFile()).value_or(QByteArray()).count('['), 2);
-    }
-
-    void valuesOfOthersThatAreNoTextStay()
-    {
-        {
-            QSettings settings(DocumentFile(), QSettings::IniFormat);
-            settings.setValue(QStringLiteral("Size"), QSize(3, 4));
-            settings.setValue(kKey, 5);
-        }
-        QCOMPARE(Document()->GetString(QStringLiteral("Size"), kNone, 0), kNone);
+        QVERIFY(
+            Files::Write(DocumentFile(), "\xef\xbb\xbf{ \"values\" :\r\n{ \"Key\" :5,\"Other/Key\":\"Value\" } }\r\n"));
+        const QByteArray typed = Files::Read(DocumentFile());
         QCOMPARE(Document()->GetInt(kKey, 0, 0), 5);
+        QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
+        Document()->SetInt(kKey, 5, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(Files::Read(DocumentFile()), typed);
+
         Document()->SetInt(kKey, 6, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        const QSettings settings(DocumentFile(), QSettings::IniFormat);
-        QCOMPARE(settings.value(QStringLiteral("Size")).toSize(), QSize(3, 4));
-        QCOMPARE(settings.value(kKey).toInt(), 6);
+        QVERIFY(CfgCenter::Open(m_store->path()));
+        QCOMPARE(Document()->GetInt(kKey, 0, 0), 6);
+        QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
     }
 
     // Same size, and within one tick of the clock that stamps files: nothing but the content tells.
@@ -527,7 +476,7 @@ private slots:
         QVERIFY(CfgCenter::SaveDocument());
         const QDateTime stamp = QFileInfo(DocumentFile()).lastModified();
         QByteArray content = ReadFile(DocumentFile()).value_or(QByteArray());
-        content.replace("Other=1", "Other=2");
+        content.replace("\"Other\": \"1\"", "\"Other\": \"2\"");
         QVERIFY(Files::Write(DocumentFile(), content));
         QFile file(DocumentFile());
         QVERIFY(file.open(QIODevice::ReadWrite));
@@ -547,16 +496,16 @@ private slots:
     {
         QStringList names;
         for (const char* end : {".backup", ".before", ".aBcDeF", ".backup2", ".2024-1", ".unfinished", "~"})
-            names += QStringLiteral("Document.ini") + QString::fromLatin1(end);
-        names += {QStringLiteral("Document2.ini.aBcDeF"), QStringLiteral("Document.txt"), QStringLiteral(".hidden"),
-                  QStringLiteral(".unfinished-Document.ini")};
-        QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.ini.versions"))));
+            names += QStringLiteral("Document.json") + QString::fromLatin1(end);
+        names += {QStringLiteral("Document2.json.aBcDeF"), QStringLiteral("Document.txt"), QStringLiteral(".hidden"),
+                  QStringLiteral(".unfinished-Document.json")};
+        QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.json.versions"))));
         for (const QString& name : std::as_const(names)) {
             QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/") + name), "copy"));
-            QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + name), "copy"));
+            QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/Document.json.versions/") + name), "copy"));
         }
-        const QString version = QStringLiteral("00000001-20260102T030405.006Z.ini.backup");
-        QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/Document.ini.versions/") + version), "copy"));
+        const QString version = QStringLiteral("00000001-20260102T030405.006Z.json.backup");
+        QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/Document.json.versions/") + version), "copy"));
 
         for (const QString& value : {kValue, kOther, kNone}) {
             Document()->SetString(kKey, value, 0);
@@ -574,7 +523,7 @@ private slots:
         QStringList expected = names + QStringList{version};
         expected.sort();
         QCOMPARE(kept, expected);
-        expected = names + QStringList{QStringLiteral("Document.ini")};
+        expected = names + QStringList{QStringLiteral("Document.json")};
         expected.sort();
         QCOMPARE(SharedFiles(), expected);
     }
@@ -585,11 +534,11 @@ private slots:
         Document()->SetString(kKey, kOther, 0);
         QVERIFY(CfgCenter::SaveDocument());
         const QStringList left = {
-            QStringLiteral("shared/.unfinished-314e49b79b023203-0123456789abcdef"),
-            QStringLiteral("shared/.unfinished-314e49b79b023203-0123456789abcdef.aBcDeF"),
-            QStringLiteral("shared/Document.ini.versions/.unfinished-0123456789abcdef-0123456789abcdef.aBcDeF")};
+            QStringLiteral("shared/.unfinished-c1919cac7cac4ba5-0123456789abcdef"),
+            QStringLiteral("shared/.unfinished-c1919cac7cac4ba5-0123456789abcdef.aBcDeF"),
+            QStringLiteral("shared/Document.json.versions/.unfinished-0123456789abcdef-0123456789abcdef.aBcDeF")};
         const QString ofAnother = QStringLiteral(".unfinished-0000000000000000-0123456789abcdef");
-        QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.ini.versions"))));
+        QVERIFY(QDir().mkpath(m_store->filePath(QStringLiteral("shared/Document.json.versions"))));
         for (const QString& name : left)
             QVERIFY(Files::Write(m_store->filePath(name), "half"));
         QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared/") + ofAnother), "half"));
@@ -597,11 +546,11 @@ private slots:
         QVERIFY(CfgCenter::SaveDocument());
         for (const QString& name : left)
             QVERIFY2(!QFile::exists(m_store->filePath(name)), qPrintable(name));
-        QCOMPARE(SharedFiles(), QStringList({ofAnother, QStringLiteral("Document.ini")}));
+        QCOMPARE(SharedFiles(), QStringList({ofAnother, QStringLiteral("Document.json")}));
     }
 
 private:
-    QString DocumentFile() const { return m_store->filePath(QStringLiteral("shared/Document.ini")); }
+    QString DocumentFile() const { return m_store->filePath(QStringLiteral("shared/Document.json")); }
 
     QStringList SharedFiles() const
     {

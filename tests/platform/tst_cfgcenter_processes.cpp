@@ -123,7 +123,7 @@ private slots:
                 QCOMPARE(Document()->GetString(prefix + QString::number(n), kNone, 0), prefix);
             }
         }
-        QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.ini")}));
+        QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.json")}));
 
         // And what they kept of each other's states is whole: every save added one key.
         const ConfigVersions versions(View::Shared, kDocument);
@@ -178,7 +178,7 @@ private slots:
         // No lock is left that would keep others out, and nothing piles up.
         Document()->SetString(QStringLiteral("Last"), kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.ini")}));
+        QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.json")}));
     }
 
 private:

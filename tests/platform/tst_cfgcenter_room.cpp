@@ -85,7 +85,7 @@ private slots:
         QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
         QCOMPARE(Names(), m_names);
         QVERIFY(m_store->Save(3));
-        QCOMPARE(m_store->Aside().size(), 1);
+        QCOMPARE(m_store->Quarantined().size(), 1);
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
@@ -100,7 +100,7 @@ private slots:
             const FileSizeLimit limit(5000);
             m_store->Reopen();
             QCOMPARE(m_store->Number(), 2);
-            QCOMPARE(m_store->Aside().size(), 1);
+            QCOMPARE(m_store->Quarantined().size(), 1);
             QVERIFY(!CfgCenter::SaveDocument());
         }
         QVERIFY(CfgCenter::SaveDocument());

@@ -63,8 +63,8 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
         CfgCenter::SetNoticeSink({});
         QCOMPARE(notices.size(), 1);
-        QVERIFY(QFile::setPermissions(AsideFile(), permissions));
-        QCOMPARE(Files::Read(AsideFile()), content);
+        QVERIFY(QFile::setPermissions(QuarantinedFile(), permissions));
+        QCOMPARE(Files::Read(QuarantinedFile()), content);
         QVERIFY(m_store->Save(3));
     }
 
@@ -79,7 +79,7 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);
         QCOMPARE(Files::Read(target), QByteArray("damage"));
-        QCOMPARE(Files::Read(AsideFile()), QByteArray("damage"));
+        QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage"));
         QVERIFY(m_store->Save(3));
         QCOMPARE(Files::Read(target), QByteArray("damage"));
     }
@@ -89,7 +89,7 @@ private slots:
         QTemporaryDir other(QStringLiteral("/dev/shm/store-XXXXXX"));
         if (!other.isValid() || QStorageInfo(other.path()).device() == QStorageInfo(m_store->Path({})).device())
             QSKIP("There is one disk only.");
-        const QString target = other.filePath(QStringLiteral("elsewhere.ini"));
+        const QString target = other.filePath(QStringLiteral("elsewhere.json"));
         QVERIFY(m_store->Save(1));
         QVERIFY(QFile::copy(m_store->Document(), target));
         QVERIFY(QFile::remove(m_store->Document()));
@@ -100,7 +100,7 @@ private slots:
         QVERIFY(m_store->Save(3));
         QVERIFY(traces.Messages().isEmpty());
         QCOMPARE(VersionNumbers(), QList<int>({2, 1}));
-        QVERIFY(Files::Write(target, "[General]\nNumber=9\n"));
+        QVERIFY(Files::Write(target, R"({"values": {"Number": 9}})"));
         QCOMPARE(VersionNumbers(), QList<int>({2, 1}));
         QVERIFY(QFileInfo(m_store->Document()).isSymLink());
     }
@@ -161,14 +161,15 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
         CfgCenter::SetNoticeSink({});
         QCOMPARE(notices.size(), 1);
-        QVERIFY(notices.front().contains(QLatin1String(" is damaged, kept as ")));
-        QCOMPARE(QFileInfo(AsideFile()).size(), kHuge);
+        QVERIFY(
+            notices.front().contains(QLatin1String(" is damaged (it is larger than any document), quarantined as ")));
+        QCOMPARE(QFileInfo(QuarantinedFile()).size(), kHuge);
         QVERIFY(!Versions().Restore(newest));
         QVERIFY(m_store->Save(4));
         // And while it is open.
         QVERIFY(document.resize(kHuge));
         QVERIFY(m_store->Save(5));
-        QCOMPARE(m_store->Aside().size(), 2);
+        QCOMPARE(m_store->Quarantined().size(), 2);
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 5);
     }
@@ -231,7 +232,10 @@ private slots:
 
 private:
     static ConfigVersions Versions() { return {View::Shared, QStringLiteral("Document")}; }
-    QString AsideFile() const { return m_store->Path(QStringLiteral("shared/")) + m_store->Aside().value(0); }
+    QString QuarantinedFile() const
+    {
+        return m_store->Path(QStringLiteral("shared/")) + m_store->Quarantined().value(0);
+    }
 
     /// What the document's versions hold, newest first.
     static QList<int> VersionNumbers()

@@ -78,7 +78,7 @@ private slots:
         // Nothing is lost, and nothing is left.
         QVERIFY(CfgCenter::SaveDocument());
         const QStringList files = QDir(m_store->Path(QStringLiteral("shared"))).entryList(QDir::Files | QDir::Hidden);
-        QCOMPARE(files, QStringList(QStringLiteral("Document.ini")));
+        QCOMPARE(files, QStringList(QStringLiteral("Document.json")));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 2);
     }
@@ -95,7 +95,7 @@ private slots:
         const int number = m_store->Number();
         other.join();
         QCOMPARE(number, 1);
-        QVERIFY(m_store->Aside().isEmpty());
+        QVERIFY(m_store->Quarantined().isEmpty());
     }
 
     void placesThatAreNotThere_data()

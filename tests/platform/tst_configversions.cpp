@@ -1,10 +1,10 @@
+#include "files/filelock.h"
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
 
 #include <QFileInfo>
-#include <QLockFile>
 #include <QSet>
 #include <QTest>
 
@@ -124,7 +124,7 @@ private slots:
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         const QByteArray version = Files::Read(Versions().List().front().file);
-        QVERIFY(Files::Write(m_store->Document(), "[General]\nNumber=9\n"));
+        QVERIFY(Files::Write(m_store->Document(), R"({"values": {"Number": 9}})"));
         QCOMPARE(Files::Read(Versions().List().front().file), version);
         QVERIFY(m_store->Save(3));
         QCOMPARE(Numbers(), QList<int>({9, 1}));
@@ -135,14 +135,14 @@ private slots:
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
-        const QString name = m_store->Versions() + QStringLiteral("/00000002-20260102T030405.006Z.ini");
+        const QString name = m_store->Versions() + QStringLiteral("/00000002-20260102T030405.006Z.json");
         std::error_code error;
         std::filesystem::create_hard_link(QFileInfo(m_store->Document()).filesystemFilePath(),
                                           QFileInfo(name).filesystemFilePath(), error);
         if (error)
             QSKIP("This file system has no second names.");
         QCOMPARE(Numbers(), QList<int>({1}));
-        QVERIFY(Files::Write(m_store->Document(), "[General]\nNumber=9\n"));
+        QVERIFY(Files::Write(m_store->Document(), R"({"values": {"Number": 9}})"));
         QCOMPARE(Numbers(), QList<int>({1}));
         QVERIFY(m_store->Save(3));
         QCOMPARE(Numbers(), QList<int>({9, 1}));
@@ -202,18 +202,18 @@ private slots:
         constexpr int kFiles = 10000;
         QVERIFY(QDir().mkpath(m_store->Versions()));
         const QStringList nearly{QStringLiteral("00000001-20260102T030405.006Z.txt"),
-                                 QStringLiteral("0000001-20260102T030405.006Z.ini"),
-                                 QStringLiteral("00000001-20261302T030405.006Z.ini"),
-                                 QStringLiteral("00000001-20260102T030405.006.ini"),
-                                 QStringLiteral("a00000001-20260102T030405.006Z.ini"),
-                                 QStringLiteral("Document.ini.aBcDeF"),
-                                 QStringLiteral("99999999.ini")};
+                                 QStringLiteral("0000001-20260102T030405.006Z.json"),
+                                 QStringLiteral("00000001-20261302T030405.006Z.json"),
+                                 QStringLiteral("00000001-20260102T030405.006.json"),
+                                 QStringLiteral("a00000001-20260102T030405.006Z.json"),
+                                 QStringLiteral("Document.json.aBcDeF"),
+                                 QStringLiteral("99999999.json")};
         QSet<QString> foreign(nearly.begin(), nearly.end());
         for (int i = 0; i < kFiles; ++i)
             foreign.insert(QStringLiteral("file %1").arg(i));
         for (const QString& name : std::as_const(foreign))
-            QVERIFY(Files::Write(m_store->Versions() + u'/' + name, "[General]\nNumber=99\n"));
-        const QString folder = QStringLiteral("00000001-20260102T030405.006Z.ini");
+            QVERIFY(Files::Write(m_store->Versions() + u'/' + name, R"({"values": {"Number": 99}})"));
+        const QString folder = QStringLiteral("00000001-20260102T030405.006Z.json");
         QVERIFY(QDir(m_store->Versions()).mkdir(folder));
 
         const TraceRecorder traces;
@@ -231,11 +231,11 @@ private slots:
     void usedUpNumbersAreNoObstacle()
     {
         QVERIFY(QDir().mkpath(m_store->Versions()));
-        const QString last = m_store->Versions() + QStringLiteral("/99999999-20260102T030405.006Z.ini");
+        const QString last = m_store->Versions() + QStringLiteral("/99999999-20260102T030405.006Z.json");
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         QVERIFY(m_store->Save(3));
-        QVERIFY(Files::Write(last, "[General]\nNumber=99\n"));
+        QVERIFY(Files::Write(last, R"({"values": {"Number": 99}})"));
         const TraceRecorder traces;
         QVERIFY(m_store->Save(4));
         QCOMPARE(Numbers(), QList<int>({3, 99, 2, 1}));
@@ -321,8 +321,8 @@ private slots:
                 ->SetInt(QStringLiteral("Number"), i + 10, 0);
             QVERIFY(CfgCenter::SaveDocument());
         }
-        QCOMPARE(own.DocumentFile(), m_store->Path(QStringLiteral("application/@application.ini")));
-        QCOMPARE(legacy.DocumentFile(), m_store->Path(QStringLiteral("shared/KiteResources/ConnectData.ini")));
+        QCOMPARE(own.DocumentFile(), m_store->Path(QStringLiteral("application/@application.json")));
+        QCOMPARE(legacy.DocumentFile(), m_store->Path(QStringLiteral("shared/KiteResources/ConnectData.json")));
         QCOMPARE(own.List().size(), 1);
         QCOMPARE(m_store->Number(own.Open(own.List().front()).get()), 1);
         QCOMPARE(legacy.List().size(), 1);
@@ -395,16 +395,16 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
     }
 
-    void restoreKeepsADamagedDocumentAside()
+    void restoreQuarantinesADamagedDocument()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         QVERIFY(Files::Write(m_store->Document(), "damage"));
         QString quarantined;
         QVERIFY(Versions().Restore(Versions().List().front(), &quarantined));
-        QCOMPARE(m_store->Aside().size(), 1);
-        QCOMPARE(quarantined, m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front());
-        QCOMPARE(Files::Read(m_store->Path(QStringLiteral("shared/")) + m_store->Aside().front()),
+        QCOMPARE(m_store->Quarantined().size(), 1);
+        QCOMPARE(quarantined, m_store->Path(QStringLiteral("shared/")) + m_store->Quarantined().front());
+        QCOMPARE(Files::Read(m_store->Path(QStringLiteral("shared/")) + m_store->Quarantined().front()),
                  QByteArray("damage"));
         QCOMPARE(Numbers(), QList<int>({1}));
         m_store->Reopen();
@@ -419,14 +419,15 @@ private slots:
         const ConfigVersion version = Versions().List().back();
         const TraceRecorder traces;
 
-        auto lock = std::make_unique<QLockFile>(m_store->Document() + QStringLiteral(".lock"));
-        QVERIFY(lock->lock());
+        auto lock = std::make_unique<FileLock>();
+        QString error;
+        QCOMPARE(lock->TryLock(m_store->Document() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
         QVERIFY(!Versions().Restore(version));
         QCOMPARE(traces.Messages().size(), 1);
         lock.reset();
 
         // What would be replaced cannot be kept.
-        const ConfigVersion elsewhere{m_store->Path(QStringLiteral("elsewhere.ini")), version.saved};
+        const ConfigVersion elsewhere{m_store->Path(QStringLiteral("elsewhere.json")), version.saved};
         QVERIFY(QFile::copy(version.file, elsewhere.file));
         const QString away = m_store->Path(QStringLiteral("away"));
         QVERIFY(QFile::rename(m_store->Versions(), away));
@@ -443,7 +444,7 @@ private slots:
 
         QCOMPARE(Files::Read(m_store->Document()), document);
         QCOMPARE(Numbers(), QList<int>({2, -2}));
-        QVERIFY(m_store->Aside().isEmpty());
+        QVERIFY(m_store->Quarantined().isEmpty());
     }
 
 private:

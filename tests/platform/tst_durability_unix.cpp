@@ -60,7 +60,7 @@ private:
         QVERIFY(CfgCenter::SaveDocument());
     }
 
-    QString Document() const { return m_root->filePath(QStringLiteral("shared/Document.ini")); }
+    QString Document() const { return m_root->filePath(QStringLiteral("shared/Document.json")); }
 
     std::optional<QTemporaryDir> m_root;
 };

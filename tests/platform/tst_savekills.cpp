@@ -145,7 +145,7 @@ private:
         QCOMPARE(NumberIn(Versions().OpenCurrent().get()), std::optional(m_reached));
         CheckVersions(m_reached, kDepth);
         QCOMPARE(QDir(Folder()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList({QStringLiteral("ConnectData.ini")}));
+                 QStringList({QStringLiteral("ConnectData.json")}));
         QCOMPARE(VersionFiles(), Versions().List().size());
     }
 
@@ -169,7 +169,7 @@ private:
     static qsizetype VersionFiles() { return QDir(Versions().Folder()).entryList(QDir::Files | QDir::Hidden).size(); }
     QString Store() const { return m_root.filePath(QStringLiteral("store")); }
     QString Folder() const { return Store() + QStringLiteral("/shared/KiteResources"); }
-    QString File() const { return Folder() + QStringLiteral("/ConnectData.ini"); }
+    QString File() const { return Folder() + QStringLiteral("/ConnectData.json"); }
 
     const QTemporaryDir m_root;
     QStringList m_notices;

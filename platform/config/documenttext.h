@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <optional>
+
+/// The text of a configuration document: a JSON object whose member "values" holds every value under its key path, so
+/// that each value is one line of the text:
+///
+///     {
+///         "values": {
+///             "Administration/VexelDataDir": "/srv/vexel"
+///         }
+///     }
+///
+/// It does not end with a line break: of a text that ends with its closing brace, every proper prefix is malformed.
+namespace DocumentText {
+
+/// Texts by key path.
+using Values = QMap<QString, QString>;
+
+struct Parsed
+{
+    std::optional<Values> values; ///< none: the text is malformed
+    QString error;                ///< where and why it is malformed: "line 3: missing value separator"
+};
+
+/// Reads a text. Numbers and booleans, which people may type, are read as their text. Any QString that was written
+/// comes back unchanged, also with unpaired surrogates.
+Parsed Parse(const QByteArray& text);
+
+/// Writes `values` as indented UTF-8, sorted by key path.
+QByteArray Write(const Values& values);
+
+} // namespace DocumentText

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "files/filelock.h"
+#include "platform/config/documentfile.h"
+#include "platform/config/versionfolder.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+/// One change of a document's file. Holds the document's lock from `Begin` to the end of its life. What it has done
+/// is undone unless `Commit` was called.
+class DocumentTransaction
+{
+public:
+    /// What to do where the present content cannot be kept as a version.
+    enum class VersionPolicy {
+        BestEffort, ///< trace that and go on
+        Required    ///< fail
+    };
+
+    /// @param file the document's file; need not exist.
+    explicit DocumentTransaction(QString file);
+    ~DocumentTransaction();
+
+    DocumentTransaction(const DocumentTransaction&) = delete;
+    DocumentTransaction& operator=(const DocumentTransaction&) = delete;
+
+    /// Takes the lock, which may take some seconds, creates the document's folder, removes temporary files of killed
+    /// processes, and reads the document. False: the lock could not be taken; see `Error`.
+    bool Begin();
+
+    /// What the document's file held at `Begin`.
+    const DocumentReading& Before() const { return m_before; }
+
+    /// Quarantines what is in the document's place. Does nothing where that is done already.
+    bool Quarantine();
+
+    /// Replaces the document by `content`: keeps a valid one as a version and quarantines what needs recovery. False:
+    /// see `Error`.
+    bool Replace(const QByteArray& content, VersionPolicy policy);
+
+    /// Makes everything that was done permanent.
+    void Commit();
+
+    /// The quarantined document's file; none where nothing was quarantined.
+    const std::optional<QString>& Quarantined() const { return m_quarantined; }
+
+    /// Why the last operation failed: the end of a sentence.
+    const QString& Error() const { return m_error; }
+
+    /// Sets `Error`; returns false.
+    bool Fail(const char* error);
+
+private:
+    bool KeepBefore(VersionPolicy policy);
+
+    const QString m_file;
+    const VersionFolder m_versions;
+    FileLock m_lock;
+    DocumentReading m_before;
+    std::optional<QString> m_quarantined;
+    std::optional<VersionFolder::Kept> m_kept; // what `Replace` did to the versions
+    bool m_isCommitted = false;
+    QString m_error;
+};

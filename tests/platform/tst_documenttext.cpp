@@ -1,0 +1,126 @@
+#include "platform/config/documenttext.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <iterator>
+
+using DocumentText::Parse;
+using DocumentText::Values;
+using DocumentText::Write;
+
+namespace {
+
+/// Texts of characters that encodings, JSON and Qt's reader treat specially, mixed with any others.
+QString RandomText(QRandomGenerator& random)
+{
+    constexpr char16_t kSpecial[] = {0,      1,      u'\n',  u'"',   u'%',   u'/',   u'\\',  u'u',   0x7f,   0x80,
+                                     0x2028, 0xd800, 0xdbff, 0xdc00, 0xdfff, 0xfeff, 0xfffe, 0xffff, 0x65e5, u' '};
+    constexpr int kLongest = 12;
+    QString text;
+    for (int i = random.bounded(kLongest); i > 0; --i) {
+        const bool isSpecial = random.bounded(2) == 0;
+        text += isSpecial ? QChar(kSpecial[random.bounded(static_cast<int>(std::size(kSpecial)))])
+                          : QChar(static_cast<char16_t>(random.bounded(0x10000)));
+    }
+    return text;
+}
+
+} // namespace
+
+class TestDocumentText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void oneLinePerValueSortedByPath()
+    {
+        const Values values{{QStringLiteral("Node/Second"), QStringLiteral("2")},
+                            {QStringLiteral("Node/First"), QStringLiteral("caf\u00e9")},
+                            {QStringLiteral("Key"), QStringLiteral("two\nlines")}};
+        QCOMPARE(Write(values), QByteArray("{\n"
+                                           "    \"values\": {\n"
+                                           "        \"Key\": \"two\\nlines\",\n"
+                                           "        \"Node/First\": \"caf\u00e9\",\n"
+                                           "        \"Node/Second\": \"2\"\n"
+                                           "    }\n"
+                                           "}"));
+    }
+
+    void anyTextComesBack()
+    {
+        QRandomGenerator random(1);
+        for (int i = 0; i < 20'000; ++i) {
+            Values values;
+            for (int j = random.bounded(4); j > 0; --j)
+                values.insert(RandomText(random), RandomText(random));
+            const QByteArray text = Write(values);
+            const auto parsed = Parse(text);
+            QVERIFY2(parsed.values, qPrintable(parsed.error));
+            QVERIFY2(*parsed.values == values, text.constData());
+        }
+    }
+
+    void longTextComesBack()
+    {
+        const Values values{{QStringLiteral("Key"), QString(200 * 1024 * 1024, u'a')}};
+        QVERIFY(Parse(Write(values)).values == values);
+    }
+
+    void truncatedTextIsMalformed()
+    {
+        const QByteArray text = Write({{QStringLiteral("Key"), QStringLiteral("\ufeff{}\"")}, {QString(), QString()}});
+        QVERIFY(Parse(text).values);
+        for (qsizetype length = 0; length < text.size(); ++length)
+            QVERIFY2(!Parse(text.first(length)).values, text.first(length).constData());
+    }
+
+    void typedNumbersAndBooleansAreTexts()
+    {
+        const auto parsed = Parse(R"({"values": {"a": 5, "b": -1.5, "c": true, "d": 1000000000000}})");
+        QCOMPARE(parsed.values, Values({{QStringLiteral("a"), QStringLiteral("5")},
+                                        {QStringLiteral("b"), QStringLiteral("-1.5")},
+                                        {QStringLiteral("c"), QStringLiteral("true")},
+                                        {QStringLiteral("d"), QStringLiteral("1000000000000")}}));
+    }
+
+    void typedLayoutIsAccepted()
+    {
+        const Values values{{QStringLiteral("a"), QStringLiteral("\u00e9")}};
+        QCOMPARE(Parse("\xef\xbb\xbf{\r\n\t\"values\" : {\"a\":\"\\u00e9\"}\r\n}\r\n").values, values);
+    }
+
+    void errorNamesTheLine_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("beginning");
+        QTest::newRow("nothing") << QByteArray() << QStringLiteral("line 1: ");
+        QTest::newRow("comment") << QByteArray("{\n  \"values\": {\n    // mast\n    \"a\": \"1\"\n  }\n}")
+                                 << QStringLiteral("line ");
+        QTest::newRow("trailing comma") << QByteArray("{\n  \"values\": {\n    \"a\": \"1\",\n  }\n}")
+                                        << QStringLiteral("line 4: ");
+        QTest::newRow("missing comma") << QByteArray("{\n  \"values\": {\n    \"a\": \"1\"\n    \"b\": \"2\"\n  }\n}")
+                                       << QStringLiteral("line ");
+        QTest::newRow("text behind it") << QByteArray("{\n  \"values\": {}\n}\n}") << QStringLiteral("line 4: ");
+        QTest::newRow("not UTF-8") << QByteArray("{\"values\": {\n\"a\": \"\xff\"}}") << QStringLiteral("line 2: ");
+        QTest::newRow("zeros in a text") << QByteArray("{\"values\": {\n\"a\": \"b\0\0\"}}", 25)
+                                         << QStringLiteral("line 2: ");
+        QTest::newRow("array") << QByteArray("[]") << QStringLiteral("there is no object \"values\"");
+        QTest::newRow("no values") << QByteArray("{}") << QStringLiteral("there is no object \"values\"");
+        QTest::newRow("values is a text")
+            << QByteArray(R"({"values": "a"})") << QStringLiteral("there is no object \"values\"");
+        QTest::newRow("null") << QByteArray(R"({"values": {"a": null}})") << QStringLiteral("the value of \"a\" is ");
+        QTest::newRow("object") << QByteArray(R"({"values": {"a": {}}})") << QStringLiteral("the value of \"a\" is ");
+    }
+    void errorNamesTheLine()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, beginning);
+        const auto parsed = Parse(text);
+        QVERIFY(!parsed.values);
+        QVERIFY2(parsed.error.startsWith(beginning), qPrintable(parsed.error));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestDocumentText)
+#include "tst_documenttext.moc"
