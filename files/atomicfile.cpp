@@ -54,7 +54,7 @@ Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* is
         return Attempt::Failed;
 
     // QSaveFile has the system bring what it writes to the disk (fsync, FlushFileBuffers) before it gives it a name. On
-    // its own it would write under the file's name with six letters added, and somebody's "list.ini.backup" is the
+    // its own it would write under the file's name with six letters added, and somebody's "list.json.backup" is the
     // same.
     const QString folder = target.absolutePath();
     const QString unfinished =

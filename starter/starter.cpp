@@ -1,6 +1,5 @@
 #include "starter/starter.h"
 
-#include "files/regularfile.h"
 #include "host/output/exitcode.h"
 #include "starter/foreground.h"
 
@@ -21,17 +20,13 @@ constexpr auto kPauseBeforeNextStart = 500ms;
 // A host that ends cuts off who is calling it, and cannot be reached after that. One that is called by very many at
 // once may drop a caller, but hardly the same one again.
 constexpr int kMostCutOffs = 5;
-// Age from which a lock file that names no process counts as left behind. One that is held is never taken for that.
-constexpr auto kStaleLockTime = 5s;
 
 } // namespace
 
 Starter::Starter(Settings settings)
     : m_settings(std::move(settings))
     , m_deadline(m_settings.timeOut)
-    , m_lock(m_settings.lockFile)
 {
-    m_lock.setStaleLockTime(kStaleLockTime);
 }
 
 QString Starter::DefaultLockFile(quint16 port)
@@ -139,8 +134,8 @@ std::optional<Starter::Outcome> Starter::Start()
 bool Starter::IsLocked()
 {
     // Only another starter's lock is waited for. Where no lock can be had at all, the host's own has to do.
-    m_bOtherStarter =
-        !IsNotRegularFile(m_settings.lockFile) && !m_lock.tryLock(0) && m_lock.error() == QLockFile::LockFailedError;
+    QString error;
+    m_bOtherStarter = m_lock.TryLock(m_settings.lockFile, &error) == FileLock::Result::Busy;
     return !m_bOtherStarter;
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "files/filelock.h"
 #include "starter/hostprocess.h"
 #include "starter/linkcall.h"
 #include "starter/starterexit.h"
 
 #include <QDeadlineTimer>
-#include <QLockFile>
 #include <QString>
 #include <QStringList>
 
@@ -59,7 +59,7 @@ private:
 
     const Settings m_settings;
     const QDeadlineTimer m_deadline;
-    QLockFile m_lock;
+    FileLock m_lock;
     bool m_bLocked = false;
     std::unique_ptr<HostProcess> m_pHost;
     QDeadlineTimer m_nextStart;   // expired: at once

@@ -1,11 +1,11 @@
 #include "host/output/rotatingfile.h"
 
+#include "files/filelock.h"
 #include "files/regularfile.h"
 #include "host/output/appendfile.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 
 #include <utility>
 
@@ -76,12 +76,16 @@ QString RotatingFile::PutAside(qint64 added)
     const QString lockName = m_name + QStringLiteral(".lock");
     if (IsNotRegularFile(lockName))
         return QStringLiteral("%1 is in the way").arg(QDir::toNativeSeparators(lockName));
-    QLockFile lock(lockName);
-    if (!lock.tryLock(0)) {
-        // Another process is at it: the next line finds the new file.
-        if (lock.error() == QLockFile::LockFailedError)
-            return {};
-        return QStringLiteral("no file can be made beside it");
+    FileLock lock;
+    QString lockError;
+    switch (lock.TryLock(lockName, &lockError)) {
+    case FileLock::Result::Locked:
+    case FileLock::Result::Unsupported:
+        break;
+    case FileLock::Result::Busy: // another process rotates the files: the next line finds the new one
+        return {};
+    case FileLock::Result::Failed:
+        return QStringLiteral("no file can be made beside it: %1").arg(lockError);
     }
 
     // Another process may have put aside what is open here; the name then stands for its new file already.

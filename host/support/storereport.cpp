@@ -17,7 +17,7 @@
 
 namespace {
 
-const QString kSuffix = QStringLiteral(".ini");
+const QString kSuffix = QStringLiteral(".json");
 
 /// The document of the store that has the file `path`, which is relative to the store; none where no document has it.
 std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString& path)
@@ -113,7 +113,7 @@ void ReportFiles(SupportReport& report, const QString& directory)
         const QString path = QDir(directory).relativeFilePath(files.next());
         if (path.contains(QLatin1String(".versions/")))
             continue;
-        if (path.contains(QLatin1String(".ini.damaged-")) || path.contains(QLatin1String(".ini.malformed-")))
+        if (path.contains(QLatin1String(".json.damaged-")) || path.contains(QLatin1String(".json.malformed-")))
             quarantined.append(path);
         else if (path.endsWith(kSuffix))
             documents.append(DocumentRow(directory, path, files.fileInfo()));

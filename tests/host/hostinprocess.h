@@ -52,7 +52,7 @@ public:
     QByteArray Stored() const
     {
         QByteArray text;
-        QDirIterator files(options.configDirectory, {QStringLiteral("*.ini")}, QDir::Files,
+        QDirIterator files(options.configDirectory, {QStringLiteral("*.json")}, QDir::Files,
                            QDirIterator::Subdirectories);
         while (files.hasNext()) {
             QFile file(files.next());

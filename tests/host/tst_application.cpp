@@ -1,5 +1,6 @@
 #include "tests/host/errorsto.h"
 #include "tests/host/hostinprocess.h"
+#include "tests/support/files.h"
 #include "tests/support/system.h"
 
 #include <QAction>
@@ -9,9 +10,9 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QSessionManager>
-#include <QSettings>
 #include <QSystemTrayIcon>
 #include <QTest>
 #include <QTimer>
@@ -259,7 +260,7 @@ void TestApplication::aDamagedConfigurationIsShownWhereNobodyReads()
     Host host;
     for (const char* name : {"First mast", "Second mast"})
         host.Run([&](const ConnectDialog& dialog) { AddEntry(dialog, QString::fromLatin1(name)); });
-    QFile document(host.options.configDirectory + QStringLiteral("/application/@application.ini"));
+    QFile document(host.options.configDirectory + QStringLiteral("/application/@application.json"));
     QVERIFY(document.open(QIODevice::ReadWrite));
     QVERIFY(document.resize(0) && document.write(QByteArray(1000, '\0')) == 1000);
     document.close();
@@ -331,23 +332,25 @@ void TestApplication::unusableSizes()
     QFETCH(const QString, height);
     Host host;
     host.Run([](const ConnectDialog&) {});
-    // Whoever edits the file by hand.
-    int files = 0;
-    QDirIterator documents(host.options.configDirectory, {QStringLiteral("*.ini")}, QDir::Files,
+    // Edited by hand.
+    int values = 0;
+    QDirIterator documents(host.options.configDirectory, {QStringLiteral("*.json")}, QDir::Files,
                            QDirIterator::Subdirectories);
     while (documents.hasNext()) {
         const QString fileName = documents.next();
         if (fileName.contains(QLatin1String("versions")))
             continue;
-        QSettings document(fileName, QSettings::IniFormat);
-        for (const QString& key : document.allKeys()) {
-            if (key.endsWith(QLatin1String("/Width")) || key.endsWith(QLatin1String("/Height"))) {
-                document.setValue(key, key.endsWith(QLatin1String("/Width")) ? width : height);
-                ++files;
-            }
-        }
+        QString text = QString::fromUtf8(Files::Read(fileName));
+        const auto set = [&](const char* key, const QString& value) {
+            const QRegularExpression member(QStringLiteral("(/%1\": )\"\\d+\"").arg(QLatin1String(key)));
+            values += static_cast<int>(text.count(member));
+            text.replace(member, QStringLiteral("\\1\"%1\"").arg(value));
+        };
+        set("Width", width);
+        set("Height", height);
+        QVERIFY(Files::Write(fileName, text.toUtf8()));
     }
-    QCOMPARE(files, 2);
+    QCOMPARE(values, 2);
     host.Run([&](const ConnectDialog& dialog) {
         const QWidget* window = dialog.Window();
         const QSize screen = window->screen()->availableSize();

@@ -1,9 +1,9 @@
+#include "files/filelock.h"
 #include "host/output/rotatingfile.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
 
 #include <QDir>
-#include <QLockFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -236,8 +236,9 @@ void TestRotatingFile::anotherProcessAtItIsNoFailure()
     RotatingFile file;
     QCOMPARE(file.Open(fixture.name, kLargest), QString());
     {
-        QLockFile lock(fixture.name + QStringLiteral(".lock"));
-        QVERIFY(lock.tryLock());
+        FileLock lock;
+        QString error;
+        QCOMPARE(lock.TryLock(fixture.name + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
         for (int i = 0; i < 150; ++i)
             QCOMPARE(file.Append(Line(i)), QString());
         QCOMPARE(Files::Read(fixture.name).count('\n'), 150);

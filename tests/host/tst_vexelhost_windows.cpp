@@ -73,8 +73,8 @@ private slots:
         QFETCH(const QString, place);
         HostSetUp setUp;
         setUp.Fill({QStringLiteral("mast")});
-        setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.ini"),
-                    "[General]\nVexelDataDir=" + place.toUtf8() + "\n");
+        setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.json"),
+                    R"({"values": {"VexelDataDir": ")" + place.toUtf8() + "\"}}");
         const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--list")});
         QCOMPARE(result.exitCode, 0);
         QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));

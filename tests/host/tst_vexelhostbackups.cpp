@@ -26,7 +26,7 @@ private slots:
 private:
     static QString Document(const HostSetUp& setUp)
     {
-        return setUp.Config() + QStringLiteral("/application/@application.ini");
+        return setUp.Config() + QStringLiteral("/application/@application.json");
     }
     /// Number, entries and file of every line of `--backups`.
     static QStringList Lines(HostSetUp& setUp);

@@ -335,8 +335,8 @@ void TestVexelHostConnect::nameChoosesTheMappingFile()
     setUp.Install(KiteControl(), 1);
     setUp.Fill({QStringLiteral("mast")});
     const QString file = setUp.Path("elsewhere.xml");
-    setUp.Write(setUp.Config() + QStringLiteral("/application/Second.ini"),
-                "[General]\nTypeApplicationMappings=" + file.toUtf8() + "\n");
+    setUp.Write(setUp.Config() + QStringLiteral("/application/Second.json"),
+                R"({"values": {"TypeApplicationMappings": ")" + file.toUtf8() + "\"}}");
     const QString missed = QStringLiteral("Could not open ") + file + QStringLiteral(" for reading");
     QVERIFY(!setUp.Run({QStringLiteral("--trace"), QStringLiteral("--list")}).error.contains(missed));
     const auto result = setUp.Run(

@@ -41,7 +41,7 @@ private:
     }
     static QString Document(const HostSetUp& setUp)
     {
-        return setUp.Config() + QStringLiteral("/application/@application.ini");
+        return setUp.Config() + QStringLiteral("/application/@application.json");
     }
 };
 
@@ -151,8 +151,8 @@ void TestVexelHostDiagnose::mappingOfTheInstanceThatIsAskedFor()
     HostSetUp setUp;
     setUp.Install(QStringLiteral("/no/such/program"), 1);
     QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
-    setUp.Write(setUp.Config() + QStringLiteral("/application/Second.ini"),
-                "[General]\nTypeApplicationMappings=/another/mapping.xml\n");
+    setUp.Write(setUp.Config() + QStringLiteral("/application/Second.json"),
+                R"({"values": {"TypeApplicationMappings": "/another/mapping.xml"}})");
     const QStringList data{QStringLiteral("--data"), setUp.Data()};
     QCOMPARE(Value(Diagnose(setUp, data), "applications", "mappingFile"),
              QJsonValue(setUp.Data() + QStringLiteral("/TypeApplicationMappings.xml")));
@@ -166,7 +166,7 @@ void TestVexelHostDiagnose::stateOfTheStore()
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
     setUp.Fill({QStringLiteral("two")});
-    setUp.Write(setUp.Config() + QStringLiteral("/application/a.b.ini"), "[General]\na=1\n");
+    setUp.Write(setUp.Config() + QStringLiteral("/application/a.b.json"), R"({"values": {"a": "1"}})");
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(true));
     QCOMPARE(Value(report, "configuration", "canBeWritten"), QJsonValue(true));
@@ -181,14 +181,14 @@ void TestVexelHostDiagnose::stateOfTheStore()
         documents.insert(row[QLatin1String("file")].toString(), row.toObject());
     QCOMPARE(
         documents.keys(),
-        QStringList({QStringLiteral("application/@application.ini"), QStringLiteral("application/Administration.ini"),
-                     QStringLiteral("application/a.b.ini"), QStringLiteral("user/@application.ini")}));
-    const QJsonObject own = documents.value(QStringLiteral("application/@application.ini"));
+        QStringList({QStringLiteral("application/@application.json"), QStringLiteral("application/Administration.json"),
+                     QStringLiteral("application/a.b.json"), QStringLiteral("user/@application.json")}));
+    const QJsonObject own = documents.value(QStringLiteral("application/@application.json"));
     QCOMPARE(own.value(QLatin1String("bytes")).toInteger(), QFileInfo(Document(setUp)).size());
     QCOMPARE(own.value(QLatin1String("state")), QJsonValue(QStringLiteral("readable")));
     QCOMPARE(own.value(QLatin1String("versions")), QJsonValue(1));
     QVERIFY(!own.value(QLatin1String("newestVersion")).toString().isEmpty());
-    QCOMPARE(documents.value(QStringLiteral("application/a.b.ini")).value(QLatin1String("state")),
+    QCOMPARE(documents.value(QStringLiteral("application/a.b.json")).value(QLatin1String("state")),
              QJsonValue(QStringLiteral("not a document of the store")));
 }
 
@@ -199,7 +199,7 @@ void TestVexelHostDiagnose::damagedDocuments()
     setUp.Fill({QStringLiteral("two")});
     const QByteArray garbage("\0\0 garbage", 10);
     setUp.Write(Document(setUp), garbage);
-    setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.ini"), garbage);
+    setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.json"), garbage);
     const QJsonObject report = Diagnose(setUp);
     const QJsonArray rows = Value(report, "configuration", "documents").toArray();
     QVERIFY2(rows.at(0)[QLatin1String("state")].toString().startsWith(QLatin1String("DAMAGED; the next start uses")),
@@ -213,7 +213,7 @@ void TestVexelHostDiagnose::damagedDocuments()
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
     const QJsonArray quarantined = Value(Diagnose(setUp), "configuration", "quarantined").toArray();
     QVERIFY(quarantined.size() >= 1);
-    QVERIFY(quarantined.at(0).toString().startsWith(QLatin1String("application/@application.ini.damaged-")));
+    QVERIFY(quarantined.at(0).toString().startsWith(QLatin1String("application/@application.json.damaged-")));
 }
 
 void TestVexelHostDiagnose::versionThatTheNextStartUses()

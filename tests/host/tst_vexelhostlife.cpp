@@ -84,7 +84,7 @@ void TestVexelHostLife::aDamagedConfigurationIsTold()
     HostSetUp setUp;
     setUp.Fill({QStringLiteral("one")});
     setUp.Fill({QStringLiteral("two")});
-    const QString document = setUp.Config() + QStringLiteral("/application/@application.ini");
+    const QString document = setUp.Config() + QStringLiteral("/application/@application.json");
     QVERIFY(QFileInfo(document).size() > 0);
     setUp.Write(document, QByteArray(1000, '\0'));
 

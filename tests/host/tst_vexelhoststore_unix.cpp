@@ -22,7 +22,7 @@ private slots:
 private:
     static QString Document(const HostSetUp& setUp)
     {
-        return setUp.Config() + QStringLiteral("/application/@application.ini");
+        return setUp.Config() + QStringLiteral("/application/@application.json");
     }
     /// Two versions of one and two entries, and a present list of three.
     static void FillThrice(HostSetUp& setUp)

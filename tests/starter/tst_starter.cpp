@@ -1,3 +1,4 @@
+#include "files/filelock.h"
 #include "starter/starter.h"
 #include "tests/starter/fakehostrun.h"
 #include "tests/starter/peers.h"
@@ -181,8 +182,9 @@ void TestStarter::oneThatIsStartedByAnotherIsWaitedFor()
 {
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
-    QLockFile other(settings.lockFile);
-    QVERIFY(other.tryLock());
+    FileLock other;
+    QString error;
+    QCOMPARE(other.TryLock(settings.lockFile, &error), FileLock::Result::Locked);
     auto answer = std::async(std::launch::async, [settings] { return Starter(settings).Run(); });
     QCOMPARE(answer.wait_for(300ms), std::future_status::timeout);
     QCOMPARE(run.Starts().size(), 0);
@@ -199,8 +201,9 @@ void TestStarter::otherStarterGivesUp()
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("answer"), FreePort());
     {
-        QLockFile other(settings.lockFile);
-        QVERIFY(other.tryLock());
+        FileLock other;
+        QString error;
+        QCOMPARE(other.TryLock(settings.lockFile, &error), FileLock::Result::Locked);
         settings.timeOut = 300ms;
         COMPARE_OUTCOME(RunWith(settings), NoAnswer, "another kitestarter");
         QCOMPARE(run.Starts().size(), 0);
