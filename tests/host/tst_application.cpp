@@ -100,9 +100,9 @@ void TestApplication::theEndOfTheSessionSavesEverything()
         EndSession();
         // The process may be gone after this.
         QVERIFY(host.HasStored("Session mast"));
-        QVERIFY(host.Stored().contains("FilterPattern=SessionPattern"));
-        QVERIFY(host.Stored().contains("Width=611"));
-        QVERIFY(host.Stored().contains("Height=317"));
+        QVERIFY(host.Stored().contains("FilterPattern\": \"SessionPattern\""));
+        QVERIFY(host.Stored().contains("Width\": \"611\""));
+        QVERIFY(host.Stored().contains("Height\": \"317\""));
         // Or live on: ending a session can be called off.
         QVERIFY(dialog.Window()->isVisible());
     });

@@ -245,10 +245,10 @@ void TestVexelHost::dataDirectoryIsStoredOnlyWhenGiven()
     QCOMPARE(setUp.Run({QStringLiteral("--list")}).exitCode, 0);
     QVERIFY(!setUp.StoredText().contains("VexelDataDir"));
     QCOMPARE(setUp.Run({QStringLiteral("--list"), QStringLiteral("--data"), setUp.Data()}).exitCode, 0);
-    QVERIFY(setUp.StoredText().contains("VexelDataDir=" + setUp.Data().toUtf8()));
+    QVERIFY(setUp.StoredText().contains("VexelDataDir\": \"" + setUp.Data().toUtf8()));
     // And it stays.
     QCOMPARE(setUp.Run({QStringLiteral("--list")}).exitCode, 0);
-    QVERIFY(setUp.StoredText().contains("VexelDataDir=" + setUp.Data().toUtf8()));
+    QVERIFY(setUp.StoredText().contains("VexelDataDir\": \"" + setUp.Data().toUtf8()));
 }
 
 void TestVexelHost::tracesGoWhereAsked()

@@ -88,7 +88,7 @@ private slots:
         QCOMPARE(added.error, QString());
         QCOMPARE(added.exitCode, 0);
         QCOMPARE(setUp.Names(), (QStringList{QStringLiteral("mast"), QStringLiteral("pier")}));
-        QVERIFY(setUp.StoredText().contains("VexelDataDir=" + place.toUtf8()));
+        QVERIFY(setUp.StoredText().contains("VexelDataDir\": \"" + place.toUtf8()));
     }
 
     void applicationThatCannotBe_data()

@@ -79,10 +79,11 @@ void TestVexelHostBackups::StoreLists(HostSetUp& setUp, int count)
 void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
 {
     QByteArray text = Files::Read(Document(setUp));
-    const qsizetype begin = text.indexOf("ModelMimeData=");
+    const QByteArray key("ModelMimeData\": \"");
+    const qsizetype begin = text.indexOf(key);
     QVERIFY(begin > 0);
-    const qsizetype end = text.indexOf('\n', begin);
-    text.remove((end < 0 ? text.size() : end) - length, length);
+    const qsizetype end = text.indexOf('"', begin + key.size());
+    text.remove(end - length, length);
     setUp.Write(Document(setUp), text);
 }
 
@@ -138,7 +139,7 @@ void TestVexelHostBackups::versionsAsJson()
     QCOMPARE(former.value(QLatin1String("number")), QJsonValue(1));
     QCOMPARE(former.value(QLatin1String("entries")), QJsonValue(1));
     QCOMPARE(former.value(QLatin1String("malformed")), QJsonValue(false));
-    QVERIFY(Files::Read(former.value(QLatin1String("file")).toString()).contains("ModelMimeData="));
+    QVERIFY(Files::Read(former.value(QLatin1String("file")).toString()).contains("ModelMimeData\": "));
     for (const QJsonObject& version : {now, former}) {
         const QDateTime saved =
             QDateTime::fromString(version.value(QLatin1String("saved")).toString(), Qt::ISODateWithMs);

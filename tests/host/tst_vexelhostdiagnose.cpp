@@ -246,8 +246,8 @@ void TestVexelHostDiagnose::listThatBreaksOff()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
-    setUp.Write(Document(setUp), "[ConnectionsModel]\nModelMimeData=" +
-                                     HostSetUp::ListDocument({QStringLiteral("one")}).chopped(30).toHex() + "\n");
+    setUp.Write(Document(setUp), R"({"values": {"ConnectionsModel/ModelMimeData": ")" +
+                                     HostSetUp::ListDocument({QStringLiteral("one")}).chopped(30).toHex() + "\"}}");
     const QJsonObject report = Diagnose(setUp);
     QVERIFY2(Value(report, "configuration", "storedList").toString().startsWith(QLatin1String("BREAKS OFF")),
              qPrintable(Value(report, "configuration", "storedList").toString()));

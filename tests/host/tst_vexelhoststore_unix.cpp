@@ -190,7 +190,7 @@ void TestVexelHostStoreUnix::aDocumentWithoutBound()
     const auto result = setUp.Run({QStringLiteral("--list")});
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(QLatin1String(" is damaged, kept as ")), qPrintable(result.error));
+    QVERIFY2(result.error.contains(QLatin1String("), quarantined as ")), qPrintable(result.error));
     QCOMPARE(result.OutputLines().size(), 3); // the version of two entries
 }
 
