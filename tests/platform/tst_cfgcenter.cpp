@@ -76,14 +76,14 @@ private slots:
         m_store.reset();
     }
 
-    void viewsHaveTheProductsValues()
+    void viewValuesAreFixed()
     {
         QCOMPARE(int(View::User), 1);
         QCOMPARE(int(View::Application), 2);
         QCOMPARE(int(View::Shared), 4);
     }
 
-    void withoutOpenNodesLiveInMemory()
+    void nodesLiveInMemoryWithoutOpen()
     {
         CfgCenter::Close();
         Document()->SetString(kKey, kValue, 0);
@@ -105,7 +105,7 @@ private slots:
         QVERIFY(Document(QStringLiteral("A")) != Document(QStringLiteral("B")));
     }
 
-    void viewsAndNamesAreApart()
+    void viewsAndNamesAreSeparateDocuments()
     {
         const QList<View> views{View::User, View::Application, View::Shared};
         const QStringList names{QStringLiteral("A"), QStringLiteral("A/A"),          QStringLiteral("A/B"),
@@ -148,7 +148,7 @@ private slots:
         QCOMPARE(Child(Document(), QStringLiteral("Missing"))->GetInt(kKey, 3, 0), 3);
     }
 
-    void valuesOutliveTheRun()
+    void savedValuesAreReadByTheNextRun()
     {
         Document()->SetString(QStringLiteral("String"), kValue, 0);
         Document()->SetString(QStringLiteral("Empty"), QString(), 0);
@@ -169,7 +169,7 @@ private slots:
                  kValue);
     }
 
-    void textsReadAsOtherKinds_data()
+    void textsConvertToOtherTypes_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<std::optional<int>>("number");
@@ -189,7 +189,7 @@ private slots:
         QTest::newRow("0x10") << QStringLiteral("0x10") << Number() << Truth();
         QTest::newRow("10 s") << QStringLiteral("10 s") << Number() << Truth();
     }
-    void textsReadAsOtherKinds()
+    void textsConvertToOtherTypes()
     {
         QFETCH(QString, text);
         QFETCH(std::optional<int>, number);
@@ -202,7 +202,7 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), text);
     }
 
-    void valuesAreKeptAsText()
+    void valuesAreStoredAsText()
     {
         Document()->SetInt(kKey, -12, 0);
         QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("-12"));
@@ -212,7 +212,7 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("false"));
     }
 
-    void flagsAndModesMakeNoDifference()
+    void flagsAndModesAreIgnored()
     {
         Document()->SetString(kKey, kValue, 5);
         QCOMPARE(Document()->GetString(kKey, kNone, -1), kValue);
@@ -223,7 +223,7 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
     }
 
-    void handlesOnOneNodeSeeTheSame()
+    void handlesOfOneNodeShareItsValues()
     {
         const auto first = Child(Document(), QStringLiteral("A"));
         auto second = Child(Document(), QStringLiteral("A"));
@@ -233,7 +233,7 @@ private slots:
         QCOMPARE(first->GetString(kKey, kNone, 0), kValue);
     }
 
-    void removeTakesKeyAndChildOfThatName()
+    void removeDeletesKeyAndChildOfThatName()
     {
         const QString a = QStringLiteral("A");
         Document()->SetString(a, kValue, 0);
@@ -262,7 +262,7 @@ private slots:
         }
     }
 
-    void removeOfAMissingNameIsNoError()
+    void removingAMissingNameIsNoError()
     {
         Document()->SetString(kKey, kValue, 0);
         Document()->Remove(QStringLiteral("Missing"), 0);
@@ -270,7 +270,7 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
     }
 
-    void whatIsWrittenAfterARemoveStays()
+    void valuesWrittenAfterARemoveStay()
     {
         const auto node = Child(Document(), QStringLiteral("A"));
         node->SetString(QStringLiteral("Old"), kValue, 0);
@@ -284,8 +284,8 @@ private slots:
         QCOMPARE(Child(Document(), QStringLiteral("A"))->GetString(QStringLiteral("Old"), kNone, 0), kNone);
     }
 
-    void keysOfAnyName_data() { AddAwkwardNames(1000); }
-    void keysOfAnyName()
+    void anyKeyNameWorks_data() { AddAwkwardNames(1000); }
+    void anyKeyNameWorks()
     {
         QFETCH(QString, name);
         Document()->SetString(name, kValue, 0);
@@ -298,8 +298,8 @@ private slots:
         QCOMPARE(Document()->GetString(name, kNone, 0), kNone);
     }
 
-    void nodesOfAnyName_data() { AddAwkwardNames(1000); }
-    void nodesOfAnyName()
+    void anyNodeNameWorks_data() { AddAwkwardNames(1000); }
+    void anyNodeNameWorks()
     {
         QFETCH(QString, name);
         Child(Document(), name)->SetString(name, kValue, 0);
@@ -310,7 +310,7 @@ private slots:
         QCOMPARE(Child(Child(Document(), kKey).get(), name)->GetString(kKey, kNone, 0), kValue);
     }
 
-    void namesThatAreAlikeAreApart()
+    void similarNamesStayDistinct()
     {
         const QStringList names{QStringLiteral("Name"),    QStringLiteral("name"),
                                 QStringLiteral("NAME"),    QStringLiteral("General"),
@@ -335,7 +335,7 @@ private slots:
         }
     }
 
-    void anyTextIsAValue_data()
+    void anyTextCanBeStored_data()
     {
         QTest::addColumn<QString>("value");
         QTest::newRow("empty") << QString();
@@ -375,7 +375,7 @@ private slots:
             << QStringLiteral("\"\\,\u00e4\n\U0001F4E1").repeated(1 << 17);
         QTest::newRow("12 MB") << QStringLiteral("3c3f786d6c20").repeated(1 << 20);
     }
-    void anyTextIsAValue()
+    void anyTextCanBeStored()
     {
         QFETCH(QString, value);
         Document()->SetString(kKey, value, 0);
@@ -392,7 +392,7 @@ private slots:
         QVERIFY(Document()->GetString(kKey, kNone, 0) == value);
     }
 
-    void documentsHaveTheirFiles()
+    void eachDocumentHasItsFile()
     {
         CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, {})
             ->SetString(QStringLiteral("ConnectionCount"), QStringLiteral("3"), 0);
@@ -407,7 +407,7 @@ private slots:
         QCOMPARE(file.readAll(), QByteArray("{\n    \"values\": {\n        \"ConnectionCount\": \"3\"\n    }\n}"));
     }
 
-    void readingMakesNoFile()
+    void readingCreatesNoFile()
     {
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         Child(Document(), kKey);
@@ -416,7 +416,7 @@ private slots:
         QVERIFY(QDir(m_store->path()).isEmpty());
     }
 
-    void documentsOfAnyNameStayInTheStore_data()
+    void anyDocumentNameStaysInsideTheStore_data()
     {
         // Names of files end there.
         AddAwkwardNames(200);
@@ -425,7 +425,7 @@ private slots:
         QTest::newRow("trailing dot and space") << QStringLiteral("a./b ");
         QTest::newRow("home") << QStringLiteral("~/a");
     }
-    void documentsOfAnyNameStayInTheStore()
+    void anyDocumentNameStaysInsideTheStore()
     {
         QFETCH(QString, name);
         // The store lies deep, so that what leaves it is still found.
@@ -448,7 +448,7 @@ private slots:
         QCOMPARE(Document(name)->GetString(kKey, kNone, 0), kValue);
     }
 
-    void documentsWithNamesThatAreAlikeAreApart()
+    void similarDocumentNamesStayDistinct()
     {
         const QStringList names{QStringLiteral("a"),
                                 QStringLiteral("a.json"),

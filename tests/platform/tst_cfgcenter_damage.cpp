@@ -40,7 +40,7 @@ private slots:
     void init() { m_store.emplace(); }
     void cleanup() { m_store.reset(); }
 
-    void newestVersionTakesThePlace()
+    void newestVersionReplacesADamagedDocument()
     {
         for (int i = 1; i <= 3; ++i)
             QVERIFY(m_store->Save(i));
@@ -77,7 +77,7 @@ private slots:
         QCOMPARE(m_store->Number(), 4);
     }
 
-    void damagedVersionsArePassedOver()
+    void damagedVersionsAreSkipped()
     {
         for (int i = 1; i <= 5; ++i)
             QVERIFY(m_store->Save(i));
@@ -94,7 +94,7 @@ private slots:
         QVERIFY(traces.Messages().at(1).contains(Version(1)));
     }
 
-    void withoutAReadableVersionItBeginsEmpty()
+    void documentIsEmptyWithoutAReadableVersion()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -112,7 +112,7 @@ private slots:
         QCOMPARE(m_store->Number(), 3);
     }
 
-    void eachDocumentIsToldOfOnce()
+    void eachDocumentIsReportedOnce()
     {
         for (int i = 1; i <= 2; ++i) {
             CfgCenter::GetAppCfg(View::User)->SetInt(QStringLiteral("Number"), i, 0);
@@ -199,7 +199,7 @@ private slots:
         }
     }
 
-    void aFolderInThePlaceIsQuarantined()
+    void folderInPlaceOfTheDocumentIsQuarantined()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -215,7 +215,7 @@ private slots:
     }
 
     // A version is shown, and what is in the file cannot be lost.
-    void whatCannotBeQuarantinedIsNeverReplaced()
+    void damagedDocumentIsNotReplacedUnlessQuarantined()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -248,7 +248,7 @@ private slots:
         QCOMPARE(notices.lines.size(), 1);
     }
 
-    void documentThatWasTakenAwayIsEmpty()
+    void removedDocumentIsEmpty()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -260,7 +260,7 @@ private slots:
         QVERIFY(notices.lines.isEmpty());
     }
 
-    void fileTakenAwayMeanwhileComesBackWhole()
+    void fileRemovedWhileOpenIsWrittenCompletely()
     {
         m_store->Root()->SetString(kText, kText, 0);
         QVERIFY(m_store->Save(1));
@@ -272,7 +272,7 @@ private slots:
     }
 
     // Emptied while it is open: the working copy knows all.
-    void fileEmptiedMeanwhileComesBackWhole()
+    void fileEmptiedWhileOpenIsWrittenCompletely()
     {
         m_store->Root()->SetString(kText, kText, 0);
         QVERIFY(m_store->Save(1));

@@ -69,7 +69,7 @@ private slots:
         QVERIFY(QFile::exists(deep + QStringLiteral("/shared/Document.json")));
     }
 
-    void openRefusesWhatCannotBeUsed_data()
+    void openRefusesUnusableDirectories_data()
     {
         QTest::addColumn<QString>("directory");
         QTest::newRow("a file") << QStringLiteral("file");
@@ -77,7 +77,7 @@ private slots:
         QTest::newRow("deep below a file") << QStringLiteral("file/a/b/store");
         QTest::newRow("empty") << QString();
     }
-    void openRefusesWhatCannotBeUsed()
+    void openRefusesUnusableDirectories()
     {
         QFETCH(QString, directory);
         QVERIFY(Files::Write(m_store->filePath(QStringLiteral("file")), "content"));
@@ -98,7 +98,7 @@ private slots:
         QVERIFY(!QFile::exists(DocumentFile()));
     }
 
-    void readOnlyStoreIsNeitherMadeNorWritten()
+    void readOnlyStoreIsNeitherCreatedNorWritten()
     {
         const QString missing = m_store->filePath(QStringLiteral("not/there"));
         QVERIFY(!CfgCenter::OpenReadOnly(missing));
@@ -117,7 +117,7 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
     }
 
-    void openDropsWhatWasThere()
+    void openDropsUnsavedChanges()
     {
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::Open(m_store->path()));
@@ -155,7 +155,7 @@ private slots:
         QCOMPARE(grandchild->GetString(kKey, kNone, 0), kOther);
     }
 
-    void whatOldHandlesWriteGoesNowhere()
+    void writesThroughOldHandlesAreLost()
     {
         const auto handle = Child(QStringLiteral("A"));
         QVERIFY(CfgCenter::Open(m_store->path()));
@@ -168,7 +168,7 @@ private slots:
         QCOMPARE(Child(QStringLiteral("A"))->GetString(kKey, kNone, 0), kValue);
     }
 
-    void saveOfTheSameValuesTouchesNoFile()
+    void savingUnchangedValuesTouchesNoFile()
     {
         Document()->SetString(kKey, kValue, 0);
         Document()->SetInt(QStringLiteral("Number"), 1, 0);
@@ -188,7 +188,7 @@ private slots:
         QVERIFY(QFile::exists(DocumentFile()));
     }
 
-    void whatComesAndGoesUnsavedMakesNoFile()
+    void undoneChangesCreateNoFile()
     {
         Document()->SetString(kKey, kValue, 0);
         Document()->Remove(kKey, 0);
@@ -196,7 +196,7 @@ private slots:
         QVERIFY(!QFile::exists(DocumentFile()));
     }
 
-    void saveLeavesNothingBesideTheFile()
+    void saveLeavesNoOtherFiles()
     {
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -205,7 +205,7 @@ private slots:
         QCOMPARE(SharedFiles(), QStringList({QStringLiteral("Document.json")}));
     }
 
-    void saveThatFailsLeavesEverything()
+    void failedSaveKeepsFileAndChanges()
     {
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -236,7 +236,7 @@ private slots:
         QCOMPARE(Document()->GetString(kOther, kNone, 0), kOther);
     }
 
-    void changesOfASaveThatFailedGoWithClose()
+    void closeDropsChangesOfAFailedSave()
     {
         Document()->SetString(kOther, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -258,7 +258,7 @@ private slots:
         QCOMPARE(Document()->GetString(kOther, kNone, 0), kOther);
     }
 
-    void saveFailsWhereThereIsNoFolder()
+    void saveFailsWithoutAFolder()
     {
         QVERIFY(QDir(m_store->path()).rmdir(QStringLiteral("shared")));
         QVERIFY(Files::Write(m_store->filePath(QStringLiteral("shared")), "a file"));
@@ -273,7 +273,7 @@ private slots:
         QVERIFY(QFile::exists(DocumentFile()));
     }
 
-    void whatIsNoFileIsQuarantined()
+    void folderInPlaceOfTheFileIsQuarantined()
     {
         QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral("/inside")));
         const TraceRecorder traces;
@@ -291,7 +291,7 @@ private slots:
     }
 
     // The working copy still knows what was stored, and it is saved again as if the document were damaged.
-    void whatTakesThePlaceLaterIsQuarantined()
+    void folderThatAppearsLaterIsQuarantined()
     {
         Child(kOther)->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -343,7 +343,7 @@ private slots:
         QCOMPARE(ReadFile(DocumentFile()), std::optional(QByteArray("damage")));
     }
 
-    void nothingIsTracedUnlessAskedFor()
+    void nothingIsTracedWhileTracesAreOff()
     {
         QVERIFY(Files::Write(DocumentFile(), "damage"));
         const TraceRecorder traces;
@@ -402,7 +402,7 @@ private slots:
         QCOMPARE(traces.Messages().size(), 1);
     }
 
-    void everyDamagedFileIsKept()
+    void everyDamagedFileGetsItsOwnCopy()
     {
         constexpr int kTimes = 5;
         for (int i = 0; i < kTimes; ++i) {
@@ -418,7 +418,7 @@ private slots:
     }
 
     // The working copy still knows what was in the file: it comes back whole, not just what was changed.
-    void fileDamagedMeanwhileIsQuarantinedAndMended()
+    void fileDamagedWhileOpenIsQuarantinedAndRewritten()
     {
         Document()->SetString(kKey, kValue, 0);
         Child(kOther)->SetString(kKey, kValue, 0);
@@ -469,7 +469,7 @@ private slots:
     }
 
     // Same size, and within one tick of the clock that stamps files: nothing but the content tells.
-    void changesOfOthersThatLeaveSizeAndTimeAreSeen()
+    void foreignChangeWithSameSizeAndTimeIsNoticed()
     {
         Document()->SetString(kKey, QStringLiteral("1"), 0);
         Document()->SetString(kOther, QStringLiteral("1"), 0);
@@ -492,7 +492,7 @@ private slots:
     }
 
     // Names that people give to copies of their own, and that programs make of a file's name.
-    void copiesOfOthersStay()
+    void foreignFilesStay()
     {
         QStringList names;
         for (const char* end : {".backup", ".before", ".aBcDeF", ".backup2", ".2024-1", ".unfinished", "~"})
@@ -529,7 +529,7 @@ private slots:
     }
 
     // Left as they are by a process that is killed between its steps; tst_savekills makes them by killing.
-    void whatKilledProcessesLeftIsCleanedUp()
+    void leftoversOfKilledProcessesAreRemoved()
     {
         Document()->SetString(kKey, kOther, 0);
         QVERIFY(CfgCenter::SaveDocument());

@@ -62,7 +62,7 @@ private slots:
         QCOMPARE(ReadElsewhere(QStringLiteral("ConnectData0"), QStringLiteral("StationName")), kValue);
     }
 
-    void changesOfAnotherProcessAreKeptAndTakenOver()
+    void changesOfAnotherProcessAreMerged()
     {
         Document()->SetString(kKey, kValue, 0);
         Document()->SetString(QStringLiteral("Both0"), QStringLiteral("mine"), 0);
@@ -97,7 +97,7 @@ private slots:
         QCOMPARE(Document()->GetString(QStringLiteral("Theirs0"), kNone, 0), QStringLiteral("Theirs"));
     }
 
-    void processesThatWriteAtTheSameTimeLoseNothing()
+    void simultaneousWritersLoseNothing()
     {
         constexpr int kWriters = 3;
         constexpr int kKeys = 40;
@@ -148,7 +148,7 @@ private slots:
 
     // The process gives all keys one number, saves, and goes on with the next. At whatever moment it is killed, or the
     // file is read, all numbers are the same, and no number that was saved is lost.
-    void killedProcessesLeaveTheFileWhole()
+    void killedProcessesLeaveAValidFile()
     {
         const int kills =
             qEnvironmentVariableIsSet("VEXEL_SAVE_KILLS") ? qEnvironmentVariableIntValue("VEXEL_SAVE_KILLS") : 30;

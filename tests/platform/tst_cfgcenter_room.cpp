@@ -39,7 +39,7 @@ private slots:
     }
     void cleanup() { m_store.reset(); }
 
-    void theOldStateStays_data()
+    void fullDiskKeepsTheOldState_data()
     {
         QTest::addColumn<int>("missing"); // bytes
         QTest::newRow("for anything") << 100000;
@@ -47,7 +47,7 @@ private slots:
         QTest::newRow("for the last bytes") << 20;
         QTest::newRow("for the last byte") << 1;
     }
-    void theOldStateStays()
+    void fullDiskKeepsTheOldState()
     {
         QFETCH(int, missing);
         const QByteArray before = Files::Read(m_store->Document());
@@ -75,7 +75,7 @@ private slots:
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(9000, u'b'));
     }
 
-    void damageFoundThenStaysWhereItIs()
+    void damagedDocumentStaysInPlaceOnAFullDisk()
     {
         QVERIFY(Files::Write(m_store->Document(), "damage"));
         {
@@ -92,7 +92,7 @@ private slots:
     }
 
     // The version is used all the same, and put in its place by the next save that can.
-    void versionThatCannotBePutInPlaceIsUsed()
+    void versionIsUsedWhereItCannotBeWritten()
     {
         QVERIFY(m_store->Save(3));
         QVERIFY(Files::Write(m_store->Document(), "damage"));
@@ -110,7 +110,7 @@ private slots:
     }
 
     // Neither in the store nor anywhere else.
-    void readingTakesNoRoom()
+    void readingNeedsNoDiskSpace()
     {
         const QByteArray formerPlace = qgetenv("TMPDIR");
         qputenv("TMPDIR", m_store->Path(QStringLiteral("no such folder")).toLocal8Bit());
@@ -134,7 +134,7 @@ private slots:
     }
 
     // A process that does not ignore the signal ends in the middle of writing.
-    void whatAKilledProcessLeavesIsClearedUp()
+    void nextSaveRemovesLeftoversOfAKilledProcess()
     {
         {
             const FileSizeLimit limit(4000);
@@ -158,7 +158,7 @@ private slots:
         QCOMPARE(m_store->Number(), 3);
     }
 
-    void restoreThatFailsChangesNothing()
+    void failedRestoreChangesNothing()
     {
         const QByteArray before = Files::Read(m_store->Document());
         const ConfigVersions versions(View::Shared, QStringLiteral("Document"));

@@ -48,7 +48,7 @@ private slots:
     void init() { m_store.emplace(); }
     void cleanup() { m_store.reset(); }
 
-    void aFileThatMayNotBeReadIsQuarantined()
+    void fileWithoutReadPermissionIsQuarantined()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -68,7 +68,7 @@ private slots:
         QVERIFY(m_store->Save(3));
     }
 
-    void whatALinkLeadsToIsLeftAlone()
+    void targetOfADamagedLinkIsNotTouched()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -84,7 +84,7 @@ private slots:
         QCOMPARE(Files::Read(target), QByteArray("damage"));
     }
 
-    void documentOnAnotherDiskIsCopied()
+    void documentOnAnotherFileSystemIsCopied()
     {
         QTemporaryDir other(QStringLiteral("/dev/shm/store-XXXXXX"));
         if (!other.isValid() || QStorageInfo(other.path()).device() == QStorageInfo(m_store->Path({})).device())
@@ -105,7 +105,7 @@ private slots:
         QVERIFY(QFileInfo(m_store->Document()).isSymLink());
     }
 
-    void openRefusesADirectoryWithoutWriting()
+    void openRefusesAReadOnlyDirectory()
     {
         const QString locked = m_store->Path(QStringLiteral("locked"));
         QVERIFY(QDir().mkpath(locked));
@@ -119,7 +119,7 @@ private slots:
     }
 
     // A pipe keeps whoever opens it waiting for its other end.
-    void aPipeInPlaceOfTheLockKeepsNobodyWaiting()
+    void pipeInPlaceOfTheLockDoesNotBlock()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -141,7 +141,7 @@ private slots:
         QVERIFY(m_store->Save(4));
     }
 
-    void filesWithoutBoundAreDamaged()
+    void oversizedFilesAreDamaged()
     {
         constexpr qint64 kHuge = qint64(60) << 30;
         for (int i = 1; i <= 3; ++i)
@@ -175,7 +175,7 @@ private slots:
     }
 
     // What is not known is neither shown as if there were nothing, nor replaced.
-    void whatCannotBeLookedAtIsToldAndLeftAlone()
+    void temporarilyUnreadableDocumentIsReportedAndKept()
     {
         ICfg* const own = CfgCenter::GetAppCfg(View::Application);
         for (int i = 1; i <= 2; ++i) {
@@ -215,7 +215,7 @@ private slots:
     }
 
     // What is there and gives no bytes.
-    void whatFailsWhileItIsReadIsToldApartFromDamage()
+    void readErrorsAreNotDamage()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));

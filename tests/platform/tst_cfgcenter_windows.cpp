@@ -50,7 +50,7 @@ private slots:
     }
     void cleanup() { m_store.reset(); }
 
-    void savesWhenAnotherProgramLetsGo()
+    void saveWaitsForAnotherProgramToCloseTheFile()
     {
         Holder holder(m_store->Document());
         QVERIFY(holder.Holds());
@@ -66,7 +66,7 @@ private slots:
         QCOMPARE(m_store->Number(), 2);
     }
 
-    void keepsTheOldStateWhereItNeverLetsGo()
+    void saveFailsWhileAnotherProgramKeepsTheFileOpen()
     {
         const QByteArray content = Files::Read(m_store->Document());
         {
@@ -83,7 +83,7 @@ private slots:
         QCOMPARE(m_store->Number(), 2);
     }
 
-    void readsWhenAnotherProgramLetsGo()
+    void readWaitsForAnotherProgramToCloseTheFile()
     {
         Holder holder(m_store->Document(), 0);
         QVERIFY(holder.Holds());
@@ -98,7 +98,7 @@ private slots:
         QVERIFY(m_store->Quarantined().isEmpty());
     }
 
-    void placesThatAreNotThere_data()
+    void unreachableDirectoriesAreRefused_data()
     {
         QTest::addColumn<QString>("directory");
         QTest::newRow("drive") << QStringLiteral("Q:/nowhere/store");
@@ -106,7 +106,7 @@ private slots:
         QTest::newRow("device") << QStringLiteral("NUL");
         QTest::newRow("below a device") << QStringLiteral("NUL/store");
     }
-    void placesThatAreNotThere()
+    void unreachableDirectoriesAreRefused()
     {
         QFETCH(QString, directory);
         QVERIFY(!CfgCenter::Open(directory));

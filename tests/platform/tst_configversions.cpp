@@ -50,7 +50,7 @@ private slots:
     void init() { m_store.emplace(); }
     void cleanup() { m_store.reset(); }
 
-    void everySaveKeepsWhatWasThere()
+    void everySaveKeepsTheEarlierContent()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(Versions().List().isEmpty());
@@ -67,7 +67,7 @@ private slots:
         QCOMPARE(m_store->Number(), 2);
     }
 
-    void versionsAreTenDeep()
+    void tenVersionsAreKept()
     {
         QList<int> expected;
         for (int i = 1; i <= 14; ++i) {
@@ -83,7 +83,7 @@ private slots:
             QCOMPARE(QFileInfo(version.file).fileName(), byName.takeFirst());
     }
 
-    void saveThatChangesNothingKeepsNothing()
+    void unchangedSaveKeepsNoVersion()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -92,7 +92,7 @@ private slots:
         QCOMPARE(Numbers(), QList<int>({1}));
     }
 
-    void emptyDocumentsAreNoVersions()
+    void emptyDocumentsAreNotKept()
     {
         QVERIFY(QDir().mkpath(m_store->Path(QStringLiteral("shared"))));
         QVERIFY(Files::Write(m_store->Document(), QByteArray()));
@@ -108,7 +108,7 @@ private slots:
         QCOMPARE(m_store->Number(), 2);
     }
 
-    void emptiedDocumentIsNoDamage()
+    void emptiedDocumentIsNotDamaged()
     {
         QVERIFY(m_store->Save(1));
         m_store->Root()->Remove(QStringLiteral("Number"), 0);
@@ -119,7 +119,7 @@ private slots:
         QVERIFY(traces.Messages().isEmpty());
     }
 
-    void versionStaysWhatItIs()
+    void versionsNeverChange()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -131,7 +131,7 @@ private slots:
     }
 
     // What a process leaves that is killed between keeping the document and replacing it.
-    void documentThatWasKeptAndNotReplacedIsNoVersion()
+    void linkToTheDocumentItselfIsNotListed()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -165,7 +165,7 @@ private slots:
         QCOMPARE(listed, times);
     }
 
-    void savesMayFallIntoOneMoment()
+    void savesWithinOneTickStayInOrder()
     {
         const QDateTime time(QDate(2026, 3, 4), QTime(5, 6, 7, 8));
         for (int i = 1; i <= 5; ++i) {
@@ -177,7 +177,7 @@ private slots:
         QCOMPARE(Versions().List().back().saved, time);
     }
 
-    void saveWorksWhereNothingCanBeKept()
+    void saveWorksWithoutAVersionFolder()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(Files::Write(m_store->Versions(), "in the way"));
@@ -197,7 +197,7 @@ private slots:
         QCOMPARE(Numbers(), QList<int>({2}));
     }
 
-    void foreignFilesAreNobodysConcern()
+    void foreignFilesAreIgnored()
     {
         constexpr int kFiles = 10000;
         QVERIFY(QDir().mkpath(m_store->Versions()));
@@ -228,7 +228,7 @@ private slots:
         QVERIFY(QFileInfo(m_store->Versions() + u'/' + folder).isDir());
     }
 
-    void usedUpNumbersAreNoObstacle()
+    void highestNumberIsRenumbered()
     {
         QVERIFY(QDir().mkpath(m_store->Versions()));
         const QString last = m_store->Versions() + QStringLiteral("/99999999-20260102T030405.006Z.json");
@@ -249,7 +249,7 @@ private slots:
         QCOMPARE(m_store->Number(), 16);
     }
 
-    void whatIsNoDocumentOpensAsNone()
+    void unreadableVersionsDoNotOpen()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -268,7 +268,7 @@ private slots:
         QVERIFY(Versions().List().isEmpty());
     }
 
-    void whatIsWrittenToAVersionGoesNowhere()
+    void writesToAVersionAreLost()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -289,7 +289,7 @@ private slots:
         QCOMPARE(Files::Read(m_store->Document()), document);
     }
 
-    void presentStateIsThatOfTheDisk()
+    void openCurrentReadsTheDisk()
     {
         auto root = Versions().OpenCurrent();
         QVERIFY(root);
@@ -311,7 +311,7 @@ private slots:
         }
     }
 
-    void everyDocumentHasItsOwn()
+    void everyDocumentHasItsOwnVersions()
     {
         const ConfigVersions own(View::Application, {});
         const ConfigVersions legacy(View::Shared, QStringLiteral("KiteResources/ConnectData"));
@@ -333,7 +333,7 @@ private slots:
         QVERIFY(own.Folder() != legacy.Folder());
     }
 
-    void withoutAStoreThereIsNothing()
+    void thereAreNoVersionsWithoutAStore()
     {
         CfgCenter::Close();
         const ConfigVersions versions = Versions();
@@ -346,7 +346,7 @@ private slots:
         QCOMPARE(traces.Messages().size(), 1);
     }
 
-    void restoreBringsAVersionBack()
+    void restoreReplacesTheDocument()
     {
         for (int i = 1; i <= 4; ++i)
             QVERIFY(m_store->Save(i));
@@ -364,7 +364,7 @@ private slots:
         QCOMPARE(Numbers(), QList<int>({4, 2, 4, 3, 2, 1}));
     }
 
-    void restoreOfTheOldestOfTen()
+    void oldestVersionCanBeRestored()
     {
         for (int i = 1; i <= kDepth + 1; ++i)
             QVERIFY(m_store->Save(i));
@@ -374,7 +374,7 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
     }
 
-    void restoreOfThePresentStateChangesNothing()
+    void restoringThePresentStateChangesNothing()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -384,7 +384,7 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
     }
 
-    void restoreWhereThereIsNoDocument()
+    void restoreCreatesAMissingDocument()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -411,7 +411,7 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
     }
 
-    void restoreThatFailsChangesNothing()
+    void failedRestoreChangesNothing()
     {
         for (int i = 1; i <= 3; ++i)
             QVERIFY(m_store->Save(i));

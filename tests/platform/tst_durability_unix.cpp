@@ -26,7 +26,7 @@ private slots:
         m_root.reset();
     }
 
-    void contentIsOnTheDiskBeforeItsNameAndThatBeforeTheEnd()
+    void contentIsSyncedBeforeTheRenameAndTheFolderAfterIt()
     {
         QVERIFY(CfgCenter::Open(m_root->path()));
         for (int i = 1; i <= 2; ++i) {
@@ -39,7 +39,7 @@ private slots:
         }
     }
 
-    void newFoldersAreOnTheDiskAsWell()
+    void newFoldersAreSynced()
     {
         const QString store = m_root->filePath(QStringLiteral("a/store"));
         QVERIFY(CfgCenter::Open(store));

@@ -66,9 +66,9 @@ private slots:
         ErrorHandler::Instance().SetSink({});
     }
 
-    void isOneObject() { QCOMPARE(&ErrorHandler::Instance(), &ErrorHandler::Instance()); }
+    void instanceIsASingleton() { QCOMPARE(&ErrorHandler::Instance(), &ErrorHandler::Instance()); }
 
-    void valuesAreTheProductsBits()
+    void kindValuesAreFixed()
     {
         QCOMPARE(unsigned(ErrorHandler::Assertion), 0x02u);
         QCOMPARE(unsigned(ErrorHandler::Trace), 0x20u);
@@ -102,7 +102,7 @@ private slots:
     }
 
     // The places that report ask for the mask. What they then report arrives.
-    void forwardsWhateverTheMaskSays()
+    void reportsAreForwardedWhateverTheMask()
     {
         ErrorHandler::Instance().SetEnabledKinds(0);
         const std::vector<Report> reports = Record([] {
@@ -112,7 +112,7 @@ private slots:
         QCOMPARE(reports.size(), std::size_t(2));
     }
 
-    void missingPlaceAndExpressionAreEmpty()
+    void nullTextsAreEmpty()
     {
         const std::vector<Report> reports = Record([] {
             _Q_Trace(QString(), nullptr, 1);
@@ -123,7 +123,7 @@ private slots:
         QVERIFY(reports[1].message.isEmpty());
     }
 
-    void messagesReachQtsLogIntact_data()
+    void messagesReachQtsLogUnchanged_data()
     {
         QTest::addColumn<QString>("message");
         QTest::newRow("plain") << QStringLiteral("A::B(): Could not open /x for reading");
@@ -136,7 +136,7 @@ private slots:
         QTest::newRow("half a surrogate pair") << QStringLiteral("a") + QChar(0xD83D) + QStringLiteral("b");
         QTest::newRow("long") << QString(1 << 20, u'\u00e4');
     }
-    void messagesReachQtsLogIntact()
+    void messagesReachQtsLogUnchanged()
     {
         QFETCH(QString, message);
         const LogRecorder recorder;
@@ -161,7 +161,7 @@ private slots:
         QCOMPARE(g_logged[0].line, 7);
     }
 
-    void sinkStandsInPlaceOfTheLogUntilTakenAway()
+    void sinkReplacesTheLogUntilItIsRemoved()
     {
         const LogRecorder recorder;
         const std::vector<Report> reports = Record([] { _Q_Trace(QStringLiteral("first"), "a", 1); });
@@ -189,7 +189,7 @@ private slots:
         QCOMPARE(messages, QStringList({QStringLiteral("outer"), QStringLiteral("inner")}));
     }
 
-    void sinkIsLetGoOf()
+    void replacedSinkIsDestroyed()
     {
         const auto held = std::make_shared<int>(0);
         ErrorHandler::Instance().SetSink([held](ErrorHandler::Kind, const QString&, const QString&, quint16) {});

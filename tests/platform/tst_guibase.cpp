@@ -29,7 +29,7 @@ private slots:
         m_store.reset();
     }
 
-    void isOneObject() { QCOMPARE(&GuiBase::Instance(), &GuiBase::Instance()); }
+    void instanceIsASingleton() { QCOMPARE(&GuiBase::Instance(), &GuiBase::Instance()); }
 
     void hasNoMainWidgetUntilOneIsSet()
     {
@@ -44,7 +44,7 @@ private slots:
         QVERIFY(!GuiBase::Instance().GetMainWidget());
     }
 
-    void forgetsAMainWidgetThatIsGone()
+    void forgetsADestroyedMainWidget()
     {
         auto widget = std::make_unique<QWidget>();
         GuiBase::Instance().SetMainWidget(widget.get());
@@ -52,7 +52,7 @@ private slots:
         QVERIFY(!GuiBase::Instance().GetMainWidget());
     }
 
-    void nothingStoredLeavesTheSize()
+    void sizeIsUnchangedWithoutAStoredOne()
     {
         QWidget widget;
         widget.setObjectName(QStringLiteral("Dialog"));
@@ -61,7 +61,7 @@ private slots:
         QCOMPARE(widget.size(), QSize(321, 123));
     }
 
-    void sizesOutliveTheRun()
+    void sizeIsRestoredInTheNextRun()
     {
         Store(QStringLiteral("Dialog"), {700, 400});
         Store(QStringLiteral("Other/../Dialog"), {200, 100});
@@ -71,7 +71,7 @@ private slots:
         QCOMPARE(Restored(QStringLiteral("Other/../Dialog")), QSize(200, 100));
     }
 
-    void sizesStandInTheUsersConfiguration()
+    void sizeIsStoredInTheUserConfiguration()
     {
         Store(QStringLiteral("Dialog"), {700, 400});
         const std::unique_ptr<ICfg> sizes(
@@ -92,14 +92,14 @@ private slots:
         QCOMPARE(Restored(QStringLiteral("Dialog")), screen);
     }
 
-    void storingIsNotSaving()
+    void storeWidgetSizeDoesNotSave()
     {
         Store(QStringLiteral("Dialog"), {700, 400});
         QVERIFY(CfgCenter::Open(m_store->path()));
         QCOMPARE(Restored(QStringLiteral("Dialog")), kUntouched);
     }
 
-    void maximisedWindowsStoreWhatTheyReturnTo()
+    void maximisedWindowStoresItsNormalSize()
     {
         QWidget widget;
         widget.setObjectName(QStringLiteral("Dialog"));
@@ -112,7 +112,7 @@ private slots:
         QCOMPARE(Restored(QStringLiteral("Dialog")), QSize(300, 200));
     }
 
-    void nonsenseLeavesTheSize_data()
+    void invalidSizeIsIgnored_data()
     {
         QTest::addColumn<QString>("width");
         QTest::addColumn<QString>("height");
@@ -127,7 +127,7 @@ private slots:
         QTest::newRow("no number") << QStringLiteral("wide") << QStringLiteral("400");
         QTest::newRow("empty") << QString() << QString();
     }
-    void nonsenseLeavesTheSize()
+    void invalidSizeIsIgnored()
     {
         QFETCH(QString, width);
         QFETCH(QString, height);
@@ -139,7 +139,7 @@ private slots:
         QCOMPARE(Restored(QStringLiteral("Dialog")), kUntouched);
     }
 
-    void halfASizeLeavesTheSize()
+    void incompleteSizeIsIgnored()
     {
         Store(QStringLiteral("Dialog"), {700, 400});
         const std::unique_ptr<ICfg> sizes(
@@ -149,7 +149,7 @@ private slots:
         QCOMPARE(Restored(QStringLiteral("Dialog")), kUntouched);
     }
 
-    void widgetsWithoutANameStoreNothing()
+    void unnamedWidgetStoresNothing()
     {
         Store(QString(), {700, 400});
         QCOMPARE(Restored(QString()), kUntouched);
@@ -157,7 +157,7 @@ private slots:
         QVERIFY(QDir(m_store->path()).isEmpty());
     }
 
-    void noWidgetDoesNothing()
+    void nullWidgetIsIgnored()
     {
         GuiBase::Instance().RestoreWidgetSize(nullptr);
         GuiBase::Instance().StoreWidgetSize(nullptr);

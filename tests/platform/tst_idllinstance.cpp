@@ -8,14 +8,14 @@ class TestIDllInstance : public QObject
     Q_OBJECT
 
 private slots:
-    void keepsItsName_data()
+    void nameIsKept_data()
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("plain") << QStringLiteral("VexelConnectDlg");
         QTest::newRow("empty") << QString();
         QTest::newRow("spaces and letters beyond the first plane") << QStringLiteral(" Peil\u00fcbersicht \U0001F4E1 ");
     }
-    void keepsItsName()
+    void nameIsKept()
     {
         QFETCH(QString, name);
         const IDllInstance instance(name);
@@ -32,7 +32,7 @@ private slots:
         QCOMPARE(instance.Name(), QStringLiteral("Base"));
     }
 
-    void isDeletedThroughTheBase()
+    void canBeDeletedThroughTheBase()
     {
         class Probe : public IDllInstance
         {

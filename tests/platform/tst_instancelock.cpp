@@ -66,28 +66,28 @@ class TestInstanceLock : public QObject
     Q_OBJECT
 
 private slots:
-    void oneTakesAndGivesBack();
-    void makesTheDirectory();
+    void lockIsTakenAndReleased();
+    void directoryIsCreated();
     void anotherProcessIsRefused();
-    void aDeadOwnerIsSucceeded();
-    void aNumberThatBelongsToAnotherHostByNow();
-    void aDeadOwnerWithTheOwnNumber();
-    void aChildThatOutlivesTheOwnerHoldsNothing();
-    void aFileThatSaysNothing_data();
-    void aFileThatSaysNothing();
-    void anOwnerOnAnotherMachine_data();
-    void anOwnerOnAnotherMachine();
-    void aMachineOfAnotherNameByNow();
-    void anOwnerThatDoesNotSayWhoItIs();
-    void manyAtOnce();
+    void lockOfADeadProcessIsTakenOver();
+    void processNumberReusedByAnotherHost();
+    void deadOwnerWithOurProcessNumber();
+    void childProcessDoesNotInheritTheLock();
+    void emptyLockFile_data();
+    void emptyLockFile();
+    void ownerOnAnotherMachine_data();
+    void ownerOnAnotherMachine();
+    void machineWasRenamed();
+    void ownerWithoutAName();
+    void onlyOneOfManyGetsTheLock();
     void unusableDirectories_data();
     void unusableDirectories();
-    void lookingDoesNotDisturb();
-    void lookingRemovesNothing();
-    void otherDirectoriesAreFree();
+    void queryDoesNotDisturbTheOwner();
+    void queryRemovesNothing();
+    void directoriesAreLockedSeparately();
 };
 
-void TestInstanceLock::oneTakesAndGivesBack()
+void TestInstanceLock::lockIsTakenAndReleased()
 {
     const QTemporaryDir directory;
     {
@@ -105,7 +105,7 @@ void TestInstanceLock::oneTakesAndGivesBack()
     QCOMPARE(again.TryLock(directory.path()), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::makesTheDirectory()
+void TestInstanceLock::directoryIsCreated()
 {
     const QTemporaryDir directory;
     InstanceLock lock;
@@ -131,7 +131,7 @@ void TestInstanceLock::anotherProcessIsRefused()
     QCOMPARE(Files::Read(LockFile(directory)), before);
 }
 
-void TestInstanceLock::aDeadOwnerIsSucceeded()
+void TestInstanceLock::lockOfADeadProcessIsTakenOver()
 {
     const QTemporaryDir directory;
     Owner owner(directory.path());
@@ -144,7 +144,7 @@ void TestInstanceLock::aDeadOwnerIsSucceeded()
     QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
-void TestInstanceLock::aNumberThatBelongsToAnotherHostByNow()
+void TestInstanceLock::processNumberReusedByAnotherHost()
 {
     const QTemporaryDir directory;
     Owner owner(directory.path());
@@ -166,7 +166,7 @@ void TestInstanceLock::aNumberThatBelongsToAnotherHostByNow()
     QCOMPARE(OwnerOf(elsewhere.path()), other.process.processId());
 }
 
-void TestInstanceLock::aDeadOwnerWithTheOwnNumber()
+void TestInstanceLock::deadOwnerWithOurProcessNumber()
 {
     // In a container, where every host is process 1.
     const QTemporaryDir directory;
@@ -182,7 +182,7 @@ void TestInstanceLock::aDeadOwnerWithTheOwnNumber()
     QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::aChildThatOutlivesTheOwnerHoldsNothing()
+void TestInstanceLock::childProcessDoesNotInheritTheLock()
 {
     const QTemporaryDir directory;
     const QTemporaryDir reports;
@@ -202,7 +202,7 @@ void TestInstanceLock::aChildThatOutlivesTheOwnerHoldsNothing()
     QVERIFY(System::AskToEnd(child));
 }
 
-void TestInstanceLock::aFileThatSaysNothing_data()
+void TestInstanceLock::emptyLockFile_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
@@ -210,7 +210,7 @@ void TestInstanceLock::aFileThatSaysNothing_data()
     QTest::newRow("zeroes") << QByteArray(4096, '\0');
 }
 
-void TestInstanceLock::aFileThatSaysNothing()
+void TestInstanceLock::emptyLockFile()
 {
     QFETCH(const QByteArray, content);
     const QTemporaryDir directory;
@@ -221,14 +221,14 @@ void TestInstanceLock::aFileThatSaysNothing()
     QCOMPARE(OwnerOf(directory.path()), QCoreApplication::applicationPid());
 }
 
-void TestInstanceLock::anOwnerOnAnotherMachine_data()
+void TestInstanceLock::ownerOnAnotherMachine_data()
 {
     QTest::addColumn<QString>("machine");
     QTest::newRow("plain") << QStringLiteral("elsewhere");
     QTest::newRow("letters") << QStringLiteral("\u5317\u6597-\u00fc");
 }
 
-void TestInstanceLock::anOwnerOnAnotherMachine()
+void TestInstanceLock::ownerOnAnotherMachine()
 {
     QFETCH(const QString, machine);
     const QTemporaryDir directory;
@@ -246,7 +246,7 @@ void TestInstanceLock::anOwnerOnAnotherMachine()
     QCOMPARE(Files::Read(LockFile(directory)), content);
 }
 
-void TestInstanceLock::aMachineOfAnotherNameByNow()
+void TestInstanceLock::machineWasRenamed()
 {
     const QTemporaryDir directory;
     QVERIFY(Files::Write(LockFile(directory), "1\nvexelhost\nits-earlier-name\n"));
@@ -255,7 +255,7 @@ void TestInstanceLock::aMachineOfAnotherNameByNow()
     QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
 }
 
-void TestInstanceLock::anOwnerThatDoesNotSayWhoItIs()
+void TestInstanceLock::ownerWithoutAName()
 {
     // As one on a full disk.
     const QTemporaryDir directory;
@@ -269,7 +269,7 @@ void TestInstanceLock::anOwnerThatDoesNotSayWhoItIs()
     QVERIFY2(!lock.ErrorText().contains(QLatin1String("process")), qPrintable(lock.ErrorText()));
 }
 
-void TestInstanceLock::manyAtOnce()
+void TestInstanceLock::onlyOneOfManyGetsTheLock()
 {
     const QTemporaryDir directory;
     // What a killed one left, which all of them find.
@@ -321,7 +321,7 @@ void TestInstanceLock::unusableDirectories()
     QCOMPARE(Files::Read(directory.filePath(QStringLiteral("file"))), QByteArray("content"));
 }
 
-void TestInstanceLock::lookingDoesNotDisturb()
+void TestInstanceLock::queryDoesNotDisturbTheOwner()
 {
     const QTemporaryDir directory;
     const QString missing = directory.filePath(QStringLiteral("missing"));
@@ -336,7 +336,7 @@ void TestInstanceLock::lookingDoesNotDisturb()
     QCOMPARE(second.TryLock(directory.path()), InstanceLock::Result::Busy);
 }
 
-void TestInstanceLock::lookingRemovesNothing()
+void TestInstanceLock::queryRemovesNothing()
 {
     const QTemporaryDir directory;
     const QByteArray content = "999999\nvexelhost\n" + QSysInfo::machineHostName().toUtf8() + '\n';
@@ -353,7 +353,7 @@ void TestInstanceLock::lookingRemovesNothing()
     QCOMPARE(QDir(directory.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
 }
 
-void TestInstanceLock::otherDirectoriesAreFree()
+void TestInstanceLock::directoriesAreLockedSeparately()
 {
     const QTemporaryDir one;
     const QTemporaryDir other;

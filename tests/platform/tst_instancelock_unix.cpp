@@ -38,7 +38,7 @@ class TestInstanceLockUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void aFileSystemWithoutLocks()
+    void fileSystemWithoutLocks()
     {
         const auto again = qScopeGuard([] { g_hasLocks = true; });
         const QTemporaryDir directory;
@@ -59,7 +59,7 @@ private slots:
         QVERIFY(!second.Warning().isEmpty());
     }
 
-    void anotherUserLooks()
+    void anotherUserCanQuery()
     {
         if (::geteuid() != 0)
             QSKIP("Only an administrator can be somebody else");

@@ -50,7 +50,7 @@ class TestSaveKills : public QObject
     Q_OBJECT
 
 private slots:
-    void theOldStateOrTheNewOne()
+    void killedSaveLeavesTheOldOrTheNewState()
     {
         const int kills = qMax(1, qEnvironmentVariableIntValue("VEXEL_SAVE_KILLS"));
         m_kills = qEnvironmentVariableIsSet("VEXEL_SAVE_KILLS") ? kills : kDefaultKills;

@@ -27,9 +27,9 @@ private slots:
     }
     void cleanup() { QCOMPARE(Shown(), QStringLiteral("Street")); } // every case takes back what it registered
 
-    void isOneObject() { QCOMPARE(&TranslationCenter::Instance(), &TranslationCenter::Instance()); }
+    void instanceIsASingleton() { QCOMPARE(&TranslationCenter::Instance(), &TranslationCenter::Instance()); }
 
-    void showsTheLanguageWhileRegistered_data()
+    void textsAreTranslatedWhileRegistered_data()
     {
         QTest::addColumn<QLocale>("locale");
         QTest::addColumn<QString>("shown");
@@ -42,7 +42,7 @@ private slots:
         QTest::newRow("C") << QLocale::c() << QStringLiteral("Street");
         QTest::newRow("no file for fr") << QLocale(QStringLiteral("fr_FR")) << QStringLiteral("Street");
     }
-    void showsTheLanguageWhileRegistered()
+    void textsAreTranslatedWhileRegistered()
     {
         QFETCH(QLocale, locale);
         QFETCH(QString, shown);
@@ -53,7 +53,7 @@ private slots:
         QCOMPARE(Shown(), QStringLiteral("Street"));
     }
 
-    void staysUntilUnregisteredAsOften()
+    void unregisterHasToBalanceRegister()
     {
         TranslationCenter::Instance().Register(kDomain);
         TranslationCenter::Instance().Register(kDomain);
@@ -88,7 +88,7 @@ private slots:
         TranslationCenter::Instance().Unregister(kDomain);
     }
 
-    void missingFilesShowTheSource_data()
+    void missingCatalogueShowsSourceTexts_data()
     {
         QTest::addColumn<QString>("directory");
         QTest::addColumn<QString>("domain");
@@ -96,7 +96,7 @@ private slots:
         QTest::newRow("empty domain") << QStringLiteral(TRANSLATIONS) << QString();
         QTest::newRow("no such folder") << QStringLiteral(TRANSLATIONS "/nowhere") << kDomain;
     }
-    void missingFilesShowTheSource()
+    void missingCatalogueShowsSourceTexts()
     {
         QFETCH(QString, directory);
         QFETCH(QString, domain);
@@ -106,7 +106,7 @@ private slots:
         TranslationCenter::Instance().Unregister(domain);
     }
 
-    void byDefaultTheSystemsLanguageFromTheProductsFolder_data()
+    void defaultIsTheSystemLanguageFromTheInstalledFolder_data()
     {
 #ifdef Q_OS_WIN
         QSKIP("The system's language does not come from the environment here.");
@@ -117,7 +117,7 @@ private slots:
         QTest::newRow("French before German") << QStringLiteral("fr:de") << QStringLiteral("Stra\u00dfe");
         QTest::newRow("English before German") << QStringLiteral("en_US:de") << QStringLiteral("Street");
     }
-    void byDefaultTheSystemsLanguageFromTheProductsFolder()
+    void defaultIsTheSystemLanguageFromTheInstalledFolder()
     {
         QFETCH(QString, language);
         QFETCH(QString, shown);
