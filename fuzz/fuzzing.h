@@ -20,7 +20,7 @@ namespace Fuzzing {
 /// Ends the process with a finding; the fuzzer prints the stack and keeps the input.
 [[noreturn]] inline void Fail(const char* what)
 {
-    std::fprintf(stderr, "\nfuzz: does not hold: %s\n", what);
+    std::fprintf(stderr, "\nfuzz: check failed: %s\n", what);
     std::abort();
 }
 
