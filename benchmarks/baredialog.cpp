@@ -1,4 +1,4 @@
-// The least that a program with a dialog can be: what starting the product is compared with.
+// A minimal program with an empty dialog, to compare the product's start with.
 
 #include <QApplication>
 #include <QDialog>

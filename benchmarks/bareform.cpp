@@ -1,5 +1,5 @@
-// The least that a program with the product's form and a list in it can be: what starting the product is compared with,
-// fonts and all. The argument is the number of entries.
+// A minimal program with the product's form and a list, including fonts, to compare the product's start with. The
+// argument is the number of entries.
 
 #include "benchmarks/bareparts.h"
 #include "benchmarks/lists.h"

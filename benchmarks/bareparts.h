@@ -10,24 +10,24 @@
 
 class QSortFilterProxyModel;
 
-/// The least that can show a list in ten columns: texts in rows, and what a table model has to announce.
+/// A minimal table model for a list in ten columns: texts, and the signals that a table model must emit.
 class BareTable : public QAbstractTableModel
 {
 public:
     using Row = std::vector<QString>;
 
-    /// The rows that show `entries` as the product does.
+    /// The rows for `entries`, with the same texts as in the product.
     static std::vector<Row> Rows(const std::vector<Connection>& entries);
 
     /// Appends `rows` in one step.
     void Append(std::vector<Row> rows);
-    /// Leaves no rows, by a reset.
+    /// Removes all rows with a model reset.
     void Clear();
-    /// Leaves no rows, by one removal of all.
+    /// Removes all rows with one removal.
     void RemoveAll();
-    /// Takes every tenth row out, by a reset.
+    /// Removes every tenth row with a model reset.
     void ClearTenth();
-    /// Announces a change of `column` in `row`.
+    /// Emits dataChanged for one cell.
     void Touch(int row, int column);
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -38,16 +38,16 @@ private:
     std::vector<Row> m_rows;
 };
 
-/// A window like the product's, with the same two views, and nothing in it but what Qt does by itself: a plain proxy,
-/// plain delegates, headers that have a fixed width.
+/// A window with the product's form and two views, but only Qt's own parts: plain proxy, plain delegates, header
+/// sections with a fixed width.
 class BareWindow : public QDialog, private Ui::VexelConnectDlg
 {
 public:
-    /// Shows `model`, which is not owned, and is ready when the constructor returns.
+    /// Shows `model`, which is not owned. The window is visible and painted when the constructor returns.
     explicit BareWindow(QAbstractItemModel* model);
 
     QSortFilterProxyModel* Proxy() const { return m_proxy; }
-    /// Shows the place of the filter, which does nothing here.
+    /// Shows the filter's frame, which has no function here.
     void ShowFilter() { m_pFilterFrame->show(); }
     QTreeView* BasicView() const { return m_pBasicView; }
     QTreeView* DetailsView() const { return m_pDetailsView; }
@@ -56,5 +56,5 @@ private:
     QSortFilterProxyModel* m_proxy = nullptr;
 };
 
-/// Lets the views of a window do all that they have left for later, painting included.
+/// Processes all pending work of the views, including painting.
 void Settle(QTreeView* basic, QTreeView* details);

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Leaves a copy of what the system says of this process's memory, where somebody wants one.
+/// Copies /proc/self/status to the file named by VEXEL_FIRSTPAINT_MEMORY, if set.
 void ReportMemory()
 {
     QFile report(qEnvironmentVariable("VEXEL_FIRSTPAINT_MEMORY"));
@@ -18,14 +18,13 @@ void ReportMemory()
         report.write(status.readAll());
 }
 
-/// Ends the process, on the spot and with 0, as soon as a dialog of it has been painted for the first time.
+/// Exits at once with code 0 after a dialog of this process was painted for the first time.
 class FirstPaint : public QObject
 {
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        // A dialog asks for this when all in it that has to be painted is; what comes behind it in the queue comes
-        // after.
+        // A dialog paints its contents when it handles this event, so the timer fires after that.
         if (event->type() == QEvent::UpdateRequest && qobject_cast<QDialog*>(watched))
             QTimer::singleShot(0, qApp, [] {
                 ReportMemory();
@@ -37,8 +36,8 @@ protected:
 
 } // namespace
 
-/// Lets any program of Qt's be timed from its start to its first painted dialog, without a change to it: Qt loads this
-/// where QT_QPA_GENERIC_PLUGINS names it.
+/// Measures the time from the start of any Qt program to its first painted dialog, without changing the program: Qt
+/// loads this plug-in if QT_QPA_GENERIC_PLUGINS names it.
 class FirstPaintPlugin : public QGenericPlugin
 {
     Q_OBJECT

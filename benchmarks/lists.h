@@ -8,19 +8,19 @@
 
 class ConnectionsModel;
 
-/// The lists that all measurements work on: the same at every run.
+/// The lists for all benchmarks: the same in every run.
 namespace Lists {
 
-/// `count` entries as they come together in years of use: names in no order, all types, one tick in ten.
+/// Generates `count` typical entries: unsorted names, all types, every tenth ticked.
 std::vector<Connection> Entries(int count);
 
-/// Their document, as it is exported.
+/// The exported document of `entries`.
 QByteArray Document(const std::vector<Connection>& entries);
 
 /// Appends `entries` to `model`.
 void Fill(ConnectionsModel& model, const std::vector<Connection>& entries);
 
-/// What the texts of `entries` hold, in bytes: two for each UTF-16 code unit.
+/// The size of all texts of `entries`, in bytes: two per UTF-16 code unit.
 qint64 TextBytes(const std::vector<Connection>& entries);
 
 } // namespace Lists

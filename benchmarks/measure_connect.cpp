@@ -1,4 +1,4 @@
-// "Connect": what it takes to start the application of an entry, beside a bare QProcess that starts the same program.
+// Benchmark of "Connect": starts the applications of entries, compared with QProcess starting the same program.
 
 #include "benchmarks/runner.h"
 #include "platform/cfgcenter.h"
@@ -69,7 +69,7 @@ Connection TickedEntry(int number)
     return entry;
 }
 
-/// Times `connect` on a machine where `count` ticked entries and as many applications are free.
+/// Times `connect` with `count` ticked entries and as many free applications.
 template <typename Connect>
 void Measure(benchmark::State& state, int count, const Connect& connect)
 {
@@ -133,8 +133,8 @@ void StartBare(benchmark::State& state, int count)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    Runner::Enter("connect, records and all", "product", ConnectButton, kCounts);
-    Runner::Enter("connect, records and all", "QProcess, the same program", StartBare, kCounts);
+    Runner::Enter("connect, including records", "product", ConnectButton, kCounts);
+    Runner::Enter("connect, including records", "QProcess, the same program", StartBare, kCounts);
     Runner::Enter("start the applications", "product", ConnectEach, kCounts);
     Runner::Enter("start the applications", "QProcess, the same program", StartBare, kCounts);
     return Runner::Run(argc, argv);

@@ -1,4 +1,4 @@
-// Reading and writing connection list documents, beside the bare parts of Qt, and beside a parser known to be quick.
+// Reading and writing connection list documents, compared with Qt's own classes and with a fast parser.
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
@@ -83,14 +83,14 @@ std::vector<Token> Tokens(int entries)
     return tokens;
 }
 
-/// A tree of the same tokens, made, written and given up.
+/// Builds, serialises and deletes a tree of the same tokens.
 void MakeAndWriteTree(benchmark::State& state, int entries)
 {
     const std::vector<Token> tokens = Tokens(entries);
     for (auto iteration : state) {
         state.SetIterationTime(Runner::Seconds([&] {
             QDomDocument tree;
-            // Qt writes a document that names its encoding in another way than one that does not.
+            // Qt serialises differently if the document declares its encoding.
             tree.appendChild(tree.createProcessingInstruction(QStringLiteral("xml"),
                                                               QStringLiteral("version=\"1.0\" encoding=\"utf-8\"")));
             QDomNode at = tree;
@@ -108,7 +108,7 @@ void MakeAndWriteTree(benchmark::State& state, int entries)
     }
 }
 
-/// The same tokens, each written as it was read.
+/// Writes the same tokens one by one.
 void WriteTokens(benchmark::State& state, int entries)
 {
     const std::vector<Token> tokens = Tokens(entries);
@@ -136,11 +136,11 @@ int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
     Runner::Enter("read a document", "product", Read);
-    Runner::Enter("read a document", "QXmlStreamReader, tokens alone", ReadTokens);
-    Runner::Enter("read a document", "pugixml, a tree", ReadTree);
+    Runner::Enter("read a document", "QXmlStreamReader, tokens only", ReadTokens);
+    Runner::Enter("read a document", "pugixml, building a tree", ReadTree);
     Runner::Enter("write a document", "product", Write);
-    Runner::Enter("write a document", "QDomDocument, a ready tree", WriteTree);
-    Runner::Enter("write a document", "QDomDocument, the tree as well", MakeAndWriteTree);
-    Runner::Enter("write a document", "QXmlStreamWriter, ready tokens", WriteTokens);
+    Runner::Enter("write a document", "QDomDocument, existing tree", WriteTree);
+    Runner::Enter("write a document", "QDomDocument, including the tree", MakeAndWriteTree);
+    Runner::Enter("write a document", "QXmlStreamWriter, existing tokens", WriteTokens);
     return Runner::Run(argc, argv);
 }

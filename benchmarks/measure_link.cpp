@@ -1,5 +1,5 @@
-// Prints what a call over the starter link costs, beside a bare server that takes a call and writes a line: the dialog
-// is this program's own, its server that of the plug-in, at the real port. Needs the port.
+// Measures a call over the starter link, compared with a minimal server that accepts and writes one line. This program
+// creates a dialog and the plug-in's server on the real port, which must be free.
 
 #include "platform/interfaces.h"
 #include "starter/linkending.h"
@@ -34,7 +34,7 @@ constexpr int kRounds = 20;
 constexpr int kCrowd = 200;
 constexpr int kProcesses = 30;
 
-/// Runs `work`, which blocks, beside this thread's event loop.
+/// Runs the blocking `work` on another thread while this thread's event loop runs.
 void Beside(const std::function<void()>& work)
 {
     QEventLoop loop;
@@ -51,7 +51,7 @@ double Median(std::vector<double> figures)
     return figures.empty() ? 0 : figures.at(figures.size() / 2);
 }
 
-/// Milliseconds from before the connection until the server has answered, by a line or by closing.
+/// Connects to `port`. Returns the milliseconds until the server has answered or closed the connection.
 double CallOnce(quint16 port)
 {
     QElapsedTimer timer;
@@ -70,7 +70,7 @@ double CallOnce(quint16 port)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
-/// What one call after the other takes; `before` runs on the thread of the servers.
+/// The median time of consecutive calls. `before` runs before each call, on the servers' thread.
 double MeasureCalls(quint16 port, const std::function<void()>& before = {})
 {
     std::vector<double> figures;
@@ -82,7 +82,7 @@ double MeasureCalls(quint16 port, const std::function<void()>& before = {})
     return Median(figures);
 }
 
-/// What it takes until everybody of a crowd that calls at once has been answered.
+/// The median time until all of `kCrowd` simultaneous calls are answered.
 double MeasureCrowd(quint16 port)
 {
     std::vector<double> figures;
@@ -108,7 +108,7 @@ double MeasureCrowd(quint16 port)
     return Median(figures);
 }
 
-/// One call while a crowd is there that says nothing and does not leave.
+/// The time of one call while `kCrowd` silent peers are connected.
 double MeasureAmongSilentOnes(quint16 port)
 {
     double figure = 0;
@@ -139,7 +139,7 @@ double MeasureStarter(const QString& program)
     return Median(figures);
 }
 
-/// In KiB; 0 where the system does not tell in this way.
+/// Resident memory in KiB; 0 if /proc is not available.
 qint64 ResidentMemory()
 {
     QFile file(QStringLiteral("/proc/self/status"));
@@ -150,7 +150,8 @@ qint64 ResidentMemory()
     return begin < 0 ? 0 : text.mid(begin + 6).simplified().split(' ').constFirst().toLongLong();
 }
 
-/// Sends `total` bytes in as many calls as it takes, but at most `calls`. Returns how many the system has taken.
+/// Sends `total` bytes in as many calls as needed, but at most `calls`. Returns the number of bytes the system
+/// accepted.
 qint64 Flood(quint16 port, qint64 total, int calls, int& made)
 {
     const QByteArray block(CInterfaceCreator::kMaximumBytesPerCall, 'x');
@@ -170,7 +171,7 @@ qint64 Flood(quint16 port, qint64 total, int calls, int& made)
     return taken;
 }
 
-/// A server that does the least: takes a call, writes a line, and hangs up.
+/// A minimal server: accepts a call, writes one line, and closes the connection.
 class BareServer : public QTcpServer
 {
 public:
@@ -227,7 +228,7 @@ int main(int argc, char* argv[])
     const BareServer bareServer;
     const quint16 barePort = bareServer.serverPort();
 
-    // Both have been there before, with all that happens only once.
+    // Warm up both servers.
     Beside([&] {
         CallOnce(kPort);
         CallOnce(barePort);
@@ -243,11 +244,11 @@ int main(int argc, char* argv[])
     std::printf("%-58s%10.3f\n\n", "a whole run of kitestarter",
                 MeasureStarter(QCoreApplication::applicationDirPath() + QStringLiteral("/" VEXEL_STARTER)));
 
-    std::printf("%-42s%8s%14s%12s%12s\n", "a stranger sends 1 GiB; resident memory", "calls", "MiB taken", "KiB before",
+    std::printf("%-42s%8s%14s%12s%12s\n", "one peer sends 1 GiB; resident memory", "calls", "MiB taken", "KiB before",
                 "KiB after");
-    // The first one also finds what has to be there anyway.
-    PrintFlood("in one call, the first time", 1);
+    // The first call also allocates memory that is needed in any case.
+    PrintFlood("in one call, first time", 1);
     PrintFlood("in one call", 1);
-    PrintFlood("in as many calls as it takes", 100'000);
+    PrintFlood("in as many calls as needed", 100'000);
     return 0;
 }

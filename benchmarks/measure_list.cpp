@@ -1,5 +1,5 @@
-// What an operator does to whole lists, in the dialog with both views shown, beside a window that has the same views
-// and nothing but Qt's own parts. All figures include the layout and the painting that follow.
+// Operations on whole lists, in the dialog with both views visible, compared with a window that has the same views but
+// only Qt's own parts. All times include the layout and painting that follow.
 
 #include "benchmarks/bareparts.h"
 #include "benchmarks/lists.h"
@@ -30,7 +30,7 @@ constexpr int kTicks = 100; // no list is shorter
 
 using Step = std::function<void()>;
 
-/// Model, launcher and dialog on a configuration in memory, with both views on the screen.
+/// Model, launcher and dialog with a configuration in memory and both views visible.
 class Session
 {
 public:
@@ -53,7 +53,7 @@ public:
     VexelConnectDlgGUI dialog;
 };
 
-/// The bare window with as many rows.
+/// The minimal window with the same number of rows.
 class BareSession
 {
 public:
@@ -78,7 +78,8 @@ public:
     BareWindow window;
 };
 
-/// The bare window on the product's model: what sorting and filtering is compared with, since both ask that.
+/// The minimal window on the product's model. Sorting and filtering are compared with this, because both query the
+/// model.
 class BareView
 {
 public:
@@ -95,7 +96,7 @@ public:
     BareWindow window;
 };
 
-/// Times `step` again and again, each time after `before`, which is not timed.
+/// Times `step` repeatedly. `before` runs before each repetition and is not timed.
 template <typename AnySession>
 void Repeat(benchmark::State& state, const AnySession& session, const Step& before, const Step& step)
 {
@@ -143,7 +144,7 @@ void ImportBare(benchmark::State& state, int entries)
         state, session, [&] { session.table.Clear(); }, [&] { session.table.Append(session.rows); });
 }
 
-/// A key stroke in the filter: the pattern before it, and after.
+/// One key stroke in the filter: the pattern before and after it.
 struct Pattern
 {
     const char* name;
@@ -157,7 +158,7 @@ const std::array kPatterns{
     Pattern{"filter, plain text narrowed", SearchMode::PlainText, QStringLiteral("7"), QStringLiteral("70")},
     Pattern{"filter, plain text cleared", SearchMode::PlainText, QStringLiteral("7"), QString()},
     Pattern{"filter, wildcard", SearchMode::Wildcard, QString(), QStringLiteral("s*7")},
-    Pattern{"filter, expression", SearchMode::RegularExpression, QString(), QStringLiteral("7[0-4]")}};
+    Pattern{"filter, regular expression", SearchMode::RegularExpression, QString(), QStringLiteral("7[0-4]")}};
 
 void Filter(benchmark::State& state, int entries, const Pattern& pattern)
 {
@@ -188,7 +189,7 @@ void FilterBare(benchmark::State& state, int entries, const Pattern& pattern)
         state, session, [&] { show(pattern.before); }, [&] { show(pattern.after); });
 }
 
-/// Sorts by `column` a list that was sorted by the one beside it.
+/// Sorts by `column`, starting from a list sorted by the next column.
 void Sort(benchmark::State& state, int entries, int column)
 {
     const Session session(entries);
@@ -272,7 +273,7 @@ void TickBare(benchmark::State& state, int entries)
         state, session, [] {}, [&] { session.table.Touch(entries / 2, ConnectionsModel::ColumnSelected); });
 }
 
-/// Without layout and painting, which are most of the time of one change and the same for any list.
+/// Without layout and painting, which take most of the time and do not depend on the list's length.
 void TickAlone(benchmark::State& state, int entries)
 {
     Session session(entries);
@@ -287,7 +288,7 @@ void TickAlone(benchmark::State& state, int entries)
     }
 }
 
-/// The model without anybody who listens.
+/// The model alone, with no views connected.
 void TickUnseen(benchmark::State& state, int entries)
 {
     CfgCenter::Close();
@@ -333,7 +334,7 @@ void ResetBare(benchmark::State& state, int entries)
         });
 }
 
-/// What a view asks for when it paints 1,000 cells, spread over the list.
+/// Queries the data that a view needs to paint 1,000 cells, spread over the list.
 void Ask(const QAbstractItemModel* model, int entries)
 {
     constexpr int cells = 1'000;
@@ -363,37 +364,37 @@ void DataBare(benchmark::State& state, int entries)
 void EnterAll()
 {
     Runner::Enter("import", "product", Import);
-    Runner::Enter("import", "bare table, one insertion", ImportBare);
-    Runner::Enter("import", "tokens alone, and a bare table, one insertion", ImportTokens);
+    Runner::Enter("import", "minimal table, one insertion", ImportBare);
+    Runner::Enter("import", "tokens, then minimal table, one insertion", ImportTokens);
     for (const Pattern& pattern : kPatterns) {
         Runner::Enter(
             pattern.name, "product",
             [&pattern](benchmark::State& state, int entries) { Filter(state, entries, pattern); });
-        Runner::Enter(pattern.name, "bare proxy, same model",
+        Runner::Enter(pattern.name, "plain proxy, same model",
                       [&pattern](benchmark::State& state, int entries) { FilterBare(state, entries, pattern); });
     }
     for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         const std::string what = "sort by column " + std::to_string(column);
         Runner::Enter(
             what, "product", [column](benchmark::State& state, int entries) { Sort(state, entries, column); });
-        Runner::Enter(what, "bare proxy, same model",
+        Runner::Enter(what, "plain proxy, same model",
                       [column](benchmark::State& state, int entries) { SortBare(state, entries, column); });
     }
     Runner::Enter("delete a tenth, scattered", "product",
                   [](benchmark::State& state, int entries) { Delete(state, entries, 10); });
-    Runner::Enter("delete a tenth, scattered", "bare table, a reset", DeleteTenthBare);
+    Runner::Enter("delete a tenth, scattered", "minimal table, reset", DeleteTenthBare);
     Runner::Enter("delete all", "product", [](benchmark::State& state, int entries) { Delete(state, entries, 1); });
-    Runner::Enter("delete all", "bare table, a reset", DeleteAllBare);
-    Runner::Enter("delete all", "bare table, one removal", RemoveAllBare);
+    Runner::Enter("delete all", "minimal table, reset", DeleteAllBare);
+    Runner::Enter("delete all", "minimal table, one removal", RemoveAllBare);
     Runner::Enter("tick one entry", "product", Tick);
-    Runner::Enter("tick one entry", "bare table, one change", TickBare);
-    Runner::Enter("tick 100 entries, painting apart", "product", TickAlone);
-    Runner::Enter("tick 100 entries, painting apart", "bare table, as many changes", TickAloneBare);
+    Runner::Enter("tick one entry", "minimal table, one change", TickBare);
+    Runner::Enter("tick 100 entries, without painting", "product", TickAlone);
+    Runner::Enter("tick 100 entries, without painting", "minimal table, same number of changes", TickAloneBare);
     Runner::Enter("tick 100 entries, no view", "product", TickUnseen);
     Runner::Enter("reset every status", "product", Reset);
-    Runner::Enter("reset every status", "bare table, as many changes", ResetBare);
+    Runner::Enter("reset every status", "minimal table, same number of changes", ResetBare);
     Runner::Enter("data of 1,000 cells", "product", Data);
-    Runner::Enter("data of 1,000 cells", "bare table, bare proxy", DataBare);
+    Runner::Enter("data of 1,000 cells", "minimal table, plain proxy", DataBare);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Loading and storing the set, and what an entry takes of the memory.
+// Loading and storing the set, and the memory per entry.
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
@@ -29,7 +29,7 @@ void Store(benchmark::State& state, int entries)
         Lists::Fill(model, Lists::Entries(entries));
         int ticked = 0;
         for (auto iteration : state) {
-            // A set that has not changed is not saved.
+            // Change the set, because an unchanged set is not saved.
             model.setData(model.index(0, ConnectionsModel::ColumnSelected), ++ticked % 2 == 0);
             state.SetIterationTime(Runner::Seconds([&] {
                 if (!model.SetConfiguration() || !CfgCenter::SaveDocument())
@@ -95,14 +95,14 @@ void LoadBytes(benchmark::State& state, int entries)
     }
 }
 
-/// Bytes of the heap that are in use, large blocks as well.
+/// Heap bytes in use, including large blocks.
 std::size_t Held()
 {
     const struct mallinfo2 heap = mallinfo2();
     return heap.uordblks + heap.hblkhd;
 }
 
-/// Time: what filling the model takes. The counters say what an entry holds, in bytes.
+/// Times filling the model. The counters are the bytes per entry.
 void Hold(benchmark::State& state, int entries)
 {
     CfgCenter::Close();
@@ -113,13 +113,13 @@ void Hold(benchmark::State& state, int entries)
         ConnectionsModel model(nullptr, kName);
         model.removeRows(0, model.rowCount());
         const std::size_t before = Held();
-        // From a document: texts of entries that were copied would be counted as those of the first.
+        // Read from a document, because copied entries would share their texts.
         state.SetIterationTime(Runner::Seconds([&] { model.FromByteArray(document); }));
         held = Held() - before;
         CfgCenter::Close();
     }
     state.counters["bytes per entry"] = static_cast<double>(held) / entries;
-    state.counters["of these in texts"] = static_cast<double>(Lists::TextBytes(list)) / entries;
+    state.counters["of which text"] = static_cast<double>(Lists::TextBytes(list)) / entries;
 }
 
 } // namespace
@@ -130,7 +130,7 @@ int main(int argc, char* argv[])
     Runner::Enter("store the set", "product", Store);
     Runner::Enter("store the set", "QSaveFile, the same bytes in hex", StoreBytes);
     Runner::Enter("load the set", "product", Load);
-    Runner::Enter("load the set", "QFile, from hex, tokens alone", LoadBytes);
-    Runner::Enter("hold the list", "product", Hold);
+    Runner::Enter("load the set", "QFile, hex decoding, tokens only", LoadBytes);
+    Runner::Enter("fill the model", "product", Hold);
     return Runner::Run(argc, argv);
 }

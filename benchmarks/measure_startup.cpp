@@ -1,6 +1,6 @@
-// From the start of the process to the first painted dialog: the host with its plug-in, beside a program that shows an
-// empty dialog, and one that shows the same form with as many rows. All are ended by a plug-in of Qt's as soon as they
-// have painted; see firstpaint.cpp. The counter is the memory that each holds by then.
+// From process start to the first painted dialog: the host with its plug-in, compared with a program that shows an
+// empty dialog and one that shows the same form with as many rows. The Qt plug-in firstpaint.cpp ends each program
+// after the first paint. The counter is the resident memory at that time.
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::array kLengths{0, 1'000, 10'000};
 
-/// The memory, in KiB, of which the file at `path` tells; 0 where it does not.
+/// The resident memory in KiB from the status file at `path`; 0 if it cannot be read.
 double ResidentKiB(const QString& path)
 {
     QFile file(path);
@@ -42,7 +42,7 @@ void Time(benchmark::State& state, const QString& program, const QStringList& ar
         QProcess process;
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        // It ends without warning, so that its lock is left.
+        // The program exits without cleaning up, so its lock file remains.
         QFile::remove(lockFile);
         QFile::remove(memory);
         state.SetIterationTime(Runner::Seconds([&] {

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Makes tables and plots of what benchmarks/run has measured.
+"""Writes tables and plots of the results of benchmarks/run.
 
     report.py RESULTS FOLDER
 
-RESULTS holds the JSON files of the measuring programs; link.txt and instructions.txt in it are taken over as they are.
-FOLDER gets tables.md and one SVG file for each thing measured.
+RESULTS contains the JSON files of the benchmark programs; link.txt and instructions.txt in it are copied unchanged.
+FOLDER gets tables.md and one SVG file per operation.
 """
 
 import json
@@ -18,7 +18,7 @@ COLOURS = ["#1f5fa8", "#c8641e", "#5a8f29", "#7a4fa0"]
 
 
 class Figure:
-    """Median seconds, and counters; unsteady where the repetitions differ by more than a tenth."""
+    """Median in seconds, and counters. `unsteady`: the coefficient of variation is above 10 %."""
 
     def __init__(self):
         self.seconds = None
@@ -27,7 +27,7 @@ class Figure:
 
 
 def load(results):
-    """what -> subject -> entries -> Figure, in the order of the measuring programs; and what they were built with."""
+    """Returns operation -> subject -> entries -> Figure, in file and run order, and the benchmark context."""
     figures = {}
     context = {}
     for path in sorted(results.glob("*.json")):
@@ -49,7 +49,7 @@ def load(results):
 
 
 def exponent(series):
-    """The slope of the straight line through the logarithms: of long lists from 1,000 entries on."""
+    """The slope of a log-log regression line; for long lists, from 1,000 entries on."""
     least = 1_000 if max(series) >= 10_000 else 1
     points = [(math.log(n), math.log(figure.seconds)) for n, figure in series.items() if n >= least]
     if len(points) < 2:
@@ -96,7 +96,7 @@ def file_name(what):
 
 
 def plot(what, subjects):
-    """Both axes logarithmic: the slope of a line is its exponent of growth."""
+    """Both axes are logarithmic: the slope of a line is the exponent of growth."""
     legend = 18 * len(subjects)
     width, height, left, bottom, top, right = 640, 330 + legend, 70, 32 + legend, 30, 40
     points = [(max(n, 1), figure.seconds) for series in subjects.values() for n, figure in series.items()]
@@ -118,7 +118,7 @@ def plot(what, subjects):
         at = y(10.0 ** (decade - 3))
         svg.append(f'<line x1="{left}" x2="{width - right}" y1="{at:.1f}" y2="{at:.1f}" stroke="#ddd"/>')
         svg.append(f'<text x="{left - 6}" y="{at + 4:.1f}" text-anchor="end">{10.0 ** decade:g} ms</text>')
-    # An empty list has no place on this axis, and stands where one of a single entry would.
+    # An empty list does not fit on a logarithmic axis; it is plotted at 1.
     for n in sorted({n for series in subjects.values() for n in series}):
         svg.append(f'<text x="{x(n):.1f}" y="{height - bottom + 18}" text-anchor="middle">{n:,}</text>')
     for colour, (subject, series) in zip(COLOURS, subjects.items()):
@@ -158,10 +158,10 @@ def main():
     for what, subjects in figures.items():
         if len(subjects) > 1 or len(next(iter(subjects.values()))) > 1:
             (folder / file_name(what)).write_text(plot(what, subjects))
-    lines = ["# Measured", "", f"By `benchmarks/run`, on: {machine()}; Qt {context.get('Qt', 'unknown')}, compiler "
-             f"{context.get('compiler', 'unknown')}. Medians; ~ stands behind those whose repetitions differ by more than "
-             "a tenth. Ratios are to what was measured in the same run with the bare parts of Qt; exponents are of growth, "
-             "for long lists from 1,000 entries on.", ""]
+    lines = ["# Results", "", f"Measured by `benchmarks/run` on: {machine()}; Qt {context.get('Qt', 'unknown')}, compiler "
+             f"{context.get('compiler', 'unknown')}. Figures are medians; ~ marks a coefficient of variation above 10 %. "
+             "Ratios compare with the same work done by Qt alone, in the same run. Exponents are the growth; for long lists "
+             "from 1,000 entries on.", ""]
     lines += table(figures)
     for name, title in (("link.txt", "The starter link"), ("instructions.txt", "Instructions")):
         if (results / name).exists():

@@ -1,4 +1,4 @@
-// The application that is started to measure starting: does nothing until it is ended.
+// An application for the benchmark of "Connect": does nothing until it is killed.
 
 #include <chrono>
 #include <thread>

@@ -1,8 +1,8 @@
-# Where the built files stand. The build tree has the layout of the installed tree, so that the host finds the plug-in,
-# the translations and the samples by the same relative paths in both, and an installed tree runs from any prefix.
+# Output folders. The build tree has the same layout as the installed tree, so that the host finds plug-in, translations
+# and samples by the same relative paths in both, and an installed tree runs from any prefix.
 
 if(WIN32)
-    # Windows looks for libraries in the program's own folder only, and their names have no "lib" there.
+    # Windows searches for libraries in the program's folder, and their names have no prefix "lib".
     set(VEXEL_LIBDIR ${CMAKE_INSTALL_BINDIR})
     set(CMAKE_SHARED_LIBRARY_PREFIX "")
 else()

@@ -1,4 +1,4 @@
-# vexel_options: what every target of this project is compiled with. Link it PRIVATE.
+# vexel_options: compile definitions and options for every target of this project. Link it PRIVATE.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)

@@ -1,5 +1,5 @@
-# vexel_install_package(TARGET): makes the library Vexel::Platform for those who build a host of their own with an
-# installed tree, which finds everything in relation to itself. Call it once.
+# vexel_install_package(TARGET): installs the CMake package VexelPlatform, which offers the library TARGET as
+# Vexel::Platform for building your own host. The package is relocatable. Call this once.
 include(CMakePackageConfigHelpers)
 
 function(vexel_install_package target)
@@ -9,7 +9,7 @@ function(vexel_install_package target)
     install(EXPORT VexelPlatformTargets NAMESPACE Vexel:: DESTINATION ${folder})
 
     set(VEXEL_QT_PLUGINDIR plugins)
-    # What the library itself is linked with, and what that needs.
+    # The libraries that TARGET links, and their dependencies.
     set(VEXEL_RUNTIME_NAMES Qt6Core Qt6Gui Qt6Network Qt6Widgets libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
     list(JOIN VEXEL_RUNTIME_NAMES " " VEXEL_RUNTIME_NAMES)
     configure_package_config_file(

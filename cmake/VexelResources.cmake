@@ -1,7 +1,7 @@
 # vexel_windows_resources(TARGET DESCRIPTION)
 #
-# Puts version and description into the file of a library or program, as Windows shows them, and icon and manifest into
-# that of a program. Does nothing for other systems.
+# Adds a Windows version resource (version and description) to a library or program, and icon and manifest to a program.
+# Does nothing on other systems.
 
 if(WIN32)
     enable_language(RC)
@@ -17,7 +17,7 @@ function(vexel_windows_resources target description)
     if(type STREQUAL EXECUTABLE)
         set(VEXEL_RESOURCE_FILE ${target}.exe)
         set(VEXEL_RESOURCE_TYPE VFT_APP)
-        # The icon of the lowest number is the one that folders show.
+        # Windows shows the icon with the lowest number.
         set(VEXEL_RESOURCE_PROGRAM "1 ICON \"program.ico\"\n1 RT_MANIFEST \"program.manifest\"")
     else()
         set(VEXEL_RESOURCE_FILE ${target}.dll)
@@ -29,7 +29,7 @@ function(vexel_windows_resources target description)
     set_source_files_properties(${file} PROPERTIES
         OBJECT_DEPENDS "${PROJECT_SOURCE_DIR}/windows/program.ico;${PROJECT_SOURCE_DIR}/windows/program.manifest"
     )
-    # Compiled by itself: the resource compiler knows none of the C++ compiler's options.
+    # A separate target, because the resource compiler does not know the C++ compiler's options.
     add_library(${target}_resources OBJECT ${file})
     target_include_directories(${target}_resources PRIVATE ${PROJECT_SOURCE_DIR}/windows)
     target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_resources>)

@@ -1,10 +1,8 @@
-# What programs for Windows need beside them. Windows has no run paths: a program finds its libraries in its own folder.
-# So Qt's libraries and plug-ins and the compiler's runtime are part of the build tree and of the installed tree, and
-# both run where nothing is installed.
-#
-# vexel_windows_runtime() puts them into both. Call it once, after Qt was found.
+# vexel_windows_runtime(): copies Qt's libraries and plug-ins and the compiler's runtime to the build tree and the
+# installed tree. Windows has no run paths: a program finds its libraries in its own folder. With these copies, both
+# trees run on a system where nothing is installed. Call this once, after Qt was found.
 
-# The compiler's own libraries, by its own word for where they are.
+# Asks the compiler where its runtime libraries are.
 function(vexel_compiler_runtime result)
     set(files)
     foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
@@ -32,8 +30,8 @@ function(vexel_windows_runtime)
 
     file(COPY ${libraries} DESTINATION ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR})
     install(FILES ${libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
-    # Programs are told by file where Qt's plug-ins are; the tests, which stand in another folder than Qt's libraries,
-    # find them by themselves. A headless host runs on "offscreen".
+    # qt.conf tells the programs where Qt's plug-ins are. The tests find them without it, because they are in another
+    # folder than Qt's libraries. A headless host needs the platform plug-in "offscreen".
     file(WRITE ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR}/qt.conf "[Paths]\nPlugins = ../plugins\n")
     install(FILES ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR}/qt.conf DESTINATION ${CMAKE_INSTALL_BINDIR})
     foreach(plugin IN ITEMS platforms/qwindows platforms/qoffscreen styles/qwindowsvistastyle imageformats/qico)

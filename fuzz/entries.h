@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <vector>
 
-/// What the fuzzers of entries compare.
+/// Comparing and converting entries, for the fuzzers.
 namespace Fuzzing {
 
 using Entries = std::vector<Connection>;
 
-/// All ten fields: the entries' own equality leaves status and selection out.
+/// Compares all ten fields; operator== ignores status and selection.
 inline bool IsSame(const Connection& a, const Connection& b)
 {
     return a == b && a.ConnectionStatus == b.ConnectionStatus && a.Selected == b.Selected;
@@ -35,7 +35,7 @@ inline Entries EntriesOf(const ConnectionsModel& model)
     return entries;
 }
 
-/// The model's counts are kept up to date at every change; here they are counted.
+/// Checks the counts that the model maintains incrementally by counting again.
 inline void RequireCounts(const ConnectionsModel& model)
 {
     int selectedFree = 0;
@@ -51,7 +51,7 @@ inline void RequireCounts(const ConnectionsModel& model)
     Require(model.CountSelectedFree() == selectedFree, "the count of selected free entries");
 }
 
-/// `text` as far as XML 1.0 has characters for it.
+/// `text` without characters that XML 1.0 does not allow.
 inline QString WithoutUnwritable(const QString& text)
 {
     QString writable;

@@ -1,4 +1,4 @@
-// The connection list reader on any bytes, against a reader of the document's tokens.
+// Feeds any bytes to the connection list reader and compares the result with a simple reader of the token list.
 
 #include "fuzz/entries.h"
 #include "fuzz/xmltokens.h"
@@ -10,7 +10,7 @@ namespace {
 
 const QString kEntry = QStringLiteral("Connection");
 
-/// The text of the element at `begin`, without that of the elements in it.
+/// The text of the element at `begin`, without that of its child elements.
 QString TextOf(const XmlTokens& tokens, std::size_t begin)
 {
     QString text;
@@ -23,7 +23,7 @@ QString TextOf(const XmlTokens& tokens, std::size_t begin)
     return text;
 }
 
-/// Takes the element at `begin` into `entry` and returns whether it is a field.
+/// Stores the element at `begin` in `entry`. Returns false if it is not a field.
 bool TakeField(const XmlTokens& tokens, std::size_t begin, Connection& entry)
 {
     const QString name = tokens.list[begin].name;
@@ -98,13 +98,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const XmlTokens tokens = TokensOf(document);
     Require(IsSame(reading.entries, Expected(tokens)), "the entries are those of the document");
     Require(reading.result == (!tokens.hasError && !reading.entries.empty()),
-            "true with an entry and without an error");
-    Require(reading.traces.size() == (tokens.hasError ? 1 : 0), "one trace for an error, and none without");
+            "the result is true if there are entries and no error");
+    Require(reading.traces.size() == (tokens.hasError ? 1 : 0), "one trace for an error, otherwise none");
     Require(reading.traces.isEmpty() ||
                 reading.traces.first().startsWith(QLatin1String("XML parsing error occurred in row ")),
-            "the trace tells where");
+            "the trace contains the position");
 
-    // Nothing grows: no text comes from anywhere but the document, but for the name of an entry without one.
+    // All texts come from the document, except the default name.
     qsizetype texts = 0;
     for (const Connection& entry : reading.entries) {
         texts += entry.ConnectionName.size() + entry.DeviceAddress.size() + entry.DriverAddress.size() +
@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     Require(texts <= document.size(), "the texts are no longer than the document");
 
-    // Cut off, it gives what came before the cut. (Of a document with one wrongly encoded byte Qt reads nothing.)
+    // A truncated document has the entries before the cut. (Qt reads nothing of a document with an encoding error.)
     if (!tokens.hasError) {
         const Entries cut = Read(document.first(document.size() / 2)).entries;
         Require(cut.size() <= reading.entries.size(), "half a document has no more entries");
@@ -120,7 +120,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             Require(IsSame(cut[i], reading.entries[i]), "half a document has the same entries");
     }
 
-    // What was read can be written and reads back.
+    // What was read can be written and read again.
     std::vector<const Connection*> pointers;
     for (const Connection& entry : reading.entries)
         pointers.push_back(&entry);

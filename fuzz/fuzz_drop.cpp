@@ -1,4 +1,4 @@
-// Anything dropped: onto the views, that is into the model through the filter, and onto the dialog.
+// Drops any data: onto the views, that is into the model through the filter, and onto the dialog.
 
 #include "fuzz/entries.h"
 #include "platform/cfgcenter.h"
@@ -27,7 +27,7 @@ namespace {
 
 const QString kUriList = QStringLiteral("text/uri-list");
 
-/// What every input begins with.
+/// The initial entries for every input.
 void AddThreeEntries(ConnectionsModel& model)
 {
     for (int i = 0; i < 3; ++i) {
@@ -39,18 +39,18 @@ void AddThreeEntries(ConnectionsModel& model)
     }
 }
 
-/// The dialog with all that belongs to it, made once.
+/// The dialog with model and launcher, created once.
 struct Stage
 {
     QTemporaryDir folder;
     ConnectionsModel model{nullptr, QString()};
     AppCounter counter{&model, QString()};
     VexelConnectDlgGUI dialog{nullptr, &model, &counter};
-    int boxes = 0; ///< that were answered
+    int boxes = 0; ///< number of message boxes answered
 
     Stage()
     {
-        // Boxes come up in an event loop of their own; this is asked in it.
+        // Message boxes run a nested event loop, in which this timer fires.
         auto* const answer = new QTimer(&dialog);
         QObject::connect(answer, &QTimer::timeout, [this] {
             if (auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
@@ -77,7 +77,7 @@ Entries Read(const QByteArray& document, bool& result)
     return entries;
 }
 
-/// What applications offer with a drag: a document as text, as something else, or links. One bit for each.
+/// Fills `data` with the MIME types that applications offer in a drag; one bit of `formats` for each.
 void FillData(unsigned formats, const QByteArray& document, QMimeData& data)
 {
     if (formats & 1U)
@@ -101,7 +101,7 @@ void DropOntoModel(FuzzedDataProvider& input)
     filter.sort(ConnectionsModel::ColumnName);
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
 
-    // Numbers come from the end of the input, so the document is its beginning.
+    // FuzzedDataProvider takes numbers from the end of the input, so the document is at its start.
     const int row = input.ConsumeIntegralInRange(-1, 4);
     const int column = input.ConsumeIntegralInRange(-1, int{ConnectionsModel::kColumnCount});
     const QModelIndex parent = input.ConsumeBool() ? filter.index(row, column) : QModelIndex();
@@ -114,13 +114,13 @@ void DropOntoModel(FuzzedDataProvider& input)
     bool read = false;
     const Entries added = Read(data.data(ConnectionList::MimeType()), read);
     expected.insert(expected.end(), added.begin(), added.end());
-    Require(filter.dropMimeData(&data, action, row, column, parent) == read, "true as the reader says");
-    Require(IsSame(EntriesOf(model), expected), "entries are appended, and nothing else changes");
-    Require(filter.rowCount() == model.rowCount(), "all of them are shown");
+    Require(filter.dropMimeData(&data, action, row, column, parent) == read, "the result is the reader's");
+    Require(IsSame(EntriesOf(model), expected), "entries are appended and nothing else changes");
+    Require(filter.rowCount() == model.rowCount(), "all entries are visible");
     RequireCounts(model);
 }
 
-/// One of the links that a file manager may offer.
+/// A link that a file manager may offer.
 QUrl TakeUrl(FuzzedDataProvider& input, const Stage& stage)
 {
     switch (input.ConsumeIntegralInRange(0, 5)) {
@@ -137,7 +137,7 @@ QUrl TakeUrl(FuzzedDataProvider& input, const Stage& stage)
     }
 }
 
-/// The one local file that `data` leads to, as far as it can be read.
+/// The content of the local file that `data` links to, if it can be read.
 std::optional<QByteArray> DroppedFile(const QMimeData& data)
 {
     const QString path = data.urls().first().toLocalFile();
@@ -168,27 +168,27 @@ void DropOntoDialog(FuzzedDataProvider& input, Stage& stage)
     QDragEnterEvent enter(kPlace, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     enter.ignore();
     QApplication::sendEvent(&stage.dialog, &enter);
-    Require(enter.isAccepted() == data.hasFormat(kUriList), "a drag of files is let in, and no other");
+    Require(enter.isAccepted() == data.hasFormat(kUriList), "only drags of files are accepted");
     QDropEvent drop(kPlace, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&stage.dialog, &drop);
     RequireCounts(stage.model);
 
     if (!data.hasFormat(kUriList)) {
-        Require(IsSame(EntriesOf(stage.model), before) && stage.boxes == 0, "no files, no import");
+        Require(IsSame(EntriesOf(stage.model), before) && stage.boxes == 0, "without files nothing is imported");
         return;
     }
     if (data.urls().size() != 1) {
-        Require(IsSame(EntriesOf(stage.model), before), "one file or none");
-        Require(stage.boxes == 1, "a box says so");
+        Require(IsSame(EntriesOf(stage.model), before), "several files are not imported");
+        Require(stage.boxes == 1, "a message box reports several files");
         return;
     }
     bool read = false;
     Entries entries;
     if (const std::optional<QByteArray> document = DroppedFile(data))
         entries = Read(*document, read);
-    Require(stage.boxes == (read ? 0 : 1), "a box tells of a file that is none of ours");
+    Require(stage.boxes == (read ? 0 : 1), "a message box reports an invalid file");
     Require(IsSame(EntriesOf(stage.model), Freed(read ? entries : WithoutUnwritable(before))),
-            "the entries are those of the file, or those that were there, all free");
+            "the entries are those of the file, or the previous ones, all free");
 }
 
 } // namespace
@@ -197,7 +197,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const Tidy tidy;
     FuzzedDataProvider input(data, size);
-    // Boxes take their time, so few inputs go to the dialog.
+    // Message boxes are slow, so only few inputs go to the dialog.
     if (input.ConsumeIntegralInRange(0, 31) == 1)
         DropOntoDialog(input, TheStage());
     else

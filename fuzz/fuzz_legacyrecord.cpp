@@ -1,4 +1,4 @@
-// A legacy record read from a node that holds anything, against the rules taken one by one.
+// Reads a legacy record from a node with any content and checks each rule separately.
 
 #include "fuzz/entries.h"
 #include "platform/cfgcenter.h"
@@ -109,12 +109,12 @@ void RequireNode(int index, const Values& values)
     const auto node = Node(index);
     const QString missing(QChar(0xFFFF));
     for (const QString& key : kOldKeys)
-        Require(node->GetString(key, missing, 0) == missing, "a key that only the old form has is gone");
+        Require(node->GetString(key, missing, 0) == missing, "keys of the old form only are removed");
     for (const QString& key : kCurrentKeys + kOtherKeys)
-        Require(node->GetString(key, missing, 0) == values.value(key, missing), "every other key is as it was");
+        Require(node->GetString(key, missing, 0) == values.value(key, missing), "all other keys are unchanged");
 }
 
-/// The device type whose text the record's contains, the smallest of several; the default without one.
+/// The lowest device type whose name is part of the record's text; if none, the default.
 int ExpectedType(const QString& text)
 {
     for (int type = 0; type < Connection::kDeviceTypeCount; ++type)
@@ -126,16 +126,16 @@ int ExpectedType(const QString& text)
 void RequireConversions(const ConnectData& record)
 {
     const Connection entry = ConnectDataToConnection(record);
-    Require(entry.DeviceType == ExpectedType(record.m_sDeviceType), "the type whose text is in the record's");
+    Require(entry.DeviceType == ExpectedType(record.m_sDeviceType), "the type whose name is part of the record's text");
     Require(entry.TimeoutSeconds == (record.m_bTimeoutActive ? record.m_nTimeoutSeconds : 0),
-            "no time-out unless active");
+            "no time-out unless it is active");
 
     const ConnectData back = ConnectionToConnectData(entry);
-    Require(back.m_nIndex == -1, "a record of an entry has no number");
+    Require(back.m_nIndex == -1, "a record made from an entry has no number");
     Require(back.m_bTimeoutActive == (entry.TimeoutSeconds > 0), "a time-out is active above 0");
     Connection again = ConnectDataToConnection(back);
-    again.TimeoutSeconds = entry.TimeoutSeconds; // one below 0 is none in a record
-    Require(Fuzzing::IsSame(again, entry), "an entry survives as a record");
+    again.TimeoutSeconds = entry.TimeoutSeconds; // a record stores a negative time-out as none
+    Require(Fuzzing::IsSame(again, entry), "an entry survives conversion to a record and back");
 }
 
 } // namespace
@@ -153,7 +153,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
 
     const ConnectData record(index, Document());
-    Require(IsSame(record, Expected(index, values)), "the record is what the node says");
+    Require(IsSame(record, Expected(index, values)), "the record matches the node");
     RequireNode(index, values);
     Require(IsSame(ConnectData(index, Document()), Expected(index,
                                                             [&values] {
@@ -162,7 +162,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                                     current.remove(key);
                                                                 return current;
                                                             }())),
-            "read once more it is what is left of the node");
+            "read again, the record matches the remaining keys");
 
     record.Write(Document());
     Require(IsSame(ConnectData(index, Document()), record), "what is written is read back");

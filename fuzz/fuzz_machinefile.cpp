@@ -1,4 +1,4 @@
-// The machine configuration's reader on any bytes, against a reader of the document's tokens.
+// Feeds any bytes to the machine configuration reader and compares the result with a simple reader of the token list.
 
 #include "fuzz/fuzzing.h"
 #include "fuzz/xmltokens.h"
@@ -10,7 +10,7 @@ using namespace Fuzzing;
 
 namespace {
 
-/// The parameter count that `text` states; -1 for a number that no int holds.
+/// The parameter count in `text`; -1 if it does not fit into an int.
 int ParameterCount(const QString& text)
 {
     const QString number = text.trimmed();
@@ -55,7 +55,7 @@ Startup StartupAt(const XmlTokens& tokens, std::size_t begin)
     return startup;
 }
 
-/// Puts what the application at `begin` says into `machine`. `slotCount`: of all start lists so far.
+/// Adds the application at `begin` to `machine`. `slotCount`: total slots of all start lists so far.
 void TakeApplication(const XmlTokens& tokens, std::size_t begin, MachineConfiguration& machine, int& slotCount)
 {
     const QString application = tokens.list[begin].name;
@@ -80,18 +80,19 @@ void RequireBounds(const MachineConfiguration& machine, qsizetype size)
 {
     qsizetype slotCount = 0;
     for (auto list = machine.startLists.cbegin(); list != machine.startLists.cend(); ++list) {
-        Require(machine.applications.contains(list.key()), "a start list is that of an application");
+        Require(machine.applications.contains(list.key()), "every start list belongs to an application");
         Require(!list->isEmpty(), "a start list has an executable");
         Require(list->size() <=
                     (MachineConfiguration::kMaximumParameterCount + 1) * machine.applications.count(list.key()),
-                "an application has no more parameters than that");
+                "no application exceeds the parameter limit");
         slotCount += list->size();
         for (const QString& text : *list)
             Require(text.size() <= size, "a parameter is no longer than the document");
     }
-    Require(slotCount <= MachineConfiguration::kMaximumSlotCount, "all start lists have no more slots than that");
+    Require(slotCount <= MachineConfiguration::kMaximumSlotCount,
+            "all start lists together stay within the slot limit");
     for (const QString& application : machine.unreadable)
-        Require(machine.applications.contains(application), "what is unreadable is that of an application");
+        Require(machine.applications.contains(application), "every unreadable start list belongs to an application");
     for (const QString& application : machine.applications)
         Require(!application.isEmpty(), "an application has a name");
 }
@@ -105,21 +106,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MachineConfiguration machine;
     QXmlStreamReader reader(document);
     const bool isMachine = machine.Read(reader);
-    Require(reader.atEnd(), "it is read to its end, or to an error");
+    Require(reader.atEnd(), "the document is read to its end or to an error");
     RequireBounds(machine, document.size());
 
     const XmlTokens tokens = TokensOf(document);
-    Require(reader.hasError() == tokens.hasError, "an error is an error");
+    Require(reader.hasError() == tokens.hasError, "both readers agree on errors");
     std::size_t root = 0;
     while (root < tokens.list.size() && !tokens.IsStart(root, u"Machine"))
         ++root;
-    Require(isMachine == (root < tokens.list.size()), "true with a machine");
+    Require(isMachine == (root < tokens.list.size()), "the result is true if there is a machine element");
     if (!isMachine) {
-        Require(machine.applications.isEmpty() && machine.unreadable.isEmpty(), "nothing is read without a machine");
+        Require(machine.applications.isEmpty() && machine.unreadable.isEmpty(),
+                "nothing is read without a machine element");
         return 0;
     }
     if (tokens.hasError) {
-        // What came before the error is kept; how much of the last application is not said.
+        // What precedes the error is kept; how much of the last application is kept is unspecified.
         return 0;
     }
     MachineConfiguration expected;
@@ -128,6 +130,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         TakeApplication(tokens, child, expected, slotCount);
     Require(machine.applications == expected.applications, "the applications are those of the document");
     Require(machine.startLists == expected.startLists, "the start lists are those of the document");
-    Require(machine.unreadable == expected.unreadable, "the unreadable are those of the document");
+    Require(machine.unreadable == expected.unreadable, "the unreadable applications are those of the document");
     return 0;
 }

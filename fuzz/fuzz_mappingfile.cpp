@@ -1,4 +1,4 @@
-// The type mapping's reader on any bytes, against a reader of the document's tokens.
+// Feeds any bytes to the type mapping reader and compares the result with a simple reader of the token list.
 
 #include "fuzz/fuzzing.h"
 #include "fuzz/xmltokens.h"
@@ -10,7 +10,7 @@ namespace {
 
 using StartLists = QMap<QString, QStringList>;
 
-/// Applications of a machine, some of them without a start list or an executable, some started by the same.
+/// Applications of a machine. Some have no start list or no executable, some share an executable.
 struct Machine
 {
     QStringList applications;
@@ -54,7 +54,7 @@ Mapping MappingAt(const XmlTokens& tokens, std::size_t begin)
     return mapping;
 }
 
-/// The executable of `mapping`; null where it is dropped.
+/// The executable of `mapping`; null if the mapping is dropped.
 QString ExecutableOf(const Mapping& mapping, const StartLists& startLists)
 {
     if (mapping.deviceType < 0 || mapping.application.isEmpty())
@@ -62,7 +62,7 @@ QString ExecutableOf(const Mapping& mapping, const StartLists& startLists)
     if (mapping.application.toLower().contains(QLatin1String(".exe")))
         return mapping.application;
     const QStringList startList = startLists.value(mapping.application);
-    // An empty executable is one all the same.
+    // An empty executable still counts as one, so return an empty string, not a null one.
     return startList.isEmpty() ? QString() : QLatin1String("") + startList.first();
 }
 
@@ -78,7 +78,7 @@ Expected ExpectedOf(const XmlTokens& tokens, const StartLists& startLists)
     Expected expected;
     std::size_t i = 0;
     while (i < tokens.list.size()) {
-        // A root of that name may stand anywhere, also more than once.
+        // The root element may occur anywhere, and more than once.
         if (!tokens.IsStart(i, u"TypeApplicationMappings")) {
             ++i;
             continue;
@@ -110,10 +110,11 @@ void RequireServing(const Machine& machine, const QMap<int, QString>& executable
             if (!startList.isEmpty() && startList.first() == type.value() && !expected.contains(application))
                 expected.append(application);
         }
-        Require(serving.value(type.key()) == expected, "the applications that serve a type");
+        Require(serving.value(type.key()) == expected, "the applications that serve a type match");
     }
     for (auto type = serving.cbegin(); type != serving.cend(); ++type)
-        Require(executables.contains(type.key()) && !type->isEmpty(), "none serve a type without an executable");
+        Require(executables.contains(type.key()) && !type->isEmpty(),
+                "no application serves a type without an executable");
 }
 
 } // namespace
@@ -122,7 +123,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const Tidy tidy;
     FuzzedDataProvider input(data, size);
-    // Numbers come from the end of the input, so the document is its beginning.
+    // FuzzedDataProvider takes numbers from the end of the input, so the document is at its start.
     const Machine machine = TakeMachine(input);
     const QByteArray document = TakeRest(input);
 
@@ -137,25 +138,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             last = outcome;
             if (outcome == TypeMapping::Outcome::Kept) {
                 ++kept;
-                Require(deviceType >= 0 && !application.isEmpty(), "what is kept has type and application");
+                Require(deviceType >= 0 && !application.isEmpty(), "kept mappings have a type and an application");
             }
         });
-    Require(reader.atEnd(), "it is read to its end, or to an error");
+    Require(reader.atEnd(), "the document is read to its end or to an error");
     Require(executables.size() <= kept, "no executable without a mapping");
-    Require(lastKept == (last == TypeMapping::Outcome::Kept), "true when the last one was kept");
+    Require(lastKept == (last == TypeMapping::Outcome::Kept), "the result is true if the last mapping was kept");
     for (auto type = executables.cbegin(); type != executables.cend(); ++type) {
-        Require(type.key() >= 0, "no type below 0");
+        Require(type.key() >= 0, "no negative types");
         Require(type.value().size() <= document.size() + 5, "no executable longer than the document");
     }
     RequireServing(machine, executables);
 
     const XmlTokens tokens = TokensOf(document);
-    Require(reader.hasError() == tokens.hasError, "an error is an error");
+    Require(reader.hasError() == tokens.hasError, "both readers agree on errors");
     if (!tokens.hasError) {
         const Expected expected = ExpectedOf(tokens, machine.startLists);
         Require(executables == expected.executables, "the executables are those of the document");
-        Require(lastKept == expected.lastKept, "the last mapping is that of the document");
-        Require(mappings == expected.mappings, "each mapping is heard of");
+        Require(lastKept == expected.lastKept, "the result for the last mapping matches the document");
+        Require(mappings == expected.mappings, "every mapping is reported");
     }
     return 0;
 }

@@ -1,4 +1,4 @@
-// Any entries, written and read again, by themselves and through the model.
+// Writes any entries and reads them again, directly and through the model.
 
 #include "fuzz/entries.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
@@ -47,12 +47,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(document.isValidUtf8(), "a document is UTF-8");
     Entries read;
     const bool result = ConnectionList::Read(document, [&](const Connection& entry) { read.push_back(entry); });
-    Require(result == !entries.empty(), "true with an entry");
+    Require(result == !entries.empty(), "the result is true if there are entries");
     Require(IsSame(read, expected), "what is written is read back");
-    Require(Write(read) == document, "what was read is written alike");
-    Require(Traces().isEmpty(), "a document that was written has no error");
+    Require(Write(read) == document, "writing what was read gives the same document");
+    Require(Traces().isEmpty(), "a written document has no errors");
 
-    // Without an object name it neither loads nor stores, and says so.
+    // Without an object name the model neither loads nor stores, which it traces.
     ConnectionsModel model(nullptr, QString());
     for (const Connection& entry : entries)
         model.AddConnection(entry);

@@ -1,4 +1,4 @@
-// Any text in the place of the stored set, loaded, stored and loaded again.
+// Loads any text as the stored set, stores it and loads it again.
 
 #include "fuzz/entries.h"
 #include "platform/cfgcenter.h"
@@ -24,7 +24,8 @@ QString Stored()
     return Node()->GetString(kKey, QStringLiteral("nothing"), 0);
 }
 
-/// Two digits a byte, whatever stands between them; with an odd number of digits the first stands alone.
+/// Decodes two hexadecimal digits per byte and ignores other characters. With an odd number of digits, the first digit
+/// is a byte.
 QByteArray Decoded(const QString& text)
 {
     std::vector<unsigned> digits;
@@ -52,7 +53,7 @@ Entries Read(const QByteArray& document)
     return entries;
 }
 
-/// The text to load: hexadecimal as it should be, spoilt in one place, or anything.
+/// The text to load: valid hexadecimal, hexadecimal with one wrong character, or any text.
 QString TakeStored(FuzzedDataProvider& input)
 {
     const int kind = input.ConsumeIntegralInRange(0, 3);
@@ -81,13 +82,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const ConnectionsModel model(nullptr, kName);
         Require(IsSame(EntriesOf(model), expected), "the entries are those of the stored document, all free");
         RequireCounts(model);
-        Require(Stored() == text, "loading leaves the stored set alone");
+        Require(Stored() == text, "loading does not change the stored set");
     }
     const QString stored = Stored();
     for (const QChar c : stored)
-        Require((c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f'), "stored in lower-case digits");
+        Require((c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f'), "the set is stored in lower-case digits");
     const ConnectionsModel again(nullptr, kName);
     Require(IsSame(EntriesOf(again), WithoutUnwritable(expected)), "what is stored is loaded");
-    Require(QString::fromLatin1(again.ToByteArray().toHex()) == stored, "what is loaded is stored alike");
+    Require(QString::fromLatin1(again.ToByteArray().toHex()) == stored, "storing what was loaded gives the same text");
     return 0;
 }

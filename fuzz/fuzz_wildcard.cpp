@@ -1,4 +1,4 @@
-// The filter in each of its modes, against a matcher that goes through a pattern sign by sign.
+// Compares the filter, in each mode, with a matcher that steps through the pattern symbol by symbol.
 
 #include "fuzz/fuzzing.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
@@ -27,7 +27,7 @@ char32_t Folded(char32_t c)
     return QChar::toCaseFolded(c);
 }
 
-/// All characters that differ from `c` in letter case only, and `c`.
+/// `c` and all characters that differ from it only in case.
 Characters CaseVariants(char32_t c)
 {
     static const std::map<char32_t, Characters> kVariants = [] {
@@ -44,7 +44,7 @@ Characters CaseVariants(char32_t c)
     return all;
 }
 
-/// One place of a pattern.
+/// One symbol of a pattern.
 struct Sign
 {
     enum class Kind { Run, Any, Set };
@@ -73,7 +73,7 @@ struct Pattern
     bool isValid = true;
 };
 
-/// The set that begins behind `i`, which is left at its closing bracket.
+/// The set whose opening bracket is at `i`. Moves `i` to its closing bracket.
 Sign SetAt(const Characters& pattern, std::size_t& i, bool& isValid)
 {
     Sign set;
@@ -84,7 +84,7 @@ Sign SetAt(const Characters& pattern, std::size_t& i, bool& isValid)
     }
     const std::size_t begin = i;
     for (; i < pattern.size() && (i == begin || pattern[i] != U']'); ++i) {
-        // A hyphen that is neither first nor last in the set, nor behind a range, makes one.
+        // A hyphen makes a range, unless it is first or last in the set or follows a range.
         if (i + 2 < pattern.size() && pattern[i + 1] == U'-' && pattern[i + 2] != U']') {
             set.ranges.emplace_back(pattern[i], pattern[i + 2]);
             isValid = isValid && pattern[i] <= pattern[i + 2];
@@ -115,14 +115,14 @@ Pattern PatternOf(const QString& text)
     return pattern;
 }
 
-/// Whether `pattern` is found anywhere in `text`: which of its places can be reached is kept from character to
-/// character.
+/// Whether `pattern` occurs anywhere in `text`. Simulates the pattern as an automaton: `reached` holds the symbols that
+/// can be next.
 bool Matches(const Pattern& pattern, const Characters& text)
 {
     const std::size_t end = pattern.signs.size();
     std::vector<bool> reached(end + 1, false);
     for (std::size_t at = 0;; ++at) {
-        reached[0] = true; // it may begin here
+        reached[0] = true; // a match may start here
         for (std::size_t i = 0; i < end; ++i)
             if (reached[i] && pattern.signs[i].kind == Sign::Kind::Run)
                 reached[i + 1] = true;
@@ -151,7 +151,7 @@ Pattern PlainPattern(const QString& text)
     return pattern;
 }
 
-/// Which of `texts` the filter lets through.
+/// The `texts` that the filter accepts.
 QStringList Shown(const QStringList& texts, const QRegularExpression& expression)
 {
     QStringListModel model(texts);
@@ -180,7 +180,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         texts.append(TakeText(input, kLongestText));
     texts.append(patternText);
 
-    // Most inputs are for the wildcards, where there is most to get wrong.
+    // Most inputs test wildcards, the most complex mode.
     constexpr int kPlain = 0;
     constexpr int kExpression = 1;
     const SearchMode searchMode = mode == kPlain        ? SearchMode::PlainText
@@ -189,18 +189,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QRegularExpression expression = FilterExpression(patternText, static_cast<int>(searchMode));
     const QStringList shown = Shown(texts, expression);
     if (patternText.isEmpty()) {
-        Require(shown == texts, "an empty pattern lets everything through");
+        Require(shown == texts, "an empty pattern accepts everything");
         return 0;
     }
     if (searchMode == SearchMode::RegularExpression) {
-        // What it means is the engine's business; that it comes to an end, without a warning, is not.
-        Require(expression.isValid() || shown.isEmpty(), "an invalid expression lets nothing through");
+        // Its meaning is up to QRegularExpression. It must only terminate, without a warning.
+        Require(expression.isValid() || shown.isEmpty(), "an invalid expression accepts nothing");
         return 0;
     }
 
     const bool isWildcard = searchMode == SearchMode::Wildcard;
     const Pattern pattern = isWildcard ? PatternOf(patternText) : PlainPattern(patternText);
-    Require(expression.isValid() == pattern.isValid, "an expression is valid where the pattern is");
+    Require(expression.isValid() == pattern.isValid, "the expression is valid if the pattern is");
     QStringList expected;
     for (const QString& text : texts)
         if (pattern.isValid && Matches(pattern, CharactersOf(text)))

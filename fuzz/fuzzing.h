@@ -14,13 +14,13 @@
 #include <cstring>
 #include <string>
 
-/// What the fuzzers share: how a finding is reported, and how bytes become what a target takes.
+/// Shared by the fuzzers: reporting findings, and converting input bytes.
 namespace Fuzzing {
 
-/// Ends the process with a finding; the fuzzer prints the stack and keeps the input.
+/// Aborts with a finding; libFuzzer prints the stack and saves the input.
 [[noreturn]] inline void Fail(const char* what)
 {
-    std::fprintf(stderr, "\nfuzz: does not hold: %s\n", what);
+    std::fprintf(stderr, "\nfuzz: check failed: %s\n", what);
     std::abort();
 }
 
@@ -30,15 +30,15 @@ inline void Require(bool holds, const char* what)
         Fail(what);
 }
 
-/// The trace lines of one input. Traces are on, so that their texts are built, too.
+/// The trace lines of one input. Traces are enabled, so that their texts are built as well.
 inline QStringList& Traces()
 {
     static QStringList traces;
     return traces;
 }
 
-/// Leaves nothing of an input behind: the fuzzer takes what is still allocated at its end for a possible leak, and
-/// looking for one takes a hundred times as long as most inputs.
+/// Frees everything that an input has allocated. libFuzzer takes remaining memory for a possible leak, and its leak
+/// check takes a hundred times as long as most inputs.
 struct Tidy
 {
     Tidy() = default;
@@ -56,14 +56,14 @@ inline QByteArray ToBytes(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)};
 }
 
-/// All that `input` has left.
+/// The rest of `input`.
 inline QByteArray TakeRest(FuzzedDataProvider& input)
 {
     const std::string rest = input.ConsumeRemainingBytesAsString();
     return {rest.data(), static_cast<qsizetype>(rest.size())};
 }
 
-/// A text of at most `maximum` bytes of input: of UTF-8, or of any UTF-16 units, halves of pairs among them.
+/// A text from at most `maximum` bytes of input, as UTF-8 or as UTF-16 code units with possibly unpaired surrogates.
 inline QString TakeText(FuzzedDataProvider& input, std::size_t maximum)
 {
     const bool isUtf8 = input.ConsumeIntegral<std::uint8_t>() % 4 != 0;

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Assertions of the product and warnings of Qt are findings from then on: no input may bring about either.
+/// Turns the product's assertions and Qt's warnings into findings.
 void WatchMessages()
 {
     ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Trace | ErrorHandler::Assertion);
@@ -20,20 +20,20 @@ void WatchMessages()
         if (!isOfPlatform) {
             std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
         }
-        Fuzzing::Require(isOfPlatform || type == QtDebugMsg || type == QtInfoMsg, "Qt has nothing to warn of");
+        Fuzzing::Require(isOfPlatform || type == QtDebugMsg || type == QtInfoMsg, "no warning from Qt");
     });
 }
 
 } // namespace
 
-/// Runs once in every target, before the first input.
+/// libFuzzer calls this once, before the first input.
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     static int count = 1;
     static char name[] = "fuzz";
     static char* arguments[] = {name, nullptr};
-    // Never deleted: the fuzzer leaves through exit(), when half of Qt is gone.
+    // Never deleted: libFuzzer calls exit(), and by then parts of Qt are already destroyed.
     static const auto* const application = new QApplication(count, arguments);
     Q_UNUSED(application)
     WatchMessages();

@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <vector>
 
-/// The tokens of a document as a list, for straightforward readers that the product's are compared with: those look
-/// back and forth in it, where the product pulls token by token.
+/// The tokens of a document as a list. The fuzzers' simple readers access it at random, while the product's readers
+/// pull token by token.
 namespace Fuzzing {
 
 struct XmlToken
@@ -16,13 +16,13 @@ struct XmlToken
     enum class Kind { Start, End, Text, Other };
 
     Kind kind = Kind::Other;
-    QString name; ///< of start and end
-    QString text; ///< of text
+    QString name; ///< for Start and End
+    QString text; ///< for Text
 };
 
 struct XmlTokens
 {
-    std::vector<XmlToken> list; ///< up to the end or the first error
+    std::vector<XmlToken> list; ///< up to the end of the document or the first error
     bool hasError = false;
 
     bool IsStart(std::size_t i) const { return list[i].kind == XmlToken::Kind::Start; }
@@ -30,7 +30,7 @@ struct XmlTokens
     bool IsEnd(std::size_t i) const { return list[i].kind == XmlToken::Kind::End; }
     bool IsEnd(std::size_t i, QStringView name) const { return IsEnd(i) && list[i].name == name; }
 
-    /// Where the element that begins at `begin` ends; behind the list where it does not.
+    /// The index of the end of the element that starts at `begin`; the list's size if it has no end.
     std::size_t EndOf(std::size_t begin) const
     {
         int depth = 0;
@@ -42,7 +42,7 @@ struct XmlTokens
         return list.size();
     }
 
-    /// Where the children of the element at `begin` begin, in document order.
+    /// The indices of the starts of the child elements, in document order.
     std::vector<std::size_t> Children(std::size_t begin) const
     {
         std::vector<std::size_t> children;
@@ -56,7 +56,7 @@ struct XmlTokens
         return children;
     }
 
-    /// The text token that directly follows the start at `begin`.
+    /// The text token directly after the start at `begin`.
     QString DirectText(std::size_t begin) const
     {
         const bool isText = begin + 1 < list.size() && list[begin + 1].kind == XmlToken::Kind::Text;

@@ -1,4 +1,4 @@
-# Debian's cross compiler for 64-bit Windows, with its threads from POSIX (std::mutex and its like need them).
+# Debian's cross compiler for 64-bit Windows, with POSIX threads, which std::mutex needs.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -6,7 +6,7 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# Programs that a build runs are Debian's; what is compiled and linked against is for Windows, or not there.
+# Run Debian's programs during the build, but search headers, libraries and packages for Windows only.
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -1,4 +1,4 @@
-// Takes the pictures of the documentation: vexel_pictures <connection list> <folder for the pictures>
+// Takes the screenshots for the documentation: vexel_pictures <connection list> <output folder>
 
 #include "files/boundedfile.h"
 #include "platform/cfgcenter.h"
@@ -15,11 +15,11 @@
 
 namespace {
 
-/// The dialog with `document`'s entries, as large as they need.
+/// The dialog with the entries of `document`.
 class Scene
 {
 public:
-    /// Each scene begins without what an earlier one left in the configuration.
+    /// Starts with an empty configuration.
     explicit Scene(const QByteArray& document)
         : model((CfgCenter::Close(), nullptr), QString())
         , appCounter(&model, QString())
@@ -40,7 +40,7 @@ public:
         Settle();
     }
 
-    /// Lets layouts and repaints happen.
+    /// Processes pending layouts and repaints.
     static void Settle()
     {
         for (int i = 0; i < 5; ++i) {
@@ -105,7 +105,7 @@ int main(int argc, char* argv[])
     const QStringList arguments = QCoreApplication::arguments();
     const auto document = arguments.size() == 3 ? ReadRegularFile(arguments.at(1)) : std::nullopt;
     if (!document) {
-        std::fprintf(stderr, "usage: vexel_pictures <connection list> <folder for the pictures>\n");
+        std::fprintf(stderr, "usage: vexel_pictures <connection list> <output folder>\n");
         return 1;
     }
     return TakeAll(*document, arguments.at(2)) ? 0 : 2;
