@@ -9,55 +9,56 @@
 
 class ICfg;
 
-/// The product configuration: one document per view and name, each a file of the store.
+/// The product configuration: one document per view and name, each stored as a file in the store directory.
 ///
-/// Writing through a node changes the document in memory only; `SaveDocument` brings it to disk. Without `Open` (and
-/// again after `Close`) documents live in memory alone. GUI thread only.
+/// Writing to a node changes the document in memory only; `SaveDocument` writes it to disk. Without `Open`, and after
+/// `Close`, documents exist in memory only. GUI thread only.
 class VEXELPLATFORM_EXPORT CfgCenter
 {
 public:
     CfgCenter() = delete;
 
-    /// The root node of the application's own document in `view`. Valid until `Open` or `Close`; not owned by the
-    /// caller.
+    /// Returns the root node of the application's document in `view`. Not owned by the caller; valid until the next
+    /// `Open`, `OpenReadOnly` or `Close`.
     static ICfg* GetAppCfg(View view);
 
-    /// The root node of document `name` in `view`, or, where `sub` is not empty, its child node `sub`. Documents come
-    /// into being on first write. Valid until `Open` or `Close`; not owned by the caller.
+    /// Returns the root node of document `name` in `view` or, if `sub` is not empty, its child node `sub`. The first
+    /// write creates the document. Not owned by the caller; valid until the next `Open`, `OpenReadOnly` or `Close`.
     static ICfg* CreateCfg(const QString& name, View view, const QString& sub);
 
-    /// Brings every changed document to disk, each atomically: after a crash at any moment its file holds the old or
-    /// the new state, whole. What another process changed meanwhile under other keys is kept. Returns false, with a
-    /// trace, when a document could not be written; it then stays changed, and its file as it was. A file that cannot
-    /// be read any more is kept aside, and what was known of it is written in its place.
+    /// Writes every changed document to disk. Each write is atomic: after a crash at any moment the file holds either
+    /// the old or the new state, complete. Changes that another process made to other keys meanwhile are kept. A file
+    /// that has become unreadable is kept under another name, and its last known content is written in its place.
+    /// Returns false, with a trace, if a document could not be written; its file is then unchanged, and the next call
+    /// tries again.
     static bool SaveDocument();
 
-    /// Host side: uses `directory` as the store and creates it where it is missing. Returns false, with a trace, when
-    /// it cannot be used; the store is then as after `Close`. Drops every node as `Close` does.
+    /// Host side: opens `directory` as the store and creates it if missing. Drops every document, as `Close` does.
+    /// Returns false, with a trace, if the directory cannot be used; documents then exist in memory only.
     static bool Open(const QString& directory);
 
-    /// Host side: after an `Open` that returned false: why, in the words of the system.
+    /// Host side: returns the system's error message after an `Open` that returned false.
     static QString OpenError();
 
-    /// Host side: uses `directory` as the store only to look at it: nothing is written there, and changed documents
-    /// cannot be saved. Returns false when it is no directory; the store is then as after `Close`. Drops every node as
-    /// `Close` does.
+    /// Host side: opens `directory` as a read-only store: nothing is written there, and changed documents cannot be
+    /// saved. Drops every document, as `Close` does. Returns false if it is not a directory; documents then exist in
+    /// memory only.
     static bool OpenReadOnly(const QString& directory);
 
-    /// Host side: forgets every document and drops every node. Saves nothing. Handles that callers still own stay
-    /// safe to use and to delete, but what they write goes nowhere.
+    /// Host side: drops every document and node without saving. Handles from `ICfg::OpenChild` remain safe to use and
+    /// to delete, but what they write is lost.
     static void Close();
 
-    /// Host side: the store's directory, whole path; empty while documents live in memory alone.
+    /// Host side: returns the absolute path of the store directory; empty while documents exist in memory only.
     static QString Directory();
 
-    /// Host side: whether what is stored in the application's own document in `view`, or what is used in its place, is
-    /// known. False where its file is there, and could neither be read nor kept aside, and there is no version of it;
-    /// the document then seems empty, and cannot be saved.
+    /// Host side: returns whether the content of the application's document in `view` is known. False if its file
+    /// exists but could be neither read nor kept under another name, and there is no earlier version to use instead;
+    /// the document then appears empty and cannot be saved.
     static bool IsAppCfgKnown(View view);
 
-    /// Host side: who is told, in one plain English line, that a document could not be read when it was first asked
-    /// for or when it was saved, where its file was kept, and what is used instead. An empty `sink`: nobody, as at
-    /// first. Stays over `Open` and `Close`. The same is traced.
+    /// Host side: sets the function that receives a notice when a document cannot be read, on first access or while
+    /// saving. A notice is one line of plain English that says where the file was kept and what is used instead; it is
+    /// traced as well. An empty `sink`, the default, discards notices. `Open` and `Close` leave the sink in place.
     static void SetNoticeSink(std::function<void(const QString&)> sink);
 };

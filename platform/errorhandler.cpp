@@ -19,7 +19,7 @@ void LogReport(ErrorHandler::Kind kind, const QString& message, const QString& s
     const QByteArray file = sourceFile.toUtf8();
     const QMessageLogger logger(file.constData(), line, nullptr);
 
-    // Streamed, for a message is no format string; without spacing, for a space at its end belongs to it.
+    // Streamed, because a message is not a format string; nospace(), to keep a trailing space of the message.
     if (kind == ErrorHandler::Assertion)
         logger.warning(lcAssertion()).noquote().nospace() << message;
     else
@@ -47,7 +47,7 @@ ErrorHandler::~ErrorHandler()
 
 ErrorHandler& ErrorHandler::Instance()
 {
-    // Never destroyed: whatever else is being torn down at the end of the process may still report.
+    // Never destroyed, because other static objects may still report from their destructors.
     static auto* const handler = new ErrorHandler;
     return *handler;
 }
@@ -64,7 +64,7 @@ void ErrorHandler::SetEnabledKinds(unsigned mask)
 
 void ErrorHandler::SetSink(Sink sink)
 {
-    // Swapped, so that the old sink is destroyed after the lock was given back: it may report, too.
+    // Swapped, so that the old sink is destroyed after the mutex is unlocked: its destructor may report as well.
     const QMutexLocker locker(&d->mutex);
     d->sink.swap(sink);
 }
@@ -76,7 +76,7 @@ void ErrorHandler::Report(Kind kind, const QString& message, const QString& sour
         const QMutexLocker locker(&d->mutex);
         sink = d->sink;
     }
-    // Without the lock: a sink may report itself, or set another sink.
+    // Not under the mutex: a sink may itself report or set another sink.
     if (sink)
         sink(kind, message, sourceFile, line);
     else

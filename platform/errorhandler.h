@@ -6,16 +6,17 @@
 
 #include <functional>
 
-/// The product's reports: which kinds are wanted, and where they go.
+/// The product's trace and assertion reports: which kinds are enabled, and where they go.
 ///
-/// Every place that reports asks `EnabledKinds` first and builds its text only when its kind's bit is set. Any thread.
+/// Callers check `EnabledKinds` first and build a message only if the bit of its kind is set. Thread-safe.
 class VEXELPLATFORM_EXPORT ErrorHandler
 {
 public:
-    /// Kinds of report; the values are bits of the mask.
+    /// Kinds of report. The values are bits of the mask.
     enum Kind : unsigned { Assertion = 0x02, Trace = 0x20 };
 
-    /// Receives each report with the place it speaks of.
+    /// Receives each report with the source file and line that the reporting code names, on the reporting thread. May
+    /// itself report or set another sink.
     using Sink = std::function<void(Kind kind, const QString& message, const QString& sourceFile, quint16 line)>;
 
     ErrorHandler(const ErrorHandler&) = delete;
@@ -23,13 +24,13 @@ public:
 
     static ErrorHandler& Instance();
 
-    /// The wanted kinds as a bit mask. At start: assertions.
+    /// Returns the enabled kinds as a bit mask. Default: assertions only.
     unsigned EnabledKinds() const;
 
-    /// Host side: sets the wanted kinds.
+    /// Host side: sets the enabled kinds.
     void SetEnabledKinds(unsigned mask);
 
-    /// Host side: where reports go from now on. An empty sink brings back the default: Qt's logging, category
+    /// Host side: sends all further reports to `sink`. An empty sink restores the default: Qt's logging, category
     /// "vexel.trace" or "vexel.assertion", with message, source file and line as reported.
     void SetSink(Sink sink);
 
@@ -45,10 +46,10 @@ private:
     Private* const d;
 };
 
-/// Reports a trace line. `message` begins with the class and function that speak; `sourceFile` and `line` name the
-/// place. Call only while `ErrorHandler::Trace` is enabled.
+/// Reports a trace line. `message` begins with the reporting class and function; `sourceFile` and `line` are their
+/// source location. Call only while `ErrorHandler::Trace` is enabled.
 VEXELPLATFORM_EXPORT void _Q_Trace(const QString& message, const char* sourceFile, quint16 line);
 
-/// Reports that the condition `expression` does not hold; execution goes on. Call only while
-/// `ErrorHandler::Assertion` is enabled.
+/// Reports that the condition `expression` is false; execution continues. Call only while `ErrorHandler::Assertion` is
+/// enabled.
 VEXELPLATFORM_EXPORT void _Q_assert(const char* expression, const char* sourceFile, quint16 line);

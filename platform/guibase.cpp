@@ -9,18 +9,18 @@
 
 namespace {
 
-// No screen is larger, and a window of more could not be painted.
-constexpr int kLargestLength = 16384;
+// No screen is larger, and a larger window cannot be painted.
+constexpr int kMaximumLength = 16384;
 
 const QString kWidth = QStringLiteral("Width");
 const QString kHeight = QStringLiteral("Height");
 
 bool IsUsable(const QSize& size)
 {
-    return !size.isEmpty() && size.width() <= kLargestLength && size.height() <= kLargestLength;
+    return !size.isEmpty() && size.width() <= kMaximumLength && size.height() <= kMaximumLength;
 }
 
-/// Where the size of `widget` is stored; null for a widget that cannot be told from others.
+/// Returns the node that stores the size of `widget`; null if the widget has no name.
 std::unique_ptr<ICfg> SizeNode(const QWidget* widget)
 {
     if (!widget || widget->objectName().isEmpty())
@@ -55,7 +55,7 @@ void GuiBase::RestoreWidgetSize(QWidget* widget)
     const QSize size(node->GetInt(kWidth, 0, 0), node->GetInt(kHeight, 0, 0));
     if (!IsUsable(size))
         return;
-    // The screen may have been a larger one: what lies beyond this one could not be reached to make it smaller.
+    // The size may come from a larger screen. A window beyond the edges of this one could not be resized by the mouse.
     const QScreen* screen = widget->screen();
     widget->resize(screen ? size.boundedTo(screen->availableSize()) : size);
 }
@@ -65,7 +65,7 @@ void GuiBase::StoreWidgetSize(QWidget* widget)
     const auto node = SizeNode(widget);
     if (!node)
         return;
-    // A maximised window has the size of its screen; what it returns to is the size that the user chose.
+    // A maximised window has the size of the screen; the user chose its normal size.
     const bool fillsScreen = widget->isMaximized() || widget->isFullScreen();
     const QSize size = fillsScreen ? widget->normalGeometry().size() : widget->size();
     if (!IsUsable(size))

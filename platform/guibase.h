@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Holds the product's main widget and remembers the sizes of windows. GUI thread only.
+/// Holds the product's main widget and stores window sizes. GUI thread only.
 class VEXELPLATFORM_EXPORT GuiBase
 {
 public:
@@ -14,14 +14,15 @@ public:
 
     static GuiBase& Instance();
 
-    /// The main widget; null until one is set, and again once that widget is gone. Not owned.
+    /// Returns the main widget; null until one is set and after it has been destroyed. Not owned.
     QWidget* GetMainWidget() const;
     void SetMainWidget(QWidget* widget);
 
-    /// Gives `widget` the size stored under its object name. Nothing usable stored: size unchanged. Never
-    /// larger than the screen.
+    /// Resizes `widget` to the size stored under its object name, but not beyond the available area of its screen. Does
+    /// nothing if no valid size is stored, or if the widget is null or has no object name.
     void RestoreWidgetSize(QWidget* widget);
-    /// Host side, when it saves: puts the widget's size into the user's configuration under its object name.
+    /// Host side, before saving the configuration: stores the size of `widget` under its object name in the user's
+    /// configuration. For a maximised or full-screen window this is its normal size.
     void StoreWidgetSize(QWidget* widget);
 
 private:

@@ -1,4 +1,4 @@
 #include "platform/icfg.h"
 
-// Here so that the class's type information stands in this library only.
+// Defined here so that this library alone holds the vtable and type information.
 ICfg::~ICfg() = default;

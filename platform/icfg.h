@@ -6,9 +6,9 @@
 
 /// One node of a configuration document: keys with values, and named child nodes.
 ///
-/// Values are kept as text, so a value written as one kind can be read as another where its text allows; a text that
-/// does not stand for the asked kind reads as the default. `flag` and `mode` are part of the product's interface; this
-/// implementation treats every value of them alike.
+/// Values are stored as text, so a value written as one type can be read as another. A read returns the default if the
+/// key is missing or its text cannot be converted. `flag` and `mode` are part of the product's interface; this
+/// implementation ignores them.
 class VEXELPLATFORM_EXPORT ICfg
 {
 public:
@@ -18,10 +18,10 @@ public:
     ICfg(const ICfg&) = delete;
     ICfg& operator=(const ICfg&) = delete;
 
-    /// A handle on the child node `key`, which comes into being with the first value written to it. Never null. The
-    /// caller deletes the handle; the node stays.
+    /// Returns a handle to the child node `key`; never null. The first value written to the node creates it. The caller
+    /// owns the handle; deleting it does not remove the node.
     virtual ICfg* OpenChild(const QString& key, int flag) = 0;
-    /// Removes `key` with its value, and the child node of that name; a missing one is no error.
+    /// Removes the value of `key` and the child node of that name. It is not an error if they do not exist.
     virtual void Remove(const QString& key, int flag) = 0;
     virtual QString GetString(const QString& key, const QString& defaultValue, int mode) = 0;
     virtual int GetInt(const QString& key, int defaultValue, int mode) = 0;

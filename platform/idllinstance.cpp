@@ -1,6 +1,6 @@
 #include "platform/idllinstance.h"
 
-// The parameter is part of the contract between host and plug-in.
+// The parameter type is part of the contract between host and plug-in.
 // NOLINTNEXTLINE(modernize-pass-by-value)
 IDllInstance::IDllInstance(const QString& name)
     : m_sName(name)

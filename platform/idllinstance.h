@@ -4,27 +4,27 @@
 
 #include <QString>
 
-/// One instance of a plug-in, as the host holds it: what a plug-in's exported `ARCreateEx` returns and its
-/// `ARDestroy` deletes. The order of the virtual operations is part of the contract between host and plug-in.
+/// Base class of a plug-in instance: the plug-in's exported function `ARCreateEx` creates it, `ARDestroy` deletes it.
+/// The order of the virtual functions is part of the contract between host and plug-in.
 class VEXELPLATFORM_EXPORT IDllInstance
 {
 public:
-    /// @param name the instance name; kept unchanged for the life of the instance.
+    /// @param name the instance name; never changes.
     explicit IDllInstance(const QString& name);
     virtual ~IDllInstance();
 
     IDllInstance(const IDllInstance&) = delete;
     IDllInstance& operator=(const IDllInstance&) = delete;
 
-    /// Whether the plug-in can be used. The base answers true.
+    /// Returns whether the plug-in can be used. The default implementation returns true.
     virtual bool IsAvailable();
-    /// A word from the host without content. The base does nothing.
+    /// Notification by the host, without content. The default implementation does nothing.
     virtual void Notify();
-    /// The host is about to save the configuration: put everything that shall outlive the run into it. The base does
-    /// nothing.
+    /// Called before the host saves the configuration: writes all persistent state into it. The default implementation
+    /// does nothing.
     virtual void SaveSettings();
 
-    /// The name given at construction.
+    /// Returns the name given to the constructor.
     const QString& Name() const { return m_sName; }
 
 private:

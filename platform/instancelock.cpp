@@ -15,35 +15,35 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// On some systems whoever just looks is in the way for a moment, and a host that ends may need one.
+// On some systems a query holds the lock for a moment, and a host that ends may need a moment to release it.
 constexpr auto kTimeout = 500ms;
 
-/// What the file says of who holds it. A host that was killed leaves it, so it is to be asked of a held one only.
-struct Name
+/// The holder named in a lock file. Valid only while the file is locked, because a killed host leaves its name there.
+struct Holder
 {
-    qint64 process = 0; // 0: unreadable
+    qint64 process = 0; // 0 if the file is not readable
     QString machine;
 };
 
-QString FileIn(const QString& directory)
+QString LockFilePath(const QString& directory)
 {
     return directory + QStringLiteral("/vexelhost.lock");
 }
 
-// As the toolkit's own lock files are written, so that tools for those read it.
-QByteArray OwnName()
+// The format of QLockFile, so that tools for its files can read this one.
+QByteArray LockFileContent()
 {
     return QByteArray::number(QCoreApplication::applicationPid()) + "\nvexelhost\n" +
            QSysInfo::machineHostName().toUtf8() + '\n';
 }
 
-Name ReadName(const QString& fileName)
+Holder ReadHolder(const QString& fileName)
 {
-    constexpr qint64 kLongest = 4096;
+    constexpr qint64 kMaximumSize = 4096;
     QFile file(fileName);
     if (IsNotRegularFile(fileName) || !file.open(QIODevice::ReadOnly))
         return {};
-    const QList<QByteArray> lines = file.read(kLongest).split('\n');
+    const QList<QByteArray> lines = file.read(kMaximumSize).split('\n');
     bool isNumber = false;
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)
@@ -51,25 +51,25 @@ Name ReadName(const QString& fileName)
     return {process, QString::fromUtf8(lines.at(2))};
 }
 
-QString HeldText(const QString& file, const QString& directory)
+QString BusyMessage(const QString& file, const QString& directory)
 {
-    const Name name = ReadName(file);
+    const Holder holder = ReadHolder(file);
     const QString native = QDir::toNativeSeparators(directory);
-    if (name.process == 0) {
+    if (holder.process == 0) {
         return QStringLiteral("another host works on the configuration directory %1; kitestarter brings its dialog, "
                               "where it has one, to the front")
             .arg(native);
     }
-    if (!name.machine.isEmpty() && name.machine != QSysInfo::machineHostName()) {
-        // A file server may hold a lock for a machine that is gone, and then only a person can tell.
+    if (!holder.machine.isEmpty() && holder.machine != QSysInfo::machineHostName()) {
+        // A file server may keep the lock of a machine that is gone, which only the user can know.
         return QStringLiteral("another host, process %1 on %2, works on the configuration directory %3; if it does not "
                               "run any more, remove %4")
-            .arg(name.process)
-            .arg(name.machine, native, QDir::toNativeSeparators(file));
+            .arg(holder.process)
+            .arg(holder.machine, native, QDir::toNativeSeparators(file));
     }
     return QStringLiteral("another host, process %1, works on the configuration directory %2; kitestarter brings its "
                           "dialog, where it has one, to the front")
-        .arg(name.process)
+        .arg(holder.process)
         .arg(native);
 }
 
@@ -86,7 +86,7 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
     if (directory.isEmpty() || !CreateFolder(directory))
         return Result::Unusable;
 
-    const QString file = FileIn(directory);
+    const QString file = LockFilePath(directory);
     QString error;
     m_file = std::make_unique<FileLock>();
     switch (m_file->Lock(file, kTimeout, &error)) {
@@ -98,7 +98,7 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
     case FileLock::Result::Locked:
         break;
     case FileLock::Result::Busy:
-        m_errorText = HeldText(file, directory);
+        m_errorText = BusyMessage(file, directory);
         m_file.reset();
         return Result::Busy;
     case FileLock::Result::Failed:
@@ -106,19 +106,19 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
         m_file.reset();
         return Result::Unusable;
     }
-    m_file->Write(OwnName());
+    m_file->Write(LockFileContent());
     m_errorText.clear();
     return Result::Locked;
 }
 
 InstanceLock::Owner InstanceLock::Query(const QString& directory)
 {
-    const QString file = FileIn(directory);
+    const QString file = LockFilePath(directory);
     switch (FileLock::Query(file)) {
     case FileLock::State::Free:
         break;
     case FileLock::State::Locked:
-        return {State::Somebody, ReadName(file).process};
+        return {State::Somebody, ReadHolder(file).process};
     case FileLock::State::Unknown:
         return {State::Unknown, 0};
     }

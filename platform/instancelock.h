@@ -8,27 +8,27 @@
 
 class FileLock;
 
-/// Host side: keeps a second host from working on the same configuration directory: a file in it that is held for as
-/// long as this object lives. Both would store the list of entries, and the one that ends last would undo what the
-/// other did.
+/// Host side: prevents a second host from using the same configuration directory. Locks a file in the directory for the
+/// lifetime of this object. Without the lock both hosts would store the list of entries, and the last one to end would
+/// overwrite the other's changes.
 ///
-/// Whether somebody holds it is known to the system alone (see `FileLock`): what a dead host left behind is taken over
-/// at once, whatever its process number or the name of the machine stands for by now. The file says who holds it, for
-/// people only.
+/// The operating system keeps the lock (see `FileLock`). A lock file left by a crashed host is therefore taken over at
+/// once, even if its process number or machine name belongs to something else by now. The file's content, which names
+/// the holder, is only informative.
 class VEXELPLATFORM_EXPORT InstanceLock
 {
 public:
     enum class Result {
         Locked,
-        Busy,    ///< another host works there
-        Unusable ///< the directory cannot be made or written
+        Busy,    ///< another host uses the directory
+        Unusable ///< the directory cannot be created or written
     };
     enum class State { Nobody, Somebody, Unknown };
-    /// Who works on a directory.
+    /// The host that uses a directory.
     struct Owner
     {
         State state = State::Nobody;
-        qint64 process = 0; ///< its number; 0 where that is not known
+        qint64 process = 0; ///< process ID; 0 if unknown
     };
 
     InstanceLock();
@@ -37,16 +37,16 @@ public:
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
 
-    /// Makes `directory` where it is missing and takes its lock; call once.
+    /// Creates `directory` if missing and takes its lock, waiting up to 500 ms for its release. Call once.
     Result TryLock(const QString& directory);
 
-    /// After `TryLock`: why the lock was not taken, in a sentence for a person; empty when it was.
+    /// After `TryLock`: returns why the lock was not taken, as a sentence for the user; empty if it was taken.
     const QString& ErrorText() const { return m_errorText; }
-    /// After `TryLock`: what a person has to know of a lock that was taken, as of a file system that has no locks,
-    /// where a second host is not kept away; else empty.
+    /// After `TryLock`: returns a warning for the user if the file system does not support locks, so that a second host
+    /// is not prevented; otherwise empty.
     const QString& Warning() const { return m_warning; }
 
-    /// Who works on `directory`. Takes and changes nothing.
+    /// Returns which host uses `directory`. Takes no lock and changes nothing.
     static Owner Query(const QString& directory);
 
 private:

@@ -15,7 +15,7 @@ namespace {
 
 std::atomic g_areServersAllowed = true;
 
-/// What a timer can hold: 24 days and beyond are the same to everybody.
+/// Limits `number` to what a timer can hold, about 24 days.
 std::chrono::milliseconds TimeOut(quint64 number)
 {
     constexpr quint64 kLongest = std::numeric_limits<int>::max();
@@ -28,7 +28,7 @@ IInterface::~IInterface() = default;
 
 IInterfaceCallback::~IInterfaceCallback() = default;
 
-// A member by the product's interface, though there is no state.
+// A member function because the product's interface fixes it as one.
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number,
                                                bool flag)
@@ -37,7 +37,8 @@ IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfac
     if (!parsed || !callback) {
         TraceWhenWanted("platform/interfaces", __LINE__, [&] {
             return parsed ? QStringLiteral("CInterfaceCreator::CreateInterface(): No callback for \"%1\"").arg(address)
-                          : QStringLiteral("CInterfaceCreator::CreateInterface(): \"%1\" is no address").arg(address);
+                          : QStringLiteral("CInterfaceCreator::CreateInterface(): \"%1\" is not a valid address")
+                                .arg(address);
         });
         return nullptr;
     }

@@ -6,53 +6,54 @@
 #include <QtGlobal>
 
 /// @file
-/// The product's connections library: servers and clients behind one interface, reported through one callback.
+/// The product's connections library: TCP servers and clients behind one interface, with events reported through one
+/// callback.
 ///
-/// An interface is made by `CInterfaceCreator` from an address:
+/// `CInterfaceCreator` creates an interface from an address:
 ///
-/// - "TCP::PORT" is a server. It listens on this machine's loopback addresses, 127.0.0.1 and ::1, and nowhere else:
-///   every program of this machine may call, no other machine can. It is one server, however many of the two the
-///   machine has; if somebody else has the port on one of them, it is taken.
-/// - "TCP:HOST:PORT" is a client of that host, by name or number. An IPv6 address stands in brackets: "TCP:[::1]:PORT".
+/// - "TCP::PORT" is a server. It listens on the loopback addresses 127.0.0.1 and ::1 only, so only programs on this
+///   machine can connect. If one of the two does not exist, it listens on the other; if another program uses the port
+///   on either of them, the port counts as taken.
+/// - "TCP:HOST:PORT" is a client of HOST, a name or a numeric address. An IPv6 address is put in brackets:
+///   "TCP:[::1]:PORT".
 ///
-/// PORT is a decimal number from 1 to 65535. No proxy is used, and nothing is sent but what is given to `Write`.
+/// PORT is a decimal number from 1 to 65535. No proxy is used, and only the bytes passed to `Write` are sent.
 ///
-/// **Threads.** An interface belongs to the thread that made it, which must run an event loop: it is used and deleted
-/// there, and every callback comes there. A callback never comes from within a call of an interface, and callbacks
-/// about the same peer never nest: where one runs an event loop of its own, the next about that peer waits until it has
-/// returned. No exception may leave a callback.
+/// **Threads.** An interface belongs to the thread that created it, which must run an event loop. Use and delete it in
+/// that thread; all callbacks come there. They come from the event loop, never from within a call of an interface.
+/// Callbacks about the same peer do not nest: if one runs an event loop itself, the next one about that peer waits
+/// until it has returned. Callbacks must not throw.
 ///
 /// **Order.** A peer gets exactly one `OnOpen`, then any number of `OnRead` and `OnWritten`, then exactly one
-/// `OnClose`. A caller that has already gone when its turn comes gets all of them, with what it sent. However abruptly
-/// a peer leaves, that is no error. An error of an open connection is `OnError`, then `OnClose`; a client that could
-/// not connect gets `OnError` alone.
+/// `OnClose`. This includes a peer that has disconnected before the server accepts it; the bytes it sent are delivered.
+/// A disconnect by the peer, even a reset, is not an error. An error on an open connection is reported by `OnError`,
+/// then `OnClose`; a client that cannot connect gets `OnError` only.
 ///
-/// **Ownership.** The caller owns what `CreateInterface` returns and ends it by `delete`, also from within a callback.
-/// From then on no callback comes, not even the `OnClose` of what was open. The callback is not owned and must outlive
-/// the interface.
+/// **Ownership.** The caller owns the interface that `CreateInterface` returns and ends it by deleting it, which is
+/// allowed within a callback. After that no callback comes, not even `OnClose` for open connections. The callback is
+/// not owned and must outlive the interface.
 ///
-/// **Bounds**, so that no stranger can fill the memory or keep others out:
+/// **Limits**, so that no other program can exhaust the memory or block the server:
 ///
-/// - A server has at most `kMaximumPeers` peers at once. Who calls beyond that waits, unanswered, in the system's queue
-///   until a place is free. When none gets free by itself, the peer that has been there longest is closed, once it had
-///   `kAssuredTime` milliseconds. So honest callers that are many at once are all served, and silent ones cannot lock
-///   them out. A peer whose callback runs an event loop keeps its place until that has returned.
-/// - A peer that has sent nothing for the time-out of its interface is closed.
-/// - At most `kMaximumBytesPerCall` bytes are taken from one peer, from its `OnOpen` to its `OnClose`. A peer that
-///   sends more is closed.
-/// - At most `kMaximumBytesPerRead` bytes are handed over in one `OnRead`, and no more than that is held of a peer in
-///   memory. What the callback leaves unread is dropped when it returns.
-/// - At most `kMaximumBytesUnsent` bytes wait for a peer to take them. A peer that makes more of them wait is in error.
+/// - A server has at most `kMaximumPeers` peers at a time. Further callers wait in the system's queue until one leaves.
+///   If none does, the oldest peer is closed as soon as it has been connected for `kMinimumPeerTime`. So many callers
+///   at once are all served, and silent peers cannot lock others out. A peer whose callback runs an event loop keeps
+///   its place until that callback returns.
+/// - A peer that sends nothing for the interface's time-out is closed.
+/// - At most `kMaximumBytesPerCall` bytes are read from one connection. A peer that sends more is closed.
+/// - One `OnRead` delivers at most `kMaximumBytesPerRead` bytes, and no more than that is buffered per peer. Bytes that
+///   the callback does not read are discarded when it returns.
+/// - At most `kMaximumBytesUnsent` bytes wait to be sent to a peer. Writing more is an error of the connection.
 ///
-/// A client keeps the same bounds against its one peer, the server. What is closed for its bounds is traced.
+/// A client applies the same limits to its server. Closing a connection because of a limit is traced.
 
 class IInterfaceCallback;
 
 /// A server, a client, or one peer of a server.
 ///
-/// Callbacks are given the interface that they are about: a server's peer has an interface of its own, owned by the
-/// server and valid from its `OnOpen` until its `OnClose` has returned, or until the server is deleted. A client is its
-/// own. The order of the virtual operations is part of the product's interface.
+/// Each peer of a server has a separate interface, which the server passes to the callbacks. The server owns it; it is
+/// valid from its `OnOpen` until its `OnClose` returns or the server is deleted. A client passes itself. The order of
+/// the virtual functions is part of the product's interface.
 class VEXELPLATFORM_EXPORT IInterface
 {
 public:
@@ -62,26 +63,29 @@ public:
     IInterface(const IInterface&) = delete;
     IInterface& operator=(const IInterface&) = delete;
 
-    /// Begins to listen or to connect; does nothing on an interface that does so already. Returns false, with a trace,
-    /// when a server cannot listen; when the `OnClose` of a client's last connection is still to come; and for a peer,
-    /// which cannot be opened again. For a client true means that it tries: `OnOpen` or `OnError` follows.
+    /// Starts to listen or to connect; does nothing if already listening, connecting or connected. For a client, true
+    /// means that it is connecting: `OnOpen` or `OnError` follows. Returns false, with a trace, if a server cannot
+    /// listen, if the `OnClose` of a client's previous connection is still pending, and for a peer of a server, which
+    /// cannot be reopened.
     virtual bool Open() = 0;
-    /// Ends a connection, or a server with the connections to all its peers: what the system takes at once of the bytes
-    /// still unsent is sent. `OnClose` follows for every peer that had its `OnOpen`. `Open` may follow.
+    /// Closes the connection, or stops the server and closes the connections of all its peers. Unsent bytes are sent as
+    /// far as the system accepts them at once. `OnClose` follows for every connection that had its `OnOpen`. A server
+    /// or client can be opened again.
     virtual void Close() = 0;
-    /// Whether a server listens; whether a client or a peer is connected, has had its `OnOpen` and not its `OnClose`.
+    /// Returns whether a server is listening, or whether a client or peer is connected and between `OnOpen` and
+    /// `OnClose`.
     virtual bool IsOpen() const = 0;
-    /// Sends `length` bytes of `data`; a server sends them to each of its peers. Copies the bytes and does not wait. On
-    /// an interface that is not open the bytes are dropped.
+    /// Sends `length` bytes of `data`; a server sends them to each of its peers. Copies the bytes and returns without
+    /// waiting. Bytes for a connection that is not open are discarded.
     virtual void Write(const char* data, quint64 length) = 0;
-    /// Takes waiting bytes: `*length` is the size of `buffer` before, and the number of bytes put there after. Only
-    /// within `OnRead` bytes are waiting, at any other time the number is 0. With `flag` they are only looked at: the
-    /// next read finds them again.
-    /// @throw std::runtime_error on a server, on a connection that is not open, and without `buffer` or `length`.
+    /// Copies received bytes to `buffer`. Bytes are available only within `OnRead`.
+    /// @param length in: the size of `buffer`; out: the number of bytes copied, which may be 0.
+    /// @param flag true to leave the bytes for the next read.
+    /// @throw std::runtime_error on a server, if the connection is not open, or if `buffer` or `length` is null.
     virtual void Read(char* buffer, quint64* length, bool flag) = 0;
 };
 
-/// What an interface reports, and to whom. The order of the virtual operations is part of the product's interface.
+/// Receives the events of interfaces. The order of the virtual functions is part of the product's interface.
 class VEXELPLATFORM_EXPORT IInterfaceCallback
 {
 public:
@@ -89,45 +93,46 @@ public:
     IInterfaceCallback(const IInterfaceCallback&) = delete;
     IInterfaceCallback& operator=(const IInterfaceCallback&) = delete;
 
-    /// A peer has connected to a server, or a client to its host.
+    /// A peer has connected to a server, or a client to its server.
     virtual void OnOpen(IInterface* pInterface) = 0;
-    /// The connection has ended, by whomever.
+    /// The connection has been closed, by either side.
     virtual void OnClose(IInterface* pInterface) = 0;
-    /// `length` bytes, at least one, wait to be read from `pInterface`.
+    /// `length` bytes, at least one, can be read from `pInterface`.
     virtual void OnRead(IInterface* pInterface, quint64 length) = 0;
-    /// A connection has failed, a client could not connect, or a server (then `pInterface` is the server) could not
-    /// take a call; the server goes on and tries again.
+    /// A connection has failed, a client could not connect, or a server could not accept a connection. In the last case
+    /// `pInterface` is the server, which keeps listening and tries again.
     virtual void OnError(IInterface* pInterface) = 0;
-    /// `length` bytes of what was given to `Write` have been taken by the system.
+    /// The system has accepted `length` of the bytes passed to `Write`.
     virtual void OnWritten(IInterface* pInterface, quint64 length) = 0;
 
     virtual ~IInterfaceCallback();
 };
 
-/// Makes interfaces. Without state; made on the spot.
+/// Creates interfaces. Stateless.
 class CInterfaceCreator
 {
 public:
     static constexpr int kMaximumPeers = 16;
-    static constexpr int kAssuredTime = 250;
+    static constexpr int kMinimumPeerTime = 250; ///< milliseconds
     static constexpr int kMaximumBytesPerCall = 64 * 1024;
     static constexpr int kMaximumBytesPerRead = 4 * 1024;
     static constexpr int kMaximumBytesUnsent = 64 * 1024;
 
-    /// Makes the server or client that `address` names, and opens it.
-    /// @param callback who is told; must not be null.
-    /// @param number the time-out in milliseconds: a peer that has sent nothing for so long is closed, and a client's
-    ///        attempt to connect that takes so long has failed. 0: none. It is a coarse one, exact to a twentieth.
-    /// @param flag false: the interface is open when it is returned. True: it is returned closed, for `Open`.
-    /// @return the interface, which the caller owns; null, with a trace that says why, when the address is malformed,
-    ///         the callback is null, the port is taken or cannot be listened at, or servers are not allowed.
+    /// Creates the server or client for `address` and opens it.
+    /// @param callback receives the events; must not be null.
+    /// @param number time-out in milliseconds, accurate to 5 %; 0 for none. A peer that sends nothing for this time is
+    ///        closed; an attempt to connect that takes this long fails.
+    /// @param flag true to return the interface without opening it.
+    /// @return the interface, owned by the caller. Null, with a trace of the reason, if the address is malformed, the
+    ///         callback is null, the server cannot listen on the port, or servers are not allowed.
     VEXELPLATFORM_EXPORT IInterface* CreateInterface(const QString& address, IInterfaceCallback* callback,
                                                      quint64 number, bool flag);
 
-    /// Host side: whether servers of this process may listen, which they may at first. While they may not, opening one
-    /// fails as if the port were taken; one that listens already goes on. For a host without a person at it: what it
-    /// loads would have whoever calls believe that a dialog came to the front. To be called where interfaces are made.
+    /// Host side: sets whether servers of this process may listen; the default is true. While they may not, opening a
+    /// server fails as if the port were taken; servers that already listen are not affected. For hosts without a user
+    /// interface: a caller would otherwise conclude that a dialog came to the front. Call from the thread that creates
+    /// the interfaces.
     VEXELPLATFORM_EXPORT static void SetServersAllowed(bool bAllowed);
-    /// Host side.
+    /// Host side: returns the value set by `SetServersAllowed`.
     VEXELPLATFORM_EXPORT static bool AreServersAllowed();
 };

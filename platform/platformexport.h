@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// Marks what the shared library `vexelplatform` offers to the host and the plug-ins.
+/// Marks the symbols that the shared library `vexelplatform` exports.
 #if defined(VEXELPLATFORM_LIBRARY)
 #define VEXELPLATFORM_EXPORT Q_DECL_EXPORT
 #else

@@ -4,5 +4,5 @@
 
 #include <QString>
 
-/// The version of the platform library that this process has loaded, which need not be the one it was built with.
+/// Returns the version of the loaded platform library, which can differ from the version the caller was built with.
 VEXELPLATFORM_EXPORT QString PlatformVersion();

@@ -2,7 +2,7 @@
 
 #include "platform/errorhandler.h"
 
-/// Traces what `buildText` returns, from `line` of `sourceFile`. The text is built only when traces are wanted.
+/// Traces the text that `buildText` returns, with `sourceFile` and `line`. Builds it only if traces are enabled.
 template <typename BuildText>
 void TraceWhenWanted(const char* sourceFile, int line, BuildText buildText)
 {

@@ -9,14 +9,15 @@
 
 namespace {
 
-/// The translation of `domain` into the most wanted language of `locale` that has one; null for the source texts.
+/// Loads the translation of `domain` into the first language of `locale` that has one. Returns null if the source texts
+/// are to be used.
 std::unique_ptr<QTranslator> LoadTranslator(const QString& domain, const QLocale& locale, const QString& directory)
 {
     auto translator = std::make_unique<QTranslator>();
     const QStringList languages = locale.uiLanguages();
     for (qsizetype i = 0; i < languages.size(); ++i) {
-        // First by the file's full name: "de_CH" stands behind "de_Latn_CH" in that list, and the loading below makes
-        // "de" of the one before it comes to the other.
+        // Try the exact file name first. The list has "de_Latn_CH" before "de_CH", and for the former load() below
+        // would fall back to "de" before "de_CH" gets its turn.
         const QString name = domain + u'_' + QString(languages.at(i)).replace(u'-', u'_');
         if (QFileInfo::exists(directory + u'/' + name + QStringLiteral(".qm")) && translator->load(name, directory))
             return translator;
@@ -26,7 +27,8 @@ std::unique_ptr<QTranslator> LoadTranslator(const QString& domain, const QLocale
             continue;
         if (translator->load(wanted, domain, QStringLiteral("_"), directory))
             return translator;
-        // The source texts are English. Who reads English before German does not want German for the lack of a file.
+        // The source texts are English. A user who prefers English to German must not get German because no English
+        // file exists.
         if (wanted.language() == QLocale::English || wanted.language() == QLocale::C)
             break;
     }
@@ -40,11 +42,11 @@ struct TranslationCenter::Private
     struct Domain
     {
         int registrations = 0;
-        std::unique_ptr<QTranslator> translator; // takes itself out of the application, where there still is one
+        std::unique_ptr<QTranslator> translator; // its destructor uninstalls it
     };
 
     QLocale locale;
-    QString directory; // empty: the folder of the installed product
+    QString directory; // empty for the directory of the installed product
     std::map<QString, Domain> domains;
 };
 

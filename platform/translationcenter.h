@@ -5,7 +5,7 @@
 #include <QLocale>
 #include <QString>
 
-/// Loads and installs the translations of the product's parts, each under its domain name. GUI thread only.
+/// Loads and installs the translations of the product's components, one domain each. GUI thread only.
 class VEXELPLATFORM_EXPORT TranslationCenter
 {
 public:
@@ -14,14 +14,14 @@ public:
 
     static TranslationCenter& Instance();
 
-    /// Loads `domain`_<locale>.qm and installs it. Where there is no such file the source texts are shown. A domain
-    /// registered more than once stays installed until it was unregistered as often.
+    /// Loads `domain`_<locale>.qm and installs it. Without such a file the source texts are shown. Registrations are
+    /// counted: a domain stays installed until `Unregister` has been called as often.
     void Register(const QString& domain);
-    /// Takes one registration of `domain` back; the last one removes its translation. An unknown domain: nothing.
+    /// Undoes one registration of `domain`; the last one removes its translation. Ignores an unknown domain.
     void Unregister(const QString& domain);
 
-    /// Host side, before the first `Register`: the language to load, and the folder with the .qm files. At start the
-    /// system's locale and the folder of the installed product.
+    /// Host side, before the first `Register`: set the language and the directory of the .qm files. Defaults: the
+    /// system's locale and the translations of the installed product.
     void SetLocale(const QLocale& locale);
     void SetDirectory(const QString& directory);
 

@@ -1,4 +1,4 @@
 #pragma once
 
-/// Whose configuration a document belongs to. The values are those that the product's callers pass.
+/// Scope of a configuration. The values are part of the product's interface.
 enum class View : int { User = 1, Application = 2, Shared = 4 };

@@ -7,17 +7,16 @@
 
 namespace {
 
-// The longest name that the name service knows; longer ones need not be looked up.
-constexpr qsizetype kLongestHost = 253;
-constexpr qsizetype kLongestPort = 5;
+constexpr qsizetype kMaximumHostLength = 253; // of a DNS name
+constexpr qsizetype kMaximumPortLength = 5;
 
-/// Stricter than QString's own conversion, which takes signs and blanks.
+/// Stricter than QString's conversion, which accepts signs and spaces.
 std::optional<quint16> ParsePort(QStringView text)
 {
     const auto isDigit = [](QChar unit) {
         return unit >= u'0' && unit <= u'9';
     };
-    if (text.size() > kLongestPort || !std::all_of(text.cbegin(), text.cend(), isDigit))
+    if (text.size() > kMaximumPortLength || !std::all_of(text.cbegin(), text.cend(), isDigit))
         return std::nullopt;
     const quint16 port = text.toUShort();
     return port == 0 ? std::nullopt : std::optional(port);
@@ -28,7 +27,7 @@ bool IsHostName(QStringView text)
     const auto belongsToName = [](QChar unit) {
         return unit.isLetterOrNumber() || unit.isSurrogate() || unit == u'-' || unit == u'.' || unit == u'_';
     };
-    return text.size() <= kLongestHost && std::all_of(text.cbegin(), text.cend(), belongsToName);
+    return text.size() <= kMaximumHostLength && std::all_of(text.cbegin(), text.cend(), belongsToName);
 }
 
 } // namespace

@@ -5,15 +5,14 @@
 
 #include <optional>
 
-/// An address of the connections library, taken apart.
+/// A parsed address of the connections library.
 struct TcpAddress
 {
-    /// A name or a number, an IPv6 address without its brackets; empty for a server.
+    /// A name or a numeric address, IPv6 without brackets; empty for a server.
     QString host;
-    /// From 1 on.
     quint16 port;
 
-    /// Takes `text` apart; nothing when it is malformed. What a host's name may be is left to who looks it up, but for
-    /// characters that no name has.
+    /// Parses `text`; returns nothing if it is malformed. Host names are checked for length and invalid characters
+    /// only; the rest is left to the lookup.
     static std::optional<TcpAddress> Parse(const QString& text);
 };

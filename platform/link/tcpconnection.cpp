@@ -19,14 +19,14 @@ constexpr auto kSource = "platform/link/tcpconnection";
 TcpConnection::TcpConnection(QTcpSocket* socket, IInterfaceCallback* callback, std::chrono::milliseconds timeOut)
     : TcpConnection(socket, TcpAddress{QString(), 0}, callback, timeOut)
 {
-    m_phase = Phase::Attempt;
+    m_phase = Phase::Connecting;
     Connected();
 }
 
 TcpConnection::TcpConnection(const TcpAddress& address, IInterfaceCallback* callback, std::chrono::milliseconds timeOut)
     : TcpConnection(new QTcpSocket, address, callback, timeOut)
 {
-    BoundReadBuffer(m_pSocket);
+    LimitReadBuffer(m_pSocket);
     m_pSocket->setProxy(QNetworkProxy::NoProxy);
 }
 
@@ -49,8 +49,8 @@ TcpConnection::TcpConnection(QTcpSocket* socket, TcpAddress address, IInterfaceC
         Schedule();
     });
     connect(m_pSocket, &QTcpSocket::errorOccurred, this, [this](QAbstractSocket::SocketError error) {
-        // A peer that leaves, however abruptly, is an end and no error; but for a client that is not connected yet.
-        const bool isConnecting = m_phase == Phase::Attempt && !m_bConnected;
+        // A disconnect by the peer, even a reset, is not an error, unless the client is still connecting.
+        const bool isConnecting = m_phase == Phase::Connecting && !m_bConnected;
         if (error != QAbstractSocket::RemoteHostClosedError || isConnecting)
             Fail(m_pSocket->errorString());
     });
@@ -58,11 +58,11 @@ TcpConnection::TcpConnection(QTcpSocket* socket, TcpAddress address, IInterfaceC
 
 TcpConnection::~TcpConnection()
 {
-    // Its end shall not be noted any more.
+    // The socket's destructor must not record a disconnect.
     m_pSocket->disconnect(this);
 }
 
-void TcpConnection::BoundReadBuffer(QTcpSocket* socket)
+void TcpConnection::LimitReadBuffer(QTcpSocket* socket)
 {
     socket->setReadBufferSize(CInterfaceCreator::kMaximumBytesPerRead);
 }
@@ -73,11 +73,12 @@ bool TcpConnection::Open()
         return true;
     if (m_phase != Phase::Idle || m_address.port == 0) {
         TraceWhenWanted(kSource, __LINE__, [] {
-            return QStringLiteral("TcpConnection::Open(): The last connection has not ended yet, or is a caller's");
+            return QStringLiteral(
+                "TcpConnection::Open(): The previous connection has not ended yet, or this is a peer of a server");
         });
         return false;
     }
-    m_phase = Phase::Attempt;
+    m_phase = Phase::Connecting;
     m_bConnected = false;
     m_bFailed = false;
     RestartTimeOut();
@@ -87,11 +88,11 @@ bool TcpConnection::Open()
 
 void TcpConnection::Close()
 {
-    if (m_phase == Phase::Attempt) {
+    if (m_phase == Phase::Connecting) {
         m_phase = Phase::Idle;
         m_timeOut.stop();
     }
-    m_iWaiting = 0;
+    m_iUnread = 0;
     m_pSocket->flush();
     m_pSocket->abort();
     Schedule();
@@ -102,7 +103,7 @@ bool TcpConnection::IsOpen() const
     return m_phase == Phase::Open && m_pSocket->state() == QAbstractSocket::ConnectedState;
 }
 
-bool TcpConnection::IsEnding() const
+bool TcpConnection::IsDisconnected() const
 {
     return m_pSocket->state() != QAbstractSocket::ConnectedState;
 }
@@ -113,7 +114,7 @@ void TcpConnection::Write(const char* data, quint64 length)
         return;
     const auto unsent = static_cast<quint64>(m_pSocket->bytesToWrite());
     if (length > CInterfaceCreator::kMaximumBytesUnsent || unsent + length > CInterfaceCreator::kMaximumBytesUnsent) {
-        Fail(QStringLiteral("more than %1 bytes wait to be sent").arg(CInterfaceCreator::kMaximumBytesUnsent));
+        Fail(QStringLiteral("more than %1 bytes waiting to be sent").arg(CInterfaceCreator::kMaximumBytesUnsent));
         return;
     }
     m_pSocket->write(data, static_cast<qint64>(length));
@@ -122,24 +123,24 @@ void TcpConnection::Write(const char* data, quint64 length)
 void TcpConnection::Read(char* buffer, quint64* length, bool flag)
 {
     if (!buffer || !length)
-        throw std::runtime_error("TcpConnection::Read(): No buffer to read to");
+        throw std::runtime_error("TcpConnection::Read(): No buffer");
     if (m_phase != Phase::Open || !m_pSocket->isOpen())
         throw std::runtime_error("TcpConnection::Read(): The connection is not open");
 
-    const auto wanted = static_cast<qint64>(std::min(*length, static_cast<quint64>(m_iWaiting)));
+    const auto wanted = static_cast<qint64>(std::min(*length, static_cast<quint64>(m_iUnread)));
     if (flag) {
         *length = static_cast<quint64>(m_pSocket->peek(buffer, wanted));
         return;
     }
     const qint64 count = m_pSocket->read(buffer, wanted);
-    m_iWaiting -= count;
+    m_iUnread -= count;
     *length = static_cast<quint64>(count);
 }
 
 void TcpConnection::Connected()
 {
     m_bConnected = true;
-    m_iTaken = 0;
+    m_iReceived = 0;
     m_uWritten = 0;
     m_age.start();
     RestartTimeOut();
@@ -149,7 +150,7 @@ void TcpConnection::Connected()
 void TcpConnection::Fail(const QString& reason)
 {
     TraceWhenWanted(kSource, __LINE__, [&] {
-        return QStringLiteral("TcpConnection::Fail(): Error of the connection to %1: %2").arg(PeerName(), reason);
+        return QStringLiteral("TcpConnection::Fail(): Connection to %1 failed: %2").arg(PeerName(), reason);
     });
     m_bFailed = true;
     Schedule();
@@ -157,13 +158,13 @@ void TcpConnection::Fail(const QString& reason)
 
 void TcpConnection::TimedOut()
 {
-    if (m_phase == Phase::Attempt && !m_bConnected) {
+    if (m_phase == Phase::Connecting && !m_bConnected) {
         m_pSocket->abort();
         Fail(QStringLiteral("no answer for %1 ms").arg(m_timeOut.interval()));
         return;
     }
     if (m_bReporting || m_pSocket->bytesAvailable() > 0) {
-        // It is the callback that takes its time.
+        // The callback is slow, not the peer.
         RestartTimeOut();
         return;
     }
@@ -197,7 +198,7 @@ void TcpConnection::Schedule()
 void TcpConnection::Report()
 {
     m_bScheduled = false;
-    // From an event loop within a callback: whoever waits there goes on below when it returns.
+    // Called from an event loop within a callback: the loop below continues when that callback returns.
     if (m_bReporting)
         return;
 
@@ -214,13 +215,13 @@ void TcpConnection::Report()
 
 bool TcpConnection::ReportNext()
 {
-    if (m_phase == Phase::Attempt && m_bConnected) {
+    if (m_phase == Phase::Connecting && m_bConnected) {
         m_phase = Phase::Open;
         m_bConnected = false;
         m_pCallback->OnOpen(this);
         return true;
     }
-    if (m_phase == Phase::Attempt && m_bFailed) {
+    if (m_phase == Phase::Connecting && m_bFailed) {
         m_phase = Phase::Idle;
         m_bFailed = false;
         m_timeOut.stop();
@@ -235,7 +236,7 @@ bool TcpConnection::ReportNext()
         return true;
     }
     if (m_pSocket->bytesAvailable() > 0)
-        return HandOver();
+        return ReportRead();
     if (m_bFailed) {
         m_bFailed = false;
         m_pSocket->abort();
@@ -251,25 +252,25 @@ bool TcpConnection::ReportNext()
     return false;
 }
 
-bool TcpConnection::HandOver()
+bool TcpConnection::ReportRead()
 {
-    const qint64 left = CInterfaceCreator::kMaximumBytesPerCall - m_iTaken;
+    const qint64 left = CInterfaceCreator::kMaximumBytesPerCall - m_iReceived;
     if (left == 0) {
         TraceWhenWanted(kSource, __LINE__, [this] {
-            return QStringLiteral("TcpConnection::HandOver(): %1 sent more than %2 bytes and is closed")
+            return QStringLiteral("TcpConnection::ReportRead(): %1 sent more than %2 bytes and is closed")
                 .arg(PeerName())
                 .arg(CInterfaceCreator::kMaximumBytesPerCall);
         });
         m_pSocket->abort();
         return true;
     }
-    m_iWaiting = std::min({m_pSocket->bytesAvailable(), left, qint64{CInterfaceCreator::kMaximumBytesPerRead}});
-    m_iTaken += m_iWaiting;
+    m_iUnread = std::min({m_pSocket->bytesAvailable(), left, qint64{CInterfaceCreator::kMaximumBytesPerRead}});
+    m_iReceived += m_iUnread;
     RestartTimeOut();
 
     const QPointer<TcpConnection> self(this);
-    m_pCallback->OnRead(this, static_cast<quint64>(m_iWaiting));
-    if (self && m_iWaiting > 0)
-        m_pSocket->skip(std::exchange(m_iWaiting, 0));
+    m_pCallback->OnRead(this, static_cast<quint64>(m_iUnread));
+    if (self && m_iUnread > 0)
+        m_pSocket->skip(std::exchange(m_iUnread, 0));
     return true;
 }

@@ -11,25 +11,25 @@
 
 class QTcpSocket;
 
-/// One TCP connection, a server's to a caller or a client's to its host: reports to the callback in the order that the
-/// library promises, and keeps its bounds.
+/// One TCP connection: of a server to a peer, or of a client to its server. Calls the callback in the order and applies
+/// the limits that interfaces.h documents.
 ///
-/// What the socket reports is only noted, and the callback is told later, from the event loop. So no frame of the
-/// socket is on the stack while the callback does what it likes, which may be to delete this object.
+/// Socket signals are only recorded; the callback is called later, from the event loop. So no socket function is on the
+/// stack when a callback deletes this object.
 class TcpConnection : public QObject, public IInterface
 {
     Q_OBJECT
 
 public:
-    /// The connection to a caller, connected or already ended. Takes `socket`, whose read buffer must be bounded.
-    /// `OnOpen` follows.
+    /// Creates the connection of a server to a peer, which may already have disconnected; `OnOpen` follows. Takes
+    /// ownership of `socket`, whose read buffer must be limited. A `timeOut` of 0 is none.
     TcpConnection(QTcpSocket* socket, IInterfaceCallback* callback, std::chrono::milliseconds timeOut);
-    /// A client, not opened yet. A `timeOut` of 0 is none, as above.
+    /// Creates a client that is not open yet. A `timeOut` of 0 is none.
     TcpConnection(const TcpAddress& address, IInterfaceCallback* callback, std::chrono::milliseconds timeOut);
     ~TcpConnection() override;
 
-    /// Bounds what the system's buffer lets through into the socket's; for a socket as soon as it is made.
-    static void BoundReadBuffer(QTcpSocket* socket);
+    /// Limits the read buffer of `socket`. Call before the socket can receive data.
+    static void LimitReadBuffer(QTcpSocket* socket);
 
     bool Open() override;
     void Close() override;
@@ -37,22 +37,22 @@ public:
     void Write(const char* data, quint64 length) override;
     void Read(char* buffer, quint64* length, bool flag) override;
 
-    /// How long ago the caller was taken in, in milliseconds.
+    /// Returns the time since the connection was established, in milliseconds.
     qint64 Age() const { return m_age.elapsed(); }
-    /// Whether the connection has ended; the callback may still have to be told.
-    bool IsEnding() const;
-    /// Whether the callback knows of the end, and has returned.
+    /// Returns whether the socket is disconnected; the callback may not have been called yet.
+    bool IsDisconnected() const;
+    /// Returns whether the end has been reported and the callback has returned.
     bool HasEnded() const { return m_phase == Phase::Idle && !m_bReporting; }
 
 signals:
-    /// `HasEnded`. May come more than once.
+    /// `HasEnded` is true. May be emitted more than once.
     void Ended();
 
 private:
     enum class Phase {
-        Idle,    // nothing to report
-        Attempt, // a client tries, or a caller's `OnOpen` is still to come
-        Open     // `OnOpen` has been reported, `OnClose` has not
+        Idle,       // nothing to report
+        Connecting, // a client is connecting, or the `OnOpen` of a server's peer is pending
+        Open        // `OnOpen` has been reported, `OnClose` has not
     };
 
     TcpConnection(QTcpSocket* socket, TcpAddress address, IInterfaceCallback* callback,
@@ -64,25 +64,25 @@ private:
     void RestartTimeOut();
     QString PeerName() const;
 
-    /// Has `Report` called by the event loop.
+    /// Queues a call of `Report`.
     void Schedule();
     void Report();
-    /// Tells the callback the next thing; false when there is none. This object may be gone afterwards.
+    /// Reports the next event; returns false if there is none. The callback may have deleted this object.
     bool ReportNext();
-    bool HandOver();
+    bool ReportRead();
 
     QTcpSocket* const m_pSocket;
-    const TcpAddress m_address; // without a port for a caller's connection
+    const TcpAddress m_address; // port 0 for a connection of a server
     IInterfaceCallback* const m_pCallback;
     QTimer m_timeOut;
     QElapsedTimer m_age;
 
     Phase m_phase = Phase::Idle;
-    bool m_bConnected = false; // noted of the socket, to be reported
-    bool m_bFailed = false;    // likewise
-    quint64 m_uWritten = 0;    // likewise
-    qint64 m_iTaken = 0;       // bytes handed over since the connection was opened
-    qint64 m_iWaiting = 0;     // bytes of the present `OnRead` that are still unread
+    bool m_bConnected = false; // to be reported
+    bool m_bFailed = false;    // to be reported
+    quint64 m_uWritten = 0;    // bytes, to be reported
+    qint64 m_iReceived = 0;    // bytes reported since the connection was established
+    qint64 m_iUnread = 0;      // bytes of the current `OnRead` that the callback has not read
     bool m_bScheduled = false;
     bool m_bReporting = false;
 };

@@ -5,13 +5,13 @@
 
 class QTcpServer;
 
-enum class Listening { Yes, Unavailable, Taken };
+enum class ListenResult { Ok, Failed, PortTaken };
 
-/// Lets `server` listen at `address` and `port`, so that no other program can listen there at the same time, and none
-/// that is started from here inherits the socket. The backlog is the server's.
-/// @param error says why, when the result is not `Yes`; must not be null.
-Listening ListenAlone(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error);
+/// Makes `server` listen on `address` and `port` with the server's backlog. No other program can listen there at the
+/// same time, and child processes do not inherit the socket.
+/// @param error receives the reason if the result is not `Ok`; must not be null.
+ListenResult ListenExclusively(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error);
 
-/// Has no program that is started from here inherit the socket `handle`, which came of a call that was taken: it would
-/// keep the call open when this program has ended it.
-void KeepToThisProcess(qintptr handle);
+/// Prevents child processes from inheriting `handle`, the socket of an accepted connection. They would keep the
+/// connection open after this process has closed it.
+void DisableInheritance(qintptr handle);

@@ -2,15 +2,15 @@
 
 #include <QTcpServer>
 
-// All of it is what Qt asks for on Unix.
-Listening ListenAlone(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error)
+// On Unix, Qt listens in this way.
+ListenResult ListenExclusively(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error)
 {
     if (server.listen(address, port))
-        return Listening::Yes;
+        return ListenResult::Ok;
     *error = server.errorString();
-    return server.serverError() == QAbstractSocket::AddressInUseError ? Listening::Taken : Listening::Unavailable;
+    return server.serverError() == QAbstractSocket::AddressInUseError ? ListenResult::PortTaken : ListenResult::Failed;
 }
 
-void KeepToThisProcess(qintptr /*handle*/)
+void DisableInheritance(qintptr /*handle*/)
 {
 }

@@ -11,7 +11,7 @@ namespace {
 
 void StartSockets()
 {
-    // Until this process ends; Qt counts its own uses.
+    // Never cleaned up. Winsock counts calls, so Qt is not affected.
     static const int started = [] {
         WSADATA data;
         return WSAStartup(MAKEWORD(2, 2), &data);
@@ -19,7 +19,7 @@ void StartSockets()
     Q_UNUSED(started);
 }
 
-/// Returns the length of what it wrote to `storage`.
+/// Writes a socket address to `storage` and returns its length.
 int ToSystem(const QHostAddress& address, quint16 port, sockaddr_storage* storage)
 {
     std::memset(storage, 0, sizeof *storage);
@@ -38,21 +38,21 @@ int ToSystem(const QHostAddress& address, quint16 port, sockaddr_storage* storag
     return sizeof *four;
 }
 
-Listening Failed(SOCKET socket, QString* error)
+ListenResult Failed(SOCKET socket, QString* error)
 {
     const int code = WSAGetLastError();
     *error = qt_error_string(code);
     if (socket != INVALID_SOCKET)
         closesocket(socket);
-    // The second is the answer where the other program wants the port for itself, as this one does.
-    return code == WSAEADDRINUSE || code == WSAEACCES ? Listening::Taken : Listening::Unavailable;
+    // WSAEACCES: the other program listens with SO_EXCLUSIVEADDRUSE, too.
+    return code == WSAEADDRINUSE || code == WSAEACCES ? ListenResult::PortTaken : ListenResult::Failed;
 }
 
 } // namespace
 
-// Qt would leave the port open to any program that says that it does not mind sharing it: callers of this one would
-// reach that one.
-Listening ListenAlone(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error)
+// Not QTcpServer::listen(): it leaves the port open to other programs that bind it with SO_REUSEADDR, which would then
+// receive connections meant for this one.
+ListenResult ListenExclusively(QTcpServer& server, const QHostAddress& address, quint16 port, QString* error)
 {
     StartSockets();
     sockaddr_storage storage;
@@ -68,13 +68,13 @@ Listening ListenAlone(QTcpServer& server, const QHostAddress& address, quint16 p
     if (!server.setSocketDescriptor(static_cast<qintptr>(socket))) {
         *error = server.errorString();
         closesocket(socket);
-        return Listening::Unavailable;
+        return ListenResult::Failed;
     }
-    return Listening::Yes;
+    return ListenResult::Ok;
 }
 
-// A call that is taken does not have it from the listening socket, and Qt leaves it so.
-void KeepToThisProcess(qintptr handle)
+// Accepted sockets do not inherit this setting from the listening socket, and Qt does not set it.
+void DisableInheritance(qintptr handle)
 {
     SetHandleInformation(reinterpret_cast<HANDLE>(handle), HANDLE_FLAG_INHERIT, 0);
 }

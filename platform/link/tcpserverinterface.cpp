@@ -15,14 +15,14 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kSource = "platform/link/tcpserverinterface";
-// How many may wait in the system's queue, for each of the two addresses. Who finds it full is not lost either: the
-// caller's system tries again after a second.
+// Connections waiting in the system's queue, for each of the two addresses. If it is full, the caller's system tries
+// again after a second.
 constexpr int kBacklog = 256;
-// When a call could not be taken, for want of handles or memory, how long until the next try.
-constexpr auto kRetryTime = 200ms;
+// Delay after a failed accept, for lack of handles or memory.
+constexpr auto kRetryDelay = 200ms;
 
-/// Takes a single caller out of the system's queue at a time and leaves the others there: nothing is read from those,
-/// and they cost this process neither memory nor handles.
+/// Accepts one connection at a time and leaves the others in the system's queue, where they take neither memory nor
+/// handles of this process.
 class Listener : public QTcpServer
 {
 public:
@@ -36,10 +36,10 @@ public:
 protected:
     void incomingConnection(qintptr handle) override
     {
-        KeepToThisProcess(handle);
+        DisableInheritance(handle);
         auto* const socket = new QTcpSocket(this);
-        // Before it has its handle: the caller may have begun to send, and may have to wait for its place.
-        TcpConnection::BoundReadBuffer(socket);
+        // Before the socket has its handle, because data may arrive before the peer gets a place.
+        TcpConnection::LimitReadBuffer(socket);
         if (socket->setSocketDescriptor(handle))
             addPendingConnection(socket);
         else
@@ -54,10 +54,10 @@ TcpServerInterface::TcpServerInterface(quint16 port, IInterfaceCallback* callbac
     , m_pCallback(callback)
     , m_timeOut(timeOut)
 {
-    m_placeTimer.setSingleShot(true);
-    connect(&m_placeTimer, &QTimer::timeout, this, &TcpServerInterface::Admit);
+    m_evictionTimer.setSingleShot(true);
+    connect(&m_evictionTimer, &QTimer::timeout, this, &TcpServerInterface::AcceptPending);
     m_retryTimer.setSingleShot(true);
-    m_retryTimer.setInterval(kRetryTime);
+    m_retryTimer.setInterval(kRetryDelay);
     connect(&m_retryTimer, &QTimer::timeout, this, [this] {
         for (const auto& listener : m_listeners)
             listener->resumeAccepting();
@@ -71,15 +71,16 @@ bool TcpServerInterface::Open()
     if (IsOpen())
         return true;
     if (!CInterfaceCreator::AreServersAllowed()) {
-        TraceWhenWanted(kSource, __LINE__,
-                        [] { return QStringLiteral("TcpServerInterface::Open(): This process is not to be called"); });
+        TraceWhenWanted(kSource, __LINE__, [] {
+            return QStringLiteral("TcpServerInterface::Open(): Servers are not allowed in this process");
+        });
         return false;
     }
-    const Listening four = Listen(QHostAddress(QHostAddress::LocalHost));
-    const Listening six = four == Listening::Taken ? four : Listen(QHostAddress(QHostAddress::LocalHostIPv6));
-    // A machine may lack one of the two. But where another program has the port on one of them, callers would find
-    // either program, by chance.
-    if (six == Listening::Taken)
+    const ListenResult four = Listen(QHostAddress(QHostAddress::LocalHost));
+    const ListenResult six = four == ListenResult::PortTaken ? four : Listen(QHostAddress(QHostAddress::LocalHostIPv6));
+    // A machine may lack one of the two. But if another program has the port on one of them, callers could reach either
+    // program.
+    if (six == ListenResult::PortTaken)
         m_listeners.clear();
     return IsOpen();
 }
@@ -87,7 +88,7 @@ bool TcpServerInterface::Open()
 void TcpServerInterface::Close()
 {
     m_listeners.clear();
-    m_placeTimer.stop();
+    m_evictionTimer.stop();
     m_retryTimer.stop();
     for (const auto& peer : m_peers)
         peer->Close();
@@ -106,15 +107,15 @@ void TcpServerInterface::Write(const char* data, quint64 length)
 
 void TcpServerInterface::Read(char* /*buffer*/, quint64* /*length*/, bool /*flag*/)
 {
-    throw std::runtime_error("TcpServerInterface::Read(): A server has nothing to read, its peers have");
+    throw std::runtime_error("TcpServerInterface::Read(): A server cannot be read, only its peers");
 }
 
-Listening TcpServerInterface::Listen(const QHostAddress& address)
+ListenResult TcpServerInterface::Listen(const QHostAddress& address)
 {
     auto listener = std::make_unique<Listener>();
     QString error;
-    const Listening result = ListenAlone(*listener, address, m_uPort, &error);
-    if (result != Listening::Yes) {
+    const ListenResult result = ListenExclusively(*listener, address, m_uPort, &error);
+    if (result != ListenResult::Ok) {
         TraceWhenWanted(kSource, __LINE__, [&] {
             return QStringLiteral("TcpServerInterface::Listen(): Could not listen on %1, port %2: %3")
                 .arg(address.toString())
@@ -123,68 +124,69 @@ Listening TcpServerInterface::Listen(const QHostAddress& address)
         });
         return result;
     }
-    connect(listener.get(), &QTcpServer::newConnection, this, &TcpServerInterface::Admit);
+    connect(listener.get(), &QTcpServer::newConnection, this, &TcpServerInterface::AcceptPending);
     connect(listener.get(), &QTcpServer::acceptError, this, &TcpServerInterface::AcceptFailed);
     m_listeners.push_back(std::move(listener));
-    return Listening::Yes;
+    return ListenResult::Ok;
 }
 
-void TcpServerInterface::Admit()
+void TcpServerInterface::AcceptPending()
 {
-    const auto isCalled = [](const auto& listener) {
+    const auto hasPending = [](const auto& listener) {
         return listener->hasPendingConnections();
     };
     for (;;) {
-        const auto called = std::find_if(m_listeners.begin(), m_listeners.end(), isCalled);
-        if (called == m_listeners.end() || !HasPlace())
+        const auto listener = std::find_if(m_listeners.begin(), m_listeners.end(), hasPending);
+        if (listener == m_listeners.end() || !MakeRoom())
             return;
         const auto& peer = m_peers.emplace_back(
-            std::make_unique<TcpConnection>((*called)->nextPendingConnection(), m_pCallback, m_timeOut));
-        // Not at once: the peer that reports its end is still at work.
-        connect(peer.get(), &TcpConnection::Ended, this, &TcpServerInterface::ForgetEnded, Qt::QueuedConnection);
-        // Else a flood on one address would keep the callers of the other waiting for ever.
-        std::rotate(called, called + 1, m_listeners.end());
+            std::make_unique<TcpConnection>((*listener)->nextPendingConnection(), m_pCallback, m_timeOut));
+        // Queued, because the peer emits the signal from within its own function.
+        connect(peer.get(), &TcpConnection::Ended, this, &TcpServerInterface::RemoveEndedPeers, Qt::QueuedConnection);
+        // Otherwise a flood of connections on one address could block the other forever.
+        std::rotate(listener, listener + 1, m_listeners.end());
     }
 }
 
-bool TcpServerInterface::HasPlace()
+bool TcpServerInterface::MakeRoom()
 {
     if (m_peers.size() < CInterfaceCreator::kMaximumPeers)
         return true;
-    const auto isEnding = [](const auto& peer) {
-        return peer->IsEnding();
+    const auto isDisconnected = [](const auto& peer) {
+        return peer->IsDisconnected();
     };
-    if (std::any_of(m_peers.cbegin(), m_peers.cend(), isEnding))
+    if (std::any_of(m_peers.cbegin(), m_peers.cend(), isDisconnected))
         return false;
 
     TcpConnection& oldest = *m_peers.front();
-    const qint64 assured = CInterfaceCreator::kAssuredTime - oldest.Age();
-    if (assured > 0) {
-        m_placeTimer.start(static_cast<int>(assured));
+    const qint64 remaining = CInterfaceCreator::kMinimumPeerTime - oldest.Age();
+    if (remaining > 0) {
+        m_evictionTimer.start(static_cast<int>(remaining));
         return false;
     }
     TraceWhenWanted(kSource, __LINE__, [] {
-        return QStringLiteral("TcpServerInterface::HasPlace(): %1 peers are there and another calls: the one that was "
-                              "there first is closed")
+        return QStringLiteral(
+                   "TcpServerInterface::MakeRoom(): %1 peers are connected and another one calls: the oldest "
+                   "is closed")
             .arg(CInterfaceCreator::kMaximumPeers);
     });
     oldest.Close();
     return false;
 }
 
-void TcpServerInterface::ForgetEnded()
+void TcpServerInterface::RemoveEndedPeers()
 {
     std::erase_if(m_peers, [](const auto& peer) { return peer->HasEnded(); });
-    Admit();
+    AcceptPending();
 }
 
 void TcpServerInterface::AcceptFailed()
 {
     TraceWhenWanted(kSource, __LINE__, [] {
-        return QStringLiteral("TcpServerInterface::AcceptFailed(): A call could not be taken; it is tried again");
+        return QStringLiteral("TcpServerInterface::AcceptFailed(): A connection could not be accepted; trying again");
     });
     m_retryTimer.start();
-    // Queued: the callback may delete this server, whose listener is still at work.
+    // Queued, because the callback may delete this server while its listener emits the signal.
     QMetaObject::invokeMethod(
         this, [this] { m_pCallback->OnError(this); }, Qt::QueuedConnection);
 }

@@ -14,13 +14,13 @@
 class QTcpServer;
 class TcpConnection;
 
-/// A server of the connections library: listens on the loopback addresses and keeps the peers that called there.
+/// A server of the connections library: listens on the loopback addresses and owns its peers.
 class TcpServerInterface : public QObject, public IInterface
 {
     Q_OBJECT
 
 public:
-    /// Not listening yet. A `timeOut` of 0 is none.
+    /// Does not listen yet. A `timeOut` of 0 is none.
     TcpServerInterface(quint16 port, IInterfaceCallback* callback, std::chrono::milliseconds timeOut);
     ~TcpServerInterface() override;
 
@@ -31,19 +31,20 @@ public:
     void Read(char* buffer, quint64* length, bool flag) override;
 
 private:
-    Listening Listen(const QHostAddress& address);
-    /// Takes in those who wait, as far as there are places.
-    void Admit();
-    /// Whether there is a place. If not it is made, and those who wait are looked at again when it is there.
-    bool HasPlace();
-    void ForgetEnded();
+    ListenResult Listen(const QHostAddress& address);
+    /// Accepts pending connections while there are free places.
+    void AcceptPending();
+    /// Returns whether a peer can be accepted. If not, closes the oldest peer as soon as that is allowed;
+    /// `AcceptPending` is then called again.
+    bool MakeRoom();
+    void RemoveEndedPeers();
     void AcceptFailed();
 
     const quint16 m_uPort;
     IInterfaceCallback* const m_pCallback;
     const std::chrono::milliseconds m_timeOut;
-    QTimer m_placeTimer;
+    QTimer m_evictionTimer;
     QTimer m_retryTimer;
-    std::vector<std::unique_ptr<QTcpServer>> m_listeners; // who was served last comes last
-    std::vector<std::unique_ptr<TcpConnection>> m_peers;  // in the order in which they were taken in
+    std::vector<std::unique_ptr<QTcpServer>> m_listeners; // least recently served first
+    std::vector<std::unique_ptr<TcpConnection>> m_peers;  // oldest first
 };

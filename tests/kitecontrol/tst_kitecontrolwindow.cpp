@@ -52,7 +52,7 @@ void TestKiteControlWindow::showsTheRecord()
     QCOMPARE(TextOf(window, "m_pStation"), QStringLiteral("Mast"));
     QCOMPARE(TextOf(window, "m_pCommandLine"), report.CommandLine());
     QCOMPARE(TextOf(window, "m_pConfiguration"), QStringLiteral("/store"));
-    QCOMPARE(TextOf(window, "m_pFinding"), QStringLiteral("ConnectData0 belongs to this command line"));
+    QCOMPARE(TextOf(window, "m_pFinding"), QStringLiteral("ConnectData0 matches this command line"));
     const QList<LaunchReport::Fact> facts = LaunchReport::Facts(records.Last());
     QCOMPARE(facts.size(), 8);
     for (const LaunchReport::Fact& fact : facts) {

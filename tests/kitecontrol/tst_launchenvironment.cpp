@@ -21,7 +21,7 @@ void TestLaunchEnvironment::nothingSet()
     QVERIFY(environment.configuration.isEmpty());
     QVERIFY(environment.reportDirectory.isEmpty());
     QVERIFY(!environment.lifetime.has_value());
-    QVERIFY(environment.complaints.isEmpty());
+    QVERIFY(environment.warnings.isEmpty());
 }
 
 void TestLaunchEnvironment::directories()
@@ -59,7 +59,7 @@ void TestLaunchEnvironment::seconds()
     variables.insert(QStringLiteral("KITECONTROL_SECONDS"), text);
     const LaunchEnvironment environment = LaunchEnvironment::From(variables);
     QCOMPARE(environment.lifetime ? qint64(environment.lifetime->count()) : qint64(-1), milliseconds);
-    QTEST(!environment.complaints.isEmpty(), "complains");
+    QTEST(!environment.warnings.isEmpty(), "complains");
 }
 
 QTEST_GUILESS_MAIN(TestLaunchEnvironment)

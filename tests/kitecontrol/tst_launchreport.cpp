@@ -80,7 +80,7 @@ void TestLaunchReport::oneRecordFits()
         QStringLiteral("command line: kitecontrol KiteControl:XMsgDlg.dll Server Mast"),
         QStringLiteral("configuration: /store"),
         QStringLiteral("records: 2"),
-        QStringLiteral("finding: ConnectData1 belongs to this command line"),
+        QStringLiteral("finding: ConnectData1 matches this command line"),
         QStringLiteral("record: ConnectData1"),
         QStringLiteral("station name: Mast"),
         QStringLiteral("device type: Plover One"),
@@ -102,7 +102,7 @@ void TestLaunchReport::severalRecordsFit()
     QCOMPARE(report.station, QStringLiteral("Mast"));
     QCOMPARE(report.Lines().mid(4),
              (QStringList{
-                 QStringLiteral("finding: 2 records fit this command line"),
+                 QStringLiteral("finding: 2 records match this command line"),
                  QStringLiteral("candidate: ConnectData0 \"Mast\" (Kite Echo, 0 (direct); device \"\", remote \"\")"),
                  QStringLiteral("candidate: ConnectData2 \"Mast\" (Kite Ember, 0 (direct); device \"\", remote \"\")"),
              }));
@@ -117,7 +117,7 @@ void TestLaunchReport::noRecordFits()
     QCOMPARE(report.Lines().mid(3),
              (QStringList{
                  QStringLiteral("records: 2"),
-                 QStringLiteral("finding: no record fits this command line"),
+                 QStringLiteral("finding: no record matches this command line"),
                  QStringLiteral("candidate: ConnectData0 \"Other\" (Kite Echo, 0 (direct); device \"\", remote \"\")"),
              }));
 }
@@ -132,7 +132,7 @@ void TestLaunchReport::withoutCommandLine()
                  QStringLiteral("command line: kitecontrol"),
                  QStringLiteral("configuration: /store"),
                  QStringLiteral("records: 1"),
-                 QStringLiteral("finding: started without a command line, so no record belongs to this start"),
+                 QStringLiteral("finding: started without arguments, so no record matches"),
              }));
 }
 

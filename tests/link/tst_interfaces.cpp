@@ -111,7 +111,7 @@ void TestInterfaces::malformedAddress()
     QVERIFY(!Create(address, callback, 10000, true));
     QCOMPARE(traces.Reports().size(), 2);
     QCOMPARE(traces.Messages().constFirst(),
-             QStringLiteral("CInterfaceCreator::CreateInterface(): \"%1\" is no address").arg(address));
+             QStringLiteral("CInterfaceCreator::CreateInterface(): \"%1\" is not a valid address").arg(address));
     QVERIFY(callback.events.isEmpty());
 }
 

@@ -8,13 +8,13 @@
 
 namespace {
 
-// The product's configuration distinguishes reading the old keys from reading the current ones.
+// Modes of the product's configuration for reading old and current keys.
 constexpr int kOldKeysMode = 2;
 constexpr int kCurrentKeysMode = 0;
 constexpr int kFlag = 0;
 
 constexpr auto kSourceFile = "userinterface/kitecontrol/connectdata";
-// The places that the assertions name, whatever lines they stand on today.
+// The fixed line numbers that the assertions report, independent of the code's real position.
 constexpr quint16 kReadAssertLine = 103;
 constexpr quint16 kWriteAssertLine = 181;
 
@@ -22,12 +22,12 @@ constexpr qint32 kDirect = 0;
 constexpr qint32 kRemote = 1;
 constexpr qint32 kMultiChannelServer = 2;
 
-// The keys that only the old form has, in the order of their removal.
+// Keys that exist only in the old form, in the order of their removal.
 constexpr std::initializer_list<const char*> kOldKeys{
     "Type", "Access", "StationAddress", "TimeoutFlag", "Timeout", "MultiChannelServer", "Virtual"};
 
-/// The record's node, or null after having said so: a configuration that cannot open it is a programming error. Its
-/// callers then leave, because going on would dereference the null pointer.
+/// Opens the record's node. Returns null, with an assertion, if the configuration cannot open it, which is a
+/// programming error. Callers must return then, because continuing would dereference null.
 std::unique_ptr<ICfg> OpenRecord(ICfg* pCfg, int index, quint16 assertLine)
 {
     std::unique_ptr<ICfg> pSubCfg(pCfg->OpenChild(QStringLiteral("ConnectData%1").arg(index), kFlag));
@@ -36,7 +36,7 @@ std::unique_ptr<ICfg> OpenRecord(ICfg* pCfg, int index, quint16 assertLine)
     return pSubCfg;
 }
 
-/// "0" is how the oldest applications stored an address that is not set.
+/// Clears an address of "0", which the oldest applications stored for an unset address.
 void ClearZeroAddress(QString& address)
 {
     if (address == QLatin1String("0"))
@@ -84,7 +84,7 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     for (const char* const key : kOldKeys)
         pSubCfg->Remove(QString::fromLatin1(key), kFlag);
 
-    // What the old keys gave is the default now, so a current key wins and an old record keeps its values.
+    // The values of the old keys are the defaults here, so current keys win and old records keep their values.
     const auto readString = [&pSubCfg](const QString& key, QString& field) {
         field = pSubCfg->GetString(key, field, kCurrentKeysMode);
     };
@@ -101,7 +101,7 @@ ConnectData::ConnectData(int index, ICfg* pCfg)
     readInt(QStringLiteral("TimeoutSeconds"), m_nTimeoutSeconds);
     ClearZeroAddress(m_sRemoteAddress);
 
-    // The address that the connection type does not use.
+    // Clear the address that the connection type does not use.
     if (m_nConnectionType == kDirect)
         m_sRemoteAddress = QLatin1String("");
     else if (m_nConnectionType == kMultiChannelServer)
@@ -126,7 +126,7 @@ void ConnectData::Write(ICfg* pCfg) const
 
 int ConnectData::GetTypeCategory() const
 {
-    // First, because "Kite Moss E" begins with "Kite Moss".
+    // Checked first, because "Kite Moss E" contains "Kite Moss".
     if (ContainsAny(m_sDeviceType, {"Kite Echo", "Kite Ember", "Kite Moss E"}))
         return 0;
     return ContainsAny(m_sDeviceType, {"Kite Moss", "Kite Alpha", "Plover One", "Plover Five"}) ? 4 : 0;

@@ -16,24 +16,24 @@
 
 namespace {
 
-// An entry's name may be a megabyte long; a label that lays it out would block for minutes.
-constexpr qsizetype kLongestShown = 240;
+// Characters. A name may be a megabyte long, and laying it out in a label would block for minutes.
+constexpr qsizetype kMaximumShownLength = 240;
 
-constexpr int kLeastValueWidth = 120;
+constexpr int kMinimumValueWidth = 120;
 constexpr int kWindowWidth = 600;
 
-QString Shown(const QString& text)
+QString Elided(const QString& text)
 {
-    return text.size() > kLongestShown ? text.left(kLongestShown) + QChar(0x2026) : text;
+    return text.size() > kMaximumShownLength ? text.left(kMaximumShownLength) + QChar(0x2026) : text;
 }
 
 QLabel* ValueLabel(const QString& text, const QString& objectName)
 {
-    auto* const label = new QLabel(text.isEmpty() ? QString(QChar(0x2013)) : Shown(text));
+    auto* const label = new QLabel(text.isEmpty() ? QString(QChar(0x2013)) : Elided(text));
     label->setObjectName(objectName);
-    label->setTextFormat(Qt::PlainText); // names are the operator's, markup and all
+    label->setTextFormat(Qt::PlainText); // names may contain markup
     label->setWordWrap(true);
-    label->setMinimumWidth(kLeastValueWidth); // else its longest word is, and a word may be as long as a path
+    label->setMinimumWidth(kMinimumValueWidth); // the default is the longest word, which may be a whole path
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     return label;
 }
@@ -81,8 +81,8 @@ KiteControlWindow::KiteControlWindow(const LaunchReport& report, QWidget* parent
 void KiteControlWindow::AddHeading(const LaunchReport& report)
 {
     const QString application = report.application.isEmpty() ? report.program : report.application;
-    const QString station = report.station.isEmpty() ? tr("no entry known") : report.station;
-    setWindowTitle(Shown(tr("%1 - %2").arg(application, station)));
+    const QString station = report.station.isEmpty() ? tr("unknown entry") : report.station;
+    setWindowTitle(Elided(tr("%1 - %2").arg(application, station)));
 
     auto* const applicationLabel = ValueLabel(application, QStringLiteral("m_pApplication"));
     Scale(applicationLabel, 1.6, true);
@@ -108,14 +108,14 @@ void KiteControlWindow::AddRecord(const LaunchReport& report)
 
 void KiteControlWindow::AddCandidates(const LaunchReport& report)
 {
-    auto* const group = new QGroupBox(tr("Records that may be meant"));
+    auto* const group = new QGroupBox(tr("Possible records"));
     auto* const list = new QListWidget;
     list->setObjectName(QStringLiteral("m_pCandidates"));
     list->setAlternatingRowColors(true);
     list->setWordWrap(true);
     const auto listed = std::min(report.candidates.size(), std::size_t(LaunchReport::kMaximumCandidates));
     for (std::size_t i = 0; i < listed; ++i)
-        list->addItem(Shown(LaunchReport::Summary(report.candidates[i])));
+        list->addItem(Elided(LaunchReport::Summary(report.candidates[i])));
     if (listed < report.candidates.size())
         list->addItem(tr("and %n more", nullptr, int(report.candidates.size() - listed)));
     auto* const groupLayout = new QVBoxLayout(group);

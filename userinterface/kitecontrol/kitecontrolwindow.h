@@ -4,7 +4,7 @@
 
 struct LaunchReport;
 
-/// The window of the sample user-interface application: who it is, how it was started, and its legacy record.
+/// The window of the sample user-interface application. Shows its name, how it was started, and its legacy record.
 class KiteControlWindow : public QWidget
 {
     Q_OBJECT

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// `text` as seconds, with a point before the fraction; nothing for what is not a time.
+/// Parses a number of seconds, with a decimal point; returns nothing if `text` is not a valid time.
 std::optional<std::chrono::milliseconds> ParseSeconds(const QString& text)
 {
     bool isNumber = false;
@@ -14,8 +14,8 @@ std::optional<std::chrono::milliseconds> ParseSeconds(const QString& text)
     if (!isNumber || !std::isfinite(seconds) || seconds < 0)
         return std::nullopt;
     // Qt's timers count milliseconds in an int.
-    constexpr double kLongest = std::numeric_limits<int>::max();
-    return std::chrono::milliseconds(std::llround(std::min(seconds * 1000, kLongest)));
+    constexpr double kMaximum = std::numeric_limits<int>::max();
+    return std::chrono::milliseconds(std::llround(std::min(seconds * 1000, kMaximum)));
 }
 
 } // namespace
@@ -29,7 +29,7 @@ LaunchEnvironment LaunchEnvironment::From(const QProcessEnvironment& environment
     if (!seconds.isEmpty()) {
         result.lifetime = ParseSeconds(seconds);
         if (!result.lifetime)
-            result.complaints.append(QStringLiteral("KITECONTROL_SECONDS is not a time in seconds: ") + seconds);
+            result.warnings.append(QStringLiteral("KITECONTROL_SECONDS is not a number of seconds: ") + seconds);
     }
     return result;
 }

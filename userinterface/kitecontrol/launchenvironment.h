@@ -7,17 +7,17 @@
 #include <chrono>
 #include <optional>
 
-/// What the environment asks of a started application.
+/// The environment variables that control the sample application.
 struct LaunchEnvironment
 {
-    /// VEXEL_CONFIG_DIR: the product configuration's directory, set by the host and inherited. Empty: none is known.
+    /// VEXEL_CONFIG_DIR: directory of the product configuration, set by the host and inherited; empty if not set.
     QString configuration;
-    /// KITECONTROL_SECONDS: the time after which the application ends by itself. Without it: when its window is closed.
+    /// KITECONTROL_SECONDS: time after which the application quits. If not set, it runs until its window is closed.
     std::optional<std::chrono::milliseconds> lifetime;
-    /// KITECONTROL_REPORT_DIR: the folder that gets the report as a file too. Empty: no file.
+    /// KITECONTROL_REPORT_DIR: directory to which the report is also written as a file; empty for none.
     QString reportDirectory;
-    /// What could not be understood, for the operator; it is ignored.
-    QStringList complaints;
+    /// Messages about invalid values, which are ignored.
+    QStringList warnings;
 
     static LaunchEnvironment From(const QProcessEnvironment& environment);
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// "2 (multichannel server)"; a number without a word stands alone.
+/// Returns for example "2 (multichannel server)", or the number alone if there is no word for it.
 template <std::size_t N>
 QString NumberAndWord(int value, const std::array<const char*, N>& words)
 {
@@ -42,7 +42,7 @@ QString RecordName(const ConnectData& record)
     return QStringLiteral("ConnectData%1").arg(record.m_nIndex);
 }
 
-/// `text` with its control characters and line separators as escapes, and backslashes doubled to tell them apart.
+/// Returns `text` with escape sequences for control characters, line separators and backslashes.
 QString Escaped(const QString& text)
 {
     QString result;
@@ -79,10 +79,10 @@ QString Line(const QString& label, const QString& value)
 QString FindingWithout(const LaunchReport& report, bool severalFit)
 {
     if (report.arguments.isEmpty())
-        return QStringLiteral("started without a command line, so no record belongs to this start");
+        return QStringLiteral("started without arguments, so no record matches");
     if (severalFit)
-        return QStringLiteral("%1 records fit this command line").arg(report.candidates.size());
-    return QStringLiteral("no record fits this command line");
+        return QStringLiteral("%1 records match this command line").arg(report.candidates.size());
+    return QStringLiteral("no record matches this command line");
 }
 
 } // namespace
@@ -101,10 +101,10 @@ LaunchReport LaunchReport::Make(const QString& program, const QStringList& argum
     if (match.fitting.size() == 1) {
         report.record = match.fitting.front();
         report.station = report.record->m_sStationName;
-        report.finding = QStringLiteral("%1 belongs to this command line").arg(RecordName(*report.record));
+        report.finding = QStringLiteral("%1 matches this command line").arg(RecordName(*report.record));
         return report;
     }
-    // A "Connection=..." behind "Server" is taken for an address as long as no record says that it is a name.
+    // "Connection=..." after "Server" is taken as an address, unless a record has that name.
     if (launch.hasStation && !launch.hasAddress)
         report.station = launch.station;
     const bool severalFit = !match.fitting.empty();

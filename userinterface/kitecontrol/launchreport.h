@@ -11,41 +11,41 @@
 
 struct LegacyRecords;
 
-/// What a started application knows about its start: its command line, and the legacy record that belongs to it.
+/// How the application was started: its command line, and the legacy record that matches it.
 struct LaunchReport
 {
-    /// No more candidates than this are listed; `Lines` then says how many there are.
+    /// `Lines` lists at most this many candidates, and the number of the others.
     static constexpr int kMaximumCandidates = 20;
 
     struct Fact
     {
-        const char* label; ///< a source text in the context "LaunchReport"
+        const char* label; ///< source text in the translation context "LaunchReport"
         QString value;
     };
 
-    QString program;       ///< the executable's base name
+    QString program;       ///< base name of the executable
     QStringList arguments; ///< without the program
-    QString application;   ///< the name under which the program was started; empty: none was given
-    QString station;       ///< the name of its entry, where record or command line tell it; else empty
-    QString configuration; ///< the configuration's directory; empty: none is known
-    int recordCount = 0;   ///< how many records the configuration holds
-    QString finding;       ///< one sentence: which record belongs to the start, or why none does
+    QString application;   ///< the application name given on the command line; may be empty
+    QString station;       ///< name of the entry; empty if neither record nor command line gives it
+    QString configuration; ///< directory of the configuration; empty if unknown
+    int recordCount = 0;   ///< number of records in the configuration
+    QString finding;       ///< one sentence: which record matches, or why none does
     std::optional<ConnectData> record;
-    std::vector<ConnectData> candidates; ///< the records that may be meant while there is no `record`
+    std::vector<ConnectData> candidates; ///< possible records if there is no `record`
 
     static LaunchReport Make(const QString& program, const QStringList& arguments, const LegacyRecords& records);
 
-    /// The program and its arguments in one line, quoted where that is needed to tell them apart.
+    /// Returns the program and its arguments in one line, with quotes where needed.
     QString CommandLine() const;
 
-    /// The report as text, one fact a line as "label: value": "application", "command line", "configuration",
-    /// "records", "finding", then "record" with one line for each of `Facts`, or one "candidate" for each candidate.
-    /// Control characters in values are written as escapes, so that no value breaks its line.
+    /// Returns the report as lines of "label: value": "application", "command line", "configuration", "records",
+    /// "finding", then "record" and one line per entry of `Facts`, or one "candidate" line per candidate. Control
+    /// characters in values are escaped, so that each value stays on one line.
     QStringList Lines() const;
 
-    /// What a record says, in the order of its fields.
+    /// Returns the fields of a record, in their order.
     static QList<Fact> Facts(const ConnectData& record);
 
-    /// What tells a record from others, in one line.
+    /// Returns one line that identifies a record.
     static QString Summary(const ConnectData& record);
 };

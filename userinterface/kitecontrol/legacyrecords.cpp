@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Copies the files below `from`, folders and all. False when one of them could not be copied.
+/// Copies all files below `from`, with their directories. Returns false if one could not be copied.
 bool CopyFiles(const QString& from, const QString& to)
 {
     const QDir source(from);
@@ -23,7 +23,7 @@ bool CopyFiles(const QString& from, const QString& to)
         const QString file = files.next();
         const QString copy = target.filePath(source.relativeFilePath(file));
         const bool isCopied = target.mkpath(QFileInfo(copy).path()) && QFile::copy(file, copy);
-        // A lock, or a file that is just being saved, may be gone by now.
+        // A lock file or a temporary file of a save may be gone by now.
         if (!isCopied && QFileInfo::exists(file))
             return false;
     }

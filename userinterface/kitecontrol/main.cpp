@@ -23,8 +23,8 @@ void Print(Stream stream, const QStringList& lines)
         StandardStreams::Write(stream, line + QLatin1Char('\n'));
 }
 
-/// The host shows nothing of what its applications print, so whoever wants to see the report names a folder. Whole or
-/// not at all: someone may be waiting for the file to appear.
+/// Writes the report to a file, because the host discards the output of its applications. Uses QSaveFile, so that a
+/// program waiting for the file never sees a part of it.
 bool SaveReport(const QString& directory, const QString& program, const QStringList& lines)
 {
     const QString name = QStringLiteral("%1-%2.txt").arg(program).arg(QCoreApplication::applicationPid());
@@ -37,8 +37,8 @@ bool SaveReport(const QString& directory, const QString& program, const QStringL
 
 QStringList CommandLine(int argc, char** argv)
 {
-    // A QApplication takes Qt's own options out of the command line, and an entry may well be called "-style". This
-    // plain one leaves them, and on Windows knows the characters that `argv` cannot hold.
+    // QApplication removes Qt's options from the command line, but an entry may be called "-style". QCoreApplication
+    // keeps them; on Windows it also has the characters that `argv` cannot represent.
     const QCoreApplication application(argc, argv);
     return QCoreApplication::arguments();
 }
@@ -60,10 +60,10 @@ int main(int argc, char* argv[])
     const LaunchReport report =
         LaunchReport::Make(program, arguments, LegacyRecords::FromDirectory(environment.configuration));
 
-    Print(Stream::Error, environment.complaints);
+    Print(Stream::Error, environment.warnings);
     Print(Stream::Output, report.Lines());
     if (!environment.reportDirectory.isEmpty() && !SaveReport(environment.reportDirectory, program, report.Lines()))
-        Print(Stream::Error, {QStringLiteral("no report could be written to ") + environment.reportDirectory});
+        Print(Stream::Error, {QStringLiteral("could not write a report to ") + environment.reportDirectory});
 
     KiteControlWindow window(report);
     window.show();

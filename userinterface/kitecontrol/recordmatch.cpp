@@ -7,13 +7,13 @@
 
 namespace {
 
-/// The device types that one kind of application serves, and whose entries it is told by their names.
+/// Device types that are served by one kind of application, which gets the entry's name.
 constexpr std::array<const char*, 7> kKiteEchoFamily{
     "Kite Alpha + Wren C", "Kite Delta", "Kite Echo", "Kite Ember", "Kite Moss", "Plover One", "Plover Five",
 };
 
-/// The letters and digits of `text` in lower case: "Linnet + DF" and "LinnetDF" are the same then.
-QString Squeezed(const QString& text)
+/// Returns the letters and digits of `text` in lower case, so that "Linnet + DF" equals "LinnetDF".
+QString Normalized(const QString& text)
 {
     QString result;
     for (const QChar character : text)
@@ -29,14 +29,14 @@ bool IsOfKiteEchoFamily(const QString& deviceType)
         [&deviceType](const char* name) { return deviceType == QLatin1String(name); });
 }
 
-bool IsNamedAfter(const QString& application, const QString& deviceType)
+bool ContainsDeviceType(const QString& application, const QString& deviceType)
 {
-    const QString device = Squeezed(deviceType);
-    return !device.isEmpty() && Squeezed(application).contains(device);
+    const QString device = Normalized(deviceType);
+    return !device.isEmpty() && Normalized(application).contains(device);
 }
 
-/// Whether an entry with the driver address `remote` is started with `address`: as it stands, or with a port added.
-bool LeadsToAddress(const QString& remote, const QString& address)
+/// Returns whether an entry with the driver address `remote` is started with `address`, unchanged or with a port added.
+bool MatchesAddress(const QString& remote, const QString& address)
 {
     if (remote == address)
         return true;
@@ -48,15 +48,15 @@ bool LeadsToAddress(const QString& remote, const QString& address)
                        [](QChar digit) { return digit >= QLatin1Char('0') && digit <= QLatin1Char('9'); });
 }
 
-bool IsOfTheDevice(const LaunchArguments& arguments, const ConnectData& record)
+bool MatchesDeviceType(const LaunchArguments& arguments, const ConnectData& record)
 {
-    return IsNamedAfter(arguments.application, record.m_sDeviceType) ||
+    return ContainsDeviceType(arguments.application, record.m_sDeviceType) ||
            (arguments.hasStation && !arguments.hasAddress && IsOfKiteEchoFamily(record.m_sDeviceType));
 }
 
-/// Whether an entry is started with nothing but the application's name. What is connected directly has no driver whose
-/// address could be given; the devices without a form of their own are started so however they are connected.
-bool LeadsToNameOnly(const ConnectData& record)
+/// Returns whether an entry may be started with only the application's name. "Kite Cobra" also gets a driver address,
+/// unless it is connected directly; for other device types the connection type does not matter.
+bool IsStartedByNameOnly(const ConnectData& record)
 {
     constexpr qint32 kRemote = 1;
     constexpr qint32 kMultiChannelServer = 2;
@@ -64,13 +64,13 @@ bool LeadsToNameOnly(const ConnectData& record)
     return !(hasDriver && record.m_sDeviceType == QLatin1String("Kite Cobra"));
 }
 
-bool LeadsTo(const LaunchArguments& arguments, const ConnectData& record)
+bool Matches(const LaunchArguments& arguments, const ConnectData& record)
 {
     if (arguments.onlyApplication)
-        return IsNamedAfter(arguments.application, record.m_sDeviceType) && LeadsToNameOnly(record);
-    // Both are asked: an entry of the "Kite Echo" family may be called "Connection=...".
+        return ContainsDeviceType(arguments.application, record.m_sDeviceType) && IsStartedByNameOnly(record);
+    // Check both, because an entry of the "Kite Echo" family may be called "Connection=...".
     return (arguments.hasStation && record.m_sStationName == arguments.station) ||
-           (arguments.hasAddress && LeadsToAddress(record.m_sRemoteAddress, arguments.address));
+           (arguments.hasAddress && MatchesAddress(record.m_sRemoteAddress, arguments.address));
 }
 
 std::vector<ConnectData> Select(const std::vector<ConnectData>& records,
@@ -103,16 +103,16 @@ LaunchArguments LaunchArguments::Parse(const QStringList& arguments)
 
 RecordMatch RecordMatch::Find(const LaunchArguments& arguments, const std::vector<ConnectData>& records)
 {
-    const auto ofTheDevice = [&arguments](const ConnectData& record) {
-        return IsOfTheDevice(arguments, record);
+    const auto matchesDeviceType = [&arguments](const ConnectData& record) {
+        return MatchesDeviceType(arguments, record);
     };
 
     RecordMatch match;
-    match.fitting = Select(records, [&arguments](const ConnectData& record) { return LeadsTo(arguments, record); });
+    match.fitting = Select(records, [&arguments](const ConnectData& record) { return Matches(arguments, record); });
     if (match.fitting.empty()) {
-        match.sameDevice = Select(records, ofTheDevice);
+        match.sameDevice = Select(records, matchesDeviceType);
     } else if (match.fitting.size() > 1) {
-        std::vector<ConnectData> narrowed = Select(match.fitting, ofTheDevice);
+        std::vector<ConnectData> narrowed = Select(match.fitting, matchesDeviceType);
         if (!narrowed.empty())
             match.fitting = std::move(narrowed);
     }

@@ -7,32 +7,31 @@
 
 #include <vector>
 
-/// What the command line of a started application says.
+/// The parsed command line of a started application.
 ///
-/// It names its entry in one of three ways. Behind "Server" stands the entry's name: the applications of the
-/// "Kite Echo" family. "Connection=%1" gives the address of the driver; the dialog has added the default port of the
-/// device type where the entry has none. And some applications are given nothing but their own name.
+/// It identifies the entry in one of three ways: applications of the "Kite Echo" family get "Server" and the entry's
+/// name; others get "Connection=<driver address>", to which the dialog adds the device type's default port if it has
+/// none; the rest get only the application's name.
 struct LaunchArguments
 {
-    QString application;          ///< the first argument up to its ":"; empty: there is none
-    bool onlyApplication = false; ///< there is no argument but the first
+    QString application;          ///< the first argument up to its ":"; empty if there is none
+    bool onlyApplication = false; ///< the application's name is the only argument
     bool hasStation = false;
-    QString station; ///< the last argument, where "Server" stands in front of it
+    QString station; ///< the last argument, if "Server" precedes it
     bool hasAddress = false;
-    QString address; ///< what the last argument gives as "Connection=%1"
+    QString address; ///< from "Connection=<address>" in the last argument
 
     static LaunchArguments Parse(const QStringList& arguments);
 };
 
-/// Which records belong to a command line: those that lead to it when they are connected.
+/// The records that match a command line: connecting their entry results in that command line.
 ///
-/// Where several do, the device type decides as far as the command line tells it: a name behind "Server" is for the
-/// "Kite Echo" family, and an application's name may hold the device type, as "KiteBravoControl" does.
+/// If there are several, the device type decides as far as the command line shows it: "Server" and a name mean the
+/// "Kite Echo" family, and an application's name may contain the device type, such as "KiteBravoControl".
 struct RecordMatch
 {
-    std::vector<ConnectData> fitting; ///< exactly one when it is certain
-    /// While none fits: those of the device type that the command line tells.
-    std::vector<ConnectData> sameDevice;
+    std::vector<ConnectData> fitting;    ///< exactly one if the match is unique
+    std::vector<ConnectData> sameDevice; ///< if none fits: those with the device type of the command line
 
     static RecordMatch Find(const LaunchArguments& arguments, const std::vector<ConnectData>& records);
 };

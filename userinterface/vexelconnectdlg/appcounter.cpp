@@ -21,7 +21,7 @@ namespace {
 
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/appcounter";
 
-// Of a name in a message box. The box takes a second and more to come up for every hundred thousand characters.
+// Characters of a name in a message box, which takes a second or more to open per 100,000 characters.
 constexpr qsizetype kShownNameLength = 10'000;
 
 QString ConfiguredText(const QString& node, const QString& key)
@@ -57,7 +57,7 @@ AppCounter::AppCounter(ConnectionsModel* owner, QString configurationName)
 
 AppCounter::~AppCounter()
 {
-    // Applications that are ended here must not be heard of: what is done about it needs the tables.
+    // Disconnect first: the slot for ended applications needs the tables.
     const QList<ApplicationInstance*> instances = std::exchange(m_instances, {});
     for (ApplicationInstance* const instance : instances) {
         instance->disconnect(this);
@@ -188,7 +188,7 @@ bool AppCounter::ConnectTo(const Connection& entry)
 
     auto* const instance = new ApplicationInstance(
         ProgramForType(entry.DeviceType), ApplicationArguments(application, entry), QDir::currentPath(), entry);
-    // The list owns it; the parent is for one that was swept and whose deletion the event loop did not come to.
+    // The list owns it. The parent deletes removed instances whose deleteLater() has not run yet.
     instance->setParent(this);
     m_instances.append(instance);
     connect(instance, &ApplicationInstance::ProcessExited, this, &AppCounter::SlotOnProcessExit);
@@ -218,9 +218,9 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry) const
                              QString::number(InstalledApplications(entry.DeviceType).size()),
                              QString::number(RunningApplications(entry.DeviceType).size())),
                     QMessageBox::Ok);
-    // A name may look like markup; it is shown as it is.
+    // Names may contain markup.
     box.setTextFormat(Qt::PlainText);
-    // Nothing of this object is touched afterwards: whatever happens while the box is open may delete it.
+    // No member access after this: this object may be deleted while the box is open.
     box.exec();
 }
 
@@ -228,7 +228,7 @@ void AppCounter::SlotOnProcessExit()
 {
     const QList<ApplicationInstance*> instances = m_instances;
     for (ApplicationInstance* const instance : instances) {
-        // Whoever hears of a status may have swept already.
+        // A receiver of a status change may already have removed it.
         if (m_instances.contains(instance) && instance->GetState() == ApplicationInstance::Free)
             Sweep(instance);
     }
@@ -243,6 +243,6 @@ void AppCounter::Sweep(ApplicationInstance* instance)
 
     m_instances.removeOne(instance);
     instance->disconnect();
-    // It may be the one whose signal is being handled.
+    // Not deleted at once: its signal may be being handled.
     instance->deleteLater();
 }

@@ -12,11 +12,11 @@ constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/applicationi
 
 constexpr int kStartTimeoutMs = 30000;
 
-// A killed process ends at once, unless the system holds it up; then this one shall not wait for ever.
+// A killed process normally ends at once. The limit is for one that the system does not end.
 constexpr int kKillTimeoutMs = 30000;
 
-/// Ends a process that still runs, and waits for its end, so that no child is left behind in any form.
-void End(QProcess& process)
+/// Kills a process that still runs and waits for its end, so that no child process or zombie remains.
+void Kill(QProcess& process)
 {
     if (process.state() != QProcess::NotRunning) {
         process.kill();
@@ -38,16 +38,16 @@ ApplicationInstance::ApplicationInstance(QString program, QStringList arguments,
 ApplicationInstance::~ApplicationInstance()
 {
     if (m_pProcess) {
-        // Ending it makes it emit `finished`, for which this object is no longer there.
+        // Killing it emits `finished`, which must not reach this object any more.
         m_pProcess->disconnect(this);
-        End(*m_pProcess);
+        Kill(*m_pProcess);
         delete m_pProcess;
     }
 }
 
 bool ApplicationInstance::Start()
 {
-    // A process of an earlier start, released or not, would otherwise be left without an owner.
+    // The process of an earlier start, released or not, would otherwise leak.
     DropProcess();
 
     m_pProcess = new QProcess;
@@ -56,14 +56,14 @@ bool ApplicationInstance::Start()
     if (QDir(m_sWorkingDirectory).exists()) {
         m_pProcess->setWorkingDirectory(m_sWorkingDirectory);
     } else {
-        // Not handed to the process then: it would fail to start, where only its place is in question.
+        // Not passed to the process, which would fail to start.
         Trace(kTraceSource, __LINE__, [this] {
             return QStringLiteral("ApplicationInstance::Start(): Specified working directory does not exist: <%1>")
                 .arg(m_sWorkingDirectory);
         });
     }
 
-    // Nobody here reads what the application prints, and unread output is kept in memory without bound.
+    // QProcess would buffer unread output in memory without limit.
     m_pProcess->setStandardOutputFile(QProcess::nullDevice());
     m_pProcess->setStandardErrorFile(QProcess::nullDevice());
     m_pProcess->start(m_sProgram, m_arguments, QIODevice::ReadWrite);
@@ -85,7 +85,7 @@ bool ApplicationInstance::Start()
 void ApplicationInstance::ReleaseInstance()
 {
     if (m_state == Started) {
-        // The state can be set from outside as well, without a process.
+        // SetState() can set this state without a process.
         if (m_pProcess)
             m_pProcess->terminate();
         SetState(Free);
@@ -167,7 +167,7 @@ void ApplicationInstance::DropProcess()
     if (!process)
         return;
     process->disconnect(this);
-    End(*process);
-    // It may be the one whose `finished` is being handled.
+    Kill(*process);
+    // Not deleted at once: its `finished` may be being handled.
     process->deleteLater();
 }

@@ -7,10 +7,10 @@
 #include <QString>
 #include <QStringList>
 
-/// One user-interface application, started or startable, and the connection entry it was started for.
+/// One user-interface application process and the connection entry it serves.
 ///
-/// The launcher makes one for each entry that shall be connected, starts it, and learns from `ProcessExited` that the
-/// application has ended. Owns the process. Every report is a trace; nothing is shown. GUI thread only.
+/// The launcher creates one for each entry to connect and starts it; `ProcessExited` reports the end of the
+/// application. Owns the process. Errors are traced, nothing is shown. GUI thread only.
 class ApplicationInstance : public QObject
 {
     Q_OBJECT
@@ -18,45 +18,44 @@ class ApplicationInstance : public QObject
 public:
     enum State : int { Free = 0, Started = 1, Error = 2 };
 
-    /// Stores the four; starts nothing.
+    /// Stores the parameters; starts nothing.
     ApplicationInstance(QString program, QStringList arguments, QString workingDirectory, const Connection& connection);
-    /// Ends a process that is still there; `ProcessExited` is not emitted for it.
+    /// Kills a process that still runs, without emitting `ProcessExited`.
     ~ApplicationInstance() override;
 
-    /// Starts the program and waits for the start, at most 30 s, without running an event loop. Returns whether it
-    /// was started; if not, the instance is "Free" again and without a process. A working directory that does not
-    /// exist is traced, and the program then starts in the current one.
+    /// Starts the program and waits up to 30 s for the start, without running an event loop. Returns whether it was
+    /// started; if not, the instance is "Free" again and has no process. If the working directory does not exist, that
+    /// is traced and the program starts in the current directory.
     ///
-    /// What the application prints goes nowhere, so that it cannot pile up here. Its input is a pipe that stays open
-    /// and silent for as long as the process is held.
+    /// The application's output is discarded, because buffered output would grow without limit. Its input is a pipe
+    /// that stays open and empty while this object holds the process.
     bool Start();
 
-    /// Started: asks the application politely to end, and is "Free" at once; the end itself is only traced when it
-    /// comes. Any other state: "Free", and a process that is still there is ended and deleted.
+    /// In state "Started": asks the application to terminate and becomes "Free" at once; the end of the process is only
+    /// traced. In any other state: becomes "Free" and kills and deletes a remaining process.
     void ReleaseInstance();
 
     State GetState() const { return m_state; }
-    /// Traces the change from one state to another. Any number is taken.
+    /// Sets the state and traces the change. Accepts any number.
     void SetState(int state);
 
     const QString& GetWorkingDirectory() const { return m_sWorkingDirectory; }
     Connection GetConnection() const { return m_connection; }
-    /// The first argument up to its first ":", or the whole of it without one: the name of the application. Empty
-    /// without arguments.
+    /// Returns the name of the application: the first argument up to its first ":". Empty without arguments.
     QString GetHostName() const;
 
 signals:
-    /// The application has ended, by itself or by a crash, while the instance was "Started".
+    /// The application has exited or crashed while the instance was "Started".
     void ProcessExited();
 
 public slots:
-    /// The process has ended. Does nothing without a process.
+    /// Handles the end of the process. Does nothing without a process.
     void SlotProcessExited(int iCode, QProcess::ExitStatus status);
 
 private:
     static QString StateName(int state);
 
-    /// Disconnects the process and has it deleted, at the latest by the event loop; one that still runs is ended.
+    /// Disconnects the process, kills it if it still runs, and deletes it later.
     void DropProcess();
 
     QProcess* m_pProcess = nullptr;

@@ -5,14 +5,14 @@
 
 bool ReplaceFile(const QString& path, const QByteArray& content)
 {
-    // Replacing a pipe or a device by a file is not what writing to it means.
+    // A pipe or a device must not be replaced by a file.
     const QFileInfo former(path);
     if (former.exists() && !former.isFile())
         return false;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    // A disk that fills up takes a part without calling that an error.
+    // QSaveFile does not report a short write, such as on a full disk.
     if (file.write(content) != content.size())
         file.cancelWriting();
     return file.commit();

@@ -2,6 +2,6 @@
 
 #include <QVariant>
 
-/// The help text of column `section` of the connections table, for tool tips and the status bar; invalid for a section
-/// outside the table.
+/// Returns the help text of column `section` of the connections table, for tool tips and the status bar. Invalid if
+/// there is no such column.
 QVariant ConnectionsColumnHelp(int section);

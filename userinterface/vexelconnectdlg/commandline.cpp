@@ -6,10 +6,10 @@
 
 namespace {
 
-// It is the launcher's connect operation that speaks here.
+// The traces are those of the launcher's ConnectTo().
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/appcounter";
 
-/// The port of the driver application of a (normalised) device type, with its colon; empty where there is none.
+/// Returns ":" and the driver application's port for an application device type; empty if there is none.
 QString DefaultPort(int deviceType)
 {
     switch (deviceType) {
@@ -28,10 +28,10 @@ QString DefaultPort(int deviceType)
     }
 }
 
-/// The driver address of `entry`, with a port: its own, or else the device type's.
+/// Returns the driver address of `entry` with its port or, if it has none, the default port of the device type.
 QString DriverWithPort(const Connection& entry, int deviceType)
 {
-    // Anywhere in the address, so that one of IPv6 mostly counts as having a port. Digits are those of ASCII.
+    // Matches anywhere, so most IPv6 addresses count as having a port. \d matches ASCII digits only.
     static const QRegularExpression kPort(QStringLiteral(":\\d+"));
     if (entry.DriverAddress.contains(kPort))
         return entry.DriverAddress;
@@ -73,7 +73,7 @@ QStringList ApplicationArguments(const QString& application, const Connection& e
         arguments << server << entry.ConnectionName;
         break;
     default:
-        // Started all the same: an application may do with its first argument alone.
+        // Started nevertheless: the first argument may be enough for an application.
         Trace(kTraceSource, __LINE__, [&entry] {
             return QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported")
                 .arg(Connection::DeviceTypeName(entry.DeviceType));

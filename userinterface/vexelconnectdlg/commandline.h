@@ -5,9 +5,8 @@
 #include <QString>
 #include <QStringList>
 
-/// The arguments with which the user-interface application `application` is started for `entry`.
+/// Returns the arguments with which the user-interface application `application` is started for `entry`.
 ///
-/// The first names the application; what follows depends on the entry's device type and is read by the started
-/// application. A server mode without a port for the driver, and a device type that has no arguments of its own, are
-/// traced as the launcher's.
+/// The first argument names the application; the others depend on the entry's device type. Traces, in the name of the
+/// launcher, a driver address without a port and a device type without further arguments.
 QStringList ApplicationArguments(const QString& application, const Connection& entry);

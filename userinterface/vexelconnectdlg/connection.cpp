@@ -6,7 +6,7 @@
 
 namespace {
 
-// Made once, when the library is loaded: a language chosen later does not reach it.
+// Translated once, when the library is loaded, so a later change of language does not affect it.
 const QString kFallbackText = QCoreApplication::translate("Connection", "No string representation for ID %1");
 
 // Product names: the same in every language.
@@ -56,7 +56,7 @@ Connection::Connection()
 }
 
 Connection::Connection(const Connection& other)
-    : QObject() // NOLINT(readability-redundant-member-init): compilers want it said in a copy constructor
+    : QObject() // NOLINT(readability-redundant-member-init): compilers warn about a copy constructor without it
     , ConnectionName(other.ConnectionName)
     , DeviceType(other.DeviceType)
     , ConnectionType(other.ConnectionType)

@@ -3,17 +3,17 @@
 #include <QObject>
 #include <QString>
 
-/// One connection entry: a piece of direction-finding or receiving hardware that an operator may want to work with.
+/// One connection entry: a piece of direction-finding or receiving hardware to which an operator can connect.
 ///
-/// A value type that is a QObject only for its class name and translation context: entries are made without a parent,
-/// and copying leaves the QObject part (parent, object name) alone. The enumeration fields are plain integers because
-/// any value may come from a file; values outside the enumerations are kept.
+/// A value type. It is a QObject only for its class name and translation context: entries have no parent, and copying
+/// does not copy the QObject part (parent, object name). The enumeration fields are plain integers, because files may
+/// contain any value; values outside the enumerations are kept.
 class Connection : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The columns and the stored documents use these numbers.
+    /// The numbers are used by the table columns and the stored documents.
     enum DeviceTypes : qint32 {
         KiteAlphaWrenC = 0,
         KiteBravo = 1,
@@ -35,7 +35,7 @@ public:
     enum LinkSpeeds : qint32 { Lan = 0, Isdn = 1, FastModem = 2, SlowModem = 3, Gsm = 4, Umts = 5, RadioLink = 6 };
     enum ConnectionStates : qint32 { Free = 0, InUse = 1 };
 
-    /// How many values each enumeration has; they are numbered from 0 without gaps.
+    /// Number of values in each enumeration; they are numbered from 0 without gaps.
     static constexpr int kDeviceTypeCount = 15;
     static constexpr int kConnectionTypeCount = 3;
     static constexpr int kLinkSpeedCount = 7;
@@ -46,27 +46,27 @@ public:
     Connection& operator=(const Connection& other);
     ~Connection() override = default;
 
-    /// Whether both denote the same connection: all fields but status and selection are equal.
+    /// Compares all fields except status and selection.
     bool operator==(const Connection& other) const;
     bool operator!=(const Connection& other) const { return !(*this == other); }
 
-    /// Display texts. A value outside the enumeration gives "No string representation for ID %1" with the number.
+    /// Return display texts; for a value outside the enumeration "No string representation for ID %1" with the number.
     static QString StatusName(int value);
     static QString ConnectionTypeName(int value);
     static QString DeviceTypeName(int value);
     static QString LinkSpeedName(int value);
 
-    /// The device type whose user-interface application serves an entry of type `deviceType`.
+    /// Returns the device type whose user-interface application serves entries of type `deviceType`.
     static int ApplicationDeviceType(int deviceType);
 
     QString ConnectionName;         ///< free text for the operator
-    qint32 DeviceType = KiteEcho;   ///< of `DeviceTypes`
-    qint32 ConnectionType = 0;      ///< of `ConnectionTypes`
+    qint32 DeviceType = KiteEcho;   ///< a `DeviceTypes` value
+    qint32 ConnectionType = 0;      ///< a `ConnectionTypes` value
     QString DeviceAddress;          ///< IP address of the hardware
     QString DriverAddress;          ///< IP address of the computer that runs the driver application
-    qint32 LinkSpeed = Lan;         ///< of `LinkSpeeds`
-    qint32 TimeoutSeconds = 0;      ///< operator inactivity time-out in seconds; 0: none
-    qint32 ConnectionStatus = Free; ///< of `ConnectionStates`
-    bool Selected = false;          ///< chosen for the next connect
+    qint32 LinkSpeed = Lan;         ///< a `LinkSpeeds` value
+    qint32 TimeoutSeconds = 0;      ///< operator inactivity time-out in seconds; 0 for none
+    qint32 ConnectionStatus = Free; ///< a `ConnectionStates` value
+    bool Selected = false;          ///< ticked for the next connect
     QString Subsystem;              ///< "Corvus" subsystem that a "Tally" toolbar belongs to
 };

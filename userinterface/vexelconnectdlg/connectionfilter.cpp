@@ -22,8 +22,8 @@ std::unique_ptr<ICfg> OpenSettings()
     return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::User)->OpenChild(kSettingsNode, 0));
 }
 
-/// The engine takes no text that holds half of a surrogate pair, as one cut off at some length may: a half counts as
-/// the character for what is none.
+/// Replaces unpaired surrogates, which the regular expression engine rejects, by the replacement character. A text that
+/// was cut off may end with one.
 QString WellFormed(const QString& text)
 {
     if (text.isValidUtf16())
@@ -32,8 +32,8 @@ QString WellFormed(const QString& text)
     return QString::fromUcs4(reinterpret_cast<const char32_t*>(characters.constData()), characters.size());
 }
 
-/// `text` as an expression for itself. A null character is spelt in full: in the short form that Qt gives it, digits
-/// behind it would become a part of its number.
+/// Returns the expression that matches `text` literally. Writes null characters as "\x{0}", because digits after Qt's
+/// short form would be read as part of the number.
 QString Escaped(const QString& text)
 {
     QStringList parts = text.split(QChar::Null);
@@ -42,19 +42,19 @@ QString Escaped(const QString& text)
     return parts.join(QLatin1String("\\x{0}"));
 }
 
-/// Copies the set that begins at `begin` ("[") into `expression` and returns the position behind it. A set that is
-/// never closed stays so, which makes the expression invalid.
+/// Appends the set that begins at `begin` ("[") to `expression` and returns the position after it. An unclosed set
+/// stays unclosed, which makes the expression invalid.
 qsizetype TranslateSet(const QString& pattern, qsizetype begin, QString& expression)
 {
     qsizetype i = begin + 1;
     expression += u'[';
     if (i < pattern.size() && pattern.at(i) == u'^')
         expression += pattern.at(i++);
-    // A closing bracket in the first place is a member of the set.
+    // A closing bracket at the start is a member of the set.
     bool first = true;
     for (; i < pattern.size() && (first || pattern.at(i) != u']'); ++i) {
         const QChar c = pattern.at(i);
-        // The last three would begin a class of a name, as in "[:alpha:]", or an error.
+        // Escape the last three, which would begin a named class such as "[:alpha:]", or an error.
         if (c == u'\\' || c == u'[' || c == u']' || c == u':' || c == u'.' || c == u'=')
             expression += u'\\';
         expression += c;
@@ -67,7 +67,7 @@ qsizetype TranslateSet(const QString& pattern, qsizetype begin, QString& express
     return i;
 }
 
-/// The pattern's parts between its stars, each as an expression; without empty ones.
+/// Returns the non-empty parts of the pattern between its stars, each as an expression.
 QStringList TranslateParts(const QString& pattern)
 {
     QStringList parts;
@@ -94,9 +94,9 @@ QStringList TranslateParts(const QString& pattern)
     return parts;
 }
 
-/// Each part is looked for behind the one before, and taken where it is found first: as a part always matches equally
-/// many characters, a later place is never a better one. Going back to look for one would take more steps than the
-/// engine may do, with no more than five stars and a name of fifty characters.
+/// Matches each part at its first occurrence after the previous part, without backtracking: a part always matches the
+/// same number of characters, so a later occurrence is never better. With backtracking, five stars and a name of fifty
+/// characters would exceed the match limit.
 QString TranslateWildcard(const QString& pattern)
 {
     const QStringList parts = TranslateParts(pattern);
@@ -110,9 +110,8 @@ QString TranslateWildcard(const QString& pattern)
     return expression;
 }
 
-// How often the engine may step back within one text: far more than an honest expression does on a name, and over in
-// a fraction of a millisecond. A text of many thousand characters, of which a list holds few, takes more steps by
-// itself.
+// Backtracking limits per text. The first is far more than a reasonable expression needs for a name, and takes a
+// fraction of a millisecond. Texts of many thousand characters need more steps; a list has only a few of them.
 constexpr const char* kMatchLimit = "(*LIMIT_MATCH=20000)";
 constexpr const char* kLongTextMatchLimit = "(*LIMIT_MATCH=2000000)";
 constexpr qsizetype kLongText = 1000; // characters
@@ -159,7 +158,7 @@ FilterSettings FilterSettings::Load()
     const auto node = OpenSettings();
     FilterSettings settings;
     settings.column = node->GetInt(kColumnKey, ConnectionsModel::ColumnName, 0);
-    // One step only: a value further out leaves the choice without a current column.
+    // One step only: with a value further out no column is selected.
     if (settings.column < 0)
         ++settings.column;
     else if (settings.column >= ConnectionsModel::kColumnCount)
@@ -215,7 +214,7 @@ bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& s
     const int columns = sourceModel()->columnCount(sourceParent);
     if (filterKeyColumn() >= 0)
         return filterKeyColumn() >= columns || matches(filterKeyColumn());
-    // No column chosen: any will do.
+    // No column selected: search all.
     for (int column = 0; column < columns; ++column)
         if (matches(column))
             return true;

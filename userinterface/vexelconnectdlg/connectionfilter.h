@@ -4,37 +4,39 @@
 #include <QSortFilterProxyModel>
 #include <QString>
 
-/// How a filter pattern is understood; the values are the items of the search mode box and are what is stored.
+/// How a filter pattern is interpreted. The values are the item indexes of the search mode box and are stored.
 enum class SearchMode : int { PlainText = 0, Wildcard = 1, RegularExpression = 2 };
 
-/// The expression for a filter pattern, always without regard to case and unanchored.
+/// Returns the expression for a filter pattern, case-insensitive and unanchored.
 ///
 /// Wildcard: "*" any run of characters, "?" one character, "[...]" a set, "[^...]" its complement; there is no escape
-/// character. Regular expression: Perl syntax, with "." matching line breaks too and \w, \d and \s reaching beyond
-/// ASCII. Any other number of `mode` counts as plain text. The result is invalid where the pattern is.
+/// character. Regular expression: Perl syntax; "." also matches line breaks, and \w, \d and \s use Unicode properties.
+/// Any other `mode` is plain text. An invalid pattern gives an invalid expression.
 QRegularExpression FilterExpression(const QString& pattern, int mode);
 
-/// The filter's three inputs, as they are kept between runs.
+/// The filter's three inputs, as they are stored between runs.
 struct FilterSettings
 {
     int column = 1; ///< model column; may lie outside the table
     QString pattern;
-    int searchMode = 0; ///< of `SearchMode`
+    int searchMode = 0; ///< a `SearchMode` value
 
-    /// From the user's configuration, corrected as far as that goes: a column one step outside the table is moved to
-    /// its edge, an unknown search mode becomes plain text.
+    /// Reads the user's configuration. A column one step outside the table is moved into it; an unknown search mode
+    /// becomes plain text.
     static FilterSettings Load();
     void Save() const;
 };
 
 /// Sorts and filters the connections for the views.
 ///
-/// As the plain proxy does, but for three things. An invalid expression matches nothing there too, yet with a warning
-/// for every row. An expression that keeps the engine busy with one text (nested repetitions against a long name) is
-/// given up there early, or ten thousand rows would hold the window for minutes; the row counts as no match. And texts
-/// are shown on one line of bearable length: two views that show different columns of a row must give it the same
-/// height, and a text of a megabyte would keep every layout busy. What is edited, filtered and sorted is the whole
-/// text.
+/// Differs from QSortFilterProxyModel in three ways:
+///
+/// - An invalid expression matches nothing without a warning for every row.
+/// - An expression that takes too long on a text (nested repetitions on a long name) is aborted, and the row does not
+///   match. Otherwise ten thousand rows would block the window for minutes.
+/// - Texts are displayed on one line of limited length, because two views with different columns of a row must give it
+///   the same height, and a text of a megabyte would slow down every layout. Editing, filtering and sorting use the
+///   whole text.
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
 public:
@@ -48,7 +50,7 @@ protected:
 private:
     void UpdateBounds() const;
 
-    /// The filter's expression, and what is matched in its place; made anew when the filter's is another one.
+    /// The filter's expression and the two with match limits that are used instead; updated when the filter changes.
     mutable QRegularExpression m_expression;
     mutable QRegularExpression m_forNames;
     mutable QRegularExpression m_forLongTexts;

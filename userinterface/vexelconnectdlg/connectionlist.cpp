@@ -13,7 +13,7 @@ namespace {
 const QString kRootElement = QStringLiteral("ConnectionEntries");
 const QString kEntryElement = QStringLiteral("Connection");
 
-// The place that the product's trace analysis knows the message by.
+// The fixed source location of the trace, by which the product's trace analysis identifies it.
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/connectionsmodel";
 constexpr quint16 kXmlErrorLine = 612;
 
@@ -22,10 +22,10 @@ bool IsXmlCharacter(char16_t unit)
     return unit >= 0x20 ? unit < 0xFFFE : unit == u'\t' || unit == u'\n' || unit == u'\r';
 }
 
-/// `text` without what no XML document can hold.
-QString WithoutUnwritable(const QString& text)
+/// Returns `text` without the characters that XML does not allow.
+QString RemoveInvalidXmlCharacters(const QString& text)
 {
-    // Hardly any text has a part that needs a second look.
+    // Fast path for nearly all texts.
     if (std::all_of(text.cbegin(), text.cend(),
                     [](QChar unit) { return !unit.isSurrogate() && IsXmlCharacter(unit.unicode()); }))
         return text;
@@ -87,11 +87,12 @@ private:
         AppendPlain(parent, name, QString::number(value));
     }
 
-    /// One CDATA section, but for the two things a section cannot hold: its own end marker is split over two sections,
-    /// and a carriage return, which every reader would take for a line feed, stands between sections as a reference.
+    /// Appends the text as one CDATA section, with two exceptions: the end marker "]]>" is split over two sections, and
+    /// a carriage return, which readers would turn into a line feed, becomes a character reference between two
+    /// sections.
     void AppendText(QDomElement& parent, const QString& name, const QString& value)
     {
-        const QString text = WithoutUnwritable(value);
+        const QString text = RemoveInvalidXmlCharacters(value);
         QDomElement element = m_document.createElement(name);
         qsizetype begin = 0;
         for (qsizetype i = 0; i < text.size(); ++i) {
@@ -187,9 +188,8 @@ private:
             entry.Subsystem = ReadText();
     }
 
-    /// The text of the element that has just begun. An element inside it is unknown there, and unknown elements are no
-    /// errors. Qt's own reading of a text would not look at what comes between: this reader takes a document type
-    /// anywhere.
+    /// Returns the text of the current element, without that of unknown elements inside it, which are not errors. Not
+    /// readElementText(): QXmlStreamReader accepts a document type anywhere, and each token must be checked for one.
     QString ReadText()
     {
         QString text;

@@ -21,7 +21,7 @@ constexpr int kTimeoutStep = 30;       // seconds
 // Device types that exist in stored entries but are no longer offered.
 constexpr std::array kWithdrawnDeviceTypes{Connection::Heron, Connection::WrenD, Connection::Pipit};
 
-// A list of the values 0 to count - 1, so that an item's position is its value.
+// Creates a combo box of the values 0 to count - 1, so that an item's index is its value.
 QComboBox* NewComboBox(QWidget* parent, int count, QString (*textOf)(int value))
 {
     auto* const comboBox = new QComboBox(parent);
@@ -75,7 +75,7 @@ QWidget* NewEditor(QWidget* parent, int column)
     }
 }
 
-// What the editor holds; invalid without an editor of a known kind.
+// Returns the editor's value; invalid if there is no editor of a known kind.
 QVariant EditedValue(QWidget* editor)
 {
     if (const auto* const checkBox = qobject_cast<QCheckBox*>(editor))
@@ -83,7 +83,7 @@ QVariant EditedValue(QWidget* editor)
     if (const auto* const comboBox = qobject_cast<QComboBox*>(editor))
         return comboBox->currentIndex();
     if (auto* const spinBox = qobject_cast<QSpinBox*>(editor)) {
-        spinBox->interpretText(); // a number counts as typed, without Enter
+        spinBox->interpretText(); // accepts a typed number without Enter
         return spinBox->value();
     }
     if (const auto* const lineEdit = qobject_cast<QLineEdit*>(editor))
@@ -113,7 +113,7 @@ void ConnectionsDelegate::setEditorData(QWidget* editor, const QModelIndex& inde
 {
     if (editor && (!index.isValid() || index.column() >= ConnectionsModel::kColumnCount))
         return;
-    // The column chose the kind of the editor, so the kind tells what to set.
+    // The column determines the kind of editor.
     const QVariant value = index.data(Qt::EditRole);
     if (auto* const checkBox = qobject_cast<QCheckBox*>(editor))
         checkBox->setChecked(value.toBool());
@@ -133,7 +133,7 @@ void ConnectionsDelegate::setModelData(QWidget* editor, QAbstractItemModel* mode
     if (index.isValid() && index.column() < ConnectionsModel::kColumnCount) {
         value = EditedValue(editor);
         if (!value.isValid())
-            return; // nothing was edited; an invalid value would be taken for 0 or an empty text
+            return; // the model would read an invalid value as 0 or an empty text
     }
     model->setData(index, value, Qt::EditRole);
 }

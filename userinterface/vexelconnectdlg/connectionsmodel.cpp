@@ -13,7 +13,7 @@
 
 #include <algorithm>
 
-// The images of a static library are found only once they are asked for by name; the macro wants no namespace around.
+// Resources of a static library must be initialised explicitly; the macro must not be used inside a namespace.
 static void InitImages()
 {
     Q_INIT_RESOURCE(vexelconnectdlg);
@@ -32,8 +32,9 @@ std::unique_ptr<ICfg> OpenStoredSet(const QString& objectName)
     return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::Application)->OpenChild(objectName, 0));
 }
 
-/// The square shown where an entry is not selected: black outline on white. Kept, because every painted row asks.
-QPixmap EmptyBox()
+/// Returns the square of an entry that is not selected: black outline on white. Cached, because every painted row uses
+/// it.
+QPixmap UncheckedBox()
 {
     const QString key = QStringLiteral("ConnectionsModel/emptyBox");
     QPixmap box;
@@ -107,7 +108,7 @@ QVariant ConnectionsModel::data(const QModelIndex& index, int role) const
     case Qt::DecorationRole:
         if (index.column() != ColumnSelected)
             return {};
-        return entry->Selected ? QVariant(m_selectedIcon) : QVariant(EmptyBox());
+        return entry->Selected ? QVariant(m_selectedIcon) : QVariant(UncheckedBox());
     case Qt::ToolTipRole:
     case Qt::StatusTipRole:
         return headerData(index.column(), Qt::Horizontal, role);
@@ -300,7 +301,7 @@ bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
         return false;
     if (count < 1)
         return true;
-    // Callers pass ranges that exist; a longer one must not tear the list.
+    // A range beyond the end must not corrupt the list.
     const int last = row + std::min(count, rowCount() - row) - 1;
     beginRemoveRows(QModelIndex(), row, last);
     const auto begin = m_connections.begin() + row;
@@ -313,14 +314,14 @@ bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
 
 void ConnectionsModel::RemoveEntries(const QList<int>& rows)
 {
-    std::vector<bool> doomed(m_connections.size(), false);
+    std::vector<bool> toRemove(m_connections.size(), false);
     int count = 0;
     int first = rowCount();
     int last = -1;
     for (const int row : rows) {
-        if (row < 0 || row >= rowCount() || doomed[static_cast<std::size_t>(row)])
+        if (row < 0 || row >= rowCount() || toRemove[static_cast<std::size_t>(row)])
             continue;
-        doomed[static_cast<std::size_t>(row)] = true;
+        toRemove[static_cast<std::size_t>(row)] = true;
         ++count;
         first = std::min(first, row);
         last = std::max(last, row);
@@ -328,7 +329,7 @@ void ConnectionsModel::RemoveEntries(const QList<int>& rows)
     if (count == 0)
         return;
     if (last - first + 1 != count) {
-        MoveToEnd(doomed);
+        MoveToEnd(toRemove);
         first = rowCount() - count;
     }
     removeRows(first, count);
@@ -361,26 +362,26 @@ void ConnectionsModel::MoveToEnd(const std::vector<bool>& marked)
 Qt::ItemFlags ConnectionsModel::flags(const QModelIndex& index) const
 {
     const Qt::ItemFlags base = QAbstractTableModel::flags(index);
-    const Qt::ItemFlags shut = base & ~(Qt::ItemIsEditable | Qt::ItemIsEnabled);
+    const Qt::ItemFlags disabled = base & ~(Qt::ItemIsEditable | Qt::ItemIsEnabled);
     const Connection* const entry = EntryAt(index);
     if (!entry)
-        return shut;
-    const Qt::ItemFlags open =
+        return disabled;
+    const Qt::ItemFlags enabled =
         base | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled | Qt::ItemIsEnabled;
-    Qt::ItemFlags result = entry->ConnectionStatus == Connection::Free ? open : shut;
+    Qt::ItemFlags result = entry->ConnectionStatus == Connection::Free ? enabled : disabled;
     switch (index.column()) {
     case ColumnSelected:
     case ColumnStatus:
-        // The dialog toggles the tick itself, and the launcher sets the status.
+        // The dialog toggles the tick, the launcher sets the status.
         result &= ~Qt::ItemIsEditable;
         break;
     case ColumnDeviceAddress:
         if (entry->ConnectionType == Connection::MultiChannelServer)
-            result = shut;
+            result = disabled;
         break;
     case ColumnDriverAddress:
         if (entry->ConnectionType == Connection::DirectConnection)
-            result = shut;
+            result = disabled;
         break;
     default:
         break;

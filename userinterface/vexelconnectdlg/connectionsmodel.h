@@ -8,10 +8,10 @@
 #include <memory>
 #include <vector>
 
-/// The one list of connection entries, as a table of ten columns.
+/// The list of connection entries, as a table of ten columns.
 ///
-/// Views, the filter and the launcher read and change entries through it. The object name is the key under which the
-/// set is stored in the product configuration: it is loaded at construction and stored at destruction. GUI thread only.
+/// Views, filter and launcher read and change the entries through this model. The constructor loads the entries from
+/// the product configuration and the destructor stores them there, under the object name as key. GUI thread only.
 class ConnectionsModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -31,62 +31,62 @@ public:
     };
     static constexpr int kColumnCount = 10;
 
-    /// Loads the set stored under `objectName`.
+    /// Loads the entries stored under `objectName`.
     ConnectionsModel(QObject* parent, const QString& objectName);
-    /// Stores the set.
+    /// Stores the entries.
     ~ConnectionsModel() override;
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
-    /// Always 10.
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
-    /// Emits `dataChanged` for `index` in every case; returns true only when a field was assigned.
+    /// Always emits `dataChanged` for `index`; returns true only if a field was assigned.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     QStringList mimeTypes() const override;
-    /// A connection list document of the distinct rows of `indexes`, in order of first occurrence. The caller owns it.
+    /// Returns a connection list document with each row of `indexes` once, in order of first occurrence. The caller
+    /// owns it.
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
-    /// Appends the entries of a connection list document. Entries read before an XML error stay; the error is traced.
-    /// Returns true when at least one entry was read without an error.
+    /// Appends the entries of a connection list document. On an XML error, which is traced, keeps the entries read so
+    /// far. Returns true if at least one entry was read and there was no error.
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
-    /// Callers pass only ranges that exist.
+    /// The range must exist.
     bool removeRows(int row, int count, const QModelIndex& parent = QModelIndex()) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-    /// Appends a full copy of `connection`, status and selection included. Always true.
+    /// Appends a copy of `connection`, including status and selection. Always returns true.
     bool AddConnection(const Connection& connection);
-    /// A copy of the entry at `row`, which must exist.
+    /// Returns a copy of the entry at `row`, which must exist.
     Connection GetConnection(int row) const;
 
-    /// Removes the entries at `rows`, given in any order, in a time that grows with the length of the list and not with
-    /// its square: rows in several places are first moved to the end, in one change of layout, and go from there in one
-    /// step. The order of those that stay is kept. Rows outside the list are passed over.
+    /// Removes the entries at `rows`, given in any order, in linear time: rows that are not adjacent are first moved to
+    /// the end, in one layout change, and then removed together. The other entries keep their order. Rows outside the
+    /// list are ignored.
     void RemoveEntries(const QList<int>& rows);
 
-    /// Sets the status of every entry equal to `connection`. Always false, by design of the interface.
+    /// Sets the status of every entry equal to `connection`. Always returns false, as the product's interface requires.
     bool SetConnectionStatus(const Connection& connection, int status);
-    /// Makes every entry "Free".
+    /// Sets every entry to "Free".
     void ResetConnectionStatus();
 
-    /// Entries that are selected and "Free"; not "Free"; selected. Constant time.
+    /// Return the number of entries that are selected and "Free", not "Free", or selected. Constant time.
     int CountSelectedFree() const;
     int CountInUse() const;
     int CountSelected() const;
 
-    /// The whole set as one connection list document.
+    /// Returns all entries as one connection list document.
     QByteArray ToByteArray() const;
-    /// Replaces the set by the entries of a document, all "Free". Returns as `dropMimeData` does; entries read before
-    /// an error stay.
+    /// Replaces all entries by those of a document, with status "Free". Handles errors and returns like `dropMimeData`.
     bool FromByteArray(const QByteArray& document);
 
-    /// Loads the set from the configuration, or stores it there. False, with a trace, only without an object name.
+    /// Load all entries from the configuration or store them there. Return false, with a trace, only if the object name
+    /// is empty.
     bool GetConfiguration();
     bool SetConfiguration();
 
 private:
-    /// What `CountSelectedFree`, `CountInUse` and `CountSelected` answer, kept up to date at every change: they are
-    /// asked at every `dataChanged`, so counting then would make a reset of n rows cost n * n.
+    /// The results of the `Count` functions, updated at every change. They are read at every `dataChanged`, so counting
+    /// there would make a reset of n rows cost n * n.
     struct Counts
     {
         int selectedFree = 0;
@@ -101,10 +101,10 @@ private:
     static QVariant HeaderText(int section);
     static void Assign(Connection& entry, int column, const QVariant& value);
 
-    /// The entry that `index` shows, or null where it lies outside the table or belongs to another model.
+    /// Returns the entry of `index`; null if the index is outside the table or belongs to another model.
     const Connection* EntryAt(const QModelIndex& index) const;
     void SetStatus(int row, int status);
-    /// Moves the marked entries behind the others; both keep their order.
+    /// Moves the marked entries after the others; both keep their order.
     void MoveToEnd(const std::vector<bool>& marked);
 
     std::vector<std::unique_ptr<Connection>> m_connections;

@@ -8,14 +8,14 @@ namespace {
 
 constexpr const char* kCellProperty = "vexelCell";
 
-bool IsCellThere(const QWidget* editor)
+bool HasValidCell(const QWidget* editor)
 {
     return editor->property(kCellProperty).toPersistentModelIndex().isValid();
 }
 
-void PutAway(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView* view)
+void HideEditor(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView* view)
 {
-    // Losing the focus must not count as leaving the cell once more.
+    // Otherwise losing the focus would close the editor a second time.
     editor->removeEventFilter(delegate);
     if (editor->hasFocus() || (editor->focusProxy() && editor->focusProxy()->hasFocus()))
         view->setFocus();
@@ -35,11 +35,11 @@ void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView
     for (QAbstractItemView* view : views) {
         QObject::disconnect(delegate, &QAbstractItemDelegate::commitData, view, nullptr);
         QObject::disconnect(delegate, &QAbstractItemDelegate::closeEditor, view, nullptr);
-        // The view's operations are for subclasses and signals only, hence by name.
+        // Called by name, because the view's slots are protected.
         QObject::connect(
             delegate, &QAbstractItemDelegate::commitData, view,
             [view](QWidget* editor) {
-                if (view->isAncestorOf(editor) && IsCellThere(editor))
+                if (view->isAncestorOf(editor) && HasValidCell(editor))
                     QMetaObject::invokeMethod(view, "commitData", Q_ARG(QWidget*, editor));
             });
         QObject::connect(delegate, &QAbstractItemDelegate::closeEditor, view,
@@ -47,8 +47,8 @@ void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView
                              if (!view->isAncestorOf(editor)) {
                                  return;
                              }
-                             if (!IsCellThere(editor)) {
-                                 PutAway(editor, delegate, view);
+                             if (!HasValidCell(editor)) {
+                                 HideEditor(editor, delegate, view);
                                  return;
                              }
                              QMetaObject::invokeMethod(view, "closeEditor", Q_ARG(QWidget*, editor),

@@ -7,14 +7,13 @@ class QAbstractItemView;
 class QModelIndex;
 class QWidget;
 
-/// Remembers which cell `editor` was opened for; null is ignored.
+/// Stores in `editor` the cell for which it was opened. Ignores null.
 void RememberCell(QWidget* editor, const QModelIndex& index);
 
-/// Lets views share one delegate: what an editor reports reaches only the view that it stands in.
+/// Lets views share one delegate: signals about an editor reach only the view that contains it.
 ///
-/// Every view listens to its delegate, so two views of one delegate both hear of each editor. The one that does not
-/// know the editor complains, and at a Tab, which asks for the next cell, it opens an editor of its own. Where an edit
-/// makes its own row vanish (under a filter), the editor is put away without a further word to the view, which has
-/// forgotten it by then. Call once, when the views have the delegate; its editors must have been given to
-/// `RememberCell`.
+/// Each view is connected to its delegate, so with a shared delegate all views get the signals of every editor. A view
+/// that does not know the editor prints a warning and, at Tab (edit next cell), opens a second editor. If an edit
+/// removes its row (through the filter), the editor is only hidden, because the view has already released it. Call
+/// once, after the delegate is set on the views. `RememberCell` must be called for every editor.
 void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView*>& views);

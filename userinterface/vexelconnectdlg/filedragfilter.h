@@ -2,10 +2,10 @@
 
 #include <QObject>
 
-/// Makes a widget leave drags that carry files to the window around it.
+/// Makes a widget ignore drags that carry files, so that its window gets them.
 ///
-/// A file manager offers a dragged file as plain text as well, and a view would take that text for entries, a field for
-/// its own; the window is the one that knows what to do with files. What a widget declines, its parents are offered.
+/// File managers also offer a dragged file as plain text, which a view would read as entries and a line edit would
+/// insert. Qt offers a drag that a widget ignores to its parents.
 class FileDragFilter : public QObject
 {
     Q_OBJECT

@@ -7,13 +7,13 @@
 
 namespace {
 
-/// Rows that are measured, from the first visible one on: two screens full. More would be half of what a key stroke in
-/// the filter takes.
+/// Rows to measure from the first visible one: two screens. More would take half the time of a key stroke in the
+/// filter.
 constexpr int kMeasuredRows = 50;
 
 } // namespace
 
-void SizeOncePerBurst(QHeaderView* header, const QAbstractItemModel* model)
+void CoalesceColumnResizing(QHeaderView* header, const QAbstractItemModel* model)
 {
     header->setResizeContentsPrecision(kMeasuredRows);
     QObject::disconnect(model, &QAbstractItemModel::dataChanged, header, nullptr);
@@ -21,7 +21,7 @@ void SizeOncePerBurst(QHeaderView* header, const QAbstractItemModel* model)
     auto* const timer = new QTimer(header);
     timer->setSingleShot(true);
     timer->setInterval(0);
-    // By name, because the operation is for the toolkit's own signals.
+    // Called by name, because the slot is protected.
     QObject::connect(
         timer, &QTimer::timeout, header, [header] { QMetaObject::invokeMethod(header, "resizeSections"); });
     QObject::connect(model, &QAbstractItemModel::dataChanged, timer,

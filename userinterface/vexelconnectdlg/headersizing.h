@@ -3,9 +3,8 @@
 class QAbstractItemModel;
 class QHeaderView;
 
-/// Lets a header that sizes its columns by their contents do so once after a burst of changes in `model`.
+/// Makes a header in mode ResizeToContents resize once per burst of changes in `model`, not at every change.
 ///
-/// Left to itself it measures up to a thousand rows after every single change and before the view may go on, which
-/// makes a change of status in each of ten thousand entries take minutes. A change of the tick alone changes no width.
-/// Call once, when the header has the model.
-void SizeOncePerBurst(QHeaderView* header, const QAbstractItemModel* model);
+/// By default it measures up to a thousand rows after every change, so a status change of ten thousand entries takes
+/// minutes. Changes of the tick alone are skipped, because they change no width. Call once, after the model is set.
+void CoalesceColumnResizing(QHeaderView* header, const QAbstractItemModel* model);

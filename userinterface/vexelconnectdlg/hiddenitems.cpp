@@ -11,6 +11,6 @@ void SetItemHidden(QComboBox* comboBox, int row, bool hidden)
     if (!list || !items || !items->item(row))
         return;
     list->setRowHidden(row, hidden);
-    // The list knows what is hidden, the closed box does not: only missing flags keep keys and wheel off an item.
+    // The closed combo box ignores hidden rows; only the missing flags make keys and wheel skip an item.
     items->item(row)->setFlags(hidden ? Qt::ItemFlags(Qt::NoItemFlags) : Qt::ItemIsSelectable | Qt::ItemIsEnabled);
 }

@@ -2,7 +2,6 @@
 
 class QComboBox;
 
-/// Hides item `row` of `comboBox`, or shows it again. A hidden item cannot be picked: not from the open list, nor with
-/// arrow keys, wheel or typed letters. It can still be the current one. For boxes with the toolkit's own list and
-/// items.
+/// Hides or shows item `row` of `comboBox`. A hidden item cannot be selected from the popup, by arrow keys, wheel or
+/// typing, but can still be the current item. Only for combo boxes with Qt's default view and model.
 void SetItemHidden(QComboBox* comboBox, int row, bool hidden);

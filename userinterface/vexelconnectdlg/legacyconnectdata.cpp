@@ -26,7 +26,7 @@ Connection ConnectDataToConnection(const ConnectData& record)
 {
     Connection entry;
     entry.ConnectionName = record.m_sStationName;
-    // Containment, in ascending order: old records name their device more loosely ("Kite Echo/Ember").
+    // The first name contained in the text counts, because old records have texts such as "Kite Echo/Ember".
     for (int type = 0; type < Connection::kDeviceTypeCount; ++type) {
         if (record.m_sDeviceType.contains(Connection::DeviceTypeName(type), Qt::CaseInsensitive)) {
             entry.DeviceType = type;

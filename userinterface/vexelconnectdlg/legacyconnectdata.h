@@ -5,13 +5,13 @@
 
 class ConnectionsModel;
 
-/// The legacy record of `entry`, with index -1: the row number is given to it when it is written.
+/// Returns the legacy record of `entry`, with index -1: it gets its row number when it is written.
 ConnectData ConnectionToConnectData(const Connection& entry);
 
-/// The entry of a legacy record. A device type text that contains none of the known names leaves the default type.
+/// Returns the entry of a legacy record, with the default device type if the record's text contains no known name.
 Connection ConnectDataToConnection(const ConnectData& record);
 
-/// Writes every entry of `model`, in row order, as a legacy record into the configuration document
-/// "KiteResources/ConnectData", which the user-interface applications read, and saves it. Records left from an earlier,
-/// longer list stay; "ConnectionCount" bounds the valid ones.
+/// Writes all entries of `model`, in row order, as legacy records to the configuration document
+/// "KiteResources/ConnectData", which the user-interface applications read, and saves it. Does not remove the surplus
+/// records of a longer list; "ConnectionCount" is the number of valid ones.
 void ExportLegacyConnectData(const ConnectionsModel& model);

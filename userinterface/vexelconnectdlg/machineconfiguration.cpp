@@ -6,11 +6,10 @@
 
 namespace {
 
-/// Where a parameter's index begins in the name of its element: behind "Param".
+/// Position of a parameter's index in its element name, after "Param".
 constexpr qsizetype kIndexPosition = 5;
 
-/// The parameter count that `text` states, blanks around it allowed: 0 when it is no number, -1 when it is one that no
-/// int holds.
+/// Parses a parameter count, which may have spaces around it: 0 if it is not a number, -1 if it does not fit an int.
 int ParameterCount(const QString& text)
 {
     bool isNumber = false;
@@ -40,7 +39,7 @@ bool MachineConfiguration::Read(QXmlStreamReader& reader)
         if (reader.isStartElement())
             ReadApplication(reader);
     }
-    // What follows holds no application, but may hold an error.
+    // There are no further applications, but there may be an error.
     while (!reader.atEnd())
         ReadToken(reader);
     return true;
@@ -71,7 +70,7 @@ void MachineConfiguration::ReadApplication(QXmlStreamReader& reader)
 
 void MachineConfiguration::ReadStartup(QXmlStreamReader& reader, const QString& application)
 {
-    // By index, the executable at 0. Kept by number, because the file may name any: those above the count are ignored.
+    // By index, the executable at 0. A map, because the file may contain any index; those above the count are ignored.
     QMap<int, QString> slotTexts;
     int count = 0;
     while (!reader.atEnd()) {

@@ -5,16 +5,16 @@
 
 class QAbstractItemView;
 
-/// Lets the second press of a double click on one column of a view count as a click like any other.
+/// Makes a view emit `clicked` for the second click of a double click, too, on one column.
 ///
-/// The view itself reports a double click as one click and one double click. On a column where a click toggles, two
-/// quick clicks would then toggle once.
+/// By default a view emits `clicked` once for a double click. On a column where a click toggles a value, two quick
+/// clicks would then toggle it only once.
 class SecondClick : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param view receives the clicks; also the parent.
+    /// @param view the view, which also becomes the parent.
     SecondClick(QAbstractItemView* view, int column);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -4,6 +4,6 @@
 
 class QItemSelectionModel;
 
-/// The rows that are selected as a whole: those of `QItemSelectionModel::selectedRows`, from the first to the last,
-/// in a time that grows with the number of rows. The toolkit's own looks through all ranges for each row.
+/// Returns the rows of `QItemSelectionModel::selectedRows` in ascending order, in linear time. Qt's function searches
+/// all ranges for each row.
 QList<int> SelectedRows(const QItemSelectionModel& selection);

@@ -11,7 +11,7 @@ namespace {
 constexpr quint64 kSilentPeerTimeout = 10000; // ms
 
 constexpr auto kSourceFile = "userinterface/vexelconnectdlg/tcpserver";
-// The lines that the traces are known by.
+// The fixed line numbers of the traces.
 constexpr quint16 kLineCreated = 49;
 constexpr quint16 kLineCreationFailed = 54;
 constexpr quint16 kLineOpen = 68;
@@ -59,8 +59,8 @@ void TCPServer::OnRead(IInterface* pInterface, quint64 length)
 {
     if (length == 0)
         return;
-    // Deliberate behaviour of this link: the buffer of a successful read is never given back, only that of a failed one
-    // is. The connections library hands over at most 4 KiB at a time, so that is the most that one call of this costs.
+    // Deliberate: the buffer is freed only if the read fails and leaks after a successful one. The connections library
+    // delivers at most 4 KiB at a time, so each call of OnRead() leaks at most that.
     char* pBuffer = nullptr;
     try {
         pBuffer = new char[length];

@@ -6,31 +6,30 @@
 
 class QWidget;
 
-/// The server that the product's starter application calls to bring the dialog of the running product to the front.
+/// The server to which the product's starter connects to bring the dialog of the running product to the front.
 ///
-/// The call itself is the whole message: whatever the starter sends is read and dropped. Listens on "TCP::8451" from
-/// construction to destruction, or not at all where that fails, which is traced and harmless otherwise. GUI thread
-/// only; there the connections library calls back.
+/// The connection itself is the message; data from the starter is read and discarded. Listens on "TCP::8451" for the
+/// lifetime of the object. If that fails, the failure is only traced. GUI thread only; the callbacks come there, too.
 class TCPServer : public QObject, public IInterfaceCallback
 {
     Q_OBJECT
 
 public:
-    /// @param pWidget the widget to raise; not owned. It may be gone before the server is, if no event is processed in
+    /// @param pWidget the widget to raise; not owned. May be destroyed before the server if no event is processed in
     ///        between.
     explicit TCPServer(QWidget* pWidget);
     ~TCPServer() override;
 
-    /// Shows the widget and activates it, whether it is visible or not.
+    /// Shows and activates the widget, even if it is already visible.
     void OnOpen(IInterface* pInterface) override;
     void OnClose(IInterface* pInterface) override;
-    /// Takes `length` bytes from `pInterface`. What that throws is caught and traced.
+    /// Reads `length` bytes from `pInterface`. Catches and traces exceptions.
     void OnRead(IInterface* pInterface, quint64 length) override;
     void OnError(IInterface* pInterface) override;
-    /// Nothing: the server never answers.
+    /// Does nothing; the server never sends data.
     void OnWritten(IInterface* pInterface, quint64 length) override;
 
 private:
-    IInterface* m_pInterface = nullptr; // owned; null where the creation failed
+    IInterface* m_pInterface = nullptr; // owned; null if creation failed
     QWidget* const m_pWidget;
 };

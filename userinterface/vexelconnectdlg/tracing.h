@@ -2,11 +2,10 @@
 
 #include "platform/errorhandler.h"
 
-/// Reports a trace line if traces are wanted.
+/// Reports a trace line if traces are enabled.
 ///
-/// `message` is called for the text only then, so a place that reports costs one comparison while traces are off.
-/// `sourceFile` is the path that the product gives the reporting place, `line` its line: the number that is fixed for
-/// it where there is one, else `__LINE__`.
+/// Calls `message` for the text only then, so a trace costs one comparison while traces are off. `sourceFile` is the
+/// product's path of the reporting file; `line` is the trace's fixed line number, or else `__LINE__`.
 template <typename Message>
 void Trace(const char* sourceFile, quint16 line, Message&& message)
 {

@@ -12,7 +12,7 @@ struct Mapping
     QString application;
 };
 
-/// With the reader at the start element "Mapping": reads up to its end, or to an error.
+/// Reads from the start element "Mapping" up to its end or an error.
 Mapping ReadMapping(QXmlStreamReader& reader)
 {
     Mapping mapping;
@@ -35,9 +35,9 @@ Mapping ReadMapping(QXmlStreamReader& reader)
     return mapping;
 }
 
-/// Puts `mapping` into `executables` where that can be done.
-TypeMapping::Outcome Keep(const Mapping& mapping, const QMap<QString, QStringList>& startLists,
-                          QMap<int, QString>& executables)
+/// Adds `mapping` to `executables` if it is valid.
+TypeMapping::Outcome AddMapping(const Mapping& mapping, const QMap<QString, QStringList>& startLists,
+                                QMap<int, QString>& executables)
 {
     using Outcome = TypeMapping::Outcome;
     if (mapping.deviceType < 0)
@@ -68,10 +68,10 @@ bool TypeMapping::Read(QXmlStreamReader& reader, const QMap<QString, QStringList
             --depth;
         } else if (reader.isStartElement() && depth > 0 && reader.name() == u"Mapping") {
             const Mapping mapping = ReadMapping(reader);
-            // One that an error cuts short is none.
+            // Ignore a mapping that an error cuts off.
             if (reader.hasError())
                 continue;
-            const Outcome outcome = Keep(mapping, startLists, executables);
+            const Outcome outcome = AddMapping(mapping, startLists, executables);
             lastKept = outcome == Outcome::Kept;
             if (observer)
                 observer(mapping.deviceType, mapping.application, outcome);

@@ -8,33 +8,32 @@
 
 class QXmlStreamReader;
 
-/// The type/application mapping document: which executable serves which device type. Reader only, no file and no
-/// report in it.
+/// Parser for the type/application mapping document: which executable serves which device type. Neither opens files nor
+/// reports errors.
 namespace TypeMapping {
 
-/// What became of a mapping of the document.
+/// Result for one mapping of the document.
 enum class Outcome {
     Kept,
-    NoDeviceType,  ///< its device type is negative, missing or no number
-    NoApplication, ///< it names none
-    NoStartList    ///< it names an application without a start list
+    NoDeviceType,  ///< the device type is negative, missing or not a number
+    NoApplication, ///< the application is missing
+    NoStartList    ///< the application has no start list
 };
-/// Hears of each mapping, in document order.
+/// Called for each mapping, in document order.
 using Observer = std::function<void(int deviceType, const QString& application, Outcome outcome)>;
 
-/// Reads to the end of the document or to its first XML error, which the reader then has, and puts each mapping into
+/// Reads up to the end of the document or the first XML error (check `reader.hasError()`) and adds each mapping to
 /// `executables`, by device type; a later one replaces an earlier one.
 ///
-/// A mapping names an executable (a text with ".exe" in it) or an application, whose executable is the first element
-/// of its list in `startLists`. A mapping without an application, one of an application without a start list, and
-/// one whose device type is negative, missing or no number, is dropped.
+/// A mapping contains an executable (a text with ".exe" in it) or an application, whose executable is the first element
+/// of its list in `startLists`. Mappings with any other `Outcome` than `Kept` are dropped.
 ///
-/// Returns whether the last mapping of the document was kept; false when there was none.
+/// Returns whether the last mapping of the document was kept; false if there was none.
 bool Read(QXmlStreamReader& reader, const QMap<QString, QStringList>& startLists, QMap<int, QString>& executables,
           const Observer& observer = {});
 
-/// By device type of `executables`, in the order of `applications` and each once: the applications whose start list
-/// begins with the type's executable. A type that none serves is missing.
+/// Returns, by device type of `executables`, the applications whose start list begins with the type's executable, in
+/// the order of `applications` and without duplicates. Device types without an application are left out.
 QMap<int, QStringList> ServingApplications(QStringList applications, const QMap<QString, QStringList>& startLists,
                                            const QMap<int, QString>& executables);
 

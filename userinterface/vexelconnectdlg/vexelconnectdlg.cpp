@@ -13,7 +13,7 @@ namespace {
 const QString kTranslationDomain = QStringLiteral("VexelConnectDlg");
 
 template <typename Object>
-void DeleteAndForget(Object*& pointer)
+void DeleteAndReset(Object*& pointer)
 {
     delete std::exchange(pointer, nullptr);
 }
@@ -25,7 +25,7 @@ VexelConnectDlgDLL::VexelConnectDlgDLL(const QString& name)
 {
     TranslationCenter::Instance().Register(kTranslationDomain);
     m_pModel = new ConnectionsModel(nullptr, QStringLiteral("ConnectionsModel"));
-    // Whatever was stored: nothing that an earlier run started is known to this one.
+    // The stored statuses are obsolete: this process does not know the applications of an earlier run.
     m_pModel->ResetConnectionStatus();
     m_pAppCounter = new AppCounter(m_pModel, name);
     m_pGui = new VexelConnectDlgGUI(nullptr, m_pModel, m_pAppCounter);
@@ -35,18 +35,18 @@ VexelConnectDlgDLL::VexelConnectDlgDLL(const QString& name)
 VexelConnectDlgDLL::~VexelConnectDlgDLL()
 {
     TranslationCenter::Instance().Unregister(kTranslationDomain);
-    // The dialog stores the filter, then the model the entries. Launcher and server outlive the two and
-    // leave them alone.
-    DeleteAndForget(m_pGui);
-    DeleteAndForget(m_pModel);
-    DeleteAndForget(m_pAppCounter);
-    DeleteAndForget(m_pTcpServer);
+    // The dialog stores the filter, then the model stores the entries. Launcher and server are deleted last and do not
+    // access either.
+    DeleteAndReset(m_pGui);
+    DeleteAndReset(m_pModel);
+    DeleteAndReset(m_pAppCounter);
+    DeleteAndReset(m_pTcpServer);
 }
 
 void VexelConnectDlgDLL::SaveSettings()
 {
-    // The session may end while the dialog says that a file could not be read.
-    m_pGui->SettleImport();
+    // The session may end while the message box about a failed import is open.
+    m_pGui->RollBackImport();
     m_pGui->StoreFilterSettings();
     m_pModel->SetConfiguration();
 }

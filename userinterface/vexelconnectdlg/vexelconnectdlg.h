@@ -9,18 +9,18 @@ class ConnectionsModel;
 class TCPServer;
 class VexelConnectDlgGUI;
 
-/// One instance of the plug-in: owns the list of entries, the launcher, the dialog and the link to the
-/// starter, and saves and tears them down. GUI thread only.
+/// One instance of the plug-in: owns the list of entries, the launcher, the dialog and the server for the starter. GUI
+/// thread only.
 class VexelConnectDlgDLL : public IDllInstance
 {
 public:
-    /// Builds everything; the entries come from the configuration, all of them "Free". The dialog is not shown.
-    /// @param name the instance name; also names the configuration that may hold the path of the mapping file.
+    /// Creates all parts and loads the entries from the configuration, with status "Free". Does not show the dialog.
+    /// @param name the instance name, and the name of the configuration that may contain the path of the mapping file.
     explicit VexelConnectDlgDLL(const QString& name);
-    /// Tears everything down; filter and entries are put into the configuration.
+    /// Deletes all parts and writes filter and entries to the configuration.
     ~VexelConnectDlgDLL() override;
 
-    /// Puts the filter, then the entries into the configuration.
+    /// Writes the filter, then the entries to the configuration.
     void SaveSettings() override;
 
 private:
@@ -33,10 +33,10 @@ private:
 /// The library's two exported functions.
 extern "C" {
 
-/// A new instance of the plug-in; the caller gives it back through `ARDestroy`.
-/// @param name NUL-terminated, in the platform's wide characters; must not be null.
+/// Returns a new instance of the plug-in, to be deleted with `ARDestroy`.
+/// @param name the instance name, null-terminated; must not be null.
 Q_DECL_EXPORT IDllInstance* ARCreateEx(const wchar_t* name);
 
-/// Deletes an instance; null is ignored.
+/// Deletes an instance. Ignores null.
 Q_DECL_EXPORT void ARDestroy(IDllInstance* instance);
 }

@@ -59,7 +59,7 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
     setupUi(this);
     setObjectName(QStringLiteral("VexelConnectDlgGUI"));
     setAcceptDrops(true);
-    // The tool tip points to the "?" button, which dialogs no longer have unless they ask for it.
+    // A tool tip refers to the "?" button, which dialogs do not have by default.
     setWindowFlag(Qt::WindowContextHelpButtonHint);
 
     connect(
@@ -83,21 +83,21 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
     m_pProxyModel = new ConnectionFilterModel(this);
     m_pProxyModel->setSourceModel(m_pModel);
     m_pDelegate = new ConnectionsDelegate(this);
-    CoupleViews();
-    FillColumnChoice();
-    ShareOutColumns();
+    SetUpViews();
+    FillFilterColumns();
+    DistributeColumns();
     SetUpHeaders();
 
     SlotShowDetails(false);
     SlotShowFilter(false);
-    UpdateColumnChoice();
+    UpdateFilterColumns();
     RestoreFilterSettings();
 }
 
 VexelConnectDlgGUI::~VexelConnectDlgGUI()
 {
     StoreFilterSettings();
-    // An open editor is committed while the window goes, and nobody here may hear of it any more.
+    // Destroying the window commits an open editor. This object must not handle the change any more.
     disconnect(m_pModel, nullptr, this, nullptr);
     m_pModel = nullptr;
     m_pProxyModel = nullptr;
@@ -105,12 +105,12 @@ VexelConnectDlgGUI::~VexelConnectDlgGUI()
     m_pContextMenu = nullptr;
 }
 
-void VexelConnectDlgGUI::CoupleViews()
+void VexelConnectDlgGUI::SetUpViews()
 {
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         view->setModel(m_pProxyModel);
         view->setItemDelegate(m_pDelegate);
-        // All rows are one line high; measuring each of ten thousand would only find that out.
+        // All rows are one line high, so Qt need not measure ten thousand of them.
         view->setUniformRowHeights(true);
     }
     QItemSelectionModel* const ownSelection = m_pDetailsView->selectionModel();
@@ -126,15 +126,15 @@ void VexelConnectDlgGUI::CoupleViews()
 
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         new SecondClick(view, ConnectionsModel::ColumnSelected);
-        // Queued, because a view announces its range in the middle of its layout.
-        connect(view->horizontalScrollBar(), &QScrollBar::rangeChanged, this, &VexelConnectDlgGUI::AlignHeights,
-                Qt::QueuedConnection);
+        // Queued, because a view emits the signal during its layout.
+        connect(view->horizontalScrollBar(), &QScrollBar::rangeChanged, this,
+                &VexelConnectDlgGUI::SynchronizeScrollBars, Qt::QueuedConnection);
     }
 }
 
-void VexelConnectDlgGUI::AlignHeights()
+void VexelConnectDlgGUI::SynchronizeScrollBars()
 {
-    // A bar below one view alone would make it lower than the other, and its end another.
+    // A scroll bar in only one view would make its viewport lower than the other's, with a different scroll range.
     const auto needsBar = [](const QTreeView* view) {
         const QScrollBar* const bar = view->horizontalScrollBar();
         return !view->isHidden() && bar->maximum() > bar->minimum();
@@ -145,7 +145,7 @@ void VexelConnectDlgGUI::AlignHeights()
     m_pDetailsView->setHorizontalScrollBarPolicy(policy);
 }
 
-void VexelConnectDlgGUI::FillColumnChoice()
+void VexelConnectDlgGUI::FillFilterColumns()
 {
     m_pFilterColumnComboBox->clear();
     for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
@@ -155,7 +155,7 @@ void VexelConnectDlgGUI::FillColumnChoice()
     }
 }
 
-void VexelConnectDlgGUI::ShareOutColumns()
+void VexelConnectDlgGUI::DistributeColumns()
 {
     m_basicColumns = {ConnectionsModel::ColumnSelected, ConnectionsModel::ColumnName, ConnectionsModel::ColumnStatus,
                       ConnectionsModel::ColumnDeviceType};
@@ -171,12 +171,12 @@ void VexelConnectDlgGUI::SetUpHeaders()
     QHeaderView* const basicHeader = m_pBasicView->header();
     QHeaderView* const detailsHeader = m_pDetailsView->header();
     basicHeader->setIconSize(QSize(14, 14));
-    // One order for both: the arrow stands in the column that is sorted, in whichever view shows it, and in no other.
+    // Both views share one order: the sort indicator is on the sorted column, in the view that shows it.
     basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
     detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
-    // Behind all that would make them measure the list.
-    SizeOncePerBurst(basicHeader, m_pProxyModel);
-    SizeOncePerBurst(detailsHeader, m_pProxyModel);
+    // After everything that would make the headers measure the list.
+    CoalesceColumnResizing(basicHeader, m_pProxyModel);
+    CoalesceColumnResizing(detailsHeader, m_pProxyModel);
     basicHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
     detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
 
@@ -184,7 +184,7 @@ void VexelConnectDlgGUI::SetUpHeaders()
     connect(detailsHeader, &QHeaderView::sortIndicatorChanged, basicHeader, &QHeaderView::setSortIndicator);
 }
 
-void VexelConnectDlgGUI::UpdateColumnChoice()
+void VexelConnectDlgGUI::UpdateFilterColumns()
 {
     for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
         const bool shown = column != ConnectionsModel::ColumnSelected &&
@@ -236,7 +236,7 @@ void VexelConnectDlgGUI::SlotDelete()
     }
     for (int& row : rows)
         row = m_pProxyModel->mapToSource(m_pProxyModel->index(row, 0)).row();
-    // Nothing of the selection outlives the removal, and keeping it up to date through every step costs the most.
+    // No selection remains after the removal, and updating it at every step would take most of the time.
     selection->clearSelection();
     m_pModel->RemoveEntries(rows);
 }
@@ -244,8 +244,8 @@ void VexelConnectDlgGUI::SlotDelete()
 void VexelConnectDlgGUI::SlotShowDetails(bool bShow)
 {
     m_pDetailsView->setVisible(bShow);
-    UpdateColumnChoice();
-    AlignHeights();
+    UpdateFilterColumns();
+    SynchronizeScrollBars();
 }
 
 void VexelConnectDlgGUI::SlotShowFilter(bool bShow)
@@ -319,8 +319,8 @@ void VexelConnectDlgGUI::SlotExport()
 
 bool VexelConnectDlgGUI::Import(const QString& fileName)
 {
-    // Whoever calls this while the box about an earlier import is open means the entries that were there.
-    SettleImport();
+    // If the message box of an earlier import is still open, the backup must have the entries from before that.
+    RollBackImport();
     QByteArray backup = m_pModel->ToByteArray();
     if (fileName.isEmpty()) {
         Trace(
@@ -341,11 +341,11 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
-    SettleImport();
+    RollBackImport();
     return false;
 }
 
-void VexelConnectDlgGUI::SettleImport()
+void VexelConnectDlgGUI::RollBackImport()
 {
     if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt))
         LoadEntries(*entries);
@@ -353,12 +353,11 @@ void VexelConnectDlgGUI::SettleImport()
 
 bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
 {
-    // Each entry is announced by itself. Putting each in its place among those before it takes the square of their
-    // number; sorted once at the end they are all where they belong.
+    // The model inserts entries one by one. Sorting each in would take quadratic time, so sort once at the end.
     m_pProxyModel->setDynamicSortFilter(false);
     const bool loaded = m_pModel->FromByteArray(document);
     m_pProxyModel->setDynamicSortFilter(true);
-    // Statuses were reset while nobody filtered anew.
+    // The statuses changed while the filter was not dynamic.
     SlotUpdateFilter();
     return loaded;
 }
@@ -407,7 +406,7 @@ void VexelConnectDlgGUI::dropEvent(QDropEvent* event)
     else if (urls.size() > 1)
         ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
     else if (!QApplication::activeModalWidget()) {
-        // Not while a box is open: what it says of the entries would no longer hold.
+        // Not while a message box is open: its text about the entries would become wrong.
         Import(urls.first().toLocalFile());
     }
 }
@@ -426,7 +425,7 @@ void VexelConnectDlgGUI::showEvent(QShowEvent* event)
 void VexelConnectDlgGUI::ShowInfo(const QString& text)
 {
     QMessageBox box(QMessageBox::Information, tr("Info"), text, QMessageBox::Ok, this);
-    // File names are shown as they are, also where they look like markup.
+    // File names may contain markup.
     box.setTextFormat(Qt::PlainText);
     box.exec();
 }

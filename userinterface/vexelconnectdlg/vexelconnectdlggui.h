@@ -16,32 +16,33 @@ class ConnectionsModel;
 class QMenu;
 class QSortFilterProxyModel;
 
-/// The connect dialog: the list of connection entries in two coupled views, with everything an operator can do to it.
+/// The connect dialog: shows the list of connection entries in two synchronised views and lets the operator change it.
 ///
-/// The basic view shows tick, name, status and device type, the details view beside it the other columns of the same
-/// rows; both share rows, order, selection and scroll position. Shown and hidden as often as wanted; all state lives on
-/// while it is hidden. The filter's inputs are stored at destruction. GUI thread only.
+/// The basic view shows tick, name, status and device type; the details view beside it shows the other columns. Both
+/// share rows, order, selection and scroll position. The dialog can be hidden and shown again without losing state. The
+/// destructor stores the filter's inputs. GUI thread only.
 class VexelConnectDlgGUI : public QDialog, public Ui::VexelConnectDlg
 {
     Q_OBJECT
 
 public:
-    /// Neither `model` nor `appCounter` is owned; both must be there as long as the dialog is used, and the model until
-    /// it is destroyed.
+    /// `model` and `appCounter` are not owned. Both must exist as long as the dialog is used, the model until the
+    /// dialog is destroyed.
     VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model, AppCounter* appCounter);
     ~VexelConnectDlgGUI() override;
 
-    /// Replaces all entries by those of the file. Whatever goes wrong is told in a box, and the entries stay as they
-    /// were but for their statuses, which become "Free", and for characters that XML cannot hold. Returns whether the
-    /// entries were replaced.
+    /// Replaces all entries by those of the file. On failure, shows a message box and keeps the entries, except that
+    /// their statuses become "Free" and characters that XML does not allow are removed. Returns whether the entries
+    /// were replaced.
     bool Import(const QString& fileName);
-    /// While the box about a failed import is open the list holds what the file gave, which may be nothing. Puts the
-    /// entries back at once, for whoever stores the list in that moment; else does nothing.
-    void SettleImport();
-    /// Writes all entries into the file: after a failure, which is only traced, it is as it was before.
+    /// Restores the entries from before a failed import whose message box is still open. Until the box is closed the
+    /// list has the entries read from the file, possibly none. Call before storing the list. Does nothing at other
+    /// times.
+    void RollBackImport();
+    /// Writes all entries to the file. On failure, which is only traced, the file is unchanged.
     void Export(const QString& fileName);
 
-    /// Writes all entries in the form that the user-interface applications read, and saves them.
+    /// Writes all entries to the configuration, as the legacy records of the user-interface applications, and saves it.
     void WriteLegacyConnectData();
 
     void StoreFilterSettings();
@@ -69,16 +70,16 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void CoupleViews();
-    void AlignHeights();
-    void FillColumnChoice();
-    void UpdateColumnChoice();
-    void ShareOutColumns();
+    void SetUpViews();
+    void SynchronizeScrollBars();
+    void FillFilterColumns();
+    void UpdateFilterColumns();
+    void DistributeColumns();
     void SetUpHeaders();
     bool LoadEntries(const QByteArray& document);
     void ShowInfo(const QString& text);
 
-    std::optional<QByteArray> m_entriesBeforeImport; // while the box about a failed import is open
+    std::optional<QByteArray> m_entriesBeforeImport; // while the message box about a failed import is open
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;

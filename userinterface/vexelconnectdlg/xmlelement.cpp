@@ -11,7 +11,7 @@ QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader)
 
 namespace {
 
-/// Goes on until `depth` open elements have ended; the current token counts.
+/// Reads until `depth` open elements have ended, starting with the current token.
 void SkipOpenElements(QXmlStreamReader& reader, int depth)
 {
     while (!reader.atEnd()) {

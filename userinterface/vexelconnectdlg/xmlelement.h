@@ -3,14 +3,14 @@
 #include <QString>
 #include <QXmlStreamReader>
 
-/// Steps through documents that are not this program's own; see `RefuseEntityDeclarations`.
+/// Helpers to read untrusted XML documents; see `RefuseEntityDeclarations`.
 
-/// Reads the next token. `Invalid` at an error, and after one.
+/// Reads the next token. Returns `Invalid` on and after an error.
 QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader);
 
-/// With the reader at a start element: goes on to the end of that element, or to an error.
+/// Reads from a start element up to its end element or an error.
 void SkipElement(QXmlStreamReader& reader);
 
-/// With the reader at a start element: the text that directly follows the start tag, and nothing of what comes after a
-/// comment or another element. Goes on to the end of the element, or to an error.
+/// Reads from a start element up to its end element or an error. Returns the text directly after the start tag, without
+/// any text after a comment or a child element.
 QString ReadElementText(QXmlStreamReader& reader);

@@ -4,9 +4,8 @@
 
 void RefuseEntityDeclarations(QXmlStreamReader& reader)
 {
-    // The first token of every document is its start, so this is in force before any document type is read: an entity
-    // longer than the reference to it is an error from then on. What stays possible within the document type cannot
-    // grow it.
+    // The first token is always StartDocument, so the limit is set before any document type is read. From then on an
+    // entity that is longer than its reference is an error, so expansion within the document type cannot grow the text.
     reader.setEntityExpansionLimit(0);
     if (reader.tokenType() == QXmlStreamReader::DTD && !reader.entityDeclarations().isEmpty())
         reader.raiseError(QStringLiteral("Entity declarations are not supported."));

@@ -2,11 +2,10 @@
 
 class QXmlStreamReader;
 
-/// Call after every `readNext()` on a document that is not this program's own. Gives the reader an XML error when the
-/// document type just read declares entities; `tokenType()` is then `Invalid`, as after any error.
+/// Call after every `readNext()` on an untrusted document. Raises an XML error if the document type just read declares
+/// entities; `tokenType()` is then `Invalid`, as after any error.
 ///
-/// The reader of this Qt can be kept busy for ever, or be made to fill the memory, by entities that refer to one
-/// another. None of the documents read here has a use for entities of its own, so nothing of them is ever expanded:
-/// not in the text that follows the document type, and not within the document type itself, where parameter entities
-/// would grow before a caller sees the token.
+/// Entities that refer to one another can make the reader of this Qt version loop forever or exhaust the memory. No
+/// document read here needs entities, so none is ever expanded: neither in the text after the document type nor within
+/// the document type, where parameter entities would be expanded before the caller sees the token.
 void RefuseEntityDeclarations(QXmlStreamReader& reader);
