@@ -31,8 +31,8 @@ inline Connection Entry(const QString& name, int deviceType = Connection::KiteEc
     return entry;
 }
 
-/// The dialog as the plug-in builds it, with a configuration in memory, an own data directory, and model testers for the
-/// model and the proxy. Widgets are found by object name.
+/// The dialog as the plug-in builds it, with a configuration in memory, an own data directory, and model testers for
+/// the model and the proxy. Widgets are found by object name.
 class DialogFixture
 {
 public:

@@ -46,9 +46,9 @@ public:
 
     static QString Program() { return kProgram; }
 
-    /// Behaviour of children that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
-    /// killed, "polite": exit on request, "stubborn": ignore the request, "print" `number` bytes before they report, or
-    /// "print-forever".
+    /// Behaviour of children that are started from now on: "exit" with the code `number`, "crash", "stay" until they
+    /// are killed, "polite": exit on request, "stubborn": ignore the request, "print" `number` bytes before they
+    /// report, or "print-forever".
     void Behave(const char* mode, int number = 0)
     {
         qputenv("VEXEL_TESTCHILD_MODE", mode);
@@ -135,10 +135,7 @@ public:
     bool WriteMachine(const QString& document) const { return Write(MachineFile(), document); }
     bool WriteMappings(const QString& document) const { return Write(MappingFile(), document); }
 
-    static bool Write(const QString& path, const QString& content)
-    {
-        return Files::Write(path, content.toUtf8());
-    }
+    static bool Write(const QString& path, const QString& content) { return Files::Write(path, content.toUtf8()); }
 
     /// The machine configuration element of an application that is started by `executable`.
     static QString Application(const QString& name, const QString& executable)

@@ -121,7 +121,8 @@ void TestAppCounter::cleanup()
 
 void TestAppCounter::declaresOneSlot()
 {
-    QCOMPARE(Declaration(AppCounter::staticMetaObject), (QStringList{s("AppCounter : QObject"), s("slot SlotOnProcessExit()")}));
+    QCOMPARE(Declaration(AppCounter::staticMetaObject),
+             (QStringList{s("AppCounter : QObject"), s("slot SlotOnProcessExit()")}));
 }
 
 void TestAppCounter::missingDataDirectoryIsTraced()
@@ -590,8 +591,7 @@ void TestAppCounter::installedApplicationsFollowMappings()
                                DataDirectory::Application(s("Unmapped"), s("unmapped.exe"))),
         DataDirectory::Mappings(DataDirectory::Mapping(14, s("Alpha")) + DataDirectory::Mapping(1, s("same.exe")) +
                                 DataDirectory::Mapping(4, s("Other")) + DataDirectory::Mapping(9, s("missing.exe")) +
-                                DataDirectory::Mapping(20, s("Other")) +
-                                DataDirectory::Mapping(6, s("Unmapped"))));
+                                DataDirectory::Mapping(20, s("Other")) + DataDirectory::Mapping(6, s("Unmapped"))));
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
     // All applications with the executable of the type, in the order of the machine file.
     QCOMPARE(counter->InstalledApplications(1), l("Zeta Alpha"));

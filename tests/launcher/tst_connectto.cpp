@@ -131,8 +131,9 @@ void TestConnectTo::argumentsReachTheProgram_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("name") << 6 << QStringList{s("Server"), s("Mast \"7\" & north\\")};
     QTest::newRow("driver address") << 1 << QStringList{s("Server"), s("Connection=driver.example:27061")};
-    QTest::newRow("multichannel server")
-        << 2 << QStringList{s("Server"), s("MCS"), s("MCSMaster"), s("Connection=driver.example:27081")};
+    QTest::newRow("multichannel server") << 2
+                                         << QStringList{s("Server"), s("MCS"), s("MCSMaster"),
+                                                        s("Connection=driver.example:27081")};
     QTest::newRow("unsupported type") << 9 << QStringList{};
 }
 
