@@ -31,6 +31,11 @@ inline Connection Entry(const QString& name, int deviceType = Connection::KiteEc
     return entry;
 }
 
+inline Connection Entry(const char* name, int deviceType = Connection::KiteEcho, bool selected = false)
+{
+    return Entry(QString::fromUtf8(name), deviceType, selected);
+}
+
 /// The dialog as the plug-in builds it, with a configuration in memory, an own data directory, and model testers for
 /// the model and the proxy. Widgets are found by object name.
 class DialogFixture
@@ -119,6 +124,7 @@ public:
     }
 
     QModelIndex ProxyIndex(const QString& name, int column) const { return Proxy()->index(ProxyRow(name), column); }
+    QModelIndex ProxyIndex(const char* name, int column) const { return ProxyIndex(QString::fromUtf8(name), column); }
 
     /// Names in the order in which the views show them.
     QStringList ShownNames() const

@@ -53,7 +53,7 @@ void TestDialogConnect::cleanup()
 void TestDialogConnect::connectHidesStoresAndStarts()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two")),
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two"),
                     Entry(QStringLiteral("three"), Connection::KiteBravo, true, QStringLiteral("10.0.0.3"))});
     m_fixture->Show();
     MessageBoxes boxes;
@@ -81,8 +81,7 @@ void TestDialogConnect::connectHidesStoresAndStarts()
 void TestDialogConnect::entriesAreFreeAfterProcessesEnd()
 {
     m_child->Behave("exit", 3);
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
-                    Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
     QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
     m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), (QList<int>{1, 1}));
@@ -95,7 +94,7 @@ void TestDialogConnect::entriesAreFreeAfterProcessesEnd()
 void TestDialogConnect::recordsAreWrittenBeforeFirstStart()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two")});
     QString countAtFirstStart = QStringLiteral("not started");
     connect(m_fixture->model, &QAbstractItemModel::dataChanged, this,
             [&] { countAtFirstStart = ConfigNodes::LegacyCount(QStringLiteral("none")); });
@@ -106,7 +105,7 @@ void TestDialogConnect::recordsAreWrittenBeforeFirstStart()
 void TestDialogConnect::hiddenEntriesAreConnected()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two")});
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("two"));
     QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("two")});
     m_fixture->ConnectButton()->click();
@@ -117,8 +116,7 @@ void TestDialogConnect::hiddenEntriesAreConnected()
 void TestDialogConnect::entriesStartInModelOrder()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("z"), Connection::KiteEcho, true),
-                    Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("z", Connection::KiteEcho, true), Entry("a", Connection::KiteEcho, true)});
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 2);
     QStringList firstApplication;
@@ -132,10 +130,10 @@ void TestDialogConnect::entriesStartInModelOrder()
 void TestDialogConnect::entriesInUseAreSkipped()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 1);
-    m_fixture->Add({Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("two", Connection::KiteEcho, true)});
     m_fixture->dialog->SlotConnect();
     QTRY_COMPARE(m_child->Count(), 2);
     QCOMPARE(m_fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 2);
@@ -144,8 +142,7 @@ void TestDialogConnect::entriesInUseAreSkipped()
 void TestDialogConnect::problemBoxDoesNotStopConnect()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("no <b>%1</b>"), Connection::Heron, true),
-                    Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("no <b>%1</b>", Connection::Heron, true), Entry("two", Connection::KiteEcho, true)});
     MessageBoxes boxes;
     m_fixture->ConnectButton()->click();
     QCOMPARE(boxes.Count(), 1);
@@ -164,7 +161,7 @@ void TestDialogConnect::failedStartLeavesEntryFree()
     m_fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, m_fixture->DataPath(QStringLiteral("gone")));
     m_fixture->Build();
     m_fixture->model->removeRows(0, m_fixture->model->rowCount());
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
     MessageBoxes boxes;
     TraceRecorder traces;
     m_fixture->ConnectButton()->click();
@@ -179,8 +176,7 @@ void TestDialogConnect::failedStartLeavesEntryFree()
 void TestDialogConnect::destructionEndsApplications()
 {
     m_child->Behave("stubborn");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
-                    Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 2);
     m_fixture->TearDown();

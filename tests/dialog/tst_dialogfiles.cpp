@@ -64,11 +64,11 @@ private:
     QByteArray ThreeEntries()
     {
         ConnectionsModel other(nullptr, QString());
-        Connection inUse = Entry(QStringLiteral("two"));
+        Connection inUse = Entry("two");
         inUse.ConnectionStatus = Connection::InUse;
-        other.AddConnection(Entry(QStringLiteral("one"), Connection::KiteBravo, true));
+        other.AddConnection(Entry("one", Connection::KiteBravo, true));
         other.AddConnection(inUse);
-        other.AddConnection(Entry(QStringLiteral("three")));
+        other.AddConnection(Entry("three"));
         return other.ToByteArray();
     }
 
@@ -107,7 +107,7 @@ private:
 void TestDialogFiles::exportWritesWholeList()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("b"), Connection::KiteBravo, true), Entry(QStringLiteral("a & <b>"))});
+    m_fixture->Add({Entry("b", Connection::KiteBravo, true), Entry("a & <b>")});
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nothing matches this"));
     MessageBoxes boxes;
     TraceRecorder traces;
@@ -154,7 +154,7 @@ void TestDialogFiles::exportWithoutNameIsTraced()
 void TestDialogFiles::importReplacesList()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("old"))});
+    m_fixture->Add({Entry("old")});
     MessageBoxes boxes;
     QVERIFY(m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries())));
     QCOMPARE(boxes.Count(), 0);
@@ -182,8 +182,7 @@ void TestDialogFiles::failedImportKeepsList()
 {
     QFETCH(QByteArray, content);
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("z"), Connection::Heron, true), Entry(QStringLiteral("a")),
-                    Entry(QStringLiteral("m"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("z", Connection::Heron, true), Entry("a"), Entry("m", Connection::KiteEcho, true)});
     const QByteArray before = m_fixture->model->ToByteArray();
     const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), content);
     MessageBoxes boxes;
@@ -199,7 +198,7 @@ void TestDialogFiles::failedImportKeepsList()
 void TestDialogFiles::importWithoutNameIsReported()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     MessageBoxes boxes;
     TraceRecorder traces;
@@ -218,7 +217,7 @@ void TestDialogFiles::importWithoutNameIsReported()
 void TestDialogFiles::importOfUnreadableFileIsReported()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     const QString pipe = System::MakePipe(m_fixture->DataPath(QStringLiteral("pipe.xml")));
     QVERIFY(!pipe.isEmpty());
     const QString huge = m_fixture->WriteFile(QStringLiteral("huge.xml"), ThreeEntries());
@@ -265,7 +264,7 @@ void TestDialogFiles::noTraceWhileTracesAreOff()
 void TestDialogFiles::actionsAskForTheFile()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     const QString path = m_fixture->DataPath(QStringLiteral("exported.xml"));
     AnswerFileDialog(path);
@@ -300,7 +299,7 @@ void TestDialogFiles::cancelledExportDoesNothing()
 void TestDialogFiles::cancelledImportReportsEmptyName()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("b"), Entry("a")});
     m_fixture->Show();
     MessageBoxes boxes;
     AnswerFileDialog(QString());
@@ -343,7 +342,7 @@ void TestDialogFiles::droppedFileIsImported()
 {
     QFETCH(QByteArray, target);
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("old"))});
+    m_fixture->Add({Entry("old")});
     m_fixture->Show();
     const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
     QMimeData data;
@@ -370,7 +369,7 @@ void TestDialogFiles::dropOfOtherThanOneFileIsReported()
     QFETCH(int, count);
     QFETCH(QString, text);
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries());
     QMimeData data;
@@ -390,7 +389,7 @@ void TestDialogFiles::dropOfOtherThanOneFileIsReported()
 void TestDialogFiles::dropOfRemoteUrlIsReported()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     for (const char* url : {"http://192.0.2.1/list.xml", "::::", "file:"}) {
         QMimeData data;
@@ -405,7 +404,7 @@ void TestDialogFiles::dropOfRemoteUrlIsReported()
 void TestDialogFiles::dropDuringImportBox()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("b"), Entry("a")});
     m_fixture->Show();
     QMimeData two;
     two.setUrls({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
@@ -441,7 +440,7 @@ void TestDialogFiles::importDuringImportBox()
 {
     QFETCH(bool, good);
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("b"), Entry("a")});
     const QString bad = m_fixture->WriteFile(QStringLiteral("bad.xml"), "bad");
     const QString other = good ? m_fixture->WriteFile(QStringLiteral("good.xml"), ThreeEntries()) : bad;
 
@@ -463,7 +462,7 @@ void TestDialogFiles::importDuringImportBox()
 void TestDialogFiles::dropWithoutUrlsIsIgnored()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     QMimeData data;
     data.setData(QStringLiteral("text/plain"), ThreeEntries());
     MessageBoxes boxes;
@@ -483,7 +482,7 @@ void TestDialogFiles::dropWithoutUrlsIsIgnored()
 void TestDialogFiles::dropIsAcceptedWhileEntriesAreInUse()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     m_fixture->Show();
     QMimeData good;
@@ -506,7 +505,7 @@ void TestDialogFiles::dropIsAcceptedWhileEntriesAreInUse()
 void TestDialogFiles::rowsDroppedOnTableAreCopied()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteBravo, true), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a", Connection::KiteBravo, true), Entry("b")});
     m_fixture->Show();
     const std::unique_ptr<QMimeData> rows(m_fixture->Proxy()->mimeData({m_fixture->Proxy()->index(0, 0)}));
     QVERIFY(DialogFixture::DragEnter(m_fixture->BasicView()->viewport(), *rows));

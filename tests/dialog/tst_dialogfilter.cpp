@@ -131,8 +131,7 @@ void TestDialogFilter::typedPatternFilters()
 void TestDialogFilter::columnBoxChoosesWhereToSearch()
 {
     m_fixture->Build();
-    m_fixture->Add(
-        {Entry(QStringLiteral("Cobra"), Connection::KiteEcho), Entry(QStringLiteral("x"), Connection::KiteCobra)});
+    m_fixture->Add({Entry("Cobra", Connection::KiteEcho), Entry("x", Connection::KiteCobra)});
     Pattern()->setText(QStringLiteral("cobra"));
     QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("Cobra")});
     Column()->setCurrentIndex(ConnectionsModel::ColumnDeviceType);
@@ -173,7 +172,7 @@ void TestDialogFilter::activeLabelShowsHiddenFilter()
 void TestDialogFilter::hidingFrameKeepsFilter()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Show();
     m_fixture->Action("m_pFilterAction")->trigger();
     QTest::keyClicks(Pattern(), QStringLiteral("b"));
@@ -196,7 +195,7 @@ void TestDialogFilter::settingsAreRestored()
     QCOMPARE(Column()->currentIndex(), 3);
     QCOMPARE(Pattern()->text(), QStringLiteral("b*o"));
     QCOMPARE(Mode()->currentIndex(), 1);
-    m_fixture->Add({Entry(QStringLiteral("x"), Connection::KiteBravo), Entry(QStringLiteral("y"))});
+    m_fixture->Add({Entry("x", Connection::KiteBravo), Entry("y")});
     QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("x")});
 }
 

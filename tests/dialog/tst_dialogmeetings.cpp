@@ -53,10 +53,10 @@ private slots:
     {
         m_fixture->Build();
         ConnectionsModel other(nullptr, QString());
-        Connection used = Entry(QStringLiteral("used"));
+        Connection used = Entry("used");
         used.ConnectionStatus = Connection::InUse;
         other.AddConnection(used);
-        other.AddConnection(Entry(QStringLiteral("free")));
+        other.AddConnection(Entry("free"));
         m_fixture->Find<QComboBox>("m_pFilterColumnComboBox")->setCurrentIndex(ConnectionsModel::ColumnStatus);
         auto* const pattern = m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit");
         const QString path = m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray());
@@ -101,10 +101,10 @@ private slots:
     void doubleClickOnTickTogglesTwice()
     {
         m_fixture->Build();
-        m_fixture->Add({Entry(QStringLiteral("a"))});
+        m_fixture->Add({Entry("a")});
         m_fixture->Show();
         QTreeView* const view = m_fixture->BasicView();
-        const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+        const QModelIndex tick = m_fixture->ProxyIndex("a", ConnectionsModel::ColumnSelected);
         QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
         DialogFixture::DoubleClick(view, tick);
         QCOMPARE(changed.count(), 2);
@@ -118,11 +118,11 @@ private slots:
     void destructorCommitsOpenEditor()
     {
         m_fixture->Build();
-        m_fixture->Add({Entry(QStringLiteral("a"))});
+        m_fixture->Add({Entry("a")});
         m_fixture->Show();
         m_fixture->dialog->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
-        DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+        DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
         auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
         QVERIFY(editor);
         editor->setText(QStringLiteral("typed"));
@@ -133,10 +133,10 @@ private slots:
     void dropDuringMessageBoxIsIgnored()
     {
         m_fixture->Build();
-        m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+        m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
         m_fixture->Show();
         ConnectionsModel other(nullptr, QString());
-        other.AddConnection(Entry(QStringLiteral("dropped")));
+        other.AddConnection(Entry("dropped"));
         QMimeData good;
         good.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray()))});
         for (const auto& opensABox : {std::function<void()>([this] { m_fixture->Action("m_pEditAction")->trigger(); }),
@@ -225,14 +225,14 @@ private slots:
         QFETCH(QString, text);
         QFETCH(int, seconds);
         m_fixture->Build();
-        Connection entry = Entry(QStringLiteral("a"));
+        Connection entry = Entry("a");
         entry.TimeoutSeconds = 60;
         m_fixture->Add({entry});
         m_fixture->dialog->resize(1200, 300);
         m_fixture->Action("m_pDetailsAction")->trigger();
         m_fixture->Show();
         DialogFixture::DoubleClick(m_fixture->DetailsView(),
-                                   m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnTimeout));
+                                   m_fixture->ProxyIndex("a", ConnectionsModel::ColumnTimeout));
         auto* const editor = m_fixture->DetailsView()->viewport()->findChild<QSpinBox*>();
         QVERIFY(editor);
         QGuiApplication::clipboard()->setText(text);
@@ -270,8 +270,7 @@ private slots:
     void entriesRemovedDuringConnectAreSkipped()
     {
         m_fixture->Build();
-        m_fixture->Add({Entry(QStringLiteral("unserved"), Connection::Heron, true),
-                        Entry(QStringLiteral("gone"), Connection::KiteEcho, true)});
+        m_fixture->Add({Entry("unserved", Connection::Heron, true), Entry("gone", Connection::KiteEcho, true)});
         bool removed = false;
         QTimer timer;
         connect(&timer, &QTimer::timeout, this, [&] {

@@ -193,7 +193,7 @@ void TestDialogViews::longTextsKeepRowHeights()
     m_fixture->dialog->resize(1200, 400);
     m_fixture->Action("m_pDetailsAction")->trigger();
     const QString broken = QStringLiteral("a\nb\r\nc") + QChar(QChar::LineSeparator) + QLatin1Char('d');
-    m_fixture->Add({Entry(broken), Entry(QString(1024 * 1024, QLatin1Char('n'))), Entry(QStringLiteral("z"))});
+    m_fixture->Add({Entry(broken), Entry(QString(1024 * 1024, QLatin1Char('n'))), Entry("z")});
     m_fixture->Show();
     CompareViews();
     QCOMPARE(m_fixture->Proxy()->index(0, 1).data().toString(), QStringLiteral("a b  c d"));
@@ -220,9 +220,9 @@ void TestDialogViews::lineEditorsTakeAnyText()
     QFETCH(QString, text);
     m_fixture->Build();
     m_fixture->dialog->resize(1200, 300);
-    Connection entry = Entry(QStringLiteral("x"));
+    Connection entry = Entry("x");
     entry.ConnectionType = Connection::RemoteConnection;
-    m_fixture->Add({Entry(QStringLiteral("before")), entry, Entry(QStringLiteral("zz after"))});
+    m_fixture->Add({Entry("before"), entry, Entry("zz after")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->Show();
 

@@ -98,10 +98,10 @@ void TestDialogWindow::viewsShareModelDelegateAndSelection()
     QCOMPARE(basic->itemDelegate()->metaObject()->className(), "ConnectionsDelegate");
     QCOMPARE(details->selectionModel(), basic->selectionModel());
 
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->Show();
-    DialogFixture::Click(details, m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnLinkSpeed));
+    DialogFixture::Click(details, m_fixture->ProxyIndex("b", ConnectionsModel::ColumnLinkSpeed));
     QCOMPARE(basic->selectionModel()->selectedRows().size(), 1);
     QCOMPARE(basic->selectionModel()->selectedRows().first().row(), m_fixture->ProxyRow(QStringLiteral("b")));
 }
@@ -125,16 +125,16 @@ void TestDialogWindow::headersResizeToContentsAndSortByName()
     QCOMPARE(basic->sortIndicatorOrder(), Qt::AscendingOrder);
     QCOMPARE(basic->iconSize(), QSize(14, 14));
 
-    m_fixture->Add({Entry(QStringLiteral("c")), Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("c"), Entry("a"), Entry("b")});
     QCOMPARE(m_fixture->ShownNames(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
 }
 
 void TestDialogWindow::sortingOneViewSortsBoth()
 {
     m_fixture->Build();
-    Connection fast = Entry(QStringLiteral("b"));
+    Connection fast = Entry("b");
     fast.LinkSpeed = Connection::Gsm;
-    Connection slow = Entry(QStringLiteral("a"));
+    Connection slow = Entry("a");
     slow.LinkSpeed = Connection::RadioLink;
     m_fixture->Add({slow, fast});
     m_fixture->Action("m_pDetailsAction")->trigger();
@@ -191,9 +191,9 @@ void TestDialogWindow::scrollingOneViewScrollsBoth()
 void TestDialogWindow::clickTogglesTick()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("b"), Entry("a")});
     m_fixture->Show();
-    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnSelected);
+    const QModelIndex tick = m_fixture->ProxyIndex("b", ConnectionsModel::ColumnSelected);
     DialogFixture::Click(m_fixture->BasicView(), tick);
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
     QVERIFY(!m_fixture->model->GetConnection(1).Selected);
@@ -204,10 +204,10 @@ void TestDialogWindow::clickTogglesTick()
 void TestDialogWindow::clickElsewhereTogglesNothing()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     for (int column = 1; column < 4; ++column) {
-        DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), column));
+        DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex("a", column));
         QVERIFY(!m_fixture->model->GetConnection(0).Selected);
     }
 }
@@ -215,10 +215,10 @@ void TestDialogWindow::clickElsewhereTogglesNothing()
 void TestDialogWindow::clickOnTickOfEntryInUseDoesNothing()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     m_fixture->Show();
-    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+    const QModelIndex tick = m_fixture->ProxyIndex("a", ConnectionsModel::ColumnSelected);
     DialogFixture::Click(m_fixture->BasicView(), tick);
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
     // Nor if the slot is called directly.
@@ -229,7 +229,7 @@ void TestDialogWindow::clickOnTickOfEntryInUseDoesNothing()
 void TestDialogWindow::tickedFreeEntryEnablesConnect()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Show();
     const auto tick = [this](const QString& name) {
         DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex(name, ConnectionsModel::ColumnSelected));
@@ -247,7 +247,7 @@ void TestDialogWindow::tickedFreeEntryEnablesConnect()
 void TestDialogWindow::statusEnablesConnect()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     QVERIFY(!m_fixture->ConnectButton()->isEnabled());
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::Free);
@@ -257,7 +257,7 @@ void TestDialogWindow::statusEnablesConnect()
 void TestDialogWindow::otherColumnsDoNotChangeConnect()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     const auto setName = [this](const QString& name) {
         m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnName), name);
     };
@@ -275,12 +275,12 @@ void TestDialogWindow::otherColumnsDoNotChangeConnect()
 void TestDialogWindow::doubleClickOpensEditor()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->dialog->resize(1200, 300);
     m_fixture->Show();
 
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     auto* editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     QCOMPARE(editor->text(), QStringLiteral("a"));
@@ -291,7 +291,7 @@ void TestDialogWindow::doubleClickOpensEditor()
     QVERIFY2(m_fixture->dialog->isVisible(), "Enter in an editor must not press the default button");
 
     DialogFixture::DoubleClick(m_fixture->DetailsView(),
-                               m_fixture->ProxyIndex(QStringLiteral("changed"), ConnectionsModel::ColumnDeviceAddress));
+                               m_fixture->ProxyIndex("changed", ConnectionsModel::ColumnDeviceAddress));
     editor = m_fixture->DetailsView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     QTest::keyClicks(editor, QStringLiteral("10.0.0.5"));
@@ -304,12 +304,12 @@ void TestDialogWindow::doubleClickOpensEditor()
 void TestDialogWindow::editorBelongsToOneView()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->dialog->resize(1200, 300);
     m_fixture->Show();
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong")));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("aa"));
@@ -323,11 +323,11 @@ void TestDialogWindow::editorBelongsToOneView()
 void TestDialogWindow::leavingEditorCommits()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     m_fixture->dialog->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("left"));
@@ -338,31 +338,31 @@ void TestDialogWindow::leavingEditorCommits()
 void TestDialogWindow::doubleClickOnStatusDoesNothing()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 2));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 2));
     QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QComboBox*>());
 }
 
 void TestDialogWindow::doubleClickOnEntryInUseOpensNoEditor()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     m_fixture->Show();
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
 void TestDialogWindow::editedEntryCanBeFilteredOut()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south")), Entry(QStringLiteral("north 2"))});
+    m_fixture->Add({Entry("north"), Entry("south"), Entry("north 2")});
     m_fixture->Show();
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nor"));
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong|editing failed")));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("north"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("north", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("west"));
@@ -372,14 +372,14 @@ void TestDialogWindow::editedEntryCanBeFilteredOut()
     QTRY_VERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 
     // The view can open the next editor.
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("north 2"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("north 2", 1));
     QVERIFY(m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
 void TestDialogWindow::newAppendsDefaultEntry()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Action("m_pNewAction")->trigger();
     QCOMPARE(m_fixture->model->rowCount(), 2);
     QVERIFY(m_fixture->model->GetConnection(1) == Connection());
@@ -403,7 +403,7 @@ void TestDialogWindow::editIsNotImplemented()
 void TestDialogWindow::deleteWithoutSelectionIsReported()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     MessageBoxes boxes;
     m_fixture->Action("m_pDeleteAction")->trigger();
@@ -484,7 +484,7 @@ void TestDialogWindow::contextMenuHasActionsInOrder()
 void TestDialogWindow::importAndExportNeedAllEntriesFree()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     const auto openMenu = [this] {
         QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), m_fixture->dialog->mapToGlobal(QPoint(5, 5)));
@@ -508,7 +508,7 @@ void TestDialogWindow::importAndExportNeedAllEntriesFree()
 void TestDialogWindow::closeHidesOnly()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->Show();
     m_fixture->BasicView()->selectAll();
@@ -556,7 +556,7 @@ void TestDialogWindow::otherMainWidgetIsKept()
 void TestDialogWindow::destructorStoresFilter()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("x"));
     const QPointer<QAbstractItemModel> proxy = m_fixture->Proxy();
     QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
