@@ -1,8 +1,9 @@
 #pragma once
 
-#include "platform/cfgcenter.h"
 #include "platform/guibase.h"
-#include "platform/icfg.h"
+#include "tests/launcher/launcherfixture.h"
+#include "tests/support/confignodes.h"
+#include "tests/support/files.h"
 #include "tests/support/messageboxes.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
@@ -10,19 +11,15 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <QAbstractItemModelTester>
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QFile>
 #include <QMimeData>
 #include <QSortFilterProxyModel>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
 
 #include <memory>
 
-/// An entry as a test writes it down.
 inline Connection Entry(const QString& name, int deviceType = Connection::KiteEcho, bool selected = false,
                         const QString& driverAddress = QString())
 {
@@ -34,24 +31,23 @@ inline Connection Entry(const QString& name, int deviceType = Connection::KiteEc
     return entry;
 }
 
-/// The dialog as the plug-in builds it, on a configuration that lives in memory and a data directory of its own, with
-/// model testers on the model and on the proxy. What is needed of it is found by object name.
+inline Connection Entry(const char* name, int deviceType = Connection::KiteEcho, bool selected = false)
+{
+    return Entry(QString::fromUtf8(name), deviceType, selected);
+}
+
+/// The dialog as the plug-in builds it, with a configuration in memory, an own data directory, and model testers for
+/// the model and the proxy. Widgets are found by object name.
 class DialogFixture
 {
 public:
-    DialogFixture() { CfgCenter::Close(); }
-    ~DialogFixture()
-    {
-        TearDown();
-        CfgCenter::Close();
-    }
+    DialogFixture() = default;
+    ~DialogFixture() { TearDown(); }
     Q_DISABLE_COPY_MOVE(DialogFixture)
 
-    /// Builds model, launcher and dialog; the data directory and the stored configuration must be as wanted by then.
+    /// Builds model, launcher and dialog, which read the data directory and the stored configuration.
     void Build()
     {
-        CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
-            ->SetString(QStringLiteral("VexelDataDir"), m_data.path(), 0);
         model = new ConnectionsModel(nullptr, QStringLiteral("ConnectionsModel"));
         m_modelTester =
             std::make_unique<QAbstractItemModelTester>(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
@@ -61,7 +57,7 @@ public:
             std::make_unique<QAbstractItemModelTester>(Proxy(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     }
 
-    /// In the order in which the plug-in does it.
+    /// Deletes everything in the same order as the plug-in.
     void TearDown()
     {
         m_proxyTester.reset();
@@ -83,34 +79,25 @@ public:
             model->AddConnection(entry);
     }
 
-    /// Installs the test's child program under `applications` names, all of them for `deviceTypes`.
+    /// Installs `program` under all names of `applications`; it serves `deviceTypes`.
     void Install(const QStringList& applications, const QList<int>& deviceTypes, const QString& program)
     {
-        QByteArray machine = "<VEXEL><Machine>";
-        for (const QString& application : applications) {
-            machine += "<" + application.toUtf8() + "><Startup><exe>" + program.toUtf8() + "</exe></Startup></" +
-                       application.toUtf8() + ">";
-        }
-        machine += "</Machine></VEXEL>";
-        QByteArray mapping = "<TypeApplicationMappings>";
-        for (const int type : deviceTypes) {
-            mapping += "<Mapping><DeviceType>" + QByteArray::number(type) + "</DeviceType><Application>" +
-                       applications.first().toUtf8() + "</Application></Mapping>";
-        }
-        mapping += "</TypeApplicationMappings>";
-        WriteFile(QStringLiteral("CfgVEXEL.xml"), machine);
-        WriteFile(QStringLiteral("TypeApplicationMappings.xml"), mapping);
+        QList<std::pair<QString, QList<int>>> installed;
+        for (const QString& application : applications)
+            installed.append({application, application == applications.first() ? deviceTypes : QList<int>()});
+        if (!m_data.Install(installed, program))
+            qFatal("cannot write into %s", qPrintable(m_data.Path()));
     }
 
     QString WriteFile(const QString& name, const QByteArray& content)
     {
-        QFile file(DataPath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(file.fileName()));
-        return file.fileName();
+        const QString path = DataPath(name);
+        if (!Files::Write(path, content))
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
     }
 
-    QString DataPath(const QString& name) const { return m_data.filePath(name); }
+    QString DataPath(const QString& name) const { return m_data.Path(name); }
 
     template <typename Widget>
     Widget* Find(const char* name) const
@@ -137,6 +124,7 @@ public:
     }
 
     QModelIndex ProxyIndex(const QString& name, int column) const { return Proxy()->index(ProxyRow(name), column); }
+    QModelIndex ProxyIndex(const char* name, int column) const { return ProxyIndex(QString::fromUtf8(name), column); }
 
     /// Names in the order in which the views show them.
     QStringList ShownNames() const
@@ -163,7 +151,7 @@ public:
         QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, view->visualRect(index).center());
     }
 
-    /// What a person's double click sends: press, release, double click, release.
+    /// Sends the events of a double click: press, release, double click, release.
     static void DoubleClick(QTreeView* view, const QModelIndex& index)
     {
         Click(view, index);
@@ -180,7 +168,7 @@ public:
         return event.isAccepted();
     }
 
-    /// What the platform sends when something is dragged onto `target` and let go.
+    /// Sends the events of a drag that ends over `target`.
     static bool Drop(QWidget* target, const QMimeData& data)
     {
         if (!DragEnter(target, data))
@@ -196,7 +184,7 @@ public:
     VexelConnectDlgGUI* dialog = nullptr;
 
 private:
-    QTemporaryDir m_data;
+    DataDirectory m_data;
     std::unique_ptr<QAbstractItemModelTester> m_modelTester;
     std::unique_ptr<QAbstractItemModelTester> m_proxyTester;
 };

@@ -1,10 +1,9 @@
 #include "tests/dialog/dialogfixture.h"
-#include "tests/launcher/launcherfixture.h"
 #include "tests/support/system.h"
 
 #include <QSignalSpy>
 
-/// "&Connect" in the dialog, down to real processes and what they find in the configuration.
+/// "&Connect" in the dialog, with real processes and the records in the configuration.
 class TestDialogConnect : public QObject
 {
     Q_OBJECT
@@ -13,29 +12,17 @@ private slots:
     void init();
     void cleanup();
 
-    void hidesWritesAndStartsTickedFreeEntries();
-    void entriesComeBackWhenTheProcessesEnd();
-    void recordsAreWrittenBeforeAnythingStarts();
-    void filterHidesNothingFromConnect();
-    void modelOrderDecidesNotTheView();
+    void connectHidesStoresAndStarts();
+    void entriesAreFreeAfterProcessesEnd();
+    void recordsAreWrittenBeforeFirstStart();
+    void hiddenEntriesAreConnected();
+    void entriesStartInModelOrder();
     void entriesInUseAreSkipped();
-    void nothingFreeTellsAndGoesOn();
-    void failedStartLeavesTheEntryFree();
-    void mnemonicAndEnterPressConnect();
-    void tearDownWithRunningApplications();
+    void problemBoxDoesNotStopConnect();
+    void failedStartLeavesEntryFree();
+    void destructionEndsApplications();
 
 private:
-    static std::unique_ptr<ICfg> Record(int row)
-    {
-        return std::unique_ptr<ICfg>(
-            CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString())
-                ->OpenChild(QStringLiteral("ConnectData%1").arg(row), 0));
-    }
-    static QString RecordCount()
-    {
-        return CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString())
-            ->GetString(QStringLiteral("ConnectionCount"), QStringLiteral("none"), 0);
-    }
     QList<int> Statuses() const
     {
         QList<int> statuses;
@@ -63,10 +50,10 @@ void TestDialogConnect::cleanup()
     m_child.reset();
 }
 
-void TestDialogConnect::hidesWritesAndStartsTickedFreeEntries()
+void TestDialogConnect::connectHidesStoresAndStarts()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two")),
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two"),
                     Entry(QStringLiteral("three"), Connection::KiteBravo, true, QStringLiteral("10.0.0.3"))});
     m_fixture->Show();
     MessageBoxes boxes;
@@ -82,18 +69,19 @@ void TestDialogConnect::hidesWritesAndStartsTickedFreeEntries()
         QStringList{QStringLiteral("Kite1:XMsgDlg.dll"), QStringLiteral("Server"), QStringLiteral("one")}));
     QVERIFY(arguments.contains(QStringList{QStringLiteral("Kite1:XMsgDlg.dll"), QStringLiteral("Server"),
                                            QStringLiteral("Connection=10.0.0.3:27061")}));
-    QCOMPARE(RecordCount(), QStringLiteral("3"));
-    QCOMPARE(Record(1)->GetString(QStringLiteral("StationName"), QString(), 0), QStringLiteral("two"));
-    QCOMPARE(Record(2)->GetString(QStringLiteral("DeviceType"), QString(), 0), QStringLiteral("Kite Bravo"));
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("3"));
+    QCOMPARE(ConfigNodes::LegacyRecord(1)->GetString(QStringLiteral("StationName"), QString(), 0),
+             QStringLiteral("two"));
+    QCOMPARE(ConfigNodes::LegacyRecord(2)->GetString(QStringLiteral("DeviceType"), QString(), 0),
+             QStringLiteral("Kite Bravo"));
     QCOMPARE(boxes.Count(), 0);
     QVERIFY(!m_fixture->dialog->isVisible());
 }
 
-void TestDialogConnect::entriesComeBackWhenTheProcessesEnd()
+void TestDialogConnect::entriesAreFreeAfterProcessesEnd()
 {
     m_child->Behave("exit", 3);
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
-                    Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
     QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
     m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), (QList<int>{1, 1}));
@@ -103,32 +91,32 @@ void TestDialogConnect::entriesComeBackWhenTheProcessesEnd()
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
 }
 
-void TestDialogConnect::recordsAreWrittenBeforeAnythingStarts()
+void TestDialogConnect::recordsAreWrittenBeforeFirstStart()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two")});
     QString countAtFirstStart = QStringLiteral("not started");
-    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this, [&] { countAtFirstStart = RecordCount(); });
+    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this,
+            [&] { countAtFirstStart = ConfigNodes::LegacyCount(QStringLiteral("none")); });
     m_fixture->ConnectButton()->click();
     QCOMPARE(countAtFirstStart, QStringLiteral("2"));
 }
 
-void TestDialogConnect::filterHidesNothingFromConnect()
+void TestDialogConnect::hiddenEntriesAreConnected()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true), Entry(QStringLiteral("two"))});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two")});
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("two"));
     QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("two")});
     m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), (QList<int>{1, 0}));
-    QCOMPARE(RecordCount(), QStringLiteral("2"));
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("2"));
 }
 
-void TestDialogConnect::modelOrderDecidesNotTheView()
+void TestDialogConnect::entriesStartInModelOrder()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("z"), Connection::KiteEcho, true),
-                    Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("z", Connection::KiteEcho, true), Entry("a", Connection::KiteEcho, true)});
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 2);
     QStringList firstApplication;
@@ -136,26 +124,25 @@ void TestDialogConnect::modelOrderDecidesNotTheView()
         if (report.arguments.first() == QLatin1String("Kite1:XMsgDlg.dll"))
             firstApplication = report.arguments;
     QCOMPARE(firstApplication.last(), QStringLiteral("z"));
-    QCOMPARE(Record(0)->GetString(QStringLiteral("StationName"), QString(), 0), QStringLiteral("z"));
+    QCOMPARE(ConfigNodes::LegacyRecord(0)->GetString(QStringLiteral("StationName"), QString(), 0), QStringLiteral("z"));
 }
 
 void TestDialogConnect::entriesInUseAreSkipped()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 1);
-    m_fixture->Add({Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("two", Connection::KiteEcho, true)});
     m_fixture->dialog->SlotConnect();
     QTRY_COMPARE(m_child->Count(), 2);
     QCOMPARE(m_fixture->appCounter->RunningApplications(Connection::KiteEcho).size(), 2);
 }
 
-void TestDialogConnect::nothingFreeTellsAndGoesOn()
+void TestDialogConnect::problemBoxDoesNotStopConnect()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry(QStringLiteral("no <b>%1</b>"), Connection::Heron, true),
-                    Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("no <b>%1</b>", Connection::Heron, true), Entry("two", Connection::KiteEcho, true)});
     MessageBoxes boxes;
     m_fixture->ConnectButton()->click();
     QCOMPARE(boxes.Count(), 1);
@@ -168,13 +155,13 @@ void TestDialogConnect::nothingFreeTellsAndGoesOn()
     QVERIFY(!m_fixture->dialog->isVisible());
 }
 
-void TestDialogConnect::failedStartLeavesTheEntryFree()
+void TestDialogConnect::failedStartLeavesEntryFree()
 {
     m_fixture->TearDown();
     m_fixture->Install({QStringLiteral("Kite1")}, {Connection::KiteEcho}, m_fixture->DataPath(QStringLiteral("gone")));
     m_fixture->Build();
     m_fixture->model->removeRows(0, m_fixture->model->rowCount());
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
     MessageBoxes boxes;
     TraceRecorder traces;
     m_fixture->ConnectButton()->click();
@@ -186,25 +173,10 @@ void TestDialogConnect::failedStartLeavesTheEntryFree()
     QVERIFY(m_fixture->ConnectButton()->isEnabled());
 }
 
-void TestDialogConnect::mnemonicAndEnterPressConnect()
-{
-    m_fixture->Add({Entry(QStringLiteral("one"))});
-    for (const auto& [key, modifier] :
-         {std::pair(Qt::Key_C, Qt::AltModifier), std::pair(Qt::Key_Return, Qt::NoModifier)}) {
-        m_fixture->Show();
-        m_fixture->dialog->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
-        QTest::keyClick(m_fixture->dialog, key, modifier);
-        QTRY_VERIFY(!m_fixture->dialog->isVisible());
-    }
-    QCOMPARE(RecordCount(), QStringLiteral("1"));
-}
-
-void TestDialogConnect::tearDownWithRunningApplications()
+void TestDialogConnect::destructionEndsApplications()
 {
     m_child->Behave("stubborn");
-    m_fixture->Add({Entry(QStringLiteral("one"), Connection::KiteEcho, true),
-                    Entry(QStringLiteral("two"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
     m_fixture->ConnectButton()->click();
     QTRY_COMPARE(m_child->Count(), 2);
     m_fixture->TearDown();

@@ -1,15 +1,14 @@
 #include "tests/dialog/dialogfixture.h"
+#include "tests/support/metaobject.h"
 
-#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMenu>
-#include <QMetaMethod>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QSplitter>
 
-/// The window itself: what it is made of, how its views hang together, and what mouse and menu do to the entries.
+/// The window: its views, mouse, menu and actions.
 class TestDialogWindow : public QObject
 {
     Q_OBJECT
@@ -18,72 +17,64 @@ private slots:
     void init() { m_fixture = std::make_unique<DialogFixture>(); }
     void cleanup() { m_fixture.reset(); }
 
-    void metaObjectListsTheSlotsInOrder();
-    void isNamedAcceptsDropsAndStartsHidden();
+    void declaresSlotsInOrder();
+    void startsHiddenAndAcceptsDrops();
     void viewsShareModelDelegateAndSelection();
-    void everyColumnShowsInExactlyOneView();
+    void eachColumnIsInOneView();
     void headersResizeToContentsAndSortByName();
-    void sortingInEitherViewSortsBoth();
-    void connectButtonStartsEnabledWhateverIsTicked();
+    void sortingOneViewSortsBoth();
     void detailsAndFilterStartHidden();
-    void scrollingOneViewScrollsTheOther();
+    void scrollingOneViewScrollsBoth();
 
-    void clickOnTheTickTogglesIt();
+    void clickTogglesTick();
     void clickElsewhereTogglesNothing();
-    void clickOnTheTickOfAnEntryInUseDoesNothing();
-    void tickingAFreeEntryEnablesConnect();
-    void connectFollowsTheStatus();
-    void changesOfOtherColumnsLeaveConnectAlone();
+    void clickOnTickOfEntryInUseDoesNothing();
+    void tickedFreeEntryEnablesConnect();
+    void statusEnablesConnect();
+    void otherColumnsDoNotChangeConnect();
 
-    void doubleClickEditsInTheViewWithTheFocus();
-    void editorsReportToTheirOwnViewOnly();
-    void leavingTheCellCommits();
-    void doubleClickOnTheTickOpensNoEditor();
-    void doubleClickOnTheStatusOpensNoEditorAndSaysNothing();
-    void doubleClickOnAnEntryInUseOpensNoEditor();
-    void editingUnderAFilterKeepsTheEntry();
+    void doubleClickOpensEditor();
+    void editorBelongsToOneView();
+    void leavingEditorCommits();
+    void doubleClickOnStatusDoesNothing();
+    void doubleClickOnEntryInUseOpensNoEditor();
+    void editedEntryCanBeFilteredOut();
 
-    void newAppendsADefaultEntry();
-    void editSaysThatItIsNotThere();
-    void deleteWithoutSelectionSaysSo();
-    void deleteRemovesTheSelectedRows_data();
-    void deleteRemovesTheSelectedRows();
-    void deleteAsksNothing();
+    void newAppendsDefaultEntry();
+    void editIsNotImplemented();
+    void deleteWithoutSelectionIsReported();
+    void deleteRemovesSelectedRows_data();
+    void deleteRemovesSelectedRows();
 
-    void contextMenuHoldsTheActionsInOrder();
-    void contextMenuOffersImportAndExportOnlyWhileNothingIsInUse();
+    void contextMenuHasActionsInOrder();
+    void importAndExportNeedAllEntriesFree();
 
-    void closeHidesAndKeepsEverything();
-    void firstShowMakesItTheMainWidgetWithItsStoredSize();
-    void anotherMainWidgetStays();
-    void destructionStoresTheFilterAndTouchesNothingElse();
+    void closeHidesOnly();
+    void firstShowMakesMainWidgetWithStoredSize();
+    void otherMainWidgetIsKept();
+    void destructorStoresFilter();
 
 private:
     std::unique_ptr<DialogFixture> m_fixture;
 };
 
-void TestDialogWindow::metaObjectListsTheSlotsInOrder()
+void TestDialogWindow::declaresSlotsInOrder()
 {
-    QStringList slotNames;
-    const QMetaObject& meta = VexelConnectDlgGUI::staticMetaObject;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
-        QCOMPARE(meta.method(i).access(), QMetaMethod::Public);
-        slotNames += QString::fromLatin1(meta.method(i).methodSignature());
-    }
-    QCOMPARE(slotNames, QString::fromLatin1("SlotNew() SlotEdit() SlotDelete() SlotImport() SlotExport() "
-                                            "SlotShowDetails(bool) SlotShowFilter(bool) SlotClicked(QModelIndex) "
-                                            "SlotDoubleClicked(QModelIndex) SlotClose() SlotConnect() "
-                                            "SlotUpdateFilter() SlotDataChanged(QModelIndex,QModelIndex)")
-                            .split(QLatin1Char(' ')));
-    QCOMPARE(meta.superClass(), &QDialog::staticMetaObject);
+    QCOMPARE(Declaration(VexelConnectDlgGUI::staticMetaObject),
+             QString::fromLatin1("VexelConnectDlgGUI : QDialog\nslot SlotNew()\nslot SlotEdit()\nslot SlotDelete()\n"
+                                 "slot SlotImport()\nslot SlotExport()\nslot SlotShowDetails(bool bShow)\n"
+                                 "slot SlotShowFilter(bool bShow)\nslot SlotClicked(QModelIndex index)\n"
+                                 "slot SlotDoubleClicked(QModelIndex index)\nslot SlotClose()\nslot SlotConnect()\n"
+                                 "slot SlotUpdateFilter()\n"
+                                 "slot SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)")
+                 .split(QLatin1Char('\n')));
 
     m_fixture->Build();
     QCOMPARE(m_fixture->dialog->qt_metacast("Ui::VexelConnectDlg"),
              static_cast<void*>(static_cast<Ui::VexelConnectDlg*>(m_fixture->dialog)));
 }
 
-void TestDialogWindow::isNamedAcceptsDropsAndStartsHidden()
+void TestDialogWindow::startsHiddenAndAcceptsDrops()
 {
     m_fixture->Build();
     QCOMPARE(m_fixture->dialog->objectName(), QStringLiteral("VexelConnectDlgGUI"));
@@ -107,15 +98,15 @@ void TestDialogWindow::viewsShareModelDelegateAndSelection()
     QCOMPARE(basic->itemDelegate()->metaObject()->className(), "ConnectionsDelegate");
     QCOMPARE(details->selectionModel(), basic->selectionModel());
 
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->Show();
-    DialogFixture::Click(details, m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnLinkSpeed));
+    DialogFixture::Click(details, m_fixture->ProxyIndex("b", ConnectionsModel::ColumnLinkSpeed));
     QCOMPARE(basic->selectionModel()->selectedRows().size(), 1);
     QCOMPARE(basic->selectionModel()->selectedRows().first().row(), m_fixture->ProxyRow(QStringLiteral("b")));
 }
 
-void TestDialogWindow::everyColumnShowsInExactlyOneView()
+void TestDialogWindow::eachColumnIsInOneView()
 {
     m_fixture->Build();
     for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
@@ -134,16 +125,16 @@ void TestDialogWindow::headersResizeToContentsAndSortByName()
     QCOMPARE(basic->sortIndicatorOrder(), Qt::AscendingOrder);
     QCOMPARE(basic->iconSize(), QSize(14, 14));
 
-    m_fixture->Add({Entry(QStringLiteral("c")), Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("c"), Entry("a"), Entry("b")});
     QCOMPARE(m_fixture->ShownNames(), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
 }
 
-void TestDialogWindow::sortingInEitherViewSortsBoth()
+void TestDialogWindow::sortingOneViewSortsBoth()
 {
     m_fixture->Build();
-    Connection fast = Entry(QStringLiteral("b"));
+    Connection fast = Entry("b");
     fast.LinkSpeed = Connection::Gsm;
-    Connection slow = Entry(QStringLiteral("a"));
+    Connection slow = Entry("a");
     slow.LinkSpeed = Connection::RadioLink;
     m_fixture->Add({slow, fast});
     m_fixture->Action("m_pDetailsAction")->trigger();
@@ -160,18 +151,11 @@ void TestDialogWindow::sortingInEitherViewSortsBoth()
     const QStringList order = m_fixture->ShownNames();
     clickHeader(m_fixture->DetailsView(), ConnectionsModel::ColumnLinkSpeed);
     QCOMPARE(m_fixture->ShownNames(), QStringList(order.crbegin(), order.crend()));
-    // The basic view no longer claims to be sorted by one of its own columns.
     QCOMPARE(m_fixture->BasicView()->header()->sortIndicatorSection(), int{ConnectionsModel::ColumnLinkSpeed});
 
     clickHeader(m_fixture->BasicView(), ConnectionsModel::ColumnName);
     QCOMPARE(m_fixture->Proxy()->sortColumn(), int{ConnectionsModel::ColumnName});
     QCOMPARE(m_fixture->DetailsView()->header()->sortIndicatorSection(), int{ConnectionsModel::ColumnName});
-}
-
-void TestDialogWindow::connectButtonStartsEnabledWhateverIsTicked()
-{
-    m_fixture->Build();
-    QVERIFY(m_fixture->ConnectButton()->isEnabled());
 }
 
 void TestDialogWindow::detailsAndFilterStartHidden()
@@ -188,7 +172,7 @@ void TestDialogWindow::detailsAndFilterStartHidden()
     QVERIFY(!m_fixture->DetailsView()->isVisible());
 }
 
-void TestDialogWindow::scrollingOneViewScrollsTheOther()
+void TestDialogWindow::scrollingOneViewScrollsBoth()
 {
     m_fixture->Build();
     for (int i = 0; i < 200; ++i)
@@ -204,12 +188,12 @@ void TestDialogWindow::scrollingOneViewScrollsTheOther()
     QCOMPARE(basic->value(), 33);
 }
 
-void TestDialogWindow::clickOnTheTickTogglesIt()
+void TestDialogWindow::clickTogglesTick()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("b")), Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("b"), Entry("a")});
     m_fixture->Show();
-    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("b"), ConnectionsModel::ColumnSelected);
+    const QModelIndex tick = m_fixture->ProxyIndex("b", ConnectionsModel::ColumnSelected);
     DialogFixture::Click(m_fixture->BasicView(), tick);
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
     QVERIFY(!m_fixture->model->GetConnection(1).Selected);
@@ -220,32 +204,32 @@ void TestDialogWindow::clickOnTheTickTogglesIt()
 void TestDialogWindow::clickElsewhereTogglesNothing()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     for (int column = 1; column < 4; ++column) {
-        DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), column));
+        DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex("a", column));
         QVERIFY(!m_fixture->model->GetConnection(0).Selected);
     }
 }
 
-void TestDialogWindow::clickOnTheTickOfAnEntryInUseDoesNothing()
+void TestDialogWindow::clickOnTickOfEntryInUseDoesNothing()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     m_fixture->Show();
-    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
+    const QModelIndex tick = m_fixture->ProxyIndex("a", ConnectionsModel::ColumnSelected);
     DialogFixture::Click(m_fixture->BasicView(), tick);
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
-    // Also when the signal comes from elsewhere.
+    // Nor if the slot is called directly.
     m_fixture->dialog->SlotClicked(tick);
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
 }
 
-void TestDialogWindow::tickingAFreeEntryEnablesConnect()
+void TestDialogWindow::tickedFreeEntryEnablesConnect()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Show();
     const auto tick = [this](const QString& name) {
         DialogFixture::Click(m_fixture->BasicView(), m_fixture->ProxyIndex(name, ConnectionsModel::ColumnSelected));
@@ -260,42 +244,43 @@ void TestDialogWindow::tickingAFreeEntryEnablesConnect()
     QVERIFY(!m_fixture->ConnectButton()->isEnabled());
 }
 
-void TestDialogWindow::connectFollowsTheStatus()
+void TestDialogWindow::statusEnablesConnect()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     QVERIFY(!m_fixture->ConnectButton()->isEnabled());
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::Free);
     QVERIFY(m_fixture->ConnectButton()->isEnabled());
 }
 
-void TestDialogWindow::changesOfOtherColumnsLeaveConnectAlone()
+void TestDialogWindow::otherColumnsDoNotChangeConnect()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     const auto setName = [this](const QString& name) {
         m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnName), name);
     };
-    // Nothing is ticked, but no change has touched tick or status yet.
+    // Nothing is ticked, but neither tick nor status has changed yet.
+    QVERIFY(m_fixture->ConnectButton()->isEnabled());
     setName(QStringLiteral("b"));
     QVERIFY(m_fixture->ConnectButton()->isEnabled());
     m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnDeviceType), 1);
     QVERIFY(m_fixture->ConnectButton()->isEnabled());
-    // A range that reaches over the status column counts.
+    // A range that includes the status column.
     emit m_fixture->model->dataChanged(m_fixture->model->index(0, 1), m_fixture->model->index(0, 3));
     QVERIFY(!m_fixture->ConnectButton()->isEnabled());
 }
 
-void TestDialogWindow::doubleClickEditsInTheViewWithTheFocus()
+void TestDialogWindow::doubleClickOpensEditor()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->dialog->resize(1200, 300);
     m_fixture->Show();
 
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     auto* editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     QCOMPARE(editor->text(), QStringLiteral("a"));
@@ -306,7 +291,7 @@ void TestDialogWindow::doubleClickEditsInTheViewWithTheFocus()
     QVERIFY2(m_fixture->dialog->isVisible(), "Enter in an editor must not press the default button");
 
     DialogFixture::DoubleClick(m_fixture->DetailsView(),
-                               m_fixture->ProxyIndex(QStringLiteral("changed"), ConnectionsModel::ColumnDeviceAddress));
+                               m_fixture->ProxyIndex("changed", ConnectionsModel::ColumnDeviceAddress));
     editor = m_fixture->DetailsView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     QTest::keyClicks(editor, QStringLiteral("10.0.0.5"));
@@ -316,15 +301,15 @@ void TestDialogWindow::doubleClickEditsInTheViewWithTheFocus()
     QVERIFY2(m_fixture->dialog->isVisible(), "Escape in an editor must not close the dialog");
 }
 
-void TestDialogWindow::editorsReportToTheirOwnViewOnly()
+void TestDialogWindow::editorBelongsToOneView()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
+    m_fixture->Add({Entry("a"), Entry("b")});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->dialog->resize(1200, 300);
     m_fixture->Show();
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong")));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("aa"));
@@ -335,14 +320,14 @@ void TestDialogWindow::editorsReportToTheirOwnViewOnly()
     QVERIFY(!m_fixture->DetailsView()->viewport()->findChild<QComboBox*>());
 }
 
-void TestDialogWindow::leavingTheCellCommits()
+void TestDialogWindow::leavingEditorCommits()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     m_fixture->dialog->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("left"));
@@ -350,45 +335,34 @@ void TestDialogWindow::leavingTheCellCommits()
     QTRY_COMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("left"));
 }
 
-void TestDialogWindow::doubleClickOnTheTickOpensNoEditor()
+void TestDialogWindow::doubleClickOnStatusDoesNothing()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
-    m_fixture->Show();
-    const QModelIndex tick = m_fixture->ProxyIndex(QStringLiteral("a"), ConnectionsModel::ColumnSelected);
-    DialogFixture::DoubleClick(m_fixture->BasicView(), tick);
-    QVERIFY(!m_fixture->BasicView()->isPersistentEditorOpen(tick));
-    QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QCheckBox*>());
-}
-
-void TestDialogWindow::doubleClickOnTheStatusOpensNoEditorAndSaysNothing()
-{
-    m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 2));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 2));
     QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QComboBox*>());
 }
 
-void TestDialogWindow::doubleClickOnAnEntryInUseOpensNoEditor()
+void TestDialogWindow::doubleClickOnEntryInUseOpensNoEditor()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(0), Connection::InUse);
     m_fixture->Show();
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("a"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("a", 1));
     QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
-void TestDialogWindow::editingUnderAFilterKeepsTheEntry()
+void TestDialogWindow::editedEntryCanBeFilteredOut()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("north")), Entry(QStringLiteral("south")), Entry(QStringLiteral("north 2"))});
+    m_fixture->Add({Entry("north"), Entry("south"), Entry("north 2")});
     m_fixture->Show();
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nor"));
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong|editing failed")));
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("north"), 1));
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("north", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("west"));
@@ -397,22 +371,22 @@ void TestDialogWindow::editingUnderAFilterKeepsTheEntry()
     QCOMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("west"));
     QTRY_VERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 
-    // The view is ready for the next one.
-    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex(QStringLiteral("north 2"), 1));
+    // The view can open the next editor.
+    DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("north 2", 1));
     QVERIFY(m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
-void TestDialogWindow::newAppendsADefaultEntry()
+void TestDialogWindow::newAppendsDefaultEntry()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Action("m_pNewAction")->trigger();
     QCOMPARE(m_fixture->model->rowCount(), 2);
     QVERIFY(m_fixture->model->GetConnection(1) == Connection());
     QCOMPARE(m_fixture->model->GetConnection(1).ConnectionName, QStringLiteral("enter connection name here"));
 }
 
-void TestDialogWindow::editSaysThatItIsNotThere()
+void TestDialogWindow::editIsNotImplemented()
 {
     m_fixture->Build();
     m_fixture->Show();
@@ -426,10 +400,10 @@ void TestDialogWindow::editSaysThatItIsNotThere()
     QVERIFY(boxes.Boxes().first().hasParent);
 }
 
-void TestDialogWindow::deleteWithoutSelectionSaysSo()
+void TestDialogWindow::deleteWithoutSelectionIsReported()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     MessageBoxes boxes;
     m_fixture->Action("m_pDeleteAction")->trigger();
@@ -441,7 +415,7 @@ void TestDialogWindow::deleteWithoutSelectionSaysSo()
     QCOMPARE(m_fixture->model->rowCount(), 1);
 }
 
-void TestDialogWindow::deleteRemovesTheSelectedRows_data()
+void TestDialogWindow::deleteRemovesSelectedRows_data()
 {
     QTest::addColumn<bool>("inDetails");
     QTest::addColumn<int>("sortColumn");
@@ -452,7 +426,7 @@ void TestDialogWindow::deleteRemovesTheSelectedRows_data()
     QTest::newRow("filtered") << true << int{ConnectionsModel::ColumnName} << QStringLiteral("7");
 }
 
-void TestDialogWindow::deleteRemovesTheSelectedRows()
+void TestDialogWindow::deleteRemovesSelectedRows()
 {
     QFETCH(bool, inDetails);
     QFETCH(int, sortColumn);
@@ -477,24 +451,14 @@ void TestDialogWindow::deleteRemovesTheSelectedRows()
     QStringList expected = m_fixture->Names();
     for (const QString& name : chosen)
         expected.removeAll(name);
+    MessageBoxes boxes;
     m_fixture->Action("m_pDeleteAction")->trigger();
+    QCOMPARE(boxes.Count(), 0);
     QCOMPARE(m_fixture->Names(), expected);
     QVERIFY(!view->selectionModel()->hasSelection());
 }
 
-void TestDialogWindow::deleteAsksNothing()
-{
-    m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a")), Entry(QStringLiteral("b"))});
-    m_fixture->Show();
-    m_fixture->BasicView()->selectAll();
-    MessageBoxes boxes;
-    m_fixture->Action("m_pDeleteAction")->trigger();
-    QCOMPARE(boxes.Count(), 0);
-    QCOMPARE(m_fixture->model->rowCount(), 0);
-}
-
-void TestDialogWindow::contextMenuHoldsTheActionsInOrder()
+void TestDialogWindow::contextMenuHasActionsInOrder()
 {
     m_fixture->Build();
     m_fixture->Show();
@@ -517,10 +481,10 @@ void TestDialogWindow::contextMenuHoldsTheActionsInOrder()
     menu->hide();
 }
 
-void TestDialogWindow::contextMenuOffersImportAndExportOnlyWhileNothingIsInUse()
+void TestDialogWindow::importAndExportNeedAllEntriesFree()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Show();
     const auto openMenu = [this] {
         QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), m_fixture->dialog->mapToGlobal(QPoint(5, 5)));
@@ -541,10 +505,10 @@ void TestDialogWindow::contextMenuOffersImportAndExportOnlyWhileNothingIsInUse()
     QVERIFY(m_fixture->Action("m_pExportAction")->isEnabled());
 }
 
-void TestDialogWindow::closeHidesAndKeepsEverything()
+void TestDialogWindow::closeHidesOnly()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"), Connection::KiteEcho, true)});
+    m_fixture->Add({Entry("a", Connection::KiteEcho, true)});
     m_fixture->Action("m_pDetailsAction")->trigger();
     m_fixture->Show();
     m_fixture->BasicView()->selectAll();
@@ -554,16 +518,13 @@ void TestDialogWindow::closeHidesAndKeepsEverything()
     QCOMPARE(m_fixture->BasicView()->selectionModel()->selectedRows().size(), 1);
     m_fixture->Show();
     QVERIFY(m_fixture->DetailsView()->isVisible());
-    // Nothing was stored: neither the filter's node nor the entries.
-    const std::unique_ptr<ICfg> stored(
-        CfgCenter::GetAppCfg(View::Application)->OpenChild(QStringLiteral("ConnectionsModel"), 0));
-    QCOMPARE(stored->GetString(QStringLiteral("ModelMimeData"), QStringLiteral("none"), 0), QStringLiteral("none"));
-    const std::unique_ptr<ICfg> filter(
-        CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0));
-    QCOMPARE(filter->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0), QStringLiteral("none"));
+    // Neither the filter nor the entries were stored.
+    const QString none = QStringLiteral("none");
+    QCOMPARE(ConfigNodes::StoredSet(none), none);
+    QCOMPARE(ConfigNodes::Filter()->GetString(QStringLiteral("FilterPattern"), none, 0), none);
 }
 
-void TestDialogWindow::firstShowMakesItTheMainWidgetWithItsStoredSize()
+void TestDialogWindow::firstShowMakesMainWidgetWithStoredSize()
 {
     m_fixture->Build();
     m_fixture->dialog->resize(640, 321);
@@ -579,7 +540,7 @@ void TestDialogWindow::firstShowMakesItTheMainWidgetWithItsStoredSize()
     QCOMPARE(m_fixture->dialog->size(), QSize(700, 400));
 }
 
-void TestDialogWindow::anotherMainWidgetStays()
+void TestDialogWindow::otherMainWidgetIsKept()
 {
     m_fixture->Build();
     QWidget other;
@@ -592,10 +553,10 @@ void TestDialogWindow::anotherMainWidgetStays()
     QCOMPARE(m_fixture->dialog->size(), QSize(500, 200));
 }
 
-void TestDialogWindow::destructionStoresTheFilterAndTouchesNothingElse()
+void TestDialogWindow::destructorStoresFilter()
 {
     m_fixture->Build();
-    m_fixture->Add({Entry(QStringLiteral("a"))});
+    m_fixture->Add({Entry("a")});
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("x"));
     const QPointer<QAbstractItemModel> proxy = m_fixture->Proxy();
     QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
@@ -603,8 +564,7 @@ void TestDialogWindow::destructionStoresTheFilterAndTouchesNothingElse()
     QVERIFY(!proxy);
     QCOMPARE(changed.count(), 0);
     QCOMPARE(m_fixture->model->rowCount(), 1);
-    const std::unique_ptr<ICfg> stored(
-        CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("FilterSettings"), 0));
+    const auto stored = ConfigNodes::Filter();
     QCOMPARE(stored->GetString(QStringLiteral("FilterPattern"), QString(), 0), QStringLiteral("x"));
     QCOMPARE(stored->GetInt(QStringLiteral("Column"), -7, 0), 1);
     QCOMPARE(stored->GetInt(QStringLiteral("SearchMode"), -7, 0), 0);

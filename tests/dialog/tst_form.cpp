@@ -31,7 +31,7 @@ QImage Pixels(const QString& file)
 
 } // namespace
 
-// A dialog with the slots that the form wants, each of which leaves its name and argument behind.
+// A dialog with the slots that the form connects to. Each slot records its name and argument.
 class FormDialog : public QDialog, public Ui::VexelConnectDlg
 {
     Q_OBJECT
@@ -40,7 +40,7 @@ public:
     FormDialog()
     {
         setupUi(this);
-        auto* const table = new QStandardItemModel(3, 2, this); // something to click on
+        auto* const table = new QStandardItemModel(3, 2, this);
         m_pBasicView->setModel(table);
         m_pDetailsView->setModel(table);
     }
@@ -74,43 +74,43 @@ private slots:
     void init();
     void cleanup();
 
-    void declaresTheMembersInOrder();
-    void namesItsObjects();
-    void setsUpTheDialog();
-    void laysOutTheDialog();
-    void laysOutTheLowerPart();
-    void laysOutTheFilterFrame();
-    void keepsBothViewsOpen();
-    void setsUpTheViews();
-    void leavesWhatTheDetailsViewInherits();
-    void showsFilterFrameAndDetailsAtFirst();
+    void membersAreInOrder();
+    void actionsBelongToTheDialog();
+    void dialogHasNameSizeAndSizeGrip();
+    void dialogLayout();
+    void lowerLayout();
+    void filterFrameLayout();
+    void viewsCannotBeCollapsed();
+    void viewProperties();
+    void detailsViewKeepsDefaults();
+    void everythingIsVisibleInitially();
 
-    void connectsButtonsAndActions();
-    void connectsTheFilterWidgets();
-    void connectsTheViews();
+    void buttonsAndActionsCallSlots();
+    void filterWidgetsCallSlot();
+    void viewsCallSlots();
 
-    void focusesByMnemonic_data();
-    void focusesByMnemonic();
-    void focusesNothingHidden();
-    void connectsByMnemonicAndEnter();
-    void hasNoOtherShortcuts();
-    void tabsFromTopToBottom();
+    void mnemonicsFocusFilterWidgets_data();
+    void mnemonicsFocusFilterWidgets();
+    void mnemonicsIgnoreHiddenWidgets();
+    void mnemonicAndEnterPressConnect();
+    void noOtherShortcuts();
+    void tabOrderIsTopToBottom();
 
-    void showsTheTexts_data();
-    void showsTheTexts();
-    void showsTheDialogsTexts();
-    void showsTheActionsTexts_data();
-    void showsTheActionsTexts();
-    void explainsTheActiveFilter();
-    void listsTheSearchModes();
-    void keepsTheStateInAnotherLanguage();
+    void widgetTexts_data();
+    void widgetTexts();
+    void dialogTexts();
+    void actionTexts_data();
+    void actionTexts();
+    void activeFilterHelp();
+    void searchModes();
+    void retranslationKeepsState();
 
-    void showsTheIcons_data();
-    void showsTheIcons();
-    void showsTheFilterPixmaps();
-    void bringsEveryIconInThreeSizes_data();
-    void bringsEveryIconInThreeSizes();
-    void checksInGreenAndWhenDisabledInGrey();
+    void icons_data();
+    void icons();
+    void filterPixmaps();
+    void iconsHaveThreeSizes_data();
+    void iconsHaveThreeSizes();
+    void checkIconIsGreenAndGreyWhenDisabled();
 
 private:
     void ShowActive();
@@ -120,7 +120,7 @@ private:
 
 void TestForm::initTestCase()
 {
-    Q_INIT_RESOURCE(vexelconnectdlg); // the linker leaves out what nothing in a static library refers to
+    Q_INIT_RESOURCE(vexelconnectdlg); // resources of a static library are not registered automatically
 }
 
 void TestForm::init()
@@ -141,7 +141,7 @@ void TestForm::ShowActive()
     QVERIFY(QTest::qWaitForWindowActive(m_pForm.get()));
 }
 
-void TestForm::declaresTheMembersInOrder()
+void TestForm::membersAreInOrder()
 {
     const FormDialog& f = *m_pForm;
     const std::array<const void*, 27> members{
@@ -177,36 +177,9 @@ void TestForm::declaresTheMembersInOrder()
     QCOMPARE(sizeof(Ui::VexelConnectDlg), members.size() * sizeof(void*)); // and nothing else
 }
 
-void TestForm::namesItsObjects()
+void TestForm::actionsBelongToTheDialog()
 {
     const FormDialog& f = *m_pForm;
-#define VERIFY_NAMED(member) QCOMPARE(f.member->objectName(), QStringLiteral(#member))
-    VERIFY_NAMED(m_pImportAction);
-    VERIFY_NAMED(m_pExportAction);
-    VERIFY_NAMED(m_pNewAction);
-    VERIFY_NAMED(m_pDeleteAction);
-    VERIFY_NAMED(m_pDetailsAction);
-    VERIFY_NAMED(m_pEditAction);
-    VERIFY_NAMED(m_pFilterAction);
-    VERIFY_NAMED(verticalLayout);
-    VERIFY_NAMED(m_pSplitter);
-    VERIFY_NAMED(m_pBasicView);
-    VERIFY_NAMED(m_pDetailsView);
-    VERIFY_NAMED(gridLayout_2);
-    VERIFY_NAMED(m_pFilterFrame);
-    VERIFY_NAMED(gridLayout);
-    VERIFY_NAMED(m_pColumnLabel);
-    VERIFY_NAMED(m_pFilterColumnComboBox);
-    VERIFY_NAMED(m_pFilterPatternLabel);
-    VERIFY_NAMED(horizontalLayout);
-    VERIFY_NAMED(m_pFilterPatternLineEdit);
-    VERIFY_NAMED(m_pFilterLabel);
-    VERIFY_NAMED(m_pRegExpLabel);
-    VERIFY_NAMED(m_pRegExpComboBox);
-    VERIFY_NAMED(m_pConnectButton);
-    VERIFY_NAMED(m_pCloseButton);
-    VERIFY_NAMED(m_pFilterActiveLabel);
-#undef VERIFY_NAMED
     for (const QAction* const action : {f.m_pImportAction, f.m_pExportAction, f.m_pNewAction, f.m_pDeleteAction,
                                         f.m_pDetailsAction, f.m_pEditAction, f.m_pFilterAction}) {
         QCOMPARE(action->parent(), m_pForm.get());
@@ -215,14 +188,14 @@ void TestForm::namesItsObjects()
     }
 }
 
-void TestForm::setsUpTheDialog()
+void TestForm::dialogHasNameSizeAndSizeGrip()
 {
     QCOMPARE(m_pForm->objectName(), QStringLiteral("VexelConnectDlg"));
     QCOMPARE(m_pForm->size(), QSize(418, 166));
     QVERIFY(m_pForm->isSizeGripEnabled());
 }
 
-void TestForm::laysOutTheDialog()
+void TestForm::dialogLayout()
 {
     QVBoxLayout* const layout = m_pForm->verticalLayout;
     QCOMPARE(m_pForm->layout(), layout);
@@ -244,7 +217,7 @@ void TestForm::laysOutTheDialog()
     QCOMPARE(splitter->widget(1), m_pForm->m_pDetailsView);
 }
 
-void TestForm::laysOutTheLowerPart()
+void TestForm::lowerLayout()
 {
     const QGridLayout* const layout = m_pForm->gridLayout_2;
     QCOMPARE(layout->verticalSpacing(), 1);
@@ -278,7 +251,7 @@ void TestForm::laysOutTheLowerPart()
     QCOMPARE(middle->sizePolicy().verticalPolicy(), QSizePolicy::Minimum);
 }
 
-void TestForm::laysOutTheFilterFrame()
+void TestForm::filterFrameLayout()
 {
     QCOMPARE(m_pForm->m_pFilterFrame->frameShape(), QFrame::Panel);
     QCOMPARE(m_pForm->m_pFilterFrame->frameShadow(), QFrame::Sunken);
@@ -310,7 +283,7 @@ void TestForm::laysOutTheFilterFrame()
     QCOMPARE(m_pForm->m_pRegExpLabel->buddy(), m_pForm->m_pRegExpComboBox);
 }
 
-void TestForm::keepsBothViewsOpen()
+void TestForm::viewsCannotBeCollapsed()
 {
     ShowActive();
     m_pForm->m_pSplitter->setSizes({0, 1000});
@@ -319,7 +292,7 @@ void TestForm::keepsBothViewsOpen()
     QVERIFY(m_pForm->m_pSplitter->sizes().at(1) > 0);
 }
 
-void TestForm::setsUpTheViews()
+void TestForm::viewProperties()
 {
     for (const QTreeView* const view : {m_pForm->m_pBasicView, m_pForm->m_pDetailsView}) {
         QCOMPARE(view->editTriggers(), QAbstractItemView::NoEditTriggers);
@@ -338,7 +311,7 @@ void TestForm::setsUpTheViews()
     QCOMPARE(m_pForm->m_pBasicView->selectionBehavior(), QAbstractItemView::SelectRows);
 }
 
-void TestForm::leavesWhatTheDetailsViewInherits()
+void TestForm::detailsViewKeepsDefaults()
 {
     const QTreeView untouched;
     const QTreeView* const view = m_pForm->m_pDetailsView;
@@ -349,7 +322,7 @@ void TestForm::leavesWhatTheDetailsViewInherits()
     QCOMPARE(view->alternatingRowColors(), untouched.alternatingRowColors());
 }
 
-void TestForm::showsFilterFrameAndDetailsAtFirst()
+void TestForm::everythingIsVisibleInitially()
 {
     ShowActive();
     QVERIFY(m_pForm->m_pFilterFrame->isVisible());
@@ -358,38 +331,27 @@ void TestForm::showsFilterFrameAndDetailsAtFirst()
     QVERIFY(m_pForm->m_pConnectButton->isEnabled());
 }
 
-void TestForm::connectsButtonsAndActions()
+void TestForm::buttonsAndActionsCallSlots()
 {
     FormDialog& f = *m_pForm;
-    const auto calls = [](const char* text) {
-        return QStringList{QString::fromLatin1(text)};
+    const auto callsOf = [&f](auto&& action) {
+        action();
+        return f.TakeCalls().join(u'|');
     };
-
-    f.m_pConnectButton->click();
-    QCOMPARE(f.TakeCalls(), calls("Connect"));
-    f.m_pCloseButton->click();
-    QCOMPARE(f.TakeCalls(), calls("Close"));
-    f.m_pImportAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("Import"));
-    f.m_pExportAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("Export"));
-    f.m_pNewAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("New"));
-    f.m_pDeleteAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("Delete"));
-    f.m_pEditAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("Edit"));
-    f.m_pDetailsAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("ShowDetails 1"));
-    f.m_pDetailsAction->setChecked(false); // toggled by whatever means
-    QCOMPARE(f.TakeCalls(), calls("ShowDetails 0"));
-    f.m_pFilterAction->setChecked(true);
-    QCOMPARE(f.TakeCalls(), calls("ShowFilter 1"));
-    f.m_pFilterAction->trigger();
-    QCOMPARE(f.TakeCalls(), calls("ShowFilter 0"));
+    QCOMPARE(callsOf([&] { f.m_pConnectButton->click(); }), QStringLiteral("Connect"));
+    QCOMPARE(callsOf([&] { f.m_pCloseButton->click(); }), QStringLiteral("Close"));
+    QCOMPARE(callsOf([&] { f.m_pImportAction->trigger(); }), QStringLiteral("Import"));
+    QCOMPARE(callsOf([&] { f.m_pExportAction->trigger(); }), QStringLiteral("Export"));
+    QCOMPARE(callsOf([&] { f.m_pNewAction->trigger(); }), QStringLiteral("New"));
+    QCOMPARE(callsOf([&] { f.m_pDeleteAction->trigger(); }), QStringLiteral("Delete"));
+    QCOMPARE(callsOf([&] { f.m_pEditAction->trigger(); }), QStringLiteral("Edit"));
+    QCOMPARE(callsOf([&] { f.m_pDetailsAction->trigger(); }), QStringLiteral("ShowDetails 1"));
+    QCOMPARE(callsOf([&] { f.m_pDetailsAction->setChecked(false); }), QStringLiteral("ShowDetails 0"));
+    QCOMPARE(callsOf([&] { f.m_pFilterAction->setChecked(true); }), QStringLiteral("ShowFilter 1"));
+    QCOMPARE(callsOf([&] { f.m_pFilterAction->trigger(); }), QStringLiteral("ShowFilter 0"));
 }
 
-void TestForm::connectsTheFilterWidgets()
+void TestForm::filterWidgetsCallSlot()
 {
     FormDialog& f = *m_pForm;
     const QStringList once{QStringLiteral("UpdateFilter")};
@@ -408,7 +370,7 @@ void TestForm::connectsTheFilterWidgets()
     QCOMPARE(f.TakeCalls(), once);
 }
 
-void TestForm::connectsTheViews()
+void TestForm::viewsCallSlots()
 {
     ShowActive();
     m_pForm->resize(600, 400);
@@ -421,7 +383,7 @@ void TestForm::connectsTheViews()
     }
 }
 
-void TestForm::focusesByMnemonic_data()
+void TestForm::mnemonicsFocusFilterWidgets_data()
 {
     QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<QString>("focused");
@@ -430,7 +392,7 @@ void TestForm::focusesByMnemonic_data()
     QTest::newRow("Alt+M") << Qt::Key_M << QStringLiteral("m_pRegExpComboBox");
 }
 
-void TestForm::focusesByMnemonic()
+void TestForm::mnemonicsFocusFilterWidgets()
 {
     QFETCH(Qt::Key, key);
     QFETCH(QString, focused);
@@ -442,7 +404,7 @@ void TestForm::focusesByMnemonic()
     QCOMPARE(m_pForm->TakeCalls(), QStringList());
 }
 
-void TestForm::focusesNothingHidden()
+void TestForm::mnemonicsIgnoreHiddenWidgets()
 {
     m_pForm->m_pFilterFrame->hide();
     ShowActive();
@@ -453,7 +415,7 @@ void TestForm::focusesNothingHidden()
     }
 }
 
-void TestForm::connectsByMnemonicAndEnter()
+void TestForm::mnemonicAndEnterPressConnect()
 {
     ShowActive();
     const QStringList once{QStringLiteral("Connect")};
@@ -461,7 +423,7 @@ void TestForm::connectsByMnemonicAndEnter()
     QVERIFY(!m_pForm->m_pCloseButton->isDefault());
 
     QTest::keyClick(m_pForm.get(), Qt::Key_C, Qt::AltModifier);
-    QVERIFY(m_pForm->m_pConnectButton->isDown()); // it is seen to be pressed before it is clicked
+    QVERIFY(m_pForm->m_pConnectButton->isDown()); // the animated click follows later
     QStringList calls;
     QTRY_COMPARE(calls += m_pForm->TakeCalls(), once);
     for (QWidget* const widget : std::initializer_list<QWidget*>{
@@ -476,7 +438,7 @@ void TestForm::connectsByMnemonicAndEnter()
     QCOMPARE(m_pForm->TakeCalls(), once);
 }
 
-void TestForm::hasNoOtherShortcuts()
+void TestForm::noOtherShortcuts()
 {
     for (const QAction* const action : m_pForm->findChildren<QAction*>(QRegularExpression(QStringLiteral("^m_p"))))
         QVERIFY(action->shortcuts().isEmpty());
@@ -484,7 +446,7 @@ void TestForm::hasNoOtherShortcuts()
     QCOMPARE(m_pForm->m_pConnectButton->shortcut(), QKeySequence(Qt::ALT | Qt::Key_C));
 }
 
-void TestForm::tabsFromTopToBottom()
+void TestForm::tabOrderIsTopToBottom()
 {
     const QList<QWidget*> expected{m_pForm->m_pBasicView,
                                    m_pForm->m_pDetailsView,
@@ -503,7 +465,7 @@ void TestForm::tabsFromTopToBottom()
     QCOMPARE(stops, expected);
 }
 
-void TestForm::showsTheTexts_data()
+void TestForm::widgetTexts_data()
 {
     const QString column = QStringLiteral(
         "The column selection defines in which column the filter searches for the given filter pattern.");
@@ -531,7 +493,7 @@ void TestForm::showsTheTexts_data()
     QTest::newRow("m_pCloseButton") << close << QStringLiteral("Close");
 }
 
-void TestForm::showsTheTexts()
+void TestForm::widgetTexts()
 {
     QFETCH(QString, help);
     QFETCH(QString, text);
@@ -548,7 +510,7 @@ void TestForm::showsTheTexts()
     QCOMPARE(widget->property("text").toString(), Translated(text));
 }
 
-void TestForm::showsTheDialogsTexts()
+void TestForm::dialogTexts()
 {
     const QString title = QStringLiteral("Vexel - Connect Dialog");
     const QString help = QStringLiteral("Use the \"?\" button at the upper right corner to get more information.\n\n"
@@ -563,7 +525,7 @@ void TestForm::showsTheDialogsTexts()
     QCOMPARE(m_pForm->toolTip(), Translated(help));
 }
 
-void TestForm::showsTheActionsTexts_data()
+void TestForm::actionTexts_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("toolTip");
@@ -580,7 +542,7 @@ void TestForm::showsTheActionsTexts_data()
     QTest::newRow("m_pFilterAction") << QStringLiteral("Filter") << QStringLiteral("Switch display of filter on/off.");
 }
 
-void TestForm::showsTheActionsTexts()
+void TestForm::actionTexts()
 {
     QFETCH(QString, text);
     QFETCH(QString, toolTip);
@@ -595,7 +557,7 @@ void TestForm::showsTheActionsTexts()
     QCOMPARE(action->toolTip(), Translated(toolTip));
 }
 
-void TestForm::explainsTheActiveFilter()
+void TestForm::activeFilterHelp()
 {
     const QLabel* const label = m_pForm->m_pFilterActiveLabel;
     QCOMPARE(label->toolTip(), QStringLiteral("filter is active"));
@@ -647,7 +609,7 @@ void TestForm::explainsTheActiveFilter()
     QCOMPARE(label->text(), QString());
 }
 
-void TestForm::listsTheSearchModes()
+void TestForm::searchModes()
 {
     const QComboBox* const modes = m_pForm->m_pRegExpComboBox;
     QCOMPARE(modes->count(), 3);
@@ -658,7 +620,7 @@ void TestForm::listsTheSearchModes()
     QVERIFY(!modes->isEditable());
 }
 
-void TestForm::keepsTheStateInAnotherLanguage()
+void TestForm::retranslationKeepsState()
 {
     FormDialog& f = *m_pForm;
     f.m_pFilterColumnComboBox->addItems({QStringLiteral("a"), QStringLiteral("b")});
@@ -680,10 +642,10 @@ void TestForm::keepsTheStateInAnotherLanguage()
     QVERIFY(!f.m_pFilterLabel->pixmap().isNull());
     QVERIFY(!f.m_pFilterActiveLabel->pixmap().isNull());
     QCOMPARE(f.m_pColumnLabel->buddy(), f.m_pFilterColumnComboBox);
-    QCOMPARE(f.TakeCalls(), QStringList()); // the filter is as it was
+    QCOMPARE(f.TakeCalls(), QStringList()); // the filter is unchanged
 }
 
-void TestForm::showsTheIcons_data()
+void TestForm::icons_data()
 {
     QTest::addColumn<QString>("file");
     QTest::newRow("m_pImportAction") << QStringLiteral(":/import.png");
@@ -697,7 +659,7 @@ void TestForm::showsTheIcons_data()
     QTest::newRow("m_pCloseButton") << QStringLiteral(":/exit.png");
 }
 
-void TestForm::showsTheIcons()
+void TestForm::icons()
 {
     QFETCH(QString, file);
     const auto* const object = m_pForm->findChild<QObject*>(QString::fromLatin1(QTest::currentDataTag()));
@@ -708,13 +670,13 @@ void TestForm::showsTheIcons()
     QCOMPARE(icon.pixmap(QSize(16, 16), 1.0).toImage(), Pixels(file));
 }
 
-void TestForm::showsTheFilterPixmaps()
+void TestForm::filterPixmaps()
 {
     QCOMPARE(m_pForm->m_pFilterLabel->pixmap().toImage(), Pixels(QStringLiteral(":/filter.png")));
     QCOMPARE(m_pForm->m_pFilterActiveLabel->pixmap().toImage(), Pixels(QStringLiteral(":/filter.png")));
 }
 
-void TestForm::bringsEveryIconInThreeSizes_data()
+void TestForm::iconsHaveThreeSizes_data()
 {
     QTest::addColumn<QString>("pattern");
     for (const char* const name :
@@ -723,7 +685,7 @@ void TestForm::bringsEveryIconInThreeSizes_data()
     QTest::newRow("connect_to") << QStringLiteral(":/connect_to%1.xpm");
 }
 
-void TestForm::bringsEveryIconInThreeSizes()
+void TestForm::iconsHaveThreeSizes()
 {
     QFETCH(QString, pattern);
     const std::array suffixes{QString(), QStringLiteral("@2x"), QStringLiteral("@3x")};
@@ -733,13 +695,13 @@ void TestForm::bringsEveryIconInThreeSizes()
         QCOMPARE(reader.format(), format);
         const QImage image = reader.read();
         QCOMPARE(image.size(), QSize(16, 16) * scale);
-        QVERIFY(image.hasAlphaChannel()); // shows on any background
+        QVERIFY(image.hasAlphaChannel());
         if (scale < 3)
-            QCOMPARE(image.devicePixelRatio(), scale); // taken for what its name says
+            QCOMPARE(image.devicePixelRatio(), scale); // Qt reads it from the file name
     }
 }
 
-void TestForm::checksInGreenAndWhenDisabledInGrey()
+void TestForm::checkIconIsGreenAndGreyWhenDisabled()
 {
     const QIcon icon(QStringLiteral(":/ok.png"));
     const auto strongestColour = [&icon](QIcon::Mode mode, auto&& strengthOf) {

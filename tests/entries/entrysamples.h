@@ -22,6 +22,23 @@ inline Connection SampleEntry(int number)
     return entry;
 }
 
+/// An entry with usual values, none of them the default.
+inline Connection MastEntry()
+{
+    Connection entry;
+    entry.ConnectionName = QStringLiteral("Mast 1");
+    entry.DeviceType = Connection::KiteAlphaFinch;
+    entry.ConnectionType = Connection::RemoteConnection;
+    entry.DeviceAddress = QStringLiteral("10.0.0.5");
+    entry.DriverAddress = QStringLiteral("pc7");
+    entry.LinkSpeed = Connection::RadioLink;
+    entry.TimeoutSeconds = 30;
+    entry.ConnectionStatus = Connection::InUse;
+    entry.Selected = true;
+    entry.Subsystem = QStringLiteral("Corvus 2");
+    return entry;
+}
+
 inline Connection NamedEntry(const QString& name)
 {
     Connection entry;

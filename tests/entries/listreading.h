@@ -2,6 +2,7 @@
 
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/xmlguard.h"
 
 #include <QByteArray>
 #include <QList>
@@ -11,11 +12,11 @@
 #include <deque>
 #include <vector>
 
-/// What reading one document gave.
+/// The result of reading one document.
 struct Reading
 {
     bool result = false;
-    std::deque<Connection> entries; ///< in the order in which they were handed over
+    std::deque<Connection> entries; ///< in the order of the calls of the consumer
     QList<TraceRecorder::Report> reports;
 };
 
@@ -43,20 +44,27 @@ inline QByteArray InRoot(const QByteArray& content)
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries>" + content + "</ConnectionEntries>\n";
 }
 
-/// The message that a document with an XML error must give: where Qt's own parser stops, and why.
+/// The trace message for a document with an XML error: the place and the reason that Qt's own parser reports.
 inline QString ParserMessage(const QByteArray& document)
 {
     QXmlStreamReader xml(document);
-    while (!xml.atEnd())
+    while (!xml.atEnd()) {
         xml.readNext();
+        RefuseEntityDeclarations(xml);
+    }
     return QStringLiteral("XML parsing error occurred in row %1 column %2. \"%3\"")
         .arg(QString::number(xml.lineNumber()), QString::number(xml.columnNumber()), xml.errorString());
 }
 
-/// Whether `reports` is the one line that a malformed document gives; the message is `message`.
-inline bool IsXmlErrorTrace(const QList<TraceRecorder::Report>& reports, const QString& message)
+/// Whether `reports` is exactly one trace of the model.
+inline bool IsModelTrace(const QList<TraceRecorder::Report>& reports, const QString& message, quint16 line)
 {
     return reports.size() == 1 && reports.first().kind == ErrorHandler::Trace && reports.first().message == message &&
            reports.first().sourceFile == QLatin1String("userinterface/vexelconnectdlg/connectionsmodel") &&
-           reports.first().line == 612;
+           reports.first().line == line;
+}
+
+inline bool IsXmlErrorTrace(const QList<TraceRecorder::Report>& reports, const QString& message)
+{
+    return IsModelTrace(reports, message, 612);
 }

@@ -10,36 +10,36 @@
 
 #include <memory>
 
-/// Entries that leave and enter the model as documents: drag and drop, and the whole set.
+/// Entries as documents: drag and drop, and the whole set.
 class TestConnectionsModelDocuments : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void mimeType();
-    void mimeDataTakesEachRowOnceInOrderOfFirstOccurrence();
-    void mimeDataOfNothingIsAnEmptyRoot();
-    void mimeDataPassesOverBadIndexes();
-    void mimeDataIsAPlainObjectOfTheCaller();
-    void dropAppendsInDocumentOrderAndKeepsStatusAndSelection();
-    void dropIgnoresPlaceAndAction_data();
-    void dropIgnoresPlaceAndAction();
-    void dropWithoutEntries_data();
-    void dropWithoutEntries();
-    void dropOfAMalformedDocumentKeepsWhatCameBefore();
+    void mimeTypeIsPlainText();
+    void mimeDataHasEachRowOnce();
+    void mimeDataOfNoIndexIsEmptyRoot();
+    void mimeDataSkipsInvalidIndexes();
+    void mimeDataBelongsToCaller();
+    void dropAppendsEntriesUnchanged();
+    void dropIgnoresPositionAndAction_data();
+    void dropIgnoresPositionAndAction();
+    void dropWithoutEntriesIsRefused_data();
+    void dropWithoutEntriesIsRefused();
+    void dropKeepsEntriesBeforeXmlError();
     void dropOfOwnRowsAppendsCopies();
-    void toByteArrayIsTheWholeSetInRowOrder();
-    void fromByteArrayReplacesAndFrees();
-    void fromByteArrayOfAMalformedDocument();
+    void toByteArrayHasAllRowsInOrder();
+    void fromByteArrayReplacesAndResetsStatus();
+    void fromByteArrayKeepsEntriesBeforeXmlError();
 };
 
-void TestConnectionsModelDocuments::mimeType()
+void TestConnectionsModelDocuments::mimeTypeIsPlainText()
 {
     const WatchedModel model;
     QCOMPARE(model.mimeTypes(), Texts({"text/plain"}));
 }
 
-void TestConnectionsModelDocuments::mimeDataTakesEachRowOnceInOrderOfFirstOccurrence()
+void TestConnectionsModelDocuments::mimeDataHasEachRowOnce()
 {
     WatchedModel model;
     for (const int number : {0, 1, 2})
@@ -48,7 +48,7 @@ void TestConnectionsModelDocuments::mimeDataTakesEachRowOnceInOrderOfFirstOccurr
     QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(2), SampleEntry(0)}));
 }
 
-void TestConnectionsModelDocuments::mimeDataOfNothingIsAnEmptyRoot()
+void TestConnectionsModelDocuments::mimeDataOfNoIndexIsEmptyRoot()
 {
     WatchedModel model;
     model.AddNamed({"a"});
@@ -57,7 +57,7 @@ void TestConnectionsModelDocuments::mimeDataOfNothingIsAnEmptyRoot()
              QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries/>\n"));
 }
 
-void TestConnectionsModelDocuments::mimeDataPassesOverBadIndexes()
+void TestConnectionsModelDocuments::mimeDataSkipsInvalidIndexes()
 {
     WatchedModel model;
     model.AddConnection(SampleEntry(1));
@@ -68,7 +68,7 @@ void TestConnectionsModelDocuments::mimeDataPassesOverBadIndexes()
     QCOMPARE(data->data(QStringLiteral("text/plain")), WriteList({SampleEntry(1)}));
 }
 
-void TestConnectionsModelDocuments::mimeDataIsAPlainObjectOfTheCaller()
+void TestConnectionsModelDocuments::mimeDataBelongsToCaller()
 {
     WatchedModel model;
     model.AddNamed({"a"});
@@ -80,7 +80,7 @@ void TestConnectionsModelDocuments::mimeDataIsAPlainObjectOfTheCaller()
     QCOMPARE(one->formats(), Texts({"text/plain"}));
 }
 
-void TestConnectionsModelDocuments::dropAppendsInDocumentOrderAndKeepsStatusAndSelection()
+void TestConnectionsModelDocuments::dropAppendsEntriesUnchanged()
 {
     WatchedModel model;
     model.AddNamed({"a"});
@@ -94,20 +94,18 @@ void TestConnectionsModelDocuments::dropAppendsInDocumentOrderAndKeepsStatusAndS
     QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(3)));
 }
 
-void TestConnectionsModelDocuments::dropIgnoresPlaceAndAction_data()
+void TestConnectionsModelDocuments::dropIgnoresPositionAndAction_data()
 {
     QTest::addColumn<int>("action");
     QTest::addColumn<int>("row");
     QTest::addColumn<int>("column");
     QTest::addColumn<bool>("onFirstRow");
     QTest::newRow("move") << int{Qt::MoveAction} << -1 << -1 << false;
-    QTest::newRow("ignore") << int{Qt::IgnoreAction} << -1 << -1 << false;
     QTest::newRow("between rows") << int{Qt::CopyAction} << 0 << 0 << false;
     QTest::newRow("on a row") << int{Qt::CopyAction} << -1 << -1 << true;
-    QTest::newRow("outside") << int{Qt::CopyAction} << 100 << 100 << false;
 }
 
-void TestConnectionsModelDocuments::dropIgnoresPlaceAndAction()
+void TestConnectionsModelDocuments::dropIgnoresPositionAndAction()
 {
     QFETCH(int, action);
     QFETCH(int, row);
@@ -121,13 +119,13 @@ void TestConnectionsModelDocuments::dropIgnoresPlaceAndAction()
     QCOMPARE(model.Names(), Texts({"a", "b", "c"}));
 }
 
-void TestConnectionsModelDocuments::dropWithoutEntries_data()
+void TestConnectionsModelDocuments::dropWithoutEntriesIsRefused_data()
 {
     QTest::addColumn<QString>("format");
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("traces");
     const QByteArray document = WriteList({SampleEntry(1)});
-    QTest::newRow("no format at all") << QString() << QByteArray() << 1;
+    QTest::newRow("no format") << QString() << QByteArray() << 1;
     QTest::newRow("another format") << QStringLiteral("application/xml") << document << 1;
     QTest::newRow("a list of files") << QStringLiteral("text/uri-list") << QByteArray("file:///a.xml") << 1;
     QTest::newRow("empty text") << QStringLiteral("text/plain") << QByteArray() << 1;
@@ -135,7 +133,7 @@ void TestConnectionsModelDocuments::dropWithoutEntries_data()
     QTest::newRow("no entries") << QStringLiteral("text/plain") << WriteList({}) << 0;
 }
 
-void TestConnectionsModelDocuments::dropWithoutEntries()
+void TestConnectionsModelDocuments::dropWithoutEntriesIsRefused()
 {
     QFETCH(QString, format);
     QFETCH(QByteArray, bytes);
@@ -150,12 +148,11 @@ void TestConnectionsModelDocuments::dropWithoutEntries()
     QVERIFY(!Drop(model, &data));
     QCOMPARE(about.size(), 0);
     QCOMPARE(recorder.Reports().size(), traces);
-    // Without any data there is nothing to read.
     QVERIFY(!Drop(model, nullptr));
     QCOMPARE(model.Names(), Texts({"a"}));
 }
 
-void TestConnectionsModelDocuments::dropOfAMalformedDocumentKeepsWhatCameBefore()
+void TestConnectionsModelDocuments::dropKeepsEntriesBeforeXmlError()
 {
     WatchedModel model;
     model.AddNamed({"a"});
@@ -182,7 +179,7 @@ void TestConnectionsModelDocuments::dropOfOwnRowsAppendsCopies()
     QCOMPARE(Fields(model.GetConnection(3)), Fields(SampleEntry(1)));
 }
 
-void TestConnectionsModelDocuments::toByteArrayIsTheWholeSetInRowOrder()
+void TestConnectionsModelDocuments::toByteArrayHasAllRowsInOrder()
 {
     WatchedModel model;
     QCOMPARE(model.ToByteArray(), WriteList({}));
@@ -191,14 +188,13 @@ void TestConnectionsModelDocuments::toByteArrayIsTheWholeSetInRowOrder()
     QCOMPARE(model.ToByteArray(), WriteList({SampleEntry(2), SampleEntry(0), SampleEntry(1), SampleEntry(0)}));
 }
 
-void TestConnectionsModelDocuments::fromByteArrayReplacesAndFrees()
+void TestConnectionsModelDocuments::fromByteArrayReplacesAndResetsStatus()
 {
     WatchedModel model;
     model.AddNamed({"a", "b"});
     const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
     const QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    // "ConnectionStatus" 1 and 2 in the document.
     QVERIFY(model.FromByteArray(WriteList({SampleEntry(0), SampleEntry(1), SampleEntry(2)})));
     QCOMPARE(removed.size(), 1);
     QCOMPARE(removed.at(0).at(1).toInt(), 0);
@@ -212,7 +208,7 @@ void TestConnectionsModelDocuments::fromByteArrayReplacesAndFrees()
     QCOMPARE(model.rowCount(), 0);
 }
 
-void TestConnectionsModelDocuments::fromByteArrayOfAMalformedDocument()
+void TestConnectionsModelDocuments::fromByteArrayKeepsEntriesBeforeXmlError()
 {
     WatchedModel model;
     model.AddNamed({"a", "b"});

@@ -1,37 +1,19 @@
-#include "platform/cfgcenter.h"
-#include "platform/icfg.h"
 #include "tests/entries/entrysamples.h"
+#include "tests/support/confignodes.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <memory>
-
 namespace {
 
 const QString kNone = QStringLiteral("(none)");
 
-ICfg* LegacyDocument()
-{
-    return CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QStringLiteral(""));
-}
-
-std::unique_ptr<ICfg> Record(int number)
-{
-    return std::unique_ptr<ICfg>(LegacyDocument()->OpenChild(QStringLiteral("ConnectData%1").arg(number), 0));
-}
-
-QString ConnectionCount()
-{
-    return LegacyDocument()->GetString(QStringLiteral("ConnectionCount"), kNone, 0);
-}
-
 /// The eight stored values of a record as text, each with its key.
 QStringList StoredValues(int number)
 {
-    const auto node = Record(number);
+    const auto node = ConfigNodes::LegacyRecord(number);
     QStringList values;
     for (const char* const key : {"StationName", "DeviceType", "DeviceAddress", "RemoteAddress"})
         values += QLatin1String(key) + u'=' + node->GetString(QString::fromLatin1(key), kNone, 0);
@@ -79,46 +61,26 @@ private slots:
     void init() { CfgCenter::Close(); }
     void cleanup() { CfgCenter::Close(); }
 
-    void recordOfAnEntry();
-    void deviceTypeOfARecordIsTheDisplayText_data();
-    void deviceTypeOfARecordIsTheDisplayText();
-    void timeoutOfARecord_data();
-    void timeoutOfARecord();
+    void entryBecomesRecord();
+    void recordBecomesEntryAgain();
+    void timeoutOfRecordIsActiveAboveZero_data();
+    void timeoutOfRecordIsActiveAboveZero();
 
-    void entryOfARecord();
-    void deviceTypeOfAnEntryIsTheFirstContained_data();
-    void deviceTypeOfAnEntryIsTheFirstContained();
-    void timeoutOfAnEntry_data();
-    void timeoutOfAnEntry();
-    void thereAndBack_data();
-    void thereAndBack();
+    void deviceTypeIsFirstNameContainedInText_data();
+    void deviceTypeIsFirstNameContainedInText();
+    void timeoutOfEntryNeedsActiveFlag_data();
+    void timeoutOfEntryNeedsActiveFlag();
 
-    void exportWritesEveryEntryInRowOrder();
-    void exportOfThreeThenOneLeavesTheOtherRecords();
-    void exportOfAnEmptyTableWritesTheCountOnly();
-    void exportWritesWhetherATimeoutApplies();
-    void exportWritesTheCurrentKeysOnly();
-    void exportGoesToTheSharedDocument();
-    void exportSavesTheDocument();
-    void exportDoesNotTouchTheModel();
-    void exportedRecordsReadAsTheyWere();
-    void exportKeepsHostileTexts();
+    void exportWritesAllEntriesInRowOrder();
+    void shorterExportLeavesOldRecords();
+    void exportOfEmptyTableWritesCountOnly();
+    void exportUsesSharedView();
+    void exportSavesDocument();
 };
 
-void TestLegacyConnectData::recordOfAnEntry()
+void TestLegacyConnectData::entryBecomesRecord()
 {
-    Connection entry;
-    entry.ConnectionName = QStringLiteral("Mast 1");
-    entry.DeviceType = 12;
-    entry.ConnectionType = 1;
-    entry.DeviceAddress = QStringLiteral("10.0.0.5");
-    entry.DriverAddress = QStringLiteral("pc7");
-    entry.LinkSpeed = 6;
-    entry.TimeoutSeconds = 30;
-    entry.ConnectionStatus = 1;
-    entry.Selected = true;
-    entry.Subsystem = QStringLiteral("Corvus 2");
-    const ConnectData record = ConnectionToConnectData(entry);
+    const ConnectData record = ConnectionToConnectData(MastEntry());
     QCOMPARE(record.m_nIndex, -1);
     QCOMPARE(record.m_sStationName, QStringLiteral("Mast 1"));
     QCOMPARE(record.m_sDeviceType, QStringLiteral("Kite Alpha + Finch"));
@@ -134,38 +96,24 @@ void TestLegacyConnectData::recordOfAnEntry()
     QCOMPARE(record.m_nReserved, 0);
 }
 
-void TestLegacyConnectData::deviceTypeOfARecordIsTheDisplayText_data()
+void TestLegacyConnectData::recordBecomesEntryAgain()
 {
-    QTest::addColumn<int>("deviceType");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("0") << 0 << QStringLiteral("Kite Alpha + Wren C");
-    QTest::newRow("4") << 4 << QStringLiteral("Kite Echo");
-    QTest::newRow("9") << 9 << QStringLiteral("Heron");
-    QTest::newRow("14") << 14 << QStringLiteral("Linnet + DF");
-    QTest::newRow("15") << 15 << QStringLiteral("No string representation for ID 15");
-    QTest::newRow("-1") << -1 << QStringLiteral("No string representation for ID -1");
+    for (int number = 0; number < 10; ++number) {
+        const Connection entry = SampleEntry(number);
+        QCOMPARE(Fields(ConnectDataToConnection(ConnectionToConnectData(entry))), Fields(entry));
+    }
 }
 
-void TestLegacyConnectData::deviceTypeOfARecordIsTheDisplayText()
-{
-    QFETCH(int, deviceType);
-    QFETCH(QString, text);
-    Connection entry;
-    entry.DeviceType = deviceType;
-    QCOMPARE(ConnectionToConnectData(entry).m_sDeviceType, text);
-}
-
-void TestLegacyConnectData::timeoutOfARecord_data()
+void TestLegacyConnectData::timeoutOfRecordIsActiveAboveZero_data()
 {
     QTest::addColumn<int>("seconds");
     QTest::addColumn<bool>("active");
     QTest::newRow("0") << 0 << false;
     QTest::newRow("-5") << -5 << false;
-    QTest::newRow("1") << 1 << true;
     QTest::newRow("30") << 30 << true;
 }
 
-void TestLegacyConnectData::timeoutOfARecord()
+void TestLegacyConnectData::timeoutOfRecordIsActiveAboveZero()
 {
     QFETCH(int, seconds);
     QFETCH(bool, active);
@@ -175,53 +123,23 @@ void TestLegacyConnectData::timeoutOfARecord()
     QCOMPARE(ConnectionToConnectData(entry).m_nTimeoutSeconds, seconds);
 }
 
-void TestLegacyConnectData::entryOfARecord()
-{
-    ConnectData record;
-    record.m_nIndex = 5;
-    record.m_sStationName = QStringLiteral("Mast 1");
-    record.m_sDeviceType = QStringLiteral("Kite Cobra");
-    record.m_nConnectionType = 2;
-    record.m_sDeviceAddress = QStringLiteral("10.0.0.5");
-    record.m_sRemoteAddress = QStringLiteral("pc7");
-    record.m_nConnectionSpeed = 3;
-    record.m_bTimeoutActive = true;
-    record.m_nTimeoutSeconds = 30;
-    record.m_nStatus = 1;
-    record.m_bSelected = true;
-    record.m_sSubsystem = QStringLiteral("Corvus 2");
-    const Connection entry = ConnectDataToConnection(record);
-    QCOMPARE(entry.ConnectionName, QStringLiteral("Mast 1"));
-    QCOMPARE(entry.DeviceType, 2);
-    QCOMPARE(entry.ConnectionType, 2);
-    QCOMPARE(entry.DeviceAddress, QStringLiteral("10.0.0.5"));
-    QCOMPARE(entry.DriverAddress, QStringLiteral("pc7"));
-    QCOMPARE(entry.LinkSpeed, 3);
-    QCOMPARE(entry.TimeoutSeconds, 30);
-    QCOMPARE(entry.ConnectionStatus, 1);
-    QCOMPARE(entry.Selected, true);
-    QCOMPARE(entry.Subsystem, QStringLiteral("Corvus 2"));
-}
-
-void TestLegacyConnectData::deviceTypeOfAnEntryIsTheFirstContained_data()
+void TestLegacyConnectData::deviceTypeIsFirstNameContainedInText_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("deviceType");
     for (int type = 0; type < 15; ++type) {
-        QTest::addRow("text of %d", type) << Connection::DeviceTypeName(type) << type;
-        QTest::addRow("text of %d in capitals", type) << Connection::DeviceTypeName(type).toUpper() << type;
-        QTest::addRow("text of %d within a text", type) << u'<' + Connection::DeviceTypeName(type) + u'>' << type;
+        QTest::addRow("name %d", type) << Connection::DeviceTypeName(type) << type;
+        QTest::addRow("name %d, upper case in a longer text", type)
+            << u'<' + Connection::DeviceTypeName(type).toUpper() + u'>' << type;
     }
     QTest::newRow("Kite Echo/Ember") << QStringLiteral("Kite Echo/Ember") << 4;
-    QTest::newRow("Kite Moss E") << QStringLiteral("Kite Moss E") << 6;
-    QTest::newRow("two names, the lower number counts") << QStringLiteral("Heron, Pipit and Kite Bravo") << 1;
+    QTest::newRow("several names, the lowest number counts") << QStringLiteral("Heron, Pipit and Kite Bravo") << 1;
     QTest::newRow("first component only") << QStringLiteral("Kite Alpha") << 4;
     QTest::newRow("unknown") << QStringLiteral("Albatross") << 4;
-    QTest::newRow("fallback text") << QStringLiteral("No string representation for ID 1") << 4;
     QTest::newRow("empty") << QStringLiteral("") << 4;
 }
 
-void TestLegacyConnectData::deviceTypeOfAnEntryIsTheFirstContained()
+void TestLegacyConnectData::deviceTypeIsFirstNameContainedInText()
 {
     QFETCH(QString, text);
     QFETCH(int, deviceType);
@@ -230,7 +148,7 @@ void TestLegacyConnectData::deviceTypeOfAnEntryIsTheFirstContained()
     QCOMPARE(ConnectDataToConnection(record).DeviceType, deviceType);
 }
 
-void TestLegacyConnectData::timeoutOfAnEntry_data()
+void TestLegacyConnectData::timeoutOfEntryNeedsActiveFlag_data()
 {
     QTest::addColumn<bool>("active");
     QTest::addColumn<int>("seconds");
@@ -241,7 +159,7 @@ void TestLegacyConnectData::timeoutOfAnEntry_data()
     QTest::newRow("not active") << false << 30 << 0;
 }
 
-void TestLegacyConnectData::timeoutOfAnEntry()
+void TestLegacyConnectData::timeoutOfEntryNeedsActiveFlag()
 {
     QFETCH(bool, active);
     QFETCH(int, seconds);
@@ -252,28 +170,13 @@ void TestLegacyConnectData::timeoutOfAnEntry()
     QCOMPARE(ConnectDataToConnection(record).TimeoutSeconds, expected);
 }
 
-void TestLegacyConnectData::thereAndBack_data()
-{
-    QTest::addColumn<int>("deviceType");
-    for (int type = 0; type < 15; ++type)
-        QTest::addRow("device type %d", type) << type;
-}
-
-void TestLegacyConnectData::thereAndBack()
-{
-    QFETCH(int, deviceType);
-    Connection entry = SampleEntry(deviceType);
-    entry.DeviceType = deviceType;
-    QCOMPARE(Fields(ConnectDataToConnection(ConnectionToConnectData(entry))), Fields(entry));
-}
-
-void TestLegacyConnectData::exportWritesEveryEntryInRowOrder()
+void TestLegacyConnectData::exportWritesAllEntriesInRowOrder()
 {
     Connection unselected = SampleEntry(3);
     unselected.Selected = false;
     unselected.ConnectionStatus = 0;
     Export({SampleEntry(2), unselected, SampleEntry(1), SampleEntry(1)});
-    QCOMPARE(ConnectionCount(), QStringLiteral("4"));
+    QCOMPARE(ConfigNodes::LegacyCount(kNone), QStringLiteral("4"));
     QCOMPARE(StoredValues(0), StoredValuesOf(SampleEntry(2)));
     QCOMPARE(StoredValues(1), StoredValuesOf(unselected));
     QCOMPARE(StoredValues(2), StoredValuesOf(SampleEntry(1)));
@@ -281,47 +184,25 @@ void TestLegacyConnectData::exportWritesEveryEntryInRowOrder()
     QVERIFY(StoredValues(4).contains(QStringLiteral("StationName=") + kNone));
 }
 
-void TestLegacyConnectData::exportOfThreeThenOneLeavesTheOtherRecords()
+void TestLegacyConnectData::shorterExportLeavesOldRecords()
 {
     Export({SampleEntry(1), SampleEntry(2), SampleEntry(3)});
-    QCOMPARE(ConnectionCount(), QStringLiteral("3"));
+    QCOMPARE(ConfigNodes::LegacyCount(kNone), QStringLiteral("3"));
     Export({SampleEntry(9)});
-    QCOMPARE(ConnectionCount(), QStringLiteral("1"));
+    QCOMPARE(ConfigNodes::LegacyCount(kNone), QStringLiteral("1"));
     QCOMPARE(StoredValues(0), StoredValuesOf(SampleEntry(9)));
     QCOMPARE(StoredValues(1), StoredValuesOf(SampleEntry(2)));
     QCOMPARE(StoredValues(2), StoredValuesOf(SampleEntry(3)));
 }
 
-void TestLegacyConnectData::exportOfAnEmptyTableWritesTheCountOnly()
+void TestLegacyConnectData::exportOfEmptyTableWritesCountOnly()
 {
     Export({});
-    QCOMPARE(ConnectionCount(), QStringLiteral("0"));
+    QCOMPARE(ConfigNodes::LegacyCount(kNone), QStringLiteral("0"));
     QVERIFY(StoredValues(0).contains(QStringLiteral("StationName=") + kNone));
 }
 
-void TestLegacyConnectData::exportWritesWhetherATimeoutApplies()
-{
-    Connection without;
-    Connection with;
-    with.TimeoutSeconds = 30;
-    Export({without, with});
-    QVERIFY(StoredValues(0).contains(QStringLiteral("TimeoutActive=false")));
-    QVERIFY(StoredValues(0).contains(QStringLiteral("TimeoutSeconds=0")));
-    QVERIFY(StoredValues(1).contains(QStringLiteral("TimeoutActive=true")));
-    QVERIFY(StoredValues(1).contains(QStringLiteral("TimeoutSeconds=30")));
-}
-
-void TestLegacyConnectData::exportWritesTheCurrentKeysOnly()
-{
-    Record(0)->SetString(QStringLiteral("Virtual"), QStringLiteral("kept"), 0);
-    Export({SampleEntry(1)});
-    for (const char* const key : {"Type", "Access", "StationAddress", "TimeoutFlag", "Timeout", "MultiChannelServer",
-                                  "Status", "Selected", "Subsystem", "Reserved", "Index"})
-        QCOMPARE(Record(0)->GetString(QString::fromLatin1(key), kNone, 0), kNone);
-    QCOMPARE(Record(0)->GetString(QStringLiteral("Virtual"), kNone, 0), QStringLiteral("kept"));
-}
-
-void TestLegacyConnectData::exportGoesToTheSharedDocument()
+void TestLegacyConnectData::exportUsesSharedView()
 {
     Export({SampleEntry(1)});
     const QString name = QStringLiteral("KiteResources/ConnectData");
@@ -331,41 +212,7 @@ void TestLegacyConnectData::exportGoesToTheSharedDocument()
     QCOMPARE(CfgCenter::CreateCfg(name, View::Shared, {})->GetString(key, kNone, 0), QStringLiteral("1"));
 }
 
-void TestLegacyConnectData::exportSavesTheDocument()
-{
-    const QTemporaryDir store;
-    QVERIFY(CfgCenter::Open(store.path()));
-    Export({SampleEntry(1), SampleEntry(2)});
-    QVERIFY(CfgCenter::Open(store.path()));
-    QCOMPARE(ConnectionCount(), QStringLiteral("2"));
-    QCOMPARE(StoredValues(0), StoredValuesOf(SampleEntry(1)));
-    QCOMPARE(StoredValues(1), StoredValuesOf(SampleEntry(2)));
-}
-
-void TestLegacyConnectData::exportDoesNotTouchTheModel()
-{
-    ConnectionsModel model(nullptr, QString());
-    model.AddConnection(SampleEntry(1));
-    const QByteArray before = model.ToByteArray();
-    ExportLegacyConnectData(model);
-    QCOMPARE(model.ToByteArray(), before);
-}
-
-void TestLegacyConnectData::exportedRecordsReadAsTheyWere()
-{
-    Connection remote = SampleEntry(2);
-    remote.ConnectionType = 1;
-    Export({SampleEntry(4), remote});
-    const ConnectData record(1, LegacyDocument());
-    QCOMPARE(record.m_nIndex, 1);
-    // Not stored, so not read.
-    remote.ConnectionStatus = 0;
-    remote.Selected = false;
-    remote.Subsystem.clear();
-    QCOMPARE(Fields(ConnectDataToConnection(record)), Fields(remote));
-}
-
-void TestLegacyConnectData::exportKeepsHostileTexts()
+void TestLegacyConnectData::exportSavesDocument()
 {
     const QTemporaryDir store;
     QVERIFY(CfgCenter::Open(store.path()));
@@ -373,9 +220,11 @@ void TestLegacyConnectData::exportKeepsHostileTexts()
     entry.ConnectionName = QStringLiteral(u" \"a\"; b=c, [d] %e \\n \r\n\t\U0001F4E1 ") + QChar(1) + QChar(0xD83D);
     entry.DeviceAddress = QStringLiteral("@Invalid()");
     entry.DriverAddress = QStringLiteral("a, b, c");
-    Export({entry});
+    Export({entry, SampleEntry(2)});
     QVERIFY(CfgCenter::Open(store.path()));
+    QCOMPARE(ConfigNodes::LegacyCount(kNone), QStringLiteral("2"));
     QCOMPARE(StoredValues(0), StoredValuesOf(entry));
+    QCOMPARE(StoredValues(1), StoredValuesOf(SampleEntry(2)));
 }
 
 QTEST_MAIN(TestLegacyConnectData)

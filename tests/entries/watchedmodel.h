@@ -14,7 +14,7 @@
 #include <memory>
 #include <utility>
 
-/// A model without a stored set, watched by the model tester from the first change on.
+/// A model without a stored set, with a model tester attached before the first change.
 class WatchedModel : public ConnectionsModel
 {
 public:
@@ -75,7 +75,7 @@ inline bool Drop(ConnectionsModel& model, const QMimeData* data)
     return model.dropMimeData(data, Qt::CopyAction, -1, -1, QModelIndex());
 }
 
-/// What the model must answer when it is asked for its counts.
+/// The counts of a model, computed from its entries.
 struct CountedByHand
 {
     int selectedFree = 0;

@@ -1,4 +1,5 @@
 #include "files/boundedfile.h"
+#include "tests/support/files.h"
 #include "tests/support/system.h"
 
 #include <QDir>
@@ -10,35 +11,34 @@ class TestBoundedFile : public QObject
     Q_OBJECT
 
 private slots:
-    void wholeContent_data();
-    void wholeContent();
-    void aboveLimit();
-    void hugeFile();
-    void notRegular_data();
-    void notRegular();
+    void contentIsRead_data();
+    void contentIsRead();
+    void largerThanLimitIsRefused();
+    void defaultLimitIsRespected();
+    void otherThanRegularFilesAreRefused_data();
+    void otherThanRegularFilesAreRefused();
     void pipeIsNotOpened();
 
 private:
     QString Path(const char* name) const { return m_directory.filePath(QLatin1String(name)); }
     QString Write(const char* name, const QByteArray& content) const
     {
-        QFile file(Path(name));
-        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName() : QString();
+        return Files::Write(Path(name), content) ? Path(name) : QString();
     }
 
     QTemporaryDir m_directory;
 };
 
-void TestBoundedFile::wholeContent_data()
+void TestBoundedFile::contentIsRead_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("one byte") << QByteArray("x");
     QTest::newRow("binary with NUL and CR LF") << QByteArray("a\0b\r\n\xff", 6);
-    QTest::newRow("more than one piece") << QByteArray(3 * 1024 * 1024 + 17, 'z');
+    QTest::newRow("several megabytes") << QByteArray(3 * 1024 * 1024 + 17, 'z');
 }
 
-void TestBoundedFile::wholeContent()
+void TestBoundedFile::contentIsRead()
 {
     QFETCH(const QByteArray, content);
     const auto read = ReadRegularFile(Write("content", content));
@@ -46,7 +46,7 @@ void TestBoundedFile::wholeContent()
     QCOMPARE(*read, content);
 }
 
-void TestBoundedFile::aboveLimit()
+void TestBoundedFile::largerThanLimitIsRefused()
 {
     const QString path = Write("limited", QByteArray(1000, 'x'));
     QCOMPARE(ReadRegularFile(path, 1000).value_or("nothing").size(), 1000);
@@ -54,9 +54,9 @@ void TestBoundedFile::aboveLimit()
     QVERIFY(!ReadRegularFile(path, 0).has_value());
 }
 
-void TestBoundedFile::hugeFile()
+void TestBoundedFile::defaultLimitIsRespected()
 {
-    // Without content on disk; its size alone is refused.
+    // A sparse file, refused because of its size.
     QFile file(Path("huge"));
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(file.resize(kMaximumFileSize + 1));
@@ -68,7 +68,7 @@ void TestBoundedFile::hugeFile()
     QCOMPARE(atLimit->size(), kMaximumFileSize);
 }
 
-void TestBoundedFile::notRegular_data()
+void TestBoundedFile::otherThanRegularFilesAreRefused_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("no name") << QString();
@@ -79,7 +79,7 @@ void TestBoundedFile::notRegular_data()
         QTest::newRow(qPrintable(device)) << device;
 }
 
-void TestBoundedFile::notRegular()
+void TestBoundedFile::otherThanRegularFilesAreRefused()
 {
     QFETCH(const QString, path);
     QVERIFY(!ReadRegularFile(path).has_value());
@@ -89,7 +89,7 @@ void TestBoundedFile::pipeIsNotOpened()
 {
     const QString pipe = System::MakePipe(Path("pipe"));
     QVERIFY(!pipe.isEmpty());
-    // Nobody writes to it: opening it would wait for ever.
+    // It has no writer: opening it would block.
     QVERIFY(!ReadRegularFile(pipe).has_value());
 }
 

@@ -1,11 +1,12 @@
 #include "files/boundedfile.h"
+#include "tests/support/files.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
-/// Files as they are not everywhere: links, and what the system makes up while it is read.
+/// Links, and files of the proc file system.
 class TestBoundedFileUnix : public QObject
 {
     Q_OBJECT
@@ -14,18 +15,16 @@ private slots:
     void linkIsFollowed()
     {
         const QTemporaryDir directory;
-        QFile target(directory.filePath(QStringLiteral("target")));
-        QVERIFY(target.open(QIODevice::WriteOnly));
-        QCOMPARE(target.write("abc"), 3);
-        target.close();
+        const QString target = directory.filePath(QStringLiteral("target"));
+        QVERIFY(Files::Write(target, "abc"));
         const QString link = directory.filePath(QStringLiteral("link"));
-        QVERIFY(target.link(link));
+        QVERIFY(QFile::link(target, link));
         QCOMPARE(ReadRegularFile(link).value_or("nothing"), QByteArray("abc"));
     }
 
-    void fileWithoutSize()
+    void procFileWithoutSizeIsRead()
     {
-        // A regular file that says it is empty, and is not: neither cut off nor read beyond the limit.
+        // Its size is 0 although it has content.
         const QString path = QStringLiteral("/proc/self/status");
         if (!QFileInfo(path).isFile() || QFileInfo(path).size() != 0)
             QSKIP("this system has no such file");

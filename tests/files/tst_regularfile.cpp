@@ -13,7 +13,7 @@ class TestRegularFile : public QObject
     Q_OBJECT
 
 private slots:
-    void onlyWhatIsNoFileIsInTheWay()
+    void onlyExistingOtherThanFilesCount()
     {
         const QTemporaryDir directory;
         const QString file = directory.filePath(QStringLiteral("方位.lock"));
@@ -24,7 +24,7 @@ private slots:
         QVERIFY(!IsNotRegularFile(file));
         QVERIFY(!IsNotRegularFile(file + QStringLiteral("/below a file")));
 #ifdef Q_OS_UNIX
-        // A link is what it leads to.
+        // Links are followed.
         const QString link = directory.filePath(QStringLiteral("link"));
         QVERIFY(QFile::link(file, link));
         QVERIFY(!IsNotRegularFile(link));
@@ -35,8 +35,8 @@ private slots:
 #endif
     }
 
-    /// A lock is a file that other processes make and remove all the time.
-    void aFileThatComesAndGoesIsNeverInTheWay()
+    /// Other processes create and remove lock files at any time.
+    void fileCreatedAndRemovedConcurrentlyIsRegular()
     {
         const QTemporaryDir directory;
         const QString file = directory.filePath(QStringLiteral("lock"));

@@ -7,20 +7,20 @@ class TestRetry : public QObject
     Q_OBJECT
 
 private slots:
-    void attempts_data()
+    void repeatsWhileBusy_data()
     {
-        QTest::addColumn<int>("held"); // attempts that are refused in a way that may pass
-        QTest::addColumn<int>("last"); // what the one after them gives
+        QTest::addColumn<int>("held"); // attempts that are busy
+        QTest::addColumn<int>("last"); // result of the next attempt
         QTest::addColumn<bool>("isDone");
         QTest::addColumn<int>("attempts");
-        QTest::newRow("at once") << 0 << int(Attempt::Done) << true << 1;
-        QTest::newRow("fails for good") << 0 << int(Attempt::Failed) << false << 1;
-        QTest::newRow("later") << 3 << int(Attempt::Done) << true << 4;
-        QTest::newRow("fails later") << 3 << int(Attempt::Failed) << false << 4;
-        QTest::newRow("with the last attempt") << 9 << int(Attempt::Done) << true << 10;
-        QTest::newRow("too late") << 10 << int(Attempt::Done) << false << 10;
+        QTest::newRow("first attempt") << 0 << int(Attempt::Done) << true << 1;
+        QTest::newRow("first attempt fails") << 0 << int(Attempt::Failed) << false << 1;
+        QTest::newRow("after three busy attempts") << 3 << int(Attempt::Done) << true << 4;
+        QTest::newRow("fails after three busy attempts") << 3 << int(Attempt::Failed) << false << 4;
+        QTest::newRow("last attempt") << 9 << int(Attempt::Done) << true << 10;
+        QTest::newRow("too many busy attempts") << 10 << int(Attempt::Done) << false << 10;
     }
-    void attempts()
+    void repeatsWhileBusy()
     {
         QFETCH(int, held);
         QFETCH(int, last);

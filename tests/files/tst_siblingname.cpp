@@ -12,14 +12,14 @@ class TestSiblingName : public QObject
     Q_OBJECT
 
 private slots:
-    void nameSaysWhatItIsAndWhen()
+    void nameHasMarkAndUtcTime()
     {
         const QDateTime time(QDate(2026, 3, 4), QTime(10, 11, 12, 345), QTimeZone(3600));
         QCOMPARE(UniqueSiblingName(QStringLiteral("/no/such/list.ini"), QStringLiteral(".mark-"), time),
                  QStringLiteral("/no/such/list.ini.mark-20260304T091112345"));
     }
 
-    void namesThatAreTakenAreLeftOut()
+    void existingNamesAreSkipped()
     {
         const QTemporaryDir directory;
         const QString file = directory.filePath(QStringLiteral("list.ini"));
@@ -33,7 +33,7 @@ private slots:
         QCOMPARE(next(), first + QStringLiteral("-2"));
         QVERIFY(QDir().mkdir(next()));
         QCOMPARE(next(), first + QStringLiteral("-3"));
-        // Nothing is at its end, and writing there would make it.
+        // A dangling link: writing to it would create its target.
         if (!QFile::link(directory.filePath(QStringLiteral("nowhere")), next()))
             QSKIP("This user cannot make links here.");
         QCOMPARE(next(), first + QStringLiteral("-4"));

@@ -33,15 +33,15 @@ class TestKiteControlWindow : public QObject
     Q_OBJECT
 
 private slots:
-    void showsTheRecord();
-    void givesEveryValueItsRoom();
-    void showsCandidates();
-    void showsNamesAsTheyAre();
-    void cutsEndlessNames();
+    void recordIsShown();
+    void labelsAreHighEnough();
+    void candidatesAreShown();
+    void nameIsPlainText();
+    void longNameIsShortened();
     void closeButtonCloses();
 };
 
-void TestKiteControlWindow::showsTheRecord()
+void TestKiteControlWindow::recordIsShown()
 {
     Records records;
     records.Add("Mast", "Kite Echo", "192.0.2.9");
@@ -62,7 +62,7 @@ void TestKiteControlWindow::showsTheRecord()
     QVERIFY(!window.findChild<QListWidget*>());
 }
 
-void TestKiteControlWindow::givesEveryValueItsRoom()
+void TestKiteControlWindow::labelsAreHighEnough()
 {
     const QString name =
         QStringLiteral("A mast with a name that needs two lines, because it says where it stands and why");
@@ -77,7 +77,7 @@ void TestKiteControlWindow::givesEveryValueItsRoom()
     }
 }
 
-void TestKiteControlWindow::showsCandidates()
+void TestKiteControlWindow::candidatesAreShown()
 {
     Records records;
     for (int i = 0; i < LaunchReport::kMaximumCandidates + 5; ++i)
@@ -90,7 +90,7 @@ void TestKiteControlWindow::showsCandidates()
     QCOMPARE(list->item(list->count() - 1)->text(), QStringLiteral("and 5 more"));
 }
 
-void TestKiteControlWindow::showsNamesAsTheyAre()
+void TestKiteControlWindow::nameIsPlainText()
 {
     const QString name = QStringLiteral("<b>Mast</b> & <i>co</i>");
     const KiteControlWindow window(ReportFor(name, Records().Add(qUtf8Printable(name), "Kite Echo").List()));
@@ -100,7 +100,7 @@ void TestKiteControlWindow::showsNamesAsTheyAre()
     QCOMPARE(label->textFormat(), Qt::PlainText);
 }
 
-void TestKiteControlWindow::cutsEndlessNames()
+void TestKiteControlWindow::longNameIsShortened()
 {
     const QString name(1'000'000, QLatin1Char('m'));
     const KiteControlWindow window(ReportFor(name, Records().Add(qUtf8Printable(name), "Kite Echo").List()));

@@ -9,13 +9,13 @@ class TestLaunchEnvironment : public QObject
     Q_OBJECT
 
 private slots:
-    void nothingSet();
-    void directories();
-    void seconds_data();
-    void seconds();
+    void emptyEnvironment();
+    void directoriesAreRead();
+    void secondsAreConverted_data();
+    void secondsAreConverted();
 };
 
-void TestLaunchEnvironment::nothingSet()
+void TestLaunchEnvironment::emptyEnvironment()
 {
     const LaunchEnvironment environment = LaunchEnvironment::From(QProcessEnvironment());
     QVERIFY(environment.configuration.isEmpty());
@@ -24,7 +24,7 @@ void TestLaunchEnvironment::nothingSet()
     QVERIFY(environment.warnings.isEmpty());
 }
 
-void TestLaunchEnvironment::directories()
+void TestLaunchEnvironment::directoriesAreRead()
 {
     QProcessEnvironment variables;
     variables.insert(QStringLiteral("VEXEL_CONFIG_DIR"), QStringLiteral("/store"));
@@ -34,24 +34,25 @@ void TestLaunchEnvironment::directories()
     QCOMPARE(environment.reportDirectory, QStringLiteral("/reports"));
 }
 
-void TestLaunchEnvironment::seconds_data()
+void TestLaunchEnvironment::secondsAreConverted_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<qint64>("milliseconds"); // -1: none
     QTest::addColumn<bool>("complains");
-    QTest::newRow("whole") << QStringLiteral("3") << qint64(3000) << false;
+    QTest::newRow("integer") << QStringLiteral("3") << qint64(3000) << false;
     QTest::newRow("fraction") << QStringLiteral("2.25") << qint64(2250) << false;
-    QTest::newRow("at once") << QStringLiteral("0") << qint64(0) << false;
-    QTest::newRow("empty is not set") << QString() << qint64(-1) << false;
-    QTest::newRow("longer than a timer") << QStringLiteral("1e300") << qint64(std::numeric_limits<int>::max()) << false;
+    QTest::newRow("zero") << QStringLiteral("0") << qint64(0) << false;
+    QTest::newRow("empty") << QString() << qint64(-1) << false;
+    QTest::newRow("larger than the maximum of a timer")
+        << QStringLiteral("1e300") << qint64(std::numeric_limits<int>::max()) << false;
     QTest::newRow("negative") << QStringLiteral("-1") << qint64(-1) << true;
-    QTest::newRow("no number") << QStringLiteral("soon") << qint64(-1) << true;
+    QTest::newRow("text") << QStringLiteral("soon") << qint64(-1) << true;
     QTest::newRow("comma") << QStringLiteral("2,5") << qint64(-1) << true;
     QTest::newRow("infinite") << QStringLiteral("inf") << qint64(-1) << true;
-    QTest::newRow("not a number") << QStringLiteral("nan") << qint64(-1) << true;
+    QTest::newRow("NaN") << QStringLiteral("nan") << qint64(-1) << true;
 }
 
-void TestLaunchEnvironment::seconds()
+void TestLaunchEnvironment::secondsAreConverted()
 {
     QFETCH(QString, text);
     QFETCH(qint64, milliseconds);

@@ -1,10 +1,9 @@
 #include "userinterface/kitecontrol/launchreport.h"
 #include "userinterface/kitecontrol/legacyrecords.h"
 
-#include "platform/cfgcenter.h"
-#include "platform/icfg.h"
 #include "tests/kitecontrol/recordingcfg.h"
 #include "tests/kitecontrol/records.h"
+#include "tests/support/confignodes.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -37,28 +36,27 @@ class TestLaunchReport : public QObject
 private slots:
     void cleanup() { CfgCenter::Close(); }
 
-    void oneRecordFits();
-    void severalRecordsFit();
-    void noRecordFits();
-    void withoutCommandLine();
-    void withoutConfiguration();
+    void oneMatchingRecord();
+    void severalMatchingRecords();
+    void noMatchingRecord();
+    void missingCommandLine();
+    void missingConfiguration();
     void addressIsNoStation();
     void manyCandidatesAreCounted();
-    void unknownNumbersStandAlone();
-    void valuesNeverBreakTheirLine();
+    void unknownNumbersHaveNoText();
+    void lineBreaksInValuesAreEscaped();
     void commandLineIsQuoted_data();
     void commandLineIsQuoted();
 
-    void countBoundsTheRecords_data();
-    void countBoundsTheRecords();
+    void countLimitsRecords_data();
+    void countLimitsRecords();
     void recordsKeepTheirNumbers();
-    void directoryIsNotKnown();
-    void directoryIsMissing();
-    void directoryIsEmpty();
-    void recordsOfADirectory();
+    void missingDirectoryIsReported();
+    void emptyDirectoryIsReported();
+    void recordsAreReadFromDirectory();
 };
 
-void TestLaunchReport::oneRecordFits()
+void TestLaunchReport::oneMatchingRecord()
 {
     Records records;
     records.Add("Other", "Kite Echo").Add("Mast", "Plover One", "192.0.2.7");
@@ -94,7 +92,7 @@ void TestLaunchReport::oneRecordFits()
     QCOMPARE(report.Lines(), expected);
 }
 
-void TestLaunchReport::severalRecordsFit()
+void TestLaunchReport::severalMatchingRecords()
 {
     const LaunchReport report =
         MastReport(Known(Records().Add("Mast", "Kite Echo").Add("x", "Kite Echo").Add("Mast", "Kite Ember").List()));
@@ -108,7 +106,7 @@ void TestLaunchReport::severalRecordsFit()
              }));
 }
 
-void TestLaunchReport::noRecordFits()
+void TestLaunchReport::noMatchingRecord()
 {
     const LaunchReport report =
         MastReport(Known(Records().Add("Other", "Kite Echo").Add("Bravo", "Kite Bravo").List()));
@@ -122,7 +120,7 @@ void TestLaunchReport::noRecordFits()
              }));
 }
 
-void TestLaunchReport::withoutCommandLine()
+void TestLaunchReport::missingCommandLine()
 {
     const LaunchReport report =
         LaunchReport::Make(QStringLiteral("kitecontrol"), {}, Known(Records().Add("Mast", "Kite Echo").List()));
@@ -136,7 +134,7 @@ void TestLaunchReport::withoutCommandLine()
              }));
 }
 
-void TestLaunchReport::withoutConfiguration()
+void TestLaunchReport::missingConfiguration()
 {
     const LaunchReport report = MastReport(LegacyRecords::FromDirectory(QString()));
     QVERIFY(!report.record.has_value());
@@ -171,7 +169,7 @@ void TestLaunchReport::manyCandidatesAreCounted()
     QCOMPARE(lines.constLast(), QStringLiteral("further candidates: 3"));
 }
 
-void TestLaunchReport::unknownNumbersStandAlone()
+void TestLaunchReport::unknownNumbersHaveNoText()
 {
     Records records;
     records.Add("Mast", "Kite Echo");
@@ -183,7 +181,7 @@ void TestLaunchReport::unknownNumbersStandAlone()
     QVERIFY(lines.contains(QStringLiteral("time-out: none")));
 }
 
-void TestLaunchReport::valuesNeverBreakTheirLine()
+void TestLaunchReport::lineBreaksInValuesAreEscaped()
 {
     const QString name = QStringLiteral("a\\b\nfinding: c\r\t\u2028d");
     Records records;
@@ -217,20 +215,20 @@ void TestLaunchReport::commandLineIsQuoted()
     QCOMPARE(report.CommandLine(), QStringLiteral("kitecontrol ") + shown);
 }
 
-void TestLaunchReport::countBoundsTheRecords_data()
+void TestLaunchReport::countLimitsRecords_data()
 {
     QTest::addColumn<QString>("count");
     QTest::addColumn<int>("read");
     QTest::newRow("missing") << QString() << 0;
-    QTest::newRow("none") << QStringLiteral("0") << 0;
-    QTest::newRow("fewer than stand there") << QStringLiteral("2") << 2;
+    QTest::newRow("zero") << QStringLiteral("0") << 0;
+    QTest::newRow("fewer than stored") << QStringLiteral("2") << 2;
     QTest::newRow("all") << QStringLiteral("3") << 3;
     QTest::newRow("negative") << QStringLiteral("-1") << 0;
     QTest::newRow("no number") << QStringLiteral("many") << 0;
-    QTest::newRow("absurd") << QStringLiteral("2000000000") << LegacyRecords::kMaximumCount;
+    QTest::newRow("too many") << QStringLiteral("2000000000") << LegacyRecords::kMaximumCount;
 }
 
-void TestLaunchReport::countBoundsTheRecords()
+void TestLaunchReport::countLimitsRecords()
 {
     QFETCH(QString, count);
     QFETCH(int, read);
@@ -255,14 +253,7 @@ void TestLaunchReport::recordsKeepTheirNumbers()
     QCOMPARE(records[1].m_sStationName, QStringLiteral("B"));
 }
 
-void TestLaunchReport::directoryIsNotKnown()
-{
-    const LegacyRecords records = LegacyRecords::FromDirectory(QString());
-    QVERIFY(records.records.empty());
-    QVERIFY(!records.problem.isEmpty());
-}
-
-void TestLaunchReport::directoryIsMissing()
+void TestLaunchReport::missingDirectoryIsReported()
 {
     const QTemporaryDir parent;
     const QString missing = parent.filePath(QStringLiteral("store"));
@@ -273,7 +264,7 @@ void TestLaunchReport::directoryIsMissing()
     QVERIFY(!QDir(missing).exists());
 }
 
-void TestLaunchReport::directoryIsEmpty()
+void TestLaunchReport::emptyDirectoryIsReported()
 {
     const QTemporaryDir store;
     const LegacyRecords records = LegacyRecords::FromDirectory(store.path());
@@ -281,11 +272,11 @@ void TestLaunchReport::directoryIsEmpty()
     QCOMPARE(records.problem, QStringLiteral("the configuration holds no records"));
 }
 
-void TestLaunchReport::recordsOfADirectory()
+void TestLaunchReport::recordsAreReadFromDirectory()
 {
     const QTemporaryDir store;
     QVERIFY(CfgCenter::Open(store.path()));
-    ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString());
+    ICfg* const document = ConfigNodes::LegacyDocument();
     for (const ConnectData& record : Records().Add("A", "Kite Echo").Add("B", "Heron").List())
         record.Write(document);
     document->SetString(QStringLiteral("ConnectionCount"), QStringLiteral("2"), 0);

@@ -24,15 +24,15 @@ class TestRecordMatch : public QObject
     Q_OBJECT
 
 private slots:
-    void parsesCommandLines_data();
-    void parsesCommandLines();
-    void findsRecords_data();
-    void findsRecords();
-    void offersRecordsOfTheDevice_data();
-    void offersRecordsOfTheDevice();
+    void commandLineIsParsed_data();
+    void commandLineIsParsed();
+    void matchingRecordsAreFound_data();
+    void matchingRecordsAreFound();
+    void recordsOfSameDeviceAreOffered_data();
+    void recordsOfSameDeviceAreOffered();
 };
 
-void TestRecordMatch::parsesCommandLines_data()
+void TestRecordMatch::commandLineIsParsed_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("application");
@@ -44,9 +44,9 @@ void TestRecordMatch::parsesCommandLines_data()
     const QString server = QStringLiteral("Server");
     const QString empty = QStringLiteral("");
 
-    QTest::newRow("nothing") << QStringList{} << QString() << false << QString() << QString();
+    QTest::newRow("no arguments") << QStringList{} << QString() << false << QString() << QString();
     QTest::newRow("name only") << QStringList{dialog} << application << true << QString() << QString();
-    QTest::newRow("no dialog part") << QStringList{application} << application << true << QString() << QString();
+    QTest::newRow("name without a colon") << QStringList{application} << application << true << QString() << QString();
     QTest::newRow("station") << QStringList{dialog, server, QStringLiteral("Mast 1: north")} << application << false
                              << QStringLiteral("Mast 1: north") << QString();
     QTest::newRow("empty station") << QStringList{dialog, server, empty} << application << false << empty << QString();
@@ -67,7 +67,7 @@ void TestRecordMatch::parsesCommandLines_data()
         << QString();
 }
 
-void TestRecordMatch::parsesCommandLines()
+void TestRecordMatch::commandLineIsParsed()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, station);
@@ -81,7 +81,7 @@ void TestRecordMatch::parsesCommandLines()
     QCOMPARE(parsed.address, address);
 }
 
-void TestRecordMatch::findsRecords_data()
+void TestRecordMatch::matchingRecordsAreFound_data()
 {
     QTest::addColumn<QString>("application");
     QTest::addColumn<QStringList>("furtherArguments");
@@ -98,39 +98,39 @@ void TestRecordMatch::findsRecords_data()
     };
 
     row("station name", "KiteControl", station("Mast"), {0});
-    row("station name, not part of it", "KiteControl", station("Mas"), {});
-    row("station name, case", "KiteControl", station("mast"), {});
-    row("station name, beyond ASCII", "KiteControl", station("H\u00fcgel \U0001F4E1"), {3});
-    row("same name, the family decides", "KiteControl", station("Twin"), {4});
+    row("part of a station name", "KiteControl", station("Mas"), {});
+    row("case of the station name", "KiteControl", station("mast"), {});
+    row("non-ASCII station name", "KiteControl", station("H\u00fcgel \U0001F4E1"), {3});
+    row("same name, other family", "KiteControl", station("Twin"), {4});
     row("same name and family", "KiteControl", station("Double"), {6, 7});
-    row("same name, all of another device", "KiteControl", station("Foreign"), {8, 9});
-    row("station called like an address", "KiteControl", station("Connection=odd"), {10});
+    row("same name, other devices only", "KiteControl", station("Foreign"), {8, 9});
+    row("station name like an address", "KiteControl", station("Connection=odd"), {10});
 
-    row("address as it stands", "KiteBravoControl", address("10.0.0.1:4000"), {1});
-    row("port added", "KiteBravoControl", address("10.0.0.2:27061"), {2});
+    row("address with port", "KiteBravoControl", address("10.0.0.1:4000"), {1});
+    row("default port", "KiteBravoControl", address("10.0.0.2:27061"), {2});
     row("address without port", "KiteAlphaFinchControl", address("10.0.0.2"), {2});
-    row("not an address that only begins alike", "KiteBravoControl", address("10.0.0.22:27061"), {});
-    row("no second port", "KiteBravoControl", address("10.0.0.1:4000:27061"), {});
-    row("no port but digits", "KiteBravoControl", address("10.0.0.2:port"), {});
-    row("no port without digits", "KiteBravoControl", address("10.0.0.2:"), {});
-    row("same address, the application's name decides", "KiteFjordControl", address("10.0.0.7:27091"), {12});
-    row("same address, signs in the device type", "LinnetDFControl", address("10.0.0.7:27071"), {13});
-    row("same address, the application's number", "WrenDControl2", address("10.0.0.7:9446"), {11});
-    row("same address, the name tells nothing", "Viewer", address("10.0.0.7:9446"), {11, 12, 13});
+    row("longer address", "KiteBravoControl", address("10.0.0.22:27061"), {});
+    row("second port", "KiteBravoControl", address("10.0.0.1:4000:27061"), {});
+    row("port that is no number", "KiteBravoControl", address("10.0.0.2:port"), {});
+    row("empty port", "KiteBravoControl", address("10.0.0.2:"), {});
+    row("same address, other application", "KiteFjordControl", address("10.0.0.7:27091"), {12});
+    row("same address, plus sign in the device type", "LinnetDFControl", address("10.0.0.7:27071"), {13});
+    row("same address, numbered application", "WrenDControl2", address("10.0.0.7:9446"), {11});
+    row("same address, unknown application", "Viewer", address("10.0.0.7:9446"), {11, 12, 13});
     row("multichannel server", "KiteCobraControl",
         {QStringLiteral("Server"), QStringLiteral("MCS"), QStringLiteral("MCSMaster"),
          QStringLiteral("Connection=10.0.0.9:27081")},
         {14});
-    row("no address, the application's name decides", "KiteBravoControl", address(":27061"), {5});
+    row("empty address", "KiteBravoControl", address(":27061"), {5});
 
     row("application's name only", "HeronControl", {}, {15});
-    row("application's name only, none", "PipitControl", {}, {});
+    row("application's name only, no record", "PipitControl", {}, {});
     row("application's name only, several", "KiteFjordControl", {}, {12, 16});
     row("application's name only, connected directly", "KiteCobraControl2", {}, {17});
     row("unknown arguments", "KiteControl", {QStringLiteral("Mast")}, {});
 }
 
-void TestRecordMatch::findsRecords()
+void TestRecordMatch::matchingRecordsAreFound()
 {
     QFETCH(QString, application);
     QFETCH(QStringList, furtherArguments);
@@ -163,7 +163,7 @@ void TestRecordMatch::findsRecords()
         QCOMPARE(Numbers(match.sameDevice), QList<int>{});
 }
 
-void TestRecordMatch::offersRecordsOfTheDevice_data()
+void TestRecordMatch::recordsOfSameDeviceAreOffered_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QList<int>>("sameDevice");
@@ -171,14 +171,14 @@ void TestRecordMatch::offersRecordsOfTheDevice_data()
         << QStringList{QStringLiteral("KiteBravoControl:XMsgDlg.dll"), QStringLiteral("Server"),
                        QStringLiteral("Connection=192.0.2.1:27061")}
         << QList<int>{1, 3};
-    QTest::newRow("by the form of the command line")
-        << QStringList{QStringLiteral("KiteControl:XMsgDlg.dll"), QStringLiteral("Server"), QStringLiteral("Gone")}
-        << QList<int>{0, 2};
-    QTest::newRow("nothing tells") << QStringList{QStringLiteral("Viewer:XMsgDlg.dll")} << QList<int>{};
+    QTest::newRow("by the arguments") << QStringList{QStringLiteral("KiteControl:XMsgDlg.dll"),
+                                                     QStringLiteral("Server"), QStringLiteral("Gone")}
+                                      << QList<int>{0, 2};
+    QTest::newRow("unknown application") << QStringList{QStringLiteral("Viewer:XMsgDlg.dll")} << QList<int>{};
     QTest::newRow("no command line") << QStringList{} << QList<int>{};
 }
 
-void TestRecordMatch::offersRecordsOfTheDevice()
+void TestRecordMatch::recordsOfSameDeviceAreOffered()
 {
     QFETCH(QStringList, arguments);
     Records records;

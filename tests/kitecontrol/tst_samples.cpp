@@ -1,6 +1,7 @@
+#include "tests/support/files.h"
+
 #include <QDir>
 #include <QDomDocument>
-#include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
 #include <QMap>
@@ -18,8 +19,7 @@ constexpr int kLinkSpeeds = 7;
 
 QByteArray Contents(const char* name)
 {
-    QFile file(QStringLiteral(SAMPLES_DIR "/") + QLatin1String(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return Files::Read(QStringLiteral(SAMPLES_DIR "/") + QLatin1String(name));
 }
 
 /// An application of the machine configuration, as far as the launcher reads it.
@@ -31,7 +31,7 @@ struct Application
     QMap<int, QString> parameters;
 };
 
-/// What stands in the list for one connection: its ten texts by element name, in their order.
+/// A connection of the list: element names and texts, in document order.
 using Entry = QList<QPair<QString, QString>>;
 
 QString ValueOf(const Entry& entry, const char* name)
@@ -76,7 +76,7 @@ void ReadStartup(QXmlStreamReader& reader, Application& application)
 
 } // namespace
 
-/// Whether the samples are what the readers of the product understand, and show what they are there to show.
+/// The samples are valid and cover the cases that they are meant to show.
 class TestSamples : public QObject
 {
     Q_OBJECT
@@ -84,16 +84,16 @@ class TestSamples : public QObject
 private slots:
     void initTestCase();
     void applicationNamesAreUnique();
-    void applicationsShowEveryCase();
+    void applicationsCoverAllCases();
     void executablesAreBuilt();
     void everyMappedApplicationHasAStartup();
     void everyDeviceTypeIsServed();
     void eachExecutableServesOneDeviceType();
-    void listIsInTheStoredForm();
-    void listCoversEveryValue();
+    void listHasStoredFormat();
+    void listCoversAllValues();
     void namesAndDriverAddressesAreUnique();
-    void addressesAreThoseOfExamples();
-    void tickedEntriesRunAtTheSameTime();
+    void addressesAreReservedForExamples();
+    void tickedEntriesCanRunTogether();
 
 private:
     void ReadMachine();
@@ -133,7 +133,7 @@ void TestSamples::ReadMachine()
         }
     }
     while (!reader.atEnd()) {
-        // Every element behind "Machine" would count as an application.
+        // Elements after "Machine" are not allowed.
         QVERIFY(reader.readNext() != QXmlStreamReader::StartElement);
     }
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
@@ -199,7 +199,7 @@ void TestSamples::applicationNamesAreUnique()
     QCOMPARE(QSet<QString>(m_names.begin(), m_names.end()).size(), m_names.size());
 }
 
-void TestSamples::applicationsShowEveryCase()
+void TestSamples::applicationsCoverAllCases()
 {
     int withoutStartup = 0;
     int withParameters = 0;
@@ -226,7 +226,7 @@ void TestSamples::executablesAreBuilt()
     for (auto it = m_applications.constBegin(); it != m_applications.constEnd(); ++it) {
         if (!it->hasStartup)
             continue;
-        // Bare names, so that the samples work wherever they are installed and on every system.
+        // Names without directory and extension work on all systems and in any directory.
         QVERIFY2(!it->executable.contains(QLatin1Char('/')) && !it->executable.contains(QLatin1Char('.')),
                  qPrintable(it->executable));
         const QDir programs(QStringLiteral(PROGRAM_DIR));
@@ -254,14 +254,14 @@ void TestSamples::everyDeviceTypeIsServed()
 
 void TestSamples::eachExecutableServesOneDeviceType()
 {
-    // Or an entry would be given an application that is made for another device.
+    // Otherwise an entry could get an application for another device.
     QSet<QString> executables;
     for (const auto& mapping : m_mappings)
         executables.insert(m_applications.value(mapping.second).executable);
     QCOMPARE(executables.size(), m_mappings.size());
 }
 
-void TestSamples::listIsInTheStoredForm()
+void TestSamples::listHasStoredFormat()
 {
     const QStringList texts{QStringLiteral("ConnectionName"), QStringLiteral("DeviceAddress"),
                             QStringLiteral("DriverAddress"), QStringLiteral("Subsystem")};
@@ -294,7 +294,7 @@ void TestSamples::listIsInTheStoredForm()
     QCOMPARE(QString::fromUtf8(Contents("connections.xml")), QString::fromUtf8(document.toByteArray(2)));
 }
 
-void TestSamples::listCoversEveryValue()
+void TestSamples::listCoversAllValues()
 {
     QSet<int> deviceTypes;
     QSet<int> connectionTypes;
@@ -332,16 +332,16 @@ void TestSamples::namesAndDriverAddressesAreUnique()
         const QString name = ValueOf(entry, "ConnectionName");
         QVERIFY2(!names.contains(name), qPrintable(name));
         names.insert(name);
-        // Each started application finds the one record that it was started for.
+        // Otherwise a started application could not find its record.
         const QString driver = ValueOf(entry, "DriverAddress").section(QLatin1Char(':'), 0, 0);
         QVERIFY2(driver.isEmpty() || !drivers.contains(driver), qPrintable(driver));
         drivers.insert(driver);
     }
 }
 
-void TestSamples::addressesAreThoseOfExamples()
+void TestSamples::addressesAreReservedForExamples()
 {
-    // Set aside for documentation and for private networks: nobody's device is ever called by accident.
+    // Networks for documentation and private use, so that no real device is called.
     const QStringList networks{QStringLiteral("192.0.2.0/24"),   QStringLiteral("198.51.100.0/24"),
                                QStringLiteral("203.0.113.0/24"), QStringLiteral("10.0.0.0/8"),
                                QStringLiteral("172.16.0.0/12"),  QStringLiteral("192.168.0.0/16")};
@@ -356,7 +356,7 @@ void TestSamples::addressesAreThoseOfExamples()
     }
 }
 
-void TestSamples::tickedEntriesRunAtTheSameTime()
+void TestSamples::tickedEntriesCanRunTogether()
 {
     QMap<int, int> ticked;
     for (const Entry& entry : m_entries) {

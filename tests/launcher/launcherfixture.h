@@ -2,6 +2,7 @@
 
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,8 +11,10 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-/// The program that the tests start, and what the started ones report; see testchild.cpp. One at a time, because the
-/// children take their orders from the environment.
+#include <utility>
+
+/// The program that the tests start, and the reports of the started processes; see testchild.cpp. One object at a time,
+/// because the children read their behaviour from the environment.
 class TestChild
 {
 public:
@@ -43,16 +46,16 @@ public:
 
     static QString Program() { return kProgram; }
 
-    /// What children do that are started from now on: "exit" with the code `number`, "crash", "stay" until they are
-    /// ended, be "polite" and exit when they are asked to end, be "stubborn" and stay even then, "print" `number` bytes
-    /// before they report, or "print-forever".
+    /// Behaviour of children that are started from now on: "exit" with the code `number`, "crash", "stay" until they
+    /// are killed, "polite": exit on request, "stubborn": ignore the request, "print" `number` bytes before they
+    /// report, or "print-forever".
     void Behave(const char* mode, int number = 0)
     {
         qputenv("VEXEL_TESTCHILD_MODE", mode);
         qputenv("VEXEL_TESTCHILD_NUMBER", QByteArray::number(number));
     }
 
-    /// What the children started so far reported, in no particular order.
+    /// The reports of the children started so far, in no particular order.
     QList<Report> Reports() const
     {
         QList<Report> reports;
@@ -88,12 +91,12 @@ public:
 private:
     static QStringList Texts(const QJsonValue& array) { return array.toVariant().toStringList(); }
 
-    // With its drive, so that it is found from everywhere.
+    // With its drive, so that it is found from any directory.
     inline static const QString kProgram = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD));
     QTemporaryDir m_reports;
 };
 
-/// A data directory, empty at first, that the configuration in memory names, together with nothing else.
+/// An empty data directory, and a configuration in memory that contains its path only.
 class DataDirectory
 {
 public:
@@ -112,18 +115,27 @@ public:
             ->SetString(QLatin1String(key), value, 0);
     }
 
+    QString Path() const { return m_directory.path(); }
     QString MachineFile() const { return Path(QStringLiteral("CfgVEXEL.xml")); }
     QString MappingFile() const { return Path(QStringLiteral("TypeApplicationMappings.xml")); }
     QString Path(const QString& name) const { return m_directory.path() + QLatin1Char('/') + name; }
 
+    /// Writes both files: `applications`, all started by `program`, each with the device types that it serves.
+    bool Install(const QList<std::pair<QString, QList<int>>>& applications, const QString& program) const
+    {
+        QString machine;
+        QString mappings;
+        for (const auto& [name, deviceTypes] : applications) {
+            machine += Application(name, program);
+            for (const int deviceType : deviceTypes)
+                mappings += Mapping(deviceType, name);
+        }
+        return WriteMachine(Machine(machine)) && WriteMappings(Mappings(mappings));
+    }
     bool WriteMachine(const QString& document) const { return Write(MachineFile(), document); }
     bool WriteMappings(const QString& document) const { return Write(MappingFile(), document); }
 
-    static bool Write(const QString& path, const QString& content)
-    {
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write(content.toUtf8()) >= 0;
-    }
+    static bool Write(const QString& path, const QString& content) { return Files::Write(path, content.toUtf8()); }
 
     /// The machine configuration element of an application that is started by `executable`.
     static QString Application(const QString& name, const QString& executable)

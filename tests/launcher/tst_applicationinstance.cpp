@@ -1,13 +1,13 @@
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
+#include "tests/dialog/markingtranslator.h"
 #include "tests/launcher/launcherfixture.h"
+#include "tests/support/metaobject.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 
-#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTranslator>
 
 #include <csignal>
 #include <memory>
@@ -42,19 +42,6 @@ QString Ended(const QString& program = TestChild::Program())
                 program);
 }
 
-/// Answers every text with itself in brackets.
-class BracketTranslator : public QTranslator
-{
-public:
-    QString translate(const char* context, const char* text, const char* /*disambiguation*/, int /*n*/) const override
-    {
-        return QLatin1String(context) == QLatin1String("ApplicationInstance")
-                   ? QLatin1Char('[') + QLatin1String(text) + QLatin1Char(']')
-                   : QString();
-    }
-    bool isEmpty() const override { return false; }
-};
-
 } // namespace
 
 class TestApplicationInstance : public QObject
@@ -65,42 +52,42 @@ private slots:
     void init();
     void cleanup();
 
-    void metaObject();
-    void storesAndStartsNothing();
-    void connectionIsCopy();
-    void hostName_data();
-    void hostName();
-    void setState();
+    void declaresSignalAndSlot();
+    void constructorStartsNothing();
+    void connectionIsCopied();
+    void hostNameIsFirstArgumentUpToColon_data();
+    void hostNameIsFirstArgumentUpToColon();
+    void setStateTracesChanges();
     void stateNamesAreTranslated();
-    void everyTraceNamesItsPlace();
-    void silentWithoutTraces();
+    void tracesHaveSourceAndLine();
+    void noTraceWhileTracesAreOff();
 
-    void startAndEnd();
+    void startAndEndOfProcess();
     void exitCodeIsNoCrash();
-    void crash();
-    void failedStart_data();
-    void failedStart();
-    void programNameWithPlaceholder();
-    void workingDirectory();
-    void missingWorkingDirectory();
-    void arguments_data();
-    void arguments();
-    void outputGoesNowhere();
-    void inputIsSilentPipe();
-    void startAgain();
-    void startWhileRunning();
+    void crashIsTraced();
+    void failedStartIsReported_data();
+    void failedStartIsReported();
+    void placeholdersInProgramNameAreKept();
+    void startsInWorkingDirectory();
+    void missingWorkingDirectoryIsTraced();
+    void argumentsArriveUnchanged_data();
+    void argumentsArriveUnchanged();
+    void outputIsDiscarded();
+    void inputIsPipe();
+    void canStartAgain();
+    void secondStartEndsFirstProcess();
 
-    void releaseStarted();
-    void releaseFreeWithoutProcess();
-    void releaseFreeWithProcess();
-    void releaseOtherState_data();
-    void releaseOtherState();
-    void releaseStartedWithoutProcess();
-    void endInErrorState();
-    void slotWithoutProcess();
-    void destructorEndsProcess_data();
-    void destructorEndsProcess();
-    void deletedByItsOwnSignal();
+    void releaseAsksProcessToEnd();
+    void releaseWithoutProcessIsTraced();
+    void secondReleaseKillsProcess();
+    void releaseInOtherStateKillsProcess_data();
+    void releaseInOtherStateKillsProcess();
+    void releaseOfStartedStateWithoutProcess();
+    void endInErrorStateEmitsNoSignal();
+    void exitNotificationWithoutProcessIsIgnored();
+    void destructorKillsProcess_data();
+    void destructorKillsProcess();
+    void canBeDeletedInItsSignal();
 
 private:
     std::unique_ptr<ApplicationInstance> Instance(const QStringList& arguments = {},
@@ -137,24 +124,14 @@ void TestApplicationInstance::cleanup()
     m_pChild.reset();
 }
 
-void TestApplicationInstance::metaObject()
+void TestApplicationInstance::declaresSignalAndSlot()
 {
-    const QMetaObject& meta = ApplicationInstance::staticMetaObject;
-    QCOMPARE(meta.className(), "ApplicationInstance");
-    QCOMPARE(meta.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(meta.propertyCount(), QObject::staticMetaObject.propertyCount());
-    QCOMPARE(meta.methodCount() - meta.methodOffset(), 2);
-    const QMetaMethod exited = meta.method(meta.methodOffset());
-    QCOMPARE(exited.methodSignature(), QByteArray("ProcessExited()"));
-    QCOMPARE(exited.methodType(), QMetaMethod::Signal);
-    const QMetaMethod slot = meta.method(meta.methodOffset() + 1);
-    QCOMPARE(slot.methodSignature(), QByteArray("SlotProcessExited(int,QProcess::ExitStatus)"));
-    QCOMPARE(slot.methodType(), QMetaMethod::Slot);
-    QCOMPARE(slot.access(), QMetaMethod::Public);
-    QCOMPARE(slot.parameterNames(), (QList<QByteArray>{"iCode", "status"}));
+    QCOMPARE(Declaration(ApplicationInstance::staticMetaObject),
+             (QStringList{QStringLiteral("ApplicationInstance : QObject"), QStringLiteral("signal ProcessExited()"),
+                          QStringLiteral("slot SlotProcessExited(int iCode, QProcess::ExitStatus status)")}));
 }
 
-void TestApplicationInstance::storesAndStartsNothing()
+void TestApplicationInstance::constructorStartsNothing()
 {
     Connection entry;
     entry.ConnectionName = QStringLiteral("Mast 7");
@@ -173,7 +150,7 @@ void TestApplicationInstance::storesAndStartsNothing()
     QCOMPARE(m_pChild->Count(), 0);
 }
 
-void TestApplicationInstance::connectionIsCopy()
+void TestApplicationInstance::connectionIsCopied()
 {
     Connection entry;
     entry.ConnectionName = QStringLiteral("before");
@@ -182,7 +159,7 @@ void TestApplicationInstance::connectionIsCopy()
     QCOMPARE(instance.GetConnection().ConnectionName, QStringLiteral("before"));
 }
 
-void TestApplicationInstance::hostName_data()
+void TestApplicationInstance::hostNameIsFirstArgumentUpToColon_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("name");
@@ -199,14 +176,14 @@ void TestApplicationInstance::hostName_data()
     row("", "");
 }
 
-void TestApplicationInstance::hostName()
+void TestApplicationInstance::hostNameIsFirstArgumentUpToColon()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, name);
     QCOMPARE(Instance(arguments)->GetHostName(), name);
 }
 
-void TestApplicationInstance::setState()
+void TestApplicationInstance::setStateTracesChanges()
 {
     const auto instance = Instance();
     instance->SetState(ApplicationInstance::Free);
@@ -230,8 +207,7 @@ void TestApplicationInstance::setState()
 
 void TestApplicationInstance::stateNamesAreTranslated()
 {
-    BracketTranslator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const MarkingTranslator translator(QStringLiteral("ApplicationInstance"));
     const auto instance = Instance();
     instance->SetState(ApplicationInstance::Started);
     instance->SetState(ApplicationInstance::Error);
@@ -243,7 +219,7 @@ void TestApplicationInstance::stateNamesAreTranslated()
                           StateChange("Unknown state of ApplicationInstance", "[Free]")}));
 }
 
-void TestApplicationInstance::everyTraceNamesItsPlace()
+void TestApplicationInstance::tracesHaveSourceAndLine()
 {
     m_pChild->Behave("crash");
     ApplicationInstance instance(TestChild::Program(), {}, QStringLiteral("/no/such/folder"), Connection());
@@ -263,11 +239,11 @@ void TestApplicationInstance::everyTraceNamesItsPlace()
         QVERIFY(report.line > 0);
         lines.insert(report.line);
     }
-    // Working directory, started, state, crash, end, could not be started, release.
+    // Missing directory, started, state, crash, end, failed start, release.
     QCOMPARE(lines.size(), 7);
 }
 
-void TestApplicationInstance::silentWithoutTraces()
+void TestApplicationInstance::noTraceWhileTracesAreOff()
 {
     m_pTraces.reset();
     m_pTraces = std::make_unique<TraceRecorder>(ErrorHandler::Assertion);
@@ -281,7 +257,7 @@ void TestApplicationInstance::silentWithoutTraces()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void TestApplicationInstance::startAndEnd()
+void TestApplicationInstance::startAndEndOfProcess()
 {
     const auto instance = Instance();
     int stateInSignal = -1;
@@ -289,7 +265,7 @@ void TestApplicationInstance::startAndEnd()
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
 
     QVERIFY(instance->Start());
-    // Whatever the program does, the start returns first.
+    // The start returns before the end is handled.
     QCOMPARE(instance->GetState(), ApplicationInstance::Started);
     QCOMPARE(exited.count(), 0);
     QTRY_COMPARE(exited.count(), 1);
@@ -310,7 +286,7 @@ void TestApplicationInstance::exitCodeIsNoCrash()
     QVERIFY2(m_pTraces->Messages().contains(Ended()), m_pTraces->Text().constData());
 }
 
-void TestApplicationInstance::crash()
+void TestApplicationInstance::crashIsTraced()
 {
     m_pChild->Behave("crash");
     const auto instance = Instance();
@@ -331,22 +307,22 @@ void TestApplicationInstance::crash()
                      StateChange("Started", "Free")}));
 }
 
-void TestApplicationInstance::failedStart_data()
+void TestApplicationInstance::failedStartIsReported_data()
 {
     QTest::addColumn<QString>("program");
     QTest::newRow("no program") << QString();
-    QTest::newRow("missing") << QStringLiteral("/no/such/program");
-    QTest::newRow("missing on the path") << QStringLiteral("vexel-no-such-program");
+    QTest::newRow("missing file") << QStringLiteral("/no/such/program");
+    QTest::newRow("not on the path") << QStringLiteral("vexel-no-such-program");
     QTest::newRow("directory") << QDir::tempPath();
     QTest::newRow("not executable") << QStringLiteral(__FILE__);
-    QTest::newRow("drive that is not there") << QStringLiteral("Q:/nowhere/program.exe");
-    QTest::newRow("share that is not there") << QStringLiteral("//no-such-host/share/program.exe");
+    QTest::newRow("missing drive") << QStringLiteral("Q:/nowhere/program.exe");
+    QTest::newRow("missing network share") << QStringLiteral("//no-such-host/share/program.exe");
     const QStringList devices = System::Devices();
     for (const QString& device : devices)
         QTest::newRow(qPrintable(device)) << device;
 }
 
-void TestApplicationInstance::failedStart()
+void TestApplicationInstance::failedStartIsReported()
 {
     QFETCH(const QString, program);
     const auto instance = Instance({}, program);
@@ -360,7 +336,7 @@ void TestApplicationInstance::failedStart()
     };
     QCOMPARE(m_pTraces->Messages(), expected);
 
-    // Nothing comes later, and the instance is as new.
+    // Nothing follows later, and another start behaves the same.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QCoreApplication::processEvents();
     QVERIFY(!instance->Start());
@@ -368,9 +344,8 @@ void TestApplicationInstance::failedStart()
     QCOMPARE(exited.count(), 0);
 }
 
-void TestApplicationInstance::programNameWithPlaceholder()
+void TestApplicationInstance::placeholdersInProgramNameAreKept()
 {
-    // Texts filled into a message are not searched for placeholders again.
     const QString program = QStringLiteral("/no/%2/%1");
     const auto instance = Instance({}, program);
     instance->SetState(ApplicationInstance::Error);
@@ -382,7 +357,7 @@ void TestApplicationInstance::programNameWithPlaceholder()
                                          "started")}));
 }
 
-void TestApplicationInstance::workingDirectory()
+void TestApplicationInstance::startsInWorkingDirectory()
 {
     const QTemporaryDir directory;
     ApplicationInstance instance(TestChild::Program(), {}, directory.path(), Connection());
@@ -392,7 +367,7 @@ void TestApplicationInstance::workingDirectory()
     QCOMPARE(m_pTraces->Messages().constFirst(), Started());
 }
 
-void TestApplicationInstance::missingWorkingDirectory()
+void TestApplicationInstance::missingWorkingDirectoryIsTraced()
 {
     ApplicationInstance instance(TestChild::Program(), {}, QStringLiteral("/no/such/folder"), Connection());
     QVERIFY(instance.Start());
@@ -405,7 +380,7 @@ void TestApplicationInstance::missingWorkingDirectory()
     QCOMPARE(instance.GetWorkingDirectory(), QStringLiteral("/no/such/folder"));
 }
 
-void TestApplicationInstance::arguments_data()
+void TestApplicationInstance::argumentsArriveUnchanged_data()
 {
     QTest::addColumn<QStringList>("arguments");
     const auto row = [](const char* name, const QString& argument) {
@@ -420,19 +395,16 @@ void TestApplicationInstance::arguments_data()
     row("blanks", QStringLiteral("  Mast 7  north "));
     row("tab and line break", QStringLiteral("a\tb\nc\r\nd"));
     row("quotes", QStringLiteral("say \"hello\" and 'bye'"));
-    row("quote only", QStringLiteral("\""));
     row("backslashes at the end", QStringLiteral("C:\\data dir\\\\"));
     row("backslashes before a quote", QStringLiteral("a\\\\\"b"));
-    row("shell characters", QStringLiteral("$HOME `id` ; | & > < * ? ~ ! # (x) {y} [z]"));
-    row("percent", QStringLiteral("100% %1 %PATH% %n"));
-    row("looks like an option", QStringLiteral("--help"));
+    row("shell characters", QStringLiteral("$HOME `id` ; | & > < * ? ^ ~ ! # (x) {y} [z] 100% %1 %PATH% %n"));
     row("non-Latin", QStringLiteral("Пеленгатор 方位 ⚓"));
-    row("astral", QString::fromUcs4(U"\x1F4E1\x10FFFD", 2));
+    row("outside the BMP", QString::fromUcs4(U"\x1F4E1\x10FFFD", 2));
     row("8,000 characters", QString(8000, QLatin1Char('x')));
     QTest::newRow("400 arguments") << QList<QString>(400, QStringLiteral("a b"));
 }
 
-void TestApplicationInstance::arguments()
+void TestApplicationInstance::argumentsArriveUnchanged()
 {
     QFETCH(const QStringList, arguments);
     const auto instance = Instance(arguments);
@@ -441,7 +413,7 @@ void TestApplicationInstance::arguments()
     QCOMPARE(m_pChild->Reports().constFirst().arguments, arguments);
 }
 
-void TestApplicationInstance::outputGoesNowhere()
+void TestApplicationInstance::outputIsDiscarded()
 {
     // The report of this child comes after it has printed.
     m_pChild->Behave("print", 64 * 1024 * 1024);
@@ -457,7 +429,7 @@ void TestApplicationInstance::outputGoesNowhere()
     QCOMPARE(m_pChild->Reports().constFirst().stdoutTarget, QStringLiteral("nothing"));
     QCOMPARE(m_pChild->Reports().constFirst().stderrTarget, QStringLiteral("nothing"));
 
-    // And one that never stops printing ends like any other.
+    // A process that prints endlessly can be ended.
     TestChild::Report report;
     const auto endless = RunningInstance("print-forever", &report);
     QVERIFY(endless);
@@ -468,14 +440,14 @@ void TestApplicationInstance::outputGoesNowhere()
     QCOMPARE(endlessExited.count(), 0);
 }
 
-void TestApplicationInstance::inputIsSilentPipe()
+void TestApplicationInstance::inputIsPipe()
 {
     TestChild::Report report;
     QVERIFY(RunningInstance("stay", &report));
     QCOMPARE(report.stdinTarget, QStringLiteral("pipe"));
 }
 
-void TestApplicationInstance::startAgain()
+void TestApplicationInstance::canStartAgain()
 {
     const auto instance = Instance();
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
@@ -486,7 +458,7 @@ void TestApplicationInstance::startAgain()
     }
 }
 
-void TestApplicationInstance::startWhileRunning()
+void TestApplicationInstance::secondStartEndsFirstProcess()
 {
     TestChild::Report first;
     const auto instance = RunningInstance("stay", &first);
@@ -495,16 +467,16 @@ void TestApplicationInstance::startWhileRunning()
     m_pChild->Clear();
     QVERIFY(instance->Start());
     QTRY_COMPARE(m_pChild->Count(), 1);
-    // The first has no owner any more, so it is gone, without having been taken for the second.
+    // The first process was killed, and its end was not taken for that of the second.
     QVERIFY(m_pChild->Reports().constFirst().pid != first.pid);
     QVERIFY(!System::IsProcess(first.pid));
     QCOMPARE(instance->GetState(), ApplicationInstance::Started);
     QCOMPARE(exited.count(), 0);
 }
 
-void TestApplicationInstance::releaseStarted()
+void TestApplicationInstance::releaseAsksProcessToEnd()
 {
-    // Asked, not killed: this one still chooses how it ends.
+    // The process is not killed: this one exits on request.
     TestChild::Report report;
     const auto instance = RunningInstance("polite", &report);
     QVERIFY(instance);
@@ -515,7 +487,7 @@ void TestApplicationInstance::releaseStarted()
     QCOMPARE(instance->GetState(), ApplicationInstance::Free);
     QCOMPARE(m_pTraces->Messages(), QStringList(StateChange("Started", "Free")));
 
-    // Its end comes later, finds the instance "Free", and is only traced.
+    // Its end is only traced, because the instance is already "Free".
     QTRY_COMPARE(m_pTraces->Reports().size(), 2);
     QCOMPARE(m_pTraces->Messages(), (QStringList{StateChange("Started", "Free"), Ended()}));
     QVERIFY(!System::IsProcess(report.pid));
@@ -523,17 +495,17 @@ void TestApplicationInstance::releaseStarted()
     QCOMPARE(exited.count(), 0);
 }
 
-void TestApplicationInstance::releaseFreeWithoutProcess()
+void TestApplicationInstance::releaseWithoutProcessIsTraced()
 {
     const auto instance = Instance();
     instance->ReleaseInstance();
     QCOMPARE(instance->GetState(), ApplicationInstance::Free);
     QCOMPARE(m_pTraces->Messages(), QStringList(Text("ApplicationInstance::ReleaseInstance() unknwon state 0")));
-    // And it can still be started.
+    // It can still be started.
     QVERIFY(instance->Start());
 }
 
-void TestApplicationInstance::releaseFreeWithProcess()
+void TestApplicationInstance::secondReleaseKillsProcess()
 {
     TestChild::Report report;
     const auto instance = RunningInstance("stubborn", &report);
@@ -541,7 +513,7 @@ void TestApplicationInstance::releaseFreeWithProcess()
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
     instance->ReleaseInstance();
     QCOMPARE(instance->GetState(), ApplicationInstance::Free);
-    // A polite request is all it got: the program may refuse.
+    // The process ignores the request to end.
     QVERIFY(System::IsProcess(report.pid));
     m_pTraces->Clear();
 
@@ -553,7 +525,7 @@ void TestApplicationInstance::releaseFreeWithProcess()
     QCOMPARE(exited.count(), 0);
 }
 
-void TestApplicationInstance::releaseOtherState_data()
+void TestApplicationInstance::releaseInOtherStateKillsProcess_data()
 {
     QTest::addColumn<int>("state");
     QTest::newRow("Error") << 2;
@@ -561,7 +533,7 @@ void TestApplicationInstance::releaseOtherState_data()
     QTest::newRow("negative") << -1;
 }
 
-void TestApplicationInstance::releaseOtherState()
+void TestApplicationInstance::releaseInOtherStateKillsProcess()
 {
     QFETCH(const int, state);
     TestChild::Report report;
@@ -582,7 +554,7 @@ void TestApplicationInstance::releaseOtherState()
     QCOMPARE(exited.count(), 0);
 }
 
-void TestApplicationInstance::releaseStartedWithoutProcess()
+void TestApplicationInstance::releaseOfStartedStateWithoutProcess()
 {
     const auto instance = Instance();
     instance->SetState(ApplicationInstance::Started);
@@ -590,7 +562,7 @@ void TestApplicationInstance::releaseStartedWithoutProcess()
     QCOMPARE(instance->GetState(), ApplicationInstance::Free);
 }
 
-void TestApplicationInstance::endInErrorState()
+void TestApplicationInstance::endInErrorStateEmitsNoSignal()
 {
     const auto instance = Instance();
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
@@ -601,13 +573,13 @@ void TestApplicationInstance::endInErrorState()
     QCOMPARE(m_pTraces->Messages(), (QStringList{Ended(), StateChange("Error", "Free")}));
     QCOMPARE(exited.count(), 0);
 
-    // Its process is gone with it: a further notification finds none.
+    // The process is deleted: a further notification is ignored.
     m_pTraces->Clear();
     instance->SlotProcessExited(0, QProcess::NormalExit);
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void TestApplicationInstance::slotWithoutProcess()
+void TestApplicationInstance::exitNotificationWithoutProcessIsIgnored()
 {
     const auto instance = Instance();
     QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
@@ -621,14 +593,14 @@ void TestApplicationInstance::slotWithoutProcess()
     QCOMPARE(exited.count(), 0);
 }
 
-void TestApplicationInstance::destructorEndsProcess_data()
+void TestApplicationInstance::destructorKillsProcess_data()
 {
     QTest::addColumn<bool>("released");
     QTest::newRow("started") << false;
-    QTest::newRow("released, but still there") << true;
+    QTest::newRow("released, but still running") << true;
 }
 
-void TestApplicationInstance::destructorEndsProcess()
+void TestApplicationInstance::destructorKillsProcess()
 {
     QFETCH(const bool, released);
     TestChild::Report report;
@@ -644,7 +616,7 @@ void TestApplicationInstance::destructorEndsProcess()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void TestApplicationInstance::deletedByItsOwnSignal()
+void TestApplicationInstance::canBeDeletedInItsSignal()
 {
     QPointer<ApplicationInstance> instance = Instance().release();
     connect(instance, &ApplicationInstance::ProcessExited, this, [&] { delete instance; });

@@ -26,19 +26,19 @@ class TestCommandLine : public QObject
     Q_OBJECT
 
 private slots:
-    void forEveryType_data();
-    void forEveryType();
-    void driverAddress_data();
-    void driverAddress();
-    void noPort_data();
-    void noPort();
-    void unsupportedType_data();
-    void unsupportedType();
-    void textsAreTakenAsTheyAre();
-    void silentWithoutTraces();
+    void argumentsOfEveryType_data();
+    void argumentsOfEveryType();
+    void portIsAddedUnlessPresent_data();
+    void portIsAddedUnlessPresent();
+    void kiteAlphaFinchHasNoDefaultPort_data();
+    void kiteAlphaFinchHasNoDefaultPort();
+    void unsupportedTypeIsTraced_data();
+    void unsupportedTypeIsTraced();
+    void textsAreTakenUnchanged();
+    void noTraceWhileTracesAreOff();
 };
 
-void TestCommandLine::forEveryType_data()
+void TestCommandLine::argumentsOfEveryType_data()
 {
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<int>("connectionType");
@@ -49,7 +49,7 @@ void TestCommandLine::forEveryType_data()
     };
     const QString server = QStringLiteral("Server");
     const QString name = QStringLiteral("Mast 7");
-    // Also a connection type that no editor offers: any number may come from a file.
+    // A file can contain any connection type, also invalid ones.
     for (const int connectionType : {-1, 0, 1, 2, 3}) {
         const auto row = [connectionType](int deviceType, const QStringList& further) {
             QTest::addRow("type %d, connection %d", deviceType, connectionType)
@@ -74,7 +74,7 @@ void TestCommandLine::forEveryType_data()
     }
 }
 
-void TestCommandLine::forEveryType()
+void TestCommandLine::argumentsOfEveryType()
 {
     QFETCH(const int, deviceType);
     QFETCH(const int, connectionType);
@@ -83,7 +83,7 @@ void TestCommandLine::forEveryType()
              QStringList(QStringLiteral("KiteControl:XMsgDlg.dll")) + further);
 }
 
-void TestCommandLine::driverAddress_data()
+void TestCommandLine::portIsAddedUnlessPresent_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<QString>("expected");
@@ -100,16 +100,16 @@ void TestCommandLine::driverAddress_data()
     row("host:port", "host:port:27061");
     row("host: 80", "host: 80:27061");
     row(":1", ":1");
-    // A match anywhere counts, also one within an address of IPv6.
+    // A colon and a digit anywhere count as a port, also in an IPv6 address.
     row("a:1b", "a:1b");
     row("fe80::1", "fe80::1");
     row("fe80::a", "fe80::a:27061");
     row("27061", "27061:27061");
-    // Digits are those of ASCII.
+    // Only ASCII digits count.
     row("host:\u0661", "host:\u0661:27061");
 }
 
-void TestCommandLine::driverAddress()
+void TestCommandLine::portIsAddedUnlessPresent()
 {
     QFETCH(const QString, address);
     QFETCH(const QString, expected);
@@ -121,7 +121,7 @@ void TestCommandLine::driverAddress()
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
-void TestCommandLine::noPort_data()
+void TestCommandLine::kiteAlphaFinchHasNoDefaultPort_data()
 {
     QTest::addColumn<QString>("address");
     QTest::addColumn<bool>("traced");
@@ -130,7 +130,7 @@ void TestCommandLine::noPort_data()
     QTest::newRow("own port") << QStringLiteral("driver.example:1") << false;
 }
 
-void TestCommandLine::noPort()
+void TestCommandLine::kiteAlphaFinchHasNoDefaultPort()
 {
     QFETCH(const QString, address);
     QFETCH(const bool, traced);
@@ -147,17 +147,17 @@ void TestCommandLine::noPort()
     }
 }
 
-void TestCommandLine::unsupportedType_data()
+void TestCommandLine::unsupportedTypeIsTraced_data()
 {
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<QString>("text");
     QTest::newRow("Heron") << 9 << QStringLiteral("Heron");
     QTest::newRow("Pipit") << 11 << QStringLiteral("Pipit");
-    QTest::newRow("above") << 15 << QStringLiteral("No string representation for ID 15");
-    QTest::newRow("below") << -1 << QStringLiteral("No string representation for ID -1");
+    QTest::newRow("type above the range") << 15 << QStringLiteral("No string representation for ID 15");
+    QTest::newRow("type below the range") << -1 << QStringLiteral("No string representation for ID -1");
 }
 
-void TestCommandLine::unsupportedType()
+void TestCommandLine::unsupportedTypeIsTraced()
 {
     QFETCH(const int, deviceType);
     QFETCH(const QString, text);
@@ -168,19 +168,25 @@ void TestCommandLine::unsupportedType()
              QStringList(QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported").arg(text)));
 }
 
-void TestCommandLine::textsAreTakenAsTheyAre()
+void TestCommandLine::textsAreTakenUnchanged()
 {
+    const QString text = QStringLiteral(u" %1 <b>x</b> \"y\" %2\n\\ \u041F\U0001F4E1");
     Connection entry = Entry(Connection::KiteEcho);
-    entry.ConnectionName = QStringLiteral("%1 <b>x</b> \"y\" %2\n");
+    entry.ConnectionName = text;
     QCOMPARE(ApplicationArguments(QStringLiteral("A%1"), entry),
-             (QStringList{QStringLiteral("A%1:XMsgDlg.dll"), QStringLiteral("Server"), entry.ConnectionName}));
+             (QStringList{QStringLiteral("A%1:XMsgDlg.dll"), QStringLiteral("Server"), text}));
 
-    entry.DeviceType = Connection::WrenD;
-    entry.DriverAddress = QStringLiteral("%1 a\\");
-    QCOMPARE(ApplicationArguments(QStringLiteral("A"), entry).constLast(), QStringLiteral("Connection=%1 a\\:9446"));
+    entry.DriverAddress = text;
+    for (const int deviceType : {Connection::KiteBravo, Connection::KiteCobra, Connection::KiteAlphaFinch}) {
+        entry.DeviceType = deviceType;
+        entry.ConnectionType = Connection::MultiChannelServer;
+        QVERIFY(ApplicationArguments(QStringLiteral("A"), entry)
+                    .constLast()
+                    .startsWith(QString(QStringLiteral("Connection=") + text)));
+    }
 }
 
-void TestCommandLine::silentWithoutTraces()
+void TestCommandLine::noTraceWhileTracesAreOff()
 {
     const TraceRecorder traces(ErrorHandler::Assertion);
     ApplicationArguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));

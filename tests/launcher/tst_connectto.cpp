@@ -1,5 +1,6 @@
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
+#include "tests/dialog/markingtranslator.h"
 #include "tests/launcher/inheritedhandles.h"
 #include "tests/launcher/launcherfixture.h"
 #include "tests/link/linkfixture.h"
@@ -14,7 +15,6 @@
 #include <QSignalSpy>
 #include <QTemporaryFile>
 #include <QTest>
-#include <QTranslator>
 
 #include <memory>
 
@@ -37,7 +37,7 @@ Connection Entry(const char* name, int deviceType, int connectionType = 1)
 
 } // namespace
 
-/// Starting applications for entries, and what their ends do.
+/// Starting applications for entries, and the end of applications.
 class TestConnectTo : public QObject
 {
     Q_OBJECT
@@ -46,47 +46,40 @@ private slots:
     void init();
     void cleanup();
 
-    void everyType_data();
-    void everyType();
-    void textsArriveAsGiven_data();
-    void textsArriveAsGiven();
-    void anApplicationsNameArrivesAsGiven();
-    void childInheritsNothing();
+    void argumentsReachTheProgram_data();
+    void argumentsReachTheProgram();
+    void childInheritsNoHandles();
     void startsInCurrentDirectory();
-    void startsInTheDirectoryOfTheMoment();
-    void nameTooLongForACommandLine();
-    void entryIsInUseUntilEnd();
-    void equalEntries();
-    void applicationsInTurn();
-    void oneListForFoldedTypes();
-    void typesDoNotShareRunning();
-    void signalOrder();
+    void tooLongCommandLineFails();
+    void entryIsInUseUntilProcessEnds();
+    void firstFreeApplicationIsStarted();
+    void kiteEchoFamilySharesApplications();
+    void statusChangesBeforeInstanceIsDeleted();
 
-    void noFreeApplication_data();
-    void noFreeApplication();
-    void noFreeApplicationWhileRunning();
-    void problemTextIsTranslated();
-    void problemWithLongName_data();
-    void problemWithLongName();
+    void noFreeApplicationShowsProblem_data();
+    void noFreeApplicationShowsProblem();
+    void problemCountsRunningApplications();
+    void problemIsTranslated();
+    void longNameIsShortenedInProblem_data();
+    void longNameIsShortenedInProblem();
 
-    void failedStart();
-    void failedStartIsSweptByAnotherEnd();
-    void failedStartFreesWhatRuns();
-    void releasedIsSwept();
-    void sweepKeepsStartedAndError();
-    void sweepIsPerDeviceType();
-    void sweepByHand();
+    void failedStartLeavesEntryFree();
+    void failedInstanceIsDeletedWhenAnotherEnds();
+    void deletingFailedInstanceFreesEqualEntry();
+    void releasedInstanceIsDeleted();
+    void startedAndErrorInstancesAreKept();
+    void typesCountRunningApplicationsSeparately();
+    void nothingToDeleteChangesNothing();
     void unsupportedTypeIsStarted();
-    void crashFreesEntry();
-    void manyStarts();
-    void withoutModel();
-    void modelGoneFirst();
-    void tearDownWithRunningChildren_data();
-    void tearDownWithRunningChildren();
-    void tearDownAfterSweepWithoutEventLoop();
+    void manyStartsLeakNothing();
+    void worksWithoutModel();
+    void worksAfterModelIsDeleted();
+    void destructorEndsRunningApplications_data();
+    void destructorEndsRunningApplications();
+    void destructorDeletesReleasedInstances();
 
 private:
-    /// The applications, all of them the test's child, each for the device types of which it is listed.
+    /// Builds the launcher with these applications and the device types that they serve.
     void Install(const QList<std::pair<QString, QList<int>>>& applications,
                  const QString& program = TestChild::Program());
     bool WaitForEnd(qsizetype instances = 0) const
@@ -126,145 +119,45 @@ void TestConnectTo::cleanup()
 
 void TestConnectTo::Install(const QList<std::pair<QString, QList<int>>>& applications, const QString& program)
 {
-    QString machine;
-    QString mappings;
-    for (const auto& [name, deviceTypes] : applications) {
-        machine += DataDirectory::Application(name, program);
-        for (const int deviceType : deviceTypes)
-            mappings += DataDirectory::Mapping(deviceType, name);
-    }
-    QVERIFY(m_pData->WriteMachine(DataDirectory::Machine(machine)));
-    QVERIFY(m_pData->WriteMappings(DataDirectory::Mappings(mappings)));
+    QVERIFY(m_pData->Install(applications, program));
     m_pCounter = std::make_unique<AppCounter>(m_pModel.get(), QStringLiteral("Launcher"));
     m_pTraces->Clear();
 }
 
-void TestConnectTo::everyType_data()
+void TestConnectTo::argumentsReachTheProgram_data()
 {
+    // tst_commandline tests the command lines of all types, tst_applicationinstance tests all kinds of texts.
     QTest::addColumn<int>("deviceType");
-    QTest::addColumn<int>("connectionType");
-    QTest::addColumn<QStringList>("further");
-
-    const QString server = s("Server");
-    const auto driver = [](const char* port) {
-        return s("Connection=driver.example") + s(port);
-    };
-    for (int deviceType = 0; deviceType < 15; ++deviceType) {
-        for (int connectionType = 0; connectionType < 3; ++connectionType) {
-            QStringList further{server, s("Mast \"7\" & north\\")};
-            if (deviceType == 1)
-                further = {server, driver(":27061")};
-            else if (deviceType == 2 && connectionType == 0)
-                further = {};
-            else if (deviceType == 2 && connectionType == 1)
-                further = {server, driver(":27081")};
-            else if (deviceType == 2)
-                further = {server, s("MCS"), s("MCSMaster"), driver(":27081")};
-            else if (deviceType == 9 || deviceType == 11)
-                further = {};
-            else if (deviceType == 10)
-                further = {server, driver(":9446")};
-            else if (deviceType == 12)
-                further = {server, driver("")};
-            else if (deviceType == 13)
-                further = {server, driver(":27091")};
-            else if (deviceType == 14)
-                further = {server, driver(":27071")};
-            QTest::addRow("type %d, connection %d", deviceType, connectionType)
-                << deviceType << connectionType << further;
-        }
-    }
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("name") << 6 << QStringList{s("Server"), s("Mast \"7\" & north\\")};
+    QTest::newRow("driver address") << 1 << QStringList{s("Server"), s("Connection=driver.example:27061")};
+    QTest::newRow("multichannel server") << 2
+                                         << QStringList{s("Server"), s("MCS"), s("MCSMaster"),
+                                                        s("Connection=driver.example:27081")};
+    QTest::newRow("unsupported type") << 9 << QStringList{};
 }
 
-void TestConnectTo::everyType()
+void TestConnectTo::argumentsReachTheProgram()
 {
     QFETCH(const int, deviceType);
-    QFETCH(const int, connectionType);
-    QFETCH(const QStringList, further);
-
-    Install({{s("KiteControl"), {1, 2, 4, 9, 10, 11, 12, 13, 14}}});
-    const Connection entry = Entry("Mast \"7\" & north\\", deviceType, connectionType);
-    m_pModel->AddConnection(entry);
-    QVERIFY(m_pCounter->ConnectTo(entry));
+    QFETCH(const QStringList, arguments);
+    const QString name = s("Пеленгатор_方位.2-a");
+    Install({{name, {1, 2, 4, 9}}});
+    QVERIFY(m_pCounter->ConnectTo(Entry("Mast \"7\" & north\\", deviceType, Connection::MultiChannelServer)));
     QTRY_COMPARE(m_pChild->Count(), 1);
-    QCOMPARE(m_pChild->Reports().constFirst().arguments, QStringList(s("KiteControl:XMsgDlg.dll")) + further);
+    QCOMPARE(m_pChild->Reports().constFirst().arguments, QStringList(name + s(":XMsgDlg.dll")) + arguments);
     QCOMPARE(QFileInfo(m_pChild->Reports().constFirst().program).canonicalFilePath(),
              QFileInfo(TestChild::Program()).canonicalFilePath());
-
-    QStringList expected;
-    if (deviceType == 12)
-        expected += s("AppCounter::ConnectTo() no port number added to sDriver");
-    if (deviceType == 9 || deviceType == 11)
-        expected +=
-            s("AppCounter::ConnectTo() DeviceType %1 is not yet supported").arg(Connection::DeviceTypeName(deviceType));
-    QCOMPARE(m_pTraces->Messages(s("userinterface/vexelconnectdlg/appcounter")), expected);
     QCOMPARE(m_pBoxes->Count(), 0);
     QVERIFY(WaitForEnd());
 }
 
-void TestConnectTo::textsArriveAsGiven_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("blanks") << s("  Mast 7  north ");
-    QTest::newRow("quotes") << s("say \"hello\" and 'bye'");
-    QTest::newRow("backslashes at the end") << s("C:\\data dir\\\\");
-    QTest::newRow("quote and backslash") << s("a\\\\\"b\\\"");
-    QTest::newRow("percent") << s("100% %1 %2 %PATH% %%");
-    QTest::newRow("shell characters") << s("$HOME `id` ; | & > < * ? ^ ! # (x) {y}");
-    QTest::newRow("non-Latin") << s("Пеленгатор 方位 ⚓");
-    QTest::newRow("astral") << QString::fromUcs4(U"\x1F4E1\x10FFFD", 2);
-    QTest::newRow("8,000 characters") << QString(8000, QLatin1Char('x'));
-}
-
-void TestConnectTo::textsArriveAsGiven()
-{
-    // Each of the four forms of a command line that carries a text of the entry.
-    QFETCH(const QString, text);
-    Install({{s("KiteControl"), {1, 2, 4, 12}}});
-    struct Form
-    {
-        int deviceType;
-        int connectionType;
-        QStringList further;
-    };
-    // The port is there, so that the address stays as it is.
-    const QString driver = text + s(":1");
-    const QString connection = s("Connection=") + driver;
-    const QList<Form> forms = {{1, 0, {s("Server"), connection}},
-                               {2, 1, {s("Server"), connection}},
-                               {2, 2, {s("Server"), s("MCS"), s("MCSMaster"), connection}},
-                               {12, 0, {s("Server"), connection}},
-                               {4, 0, {s("Server"), text}}};
-    for (const Form& form : forms) {
-        m_pChild->Clear();
-        Connection entry = Entry("", form.deviceType, form.connectionType);
-        entry.ConnectionName = text;
-        entry.DriverAddress = driver;
-        QVERIFY(m_pCounter->ConnectTo(entry));
-        QTRY_COMPARE(m_pChild->Count(), 1);
-        QCOMPARE(m_pChild->Reports().constFirst().arguments, QStringList(s("KiteControl:XMsgDlg.dll")) + form.further);
-        QVERIFY(WaitForEnd());
-    }
-}
-
-// It is the name of an element of the machine's file, which knows no blanks and no quotes.
-void TestConnectTo::anApplicationsNameArrivesAsGiven()
-{
-    const QString name = s("Пеленгатор_方位.2-a");
-    Install({{name, {4}}});
-    QVERIFY(m_pCounter->ConnectTo(Entry("mast", 4, 0)));
-    QTRY_COMPARE(m_pChild->Count(), 1);
-    QCOMPARE(m_pChild->Reports().constFirst().arguments.value(0), name + s(":XMsgDlg.dll"));
-    QVERIFY(WaitForEnd());
-}
-
-void TestConnectTo::childInheritsNothing()
+void TestConnectTo::childInheritsNoHandles()
 {
     Install({{s("Kite"), {1}}, {s("Kestrel"), {1}}});
-    // What whoever runs the tests has left open goes on to the children; that is not the launcher's doing.
+    // Handles that this process inherited itself are passed on.
     const QStringList before = HandlesToInherit();
-    // What a host has open while it starts applications: files, locks, the link with a caller on it, other children.
+    // A host has open files, locks, sockets and other children when it starts applications.
     QTemporaryFile file;
     QVERIFY(file.open());
     QLockFile lock(file.fileName() + s(".lock"));
@@ -283,16 +176,6 @@ void TestConnectTo::childInheritsNothing()
 void TestConnectTo::startsInCurrentDirectory()
 {
     Install({{s("Kite"), {1}}});
-    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
-    QCOMPARE(m_pCounter->Instances().constFirst()->GetWorkingDirectory(), QDir::currentPath());
-    QTRY_COMPARE(m_pChild->Count(), 1);
-    QCOMPARE(m_pChild->Reports().constFirst().directory, QDir::current().canonicalPath());
-}
-
-void TestConnectTo::startsInTheDirectoryOfTheMoment()
-{
-    // Not in that of the launcher's own start.
-    Install({{s("Kite"), {1}}});
     const QTemporaryDir elsewhere;
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(elsewhere.path()));
@@ -306,11 +189,11 @@ void TestConnectTo::startsInTheDirectoryOfTheMoment()
     QVERIFY(WaitForEnd());
 }
 
-void TestConnectTo::nameTooLongForACommandLine()
+void TestConnectTo::tooLongCommandLineFails()
 {
     if (System::IsWine())
         QSKIP("Wine takes command lines of any length");
-    // An argument of a megabyte: a start that fails like any other.
+    // An argument of a megabyte.
     Install({{s("Kite"), {4}}});
     Connection entry = Entry("", 4);
     entry.ConnectionName = QString(1024 * 1024, QLatin1Char('x'));
@@ -325,12 +208,12 @@ void TestConnectTo::nameTooLongForACommandLine()
     QVERIFY(m_pCounter->RunningApplications(4).isEmpty());
     QCOMPARE(m_pChild->Count(), 0);
 
-    // And its application still serves others.
+    // The application remains available.
     QVERIFY(m_pCounter->ConnectTo(Entry("short", 4)));
     QVERIFY(WaitForEnd());
 }
 
-void TestConnectTo::entryIsInUseUntilEnd()
+void TestConnectTo::entryIsInUseUntilProcessEnds()
 {
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("polite");
@@ -352,7 +235,7 @@ void TestConnectTo::entryIsInUseUntilEnd()
     QVERIFY(instance->GetConnection() == Entry("mine", 1));
     QCOMPARE(instance->GetHostName(), s("Kite"));
 
-    // Ended from outside, as an operator closes its window.
+    // Ends like an application whose window is closed.
     QTRY_COMPARE(m_pChild->Count(), 1);
     const QPointer<ApplicationInstance> watched = instance;
     instance->ReleaseInstance();
@@ -365,21 +248,7 @@ void TestConnectTo::entryIsInUseUntilEnd()
     QTRY_VERIFY(watched.isNull());
 }
 
-void TestConnectTo::equalEntries()
-{
-    Install({{s("Kite"), {1}}});
-    m_pChild->Behave("stay");
-    Connection twin = Entry("mine", 1);
-    m_pModel->AddConnection(twin);
-    twin.Selected = true;
-    m_pModel->AddConnection(twin);
-    QVERIFY(m_pCounter->ConnectTo(twin));
-    QCOMPARE(Status(0), 1);
-    QCOMPARE(Status(1), 1);
-    QCOMPARE(m_pModel->CountInUse(), 2);
-}
-
-void TestConnectTo::applicationsInTurn()
+void TestConnectTo::firstFreeApplicationIsStarted()
 {
     Install({{s("First"), {1}}, {s("Second"), {1}}});
     m_pChild->Behave("polite");
@@ -389,7 +258,7 @@ void TestConnectTo::applicationsInTurn()
     QVERIFY(!m_pCounter->ConnectTo(Entry("c", 1)));
     QCOMPARE(m_pBoxes->Count(), 1);
 
-    // The first one ends: it is the one that is free now.
+    // The first one ends and is free again.
     QTRY_COMPARE(m_pChild->Count(), 2);
     ApplicationInstance* const first = m_pCounter->Instances().constFirst();
     QCOMPARE(first->GetHostName(), s("First"));
@@ -402,7 +271,7 @@ void TestConnectTo::applicationsInTurn()
     QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("Second"), s("First")}));
 }
 
-void TestConnectTo::oneListForFoldedTypes()
+void TestConnectTo::kiteEchoFamilySharesApplications()
 {
     Install({{s("Kite"), {4}}});
     m_pChild->Behave("stay");
@@ -413,23 +282,13 @@ void TestConnectTo::oneListForFoldedTypes()
         QVERIFY(!m_pCounter->ConnectTo(Entry("b", deviceType)));
     }
     QCOMPARE(m_pBoxes->Count(), 7);
-    // The box names the entry's own type.
+    // The box shows the type of the entry.
     QVERIFY(m_pBoxes->Boxes().at(0).text.contains(s("Device type: Kite Alpha + Wren C\n")));
 }
 
-void TestConnectTo::typesDoNotShareRunning()
+void TestConnectTo::statusChangesBeforeInstanceIsDeleted()
 {
-    Install({{s("Kite"), {1, 2}}});
-    m_pChild->Behave("stay");
-    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
-    QVERIFY(m_pCounter->RunningApplications(2).isEmpty());
-    QVERIFY(m_pCounter->ConnectTo(Entry("b", 2)));
-    QCOMPARE(m_pCounter->Instances().size(), 2);
-}
-
-void TestConnectTo::signalOrder()
-{
-    // At the moment the model announces "Free" the instance is still listed; afterwards nothing of it is left.
+    // When the model announces "Free", the instance is still listed.
     Install({{s("Kite"), {1}}});
     m_pModel->AddConnection(Entry("a", 1));
     QList<std::pair<int, qsizetype>> seen;
@@ -441,22 +300,19 @@ void TestConnectTo::signalOrder()
     QCOMPARE(seen, (QList<std::pair<int, qsizetype>>{{1, 1}, {0, 1}}));
 }
 
-void TestConnectTo::noFreeApplication_data()
+void TestConnectTo::noFreeApplicationShowsProblem_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("deviceType");
     QTest::addColumn<QString>("typeName");
-    QTest::newRow("plain") << s("Mast 7") << 1 << s("Kite Bravo");
-    QTest::newRow("folded type keeps its name") << s("Mast 7") << 6 << s("Kite Moss");
+    QTest::newRow("plain name") << s("Mast 7") << 1 << s("Kite Bravo");
     QTest::newRow("type out of range") << s("Mast 7") << 99 << s("No string representation for ID 99");
     QTest::newRow("empty name") << QString() << 9 << s("Heron");
-    QTest::newRow("markup") << s("<b>bold</b><img src='x'>") << 2 << s("Kite Cobra");
-    QTest::newRow("placeholders") << s("%1 %2 %3 %4 %n %L1") << 2 << s("Kite Cobra");
-    QTest::newRow("quotes and breaks") << s("a \"b\"\nc & d\te") << 2 << s("Kite Cobra");
+    QTest::newRow("markup and placeholders") << s("<b>%1</b> \"%2\"\n%3 %4 %n %L1") << 2 << s("Kite Cobra");
     QTest::newRow("non-Latin") << s("Пеленгатор \xF0\x9F\x93\xA1") << 14 << s("Linnet + DF");
 }
 
-void TestConnectTo::noFreeApplication()
+void TestConnectTo::noFreeApplicationShowsProblem()
 {
     QFETCH(const QString, name);
     QFETCH(const int, deviceType);
@@ -482,7 +338,6 @@ void TestConnectTo::noFreeApplication()
     QCOMPARE(box.buttons, QMessageBox::Ok);
     QVERIFY(box.modal);
     QVERIFY(!box.hasParent);
-    // A name is no markup, whatever it looks like.
     QCOMPARE(box.textFormat, Qt::PlainText);
 
     // Nothing else happens.
@@ -491,7 +346,7 @@ void TestConnectTo::noFreeApplication()
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
 }
 
-void TestConnectTo::noFreeApplicationWhileRunning()
+void TestConnectTo::problemCountsRunningApplications()
 {
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("stay");
@@ -508,29 +363,18 @@ void TestConnectTo::noFreeApplicationWhileRunning()
     QCOMPARE(m_pCounter->RunningApplications(1), QStringList(s("Kite")));
 }
 
-void TestConnectTo::problemTextIsTranslated()
+void TestConnectTo::problemIsTranslated()
 {
-    class Translator : public QTranslator
-    {
-    public:
-        QString translate(const char* context, const char* text, const char* /*d*/, int /*n*/) const override
-        {
-            if (QLatin1String(context) != QLatin1String("AppCounter"))
-                return {};
-            return QLatin1String(text) == QLatin1String("Problem") ? s("Aufgabe") : s("%4|%3|%2|%1");
-        }
-        bool isEmpty() const override { return false; }
-    };
-    Translator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const MarkingTranslator translator(s("AppCounter"));
     Install({});
     QVERIFY(!m_pCounter->ConnectTo(Entry("Mast 7", 1)));
     QCOMPARE(m_pBoxes->Count(), 1);
-    QCOMPARE(m_pBoxes->Boxes().constFirst().title, s("Aufgabe"));
-    QCOMPARE(m_pBoxes->Boxes().constFirst().text, s("0|0|Kite Bravo|Mast 7"));
+    QCOMPARE(m_pBoxes->Boxes().constFirst().title, s("[Problem]"));
+    const QString text = m_pBoxes->Boxes().constFirst().text;
+    QVERIFY2(text.startsWith(s("[Could not connect to \"Mast 7\"")) && text.endsWith(u']'), qPrintable(text));
 }
 
-void TestConnectTo::problemWithLongName_data()
+void TestConnectTo::longNameIsShortenedInProblem_data()
 {
     QTest::addColumn<int>("length");
     QTest::addColumn<bool>("whole");
@@ -538,7 +382,7 @@ void TestConnectTo::problemWithLongName_data()
     QTest::newRow("longer than a box can show") << 1024 * 1024 << false;
 }
 
-void TestConnectTo::problemWithLongName()
+void TestConnectTo::longNameIsShortenedInProblem()
 {
     QFETCH(const int, length);
     QFETCH(const bool, whole);
@@ -554,7 +398,7 @@ void TestConnectTo::problemWithLongName()
     QVERIFY(text.size() < 20'000);
 }
 
-void TestConnectTo::failedStart()
+void TestConnectTo::failedStartLeavesEntryFree()
 {
     Install({{s("Kite"), {1}}}, s("/no/such/program"));
     m_pModel->AddConnection(Entry("a", 1));
@@ -568,7 +412,7 @@ void TestConnectTo::failedStart()
     QCOMPARE(m_pTraces->Messages(),
              (QStringList{s("ApplicationInstance::Start(): Application </no/such/program> could not be started"),
                           s("ApplicationInstance::ReleaseInstance() unknwon state 0")}));
-    // It stays listed, "Free", until an instance ends.
+    // It stays in the list until another instance ends.
     QCOMPARE(m_pCounter->Instances().size(), 1);
     QCOMPARE(m_pCounter->Instances().constFirst()->GetState(), ApplicationInstance::Free);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -576,7 +420,7 @@ void TestConnectTo::failedStart()
     QCOMPARE(m_pCounter->Instances().size(), 1);
 }
 
-void TestConnectTo::failedStartIsSweptByAnotherEnd()
+void TestConnectTo::failedInstanceIsDeletedWhenAnotherEnds()
 {
     QVERIFY(m_pData->WriteMachine(DataDirectory::Machine(DataDirectory::Application(s("Bad"), s("/no/such/program")) +
                                                          DataDirectory::Application(s("Good"), TestChild::Program()))));
@@ -594,10 +438,10 @@ void TestConnectTo::failedStartIsSweptByAnotherEnd()
     QCOMPARE(Status(1), 0);
 }
 
-void TestConnectTo::failedStartFreesWhatRuns()
+void TestConnectTo::deletingFailedInstanceFreesEqualEntry()
 {
-    // What sweeping a failed start undoes need not be its own doing: its entry becomes "Free", and its application
-    // available once, though both belong to a start that succeeded since.
+    // Deleting the failed instance makes its entry "Free" and its application available, although a later start of the
+    // same entry succeeded.
     const QString program = m_pData->Path(QFileInfo(TestChild::Program()).fileName());
     Install({{s("Kite"), {1}}}, program);
     m_pChild->Behave("stay");
@@ -615,9 +459,9 @@ void TestConnectTo::failedStartFreesWhatRuns()
     QCOMPARE(m_pCounter->Instances().constFirst()->GetState(), ApplicationInstance::Started);
 }
 
-void TestConnectTo::releasedIsSwept()
+void TestConnectTo::releasedInstanceIsDeleted()
 {
-    // "Free" though its process may still be there: only the state counts.
+    // Only the state counts: the process still runs.
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("stubborn");
     m_pModel->AddConnection(Entry("a", 1));
@@ -629,11 +473,11 @@ void TestConnectTo::releasedIsSwept()
     QCOMPARE(Status(0), 0);
     QVERIFY(m_pCounter->Instances().isEmpty());
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
-    // The process goes with the instance.
+    // The process ends with the instance.
     QTRY_VERIFY(!System::IsProcess(m_pChild->Reports().constFirst().pid));
 }
 
-void TestConnectTo::sweepKeepsStartedAndError()
+void TestConnectTo::startedAndErrorInstancesAreKept()
 {
     Install({{s("A"), {1}}, {s("B"), {1}}, {s("C"), {1}}});
     m_pChild->Behave("stay");
@@ -650,12 +494,13 @@ void TestConnectTo::sweepKeepsStartedAndError()
     QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("A"), s("B")}));
 }
 
-void TestConnectTo::sweepIsPerDeviceType()
+void TestConnectTo::typesCountRunningApplicationsSeparately()
 {
-    // An application booked for two types is still booked for one when the other's instance ends.
+    // One application can serve an entry of each type at the same time.
     Install({{s("Kite"), {1, 2}}});
     m_pChild->Behave("stay");
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
+    QVERIFY(m_pCounter->RunningApplications(2).isEmpty());
     QVERIFY(m_pCounter->ConnectTo(Entry("b", 2)));
     m_pCounter->Instances().constLast()->SetState(ApplicationInstance::Free);
     m_pCounter->SlotOnProcessExit();
@@ -663,9 +508,8 @@ void TestConnectTo::sweepIsPerDeviceType()
     QVERIFY(m_pCounter->RunningApplications(2).isEmpty());
 }
 
-void TestConnectTo::sweepByHand()
+void TestConnectTo::nothingToDeleteChangesNothing()
 {
-    // Nothing to sweep: nothing changes.
     Install({{s("Kite"), {1}}});
     QSignalSpy changed(m_pModel.get(), &QAbstractItemModel::dataChanged);
     m_pCounter->SlotOnProcessExit();
@@ -686,19 +530,7 @@ void TestConnectTo::unsupportedTypeIsStarted()
                            "supported")));
 }
 
-void TestConnectTo::crashFreesEntry()
-{
-    Install({{s("Kite"), {1}}});
-    m_pChild->Behave("crash");
-    m_pModel->AddConnection(Entry("a", 1));
-    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
-    QCOMPARE(Status(0), 1);
-    QVERIFY(WaitForEnd());
-    QCOMPARE(Status(0), 0);
-    QCOMPARE(m_pCounter->FreeApplications(1), QStringList(s("Kite")));
-}
-
-void TestConnectTo::manyStarts()
+void TestConnectTo::manyStartsLeakNothing()
 {
     Install({{s("Kite"), {1}}});
     m_pModel->AddConnection(Entry("a", 1));
@@ -712,12 +544,12 @@ void TestConnectTo::manyStarts()
             handles = System::OpenHandles();
     }
     QCOMPARE(m_pChild->Count(), 200);
-    // A process is deleted by the event loop once its end was handled.
+    // The event loop deletes the processes.
     QTRY_COMPARE(System::OpenHandles(), handles);
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
-void TestConnectTo::withoutModel()
+void TestConnectTo::worksWithoutModel()
 {
     Install({{s("Kite"), {1}}});
     m_pCounter = std::make_unique<AppCounter>(nullptr, QString());
@@ -727,9 +559,8 @@ void TestConnectTo::withoutModel()
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
-void TestConnectTo::modelGoneFirst()
+void TestConnectTo::worksAfterModelIsDeleted()
 {
-    // The launcher goes on without the model, should an application end in between.
     Install({{s("Kite"), {1}}});
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
     m_pModel.reset();
@@ -737,15 +568,15 @@ void TestConnectTo::modelGoneFirst()
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
 }
 
-void TestConnectTo::tearDownWithRunningChildren_data()
+void TestConnectTo::destructorEndsRunningApplications_data()
 {
     QTest::addColumn<QByteArray>("mode");
     QTest::newRow("waiting") << QByteArray("stay");
-    QTest::newRow("deaf to requests") << QByteArray("stubborn");
+    QTest::newRow("ignoring requests") << QByteArray("stubborn");
     QTest::newRow("printing") << QByteArray("print-forever");
 }
 
-void TestConnectTo::tearDownWithRunningChildren()
+void TestConnectTo::destructorEndsRunningApplications()
 {
     QFETCH(const QByteArray, mode);
     Install({{s("A"), {1}}, {s("B"), {1}}, {s("C"), {1}}});
@@ -757,16 +588,16 @@ void TestConnectTo::tearDownWithRunningChildren()
 
     m_pModel.reset();
     m_pCounter.reset();
-    // Nothing was heard of them any more, and nothing is left of them in the system.
+    // No trace, and no process is left.
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
     for (const TestChild::Report& report : m_pChild->Reports())
         QVERIFY(!System::IsProcess(report.pid));
     QCoreApplication::processEvents();
 }
 
-void TestConnectTo::tearDownAfterSweepWithoutEventLoop()
+void TestConnectTo::destructorDeletesReleasedInstances()
 {
-    // Swept, but not deleted yet, when the launcher goes. The leak checker would find it.
+    // The event loop has not deleted the instance yet.
     Install({{s("Kite"), {1}}});
     m_pChild->Behave("stay");
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));

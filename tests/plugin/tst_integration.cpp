@@ -1,10 +1,10 @@
-// The example's own main, which makes the application object: what the test does begins when that is there.
+// The example's main function creates the application object; the test runs inside it.
 #define main ExampleMain // NOLINT(cppcoreguidelines-macro-usage)
 #include "samples/integration/main.cpp"
 #undef main
 
-#include "platform/icfg.h"
 #include "tests/host/errorsto.h"
+#include "tests/support/confignodes.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -70,14 +70,12 @@ QString StoredEntries(const QString& directory)
 {
     if (!CfgCenter::Open(directory))
         return QStringLiteral("no configuration");
-    const std::unique_ptr<ICfg> node(
-        CfgCenter::GetAppCfg(View::Application)->OpenChild(QStringLiteral("ConnectionsModel"), 0));
-    return node->GetString(QStringLiteral("ModelMimeData"), QStringLiteral("none"), 0);
+    return ConfigNodes::StoredSet(QStringLiteral("none"));
 }
 
 } // namespace
 
-/// The example for those who load the plug-in into a program of their own.
+/// The example of a program that loads the plug-in.
 class TestIntegration : public QObject
 {
     Q_OBJECT
@@ -85,24 +83,24 @@ class TestIntegration : public QObject
 private slots:
     void cleanup() { CfgCenter::Close(); }
 
-    void showsTheDialogAndSaves_data();
-    void showsTheDialogAndSaves();
-    void wrongCommandLine();
-    void configurationOfNoUse();
-    void configurationOfAnotherHost();
-    void plugInOfNoUse_data();
-    void plugInOfNoUse();
-    void whatCannotBeSaved();
+    void dialogIsShownAndEntriesSaved_data();
+    void dialogIsShownAndEntriesSaved();
+    void wrongCommandLineIsReported();
+    void invalidConfigurationIsReported();
+    void configurationIsLocked();
+    void invalidPluginIsReported_data();
+    void invalidPluginIsReported();
+    void failedSaveIsReported();
 };
 
-void TestIntegration::showsTheDialogAndSaves_data()
+void TestIntegration::dialogIsShownAndEntriesSaved_data()
 {
     QTest::addColumn<bool>("byButton");
     QTest::newRow("Close") << true;
     QTest::newRow("title bar") << false;
 }
 
-void TestIntegration::showsTheDialogAndSaves()
+void TestIntegration::dialogIsShownAndEntriesSaved()
 {
     QFETCH(const bool, byButton);
     const QTemporaryDir directory;
@@ -124,14 +122,14 @@ void TestIntegration::showsTheDialogAndSaves()
     QVERIFY(QByteArray::fromHex(StoredEntries(directory.path()).toLatin1()).contains("<ConnectionName>"));
 }
 
-void TestIntegration::wrongCommandLine()
+void TestIntegration::wrongCommandLineIsReported()
 {
     const Outcome outcome = RunExample({QStringLiteral(VEXEL_PLUGIN)});
     QCOMPARE(outcome.code, 1);
     QVERIFY2(outcome.complaint.contains(QLatin1String("usage: ")), qPrintable(outcome.complaint));
 }
 
-void TestIntegration::configurationOfNoUse()
+void TestIntegration::invalidConfigurationIsReported()
 {
     QTemporaryFile notAFolder;
     QVERIFY(notAFolder.open());
@@ -142,7 +140,7 @@ void TestIntegration::configurationOfNoUse()
     }
 }
 
-void TestIntegration::configurationOfAnotherHost()
+void TestIntegration::configurationIsLocked()
 {
     const QTemporaryDir directory;
     s_withTheDialog = [](QWidget* dialog) {
@@ -155,7 +153,7 @@ void TestIntegration::configurationOfAnotherHost()
         QCOMPARE(outcome.code, 2);
         QVERIFY2(outcome.complaint.contains(QLatin1String("another host")), qPrintable(outcome.complaint));
     }
-    // And keeps others out while it works there itself.
+    // The example locks the directory itself.
     InstanceLock::Result meanwhile = InstanceLock::Result::Locked;
     s_withTheDialog = [&](QWidget* dialog) {
         InstanceLock other;
@@ -166,20 +164,20 @@ void TestIntegration::configurationOfAnotherHost()
     QCOMPARE(meanwhile, InstanceLock::Result::Busy);
 }
 
-void TestIntegration::plugInOfNoUse_data()
+void TestIntegration::invalidPluginIsReported_data()
 {
     QTest::addColumn<QString>("plugin");
     QTest::addColumn<QString>("complaint");
-    QTest::newRow("none") << QStringLiteral("none.dll") << QStringLiteral("no plug-in: ");
-    QTest::newRow("a library that is none") << QStringLiteral(LIBRARY_NOEXPORTS) << QStringLiteral("no plug-in: ");
-    QTest::newRow("half of one") << QStringLiteral(LIBRARY_ONLYCREATE) << QStringLiteral("no plug-in: ");
+    QTest::newRow("missing") << QStringLiteral("none.dll") << QStringLiteral("no plug-in: ");
+    QTest::newRow("no exports") << QStringLiteral(LIBRARY_NOEXPORTS) << QStringLiteral("no plug-in: ");
+    QTest::newRow("one export only") << QStringLiteral(LIBRARY_ONLYCREATE) << QStringLiteral("no plug-in: ");
     QTest::newRow("no instance") << QStringLiteral(PLUGIN_REFUSING) << QStringLiteral("the plug-in cannot be used");
     QTest::newRow("not available") << QStringLiteral(PLUGIN_UNAVAILABLE)
                                    << QStringLiteral("the plug-in cannot be used");
     QTest::newRow("no dialog") << QStringLiteral(PLUGIN_PLAIN) << QStringLiteral("the plug-in has no connect dialog");
 }
 
-void TestIntegration::plugInOfNoUse()
+void TestIntegration::invalidPluginIsReported()
 {
     QFETCH(const QString, plugin);
     QFETCH(const QString, complaint);
@@ -189,12 +187,12 @@ void TestIntegration::plugInOfNoUse()
     QVERIFY2(outcome.complaint.contains(complaint), qPrintable(outcome.complaint));
 }
 
-void TestIntegration::whatCannotBeSaved()
+void TestIntegration::failedSaveIsReported()
 {
     const QTemporaryDir directory;
     s_withTheDialog = [&](QWidget* dialog) {
         dialog->findChild<QAction*>(QStringLiteral("m_pNewAction"))->trigger();
-        // From here on what is stored is only looked at.
+        // From now on the store is read-only.
         CfgCenter::OpenReadOnly(directory.path());
         dialog->close();
     };

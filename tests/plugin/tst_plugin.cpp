@@ -7,13 +7,13 @@
 #include <QLibrary>
 #include <QTest>
 
-/// The built plug-in file: a life of it through its exports alone.
+/// The built plug-in file, used through its exports only.
 class TestPlugin : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void livesThroughItsExports();
+    void worksThroughItsExports();
 
 private:
     QDialog* FindDialog() const
@@ -25,7 +25,7 @@ private:
     }
 };
 
-void TestPlugin::livesThroughItsExports()
+void TestPlugin::worksThroughItsExports()
 {
     QLibrary library(QStringLiteral(VEXEL_PLUGIN));
     QVERIFY2(library.load(), qPrintable(library.errorString()));
@@ -47,7 +47,7 @@ void TestPlugin::livesThroughItsExports()
     destroy(instance);
     QVERIFY(!FindDialog());
 
-    // Its classes are gone before the file: nothing of it may run after this.
+    // All objects of the library are deleted, so it can be unloaded.
     QVERIFY(library.unload());
     CfgCenter::Close();
 }

@@ -28,7 +28,7 @@ QString SystemFolder()
 
 } // namespace
 
-/// The built plug-in file, as Windows and whoever looks at its properties see it.
+/// Exports, imports and version of the built plug-in file.
 class TestPluginFile : public QObject
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ private slots:
         QCOMPARE(Plugin().Exports(), (QStringList{QStringLiteral("ARCreateEx"), QStringLiteral("ARDestroy")}));
     }
 
-    void needsNothingElse()
+    void importsKnownLibrariesOnly()
     {
         const QStringList imports = Plugin().Imports();
         QVERIFY(imports.contains(QStringLiteral("vexelplatform.dll")));
@@ -54,7 +54,7 @@ private slots:
         }
     }
 
-    void tellsItsVersion()
+    void hasVersionInformation()
     {
         const FileResources resources(QStringLiteral(VEXEL_PLUGIN));
         QCOMPARE(resources.VersionText(QStringLiteral("FileVersion")), QStringLiteral(VEXEL_VERSION));

@@ -1,9 +1,9 @@
 #include "tests/plugin/fileresources_windows.h"
 #include "tests/plugin/pefile.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QDomDocument>
-#include <QFile>
 #include <QMap>
 #include <QTest>
 #include <QtEndian>
@@ -15,12 +15,6 @@ namespace {
 QString InPrograms(const QString& name)
 {
     return QDir(QStringLiteral(VEXEL_PROGRAMS)).filePath(name);
-}
-
-QByteArray ContentOf(const QString& fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 template <typename Integer>
@@ -60,27 +54,27 @@ const QStringList kSamples{
 
 } // namespace
 
-/// The built programs, as Windows and whoever looks at their properties see them.
+/// Subsystem, version, manifest and icon of the built programs.
 class TestProgramFiles : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void windowed_data() { addPrograms(); }
-    void windowed();
-    void version_data();
-    void version();
-    void manifest_data() { addPrograms(); }
-    void manifest();
-    void icon_data() { addPrograms(); }
-    void icon();
-    void exampleHasAConsole();
+    void programsHaveNoConsole_data() { AddPrograms(); }
+    void programsHaveNoConsole();
+    void filesHaveVersionInformation_data();
+    void filesHaveVersionInformation();
+    void manifestHasSettings_data() { AddPrograms(); }
+    void manifestHasSettings();
+    void iconIsEmbedded_data() { AddPrograms(); }
+    void iconIsEmbedded();
+    void exampleHasConsole();
 
 private:
-    static void addPrograms();
+    static void AddPrograms();
 };
 
-void TestProgramFiles::addPrograms()
+void TestProgramFiles::AddPrograms()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("host") << QStringLiteral("vexelhost");
@@ -89,15 +83,14 @@ void TestProgramFiles::addPrograms()
         QTest::newRow(qPrintable(name)) << name;
 }
 
-/// No console flashes up.
-void TestProgramFiles::windowed()
+void TestProgramFiles::programsHaveNoConsole()
 {
     QFETCH(const QString, name);
-    const PeFile file(ContentOf(InPrograms(name + QStringLiteral(".exe"))));
+    const PeFile file(Files::Read(InPrograms(name + QStringLiteral(".exe"))));
     QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_GUI});
 }
 
-void TestProgramFiles::version_data()
+void TestProgramFiles::filesHaveVersionInformation_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("description");
@@ -113,7 +106,7 @@ void TestProgramFiles::version_data()
                                       << QStringLiteral("Services of the Vexel product") << VFT_DLL;
 }
 
-void TestProgramFiles::version()
+void TestProgramFiles::filesHaveVersionInformation()
 {
     QFETCH(const QString, file);
     QFETCH(const QString, description);
@@ -127,8 +120,8 @@ void TestProgramFiles::version()
     QCOMPARE(resources.Type(), static_cast<DWORD>(type));
 }
 
-/// How it wants to be run: Windows reads the one with the number 1.
-void TestProgramFiles::manifest()
+/// Windows reads the manifest with the number 1.
+void TestProgramFiles::manifestHasSettings()
 {
     QFETCH(const QString, name);
     const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
@@ -136,7 +129,7 @@ void TestProgramFiles::manifest()
     QDomDocument document;
     QVERIFY(document.setContent(resources.Content(RT_MANIFEST, 1), true));
 
-    // A setting counts in the namespace of the Windows that brought it.
+    // Each setting belongs to the namespace of the Windows version that introduced it.
     const QString settings = QStringLiteral("http://schemas.microsoft.com/SMI/%1/WindowsSettings");
     const auto setting = [&](const char* year, const char* key) {
         return document.elementsByTagNameNS(settings.arg(QLatin1String(year)), QLatin1String(key))
@@ -152,22 +145,22 @@ void TestProgramFiles::manifest()
     QCOMPARE(level.attribute(QStringLiteral("level")), QStringLiteral("asInvoker"));
 }
 
-/// Folders show the icon of the lowest number; it is the committed one in all its sizes.
-void TestProgramFiles::icon()
+/// File managers show the icon with the lowest number.
+void TestProgramFiles::iconIsEmbedded()
 {
     QFETCH(const QString, name);
     const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
     QCOMPARE(resources.Ids(RT_GROUP_ICON), QList<int>{1});
-    const QList<QByteArray> images = ImagesOfFile(ContentOf(QStringLiteral(VEXEL_ICON)));
+    const QList<QByteArray> images = ImagesOfFile(Files::Read(QStringLiteral(VEXEL_ICON)));
     QCOMPARE(images.size(), 8);
     QVERIFY(!images.contains(QByteArray()));
     QCOMPARE(ImagesOfResource(resources, 1), images);
 }
 
-/// Where it complains is where it was started from.
-void TestProgramFiles::exampleHasAConsole()
+/// It reports errors in the console from which it was started.
+void TestProgramFiles::exampleHasConsole()
 {
-    const PeFile file(ContentOf(InPrograms(QStringLiteral("integration.exe"))));
+    const PeFile file(Files::Read(InPrograms(QStringLiteral("integration.exe"))));
     QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_CUI});
 }
 

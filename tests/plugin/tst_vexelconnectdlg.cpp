@@ -1,6 +1,6 @@
-#include "platform/cfgcenter.h"
-#include "platform/icfg.h"
 #include "platform/translationcenter.h"
+#include "tests/support/confignodes.h"
+#include "tests/support/files.h"
 #include "tests/support/linkport.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
@@ -17,8 +17,6 @@
 #include <QTimer>
 #include <QTreeView>
 
-#include <memory>
-
 /// One instance of the plug-in, from `ARCreateEx` to `ARDestroy`.
 class TestVexelConnectDlg : public QObject
 {
@@ -28,24 +26,19 @@ private slots:
     void init() { CfgCenter::Close(); }
     void cleanup() { CfgCenter::Close(); }
 
-    void destroyingNothingDoesNothing();
-    // Before any other instance could have kept the port.
-    void aStarterCallsTheDialogUntilTheInstanceIsGone();
-    void buildsEverythingHidden();
-    void everyEntryIsFreeWhateverWasStored();
-    void nameReachesTheInstanceAndItsConfiguration();
+    void destroyOfNullDoesNothing();
+    // First, because other instances keep the port.
+    void starterShowsDialogUntilInstanceIsDestroyed();
+    void createBuildsHiddenDialog();
+    void instanceNameIsUsedForConfiguration();
     void saveStoresFilterAndEntries();
-    void saveStoresTheFilterFirst();
-    void saveDuringTheBoxOfAFailedImportStoresTheOldEntries();
-    void destroyStoresFilterAndEntries();
-    void registersItsTranslationsAndTakesThemBack();
-    void twoInstancesLiveSideBySide();
+    void saveStoresFilterFirst();
+    void saveDuringImportBoxStoresOldEntries();
+    void destroyStoresFilterThenEntries();
+    void translationsAreRegisteredAndUnregistered();
+    void twoInstancesAreIndependent();
 
 private:
-    static std::unique_ptr<ICfg> Node(View view, const char* name)
-    {
-        return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(view)->OpenChild(QString::fromLatin1(name), 0));
-    }
     static void StoreTwoEntries()
     {
         Connection first;
@@ -55,19 +48,12 @@ private:
         Connection second;
         second.ConnectionName = QStringLiteral("second");
         second.ConnectionStatus = 7;
-        const QByteArray document = ConnectionList::Write({&first, &second});
-        Node(View::Application, "ConnectionsModel")
-            ->SetString(QStringLiteral("ModelMimeData"), QString::fromLatin1(document.toHex()), 0);
+        ConfigNodes::StoreSet(ConnectionList::Write({&first, &second}));
     }
-    static QString StoredEntries()
-    {
-        return Node(View::Application, "ConnectionsModel")
-            ->GetString(QStringLiteral("ModelMimeData"), QStringLiteral("none"), 0);
-    }
+    static QString StoredEntries() { return ConfigNodes::StoredSet(QStringLiteral("none")); }
     static QString StoredPattern()
     {
-        return Node(View::User, "FilterSettings")
-            ->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0);
+        return ConfigNodes::Filter()->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0);
     }
     static VexelConnectDlgGUI* FindDialog()
     {
@@ -83,13 +69,13 @@ private:
     }
 };
 
-void TestVexelConnectDlg::destroyingNothingDoesNothing()
+void TestVexelConnectDlg::destroyOfNullDoesNothing()
 {
     ARDestroy(nullptr);
     QVERIFY(!FindDialog());
 }
 
-void TestVexelConnectDlg::buildsEverythingHidden()
+void TestVexelConnectDlg::createBuildsHiddenDialog()
 {
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
     QVERIFY(FindDialog());
@@ -103,26 +89,11 @@ void TestVexelConnectDlg::buildsEverythingHidden()
     QVERIFY(!FindDialog());
 }
 
-void TestVexelConnectDlg::everyEntryIsFreeWhateverWasStored()
+void TestVexelConnectDlg::instanceNameIsUsedForConfiguration()
 {
-    StoreTwoEntries();
-    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
-    QCOMPARE(FindModel()->rowCount(), 2);
-    QCOMPARE(FindModel()->GetConnection(0).ConnectionStatus, 0);
-    QCOMPARE(FindModel()->GetConnection(1).ConnectionStatus, 0);
-    QVERIFY(FindModel()->GetConnection(0).Selected);
-    ARDestroy(instance);
-}
-
-void TestVexelConnectDlg::nameReachesTheInstanceAndItsConfiguration()
-{
-    // The instance's name is the configuration that may name the mapping file: seen in what the registry could not
-    // open.
+    // The configuration with the name of the instance can contain the path of the mapping file.
     QTemporaryDir data;
-    QFile machine(data.filePath(QStringLiteral("CfgVEXEL.xml")));
-    QVERIFY(machine.open(QIODevice::WriteOnly));
-    machine.write("<Machine/>");
-    machine.close();
+    QVERIFY(Files::Write(data.filePath(QStringLiteral("CfgVEXEL.xml")), "<Machine/>"));
     CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
         ->SetString(QStringLiteral("VexelDataDir"), data.path(), 0);
     CfgCenter::CreateCfg(QString::fromUtf8("N\xc3\xa4me \xf0\x9f\x93\xa1"), View::Application, QString())
@@ -153,11 +124,11 @@ void TestVexelConnectDlg::saveStoresFilterAndEntries()
     ARDestroy(instance);
 }
 
-void TestVexelConnectDlg::saveStoresTheFilterFirst()
+void TestVexelConnectDlg::saveStoresFilterFirst()
 {
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
     FindDialog()->m_pFilterPatternLineEdit->setText(QStringLiteral("abc"));
-    // Without a name the model cannot store its entries, and says so: by then the filter must be stored.
+    // The model without a name traces that it cannot store its entries. By then the filter must be stored.
     FindModel()->setObjectName(QString());
     QStringList patterns;
     const unsigned kinds = ErrorHandler::Instance().EnabledKinds();
@@ -171,17 +142,20 @@ void TestVexelConnectDlg::saveStoresTheFilterFirst()
     ARDestroy(instance);
 }
 
-void TestVexelConnectDlg::saveDuringTheBoxOfAFailedImportStoresTheOldEntries()
+void TestVexelConnectDlg::saveDuringImportBoxStoresOldEntries()
 {
     StoreTwoEntries();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    QCOMPARE(FindModel()->rowCount(), 2);
+    QCOMPARE(FindModel()->CountInUse(), 0);
+    QCOMPARE(FindModel()->CountSelected(), 1);
     const QByteArray entries = FindModel()->ToByteArray();
     QTemporaryFile file;
     QVERIFY(file.open());
     file.write("no list");
     QVERIFY(file.flush());
 
-    // The box is opened while the event loop waits in it; the save comes then, and only then it is answered.
+    // Saves while the message box is open, then closes it.
     bool isSaved = false;
     QTimer::singleShot(0, FindDialog(), [&] {
         QVERIFY(QApplication::activeModalWidget());
@@ -198,7 +172,7 @@ void TestVexelConnectDlg::saveDuringTheBoxOfAFailedImportStoresTheOldEntries()
     QCOMPARE(StoredEntries(), QString::fromLatin1(entries.toHex()));
 }
 
-void TestVexelConnectDlg::registersItsTranslationsAndTakesThemBack()
+void TestVexelConnectDlg::translationsAreRegisteredAndUnregistered()
 {
     TranslationCenter::Instance().SetDirectory(QStringLiteral(VEXEL_TRANSLATIONS));
     TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
@@ -214,7 +188,7 @@ void TestVexelConnectDlg::registersItsTranslationsAndTakesThemBack()
     TranslationCenter::Instance().SetLocale(QLocale::c());
 }
 
-void TestVexelConnectDlg::destroyStoresFilterAndEntries()
+void TestVexelConnectDlg::destroyStoresFilterThenEntries()
 {
     StoreTwoEntries();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
@@ -222,7 +196,7 @@ void TestVexelConnectDlg::destroyStoresFilterAndEntries()
     FindModel()->removeRows(0, 1);
     const QString expected = QString::fromLatin1(FindModel()->ToByteArray().toHex());
     const QString before = StoredEntries();
-    // The dialog goes first, and with it the filter is stored; then the model, and with it the entries.
+    // The dialog stores the filter and is deleted before the model, which stores the entries.
     QStringList order;
     connect(FindDialog(), &QObject::destroyed, this, [&] {
         order += QStringLiteral("dialog");
@@ -239,7 +213,7 @@ void TestVexelConnectDlg::destroyStoresFilterAndEntries()
     QCOMPARE(StoredEntries(), expected);
 }
 
-void TestVexelConnectDlg::twoInstancesLiveSideBySide()
+void TestVexelConnectDlg::twoInstancesAreIndependent()
 {
     IDllInstance* const first = ARCreateEx(L"first");
     IDllInstance* const second = ARCreateEx(L"second");
@@ -250,7 +224,7 @@ void TestVexelConnectDlg::twoInstancesLiveSideBySide()
     QVERIFY(!FindDialog());
 }
 
-void TestVexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
+void TestVexelConnectDlg::starterShowsDialogUntilInstanceIsDestroyed()
 {
     NEED_PORT();
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
