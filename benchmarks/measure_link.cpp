@@ -2,7 +2,7 @@
 // creates a dialog and the plug-in's server on the real port, which must be free.
 
 #include "platform/interfaces.h"
-#include "starter/linkending.h"
+#include "starter/linksocket.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
@@ -62,8 +62,8 @@ double CallOnce(quint16 port)
         std::fprintf(stderr, "No connection to port %d\n", port);
         std::exit(1);
     }
-    EndSending(socket.socketDescriptor());
-    if (WaitForEnding(socket.socketDescriptor(), QDeadlineTimer(60s)) == LinkEnding::None) {
+    ShutdownSending(socket.socketDescriptor());
+    if (WaitForPeer(socket.socketDescriptor(), QDeadlineTimer(60s)) == PeerEvent::None) {
         std::fprintf(stderr, "No answer from port %d\n", port);
         std::exit(1);
     }
@@ -97,10 +97,10 @@ double MeasureCrowd(quint16 port)
             }
             for (const auto& caller : callers) {
                 caller->waitForConnected();
-                EndSending(caller->socketDescriptor());
+                ShutdownSending(caller->socketDescriptor());
             }
             for (const auto& caller : callers)
-                if (WaitForEnding(caller->socketDescriptor(), QDeadlineTimer(60s)) == LinkEnding::None)
+                if (WaitForPeer(caller->socketDescriptor(), QDeadlineTimer(60s)) == PeerEvent::None)
                     std::exit(1);
             figures.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
         });

@@ -16,26 +16,25 @@
 namespace {
 
 const QString kPrefix = QStringLiteral(".unfinished-");
-constexpr int kMaximumLinks = 40;
+constexpr int kMaxLinks = 40;
 
-QFileInfo TargetOf(const QString& file)
+QFileInfo ResolveLinks(const QString& file)
 {
     QFileInfo info(file);
-    for (int i = 0; i < kMaximumLinks && info.isSymbolicLink(); ++i)
+    for (int i = 0; i < kMaxLinks && info.isSymbolicLink(); ++i)
         info.setFile(info.symLinkTarget());
     return info;
 }
 
-/// What tells the unfinished files of one file from those of its neighbours. Not the name itself: with a name before or
-/// behind it, a long one would be too long.
-QString Mark(const QFileInfo& target)
+/// Returns a hash that identifies the temporary files of `target`. The name itself could become too long with a prefix.
+QString NameHash(const QFileInfo& target)
 {
     constexpr qsizetype kLength = 16;
     const QByteArray hash = QCryptographicHash::hash(target.fileName().toUtf8(), QCryptographicHash::Sha256);
     return QString::fromLatin1(hash.toHex().left(kLength));
 }
 
-void Remove(QDir folder, const QString& mark)
+void RemoveMatching(QDir folder, const QString& mark)
 {
     // QSaveFile adds a dot and six letters while it writes.
     static const QRegularExpression form(QStringLiteral("^\\.unfinished-[0-9a-f]{16}-[0-9a-f]{16}(\\.[A-Za-z]{6})?$"));
@@ -49,30 +48,30 @@ void Remove(QDir folder, const QString& mark)
 
 Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* isDurable)
 {
-    const QFileInfo target = TargetOf(file);
+    const QFileInfo target = ResolveLinks(file);
     if (target.exists() && !target.isWritable())
         return Attempt::Failed;
 
-    // QSaveFile has the system bring what it writes to the disk (fsync, FlushFileBuffers) before it gives it a name. On
-    // its own it would write under the file's name with six letters added, and somebody's "list.json.backup" is the
-    // same.
+    // QSaveFile flushes the data to the disk (fsync, FlushFileBuffers) before it renames. Used directly, its temporary
+    // name would be the file's name plus six letters, and a user's "list.json.backup" has the same form.
     const QString folder = target.absolutePath();
-    const QString unfinished =
-        folder + u'/' + kPrefix +
-        QStringLiteral("%1-%2").arg(Mark(target)).arg(QRandomGenerator::global()->generate64(), 16, 16, QChar(u'0'));
-    QSaveFile saving(unfinished);
-    // What fails before there is a name, such as a full disk, does not pass by waiting.
-    if (!saving.open(QIODevice::WriteOnly) || saving.write(content) != content.size() || !saving.flush())
+    const QString temporaryName = folder + u'/' + kPrefix +
+                                  QStringLiteral("%1-%2")
+                                      .arg(NameHash(target))
+                                      .arg(QRandomGenerator::global()->generate64(), 16, 16, QChar(u'0'));
+    QSaveFile saveFile(temporaryName);
+    // A failure before the rename, such as a full disk, is not temporary.
+    if (!saveFile.open(QIODevice::WriteOnly) || saveFile.write(content) != content.size() || !saveFile.flush())
         return Attempt::Failed;
     if (target.exists())
-        saving.setPermissions(target.permissions());
-    if (!saving.commit())
+        saveFile.setPermissions(target.permissions());
+    if (!saveFile.commit())
         return Attempt::Busy;
 
     std::error_code error;
-    std::filesystem::rename(QFileInfo(unfinished).filesystemFilePath(), target.filesystemFilePath(), error);
+    std::filesystem::rename(QFileInfo(temporaryName).filesystemFilePath(), target.filesystemFilePath(), error);
     if (error) {
-        QFile::remove(unfinished);
+        QFile::remove(temporaryName);
         return Attempt::Busy;
     }
     const bool isSynced = SyncFolder(folder);
@@ -88,25 +87,25 @@ bool CreateFolder(const QString& folder)
         return true;
     const QString path = info.absoluteFilePath();
     const QString parent = info.absolutePath();
-    // Neither a drive, which is its own parent, nor another machine can be made. The name of the latter would be taken
-    // for that of a folder on this one, and there would be no end of parents of one called ".", where devices are.
+    // A drive, which is its own parent, and another machine cannot be created. mkdir() would create the machine's name
+    // as a local folder, and the parents of "//./", the device namespace, never end.
     const bool isMachine = path.startsWith(QLatin1String("//")) && path.lastIndexOf(u'/', -2) < 2;
     if (isMachine || parent.size() >= path.size())
         return false;
-    // Another process may make it at the same moment.
+    // Another process may create it at the same time.
     if (!CreateFolder(parent) || (!QDir(parent).mkdir(info.fileName()) && !QFileInfo(folder).isDir()))
         return false;
-    SyncFolder(parent); // a document in it says so when that does not work
+    SyncFolder(parent); // the document in it reports a failure as not durable
     return true;
 }
 
 void RemoveTemporaryFiles(const QString& file)
 {
-    const QFileInfo target = TargetOf(file);
-    Remove(target.absoluteDir(), Mark(target) + u'-');
+    const QFileInfo target = ResolveLinks(file);
+    RemoveMatching(target.absoluteDir(), NameHash(target) + u'-');
 }
 
 void RemoveAllTemporaryFiles(const QString& folder)
 {
-    Remove(QDir(folder), {});
+    RemoveMatching(QDir(folder), {});
 }

@@ -4,20 +4,20 @@
 #include <QByteArray>
 #include <QString>
 
-/// Replaces the content of `file` by `content` atomically: at every moment the file holds the old content or the new
-/// one, also after a loss of power, as far as the disks keep what they confirm. A symbolic link stays, and its target
-/// is replaced. Any result but `Done`: the file is unchanged. `isDurable`, if given, is set on `Done`: false where the
-/// new content is in place but a loss of power may still bring back the old one.
+/// Replaces the content of `file` atomically: after a crash or power loss the file has either the old or the new
+/// content, as far as the disk keeps what it confirmed. A symbolic link stays, and its target is replaced. If the
+/// result is not `Done`, the file is unchanged. On `Done`, `isDurable` (optional) is set to false if a power loss may
+/// still bring back the old content.
 ///
-/// The temporary file lies beside the target; its name begins with ".unfinished-".
+/// The temporary file is next to the target; its name begins with ".unfinished-".
 Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* isDurable = nullptr);
 
-/// Creates `folder` and its missing parents, durably. False: it could not be created.
+/// Creates `folder` and its missing parents durably. Returns false on failure.
 bool CreateFolder(const QString& folder);
 
-/// Removes temporary files that killed writers of `file` left behind. Call only where no other process can be writing
+/// Removes temporary files of `file` left behind by killed writers. Call this only if no other process can be writing
 /// `file`.
 void RemoveTemporaryFiles(const QString& file);
 
-/// The same for every file in `folder`.
+/// Removes them for every file in `folder`.
 void RemoveAllTemporaryFiles(const QString& folder);

@@ -7,14 +7,14 @@
 
 std::optional<QByteArray> ReadRegularFile(const QString& path, qint64 limit)
 {
-    // Asked by path, because opening is what must not happen to a pipe.
+    // Checked by path, because a pipe must not even be opened.
     if (!QFileInfo(path).isFile())
         return std::nullopt;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.size() > limit)
         return std::nullopt;
 
-    // In pieces, because a file may grow while it is read, and some regular files do not tell their size.
+    // Read in pieces, because a file may grow meanwhile, and some regular files report no size.
     constexpr qint64 kPieceSize = qint64{1024} * 1024;
     QByteArray content;
     while (content.size() <= limit) {

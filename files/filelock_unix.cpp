@@ -9,11 +9,11 @@
 
 namespace {
 
-// Nothing is waited for, not even at a pipe; a link could lead to a file that is none of this.
+// Never blocks, not even on a pipe, and does not follow a link to some other file.
 constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
 
-/// A lock of the whole file. It belongs to the opened file, not to the process: two objects of one process keep each
-/// other out, and none loses it because another closes the file.
+/// Describes a lock of the whole file. Used with F_OFD_SETLK it belongs to the open file, not to the process: two
+/// objects in one process exclude each other, and closing another descriptor does not release it.
 struct flock WholeFileLock()
 {
     struct flock lock = {};
@@ -22,13 +22,13 @@ struct flock WholeFileLock()
     return lock;
 }
 
-bool IsFile(int descriptor)
+bool IsRegular(int descriptor)
 {
     struct stat status = {};
     return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-bool IsNameOf(const QByteArray& name, int descriptor)
+bool IsSameFile(const QByteArray& name, int descriptor)
 {
     struct stat named = {};
     struct stat opened = {};
@@ -40,7 +40,7 @@ bool IsNameOf(const QByteArray& name, int descriptor)
 
 FileLock::~FileLock()
 {
-    // First removed, then given back: who gets it in between finds that the name does not stand for it any more.
+    // Removed before it is released: a process that locks it in between finds that the name no longer refers to it.
     if (!m_path.isEmpty())
         ::unlink(QFile::encodeName(m_path).constData());
     if (m_handle != -1)
@@ -56,19 +56,19 @@ FileLock::Result FileLock::TryLock(const QString& path, QString* error)
             *error = qt_error_string(errno);
             return Result::Failed;
         }
-        if (!IsFile(descriptor)) {
+        if (!IsRegular(descriptor)) {
             *error = QStringLiteral("%1 is not a file").arg(path);
             ::close(descriptor);
             return Result::Failed;
         }
         struct flock lock = WholeFileLock();
         if (::fcntl(descriptor, F_OFD_SETLK, &lock) == 0) {
-            if (IsNameOf(name, descriptor)) {
+            if (IsSameFile(name, descriptor)) {
                 m_path = path;
                 m_handle = descriptor;
                 return Result::Locked;
             }
-            // Whoever had it has removed it meanwhile: the next one is made anew.
+            // The previous owner has just removed the file: create a new one.
             ::close(descriptor);
             continue;
         }
@@ -94,7 +94,7 @@ FileLock::State FileLock::Query(const QString& path)
     if (descriptor == -1)
         return errno == ENOENT || errno == ENOTDIR || errno == ELOOP ? State::Free : State::Unknown;
     State state = State::Free;
-    if (IsFile(descriptor)) {
+    if (IsRegular(descriptor)) {
         struct flock lock = WholeFileLock();
         if (::fcntl(descriptor, F_OFD_GETLK, &lock) != 0)
             state = State::Unknown;

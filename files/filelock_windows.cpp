@@ -6,11 +6,11 @@
 
 #include <windows.h>
 
-// An open file that others may only read: the system lets nobody else open it for writing or remove it.
+// The lock is an open file with FILE_SHARE_READ only: nobody else can open it for writing or remove it.
 
 namespace {
 
-std::wstring NameOf(const QString& path)
+std::wstring NativePath(const QString& path)
 {
     return QDir::toNativeSeparators(path).toStdWString();
 }
@@ -27,13 +27,13 @@ FileLock::~FileLock()
     if (m_handle == -1)
         return;
     CloseHandle(ToHandle(m_handle));
-    // Fails where somebody else has taken it by now.
-    DeleteFileW(NameOf(m_path).c_str());
+    // Fails if another process has locked it by now.
+    DeleteFileW(NativePath(m_path).c_str());
 }
 
 FileLock::Result FileLock::TryLock(const QString& path, QString* error)
 {
-    const HANDLE file = CreateFileW(NameOf(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+    const HANDLE file = CreateFileW(NativePath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         const DWORD code = GetLastError();
@@ -63,18 +63,18 @@ void FileLock::Write(const QByteArray& content) const
 
 FileLock::State FileLock::Query(const QString& path)
 {
-    // Says that it would not bear a writer, and so finds out whether there is one. Who takes the file at this very
-    // moment has to try again.
-    const HANDLE file = CreateFileW(NameOf(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    // Opening without FILE_SHARE_WRITE fails if there is a writer. A process that tries to lock at this very moment has
+    // to retry.
+    const HANDLE file = CreateFileW(NativePath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file != INVALID_HANDLE_VALUE) {
         CloseHandle(file);
         return State::Free;
     }
     switch (GetLastError()) {
     case ERROR_ACCESS_DENIED: {
-        // Folders cannot be opened like that, and nobody has those.
-        const DWORD attributes = GetFileAttributesW(NameOf(path).c_str());
+        // A folder cannot be opened like this, and is never locked.
+        const DWORD attributes = GetFileAttributesW(NativePath(path).c_str());
         const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         return isFolder ? State::Free : State::Unknown;
     }

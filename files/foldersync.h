@@ -2,6 +2,6 @@
 
 class QString;
 
-/// Has the system bring the names of a folder's files to the disk, as a loss of power would otherwise undo a renaming.
-/// Returns false where that failed; true also where the system keeps names by itself or offers no way.
+/// Flushes a folder's entries to the disk, so that a power loss does not undo a rename. Returns false on failure; true
+/// also if the system does this by itself or cannot do it.
 bool SyncFolder(const QString& folder);

@@ -19,7 +19,7 @@ bool SyncFolder(const QString& folder)
     do
         result = fsync(descriptor);
     while (result != 0 && errno == EINTR);
-    // Some file systems, mostly of other machines, do not know this for folders.
+    // Some file systems, mostly network ones, cannot sync folders.
     const bool isSynced = result == 0 || errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
     close(descriptor);
     return isSynced;

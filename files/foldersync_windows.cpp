@@ -2,7 +2,7 @@
 
 #include <QString>
 
-// The system's journal keeps names in order, and there is no flushing of a folder for those who do not administer it.
+// The file system journals names, and flushing a folder needs administrator rights.
 bool SyncFolder(const QString& /*folder*/)
 {
     return true;

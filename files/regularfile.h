@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <system_error>
 
-/// Whether something stands in the place of the file `path` that is no file, such as a folder, a device, a pipe, or a
-/// link to nothing. It must not be opened as a file: a pipe keeps whoever opens it waiting for its other end.
+/// Returns whether `path` exists but is not a regular file: a folder, a device, a pipe or a dangling link. It must not
+/// be opened as a file: opening a pipe blocks until its other end is opened.
 inline bool IsNotRegularFile(const QString& path)
 {
-    // Of a file this is asked once: a lock of another process may come or go between two questions.
+    // One query only: another process's lock file may come or go between two.
     using std::filesystem::file_type;
     const std::filesystem::path place = QFileInfo(path).filesystemFilePath();
     std::error_code error;

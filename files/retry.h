@@ -2,15 +2,15 @@
 
 #include <QThread>
 
-/// How one attempt on a file went.
+/// The result of one attempt on a file.
 enum class Attempt {
     Done,
-    Busy,  ///< refused in a way that may pass
-    Failed ///< refused for good
+    Busy,  ///< may succeed if repeated
+    Failed ///< permanent
 };
 
-/// Attempts until it is done or has failed for good, ten times at most. A virus scanner or a reader that holds the file
-/// is gone after moments, and where it is not, nobody should wait for longer than the second that this takes.
+/// Repeats `attempt` while it returns `Busy`, at most ten times within about one second. Returns whether it succeeded.
+/// A virus scanner or a reader usually releases a file within moments; nobody should have to wait longer.
 template <typename Try>
 bool Retry(Try attempt)
 {

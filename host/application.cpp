@@ -25,15 +25,15 @@
 
 namespace {
 
-/// The translations of the host's own texts, for as long as it lives.
-class Texts
+/// Registers the host's translations for its lifetime.
+class HostTranslation
 {
 public:
-    Texts() { TranslationCenter::Instance().Register(m_domain); }
-    ~Texts() { TranslationCenter::Instance().Unregister(m_domain); }
+    HostTranslation() { TranslationCenter::Instance().Register(m_domain); }
+    ~HostTranslation() { TranslationCenter::Instance().Unregister(m_domain); }
 
-    Texts(const Texts&) = delete;
-    Texts& operator=(const Texts&) = delete;
+    HostTranslation(const HostTranslation&) = delete;
+    HostTranslation& operator=(const HostTranslation&) = delete;
 
 private:
     const QString m_domain = QStringLiteral("vexelhost");
@@ -57,19 +57,19 @@ ExitCode Application::Run()
         Console::PrintError(library.ErrorText());
         return ExitCode::Unusable;
     }
-    // Before anything is written, and until everything is.
+    // Taken before anything is written, and held until everything has been.
     InstanceLock lock;
     if (lock.TryLock(m_options.configDirectory) == InstanceLock::Result::Busy) {
         Console::PrintError(lock.ErrorText());
         return ExitCode::Running;
     }
     if (!lock.Warning().isEmpty())
-        m_notices.Say(lock.Warning());
-    // Whoever calls the link wants to see a dialog, and a headless host shows none.
+        m_notices.Report(lock.Warning());
+    // A caller of the link expects a dialog, and a headless host shows none.
     CInterfaceCreator::SetServersAllowed(!m_options.IsHeadless());
-    // What was found damaged, and what is used instead, comes up when it is first read.
-    CfgCenter::SetNoticeSink([this](const QString& notice) { m_notices.Say(notice); });
-    const auto noNotices = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
+    // Damaged documents are reported when they are first read.
+    CfgCenter::SetNoticeSink([this](const QString& notice) { m_notices.Report(notice); });
+    const auto resetNoticeSink = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
     if (!OpenConfiguration(lock.ErrorText()))
         return ExitCode::Unusable;
     const ExitCode result = RunWithConfiguration(library, signalWatcher);
@@ -77,8 +77,8 @@ ExitCode Application::Run()
     return m_saveFailed ? ExitCode::Unusable : result;
 }
 
-/// False, and complained of, where the configuration is of no use. `obstacle` is what is known to keep from writing
-/// there; empty: nothing.
+/// Opens the configuration, read-only if it cannot be written and writing is not needed. Returns false after printing
+/// an error if it cannot be used. `obstacle` says why writing is known to be impossible; empty if it is not.
 bool Application::OpenConfiguration(QString obstacle)
 {
     if (obstacle.isEmpty()) {
@@ -87,9 +87,9 @@ bool Application::OpenConfiguration(QString obstacle)
         obstacle = QStringLiteral("the configuration directory %1 cannot be used: %2")
                        .arg(m_options.configDirectory, CfgCenter::OpenError());
     }
-    // Just when nothing can be written somebody may need to see, or to take elsewhere, what is there.
-    m_isReadOnly = m_options.ShowsOnly() && CfgCenter::OpenReadOnly(m_options.configDirectory);
-    Console::PrintError(m_isReadOnly ? QStringLiteral("%1; it is only looked at").arg(obstacle) : obstacle);
+    // A configuration that cannot be written may still have to be viewed or exported.
+    m_isReadOnly = m_options.IsReadOnly() && CfgCenter::OpenReadOnly(m_options.configDirectory);
+    Console::PrintError(m_isReadOnly ? QStringLiteral("%1; opened read-only").arg(obstacle) : obstacle);
     return m_isReadOnly;
 }
 
@@ -98,50 +98,51 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     SetUpEnvironment();
     if (m_options.language)
         TranslationCenter::Instance().SetLocale(*m_options.language);
-    const Texts texts;
+    const HostTranslation translation;
     if (!m_options.dataDirectory.isEmpty())
         DataDirectory::Set(m_options.dataDirectory);
-    // The list would seem empty, and an export of it take the place of a good file. Why has been said.
+    // The list would look empty, and exporting it could overwrite a good file. The error has already been printed.
     if (!CfgCenter::IsAppCfgKnown(View::Application))
         return ExitCode::Unusable;
-    // The plug-in loads the list meanwhile. Nothing is saved before this is known.
+    // Read while the plug-in loads the list. Nothing is saved before the result is known.
     std::future<StoredSet> storedSet;
     if (!m_isReadOnly)
-        storedSet = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+        storedSet = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
 
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance(library);
         if (storedSet.valid()) {
             if (const QString notice = BackUpBrokenList(storedSet.get()); !notice.isEmpty())
-                m_notices.Say(notice);
+                m_notices.Report(notice);
         }
         if (!instance)
-            Console::PrintError(QStringLiteral("the plug-in %1 gives no instance").arg(m_options.plugin));
+            Console::PrintError(QStringLiteral("the plug-in %1 returned no instance").arg(m_options.plugin));
         else if (!instance->IsAvailable())
-            Console::PrintError(QStringLiteral("the plug-in %1 says that it is not available").arg(m_options.plugin));
+            Console::PrintError(
+                QStringLiteral("the plug-in %1 reports that it is not available").arg(m_options.plugin));
         else
             result = RunWithInstance(*instance, signalWatcher);
     }
 
-    // Tear-down has stored its settings once more. What it left to be deleted later goes while the plug-in's
-    // surroundings still stand.
+    // The plug-in stored its settings again during tear-down. Objects it left to deleteLater() are deleted while the
+    // services it uses still exist.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     SaveDocument();
     return result;
 }
 
-/// The environment that the applications find which the plug-in starts.
+/// Sets the environment that applications started by the plug-in inherit.
 void Application::SetUpEnvironment() const
 {
     Environment::Set("VEXEL_CONFIG_DIR", QDir::toNativeSeparators(m_options.configDirectory));
-    // The machine's file may name programs without a path; those that came with the host stand beside it.
+    // The machine's file may name programs without a path; those installed with the host are in its folder.
     Environment::Prepend("PATH", QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
 }
 
 PluginLibrary::Instance Application::CreateInstance(const PluginLibrary& library) const
 {
-    // The plug-in reads the directory while it is being created, and not later.
+    // The plug-in reads the directory only while it is being created.
     const DataDirectory::Fallback fallback(DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
     return library.Create(m_options.name);
 }
@@ -154,12 +155,12 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
         Console::PrintError(error);
         return ExitCode::Unusable;
     }
-    // Not QCoreApplication::quit(): that asks every window first, and each of them can refuse.
-    QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, qApp, [] { QCoreApplication::exit(); });
+    // Not QCoreApplication::quit(): it asks every window first, and any of them can refuse.
+    QObject::connect(&signalWatcher, &SignalWatcher::QuitRequested, qApp, [] { QCoreApplication::exit(); });
 
     if (m_options.IsHeadless()) {
         const ExitCode result = RunHeadless(instance, *dialog, signalWatcher);
-        // The window has only had the sizes that its pictures needed.
+        // The window's size was set for the screenshots and is not worth storing.
         SaveSettings(instance, nullptr);
         return result;
     }
@@ -174,7 +175,7 @@ void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog,
         dialog, m_notices, [&] { return SaveSettings(instance, dialog.Window()); });
     QObject::connect(
         &signalWatcher, &SignalWatcher::SessionEnding, &session, [&] { SaveSettings(instance, dialog.Window()); });
-    QObject::connect(&session, &DialogSession::EndWanted, qApp, [] { QCoreApplication::exit(); });
+    QObject::connect(&session, &DialogSession::QuitRequested, qApp, [] { QCoreApplication::exit(); });
     session.Start();
     QCoreApplication::exec();
 }
@@ -182,13 +183,13 @@ void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog,
 ExitCode Application::RunHeadless(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
     HeadlessJob job(m_options, dialog);
-    QObject::connect(&signalWatcher, &SignalWatcher::EndRequested, &job, &HeadlessJob::Stop);
+    QObject::connect(&signalWatcher, &SignalWatcher::QuitRequested, &job, &HeadlessJob::Stop);
     QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &job, [&] {
         if (!job.IsChangingEntries())
             SaveSettings(instance, nullptr);
     });
 
-    // Inside the event loop, so that a request to end reaches every loop that the job runs.
+    // Runs inside the event loop, so that a request to quit reaches every nested loop of the job.
     ExitCode result = ExitCode::Done;
     QMetaObject::invokeMethod(
         &job,
@@ -212,7 +213,7 @@ bool Application::SaveSettings(IDllInstance& instance, QWidget* window)
 bool Application::SaveDocument()
 {
     const bool failed = !m_isReadOnly && !CfgCenter::SaveDocument();
-    // Once is enough to know: saving is tried again at every occasion.
+    // Reported once; saving is tried again at every occasion.
     if (failed && !m_saveFailed)
         Console::PrintError(
             QStringLiteral("the configuration in %1 could not be saved").arg(m_options.configDirectory));

@@ -8,14 +8,14 @@
 class ConnectDialog;
 class SignalWatcher;
 
-/// One run of the host: opens the configuration, lets the plug-in make its instance, shows the dialog or does the
-/// headless work, and on every way out saves and destroys.
+/// Runs the host once: opens the configuration, creates the plug-in's instance, shows the dialog or does the headless
+/// work. On every way out it saves and tears down.
 class Application
 {
 public:
     explicit Application(HostOptions options);
 
-    /// Everything from start to end. Needs the QApplication; runs its event loop.
+    /// Does everything from start to end. Needs the QApplication and runs its event loop.
     ExitCode Run();
 
 private:
@@ -32,6 +32,6 @@ private:
 
     const HostOptions m_options;
     Notices m_notices;
-    bool m_isReadOnly = false; // nothing is to be saved
+    bool m_isReadOnly = false; // the configuration must not be saved
     bool m_saveFailed = false;
 };

@@ -20,18 +20,18 @@ namespace {
 
 ParsedCommandLine ReadCommandLine(int& argc, char** argv)
 {
-    // Which platform Qt shall use depends on the options, so they are read before the real application object is made.
-    // Qt takes care of the system's way of passing them.
+    // The options decide which platform plug-in Qt uses, so they are read before the QApplication exists.
+    // QCoreApplication handles how each system passes arguments.
     const QCoreApplication reader(argc, argv);
     return ParseCommandLine(QCoreApplication::arguments());
 }
 
-/// Chooses the platform. False when there is nothing to show a window on.
+/// Chooses Qt's platform plug-in. Returns false if there is no display to show a window on.
 bool ChoosePlatform(bool headless)
 {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || HasDesktop())
         return true;
-    // What is started inherits this: without a desktop it has none either.
+    // Applications started by the host inherit this: without a display they have none either.
     if (headless)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     return headless;
@@ -39,9 +39,8 @@ bool ChoosePlatform(bool headless)
 
 std::unique_ptr<QApplication> MakeApplication(char* program, bool headless)
 {
-    // Qt has options of its own, --plugin among them, and would take them out of the command line for itself. The
-    // platform is given to it here and not by environment: a person at the desktop shall see what a headless host
-    // starts.
+    // Qt would take its own options, such as -plugin, out of the command line. The platform is passed as an argument,
+    // not in the environment: what a headless host starts must still appear on the user's desktop.
     static std::array<char, 10> option{"-platform"};
     static std::array<char, 10> offscreen{"offscreen"};
     static std::array<char*, 4> argv = {program, nullptr, nullptr, nullptr};
@@ -55,8 +54,8 @@ std::unique_ptr<QApplication> MakeApplication(char* program, bool headless)
     return std::make_unique<QApplication>(argc, argv.data());
 }
 
-/// What needs neither the plug-in's instance nor any window.
-ExitCode RunForSupport(const HostOptions& given, char* program)
+/// Runs the commands that need neither a plug-in instance nor a window.
+ExitCode RunSupportCommand(const HostOptions& given, char* program)
 {
     std::array<char*, 2> argv = {program, nullptr};
     int argc = 1;
@@ -73,15 +72,15 @@ ExitCode Run(int& argc, char** argv)
     switch (commandLine.outcome) {
     case ParsedCommandLine::Outcome::Print:
         return Console::PrintRaw(commandLine.text) ? ExitCode::Done : ExitCode::Usage;
-    case ParsedCommandLine::Outcome::Wrong:
-        Console::PrintError(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
+    case ParsedCommandLine::Outcome::Invalid:
+        Console::PrintError(QStringLiteral("%1 (see --help)").arg(commandLine.text));
         return ExitCode::Usage;
     case ParsedCommandLine::Outcome::Run:
         break;
     }
     const HostOptions& options = commandLine.options;
 
-    // A diagnosis says how it stands with the trace file, and leaves it alone.
+    // A diagnosis reports the state of the trace file without changing it.
     const QString traceFile = options.diagnose ? QString() : options.traceFile;
     TraceLog traceLog;
     if (const QString error = traceLog.Start(options.trace, traceFile); !error.isEmpty()) {
@@ -91,11 +90,11 @@ ExitCode Run(int& argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
     QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
-    if (options.IsForSupport())
-        return RunForSupport(options, argv[0]);
+    if (options.IsSupportCommand())
+        return RunSupportCommand(options, argv[0]);
     if (!ChoosePlatform(options.IsHeadless())) {
-        Console::PrintError(QStringLiteral("there is no display to show the dialog on; without one, use the headless "
-                                           "options (--help lists them)"));
+        Console::PrintError(
+            QStringLiteral("there is no display to show the dialog on; use the headless options instead (see --help)"));
         return ExitCode::Unusable;
     }
 

@@ -2,8 +2,8 @@
 
 #include <csignal>
 
-/// From then on `signal` does nothing to this process, and the call that it would come from fails. Where somebody has
-/// arranged for it already, that stays. What this process starts is as it would have been.
+/// Installs a no-op handler for `signal`, so that the interrupted call fails instead of the process dying. Unlike
+/// SIG_IGN, children do not inherit it. A handler that is already set is kept.
 inline void IgnoreSignal(int signal)
 {
     struct sigaction present = {};
@@ -11,7 +11,7 @@ inline void IgnoreSignal(int signal)
         return;
     struct sigaction action = {};
     action.sa_handler = [](int) {
-    }; // not SIG_IGN, which children inherit
+    }; // not SIG_IGN, see above
     action.sa_flags = SA_RESTART;
     ::sigemptyset(&action.sa_mask);
     ::sigaction(signal, &action, nullptr);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Lets Windows look for libraries in the program's own folder and among its own only, and neither in the current
-/// folder nor along the PATH, where someone may have put others under the same names. Call it before anything is
-/// loaded. Elsewhere nothing is needed: programs name the folders themselves.
+/// Restricts the search for libraries on Windows to the program's folder and the system's. The current folder and the
+/// PATH may contain planted libraries. Call this before anything is loaded. Does nothing on other systems, where
+/// programs have a run path.
 void RestrictLibrarySearch();

@@ -4,6 +4,6 @@
 
 void RestrictLibrarySearch()
 {
-    // Not SetDllDirectory: programs that are started by this one would inherit that.
+    // Not SetDllDirectory: child processes would inherit it.
     SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }

@@ -3,26 +3,26 @@
 #include <QByteArray>
 #include <QString>
 
-/// Standard output and error of a program, on every system. Everything is written at once, so that a reader at the
-/// other end of a pipe sees it when it happens; a reader that has gone away is no reason to end.
+/// Standard output and error on every system. Everything is flushed at once, so that a reader of a pipe sees it
+/// immediately; a closed pipe does not end the process.
 ///
-/// Lines end with a line feed. Texts are in the encoding of the user's locale on Unix and in UTF-8 on Windows; a
-/// console there shows every character.
+/// Lines end with a line feed. Text is encoded in the user's locale on Unix and in UTF-8 on Windows; a Windows console
+/// shows every character.
 namespace StandardStreams {
 
 enum class Stream { Output, Error };
 
-/// Call it first in a program. On Windows one with windows has no console: one that was started from a console without
-/// having its output redirected prints there after this. On Unix a reader that goes away would end the program.
+/// Prepares the streams. Call this first in a program. On Windows it attaches a GUI program to the console it was
+/// started from, unless its output is redirected. On Unix it keeps a closed pipe from ending the program.
 void Prepare();
 
-/// False: not all of it could be written, as on a full disk or where nobody reads any more.
+/// Writes `text`. Returns false if not all of it could be written, for example to a full disk or a closed pipe.
 bool Write(Stream stream, const QString& text);
-/// The same with `bytes` as they are.
+/// Writes `bytes` unchanged, likewise.
 bool Write(Stream stream, const QByteArray& bytes);
 
-/// Whether somebody may read what is written to `stream`: it leads to a terminal, a pipe or a file. Not so where a
-/// program is started without any of these, or, by a session, for its journal alone.
-bool IsRead(Stream stream);
+/// Returns whether somebody may read what is written to `stream`, i.e. whether it is a terminal, a pipe or a file.
+/// False for a program started without streams, or by a session that only logs them.
+bool HasReader(Stream stream);
 
 } // namespace StandardStreams

@@ -26,7 +26,7 @@ bool Write(Stream stream, const QByteArray& bytes)
     return std::fflush(file) == 0 && isTaken;
 }
 
-bool IsRead(Stream stream)
+bool HasReader(Stream stream)
 {
     const int descriptor = stream == Stream::Error ? STDERR_FILENO : STDOUT_FILENO;
     struct stat status = {};

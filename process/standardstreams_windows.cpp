@@ -10,15 +10,15 @@ namespace {
 
 using StandardStreams::Stream;
 
-// Consoles refuse much longer texts in one go.
-constexpr qsizetype kULongestPart = 8192;
+// Consoles refuse much longer texts in a single call.
+constexpr qsizetype kMaxConsoleWrite = 8192;
 
-DWORD IdOf(Stream stream)
+DWORD HandleId(Stream stream)
 {
     return stream == Stream::Error ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE;
 }
 
-bool LeadsSomewhere(HANDLE handle)
+bool IsUsable(HANDLE handle)
 {
     return handle && handle != INVALID_HANDLE_VALUE && GetFileType(handle) != FILE_TYPE_UNKNOWN;
 }
@@ -36,39 +36,39 @@ namespace StandardStreams {
 void Prepare()
 {
     for (const Stream stream : {Stream::Output, Stream::Error}) {
-        // What was redirected to a pipe or a file is there already.
-        if (LeadsSomewhere(GetStdHandle(IdOf(stream))))
+        // Redirected to a pipe or a file.
+        if (IsUsable(GetStdHandle(HandleId(stream))))
             continue;
-        // Fails where this is done already, and where there is no console: then there is none to open, either.
+        // Fails if already attached, or if there is no console; CreateFileW then fails, too.
         AttachConsole(ATTACH_PARENT_PROCESS);
         const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                            nullptr, OPEN_EXISTING, 0, nullptr);
         if (console != INVALID_HANDLE_VALUE)
-            SetStdHandle(IdOf(stream), console);
+            SetStdHandle(HandleId(stream), console);
     }
-    // Programs that are started have streams of their own. They would keep these open for whoever reads the other end,
-    // also when this program has ended.
+    // Child processes have their own streams. Inheriting these would keep a pipe open for its reader after this program
+    // has ended.
     for (const DWORD id : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE})
         SetHandleInformation(GetStdHandle(id), HANDLE_FLAG_INHERIT, 0);
 }
 
-bool IsRead(Stream stream)
+bool HasReader(Stream stream)
 {
-    const HANDLE handle = GetStdHandle(IdOf(stream));
-    if (!LeadsSomewhere(handle))
+    const HANDLE handle = GetStdHandle(HandleId(stream));
+    if (!IsUsable(handle))
         return false;
-    // The device that swallows everything is of a console's type.
+    // The null device has a console's file type.
     return GetFileType(handle) != FILE_TYPE_CHAR || IsConsole(handle);
 }
 
 bool Write(Stream stream, const QString& text)
 {
-    const HANDLE handle = GetStdHandle(IdOf(stream));
+    const HANDLE handle = GetStdHandle(HandleId(stream));
     if (!IsConsole(handle))
         return Write(stream, text.toUtf8());
     for (qsizetype done = 0; done < text.size();) {
-        qsizetype part = std::min(text.size() - done, kULongestPart);
-        // The console shows two halves of a character that come one by one as two unknown ones.
+        qsizetype part = std::min(text.size() - done, kMaxConsoleWrite);
+        // A console shows a surrogate pair written in two calls as two unknown characters.
         if (part > 1 && done + part < text.size() && text.at(done + part - 1).isHighSurrogate())
             --part;
         DWORD written = 0;
@@ -81,9 +81,9 @@ bool Write(Stream stream, const QString& text)
 
 bool Write(Stream stream, const QByteArray& bytes)
 {
-    const HANDLE handle = GetStdHandle(IdOf(stream));
-    // As where it was started from a shortcut or by a session: nobody has asked for what it prints.
-    if (!LeadsSomewhere(handle))
+    const HANDLE handle = GetStdHandle(HandleId(stream));
+    // Started from a shortcut or by a session: nobody expects output.
+    if (!IsUsable(handle))
         return true;
     for (qsizetype done = 0; done < bytes.size();) {
         const qsizetype part = std::min<qsizetype>(bytes.size() - done, 1 << 20);

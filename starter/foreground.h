@@ -1,7 +1,7 @@
 #pragma once
 
-/// Lets whoever is called come to the front.
+/// Allows the called program to come to the foreground.
 ///
-/// Windows lets only the program in the foreground hand that right on, and a starter that a person has just started is
-/// that program. Elsewhere windows may ask for it by themselves, and this does nothing.
-void HandOverForeground();
+/// On Windows only the foreground program can pass on that right, and a starter just launched by the user is in the
+/// foreground. On other systems this does nothing: windows may activate themselves.
+void AllowForegroundActivation();

@@ -1,5 +1,5 @@
 #include "starter/foreground.h"
 
-void HandOverForeground()
+void AllowForegroundActivation()
 {
 }

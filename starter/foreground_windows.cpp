@@ -2,9 +2,9 @@
 
 #include <qt_windows.h>
 
-void HandOverForeground()
+void AllowForegroundActivation()
 {
-    // To any process: whose the link is shows only when it has answered. Without the right to hand on it fails, and the
-    // dialog's button in the task bar flashes instead.
+    // Any process, because the link's owner is not known before it has answered. Without the right to pass on, this
+    // fails and the dialog's task bar button flashes instead.
     AllowSetForegroundWindow(ASFW_ANY);
 }

@@ -6,18 +6,18 @@
 
 #include <optional>
 
-/// A host that was started to live on by itself: it outlasts who started it, and that one's terminal.
+/// A detached host process: it outlives the starter and its terminal.
 ///
-/// It gets the current directory and environment, nothing else: no pipe, no file, no console. The object only watches
-/// it; its end does nothing to the process.
+/// It inherits only the current directory and the environment: no pipes, files or console. Destroying the object does
+/// not affect the process.
 class HostProcess
 {
 public:
     /// How a process ended.
-    struct End
+    struct ExitStatus
     {
-        int exitCode = 0; ///< where it ended by itself
-        QString crash;    ///< what ended it where it did not, as "signal 11"; empty otherwise
+        int exitCode = 0; ///< only meaningful without a crash
+        QString crash;    ///< how it crashed, as in "signal 11"; empty if it exited
     };
 
     HostProcess() = default;
@@ -26,15 +26,15 @@ public:
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
 
-    /// Starts the program `file`, an absolute path, with `arguments`, which arrive as they are. No shell is involved.
-    /// Once per object. Returns why it could not be started; empty when it was.
+    /// Starts the program `file`, an absolute path. `arguments` are passed unchanged, without a shell. Call once.
+    /// Returns the error; empty on success.
     QString Start(const QString& file, const QStringList& arguments);
-    /// Nothing while it runs.
-    std::optional<End> Ended();
-    qint64 Id() const { return m_iId; }
+    /// Returns how the process ended; none while it runs.
+    std::optional<ExitStatus> Poll();
+    qint64 Id() const { return m_id; }
 
 private:
-    qint64 m_iId = 0;
-    qintptr m_handle = 0; // on Windows the process, owned
-    std::optional<End> m_end;
+    qint64 m_id = 0;
+    qintptr m_handle = 0; // process handle on Windows, owned
+    std::optional<ExitStatus> m_exitStatus;
 };

@@ -14,21 +14,21 @@
 
 namespace {
 
-/// What a started process shall have, and what not.
-class Surroundings
+/// What the started process inherits.
+class SpawnSettings
 {
 public:
-    Surroundings()
+    SpawnSettings()
     {
         posix_spawn_file_actions_init(&files);
         for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             posix_spawn_file_actions_addopen(&files, handle, "/dev/null", O_RDWR, 0);
-        // Also what this process was itself given without knowing: a pipe among it would keep its reader waiting for as
-        // long as the host lives.
+        // Also closes descriptors this process inherited unknowingly: a pipe's reader would wait as long as the host
+        // lives.
         posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
 
         posix_spawnattr_init(&attributes);
-        // Ignored and blocked signals are inherited: who ran this with nohup did not mean the host's own handling.
+        // Ignored and blocked signals are inherited: a starter run by nohup must not change the host's handling.
         sigset_t all;
         sigfillset(&all);
         sigset_t none;
@@ -37,14 +37,14 @@ public:
         posix_spawnattr_setsigmask(&attributes, &none);
         posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
     }
-    ~Surroundings()
+    ~SpawnSettings()
     {
         posix_spawn_file_actions_destroy(&files);
         posix_spawnattr_destroy(&attributes);
     }
 
-    Surroundings(const Surroundings&) = delete;
-    Surroundings& operator=(const Surroundings&) = delete;
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
 
     posix_spawn_file_actions_t files{};
     posix_spawnattr_t attributes{};
@@ -64,25 +64,24 @@ QString HostProcess::Start(const QString& file, const QStringList& arguments)
         argv.push_back(text.data());
     argv.push_back(nullptr);
 
-    const Surroundings surroundings;
+    const SpawnSettings settings;
     pid_t id = 0;
-    const int error =
-        posix_spawn(&id, argv.front(), &surroundings.files, &surroundings.attributes, argv.data(), environ);
+    const int error = posix_spawn(&id, argv.front(), &settings.files, &settings.attributes, argv.data(), environ);
     if (error != 0)
         return qt_error_string(error);
-    m_iId = id;
+    m_id = id;
     return {};
 }
 
-std::optional<HostProcess::End> HostProcess::Ended()
+std::optional<HostProcess::ExitStatus> HostProcess::Poll()
 {
-    if (m_end || m_iId == 0)
-        return m_end;
+    if (m_exitStatus || m_id == 0)
+        return m_exitStatus;
     int status = 0;
-    const pid_t ended = waitpid(static_cast<pid_t>(m_iId), &status, WNOHANG);
-    if (ended == m_iId && WIFSIGNALED(status))
-        m_end = End{0, QStringLiteral("signal %1").arg(WTERMSIG(status))};
-    else if (ended == m_iId)
-        m_end = End{WEXITSTATUS(status), {}};
-    return m_end;
+    const pid_t ended = waitpid(static_cast<pid_t>(m_id), &status, WNOHANG);
+    if (ended == m_id && WIFSIGNALED(status))
+        m_exitStatus = ExitStatus{0, QStringLiteral("signal %1").arg(WTERMSIG(status))};
+    else if (ended == m_id)
+        m_exitStatus = ExitStatus{WEXITSTATUS(status), {}};
+    return m_exitStatus;
 }

@@ -1,6 +1,6 @@
 #include "starter/linkcall.h"
 
-#include "starter/linkending.h"
+#include "starter/linksocket.h"
 
 #include <QHostAddress>
 #include <QNetworkProxy>
@@ -14,8 +14,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The dialog comes to the front at the connection, so this costs only the caller time.
-constexpr auto kHearingTime = 50ms;
+// Wait before closing the sending direction. The dialog reacts to the connection itself, so only the caller waits.
+constexpr auto kHalfCloseDelay = 50ms;
 
 LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline)
 {
@@ -24,38 +24,38 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
     socket.connectToHost(address, port);
     const qint64 left = std::min<qint64>(deadline.remainingTime(), std::numeric_limits<int>::max());
     if (!socket.waitForConnected(static_cast<int>(left))) {
-        // Where more wait than the system's queue holds, it lets the next ones try again by themselves.
-        return socket.error() == QAbstractSocket::SocketTimeoutError ? LinkAnswer::Silent : LinkAnswer::Refused;
+        // If the system's queue is full, further connection attempts are retried by the system.
+        return socket.error() == QAbstractSocket::SocketTimeoutError ? LinkAnswer::TimedOut : LinkAnswer::Refused;
     }
 
     if (!SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n")))
-        return LinkAnswer::CutOff;
-    // Many a service that would answer gives up when it sees the end first.
-    const QDeadlineTimer hearing(kHearingTime);
-    LinkEnding ending = WaitForEnding(socket.socketDescriptor(), std::min(hearing, deadline));
-    if (ending == LinkEnding::None) {
-        EndSending(socket.socketDescriptor());
-        ending = WaitForEnding(socket.socketDescriptor(), deadline);
+        return LinkAnswer::Reset;
+    // Many services do not answer once they have seen the end of the input.
+    const QDeadlineTimer halfCloseDeadline(kHalfCloseDelay);
+    PeerEvent event = WaitForPeer(socket.socketDescriptor(), std::min(halfCloseDeadline, deadline));
+    if (event == PeerEvent::None) {
+        ShutdownSending(socket.socketDescriptor());
+        event = WaitForPeer(socket.socketDescriptor(), deadline);
     }
-    switch (ending) {
-    case LinkEnding::Closed:
-        return LinkAnswer::Taken;
-    case LinkEnding::Spoke:
-        return LinkAnswer::Foreign;
-    case LinkEnding::CutOff:
-        return LinkAnswer::CutOff;
-    case LinkEnding::None:
+    switch (event) {
+    case PeerEvent::Closed:
+        return LinkAnswer::Accepted;
+    case PeerEvent::SentData:
+        return LinkAnswer::OtherService;
+    case PeerEvent::Reset:
+        return LinkAnswer::Reset;
+    case PeerEvent::None:
         break;
     }
-    return LinkAnswer::Silent;
+    return LinkAnswer::TimedOut;
 }
 
 } // namespace
 
 LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline)
 {
-    const LinkAnswer four = Call(QHostAddress(QHostAddress::LocalHost), port, deadline);
-    if (four != LinkAnswer::Refused)
-        return four;
+    const LinkAnswer result = Call(QHostAddress(QHostAddress::LocalHost), port, deadline);
+    if (result != LinkAnswer::Refused)
+        return result;
     return Call(QHostAddress(QHostAddress::LocalHostIPv6), port, deadline);
 }

@@ -3,20 +3,20 @@
 #include <QDeadlineTimer>
 #include <QtGlobal>
 
-/// What became of a call.
+/// The result of a call.
 enum class LinkAnswer {
-    Taken,   ///< a dialog's link has taken it
-    Refused, ///< nobody listens
-    Foreign, ///< somebody answered in words, which the link never does
-    CutOff,  ///< the connection broke off, as when a host ends while it is called
-    Silent,  ///< somebody listens, but did nothing until the deadline
+    Accepted,     ///< a dialog accepted the call
+    Refused,      ///< nobody listens
+    OtherService, ///< another service sent data, which the link never does
+    Reset,        ///< the connection was reset, for example because the host is ending
+    TimedOut,     ///< somebody listens, but did nothing until the deadline
 };
 
-/// Calls the starter link at `port` of this machine, and waits for the answer until `deadline`.
+/// Calls the starter link on `port` of this machine and waits for the result until `deadline`.
 ///
-/// The connection itself is the call. A line is sent along and, a little later, the sending direction closed: the link
-/// drops the line and closes the connection without a word, once the dialog has come to the front; most other services
-/// answer one way or another. One that closes without a word as well cannot be told from a link.
+/// The connection itself is the call. A line is sent and, a little later, the sending direction closed. The link
+/// ignores the line and closes the connection without sending data, once the dialog has come to the front; most other
+/// services send something. One that also closes without sending data cannot be told from a link.
 ///
-/// 127.0.0.1 is called first, then ::1, where a machine has only that. Blocks; needs no event loop.
+/// Tries 127.0.0.1 first, then ::1, which may be the only one. Blocks; needs no event loop.
 LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline);

@@ -34,10 +34,10 @@ StarterExit Run()
     case ParsedStarterCommandLine::Outcome::Print:
         if (StandardStreams::Write(Stream::Output, commandLine.text))
             return StarterExit::Called;
-        PrintError(QStringLiteral("cannot write all of it to standard output"));
+        PrintError(QStringLiteral("cannot write everything to standard output"));
         return StarterExit::Usage;
-    case ParsedStarterCommandLine::Outcome::Wrong:
-        PrintError(QStringLiteral("%1 (--help tells more)").arg(commandLine.text));
+    case ParsedStarterCommandLine::Outcome::Invalid:
+        PrintError(QStringLiteral("%1 (see --help)").arg(commandLine.text));
         return StarterExit::Usage;
     case ParsedStarterCommandLine::Outcome::Run:
         break;
@@ -55,7 +55,7 @@ int main(int argc, char** argv)
     RestrictLibrarySearch();
     StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
-    // Such as that there is no folder for run-time files, which is coped with.
+    // For example about a missing folder for run-time files, which is handled.
     QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
     return static_cast<int>(Run());
 }

@@ -14,12 +14,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPause = 50ms;
-// After a host that gave way to another one, which may be about to end.
-constexpr auto kPauseBeforeNextStart = 500ms;
-// A host that ends cuts off who is calling it, and cannot be reached after that. One that is called by very many at
-// once may drop a caller, but hardly the same one again.
-constexpr int kMostCutOffs = 5;
+constexpr auto kPollInterval = 50ms;
+// After a host gave way to another one, which may be about to end.
+constexpr auto kRestartDelay = 500ms;
+// A host that is ending resets its connections and then refuses new ones. One that is flooded with calls may drop a
+// caller, but hardly the same one again.
+constexpr int kMaxResets = 5;
 
 } // namespace
 
@@ -35,7 +35,7 @@ QString Starter::DefaultLockFile(quint16 port)
     const QString directory = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     if (QFileInfo(directory).isWritable())
         return directory + u'/' + name;
-    // A folder of all users; the home folder's name tells them apart.
+    // A folder shared by all users; the name of the home folder makes the file name unique.
     return QStringLiteral("%1/%2-%3").arg(QDir::tempPath(), QDir::home().dirName(), name);
 }
 
@@ -46,44 +46,44 @@ QString Starter::DefaultHost(const QString& programDirectory)
 
 Starter::Outcome Starter::Run()
 {
-    HandOverForeground();
+    AllowForegroundActivation();
     for (;;) {
         const LinkAnswer answer = CallLink(m_settings.port, m_deadline);
-        if (const auto outcome = Judge(answer))
+        if (const auto outcome = OutcomeOf(answer))
             return *outcome;
-        // A call that was cut off reached somebody, who may still be there.
+        // A call that was reset reached a process, which may still be there.
         if (answer == LinkAnswer::Refused) {
-            if (const auto outcome = StartOrWatch())
+            if (const auto outcome = StartOrCheckHost())
                 return *outcome;
         }
         if (m_deadline.hasExpired())
             return TimedOut();
-        QThread::msleep(static_cast<unsigned long>(kPause.count()));
+        QThread::msleep(static_cast<unsigned long>(kPollInterval.count()));
     }
 }
 
-std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer)
+std::optional<Starter::Outcome> Starter::OutcomeOf(LinkAnswer answer)
 {
-    m_iCutOffs = answer == LinkAnswer::CutOff ? m_iCutOffs + 1 : 0;
+    m_resetCount = answer == LinkAnswer::Reset ? m_resetCount + 1 : 0;
     switch (answer) {
-    case LinkAnswer::Taken:
+    case LinkAnswer::Accepted:
         return Outcome{StarterExit::Called, {}};
-    case LinkAnswer::Foreign:
-        return Outcome{StarterExit::Foreign,
-                       QStringLiteral("another program has port %1 and answers there, which no connect dialog does; "
-                                      "no dialog can be called or started beside it")
+    case LinkAnswer::OtherService:
+        return Outcome{StarterExit::PortTaken,
+                       QStringLiteral("another program uses port %1 and sends data, which a connect dialog does not; "
+                                      "no dialog can be called or started")
                            .arg(m_settings.port)};
-    case LinkAnswer::Silent:
+    case LinkAnswer::TimedOut:
         return TimedOut();
     case LinkAnswer::Refused:
         if (m_settings.callOnly)
             return Outcome{StarterExit::NotRunning, QStringLiteral("no connect dialog is running")};
         break;
-    case LinkAnswer::CutOff:
-        if (m_iCutOffs == kMostCutOffs) {
-            return Outcome{StarterExit::Foreign,
-                           QStringLiteral("another program has port %1 and cuts off every call, which no connect "
-                                          "dialog does; no dialog can be called or started beside it")
+    case LinkAnswer::Reset:
+        if (m_resetCount == kMaxResets) {
+            return Outcome{StarterExit::PortTaken,
+                           QStringLiteral("another program uses port %1 and resets every connection, which a connect "
+                                          "dialog does not; no dialog can be called or started")
                                .arg(m_settings.port)};
         }
         break;
@@ -91,31 +91,30 @@ std::optional<Starter::Outcome> Starter::Judge(LinkAnswer answer)
     return std::nullopt;
 }
 
-std::optional<Starter::Outcome> Starter::StartOrWatch()
+std::optional<Starter::Outcome> Starter::StartOrCheckHost()
 {
     if (!m_pHost) {
         if (!m_nextStart.hasExpired())
             return std::nullopt;
-        if (m_bLocked)
+        if (m_isLocked)
             return Start();
-        // Another starter's host may have come between the call and the lock, so it is called once more before one is
-        // started.
-        m_bLocked = IsLocked();
+        // Another starter's host may have come up between the call and the lock: call once more before starting one.
+        m_isLocked = TryLock();
         return std::nullopt;
     }
 
-    const std::optional<HostProcess::End> end = m_pHost->Ended();
+    const std::optional<HostProcess::ExitStatus> end = m_pHost->Poll();
     if (!end)
         return std::nullopt;
     if (end->crash.isEmpty() && end->exitCode == static_cast<int>(ExitCode::Running)) {
-        // The other host is starting, and will answer; or it is ending, and leaves room for another try.
-        m_bOtherHost = true;
+        // The other host is starting and will answer, or is ending, so that another start will succeed.
+        m_hasOtherHost = true;
         m_pHost.reset();
-        m_nextStart = QDeadlineTimer(kPauseBeforeNextStart);
+        m_nextStart = QDeadlineTimer(kRestartDelay);
         return std::nullopt;
     }
     return Outcome{StarterExit::HostEnded,
-                   QStringLiteral("%1 %2 before its dialog answered; started by itself it says why")
+                   QStringLiteral("%1 %2 before its dialog answered; run it directly to see why")
                        .arg(m_settings.host, end->crash.isEmpty()
                                                  ? QStringLiteral("ended with exit code %1").arg(end->exitCode)
                                                  : QStringLiteral("crashed (%1)").arg(end->crash))};
@@ -130,13 +129,13 @@ std::optional<Starter::Outcome> Starter::Start()
     return Outcome{StarterExit::NotStarted, QStringLiteral("cannot start %1: %2").arg(m_settings.host, error)};
 }
 
-/// Whether nobody else is starting a host, as far as the lock tells.
-bool Starter::IsLocked()
+/// Takes the lock. Returns false if another starter has it.
+bool Starter::TryLock()
 {
-    // Only another starter's lock is waited for. Where no lock can be had at all, the host's own has to do.
+    // Only another starter's lock is waited for. If locking is impossible, the host's own lock has to do.
     QString error;
-    m_bOtherStarter = m_lock.TryLock(m_settings.lockFile, &error) == FileLock::Result::Busy;
-    return !m_bOtherStarter;
+    m_hasOtherStarter = m_lock.TryLock(m_settings.lockFile, &error) == FileLock::Result::Busy;
+    return !m_hasOtherStarter;
 }
 
 Starter::Outcome Starter::TimedOut() const
@@ -149,22 +148,22 @@ Starter::Outcome Starter::TimedOut() const
                     .arg(m_pHost->Id())
                     .arg(Seconds())};
     }
-    if (m_bOtherHost) {
+    if (m_hasOtherHost) {
         return {StarterExit::HostEnded,
-                QStringLiteral("another host works on the same configuration directory, but no dialog answered on port "
+                QStringLiteral("another host uses the same configuration directory, but no dialog answered on port "
                                "%1 within %2")
                     .arg(m_settings.port)
                     .arg(Seconds())};
     }
-    if (m_bOtherStarter) {
+    if (m_hasOtherStarter) {
         return {StarterExit::NoAnswer,
                 QStringLiteral("another kitestarter is starting a host, but no dialog answered on port %1 within %2")
                     .arg(m_settings.port)
                     .arg(Seconds())};
     }
-    return {StarterExit::Foreign,
-            QStringLiteral("port %1 is in use, but no dialog answered there within %2: another program has it, or a "
-                           "dialog that is busy or hangs; no second one is started")
+    return {StarterExit::PortTaken,
+            QStringLiteral("port %1 is in use, but no dialog answered within %2: another program uses it, or the "
+                           "dialog is busy or hangs; no second dialog was started")
                 .arg(m_settings.port)
                 .arg(Seconds())};
 }

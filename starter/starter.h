@@ -13,57 +13,56 @@
 #include <memory>
 #include <optional>
 
-/// One run of the starter: calls the dialog that is running, or starts a host and calls that.
+/// Runs the starter once: calls the running dialog, or starts a host and calls that.
 ///
-/// Many starters at the same moment start one host: the one that holds the lock file starts it, and the others wait for
-/// its link. The lock is for one user. Between two users' starters, and where it cannot be had, the host's own lock
-/// decides: a host that ends because another has its configuration directory is no failure, its like is called instead.
+/// Many starters at the same time start one host: the one that gets the lock file starts it, and the others wait for
+/// its link. The lock file is per user. Between users, or without a lock file, the host's own lock decides: if a host
+/// ends because another one uses its configuration directory, that one is called instead.
 class Starter
 {
 public:
     struct Settings
     {
         quint16 port = 8451;
-        QString lockFile;                     ///< held from when a host is started until it answers
+        QString lockFile;                     ///< held from before the host is started until it answers
         QString host;                         ///< the host's program, an absolute path
-        QStringList hostArguments;            ///< passed to it as they are
-        std::chrono::milliseconds timeOut{0}; ///< for all of it together
+        QStringList hostArguments;            ///< passed to the host unchanged
+        std::chrono::milliseconds timeOut{0}; ///< for the whole run
         bool callOnly = false;                ///< start nothing
     };
     struct Outcome
     {
         StarterExit code;
-        QString message; ///< one line that says what went wrong; empty when nothing did
+        QString message; ///< an error in one line; empty on success
     };
 
     explicit Starter(Settings settings);
 
-    /// Everything from start to end. Blocks; needs no event loop.
+    /// Does everything from start to end. Blocks; needs no event loop.
     Outcome Run();
 
-    /// Where the starters of this user meet that call `port`.
+    /// Returns the lock file that all starters of this user share for `port`.
     static QString DefaultLockFile(quint16 port);
-    /// The host that is installed with the starter at `programDirectory`.
+    /// Returns the host that is installed with the starter in `programDirectory`.
     static QString DefaultHost(const QString& programDirectory);
 
 private:
-    /// What the answer to a call means by itself; nothing when there may be a host that has to be waited for or
-    /// started.
-    std::optional<Outcome> Judge(LinkAnswer answer);
-    /// Does what is due while nobody answers; nothing when it is to be called again.
-    std::optional<Outcome> StartOrWatch();
+    /// Returns the outcome that `answer` alone decides; none if a host may have to be awaited or started.
+    std::optional<Outcome> OutcomeOf(LinkAnswer answer);
+    /// Does the next step while nobody answers. Returns none if the call should be repeated.
+    std::optional<Outcome> StartOrCheckHost();
     std::optional<Outcome> Start();
-    bool IsLocked();
+    bool TryLock();
     Outcome TimedOut() const;
     QString Seconds() const;
 
     const Settings m_settings;
     const QDeadlineTimer m_deadline;
     FileLock m_lock;
-    bool m_bLocked = false;
+    bool m_isLocked = false;
     std::unique_ptr<HostProcess> m_pHost;
-    QDeadlineTimer m_nextStart;   // expired: at once
-    int m_iCutOffs = 0;           // calls cut off, one after the other
-    bool m_bOtherHost = false;    // another host has the configuration directory
-    bool m_bOtherStarter = false; // another starter has the lock
+    QDeadlineTimer m_nextStart;     // expired: start at once
+    int m_resetCount = 0;           // consecutive calls that were reset
+    bool m_hasOtherHost = false;    // another host uses the configuration directory
+    bool m_hasOtherStarter = false; // another starter has the lock
 };

@@ -6,44 +6,44 @@
 
 namespace {
 
-// The dialog does not answer while it starts an application, which may take it 30 seconds.
+// The dialog does not answer while it starts an application, which may take 30 seconds.
 constexpr int kDefaultSeconds = 40;
-constexpr int kMostSeconds = 3600;
+constexpr int kMaxSeconds = 3600;
 
-// Both broken by hand at the width that QCommandLineParser uses for the options.
+// Wrapped by hand at the width that QCommandLineParser uses for the options.
 QString Description()
 {
     return QStringLiteral(R"(
-Brings the connect dialog to the front. Where none is running on this machine,
-starts the host with the arguments after "--", and waits until its dialog
-answers. However many are started at once, there is one host.)");
+Brings the connect dialog to the front. If none is running on this machine,
+starts the host with the arguments after "--" and waits until its dialog
+answers. Several starters at the same time start only one host.)");
 }
 
-/// What the options alone do not say.
+/// The text after the options.
 QString Notes()
 {
     return QStringLiteral(R"(
-The call:
-  The dialog is called on port 8451 of this machine, which one program can have
-  at a time. So whichever host has it comes to the front, whatever arguments
-  are given here for another. Nothing leaves the machine.
-  On a machine that several people work on at a time, that may be another
-  person's dialog, which comes to the front where it is.
-  The host that is started lives on by itself, with this program's current
-  directory and environment. What it would write to standard error about its
-  work, it shows at its dialog instead; the rest of its output is dropped. Why
-  it ended before its dialog was there, it says when it is started by itself.
+Details:
+  The dialog is called on port 8451 of this machine, which only one program can
+  use at a time. So the host that uses it comes to the front, even if the
+  arguments given here are meant for another one. No data leaves the machine.
+  On a machine with several users at a time, the dialog may be another user's;
+  it then comes to the front on that user's desktop.
+  The started host runs independently, with the current directory and the
+  environment of this program. It shows its messages in the dialog instead of
+  writing them to standard error; all other output is dropped. If it ends
+  before its dialog answers, run it directly to see why.
 
 Exit codes:
-  0  a dialog has come to the front: one that was running, or a new one
-  1  the command line is wrong, or what it asks for cannot be printed
+  0  a running or newly started dialog has come to the front
+  1  the command line is invalid, or the output cannot be printed
   2  the host cannot be started
   3  the host was started, and ended before its dialog answered, or gave way to
-     one that works on the same configuration and shows no dialog
+     one that uses the same configuration and shows no dialog
   4  the host was started, or another kitestarter is starting one, and its
-     dialog did not answer in time; what was started is left running
-  5  another program has the port and answers or cuts off calls, or a dialog
-     that is busy for longer than the time-out; no host was started
+     dialog did not answer in time; a started host is left running
+  5  another program uses the port and sends data or resets connections, or the
+     dialog is busy for longer than the time-out; no host was started
   6  no dialog is running (with --call-only)
 )");
 }
@@ -64,17 +64,16 @@ private:
     const QCommandLineOption m_version = {{QStringLiteral("v"), QStringLiteral("version")},
                                           QStringLiteral("Print the version.")};
     const QCommandLineOption m_host = {
-        QStringLiteral("host"),
-        QStringLiteral("Start the program FILE. Default: the host that is installed with the starter."),
+        QStringLiteral("host"), QStringLiteral("Start the program FILE. Default: the host installed with the starter."),
         QStringLiteral("FILE")};
     const QCommandLineOption m_timeOut = {
         QStringLiteral("timeout"),
-        QStringLiteral("How long a dialog may take to answer, also one that is starting: 1 to %1. Default: %2.")
-            .arg(kMostSeconds)
+        QStringLiteral("Time for the dialog to answer, including its start: 1 to %1. Default: %2.")
+            .arg(kMaxSeconds)
             .arg(kDefaultSeconds),
         QStringLiteral("SECONDS"), QString::number(kDefaultSeconds)};
     const QCommandLineOption m_callOnly = {QStringLiteral("call-only"),
-                                           QStringLiteral("Start nothing where no dialog is running.")};
+                                           QStringLiteral("Start nothing if no dialog is running.")};
 };
 
 Parser::Parser()
@@ -85,25 +84,25 @@ Parser::Parser()
 
 QString Parser::HelpText() const
 {
-    // The parser's own first line names whatever path the program was started by.
+    // The parser's first line contains the path that the program was started by.
     const QString text = m_parser.helpText();
     return QStringLiteral("Usage: kitestarter [options] [-- HOST ARGUMENTS]") + text.mid(text.indexOf(u'\n')) + Notes();
 }
 
-/// Why a value given on the command line cannot be taken; empty when all can.
+/// Returns why a value on the command line is invalid; empty if all are valid.
 QString Parser::CheckGivenValues() const
 {
     if (!m_parser.positionalArguments().isEmpty()) {
-        return QStringLiteral("unexpected argument \"%1\"; the host's arguments stand after \"--\"")
+        return QStringLiteral("unexpected argument \"%1\"; put the host's arguments after \"--\"")
             .arg(m_parser.positionalArguments().constFirst());
     }
     if (m_parser.isSet(m_host) && m_parser.value(m_host).isEmpty())
-        return QStringLiteral("--host needs a value that is not empty");
+        return QStringLiteral("--host: the value must not be empty");
     bool isNumber = false;
     const int seconds = m_parser.value(m_timeOut).toInt(&isNumber);
-    if (!isNumber || seconds < 1 || seconds > kMostSeconds) {
+    if (!isNumber || seconds < 1 || seconds > kMaxSeconds) {
         return QStringLiteral("--timeout: not a number from 1 to %1: \"%2\"")
-            .arg(kMostSeconds)
+            .arg(kMaxSeconds)
             .arg(m_parser.value(m_timeOut));
     }
     return {};
@@ -112,25 +111,25 @@ QString Parser::CheckGivenValues() const
 ParsedStarterCommandLine Parser::Parse(QStringList arguments)
 {
     using Outcome = ParsedStarterCommandLine::Outcome;
-    // Taken apart here: the parser would let the host's arguments stand before "--", too.
+    // Split here: the parser would also accept the host's arguments before "--".
     QStringList hostArguments;
     if (const qsizetype separator = arguments.indexOf(QLatin1String("--")); separator > 0) {
         hostArguments = arguments.mid(separator + 1);
         arguments.erase(arguments.cbegin() + separator, arguments.cend());
     }
     if (!m_parser.parse(arguments)) {
-        // The parser ends its own sentences.
+        // The parser's messages end with a full stop.
         QString error = m_parser.errorText();
         if (error.endsWith(u'.'))
             error.chop(1);
-        return {Outcome::Wrong, error, {}};
+        return {Outcome::Invalid, error, {}};
     }
     if (m_parser.isSet(m_help))
         return {Outcome::Print, HelpText(), {}};
     if (m_parser.isSet(m_version))
         return {Outcome::Print, QStringLiteral("kitestarter " VEXEL_VERSION "\n"), {}};
     if (const QString error = CheckGivenValues(); !error.isEmpty())
-        return {Outcome::Wrong, error, {}};
+        return {Outcome::Invalid, error, {}};
 
     StarterOptions options;
     if (m_parser.isSet(m_host))

@@ -5,28 +5,28 @@
 
 #include <chrono>
 
-/// What the starter was asked to do: its command line as a value.
+/// The parsed command line.
 struct StarterOptions
 {
     QString host;                 ///< the host's program, an absolute path; empty: the one beside the starter
-    QStringList hostArguments;    ///< passed to the host as they are
-    std::chrono::seconds timeOut; ///< how long a dialog may take to answer, also one that has to be started first
+    QStringList hostArguments;    ///< passed to the host unchanged
+    std::chrono::seconds timeOut; ///< time for a dialog to answer, including its start
     bool callOnly = false;        ///< start nothing
 };
 
-/// The outcome of reading a command line.
+/// The result of parsing a command line.
 struct ParsedStarterCommandLine
 {
     enum class Outcome {
-        Run,   ///< do what `options` says
-        Print, ///< print `text` (help or version); nothing else
-        Wrong, ///< the command line is wrong; `text` says in one line how
+        Run,     ///< do what `options` says
+        Print,   ///< print `text` (help or version) and exit
+        Invalid, ///< the command line is invalid; `text` says why, in one line
     };
 
-    Outcome outcome = Outcome::Wrong;
+    Outcome outcome = Outcome::Invalid;
     QString text;
     StarterOptions options;
 };
 
-/// Reads a command line; `arguments` begins with the program. Relative paths are taken from the current directory.
+/// Parses a command line; `arguments` begins with the program. Relative paths are relative to the current directory.
 ParsedStarterCommandLine ParseStarterCommandLine(const QStringList& arguments);

@@ -3,6 +3,6 @@
 #include <QString>
 #include <QStringList>
 
-/// The one text in which Windows passes arguments to a program, written so that the program's start-up takes it apart
-/// into `arguments` again: backslashes count as themselves but before a double quote.
+/// Joins `arguments` into a Windows command line that the C run-time splits into the same arguments. Backslashes are
+/// special only before a double quote.
 QString WindowsCommandLine(const QStringList& arguments);

@@ -23,8 +23,8 @@
         </translation>
     </message>
     <message>
-        <source>The connect dialog comes back when the last application has ended; kitestarter brings it back at once.</source>
-        <translation>Der Verbindungsdialog kommt zurück, wenn die letzte Anwendung geendet hat; kitestarter bringt ihn sofort zurück.</translation>
+        <source>The connect dialog reappears when the last application has ended. Run kitestarter to show it now.</source>
+        <translation>Der Verbindungsdialog erscheint wieder, sobald die letzte Anwendung beendet ist. Mit kitestarter wird er sofort angezeigt.</translation>
     </message>
 </context>
 <context>
@@ -52,16 +52,16 @@
         <translation>Vexel - Verbinden</translation>
     </message>
     <message>
-        <source>Applications that were started from the connect dialog end with it.</source>
-        <translation>Anwendungen, die aus dem Verbindungsdialog gestartet wurden, enden mit ihm.</translation>
+        <source>Applications started from the connect dialog will be closed.</source>
+        <translation>Aus dem Verbindungsdialog gestartete Anwendungen werden beendet.</translation>
     </message>
     <message>
         <source>The configuration could not be saved.</source>
         <translation>Die Konfiguration konnte nicht gespeichert werden.</translation>
     </message>
     <message>
-        <source>What was changed since it was last saved is lost when the connect dialog ends now.</source>
-        <translation>Was seit dem letzten Speichern geändert wurde, geht verloren, wenn der Verbindungsdialog jetzt endet.</translation>
+        <source>Changes since the last save will be lost if you quit now.</source>
+        <translation>Änderungen seit dem letzten Speichern gehen verloren, wenn Sie jetzt beenden.</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -76,7 +76,7 @@
     <name>TrayIcon</name>
     <message>
         <source>Show connect dialog</source>
-        <translation>Verbindungsdialog zeigen</translation>
+        <translation>Verbindungsdialog anzeigen</translation>
     </message>
     <message>
         <source>Save now</source>

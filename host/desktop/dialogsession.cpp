@@ -12,103 +12,102 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
     , m_notices(notices)
     , m_save(std::move(save))
     , m_monitor(dialog.Entries())
-    , m_keeper(dialog, m_monitor)
+    , m_visibility(dialog, m_monitor)
     , m_tray(m_monitor, this)
 {
-    connect(&m_keeper, &DialogVisibility::DialogHidden, this, &DialogSession::SaveHidden);
-    connect(&m_keeper, &DialogVisibility::EndWanted, this, &DialogSession::SaveAndEnd);
-    connect(&m_keeper, &DialogVisibility::EndNeedsAnswer, &m_question, &QuitQuestion::Ask);
-    connect(&m_keeper, &DialogVisibility::StaysHidden, this, &DialogSession::OnStaysHidden);
-    connect(&m_keeper, &DialogVisibility::WentToTray, this, &DialogSession::OnWentToTray);
+    connect(&m_visibility, &DialogVisibility::DialogHidden, this, &DialogSession::SaveOnHide);
+    connect(&m_visibility, &DialogVisibility::QuitRequested, this, &DialogSession::SaveAndQuit);
+    connect(&m_visibility, &DialogVisibility::QuitNeedsConfirmation, &m_quitQuestion, &QuitQuestion::Ask);
+    connect(&m_visibility, &DialogVisibility::StaysHidden, this, &DialogSession::OnStaysHidden);
+    connect(&m_visibility, &DialogVisibility::WentToTray, this, &DialogSession::OnWentToTray);
 
-    m_keeper.SetTrayAvailable(m_tray.IsAvailable());
-    connect(&m_tray, &TrayIcon::AvailabilityChanged, &m_keeper, &DialogVisibility::SetTrayAvailable);
-    connect(&m_tray, &TrayIcon::DialogWanted, &m_keeper, &DialogVisibility::ShowDialog);
-    connect(&m_tray, &TrayIcon::SaveWanted, this, &DialogSession::SaveNow);
-    connect(&m_tray, &TrayIcon::EndWanted, &m_keeper, &DialogVisibility::AskToEnd);
+    m_visibility.SetTrayAvailable(m_tray.IsAvailable());
+    connect(&m_tray, &TrayIcon::AvailabilityChanged, &m_visibility, &DialogVisibility::SetTrayAvailable);
+    connect(&m_tray, &TrayIcon::ShowRequested, &m_visibility, &DialogVisibility::ShowDialog);
+    connect(&m_tray, &TrayIcon::SaveRequested, this, &DialogSession::SaveNow);
+    connect(&m_tray, &TrayIcon::QuitRequested, &m_visibility, &DialogVisibility::RequestQuit);
 
-    connect(&m_question, &QuitQuestion::Answered, this, [this](bool quit) {
+    connect(&m_quitQuestion, &QuitQuestion::Answered, this, [this](bool quit) {
         if (quit)
-            SaveAndEnd();
+            SaveAndQuit();
         else
-            m_keeper.DecideLater();
+            m_visibility.DecideLater();
     });
     connect(&m_unsavedQuestion, &QuitQuestion::Answered, this, [this](bool quit) {
-        m_isAskedUnsaved = false;
-        // Who stays wants to do something about it, such as an export to another disk.
+        m_isUnsavedQuestionOpen = false;
+        // A user who stays wants to act on it, for example export to another disk.
         if (quit)
-            emit EndWanted();
+            emit QuitRequested();
         else
-            m_keeper.ShowDialog();
+            m_visibility.ShowDialog();
     });
 
-    // At the end of a session the process may get no further than this.
+    // At the end of the session the process may not get further than this.
     connect(
         qApp, &QGuiApplication::commitDataRequest, this, [this] { m_save(); }, Qt::DirectConnection);
 }
 
 DialogSession::~DialogSession()
 {
-    m_notices.ShowThrough({});
+    m_notices.SetDisplay({});
 }
 
 void DialogSession::Start()
 {
-    m_keeper.ShowDialog();
-    m_notices.ShowThrough([this](const QString& text) { Tell(text); });
+    m_visibility.ShowDialog();
+    m_notices.SetDisplay([this](const QString& text) { ShowNotice(text); });
 }
 
-void DialogSession::SaveHidden()
+void DialogSession::SaveOnHide()
 {
     if (m_save())
         return;
-    // Once it is known whether the end is to follow, which is asked about then.
+    // Queued: if the host is about to quit, the question about unsaved changes says the same.
     QMetaObject::invokeMethod(
         this,
         [this] {
-            if (!m_isAskedUnsaved)
-                m_notices.ShowUnread(tr("The configuration could not be saved."));
+            if (!m_isUnsavedQuestionOpen)
+                m_notices.ShowIfUnread(tr("The configuration could not be saved."));
         },
         Qt::QueuedConnection);
 }
 
-void DialogSession::SaveAndEnd()
+void DialogSession::SaveAndQuit()
 {
     if (m_save()) {
-        emit EndWanted();
+        emit QuitRequested();
     } else {
-        m_isAskedUnsaved = true;
+        m_isUnsavedQuestionOpen = true;
         m_unsavedQuestion.AskUnsaved();
     }
 }
 
-void DialogSession::Tell(const QString& text)
+void DialogSession::ShowNotice(const QString& text)
 {
-    if (m_tray.CanTell())
-        m_tray.Tell(text, QSystemTrayIcon::Warning);
+    if (m_tray.CanShowMessages())
+        m_tray.ShowMessage(text, QSystemTrayIcon::Warning);
     else
-        m_noticeBox.Tell(text);
+        m_noticeBox.Show(text);
 }
 
 void DialogSession::OnStaysHidden(int inUse)
 {
-    m_notices.Say(
-        QStringLiteral("%1 still in use; the dialog comes back when the last application has ended, and kitestarter "
-                       "brings it back at once")
+    m_notices.Report(
+        QStringLiteral(
+            "%1 still in use; the dialog reappears when the last application has ended, or when kitestarter is run")
             .arg(inUse == 1 ? QStringLiteral("1 entry is") : QStringLiteral("%1 entries are").arg(inUse)),
         (inUse == 1 ? tr("1 entry is still in use.") : tr("%n entries are still in use.", nullptr, inUse)) +
             QStringLiteral("\n\n") +
-            tr("The connect dialog comes back when the last application has ended; kitestarter brings it back at "
-               "once."));
+            tr("The connect dialog reappears when the last application has ended. Run kitestarter to show it now."));
 }
 
 void DialogSession::OnWentToTray()
 {
-    m_tray.Tell(tr("The connect dialog stays here until you choose \"Quit\"."), QSystemTrayIcon::Information);
+    m_tray.ShowMessage(tr("The connect dialog stays here until you choose \"Quit\"."), QSystemTrayIcon::Information);
 }
 
 void DialogSession::SaveNow()
 {
     if (!m_save())
-        m_tray.Tell(tr("The configuration could not be saved."), QSystemTrayIcon::Critical);
+        m_tray.ShowMessage(tr("The configuration could not be saved."), QSystemTrayIcon::Critical);
 }

@@ -13,31 +13,30 @@
 class ConnectDialog;
 class Notices;
 
-/// The host while a person works with the dialog: brings together what happens to the dialog, the tray and the session
-/// with what the host does about it.
+/// The host's interactive mode: connects the dialog, the tray icon, the message boxes and saving.
 class DialogSession : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Stores and saves everything; false when that failed.
+    /// Stores and saves everything. Returns false if saving failed.
     using Save = std::function<bool()>;
 
-    /// Dialog and notices must outlive the session.
+    /// `dialog` and `notices` must outlive the session.
     DialogSession(const ConnectDialog& dialog, Notices& notices, Save save, QObject* parent = nullptr);
     ~DialogSession() override;
 
-    /// Shows the dialog, and to the person what notices there are: from the tray where there is one, else in a box.
+    /// Shows the dialog and the pending notices: as tray messages if there is a tray, otherwise in a message box.
     void Start();
 
 signals:
-    /// Everything has been saved; or it could not be, and the person wants the end all the same.
-    void EndWanted();
+    /// The host shall end: everything has been saved, or the user chose to quit although saving failed.
+    void QuitRequested();
 
 private:
-    void SaveHidden();
-    void SaveAndEnd();
-    void Tell(const QString& text);
+    void SaveOnHide();
+    void SaveAndQuit();
+    void ShowNotice(const QString& text);
     void OnStaysHidden(int inUse);
     void OnWentToTray();
     void SaveNow();
@@ -45,10 +44,10 @@ private:
     Notices& m_notices;
     const Save m_save;
     StatusMonitor m_monitor;
-    DialogVisibility m_keeper;
+    DialogVisibility m_visibility;
     TrayIcon m_tray;
     NoticeBox m_noticeBox;
-    QuitQuestion m_question;
+    QuitQuestion m_quitQuestion;
     QuitQuestion m_unsavedQuestion;
-    bool m_isAskedUnsaved = false;
+    bool m_isUnsavedQuestionOpen = false;
 };

@@ -12,7 +12,7 @@ DialogVisibility::DialogVisibility(const ConnectDialog& dialog, const StatusMoni
     , m_monitor(monitor)
 {
     dialog.Window()->installEventFilter(this);
-    // Connected after the dialog's own slot, so this runs when everything has been connected that can be.
+    // Connected after the dialog's own slot, so this runs after the entries have been connected.
     connect(dialog.ConnectButton(), &QAbstractButton::clicked, this, &DialogVisibility::OnConnectClicked);
     connect(&monitor, &StatusMonitor::InUseChanged, this, &DialogVisibility::DecideLater);
 }
@@ -23,19 +23,19 @@ bool DialogVisibility::eventFilter(QObject* watched, QEvent* event)
         if (event->type() == QEvent::Show) {
             m_state = State::Shown;
         } else if (event->type() == QEvent::Hide && m_dialog.Window()->isHidden() && m_state == State::Shown) {
-            // A minimised window gets this event, too, but does not count as hidden.
+            // Minimising sends this event, too, but does not count as hiding.
             m_state = State::Closed;
-            // "&Connect" hides first and connects then: whether anything is in use is known later.
+            // "&Connect" hides the dialog before it connects, so whether entries are in use is known only later.
             DecideLater();
         }
     }
     return QObject::eventFilter(watched, event);
 }
 
-void DialogVisibility::SetTrayAvailable(bool bAvailable)
+void DialogVisibility::SetTrayAvailable(bool available)
 {
-    m_trayAvailable = bAvailable;
-    if (!bAvailable)
+    m_trayAvailable = available;
+    if (!available)
         DecideLater();
 }
 
@@ -44,13 +44,13 @@ void DialogVisibility::ShowDialog()
     m_dialog.BringToFront();
 }
 
-void DialogVisibility::AskToEnd()
+void DialogVisibility::RequestQuit()
 {
     const int inUse = m_monitor.CountInUse();
     if (inUse == 0)
-        emit EndWanted();
+        emit QuitRequested();
     else
-        emit EndNeedsAnswer(inUse);
+        emit QuitNeedsConfirmation(inUse);
 }
 
 void DialogVisibility::OnConnectClicked()
@@ -69,8 +69,8 @@ void DialogVisibility::DecideLater()
 
 void DialogVisibility::Decide()
 {
-    // A box that is open now was opened by "&Connect", which has more entries to go, or asks about the end; what
-    // follows its answer decides.
+    // An open box belongs to "&Connect", which has more entries to go, or asks about quitting. The next decision is
+    // made after it is answered.
     if (QApplication::activeModalWidget())
         return;
 
@@ -85,9 +85,9 @@ void DialogVisibility::Decide()
             m_dialog.BringToFront();
         break;
     case State::InTray:
-        // The host is not ended for the loss of the tray: a panel that starts anew is no wish of the person.
+        // Losing the tray does not end the host: the panel may only be restarting.
         if (!m_trayAvailable)
-            ComeBackOrWait();
+            ShowOrWait();
         break;
     }
 }
@@ -101,13 +101,13 @@ void DialogVisibility::DecideAboutClosed()
             emit WentToTray();
         m_wentToTrayBefore = true;
     } else if (m_monitor.CountInUse() == 0) {
-        emit EndWanted();
+        emit QuitRequested();
     } else {
-        ComeBackOrWait();
+        ShowOrWait();
     }
 }
 
-void DialogVisibility::ComeBackOrWait()
+void DialogVisibility::ShowOrWait()
 {
     m_state = State::Waiting;
     const int inUse = m_monitor.CountInUse();

@@ -5,72 +5,70 @@
 class ConnectDialog;
 class StatusMonitor;
 
-/// Decides what becomes of the host while its only window is hidden, so that a person never faces a host that cannot be
-/// reached.
+/// Decides what the host does while its only window is hidden, so that a running host can always be reached.
 ///
-/// With an icon in the system tray, which the dialog can be called from:
+/// With a tray icon:
 ///
-/// - The dialog was closed: the host stays, and the dialog stays away until it is called.
+/// - The dialog is closed: the host keeps running, and the dialog stays hidden until the user opens it from the tray.
 ///
-/// Without one:
+/// Without a tray icon:
 ///
-/// - The dialog was closed and no entry is in use: the host shall end.
-/// - The dialog was closed while entries are in use: the host stays, and the dialog comes back when the last of them is
+/// - The dialog is closed and no entry is in use: the host ends.
+/// - The dialog is closed while entries are in use: the host keeps running and shows the dialog when all entries are
 ///   "Free" again.
-/// - The tray goes while the dialog is away: it comes back when no entry is in use, which may be at once.
+/// - The tray disappears while the dialog is hidden: the dialog is shown as soon as no entry is in use.
 ///
-/// With or without:
+/// In both cases:
 ///
-/// - "&Connect" hid the dialog: it comes back when the last entry is "Free" again; at once when none could be
+/// - "&Connect" hid the dialog: it is shown again when all entries are "Free", or at once if nothing could be
 ///   connected.
-/// - The person asks for the end: that is asked about first while entries are in use, whose applications end with the
-///   host.
+/// - The user quits: confirmation is needed while entries are in use, because their applications end with the host.
 ///
-/// Nothing is decided while a message box is open. Shows the dialog by itself; everything else is announced.
+/// Nothing is decided while a message box is open. This class shows the dialog itself; everything else is a signal.
 class DialogVisibility : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Both must outlive the keeper. There is no tray at first.
+    /// `dialog` and `monitor` must outlive this object. Initially there is no tray.
     DialogVisibility(const ConnectDialog& dialog, const StatusMonitor& monitor, QObject* parent = nullptr);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-    /// Whether the dialog can be called from the tray, from now on.
-    void SetTrayAvailable(bool bAvailable);
+    /// Sets whether the dialog can be opened from the tray.
+    void SetTrayAvailable(bool available);
 
-    /// Shows the dialog in front of other windows, whatever it was hidden for.
+    /// Shows the dialog in front of other windows, for whatever reason it was hidden.
     void ShowDialog();
-    /// The person wants the host to end.
-    void AskToEnd();
-    /// To be called when a message box has been answered that is not the dialog's own, such as the one of
-    /// `EndNeedsAnswer`.
+    /// Handles the user's wish to quit: emits `QuitRequested` or `QuitNeedsConfirmation`.
+    void RequestQuit();
+    /// Decides again from the event loop. Call this when a message box other than the dialog's own has been closed,
+    /// such as the one that `QuitNeedsConfirmation` opens.
     void DecideLater();
 
 signals:
-    /// The person is done with the dialog for now.
+    /// The dialog was closed or hidden by "&Connect".
     void DialogHidden();
-    void EndWanted();
-    /// The person wants the end, but `inUse` entries are in use: ask.
-    void EndNeedsAnswer(int inUse);
-    /// Said each time: the dialog is hidden, and the host stays because of `inUse` entries.
+    void QuitRequested();
+    /// The user wants to quit while `inUse` entries are in use.
+    void QuitNeedsConfirmation(int inUse);
+    /// The dialog is hidden, and the host keeps running because of `inUse` entries. Emitted every time.
     void StaysHidden(int inUse);
-    /// Said once: the dialog was closed for the first time, and can be called from the tray.
+    /// The dialog was closed to the tray for the first time. Emitted once.
     void WentToTray();
 
 private:
     enum class State {
         Shown,
-        Closed,  ///< hidden, and it is not yet decided what that means
-        Waiting, ///< hidden until nothing is in use
-        InTray   ///< hidden until it is called
+        Closed,  ///< hidden, not yet decided what follows
+        Waiting, ///< hidden until no entry is in use
+        InTray   ///< hidden until it is opened from the tray
     };
 
     void OnConnectClicked();
     void Decide();
     void DecideAboutClosed();
-    void ComeBackOrWait();
+    void ShowOrWait();
 
     const ConnectDialog& m_dialog;
     const StatusMonitor& m_monitor;

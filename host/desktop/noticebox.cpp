@@ -10,7 +10,7 @@ NoticeBox::~NoticeBox()
     delete m_pBox;
 }
 
-void NoticeBox::Tell(const QString& text)
+void NoticeBox::Show(const QString& text)
 {
     if (m_pBox && m_pBox->isVisible()) {
         m_pBox->setText(m_pBox->text() + QStringLiteral("\n\n") + text);
@@ -20,7 +20,7 @@ void NoticeBox::Tell(const QString& text)
         m_pBox = new QMessageBox(QMessageBox::Warning, tr("Vexel - Connect Dialog"), text, QMessageBox::Ok);
         m_pBox->setObjectName(QStringLiteral("m_noticeBox"));
         m_pBox->setAttribute(Qt::WA_DeleteOnClose);
-        // It tells of names of files, in which nothing is formatting.
+        // The text contains file names, which must not be interpreted as markup.
         m_pBox->setTextFormat(Qt::PlainText);
         m_pBox->setModal(false);
         m_pBox->show();

@@ -4,8 +4,7 @@
 #include <QObject>
 #include <QPointer>
 
-/// Tells the person something in a box that keeps nobody from working: the dialog can be used, and can come and go,
-/// while it is open.
+/// Shows messages in a non-modal box: the dialog stays usable, and can be shown and hidden, while the box is open.
 class NoticeBox : public QObject
 {
     Q_OBJECT
@@ -15,8 +14,8 @@ public:
     /// Closes an open box.
     ~NoticeBox() override;
 
-    /// Shows `text`, in the box that is open already where there is one.
-    void Tell(const QString& text);
+    /// Shows `text`; appends it if the box is already open.
+    void Show(const QString& text);
 
 private:
     QPointer<QMessageBox> m_pBox;

@@ -2,6 +2,6 @@
 
 #include <QIcon>
 
-/// The host's icon, in windows' title bars, the task bar and the system tray; another one while entries are in use.
+/// Returns the host's icon for title bars, the task bar and the system tray; a different one if entries are in use.
 /// Needs a QGuiApplication.
 QIcon ProgramIcon(bool isInUse = false);

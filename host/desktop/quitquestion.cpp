@@ -15,13 +15,13 @@ QuitQuestion::~QuitQuestion()
 void QuitQuestion::Ask(int inUse)
 {
     const QString count = inUse == 1 ? tr("1 entry is in use.") : tr("%n entries are in use.", nullptr, inUse);
-    Open(count + QStringLiteral("\n\n") + tr("Applications that were started from the connect dialog end with it."));
+    Open(count + QStringLiteral("\n\n") + tr("Applications started from the connect dialog will be closed."));
 }
 
 void QuitQuestion::AskUnsaved()
 {
     Open(tr("The configuration could not be saved.") + QStringLiteral("\n\n") +
-         tr("What was changed since it was last saved is lost when the connect dialog ends now."));
+         tr("Changes since the last save will be lost if you quit now."));
 }
 
 void QuitQuestion::Open(const QString& text)
@@ -31,22 +31,22 @@ void QuitQuestion::Open(const QString& text)
         m_pBox->activateWindow();
         return;
     }
-    // No parent: the dialog is most likely hidden.
+    // No parent: the dialog is usually hidden.
     m_pBox = new QMessageBox(QMessageBox::Question, tr("Vexel - Connect Dialog"), text);
     m_pBox->setAttribute(Qt::WA_DeleteOnClose);
     const QPushButton* quit = m_pBox->addButton(tr("Quit"), QMessageBox::AcceptRole);
     QPushButton* cancel = m_pBox->addButton(tr("Cancel"), QMessageBox::RejectRole);
-    // A key pressed by chance ends nothing.
+    // An accidental key press must not quit.
     m_pBox->setDefaultButton(cancel);
     m_pBox->setEscapeButton(cancel);
 
     connect(m_pBox, &QMessageBox::finished, this, [this, quit] {
-        const bool isQuit = m_pBox->clickedButton() == quit;
-        // The one who hears the answer finds no box open any more.
+        const bool quitChosen = m_pBox->clickedButton() == quit;
+        // Hidden before the signal, so that receivers do not find an open modal box.
         m_pBox->hide();
         m_pBox->deleteLater();
         m_pBox.clear();
-        emit Answered(isQuit);
+        emit Answered(quitChosen);
     });
     m_pBox->setModal(true);
     m_pBox->show();

@@ -4,21 +4,20 @@
 #include <QObject>
 #include <QPointer>
 
-/// Asks whether the host shall end although something is lost with it: entries are in use, or the last changes could
-/// not be saved. Does not wait for the answer, so that everything else, such as a request of the system to end, goes on
-/// meanwhile.
+/// Asks whether to quit although entries are in use or the last changes could not be saved. Does not block, so that a
+/// quit request from the system still works while the box is open.
 class QuitQuestion : public QObject
 {
     Q_OBJECT
 
 public:
     explicit QuitQuestion(QObject* parent = nullptr);
-    /// An open question goes unanswered.
+    /// Closes an open box without an answer.
     ~QuitQuestion() override;
 
-    /// Shows the box; one that is open already comes to the front. `inUse` is the number of entries in use.
+    /// Asks because `inUse` entries are in use. A box that is already open is brought to the front instead.
     void Ask(int inUse);
-    /// The same where the configuration could not be saved.
+    /// Asks because the configuration could not be saved, likewise.
     void AskUnsaved();
 
 signals:

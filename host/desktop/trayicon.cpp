@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr std::chrono::milliseconds kLookInterval = 1s;
+constexpr std::chrono::milliseconds kPollInterval = 1s;
 
 } // namespace
 
@@ -21,24 +21,24 @@ TrayIcon::TrayIcon(const StatusMonitor& monitor, QObject* parent)
     m_icon.setParent(this);
     m_icon.setContextMenu(&m_menu);
 
-    QAction* show = m_menu.addAction(tr("Show connect dialog"), this, &TrayIcon::DialogWanted);
+    QAction* show = m_menu.addAction(tr("Show connect dialog"), this, &TrayIcon::ShowRequested);
     m_menu.setDefaultAction(show);
-    m_menu.addAction(tr("Save now"), this, &TrayIcon::SaveWanted);
+    m_menu.addAction(tr("Save now"), this, &TrayIcon::SaveRequested);
     m_menu.addSeparator();
-    m_menu.addAction(tr("Quit"), this, &TrayIcon::EndWanted);
+    m_menu.addAction(tr("Quit"), this, &TrayIcon::QuitRequested);
 
     connect(&m_icon, &QSystemTrayIcon::activated, this, &TrayIcon::OnActivated);
     connect(&monitor, &StatusMonitor::InUseChanged, this, &TrayIcon::ShowCount);
-    connect(&m_lookTimer, &QTimer::timeout, this, &TrayIcon::Look);
+    connect(&m_pollTimer, &QTimer::timeout, this, &TrayIcon::UpdateAvailability);
 
     ShowCount(monitor.CountInUse());
     m_available = QSystemTrayIcon::isSystemTrayAvailable();
-    // Where there never is a tray, Qt would complain of that.
+    // Showing the icon without a tray makes Qt print a warning.
     m_icon.setVisible(m_available);
-    m_lookTimer.start(kLookInterval);
+    m_pollTimer.start(kPollInterval);
 }
 
-void TrayIcon::Tell(const QString& text, QSystemTrayIcon::MessageIcon icon)
+void TrayIcon::ShowMessage(const QString& text, QSystemTrayIcon::MessageIcon icon)
 {
     if (m_available)
         m_icon.showMessage(tr("Vexel - Connect Dialog"), text, icon);
@@ -46,18 +46,18 @@ void TrayIcon::Tell(const QString& text, QSystemTrayIcon::MessageIcon icon)
 
 void TrayIcon::OnActivated(QSystemTrayIcon::ActivationReason reason)
 {
-    // A double click has been a click already, the menu's own click belongs to the menu.
+    // A double click starts with a click; clicks for the context menu are handled by the menu.
     if (reason == QSystemTrayIcon::Trigger)
-        emit DialogWanted();
+        emit ShowRequested();
 }
 
-void TrayIcon::Look()
+void TrayIcon::UpdateAvailability()
 {
     const bool available = QSystemTrayIcon::isSystemTrayAvailable();
     if (available == m_available)
         return;
     m_available = available;
-    // Once it is visible, it is so in the tray that comes after this one, too.
+    // A visible icon moves to a new tray by itself.
     if (available)
         m_icon.show();
     emit AvailabilityChanged(available);

@@ -7,40 +7,40 @@
 
 class StatusMonitor;
 
-/// The host's icon in the system tray: shows how many entries are in use, and offers what can be done without the
-/// dialog. Where there is no tray the icon waits for one.
+/// The host's icon in the system tray: shows how many entries are in use and has a menu to show the dialog, save and
+/// quit. If there is no tray, waits for one.
 ///
-/// Does nothing by itself but say what is wanted.
+/// Only emits signals; acts on nothing itself.
 class TrayIcon : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The monitor must outlive the icon.
+    /// `monitor` must outlive the icon.
     explicit TrayIcon(const StatusMonitor& monitor, QObject* parent = nullptr);
 
-    /// Whether a person can see the icon.
+    /// Returns whether the icon is visible in a tray.
     bool IsAvailable() const { return m_available; }
 
-    /// Whether a message beside the icon can be seen.
-    bool CanTell() const { return m_available && QSystemTrayIcon::supportsMessages(); }
-    /// A message beside the icon; nothing where there is no tray.
-    void Tell(const QString& text, QSystemTrayIcon::MessageIcon icon);
+    /// Returns whether the tray can show messages.
+    bool CanShowMessages() const { return m_available && QSystemTrayIcon::supportsMessages(); }
+    /// Shows a message beside the icon. Does nothing without a tray.
+    void ShowMessage(const QString& text, QSystemTrayIcon::MessageIcon icon);
 
 signals:
-    /// The tray appeared or went; noticed a moment later, because most systems do not say.
-    void AvailabilityChanged(bool bAvailable);
-    void DialogWanted();
-    void SaveWanted();
-    void EndWanted();
+    /// The tray appeared or disappeared. Emitted with a delay, because most systems have to be polled for it.
+    void AvailabilityChanged(bool available);
+    void ShowRequested();
+    void SaveRequested();
+    void QuitRequested();
 
 private:
     void OnActivated(QSystemTrayIcon::ActivationReason reason);
-    void Look();
+    void UpdateAvailability();
     void ShowCount(int inUse);
 
     QMenu m_menu;
     QSystemTrayIcon m_icon;
-    QTimer m_lookTimer;
+    QTimer m_pollTimer;
     bool m_available = false;
 };

@@ -14,17 +14,17 @@
 
 namespace {
 
-constexpr int kWidestColumn = 60;
-// Taken of a text before it is escaped and cut to the width: a name may be a megabyte long.
-constexpr qsizetype kLongestRead = 240;
+constexpr int kMaxColumnWidth = 60;
+// Texts are cut to this length before escaping: a name may be a megabyte long.
+constexpr qsizetype kMaxReadLength = 240;
 
-/// The table's columns, in its order: what identifies an entry first, the tick last.
+/// The table's columns in order: what identifies an entry first, the tick last.
 constexpr std::array kTableColumns = {
     EntryColumn::Name,          EntryColumn::Status,        EntryColumn::DeviceType, EntryColumn::ConnectionType,
     EntryColumn::DeviceAddress, EntryColumn::DriverAddress, EntryColumn::LinkSpeed,  EntryColumn::Timeout,
     EntryColumn::Subsystem,     EntryColumn::Tick};
 
-/// How JSON calls a column's value and, where the value is a number that stands for something, its text.
+/// The JSON names of a column's value and, for enumerated values, of its displayed text.
 struct JsonField
 {
     EntryColumn column;
@@ -52,7 +52,7 @@ QModelIndex Cell(const QAbstractItemModel& entries, int row, EntryColumn column)
 
 QString Heading(const QAbstractItemModel& entries, EntryColumn column)
 {
-    // The list heads the tick with a picture only.
+    // The model's heading for the tick is only an icon.
     if (column == EntryColumn::Tick)
         return QStringLiteral("Selected");
     return OneLine(entries.headerData(static_cast<int>(column), Qt::Horizontal, Qt::DisplayRole).toString());
@@ -63,7 +63,7 @@ QString CellText(const QAbstractItemModel& entries, int row, EntryColumn column)
     const QModelIndex cell = Cell(entries, row, column);
     if (column == EntryColumn::Tick)
         return cell.data(Qt::EditRole).toBool() ? QStringLiteral("yes") : QStringLiteral("no");
-    return Elided(OneLine(cell.data(Qt::DisplayRole).toString().left(kLongestRead)), kWidestColumn);
+    return Elided(OneLine(cell.data(Qt::DisplayRole).toString().left(kMaxReadLength)), kMaxColumnWidth);
 }
 
 } // namespace

@@ -4,10 +4,10 @@
 #include <QByteArray>
 #include <QString>
 
-/// The list of entries for a person: a table with a heading, one line per entry whatever its texts hold, long texts
-/// cut. Ends with a line break.
+/// Returns the entries as a table for people: a heading, then one line per entry, long texts shortened. Ends with a
+/// line break.
 QString ConnectionTable(const QAbstractItemModel& entries);
 
-/// The list of entries for a program: a JSON object whose "connections" are objects with every field as it is, and
-/// with the text that is shown for each number.
+/// Returns the entries as JSON for programs: an object with an array "connections". Each element has every field, and
+/// for each enumerated field also the displayed text.
 QByteArray ConnectionJson(const QAbstractItemModel& entries);

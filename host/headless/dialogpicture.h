@@ -4,7 +4,7 @@
 
 class ConnectDialog;
 
-/// Shows the dialog, wide and high enough for what its views hold (within reason), and writes it as PNG to `fileName`.
-/// The dialog is afterwards hidden or shown as before. Returns an empty text, or why the file could not be written; a
-/// file that was there then stays as it was.
+/// Writes a screenshot of the dialog as PNG to `fileName`. The dialog is enlarged to fit its contents, within limits;
+/// its visibility is restored afterwards. Returns why the file could not be written, in which case an existing file is
+/// unchanged; empty on success.
 QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName);

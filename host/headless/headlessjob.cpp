@@ -19,7 +19,7 @@ HeadlessJob::HeadlessJob(const HostOptions& options, const ConnectDialog& dialog
     , m_dialog(dialog)
     , m_monitor(dialog.Entries())
 {
-    connect(&m_answerer, &MessageBoxAutoResponder::BoxOpened, this, &HeadlessJob::OnBoxOpened);
+    connect(&m_autoResponder, &MessageBoxAutoResponder::BoxOpened, this, &HeadlessJob::OnBoxOpened);
     connect(&m_monitor, &StatusMonitor::StatusChanged, this, &HeadlessJob::OnStatusChanged);
 }
 
@@ -31,13 +31,13 @@ ExitCode HeadlessJob::Run()
         Export();
     if (m_options.list)
         List();
-    TakePicture(m_options.screenshotBefore);
+    TakeScreenshot(m_options.screenshotBefore);
     if (m_options.Connects() && !Connect())
         return m_result;
-    TakePicture(m_options.screenshotDuring);
+    TakeScreenshot(m_options.screenshotDuring);
     if (m_options.wait)
         Wait();
-    TakePicture(m_options.screenshot);
+    TakeScreenshot(m_options.screenshot);
     return m_result;
 }
 
@@ -47,8 +47,8 @@ void HeadlessJob::Stop()
     emit Stopped();
 }
 
-/// All the files or none: the same command can then be given again. False when there was one that could not be taken;
-/// the list then is as it was.
+/// Imports and adds all files or none, so that the same command can be repeated. Returns false if a file could not be
+/// used; the list is then unchanged.
 bool HeadlessJob::ImportAndAdd()
 {
     const QScopedValueRollback changing(m_isChangingEntries, true);
@@ -58,13 +58,13 @@ bool HeadlessJob::ImportAndAdd()
         files.prepend(m_options.fileToImport);
 
     const int before = m_dialog.Count();
-    const bool good = std::all_of(files.cbegin(), files.cend(), [this](const QString& file) { return Append(file); });
-    // What an import replaces goes last, when nothing can fail any more: so nothing has to be brought back.
-    if (!good && m_dialog.Count() > before)
+    const bool ok = std::all_of(files.cbegin(), files.cend(), [this](const QString& file) { return Append(file); });
+    // The entries that an import replaces are removed last, when nothing can fail any more.
+    if (!ok && m_dialog.Count() > before)
         m_dialog.Entries()->removeRows(before, m_dialog.Count() - before);
-    else if (good && imports && before > 0)
+    else if (ok && imports && before > 0)
         m_dialog.Entries()->removeRows(0, before);
-    return good;
+    return ok;
 }
 
 bool HeadlessJob::Append(const QString& fileName)
@@ -73,7 +73,7 @@ bool HeadlessJob::Append(const QString& fileName)
     if (file.error.isEmpty() && m_dialog.Append(file.content))
         return true;
     Fail(ExitCode::Unusable, file.error.isEmpty()
-                                 ? QStringLiteral("%1 is not a connection list, or holds no entry").arg(fileName)
+                                 ? QStringLiteral("%1 is not a connection list, or has no entries").arg(fileName)
                                  : file.error);
     return false;
 }
@@ -82,18 +82,19 @@ void HeadlessJob::Export()
 {
     const QByteArray document = m_dialog.Document();
     if (m_options.fileToExport == HostOptions::kStandardOutput)
-        NotePrinted(Console::PrintBytes(document));
+        CheckPrinted(Console::PrintBytes(document));
     else if (const QString error = WriteListFile(m_options.fileToExport, document); !error.isEmpty())
         Fail(ExitCode::Usage, error);
 }
 
 void HeadlessJob::List()
 {
-    NotePrinted(m_options.json ? Console::PrintBytes(ConnectionJson(*m_dialog.Entries()))
-                               : Console::PrintRaw(ConnectionTable(*m_dialog.Entries())));
+    CheckPrinted(m_options.json ? Console::PrintBytes(ConnectionJson(*m_dialog.Entries()))
+                                : Console::PrintRaw(ConnectionTable(*m_dialog.Entries())));
 }
 
-/// False when nothing was connected because the list does not hold what was asked for.
+/// Connects the requested entries. Returns false if nothing was connected because an entry is missing or none is
+/// ticked.
 bool HeadlessJob::Connect()
 {
     for (const QString& name : m_options.namesToConnect)
@@ -105,12 +106,13 @@ bool HeadlessJob::Connect()
     if (m_result == ExitCode::NotConnected)
         return false;
 
-    Press(rows);
+    ConnectRows(rows);
     for (const int row : rows) {
         if (m_rowsStarted.contains(row))
             continue;
-        // A box has already said why; else only the traces do.
-        const QString hint = m_boxOpened || m_options.trace ? QString() : QStringLiteral(" (--trace says why)");
+        // If a message box opened, it gave the reason; otherwise only the traces do.
+        const QString hint =
+            m_boxOpened || m_options.trace ? QString() : QStringLiteral(" (use --trace for the reason)");
         Fail(ExitCode::NotConnected, QStringLiteral("\"%1\" could not be connected%2").arg(m_dialog.Name(row), hint));
     }
     return true;
@@ -125,11 +127,11 @@ QList<int> HeadlessJob::RowsToConnect() const
     return rows;
 }
 
-/// Connects exactly the entries of `rows`; the ticks are afterwards as they were.
-void HeadlessJob::Press(const QList<int>& rows)
+/// Connects exactly the entries in `rows` and restores the ticks.
+void HeadlessJob::ConnectRows(const QList<int>& rows)
 {
     const QScopedValueRollback changing(m_isChangingEntries, true);
-    const TickRestorer keeper(m_dialog);
+    const TickRestorer restorer(m_dialog);
     const QSet<int> wanted(rows.begin(), rows.end());
     for (int row = 0; row < m_dialog.Count(); ++row)
         if (wanted.contains(row) || m_dialog.IsTicked(row))
@@ -150,7 +152,7 @@ void HeadlessJob::Wait()
     loop.exec();
 }
 
-void HeadlessJob::TakePicture(const QString& fileName)
+void HeadlessJob::TakeScreenshot(const QString& fileName)
 {
     if (fileName.isEmpty() || m_stopped)
         return;
@@ -161,16 +163,16 @@ void HeadlessJob::TakePicture(const QString& fileName)
 void HeadlessJob::Fail(ExitCode code, const QString& message)
 {
     Console::PrintError(message);
-    NoteFailure(code);
+    RecordFailure(code);
 }
 
-void HeadlessJob::NotePrinted(bool isPrinted)
+void HeadlessJob::CheckPrinted(bool isPrinted)
 {
     if (!isPrinted)
-        NoteFailure(ExitCode::Usage);
+        RecordFailure(ExitCode::Usage);
 }
 
-void HeadlessJob::NoteFailure(ExitCode code)
+void HeadlessJob::RecordFailure(ExitCode code)
 {
     if (m_result == ExitCode::Done)
         m_result = code;
@@ -179,9 +181,9 @@ void HeadlessJob::NoteFailure(ExitCode code)
 void HeadlessJob::OnBoxOpened(const QString& title, const QString& text)
 {
     m_boxOpened = true;
-    // One line for all paragraphs; the one that follows names the entry exactly.
-    static const QRegularExpression kBreaks(QStringLiteral("\\n+"));
-    Console::PrintError(QStringLiteral("%1: %2").arg(title, QString(text).replace(kBreaks, QStringLiteral(" "))));
+    // Joins the paragraphs into one line; the line that follows quotes the entry's name exactly.
+    static const QRegularExpression kLineBreaks(QStringLiteral("\\n+"));
+    Console::PrintError(QStringLiteral("%1: %2").arg(title, QString(text).replace(kLineBreaks, QStringLiteral(" "))));
 }
 
 void HeadlessJob::OnStatusChanged(int row, const QString& name, const QString& from, const QString& to)

@@ -9,27 +9,26 @@
 #include <QObject>
 #include <QSet>
 
-/// What the command line asks for without a person at the dialog: import, add, export, list, connect, wait, and
-/// the pictures.
+/// Does the headless work that the command line asks for: import, add, export, list, connect, wait, screenshots.
 ///
-/// Message boxes are answered, and what they say goes to standard error. Runs inside the application's event loop.
+/// Message boxes are answered automatically, and their texts go to standard error. Runs inside the application's event
+/// loop.
 class HeadlessJob : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Both must outlive the job.
+    /// `options` and `dialog` must outlive the job.
     HeadlessJob(const HostOptions& options, const ConnectDialog& dialog, QObject* parent = nullptr);
 
-    /// Does all of it in the documented order, and returns when it is done or `Stop` was called. The result is that of
-    /// the first thing that failed.
+    /// Does the steps in the documented order. Returns when all are done or `Stop` was called, with the code of the
+    /// first failure.
     ExitCode Run();
 
-    /// Ends a wait, and leaves out what would come after.
+    /// Ends a wait and skips the remaining steps.
     void Stop();
 
-    /// Whether it is in the middle of something, and the list such as it is to remain neither before nor afterwards.
-    /// Nothing is to be saved then.
+    /// True while the list is in an intermediate state that must not be saved.
     bool IsChangingEntries() const { return m_isChangingEntries; }
 
 signals:
@@ -42,12 +41,12 @@ private:
     void List();
     bool Connect();
     QList<int> RowsToConnect() const;
-    void Press(const QList<int>& rows);
+    void ConnectRows(const QList<int>& rows);
     void Wait();
-    void TakePicture(const QString& fileName);
+    void TakeScreenshot(const QString& fileName);
     void Fail(ExitCode code, const QString& message);
-    void NotePrinted(bool isPrinted);
-    void NoteFailure(ExitCode code);
+    void CheckPrinted(bool isPrinted);
+    void RecordFailure(ExitCode code);
 
     void OnBoxOpened(const QString& title, const QString& text);
     void OnStatusChanged(int row, const QString& name, const QString& from, const QString& to);
@@ -55,8 +54,8 @@ private:
     const HostOptions& m_options;
     const ConnectDialog& m_dialog;
     StatusMonitor m_monitor;
-    MessageBoxAutoResponder m_answerer;
-    QSet<int> m_rowsStarted; // rows that were not "Free" at any moment of the connecting
+    MessageBoxAutoResponder m_autoResponder;
+    QSet<int> m_rowsStarted; // rows that became other than "Free" while connecting
     bool m_boxOpened = false;
     bool m_stopped = false;
     bool m_isChangingEntries = false;

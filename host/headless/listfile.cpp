@@ -12,8 +12,7 @@ namespace {
 constexpr qint64 kMebibyte = 1 << 20;
 constexpr qint64 kLargestFile = 64 * kMebibyte;
 
-/// Why `file` could not be written, for a person: where that cannot be told from what is there, by how the last attempt
-/// went.
+/// Returns why `file` could not be written, for the user. If the file system does not show it, `last` decides.
 QString ObstacleTo(const QFileInfo& file, Attempt last)
 {
     if (file.exists() && !file.isWritable())
@@ -22,7 +21,7 @@ QString ObstacleTo(const QFileInfo& file, Attempt last)
                          QStringLiteral("/.probe-XXXXXX"));
     if (!probe.open())
         return probe.errorString();
-    return last == Attempt::Busy ? QStringLiteral("it cannot take its place; another program may hold it")
+    return last == Attempt::Busy ? QStringLiteral("it cannot be replaced; another program may have it open")
                                  : QStringLiteral("no room");
 }
 
@@ -42,7 +41,7 @@ ListFile ReadListFile(const QString& fileName)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return refused(file.errorString());
-    // Read no more than one byte too many: the file may be growing.
+    // One byte over the limit is enough: the file may be growing.
     const QByteArray content = file.read(kLargestFile + 1);
     if (file.error() != QFileDevice::NoError)
         return refused(file.errorString());
@@ -57,7 +56,7 @@ QString WriteListFile(const QString& fileName, const QByteArray& content)
         return QStringLiteral("cannot write %1: %2").arg(fileName, reason);
     };
 
-    // Replacing a pipe or a device by a file is not what writing to it means.
+    // A pipe or device must not be replaced by a file.
     const QFileInfo former(fileName);
     if (former.exists() && !former.isFile())
         return refused(QStringLiteral("not a regular file"));

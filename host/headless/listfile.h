@@ -7,12 +7,12 @@
 struct ListFile
 {
     QByteArray content;
-    QString error; ///< a sentence that names the file; empty after a success
+    QString error; ///< the error with the file's name; empty on success
 };
 
-/// Reads a whole file, which must be a regular one of a sane size: a pipe or a device might never end.
+/// Reads a regular file of limited size: a pipe or a device might never end.
 ListFile ReadListFile(const QString& fileName);
 
-/// Makes `content` the content of a file, all of it or nothing: after a failure or a crash the file is what it was
-/// before. Returns a sentence that names the file and says why it could not be written; empty after a success.
+/// Replaces the content of a file atomically: after a failure or a crash it has its old content. Returns the error with
+/// the file's name; empty on success.
 QString WriteListFile(const QString& fileName, const QByteArray& content);

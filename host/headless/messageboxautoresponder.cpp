@@ -32,7 +32,7 @@ bool MessageBoxAutoResponder::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Show) {
         if (auto* box = qobject_cast<QMessageBox*>(watched)) {
             emit BoxOpened(box->windowTitle(), box->text());
-            // Not from here: the box is only just being shown, and its own event loop does not run yet.
+            // Queued: the box is still being shown, and its event loop does not run yet.
             QTimer::singleShot(0, box, [box] { Answer(box); });
         }
     }

@@ -3,8 +3,8 @@
 #include <QObject>
 #include <QString>
 
-/// Stands in for the person who is not there: each message box that opens is answered at once, with the button that
-/// Enter would press, and what it says is announced. One object at a time, on the application.
+/// Answers every message box as soon as it opens, with the button that Enter would press, and reports its text.
+/// Installs an event filter on the application; only one object may exist.
 class MessageBoxAutoResponder : public QObject
 {
     Q_OBJECT

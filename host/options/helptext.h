@@ -2,12 +2,12 @@
 
 #include <QString>
 
-/// What `--help` says beside the options themselves.
+/// The parts of `--help` around the list of options.
 namespace HelpText {
 
-/// Before the options: what the host does.
+/// Returns the text before the options: what the host does.
 QString Description();
-/// After them: how the options work together, and the exit codes.
+/// Returns the text after the options: how they work together, and the exit codes.
 QString Notes();
 
 } // namespace HelpText

@@ -2,6 +2,6 @@
 
 #include "host/options/hostoptions.h"
 
-/// `options` with the plug-in and the configuration directory that the host takes when it is given none. Needs the
-/// application object and its names.
+/// Returns `options` with defaults for the plug-in and the configuration directory. Needs the application object with
+/// its names set.
 HostOptions WithDefaults(HostOptions options);

@@ -35,32 +35,33 @@ private:
         QStringLiteral("FILE")};
     const QCommandLineOption m_config = {
         QStringLiteral("config"),
-        QStringLiteral("Keep the configuration in DIR, which is made where it is missing. Default: this user's usual "
-                       "place for configurations."),
+        QStringLiteral(
+            "Use the configuration in DIR, which is created if missing. Default: this user's configuration folder."),
         QStringLiteral("DIR")};
     const QCommandLineOption m_data = {
         QStringLiteral("data"),
-        QStringLiteral("Read CfgVEXEL.xml and TypeApplicationMappings.xml, which say what applications there are, "
-                       "from DIR, and store that. Default: the directory last stored, else the installed samples."),
+        QStringLiteral(
+            "Read CfgVEXEL.xml and TypeApplicationMappings.xml, which list the applications, from DIR, and store "
+            "DIR in the configuration. Default: the stored one, else the installed samples."),
         QStringLiteral("DIR")};
     const QCommandLineOption m_name = {
         QStringLiteral("name"),
-        QStringLiteral("Name of the plug-in's instance and of its own configuration. Default: %1.").arg(kDefaultName),
+        QStringLiteral("Name of the plug-in's instance and of its configuration. Default: %1.").arg(kDefaultName),
         QStringLiteral("NAME")};
     const QCommandLineOption m_trace = {QStringLiteral("trace"),
                                         QStringLiteral("Write trace lines to standard error.")};
     const QCommandLineOption m_traceFile = {
         QStringLiteral("trace-file"),
-        QStringLiteral("Append trace lines to FILE. Beyond 10 MiB it becomes FILE.1, an earlier FILE.1 becomes FILE.2, "
-                       "and so on up to FILE.5."),
+        QStringLiteral(
+            "Append trace lines to FILE. At 10 MiB it is renamed to FILE.1, FILE.1 to FILE.2, and so on up to "
+            "FILE.5."),
         QStringLiteral("FILE")};
     const QCommandLineOption m_language = {
         QStringLiteral("language"),
-        QStringLiteral("Language of the dialog, as in \"de\" or \"de_AT\". Default: the system's."),
+        QStringLiteral("Language of the dialog, such as \"de\" or \"de_AT\". Default: the system's."),
         QStringLiteral("LOCALE")};
     const QCommandLineOption m_import = {
-        QStringLiteral("import"),
-        QStringLiteral("Put the entries of the connection list FILE (XML) in place of all entries."),
+        QStringLiteral("import"), QStringLiteral("Replace all entries by those of the connection list FILE (XML)."),
         QStringLiteral("FILE")};
     const QCommandLineOption m_add = {
         QStringLiteral("add"),
@@ -68,49 +69,49 @@ private:
         QStringLiteral("FILE")};
     const QCommandLineOption m_export = {
         QStringLiteral("export"),
-        QStringLiteral("Write the whole list to FILE, as --import and the dialog read it. \"-\": to standard output."),
+        QStringLiteral("Write all entries to FILE as a connection list (XML). \"-\": to standard output."),
         QStringLiteral("FILE")};
     const QCommandLineOption m_list = {QStringLiteral("list"),
                                        QStringLiteral("Print the entries as a table, before anything is connected.")};
     const QCommandLineOption m_json = {
         QStringLiteral("json"),
-        QStringLiteral("With --list, --backups or --diagnose: print one JSON document, with numbers and "
-                       "texts. Not together with --wait, which prints lines.")};
+        QStringLiteral(
+            "With --list, --backups or --diagnose: print one JSON document. Not together with --wait, which prints "
+            "lines.")};
     const QCommandLineOption m_connect = {
         QStringLiteral("connect"),
-        QStringLiteral("Connect the entries called NAME, whether they are ticked or not; the ticks stay as they are. "
-                       "Repeatable. If any NAME is unknown, nothing is connected."),
+        QStringLiteral(
+            "Connect the entries called NAME, ticked or not; the ticks do not change. Repeatable. If any NAME is "
+            "unknown, nothing is connected."),
         QStringLiteral("NAME")};
     const QCommandLineOption m_connectSelected = {QStringLiteral("connect-selected"),
                                                   QStringLiteral("Connect the ticked entries.")};
     const QCommandLineOption m_wait = {
         QStringLiteral("wait"),
-        QStringLiteral("Wait until every entry that was connected is \"Free\" again. Prints each change of status as "
-                       "a line \"TIME NAME: Free -> In Use\".")};
-    const QCommandLineOption m_screenshotBefore = {
-        QStringLiteral("screenshot-before"),
-        QStringLiteral("Write a picture of the dialog before anything is connected to FILE (PNG)."),
-        QStringLiteral("FILE")};
+        QStringLiteral("Wait until all connected entries are \"Free\" again. Prints each change of status as a line "
+                       "\"TIME NAME: Free -> In Use\".")};
+    const QCommandLineOption m_screenshotBefore = {QStringLiteral("screenshot-before"),
+                                                   QStringLiteral("Write a screenshot to FILE before connecting."),
+                                                   QStringLiteral("FILE")};
     const QCommandLineOption m_screenshotDuring = {
         QStringLiteral("screenshot-during"),
-        QStringLiteral("Write a picture of the dialog to FILE as soon as everything is connected. Needs --connect or "
-                       "--connect-selected."),
+        QStringLiteral("Write a screenshot to FILE after connecting. Needs --connect or --connect-selected."),
         QStringLiteral("FILE")};
-    const QCommandLineOption m_screenshot = {QStringLiteral("screenshot"),
-                                             QStringLiteral("Write a picture of the dialog to FILE at the end."),
-                                             QStringLiteral("FILE")};
+    const QCommandLineOption m_screenshot = {
+        QStringLiteral("screenshot"), QStringLiteral("Write a screenshot of the dialog to FILE (PNG) at the end."),
+        QStringLiteral("FILE")};
     const QCommandLineOption m_backups = {
         QStringLiteral("backups"),
-        QStringLiteral("Print the versions of the stored list, newest first, with number, date and time, number of "
-                       "entries, and file.")};
+        QStringLiteral(
+            "Print the versions of the stored list, newest first: number, date and time, number of entries, file.")};
     const QCommandLineOption m_restore = {
         QStringLiteral("restore"),
-        QStringLiteral("Bring version N back, as --backups numbers them. What it replaces becomes version 1."),
-        QStringLiteral("N")};
+        QStringLiteral("Restore version N (see --backups). The current state becomes version 1."), QStringLiteral("N")};
     const QCommandLineOption m_diagnose = {
         QStringLiteral("diagnose"),
-        QStringLiteral("Print what a support desk asks first: versions, paths, what was read from the data directory "
-                       "and what of it was dropped, the state of the configuration and of the starter's port.")};
+        QStringLiteral(
+            "Print a report for a support desk: versions, paths, what was read from the data directory and what "
+            "was ignored, the state of the configuration and of the starter's port.")};
 };
 
 Parser::Parser()
@@ -143,12 +144,12 @@ Parser::Parser()
 
 QString Parser::Help() const
 {
-    // The parser's own first line names whatever path the program was started by.
+    // The parser's first line contains the path that the program was started by.
     const QString text = m_parser.helpText();
     return QStringLiteral("Usage: vexelhost [options]") + text.mid(text.indexOf(QLatin1Char('\n'))) + HelpText::Notes();
 }
 
-/// Why a value given on the command line cannot be taken; empty when all can.
+/// Returns why a value on the command line is invalid; empty if all are valid.
 QString Parser::CheckGivenValues() const
 {
     if (!m_parser.positionalArguments().isEmpty())
@@ -159,24 +160,24 @@ QString Parser::CheckGivenValues() const
           &m_screenshot, &m_screenshotBefore, &m_screenshotDuring}) {
         const QStringList values = m_parser.values(*option);
         if (values.contains(QString()))
-            return QStringLiteral("--%1 needs a value that is not empty").arg(option->names().constFirst());
+            return QStringLiteral("--%1: the value must not be empty").arg(option->names().constFirst());
     }
 
-    // The other values are settings, of which the last one counts; these are work, and all of it is meant.
+    // Of settings the last one counts. These are actions, and a second one would be ignored.
     for (const QCommandLineOption* option : {&m_import, &m_export, &m_restore})
         if (m_parser.values(*option).size() > 1)
             return QStringLiteral("--%1 can be given only once").arg(option->names().constFirst());
     if (m_parser.isSet(m_restore)) {
         bool isNumber = false;
         if (m_parser.value(m_restore).toInt(&isNumber) < 1 || !isNumber)
-            return QStringLiteral("--restore needs the number of a version, as --backups prints it");
+            return QStringLiteral("--restore: not the number of a version (see --backups)");
     }
 
     const QString language = m_parser.value(m_language);
     if (!language.isEmpty() && language != QLatin1String("C") && QLocale(language) == QLocale::c())
         return QStringLiteral("--language: no such locale: %1").arg(language);
 
-    // Stored as it is given, so a slip of the finger would last.
+    // The value is stored, so a typo would persist.
     if (m_parser.isSet(m_data) && !QFileInfo(m_parser.value(m_data)).isDir())
         return QStringLiteral("--data: no such directory: %1").arg(m_parser.value(m_data));
     return {};
@@ -251,16 +252,16 @@ ParsedCommandLine Parser::Parse(const QStringList& arguments)
     using Outcome = ParsedCommandLine::Outcome;
 
     if (!m_parser.parse(arguments))
-        return {Outcome::Wrong, m_parser.errorText(), {}};
+        return {Outcome::Invalid, m_parser.errorText(), {}};
     if (m_parser.isSet(m_help))
         return {Outcome::Print, Help(), {}};
     if (m_parser.isSet(m_version))
         return {Outcome::Print, QStringLiteral("vexelhost " VEXEL_VERSION "\n"), {}};
     if (const QString error = CheckGivenValues(); !error.isEmpty())
-        return {Outcome::Wrong, error, {}};
+        return {Outcome::Invalid, error, {}};
     const HostOptions options = Read();
     if (const QString error = CheckCombination(options); !error.isEmpty())
-        return {Outcome::Wrong, error, {}};
+        return {Outcome::Invalid, error, {}};
     return {Outcome::Run, {}, options};
 }
 
@@ -277,12 +278,12 @@ bool HostOptions::IsHeadless() const
            !screenshot.isEmpty() || !screenshotBefore.isEmpty() || !screenshotDuring.isEmpty();
 }
 
-bool HostOptions::ShowsOnly() const
+bool HostOptions::IsReadOnly() const
 {
     return IsHeadless() && !Connects() && fileToImport.isEmpty() && filesToAdd.isEmpty();
 }
 
-bool HostOptions::IsForSupport() const
+bool HostOptions::IsSupportCommand() const
 {
     return backups || versionToRestore > 0 || diagnose;
 }

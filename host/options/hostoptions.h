@@ -6,58 +6,57 @@
 
 #include <optional>
 
-/// What the host was asked to do: its command line as a value. Paths are absolute.
+/// The parsed command line. Paths are absolute.
 struct HostOptions
 {
     QString plugin;                  ///< the plug-in's library; empty: the one installed with the host
-    QString configDirectory;         ///< the configuration store; empty: the platform's usual place
-    QString dataDirectory;           ///< with the machine's XML files; empty: as stored, or the samples
+    QString configDirectory;         ///< the configuration store; empty: the user's default location
+    QString dataDirectory;           ///< directory of the machine's XML files; empty: as stored, or the samples
     QString name;                    ///< the plug-in instance's name, never empty
-    bool trace = false;              ///< traces to standard error
-    QString traceFile;               ///< traces appended to this file; empty: none
+    bool trace = false;              ///< write traces to standard error
+    QString traceFile;               ///< append traces to this file; empty: none
     std::optional<QLocale> language; ///< none: the system's
-    QString fileToImport;            ///< connection list that takes the place of all entries; empty: none
+    QString fileToImport;            ///< connection list that replaces all entries; empty: none
     QStringList filesToAdd;          ///< connection lists whose entries are appended
-    QString fileToExport;            ///< where the whole list is written as a document; `kStandardOutput` or a path
+    QString fileToExport;            ///< where the whole list is written; `kStandardOutput` or a path; empty: none
     bool list = false;               ///< print the entries
-    bool json = false;               ///< ... as JSON
-    QStringList namesToConnect;      ///< entries to connect, each name once
-    bool connectSelected = false;    ///< connect the entries that are ticked
-    bool wait = false;               ///< until every started entry is "Free" again
-    QString screenshotBefore;        ///< picture of the dialog before anything is connected; empty: none
-    QString screenshotDuring;        ///< ... once everything is connected
-    QString screenshot;              ///< ... at the end
+    bool json = false;               ///< print JSON
+    QStringList namesToConnect;      ///< names of the entries to connect, without duplicates
+    bool connectSelected = false;    ///< connect the ticked entries
+    bool wait = false;               ///< wait until every connected entry is "Free" again
+    QString screenshotBefore;        ///< screenshot file, taken before connecting; empty: none
+    QString screenshotDuring;        ///< screenshot file, taken after connecting; empty: none
+    QString screenshot;              ///< screenshot file, taken at the end; empty: none
     bool backups = false;            ///< print the versions of the stored list
-    int versionToRestore = 0;        ///< bring this version of it back, 1 being the newest; 0: none
-    bool diagnose = false;           ///< print what a support desk asks for
+    int versionToRestore = 0;        ///< version to restore, 1 is the newest; 0: none
+    bool diagnose = false;           ///< print a report for a support desk
 
-    /// As the file to export to: the document is printed.
+    /// As `fileToExport`: write to standard output.
     static inline const QString kStandardOutput = QStringLiteral("-");
 
-    /// Whether entries are to be connected.
+    /// Returns whether entries are to be connected.
     bool Connects() const;
-    /// Whether the work is done without a person at the dialog; the host then ends by itself.
+    /// Returns whether the work is done without a user at the dialog; the host then ends by itself.
     bool IsHeadless() const;
-    /// Whether it is without a person and shows what is stored, and nothing more: it neither changes nor starts
-    /// anything.
-    bool ShowsOnly() const;
-    /// Whether it is about the configuration alone, without the plug-in's instance and without any window.
-    bool IsForSupport() const;
+    /// Returns whether the work is headless and neither changes nor starts anything.
+    bool IsReadOnly() const;
+    /// Returns whether only the configuration is needed, without a plug-in instance or window.
+    bool IsSupportCommand() const;
 };
 
-/// The outcome of reading a command line.
+/// The result of parsing a command line.
 struct ParsedCommandLine
 {
     enum class Outcome {
-        Run,   ///< do what `options` says
-        Print, ///< print `text` (help or version); nothing else
-        Wrong, ///< the command line is wrong; `text` says in one line how
+        Run,     ///< do what `options` says
+        Print,   ///< print `text` (help or version) and exit
+        Invalid, ///< the command line is invalid; `text` says why, in one line
     };
 
-    Outcome outcome = Outcome::Wrong;
+    Outcome outcome = Outcome::Invalid;
     QString text;
     HostOptions options;
 };
 
-/// Reads a command line; `arguments` begins with the program. Relative paths are taken from the current directory.
+/// Parses a command line; `arguments` begins with the program. Relative paths are relative to the current directory.
 ParsedCommandLine ParseCommandLine(const QStringList& arguments);

@@ -3,11 +3,11 @@
 #include <QFile>
 #include <QString>
 
-/// What a file that lines are appended to needs of the system.
+/// Platform-specific functions for append-only files.
 
-/// Opens `name` with `file` to append texts, unbuffered, and makes it where it is missing. Waits for nobody: a pipe
-/// that nobody reads from is not opened. `error` says why it failed.
-bool OpenToAppend(QFile& file, const QString& name, QString* error);
+/// Opens or creates `name` with `file` for unbuffered appending. Does not block: opening a pipe without a reader fails.
+/// Sets `error` on failure.
+bool OpenForAppend(QFile& file, const QString& name, QString* error);
 
-/// Whether `name` still stands for what is open, and nobody has removed or renamed that.
-bool IsOpenAt(const QFile& file, const QString& name);
+/// Returns whether `name` still refers to the open file, i.e. it was not removed or renamed.
+bool IsSameFile(const QFile& file, const QString& name);

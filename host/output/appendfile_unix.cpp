@@ -5,17 +5,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-bool OpenToAppend(QFile& file, const QString& name, QString* error)
+bool OpenForAppend(QFile& file, const QString& name, QString* error)
 {
     const int descriptor = ::open(QFile::encodeName(name).constData(),
                                   O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (descriptor == -1) {
-        *error = errno == ENXIO ? QStringLiteral("nobody reads from it") : qt_error_string(errno);
+        *error = errno == ENXIO ? QStringLiteral("no process is reading from it") : qt_error_string(errno);
         return false;
     }
-    // Only to open it was not to take time. A reader that is slow loses nothing.
+    // O_NONBLOCK was needed for open() only. Writes may block, so that a slow reader loses nothing.
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
-    // The system appends by itself; asked to do so, Qt would look for the end of a pipe.
+    // O_APPEND is set already; with QIODevice::Append Qt would seek, which fails on a pipe.
     if (file.open(descriptor, QIODevice::WriteOnly | QIODevice::Text | QIODevice::Unbuffered,
                   QFileDevice::AutoCloseHandle))
         return true;
@@ -24,7 +24,7 @@ bool OpenToAppend(QFile& file, const QString& name, QString* error)
     return false;
 }
 
-bool IsOpenAt(const QFile& file, const QString& name)
+bool IsSameFile(const QFile& file, const QString& name)
 {
     struct stat opened = {};
     struct stat named = {};

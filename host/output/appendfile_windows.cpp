@@ -8,10 +8,10 @@
 #include <io.h>
 #include <windows.h>
 
-bool OpenToAppend(QFile& file, const QString& name, QString* error)
+bool OpenForAppend(QFile& file, const QString& name, QString* error)
 {
-    // With no other right than this the system puts every text behind all others, also those of other processes. Qt
-    // asks for more, and then looks for the end once only.
+    // With FILE_APPEND_DATA alone the system appends atomically, also between processes. Qt requests more rights and
+    // seeks to the end only once.
     const std::wstring native = QDir::toNativeSeparators(name).toStdWString();
     const HANDLE handle =
         CreateFileW(native.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE,
@@ -33,8 +33,8 @@ bool OpenToAppend(QFile& file, const QString& name, QString* error)
     return false;
 }
 
-bool IsOpenAt(const QFile& /*file*/, const QString& /*name*/)
+bool IsSameFile(const QFile& /*file*/, const QString& /*name*/)
 {
-    // While a file is open here, the system neither removes nor renames it.
+    // Windows neither removes nor renames a file that is open here.
     return true;
 }

@@ -9,10 +9,10 @@ using StandardStreams::Stream;
 
 namespace {
 
-bool Printed(bool isWritten)
+bool CheckWritten(bool isWritten)
 {
     if (!isWritten)
-        Console::PrintError(QStringLiteral("cannot write all of it to standard output"));
+        Console::PrintError(QStringLiteral("cannot write everything to standard output"));
     return isWritten;
 }
 
@@ -27,12 +27,12 @@ void Print(const QString& text)
 
 bool PrintRaw(const QString& text)
 {
-    return Printed(StandardStreams::Write(Stream::Output, text));
+    return CheckWritten(StandardStreams::Write(Stream::Output, text));
 }
 
 bool PrintBytes(const QByteArray& bytes)
 {
-    return Printed(StandardStreams::Write(Stream::Output, bytes));
+    return CheckWritten(StandardStreams::Write(Stream::Output, bytes));
 }
 
 void PrintError(const QString& message)

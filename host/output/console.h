@@ -3,20 +3,18 @@
 #include <QByteArray>
 #include <QString>
 
-/// The host's standard output and error. Every line is flushed at once, so that a reader at the other end of a pipe
-/// sees it when it happens.
+/// The host's standard output and error. Output is flushed at once, so that a reader of a pipe sees it immediately.
 namespace Console {
 
 /// Writes `text` and a line break to standard output.
 void Print(const QString& text);
 
-/// Writes `text`, which somebody has asked for, to standard output as it stands. False, and complained of, where not
-/// all of it could be written.
+/// Writes `text` unchanged to standard output. Prints an error and returns false if not all of it could be written.
 [[nodiscard]] bool PrintRaw(const QString& text);
-/// The same with `bytes` as they are, as for a document with an encoding of its own.
+/// Writes `bytes` likewise, for example a document with its own encoding.
 [[nodiscard]] bool PrintBytes(const QByteArray& bytes);
 
-/// Writes "vexelhost: " and `message`, brought onto one line, to standard error.
+/// Writes "vexelhost: " and `message`, escaped to a single line, to standard error.
 void PrintError(const QString& message);
 
 } // namespace Console

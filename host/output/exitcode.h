@@ -1,11 +1,10 @@
 #pragma once
 
-/// How the host ends; part of its command line's contract (see `--help`).
+/// The host's exit codes, documented in `--help`.
 enum class ExitCode : int {
-    Done = 0,         ///< everything asked for was done
-    Usage = 1,        ///< the command line is wrong, it names a version that does not exist, or what it asks for cannot
-                      ///< be written to the file it names or to standard output
+    Done = 0,         ///< everything was done
+    Usage = 1,        ///< invalid command line, no such version, or an output file or standard output cannot be written
     Unusable = 2,     ///< the plug-in, the configuration or an input file cannot be used, or there is no display
-    NotConnected = 3, ///< something asked for could not be connected
-    Running = 4,      ///< another host works on the same configuration directory
+    NotConnected = 3, ///< an entry could not be connected
+    Running = 4,      ///< another host uses the same configuration directory
 };

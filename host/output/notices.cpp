@@ -5,25 +5,25 @@
 
 #include <utility>
 
-void Notices::Say(const QString& line, const QString& shown)
+void Notices::Report(const QString& line, const QString& shown)
 {
     Console::PrintError(line);
-    ShowUnread(shown);
+    ShowIfUnread(shown);
 }
 
-void Notices::ShowUnread(const QString& text)
+void Notices::ShowIfUnread(const QString& text)
 {
-    if (StandardStreams::IsRead(StandardStreams::Stream::Error))
+    if (StandardStreams::HasReader(StandardStreams::Stream::Error))
         return;
-    if (m_show)
-        m_show(text);
+    if (m_display)
+        m_display(text);
     else
-        m_kept.append(text);
+        m_pending.append(text);
 }
 
-void Notices::ShowThrough(Show show)
+void Notices::SetDisplay(Display display)
 {
-    m_show = std::move(show);
-    if (m_show && !m_kept.isEmpty())
-        m_show(std::exchange(m_kept, {}).join(QStringLiteral("\n\n")));
+    m_display = std::move(display);
+    if (m_display && !m_pending.isEmpty())
+        m_display(std::exchange(m_pending, {}).join(QStringLiteral("\n\n")));
 }

@@ -5,24 +5,25 @@
 
 #include <functional>
 
-/// What the host has to say of itself while a person works with its dialog. It goes to standard error; where nobody
-/// reads that, as when kitestarter started the host, it is shown to the person.
+/// The host's messages to an interactive user. They go to standard error; if that has no reader, for example because
+/// kitestarter started the host, they are displayed as well.
 class Notices
 {
 public:
-    using Show = std::function<void(const QString& text)>;
+    using Display = std::function<void(const QString& text)>;
 
-    /// Writes `line` to standard error, and shows it where nobody reads that.
-    void Say(const QString& line) { Say(line, line); }
-    /// The same, with another text for the person.
-    void Say(const QString& line, const QString& shown);
-    /// For what standard error has had already: shows `text` where nobody reads that.
-    void ShowUnread(const QString& text);
+    /// Writes `line` to standard error, and displays it if standard error has no reader.
+    void Report(const QString& line) { Report(line, line); }
+    /// Same, with a different text to display.
+    void Report(const QString& line, const QString& shown);
+    /// Displays `text` if standard error has no reader. For messages already written there.
+    void ShowIfUnread(const QString& text);
 
-    /// How texts are shown from now on. What came before is shown at once, in one piece. None: texts are kept again.
-    void ShowThrough(Show show);
+    /// Sets the function that displays texts. Pending texts are displayed at once, as one text. An empty function makes
+    /// further texts pending.
+    void SetDisplay(Display display);
 
 private:
-    Show m_show;
-    QStringList m_kept;
+    Display m_display;
+    QStringList m_pending;
 };

@@ -19,53 +19,53 @@ struct Message
     QString text;
 };
 
-// Message handlers are plain functions; while Qt starts there is one thread.
-QList<Message>* g_pHeldBack = nullptr;
-QtMessageHandler g_earlierHandler = nullptr;
-QtMessageHandler g_handlerBelowFilter = nullptr;
+// Message handlers are plain functions. During Qt's start-up there is only one thread.
+QList<Message>* g_pBuffered = nullptr;
+QtMessageHandler g_previousHandler = nullptr;
+QtMessageHandler g_unfilteredHandler = nullptr;
 
-void HoldBack(QtMsgType type, const QMessageLogContext& context, const QString& text)
+void BufferMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     if (type != QtFatalMsg) {
-        g_pHeldBack->append({type, QByteArray(context.category), text});
+        g_pBuffered->append({type, QByteArray(context.category), text});
         return;
     }
-    // The first warning names the cause; the fatal message explains at length what may be done about an installation.
-    const QString cause = g_pHeldBack->isEmpty() ? text.section(QLatin1Char('\n'), 0, 0) : g_pHeldBack->first().text;
-    Console::PrintError(QStringLiteral("no window can be shown: %1").arg(cause));
+    // The first warning names the cause; the fatal message is long advice about reinstalling.
+    const QString cause = g_pBuffered->isEmpty() ? text.section(QLatin1Char('\n'), 0, 0) : g_pBuffered->first().text;
+    Console::PrintError(QStringLiteral("cannot show windows: %1").arg(cause));
     std::_Exit(static_cast<int>(ExitCode::Unusable));
 }
 
-void LeaveOut(QtMsgType type, const QMessageLogContext& context, const QString& text)
+void FilterMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    // The offscreen platform says the first about each window; a service or a container has none of the directories for
-    // a person's session that the second is about.
-    const bool noise = text == QLatin1String("This plugin does not support propagateSizeHints()") ||
-                       text.startsWith(QLatin1String("QStandardPaths: "));
-    if (!noise)
-        g_handlerBelowFilter(type, context, text);
+    // The offscreen platform prints the first message for each window. The second is about a user session's
+    // directories, which services and containers do not have.
+    const bool isExpected = text == QLatin1String("This plugin does not support propagateSizeHints()") ||
+                            text.startsWith(QLatin1String("QStandardPaths: "));
+    if (!isExpected)
+        g_unfilteredHandler(type, context, text);
 }
 
 } // namespace
 
 QtStartMessages::QtStartMessages()
 {
-    g_pHeldBack = new QList<Message>;
-    g_earlierHandler = qInstallMessageHandler(HoldBack);
+    g_pBuffered = new QList<Message>;
+    g_previousHandler = qInstallMessageHandler(BufferMessage);
 }
 
 QtStartMessages::~QtStartMessages()
 {
-    qInstallMessageHandler(g_earlierHandler);
-    for (const Message& message : std::as_const(*g_pHeldBack)) {
+    qInstallMessageHandler(g_previousHandler);
+    for (const Message& message : std::as_const(*g_pBuffered)) {
         const QMessageLogContext context(nullptr, 0, nullptr, message.category.constData());
         qt_message_output(message.type, context, message.text);
     }
-    delete g_pHeldBack;
-    g_pHeldBack = nullptr;
+    delete g_pBuffered;
+    g_pBuffered = nullptr;
 }
 
 void SuppressHeadlessWarnings()
 {
-    g_handlerBelowFilter = qInstallMessageHandler(LeaveOut);
+    g_unfilteredHandler = qInstallMessageHandler(FilterMessage);
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-/// While it lives, what Qt says about its own start is held back: when it starts, it is passed on as usual; when Qt
-/// gives up because there is no display it can use, one line says so and the process ends with `ExitCode::Unusable`.
-/// Nothing is open yet then that would have to be saved.
+/// Buffers Qt's messages during its start-up. They are passed on in the destructor. If Qt aborts because it has no
+/// usable display, prints one line and ends the process with `ExitCode::Unusable`; nothing needs saving at that point.
 class QtStartMessages
 {
 public:
@@ -13,6 +12,5 @@ public:
     QtStartMessages& operator=(const QtStartMessages&) = delete;
 };
 
-/// From now on leaves out what Qt says about the lack of a desktop and of a person's session, which headless use is
-/// for.
+/// Filters out Qt's warnings about a missing desktop or user session, which are expected in headless use.
 void SuppressHeadlessWarnings();

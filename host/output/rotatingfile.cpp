@@ -9,12 +9,12 @@
 
 #include <utility>
 
-QString RotatingFile::Open(const QString& fileName, qint64 largest)
+QString RotatingFile::Open(const QString& fileName, qint64 maxSize)
 {
     m_name = fileName;
-    m_largest = largest;
-    m_limit = largest;
-    const QString error = OpenAgain();
+    m_maxSize = maxSize;
+    m_limit = maxSize;
+    const QString error = Reopen();
     if (!error.isEmpty())
         m_name.clear();
     return error;
@@ -24,11 +24,11 @@ QString RotatingFile::Append(const QByteArray& line)
 {
     if (!IsOpen())
         return {};
-    FollowName();
+    ReopenIfReplaced();
     if (IsFull(line.size()))
-        MakeRoom(line.size());
+        TryRotate(line.size());
     Write(line);
-    return std::exchange(m_complaints, {}).join(QStringLiteral("; and it "));
+    return std::exchange(m_newProblems, {}).join(QStringLiteral("; and it "));
 }
 
 QString RotatingFile::NameOf(int number) const
@@ -38,12 +38,12 @@ QString RotatingFile::NameOf(int number) const
 
 bool RotatingFile::IsFull(qint64 added) const
 {
-    // An empty file is never full: a line that is larger than a file shall be has to stand somewhere.
-    return m_pFile && m_isFile && m_pFile->size() > 0 && m_pFile->size() + added > m_limit &&
+    // An empty file is never full: a line larger than the limit must go somewhere.
+    return m_pFile && m_isRegular && m_pFile->size() > 0 && m_pFile->size() + added > m_limit &&
            QFileInfo(m_name).isFile();
 }
 
-bool RotatingFile::EndsWithinALine() const
+bool RotatingFile::EndsMidLine() const
 {
     QFile file(m_name);
     char last = '\n';
@@ -51,46 +51,47 @@ bool RotatingFile::EndsWithinALine() const
            last != '\n';
 }
 
-/// Where the name does not stand for what is open any more, opens what it stands for now.
-void RotatingFile::FollowName()
+/// Reopens the file if the name no longer refers to the open one.
+void RotatingFile::ReopenIfReplaced()
 {
-    if (m_pFile && (!m_isFile || IsOpenAt(*m_pFile, m_name)))
+    if (m_pFile && (!m_isRegular || IsSameFile(*m_pFile, m_name)))
         return;
-    if (const QString error = OpenAgain(); !error.isEmpty())
-        PrintError(Gone, QStringLiteral("was removed or renamed and cannot be made anew: %1").arg(error));
+    if (const QString error = Reopen(); !error.isEmpty())
+        AddProblem(Removed, QStringLiteral("was removed or renamed and cannot be recreated: %1").arg(error));
 }
 
-void RotatingFile::MakeRoom(qint64 added)
+void RotatingFile::TryRotate(qint64 added)
 {
-    const QString error = PutAside(added);
+    const QString error = Rotate(added);
     if (error.isEmpty())
         return;
-    // Not with every line from now on.
-    m_limit = (m_pFile ? m_pFile->size() : 0) + m_largest;
-    PrintError(NotPutAside, QStringLiteral("is full and cannot be put aside: %1; it grows on").arg(error));
+    // Do not try again with every line.
+    m_limit = (m_pFile ? m_pFile->size() : 0) + m_maxSize;
+    AddProblem(NotRotated, QStringLiteral("is full and cannot be rotated: %1; it keeps growing").arg(error));
 }
 
-/// Makes room for `added` bytes in a new file. An empty text, or why that failed; lines then go where they went.
-QString RotatingFile::PutAside(qint64 added)
+/// Rotates the files to make room for `added` bytes. Returns the error, in which case lines go where they went before;
+/// empty on success.
+QString RotatingFile::Rotate(qint64 added)
 {
     const QString lockName = m_name + QStringLiteral(".lock");
     if (IsNotRegularFile(lockName))
-        return QStringLiteral("%1 is in the way").arg(QDir::toNativeSeparators(lockName));
+        return QStringLiteral("%1 is not a regular file").arg(QDir::toNativeSeparators(lockName));
     FileLock lock;
     QString lockError;
     switch (lock.TryLock(lockName, &lockError)) {
     case FileLock::Result::Locked:
     case FileLock::Result::Unsupported:
         break;
-    case FileLock::Result::Busy: // another process rotates the files: the next line finds the new one
+    case FileLock::Result::Busy: // another process is rotating: the next line goes to the new file
         return {};
     case FileLock::Result::Failed:
-        return QStringLiteral("no file can be made beside it: %1").arg(lockError);
+        return QStringLiteral("its lock file cannot be created: %1").arg(lockError);
     }
 
-    // Another process may have put aside what is open here; the name then stands for its new file already.
-    m_limit = m_largest;
-    if (const QString error = OpenAgain(); !error.isEmpty())
+    // Another process may have rotated already; the name then refers to its new file.
+    m_limit = m_maxSize;
+    if (const QString error = Reopen(); !error.isEmpty())
         return error;
     if (!IsFull(added))
         return {};
@@ -99,43 +100,44 @@ QString RotatingFile::PutAside(qint64 added)
         return error;
     m_pFile.reset();
     const bool isMoved = QFile::rename(m_name, NameOf(1));
-    if (!OpenAgain().isEmpty() && isMoved) {
-        // Better a file that grows than none.
+    if (!Reopen().isEmpty() && isMoved) {
+        // A file that grows is better than none.
         QFile::rename(NameOf(1), m_name);
-        OpenAgain();
-        return QStringLiteral("no new file can be made in its place");
+        Reopen();
+        return QStringLiteral("no new file can be created");
     }
     return isMoved ? QString() : QStringLiteral("it cannot be renamed to %1").arg(QDir::toNativeSeparators(NameOf(1)));
 }
 
-/// Makes the first number free. Nothing is changed when something in the way is not a file.
+/// Renames FILE.n to FILE.n+1 to make FILE.1 available. Changes nothing if one of them is not a regular file.
 QString RotatingFile::ShiftEarlierFiles() const
 {
-    int free = 1;
-    for (; free <= kKeptFiles && QFileInfo::exists(NameOf(free)); ++free)
-        if (!QFileInfo(NameOf(free)).isFile())
-            return QStringLiteral("%1 is in the way").arg(QDir::toNativeSeparators(NameOf(free)));
-    if (free > kKeptFiles) {
-        free = kKeptFiles;
-        if (!QFile::remove(NameOf(free)))
-            return QStringLiteral("%1 cannot be removed").arg(QDir::toNativeSeparators(NameOf(free)));
+    int firstFree = 1;
+    for (; firstFree <= kBackupCount && QFileInfo::exists(NameOf(firstFree)); ++firstFree)
+        if (!QFileInfo(NameOf(firstFree)).isFile())
+            return QStringLiteral("%1 is not a regular file").arg(QDir::toNativeSeparators(NameOf(firstFree)));
+    if (firstFree > kBackupCount) {
+        firstFree = kBackupCount;
+        if (!QFile::remove(NameOf(firstFree)))
+            return QStringLiteral("%1 cannot be removed").arg(QDir::toNativeSeparators(NameOf(firstFree)));
     }
-    for (int number = free; number > 1; --number)
+    for (int number = firstFree; number > 1; --number)
         if (!QFile::rename(NameOf(number - 1), NameOf(number)))
             return QStringLiteral("%1 cannot be renamed").arg(QDir::toNativeSeparators(NameOf(number - 1)));
     return {};
 }
 
-/// Opens what the name stands for. An empty text, or why that failed; lines then go where they went.
-QString RotatingFile::OpenAgain()
+/// Opens the file that the name refers to. Returns the error, in which case lines go where they went before; empty on
+/// success.
+QString RotatingFile::Reopen()
 {
     auto file = std::make_unique<QFile>();
     QString error;
-    if (!OpenToAppend(*file, m_name, &error))
+    if (!OpenForAppend(*file, m_name, &error))
         return error;
     m_pFile = std::move(file);
-    m_isFile = !m_pFile->isSequential() && QFileInfo(m_name).isFile();
-    m_isTorn = m_isFile && EndsWithinALine();
+    m_isRegular = !m_pFile->isSequential() && QFileInfo(m_name).isFile();
+    m_endsMidLine = m_isRegular && EndsMidLine();
     return {};
 }
 
@@ -143,22 +145,22 @@ void RotatingFile::Write(const QByteArray& line)
 {
     if (!m_pFile)
         return;
-    // In one piece and not buffered: lines of other processes stand before or behind it.
-    QByteArray left = m_isTorn ? '\n' + line : line;
+    // Unbuffered, in one write: other processes append lines, too.
+    QByteArray rest = m_endsMidLine ? '\n' + line : line;
     m_pFile->unsetError();
-    while (!left.isEmpty()) {
-        const qint64 written = m_pFile->write(left);
+    while (!rest.isEmpty()) {
+        const qint64 written = m_pFile->write(rest);
         if (written <= 0) {
-            PrintError(NotWritten, QStringLiteral("cannot be written: %1; lines are lost").arg(m_pFile->errorString()));
+            AddProblem(NotWritten, QStringLiteral("cannot be written: %1; lines are lost").arg(m_pFile->errorString()));
             return;
         }
-        m_isTorn = left.at(written - 1) != '\n';
-        left.remove(0, written);
+        m_endsMidLine = rest.at(written - 1) != '\n';
+        rest.remove(0, written);
     }
 }
 
-void RotatingFile::PrintError(Trouble trouble, const QString& text)
+void RotatingFile::AddProblem(Problem problem, const QString& text)
 {
-    if (!std::exchange(m_hasComplained[trouble], true))
-        m_complaints.append(text);
+    if (!std::exchange(m_isReported[problem], true))
+        m_newProblems.append(text);
 }

@@ -16,8 +16,7 @@ bool NeedsEscape(char32_t character)
     case QChar::Separator_Paragraph:
         return true;
     case QChar::Other_Format:
-        // The joiners are part of how words and pictographs are written; the other format characters can turn a line
-        // around.
+        // The joiners are part of words and emoji; other format characters can reverse a line.
         return character != kZeroWidthNonJoiner && character != kZeroWidthJoiner;
     default:
         return false;
@@ -38,7 +37,8 @@ QString Escape(char32_t character)
     }
 }
 
-/// The code points of `text`. Unlike `QString::toUcs4` this keeps unpaired surrogates, so that they can be named.
+/// Returns the code points of `text`. Unlike `QString::toUcs4` this keeps unpaired surrogates, so that they can be
+/// escaped.
 QList<char32_t> CodePoints(const QString& text)
 {
     QList<char32_t> points;

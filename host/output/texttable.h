@@ -4,7 +4,6 @@
 
 #include <vector>
 
-/// `lines` as a table for a terminal: columns as wide as their widest text and two blanks apart, one line each, no
-/// blanks at the end of a line. All lines have as many texts as the first. Ends with a line break, unless there is no
-/// line.
+/// Formats `lines` as a table for a terminal: columns two blanks apart and as wide as their widest text, no trailing
+/// blanks. All lines must have as many texts as the first. Ends with a line break unless `lines` is empty.
 QString TextTable(const std::vector<QStringList>& lines);

@@ -4,5 +4,5 @@
 
 class QDateTime;
 
-/// A time in reports, for people: "2026-03-04 10:11:12", or "-" where it is not known.
+/// Formats a time for people: "2026-03-04 10:11:12", or "-" if it is invalid.
 QString TimeText(const QDateTime& time);

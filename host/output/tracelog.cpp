@@ -11,17 +11,17 @@ TraceLog::~TraceLog()
 {
     if (!m_started)
         return;
-    ErrorHandler::Instance().SetEnabledKinds(m_earlierKinds);
+    ErrorHandler::Instance().SetEnabledKinds(m_previousKinds);
     ErrorHandler::Instance().SetSink({});
 }
 
-QString TraceLog::Start(bool toStandardError, const QString& fileName, qint64 largestFile)
+QString TraceLog::Start(bool toStandardError, const QString& fileName, qint64 maxFileSize)
 {
     if (!toStandardError && fileName.isEmpty())
         return {};
 
     if (!fileName.isEmpty()) {
-        if (const QString error = m_file.Open(fileName, largestFile); !error.isEmpty())
+        if (const QString error = m_file.Open(fileName, maxFileSize); !error.isEmpty())
             return error;
         m_fileName = fileName;
     }
@@ -29,11 +29,11 @@ QString TraceLog::Start(bool toStandardError, const QString& fileName, qint64 la
     m_started = true;
 
     ErrorHandler& handler = ErrorHandler::Instance();
-    m_earlierKinds = handler.EnabledKinds();
+    m_previousKinds = handler.EnabledKinds();
     handler.SetSink([this](ErrorHandler::Kind kind, const QString& message, const QString& sourceFile, quint16 line) {
         Write(Line(QDateTime::currentDateTime(), kind, message, sourceFile, line));
     });
-    handler.SetEnabledKinds(m_earlierKinds | ErrorHandler::Trace);
+    handler.SetEnabledKinds(m_previousKinds | ErrorHandler::Trace);
     return {};
 }
 
@@ -41,7 +41,7 @@ QString TraceLog::Line(const QDateTime& time, ErrorHandler::Kind kind, const QSt
                        const QString& sourceFile, quint16 line)
 {
     const QString kindName = kind == ErrorHandler::Assertion ? QStringLiteral("assertion") : QStringLiteral("trace");
-    // Not through a chain of arg(): a message may hold "%1" itself.
+    // Not with chained arg(): a message may contain "%1".
     return time.toString(Qt::ISODateWithMs) + QLatin1Char(' ') + kindName + QLatin1Char(' ') + OneLine(sourceFile) +
            QLatin1Char(':') + QString::number(line) + QLatin1Char(' ') + OneLine(message);
 }
@@ -54,6 +54,6 @@ void TraceLog::Write(const QString& line)
         StandardStreams::Write(StandardStreams::Stream::Error, bytes);
     if (!m_file.IsOpen())
         return;
-    if (const QString trouble = m_file.Append(bytes); !trouble.isEmpty())
-        Console::PrintError(QStringLiteral("the trace file %1 %2").arg(m_fileName, trouble));
+    if (const QString problem = m_file.Append(bytes); !problem.isEmpty())
+        Console::PrintError(QStringLiteral("the trace file %1 %2").arg(m_fileName, problem));
 }

@@ -9,10 +9,10 @@
 
 namespace {
 
-/// How a connection list document travels.
-const QString kDocumentType = QStringLiteral("text/plain");
+/// The MIME type of a connection list document.
+const QString kMimeType = QStringLiteral("text/plain");
 
-/// The model that `view` shows, below all proxies.
+/// Returns the source model of `view`, below all proxies.
 QAbstractItemModel* SourceModel(const QTreeView* view)
 {
     QAbstractItemModel* model = view->model();
@@ -105,15 +105,15 @@ bool ConnectDialog::Append(const QByteArray& document) const
 {
     const int before = Count();
     QMimeData data;
-    data.setData(kDocumentType, document);
+    data.setData(kMimeType, document);
     const bool good = m_pEntries->dropMimeData(&data, Qt::CopyAction, -1, -1, QModelIndex());
     if (!good) {
-        // What stood before the error has been taken: half a file is not what was asked for.
+        // The model has taken the entries before the error; a partial import is not wanted.
         if (Count() > before)
             m_pEntries->removeRows(before, Count() - before);
         return false;
     }
-    // A file may have been written while its entries were in use; here nothing runs for them.
+    // The file may have been written while its entries were in use, but no application runs for them here.
     for (int row = before; row < Count(); ++row)
         m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Status)), kFree, Qt::EditRole);
     return true;
@@ -126,7 +126,7 @@ QByteArray ConnectDialog::Document() const
     for (int row = 0; row < Count(); ++row)
         rows.append(m_pEntries->index(row, 0));
     const std::unique_ptr<QMimeData> data(m_pEntries->mimeData(rows));
-    return data ? data->data(kDocumentType) : QByteArray();
+    return data ? data->data(kMimeType) : QByteArray();
 }
 
 void ConnectDialog::BringToFront() const

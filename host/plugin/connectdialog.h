@@ -11,8 +11,7 @@
 #include <optional>
 #include <utility>
 
-/// The entries' columns, as far as the host speaks of them. The display role is the text shown, the edit role the
-/// value.
+/// The columns of the entries model. The display role is the displayed text, the edit role the value.
 enum class EntryColumn : int {
     Tick = 0,
     Name = 1,
@@ -27,42 +26,42 @@ enum class EntryColumn : int {
 };
 constexpr int kEntryColumnCount = 10;
 
-/// The plug-in's connect dialog as the host sees it: nothing but Qt's public object tree, found by object names.
+/// Access to the plug-in's connect dialog through Qt's public object tree, by object names.
 ///
-/// Rows are those of the list itself, in its own order, whatever the views filter and sort. Owns nothing; not to be
-/// used once the plug-in's instance is destroyed. GUI thread only.
+/// Rows are source model rows, independent of the views' filter and sort order. Owns nothing; invalid once the
+/// plug-in's instance is destroyed. GUI thread only.
 class ConnectDialog
 {
 public:
     static constexpr int kFree = 0;
 
-    /// The dialog among this application's top-level windows. None, with `error` saying in a sentence what is missing,
-    /// when there is none or it lacks a part.
+    /// Finds the dialog among this application's top-level windows. If it or a part of it is missing, returns none and
+    /// sets `error` to a sentence.
     static std::optional<ConnectDialog> Find(QString& error);
 
     QWidget* Window() const { return m_pWindow; }
     QAbstractButton* ConnectButton() const { return m_pConnectButton; }
-    /// Left (basic) and right (details) view.
+    /// Returns the left (basic) and the right (details) view.
     const QList<QTreeView*>& Views() const { return m_views; }
-    /// The list of entries.
+    /// Returns the source model with the entries.
     QAbstractItemModel* Entries() const { return m_pEntries; }
 
     int Count() const;
     QString Name(int row) const;
     int Status(int row) const;
     bool IsTicked(int row) const;
-    /// Tells the dialog even when the tick already is as asked, so that it sets its button by it.
+    /// Sets the tick, also if it does not change: the dialog then updates its button.
     void SetTicked(int row, bool ticked) const;
-    /// The rows of the entries called `name`, exactly.
+    /// Returns the rows of the entries whose name equals `name`.
     QList<int> RowsNamed(const QString& name) const;
 
-    /// Appends the entries of a connection list document, all "Free". On an error, or where there is no entry, the list
-    /// stays as it was and the result is false.
+    /// Appends the entries of a connection list document, all as "Free". Returns false and leaves the list unchanged if
+    /// the document is malformed or has no entries.
     bool Append(const QByteArray& document) const;
-    /// The whole list as such a document.
+    /// Returns the whole list as a connection list document.
     QByteArray Document() const;
 
-    /// "&Connect". What it starts is started when this returns.
+    /// Clicks "&Connect". When this returns, the applications have been started.
     void PressConnect() const { m_pConnectButton->click(); }
 
     /// Shows the dialog in front of other windows.
@@ -78,8 +77,8 @@ private:
     QAbstractItemModel* m_pEntries = nullptr;
 };
 
-/// Keeps the ticks of all entries and gives them back when it goes, exactly as they were. Entries may be added, moved
-/// and removed meanwhile.
+/// Saves the ticks of all entries and restores them in the destructor. Entries may be added, moved and removed
+/// meanwhile.
 class TickRestorer
 {
 public:

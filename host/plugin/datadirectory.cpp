@@ -10,7 +10,7 @@ namespace {
 
 const QString kKey = QStringLiteral("VexelDataDir");
 
-ICfg& Node()
+ICfg& AdministrationNode()
 {
     return *CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString());
 }
@@ -21,7 +21,7 @@ namespace DataDirectory {
 
 void Set(const QString& directory)
 {
-    Node().SetString(kKey, directory, 0);
+    AdministrationNode().SetString(kKey, directory, 0);
 }
 
 QString InstalledSamples(const QString& programDirectory)
@@ -33,16 +33,16 @@ QString InstalledSamples(const QString& programDirectory)
 
 Fallback::Fallback(const QString& directory)
 {
-    if (directory.isEmpty() || !Node().GetString(kKey, QString(), 0).isEmpty())
+    if (directory.isEmpty() || !AdministrationNode().GetString(kKey, QString(), 0).isEmpty())
         return;
     Set(directory);
-    m_inPlace = true;
+    m_isSet = true;
 }
 
 Fallback::~Fallback()
 {
-    if (m_inPlace)
-        Node().Remove(kKey, 0);
+    if (m_isSet)
+        AdministrationNode().Remove(kKey, 0);
 }
 
 } // namespace DataDirectory

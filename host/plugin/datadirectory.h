@@ -2,17 +2,18 @@
 
 #include <QString>
 
-/// Where the plug-in finds the machine's XML files: "VexelDataDir" under "Administration" in the product configuration.
+/// The directory in which the plug-in finds the machine's XML files: "VexelDataDir" under "Administration" in the
+/// product configuration.
 namespace DataDirectory {
 
-/// Puts `directory` into the configuration.
+/// Stores `directory` in the configuration.
 void Set(const QString& directory);
 
-/// The data directory of the samples that are installed with the host at `programDirectory`; empty where there is none.
+/// Returns the data directory of the samples installed with the host in `programDirectory`; empty if there is none.
 QString InstalledSamples(const QString& programDirectory);
 
-/// Lets the configuration name `directory` for as long as it lives, if it names none itself. It is never stored: an
-/// installed tree that is moved takes its samples along.
+/// Sets `directory` in the configuration during its lifetime if none is configured. It is never saved, so that an
+/// installed tree can be moved together with its samples.
 class Fallback
 {
 public:
@@ -23,7 +24,7 @@ public:
     Fallback& operator=(const Fallback&) = delete;
 
 private:
-    bool m_inPlace = false;
+    bool m_isSet = false;
 };
 
 } // namespace DataDirectory

@@ -14,14 +14,14 @@ QString PluginLibrary::DefaultFile(const QString& programDirectory)
 
 PluginLibrary::Error PluginLibrary::Load(const QString& file)
 {
-    // QLibrary would look for a missing file under other names and in the system's folders.
+    // QLibrary would look for a missing file under other names and in system folders.
     const QFileInfo info(file);
     if (!info.exists())
         return Fail(Error::Missing, QStringLiteral("there is no plug-in %1").arg(file));
     if (!info.isFile())
         return Fail(Error::NotAFile, QStringLiteral("the plug-in %1 is not a file").arg(file));
 
-    // Resolving everything now turns a library that lacks something into an error here instead of a crash later.
+    // Resolving all symbols now turns a missing one into an error here instead of a crash later.
     QLibrary library(info.absoluteFilePath());
     library.setLoadHints(QLibrary::ResolveAllSymbolsHint);
     if (!library.load()) {
@@ -34,7 +34,7 @@ PluginLibrary::Error PluginLibrary::Load(const QString& file)
     if (!m_create || !m_destroy) {
         m_create = nullptr;
         m_destroy = nullptr;
-        return Fail(Error::LacksFunctions,
+        return Fail(Error::MissingExports,
                     QStringLiteral("%1 is not a plug-in: it does not export ARCreateEx and ARDestroy").arg(file));
     }
     m_errorText.clear();
@@ -44,7 +44,7 @@ PluginLibrary::Error PluginLibrary::Load(const QString& file)
 PluginLibrary::Instance PluginLibrary::Create(const QString& name) const
 {
     const std::wstring wide = name.toStdWString();
-    return Instance(m_create(wide.c_str()), Destroyer{m_destroy});
+    return Instance(m_create(wide.c_str()), Deleter{m_destroy});
 }
 
 PluginLibrary::Error PluginLibrary::Fail(Error error, const QString& text)

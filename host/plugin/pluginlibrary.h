@@ -6,39 +6,39 @@
 
 #include <memory>
 
-/// A plug-in's library: its two exported functions, and nothing else of it.
+/// Loads a plug-in's library and resolves its two exported functions.
 ///
-/// A loaded library stays in the process until the process ends. Unloading would pull code from under what the
-/// plug-in leaves in Qt: registered types, resources, and objects that are deleted by a later turn of the event loop.
+/// A loaded library is never unloaded: the plug-in leaves types, resources and objects pending deletion in Qt that need
+/// its code.
 class PluginLibrary
 {
 public:
     enum class Error {
         None,
-        Missing,       ///< there is no such file
+        Missing,       ///< no such file
         NotAFile,      ///< a directory or a device
-        NotLoadable,   ///< not a library, or one that lacks something it needs
-        LacksFunctions ///< a library, but not of a plug-in
+        NotLoadable,   ///< not a library, or a dependency is missing
+        MissingExports ///< a library, but not a plug-in
     };
 
-    /// Gives an instance back to the plug-in that made it.
-    struct Destroyer
+    /// Destroys an instance through the plug-in that created it.
+    struct Deleter
     {
         void (*destroy)(IDllInstance*) = nullptr;
         void operator()(IDllInstance* instance) const { destroy(instance); }
     };
-    using Instance = std::unique_ptr<IDllInstance, Destroyer>;
+    using Instance = std::unique_ptr<IDllInstance, Deleter>;
 
-    /// Where the plug-in stands that is installed with the host at `programDirectory`.
+    /// Returns the path of the plug-in that is installed with the host in `programDirectory`.
     static QString DefaultFile(const QString& programDirectory);
 
     /// Loads `file`. Call once.
     Error Load(const QString& file);
 
-    /// The last error as a sentence that names the file; empty after a success.
+    /// Returns the last error as a sentence with the file's name; empty after success.
     const QString& ErrorText() const { return m_errorText; }
 
-    /// Asks the plug-in for an instance, after a successful `Load`. Null when it gives none.
+    /// Creates an instance. Call after a successful `Load`. Returns null if the plug-in creates none.
     Instance Create(const QString& name) const;
 
 private:

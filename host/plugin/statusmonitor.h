@@ -6,10 +6,10 @@
 
 #include <vector>
 
-/// Watches the status column of the list of entries, and announces real changes only: the list also announces cells
-/// that stay as they are.
+/// Watches the status column of the entries and reports real changes only: the model also emits dataChanged for
+/// unchanged cells.
 ///
-/// A change costs what it touches, not the length of the list. The list must outlive the monitor's use.
+/// The cost depends on the number of changed rows, not on the length of the list. The model must outlive the monitor.
 class StatusMonitor : public QObject
 {
     Q_OBJECT
@@ -17,11 +17,11 @@ class StatusMonitor : public QObject
 public:
     explicit StatusMonitor(QAbstractItemModel* entries, QObject* parent = nullptr);
 
-    /// How many entries are not "Free".
+    /// Returns how many entries are not "Free".
     int CountInUse() const { return m_inUse; }
 
 signals:
-    /// The entry called `name` at `row` went from one status to another. The texts are those shown for the two.
+    /// The status of the entry `name` in `row` changed. `from` and `to` are the displayed texts.
     void StatusChanged(int row, const QString& name, const QString& from, const QString& to);
     void InUseChanged(int count);
 

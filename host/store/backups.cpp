@@ -24,18 +24,18 @@ namespace {
 
 using Obstacle = ConfigVersions::Obstacle;
 
-/// One state of the document: the present one, or a version.
+/// One state of the document: the current one or a version.
 struct Row
 {
-    int number = 0; // 0: the present state
+    int number = 0; // 0: the current state
     QDateTime saved;
     QString file;
-    std::optional<StoredSet> set; // none: there is an obstacle
+    std::optional<StoredSet> set; // none: see obstacle
     Obstacle obstacle = Obstacle::None;
 };
 
-/// What is stored in the document with the root node `node`.
-std::optional<StoredSet> SetOf(const std::unique_ptr<ICfg>& node)
+/// Reads the set stored in the document with the root node `node`.
+std::optional<StoredSet> ReadSet(const std::unique_ptr<ICfg>& node)
 {
     return node ? std::optional(ReadStoredSet(*node)) : std::nullopt;
 }
@@ -44,18 +44,18 @@ std::vector<Row> Rows(const ConfigVersions& versions)
 {
     const QFileInfo document(versions.DocumentFile());
     Row now{0, document.exists() ? document.lastModified() : QDateTime(), document.filePath(), {}, {}};
-    now.set = SetOf(versions.OpenCurrent(&now.obstacle));
+    now.set = ReadSet(versions.OpenCurrent(&now.obstacle));
     std::vector<Row> rows{now};
     const QList<ConfigVersion> list = versions.List();
     for (const ConfigVersion& version : list) {
         Row row{static_cast<int>(rows.size()), version.saved, version.file, {}, {}};
-        row.set = SetOf(versions.Open(version, &row.obstacle));
+        row.set = ReadSet(versions.Open(version, &row.obstacle));
         rows.push_back(row);
     }
     return rows;
 }
 
-QString CountText(const std::optional<StoredSet>& set, Obstacle obstacle)
+QString EntriesText(const std::optional<StoredSet>& set, Obstacle obstacle)
 {
     if (!set)
         return obstacle == Obstacle::Unread ? QStringLiteral("cannot be read") : QStringLiteral("damaged");
@@ -65,17 +65,17 @@ QString CountText(const std::optional<StoredSet>& set, Obstacle obstacle)
     case StoredSet::State::Whole:
         return QString::number(set->entries);
     case StoredSet::State::Malformed:
-        return QStringLiteral("%1, breaks off").arg(set->entries);
+        return QStringLiteral("%1, then malformed").arg(set->entries);
     }
     return {};
 }
 
-QString SentenceText(const std::optional<StoredSet>& set, Obstacle obstacle)
+QString EntriesPhrase(const std::optional<StoredSet>& set, Obstacle obstacle)
 {
     if (set && set->state == StoredSet::State::Whole && set->entries == 1)
         return QStringLiteral("1 entry");
     return set && set->state == StoredSet::State::Whole ? QStringLiteral("%1 entries").arg(set->entries)
-                                                        : CountText(set, obstacle);
+                                                        : EntriesText(set, obstacle);
 }
 
 QString Table(const std::vector<Row>& rows)
@@ -84,7 +84,7 @@ QString Table(const std::vector<Row>& rows)
         {QStringLiteral("Number"), QStringLiteral("Saved"), QStringLiteral("Entries"), QStringLiteral("File")}};
     for (const Row& row : rows) {
         lines.push_back({row.number == 0 ? QStringLiteral("now") : QString::number(row.number), TimeText(row.saved),
-                         CountText(row.set, row.obstacle), OneLine(QDir::toNativeSeparators(row.file))});
+                         EntriesText(row.set, row.obstacle), OneLine(QDir::toNativeSeparators(row.file))});
     }
     return TextTable(lines);
 }
@@ -114,19 +114,19 @@ ExitCode Fail(ExitCode code, const QString& message)
     return code;
 }
 
-ExitCode CannotUse(const QString& directory)
+ExitCode PrintCannotUse(const QString& directory)
 {
     return Fail(
         ExitCode::Unusable,
         QStringLiteral("the configuration directory %1 cannot be used: %2").arg(directory, CfgCenter::OpenError()));
 }
 
-ExitCode NoDirectory(const QString& directory)
+ExitCode PrintNoDirectory(const QString& directory)
 {
     return Fail(ExitCode::Unusable, QStringLiteral("there is no configuration directory %1").arg(directory));
 }
 
-ExitCode NoSuchVersion(int number, qsizetype count)
+ExitCode PrintNoSuchVersion(int number, qsizetype count)
 {
     QString existing = QStringLiteral("there are none");
     if (count == 1)
@@ -140,29 +140,30 @@ ExitCode RestoreVersion(const ConfigVersions& versions, int number)
 {
     const QList<ConfigVersion> before = versions.List();
     if (number > before.size())
-        return NoSuchVersion(number, before.size());
+        return PrintNoSuchVersion(number, before.size());
 
     const ConfigVersion& wanted = before.at(number - 1);
     const QString name = QStringLiteral("version %1 of %2").arg(QString::number(number), TimeText(wanted.saved));
     Obstacle obstacle = Obstacle::None;
-    const std::optional<StoredSet> set = SetOf(versions.Open(wanted, &obstacle));
+    const std::optional<StoredSet> set = ReadSet(versions.Open(wanted, &obstacle));
     if (!set) {
         return Fail(ExitCode::Unusable, obstacle == Obstacle::Unread ? QStringLiteral("%1 cannot be read").arg(name)
                                                                      : QStringLiteral("%1 is damaged").arg(name));
     }
-    const std::optional<StoredSet> present = SetOf(versions.OpenCurrent(&obstacle));
+    const std::optional<StoredSet> present = ReadSet(versions.OpenCurrent(&obstacle));
     QString quarantined;
     if (!versions.Restore(wanted, &quarantined))
-        return Fail(ExitCode::Unusable, QStringLiteral("%1 could not be brought back (--trace says why)").arg(name));
+        return Fail(ExitCode::Unusable,
+                    QStringLiteral("%1 could not be restored (use --trace for the reason)").arg(name));
 
     const QList<ConfigVersion> after = versions.List();
     QString replaced;
     if (!quarantined.isEmpty())
-        replaced = QStringLiteral("; what it replaced is kept as %1").arg(QDir::toNativeSeparators(quarantined));
+        replaced = QStringLiteral("; the replaced file is kept as %1").arg(QDir::toNativeSeparators(quarantined));
     else if (!after.isEmpty() && after.constFirst().file != before.constFirst().file)
-        replaced = QStringLiteral("; what it replaced is version 1 now");
-    Console::Print(QStringLiteral("%1 is back: %2 -> %3%4")
-                       .arg(name, SentenceText(present, obstacle), SentenceText(set, Obstacle::None), replaced));
+        replaced = QStringLiteral("; the replaced state is now version 1");
+    Console::Print(QStringLiteral("%1 restored: %2 -> %3%4")
+                       .arg(name, EntriesPhrase(present, obstacle), EntriesPhrase(set, Obstacle::None), replaced));
     return ExitCode::Done;
 }
 
@@ -172,9 +173,9 @@ namespace Backups {
 
 ExitCode Print(const HostOptions& options)
 {
-    // Looking at a configuration must not make one.
+    // Listing versions must not create a configuration.
     if (!CfgCenter::OpenReadOnly(options.configDirectory))
-        return NoDirectory(options.configDirectory);
+        return PrintNoDirectory(options.configDirectory);
     const std::vector<Row> rows = Rows(ConfigVersions(View::Application, QString()));
     CfgCenter::Close();
     const bool isPrinted = options.json ? Console::PrintBytes(Json(rows)) : Console::PrintRaw(Table(rows));
@@ -184,13 +185,13 @@ ExitCode Print(const HostOptions& options)
 ExitCode Restore(const HostOptions& options)
 {
     if (!QFileInfo(options.configDirectory).isDir())
-        return NoDirectory(options.configDirectory);
-    // A host that runs would undo it with its next save.
+        return PrintNoDirectory(options.configDirectory);
+    // A running host would overwrite the restored version with its next save.
     InstanceLock lock;
     if (const InstanceLock::Result taken = lock.TryLock(options.configDirectory); taken != InstanceLock::Result::Locked)
         return Fail(taken == InstanceLock::Result::Busy ? ExitCode::Running : ExitCode::Unusable, lock.ErrorText());
     if (!CfgCenter::Open(options.configDirectory))
-        return CannotUse(options.configDirectory);
+        return PrintCannotUse(options.configDirectory);
     const ExitCode result = RestoreVersion(ConfigVersions(View::Application, QString()), options.versionToRestore);
     CfgCenter::Close();
     return result;

@@ -3,15 +3,14 @@
 #include "host/options/hostoptions.h"
 #include "host/output/exitcode.h"
 
-/// The versions of the document that holds the list of entries, looked at and brought back without the plug-in. What is
-/// found or done is printed, what fails is complained of.
+/// Lists and restores versions of the document that stores the entries, without the plug-in. Prints results and errors.
 namespace Backups {
 
-/// Prints the present state and the versions, newest first; as JSON where `options` says so. Writes nothing into the
+/// Prints the current state and the versions, newest first; as JSON if `options` says so. Does not write to the
 /// configuration.
 ExitCode Print(const HostOptions& options);
 
-/// Brings back the version that `options` names, unless a host works on the configuration directory.
+/// Restores the version given in `options`. Fails if a host uses the configuration directory.
 ExitCode Restore(const HostOptions& options);
 
 } // namespace Backups

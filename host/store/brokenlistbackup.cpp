@@ -18,7 +18,7 @@ namespace {
 
 const QString kMark = QStringLiteral(".malformed-");
 
-std::optional<QByteArray> Content(const QString& fileName)
+std::optional<QByteArray> ReadFile(const QString& fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
@@ -27,25 +27,25 @@ std::optional<QByteArray> Content(const QString& fileName)
     return file.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
 }
 
-/// The copy that holds `content` already; empty where there is none.
-QString FormerCopy(const QFileInfo& document, const QByteArray& content)
+/// Returns the path of an existing copy with this `content`; empty if there is none.
+QString FindCopy(const QFileInfo& document, const QByteArray& content)
 {
     const QFileInfoList copies =
         document.dir().entryInfoList({document.fileName() + kMark + QLatin1Char('*')}, QDir::Files, QDir::Name);
     for (const QFileInfo& copy : copies)
-        if (copy.size() == content.size() && Content(copy.filePath()) == content)
+        if (copy.size() == content.size() && ReadFile(copy.filePath()) == content)
             return copy.filePath();
     return {};
 }
 
-/// Where the copy of `document` is; empty where none could be made.
-QString Keep(const QString& document)
+/// Copies `document`, unless an identical copy exists. Returns the copy's path; empty on failure.
+QString CopyDocument(const QString& document)
 {
-    const std::optional<QByteArray> content = Content(document);
+    const std::optional<QByteArray> content = ReadFile(document);
     if (!content)
         return {};
-    if (const QString former = FormerCopy(QFileInfo(document), *content); !former.isEmpty())
-        return former;
+    if (const QString existing = FindCopy(QFileInfo(document), *content); !existing.isEmpty())
+        return existing;
     const QString name = UniqueSiblingName(document, kMark, QDateTime::currentDateTime());
     return Retry([&] { return WriteAtomically(name, *content); }) ? name : QString();
 }
@@ -58,13 +58,13 @@ QString BackUpBrokenList(const StoredSet& set)
         return {};
 
     const QString document = ConfigVersions(View::Application, QString()).DocumentFile();
-    const QString copy = Keep(document);
-    const QString said =
-        QStringLiteral("the stored list breaks off after %1; %2")
+    const QString copy = CopyDocument(document);
+    const QString message =
+        QStringLiteral("the stored list is malformed after %1; %2")
             .arg(set.entries == 1 ? QStringLiteral("1 entry") : QStringLiteral("%1 entries").arg(set.entries),
                  copy.isEmpty() ? QStringLiteral("%1 could not be copied and will be overwritten").arg(document)
-                                : QStringLiteral("its document is kept as %1").arg(copy));
+                                : QStringLiteral("a copy is kept as %1").arg(copy));
     TraceWhenWanted("host/store/brokenlistbackup", __LINE__,
-                    [&said] { return QStringLiteral("BackUpBrokenList(): %1").arg(said); });
-    return said;
+                    [&message] { return QStringLiteral("BackUpBrokenList(): %1").arg(message); });
+    return message;
 }

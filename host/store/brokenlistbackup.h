@@ -4,10 +4,10 @@
 
 struct StoredSet;
 
-/// The plug-in loads a stored list as far as it can be read, and stores no more than that when it ends. So that the
-/// rest is not lost, this keeps a copy of the document beside it, for good, where the list in it breaks off; never two
-/// copies of the same content. `set` is what is stored in the application's own document. Call before that document is
-/// saved for the first time.
+/// Copies the configuration document if the stored list in it is malformed. The plug-in loads only the entries before
+/// the error and would overwrite the rest on exit. The copy is kept next to the document, and never removed; identical
+/// content is not copied twice. `set` is what the application's own document stores. Call this before that document is
+/// first saved.
 ///
-/// Returns what is to be said about it, in a line for a person; empty where the list is in order.
+/// Returns a message for the user; empty if the list is intact.
 QString BackUpBrokenList(const StoredSet& set);

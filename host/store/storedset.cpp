@@ -10,8 +10,8 @@
 
 namespace {
 
-/// As the plug-in reads it: an entry may stand at any depth, and its first end tag ends it.
-StoredSet ReadDocument(const QByteArray& document)
+/// Counts entries as the plug-in does: an entry may be at any depth and ends at its first end tag.
+StoredSet ParseDocument(const QByteArray& document)
 {
     StoredSet set;
     QXmlStreamReader reader(document);
@@ -31,12 +31,12 @@ StoredSet ReadDocument(const QByteArray& document)
     return set;
 }
 
-StoredSet ReadText(const QString& hex)
+StoredSet ParseHex(const QString& hex)
 {
-    return hex.isEmpty() ? StoredSet() : ReadDocument(QByteArray::fromHex(hex.toLatin1()));
+    return hex.isEmpty() ? StoredSet() : ParseDocument(QByteArray::fromHex(hex.toLatin1()));
 }
 
-QString TextOfSet(ICfg& document)
+QString StoredText(ICfg& document)
 {
     const std::unique_ptr<ICfg> node(document.OpenChild(QStringLiteral("ConnectionsModel"), 0));
     return node->GetString(QStringLiteral("ModelMimeData"), QString(), 0);
@@ -46,11 +46,11 @@ QString TextOfSet(ICfg& document)
 
 StoredSet ReadStoredSet(ICfg& document)
 {
-    return ReadText(TextOfSet(document));
+    return ParseHex(StoredText(document));
 }
 
-std::future<StoredSet> BeginToReadStoredSet(ICfg& document)
+std::future<StoredSet> ReadStoredSetAsync(ICfg& document)
 {
-    // Where the system has no thread for it, it is done when somebody asks.
-    return std::async(ReadText, TextOfSet(document));
+    // If no thread can be created, this runs when the result is requested.
+    return std::async(ParseHex, StoredText(document));
 }

@@ -25,22 +25,22 @@ namespace {
 
 constexpr quint16 kLinkPort = 8451;
 
-/// A value and where it was said.
+/// A value and its origin.
 struct Setting
 {
     QString value;
     QString origin;
 };
 
-Setting Given(const QString& given, const QString& used, const char* option, const char* otherwise)
+Setting OptionSetting(const QString& given, const QString& used, const char* option, const char* fallback)
 {
-    return {used, QLatin1String(given.isEmpty() ? otherwise : option)};
+    return {used, QLatin1String(given.isEmpty() ? fallback : option)};
 }
 
-/// The value at `key` of a document, as the next start would find it.
-QString Configured(const QString& document, const QString& key)
+/// Returns the value of `key` in a document, as the next start would read it.
+QString ConfiguredValue(const QString& document, const QString& key)
 {
-    const std::unique_ptr<ICfg> node = OpenAsAtStart(View::Application, document);
+    const std::unique_ptr<ICfg> node = OpenNewestReadable(View::Application, document);
     return node ? node->GetString(key, QString(), 0) : QString();
 }
 
@@ -48,13 +48,13 @@ Setting DataDirectorySetting(const HostOptions& options)
 {
     if (!options.dataDirectory.isEmpty())
         return {options.dataDirectory, QStringLiteral("--data")};
-    if (const QString stored = Configured(QStringLiteral("Administration"), QStringLiteral("VexelDataDir"));
+    if (const QString stored = ConfiguredValue(QStringLiteral("Administration"), QStringLiteral("VexelDataDir"));
         !stored.isEmpty())
         return {stored, QStringLiteral("the configuration")};
     if (const QString samples = DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath());
         !samples.isEmpty())
         return {samples, QStringLiteral("the installed samples")};
-    return {QString(), QStringLiteral("nowhere")};
+    return {QString(), QStringLiteral("not set")};
 }
 
 QString PluginState(const QString& file)
@@ -70,7 +70,7 @@ QJsonValue TraceFileState(const QString& fileName)
         return {};
     const QFileInfo file(fileName);
     if (!file.exists())
-        return file.dir().exists() ? QStringLiteral("not there yet") : QStringLiteral("its folder does not exist");
+        return file.dir().exists() ? QStringLiteral("does not exist yet") : QStringLiteral("its folder does not exist");
     if (!file.isFile())
         return QStringLiteral("not a regular file");
     return QStringLiteral("%1 bytes%2")
@@ -78,7 +78,7 @@ QJsonValue TraceFileState(const QString& fileName)
         .arg(file.isWritable() ? QString() : QStringLiteral(", cannot be written"));
 }
 
-/// The variables that matter here, and no others: an environment may hold secrets.
+/// Only the variables that matter here: an environment may contain secrets.
 QStringList Environment()
 {
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -113,10 +113,10 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
     report.BeginSection(QStringLiteral("Paths"));
     report.AddFact(QStringLiteral("program"), QCoreApplication::applicationFilePath());
     report.AddFact(QStringLiteral("current directory"), QDir::currentPath());
-    addSetting("plug-in", Given(given.plugin, options.plugin, "--plugin", "installed with the host"));
+    addSetting("plug-in", OptionSetting(given.plugin, options.plugin, "--plugin", "installed with the host"));
     report.AddFact(QStringLiteral("plug-in state"), PluginState(options.plugin));
-    addSetting("configuration",
-               Given(given.configDirectory, options.configDirectory, "--config", "this user's usual place"));
+    addSetting("configuration", OptionSetting(given.configDirectory, options.configDirectory, "--config",
+                                              "this user's default location"));
     addSetting("data directory", data);
     report.AddFact(QStringLiteral("data directory exists"), QFileInfo(data.value).isDir());
     const QDir translations(
@@ -133,11 +133,11 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
 QString PortState(const LinkPort& port, const QString& configDirectory)
 {
     if (!port.error.isEmpty())
-        return QStringLiteral("cannot be tried: %1").arg(port.error);
+        return QStringLiteral("cannot be checked: %1").arg(port.error);
     if (port.isFree)
         return QStringLiteral("free: no host answers the starter");
     if (!port.owner)
-        return QStringLiteral("in use, the system does not say by whom");
+        return QStringLiteral("in use, owner unknown");
     const QString owner =
         QStringLiteral("in use by process %1 (%2)").arg(QString::number(port.owner->number), port.owner->name);
     const bool isHost = InstanceLock::Query(configDirectory).process == port.owner->number;
@@ -153,7 +153,7 @@ void ReportLink(SupportReport& report, const QString& configDirectory)
     report.AddFact(QStringLiteral("state"), PortState(port, configDirectory));
 }
 
-/// As the host lets its children look for programs: in its own folder first.
+/// The host puts its own folder first in its children's search path.
 QStringList ProgramDirectories()
 {
     const QStringList path = qEnvironmentVariable("PATH").split(QDir::listSeparator(), Qt::SkipEmptyParts);
@@ -171,7 +171,7 @@ ExitCode Diagnose(const HostOptions& given)
     ReportVersions(report);
     const Setting data = DataDirectorySetting(options);
     ReportPaths(report, given, options, data);
-    ReportMachine(report, {data.value, Configured(options.name, QStringLiteral("TypeApplicationMappings")),
+    ReportMachine(report, {data.value, ConfiguredValue(options.name, QStringLiteral("TypeApplicationMappings")),
                            ProgramDirectories()});
     ReportStore(report, options.configDirectory);
     ReportLink(report, options.configDirectory);

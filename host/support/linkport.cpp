@@ -14,7 +14,7 @@ LinkPort ProbePort(quint16 port)
             result.owner = ListenerOn(port);
             return result;
         }
-        // A machine need not have both kinds of address, but it has this one.
+        // A machine may lack IPv6, but always has 127.0.0.1.
         if (address == QHostAddress::LocalHost) {
             result.error = probe.errorString();
             return result;

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// Who has a port of this machine's loopback addresses. Nobody is called: a call would raise the dialog.
+/// Tells who uses a port of this machine's loopback addresses. Does not connect: that would raise the dialog.
 struct LinkPort
 {
     /// A process as the system names it.
@@ -16,14 +16,14 @@ struct LinkPort
     };
 
     bool isFree = false;
-    std::optional<Process> owner; ///< of a port that is not free, where the system lets this user know
-    QString error;                ///< why it could not be found out; empty where it could
+    std::optional<Process> owner; ///< the listening process, if the system tells this user
+    QString error;                ///< why the port could not be checked; empty on success
 };
 
-/// Tries to take `port` for a moment, without listening: a host that starts at that moment still gets it.
+/// Binds `port` for a moment without listening: a host that starts at that moment still gets it.
 LinkPort ProbePort(quint16 port);
 
-/// The system's part: how to bind so that a port that somebody listens on is found taken and nobody else is kept from
-/// it; and who listens on it.
+/// Platform-specific: the bind mode that fails if somebody listens and keeps nobody else out; and the listening
+/// process.
 QAbstractSocket::BindMode ProbeMode();
 std::optional<LinkPort::Process> ListenerOn(quint16 port);

@@ -16,7 +16,7 @@ QByteArray ReadWhole(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// What the links to listening sockets on `port` lead to, "socket:[12345]", as Linux lists them. Empty elsewhere.
+/// Returns the link targets ("socket:[12345]") of the sockets listening on `port`, from Linux' /proc; empty elsewhere.
 QStringList SocketsOn(quint16 port)
 {
     constexpr qsizetype kAddressField = 1;
@@ -54,7 +54,7 @@ bool HasOpen(const QString& process, const QStringList& sockets)
 
 QAbstractSocket::BindMode ProbeMode()
 {
-    // Two that bind so and do not listen can both have the port.
+    // Two sockets bound like this can share the port as long as they do not listen.
     return QAbstractSocket::DontShareAddress | QAbstractSocket::ReuseAddressHint;
 }
 

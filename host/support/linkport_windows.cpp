@@ -2,7 +2,7 @@
 
 QAbstractSocket::BindMode ProbeMode()
 {
-    // Anything less would share the port with its owner.
+    // With any other mode the port would be shared with its owner.
     return QAbstractSocket::DontShareAddress;
 }
 

@@ -17,12 +17,12 @@
 
 namespace {
 
-/// Why a file has no content for the plug-in.
-QString Unreadable(const QString& path)
+/// Returns why the plug-in cannot read a file.
+QString ReadFailure(const QString& path)
 {
     const QFileInfo info(path);
     if (path.isEmpty())
-        return QStringLiteral("not read: no path is known");
+        return QStringLiteral("not read: its path is unknown");
     if (!info.exists())
         return QStringLiteral("not read: no such file");
     if (!info.isFile())
@@ -61,9 +61,9 @@ private:
     void ReadMapping();
     void OnMapping(int deviceType, const QString& application, TypeMapping::Outcome outcome);
     void FindUnstartable();
-    void Drop(const QString& what, const QString& why) { m_dropped.append(what + QStringLiteral(": ") + why); }
+    void AddDropped(const QString& what, const QString& why) { m_dropped.append(what + QStringLiteral(": ") + why); }
 
-    QString FoundAs(const QString& executable) const;
+    QString FindExecutable(const QString& executable) const;
     QList<QJsonArray> ApplicationRows() const;
     QList<QJsonArray> TypeRows() const;
 
@@ -74,7 +74,7 @@ private:
     QString m_mappingState;
     MachineConfiguration m_machine;
     QMap<int, QString> m_executables;
-    QMap<int, QString> m_mapped; // the mapping that counts, in words
+    QMap<int, QString> m_mappings; // descriptions of the effective mappings
     QMap<int, QStringList> m_serving;
     QStringList m_dropped;
 };
@@ -94,10 +94,10 @@ void Machine::ReadMachine()
 {
     const std::optional<QByteArray> document = ReadRegularFile(m_machineFile);
     if (!document) {
-        m_machineState = Unreadable(m_machineFile);
+        m_machineState = ReadFailure(m_machineFile);
         return;
     }
-    // Only now: without a machine configuration the plug-in does not look for the mapping in the data directory.
+    // Without a machine configuration the plug-in does not look for the mapping in the data directory.
     if (m_mappingFile.isEmpty())
         m_mappingFile = m_files.dataDirectory + QStringLiteral("/TypeApplicationMappings.xml");
 
@@ -113,7 +113,7 @@ void Machine::ReadMapping()
 {
     const std::optional<QByteArray> document = ReadRegularFile(m_mappingFile);
     if (!document) {
-        m_mappingState = Unreadable(m_mappingFile);
+        m_mappingState = ReadFailure(m_mappingFile);
         return;
     }
     QXmlStreamReader reader(*document);
@@ -135,39 +135,39 @@ void Machine::OnMapping(int deviceType, const QString& application, TypeMapping:
         QStringLiteral("mapping of device type ") + TypeText(deviceType) + QStringLiteral(" to ") + Quoted(application);
     switch (outcome) {
     case TypeMapping::Outcome::NoDeviceType:
-        Drop(QStringLiteral("mapping to ") + Quoted(application), QStringLiteral("it has no valid device type"));
+        AddDropped(QStringLiteral("mapping to ") + Quoted(application), QStringLiteral("it has no valid device type"));
         return;
     case TypeMapping::Outcome::NoApplication:
-        Drop(QStringLiteral("mapping of device type ") + TypeText(deviceType),
-             QStringLiteral("it names no application"));
+        AddDropped(QStringLiteral("mapping of device type ") + TypeText(deviceType),
+                   QStringLiteral("it names no application"));
         return;
     case TypeMapping::Outcome::NoStartList:
-        Drop(mapping, m_machine.applications.contains(application)
-                          ? QStringLiteral("the application has no usable \"Startup\"")
-                          : QStringLiteral("there is no such application"));
+        AddDropped(mapping, m_machine.applications.contains(application)
+                                ? QStringLiteral("the application has no usable \"Startup\"")
+                                : QStringLiteral("there is no such application"));
         return;
     case TypeMapping::Outcome::Kept:
         break;
     }
-    const QString replaced = std::exchange(m_mapped[deviceType], mapping);
+    const QString replaced = std::exchange(m_mappings[deviceType], mapping);
     if (!replaced.isEmpty())
-        Drop(replaced, QStringLiteral("a later mapping of this device type replaces it"));
+        AddDropped(replaced, QStringLiteral("a later mapping of this device type replaces it"));
     if (deviceType >= Connection::kDeviceTypeCount)
-        Drop(mapping, QStringLiteral("no entry has this device type"));
+        AddDropped(mapping, QStringLiteral("no entry has this device type"));
     else if (const int serving = Connection::ApplicationDeviceType(deviceType); serving != deviceType)
-        Drop(mapping, QStringLiteral("device type %1 is mapped in its place").arg(TypeText(serving)));
+        AddDropped(mapping, QStringLiteral("device type %1 is used instead").arg(TypeText(serving)));
 }
 
-/// Mappings that lead to no application, and applications that are listed and yet never started.
+/// Finds mappings without an application, and applications that are never started.
 void Machine::FindUnstartable()
 {
     QSet<QString> serving;
-    for (auto type = m_mapped.cbegin(); type != m_mapped.cend(); ++type) {
+    for (auto type = m_mappings.cbegin(); type != m_mappings.cend(); ++type) {
         if (Connection::ApplicationDeviceType(type.key()) != type.key() || type.key() >= Connection::kDeviceTypeCount)
             continue;
         const QStringList applications = m_serving.value(type.key());
         if (applications.isEmpty())
-            Drop(type.value(), QStringLiteral("no application has this executable"));
+            AddDropped(type.value(), QStringLiteral("no application has this executable"));
         serving.unite(QSet<QString>(applications.cbegin(), applications.cend()));
     }
     const QSet<QString> unreadable(m_machine.unreadable.cbegin(), m_machine.unreadable.cend());
@@ -177,30 +177,29 @@ void Machine::FindUnstartable()
         const QString application = QStringLiteral("application ") + Quoted(name);
         const QStringList startList = m_machine.startLists.value(name);
         if (seen.contains(name)) {
-            Drop(application,
-                 QStringLiteral("listed again; it counts once, with all of its start descriptions in a row"));
+            AddDropped(application, QStringLiteral("listed more than once; its start descriptions are joined"));
             continue;
         }
         seen.insert(name);
         if (unreadable.contains(name))
-            Drop(application, QStringLiteral("its parameter count is out of range"));
+            AddDropped(application, QStringLiteral("its parameter count is out of range"));
         if (startList.isEmpty()) {
             if (!unreadable.contains(name))
-                Drop(application, QStringLiteral("it has no \"Startup\""));
+                AddDropped(application, QStringLiteral("it has no \"Startup\""));
         } else if (startList.constFirst().isEmpty()) {
-            Drop(application, QStringLiteral("its \"Startup\" names no executable"));
+            AddDropped(application, QStringLiteral("its \"Startup\" names no executable"));
         } else if (!serving.contains(name)) {
-            Drop(application, QStringLiteral("no device type is mapped to its executable"));
+            AddDropped(application, QStringLiteral("no device type is mapped to its executable"));
         }
     }
 }
 
-/// The file that starting `executable` would run; empty where there is none.
-QString Machine::FoundAs(const QString& executable) const
+/// Returns the file that starting `executable` would run; empty if there is none.
+QString Machine::FindExecutable(const QString& executable) const
 {
     if (executable.isEmpty())
         return {};
-    // With a path it is taken from the current directory, without one it is searched for.
+    // With a path, it is relative to the current directory; without one, it is searched for.
     if (executable.contains(QLatin1Char('/')) || executable != QDir::fromNativeSeparators(executable)) {
         const QFileInfo info(executable);
         return info.isFile() && info.isExecutable() ? info.absoluteFilePath() : QString();
@@ -223,7 +222,7 @@ QList<QJsonArray> Machine::ApplicationRows() const
             rows.append({application, QJsonArray(), QJsonValue(), QJsonValue(), QJsonValue()});
             continue;
         }
-        const QString found = FoundAs(startList.constFirst());
+        const QString found = FindExecutable(startList.constFirst());
         rows.append({application, types.value(application), startList.constFirst(),
                      found.isEmpty() ? QStringLiteral("NOT FOUND") : found,
                      QJsonArray::fromStringList(startList.mid(1))});

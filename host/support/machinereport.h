@@ -5,14 +5,14 @@
 
 class SupportReport;
 
-/// What `ReportMachine` looks at.
+/// The input of `ReportMachine`.
 struct MachineFiles
 {
     QString dataDirectory;
-    QString configuredMapping;      ///< the mapping's path as the configuration has it; empty: the data directory's
-    QStringList programDirectories; ///< where an executable without a path is looked for, in this order
+    QString configuredMapping;      ///< path of the mapping from the configuration; empty: use the data directory's
+    QStringList programDirectories; ///< search path for executables without a path, in this order
 };
 
-/// Adds a section on what the plug-in takes from the machine's two files, read by the plug-in's own readers: which
-/// applications can be started, which device type each serves, and what was dropped and why.
+/// Adds a section on what the plug-in reads from the machine's two files, using the plug-in's own readers: which
+/// applications can be started, which device types each serves, and what was ignored and why.
 void ReportMachine(SupportReport& report, const MachineFiles& files);

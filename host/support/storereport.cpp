@@ -19,8 +19,8 @@ namespace {
 
 const QString kSuffix = QStringLiteral(".json");
 
-/// The document of the store that has the file `path`, which is relative to the store; none where no document has it.
-std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString& path)
+/// Returns the store's document in the file `path`, relative to the store; none if it is not one.
+std::optional<ConfigVersions> DocumentIn(const QString& directory, const QString& path)
 {
     static const QList<std::pair<QString, View>> kViews = {{QStringLiteral("user/"), View::User},
                                                            {QStringLiteral("application/"), View::Application},
@@ -29,7 +29,7 @@ std::optional<ConfigVersions> DocumentOf(const QString& directory, const QString
         if (!path.startsWith(folder) || !path.endsWith(kSuffix))
             continue;
         const QString encoded = path.mid(folder.size()).chopped(kSuffix.size());
-        // The application's own has a name that needs no reading, and every other name says the same read and written.
+        // The application's own document has an empty name; all other file names are percent-encoded.
         for (const QString& name : {QString(), QString::fromUtf8(QByteArray::fromPercentEncoding(encoded.toUtf8()))}) {
             const ConfigVersions document(view, name);
             if (document.DocumentFile() == directory + QLatin1Char('/') + path)
@@ -47,10 +47,11 @@ QString StateText(const ConfigVersions& document)
     const std::optional<ConfigVersion> readable = document.NewestReadable();
     const QString from = readable ? TimeText(readable->saved) : QString();
     if (obstacle == ConfigVersions::Obstacle::Unread) {
-        // Whoever starts the host may be able to, or find the same.
+        // The user who starts the host may have more rights than this one.
         return readable
-                   ? QStringLiteral("CANNOT BE READ now; a start that cannot either uses the version of %1").arg(from)
-                   : QStringLiteral("CANNOT BE READ now, nor any version");
+                   ? QStringLiteral("CANNOT BE READ now; if the next start cannot either, it uses the version of %1")
+                         .arg(from)
+                   : QStringLiteral("CANNOT BE READ now, and no version can be read");
     }
     return readable ? QStringLiteral("DAMAGED; the next start uses the version of %1").arg(from)
                     : QStringLiteral("DAMAGED, and no version can be read");
@@ -58,7 +59,7 @@ QString StateText(const ConfigVersions& document)
 
 QJsonArray DocumentRow(const QString& directory, const QString& path, const QFileInfo& file)
 {
-    const std::optional<ConfigVersions> document = DocumentOf(directory, path);
+    const std::optional<ConfigVersions> document = DocumentIn(directory, path);
     const QList<ConfigVersion> versions = document ? document->List() : QList<ConfigVersion>();
     return {path,
             file.size(),
@@ -68,38 +69,38 @@ QJsonArray DocumentRow(const QString& directory, const QString& path, const QFil
             versions.isEmpty() ? QJsonValue() : QJsonValue(TimeText(versions.constFirst().saved))};
 }
 
-bool CanHoldFiles(const QString& directory)
+bool CanCreateFiles(const QString& directory)
 {
-    // Permission bits do not tell: a file system can be read-only or full, and an administrator passes them all.
+    // Permission bits are not enough: a file system can be read-only or full, and root ignores the bits.
     QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
     return probe.open() && probe.write("probe") > 0 && probe.flush();
 }
 
-QString HostAtWork(const InstanceLock::Owner& owner)
+QString HostText(const InstanceLock::Owner& owner)
 {
     switch (owner.state) {
     case InstanceLock::State::Nobody:
         break;
     case InstanceLock::State::Somebody:
-        return owner.process == 0 ? QStringLiteral("yes, it does not say which process")
+        return owner.process == 0 ? QStringLiteral("yes, process unknown")
                                   : QStringLiteral("process %1").arg(owner.process);
     case InstanceLock::State::Unknown:
-        return QStringLiteral("not known: its lock cannot be looked at");
+        return QStringLiteral("unknown: its lock cannot be checked");
     }
     return QStringLiteral("none");
 }
 
 void ReportStoredList(SupportReport& report)
 {
-    const std::unique_ptr<ICfg> document = OpenAsAtStart(View::Application, QString());
+    const std::unique_ptr<ICfg> document = OpenNewestReadable(View::Application, QString());
     const StoredSet set = document ? ReadStoredSet(*document) : StoredSet();
-    QString state = QStringLiteral("in order");
+    QString state = QStringLiteral("valid");
     if (!document)
         state = QStringLiteral("its document cannot be read");
     else if (set.state == StoredSet::State::None)
         state = QStringLiteral("nothing stored");
     else if (set.state == StoredSet::State::Malformed)
-        state = QStringLiteral("BREAKS OFF; the next start keeps a copy and loads what comes before");
+        state = QStringLiteral("MALFORMED; the next start keeps a copy and loads the entries before the error");
     report.AddFact(QStringLiteral("stored list"), state);
     report.AddFact(QStringLiteral("entries stored"), set.entries);
 }
@@ -131,7 +132,7 @@ void ReportFiles(SupportReport& report, const QString& directory)
 
 } // namespace
 
-std::unique_ptr<ICfg> OpenAsAtStart(View view, const QString& name)
+std::unique_ptr<ICfg> OpenNewestReadable(View view, const QString& name)
 {
     const ConfigVersions document(view, name);
     if (std::unique_ptr<ICfg> current = document.OpenCurrent())
@@ -148,8 +149,8 @@ void ReportStore(SupportReport& report, const QString& directory)
     report.AddFact(QStringLiteral("exists"), exists);
     if (!exists)
         return;
-    report.AddFact(QStringLiteral("can be written"), CanHoldFiles(directory));
-    report.AddFact(QStringLiteral("host at work"), HostAtWork(InstanceLock::Query(directory)));
+    report.AddFact(QStringLiteral("can be written"), CanCreateFiles(directory));
+    report.AddFact(QStringLiteral("host at work"), HostText(InstanceLock::Query(directory)));
     ReportStoredList(report);
     ReportFiles(report, directory);
 }

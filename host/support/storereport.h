@@ -9,10 +9,10 @@
 class ICfg;
 class SupportReport;
 
-/// The root node of a document as the next start would find it: of its file or, where that is damaged, of the newest
-/// version that can be read. Null where there is none. Needs an open store; nothing is changed.
-std::unique_ptr<ICfg> OpenAsAtStart(View view, const QString& name);
+/// Opens a document as the next start would: its file or, if that is damaged, the newest readable version. Returns the
+/// root node, or null if there is none. Needs an open store; changes nothing.
+std::unique_ptr<ICfg> OpenNewestReadable(View view, const QString& name);
 
-/// Adds a section on the configuration in `directory`, which is the open store where it exists: the documents and their
-/// state, the stored list of entries, and who works there.
+/// Adds a section on the configuration in `directory`, which must be the open store if it exists: the documents and
+/// their state, the stored list, and which host uses it.
 void ReportStore(SupportReport& report, const QString& directory);

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr int kWidestText = 300;
-// Taken of a text before it is escaped and cut: a name in a machine's file may be a megabyte long.
-constexpr qsizetype kLongestRead = 2000;
-constexpr qsizetype kMostRows = 200;
+constexpr int kMaxTextWidth = 300;
+// Texts are cut to this length before escaping: a name in the machine's file may be a megabyte long.
+constexpr qsizetype kMaxReadLength = 2000;
+constexpr qsizetype kMaxRows = 200;
 const QString kIndent = QStringLiteral("  ");
 
 QString ValueText(const QJsonValue& value)
@@ -24,7 +24,7 @@ QString ValueText(const QJsonValue& value)
     case QJsonValue::Double:
         return QString::number(value.toInteger());
     case QJsonValue::String: {
-        const QString text = Elided(OneLine(value.toString().left(kLongestRead)), kWidestText);
+        const QString text = Elided(OneLine(value.toString().left(kMaxReadLength)), kMaxTextWidth);
         return text.isEmpty() ? QStringLiteral("\"\"") : text;
     }
     case QJsonValue::Array: {
@@ -32,14 +32,14 @@ QString ValueText(const QJsonValue& value)
         const QJsonArray array = value.toArray();
         for (const auto& element : array)
             texts.append(ValueText(element));
-        return texts.isEmpty() ? QStringLiteral("none") : Elided(texts.join(QStringLiteral(", ")), kWidestText);
+        return texts.isEmpty() ? QStringLiteral("none") : Elided(texts.join(QStringLiteral(", ")), kMaxTextWidth);
     }
     default:
         return QStringLiteral("-");
     }
 }
 
-/// "data directory" as "dataDirectory".
+/// Converts "data directory" to "dataDirectory".
 QString Key(const QString& label)
 {
     QString key;
@@ -67,7 +67,7 @@ QString Indented(const QString& lines, const QString& indent)
     return text;
 }
 
-/// "label" and what stands behind it, with the label filled up to `width`.
+/// Formats "label  text", with the label padded to `width`.
 QString LabelLine(const QString& label, int width, const QString& text)
 {
     const int blanks = std::max(0, width - CellCount(label));
@@ -104,7 +104,7 @@ QString SupportReport::TableText(const Table& table)
     std::vector<QStringList> lines;
     if (!table.columns.isEmpty())
         lines.push_back(table.columns);
-    const qsizetype shown = std::min(table.rows.size(), kMostRows);
+    const qsizetype shown = std::min(table.rows.size(), kMaxRows);
     for (qsizetype i = 0; i < shown; ++i) {
         QStringList line;
         for (const auto value : table.rows.at(i))
@@ -113,7 +113,7 @@ QString SupportReport::TableText(const Table& table)
     }
     QString text = Indented(TextTable(lines), kIndent + kIndent);
     if (shown < table.rows.size())
-        text += kIndent + kIndent + QStringLiteral("and %1 more (--json has all)\n").arg(table.rows.size() - shown);
+        text += kIndent + kIndent + QStringLiteral("and %1 more (--json prints all)\n").arg(table.rows.size() - shown);
     return text;
 }
 

@@ -10,25 +10,24 @@
 #include <variant>
 #include <vector>
 
-/// A report in sections, in the order in which it is made: as text for a person, or as JSON for a program.
+/// A report in sections, as text for people or JSON for programs.
 ///
-/// Values are texts, numbers, yes or no, or null for what is not known or not there; a value may also be an array of
-/// texts. JSON has an object for each section; its keys are the titles and labels written as one word
-/// ("dataDirectory").
+/// Values are texts, numbers, booleans, arrays of texts, or null for unknown or missing ones. In JSON each section is
+/// an object; its keys are the titles and labels in camel case ("dataDirectory").
 class SupportReport
 {
 public:
     using Row = QJsonArray;
 
     void BeginSection(const QString& title);
-    /// A line "label  value".
+    /// Adds a line "label  value".
     void AddFact(const QString& label, const QJsonValue& value);
-    /// A line for each text.
+    /// Adds a line for each text.
     void AddList(const QString& label, const QStringList& texts);
-    /// Every row has a value for each column. In JSON: an array of objects.
+    /// Adds a table. Every row has a value for each column. In JSON: an array of objects.
     void AddTable(const QString& label, const QStringList& columns, const QList<Row>& rows);
 
-    /// Long texts are cut, and so are lists and tables of very many lines; it then says so.
+    /// Returns the report as text. Long texts, lists and tables are shortened, with a note about it.
     QString Text() const;
     QByteArray Json() const;
 
@@ -41,7 +40,7 @@ private:
     struct Table
     {
         QString label;
-        QStringList columns; // none: a list of single texts
+        QStringList columns; // empty: a list of single texts
         QList<Row> rows;
     };
     struct Section

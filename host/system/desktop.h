@@ -1,12 +1,10 @@
 #pragma once
 
-/// Whether there is a desktop on which windows can be shown to a person.
+/// Returns whether there is a display on which windows can be shown.
 bool HasDesktop();
 
-/// Sees to it that texts have letters where windows are drawn without a desktop. Call it before the application object
-/// is made.
+/// Makes fonts available to Qt's offscreen platform. Call this before creating the application object.
 void SetUpOffscreenFonts();
 
-/// Has these texts look as on the desktop, as far as the letters are there. Call it once the application object is
-/// made.
+/// Selects the usual desktop font for offscreen windows, if available. Call this after creating the application object.
 void ChooseOffscreenFont();

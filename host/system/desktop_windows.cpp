@@ -18,7 +18,7 @@ bool HasDesktop()
 
 void SetUpOffscreenFonts()
 {
-    // Off screen, Qt reads the fonts from a folder that it must be told of.
+    // The offscreen platform has no default font directory.
     std::array<wchar_t, MAX_PATH> folder = {};
     if (!qEnvironmentVariableIsEmpty("QT_QPA_FONTDIR") ||
         GetWindowsDirectoryW(folder.data(), static_cast<UINT>(folder.size())) == 0)
@@ -29,12 +29,12 @@ void SetUpOffscreenFonts()
 
 void ChooseOffscreenFont()
 {
-    // The fonts have no order there, and Qt would take the one that comes first by its name.
-    constexpr int kUsualPoints = 9;
+    // Without a choice Qt takes the alphabetically first family.
+    constexpr int kPointSize = 9;
     const QStringList families = QFontDatabase::families();
     for (const char* name : {"Segoe UI", "Tahoma", "Arial", "DejaVu Sans"}) {
         if (families.contains(QLatin1String(name))) {
-            QApplication::setFont(QFont(QLatin1String(name), kUsualPoints));
+            QApplication::setFont(QFont(QLatin1String(name), kPointSize));
             return;
         }
     }

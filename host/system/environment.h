@@ -2,13 +2,13 @@
 
 #include <QString>
 
-/// The environment variables of this process, which what it starts inherits. Names of files arrive whole, with whatever
-/// letters: as the bytes that they consist of on Unix, in wide characters on Windows.
+/// Sets environment variables of this process, which child processes inherit. File names with any characters survive:
+/// they are passed as bytes on Unix and as wide characters on Windows.
 namespace Environment {
 
 void Set(const char* name, const QString& value);
 
-/// Puts `folder` before those that the variable lists.
+/// Inserts `folder` at the beginning of the list in the variable.
 void Prepend(const char* name, const QString& folder);
 
 } // namespace Environment

@@ -10,7 +10,7 @@ void Environment::Set(const char* name, const QString& value)
 void Environment::Prepend(const char* name, const QString& folder)
 {
     QByteArray list = QFile::encodeName(folder);
-    // Kept as bytes: the others need not be texts.
+    // Kept as bytes: the existing folders need not be valid text.
     if (!qEnvironmentVariableIsEmpty(name))
         list += ':' + qgetenv(name);
     qputenv(name, list);

@@ -3,12 +3,11 @@
 #include <cstdlib>
 #include <string>
 
-// Not Qt's own functions for it: those go through the narrow characters of the country that Windows is set to, which
-// lack most letters where its code page is not UTF-8.
+// Not qputenv(): it converts to the system's code page, which lacks most characters unless it is UTF-8.
 
 void Environment::Set(const char* name, const QString& value)
 {
-    // The system's variables, and the C run time's copy of them, which Qt reads.
+    // Sets the system's variable and the C run-time's copy, which Qt reads.
     _wputenv_s(QString::fromLatin1(name).toStdWString().c_str(), value.toStdWString().c_str());
 }
 

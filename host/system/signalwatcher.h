@@ -4,25 +4,25 @@
 
 #include <memory>
 
-/// Turns the operating system's requests to end (interrupt, terminate, and the end of the terminal or the session)
-/// into a signal on the GUI thread, so that the host can save before it goes. One object at a time.
+/// Turns the operating system's termination requests (interrupt, terminate, end of the terminal or session) into a
+/// signal on the GUI thread, so that the host can save first. Only one object may exist.
 ///
-/// A request that arrives before the event loop runs is announced as soon as it does. A request that the process was
-/// started to ignore stays ignored.
+/// A request that arrives before the event loop runs is emitted when it does. Signals that were ignored at start-up
+/// stay ignored.
 class SignalWatcher : public QObject
 {
     Q_OBJECT
 
 public:
     explicit SignalWatcher(QObject* parent = nullptr);
-    /// Gives the operating system's own handling back.
+    /// Restores the previous signal handling.
     ~SignalWatcher() override;
 
 signals:
-    void EndRequested();
-    /// The session ends, and the process may end with it as soon as this returns: connect to it directly, and save.
-    /// Where there is time left, `EndRequested` follows. On Windows only; elsewhere the end of a session is a request
-    /// like any.
+    void QuitRequested();
+    /// The session is ending, and the process may be ended as soon as this returns: connect directly, and save. If
+    /// there is time left, `QuitRequested` follows. Windows only; elsewhere the end of a session is an ordinary
+    /// request.
     void SessionEnding();
 
 private:

@@ -10,21 +10,21 @@
 
 namespace {
 
-// A handler may do next to nothing; it writes a byte into this pipe, and the event loop reads it.
+// A signal handler may do very little: it writes a byte into this pipe, and the event loop reads it.
 int g_writeEnd = -1;
 
 extern "C" void OnSignal(int)
 {
     const int error = errno;
     const char byte = 0;
-    // A full pipe already holds the request.
+    // If the pipe is full, a request is pending already.
     [[maybe_unused]] const ssize_t written = ::write(g_writeEnd, &byte, 1);
     errno = error;
 }
 
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
-void KeepFromChildrenAndBlocking(int descriptor)
+void SetCloseOnExecAndNonBlocking(int descriptor)
 {
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
@@ -35,7 +35,7 @@ void KeepFromChildrenAndBlocking(int descriptor)
 struct SignalWatcher::Private
 {
     std::array<int, 2> pipe = {-1, -1};
-    std::array<struct sigaction, kSignals.size()> earlier = {};
+    std::array<struct sigaction, kSignals.size()> previousActions = {};
     std::unique_ptr<QSocketNotifier> notifier;
 };
 
@@ -48,7 +48,7 @@ SignalWatcher::SignalWatcher(QObject* parent)
         return;
     }
     for (const int descriptor : d->pipe)
-        KeepFromChildrenAndBlocking(descriptor);
+        SetCloseOnExecAndNonBlocking(descriptor);
     g_writeEnd = d->pipe[1];
 
     d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
@@ -56,7 +56,7 @@ SignalWatcher::SignalWatcher(QObject* parent)
         std::array<char, 16> bytes = {};
         while (::read(d->pipe[0], bytes.data(), bytes.size()) > 0) {
         }
-        emit EndRequested();
+        emit QuitRequested();
     });
 
     struct sigaction action = {};
@@ -64,8 +64,8 @@ SignalWatcher::SignalWatcher(QObject* parent)
     action.sa_flags = SA_RESTART;
     ::sigemptyset(&action.sa_mask);
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
-        ::sigaction(kSignals[i], nullptr, &d->earlier[i]);
-        if (d->earlier[i].sa_handler != SIG_IGN)
+        ::sigaction(kSignals[i], nullptr, &d->previousActions[i]);
+        if (d->previousActions[i].sa_handler != SIG_IGN)
             ::sigaction(kSignals[i], &action, nullptr);
     }
 }
@@ -75,7 +75,7 @@ SignalWatcher::~SignalWatcher()
     if (!d->notifier)
         return;
     for (std::size_t i = 0; i < kSignals.size(); ++i)
-        ::sigaction(kSignals[i], &d->earlier[i], nullptr);
+        ::sigaction(kSignals[i], &d->previousActions[i], nullptr);
     d->notifier.reset();
     g_writeEnd = -1;
     for (const int descriptor : d->pipe)

@@ -10,9 +10,9 @@
 
 namespace {
 
-// The console calls its handler on a thread of its own, so the one watcher is reached through these.
+// Windows calls the console handler in a separate thread; it reaches the watcher through these.
 QMutex g_mutex;
-QWaitCondition g_gone;
+QWaitCondition g_destroyed;
 SignalWatcher* g_pWatcher = nullptr;
 
 constexpr unsigned long kTimeoutMs = 20000;
@@ -22,27 +22,27 @@ BOOL WINAPI OnConsoleEvent(DWORD event)
     QMutexLocker locker(&g_mutex);
     if (!g_pWatcher)
         return FALSE;
-    QMetaObject::invokeMethod(g_pWatcher, &SignalWatcher::EndRequested, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(g_pWatcher, &SignalWatcher::QuitRequested, Qt::QueuedConnection);
 
-    // After these the process ends as soon as the handler returns: leave the host the time to save.
+    // After these events the process ends as soon as the handler returns: give the host time to save.
     if (event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT)
-        g_gone.wait(&g_mutex, kTimeoutMs);
+        g_destroyed.wait(&g_mutex, kTimeoutMs);
     return TRUE;
 }
 
 } // namespace
 
-/// Hears what Windows and its programs send to a window, and what they send to the thread.
+/// Receives termination requests sent to a hidden window and to the thread.
 ///
-/// The window is never shown. It is what a host has that shows no other: Windows asks windows alone when the session
-/// ends. It also hears what is sent while a loop of Windows' own runs, as while a window is moved: those leave out what
-/// goes to the thread. The thread's messages are for the host that can have no window, without a desktop.
+/// The window is needed because at the end of a session Windows asks windows only, and the host may show no other. It
+/// also receives messages while a modal loop of Windows runs, for example while a window is moved; such loops drop
+/// thread messages. Thread messages are for a host without a desktop, which cannot have a window.
 ///
-/// What is sent to other windows is none of this: the dialog has its own answer to being closed.
+/// Messages to other windows are not handled: the dialog reacts to being closed itself.
 struct SignalWatcher::Private : QAbstractNativeEventFilter
 {
-    explicit Private(SignalWatcher& asked)
-        : watcher(asked)
+    explicit Private(SignalWatcher& owner)
+        : watcher(owner)
     {
         QCoreApplication::instance()->installNativeEventFilter(this);
 
@@ -51,7 +51,7 @@ struct SignalWatcher::Private : QAbstractNativeEventFilter
         description.hInstance = GetModuleHandleW(nullptr);
         description.lpszClassName = kClassName;
         RegisterClassW(&description);
-        // Not one for messages only: the system leaves those out.
+        // Not a message-only window: those are not asked at the end of a session.
         window = CreateWindowExW(0, kClassName, nullptr, WS_OVERLAPPED, 0, 0, 0, 0, nullptr, nullptr,
                                  description.hInstance, nullptr);
         if (window)
@@ -72,25 +72,25 @@ struct SignalWatcher::Private : QAbstractNativeEventFilter
         const auto* const received = static_cast<const MSG*>(message);
         if (received->hwnd || received->message != WM_CLOSE)
             return false;
-        emit watcher.EndRequested();
+        emit watcher.QuitRequested();
         return true;
     }
 
-    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM parameter, LPARAM more)
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
         // NOLINTNEXTLINE(performance-no-int-to-ptr): the system keeps it as a number.
         auto* const d = reinterpret_cast<Private*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (d && message == WM_CLOSE) {
-            emit d->watcher.EndRequested();
+            emit d->watcher.QuitRequested();
             return 0;
         }
-        if (d && message == WM_ENDSESSION && parameter) {
+        if (d && message == WM_ENDSESSION && wParam) {
             emit d->watcher.SessionEnding();
-            QMetaObject::invokeMethod(&d->watcher, &SignalWatcher::EndRequested, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(&d->watcher, &SignalWatcher::QuitRequested, Qt::QueuedConnection);
             return 0;
         }
-        // Which agrees to WM_QUERYENDSESSION, too.
-        return DefWindowProcW(window, message, parameter, more);
+        // Also agrees to WM_QUERYENDSESSION.
+        return DefWindowProcW(window, message, wParam, lParam);
     }
 
     static constexpr const wchar_t* kClassName = L"VexelHostRequests";
@@ -113,8 +113,8 @@ SignalWatcher::~SignalWatcher()
     {
         const QMutexLocker locker(&g_mutex);
         g_pWatcher = nullptr;
-        g_gone.wakeAll();
+        g_destroyed.wakeAll();
     }
-    // Not before: the system does nothing about handlers while one of them runs, and that one may have waited for this.
+    // Last: the system changes no handlers while one runs, and a running one may have waited for the lines above.
     SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
 }

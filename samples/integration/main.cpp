@@ -1,9 +1,9 @@
-// A host in some forty lines: loads the plug-in, shows its dialog until it is closed, and saves.
+// A minimal host: loads the plug-in, shows its dialog until it is closed, and saves.
 //
 //     integration <plug-in library> <configuration directory>
 //
-// Ends with 1 where its command line is wrong, 2 where the configuration cannot be used, as while another host works on
-// it, 3 where the plug-in cannot, and 4 where something could not be saved.
+// Exit codes: 1 invalid command line, 2 the configuration cannot be used, for example because another host uses it, 3
+// the plug-in cannot be used, 4 something could not be saved.
 
 #include "platform/cfgcenter.h"
 #include "platform/idllinstance.h"
@@ -20,7 +20,7 @@
 #include <cstdio>
 #include <memory>
 
-#ifdef Q_OS_WIN // here, so that the example is one file
+#ifdef Q_OS_WIN // inline, so that the example is one file
 #include <windows.h>
 #endif
 
@@ -45,7 +45,7 @@ int main(int argc, char* argv[])
     if (arguments.size() != 3)
         return Fail(1, QStringLiteral("usage: integration <plug-in library> <configuration directory>"));
 
-    // The installed tree that the plug-in belongs to; a host that lies elsewhere names what it needs of it.
+    // The installed tree of the plug-in; a host installed elsewhere has to name these directories.
     const QFileInfo plugin(arguments[1]);
     const QDir tree(QDir::cleanPath(plugin.absolutePath() + QStringLiteral("/../..")));
     TranslationCenter::Instance().SetDirectory(tree.filePath(QStringLiteral("share/vexel/translations")));
@@ -55,14 +55,14 @@ int main(int argc, char* argv[])
     AddDllDirectory(reinterpret_cast<const wchar_t*>(libraries.utf16()));
 #endif
 
-    // Two hosts on one configuration would undo what the other stores.
+    // Two hosts on one configuration would overwrite each other's changes.
     InstanceLock lock;
     if (lock.TryLock(arguments[2]) != InstanceLock::Result::Locked)
         return Fail(2, lock.ErrorText());
     if (!CfgCenter::Open(arguments[2]))
         return Fail(2, CfgCenter::OpenError());
 
-    // By its absolute path: a bare name would be looked for in places that others can write to.
+    // An absolute path: a bare name would be searched in places that others can write to.
     QLibrary library(plugin.absoluteFilePath());
     const auto create = reinterpret_cast<IDllInstance* (*)(const wchar_t*)>(library.resolve("ARCreateEx"));
     const auto destroy = reinterpret_cast<void (*)(IDllInstance*)>(library.resolve("ARDestroy"));
@@ -76,14 +76,14 @@ int main(int argc, char* argv[])
     if (!dialog)
         return Fail(3, QStringLiteral("the plug-in has no connect dialog"));
 
-    // Both buttons hide the dialog, the one to be called back, the other for good, as do Escape and the title bar.
+    // Both buttons hide the dialog. After "&Connect" it is shown again; "Close", Escape and the title bar quit.
     const auto button = [dialog](const char* name) {
         return dialog->findChild<QAbstractButton*>(QLatin1String(name));
     };
     QObject::connect(button("m_pConnectButton"), &QAbstractButton::clicked, dialog, &QWidget::show);
     QObject::connect(button("m_pCloseButton"), &QAbstractButton::clicked, &application, &QApplication::quit);
     QObject::connect(dialog, &QDialog::rejected, &application, &QApplication::quit);
-    // A session of the system that ends waits for this, and for nothing that comes later.
+    // At the end of a session this may be the last chance to save.
     const auto save = [&instance] {
         instance->SaveSettings();
         return CfgCenter::SaveDocument();
@@ -93,6 +93,6 @@ int main(int argc, char* argv[])
     QApplication::exec();
 
     save();
-    instance.reset(); // stores once more what ended with it
+    instance.reset(); // stores its settings once more
     return CfgCenter::SaveDocument() ? 0 : Fail(4, QStringLiteral("the configuration could not be saved"));
 }

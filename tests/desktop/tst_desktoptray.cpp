@@ -214,7 +214,7 @@ void TestDesktopTray::noticesAreToldWhereNobodyReads()
     const Panel panel;
     Session session;
     QTRY_VERIFY(session.IsDocked());
-    session.notices.Say(QStringLiteral("the document was damaged"));
+    session.notices.Report(QStringLiteral("the document was damaged"));
     QTRY_VERIFY(BalloonSays(QStringLiteral("the document was damaged")));
     Balloon()->close();
     // The host stays in the tray, so nothing is lost yet.

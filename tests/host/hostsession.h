@@ -23,7 +23,7 @@ struct HostSession
             ++saved;
             return canSave;
         });
-        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::EndWanted);
+        end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::QuitRequested);
     }
 
     FakeDialog fake;

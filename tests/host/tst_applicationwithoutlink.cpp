@@ -47,7 +47,7 @@ void TestApplicationWithoutLink::theDialogWorksAndNobodyRaisesIt()
     bool wasInUse = false;
     bool wasHidden = false;
     bool stayedHidden = false;
-    LinkAnswer answer = LinkAnswer::Taken;
+    LinkAnswer answer = LinkAnswer::Accepted;
     const ExitCode code = host.Run([&](const ConnectDialog& dialog) {
         QVERIFY(dialog.Window()->isVisible());
         AddEntry(dialog, QStringLiteral("mast"), true);
@@ -64,7 +64,7 @@ void TestApplicationWithoutLink::theDialogWorksAndNobodyRaisesIt()
     QCOMPARE(code, ExitCode::Done);
     QVERIFY(wasInUse);
     QVERIFY(wasHidden && stayedHidden);
-    QCOMPARE(answer, LinkAnswer::Foreign);
+    QCOMPARE(answer, LinkAnswer::OtherService);
     QCOMPARE(calls, 1);
     QVERIFY(host.HasStored("mast"));
     // Once, and no other word of the link's: there is none.

@@ -186,7 +186,7 @@ void TestDialogSession::nothingIsShownWhereStandardErrorIsRead()
 void TestDialogSession::whatCameBeforeTheDialogIsShownWithIt()
 {
     Session host;
-    host.notices.Say(QStringLiteral("the document <b>was</b> damaged"));
+    host.notices.Report(QStringLiteral("the document <b>was</b> damaged"));
     QVERIFY(!NoticeOnScreen());
     host.session->Start();
     QTRY_VERIFY(NoticeOnScreen());
@@ -201,14 +201,14 @@ void TestDialogSession::severalNoticesShareABox()
 {
     Session host;
     host.session->Start();
-    host.notices.Say(QStringLiteral("one"));
+    host.notices.Report(QStringLiteral("one"));
     const QMessageBox* box = NoticeOnScreen();
     QVERIFY(box);
-    host.notices.Say(QStringLiteral("two"));
+    host.notices.Report(QStringLiteral("two"));
     QCOMPARE(NoticeOnScreen(), box);
     QCOMPARE(box->text(), QStringLiteral("one\n\ntwo"));
     NoticeOnScreen()->close();
-    host.notices.Say(QStringLiteral("three"));
+    host.notices.Report(QStringLiteral("three"));
     QVERIFY(NoticeOnScreen());
     QCOMPARE(NoticeOnScreen()->text(), QStringLiteral("three"));
 }

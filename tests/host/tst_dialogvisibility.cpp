@@ -32,10 +32,10 @@ struct Kept
         });
         keeper = std::make_unique<DialogVisibility>(*dialog, *monitor);
         hidden = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::DialogHidden);
-        end = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::EndWanted);
+        end = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::QuitRequested);
         stays = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::StaysHidden);
         wentToTray = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::WentToTray);
-        asks = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::EndNeedsAnswer);
+        asks = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::QuitNeedsConfirmation);
         fake.show();
     }
 
@@ -390,13 +390,13 @@ void TestDialogVisibility::askingToEnd()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
-    kept.keeper->AskToEnd();
+    kept.keeper->RequestQuit();
     QCOMPARE(kept.asks->count(), 1);
     QCOMPARE(kept.asks->at(0).at(0).toInt(), 1);
     QCOMPARE(kept.end->count(), 0);
 
     kept.fake.SetStatus(0, 0);
-    kept.keeper->AskToEnd();
+    kept.keeper->RequestQuit();
     QCOMPARE(kept.asks->count(), 1);
     QCOMPARE(kept.end->count(), 1);
 }

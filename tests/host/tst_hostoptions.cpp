@@ -182,7 +182,7 @@ void TestHostOptions::helpNamesEveryOptionAndEveryExitCode()
                                  "--backups",
                                  "--restore <N>",
                                  "--diagnose",
-                                 "import, add, export, list, picture before",
+                                 "import, add, export, list, screenshot before",
                                  "-h, --help",
                                  "-v, --version",
                                  "VEXEL_CONFIG_DIR",
@@ -190,8 +190,8 @@ void TestHostOptions::helpNamesEveryOptionAndEveryExitCode()
                                  "\n  0  done",
                                  "\n  1  ",
                                  "\n  2  ",
-                                 "\n  3  something asked for could not be connected",
-                                 "\n  4  another host works on the same configuration directory"})
+                                 "\n  3  an entry could not be connected",
+                                 "\n  4  another host uses the same configuration directory"})
             QVERIFY2(parsed.text.contains(QLatin1String(part)), part);
     }
 }
@@ -263,7 +263,7 @@ void TestHostOptions::wrongCommandLines()
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, hint);
     const ParsedCommandLine parsed = Parse(arguments);
-    QCOMPARE(parsed.outcome, Outcome::Wrong);
+    QCOMPARE(parsed.outcome, Outcome::Invalid);
     QVERIFY2(parsed.text.contains(hint), qPrintable(parsed.text));
     QVERIFY(!parsed.text.contains(QLatin1Char('\n')));
 }
@@ -305,22 +305,22 @@ void TestHostOptions::supportOptions()
     const ParsedCommandLine backups = Parse({QStringLiteral("--backups"), QStringLiteral("--json")});
     QCOMPARE(backups.outcome, Outcome::Run);
     QVERIFY(backups.options.backups && backups.options.json);
-    QVERIFY(backups.options.IsForSupport());
+    QVERIFY(backups.options.IsSupportCommand());
     QVERIFY(!backups.options.IsHeadless());
 
     const ParsedCommandLine restore = Parse({QStringLiteral("--restore"), QStringLiteral("10")});
     QCOMPARE(restore.outcome, Outcome::Run);
     QCOMPARE(restore.options.versionToRestore, 10);
-    QVERIFY(restore.options.IsForSupport());
+    QVERIFY(restore.options.IsSupportCommand());
 
     const ParsedCommandLine diagnose =
         Parse({QStringLiteral("--diagnose"), QStringLiteral("--json"), QStringLiteral("--data"), QStringLiteral("."),
                QStringLiteral("--plugin"), QStringLiteral("p"), QStringLiteral("--trace")});
     QCOMPARE(diagnose.outcome, Outcome::Run);
     QVERIFY(diagnose.options.diagnose && diagnose.options.json);
-    QVERIFY(diagnose.options.IsForSupport());
+    QVERIFY(diagnose.options.IsSupportCommand());
 
-    QVERIFY(!Parse({QStringLiteral("--list")}).options.IsForSupport());
+    QVERIFY(!Parse({QStringLiteral("--list")}).options.IsSupportCommand());
     QCOMPARE(Parse({QStringLiteral("--export"), QStringLiteral("-")}).options.fileToExport,
              HostOptions::kStandardOutput);
 }

@@ -100,7 +100,7 @@ void TestHostStoredSet::entitiesAreNotExpanded()
 void TestHostStoredSet::laterChangesMakeNoDifference()
 {
     StoreList(ListOf(1000).chopped(30));
-    std::future<StoredSet> begun = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+    std::future<StoredSet> begun = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
     StoreList(ListOf(1));
     CfgCenter::Close();
     const StoredSet set = begun.get();

@@ -132,7 +132,7 @@ void TestMachineReport::saysWhyAFileIsNotRead()
     QCOMPARE(Report().value(QLatin1String("machineFileState")), QJsonValue(QStringLiteral("not read: no such file")));
     QCOMPARE(Report().value(QLatin1String("mappingFile")), QJsonValue(QString()));
     QCOMPARE(Report().value(QLatin1String("mappingFileState")),
-             QJsonValue(QStringLiteral("not read: no path is known")));
+             QJsonValue(QStringLiteral("not read: its path is unknown")));
 
     WriteMachine({});
     QVERIFY(QDir(m_pData->path()).mkdir(QStringLiteral("TypeApplicationMappings.xml")));
@@ -213,8 +213,7 @@ void TestMachineReport::saysWhatIsDropped_data()
     row("not mapped", good + Application("B", "b"), mapped,
         {QStringLiteral("application \"B\": no device type is mapped to its executable")});
     row("listed again", good + good, mapped,
-        {QStringLiteral(
-            "application \"A\": listed again; it counts once, with all of its start descriptions in a row")});
+        {QStringLiteral("application \"A\": listed more than once; its start descriptions are joined")});
     row("no device type", good, mapped + Mapping("four", "A"),
         {QStringLiteral("mapping to \"A\": it has no valid device type")});
     row("no application", good, mapped + Mapping("9", ""),
@@ -229,15 +228,13 @@ void TestMachineReport::saysWhatIsDropped_data()
              "mapping of device type 4 (Kite Echo) to \"B\": a later mapping of this device type replaces it"),
          QStringLiteral("application \"B\": no device type is mapped to its executable")});
     row("served by another type", good, mapped + Mapping("5", "A"),
-        {QStringLiteral(
-            "mapping of device type 5 (Kite Ember) to \"A\": device type 4 (Kite Echo) is mapped in its place")});
+        {QStringLiteral("mapping of device type 5 (Kite Ember) to \"A\": device type 4 (Kite Echo) is used instead")});
     row("unknown type", good, mapped + Mapping("99", "A"),
         {QStringLiteral("mapping of device type 99 to \"A\": no entry has this device type")});
     row("executable of nobody", good, mapped + Mapping("9", "other.exe"),
         {QStringLiteral("mapping of device type 9 (Heron) to \"other.exe\": no application has this executable")});
     row("serves only what is not used", Application("B", "b") + good, mapped + Mapping("5", "B"),
-        {QStringLiteral(
-             "mapping of device type 5 (Kite Ember) to \"B\": device type 4 (Kite Echo) is mapped in its place"),
+        {QStringLiteral("mapping of device type 5 (Kite Ember) to \"B\": device type 4 (Kite Echo) is used instead"),
          QStringLiteral("application \"B\": no device type is mapped to its executable")});
 }
 

@@ -24,10 +24,10 @@ void TestNotices::onStandardErrorWhereItIsRead()
     {
         const ErrorsTo errors(fileName);
         Notices notices;
-        notices.ShowThrough([&](const QString& text) { shown.append(text); });
-        notices.Say(QStringLiteral("one"));
-        notices.Say(QStringLiteral("two"), QStringLiteral("zwei"));
-        notices.ShowUnread(QStringLiteral("three"));
+        notices.SetDisplay([&](const QString& text) { shown.append(text); });
+        notices.Report(QStringLiteral("one"));
+        notices.Report(QStringLiteral("two"), QStringLiteral("zwei"));
+        notices.ShowIfUnread(QStringLiteral("three"));
     }
     QCOMPARE(shown, QStringList());
     QFile file(fileName);
@@ -40,10 +40,10 @@ void TestNotices::shownWhereNobodyReads()
     const ErrorsTo errors(QProcess::nullDevice());
     QStringList shown;
     Notices notices;
-    notices.ShowThrough([&](const QString& text) { shown.append(text); });
-    notices.Say(QStringLiteral("one"));
-    notices.Say(QStringLiteral("two"), QStringLiteral("zwei"));
-    notices.ShowUnread(QStringLiteral("three"));
+    notices.SetDisplay([&](const QString& text) { shown.append(text); });
+    notices.Report(QStringLiteral("one"));
+    notices.Report(QStringLiteral("two"), QStringLiteral("zwei"));
+    notices.ShowIfUnread(QStringLiteral("three"));
     QCOMPARE(shown, QStringList({QStringLiteral("one"), QStringLiteral("zwei"), QStringLiteral("three")}));
 }
 
@@ -55,16 +55,16 @@ void TestNotices::keptUntilTheyCanBeShown()
         shown.append(text);
     };
     Notices notices;
-    notices.ShowThrough(show);
+    notices.SetDisplay(show);
     QCOMPARE(shown, QStringList());
-    notices.ShowThrough({});
-    notices.Say(QStringLiteral("one"));
-    notices.Say(QStringLiteral("two"));
+    notices.SetDisplay({});
+    notices.Report(QStringLiteral("one"));
+    notices.Report(QStringLiteral("two"));
     QCOMPARE(shown, QStringList());
-    notices.ShowThrough(show);
+    notices.SetDisplay(show);
     QCOMPARE(shown, QStringList(QStringLiteral("one\n\ntwo")));
     // Each of them once.
-    notices.ShowThrough(show);
+    notices.SetDisplay(show);
     QCOMPARE(shown.size(), 1);
 }
 

@@ -107,7 +107,7 @@ void TestPluginLibrary::emptyFile()
 void TestPluginLibrary::libraryWithoutTheFunctions()
 {
     PluginLibrary library;
-    QCOMPARE(library.Load(QStringLiteral(LIBRARY_NOEXPORTS)), PluginLibrary::Error::LacksFunctions);
+    QCOMPARE(library.Load(QStringLiteral(LIBRARY_NOEXPORTS)), PluginLibrary::Error::MissingExports);
     QVERIFY(library.ErrorText().contains(QLatin1String("ARCreateEx")));
     QVERIFY(library.ErrorText().contains(QLatin1String("ARDestroy")));
 }
@@ -115,7 +115,7 @@ void TestPluginLibrary::libraryWithoutTheFunctions()
 void TestPluginLibrary::libraryWithOneOfTheFunctions()
 {
     PluginLibrary library;
-    QCOMPARE(library.Load(QStringLiteral(LIBRARY_ONLYCREATE)), PluginLibrary::Error::LacksFunctions);
+    QCOMPARE(library.Load(QStringLiteral(LIBRARY_ONLYCREATE)), PluginLibrary::Error::MissingExports);
 }
 
 void TestPluginLibrary::pluginThatGivesNoInstance()

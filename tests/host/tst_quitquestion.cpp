@@ -55,7 +55,7 @@ void TestQuitQuestion::tells()
     question.Ask(inUse);
     QVERIFY(OpenBox());
     QCOMPARE(OpenBox()->text().section(QLatin1Char('\n'), 0, 0), text);
-    QVERIFY(OpenBox()->text().contains(QLatin1String("end with it")));
+    QVERIFY(OpenBox()->text().contains(QLatin1String("will be closed")));
 }
 
 void TestQuitQuestion::tellsWhatCouldNotBeSaved()

@@ -173,7 +173,7 @@ void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
     const Fixture fixture;
     QStringList errors;
     QByteArray expected;
-    for (int number = 1; number <= RotatingFile::kKeptFiles; ++number)
+    for (int number = 1; number <= RotatingFile::kBackupCount; ++number)
         if (number != blocked)
             QVERIFY(Files::Write(fixture.Earlier(number), QByteArray::number(number)));
     if (blocked == 0) {
@@ -203,7 +203,7 @@ void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
     QCOMPARE(errors.size(), 1);
     QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))), qPrintable(errors.first()));
     // The other files are what they were.
-    for (int number = 1; number <= RotatingFile::kKeptFiles; ++number)
+    for (int number = 1; number <= RotatingFile::kBackupCount; ++number)
         if (number != blocked)
             QCOMPARE(Files::Read(fixture.Earlier(number)), QByteArray::number(number));
 }
@@ -301,7 +301,7 @@ void TestRotatingFile::severalProcesses()
     // Every line is there, whole, once, whichever file it stands in.
     std::set<QByteArray> lines;
     int count = 0;
-    for (int number = 0; number <= RotatingFile::kKeptFiles; ++number) {
+    for (int number = 0; number <= RotatingFile::kBackupCount; ++number) {
         const QByteArray content = Files::Read(number == 0 ? fixture.name : fixture.Earlier(number));
         QVERIFY(content.isEmpty() || content.endsWith('\n'));
         for (const QByteArray& line : content.chopped(content.isEmpty() ? 0 : 1).split('\n')) {

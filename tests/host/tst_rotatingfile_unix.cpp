@@ -108,7 +108,7 @@ void TestRotatingFileUnix::aFileReplacedByAPipeIsNotWaitedFor()
     QCOMPARE(file.Open(m_name, kLargest), QString());
     QVERIFY(QFile::remove(m_name));
     QCOMPARE(System::MakePipe(m_name), m_name);
-    QVERIFY(file.Append("one\n").contains(QLatin1String("nobody reads from it")));
+    QVERIFY(file.Append("one\n").contains(QLatin1String("no process is reading from it")));
     QCOMPARE(file.Append("two\n"), QString());
 }
 
@@ -144,7 +144,7 @@ void TestRotatingFileUnix::aPipeWithoutAReaderIsRefused()
 {
     QCOMPARE(System::MakePipe(m_name), m_name);
     RotatingFile file;
-    QCOMPARE(file.Open(m_name, kLargest), QStringLiteral("nobody reads from it"));
+    QCOMPARE(file.Open(m_name, kLargest), QStringLiteral("no process is reading from it"));
     QVERIFY(!file.IsOpen());
 }
 
@@ -173,7 +173,7 @@ void TestRotatingFileUnix::aPipeInTheLocksPlace()
     QCOMPARE(file.Open(m_name, 10), QString());
     QCOMPARE(file.Append("seven..\n"), QString());
     const QString trouble = file.Append("eight..\n");
-    QVERIFY2(trouble.startsWith(QLatin1String("is full and cannot be put aside: ")) && trouble.contains(pipe),
+    QVERIFY2(trouble.startsWith(QLatin1String("is full and cannot be rotated: ")) && trouble.contains(pipe),
              qPrintable(trouble));
     QCOMPARE(Files::Read(m_name), QByteArray("seven..\neight..\n"));
 }

@@ -60,7 +60,7 @@ private slots:
     void threadIsAsked()
     {
         SignalWatcher watcher;
-        const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
+        const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
         PostThreadMessageW(GetCurrentThreadId(), WM_CLOSE, 0, 0);
         QTRY_COMPARE(requests.size(), 1);
     }
@@ -69,7 +69,7 @@ private slots:
     void windowsAreAskedInALoopOfWindows()
     {
         SignalWatcher watcher;
-        const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
+        const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
         for (const HWND window : Windows())
             PostMessageW(window, WM_CLOSE, 0, 0);
         RunLoopOfWindows();
@@ -80,7 +80,7 @@ private slots:
     {
         SignalWatcher watcher;
         const QSignalSpy endings(&watcher, &SignalWatcher::SessionEnding);
-        const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
+        const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
         for (const HWND window : Windows())
             QCOMPARE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
         QCOMPARE(endings.size(), 0);
@@ -95,7 +95,7 @@ private slots:
     {
         SignalWatcher watcher;
         const QSignalSpy endings(&watcher, &SignalWatcher::SessionEnding);
-        const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
+        const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
         for (const HWND window : Windows()) {
             SendMessageW(window, WM_QUERYENDSESSION, 0, 0);
             SendMessageW(window, WM_ENDSESSION, FALSE, 0);
@@ -130,7 +130,7 @@ private slots:
         QFETCH(const int, event);
         QVERIFY(ConsoleRoutine());
         SignalWatcher watcher;
-        const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
+        const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
         const HANDLE thread = TellOfConsole(static_cast<DWORD>(event));
         QTRY_COMPARE(requests.size(), 1);
         QTRY_VERIFY(HasEnded(thread));
@@ -141,7 +141,7 @@ private slots:
     void consoleIsClosed()
     {
         auto watcher = std::make_unique<SignalWatcher>();
-        const QSignalSpy requests(watcher.get(), &SignalWatcher::EndRequested);
+        const QSignalSpy requests(watcher.get(), &SignalWatcher::QuitRequested);
         const HANDLE thread = TellOfConsole(CTRL_CLOSE_EVENT);
         QTRY_COMPARE(requests.size(), 1);
         QVERIFY(!HasEnded(thread));

@@ -137,12 +137,12 @@ void TestTraceLog::theSizeIsBoundedByItself()
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
     {
         QFile full(fileName);
-        QVERIFY(full.open(QIODevice::WriteOnly) && full.resize(TraceLog::kLargestFile));
+        QVERIFY(full.open(QIODevice::WriteOnly) && full.resize(TraceLog::kMaxFileSize));
     }
     TraceLog log;
     QCOMPARE(log.Start(false, fileName), QString());
     _Q_Trace(QStringLiteral("one more"), "folder/file", 42);
-    QCOMPARE(QFile(fileName + QStringLiteral(".1")).size(), TraceLog::kLargestFile);
+    QCOMPARE(QFile(fileName + QStringLiteral(".1")).size(), TraceLog::kMaxFileSize);
     QCOMPARE(FileLines(fileName).size(), 1);
 }
 

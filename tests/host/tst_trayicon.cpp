@@ -32,9 +32,9 @@ struct InTray
     FakeDialog fake;
     StatusMonitor monitor{&fake.entries};
     TrayIcon tray{monitor};
-    QSignalSpy dialog{&tray, &TrayIcon::DialogWanted};
-    QSignalSpy save{&tray, &TrayIcon::SaveWanted};
-    QSignalSpy end{&tray, &TrayIcon::EndWanted};
+    QSignalSpy dialog{&tray, &TrayIcon::ShowRequested};
+    QSignalSpy save{&tray, &TrayIcon::SaveRequested};
+    QSignalSpy end{&tray, &TrayIcon::QuitRequested};
 };
 
 int Brightest(const QImage& image)
@@ -162,7 +162,7 @@ void TestTrayIcon::withoutATray()
     InTray inTray;
     QVERIFY(!inTray.tray.IsAvailable());
     const QSignalSpy available(&inTray.tray, &TrayIcon::AvailabilityChanged);
-    inTray.tray.Tell(QStringLiteral("nobody hears this"), QSystemTrayIcon::Information);
+    inTray.tray.ShowMessage(QStringLiteral("nobody hears this"), QSystemTrayIcon::Information);
     QCoreApplication::processEvents();
     QCOMPARE(available.count(), 0);
 }

@@ -180,7 +180,7 @@ void TestVexelHostBackups::restoreBringsAVersionBack()
     QCOMPARE(restored.exitCode, 0);
     QCOMPARE(restored.OutputLines().size(), 1);
     QVERIFY2(restored.output.startsWith(QLatin1String("version 2 of ")) &&
-                 restored.output.contains(QLatin1String("3 entries -> 1 entry; what it replaced is version 1 now")),
+                 restored.output.contains(QLatin1String("3 entries -> 1 entry; the replaced state is now version 1")),
              qPrintable(restored.output));
     QCOMPARE(Files::Read(Document(setUp)), oldest);
     QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|1"), QStringLiteral("1|3"), QStringLiteral("2|2"),
@@ -256,7 +256,7 @@ void TestVexelHostBackups::aDamagedDocumentIsShownAndReplaced()
     const QFileInfo document(Document(setUp));
     const QStringList aside = document.dir().entryList({document.fileName() + QStringLiteral(".damaged-*")});
     QCOMPARE(aside.size(), 1);
-    QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry; what it replaced is kept as ")) &&
+    QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry; the replaced file is kept as ")) &&
                  result.output.contains(aside.constFirst()),
              qPrintable(result.output));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
@@ -296,12 +296,12 @@ void TestVexelHostBackups::aListThatBreaksOffIsKeptForGood()
     StoreLists(setUp, 3);
     BreakOff(setUp, 1000);
     const QByteArray document = Files::Read(Document(setUp));
-    QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, breaks off"));
+    QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, then malformed"));
 
     const auto first = setUp.Run({QStringLiteral("--list")});
     QCOMPARE(first.exitCode, 0);
     QCOMPARE(first.ErrorLines().size(), 1);
-    QVERIFY2(first.error.contains(QLatin1String("breaks off after 2 entries")), qPrintable(first.error));
+    QVERIFY2(first.error.contains(QLatin1String("malformed after 2 entries")), qPrintable(first.error));
     const QFileInfo info(Document(setUp));
     const auto copies = [&info] {
         return info.dir().entryInfoList({info.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);

@@ -158,7 +158,7 @@ void TestVexelHostConnect::programThatDoesNotExist()
     QCOMPARE(result.exitCode, 3);
     QCOMPARE(result.output, QString());
     QCOMPARE(result.ErrorLines(),
-             QStringList(QStringLiteral("vexelhost: \"mast\" could not be connected (--trace says why)")));
+             QStringList(QStringLiteral("vexelhost: \"mast\" could not be connected (use --trace for the reason)")));
 }
 
 void TestVexelHostConnect::programThatEndsAtOnce()

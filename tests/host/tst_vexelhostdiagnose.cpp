@@ -171,7 +171,7 @@ void TestVexelHostDiagnose::stateOfTheStore()
     QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(true));
     QCOMPARE(Value(report, "configuration", "canBeWritten"), QJsonValue(true));
     QCOMPARE(Value(report, "configuration", "hostAtWork"), QJsonValue(QStringLiteral("none")));
-    QCOMPARE(Value(report, "configuration", "storedList"), QJsonValue(QStringLiteral("in order")));
+    QCOMPARE(Value(report, "configuration", "storedList"), QJsonValue(QStringLiteral("valid")));
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(2));
     QCOMPARE(Value(report, "configuration", "quarantined"), QJsonValue(QJsonArray()));
 
@@ -249,7 +249,7 @@ void TestVexelHostDiagnose::listThatBreaksOff()
     setUp.Write(Document(setUp), R"({"values": {"ConnectionsModel/ModelMimeData": ")" +
                                      HostSetUp::ListDocument({QStringLiteral("one")}).chopped(30).toHex() + "\"}}");
     const QJsonObject report = Diagnose(setUp);
-    QVERIFY2(Value(report, "configuration", "storedList").toString().startsWith(QLatin1String("BREAKS OFF")),
+    QVERIFY2(Value(report, "configuration", "storedList").toString().startsWith(QLatin1String("MALFORMED")),
              qPrintable(Value(report, "configuration", "storedList").toString()));
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
 }
@@ -278,7 +278,8 @@ void TestVexelHostDiagnose::traceFileIsLeftAlone()
     const QStringList option{QStringLiteral("--trace-file"), fileName};
     QCOMPARE(Value(Diagnose(setUp), "paths", "traceFile"), QJsonValue());
     QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFile"), QJsonValue(fileName));
-    QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFileState"), QJsonValue(QStringLiteral("not there yet")));
+    QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFileState"),
+             QJsonValue(QStringLiteral("does not exist yet")));
     QVERIFY(!QFileInfo::exists(fileName));
     setUp.Write(fileName, "12345");
     QCOMPARE(Value(Diagnose(setUp, option), "paths", "traceFileState"), QJsonValue(QStringLiteral("5 bytes")));

@@ -43,7 +43,7 @@ void TestVexelHostOutputUnix::whatCannotBePrintedFails()
     setUp.Start(host, arguments);
     const auto result = HostSetUp::End(host);
     QCOMPARE(result.exitCode, 1);
-    QCOMPARE(result.error, QStringLiteral("vexelhost: cannot write all of it to standard output\n"));
+    QCOMPARE(result.error, QStringLiteral("vexelhost: cannot write everything to standard output\n"));
     QCOMPARE(setUp.StoredText(), stored);
 }
 

@@ -120,7 +120,7 @@ void TestVexelHostStoreUnix::whatCannotBeWrittenIsLookedAt()
     QCOMPARE(listed.exitCode, 0);
     QCOMPARE(listed.ErrorLines().size(), 1);
     QVERIFY2(listed.error.contains(QLatin1String("cannot be used: ")) &&
-                 listed.error.contains(QLatin1String("it is only looked at")),
+                 listed.error.contains(QLatin1String("opened read-only")),
              qPrintable(listed.error));
     QCOMPARE(listed.OutputLines().size(), 4);
     QCOMPARE(Files::Read(setUp.Path("out.xml")).count("<Connection>"), 3);
@@ -219,7 +219,7 @@ void TestVexelHostStoreUnix::aDocumentThatCannotBeRead()
 
     const auto restored = setUp.Run({QStringLiteral("--restore=1")});
     QCOMPARE(restored.exitCode, 0);
-    QVERIFY2(restored.output.contains(QLatin1String("cannot be read -> 2 entries; what it replaced is kept as ")),
+    QVERIFY2(restored.output.contains(QLatin1String("cannot be read -> 2 entries; the replaced file is kept as ")),
              qPrintable(restored.output));
     QCOMPARE(setUp.Names(), kAllNames.first(2));
 }

@@ -1,4 +1,4 @@
-#include "starter/linkending.h"
+#include "starter/linksocket.h"
 #include "tests/link/linkfixture.h"
 #include "tests/link/strangerprocess.h"
 
@@ -50,7 +50,7 @@ void TestInterfaceStrangers::sendingHalfIsShutDown()
         caller->write(Stranger::Said());
         QTRY_COMPARE(server.callback.received, Stranger::Said());
     }
-    EndSending(caller->socketDescriptor());
+    ShutdownSending(caller->socketDescriptor());
     // Nobody who has nothing more to say keeps a place.
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.Count(Kind::Open), 1);

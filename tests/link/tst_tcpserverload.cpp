@@ -105,7 +105,7 @@ void TestTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
         window.isShown = false;
         auto isAnswered = std::async(
             std::launch::async,
-            [&] { return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)) == LinkAnswer::Taken && window.isShown; });
+            [&] { return CallLink(LinkPort::kNumber, QDeadlineTimer(30s)) == LinkAnswer::Accepted && window.isShown; });
         QVERIFY(QTest::qWaitFor([&] { return isAnswered.wait_for(0s) == std::future_status::ready; }, 30'000));
         QVERIFY(isAnswered.get());
     }

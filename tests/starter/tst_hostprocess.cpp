@@ -89,9 +89,9 @@ void TestHostProcess::exitCode()
     HostProcess process;
     QCOMPARE(process.Start(FakeHostRun::Program(), run.Arguments(QString::number(code), 1)), QString());
     QVERIFY(process.Id() > 0);
-    QTRY_VERIFY_WITH_TIMEOUT(process.Ended(), 20'000);
-    QCOMPARE(process.Ended()->crash, QString());
-    QCOMPARE(process.Ended()->exitCode, code);
+    QTRY_VERIFY_WITH_TIMEOUT(process.Poll(), 20'000);
+    QCOMPARE(process.Poll()->crash, QString());
+    QCOMPARE(process.Poll()->exitCode, code);
 }
 
 void TestHostProcess::crash()
@@ -99,21 +99,21 @@ void TestHostProcess::crash()
     const FakeHostRun run;
     HostProcess process;
     QCOMPARE(process.Start(FakeHostRun::Program(), run.Arguments(QStringLiteral("crash"), 1)), QString());
-    QTRY_VERIFY_WITH_TIMEOUT(process.Ended(), 20'000);
+    QTRY_VERIFY_WITH_TIMEOUT(process.Poll(), 20'000);
 #ifdef Q_OS_WIN
     // There the C run time makes an exit code of it.
-    QVERIFY(process.Ended()->exitCode != 0 || !process.Ended()->crash.isEmpty());
+    QVERIFY(process.Poll()->exitCode != 0 || !process.Poll()->crash.isEmpty());
     // What the system leaves as the exit code: an access violation, and an exception of C++ that nobody caught.
     for (const quint32 code : {0xC0000005, 0xE06D7363}) {
         const FakeHostRun another;
         HostProcess broken;
         const QString mode = QString::number(static_cast<qint32>(code));
         QCOMPARE(broken.Start(FakeHostRun::Program(), another.Arguments(mode, 1)), QString());
-        QTRY_VERIFY_WITH_TIMEOUT(broken.Ended(), 20'000);
-        QCOMPARE(broken.Ended()->crash, QStringLiteral("exception %1").arg(code, 8, 16, QLatin1Char('0')));
+        QTRY_VERIFY_WITH_TIMEOUT(broken.Poll(), 20'000);
+        QCOMPARE(broken.Poll()->crash, QStringLiteral("exception %1").arg(code, 8, 16, QLatin1Char('0')));
     }
 #else
-    QCOMPARE(process.Ended()->crash, QStringLiteral("signal 6"));
+    QCOMPARE(process.Poll()->crash, QStringLiteral("signal 6"));
 #endif
 }
 
@@ -147,7 +147,7 @@ void TestHostProcess::cannotBeStarted()
     const QString error = process.Start(name, {QStringLiteral("x")});
     QVERIFY(!error.isEmpty());
     QVERIFY(!error.contains(u'\n'));
-    QVERIFY(!process.Ended());
+    QVERIFY(!process.Poll());
     QCOMPARE(process.Id(), 0);
 }
 
@@ -173,7 +173,7 @@ void TestHostProcess::outlivesItsObject()
 void TestHostProcess::notStarted()
 {
     HostProcess process;
-    QVERIFY(!process.Ended());
+    QVERIFY(!process.Poll());
     QCOMPARE(process.Id(), 0);
 }
 

@@ -285,7 +285,7 @@ void TestKiteStarter::foreignService()
     const SetUp setUp;
     const auto starter = setUp.Start(QStringList(QStringLiteral("--")) + setUp.HostArguments());
     QTRY_COMPARE_WITH_TIMEOUT(starter->state(), QProcess::NotRunning, 30'000);
-    COMPARE_COMPLAINT(SetUp::End(*starter), 5, QLatin1String("another program has port 8451"));
+    COMPARE_COMPLAINT(SetUp::End(*starter), 5, QLatin1String("another program uses port 8451"));
     QVERIFY(!QFile::exists(setUp.Config()));
 }
 

@@ -22,7 +22,7 @@ private slots:
         QCOMPARE(starter.exitStatus(), QProcess::NormalExit);
         QCOMPARE(starter.exitCode(), 1);
         QCOMPARE(starter.readAllStandardError(),
-                 QByteArray("kitestarter: cannot write all of it to standard output\n"));
+                 QByteArray("kitestarter: cannot write everything to standard output\n"));
     }
 
     void complaintsWithoutAReader_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }

@@ -48,7 +48,7 @@ private slots:
 void TestLinkCall::linkTakesIt()
 {
     TestServer server(10'000);
-    QCOMPARE(Call(server.port), LinkAnswer::Taken);
+    QCOMPARE(Call(server.port), LinkAnswer::Accepted);
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Read, Kind::Close}));
     QCOMPARE(server.callback.Count(Kind::Open), 1);
 }
@@ -65,7 +65,7 @@ void TestLinkCall::linkIsDoneWithItBeforeItAnswers()
     for (int call = 0; call < 10; ++call) {
         isDone = false;
         const bool wasDone =
-            Beside([&] { return CallLink(server.port, QDeadlineTimer(30s)) == LinkAnswer::Taken && isDone; });
+            Beside([&] { return CallLink(server.port, QDeadlineTimer(30s)) == LinkAnswer::Accepted && isDone; });
         QVERIFY(wasDone);
     }
 }
@@ -76,7 +76,7 @@ void TestLinkCall::everyCallIsTaken()
     const int taken = Beside([&] {
         int count = 0;
         for (int call = 0; call < 50; ++call)
-            count += CallLink(server.port, QDeadlineTimer(30s)) == LinkAnswer::Taken ? 1 : 0;
+            count += CallLink(server.port, QDeadlineTimer(30s)) == LinkAnswer::Accepted ? 1 : 0;
         return count;
     });
     QCOMPARE(taken, 50);
@@ -92,7 +92,7 @@ void TestLinkCall::busyLinkIsWaitedFor()
     // No event loop runs here meanwhile, as while an application is being started.
     QCOMPARE(answer.wait_for(300ms), std::future_status::timeout);
     QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
-    QCOMPARE(answer.get(), LinkAnswer::Taken);
+    QCOMPARE(answer.get(), LinkAnswer::Accepted);
 }
 
 void TestLinkCall::fullLinkIsWaitedFor()
@@ -104,7 +104,7 @@ void TestLinkCall::fullLinkIsWaitedFor()
         silent.back()->connectToHost(QHostAddress::LocalHost, server.port);
     }
     QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
-    QCOMPARE(Call(server.port), LinkAnswer::Taken);
+    QCOMPARE(Call(server.port), LinkAnswer::Accepted);
 }
 
 void TestLinkCall::nobodyListens()
@@ -117,7 +117,7 @@ void TestLinkCall::onlyTheOtherAddressListens()
     if (!HasIPv6())
         QSKIP("This machine has no IPv6");
     const ForeignService service(ForeignService::ClosesLate, QHostAddress::LocalHostIPv6);
-    QCOMPARE(Call(service.serverPort()), LinkAnswer::Taken);
+    QCOMPARE(Call(service.serverPort()), LinkAnswer::Accepted);
     QCOMPARE(service.calls, 1);
 }
 
@@ -133,7 +133,7 @@ void TestLinkCall::foreignService()
 {
     QFETCH(const int, manner);
     const ForeignService service(static_cast<ForeignService::Manner>(manner));
-    QCOMPARE(Call(service.serverPort()), LinkAnswer::Foreign);
+    QCOMPARE(Call(service.serverPort()), LinkAnswer::OtherService);
     QCOMPARE(service.calls, 1);
 }
 
@@ -141,13 +141,13 @@ void TestLinkCall::foreignServiceThatClosesLooksLikeALink()
 {
     // Nothing on the wire tells the two apart.
     const ForeignService service(ForeignService::ClosesLate);
-    QCOMPARE(Call(service.serverPort()), LinkAnswer::Taken);
+    QCOMPARE(Call(service.serverPort()), LinkAnswer::Accepted);
 }
 
 void TestLinkCall::silentUntilTheDeadline()
 {
     const ForeignService service(ForeignService::NeverCloses);
-    QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
+    QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::TimedOut);
     QCOMPARE(service.calls, 1);
 }
 
@@ -161,7 +161,7 @@ void TestLinkCall::linkThatEndsCutsItOff()
         std::async(std::launch::async, [port = service->serverPort()] { return CallLink(port, QDeadlineTimer(30s)); });
     QCOMPARE(answer.wait_for(100ms), std::future_status::timeout);
     service.reset();
-    QCOMPARE(answer.get(), LinkAnswer::CutOff);
+    QCOMPARE(answer.get(), LinkAnswer::Reset);
 }
 
 void TestLinkCall::queueThatIsFull()
@@ -176,7 +176,7 @@ void TestLinkCall::queueThatIsFull()
         waiting.back()->connectToHost(QHostAddress::LocalHost, service.serverPort());
     }
     QTRY_COMPARE(waiting.front()->state(), QAbstractSocket::ConnectedState);
-    QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::Silent);
+    QCOMPARE(Call(service.serverPort(), 200ms), LinkAnswer::TimedOut);
 }
 
 void TestLinkCall::nothingIsLeftOpen()
@@ -184,8 +184,8 @@ void TestLinkCall::nothingIsLeftOpen()
     TestServer server(10'000);
     const ForeignService service(ForeignService::Greets);
     const auto callAll = [&] {
-        QCOMPARE(Call(server.port), LinkAnswer::Taken);
-        QCOMPARE(Call(service.serverPort()), LinkAnswer::Foreign);
+        QCOMPARE(Call(server.port), LinkAnswer::Accepted);
+        QCOMPARE(Call(service.serverPort()), LinkAnswer::OtherService);
         QCOMPARE(CallLink(FreePort(), QDeadlineTimer(30s)), LinkAnswer::Refused);
     };
     callAll();

@@ -377,13 +377,13 @@ void TestStarter::foreignService_data()
 {
     QTest::addColumn<int>("manner");
     QTest::addColumn<QString>("hint");
-    const QString talks = QStringLiteral("another program has port");
-    const QString silent = QStringLiteral("no dialog answered there within 0.3 s");
+    const QString talks = QStringLiteral("another program uses port");
+    const QString silent = QStringLiteral("no dialog answered within 0.3 s");
     QTest::newRow("greets") << int(ForeignService::Greets) << talks;
     QTest::newRow("echoes") << int(ForeignService::Echoes) << talks;
     QTest::newRow("answers") << int(ForeignService::Answers) << talks;
     QTest::newRow("never closes") << int(ForeignService::NeverCloses) << silent;
-    QTest::newRow("cuts off") << int(ForeignService::CutsOff) << QStringLiteral("cuts off every call");
+    QTest::newRow("cuts off") << int(ForeignService::CutsOff) << QStringLiteral("resets every connection");
 }
 
 void TestStarter::foreignService()
@@ -396,7 +396,7 @@ void TestStarter::foreignService()
     if (manner == ForeignService::NeverCloses)
         settings.timeOut = 300ms;
     const auto outcome = RunWith(settings);
-    COMPARE_OUTCOME(outcome, Foreign, "");
+    COMPARE_OUTCOME(outcome, PortTaken, "");
     QVERIFY2(outcome.message.contains(hint), qPrintable(outcome.message));
     QVERIFY(outcome.message.contains(QString::number(settings.port)));
     QCOMPARE(run.Starts().size(), 0);
@@ -414,7 +414,7 @@ void TestStarter::foreignServiceOnTheOtherAddress()
     // A host could not have its link beside it.
     const ForeignService service(ForeignService::Greets, QHostAddress::LocalHostIPv6);
     const FakeHostRun run;
-    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("answer"), service.serverPort())), Foreign, "");
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("answer"), service.serverPort())), PortTaken, "");
     QCOMPARE(run.Starts().size(), 0);
 }
 

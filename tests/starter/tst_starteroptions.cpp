@@ -92,7 +92,7 @@ void TestStarterOptions::wrong()
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, hint);
     const auto parsed = Parse(arguments);
-    QCOMPARE(parsed.outcome, Outcome::Wrong);
+    QCOMPARE(parsed.outcome, Outcome::Invalid);
     QVERIFY2(parsed.text.contains(hint), qPrintable(parsed.text));
     QVERIFY(!parsed.text.contains(u'\n'));
 }
@@ -117,7 +117,7 @@ void TestStarterOptions::helpNamesEveryExitCode()
     const QString codes = text.mid(text.indexOf(QLatin1String("Exit codes:")));
     for (const StarterExit code :
          {StarterExit::Called, StarterExit::Usage, StarterExit::NotStarted, StarterExit::HostEnded,
-          StarterExit::NoAnswer, StarterExit::Foreign, StarterExit::NotRunning})
+          StarterExit::NoAnswer, StarterExit::PortTaken, StarterExit::NotRunning})
         QVERIFY2(codes.contains(QStringLiteral("\n  %1  ").arg(static_cast<int>(code))), qPrintable(codes));
 }
 

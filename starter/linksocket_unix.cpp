@@ -1,4 +1,4 @@
-#include "starter/linkending.h"
+#include "starter/linksocket.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -19,35 +19,35 @@ int PollTime(const QDeadlineTimer& deadline)
 
 bool SendLine(qintptr handle, const QByteArray& line)
 {
-    // A line fits into the buffer of a fresh connection.
+    // The line fits into the buffer of a new connection.
     return send(static_cast<int>(handle), line.constData(), static_cast<std::size_t>(line.size()), MSG_NOSIGNAL) >= 0;
 }
 
-void EndSending(qintptr handle)
+void ShutdownSending(qintptr handle)
 {
     (void)shutdown(static_cast<int>(handle), SHUT_WR);
 }
 
-LinkEnding WaitForEnding(qintptr handle, QDeadlineTimer deadline)
+PeerEvent WaitForPeer(qintptr handle, QDeadlineTimer deadline)
 {
     const int socket = static_cast<int>(handle);
     for (;;) {
         pollfd waiting{socket, POLLIN, 0};
         const int ready = poll(&waiting, 1, PollTime(deadline));
         if (ready == 0)
-            return LinkEnding::None;
+            return PeerEvent::None;
         if (ready < 0) {
             if (errno == EINTR)
                 continue;
-            return LinkEnding::CutOff;
+            return PeerEvent::Reset;
         }
         char byte = 0;
         const ssize_t count = recv(socket, &byte, 1, MSG_DONTWAIT);
         if (count > 0)
-            return LinkEnding::Spoke;
+            return PeerEvent::SentData;
         if (count == 0)
-            return LinkEnding::Closed;
+            return PeerEvent::Closed;
         if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
-            return LinkEnding::CutOff;
+            return PeerEvent::Reset;
     }
 }

@@ -1,4 +1,4 @@
-#include "starter/linkending.h"
+#include "starter/linksocket.h"
 
 #include <algorithm>
 
@@ -6,44 +6,44 @@
 
 bool SendLine(qintptr handle, const QByteArray& line)
 {
-    // A line fits into the buffer of a fresh connection.
+    // The line fits into the buffer of a new connection.
     return send(static_cast<SOCKET>(handle), line.constData(), static_cast<int>(line.size()), 0) != SOCKET_ERROR;
 }
 
-void EndSending(qintptr handle)
+void ShutdownSending(qintptr handle)
 {
     (void)shutdown(static_cast<SOCKET>(handle), SD_SEND);
 }
 
-// Asked for beforehand: who looks at the connection and reads afterwards may find that it was closed where it broke
-// off, since not every system tells that twice.
-LinkEnding WaitForEnding(qintptr handle, QDeadlineTimer deadline)
+// The read is started before waiting: not every system reports a reset twice, so polling first and then reading could
+// take a reset for a close.
+PeerEvent WaitForPeer(qintptr handle, QDeadlineTimer deadline)
 {
     const auto socket = static_cast<SOCKET>(handle);
-    char spoken = 0;
-    WSABUF buffer{1, &spoken};
+    char byte = 0;
+    WSABUF buffer{1, &byte};
     WSAOVERLAPPED reading{};
     reading.hEvent = WSACreateEvent();
     DWORD count = 0;
     DWORD flags = 0;
-    LinkEnding ending = LinkEnding::CutOff;
+    PeerEvent event = PeerEvent::Reset;
     if (WSARecv(socket, &buffer, 1, nullptr, &flags, &reading, nullptr) == 0 || WSAGetLastError() == WSA_IO_PENDING) {
-        constexpr qint64 hourMs = 3'600'000;
+        constexpr qint64 kHourMs = 3'600'000;
         do {
-            const qint64 left = deadline.isForever() ? hourMs : std::min(deadline.remainingTime(), hourMs);
+            const qint64 left = deadline.isForever() ? kHourMs : std::min(deadline.remainingTime(), kHourMs);
             if (WaitForSingleObject(reading.hEvent, static_cast<DWORD>(left)) != WAIT_TIMEOUT)
                 break;
         } while (!deadline.hasExpired());
-        // Does nothing where it is done, also when that happens at this very moment.
+        // Does nothing if the read has finished, even at this very moment.
         CancelIoEx(reinterpret_cast<HANDLE>(socket), &reading); // NOLINT(performance-no-int-to-ptr)
-        // The event may come a moment before the outcome, which would then pass for an end without a byte.
+        // The event may be signalled just before the result is set, which would look like a close.
         while (!HasOverlappedIoCompleted(&reading))
             Sleep(1);
         if (WSAGetOverlappedResult(socket, &reading, &count, TRUE, &flags))
-            ending = count > 0 ? LinkEnding::Spoke : LinkEnding::Closed;
+            event = count > 0 ? PeerEvent::SentData : PeerEvent::Closed;
         else if (WSAGetLastError() == WSA_OPERATION_ABORTED)
-            ending = LinkEnding::None;
+            event = PeerEvent::None;
     }
     WSACloseEvent(reading.hEvent);
-    return ending;
+    return event;
 }
