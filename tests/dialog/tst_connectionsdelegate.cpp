@@ -1,4 +1,5 @@
-#include "tests/dialog/markingtranslator.h"
+#include "tests/support/markingtranslator.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -885,5 +886,5 @@ void TestConnectionsDelegate::cancelsByEscape()
     QCOMPARE(Stored(Model::ColumnName).toString(), QStringLiteral("Roof antenna"));
 }
 
-QTEST_MAIN(TestConnectionsDelegate)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsDelegate)
 #include "tst_connectionsdelegate.moc"

@@ -1,5 +1,6 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -525,5 +526,5 @@ void TestDialogFiles::rowsDroppedOnTheTableAreCopied()
     QVERIFY(m_fixture->model->GetConnection(2).Selected);
 }
 
-QTEST_MAIN(TestDialogFiles)
+VEXEL_TEST(QTEST_MAIN, TestDialogFiles)
 #include "tst_dialogfiles.moc"

@@ -1,4 +1,5 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
 
 #include <QClipboard>
@@ -317,5 +318,5 @@ void TestDialogViews::timeoutCountsAsTyped()
     QTRY_COMPARE(m_fixture->model->GetConnection(0).TimeoutSeconds, 75);
 }
 
-QTEST_MAIN(TestDialogViews)
+VEXEL_TEST(QTEST_MAIN, TestDialogViews)
 #include "tst_dialogviews.moc"

@@ -1,4 +1,5 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/testmain.h"
 
 #include <QCheckBox>
 #include <QContextMenuEvent>
@@ -610,5 +611,5 @@ void TestDialogWindow::destructionStoresTheFilterAndTouchesNothingElse()
     QCOMPARE(stored->GetInt(QStringLiteral("SearchMode"), -7, 0), 0);
 }
 
-QTEST_MAIN(TestDialogWindow)
+VEXEL_TEST(QTEST_MAIN, TestDialogWindow)
 #include "tst_dialogwindow.moc"

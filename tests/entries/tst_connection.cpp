@@ -1,5 +1,6 @@
-#include "tests/dialog/markingtranslator.h"
 #include "tests/entries/entrysamples.h"
+#include "tests/support/markingtranslator.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 
 #include <QMetaObject>
@@ -387,6 +388,6 @@ void TestConnection::applicationDeviceType()
     QCOMPARE(Connection::ApplicationDeviceType(deviceType), servedBy);
 }
 
-QTEST_GUILESS_MAIN(TestConnection)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnection)
 
 #include "tst_connection.moc"

@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "tests/entries/entrysamples.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -618,6 +619,6 @@ void TestConnectionFilter::settingsAreNotSavedByStoring()
     QCOMPARE(FilterSettings::Load().column, 1);
 }
 
-QTEST_MAIN(TestConnectionFilter)
+VEXEL_TEST(QTEST_MAIN, TestConnectionFilter)
 
 #include "tst_connectionfilter.moc"

@@ -1,5 +1,6 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QRegularExpression>
@@ -534,6 +535,6 @@ void TestConnectionListInput::deepNesting()
     QCOMPARE(Names(reading), names);
 }
 
-QTEST_GUILESS_MAIN(TestConnectionListInput)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnectionListInput)
 
 #include "tst_connectionlistinput.moc"

@@ -1,5 +1,6 @@
-#include "tests/dialog/markingtranslator.h"
 #include "tests/entries/entrysamples.h"
+#include "tests/support/markingtranslator.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QAbstractItemModelTester>
@@ -539,6 +540,6 @@ void TestConnectionsModel::neverUserCheckable()
             QVERIFY(!model.flags(model.index(row, column)).testFlag(Qt::ItemIsUserCheckable));
 }
 
-QTEST_MAIN(TestConnectionsModel)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsModel)
 
 #include "tst_connectionsmodel.moc"

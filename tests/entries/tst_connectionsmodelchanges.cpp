@@ -1,6 +1,7 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/entries/watchedmodel.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QRandomGenerator>
@@ -444,6 +445,6 @@ void TestConnectionsModelChanges::countsStayRightAfterAnyChange()
     }
 }
 
-QTEST_MAIN(TestConnectionsModelChanges)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsModelChanges)
 
 #include "tst_connectionsmodelchanges.moc"

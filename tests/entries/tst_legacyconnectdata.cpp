@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "tests/entries/entrysamples.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
@@ -378,6 +379,6 @@ void TestLegacyConnectData::exportKeepsHostileTexts()
     QCOMPARE(StoredValues(0), StoredValuesOf(entry));
 }
 
-QTEST_MAIN(TestLegacyConnectData)
+VEXEL_TEST(QTEST_MAIN, TestLegacyConnectData)
 
 #include "tst_legacyconnectdata.moc"

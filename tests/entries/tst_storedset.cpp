@@ -2,6 +2,7 @@
 #include "platform/icfg.h"
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -406,6 +407,6 @@ void TestStoredSet::hostileTextsSurviveTheRun()
     }
 }
 
-QTEST_MAIN(TestStoredSet)
+VEXEL_TEST(QTEST_MAIN, TestStoredSet)
 
 #include "tst_storedset.moc"

@@ -1,4 +1,5 @@
 #include "files/boundedfile.h"
+#include "tests/support/testmain.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -34,5 +35,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBoundedFileUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestBoundedFileUnix)
 #include "tst_boundedfile_unix.moc"

@@ -1,6 +1,7 @@
-#include "tests/host/errorsto.h"
 #include "tests/host/hostinprocess.h"
+#include "tests/support/errorsto.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QAction>
 #include <QApplication>
@@ -376,5 +377,5 @@ void TestApplication::aSecondHostWritesNothing()
     });
 }
 
-QTEST_MAIN(TestApplication)
+VEXEL_TEST(QTEST_MAIN, TestApplication)
 #include "tst_application.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/connectdata.h"
 
 #include "platform/cfgcenter.h"
@@ -546,5 +547,5 @@ void TestConnectData::worksOnTheProductsConfiguration()
     QCOMPARE(current.m_nTimeoutSeconds, 30);
 }
 
-QTEST_GUILESS_MAIN(TestConnectData)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnectData)
 #include "tst_connectdata.moc"

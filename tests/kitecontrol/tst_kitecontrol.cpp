@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/connectdata.h"
 
 #include "platform/cfgcenter.h"
@@ -293,5 +294,5 @@ void TestKiteControl::complainsAboutSeconds()
     QVERIFY(process.waitForFinished(60000));
 }
 
-QTEST_GUILESS_MAIN(TestKiteControl)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestKiteControl)
 #include "tst_kitecontrol.moc"

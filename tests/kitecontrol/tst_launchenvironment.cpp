@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/launchenvironment.h"
 
 #include <QTest>
@@ -62,5 +63,5 @@ void TestLaunchEnvironment::seconds()
     QTEST(!environment.complaints.isEmpty(), "complains");
 }
 
-QTEST_GUILESS_MAIN(TestLaunchEnvironment)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestLaunchEnvironment)
 #include "tst_launchenvironment.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/launchreport.h"
 #include "userinterface/kitecontrol/legacyrecords.h"
 
@@ -299,5 +300,5 @@ void TestLaunchReport::recordsOfADirectory()
     QCOMPARE(records.records[1].m_sDeviceType, QStringLiteral("Heron"));
 }
 
-QTEST_GUILESS_MAIN(TestLaunchReport)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestLaunchReport)
 #include "tst_launchreport.moc"

@@ -1,3 +1,5 @@
+#include "tests/support/testmain.h"
+
 #include <QDir>
 #include <QDomDocument>
 #include <QFile>
@@ -372,5 +374,5 @@ void TestSamples::tickedEntriesRunAtTheSameTime()
     }
 }
 
-QTEST_GUILESS_MAIN(TestSamples)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSamples)
 #include "tst_samples.moc"

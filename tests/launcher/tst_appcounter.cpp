@@ -1,6 +1,7 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
-#include "tests/launcher/launcherfixture.h"
+#include "tests/support/launcherfixture.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
@@ -726,5 +727,5 @@ void TestAppCounter::silentWithoutTraces()
     QCOMPARE(malformed->InstalledList(), l("A"));
 }
 
-QTEST_GUILESS_MAIN(TestAppCounter)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestAppCounter)
 #include "tst_appcounter.moc"

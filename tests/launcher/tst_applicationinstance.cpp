@@ -1,6 +1,7 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
-#include "tests/launcher/launcherfixture.h"
+#include "tests/support/launcherfixture.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
 
@@ -652,5 +653,5 @@ void TestApplicationInstance::deletedByItsOwnSignal()
     QTRY_VERIFY(instance.isNull());
 }
 
-QTEST_GUILESS_MAIN(TestApplicationInstance)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestApplicationInstance)
 #include "tst_applicationinstance.moc"

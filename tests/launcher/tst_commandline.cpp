@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 
 #include "tests/support/tracerecorder.h"
@@ -188,5 +189,5 @@ void TestCommandLine::silentWithoutTraces()
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
-QTEST_GUILESS_MAIN(TestCommandLine)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCommandLine)
 #include "tst_commandline.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/xmlguard.h"
 
 #include <QTest>
@@ -136,5 +137,5 @@ void TestXmlGuard::harmless()
     QCOMPARE(outcome.text, text);
 }
 
-QTEST_GUILESS_MAIN(TestXmlGuard)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestXmlGuard)
 #include "tst_xmlguard.moc"

@@ -2,6 +2,7 @@
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QFileInfo>
 #include <QLockFile>
@@ -450,5 +451,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestConfigVersions)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConfigVersions)
 #include "tst_configversions.moc"

@@ -1,5 +1,6 @@
 #include "platform/config/initext.h"
 #include "tests/platform/inireadings.h"
+#include "tests/support/testmain.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -299,5 +300,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestIniText)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestIniText)
 #include "tst_initext.moc"

@@ -4,7 +4,8 @@
 #undef main
 
 #include "platform/icfg.h"
-#include "tests/host/errorsto.h"
+#include "tests/support/errorsto.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -203,5 +204,5 @@ void TestIntegration::whatCannotBeSaved()
     QVERIFY2(outcome.complaint.contains(QLatin1String("could not be saved")), qPrintable(outcome.complaint));
 }
 
-QTEST_APPLESS_MAIN(TestIntegration)
+VEXEL_TEST(QTEST_APPLESS_MAIN, TestIntegration)
 #include "tst_integration.moc"

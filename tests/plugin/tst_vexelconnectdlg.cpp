@@ -2,6 +2,7 @@
 #include "platform/icfg.h"
 #include "platform/translationcenter.h"
 #include "tests/support/linkport.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -267,5 +268,5 @@ void TestVexelConnectDlg::aStarterCallsTheDialogUntilTheInstanceIsGone()
     QVERIFY(LinkPort::IsFree());
 }
 
-QTEST_MAIN(TestVexelConnectDlg)
+VEXEL_TEST(QTEST_MAIN, TestVexelConnectDlg)
 #include "tst_vexelconnectdlg.moc"
