@@ -1,5 +1,5 @@
 # vexel_add_test(NAME <name> [SOURCES <files>] [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>]
-#                [ALONE <why>] [XVFB] [WINDOW] [COST <cost>] [RESOURCE_LOCK <names>] [UNIX_ONLY <why>])
+#                [ALONE <why>] [XVFB] [WINDOW] [RESOURCE_LOCK <names>] [UNIX_ONLY <why>])
 #
 # One Qt Test class and its ctest entry. The source file of the class has the first place in SOURCES, and is <name>.cpp
 # unless SOURCES says otherwise. The classes of a folder share an executable, tests_<folder>, whose first argument names
@@ -8,8 +8,7 @@
 # Each entry has its own configuration, data and home folders under the build folder, so that no test meets the user's
 # files, and runs on the offscreen platform. XVFB runs it in a real window under a virtual X server and window manager
 # instead. DEPENDS names targets that the test starts or loads at run time. Tests that name the same RESOURCE_LOCK, such
-# as a port that the product fixes, never run at the same time. ctest begins with the tests of the highest COST: seconds,
-# for those that take long.
+# as a port that the product fixes, never run at the same time.
 #
 # For each entry, the target build_<name> builds all that it needs; so does vexel_entry_needs(<name> <targets>) for
 # entries that are no Qt Test classes. `./test -R <name>` builds these targets.
@@ -53,7 +52,7 @@ function(vexel_entry_needs name)
 endfunction()
 
 function(vexel_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME;ALONE;COST;UNIX_ONLY"
+    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME;ALONE;UNIX_ONLY"
         "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
     if(arg_UNIX_ONLY AND NOT UNIX)
@@ -85,9 +84,6 @@ function(vexel_add_test)
         endif()
     endforeach()
     vexel_entry_needs(${arg_NAME} ${executable} ${arg_DEPENDS})
-    if(NOT arg_COST)
-        set(arg_COST 0)
-    endif()
 
     list(GET arg_SOURCES 0 class)
     cmake_path(GET class STEM class)
@@ -105,15 +101,22 @@ function(vexel_add_test)
         set(platform xcb)
         # The X keyboard library copies texts that end with their buffer, which is right and yet fails the strict check.
         set(strict_strings 0)
+        # The longest ones. ctest starts the tests of the highest cost first, so that they do not run alone at the end.
+        set(cost 60)
     else()
         add_test(NAME ${arg_NAME} COMMAND ${executable} ${class})
         set(platform offscreen)
         set(strict_strings 1)
+        # Tests with a lock wait for each other.
+        set(cost 0)
+        if(arg_RESOURCE_LOCK)
+            set(cost 30)
+        endif()
     endif()
     set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
     set_tests_properties(${arg_NAME} PROPERTIES
         TIMEOUT ${timeout}
-        COST ${arg_COST}
+        COST ${cost}
         RESOURCE_LOCK "${arg_RESOURCE_LOCK}"
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};${environment}"
     )
