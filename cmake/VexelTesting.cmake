@@ -1,10 +1,17 @@
-# vexel_add_test(NAME <name> SOURCES <files> [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>] [XVFB]
-#                [RESOURCE_LOCK <names>] [WINDOW] [UNIX_ONLY <why>])
+# vexel_add_test(NAME <name> [SOURCES <files>] [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>]
+#                [ALONE <why>] [XVFB] [WINDOW] [RESOURCE_LOCK <names>] [UNIX_ONLY <why>])
 #
-# One Qt Test executable, run by ctest on the offscreen platform with configuration, data and home folders of its own
-# under the build folder, so that no test meets the user's files. XVFB runs it in a real window under a virtual X server
-# and window manager instead. DEPENDS names targets that the test starts or loads at run time. Tests that name
-# the same RESOURCE_LOCK, such as a port that the product fixes, never run at the same time.
+# One Qt Test class and its ctest entry. The source file of the class has the first place in SOURCES, and is <name>.cpp
+# unless SOURCES says otherwise. The classes of a folder share an executable, tests_<folder>, whose first argument names
+# the file of the class to run (tests/support/testmain.h). ALONE says why a class must have an executable to itself.
+#
+# Each entry has its own configuration, data and home folders under the build folder, so that no test meets the user's
+# files, and runs on the offscreen platform. XVFB runs it in a real window under a virtual X server and window manager
+# instead. DEPENDS names targets that the test starts or loads at run time. Tests that name the same RESOURCE_LOCK, such
+# as a port that the product fixes, never run at the same time.
+#
+# For each entry, the target build_<name> builds all that it needs; so does vexel_entry_needs(<name> <targets>) for
+# entries that are no Qt Test classes. `./test -R <name>` builds these targets.
 #
 # WINDOW is for tests of windows: those for Windows run a second time in real windows, as <name>_desktop, with the label
 # "desktop". Such a run needs a display, which windows/test gives to all of them together.
@@ -37,28 +44,49 @@ function(vexel_use_test_headers target)
         SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
+function(vexel_entry_needs name)
+    add_custom_target(build_${name})
+    if(ARGN)
+        add_dependencies(build_${name} ${ARGN})
+    endif()
+endfunction()
+
 function(vexel_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME;UNIX_ONLY" "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME;ALONE;UNIX_ONLY"
+        "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
     if(arg_UNIX_ONLY AND NOT UNIX)
         set_property(GLOBAL APPEND_STRING PROPERTY VEXEL_UNIX_ONLY "${arg_NAME}: ${arg_UNIX_ONLY}\n")
         return()
     endif()
-    add_executable(${arg_NAME} ${arg_SOURCES})
-    target_link_libraries(${arg_NAME} PRIVATE ${VEXEL_TEST_LIBRARIES} ${arg_LIBRARIES})
-    vexel_use_test_headers(${arg_NAME})
+    if(NOT arg_SOURCES)
+        set(arg_SOURCES ${arg_NAME}.cpp)
+    endif()
+    if(arg_ALONE)
+        set(executable ${arg_NAME})
+    else()
+        cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
+        set(executable tests_${folder})
+    endif()
+    if(NOT TARGET ${executable})
+        add_executable(${executable})
+        target_link_libraries(${executable} PRIVATE ${VEXEL_TEST_LIBRARIES} vexel_testmain)
+        vexel_use_test_headers(${executable})
+        set_target_properties(${executable} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+    endif()
+    target_sources(${executable} PRIVATE ${arg_SOURCES})
+    target_link_libraries(${executable} PRIVATE ${arg_LIBRARIES})
+    target_compile_definitions(${executable} PRIVATE ${arg_DEFINITIONS})
     # Sources of the product that are built into a test are compiled, and checked, as they are in the product.
     foreach(source IN LISTS arg_SOURCES)
         if(IS_ABSOLUTE ${source})
             set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
         endif()
     endforeach()
-    target_compile_definitions(${arg_NAME} PRIVATE ${arg_DEFINITIONS})
-    set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
-    if(arg_DEPENDS)
-        add_dependencies(${arg_NAME} ${arg_DEPENDS})
-    endif()
+    vexel_entry_needs(${arg_NAME} ${executable} ${arg_DEPENDS})
 
+    list(GET arg_SOURCES 0 class)
+    cmake_path(GET class STEM class)
     set(timeout 300)
     if(CMAKE_CROSSCOMPILING)
         # Under Wine to start a process takes a hundred times as long.
@@ -67,17 +95,23 @@ function(vexel_add_test)
     set(home ${PROJECT_BINARY_DIR}/tests/home/${arg_NAME})
     file(MAKE_DIRECTORY ${home})
     if(arg_XVFB)
-        add_test(NAME ${arg_NAME} COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with-xvfb $<TARGET_FILE:${arg_NAME}>)
+        add_test(NAME ${arg_NAME}
+            COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with-xvfb $<TARGET_FILE:${executable}> ${class}
+        )
         set(platform xcb)
         # The X keyboard library copies texts that end with their buffer, which is right and yet fails the strict check.
         set(strict_strings 0)
-        # The longest ones, which wait most: begun first, they are not waited for at the end.
+        # The longest ones. ctest starts the tests of the highest cost first, so that they do not run alone at the end.
         set(cost 60)
     else()
-        add_test(NAME ${arg_NAME} COMMAND ${arg_NAME})
+        add_test(NAME ${arg_NAME} COMMAND ${executable} ${class})
         set(platform offscreen)
         set(strict_strings 1)
+        # Tests with a lock wait for each other.
         set(cost 0)
+        if(arg_RESOURCE_LOCK)
+            set(cost 30)
+        endif()
     endif()
     set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
     set_tests_properties(${arg_NAME} PROPERTIES
@@ -87,7 +121,8 @@ function(vexel_add_test)
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};${environment}"
     )
     if(WIN32 AND arg_WINDOW)
-        add_test(NAME ${arg_NAME}_desktop COMMAND ${arg_NAME})
+        add_test(NAME ${arg_NAME}_desktop COMMAND ${executable} ${class})
+        vexel_entry_needs(${arg_NAME}_desktop build_${arg_NAME})
         # One window at a time has the keyboard.
         set_tests_properties(${arg_NAME}_desktop PROPERTIES
             TIMEOUT ${timeout}

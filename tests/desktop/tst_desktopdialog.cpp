@@ -1,6 +1,7 @@
 #include "tests/desktop/desktop.h"
-#include "tests/dialog/dialogfixture.h"
-#include "tests/launcher/launcherfixture.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/launcherfixture.h"
+#include "tests/support/testmain.h"
 
 #include <QDrag>
 #include <QMimeData>
@@ -184,5 +185,5 @@ void TestDesktopDialog::fileDroppedOnTheTableIsImported()
     QTRY_COMPARE(rest.state(), QProcess::NotRunning);
 }
 
-QTEST_MAIN(TestDesktopDialog)
+VEXEL_TEST(QTEST_MAIN, TestDesktopDialog)
 #include "tst_desktopdialog.moc"

@@ -1,5 +1,6 @@
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -113,5 +114,5 @@ void TestDesktopHost::staysInTheTrayUntilQuit()
     QCOMPARE(host.exitCode(), 0);
 }
 
-QTEST_MAIN(TestDesktopHost)
+VEXEL_TEST(QTEST_MAIN, TestDesktopHost)
 #include "tst_desktophost.moc"

@@ -1,7 +1,8 @@
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
-#include "tests/host/errorsto.h"
-#include "tests/host/hostsession.h"
+#include "tests/support/errorsto.h"
+#include "tests/support/hostsession.h"
+#include "tests/support/testmain.h"
 
 #include <QApplication>
 #include <QImage>
@@ -280,5 +281,5 @@ void TestDesktopTray::aPanelThatComesLater()
     QTRY_VERIFY(session.fake.isVisible());
 }
 
-QTEST_MAIN(TestDesktopTray)
+VEXEL_TEST(QTEST_MAIN, TestDesktopTray)
 #include "tst_desktoptray.moc"

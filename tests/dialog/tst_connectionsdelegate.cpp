@@ -1,5 +1,6 @@
-#include "tests/dialog/markingtranslator.h"
+#include "tests/support/markingtranslator.h"
 #include "tests/support/metaobject.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -809,5 +810,5 @@ void TestConnectionsDelegate::escapeCancels()
     QCOMPARE(Stored(Model::ColumnName).toString(), QStringLiteral("Roof antenna"));
 }
 
-QTEST_MAIN(TestConnectionsDelegate)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsDelegate)
 #include "tst_connectionsdelegate.moc"

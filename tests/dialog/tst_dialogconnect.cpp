@@ -1,5 +1,7 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/launcherfixture.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QSignalSpy>
 
@@ -184,5 +186,5 @@ void TestDialogConnect::destructionEndsApplications()
         QTRY_VERIFY(!System::IsProcess(report.pid));
 }
 
-QTEST_MAIN(TestDialogConnect)
+VEXEL_TEST(QTEST_MAIN, TestDialogConnect)
 #include "tst_dialogconnect.moc"

@@ -1,5 +1,6 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -514,5 +515,5 @@ void TestDialogFiles::rowsDroppedOnTableAreCopied()
     QVERIFY(m_fixture->model->GetConnection(2).Selected);
 }
 
-QTEST_MAIN(TestDialogFiles)
+VEXEL_TEST(QTEST_MAIN, TestDialogFiles)
 #include "tst_dialogfiles.moc"

@@ -1,4 +1,5 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/testmain.h"
 
 #include <QListView>
 #include <QRegularExpression>
@@ -239,5 +240,5 @@ void TestDialogFilter::settingsAreStored()
     QCOMPARE(settings->GetInt(QStringLiteral("SearchMode"), -7, 0), 2);
 }
 
-QTEST_MAIN(TestDialogFilter)
+VEXEL_TEST(QTEST_MAIN, TestDialogFilter)
 #include "tst_dialogfilter.moc"

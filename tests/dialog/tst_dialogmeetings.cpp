@@ -1,6 +1,8 @@
-#include "tests/dialog/dialogfixture.h"
-#include "tests/dialog/filesizelimit.h"
-#include "tests/dialog/markingtranslator.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/markingtranslator.h"
+#include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -297,5 +299,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestDialogMeetings)
+VEXEL_TEST(QTEST_MAIN, TestDialogMeetings)
 #include "tst_dialogmeetings.moc"

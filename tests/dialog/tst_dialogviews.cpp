@@ -1,4 +1,5 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
 
 #include <QClipboard>
@@ -258,5 +259,5 @@ void TestDialogViews::lineEditorsTakeAnyText()
     QCOMPARE(again.GetConnection(2).ConnectionName, QStringLiteral("zz after"));
 }
 
-QTEST_MAIN(TestDialogViews)
+VEXEL_TEST(QTEST_MAIN, TestDialogViews)
 #include "tst_dialogviews.moc"

@@ -1,5 +1,6 @@
-#include "tests/dialog/dialogfixture.h"
+#include "tests/support/dialogfixture.h"
 #include "tests/support/metaobject.h"
+#include "tests/support/testmain.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -570,5 +571,5 @@ void TestDialogWindow::destructorStoresFilter()
     QCOMPARE(stored->GetInt(QStringLiteral("SearchMode"), -7, 0), 0);
 }
 
-QTEST_MAIN(TestDialogWindow)
+VEXEL_TEST(QTEST_MAIN, TestDialogWindow)
 #include "tst_dialogwindow.moc"

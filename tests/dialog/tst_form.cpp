@@ -1,4 +1,5 @@
-#include "tests/dialog/markingtranslator.h"
+#include "tests/support/markingtranslator.h"
+#include "tests/support/testmain.h"
 
 #include "ui_vexelconnectdlg.h"
 
@@ -724,5 +725,5 @@ void TestForm::checkIconIsGreenAndGreyWhenDisabled()
     QVERIFY(strongestColour(QIcon::Disabled, colourfulness) < 16);
 }
 
-QTEST_MAIN(TestForm)
+VEXEL_TEST(QTEST_MAIN, TestForm)
 #include "tst_form.moc"

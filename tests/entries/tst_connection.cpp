@@ -1,6 +1,7 @@
-#include "tests/dialog/markingtranslator.h"
 #include "tests/entries/entrysamples.h"
+#include "tests/support/markingtranslator.h"
 #include "tests/support/metaobject.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 
 #include <QTest>
@@ -256,6 +257,6 @@ void TestConnection::applicationDeviceType()
     QCOMPARE(Connection::ApplicationDeviceType(deviceType), servedBy);
 }
 
-QTEST_GUILESS_MAIN(TestConnection)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnection)
 
 #include "tst_connection.moc"

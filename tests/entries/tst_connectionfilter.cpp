@@ -1,5 +1,6 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/support/confignodes.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -533,6 +534,6 @@ void TestConnectionFilter::storingDoesNotSaveDocument()
     QCOMPARE(FilterSettings::Load().column, 1);
 }
 
-QTEST_MAIN(TestConnectionFilter)
+VEXEL_TEST(QTEST_MAIN, TestConnectionFilter)
 
 #include "tst_connectionfilter.moc"

@@ -1,5 +1,6 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QRandomGenerator>
@@ -241,6 +242,6 @@ void TestConnectionList::randomTextsReadBack()
     }
 }
 
-QTEST_GUILESS_MAIN(TestConnectionList)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnectionList)
 
 #include "tst_connectionlist.moc"

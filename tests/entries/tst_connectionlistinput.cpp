@@ -1,5 +1,6 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QStringEncoder>
@@ -379,6 +380,6 @@ void TestConnectionListInput::deepNestingIsRead()
     QCOMPARE(Names(reading), names);
 }
 
-QTEST_GUILESS_MAIN(TestConnectionListInput)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnectionListInput)
 
 #include "tst_connectionlistinput.moc"

@@ -1,7 +1,8 @@
-#include "tests/dialog/markingtranslator.h"
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/watchedmodel.h"
+#include "tests/support/markingtranslator.h"
 #include "tests/support/metaobject.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QAbstractItemModelTester>
@@ -412,6 +413,6 @@ void TestConnectionsModel::invalidIndexesAreDisabled()
         QVERIFY(!(model.flags(index) & beyondTheBase));
 }
 
-QTEST_MAIN(TestConnectionsModel)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsModel)
 
 #include "tst_connectionsmodel.moc"

@@ -1,6 +1,7 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/entries/watchedmodel.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QRandomGenerator>
@@ -410,6 +411,6 @@ void TestConnectionsModelChanges::countsStayCorrectAfterRandomChanges()
     }
 }
 
-QTEST_MAIN(TestConnectionsModelChanges)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsModelChanges)
 
 #include "tst_connectionsmodelchanges.moc"

@@ -1,6 +1,7 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/entries/watchedmodel.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -223,6 +224,6 @@ void TestConnectionsModelDocuments::fromByteArrayKeepsEntriesBeforeXmlError()
     QCOMPARE(Fields(model.GetConnection(2)), Fields(NamedEntry(SampleEntry(2).ConnectionName)));
 }
 
-QTEST_MAIN(TestConnectionsModelDocuments)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsModelDocuments)
 
 #include "tst_connectionsmodeldocuments.moc"

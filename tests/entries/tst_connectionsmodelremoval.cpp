@@ -1,5 +1,6 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/watchedmodel.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QItemSelectionModel>
@@ -182,6 +183,6 @@ void TestConnectionsModelRemoval::remainingEntriesAreUnchanged()
     }
 }
 
-QTEST_MAIN(TestConnectionsModelRemoval)
+VEXEL_TEST(QTEST_MAIN, TestConnectionsModelRemoval)
 
 #include "tst_connectionsmodelremoval.moc"

@@ -1,5 +1,6 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/support/confignodes.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
@@ -227,6 +228,6 @@ void TestLegacyConnectData::exportSavesDocument()
     QCOMPARE(StoredValues(1), StoredValuesOf(SampleEntry(2)));
 }
 
-QTEST_MAIN(TestLegacyConnectData)
+VEXEL_TEST(QTEST_MAIN, TestLegacyConnectData)
 
 #include "tst_legacyconnectdata.moc"

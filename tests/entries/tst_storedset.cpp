@@ -1,6 +1,7 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/support/confignodes.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -335,6 +336,6 @@ void TestStoredSet::unusualTextsAreStoredOnDisk()
     }
 }
 
-QTEST_MAIN(TestStoredSet)
+VEXEL_TEST(QTEST_MAIN, TestStoredSet)
 
 #include "tst_storedset.moc"

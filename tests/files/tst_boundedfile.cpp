@@ -1,6 +1,7 @@
 #include "files/boundedfile.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -93,5 +94,5 @@ void TestBoundedFile::pipeIsNotOpened()
     QVERIFY(!ReadRegularFile(pipe).has_value());
 }
 
-QTEST_GUILESS_MAIN(TestBoundedFile)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestBoundedFile)
 #include "tst_boundedfile.moc"

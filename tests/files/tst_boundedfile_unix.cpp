@@ -1,5 +1,6 @@
 #include "files/boundedfile.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -33,5 +34,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBoundedFileUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestBoundedFileUnix)
 #include "tst_boundedfile_unix.moc"

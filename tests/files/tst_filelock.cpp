@@ -1,4 +1,5 @@
 #include "files/filelock.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -87,5 +88,5 @@ private:
     QString m_error;
 };
 
-QTEST_GUILESS_MAIN(TestFileLock)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestFileLock)
 #include "tst_filelock.moc"

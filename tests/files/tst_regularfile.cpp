@@ -1,5 +1,6 @@
 #include "files/regularfile.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -56,5 +57,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRegularFile)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestRegularFile)
 #include "tst_regularfile.moc"

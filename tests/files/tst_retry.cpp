@@ -1,4 +1,5 @@
 #include "files/retry.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -35,5 +36,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRetry)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestRetry)
 #include "tst_retry.moc"

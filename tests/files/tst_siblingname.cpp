@@ -1,4 +1,5 @@
 #include "files/siblingname.h"
+#include "tests/support/testmain.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -40,5 +41,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSiblingName)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSiblingName)
 #include "tst_siblingname.moc"

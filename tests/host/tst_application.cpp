@@ -1,7 +1,8 @@
-#include "tests/host/errorsto.h"
 #include "tests/host/hostinprocess.h"
+#include "tests/support/errorsto.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QAction>
 #include <QApplication>
@@ -379,5 +380,5 @@ void TestApplication::aSecondHostWritesNothing()
     });
 }
 
-QTEST_MAIN(TestApplication)
+VEXEL_TEST(QTEST_MAIN, TestApplication)
 #include "tst_application.moc"

@@ -2,6 +2,7 @@
 #include "tests/host/hostinprocess.h"
 #include "tests/support/files.h"
 #include "tests/support/linkport.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QDir>
@@ -72,5 +73,5 @@ void TestApplicationWithoutLink::theDialogWorksAndNobodyRaisesIt()
              QStringList(QStringLiteral("TCPServer(): Creation of Server TCP interface failed.")));
 }
 
-QTEST_MAIN(TestApplicationWithoutLink)
+VEXEL_TEST(QTEST_MAIN, TestApplicationWithoutLink)
 #include "tst_applicationwithoutlink.moc"

@@ -3,6 +3,7 @@
 #include "platform/configversions.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QDir>
@@ -125,5 +126,5 @@ void TestBrokenListBackup::whereItCannotBeKeptThatIsSaid()
     QCOMPARE(Copies(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(TestBrokenListBackup)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestBrokenListBackup)
 #include "tst_brokenlistbackup.moc"

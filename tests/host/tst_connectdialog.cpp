@@ -1,5 +1,6 @@
 #include "host/plugin/connectdialog.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
 #include <QMimeData>
@@ -209,5 +210,5 @@ void TestConnectDialog::documentIsThatOfTheWholeListInItsOrder()
     m_pFake->proxy.setSourceModel(&m_pFake->entries);
 }
 
-QTEST_MAIN(TestConnectDialog)
+VEXEL_TEST(QTEST_MAIN, TestConnectDialog)
 #include "tst_connectdialog.moc"

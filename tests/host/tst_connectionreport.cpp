@@ -1,5 +1,6 @@
 #include "host/headless/connectionreport.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
+#include "tests/support/testmain.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -105,5 +106,5 @@ void TestConnectionReport::jsonOfAnEmptyList()
     QVERIFY(root.value(QLatin1String("connections")).toArray().isEmpty());
 }
 
-QTEST_MAIN(TestConnectionReport)
+VEXEL_TEST(QTEST_MAIN, TestConnectionReport)
 #include "tst_connectionreport.moc"

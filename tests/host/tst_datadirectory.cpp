@@ -1,6 +1,7 @@
 #include "host/plugin/datadirectory.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "tests/support/testmain.h"
 
 #include <QFileInfo>
 #include <QTest>
@@ -71,5 +72,5 @@ void TestDataDirectory::samplesStandBesideTheProgram()
     QVERIFY(DataDirectory::InstalledSamples(QStringLiteral("/no/such/place/bin")).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestDataDirectory)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestDataDirectory)
 #include "tst_datadirectory.moc"

@@ -1,6 +1,7 @@
 #include "host/headless/dialogpicture.h"
 #include "host/plugin/connectdialog.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -92,5 +93,5 @@ void TestDialogPicture::saysWhenTheFileCannotBeWritten()
     QVERIFY(QDir(directory.path()).isEmpty());
 }
 
-QTEST_MAIN(TestDialogPicture)
+VEXEL_TEST(QTEST_MAIN, TestDialogPicture)
 #include "tst_dialogpicture.moc"

@@ -1,5 +1,6 @@
-#include "tests/host/errorsto.h"
-#include "tests/host/hostsession.h"
+#include "tests/support/errorsto.h"
+#include "tests/support/hostsession.h"
+#include "tests/support/testmain.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -213,5 +214,5 @@ void TestDialogSession::severalNoticesShareABox()
     QCOMPARE(NoticeOnScreen()->text(), QStringLiteral("three"));
 }
 
-QTEST_MAIN(TestDialogSession)
+VEXEL_TEST(QTEST_MAIN, TestDialogSession)
 #include "tst_dialogsession.moc"

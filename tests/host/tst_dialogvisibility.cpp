@@ -1,7 +1,8 @@
 #include "host/desktop/dialogvisibility.h"
 #include "host/plugin/connectdialog.h"
 #include "host/plugin/statusmonitor.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
+#include "tests/support/testmain.h"
 
 #include <QHideEvent>
 #include <QMessageBox>
@@ -422,5 +423,5 @@ void TestDialogVisibility::aBoxThatWasAnsweredHoldsNothingUp()
     QTRY_VERIFY(kept.fake.isVisible());
 }
 
-QTEST_MAIN(TestDialogVisibility)
+VEXEL_TEST(QTEST_MAIN, TestDialogVisibility)
 #include "tst_dialogvisibility.moc"

@@ -1,4 +1,5 @@
 #include "host/system/environment.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QProcessEnvironment>
@@ -70,5 +71,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(TestEnvironment)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestEnvironment)
 #include "tst_environment.moc"

@@ -5,6 +5,7 @@
 #include "platform/configversions.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/diskrequests_unix.h"
+#include "tests/support/testmain.h"
 
 #include <QApplication>
 #include <QDir>
@@ -85,5 +86,5 @@ private:
     std::optional<QTemporaryDir> m_root;
 };
 
-QTEST_MAIN(TestHostDurabilityUnix)
+VEXEL_TEST(QTEST_MAIN, TestHostDurabilityUnix)
 #include "tst_hostdurability_unix.moc"

@@ -1,4 +1,5 @@
 #include "host/options/hostoptions.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -325,5 +326,5 @@ void TestHostOptions::supportOptions()
              HostOptions::kStandardOutput);
 }
 
-QTEST_GUILESS_MAIN(TestHostOptions)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestHostOptions)
 #include "tst_hostoptions.moc"

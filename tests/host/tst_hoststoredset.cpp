@@ -1,5 +1,6 @@
 #include "host/store/storedset.h"
 #include "tests/host/storeddocument.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -129,5 +130,5 @@ void TestHostStoredSet::hexAsPeopleLeaveIt()
     QTEST(Look().state, "state");
 }
 
-QTEST_GUILESS_MAIN(TestHostStoredSet)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestHostStoredSet)
 #include "tst_hoststoredset.moc"

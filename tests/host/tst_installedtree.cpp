@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QProcess>
@@ -41,5 +42,5 @@ void TestInstalledTree::runsAfterItWasMoved()
              qPrintable(result.output));
 }
 
-QTEST_MAIN(TestInstalledTree)
+VEXEL_TEST(QTEST_MAIN, TestInstalledTree)
 #include "tst_installedtree.moc"

@@ -1,4 +1,5 @@
 #include "host/support/linkport.h"
+#include "tests/support/testmain.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -91,5 +92,5 @@ void TestLinkPort::whoLooksKeepsNobodyOut()
 #endif
 }
 
-QTEST_GUILESS_MAIN(TestLinkPort)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestLinkPort)
 #include "tst_linkport.moc"

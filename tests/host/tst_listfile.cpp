@@ -1,5 +1,6 @@
 #include "host/headless/listfile.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -94,5 +95,5 @@ void TestListFile::writesNothingInPlaceOfWhatIsNoFile()
     QVERIFY(!QFileInfo::exists(missing));
 }
 
-QTEST_GUILESS_MAIN(TestListFile)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestListFile)
 #include "tst_listfile.moc"

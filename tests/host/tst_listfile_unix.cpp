@@ -1,5 +1,6 @@
 #include "host/headless/listfile.h"
-#include "tests/dialog/filesizelimit.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -26,5 +27,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestListFileUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestListFileUnix)
 #include "tst_listfile_unix.moc"

@@ -2,6 +2,7 @@
 #include "host/support/supportreport.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
 #include <QDir>
@@ -247,5 +248,5 @@ void TestMachineReport::saysWhatIsDropped()
     QTEST(Dropped(), "dropped");
 }
 
-QTEST_GUILESS_MAIN(TestMachineReport)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestMachineReport)
 #include "tst_machinereport.moc"

@@ -1,4 +1,5 @@
 #include "host/headless/messageboxautoresponder.h"
+#include "tests/support/testmain.h"
 
 #include <QDialog>
 #include <QMessageBox>
@@ -57,5 +58,5 @@ void TestMessageBoxAutoResponder::leavesOtherWindowsAlone()
     QVERIFY(dialog.isVisible());
 }
 
-QTEST_MAIN(TestMessageBoxAutoResponder)
+VEXEL_TEST(QTEST_MAIN, TestMessageBoxAutoResponder)
 #include "tst_messageboxautoresponder.moc"

@@ -1,5 +1,6 @@
 #include "host/output/notices.h"
-#include "tests/host/errorsto.h"
+#include "tests/support/errorsto.h"
+#include "tests/support/testmain.h"
 
 #include <QFile>
 #include <QProcess>
@@ -68,5 +69,5 @@ void TestNotices::keptUntilTheyCanBeShown()
     QCOMPARE(shown.size(), 1);
 }
 
-QTEST_GUILESS_MAIN(TestNotices)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestNotices)
 #include "tst_notices.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -154,5 +155,5 @@ private:
     QTemporaryDir m_directory;
 };
 
-QTEST_GUILESS_MAIN(TestPlantedLibrary)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestPlantedLibrary)
 #include "tst_plantedlibrary_windows.moc"

@@ -1,4 +1,5 @@
 #include "host/plugin/pluginlibrary.h"
+#include "tests/support/testmain.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -132,5 +133,5 @@ void TestPluginLibrary::defaultFileStandsBesideTheProgram()
     QCOMPARE(file, QDir::cleanPath(QStringLiteral(REAL_PLUGIN)));
 }
 
-QTEST_GUILESS_MAIN(TestPluginLibrary)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestPluginLibrary)
 #include "tst_pluginlibrary.moc"

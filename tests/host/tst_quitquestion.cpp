@@ -1,4 +1,5 @@
 #include "host/desktop/quitquestion.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -138,5 +139,5 @@ void TestQuitQuestion::goesWithItsObject()
     QCOMPARE(answered.count(), 0);
 }
 
-QTEST_MAIN(TestQuitQuestion)
+VEXEL_TEST(QTEST_MAIN, TestQuitQuestion)
 #include "tst_quitquestion.moc"

@@ -2,6 +2,7 @@
 #include "host/output/rotatingfile.h"
 #include "tests/support/files.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QProcess>
@@ -348,16 +349,15 @@ int WriteLines(const QStringList& arguments)
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int WriteMain(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 5 && arguments.at(1) == kWrite)
-        return WriteLines(arguments);
-    TestRotatingFile test;
-    return QTest::qExec(&test, argc, argv);
+    return WriteLines(QCoreApplication::arguments());
 }
 
+const TestMain::Program kWriteProgram(qPrintable(kWrite), WriteMain);
+
+} // namespace
+
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestRotatingFile)
 #include "tst_rotatingfile.moc"

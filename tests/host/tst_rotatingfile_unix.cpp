@@ -1,7 +1,8 @@
 #include "host/output/rotatingfile.h"
-#include "tests/dialog/filesizelimit.h"
 #include "tests/support/files.h"
+#include "tests/support/filesizelimit.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QScopeGuard>
@@ -178,5 +179,5 @@ void TestRotatingFileUnix::aPipeInTheLocksPlace()
     QCOMPARE(Files::Read(m_name), QByteArray("seven..\neight..\n"));
 }
 
-QTEST_GUILESS_MAIN(TestRotatingFileUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestRotatingFileUnix)
 #include "tst_rotatingfile_unix.moc"

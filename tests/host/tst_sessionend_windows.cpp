@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/testmain.h"
 
 #include <algorithm>
 
@@ -204,5 +205,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSessionEnd)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSessionEnd)
 #include "tst_sessionend_windows.moc"

@@ -1,4 +1,5 @@
 #include "host/system/signalwatcher.h"
+#include "tests/support/testmain.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -160,5 +161,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSignalWatcher)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSignalWatcher)
 #include "tst_signalwatcher_windows.moc"

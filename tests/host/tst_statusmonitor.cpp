@@ -1,5 +1,6 @@
 #include "host/plugin/statusmonitor.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -145,5 +146,5 @@ void TestStatusMonitor::rereadsAfterSorting()
     QCOMPARE(monitor.CountInUse(), 2);
 }
 
-QTEST_MAIN(TestStatusMonitor)
+VEXEL_TEST(QTEST_MAIN, TestStatusMonitor)
 #include "tst_statusmonitor.moc"

@@ -1,4 +1,5 @@
 #include "host/support/supportreport.h"
+#include "tests/support/testmain.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -124,5 +125,5 @@ void TestSupportReport::nothingAtAll()
     QCOMPARE(Read(SupportReport()), QJsonObject());
 }
 
-QTEST_GUILESS_MAIN(TestSupportReport)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSupportReport)
 #include "tst_supportreport.moc"

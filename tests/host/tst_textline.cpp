@@ -1,4 +1,5 @@
 #include "host/output/textline.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -66,5 +67,5 @@ void TestTextLine::cellCountLeavesOutWhatTakesNoCell()
     QCOMPARE(CellCount(QStringLiteral("e\u0301")), 1);
 }
 
-QTEST_APPLESS_MAIN(TestTextLine)
+VEXEL_TEST(QTEST_APPLESS_MAIN, TestTextLine)
 #include "tst_textline.moc"

@@ -1,4 +1,5 @@
 #include "host/output/texttable.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -47,5 +48,5 @@ void TestTextTable::nothingAtAll()
     QCOMPARE(TextTable({}), QString());
 }
 
-QTEST_GUILESS_MAIN(TestTextTable)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestTextTable)
 #include "tst_texttable.moc"

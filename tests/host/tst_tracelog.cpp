@@ -1,4 +1,5 @@
 #include "host/output/tracelog.h"
+#include "tests/support/testmain.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -146,5 +147,5 @@ void TestTraceLog::theSizeIsBoundedByItself()
     QCOMPARE(FileLines(fileName).size(), 1);
 }
 
-QTEST_GUILESS_MAIN(TestTraceLog)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestTraceLog)
 #include "tst_tracelog.moc"

@@ -1,6 +1,7 @@
 #include "host/desktop/trayicon.h"
 #include "host/plugin/statusmonitor.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
+#include "tests/support/testmain.h"
 
 #include <QPainter>
 #include <QSignalSpy>
@@ -167,5 +168,5 @@ void TestTrayIcon::withoutATray()
     QCOMPARE(available.count(), 0);
 }
 
-QTEST_MAIN(TestTrayIcon)
+VEXEL_TEST(QTEST_MAIN, TestTrayIcon)
 #include "tst_trayicon.moc"

@@ -1,5 +1,6 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 // The host's executable with the real plug-in: its command line, its lists, and what bad input gets.
 class TestVexelHost : public QObject
@@ -309,5 +310,5 @@ void TestVexelHost::interruptEndsAnInteractiveHost()
         QVERIFY2(setUp.StoredText().contains(part), part);
 }
 
-QTEST_GUILESS_MAIN(TestVexelHost)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHost)
 #include "tst_vexelhost.moc"

@@ -1,5 +1,6 @@
-#include "tests/dialog/filesizelimit.h"
 #include "tests/host/hostsetup.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/testmain.h"
 
 /// The host where there may be no display, and where a process can be kept from writing large files.
 class TestVexelHostUnix : public QObject
@@ -72,5 +73,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestVexelHostUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostUnix)
 #include "tst_vexelhost_unix.moc"

@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/testmain.h"
 
 /// The host with names and places as only Windows has them.
 class TestVexelHostWindows : public QObject
@@ -160,5 +161,5 @@ private:
     }
 };
 
-QTEST_GUILESS_MAIN(TestVexelHostWindows)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostWindows)
 #include "tst_vexelhost_windows.moc"

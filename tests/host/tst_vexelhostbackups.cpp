@@ -1,5 +1,6 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QRegularExpression>
 
@@ -317,5 +318,5 @@ void TestVexelHostBackups::aListThatBreaksOffIsKeptForGood()
     QCOMPARE(Files::Read(copies().constFirst().filePath()), document);
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostBackups)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostBackups)
 #include "tst_vexelhostbackups.moc"

@@ -1,5 +1,6 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QImage>
 #include <QRegularExpression>
@@ -394,5 +395,5 @@ void TestVexelHostConnect::configurationThatCannotBeSaved()
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostConnect)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostConnect)
 #include "tst_vexelhostconnect.moc"

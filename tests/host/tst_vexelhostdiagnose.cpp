@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/testmain.h"
 
 #include <QTcpServer>
 
@@ -371,5 +372,5 @@ void TestVexelHostDiagnose::changesNothing()
     QCOMPARE(setUp.StoredText(), stored);
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostDiagnose)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostDiagnose)
 #include "tst_vexelhostdiagnose.moc"

@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/testmain.h"
 
 // The host's executable beside others of its kind: who may work on a configuration directory, and what it says when it
 // finds one that others have left in disorder.
@@ -130,5 +131,5 @@ void TestVexelHostLife::aTraceFileThatCannotBePutAsideIsToldOnce()
     QVERIFY(QFileInfo(fileName).size() > size);
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostLife)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostLife)
 #include "tst_vexelhostlife.moc"

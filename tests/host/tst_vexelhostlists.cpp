@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/testmain.h"
 
 // The host's executable with the real plug-in: lists of entries that go in and out as files.
 class TestVexelHostLists : public QObject
@@ -200,5 +201,5 @@ void TestVexelHostLists::exportThatFailsLeavesTheFileAsItWas()
     QVERIFY(QFileInfo(setUp.Data() + QStringLiteral("/folder")).isDir());
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostLists)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostLists)
 #include "tst_vexelhostlists.moc"

@@ -1,5 +1,6 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/brokenoutput_unix.h"
+#include "tests/support/testmain.h"
 
 #include <QFileInfo>
 
@@ -88,5 +89,5 @@ void TestVexelHostOutputUnix::complaintsWithoutAReader()
     QCOMPARE(HostSetUp::End(host).exitCode, 1);
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostOutputUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostOutputUnix)
 #include "tst_vexelhostoutput_unix.moc"

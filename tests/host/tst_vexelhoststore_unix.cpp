@@ -1,6 +1,7 @@
-#include "tests/dialog/filesizelimit.h"
 #include "tests/host/hostsetup.h"
 #include "tests/support/files.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/testmain.h"
 
 #include <sys/stat.h>
 
@@ -224,5 +225,5 @@ void TestVexelHostStoreUnix::aDocumentThatCannotBeRead()
     QCOMPARE(setUp.Names(), kAllNames.first(2));
 }
 
-QTEST_GUILESS_MAIN(TestVexelHostStoreUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostStoreUnix)
 #include "tst_vexelhoststore_unix.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/connectdata.h"
 
 #include "platform/errorhandler.h"
@@ -456,5 +457,5 @@ void TestConnectData::readsOldRecordFromConfiguration()
         QCOMPARE(node->GetString(key, none, 0), none);
 }
 
-QTEST_GUILESS_MAIN(TestConnectData)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConnectData)
 #include "tst_connectdata.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/connectdata.h"
 
 #include "tests/kitecontrol/records.h"
@@ -276,5 +277,5 @@ void TestKiteControl::invalidSecondsAreReported()
     QVERIFY(process.waitForFinished(60000));
 }
 
-QTEST_GUILESS_MAIN(TestKiteControl)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestKiteControl)
 #include "tst_kitecontrol.moc"

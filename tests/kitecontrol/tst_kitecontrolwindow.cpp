@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/kitecontrolwindow.h"
 #include "userinterface/kitecontrol/launchreport.h"
 #include "userinterface/kitecontrol/legacyrecords.h"
@@ -121,5 +122,5 @@ void TestKiteControlWindow::closeButtonCloses()
     QTRY_VERIFY(!window.isVisible());
 }
 
-QTEST_MAIN(TestKiteControlWindow)
+VEXEL_TEST(QTEST_MAIN, TestKiteControlWindow)
 #include "tst_kitecontrolwindow.moc"

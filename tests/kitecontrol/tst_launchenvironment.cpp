@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/launchenvironment.h"
 
 #include <QTest>
@@ -63,5 +64,5 @@ void TestLaunchEnvironment::secondsAreConverted()
     QTEST(!environment.warnings.isEmpty(), "complains");
 }
 
-QTEST_GUILESS_MAIN(TestLaunchEnvironment)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestLaunchEnvironment)
 #include "tst_launchenvironment.moc"

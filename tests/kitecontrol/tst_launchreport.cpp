@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/launchreport.h"
 #include "userinterface/kitecontrol/legacyrecords.h"
 
@@ -124,14 +125,13 @@ void TestLaunchReport::missingCommandLine()
 {
     const LaunchReport report =
         LaunchReport::Make(QStringLiteral("kitecontrol"), {}, Known(Records().Add("Mast", "Kite Echo").List()));
-    QCOMPARE(report.Lines(),
-             (QStringList{
-                 QStringLiteral("application: (none)"),
-                 QStringLiteral("command line: kitecontrol"),
-                 QStringLiteral("configuration: /store"),
-                 QStringLiteral("records: 1"),
-                 QStringLiteral("finding: started without arguments, so no record matches"),
-             }));
+    QCOMPARE(report.Lines(), (QStringList{
+                                 QStringLiteral("application: (none)"),
+                                 QStringLiteral("command line: kitecontrol"),
+                                 QStringLiteral("configuration: /store"),
+                                 QStringLiteral("records: 1"),
+                                 QStringLiteral("finding: started without arguments, so no record matches"),
+                             }));
 }
 
 void TestLaunchReport::missingConfiguration()
@@ -290,5 +290,5 @@ void TestLaunchReport::recordsAreReadFromDirectory()
     QCOMPARE(records.records[1].m_sDeviceType, QStringLiteral("Heron"));
 }
 
-QTEST_GUILESS_MAIN(TestLaunchReport)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestLaunchReport)
 #include "tst_launchreport.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/kitecontrol/recordmatch.h"
 
 #include "tests/kitecontrol/records.h"
@@ -188,5 +189,5 @@ void TestRecordMatch::recordsOfSameDeviceAreOffered()
     QTEST(Numbers(match.sameDevice), "sameDevice");
 }
 
-QTEST_GUILESS_MAIN(TestRecordMatch)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestRecordMatch)
 #include "tst_recordmatch.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QDomDocument>
@@ -372,5 +373,5 @@ void TestSamples::tickedEntriesCanRunTogether()
     }
 }
 
-QTEST_GUILESS_MAIN(TestSamples)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSamples)
 #include "tst_samples.moc"

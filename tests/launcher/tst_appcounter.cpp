@@ -1,6 +1,7 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
-#include "tests/launcher/launcherfixture.h"
+#include "tests/support/launcherfixture.h"
 #include "tests/support/metaobject.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
@@ -673,5 +674,5 @@ void TestAppCounter::noTraceWhileTracesAreOff()
     QCOMPARE(malformed->InstalledList(), l("A"));
 }
 
-QTEST_GUILESS_MAIN(TestAppCounter)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestAppCounter)
 #include "tst_appcounter.moc"

@@ -1,7 +1,8 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
-#include "tests/dialog/markingtranslator.h"
-#include "tests/launcher/launcherfixture.h"
+#include "tests/support/launcherfixture.h"
+#include "tests/support/markingtranslator.h"
 #include "tests/support/metaobject.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
@@ -624,5 +625,5 @@ void TestApplicationInstance::canBeDeletedInItsSignal()
     QTRY_VERIFY(instance.isNull());
 }
 
-QTEST_GUILESS_MAIN(TestApplicationInstance)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestApplicationInstance)
 #include "tst_applicationinstance.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 
 #include "tests/support/tracerecorder.h"
@@ -194,5 +195,5 @@ void TestCommandLine::noTraceWhileTracesAreOff()
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
-QTEST_GUILESS_MAIN(TestCommandLine)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCommandLine)
 #include "tst_commandline.moc"

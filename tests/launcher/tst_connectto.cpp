@@ -1,9 +1,10 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
-#include "tests/dialog/markingtranslator.h"
-#include "tests/launcher/inheritedhandles.h"
-#include "tests/launcher/launcherfixture.h"
-#include "tests/link/linkfixture.h"
+#include "tests/support/inheritedhandles.h"
+#include "tests/support/launcherfixture.h"
+#include "tests/support/linkfixture.h"
+#include "tests/support/markingtranslator.h"
 #include "tests/support/messageboxes.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
@@ -611,5 +612,5 @@ void TestConnectTo::destructorDeletesReleasedInstances()
     QVERIFY(instance.isNull());
 }
 
-QTEST_MAIN(TestConnectTo)
+VEXEL_TEST(QTEST_MAIN, TestConnectTo)
 #include "tst_connectto.moc"

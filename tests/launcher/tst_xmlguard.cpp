@@ -1,3 +1,4 @@
+#include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/xmlguard.h"
 
 #include <QTest>
@@ -153,5 +154,5 @@ void TestXmlGuard::otherDocumentsAreRead()
     QCOMPARE(outcome.text, text);
 }
 
-QTEST_GUILESS_MAIN(TestXmlGuard)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestXmlGuard)
 #include "tst_xmlguard.moc"

@@ -1,6 +1,7 @@
 #include "tests/link/flood.h"
-#include "tests/link/linkfixture.h"
+#include "tests/support/linkfixture.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QDir>
@@ -432,5 +433,5 @@ void TestInterfaceBounds::nothingIsLeftOpen()
     QVERIFY(server.server->IsOpen());
 }
 
-QTEST_GUILESS_MAIN(TestInterfaceBounds)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceBounds)
 #include "tst_interfacebounds.moc"

@@ -1,6 +1,7 @@
 #include "tests/link/handlelimit.h"
-#include "tests/link/linkfixture.h"
 #include "tests/link/vanishing.h"
+#include "tests/support/linkfixture.h"
+#include "tests/support/testmain.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -62,5 +63,5 @@ void TestInterfaceBoundsUnix::vanishedPeersAreClosed()
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-QTEST_GUILESS_MAIN(TestInterfaceBoundsUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceBoundsUnix)
 #include "tst_interfacebounds_unix.moc"

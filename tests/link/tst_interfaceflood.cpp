@@ -1,6 +1,7 @@
 #include "tests/link/flood.h"
-#include "tests/link/linkfixture.h"
+#include "tests/support/linkfixture.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -129,5 +130,5 @@ void TestInterfaceFlood::whileTheCallbackIsBusy()
         QVERIFY2(most < kMostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(most)));
 }
 
-QTEST_GUILESS_MAIN(TestInterfaceFlood)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceFlood)
 #include "tst_interfaceflood.moc"

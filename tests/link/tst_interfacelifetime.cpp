@@ -1,5 +1,6 @@
-#include "tests/link/linkfixture.h"
+#include "tests/support/linkfixture.h"
 #include "tests/support/linkport.h"
+#include "tests/support/testmain.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -335,14 +336,17 @@ void TestInterfaceLifetime::childrenDoNotInheritTheSockets()
     QVERIFY(child.waitForFinished());
 }
 
-int main(int argc, char* argv[])
+namespace {
+
+int HoldMain(int /*argc*/, char** /*argv*/)
 {
-    if (argc == 2 && qstrcmp(argv[1], kHoldArgument) == 0) {
-        QFile input;
-        return input.open(stdin, QIODevice::ReadOnly) && input.readAll().isEmpty() ? 0 : 1;
-    }
-    const QCoreApplication application(argc, argv);
-    TestInterfaceLifetime test;
-    return QTest::qExec(&test, argc, argv);
+    QFile input;
+    return input.open(stdin, QIODevice::ReadOnly) && input.readAll().isEmpty() ? 0 : 1;
 }
+
+const TestMain::Program kHoldProgram(kHoldArgument, HoldMain);
+
+} // namespace
+
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceLifetime)
 #include "tst_interfacelifetime.moc"

@@ -1,4 +1,5 @@
-#include "tests/link/linkfixture.h"
+#include "tests/support/linkfixture.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QNetworkInterface>
@@ -566,5 +567,5 @@ void TestInterfaces::callbacksComeOnTheCreatingThread()
     QCOMPARE(threads, (QList<QThread*>{&thread, &thread, &thread}));
 }
 
-QTEST_GUILESS_MAIN(TestInterfaces)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaces)
 #include "tst_interfaces.moc"

@@ -1,6 +1,7 @@
 #include "starter/linksocket.h"
-#include "tests/link/linkfixture.h"
 #include "tests/link/strangerprocess.h"
+#include "tests/support/linkfixture.h"
+#include "tests/support/testmain.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -86,5 +87,5 @@ void TestInterfaceStrangers::killedProcess()
     QCOMPARE(server.callback.most, calls);
 }
 
-QTEST_GUILESS_MAIN(TestInterfaceStrangers)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceStrangers)
 #include "tst_interfacestrangers.moc"

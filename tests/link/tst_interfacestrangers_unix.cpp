@@ -1,5 +1,6 @@
-#include "tests/link/linkfixture.h"
 #include "tests/link/strangerprocess.h"
+#include "tests/support/linkfixture.h"
+#include "tests/support/testmain.h"
 
 #include <QRegularExpression>
 
@@ -79,5 +80,5 @@ void TestInterfaceStrangersUnix::stoppedProcessDoesNotTakeWhatIsWritten()
     QVERIFY(server.server->IsOpen());
 }
 
-QTEST_GUILESS_MAIN(TestInterfaceStrangersUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceStrangersUnix)
 #include "tst_interfacestrangers_unix.moc"

@@ -1,5 +1,6 @@
 #include "platform/interfaces.h"
 #include "tests/support/linkport.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
 
@@ -603,5 +604,5 @@ void TestTcpServer::twoHundredStarters()
     QCOMPARE(traces.Messages().size(), 401);
 }
 
-QTEST_MAIN(TestTcpServer)
+VEXEL_TEST(QTEST_MAIN, TestTcpServer)
 #include "tst_tcpserver.moc"

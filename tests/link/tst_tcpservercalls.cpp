@@ -1,5 +1,6 @@
 #include "platform/errorhandler.h"
 #include "platform/interfaces.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
 
@@ -163,5 +164,5 @@ void TestTcpServerCalls::tracesBeforeItShows()
                           QStringLiteral("TCPServer::OnOpen(): Received call from KiteStarter.")}));
 }
 
-QTEST_MAIN(TestTcpServerCalls)
+VEXEL_TEST(QTEST_MAIN, TestTcpServerCalls)
 #include "tst_tcpservercalls.moc"

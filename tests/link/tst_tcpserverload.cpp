@@ -1,9 +1,10 @@
 #include "platform/interfaces.h"
 #include "starter/linkcall.h"
 #include "tests/link/flood.h"
-#include "tests/link/linkfixture.h"
+#include "tests/support/linkfixture.h"
 #include "tests/support/linkport.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
 
@@ -210,5 +211,5 @@ void TestTcpServerLoad::nothingIsLeftOpen()
     QTRY_COMPARE(System::OpenHandles(), before);
 }
 
-QTEST_MAIN(TestTcpServerLoad)
+VEXEL_TEST(QTEST_MAIN, TestTcpServerLoad)
 #include "tst_tcpserverload.moc"

@@ -1,5 +1,6 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -494,5 +495,5 @@ private:
     std::optional<QTemporaryDir> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenter)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenter)
 #include "tst_cfgcenter.moc"

@@ -3,6 +3,7 @@
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -300,5 +301,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenterDamage)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterDamage)
 #include "tst_cfgcenter_damage.moc"

@@ -4,6 +4,7 @@
 #include "platform/icfg.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -563,5 +564,5 @@ private:
     std::optional<QTemporaryDir> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenterFiles)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterFiles)
 #include "tst_cfgcenter_files.moc"

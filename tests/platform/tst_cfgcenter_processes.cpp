@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QProcess>
@@ -244,5 +245,5 @@ private:
     std::optional<QTemporaryDir> m_root;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenterProcesses)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterProcesses)
 #include "tst_cfgcenter_processes.moc"

@@ -1,8 +1,9 @@
 #include "platform/configversions.h"
-#include "tests/dialog/filesizelimit.h"
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
+#include "tests/support/filesizelimit.h"
+#include "tests/support/testmain.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -190,5 +191,5 @@ private:
     QStringList m_names;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenterRoom)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterRoom)
 #include "tst_cfgcenter_room.moc"

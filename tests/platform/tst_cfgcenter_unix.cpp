@@ -2,6 +2,7 @@
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -253,5 +254,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenterUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterUnix)
 #include "tst_cfgcenter_unix.moc"

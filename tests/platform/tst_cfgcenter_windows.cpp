@@ -1,5 +1,6 @@
 #include "tests/platform/storefixture.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -116,5 +117,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestCfgCenterWindows)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterWindows)
 #include "tst_cfgcenter_windows.moc"

@@ -3,6 +3,7 @@
 #include "tests/platform/storefixture.h"
 #include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -451,5 +452,5 @@ private:
     std::optional<StoreFixture> m_store;
 };
 
-QTEST_GUILESS_MAIN(TestConfigVersions)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConfigVersions)
 #include "tst_configversions.moc"

@@ -1,4 +1,5 @@
 #include "platform/config/documenttext.h"
+#include "tests/support/testmain.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -122,5 +123,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestDocumentText)
+VEXEL_TEST(QTEST_APPLESS_MAIN, TestDocumentText)
 #include "tst_documenttext.moc"

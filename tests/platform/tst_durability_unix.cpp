@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "tests/support/diskrequests_unix.h"
+#include "tests/support/testmain.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -65,5 +66,5 @@ private:
     std::optional<QTemporaryDir> m_root;
 };
 
-QTEST_GUILESS_MAIN(TestDurability)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestDurability)
 #include "tst_durability_unix.moc"

@@ -1,4 +1,5 @@
 #include "platform/errorhandler.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 #include <QThread>
@@ -245,5 +246,5 @@ private:
     unsigned m_mask = 0;
 };
 
-QTEST_GUILESS_MAIN(TestErrorHandler)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestErrorHandler)
 #include "tst_errorhandler.moc"

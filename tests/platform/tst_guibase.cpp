@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
 #include "platform/icfg.h"
+#include "tests/support/testmain.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -188,5 +189,5 @@ private:
     std::optional<QTemporaryDir> m_store;
 };
 
-QTEST_MAIN(TestGuiBase)
+VEXEL_TEST(QTEST_MAIN, TestGuiBase)
 #include "tst_guibase.moc"

@@ -1,4 +1,5 @@
 #include "platform/idllinstance.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -54,5 +55,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestIDllInstance)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestIDllInstance)
 #include "tst_idllinstance.moc"

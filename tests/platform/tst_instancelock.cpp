@@ -1,4 +1,5 @@
 #include "platform/instancelock.h"
+#include "tests/support/testmain.h"
 
 #include "files/filelock.h"
 #include "tests/support/files.h"
@@ -376,16 +377,17 @@ int Hold(const QString& directory, bool withChild)
     return QCoreApplication::exec();
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int HoldMain(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 3 && arguments.at(1).startsWith(kHold))
-        return Hold(arguments.at(2), arguments.at(1) == kHoldWithChild);
-    TestInstanceLock test;
-    return QTest::qExec(&test, argc, argv);
+    return Hold(arguments.at(2), arguments.at(1) == kHoldWithChild);
 }
 
+const TestMain::Program kHoldProgram(qPrintable(kHold), HoldMain);
+const TestMain::Program kHoldWithChildProgram(qPrintable(kHoldWithChild), HoldMain);
+
+} // namespace
+
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInstanceLock)
 #include "tst_instancelock.moc"

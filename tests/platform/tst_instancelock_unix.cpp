@@ -1,4 +1,5 @@
 #include "platform/instancelock.h"
+#include "tests/support/testmain.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -90,5 +91,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestInstanceLockUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestInstanceLockUnix)
 #include "tst_instancelock_unix.moc"

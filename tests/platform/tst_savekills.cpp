@@ -5,6 +5,7 @@
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "tests/platform/tracerecorder.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -181,5 +182,5 @@ private:
     int m_inReplace = 0;
 };
 
-QTEST_GUILESS_MAIN(TestSaveKills)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestSaveKills)
 #include "tst_savekills.moc"

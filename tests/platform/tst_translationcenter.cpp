@@ -1,4 +1,5 @@
 #include "platform/translationcenter.h"
+#include "tests/support/testmain.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -144,10 +145,8 @@ void CountComplaints(QtMsgType, const QMessageLogContext&, const QString&)
     ++g_complaints;
 }
 
-} // namespace
-
 // By hand, for the centre is there before the application and after it.
-int main(int argc, char* argv[])
+int Main(int argc, char** argv)
 {
     const QtMessageHandler handler = qInstallMessageHandler(CountComplaints);
     TranslationCenter::Instance().Register(kDomain);
@@ -170,4 +169,8 @@ int main(int argc, char* argv[])
         qCritical("Qt complained %d times about what was done without an application.", g_complaints);
     return result + g_complaints;
 }
+
+const TestMain::Test kTest(__FILE__, Main);
+
+} // namespace
 #include "tst_translationcenter.moc"

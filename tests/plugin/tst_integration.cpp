@@ -3,8 +3,9 @@
 #include "samples/integration/main.cpp"
 #undef main
 
-#include "tests/host/errorsto.h"
 #include "tests/support/confignodes.h"
+#include "tests/support/errorsto.h"
+#include "tests/support/testmain.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -201,5 +202,5 @@ void TestIntegration::failedSaveIsReported()
     QVERIFY2(outcome.complaint.contains(QLatin1String("could not be saved")), qPrintable(outcome.complaint));
 }
 
-QTEST_APPLESS_MAIN(TestIntegration)
+VEXEL_TEST(QTEST_APPLESS_MAIN, TestIntegration)
 #include "tst_integration.moc"

@@ -1,6 +1,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "platform/idllinstance.h"
+#include "tests/support/testmain.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -52,5 +53,5 @@ void TestPlugin::worksThroughItsExports()
     CfgCenter::Close();
 }
 
-QTEST_MAIN(TestPlugin)
+VEXEL_TEST(QTEST_MAIN, TestPlugin)
 #include "tst_plugin.moc"

@@ -1,3 +1,5 @@
+#include "tests/support/testmain.h"
+
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
@@ -26,5 +28,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestPluginFile)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestPluginFile)
 #include "tst_pluginfile_unix.moc"

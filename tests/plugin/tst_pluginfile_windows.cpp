@@ -1,5 +1,6 @@
 #include "tests/plugin/fileresources_windows.h"
 #include "tests/plugin/pefile.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -67,5 +68,5 @@ private slots:
     }
 };
 
-QTEST_APPLESS_MAIN(TestPluginFile)
+VEXEL_TEST(QTEST_APPLESS_MAIN, TestPluginFile)
 #include "tst_pluginfile_windows.moc"

@@ -1,6 +1,7 @@
 #include "tests/plugin/fileresources_windows.h"
 #include "tests/plugin/pefile.h"
 #include "tests/support/files.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QDomDocument>
@@ -164,5 +165,5 @@ void TestProgramFiles::exampleHasConsole()
     QCOMPARE(file.Subsystem(), quint16{IMAGE_SUBSYSTEM_WINDOWS_CUI});
 }
 
-QTEST_APPLESS_MAIN(TestProgramFiles)
+VEXEL_TEST(QTEST_APPLESS_MAIN, TestProgramFiles)
 #include "tst_programfiles_windows.moc"

@@ -2,6 +2,7 @@
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"
 #include "tests/support/linkport.h"
+#include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -241,5 +242,5 @@ void TestVexelConnectDlg::starterShowsDialogUntilInstanceIsDestroyed()
     QVERIFY(LinkPort::IsFree());
 }
 
-QTEST_MAIN(TestVexelConnectDlg)
+VEXEL_TEST(QTEST_MAIN, TestVexelConnectDlg)
 #include "tst_vexelconnectdlg.moc"

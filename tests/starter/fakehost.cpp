@@ -14,7 +14,7 @@
 
 #include "platform/interfaces.h"
 #include "process/standardstreams.h"
-#include "tests/launcher/inheritedhandles.h"
+#include "tests/support/inheritedhandles.h"
 #include "tests/support/system.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/link/linkfixture.h"
+#include "tests/support/linkfixture.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>

@@ -1,4 +1,5 @@
 #include "tests/starter/fakehostrun.h"
+#include "tests/support/testmain.h"
 
 #include <QProcess>
 
@@ -74,5 +75,5 @@ void TestCommandLines::starter()
     QVERIFY2(error.contains(QLatin1String("exit code 7")), qPrintable(error));
 }
 
-QTEST_GUILESS_MAIN(TestCommandLines)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCommandLines)
 #include "tst_commandlines_windows.moc"

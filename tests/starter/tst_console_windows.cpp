@@ -1,5 +1,6 @@
 #include "tests/starter/fakehostrun.h"
 #include "tests/support/pseudoconsole_windows.h"
+#include "tests/support/testmain.h"
 
 #include <QProcess>
 
@@ -90,5 +91,5 @@ void TestConsole::startersHostTakesNoConsole()
     QVERIFY2(console.Text().contains(QLatin1String("kitestarter: ")), qPrintable(console.Text()));
 }
 
-QTEST_GUILESS_MAIN(TestConsole)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestConsole)
 #include "tst_console_windows.moc"

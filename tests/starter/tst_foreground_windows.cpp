@@ -1,5 +1,6 @@
 #include "starter/starter.h"
 #include "tests/starter/peers.h"
+#include "tests/support/testmain.h"
 
 #include <QTemporaryDir>
 
@@ -83,5 +84,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestForeground)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestForeground)
 #include "tst_foreground_windows.moc"

@@ -1,4 +1,5 @@
 #include "tests/starter/startedhost.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QTcpServer>
@@ -177,5 +178,5 @@ void TestHostProcess::notStarted()
     QCOMPARE(process.Id(), 0);
 }
 
-QTEST_GUILESS_MAIN(TestHostProcess)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestHostProcess)
 #include "tst_hostprocess.moc"

@@ -1,4 +1,5 @@
 #include "tests/starter/startedhost.h"
+#include "tests/support/testmain.h"
 
 /// The host as Unix keeps processes apart.
 class TestHostProcessUnix : public QObject
@@ -21,5 +22,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHostProcessUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestHostProcessUnix)
 #include "tst_hostprocess_unix.moc"

@@ -1,5 +1,6 @@
 #include "tests/support/linkport.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QFile>
@@ -317,5 +318,5 @@ void TestKiteStarter::withoutARunTimeFolder()
     QCOMPARE(setUp.Traced(kCreated), 1);
 }
 
-QTEST_GUILESS_MAIN(TestKiteStarter)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestKiteStarter)
 #include "tst_kitestarter.moc"

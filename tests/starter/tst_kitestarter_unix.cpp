@@ -1,4 +1,5 @@
 #include "tests/support/brokenoutput_unix.h"
+#include "tests/support/testmain.h"
 
 /// The starter's executable where what it prints does not arrive.
 class TestKiteStarterUnix : public QObject
@@ -40,5 +41,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestKiteStarterUnix)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestKiteStarterUnix)
 #include "tst_kitestarter_unix.moc"

@@ -2,6 +2,7 @@
 #include "tests/starter/peers.h"
 #include "tests/support/linkport.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 using Kind = RecordingCallback::Kind;
 using namespace std::chrono_literals;
@@ -199,5 +200,5 @@ void TestLinkCall::nothingIsLeftOpen()
     QTRY_VERIFY(System::OpenHandles() <= before);
 }
 
-QTEST_GUILESS_MAIN(TestLinkCall)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestLinkCall)
 #include "tst_linkcall.moc"

@@ -3,6 +3,7 @@
 #include "tests/starter/fakehostrun.h"
 #include "tests/starter/peers.h"
 #include "tests/support/system.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 
@@ -463,5 +464,5 @@ void TestStarter::defaults()
     QVERIFY(Starter::DefaultLockFile(1) != Starter::DefaultLockFile(2));
 }
 
-QTEST_GUILESS_MAIN(TestStarter)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestStarter)
 #include "tst_starter.moc"

@@ -1,5 +1,6 @@
 #include "starter/starterexit.h"
 #include "starter/starteroptions.h"
+#include "tests/support/testmain.h"
 
 #include <QDir>
 #include <QTest>
@@ -128,5 +129,5 @@ void TestStarterOptions::version()
     QCOMPARE(parsed.text, QStringLiteral("kitestarter " VEXEL_VERSION "\n"));
 }
 
-QTEST_GUILESS_MAIN(TestStarterOptions)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestStarterOptions)
 #include "tst_starteroptions.moc"

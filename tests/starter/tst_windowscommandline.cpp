@@ -1,4 +1,5 @@
 #include "starter/windowscommandline.h"
+#include "tests/support/testmain.h"
 
 #include <QTest>
 
@@ -100,5 +101,5 @@ void TestWindowsCommandLine::comesApartAgain()
     }
 }
 
-QTEST_GUILESS_MAIN(TestWindowsCommandLine)
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestWindowsCommandLine)
 #include "tst_windowscommandline.moc"

@@ -1,4 +1,4 @@
-#include "tests/launcher/inheritedhandles.h"
+#include "tests/support/inheritedhandles.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 // A program to be started by tests: reports how it was started, then ends, crashes, prints or stays, as its environment
 // says. The arguments are no place for that: they are what is tested.
 
-#include "tests/launcher/inheritedhandles.h"
+#include "tests/support/inheritedhandles.h"
 #include "tests/support/system.h"
 
 #include <QCoreApplication>

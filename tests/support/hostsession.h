@@ -3,7 +3,7 @@
 #include "host/desktop/dialogsession.h"
 #include "host/output/notices.h"
 #include "host/plugin/connectdialog.h"
-#include "tests/host/fakedialog.h"
+#include "tests/support/fakedialog.h"
 
 #include <QSignalSpy>
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/guibase.h"
-#include "tests/launcher/launcherfixture.h"
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"
+#include "tests/support/launcherfixture.h"
 #include "tests/support/messageboxes.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"

@@ -1,4 +1,4 @@
-#include "tests/dialog/filesizelimit.h"
+#include "tests/support/filesizelimit.h"
 
 #include <csignal>
 #include <sys/resource.h>

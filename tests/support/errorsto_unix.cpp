@@ -1,4 +1,4 @@
-#include "tests/host/errorsto.h"
+#include "tests/support/errorsto.h"
 
 #include <QFile>
 
