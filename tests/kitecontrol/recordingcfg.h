@@ -8,11 +8,11 @@
 
 #include <memory>
 
-/// A configuration in memory that writes down every call on any of its nodes, as text and in order.
+/// A configuration in memory that records all calls on its nodes as text.
 class RecordingCfg : public ICfg
 {
 public:
-    /// What all handles on one configuration share.
+    /// Shared by all nodes of one configuration.
     struct Store
     {
         QMap<QString, QString> values; ///< by "child/key", or "key" at the root
@@ -91,5 +91,5 @@ private:
     void Note(const QString& call) { m_pStore->calls.append(call); }
 
     const std::shared_ptr<Store> m_pStore;
-    const QString m_sPath; ///< of a child: its keys' common beginning; of the root: empty
+    const QString m_sPath; ///< the prefix of the keys; empty for the root
 };

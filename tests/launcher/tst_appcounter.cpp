@@ -224,14 +224,13 @@ void TestAppCounter::applicationsAreRead_data()
     QTest::newRow("none") << QString() << QString();
     QTest::newRow("in document order") << s("<Zeta/><Alpha></Alpha> text <Kite><Startup/></Kite>")
                                        << s("Zeta Alpha Kite");
-    QTest::newRow("elements within are none")
-        << s("<A><Startup><exe>x</exe></Startup><B/><C><D/></C></A><E/>") << s("A E");
-    QTest::newRow("same name within") << s("<A><A><A/></A><B/></A><C/>") << s("A C");
-    QTest::newRow("same name within the start description")
-        << s("<A><Startup><A><exe>x</exe></A></Startup></A><C/>") << s("A C");
+    QTest::newRow("nested elements") << s("<A><Startup><exe>x</exe></Startup><B/><C><D/></C></A><E/>") << s("A E");
+    QTest::newRow("same name nested") << s("<A><A><A/></A><B/></A><C/>") << s("A C");
+    QTest::newRow("same name inside Startup") << s("<A><Startup><A><exe>x</exe></A></Startup></A><C/>") << s("A C");
     QTest::newRow("named Startup") << s("<Startup><exe>x</exe></Startup><C/>") << s("Startup C");
     QTest::newRow("named Machine") << s("<Machine><C/></Machine><D/>") << s("Machine D");
-    QTest::newRow("comments, instructions, sections") << s("<!-- <X/> --><?pi <Y/> ?><![CDATA[<Z/>]]><A/>") << s("A");
+    QTest::newRow("comments, processing instructions, CDATA sections")
+        << s("<!-- <X/> --><?pi <Y/> ?><![CDATA[<Z/>]]><A/>") << s("A");
 }
 
 void TestAppCounter::applicationsAreRead()
@@ -247,8 +246,8 @@ void TestAppCounter::machineElementIsFoundAnywhere_data()
 {
     QTest::addColumn<QString>("document");
     QTest::addColumn<QString>("names");
-    QTest::newRow("as root") << s("<Machine><A/></Machine>") << s("A");
-    QTest::newRow("deep down") << s("<x><y><z/><Machine><A/></Machine></y></x>") << s("A");
+    QTest::newRow("root element") << s("<Machine><A/></Machine>") << s("A");
+    QTest::newRow("nested") << s("<x><y><z/><Machine><A/></Machine></y></x>") << s("A");
     QTest::newRow("elements before and after") << s("<x><B><C/></B><Machine><A/></Machine><D><E/></D></x>") << s("A");
     QTest::newRow("case matters") << s("<x><machine><B/></machine><Machine><A/></Machine></x>") << s("A");
     QTest::newRow("only the first") << s("<x><Machine><A/></Machine><Machine><B/></Machine></x>") << s("A");
@@ -309,13 +308,13 @@ void TestAppCounter::startListIsRead_data()
         "<Exe>x</Exe><EXE>y</EXE><Param>p</Param><PARAM1>q</PARAM1><numparam>3</numparam>"
         "<exe>z</exe>",
         {s("z")});
-    row("blanks are kept", "<exe> a b </exe>", {s(" a b ")});
-    row("text in a section", "<exe><![CDATA[a&b]]></exe>", {s("a&b")});
-    row("only the text right behind the tag", "<exe>x<!-- c -->y</exe><param>p<b/>q</param>", {s("x"), s("p")});
-    row("no text right behind the tag", "<exe><!-- c -->x</exe>", {none});
-    row("element in the text's place", "<exe><b>x</b></exe>", {none});
-    row("elements within are not read", "<exe>x<param>p</param></exe><other><param>q</param></other>", {s("x")});
-    row("start description within", "<Startup><exe>y</exe></Startup><exe>x</exe>", {s("x")});
+    row("blanks", "<exe> a b </exe>", {s(" a b ")});
+    row("text in a CDATA section", "<exe><![CDATA[a&b]]></exe>", {s("a&b")});
+    row("only the text directly after the tag", "<exe>x<!-- c -->y</exe><param>p<b/>q</param>", {s("x"), s("p")});
+    row("no text directly after the tag", "<exe><!-- c -->x</exe>", {none});
+    row("element instead of text", "<exe><b>x</b></exe>", {none});
+    row("nested elements are not read", "<exe>x<param>p</param></exe><other><param>q</param></other>", {s("x")});
+    row("nested Startup", "<Startup><exe>y</exe></Startup><exe>x</exe>", {s("x")});
     const QStringList manyParameters = QStringList(s("x")) + QList<QString>(1000, none);
     row("largest count", "<exe>x</exe><NumParam>1000</NumParam>", manyParameters);
 }

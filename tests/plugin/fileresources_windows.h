@@ -11,7 +11,7 @@
 
 #include <windows.h>
 
-/// What lies in a program or library of Windows besides its code, read by Windows' own means without running it.
+/// Reads the resources of a Windows program or library without running it.
 class FileResources
 {
 public:
@@ -20,7 +20,7 @@ public:
         , m_module(LoadLibraryExW(m_file.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE))
     {
         if (!m_module)
-            throw std::runtime_error("there is no such file, or it is none of Windows'");
+            throw std::runtime_error("the file cannot be loaded");
         DWORD ignored = 0;
         m_version.resize(GetFileVersionInfoSizeW(m_file.c_str(), &ignored));
         if (!GetFileVersionInfoW(m_file.c_str(), 0, static_cast<DWORD>(m_version.size()), m_version.data()))
@@ -31,7 +31,7 @@ public:
     FileResources(const FileResources&) = delete;
     FileResources& operator=(const FileResources&) = delete;
 
-    /// One of the texts that a file's properties show, such as "FileVersion"; empty where it has none.
+    /// A text of the version resource, such as "FileVersion"; empty if it is missing.
     QString VersionText(const QString& name) const
     {
         UINT length = 0;
@@ -39,7 +39,7 @@ public:
         return value ? QString::fromWCharArray(static_cast<const wchar_t*>(value)) : QString();
     }
 
-    /// The version in numbers, as installers compare it, for example "1.0.0"; empty where it has none.
+    /// The numeric version, for example "1.0.0"; empty if it is missing.
     QString VersionNumbers() const
     {
         const VS_FIXEDFILEINFO* const fixed = Fixed();
@@ -51,7 +51,7 @@ public:
             .arg(HIWORD(fixed->dwFileVersionLS));
     }
 
-    /// VFT_APP or VFT_DLL; 0 where it does not say.
+    /// VFT_APP or VFT_DLL; 0 if it is missing.
     DWORD Type() const { return Fixed() ? Fixed()->dwFileType : 0; }
 
     /// The numbers of the resources of `type`, such as RT_MANIFEST.
@@ -69,7 +69,7 @@ public:
         return ids;
     }
 
-    /// The resource of `type` with the number `id`; empty where there is none.
+    /// The resource of `type` with the number `id`; empty if it is missing.
     QByteArray Content(const wchar_t* type, int id) const
     {
         const HRSRC resource = FindResourceW(m_module, MAKEINTRESOURCEW(id), type);

@@ -9,9 +9,8 @@
 #include <stdexcept>
 #include <vector>
 
-/// Reads which names a 64-bit library of Windows exports, of which libraries it or a program imports, and what kind of
-/// program it is, from the file itself: what a loader sees, without loading it. Throws std::runtime_error where the
-/// file is not what it should be.
+/// Reads exports, imports and subsystem of a 64-bit program or library of Windows from its file, without loading it.
+/// Throws std::runtime_error if the file is invalid.
 class PeFile
 {
 public:
@@ -39,7 +38,7 @@ public:
     /// IMAGE_SUBSYSTEM_WINDOWS_GUI or, for a program with a console, IMAGE_SUBSYSTEM_WINDOWS_CUI.
     std::uint16_t Subsystem() const { return m_subsystem; }
 
-    /// The exported names, in their order in the file, and "#" for each function that has none.
+    /// The exported names in file order, and "#" for each function without a name.
     QStringList Exports() const
     {
         QStringList names;
@@ -56,7 +55,7 @@ public:
         return names;
     }
 
-    /// The file names of the libraries that must be there.
+    /// The file names of the imported libraries.
     QStringList Imports() const
     {
         QStringList names;
@@ -87,7 +86,7 @@ private:
         return number;
     }
 
-    /// Where in the file that stands which is at `address` once the library is loaded.
+    /// The file offset of an address in memory.
     std::uint32_t Offset(std::uint32_t address) const
     {
         for (const Section& section : m_sections)

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-/// While it lives, this process cannot make a file larger than `bytes`: what a full disk does to a writer.
+/// Limits the size of files that this process writes to `bytes`, which acts like a full disk.
 class FileSizeLimit
 {
 public:

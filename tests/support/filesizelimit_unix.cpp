@@ -13,7 +13,7 @@ FileSizeLimit::FileSizeLimit(qint64 bytes)
     : m_former(std::make_unique<Former>())
 {
     getrlimit(RLIMIT_FSIZE, &m_former->limit);
-    // Otherwise the system ends the process at the first byte too many. Child processes inherit an ignored signal.
+    // Otherwise a larger file terminates the process. Child processes inherit an ignored signal.
     m_former->handler = std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit = m_former->limit;
     limit.rlim_cur = static_cast<rlim_t>(bytes);

@@ -2,9 +2,9 @@
 
 #include <QStringList>
 
-/// What this process was handed by the one that started it, besides the standard streams: open files, pipes
-/// and sockets. One text for each, which says what it is as far as the system tells. Call before anything is opened.
+/// The open files, pipes and sockets that this process inherited, without the standard streams. One text for each, with
+/// its name as far as the system knows one. Call before anything is opened.
 QStringList InheritedHandles();
 
-/// What a process would be handed that is started now, in the same words; not what is meant for it, its own streams.
+/// The same for a process that would be started now.
 QStringList HandlesToInherit();

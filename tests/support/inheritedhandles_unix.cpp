@@ -12,7 +12,7 @@ QStringList InheritedHandles()
     QStringList handles;
     DIR* const folder = opendir("/proc/self/fd");
     if (!folder)
-        return {QStringLiteral("this system does not tell")};
+        return {QStringLiteral("unknown on this system")};
     while (const dirent* const entry = readdir(folder)) {
         const int handle = std::atoi(entry->d_name); // 0 for "." and ".."
         if (handle <= STDERR_FILENO || (::fcntl(handle, F_GETFD) & FD_CLOEXEC) != 0)

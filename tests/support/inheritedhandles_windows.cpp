@@ -10,7 +10,7 @@ namespace {
 
 QStringList HandlesBesides(const std::vector<HANDLE>& others)
 {
-    // A handle that was inherited can be handed on itself; those that a program makes for itself cannot.
+    // Inherited handles are inheritable; handles that a program opens itself are not.
     constexpr std::uintptr_t step = 4;
     constexpr std::uintptr_t end = 0x2000;
     QStringList handles;
@@ -20,7 +20,7 @@ QStringList HandlesBesides(const std::vector<HANDLE>& others)
         if (std::find(others.begin(), others.end(), handle) != others.end() || !GetHandleInformation(handle, &flags) ||
             !(flags & HANDLE_FLAG_INHERIT))
             continue;
-        // Neither file, pipe nor socket. Of other things, such as processes, Wine gives some to every program.
+        // Neither file, pipe nor socket. Wine passes handles of other kinds to every program.
         if (GetFileType(handle) == FILE_TYPE_UNKNOWN)
             continue;
         handles.append(QStringLiteral("handle %1 of type %2").arg(value).arg(GetFileType(handle)));

@@ -6,8 +6,7 @@
 
 #include <utility>
 
-/// "Translates" every text of one context by putting it in brackets, from construction to destruction: whatever shows
-/// without brackets was not looked up in that context.
+/// Translates all texts of one context by putting them in brackets, from construction to destruction.
 class MarkingTranslator : public QTranslator
 {
 public:

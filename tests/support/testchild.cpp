@@ -1,5 +1,5 @@
-// A program to be started by tests: reports how it was started, then ends, crashes, prints or stays, as its environment
-// says. The arguments are no place for that: they are what is tested.
+// A program that tests start: reports how it was started, then exits, crashes, prints or stays. The environment
+// controls this, because the arguments are tested.
 
 #include "tests/support/inheritedhandles.h"
 #include "tests/support/system.h"
@@ -19,7 +19,7 @@
 namespace {
 
 /// Writes a file "<process id>.<something>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is
-/// complete. The number alone would be no name: some systems give it to the next process.
+/// complete. The process id alone is not unique: some systems reuse it at once.
 bool WriteReport(const QStringList& inherited)
 {
     QSaveFile file(QStringLiteral("%1/%2.%3.json")
@@ -41,7 +41,7 @@ bool WriteReport(const QStringList& inherited)
 
 void Print(long long bytes)
 {
-    // On Windows each write to nowhere is slow, and standard error would be written character by character.
+    // On Windows each write is slow, and standard error is unbuffered.
     std::setvbuf(stdout, nullptr, _IOFBF, 65536);
     std::setvbuf(stderr, nullptr, _IOFBF, 4096);
     const std::string line(1023, 'x');
@@ -54,7 +54,7 @@ void Print(long long bytes)
 [[noreturn]] void Crash()
 {
 #ifdef Q_OS_WIN
-    // What the system reports for a program that was ended by an access violation; `abort` asks the user instead.
+    // The exit code of an access violation; `abort` would ask the user.
     std::_Exit(static_cast<int>(0xC0000005));
 #else
     std::abort();
@@ -69,7 +69,7 @@ int main(int argc, char* argv[])
     const QCoreApplication application(argc, argv);
     const QString mode = qEnvironmentVariable("VEXEL_TESTCHILD_MODE", QStringLiteral("exit"));
 
-    // Before the report: whoever has seen the report may count on it.
+    // Before the report, so that tests can rely on it once they see the report.
     if (mode == QLatin1String("stubborn"))
         System::GoOnWhenAsked();
     if (mode == QLatin1String("polite"))
