@@ -10,7 +10,6 @@
 #include "host/support/supportreport.h"
 #include "host/system/desktop.h"
 #include "platform/icfg.h"
-#include "platform/instancelock.h"
 #include "platform/platformversion.h"
 
 #include <QCoreApplication>
@@ -130,27 +129,20 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
     report.AddList(QStringLiteral("environment"), Environment());
 }
 
-QString PortState(const LinkPort& port, const QString& configDirectory)
+QString PortState(const LinkPort& port)
 {
     if (!port.error.isEmpty())
         return QStringLiteral("cannot be tried: %1").arg(port.error);
-    if (port.isFree)
-        return QStringLiteral("free: no host answers the starter");
-    if (!port.owner)
-        return QStringLiteral("in use, the system does not say by whom");
-    const QString owner =
-        QStringLiteral("in use by process %1 (%2)").arg(QString::number(port.owner->number), port.owner->name);
-    const bool isHost = InstanceLock::Query(configDirectory).process == port.owner->number;
-    return isHost ? owner + QStringLiteral(", the host on this configuration") : owner;
+    return port.isFree ? QStringLiteral("free: no host answers the starter") : QStringLiteral("in use");
 }
 
-void ReportLink(SupportReport& report, const QString& configDirectory)
+void ReportLink(SupportReport& report)
 {
     const LinkPort port = ProbePort(kLinkPort);
     report.BeginSection(QStringLiteral("Starter link"));
     report.AddFact(QStringLiteral("port"), kLinkPort);
     report.AddFact(QStringLiteral("free"), port.isFree);
-    report.AddFact(QStringLiteral("state"), PortState(port, configDirectory));
+    report.AddFact(QStringLiteral("state"), PortState(port));
 }
 
 /// As the host lets its children look for programs: in its own folder first.
@@ -174,7 +166,7 @@ ExitCode Diagnose(const HostOptions& given)
     ReportMachine(report, {data.value, Configured(options.name, QStringLiteral("TypeApplicationMappings")),
                            ProgramDirectories()});
     ReportStore(report, options.configDirectory);
-    ReportLink(report, options.configDirectory);
+    ReportLink(report);
     CfgCenter::Close();
 
     const bool isPrinted = options.json ? Console::PrintBytes(report.Json()) : Console::PrintRaw(report.Text());

@@ -5,8 +5,3 @@ QAbstractSocket::BindMode ProbeMode()
     // Anything less would share the port with its owner.
     return QAbstractSocket::DontShareAddress;
 }
-
-std::optional<LinkPort::Process> ListenerOn(quint16 /*port*/)
-{
-    return std::nullopt;
-}
