@@ -12,4 +12,6 @@ inline constexpr qint64 kMaximumFileSize = qint64{64} * 1024 * 1024;
 ///
 /// Nothing when it cannot be opened or read, when it holds more than `limit` bytes, and when it is no regular file
 /// (nor a link to one): a directory has no content, a device may have no end, and opening a pipe may wait for ever.
-std::optional<QByteArray> ReadRegularFile(const QString& path, qint64 limit = kMaximumFileSize);
+/// `error`, if given, then says why, for a person.
+std::optional<QByteArray> ReadRegularFile(const QString& path, qint64 limit = kMaximumFileSize,
+                                          QString* error = nullptr);

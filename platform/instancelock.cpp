@@ -1,13 +1,12 @@
 #include "platform/instancelock.h"
 
 #include "files/atomicfile.h"
+#include "files/boundedfile.h"
 #include "files/filelock.h"
-#include "files/regularfile.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QFile>
 #include <QSysInfo>
 #include <QThread>
 
@@ -43,10 +42,7 @@ QByteArray OwnName()
 Name ReadName(const QString& fileName)
 {
     constexpr qint64 kLongest = 4096;
-    QFile file(fileName);
-    if (IsNotRegularFile(fileName) || !file.open(QIODevice::ReadOnly))
-        return {};
-    const QList<QByteArray> lines = file.read(kLongest).split('\n');
+    const QList<QByteArray> lines = ReadRegularFile(fileName, kLongest).value_or(QByteArray()).split('\n');
     bool isNumber = false;
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)

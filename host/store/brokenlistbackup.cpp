@@ -1,6 +1,7 @@
 #include "host/store/brokenlistbackup.h"
 
 #include "files/atomicfile.h"
+#include "files/boundedfile.h"
 #include "files/retry.h"
 #include "files/siblingname.h"
 #include "host/store/storedset.h"
@@ -9,7 +10,6 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <optional>
@@ -18,13 +18,10 @@ namespace {
 
 const QString kMark = QStringLiteral(".malformed-");
 
+/// A document was read already, so its size is bearable.
 std::optional<QByteArray> Content(const QString& fileName)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray content = file.readAll();
-    return file.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
+    return ReadRegularFile(fileName, QFileInfo(fileName).size());
 }
 
 /// The copy that holds `content` already; empty where there is none.

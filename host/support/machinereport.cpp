@@ -17,19 +17,14 @@
 
 namespace {
 
-/// Why a file has no content for the plug-in.
-QString Unreadable(const QString& path)
+/// The content of a file as the plug-in gets it; where there is none, `state` says why.
+std::optional<QByteArray> ReadFile(const QString& path, QString& state)
 {
-    const QFileInfo info(path);
-    if (path.isEmpty())
-        return QStringLiteral("not read: no path is known");
-    if (!info.exists())
-        return QStringLiteral("not read: no such file");
-    if (!info.isFile())
-        return QStringLiteral("not read: not a regular file");
-    if (info.size() > kMaximumFileSize)
-        return QStringLiteral("not read: larger than %1 MiB").arg(kMaximumFileSize / (qint64{1024} * 1024));
-    return QStringLiteral("not read: it cannot be opened");
+    QString error;
+    std::optional<QByteArray> document = ReadRegularFile(path, kMaximumFileSize, &error);
+    if (!document)
+        state = QStringLiteral("not read: ") + (path.isEmpty() ? QStringLiteral("no path is known") : error);
+    return document;
 }
 
 QString XmlError(const QXmlStreamReader& reader)
@@ -92,11 +87,9 @@ Machine::Machine(const MachineFiles& files)
 
 void Machine::ReadMachine()
 {
-    const std::optional<QByteArray> document = ReadRegularFile(m_machineFile);
-    if (!document) {
-        m_machineState = Unreadable(m_machineFile);
+    const std::optional<QByteArray> document = ReadFile(m_machineFile, m_machineState);
+    if (!document)
         return;
-    }
     // Only now: without a machine configuration the plug-in does not look for the mapping in the data directory.
     if (m_mappingFile.isEmpty())
         m_mappingFile = m_files.dataDirectory + QStringLiteral("/TypeApplicationMappings.xml");
@@ -111,11 +104,9 @@ void Machine::ReadMachine()
 
 void Machine::ReadMapping()
 {
-    const std::optional<QByteArray> document = ReadRegularFile(m_mappingFile);
-    if (!document) {
-        m_mappingState = Unreadable(m_mappingFile);
+    const std::optional<QByteArray> document = ReadFile(m_mappingFile, m_mappingState);
+    if (!document)
         return;
-    }
     QXmlStreamReader reader(*document);
     bool any = false;
     TypeMapping::Read(reader, m_machine.startLists, m_executables,

@@ -1,9 +1,9 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
+#include "files/atomicfile.h"
 #include "files/boundedfile.h"
 #include "platform/guibase.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
-#include "userinterface/vexelconnectdlg/atomicfile.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -370,7 +370,7 @@ void VexelConnectDlgGUI::Export(const QString& fileName)
               [] { return QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"); });
         return;
     }
-    if (!ReplaceFile(fileName, m_pModel->ToByteArray())) {
+    if (!ReplaceRegularFile(fileName, m_pModel->ToByteArray()).isEmpty()) {
         Trace(
             kTraceSource, kCannotWriteLine,
             [&fileName] {
