@@ -109,7 +109,7 @@ bool CfgCenter::Open(const QString& directory)
     const QString path = directory.isEmpty() ? QString() : QDir(directory).absolutePath();
     TheOpenError() = ObstacleTo(path);
     if (!TheOpenError().isEmpty()) {
-        TraceWhenWanted("platform/cfgcenter", __LINE__, [&] {
+        Trace("platform/cfgcenter", __LINE__, [&] {
             return QStringLiteral("CfgCenter::Open(): Could not use %1 as configuration directory: %2")
                 .arg(directory, TheOpenError());
         });

@@ -93,7 +93,7 @@ std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
 bool ConfigVersions::Restore(const ConfigVersion& version, QString* quarantined) const
 {
     const auto fail = [&](int line, const char* reason) {
-        TraceWhenWanted("platform/configversions", line, [&] {
+        Trace("platform/configversions", line, [&] {
             return QStringLiteral("ConfigVersions::Restore(): Could not put %1 in the place of %2: %3")
                 .arg(version.file, m_file, QString::fromLatin1(reason));
         });

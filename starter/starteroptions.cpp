@@ -1,5 +1,7 @@
 #include "starter/starteroptions.h"
 
+#include "platform/starterport.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
@@ -24,7 +26,7 @@ QString Notes()
 {
     return QStringLiteral(R"(
 The call:
-  The dialog is called on port 8451 of this machine, which one program can have
+  The dialog is called on port %1 of this machine, which one program can have
   at a time. So whichever host has it comes to the front, whatever arguments
   are given here for another. Nothing leaves the machine.
   On a machine that several people work on at a time, that may be another
@@ -45,7 +47,8 @@ Exit codes:
   5  another program has the port and answers or cuts off calls, or a dialog
      that is busy for longer than the time-out; no host was started
   6  no dialog is running (with --call-only)
-)");
+)")
+        .arg(kStarterPort);
 }
 
 class Parser

@@ -5,7 +5,7 @@
 #include "host/headless/connectionreport.h"
 #include "host/headless/dialogpicture.h"
 #include "host/output/console.h"
-#include "host/output/textline.h"
+#include "process/textline.h"
 
 #include <QDateTime>
 #include <QEventLoop>

@@ -61,7 +61,7 @@ QString BackUpBrokenList(const StoredSet& set)
             .arg(set.entries == 1 ? QStringLiteral("1 entry") : QStringLiteral("%1 entries").arg(set.entries),
                  copy.isEmpty() ? QStringLiteral("%1 could not be copied and will be overwritten").arg(document)
                                 : QStringLiteral("its document is kept as %1").arg(copy));
-    TraceWhenWanted("host/store/brokenlistbackup", __LINE__,
-                    [&said] { return QStringLiteral("BackUpBrokenList(): %1").arg(said); });
+    Trace("host/store/brokenlistbackup", __LINE__,
+          [&said] { return QStringLiteral("BackUpBrokenList(): %1").arg(said); });
     return said;
 }

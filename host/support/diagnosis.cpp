@@ -11,6 +11,7 @@
 #include "host/system/desktop.h"
 #include "platform/icfg.h"
 #include "platform/platformversion.h"
+#include "platform/starterport.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -21,8 +22,6 @@
 #include <memory>
 
 namespace {
-
-constexpr quint16 kLinkPort = 8451;
 
 /// A value and where it was said.
 struct Setting
@@ -138,9 +137,9 @@ QString PortState(const LinkPort& port)
 
 void ReportLink(SupportReport& report)
 {
-    const LinkPort port = ProbePort(kLinkPort);
+    const LinkPort port = ProbePort(kStarterPort);
     report.BeginSection(QStringLiteral("Starter link"));
-    report.AddFact(QStringLiteral("port"), kLinkPort);
+    report.AddFact(QStringLiteral("port"), kStarterPort);
     report.AddFact(QStringLiteral("free"), port.isFree);
     report.AddFact(QStringLiteral("state"), PortState(port));
 }

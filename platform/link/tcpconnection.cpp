@@ -72,7 +72,7 @@ bool TcpConnection::Open()
     if (m_pSocket->state() != QAbstractSocket::UnconnectedState)
         return true;
     if (m_phase != Phase::Idle || m_address.port == 0) {
-        TraceWhenWanted(kSource, __LINE__, [] {
+        Trace(kSource, __LINE__, [] {
             return QStringLiteral("TcpConnection::Open(): The last connection has not ended yet, or is a caller's");
         });
         return false;
@@ -148,7 +148,7 @@ void TcpConnection::Connected()
 
 void TcpConnection::Fail(const QString& reason)
 {
-    TraceWhenWanted(kSource, __LINE__, [&] {
+    Trace(kSource, __LINE__, [&] {
         return QStringLiteral("TcpConnection::Fail(): Error of the connection to %1: %2").arg(PeerName(), reason);
     });
     m_bFailed = true;
@@ -167,7 +167,7 @@ void TcpConnection::TimedOut()
         RestartTimeOut();
         return;
     }
-    TraceWhenWanted(kSource, __LINE__, [this] {
+    Trace(kSource, __LINE__, [this] {
         return QStringLiteral("TcpConnection::TimedOut(): %1 sent nothing for %2 ms and is closed")
             .arg(PeerName())
             .arg(m_timeOut.interval());
@@ -255,7 +255,7 @@ bool TcpConnection::HandOver()
 {
     const qint64 left = CInterfaceCreator::kMaximumBytesPerCall - m_iTaken;
     if (left == 0) {
-        TraceWhenWanted(kSource, __LINE__, [this] {
+        Trace(kSource, __LINE__, [this] {
             return QStringLiteral("TcpConnection::HandOver(): %1 sent more than %2 bytes and is closed")
                 .arg(PeerName())
                 .arg(CInterfaceCreator::kMaximumBytesPerCall);

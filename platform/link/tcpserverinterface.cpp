@@ -71,8 +71,8 @@ bool TcpServerInterface::Open()
     if (IsOpen())
         return true;
     if (!CInterfaceCreator::AreServersAllowed()) {
-        TraceWhenWanted(kSource, __LINE__,
-                        [] { return QStringLiteral("TcpServerInterface::Open(): This process is not to be called"); });
+        Trace(kSource, __LINE__,
+              [] { return QStringLiteral("TcpServerInterface::Open(): This process is not to be called"); });
         return false;
     }
     const Listening four = Listen(QHostAddress(QHostAddress::LocalHost));
@@ -115,7 +115,7 @@ Listening TcpServerInterface::Listen(const QHostAddress& address)
     QString error;
     const Listening result = ListenAlone(*listener, address, m_uPort, &error);
     if (result != Listening::Yes) {
-        TraceWhenWanted(kSource, __LINE__, [&] {
+        Trace(kSource, __LINE__, [&] {
             return QStringLiteral("TcpServerInterface::Listen(): Could not listen on %1, port %2: %3")
                 .arg(address.toString())
                 .arg(m_uPort)
@@ -163,7 +163,7 @@ bool TcpServerInterface::HasPlace()
         m_placeTimer.start(static_cast<int>(assured));
         return false;
     }
-    TraceWhenWanted(kSource, __LINE__, [] {
+    Trace(kSource, __LINE__, [] {
         return QStringLiteral("TcpServerInterface::HasPlace(): %1 peers are there and another calls: the one that was "
                               "there first is closed")
             .arg(CInterfaceCreator::kMaximumPeers);
@@ -180,7 +180,7 @@ void TcpServerInterface::ForgetEnded()
 
 void TcpServerInterface::AcceptFailed()
 {
-    TraceWhenWanted(kSource, __LINE__, [] {
+    Trace(kSource, __LINE__, [] {
         return QStringLiteral("TcpServerInterface::AcceptFailed(): A call could not be taken; it is tried again");
     });
     m_retryTimer.start();

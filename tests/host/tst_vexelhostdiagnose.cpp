@@ -1,4 +1,5 @@
 #include "tests/host/hostsetup.h"
+#include "tests/support/linkport.h"
 
 #include <QTcpServer>
 
@@ -293,7 +294,7 @@ void TestVexelHostDiagnose::portInUse()
     HostSetUp setUp;
     QTcpServer server;
     // Somebody else's host may have it for a while.
-    QTRY_VERIFY_WITH_TIMEOUT(server.isListening() || server.listen(QHostAddress::LocalHost, 8451), 60'000);
+    QTRY_VERIFY_WITH_TIMEOUT(server.isListening() || server.listen(QHostAddress::LocalHost, LinkPort::kNumber), 60'000);
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "starterLink", "free"), QJsonValue(false));
     QCOMPARE(Value(report, "starterLink", "state"), QJsonValue(QStringLiteral("in use")));

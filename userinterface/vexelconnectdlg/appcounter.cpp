@@ -3,11 +3,11 @@
 #include "files/boundedfile.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
-#include "userinterface/vexelconnectdlg/tracing.h"
 #include "userinterface/vexelconnectdlg/typemapping.h"
 
 #include <QDir>

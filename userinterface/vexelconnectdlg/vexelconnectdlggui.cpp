@@ -3,6 +3,7 @@
 #include "files/atomicfile.h"
 #include "files/boundedfile.h"
 #include "platform/guibase.h"
+#include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
@@ -13,7 +14,6 @@
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
-#include "userinterface/vexelconnectdlg/tracing.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
