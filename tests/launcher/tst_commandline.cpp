@@ -19,6 +19,11 @@ Connection Entry(int deviceType, int connectionType = 0)
     return entry;
 }
 
+QStringList Arguments(const QString& application, const Connection& entry)
+{
+    return ApplicationArguments(application, entry, Connection::ApplicationDeviceType(entry.DeviceType));
+}
+
 } // namespace
 
 class TestCommandLine : public QObject
@@ -79,7 +84,7 @@ void TestCommandLine::forEveryType()
     QFETCH(const int, deviceType);
     QFETCH(const int, connectionType);
     QFETCH(const QStringList, further);
-    QCOMPARE(ApplicationArguments(QStringLiteral("KiteControl"), Entry(deviceType, connectionType)),
+    QCOMPARE(Arguments(QStringLiteral("KiteControl"), Entry(deviceType, connectionType)),
              QStringList(QStringLiteral("KiteControl:XMsgDlg.dll")) + further);
 }
 
@@ -116,8 +121,7 @@ void TestCommandLine::driverAddress()
     const TraceRecorder traces;
     Connection entry = Entry(Connection::KiteBravo);
     entry.DriverAddress = address;
-    QCOMPARE(ApplicationArguments(QStringLiteral("App"), entry).constLast(),
-             QString(QStringLiteral("Connection=") + expected));
+    QCOMPARE(Arguments(QStringLiteral("App"), entry).constLast(), QString(QStringLiteral("Connection=") + expected));
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
@@ -137,7 +141,7 @@ void TestCommandLine::noPort()
     const TraceRecorder traces;
     Connection entry = Entry(Connection::KiteAlphaFinch);
     entry.DriverAddress = address;
-    QCOMPARE(ApplicationArguments(QStringLiteral("App"), entry),
+    QCOMPARE(Arguments(QStringLiteral("App"), entry),
              (QStringList{QStringLiteral("App:XMsgDlg.dll"), QStringLiteral("Server"),
                           QString(QStringLiteral("Connection=") + address)}));
     QCOMPARE(traces.Messages(), traced ? QStringList(kNoPort) : QStringList());
@@ -162,8 +166,7 @@ void TestCommandLine::unsupportedType()
     QFETCH(const int, deviceType);
     QFETCH(const QString, text);
     const TraceRecorder traces;
-    QCOMPARE(ApplicationArguments(QStringLiteral("App"), Entry(deviceType, 1)),
-             QStringList(QStringLiteral("App:XMsgDlg.dll")));
+    QCOMPARE(Arguments(QStringLiteral("App"), Entry(deviceType, 1)), QStringList(QStringLiteral("App:XMsgDlg.dll")));
     QCOMPARE(traces.Messages(QStringLiteral("userinterface/vexelconnectdlg/appcounter")),
              QStringList(QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported").arg(text)));
 }
@@ -172,19 +175,19 @@ void TestCommandLine::textsAreTakenAsTheyAre()
 {
     Connection entry = Entry(Connection::KiteEcho);
     entry.ConnectionName = QStringLiteral("%1 <b>x</b> \"y\" %2\n");
-    QCOMPARE(ApplicationArguments(QStringLiteral("A%1"), entry),
+    QCOMPARE(Arguments(QStringLiteral("A%1"), entry),
              (QStringList{QStringLiteral("A%1:XMsgDlg.dll"), QStringLiteral("Server"), entry.ConnectionName}));
 
     entry.DeviceType = Connection::WrenD;
     entry.DriverAddress = QStringLiteral("%1 a\\");
-    QCOMPARE(ApplicationArguments(QStringLiteral("A"), entry).constLast(), QStringLiteral("Connection=%1 a\\:9446"));
+    QCOMPARE(Arguments(QStringLiteral("A"), entry).constLast(), QStringLiteral("Connection=%1 a\\:9446"));
 }
 
 void TestCommandLine::silentWithoutTraces()
 {
     const TraceRecorder traces(ErrorHandler::Assertion);
-    ApplicationArguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));
-    ApplicationArguments(QStringLiteral("App"), Entry(Connection::Heron));
+    Arguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));
+    Arguments(QStringLiteral("App"), Entry(Connection::Heron));
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
