@@ -1,5 +1,7 @@
 #pragma once
 
+#include "process/parsedoptions.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -14,19 +16,7 @@ struct StarterOptions
     bool callOnly = false;        ///< start nothing
 };
 
-/// The outcome of reading a command line.
-struct ParsedStarterCommandLine
-{
-    enum class Outcome {
-        Run,   ///< do what `options` says
-        Print, ///< print `text` (help or version); nothing else
-        Wrong, ///< the command line is wrong; `text` says in one line how
-    };
-
-    Outcome outcome = Outcome::Wrong;
-    QString text;
-    StarterOptions options;
-};
+using ParsedStarterCommandLine = ParsedOptions<StarterOptions>;
 
 /// Reads a command line; `arguments` begins with the program. Relative paths are taken from the current directory.
 ParsedStarterCommandLine ParseStarterCommandLine(const QStringList& arguments);

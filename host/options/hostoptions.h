@@ -1,5 +1,7 @@
 #pragma once
 
+#include "process/parsedoptions.h"
+
 #include <QLocale>
 #include <QString>
 #include <QStringList>
@@ -45,19 +47,7 @@ struct HostOptions
     bool IsForSupport() const;
 };
 
-/// The outcome of reading a command line.
-struct ParsedCommandLine
-{
-    enum class Outcome {
-        Run,   ///< do what `options` says
-        Print, ///< print `text` (help or version); nothing else
-        Wrong, ///< the command line is wrong; `text` says in one line how
-    };
-
-    Outcome outcome = Outcome::Wrong;
-    QString text;
-    HostOptions options;
-};
+using ParsedCommandLine = ParsedOptions<HostOptions>;
 
 /// Reads a command line; `arguments` begins with the program. Relative paths are taken from the current directory.
 ParsedCommandLine ParseCommandLine(const QStringList& arguments);

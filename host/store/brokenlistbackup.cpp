@@ -2,7 +2,6 @@
 
 #include "files/atomicfile.h"
 #include "files/boundedfile.h"
-#include "files/retry.h"
 #include "files/siblingname.h"
 #include "host/store/storedset.h"
 #include "platform/configversions.h"
@@ -44,7 +43,7 @@ QString Keep(const QString& document)
     if (const QString former = FormerCopy(QFileInfo(document), *content); !former.isEmpty())
         return former;
     const QString name = UniqueSiblingName(document, kMark, QDateTime::currentDateTime());
-    return Retry([&] { return WriteAtomically(name, *content); }) ? name : QString();
+    return ReplaceRegularFile(name, *content).isEmpty() ? name : QString();
 }
 
 } // namespace

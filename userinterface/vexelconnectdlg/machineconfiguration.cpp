@@ -33,13 +33,8 @@ bool MachineConfiguration::Read(QXmlStreamReader& reader)
     if (reader.atEnd())
         return false;
 
-    while (!reader.atEnd()) {
-        ReadToken(reader);
-        if (reader.isEndElement())
-            break;
-        if (reader.isStartElement())
-            ReadApplication(reader);
-    }
+    while (ReadNextChild(reader))
+        ReadApplication(reader);
     // What follows holds no application, but may hold an error.
     while (!reader.atEnd())
         ReadToken(reader);
@@ -74,12 +69,7 @@ void MachineConfiguration::ReadStartup(QXmlStreamReader& reader, const QString& 
     // By index, the executable at 0. Kept by number, because the file may name any: those above the count are ignored.
     QMap<int, QString> slotTexts;
     int count = 0;
-    while (!reader.atEnd()) {
-        ReadToken(reader);
-        if (reader.isEndElement())
-            break;
-        if (!reader.isStartElement())
-            continue;
+    while (ReadNextChild(reader)) {
         const QString name = reader.name().toString();
         const QString text = ReadElementText(reader);
         if (name == u"exe") {

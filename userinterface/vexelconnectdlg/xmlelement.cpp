@@ -9,6 +9,18 @@ QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader)
     return reader.tokenType();
 }
 
+bool ReadNextChild(QXmlStreamReader& reader)
+{
+    while (!reader.atEnd()) {
+        ReadToken(reader);
+        if (reader.isStartElement())
+            return true;
+        if (reader.isEndElement())
+            break;
+    }
+    return false;
+}
+
 namespace {
 
 /// Goes on until `depth` open elements have ended; the current token counts.

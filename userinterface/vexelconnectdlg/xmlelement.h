@@ -8,6 +8,9 @@
 /// Reads the next token. `Invalid` at an error, and after one.
 QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader);
 
+/// Goes on to the next start element within the current element. False at the end of that element, and at an error.
+bool ReadNextChild(QXmlStreamReader& reader);
+
 /// With the reader at a start element: goes on to the end of that element, or to an error.
 void SkipElement(QXmlStreamReader& reader);
 
