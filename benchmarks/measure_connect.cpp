@@ -109,7 +109,9 @@ void ConnectEach(benchmark::State& state, int count)
 void StartBare(benchmark::State& state, int count)
 {
     // With the arguments that the product gives.
-    const QStringList arguments = ApplicationArguments(QStringLiteral("App1"), TickedEntry(0));
+    const Connection entry = TickedEntry(0);
+    const QStringList arguments =
+        ApplicationArguments(QStringLiteral("App1"), entry, Connection::ApplicationDeviceType(entry.DeviceType));
     for (auto iteration : state) {
         std::vector<std::unique_ptr<QProcess>> processes;
         state.SetIterationTime(Runner::Seconds([&] {

@@ -2,6 +2,7 @@
 // creates a dialog and the plug-in's server on the real port, which must be free.
 
 #include "platform/interfaces.h"
+#include "platform/starterport.h"
 #include "starter/linksocket.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -28,7 +29,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr quint16 kPort = 8451;
 constexpr int kRepeats = 500;
 constexpr int kRounds = 20;
 constexpr int kCrowd = 200;
@@ -201,7 +201,7 @@ void PrintFlood(const char* what, int calls)
     int made = 0;
     qint64 taken = 0;
     const qint64 before = ResidentMemory();
-    Beside([&] { taken = Flood(kPort, gibibyte, calls, made); });
+    Beside([&] { taken = Flood(kStarterPort, gibibyte, calls, made); });
     QCoreApplication::processEvents();
     std::printf("%-42s%8d%14.1f%12lld%12lld\n", what, made, static_cast<double>(taken) / 1024 / 1024,
                 static_cast<long long>(before), static_cast<long long>(ResidentMemory()));
@@ -219,8 +219,8 @@ int main(int argc, char* argv[])
     VexelConnectDlgGUI dialog(nullptr, &model, &appCounter);
     {
         QTcpServer probe;
-        if (!probe.listen(QHostAddress(QHostAddress::LocalHost), kPort)) {
-            std::fprintf(stderr, "Another program has port %d: nothing can be measured\n", kPort);
+        if (!probe.listen(QHostAddress(QHostAddress::LocalHost), kStarterPort)) {
+            std::fprintf(stderr, "Another program has port %d: nothing can be measured\n", kStarterPort);
             return 1;
         }
     }
@@ -230,17 +230,17 @@ int main(int argc, char* argv[])
 
     // Warm up both servers.
     Beside([&] {
-        CallOnce(kPort);
+        CallOnce(kStarterPort);
         CallOnce(barePort);
     });
 
     std::printf("%-58s%10s%10s%10s\n", "milliseconds from the connection to the answer, median", "link", "bare",
                 "ratio");
     const double bare = MeasureCalls(barePort);
-    PrintRow("one call, dialog visible", MeasureCalls(kPort), bare);
-    PrintRow("one call, dialog hidden", MeasureCalls(kPort, [&] { dialog.hide(); }), bare);
-    PrintRow("200 at once, until the last is answered", MeasureCrowd(kPort), MeasureCrowd(barePort));
-    std::printf("%-58s%10.3f\n", "one call behind 200 silent peers", MeasureAmongSilentOnes(kPort));
+    PrintRow("one call, dialog visible", MeasureCalls(kStarterPort), bare);
+    PrintRow("one call, dialog hidden", MeasureCalls(kStarterPort, [&] { dialog.hide(); }), bare);
+    PrintRow("200 at once, until the last is answered", MeasureCrowd(kStarterPort), MeasureCrowd(barePort));
+    std::printf("%-58s%10.3f\n", "one call behind 200 silent peers", MeasureAmongSilentOnes(kStarterPort));
     std::printf("%-58s%10.3f\n\n", "a whole run of kitestarter",
                 MeasureStarter(QCoreApplication::applicationDirPath() + QStringLiteral("/" VEXEL_STARTER)));
 

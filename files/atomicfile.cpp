@@ -9,6 +9,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSaveFile>
+#include <QTemporaryFile>
 
 #include <filesystem>
 #include <system_error>
@@ -78,6 +79,29 @@ Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* is
     if (isDurable)
         *isDurable = isSynced;
     return Attempt::Done;
+}
+
+QString ReplaceRegularFile(const QString& file, const QByteArray& content)
+{
+    const QFileInfo former(file);
+    if (former.exists() && !former.isFile())
+        return QStringLiteral("not a regular file");
+    Attempt last = Attempt::Done;
+    if (Retry([&] { return last = WriteAtomically(file, content); }))
+        return {};
+    if (former.exists() && !former.isWritable())
+        return QStringLiteral("it is write-protected");
+    if (const QString obstacle = CreationObstacle(ResolveLinks(file).absolutePath()); !obstacle.isEmpty())
+        return obstacle;
+    return last == Attempt::Busy ? QStringLiteral("it cannot be replaced; another program may have it open")
+                                 : QStringLiteral("no room");
+}
+
+QString CreationObstacle(const QString& folder, const QByteArray& content)
+{
+    QTemporaryFile probe(folder + QStringLiteral("/.probe-XXXXXX"));
+    const bool isCreated = probe.open() && probe.write(content) == content.size() && probe.flush();
+    return isCreated ? QString() : probe.errorString();
 }
 
 bool CreateFolder(const QString& folder)

@@ -12,6 +12,15 @@
 /// The temporary file is next to the target; its name begins with ".unfinished-".
 Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* isDurable = nullptr);
 
+/// Replaces the content of a file that the user named. Retries while another program has the file open. Does not
+/// replace a pipe or a device by a regular file. Returns why the file could not be written, for the user; empty on
+/// success.
+QString ReplaceRegularFile(const QString& file, const QByteArray& content);
+
+/// Returns why no file with `content` can be created in `folder`, for the user; empty if one can. Creates a temporary
+/// file, because permissions are not enough: a file system may be read-only, and root ignores them.
+QString CreationObstacle(const QString& folder, const QByteArray& content = {});
+
 /// Creates `folder` and its missing parents durably. Returns false on failure.
 bool CreateFolder(const QString& folder);
 

@@ -9,7 +9,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QStringList>
-#include <QTemporaryFile>
 
 #include <map>
 #include <memory>
@@ -68,21 +67,13 @@ QString& TheOpenError()
     return error;
 }
 
-/// Why no file can be made in `directory`; empty where one can. A full disk is no reason: what is stored can be read,
-/// and room may come.
-QString ObstacleIn(const QString& directory)
-{
-    // Permission bits do not tell: a file system can be read-only, and an administrator passes them all.
-    QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
-    return probe.open() ? QString() : probe.errorString();
-}
-
 QString ObstacleTo(const QString& directory)
 {
     if (directory.isEmpty())
         return QStringLiteral("it has no name");
+    // A full disk is no obstacle: what is stored can be read, and room may come.
     if (CreateFolder(directory))
-        return ObstacleIn(directory);
+        return CreationObstacle(directory);
     return QFileInfo::exists(directory) ? QStringLiteral("it is no directory") : QStringLiteral("it cannot be made");
 }
 
@@ -118,7 +109,7 @@ bool CfgCenter::Open(const QString& directory)
     const QString path = directory.isEmpty() ? QString() : QDir(directory).absolutePath();
     TheOpenError() = ObstacleTo(path);
     if (!TheOpenError().isEmpty()) {
-        TraceWhenWanted("platform/cfgcenter", __LINE__, [&] {
+        Trace("platform/cfgcenter", __LINE__, [&] {
             return QStringLiteral("CfgCenter::Open(): Could not use %1 as configuration directory: %2")
                 .arg(directory, TheOpenError());
         });

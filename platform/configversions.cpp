@@ -96,7 +96,7 @@ std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
 bool ConfigVersions::Restore(const ConfigVersion& version, QString* quarantined) const
 {
     const auto fail = [&](int line, const QString& reason) {
-        TraceWhenWanted("platform/configversions", line, [&] {
+        Trace("platform/configversions", line, [&] {
             return QStringLiteral("ConfigVersions::Restore(): Could not replace %1 by %2: %3")
                 .arg(m_file, version.file, reason);
         });

@@ -1,12 +1,11 @@
 #include "platform/instancelock.h"
 
 #include "files/atomicfile.h"
+#include "files/boundedfile.h"
 #include "files/filelock.h"
-#include "files/regularfile.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QSysInfo>
 
 #include <chrono>
@@ -40,10 +39,7 @@ QByteArray LockFileContent()
 Holder ReadHolder(const QString& fileName)
 {
     constexpr qint64 kMaximumSize = 4096;
-    QFile file(fileName);
-    if (IsNotRegularFile(fileName) || !file.open(QIODevice::ReadOnly))
-        return {};
-    const QList<QByteArray> lines = file.read(kMaximumSize).split('\n');
+    const QList<QByteArray> lines = ReadRegularFile(fileName, kMaximumSize).value_or(QByteArray()).split('\n');
     bool isNumber = false;
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)

@@ -35,7 +35,7 @@ IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfac
 {
     const std::optional<TcpAddress> parsed = TcpAddress::Parse(address);
     if (!parsed || !callback) {
-        TraceWhenWanted("platform/interfaces", __LINE__, [&] {
+        Trace("platform/interfaces", __LINE__, [&] {
             return parsed ? QStringLiteral("CInterfaceCreator::CreateInterface(): No callback for \"%1\"").arg(address)
                           : QStringLiteral("CInterfaceCreator::CreateInterface(): \"%1\" is not a valid address")
                                 .arg(address);

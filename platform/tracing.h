@@ -4,7 +4,7 @@
 
 /// Traces the text that `buildText` returns, with `sourceFile` and `line`. Builds it only if traces are enabled.
 template <typename BuildText>
-void TraceWhenWanted(const char* sourceFile, int line, BuildText buildText)
+void Trace(const char* sourceFile, int line, BuildText&& buildText)
 {
     if (ErrorHandler::Instance().EnabledKinds() & ErrorHandler::Trace)
         _Q_Trace(buildText(), sourceFile, static_cast<quint16>(line));

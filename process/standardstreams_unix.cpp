@@ -1,7 +1,6 @@
 #include "process/standardstreams.h"
 
-#include "process/ignoresignal_unix.h"
-
+#include <csignal>
 #include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +9,14 @@ namespace StandardStreams {
 
 void Prepare()
 {
-    IgnoreSignal(SIGPIPE);
+    // The call that it would come from fails instead. What somebody else arranged for stays.
+    struct sigaction action = {};
+    if (::sigaction(SIGPIPE, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
+        return;
+    action.sa_handler = [](int) {
+    }; // not SIG_IGN, which children inherit
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGPIPE, &action, nullptr);
 }
 
 bool Write(Stream stream, const QString& text)

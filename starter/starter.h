@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/filelock.h"
+#include "platform/starterport.h"
 #include "starter/hostprocess.h"
 #include "starter/linkcall.h"
 #include "starter/starterexit.h"
@@ -23,7 +24,7 @@ class Starter
 public:
     struct Settings
     {
-        quint16 port = 8451;
+        quint16 port = kStarterPort;
         QString lockFile;                     ///< held from before the host is started until it answers
         QString host;                         ///< the host's program, an absolute path
         QStringList hostArguments;            ///< passed to the host unchanged

@@ -1,5 +1,7 @@
 #include "starter/starteroptions.h"
 
+#include "platform/starterport.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
@@ -24,7 +26,7 @@ QString Notes()
 {
     return QStringLiteral(R"(
 Details:
-  The dialog is called on port 8451 of this machine, which only one program can
+  The dialog is called on port %1 of this machine, which only one program can
   use at a time. So the host that uses it comes to the front, even if the
   arguments given here are meant for another one. No data leaves the machine.
   On a machine with several users at a time, the dialog may be another user's;
@@ -45,7 +47,8 @@ Exit codes:
   5  another program uses the port and sends data or resets connections, or the
      dialog is busy for longer than the time-out; no host was started
   6  no dialog is running (with --call-only)
-)");
+)")
+        .arg(kStarterPort);
 }
 
 class Parser

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "process/parsedoptions.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -14,19 +16,7 @@ struct StarterOptions
     bool callOnly = false;        ///< start nothing
 };
 
-/// The result of parsing a command line.
-struct ParsedStarterCommandLine
-{
-    enum class Outcome {
-        Run,     ///< do what `options` says
-        Print,   ///< print `text` (help or version) and exit
-        Invalid, ///< the command line is invalid; `text` says why, in one line
-    };
-
-    Outcome outcome = Outcome::Invalid;
-    QString text;
-    StarterOptions options;
-};
+using ParsedStarterCommandLine = ParsedOptions<StarterOptions>;
 
 /// Parses a command line; `arguments` begins with the program. Relative paths are relative to the current directory.
 ParsedStarterCommandLine ParseStarterCommandLine(const QStringList& arguments);

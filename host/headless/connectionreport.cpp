@@ -1,8 +1,8 @@
 #include "host/headless/connectionreport.h"
 
-#include "host/output/textline.h"
 #include "host/output/texttable.h"
 #include "host/plugin/connectdialog.h"
+#include "process/textline.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,10 +1,11 @@
 #include "host/headless/headlessjob.h"
 
+#include "files/atomicfile.h"
+#include "files/boundedfile.h"
 #include "host/headless/connectionreport.h"
 #include "host/headless/dialogpicture.h"
-#include "host/headless/listfile.h"
 #include "host/output/console.h"
-#include "host/output/textline.h"
+#include "process/textline.h"
 
 #include <QDateTime>
 #include <QEventLoop>
@@ -12,6 +13,7 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <optional>
 
 HeadlessJob::HeadlessJob(const HostOptions& options, const ConnectDialog& dialog, QObject* parent)
     : QObject(parent)
@@ -69,12 +71,12 @@ bool HeadlessJob::ImportAndAdd()
 
 bool HeadlessJob::Append(const QString& fileName)
 {
-    const ListFile file = ReadListFile(fileName);
-    if (file.error.isEmpty() && m_dialog.Append(file.content))
+    QString error;
+    const std::optional<QByteArray> document = ReadRegularFile(fileName, kMaximumFileSize, &error);
+    if (document && m_dialog.Append(*document))
         return true;
-    Fail(ExitCode::Unusable, file.error.isEmpty()
-                                 ? QStringLiteral("%1 is not a connection list, or has no entries").arg(fileName)
-                                 : file.error);
+    Fail(ExitCode::Unusable, document ? QStringLiteral("%1 is not a connection list, or has no entries").arg(fileName)
+                                      : QStringLiteral("cannot read %1: %2").arg(fileName, error));
     return false;
 }
 
@@ -83,8 +85,8 @@ void HeadlessJob::Export()
     const QByteArray document = m_dialog.Document();
     if (m_options.fileToExport == HostOptions::kStandardOutput)
         CheckPrinted(Console::PrintBytes(document));
-    else if (const QString error = WriteListFile(m_options.fileToExport, document); !error.isEmpty())
-        Fail(ExitCode::Usage, error);
+    else if (const QString error = ReplaceRegularFile(m_options.fileToExport, document); !error.isEmpty())
+        Fail(ExitCode::Usage, QStringLiteral("cannot write %1: %2").arg(m_options.fileToExport, error));
 }
 
 void HeadlessJob::List()

@@ -7,6 +7,9 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 const QString kDefaultName = QStringLiteral("VexelConnectDlg");
@@ -20,7 +23,6 @@ public:
 private:
     QString Help() const;
     QString CheckGivenValues() const;
-    QString CheckCombination(const HostOptions& options) const;
     QString AbsolutePath(const QCommandLineOption& option) const;
     HostOptions Read() const;
 
@@ -183,31 +185,37 @@ QString Parser::CheckGivenValues() const
     return {};
 }
 
-QString Parser::CheckCombination(const HostOptions& options) const
+/// Why the options cannot be used together; empty when they can.
+QString CheckCombination(const HostOptions& options)
 {
-    const int supportCommands =
-        (options.backups ? 1 : 0) + (options.versionToRestore > 0 ? 1 : 0) + (options.diagnose ? 1 : 0);
-    if (supportCommands > 1)
-        return QStringLiteral("of --backups, --restore and --diagnose only one can be used at a time");
-    if (supportCommands > 0 && options.IsHeadless()) {
-        return QStringLiteral("--backups, --restore and --diagnose cannot be used together with work on the entries "
-                              "or the dialog");
-    }
-    // It would have to be stored, and these leave the configuration's other values alone.
-    if (!options.dataDirectory.isEmpty() && (options.backups || options.versionToRestore > 0))
-        return QStringLiteral("--data cannot be used together with --backups or --restore");
-
-    if (options.json && !options.list && !options.backups && !options.diagnose)
-        return QStringLiteral("--json needs --list, --backups or --diagnose");
-    if (options.fileToExport == HostOptions::kStandardOutput && (options.list || options.wait))
-        return QStringLiteral("--export - cannot be used together with --list or --wait: they print, too");
-    if (options.json && options.wait)
-        return QStringLiteral("--json and --wait cannot be used together: one prints a document, the other lines");
-    if (options.connectSelected && !options.namesToConnect.isEmpty())
-        return QStringLiteral("--connect and --connect-selected cannot be used together");
-    if (!options.screenshotDuring.isEmpty() && !options.Connects())
-        return QStringLiteral("--screenshot-during needs --connect or --connect-selected");
-    return {};
+    const bool restores = options.versionToRestore > 0;
+    const int supportCommands = int(options.backups) + int(restores) + int(options.diagnose);
+    const bool printsExport = options.fileToExport == HostOptions::kStandardOutput;
+    struct Rule
+    {
+        bool isBroken;
+        const char* message;
+    };
+    const std::array rules{
+        Rule{supportCommands > 1, "of --backups, --restore and --diagnose only one can be used at a time"},
+        Rule{supportCommands > 0 && options.IsHeadless(),
+             "--backups, --restore and --diagnose cannot be used together with work on the entries or the dialog"},
+        // It would have to be stored, and these leave the configuration's other values alone.
+        Rule{!options.dataDirectory.isEmpty() && (options.backups || restores),
+             "--data cannot be used together with --backups or --restore"},
+        Rule{options.json && !options.list && !options.backups && !options.diagnose,
+             "--json needs --list, --backups or --diagnose"},
+        Rule{printsExport && (options.list || options.wait),
+             "--export - cannot be used together with --list or --wait: they print, too"},
+        Rule{options.json && options.wait,
+             "--json and --wait cannot be used together: one prints a document, the other lines"},
+        Rule{options.connectSelected && !options.namesToConnect.isEmpty(),
+             "--connect and --connect-selected cannot be used together"},
+        Rule{!options.screenshotDuring.isEmpty() && !options.Connects(),
+             "--screenshot-during needs --connect or --connect-selected"},
+    };
+    const auto broken = std::find_if(rules.begin(), rules.end(), [](const Rule& rule) { return rule.isBroken; });
+    return broken == rules.end() ? QString() : QString::fromLatin1(broken->message);
 }
 
 QString Parser::AbsolutePath(const QCommandLineOption& option) const

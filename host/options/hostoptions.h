@@ -1,5 +1,7 @@
 #pragma once
 
+#include "process/parsedoptions.h"
+
 #include <QLocale>
 #include <QString>
 #include <QStringList>
@@ -44,19 +46,7 @@ struct HostOptions
     bool IsSupportCommand() const;
 };
 
-/// The result of parsing a command line.
-struct ParsedCommandLine
-{
-    enum class Outcome {
-        Run,     ///< do what `options` says
-        Print,   ///< print `text` (help or version) and exit
-        Invalid, ///< the command line is invalid; `text` says why, in one line
-    };
-
-    Outcome outcome = Outcome::Invalid;
-    QString text;
-    HostOptions options;
-};
+using ParsedCommandLine = ParsedOptions<HostOptions>;
 
 /// Parses a command line; `arguments` begins with the program. Relative paths are relative to the current directory.
 ParsedCommandLine ParseCommandLine(const QStringList& arguments);

@@ -1,7 +1,7 @@
 #include "host/output/console.h"
 
-#include "host/output/textline.h"
 #include "process/standardstreams.h"
+#include "process/textline.h"
 
 #include <QByteArray>
 

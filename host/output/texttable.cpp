@@ -1,6 +1,6 @@
 #include "host/output/texttable.h"
 
-#include "host/output/textline.h"
+#include "process/textline.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #include "host/output/tracelog.h"
 
 #include "host/output/console.h"
-#include "host/output/textline.h"
 #include "process/standardstreams.h"
+#include "process/textline.h"
 
 #include <QDateTime>
 #include <QMutexLocker>

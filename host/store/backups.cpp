@@ -1,7 +1,6 @@
 #include "host/store/backups.h"
 
 #include "host/output/console.h"
-#include "host/output/textline.h"
 #include "host/output/texttable.h"
 #include "host/output/timetext.h"
 #include "host/store/storedset.h"
@@ -9,6 +8,7 @@
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "platform/instancelock.h"
+#include "process/textline.h"
 
 #include <QDir>
 #include <QFileInfo>

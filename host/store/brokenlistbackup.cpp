@@ -1,7 +1,7 @@
 #include "host/store/brokenlistbackup.h"
 
 #include "files/atomicfile.h"
-#include "files/retry.h"
+#include "files/boundedfile.h"
 #include "files/siblingname.h"
 #include "host/store/storedset.h"
 #include "platform/configversions.h"
@@ -9,7 +9,6 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <optional>
@@ -18,13 +17,10 @@ namespace {
 
 const QString kMark = QStringLiteral(".malformed-");
 
+/// Reads a document. It was read before, so its size is acceptable.
 std::optional<QByteArray> ReadFile(const QString& fileName)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray content = file.readAll();
-    return file.error() == QFileDevice::NoError ? std::optional(content) : std::nullopt;
+    return ReadRegularFile(fileName, QFileInfo(fileName).size());
 }
 
 /// Returns the path of an existing copy with this `content`; empty if there is none.
@@ -47,7 +43,7 @@ QString CopyDocument(const QString& document)
     if (const QString existing = FindCopy(QFileInfo(document), *content); !existing.isEmpty())
         return existing;
     const QString name = UniqueSiblingName(document, kMark, QDateTime::currentDateTime());
-    return Retry([&] { return WriteAtomically(name, *content); }) ? name : QString();
+    return ReplaceRegularFile(name, *content).isEmpty() ? name : QString();
 }
 
 } // namespace
@@ -64,7 +60,7 @@ QString BackUpBrokenList(const StoredSet& set)
             .arg(set.entries == 1 ? QStringLiteral("1 entry") : QStringLiteral("%1 entries").arg(set.entries),
                  copy.isEmpty() ? QStringLiteral("%1 could not be copied and will be overwritten").arg(document)
                                 : QStringLiteral("a copy is kept as %1").arg(copy));
-    TraceWhenWanted("host/store/brokenlistbackup", __LINE__,
-                    [&message] { return QStringLiteral("BackUpBrokenList(): %1").arg(message); });
+    Trace("host/store/brokenlistbackup", __LINE__,
+          [&message] { return QStringLiteral("BackUpBrokenList(): %1").arg(message); });
     return message;
 }

@@ -10,8 +10,8 @@
 #include "host/support/supportreport.h"
 #include "host/system/desktop.h"
 #include "platform/icfg.h"
-#include "platform/instancelock.h"
 #include "platform/platformversion.h"
+#include "platform/starterport.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -22,8 +22,6 @@
 #include <memory>
 
 namespace {
-
-constexpr quint16 kLinkPort = 8451;
 
 /// A value and its origin.
 struct Setting
@@ -130,27 +128,20 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
     report.AddList(QStringLiteral("environment"), Environment());
 }
 
-QString PortState(const LinkPort& port, const QString& configDirectory)
+QString PortState(const LinkPort& port)
 {
     if (!port.error.isEmpty())
         return QStringLiteral("cannot be checked: %1").arg(port.error);
-    if (port.isFree)
-        return QStringLiteral("free: no host answers the starter");
-    if (!port.owner)
-        return QStringLiteral("in use, owner unknown");
-    const QString owner =
-        QStringLiteral("in use by process %1 (%2)").arg(QString::number(port.owner->number), port.owner->name);
-    const bool isHost = InstanceLock::Query(configDirectory).process == port.owner->number;
-    return isHost ? owner + QStringLiteral(", the host on this configuration") : owner;
+    return port.isFree ? QStringLiteral("free: no host answers the starter") : QStringLiteral("in use");
 }
 
-void ReportLink(SupportReport& report, const QString& configDirectory)
+void ReportLink(SupportReport& report)
 {
-    const LinkPort port = ProbePort(kLinkPort);
+    const LinkPort port = ProbePort(kStarterPort);
     report.BeginSection(QStringLiteral("Starter link"));
-    report.AddFact(QStringLiteral("port"), kLinkPort);
+    report.AddFact(QStringLiteral("port"), kStarterPort);
     report.AddFact(QStringLiteral("free"), port.isFree);
-    report.AddFact(QStringLiteral("state"), PortState(port, configDirectory));
+    report.AddFact(QStringLiteral("state"), PortState(port));
 }
 
 /// The host puts its own folder first in its children's search path.
@@ -174,7 +165,7 @@ ExitCode Diagnose(const HostOptions& given)
     ReportMachine(report, {data.value, ConfiguredValue(options.name, QStringLiteral("TypeApplicationMappings")),
                            ProgramDirectories()});
     ReportStore(report, options.configDirectory);
-    ReportLink(report, options.configDirectory);
+    ReportLink(report);
     CfgCenter::Close();
 
     const bool isPrinted = options.json ? Console::PrintBytes(report.Json()) : Console::PrintRaw(report.Text());

@@ -5,21 +5,15 @@
 
 LinkPort ProbePort(quint16 port)
 {
-    LinkPort result;
     for (const auto address : {QHostAddress::LocalHost, QHostAddress::LocalHostIPv6}) {
         QTcpSocket probe;
         if (probe.bind(QHostAddress(address), port, ProbeMode()))
             continue;
-        if (probe.error() == QAbstractSocket::AddressInUseError) {
-            result.owner = ListenerOn(port);
-            return result;
-        }
+        if (probe.error() == QAbstractSocket::AddressInUseError)
+            return {false, {}};
         // A machine may lack IPv6, but always has 127.0.0.1.
-        if (address == QHostAddress::LocalHost) {
-            result.error = probe.errorString();
-            return result;
-        }
+        if (address == QHostAddress::LocalHost)
+            return {false, probe.errorString()};
     }
-    result.isFree = true;
-    return result;
+    return {true, {}};
 }

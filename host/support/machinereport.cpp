@@ -17,19 +17,14 @@
 
 namespace {
 
-/// Returns why the plug-in cannot read a file.
-QString ReadFailure(const QString& path)
+/// Reads a file like the plug-in does. If that fails, `state` says why.
+std::optional<QByteArray> ReadFile(const QString& path, QString& state)
 {
-    const QFileInfo info(path);
-    if (path.isEmpty())
-        return QStringLiteral("not read: its path is unknown");
-    if (!info.exists())
-        return QStringLiteral("not read: no such file");
-    if (!info.isFile())
-        return QStringLiteral("not read: not a regular file");
-    if (info.size() > kMaximumFileSize)
-        return QStringLiteral("not read: larger than %1 MiB").arg(kMaximumFileSize / (qint64{1024} * 1024));
-    return QStringLiteral("not read: it cannot be opened");
+    QString error;
+    std::optional<QByteArray> document = ReadRegularFile(path, kMaximumFileSize, &error);
+    if (!document)
+        state = QStringLiteral("not read: ") + (path.isEmpty() ? QStringLiteral("its path is unknown") : error);
+    return document;
 }
 
 QString XmlError(const QXmlStreamReader& reader)
@@ -92,11 +87,9 @@ Machine::Machine(const MachineFiles& files)
 
 void Machine::ReadMachine()
 {
-    const std::optional<QByteArray> document = ReadRegularFile(m_machineFile);
-    if (!document) {
-        m_machineState = ReadFailure(m_machineFile);
+    const std::optional<QByteArray> document = ReadFile(m_machineFile, m_machineState);
+    if (!document)
         return;
-    }
     // Without a machine configuration the plug-in does not look for the mapping in the data directory.
     if (m_mappingFile.isEmpty())
         m_mappingFile = m_files.dataDirectory + QStringLiteral("/TypeApplicationMappings.xml");
@@ -111,11 +104,9 @@ void Machine::ReadMachine()
 
 void Machine::ReadMapping()
 {
-    const std::optional<QByteArray> document = ReadRegularFile(m_mappingFile);
-    if (!document) {
-        m_mappingState = ReadFailure(m_mappingFile);
+    const std::optional<QByteArray> document = ReadFile(m_mappingFile, m_mappingState);
+    if (!document)
         return;
-    }
     QXmlStreamReader reader(*document);
     bool any = false;
     TypeMapping::Read(reader, m_machine.startLists, m_executables,

@@ -1,5 +1,6 @@
 #include "host/support/storereport.h"
 
+#include "files/atomicfile.h"
 #include "host/output/timetext.h"
 #include "host/store/storedset.h"
 #include "host/support/supportreport.h"
@@ -9,7 +10,6 @@
 
 #include <QDirIterator>
 #include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <algorithm>
 #include <optional>
@@ -67,13 +67,6 @@ QJsonArray DocumentRow(const QString& directory, const QString& path, const QFil
             document ? StateText(*document) : QStringLiteral("not a document of the store"),
             versions.size(),
             versions.isEmpty() ? QJsonValue() : QJsonValue(TimeText(versions.constFirst().saved))};
-}
-
-bool CanCreateFiles(const QString& directory)
-{
-    // Permission bits are not enough: a file system can be read-only or full, and root ignores the bits.
-    QTemporaryFile probe(directory + QStringLiteral("/.probe-XXXXXX"));
-    return probe.open() && probe.write("probe") > 0 && probe.flush();
 }
 
 QString HostText(const InstanceLock::Owner& owner)
@@ -149,7 +142,7 @@ void ReportStore(SupportReport& report, const QString& directory)
     report.AddFact(QStringLiteral("exists"), exists);
     if (!exists)
         return;
-    report.AddFact(QStringLiteral("can be written"), CanCreateFiles(directory));
+    report.AddFact(QStringLiteral("can be written"), CreationObstacle(directory, "probe").isEmpty());
     report.AddFact(QStringLiteral("host at work"), HostText(InstanceLock::Query(directory)));
     ReportStoredList(report);
     ReportFiles(report, directory);

@@ -1,7 +1,7 @@
 #include "host/support/supportreport.h"
 
-#include "host/output/textline.h"
 #include "host/output/texttable.h"
+#include "process/textline.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -9,11 +9,7 @@
 
 namespace {
 
-template <typename BuildText>
-void Trace(int line, BuildText buildText)
-{
-    TraceWhenWanted("platform/config/configdocument", line, buildText);
-}
+constexpr const char* kSource = "platform/config/configdocument";
 
 QByteArray FingerprintOf(const QByteArray& content)
 {
@@ -104,7 +100,7 @@ void ConfigDocument::Load()
         m_isChanged = loaded.isQuarantined; // the next save tries again
     }
     if (!m_notice.isEmpty())
-        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
+        Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
 }
 
 void ConfigDocument::MarkAllChanged()
@@ -134,7 +130,7 @@ bool ConfigDocument::Save()
                                 ? QStringLiteral("is damaged (%1)").arg(before.error)
                                 : QStringLiteral("cannot be read"),
                             *quarantined);
-        Trace(__LINE__, [&] { return QStringLiteral("ConfigDocument::Save(): %1").arg(m_notice); });
+        Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Save(): %1").arg(m_notice); });
     }
     m_removed.clear();
     m_isChanged = false;
@@ -178,6 +174,7 @@ void ConfigDocument::Apply(DocumentText::Values& values) const
 
 bool ConfigDocument::Fail(int line, const QString& reason) const
 {
-    Trace(line, [&] { return QStringLiteral("ConfigDocument::Save(): Could not save %1: %2").arg(m_file, reason); });
+    Trace(kSource, line,
+          [&] { return QStringLiteral("ConfigDocument::Save(): Could not save %1: %2").arg(m_file, reason); });
     return false;
 }

@@ -69,7 +69,7 @@ bool ReplaceDocument(const QString& file, const QByteArray& content)
     if (!Retry([&] { return WriteAtomically(file, content, &isDurable); }))
         return false;
     if (!isDurable) {
-        TraceWhenWanted(
+        Trace(
             "platform/config/documentfile", __LINE__,
             [&] {
                 return QStringLiteral("ReplaceDocument(): %1 is written, but a loss of power may undo that").arg(file);

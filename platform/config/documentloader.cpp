@@ -68,7 +68,7 @@ std::optional<ReadableVersion> NewestReadableVersion(const QString& file)
         DocumentReading reading = ReadDocument(version.file);
         if (reading.state == DocumentReading::State::Valid)
             return ReadableVersion{version, std::move(reading)};
-        TraceWhenWanted("platform/config/documentloader", __LINE__, [&] {
+        Trace("platform/config/documentloader", __LINE__, [&] {
             return QStringLiteral("NewestReadableVersion(): The version %1 cannot be read").arg(version.file);
         });
     }

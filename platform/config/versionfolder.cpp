@@ -18,17 +18,13 @@
 
 namespace {
 
+constexpr const char* kSource = "platform/config/versionfolder";
+
 constexpr qsizetype kDepth = 10;
 constexpr int kDigits = 8;
 constexpr qulonglong kLastNumber = 99'999'999;
 
 const QString kTimeFormat = QStringLiteral("yyyyMMdd'T'HHmmss.zzz");
-
-template <typename BuildText>
-void Trace(int line, BuildText buildText)
-{
-    TraceWhenWanted("platform/config/versionfolder", line, buildText);
-}
 
 qulonglong NumberOf(const QString& name)
 {
@@ -87,7 +83,7 @@ QList<ConfigVersion> VersionFolder::List() const
 VersionFolder::Kept VersionFolder::Keep(const QByteArray& content) const
 {
     const auto fail = [this](int line, const char* reason) -> Kept {
-        Trace(line, [&] {
+        Trace(kSource, line, [&] {
             return QStringLiteral("VersionFolder::Keep(): %1 is saved without keeping its earlier version: %2")
                 .arg(m_document, QString::fromLatin1(reason));
         });
@@ -131,7 +127,7 @@ void VersionFolder::Prune() const
     for (qsizetype i = kDepth; i < names.size(); ++i) {
         if (!QFile::remove(folder + names.at(i)))
             Trace(
-                __LINE__,
+                kSource, __LINE__,
                 [&] {
                     return QStringLiteral("VersionFolder::Prune(): Could not remove the old version %1")
                         .arg(folder + names.at(i));

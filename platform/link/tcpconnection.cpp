@@ -72,7 +72,7 @@ bool TcpConnection::Open()
     if (m_pSocket->state() != QAbstractSocket::UnconnectedState)
         return true;
     if (m_phase != Phase::Idle || m_address.port == 0) {
-        TraceWhenWanted(kSource, __LINE__, [] {
+        Trace(kSource, __LINE__, [] {
             return QStringLiteral(
                 "TcpConnection::Open(): The previous connection has not ended yet, or this is a peer of a server");
         });
@@ -149,9 +149,8 @@ void TcpConnection::Connected()
 
 void TcpConnection::Fail(const QString& reason)
 {
-    TraceWhenWanted(kSource, __LINE__, [&] {
-        return QStringLiteral("TcpConnection::Fail(): Connection to %1 failed: %2").arg(PeerName(), reason);
-    });
+    Trace(kSource, __LINE__,
+          [&] { return QStringLiteral("TcpConnection::Fail(): Connection to %1 failed: %2").arg(PeerName(), reason); });
     m_bFailed = true;
     Schedule();
 }
@@ -168,7 +167,7 @@ void TcpConnection::TimedOut()
         RestartTimeOut();
         return;
     }
-    TraceWhenWanted(kSource, __LINE__, [this] {
+    Trace(kSource, __LINE__, [this] {
         return QStringLiteral("TcpConnection::TimedOut(): %1 sent nothing for %2 ms and is closed")
             .arg(PeerName())
             .arg(m_timeOut.interval());
@@ -256,7 +255,7 @@ bool TcpConnection::ReportRead()
 {
     const qint64 left = CInterfaceCreator::kMaximumBytesPerCall - m_iReceived;
     if (left == 0) {
-        TraceWhenWanted(kSource, __LINE__, [this] {
+        Trace(kSource, __LINE__, [this] {
             return QStringLiteral("TcpConnection::ReportRead(): %1 sent more than %2 bytes and is closed")
                 .arg(PeerName())
                 .arg(CInterfaceCreator::kMaximumBytesPerCall);

@@ -71,9 +71,8 @@ bool TcpServerInterface::Open()
     if (IsOpen())
         return true;
     if (!CInterfaceCreator::AreServersAllowed()) {
-        TraceWhenWanted(kSource, __LINE__, [] {
-            return QStringLiteral("TcpServerInterface::Open(): Servers are not allowed in this process");
-        });
+        Trace(kSource, __LINE__,
+              [] { return QStringLiteral("TcpServerInterface::Open(): Servers are not allowed in this process"); });
         return false;
     }
     const ListenResult four = Listen(QHostAddress(QHostAddress::LocalHost));
@@ -116,7 +115,7 @@ ListenResult TcpServerInterface::Listen(const QHostAddress& address)
     QString error;
     const ListenResult result = ListenExclusively(*listener, address, m_uPort, &error);
     if (result != ListenResult::Ok) {
-        TraceWhenWanted(kSource, __LINE__, [&] {
+        Trace(kSource, __LINE__, [&] {
             return QStringLiteral("TcpServerInterface::Listen(): Could not listen on %1, port %2: %3")
                 .arg(address.toString())
                 .arg(m_uPort)
@@ -164,7 +163,7 @@ bool TcpServerInterface::MakeRoom()
         m_evictionTimer.start(static_cast<int>(remaining));
         return false;
     }
-    TraceWhenWanted(kSource, __LINE__, [] {
+    Trace(kSource, __LINE__, [] {
         return QStringLiteral(
                    "TcpServerInterface::MakeRoom(): %1 peers are connected and another one calls: the oldest "
                    "is closed")
@@ -182,7 +181,7 @@ void TcpServerInterface::RemoveEndedPeers()
 
 void TcpServerInterface::AcceptFailed()
 {
-    TraceWhenWanted(kSource, __LINE__, [] {
+    Trace(kSource, __LINE__, [] {
         return QStringLiteral("TcpServerInterface::AcceptFailed(): A connection could not be accepted; trying again");
     });
     m_retryTimer.start();

@@ -51,7 +51,9 @@ void TestBoundedFile::largerThanLimitIsRefused()
 {
     const QString path = Write("limited", QByteArray(1000, 'x'));
     QCOMPARE(ReadRegularFile(path, 1000).value_or("nothing").size(), 1000);
-    QVERIFY(!ReadRegularFile(path, 999).has_value());
+    QString error;
+    QVERIFY(!ReadRegularFile(path, 999, &error).has_value());
+    QCOMPARE(error, QStringLiteral("larger than 999 bytes"));
     QVERIFY(!ReadRegularFile(path, 0).has_value());
 }
 
@@ -62,7 +64,9 @@ void TestBoundedFile::defaultLimitIsRespected()
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(file.resize(kMaximumFileSize + 1));
     file.close();
-    QVERIFY(!ReadRegularFile(file.fileName()).has_value());
+    QString error;
+    QVERIFY(!ReadRegularFile(file.fileName(), kMaximumFileSize, &error).has_value());
+    QCOMPARE(error, QStringLiteral("larger than 64 MiB"));
     QVERIFY(file.resize(kMaximumFileSize));
     const auto atLimit = ReadRegularFile(file.fileName());
     QVERIFY(atLimit.has_value());
@@ -72,18 +76,24 @@ void TestBoundedFile::defaultLimitIsRespected()
 void TestBoundedFile::otherThanRegularFilesAreRefused_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::newRow("no name") << QString();
-    QTest::newRow("missing") << Path("missing");
-    QTest::newRow("directory") << m_directory.path();
+    QTest::addColumn<QString>("error");
+    const QString missing = QStringLiteral("no such file");
+    const QString irregular = QStringLiteral("not a regular file");
+    QTest::newRow("no name") << QString() << missing;
+    QTest::newRow("missing") << Path("missing") << missing;
+    QTest::newRow("directory") << m_directory.path() << irregular;
     const QStringList devices = System::Devices();
     for (const QString& device : devices)
-        QTest::newRow(qPrintable(device)) << device;
+        QTest::newRow(qPrintable(device)) << device << (QFileInfo::exists(device) ? irregular : missing);
 }
 
 void TestBoundedFile::otherThanRegularFilesAreRefused()
 {
     QFETCH(const QString, path);
-    QVERIFY(!ReadRegularFile(path).has_value());
+    QFETCH(const QString, error);
+    QString found;
+    QVERIFY(!ReadRegularFile(path, kMaximumFileSize, &found).has_value());
+    QCOMPARE(found, error);
 }
 
 void TestBoundedFile::pipeIsNotOpened()

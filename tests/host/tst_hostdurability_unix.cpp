@@ -1,5 +1,5 @@
+#include "files/atomicfile.h"
 #include "host/application.h"
-#include "host/headless/listfile.h"
 #include "host/store/brokenlistbackup.h"
 #include "host/store/storedset.h"
 #include "platform/configversions.h"
@@ -52,7 +52,7 @@ private slots:
         const QString file = m_root->filePath(QStringLiteral("list.xml"));
         for (const char* content : {"<ConnectionEntries/>", "<ConnectionEntries></ConnectionEntries>"}) {
             DiskRequests::Forget();
-            QCOMPARE(WriteListFile(file, content), QString());
+            QCOMPARE(ReplaceRegularFile(file, content), QString());
             VerifyWritten(file);
         }
     }

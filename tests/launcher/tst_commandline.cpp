@@ -20,6 +20,11 @@ Connection Entry(int deviceType, int connectionType = 0)
     return entry;
 }
 
+QStringList Arguments(const QString& application, const Connection& entry)
+{
+    return ApplicationArguments(application, entry, Connection::ApplicationDeviceType(entry.DeviceType));
+}
+
 } // namespace
 
 class TestCommandLine : public QObject
@@ -80,7 +85,7 @@ void TestCommandLine::argumentsOfEveryType()
     QFETCH(const int, deviceType);
     QFETCH(const int, connectionType);
     QFETCH(const QStringList, further);
-    QCOMPARE(ApplicationArguments(QStringLiteral("KiteControl"), Entry(deviceType, connectionType)),
+    QCOMPARE(Arguments(QStringLiteral("KiteControl"), Entry(deviceType, connectionType)),
              QStringList(QStringLiteral("KiteControl:XMsgDlg.dll")) + further);
 }
 
@@ -117,8 +122,7 @@ void TestCommandLine::portIsAddedUnlessPresent()
     const TraceRecorder traces;
     Connection entry = Entry(Connection::KiteBravo);
     entry.DriverAddress = address;
-    QCOMPARE(ApplicationArguments(QStringLiteral("App"), entry).constLast(),
-             QString(QStringLiteral("Connection=") + expected));
+    QCOMPARE(Arguments(QStringLiteral("App"), entry).constLast(), QString(QStringLiteral("Connection=") + expected));
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
@@ -138,7 +142,7 @@ void TestCommandLine::kiteAlphaFinchHasNoDefaultPort()
     const TraceRecorder traces;
     Connection entry = Entry(Connection::KiteAlphaFinch);
     entry.DriverAddress = address;
-    QCOMPARE(ApplicationArguments(QStringLiteral("App"), entry),
+    QCOMPARE(Arguments(QStringLiteral("App"), entry),
              (QStringList{QStringLiteral("App:XMsgDlg.dll"), QStringLiteral("Server"),
                           QString(QStringLiteral("Connection=") + address)}));
     QCOMPARE(traces.Messages(), traced ? QStringList(kNoPort) : QStringList());
@@ -163,8 +167,7 @@ void TestCommandLine::unsupportedTypeIsTraced()
     QFETCH(const int, deviceType);
     QFETCH(const QString, text);
     const TraceRecorder traces;
-    QCOMPARE(ApplicationArguments(QStringLiteral("App"), Entry(deviceType, 1)),
-             QStringList(QStringLiteral("App:XMsgDlg.dll")));
+    QCOMPARE(Arguments(QStringLiteral("App"), Entry(deviceType, 1)), QStringList(QStringLiteral("App:XMsgDlg.dll")));
     QCOMPARE(traces.Messages(QStringLiteral("userinterface/vexelconnectdlg/appcounter")),
              QStringList(QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported").arg(text)));
 }
@@ -174,14 +177,14 @@ void TestCommandLine::textsAreTakenUnchanged()
     const QString text = QStringLiteral(u" %1 <b>x</b> \"y\" %2\n\\ \u041F\U0001F4E1");
     Connection entry = Entry(Connection::KiteEcho);
     entry.ConnectionName = text;
-    QCOMPARE(ApplicationArguments(QStringLiteral("A%1"), entry),
+    QCOMPARE(Arguments(QStringLiteral("A%1"), entry),
              (QStringList{QStringLiteral("A%1:XMsgDlg.dll"), QStringLiteral("Server"), text}));
 
     entry.DriverAddress = text;
     for (const int deviceType : {Connection::KiteBravo, Connection::KiteCobra, Connection::KiteAlphaFinch}) {
         entry.DeviceType = deviceType;
         entry.ConnectionType = Connection::MultiChannelServer;
-        QVERIFY(ApplicationArguments(QStringLiteral("A"), entry)
+        QVERIFY(Arguments(QStringLiteral("A"), entry)
                     .constLast()
                     .startsWith(QString(QStringLiteral("Connection=") + text)));
     }
@@ -190,8 +193,8 @@ void TestCommandLine::textsAreTakenUnchanged()
 void TestCommandLine::noTraceWhileTracesAreOff()
 {
     const TraceRecorder traces(ErrorHandler::Assertion);
-    ApplicationArguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));
-    ApplicationArguments(QStringLiteral("App"), Entry(Connection::Heron));
+    Arguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));
+    Arguments(QStringLiteral("App"), Entry(Connection::Heron));
     QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 

@@ -192,7 +192,7 @@ void TestKiteStarter::twiceGivesOneDialog()
     QCOMPARE(setUp.Traced(kCalled), 2);
     QCOMPARE(setUp.Traced(kCreated), 1);
     QCOMPARE(setUp.Traced(kFailed), 0);
-    QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("kitestarter-8451.lock"))));
+    QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("kitestarter-%1.lock").arg(LinkPort::kNumber))));
 }
 
 void TestKiteStarter::tenAtOnceGiveOneHost()
@@ -286,7 +286,7 @@ void TestKiteStarter::foreignService()
     const SetUp setUp;
     const auto starter = setUp.Start(QStringList(QStringLiteral("--")) + setUp.HostArguments());
     QTRY_COMPARE_WITH_TIMEOUT(starter->state(), QProcess::NotRunning, 30'000);
-    COMPARE_COMPLAINT(SetUp::End(*starter), 5, QLatin1String("another program uses port 8451"));
+    COMPARE_COMPLAINT(SetUp::End(*starter), 5, QStringLiteral("another program uses port %1").arg(LinkPort::kNumber));
     QVERIFY(!QFile::exists(setUp.Config()));
 }
 

@@ -2,6 +2,7 @@
 #include "starter/starter.h"
 #include "tests/starter/fakehostrun.h"
 #include "tests/starter/peers.h"
+#include "tests/support/linkport.h"
 #include "tests/support/system.h"
 #include "tests/support/testmain.h"
 
@@ -451,16 +452,17 @@ void TestStarter::hostThatCutsOffWhileItEnds()
 
 void TestStarter::defaults()
 {
-    QCOMPARE(Starter::Settings().port, 8451);
+    QCOMPARE(Starter::Settings().port, LinkPort::kNumber);
     QVERIFY(Starter::DefaultHost(QStringLiteral("/folder")).startsWith(QLatin1String("/folder/vexelhost")));
 #ifdef Q_OS_UNIX
     const QTemporaryDir directory;
     const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
     qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit());
-    QCOMPARE(Starter::DefaultLockFile(8451), directory.filePath(QStringLiteral("kitestarter-8451.lock")));
+    QCOMPARE(Starter::DefaultLockFile(LinkPort::kNumber),
+             directory.filePath(QStringLiteral("kitestarter-%1.lock").arg(LinkPort::kNumber)));
     qputenv("XDG_RUNTIME_DIR", before);
 #endif
-    QVERIFY(QDir::isAbsolutePath(Starter::DefaultLockFile(8451)));
+    QVERIFY(QDir::isAbsolutePath(Starter::DefaultLockFile(LinkPort::kNumber)));
     QVERIFY(Starter::DefaultLockFile(1) != Starter::DefaultLockFile(2));
 }
 

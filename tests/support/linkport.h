@@ -38,5 +38,5 @@ inline bool HasEnded(QTcpSocket& caller)
 #define NEED_PORT()                                                                                                    \
     do {                                                                                                               \
         if (!QTest::qWaitFor(LinkPort::IsFree, 30'000))                                                                \
-            QSKIP("Another program has port 8451");                                                                    \
+            QSKIP("Another program has the port of the starter link");                                                 \
     } while (false)

@@ -1,5 +1,6 @@
 #include "userinterface/kitecontrol/launchreport.h"
 
+#include "process/textline.h"
 #include "userinterface/kitecontrol/legacyrecords.h"
 #include "userinterface/kitecontrol/recordmatch.h"
 
@@ -42,23 +43,10 @@ QString RecordName(const ConnectData& record)
     return QStringLiteral("ConnectData%1").arg(record.m_nIndex);
 }
 
-/// Returns `text` with escape sequences for control characters, line separators and backslashes.
+/// Returns `text` on one line, with backslashes doubled to tell them from those of escape sequences.
 QString Escaped(const QString& text)
 {
-    QString result;
-    result.reserve(text.size());
-    for (const QChar character : text) {
-        const bool breaksLines = character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
-        if (character == QLatin1Char('\\'))
-            result += QStringLiteral("\\\\");
-        else if (character == QLatin1Char('\n'))
-            result += QStringLiteral("\\n");
-        else if (character.category() == QChar::Other_Control || breaksLines)
-            result += QStringLiteral("\\u%1").arg(ushort(character.unicode()), 4, 16, QLatin1Char('0'));
-        else
-            result += character;
-    }
-    return result;
+    return OneLine(QString(text).replace(QLatin1Char('\\'), QStringLiteral("\\\\")));
 }
 
 QString Quoted(const QString& argument)

@@ -3,11 +3,11 @@
 #include "files/boundedfile.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
-#include "userinterface/vexelconnectdlg/tracing.h"
 #include "userinterface/vexelconnectdlg/typemapping.h"
 
 #include <QDir>
@@ -166,8 +166,13 @@ QStringList AppCounter::RunningApplications(int deviceType) const
 
 QStringList AppCounter::FreeApplications(int deviceType) const
 {
-    const QStringList running = RunningApplications(deviceType);
-    QStringList applications = InstalledApplications(deviceType);
+    return FreeAmongInstalled(Connection::ApplicationDeviceType(deviceType));
+}
+
+QStringList AppCounter::FreeAmongInstalled(int servedType) const
+{
+    const QStringList running = m_runningTable.value(servedType);
+    QStringList applications = m_installedTable.value(servedType);
     applications.removeIf([&running](const QString& application) { return running.contains(application); });
     return applications;
 }
@@ -179,15 +184,17 @@ QString AppCounter::ProgramForType(int deviceType) const
 
 bool AppCounter::ConnectTo(const Connection& entry)
 {
-    const QStringList freeApplications = FreeApplications(entry.DeviceType);
+    const int servedType = Connection::ApplicationDeviceType(entry.DeviceType);
+    const QStringList freeApplications = FreeAmongInstalled(servedType);
     if (freeApplications.isEmpty()) {
-        ShowNoFreeApplication(entry);
+        ShowNoFreeApplication(entry, servedType);
         return false;
     }
     const QString& application = freeApplications.constFirst();
 
-    auto* const instance = new ApplicationInstance(
-        ProgramForType(entry.DeviceType), ApplicationArguments(application, entry), QDir::currentPath(), entry);
+    auto* const instance =
+        new ApplicationInstance(m_typeTable.value(servedType), ApplicationArguments(application, entry, servedType),
+                                QDir::currentPath(), entry);
     // The list owns it. The parent deletes removed instances whose deleteLater() has not run yet.
     instance->setParent(this);
     m_instances.append(instance);
@@ -197,11 +204,11 @@ bool AppCounter::ConnectTo(const Connection& entry)
 
     if (m_pOwner)
         m_pOwner->SetConnectionStatus(entry, Connection::InUse);
-    m_runningTable[Connection::ApplicationDeviceType(entry.DeviceType)].append(application);
+    m_runningTable[servedType].append(application);
     return true;
 }
 
-void AppCounter::ShowNoFreeApplication(const Connection& entry) const
+void AppCounter::ShowNoFreeApplication(const Connection& entry, int servedType) const
 {
     QString name = entry.ConnectionName;
     if (name.size() > kShownNameLength) {
@@ -215,8 +222,8 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry) const
                        "Number of installed applications for this type: %3\n"
                        "Number of running applications for this type: %4")
                         .arg(name, Connection::DeviceTypeName(entry.DeviceType),
-                             QString::number(InstalledApplications(entry.DeviceType).size()),
-                             QString::number(RunningApplications(entry.DeviceType).size())),
+                             QString::number(m_installedTable.value(servedType).size()),
+                             QString::number(m_runningTable.value(servedType).size())),
                     QMessageBox::Ok);
     // Names may contain markup.
     box.setTextFormat(Qt::PlainText);

@@ -74,7 +74,9 @@ public slots:
 
 private:
     void FillInstalledTable();
-    void ShowNoFreeApplication(const Connection& entry) const;
+    // `servedType`: a device type as `Connection::ApplicationDeviceType` gives it.
+    QStringList FreeAmongInstalled(int servedType) const;
+    void ShowNoFreeApplication(const Connection& entry, int servedType) const;
     void Sweep(ApplicationInstance* instance);
 
     QPointer<ConnectionsModel> m_pOwner;

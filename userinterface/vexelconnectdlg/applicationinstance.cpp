@@ -1,6 +1,6 @@
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
-#include "userinterface/vexelconnectdlg/tracing.h"
+#include "platform/tracing.h"
 
 #include <QDir>
 

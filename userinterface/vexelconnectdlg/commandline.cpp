@@ -1,6 +1,6 @@
 #include "userinterface/vexelconnectdlg/commandline.h"
 
-#include "userinterface/vexelconnectdlg/tracing.h"
+#include "platform/tracing.h"
 
 #include <QRegularExpression>
 
@@ -46,28 +46,27 @@ QString DriverWithPort(const Connection& entry, int deviceType)
 
 } // namespace
 
-QStringList ApplicationArguments(const QString& application, const Connection& entry)
+QStringList ApplicationArguments(const QString& application, const Connection& entry, int servedType)
 {
     const QString server = QStringLiteral("Server");
-    const auto connectionTo = [&entry](int deviceType) {
-        return QString(QStringLiteral("Connection=") + DriverWithPort(entry, deviceType));
+    const auto connection = [&entry, servedType] {
+        return QString(QStringLiteral("Connection=") + DriverWithPort(entry, servedType));
     };
 
     QStringList arguments{application + QStringLiteral(":XMsgDlg.dll")};
-    const int deviceType = Connection::ApplicationDeviceType(entry.DeviceType);
-    switch (deviceType) {
+    switch (servedType) {
     case Connection::KiteBravo:
     case Connection::WrenD:
     case Connection::KiteAlphaFinch:
     case Connection::KiteFjord:
     case Connection::LinnetDF:
-        arguments << server << connectionTo(deviceType);
+        arguments << server << connection();
         break;
     case Connection::KiteCobra:
         if (entry.ConnectionType == Connection::RemoteConnection)
-            arguments << server << connectionTo(deviceType);
+            arguments << server << connection();
         else if (entry.ConnectionType == Connection::MultiChannelServer)
-            arguments << server << QStringLiteral("MCS") << QStringLiteral("MCSMaster") << connectionTo(deviceType);
+            arguments << server << QStringLiteral("MCS") << QStringLiteral("MCSMaster") << connection();
         break;
     case Connection::KiteEcho:
         arguments << server << entry.ConnectionName;

@@ -124,7 +124,7 @@ bool IsLineBreak(QChar c)
            c == QChar::ParagraphSeparator;
 }
 
-QString OneLine(const QString& text)
+QString Shortened(const QString& text)
 {
     const bool tooLong = text.size() > kLongestShownText;
     if (!tooLong && std::none_of(text.begin(), text.end(), IsLineBreak))
@@ -182,7 +182,7 @@ QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
 {
     QVariant value = QSortFilterProxyModel::data(index, role);
     if (role == Qt::DisplayRole && value.metaType() == QMetaType::fromType<QString>())
-        return OneLine(value.toString());
+        return Shortened(value.toString());
     return value;
 }
 

@@ -1,6 +1,6 @@
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
-#include "userinterface/vexelconnectdlg/tracing.h"
+#include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/xmlguard.h"
 
 #include <QDomDocument>

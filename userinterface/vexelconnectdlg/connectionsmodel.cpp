@@ -2,9 +2,9 @@
 
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
+#include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/columnhelp.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
-#include "userinterface/vexelconnectdlg/tracing.h"
 
 #include <QIcon>
 #include <QMimeData>

@@ -32,13 +32,8 @@ bool MachineConfiguration::Read(QXmlStreamReader& reader)
     if (reader.atEnd())
         return false;
 
-    while (!reader.atEnd()) {
-        ReadToken(reader);
-        if (reader.isEndElement())
-            break;
-        if (reader.isStartElement())
-            ReadApplication(reader);
-    }
+    while (ReadNextChild(reader))
+        ReadApplication(reader);
     // There are no further applications, but there may be an error.
     while (!reader.atEnd())
         ReadToken(reader);
@@ -73,12 +68,7 @@ void MachineConfiguration::ReadStartup(QXmlStreamReader& reader, const QString& 
     // By index, the executable at 0. A map, because the file may contain any index; those above the count are ignored.
     QMap<int, QString> slotTexts;
     int count = 0;
-    while (!reader.atEnd()) {
-        ReadToken(reader);
-        if (reader.isEndElement())
-            break;
-        if (!reader.isStartElement())
-            continue;
+    while (ReadNextChild(reader)) {
         const QString name = reader.name().toString();
         const QString text = ReadElementText(reader);
         if (name == u"exe") {

@@ -1,6 +1,7 @@
 #include "userinterface/vexelconnectdlg/tcpserver.h"
 
-#include "userinterface/vexelconnectdlg/tracing.h"
+#include "platform/starterport.h"
+#include "platform/tracing.h"
 
 #include <QWidget>
 
@@ -24,7 +25,8 @@ constexpr quint16 kLineError = 102;
 TCPServer::TCPServer(QWidget* pWidget)
     : m_pWidget(pWidget)
 {
-    m_pInterface = CInterfaceCreator().CreateInterface(QStringLiteral("TCP::8451"), this, kSilentPeerTimeout, false);
+    const QString address = QStringLiteral("TCP::%1").arg(kStarterPort);
+    m_pInterface = CInterfaceCreator().CreateInterface(address, this, kSilentPeerTimeout, false);
     if (m_pInterface) {
         Trace(
             kSourceFile, kLineCreated, [] { return QStringLiteral("TCPServer(): Server TCP interface created."); });

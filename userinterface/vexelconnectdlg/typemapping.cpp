@@ -16,12 +16,7 @@ struct Mapping
 Mapping ReadMapping(QXmlStreamReader& reader)
 {
     Mapping mapping;
-    while (!reader.atEnd()) {
-        ReadToken(reader);
-        if (reader.isEndElement())
-            break;
-        if (!reader.isStartElement())
-            continue;
+    while (ReadNextChild(reader)) {
         if (reader.name() == u"DeviceType") {
             bool isNumber = false;
             const int deviceType = ReadElementText(reader).toInt(&isNumber);

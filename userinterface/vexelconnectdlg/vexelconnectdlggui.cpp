@@ -1,9 +1,10 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
+#include "files/atomicfile.h"
 #include "files/boundedfile.h"
 #include "platform/guibase.h"
+#include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
-#include "userinterface/vexelconnectdlg/atomicfile.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
@@ -13,7 +14,6 @@
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
-#include "userinterface/vexelconnectdlg/tracing.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -369,7 +369,7 @@ void VexelConnectDlgGUI::Export(const QString& fileName)
               [] { return QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"); });
         return;
     }
-    if (!ReplaceFile(fileName, m_pModel->ToByteArray())) {
+    if (!ReplaceRegularFile(fileName, m_pModel->ToByteArray()).isEmpty()) {
         Trace(
             kTraceSource, kCannotWriteLine,
             [&fileName] {

@@ -9,6 +9,18 @@ QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader)
     return reader.tokenType();
 }
 
+bool ReadNextChild(QXmlStreamReader& reader)
+{
+    while (!reader.atEnd()) {
+        ReadToken(reader);
+        if (reader.isStartElement())
+            return true;
+        if (reader.isEndElement())
+            break;
+    }
+    return false;
+}
+
 namespace {
 
 /// Reads until `depth` open elements have ended, starting with the current token.

@@ -8,6 +8,9 @@
 /// Reads the next token. Returns `Invalid` on and after an error.
 QXmlStreamReader::TokenType ReadToken(QXmlStreamReader& reader);
 
+/// Reads up to the next child element of the current element. Returns false at the end of that element and at an error.
+bool ReadNextChild(QXmlStreamReader& reader);
+
 /// Reads from a start element up to its end element or an error.
 void SkipElement(QXmlStreamReader& reader);
 

@@ -1,4 +1,4 @@
-#include "host/output/textline.h"
+#include "process/textline.h"
 
 #include <QList>
 
