@@ -21,8 +21,7 @@ struct Program
 
 /// Adds a test class: `VEXEL_TEST(QTEST_MAIN, TestSomething)`. The macro of Qt decides on the application object.
 #define VEXEL_TEST(QtMain, TestClass)                                                                                  \
-    namespace Main##TestClass {                                                                                        \
-    namespace {                                                                                                        \
-    QtMain(TestClass) const TestMain::Test kTest(__FILE__, main);                                                      \
-    }                                                                                                                  \
+    namespace Main##TestClass                                                                                          \
+    {                                                                                                                  \
+        static QtMain(TestClass) const TestMain::Test kTest(__FILE__, main);                                           \
     }
