@@ -23,7 +23,5 @@ struct Program
 #define VEXEL_TEST(QtMain, TestClass)                                                                                  \
     namespace Main##TestClass                                                                                          \
     {                                                                                                                  \
-        namespace {                                                                                                    \
-        QtMain(TestClass) const TestMain::Test kTest(__FILE__, main);                                                  \
-        }                                                                                                              \
+        static QtMain(TestClass) const TestMain::Test kTest(__FILE__, main);                                           \
     }
