@@ -7,17 +7,11 @@
 #include <QTcpSocket>
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 
 namespace {
 
-using namespace std::chrono_literals;
-
-// The dialog comes to the front at the connection, so this costs only the caller time.
-constexpr auto kHearingTime = 50ms;
-
-LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline)
+LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline, std::chrono::milliseconds hearing)
 {
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
@@ -30,9 +24,7 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
 
     if (!SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n")))
         return LinkAnswer::CutOff;
-    // Many a service that would answer gives up when it sees the end first.
-    const QDeadlineTimer hearing(kHearingTime);
-    LinkEnding ending = WaitForEnding(socket.socketDescriptor(), std::min(hearing, deadline));
+    LinkEnding ending = WaitForEnding(socket.socketDescriptor(), std::min(QDeadlineTimer(hearing), deadline));
     if (ending == LinkEnding::None) {
         EndSending(socket.socketDescriptor());
         ending = WaitForEnding(socket.socketDescriptor(), deadline);
@@ -52,10 +44,10 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
 
 } // namespace
 
-LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline)
+LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline, std::chrono::milliseconds hearing)
 {
-    const LinkAnswer four = Call(QHostAddress(QHostAddress::LocalHost), port, deadline);
+    const LinkAnswer four = Call(QHostAddress(QHostAddress::LocalHost), port, deadline, hearing);
     if (four != LinkAnswer::Refused)
         return four;
-    return Call(QHostAddress(QHostAddress::LocalHostIPv6), port, deadline);
+    return Call(QHostAddress(QHostAddress::LocalHostIPv6), port, deadline, hearing);
 }

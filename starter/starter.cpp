@@ -146,19 +146,20 @@ bool Starter::IsLocked()
 
 Starter::Outcome Starter::TimedOut() const
 {
+    // First: another try that is just starting says nothing yet.
+    if (m_bOtherHost) {
+        return {StarterExit::HostEnded,
+                QStringLiteral("another host works on the same configuration directory, but no dialog answered on port "
+                               "%1 within %2")
+                    .arg(m_settings.port)
+                    .arg(Seconds())};
+    }
     if (m_pHost) {
         return {StarterExit::NoAnswer,
                 QStringLiteral("%1 was started (process %2), but its dialog did not answer within %3; it is left "
                                "running")
                     .arg(m_settings.host)
                     .arg(m_pHost->Id())
-                    .arg(Seconds())};
-    }
-    if (m_bOtherHost) {
-        return {StarterExit::HostEnded,
-                QStringLiteral("another host works on the same configuration directory, but no dialog answered on port "
-                               "%1 within %2")
-                    .arg(m_settings.port)
                     .arg(Seconds())};
     }
     if (m_bOtherStarter) {

@@ -150,8 +150,8 @@ void TestDesktopTray::aClickCallsTheDialog()
     QTRY_VERIFY(session.IsDocked());
     session.fake.close();
     QTRY_COMPARE(session.saved, 1);
-    // A busy panel may move the icon between the look and the click; a person then clicks again.
-    QTRY_VERIFY((Desktop::Click(session.Place().center()), session.fake.isVisible()));
+    Desktop::Click(session.Place().center());
+    QTRY_VERIFY(session.fake.isVisible());
     QTRY_VERIFY(session.fake.isActiveWindow());
 }
 

@@ -19,6 +19,8 @@ int main(int argc, char* argv[])
     int open = calls;
     for (int call = 0; call < calls; ++call) {
         auto& socket = sockets.emplace_back(std::make_unique<QTcpSocket>());
+        // So an answer stays unread.
+        socket->setReadBufferSize(1);
         socket->connectToHost(QStringLiteral("127.0.0.1"), port);
         socket->write("half a li");
         if (!socket->waitForConnected() || (socket->bytesToWrite() > 0 && !socket->waitForBytesWritten()))

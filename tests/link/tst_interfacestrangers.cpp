@@ -61,9 +61,9 @@ void TestInterfaceStrangers::sendingHalfIsShutDown()
 void TestInterfaceStrangers::killedProcess_data()
 {
     QTest::addColumn<bool>("isAnswered");
-    QTest::newRow("that has read everything") << false;
-    // Its system then cuts the connection off.
-    QTest::newRow("with an answer on its way") << true;
+    QTest::newRow("nothing unread") << false;
+    // Its system then resets the connection.
+    QTest::newRow("unread answer") << true;
 }
 
 void TestInterfaceStrangers::killedProcess()
@@ -74,8 +74,10 @@ void TestInterfaceStrangers::killedProcess()
     Stranger stranger(server.port, calls);
     QTRY_COMPARE(server.callback.received, Stranger::Said().repeated(calls));
     QCOMPARE(server.callback.now, calls);
-    if (isAnswered)
+    if (isAnswered) {
         server.server->Write("answer", 6);
+        QTRY_COMPARE(server.callback.Length(Kind::Written), quint64{6 * calls});
+    }
     stranger.process.kill();
     QTRY_COMPARE(server.callback.Count(Kind::Close), calls);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
