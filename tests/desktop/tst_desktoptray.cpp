@@ -86,19 +86,17 @@ private slots:
         QTRY_VERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
     }
 
-    void showsTheIcon();
+    void iconIsShown();
     void closingHidesToTheTray();
-    void aClickCallsTheDialog();
-    void menu();
+    void clickShowsTheDialog();
     void quitAsksWhileInUse();
-    void onlyAFailedSaveIsTold();
-    void noticesAreToldWhereNobodyReads();
-    void aPanelThatStartsAnew();
-    void aPanelThatGoesForGood();
-    void aPanelThatComesLater();
+    void onlyAFailedSaveIsReported();
+    void noticesAreShownInBalloons();
+    void restartedPanelTakesTheIcon();
+    void laterPanelTakesTheIcon();
 };
 
-void TestDesktopTray::showsTheIcon()
+void TestDesktopTray::iconIsShown()
 {
     const Panel panel;
     Session session;
@@ -143,7 +141,7 @@ void TestDesktopTray::closingHidesToTheTray()
     QCOMPARE(session.end->count(), 0);
 }
 
-void TestDesktopTray::aClickCallsTheDialog()
+void TestDesktopTray::clickShowsTheDialog()
 {
     const Panel panel;
     Session session;
@@ -153,22 +151,6 @@ void TestDesktopTray::aClickCallsTheDialog()
     Desktop::Click(session.Place().center());
     QTRY_VERIFY(session.fake.isVisible());
     QTRY_VERIFY(session.fake.isActiveWindow());
-}
-
-void TestDesktopTray::menu()
-{
-    const Panel panel;
-    Session session;
-    QTRY_VERIFY(session.IsDocked());
-    session.fake.close();
-    QTRY_COMPARE(session.saved, 1);
-    session.Choose(QStringLiteral("Show connect dialog"));
-    QTRY_VERIFY(session.fake.isVisible());
-    session.Choose(QStringLiteral("Save now"));
-    QTRY_COMPARE(session.saved, 2);
-    QCOMPARE(session.end->count(), 0);
-    session.Choose(QStringLiteral("Quit"));
-    QTRY_COMPARE(session.end->count(), 1);
 }
 
 void TestDesktopTray::quitAsksWhileInUse()
@@ -194,7 +176,7 @@ void TestDesktopTray::quitAsksWhileInUse()
     QTRY_COMPARE(session.end->count(), 1);
 }
 
-void TestDesktopTray::onlyAFailedSaveIsTold()
+void TestDesktopTray::onlyAFailedSaveIsReported()
 {
     const Panel panel;
     Session session;
@@ -208,7 +190,7 @@ void TestDesktopTray::onlyAFailedSaveIsTold()
     Balloon()->close();
 }
 
-void TestDesktopTray::noticesAreToldWhereNobodyReads()
+void TestDesktopTray::noticesAreShownInBalloons()
 {
     const ErrorsTo nobody(QProcess::nullDevice());
     const Panel panel;
@@ -232,7 +214,7 @@ void TestDesktopTray::noticesAreToldWhereNobodyReads()
     QVERIFY(!QApplication::activeModalWidget());
 }
 
-void TestDesktopTray::aPanelThatStartsAnew()
+void TestDesktopTray::restartedPanelTakesTheIcon()
 {
     Panel panel;
     Session session;
@@ -248,24 +230,7 @@ void TestDesktopTray::aPanelThatStartsAnew()
     QCOMPARE(session.end->count(), 0);
 }
 
-void TestDesktopTray::aPanelThatGoesForGood()
-{
-    Panel panel;
-    Session session;
-    QTRY_VERIFY(session.IsDocked());
-    session.fake.SetStatus(0, 1);
-    session.fake.close();
-    QTRY_COMPARE(session.saved, 1);
-    panel.Stop();
-    QTRY_VERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
-    session.fake.SetStatus(0, 0);
-    QTRY_VERIFY(session.fake.isVisible());
-    // Noticed by now: closing ends the host as it does without a tray.
-    session.fake.close();
-    QTRY_COMPARE(session.end->count(), 1);
-}
-
-void TestDesktopTray::aPanelThatComesLater()
+void TestDesktopTray::laterPanelTakesTheIcon()
 {
     Session session;
     QTRY_VERIFY(session.fake.isVisible());

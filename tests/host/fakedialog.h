@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/plugin/connectdialog.h"
+
 #include <QDialog>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
@@ -62,3 +64,13 @@ public:
     QList<QTreeView*> views;
     QPushButton* connectButton = nullptr;
 };
+
+/// The parts of the fake dialog that is there.
+inline ConnectDialog FindDialog()
+{
+    QString error;
+    const auto dialog = ConnectDialog::Find(error);
+    if (!dialog)
+        qFatal("%s", qPrintable(error));
+    return *dialog;
+}

@@ -18,11 +18,11 @@ class TestBrokenListBackup : public QObject
 private slots:
     void init();
     void cleanup();
-    void aListInOrderIsLeftAlone();
-    void aMalformedListIsKept();
-    void theSameContentIsKeptOnce();
-    void everyOtherContentIsKept();
-    void whereItCannotBeKeptThatIsSaid();
+    void intactListIsNotCopied();
+    void malformedListIsCopied();
+    void sameContentIsCopiedOnce();
+    void differentContentsAreAllCopied();
+    void failedCopyIsReported();
 
 private:
     static void Save(const QByteArray& list);
@@ -62,7 +62,7 @@ QStringList TestBrokenListBackup::Copies()
     return copies;
 }
 
-void TestBrokenListBackup::aListInOrderIsLeftAlone()
+void TestBrokenListBackup::intactListIsNotCopied()
 {
     QCOMPARE(Keep(), QString());
     for (const QByteArray& list : {QByteArray(), ListOf(0), ListOf(3)}) {
@@ -72,7 +72,7 @@ void TestBrokenListBackup::aListInOrderIsLeftAlone()
     QCOMPARE(Copies(), QStringList());
 }
 
-void TestBrokenListBackup::aMalformedListIsKept()
+void TestBrokenListBackup::malformedListIsCopied()
 {
     Save(ListOf(5).chopped(30));
     const QByteArray document = Files::Read(Document());
@@ -88,7 +88,7 @@ void TestBrokenListBackup::aMalformedListIsKept()
     QCOMPARE(Files::Read(Document()), document);
 }
 
-void TestBrokenListBackup::theSameContentIsKeptOnce()
+void TestBrokenListBackup::sameContentIsCopiedOnce()
 {
     Save(ListOf(5).chopped(30));
     const QString said = Keep();
@@ -99,7 +99,7 @@ void TestBrokenListBackup::theSameContentIsKeptOnce()
     QCOMPARE(Copies().size(), 1);
 }
 
-void TestBrokenListBackup::everyOtherContentIsKept()
+void TestBrokenListBackup::differentContentsAreAllCopied()
 {
     constexpr int count = 20;
     QList<QByteArray> documents;
@@ -114,7 +114,7 @@ void TestBrokenListBackup::everyOtherContentIsKept()
         QVERIFY(documents.removeOne(Files::Read(copy)));
 }
 
-void TestBrokenListBackup::whereItCannotBeKeptThatIsSaid()
+void TestBrokenListBackup::failedCopyIsReported()
 {
     Save(ListOf(2).chopped(30));
     // The list is known, but its file has gone.

@@ -11,12 +11,12 @@ class TestConnectionReport : public QObject
     Q_OBJECT
 
 private slots:
-    void emptyListIsAHeading();
-    void columnsStandUnderTheirHeadings();
+    void emptyListPrintsTheHeadingOnly();
+    void columnsAreAligned();
     void namesCannotBreakTheTable();
     void longNamesAreCut();
-    void jsonHoldsValuesAsTheyAre();
-    void jsonOfAnEmptyList();
+    void jsonHoldsUnchangedValues();
+    void jsonOfAnEmptyListIsAnEmptyArray();
 };
 
 namespace {
@@ -30,7 +30,7 @@ QStringList Lines(const QString& table)
 
 } // namespace
 
-void TestConnectionReport::emptyListIsAHeading()
+void TestConnectionReport::emptyListPrintsTheHeadingOnly()
 {
     const FakeDialog fake;
     QCOMPARE(Lines(ConnectionTable(fake.entries)),
@@ -38,7 +38,7 @@ void TestConnectionReport::emptyListIsAHeading()
                                         "Heading 8  Heading 9  Selected")));
 }
 
-void TestConnectionReport::columnsStandUnderTheirHeadings()
+void TestConnectionReport::columnsAreAligned()
 {
     FakeDialog fake;
     fake.Add(QStringLiteral("a mast with a name"), true, 1);
@@ -74,7 +74,7 @@ void TestConnectionReport::longNamesAreCut()
         QVERIFY(line.size() < 200);
 }
 
-void TestConnectionReport::jsonHoldsValuesAsTheyAre()
+void TestConnectionReport::jsonHoldsUnchangedValues()
 {
     const QString name = QStringLiteral("a\nb \"c\" \U0001F4E1");
     FakeDialog fake;
@@ -97,7 +97,7 @@ void TestConnectionReport::jsonHoldsValuesAsTheyAre()
     QCOMPARE(connection.size(), 15);
 }
 
-void TestConnectionReport::jsonOfAnEmptyList()
+void TestConnectionReport::jsonOfAnEmptyListIsAnEmptyArray()
 {
     const FakeDialog fake;
     const QJsonObject root = QJsonDocument::fromJson(ConnectionJson(fake.entries)).object();

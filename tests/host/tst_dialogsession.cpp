@@ -68,12 +68,12 @@ private slots:
     }
 
     void closingSavesAndEnds();
-    void closingThatCannotSaveAsks();
-    void quittingThatCannotSaveAsks();
-    void aFailedSaveWhileInUseIsShown();
+    void closingAsksWhenSavingFails();
+    void quittingAsksWhenSavingFails();
+    void failedSaveWhileInUseIsShown();
     void stayingHiddenIsShown();
     void nothingIsShownWhereStandardErrorIsRead();
-    void whatCameBeforeTheDialogIsShownWithIt();
+    void earlierNoticesAreShownWithTheDialog();
     void severalNoticesShareABox();
 };
 
@@ -88,7 +88,7 @@ void TestDialogSession::closingSavesAndEnds()
     QVERIFY(host.saved > 0);
 }
 
-void TestDialogSession::closingThatCannotSaveAsks()
+void TestDialogSession::closingAsksWhenSavingFails()
 {
     Session host;
     host.session->Start();
@@ -114,7 +114,7 @@ void TestDialogSession::closingThatCannotSaveAsks()
     QTRY_COMPARE(host.end->count(), 2);
 }
 
-void TestDialogSession::quittingThatCannotSaveAsks()
+void TestDialogSession::quittingAsksWhenSavingFails()
 {
     Session host;
     host.session->Start();
@@ -132,7 +132,7 @@ void TestDialogSession::quittingThatCannotSaveAsks()
     QCOMPARE(host.end->count(), 1);
 }
 
-void TestDialogSession::aFailedSaveWhileInUseIsShown()
+void TestDialogSession::failedSaveWhileInUseIsShown()
 {
     Session host;
     host.session->Start();
@@ -183,7 +183,7 @@ void TestDialogSession::nothingIsShownWhereStandardErrorIsRead()
     QVERIFY2(said.contains("vexelhost: 1 entry is still in use"), said.constData());
 }
 
-void TestDialogSession::whatCameBeforeTheDialogIsShownWithIt()
+void TestDialogSession::earlierNoticesAreShownWithTheDialog()
 {
     Session host;
     host.notices.Say(QStringLiteral("the document <b>was</b> damaged"));

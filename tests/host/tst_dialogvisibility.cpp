@@ -1,5 +1,4 @@
 #include "host/desktop/dialogvisibility.h"
-#include "host/plugin/connectdialog.h"
 #include "host/plugin/statusmonitor.h"
 #include "tests/host/fakedialog.h"
 
@@ -21,8 +20,7 @@ struct Kept
     Kept()
     {
         fake.Add(QStringLiteral("mast"), true);
-        QString error;
-        dialog = ConnectDialog::Find(error);
+        dialog = FindDialog();
         monitor = std::make_unique<StatusMonitor>(&fake.entries);
         // What the plug-in's own slot does comes first, as in the host.
         QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
@@ -71,23 +69,22 @@ private slots:
     void closingAgainAfterwardsEndsTheHost();
     void connectingHidesUntilTheLastHasEnded();
     void connectingInVainShowsTheDialogAgain();
-    void aProblemBoxDoesNotEndTheHost();
-    void anApplicationThatEndsDuringTheProblemBox();
-    void anApplicationThatEndsWhileTheDialogIsShown();
+    void problemBoxDoesNotEndTheHost();
+    void applicationMayEndDuringTheProblemBox();
+    void applicationMayEndWhileTheDialogIsShown();
     void minimisingIsNotClosing();
 
     void closingToTheTray_data();
     void closingToTheTray();
-    void theTrayIsExplainedOnce();
+    void trayIsExplainedOnce();
     void connectingWithATrayComesBack();
     void calledFromTheTrayWhileWaiting();
-    void theTrayGoesWhileTheDialogIsAway();
-    void theTrayGoesWhileEntriesAreInUse();
-    void theTrayGoesWhileTheDialogIsShown();
-    void theTrayAppearsLater();
-    void theTrayAppearsWhileWaiting();
-    void askingToEnd();
-    void aBoxThatWasAnsweredHoldsNothingUp();
+    void lostTrayShowsTheHiddenDialog();
+    void lostTrayKeepsTheDialogHiddenWhileInUse();
+    void lostTrayKeepsTheShownDialog();
+    void newTrayDoesNotKeepTheDialogHidden();
+    void askToEndAsksOnlyWhileInUse();
+    void answeredBoxNoLongerDelays();
 };
 
 void TestDialogVisibility::closingWithNothingInUseEndsTheHost_data()
@@ -171,7 +168,7 @@ void TestDialogVisibility::connectingInVainShowsTheDialogAgain()
     QVERIFY(kept.fake.isVisible());
 }
 
-void TestDialogVisibility::aProblemBoxDoesNotEndTheHost()
+void TestDialogVisibility::problemBoxDoesNotEndTheHost()
 {
     Kept kept;
     bool endedDuringBox = false;
@@ -192,7 +189,7 @@ void TestDialogVisibility::aProblemBoxDoesNotEndTheHost()
     QVERIFY(kept.fake.isHidden());
 }
 
-void TestDialogVisibility::anApplicationThatEndsDuringTheProblemBox()
+void TestDialogVisibility::applicationMayEndDuringTheProblemBox()
 {
     Kept kept;
     kept.onConnect = [&] {
@@ -210,7 +207,7 @@ void TestDialogVisibility::anApplicationThatEndsDuringTheProblemBox()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::anApplicationThatEndsWhileTheDialogIsShown()
+void TestDialogVisibility::applicationMayEndWhileTheDialogIsShown()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
@@ -266,7 +263,7 @@ void TestDialogVisibility::closingToTheTray()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::theTrayIsExplainedOnce()
+void TestDialogVisibility::trayIsExplainedOnce()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -320,7 +317,7 @@ void TestDialogVisibility::calledFromTheTrayWhileWaiting()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::theTrayGoesWhileTheDialogIsAway()
+void TestDialogVisibility::lostTrayShowsTheHiddenDialog()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -334,7 +331,7 @@ void TestDialogVisibility::theTrayGoesWhileTheDialogIsAway()
     QTRY_COMPARE(kept.end->count(), 1);
 }
 
-void TestDialogVisibility::theTrayGoesWhileEntriesAreInUse()
+void TestDialogVisibility::lostTrayKeepsTheDialogHiddenWhileInUse()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -350,7 +347,7 @@ void TestDialogVisibility::theTrayGoesWhileEntriesAreInUse()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::theTrayGoesWhileTheDialogIsShown()
+void TestDialogVisibility::lostTrayKeepsTheShownDialog()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -363,17 +360,7 @@ void TestDialogVisibility::theTrayGoesWhileTheDialogIsShown()
     QTRY_COMPARE(kept.end->count(), 1);
 }
 
-void TestDialogVisibility::theTrayAppearsLater()
-{
-    Kept kept;
-    Settle();
-    kept.keeper->SetTrayAvailable(true);
-    kept.fake.close();
-    QTRY_COMPARE(kept.wentToTray->count(), 1);
-    QCOMPARE(kept.end->count(), 0);
-}
-
-void TestDialogVisibility::theTrayAppearsWhileWaiting()
+void TestDialogVisibility::newTrayDoesNotKeepTheDialogHidden()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
@@ -386,7 +373,7 @@ void TestDialogVisibility::theTrayAppearsWhileWaiting()
     QCOMPARE(kept.wentToTray->count(), 0);
 }
 
-void TestDialogVisibility::askingToEnd()
+void TestDialogVisibility::askToEndAsksOnlyWhileInUse()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
@@ -401,7 +388,7 @@ void TestDialogVisibility::askingToEnd()
     QCOMPARE(kept.end->count(), 1);
 }
 
-void TestDialogVisibility::aBoxThatWasAnsweredHoldsNothingUp()
+void TestDialogVisibility::answeredBoxNoLongerDelays()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);

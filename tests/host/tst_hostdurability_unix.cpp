@@ -31,7 +31,7 @@ private slots:
         m_root.reset();
     }
 
-    void aNewConfigurationDirectory()
+    void newConfigurationDirectoryIsSynced()
     {
         HostOptions options;
         options.plugin = QStringLiteral(REAL_PLUGIN);
@@ -46,7 +46,7 @@ private slots:
         QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new/folder"))) >= 0);
     }
 
-    void anExportedList()
+    void exportedListIsSynced()
     {
         const QString file = m_root->filePath(QStringLiteral("list.xml"));
         for (const char* content : {"<ConnectionEntries/>", "<ConnectionEntries></ConnectionEntries>"}) {
@@ -56,7 +56,7 @@ private slots:
         }
     }
 
-    void aListThatBreaksOff()
+    void copyOfATruncatedListIsSynced()
     {
         QVERIFY(CfgCenter::Open(m_root->path()));
         StoreList(ListOf(5).chopped(30));

@@ -13,13 +13,13 @@ class TestHostStoredSet : public QObject
 private slots:
     void init();
     void nothingStored();
-    void sets_data();
-    void sets();
-    void everyBreakIsSeen();
+    void entriesAreCounted_data();
+    void entriesAreCounted();
+    void everyTruncationIsMalformed();
     void entitiesAreNotExpanded();
-    void laterChangesMakeNoDifference();
-    void hexAsPeopleLeaveIt_data();
-    void hexAsPeopleLeaveIt();
+    void laterChangesAreIgnored();
+    void editedHexIsReadLikeThePlugin_data();
+    void editedHexIsReadLikeThePlugin();
 };
 
 namespace {
@@ -45,7 +45,7 @@ void TestHostStoredSet::nothingStored()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::sets_data()
+void TestHostStoredSet::entriesAreCounted_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<State>("state");
@@ -66,7 +66,7 @@ void TestHostStoredSet::sets_data()
     QTest::newRow("control character") << ListOf(2).replace("Entry 2", "Entry \x01") << State::Malformed << 2;
 }
 
-void TestHostStoredSet::sets()
+void TestHostStoredSet::entriesAreCounted()
 {
     QFETCH(const QByteArray, document);
     StoreList(document);
@@ -74,7 +74,7 @@ void TestHostStoredSet::sets()
     QTEST(Look().entries, "entries");
 }
 
-void TestHostStoredSet::everyBreakIsSeen()
+void TestHostStoredSet::everyTruncationIsMalformed()
 {
     const QByteArray document = ListOf(2).trimmed();
     for (qsizetype length = 1; length < document.size(); ++length) {
@@ -97,7 +97,7 @@ void TestHostStoredSet::entitiesAreNotExpanded()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::laterChangesMakeNoDifference()
+void TestHostStoredSet::laterChangesAreIgnored()
 {
     StoreList(ListOf(1000).chopped(30));
     std::future<StoredSet> begun = BeginToReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
@@ -108,7 +108,7 @@ void TestHostStoredSet::laterChangesMakeNoDifference()
     QCOMPARE(set.entries, 1000);
 }
 
-void TestHostStoredSet::hexAsPeopleLeaveIt_data()
+void TestHostStoredSet::editedHexIsReadLikeThePlugin_data()
 {
     QTest::addColumn<QString>("hex");
     QTest::addColumn<State>("state");
@@ -122,7 +122,7 @@ void TestHostStoredSet::hexAsPeopleLeaveIt_data()
     QTest::newRow("a digit missing") << QString(hex).remove(100, 1) << State::Malformed;
 }
 
-void TestHostStoredSet::hexAsPeopleLeaveIt()
+void TestHostStoredSet::editedHexIsReadLikeThePlugin()
 {
     QFETCH(const QString, hex);
     StoreHex(hex);

@@ -10,10 +10,10 @@ class TestInstalledTree : public QObject
     Q_OBJECT
 
 private slots:
-    void runsAfterItWasMoved();
+    void installedTreeCanBeMoved();
 };
 
-void TestInstalledTree::runsAfterItWasMoved()
+void TestInstalledTree::installedTreeCanBeMoved()
 {
     QDir installed(QStringLiteral(VEXEL_INSTALLED));
     const QString place = installed.absoluteFilePath(QStringLiteral("second place"));

@@ -13,8 +13,8 @@ private slots:
     void freePort();
     void takenPort_data();
     void takenPort();
-    void nobodyIsCalled();
-    void whoLooksKeepsNobodyOut();
+    void probeDoesNotConnect();
+    void probeDoesNotBlockTheServer();
 };
 
 namespace {
@@ -64,7 +64,7 @@ void TestLinkPort::takenPort()
 #endif
 }
 
-void TestLinkPort::nobodyIsCalled()
+void TestLinkPort::probeDoesNotConnect()
 {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
@@ -77,7 +77,7 @@ void TestLinkPort::nobodyIsCalled()
     QVERIFY(!server.hasPendingConnections());
 }
 
-void TestLinkPort::whoLooksKeepsNobodyOut()
+void TestLinkPort::probeDoesNotBlockTheServer()
 {
     const quint16 number = SomePort();
     QTcpSocket probe;

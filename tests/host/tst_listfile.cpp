@@ -12,15 +12,15 @@ class TestListFile : public QObject
     Q_OBJECT
 
 private slots:
-    void readsAFileWhole();
-    void refusesWhatIsNoFile_data();
-    void refusesWhatIsNoFile();
-    void readsUpToTheLimitAndNoFurther();
-    void writesAFileWhole();
-    void writesNothingInPlaceOfWhatIsNoFile();
+    void wholeFileIsRead();
+    void unreadableFileIsRefused_data();
+    void unreadableFileIsRefused();
+    void fileBeyondTheLimitIsRefused();
+    void writingReplacesTheFile();
+    void unwritableFileIsReported();
 };
 
-void TestListFile::readsAFileWhole()
+void TestListFile::wholeFileIsRead()
 {
     const QTemporaryDir directory;
     QFile file(directory.filePath(QStringLiteral("list.xml")));
@@ -33,7 +33,7 @@ void TestListFile::readsAFileWhole()
     QCOMPARE(read.content, content);
 }
 
-void TestListFile::refusesWhatIsNoFile_data()
+void TestListFile::unreadableFileIsRefused_data()
 {
     QTest::addColumn<QString>("fileName");
     QTest::newRow("missing") << QStringLiteral("/no/such/list.xml");
@@ -44,7 +44,7 @@ void TestListFile::refusesWhatIsNoFile_data()
         QTest::newRow(qPrintable(device)) << device;
 }
 
-void TestListFile::refusesWhatIsNoFile()
+void TestListFile::unreadableFileIsRefused()
 {
     QFETCH(const QString, fileName);
     const ListFile read = ReadListFile(fileName);
@@ -52,7 +52,7 @@ void TestListFile::refusesWhatIsNoFile()
     QVERIFY2(read.error.contains(fileName), qPrintable(read.error));
 }
 
-void TestListFile::readsUpToTheLimitAndNoFurther()
+void TestListFile::fileBeyondTheLimitIsRefused()
 {
     constexpr qint64 limit = 64LL * 1024 * 1024;
     const QTemporaryDir directory;
@@ -67,7 +67,7 @@ void TestListFile::readsUpToTheLimitAndNoFurther()
     QVERIFY2(read.error.contains(QLatin1String("64 MiB")), qPrintable(read.error));
 }
 
-void TestListFile::writesAFileWhole()
+void TestListFile::writingReplacesTheFile()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("list.xml"));
@@ -78,7 +78,7 @@ void TestListFile::writesAFileWhole()
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(QStringLiteral("list.xml")));
 }
 
-void TestListFile::writesNothingInPlaceOfWhatIsNoFile()
+void TestListFile::unwritableFileIsReported()
 {
     const QTemporaryDir directory;
     QVERIFY(QDir(directory.path()).mkdir(QStringLiteral("folder")));

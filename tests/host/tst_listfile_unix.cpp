@@ -11,7 +11,7 @@ class TestListFileUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void aFullDiskLeavesTheFileAsItWas()
+    void fullDiskKeepsTheOldFile()
     {
         const QTemporaryDir directory;
         const QString fileName = directory.filePath(QStringLiteral("list.xml"));

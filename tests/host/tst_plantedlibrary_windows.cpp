@@ -58,8 +58,8 @@ private slots:
     }
 
     // Without this the others would say nothing: a program that takes no care does load it.
-    void oneThatTakesNoCare_data() { Places(); }
-    void oneThatTakesNoCare()
+    void unprotectedProgramLoadsThePlantedLibrary_data() { Places(); }
+    void unprotectedProgramLoadsThePlantedLibrary()
     {
         QFETCH(const QString, place);
         QProcess process;

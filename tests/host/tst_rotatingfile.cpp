@@ -40,24 +40,24 @@ class TestRotatingFile : public QObject
     Q_OBJECT
 
 private slots:
-    void appendsToWhatIsThere();
-    void aFullFileIsPutAside();
+    void linesAreAppendedToTheExistingFile();
+    void fullFileIsRenamed();
     void fiveEarlierFilesAreKept();
-    void aFileThatWasTooLargeBefore();
-    void aLineIsNeverSplit_data();
-    void aLineIsNeverSplit();
-    void aGapIsFilledFirst();
-    void aFailureIsToldOnceAndLosesNothing_data();
-    void aFailureIsToldOnceAndLosesNothing();
-    void itWorksAgainWhenTheWayIsFree();
-    void anotherProcessAtItIsNoFailure();
-    void aFileThatSomebodyElsePutAside();
-    void devicesAreLeftAlone();
-    void severalProcesses();
-    void unusableFile();
+    void oversizedFileIsRenamedAtOnce();
+    void lineIsNeverSplit_data();
+    void lineIsNeverSplit();
+    void gapInTheNumbersIsFilledFirst();
+    void failedRenameIsReportedOnceAndLosesNothing_data();
+    void failedRenameIsReportedOnceAndLosesNothing();
+    void renamingWorksAgainLater();
+    void lockOfAnotherProcessIsNoFailure();
+    void fileRenamedByAnotherProcessIsReopened();
+    void devicesAreNotRenamed();
+    void severalProcessesLoseNoLine();
+    void unusableFileIsRefused();
 };
 
-void TestRotatingFile::appendsToWhatIsThere()
+void TestRotatingFile::linesAreAppendedToTheExistingFile()
 {
     const Fixture fixture;
     QVERIFY(Files::Write(fixture.name, "before\n"));
@@ -70,7 +70,7 @@ void TestRotatingFile::appendsToWhatIsThere()
     QCOMPARE(Files::Read(fixture.name), QByteArray("before\nafter\n"));
 }
 
-void TestRotatingFile::aFullFileIsPutAside()
+void TestRotatingFile::fullFileIsRenamed()
 {
     const Fixture fixture;
     RotatingFile file;
@@ -109,7 +109,7 @@ void TestRotatingFile::fiveEarlierFilesAreKept()
     QCOMPARE(kept, expected);
 }
 
-void TestRotatingFile::aFileThatWasTooLargeBefore()
+void TestRotatingFile::oversizedFileIsRenamedAtOnce()
 {
     const Fixture fixture;
     const QByteArray before(5 * kLargest, 'x');
@@ -121,7 +121,7 @@ void TestRotatingFile::aFileThatWasTooLargeBefore()
     QCOMPARE(Files::Read(fixture.name), Line(1));
 }
 
-void TestRotatingFile::aLineIsNeverSplit_data()
+void TestRotatingFile::lineIsNeverSplit_data()
 {
     QTest::addColumn<int>("length");
     QTest::newRow("does not fit any more") << 700;
@@ -129,7 +129,7 @@ void TestRotatingFile::aLineIsNeverSplit_data()
     QTest::newRow("larger than any buffer") << 3'000'000;
 }
 
-void TestRotatingFile::aLineIsNeverSplit()
+void TestRotatingFile::lineIsNeverSplit()
 {
     QFETCH(const int, length);
     const Fixture fixture;
@@ -144,7 +144,7 @@ void TestRotatingFile::aLineIsNeverSplit()
     QCOMPARE(fixture.Names().size(), 3);
 }
 
-void TestRotatingFile::aGapIsFilledFirst()
+void TestRotatingFile::gapInTheNumbersIsFilledFirst()
 {
     const Fixture fixture;
     QVERIFY(Files::Write(fixture.Earlier(1), "one\n"));
@@ -158,7 +158,7 @@ void TestRotatingFile::aGapIsFilledFirst()
     QCOMPARE(Files::Read(fixture.Earlier(1)).size(), kLargest);
 }
 
-void TestRotatingFile::aFailureIsToldOnceAndLosesNothing_data()
+void TestRotatingFile::failedRenameIsReportedOnceAndLosesNothing_data()
 {
     QTest::addColumn<int>("blocked");
     QTest::newRow("the first") << 1;
@@ -167,48 +167,38 @@ void TestRotatingFile::aFailureIsToldOnceAndLosesNothing_data()
     QTest::newRow("the lock's place") << 0;
 }
 
-void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
+void TestRotatingFile::failedRenameIsReportedOnceAndLosesNothing()
 {
     QFETCH(const int, blocked);
     const Fixture fixture;
-    QStringList errors;
-    QByteArray expected;
     for (int number = 1; number <= RotatingFile::kKeptFiles; ++number)
         if (number != blocked)
             QVERIFY(Files::Write(fixture.Earlier(number), QByteArray::number(number)));
-    if (blocked == 0) {
-        // A name that is too long for one more suffix, as on a folder that is not to be written.
-        const QString longName = fixture.directory.filePath(QString(253, QLatin1Char('n')));
-        RotatingFile file;
-        QCOMPARE(file.Open(longName, kLargest), QString());
-        for (int i = 0; i < 1000; ++i) {
-            expected += Line(i);
-            if (const QString error = file.Append(Line(i)); !error.isEmpty())
-                errors.append(error);
-        }
-        QCOMPARE(Files::Read(longName), expected);
-        QCOMPARE(errors.size(), 1);
-        return;
-    }
-    QVERIFY(QDir().mkdir(fixture.Earlier(blocked)));
+    if (blocked > 0)
+        QVERIFY(QDir().mkdir(fixture.Earlier(blocked)));
+    // A name that is too long for one more suffix, as in a folder that cannot be written.
+    const QString name = blocked > 0 ? fixture.name : fixture.directory.filePath(QString(253, u'n'));
 
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, kLargest), QString());
+    QCOMPARE(file.Open(name, kLargest), QString());
+    QStringList errors;
+    QByteArray expected;
     for (int i = 0; i < 1000; ++i) {
         expected += Line(i);
         if (const QString error = file.Append(Line(i)); !error.isEmpty())
             errors.append(error);
     }
-    QCOMPARE(Files::Read(fixture.name), expected);
+    QCOMPARE(Files::Read(name), expected);
     QCOMPARE(errors.size(), 1);
-    QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))), qPrintable(errors.first()));
-    // The other files are what they were.
+    if (blocked > 0)
+        QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))),
+                 qPrintable(errors.first()));
     for (int number = 1; number <= RotatingFile::kKeptFiles; ++number)
         if (number != blocked)
             QCOMPARE(Files::Read(fixture.Earlier(number)), QByteArray::number(number));
 }
 
-void TestRotatingFile::itWorksAgainWhenTheWayIsFree()
+void TestRotatingFile::renamingWorksAgainLater()
 {
     const Fixture fixture;
     QVERIFY(QDir().mkdir(fixture.Earlier(1)));
@@ -230,7 +220,7 @@ void TestRotatingFile::itWorksAgainWhenTheWayIsFree()
     QCOMPARE(Files::Read(fixture.name).count('\n'), 50);
 }
 
-void TestRotatingFile::anotherProcessAtItIsNoFailure()
+void TestRotatingFile::lockOfAnotherProcessIsNoFailure()
 {
     const Fixture fixture;
     RotatingFile file;
@@ -247,7 +237,7 @@ void TestRotatingFile::anotherProcessAtItIsNoFailure()
     QCOMPARE(Files::Read(fixture.name), Line(150));
 }
 
-void TestRotatingFile::aFileThatSomebodyElsePutAside()
+void TestRotatingFile::fileRenamedByAnotherProcessIsReopened()
 {
 #ifndef Q_OS_UNIX
     QSKIP("A file that is open is not renamed on this system.");
@@ -267,7 +257,7 @@ void TestRotatingFile::aFileThatSomebodyElsePutAside()
     QVERIFY(!QFileInfo::exists(fixture.Earlier(2)));
 }
 
-void TestRotatingFile::devicesAreLeftAlone()
+void TestRotatingFile::devicesAreNotRenamed()
 {
     const QString device = QProcess::nullDevice();
     RotatingFile file;
@@ -278,7 +268,7 @@ void TestRotatingFile::devicesAreLeftAlone()
     QVERIFY(!QFileInfo::exists(device + QStringLiteral(".1")));
 }
 
-void TestRotatingFile::severalProcesses()
+void TestRotatingFile::severalProcessesLoseNoLine()
 {
     if (System::IsWine())
         QSKIP("Wine looks for the end of a file and then writes there, so that lines of others can be overwritten");
@@ -318,7 +308,7 @@ void TestRotatingFile::severalProcesses()
 #endif
 }
 
-void TestRotatingFile::unusableFile()
+void TestRotatingFile::unusableFileIsRefused()
 {
     const QTemporaryDir directory;
     RotatingFile file;

@@ -72,7 +72,7 @@ private slots:
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        setUp.Start(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(!setUp.StoredText().contains("FilterPattern"));
@@ -86,11 +86,11 @@ private slots:
             QVERIFY2(setUp.StoredText().contains(part), part);
     }
 
-    void aSessionThatGoesOnAfterAllLeavesTheHost()
+    void cancelledSessionEndKeepsTheHost()
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        setUp.Start(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QCOMPARE(Ask(window, WM_QUERYENDSESSION, 0), 1);
@@ -103,7 +103,7 @@ private slots:
     }
 
     // It has no window that anybody sees, and nothing of what it does is stored before its end.
-    void aHeadlessHostSavesEverything()
+    void headlessHostSavesEverything()
     {
         HostSetUp setUp;
         // As it is where nobody has chosen how to draw: a host without a dialog draws nothing then.
@@ -117,12 +117,12 @@ private slots:
         QVERIFY(process.waitForFinished());
         for (const char* part : {"FilterPattern", "ModelMimeData", "VexelDataDir"})
             QVERIFY2(setUp.StoredText().contains(part), part);
-        QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+        QCOMPARE(setUp.Names(), Words("mast"));
         EndApplications(setUp);
     }
 
     // Where there is time left, it ends in order.
-    void aHeadlessHostEnds()
+    void headlessHostEnds()
     {
         HostSetUp setUp;
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
@@ -130,16 +130,16 @@ private slots:
         StartAtWork(setUp, process);
         QVERIFY(EndSession(process) > 0);
         QCOMPARE(HostSetUp::End(process).exitCode, 0);
-        QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+        QCOMPARE(setUp.Names(), Words("mast"));
         EndApplications(setUp);
     }
 
     // The dialog has gone to the tray, after which something has changed that is to be stored.
-    void aHiddenDialogIsSaved()
+    void hiddenDialogIsSaved()
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        setUp.Start(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(PostMessageW(window, WM_CLOSE, 0, 0));
@@ -154,7 +154,7 @@ private slots:
         QVERIFY(setUp.StoredText().contains("FilterPattern"));
     }
 
-    void theExampleSaves()
+    void exampleSaves()
     {
         HostSetUp setUp;
         QProcess process;

@@ -57,7 +57,7 @@ class TestSignalWatcher : public QObject
     Q_OBJECT
 
 private slots:
-    void threadIsAsked()
+    void requestToTheThreadIsSeen()
     {
         SignalWatcher watcher;
         const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
@@ -66,7 +66,7 @@ private slots:
     }
 
     // Loops of Windows' own leave out what goes to the thread.
-    void windowsAreAskedInALoopOfWindows()
+    void requestToTheWindowIsSeenInANativeLoop()
     {
         SignalWatcher watcher;
         const QSignalSpy requests(&watcher, &SignalWatcher::EndRequested);
@@ -105,7 +105,7 @@ private slots:
         QCOMPARE(requests.size(), 0);
     }
 
-    void nothingIsSeenOrLeft()
+    void withoutARequestNothingIsSeen()
     {
         // The system may make some of its own with the first.
         std::make_unique<SignalWatcher>().reset();

@@ -10,7 +10,7 @@ private slots:
     void columnsAreAligned();
     void noBlanksAtTheEndOfALine();
     void wideAndCombiningCharacters();
-    void nothingAtAll();
+    void emptyTable();
 };
 
 void TestTextTable::columnsAreAligned()
@@ -42,7 +42,7 @@ void TestTextTable::wideAndCombiningCharacters()
              QStringLiteral("a\u0308   b\nxy  z\n"));
 }
 
-void TestTextTable::nothingAtAll()
+void TestTextTable::emptyTable()
 {
     QCOMPARE(TextTable({}), QString());
 }

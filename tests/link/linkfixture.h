@@ -155,13 +155,21 @@ public:
     std::unique_ptr<IInterface> server;
 };
 
-/// One who begins to call; whether anybody answers shows later.
+/// A socket that begins to connect.
+class Caller : public QTcpSocket
+{
+public:
+    explicit Caller(quint16 port, const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
+    {
+        connectToHost(address, port);
+    }
+};
+
+/// The same on the heap.
 inline std::unique_ptr<QTcpSocket> CallerOf(quint16 port,
                                             const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
 {
-    auto caller = std::make_unique<QTcpSocket>();
-    caller->connectToHost(address, port);
-    return caller;
+    return std::make_unique<Caller>(port, address);
 }
 
 /// Runs the event loop until `condition` holds, without a pause in between: for conditions that are waited for a

@@ -17,11 +17,11 @@ class TestInterfaceBoundsUnix : public QObject
 private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
-    void withoutHandles();
+    void serverSurvivesALackOfHandles();
     void vanishedPeersAreClosed();
 };
 
-void TestInterfaceBoundsUnix::withoutHandles()
+void TestInterfaceBoundsUnix::serverSurvivesALackOfHandles()
 {
     {
         // The sanitizers' check of types takes a handle itself for what they have not met before.

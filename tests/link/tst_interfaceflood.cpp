@@ -33,10 +33,10 @@ private slots:
     void init();
     void cleanup();
 
-    void fromOnePeer_data();
-    void fromOnePeer();
-    void inAsManyCallsAsItTakes();
-    void whileTheCallbackIsBusy();
+    void onePeerCostsBoundedMemory_data();
+    void onePeerCostsBoundedMemory();
+    void manyCallsCostBoundedMemory();
+    void busyCallbackCostsBoundedMemory();
 
 private:
     qint64 m_iBefore = 0;
@@ -65,14 +65,14 @@ void TestInterfaceFlood::cleanup()
         QVERIFY2(more < kMostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(more)));
 }
 
-void TestInterfaceFlood::fromOnePeer_data()
+void TestInterfaceFlood::onePeerCostsBoundedMemory_data()
 {
     QTest::addColumn<bool>("isRead");
     QTest::newRow("read") << true;
     QTest::newRow("left unread") << false;
 }
 
-void TestInterfaceFlood::fromOnePeer()
+void TestInterfaceFlood::onePeerCostsBoundedMemory()
 {
     QFETCH(const bool, isRead);
     TestServer server(10'000);
@@ -87,7 +87,7 @@ void TestInterfaceFlood::fromOnePeer()
     QVERIFY(flood.Unsent() > kFlood / 2);
 }
 
-void TestInterfaceFlood::inAsManyCallsAsItTakes()
+void TestInterfaceFlood::manyCallsCostBoundedMemory()
 {
     TestServer server(10'000);
     quint64 given = 0;
@@ -110,7 +110,7 @@ void TestInterfaceFlood::inAsManyCallsAsItTakes()
     QVERIFY(server.server->IsOpen());
 }
 
-void TestInterfaceFlood::whileTheCallbackIsBusy()
+void TestInterfaceFlood::busyCallbackCostsBoundedMemory()
 {
     TestServer server;
     TestServer clock(500);

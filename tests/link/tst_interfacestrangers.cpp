@@ -15,14 +15,14 @@ class TestInterfaceStrangers : public QObject
 private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
-    void halfACallAndThenNothing();
-    void sendingHalfIsShutDown_data();
-    void sendingHalfIsShutDown();
-    void killedProcess_data();
-    void killedProcess();
+    void silentProcessIsClosed();
+    void halfClosedConnectionIsClosed_data();
+    void halfClosedConnectionIsClosed();
+    void connectionsOfAKilledProcessAreClosed_data();
+    void connectionsOfAKilledProcessAreClosed();
 };
 
-void TestInterfaceStrangers::halfACallAndThenNothing()
+void TestInterfaceStrangers::silentProcessIsClosed()
 {
     TestServer server(200);
     Stranger stranger(server.port, 1);
@@ -33,14 +33,14 @@ void TestInterfaceStrangers::halfACallAndThenNothing()
     QCOMPARE(stranger.process.exitCode(), 0);
 }
 
-void TestInterfaceStrangers::sendingHalfIsShutDown_data()
+void TestInterfaceStrangers::halfClosedConnectionIsClosed_data()
 {
     QTest::addColumn<bool>("isSent");
     QTest::newRow("at once") << false;
     QTest::newRow("after half a call") << true;
 }
 
-void TestInterfaceStrangers::sendingHalfIsShutDown()
+void TestInterfaceStrangers::halfClosedConnectionIsClosed()
 {
     QFETCH(const bool, isSent);
     TestServer server; // no time-out that would help
@@ -58,7 +58,7 @@ void TestInterfaceStrangers::sendingHalfIsShutDown()
     QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
 }
 
-void TestInterfaceStrangers::killedProcess_data()
+void TestInterfaceStrangers::connectionsOfAKilledProcessAreClosed_data()
 {
     QTest::addColumn<bool>("isAnswered");
     QTest::newRow("nothing unread") << false;
@@ -66,7 +66,7 @@ void TestInterfaceStrangers::killedProcess_data()
     QTest::newRow("unread answer") << true;
 }
 
-void TestInterfaceStrangers::killedProcess()
+void TestInterfaceStrangers::connectionsOfAKilledProcessAreClosed()
 {
     QFETCH(const bool, isAnswered);
     TestServer server; // no time-out that would help

@@ -27,8 +27,8 @@ private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
     void stoppedProcessIsClosed();
-    void stoppedProcessKeepsNobodyOut();
-    void stoppedProcessDoesNotTakeWhatIsWritten();
+    void stoppedProcessDoesNotBlockCallers();
+    void stoppedProcessThatDoesNotReadIsClosed();
 };
 
 void TestInterfaceStrangersUnix::stoppedProcessIsClosed()
@@ -46,7 +46,7 @@ void TestInterfaceStrangersUnix::stoppedProcessIsClosed()
     QCOMPARE(stranger.process.exitCode(), 0);
 }
 
-void TestInterfaceStrangersUnix::stoppedProcessKeepsNobodyOut()
+void TestInterfaceStrangersUnix::stoppedProcessDoesNotBlockCallers()
 {
     TestServer server; // no time-out that would help
     constexpr int calls = CInterfaceCreator::kMaximumPeers;
@@ -61,7 +61,7 @@ void TestInterfaceStrangersUnix::stoppedProcessKeepsNobodyOut()
     QCOMPARE(server.callback.most, calls);
 }
 
-void TestInterfaceStrangersUnix::stoppedProcessDoesNotTakeWhatIsWritten()
+void TestInterfaceStrangersUnix::stoppedProcessThatDoesNotReadIsClosed()
 {
     TestServer server;
     const Stranger stranger(server.port, 1);

@@ -94,8 +94,8 @@ private slots:
     void init() { kLibrary = {}; }
 
     void createsOneOpenServer();
-    void endsWhatItCreated();
-    void withoutAnInterface();
+    void createdInterfaceIsDeleted();
+    void worksWithoutAnInterface();
     void tracesBeforeItShows();
 };
 
@@ -121,7 +121,7 @@ void TestTcpServerCalls::createsOneOpenServer()
     QCOMPARE(kLibrary.calls, 0);
 }
 
-void TestTcpServerCalls::endsWhatItCreated()
+void TestTcpServerCalls::createdInterfaceIsDeleted()
 {
     QWidget widget;
     auto server = std::make_unique<TCPServer>(&widget);
@@ -132,7 +132,7 @@ void TestTcpServerCalls::endsWhatItCreated()
     QVERIFY(!widget.isVisible());
 }
 
-void TestTcpServerCalls::withoutAnInterface()
+void TestTcpServerCalls::worksWithoutAnInterface()
 {
     kLibrary.fails = true;
     QWidget widget;

@@ -59,19 +59,11 @@ private slots:
     void cleanup();
 
     void starterIsAnsweredOnceTheDialogIsUp();
-    void thousandCallsInARow();
-    void silentPeersKeepNobodyFromRaisingTheDialog();
-    void floodCostsItsBound();
-    void randomBytesOnlyRaiseTheDialog();
+    void floodCostsBoundedMemory();
     void nothingIsLeftOpen();
 
 private:
-    static std::unique_ptr<QTcpSocket> Call()
-    {
-        auto caller = std::make_unique<QTcpSocket>();
-        caller->connectToHost(QHostAddress::LocalHost, LinkPort::kNumber);
-        return caller;
-    }
+    static std::unique_ptr<QTcpSocket> Call() { return CallerOf(LinkPort::kNumber); }
 };
 
 void TestTcpServerLoad::cleanup()
@@ -111,41 +103,7 @@ void TestTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
     }
 }
 
-void TestTcpServerLoad::thousandCallsInARow()
-{
-    NEED_PORT();
-    QDialog window;
-    const TraceRecorder traces;
-    const TCPServer server(&window);
-    for (int call = 1; call <= 1000; ++call) {
-        const auto caller = Call();
-        caller->write("show\n");
-        caller->disconnectFromHost();
-        // Without the pauses of a test's usual waiting.
-        QVERIFY(WaitUntil([&] { return traces.Count(kClosed) == call; }));
-        QVERIFY(window.isVisible());
-        window.hide();
-    }
-    QCOMPARE(traces.Count(kCalled), 1000);
-}
-
-void TestTcpServerLoad::silentPeersKeepNobodyFromRaisingTheDialog()
-{
-    NEED_PORT();
-    QDialog window;
-    const TraceRecorder traces;
-    const TCPServer server(&window);
-    std::array<std::unique_ptr<QTcpSocket>, 2UL * CInterfaceCreator::kMaximumPeers> silent;
-    for (auto& caller : silent)
-        caller = Call();
-    QTRY_COMPARE_WITH_TIMEOUT(traces.Count(kCalled), qsizetype(silent.size()), 20'000);
-    window.hide();
-    const auto caller = Call();
-    QTRY_VERIFY(window.isVisible());
-    QCOMPARE(traces.Count(kCalled), qsizetype(silent.size() + 1));
-}
-
-void TestTcpServerLoad::floodCostsItsBound()
+void TestTcpServerLoad::floodCostsBoundedMemory()
 {
     NEED_PORT();
     QDialog window;
@@ -165,28 +123,6 @@ void TestTcpServerLoad::floodCostsItsBound()
     window.hide();
     const auto caller = Call();
     QTRY_VERIFY(window.isVisible());
-}
-
-void TestTcpServerLoad::randomBytesOnlyRaiseTheDialog()
-{
-    NEED_PORT();
-    QDialog window;
-    const TraceRecorder traces;
-    const TCPServer server(&window);
-    QRandomGenerator random(5);
-    for (int call = 1; call <= 50; ++call) {
-        window.hide();
-        QByteArray bytes(random.bounded(1, 100'000), '\0');
-        for (char& byte : bytes)
-            byte = static_cast<char>(random.bounded(256));
-        const auto caller = Call();
-        caller->write(bytes);
-        caller->disconnectFromHost();
-        QTRY_COMPARE(traces.Count(kClosed), call);
-        QVERIFY(window.isVisible());
-        QCOMPARE(caller->bytesAvailable(), 0);
-    }
-    QCOMPARE(traces.Count(kCalled), 50);
 }
 
 void TestTcpServerLoad::nothingIsLeftOpen()

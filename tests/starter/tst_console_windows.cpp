@@ -13,9 +13,9 @@ private slots:
     void versionIsShown();
     void everyLetterIsShown_data() { programs(); }
     void everyLetterIsShown();
-    void streamsThatLeadElsewhere_data() { programs(); }
-    void streamsThatLeadElsewhere();
-    void startersHostTakesNoConsole();
+    void redirectedStreamsAreUsed_data() { programs(); }
+    void redirectedStreamsAreUsed();
+    void hostOfTheStarterGetsNoConsole();
 
 private:
     static void programs();
@@ -53,7 +53,7 @@ void TestConsole::everyLetterIsShown()
     QVERIFY2(console.Text().contains(letters), qPrintable(console.Text()));
 }
 
-void TestConsole::streamsThatLeadElsewhere()
+void TestConsole::redirectedStreamsAreUsed()
 {
     QFETCH(const QString, program);
     const QTemporaryDir directory;
@@ -76,7 +76,7 @@ void TestConsole::streamsThatLeadElsewhere()
     QVERIFY(error.endsWith('\n') && !error.contains('\r'));
 }
 
-void TestConsole::startersHostTakesNoConsole()
+void TestConsole::hostOfTheStarterGetsNoConsole()
 {
     const FakeHostRun run;
     PseudoConsole console;

@@ -12,19 +12,19 @@ class TestHostProcess : public QObject
     Q_OBJECT
 
 private slots:
-    void argumentsArriveAsTheyAre();
+    void argumentsArriveUnchanged();
     void directoryAndEnvironmentAreKept();
     void nothingElseIsInherited();
     void exitCode_data();
     void exitCode();
     void crash();
-    void cannotBeStarted_data();
-    void cannotBeStarted();
+    void unusableProgramIsReported_data();
+    void unusableProgramIsReported();
     void outlivesItsObject();
     void notStarted();
 };
 
-void TestHostProcess::argumentsArriveAsTheyAre()
+void TestHostProcess::argumentsArriveUnchanged()
 {
     const QStringList arguments{QStringLiteral("--config"),
                                 QStringLiteral("a folder with spaces"),
@@ -117,7 +117,7 @@ void TestHostProcess::crash()
 #endif
 }
 
-void TestHostProcess::cannotBeStarted_data()
+void TestHostProcess::unusableProgramIsReported_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char* kind : {"missing", "directory", "not a program"})
@@ -129,7 +129,7 @@ void TestHostProcess::cannotBeStarted_data()
 #endif
 }
 
-void TestHostProcess::cannotBeStarted()
+void TestHostProcess::unusableProgramIsReported()
 {
     QFETCH(const QString, kind);
     const QTemporaryDir directory;

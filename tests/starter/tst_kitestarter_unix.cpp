@@ -6,11 +6,8 @@ class TestKiteStarterUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void whatCannotBePrintedFails_data()
-    {
-        AddBrokenOutputs({{QStringLiteral("--help")}, {QStringLiteral("--version")}});
-    }
-    void whatCannotBePrintedFails()
+    void unwritableOutputFails_data() { AddBrokenOutputs({{QStringLiteral("--help")}, {QStringLiteral("--version")}}); }
+    void unwritableOutputFails()
     {
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);
@@ -25,8 +22,8 @@ private slots:
                  QByteArray("kitestarter: cannot write all of it to standard output\n"));
     }
 
-    void complaintsWithoutAReader_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
-    void complaintsWithoutAReader()
+    void unwritableErrorOutputKeepsTheExitCode_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
+    void unwritableErrorOutputKeepsTheExitCode()
     {
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);

@@ -29,43 +29,25 @@ class TestLinkCall : public QObject
     Q_OBJECT
 
 private slots:
-    void linkTakesIt();
-    void linkIsDoneWithItBeforeItAnswers();
+    void linkTakesTheCall();
     void everyCallIsTaken();
     void busyLinkIsWaitedFor();
     void fullLinkIsWaitedFor();
-    void nobodyListens();
-    void onlyTheOtherAddressListens();
-    void foreignService_data();
-    void foreignService();
-    void silentUntilTheDeadline();
-    void queueThatIsFull();
+    void closedPortRefuses();
+    void ipv6IsTriedNext();
+    void answersOfOtherServicesAreRecognised_data();
+    void answersOfOtherServicesAreRecognised();
+    void silentServiceTimesOut();
+    void fullQueueTimesOut();
     void nothingIsLeftOpen();
 };
 
-void TestLinkCall::linkTakesIt()
+void TestLinkCall::linkTakesTheCall()
 {
     TestServer server(10'000);
     QCOMPARE(Call(server.port, 30s, kHearingTime), LinkAnswer::Taken);
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Read, Kind::Close}));
     QCOMPARE(server.callback.Count(Kind::Open), 1);
-}
-
-void TestLinkCall::linkIsDoneWithItBeforeItAnswers()
-{
-    // What the callback does when it is called, such as to raise a window, is done when the caller is told.
-    TestServer server(10'000);
-    std::atomic<bool> isDone = false;
-    server.callback.onOpen = [&](IInterface*) {
-        QThread::msleep(1);
-        isDone = true;
-    };
-    for (int call = 0; call < 10; ++call) {
-        isDone = false;
-        const bool wasDone =
-            Beside([&] { return CallLink(server.port, QDeadlineTimer(30s), 0s) == LinkAnswer::Taken && isDone; });
-        QVERIFY(wasDone);
-    }
 }
 
 void TestLinkCall::everyCallIsTaken()
@@ -88,7 +70,7 @@ void TestLinkCall::busyLinkIsWaitedFor()
     TestServer server(10'000);
     auto answer = std::async(std::launch::async, [&] { return CallLink(server.port, QDeadlineTimer(30s)); });
     // No event loop runs here meanwhile, as while an application is being started.
-    QCOMPARE(answer.wait_for(300ms), std::future_status::timeout);
+    QCOMPARE(answer.wait_for(100ms), std::future_status::timeout);
     QVERIFY(QTest::qWaitFor([&] { return answer.wait_for(0s) == std::future_status::ready; }, 30'000));
     QCOMPARE(answer.get(), LinkAnswer::Taken);
 }
@@ -97,20 +79,18 @@ void TestLinkCall::fullLinkIsWaitedFor()
 {
     TestServer server; // no time-out that would help
     std::vector<std::unique_ptr<QTcpSocket>> silent;
-    for (int call = 0; call < 2 * CInterfaceCreator::kMaximumPeers; ++call) {
-        silent.push_back(std::make_unique<QTcpSocket>());
-        silent.back()->connectToHost(QHostAddress::LocalHost, server.port);
-    }
+    for (int call = 0; call < 2 * CInterfaceCreator::kMaximumPeers; ++call)
+        silent.push_back(CallerOf(server.port));
     QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
     QCOMPARE(Call(server.port), LinkAnswer::Taken);
 }
 
-void TestLinkCall::nobodyListens()
+void TestLinkCall::closedPortRefuses()
 {
     QCOMPARE(CallLink(FreePort(), QDeadlineTimer(30s)), LinkAnswer::Refused);
 }
 
-void TestLinkCall::onlyTheOtherAddressListens()
+void TestLinkCall::ipv6IsTriedNext()
 {
     if (!HasIPv6())
         QSKIP("This machine has no IPv6");
@@ -119,7 +99,7 @@ void TestLinkCall::onlyTheOtherAddressListens()
     QCOMPARE(service.calls, 1);
 }
 
-void TestLinkCall::foreignService_data()
+void TestLinkCall::answersOfOtherServicesAreRecognised_data()
 {
     QTest::addColumn<ForeignService::Manner>("manner");
     QTest::addColumn<LinkAnswer>("expected");
@@ -130,7 +110,7 @@ void TestLinkCall::foreignService_data()
     QTest::newRow("resets, like a host that ends") << ForeignService::CutsOff << LinkAnswer::CutOff;
 }
 
-void TestLinkCall::foreignService()
+void TestLinkCall::answersOfOtherServicesAreRecognised()
 {
     QFETCH(const ForeignService::Manner, manner);
     QFETCH(const LinkAnswer, expected);
@@ -141,24 +121,22 @@ void TestLinkCall::foreignService()
     QCOMPARE(service.calls, 1);
 }
 
-void TestLinkCall::silentUntilTheDeadline()
+void TestLinkCall::silentServiceTimesOut()
 {
     const ForeignService service(ForeignService::NeverCloses);
     QCOMPARE(Call(service.serverPort(), 100ms), LinkAnswer::Silent);
     QTRY_COMPARE(service.calls, 1);
 }
 
-void TestLinkCall::queueThatIsFull()
+void TestLinkCall::fullQueueTimesOut()
 {
     QTcpServer service;
     service.setListenBacklogSize(1);
     QVERIFY(service.listen(QHostAddress(QHostAddress::LocalHost)));
     service.pauseAccepting();
     std::vector<std::unique_ptr<QTcpSocket>> waiting;
-    for (int call = 0; call < 8; ++call) {
-        waiting.push_back(std::make_unique<QTcpSocket>());
-        waiting.back()->connectToHost(QHostAddress::LocalHost, service.serverPort());
-    }
+    for (int call = 0; call < 8; ++call)
+        waiting.push_back(CallerOf(service.serverPort()));
     QTRY_COMPARE(waiting.front()->state(), QAbstractSocket::ConnectedState);
     QCOMPARE(Call(service.serverPort(), 100ms), LinkAnswer::Silent);
 }

@@ -12,8 +12,8 @@ private slots:
     void defaults();
     void everyOption();
     void hostArgumentsAreLeftAlone();
-    void wrong_data();
-    void wrong();
+    void wrongCommandLines_data();
+    void wrongCommandLines();
     void help();
     void helpNamesEveryExitCode();
     void version();
@@ -65,7 +65,7 @@ void TestStarterOptions::hostArgumentsAreLeftAlone()
     QCOMPARE(Parse({QStringLiteral("--")}).outcome, Outcome::Run);
 }
 
-void TestStarterOptions::wrong_data()
+void TestStarterOptions::wrongCommandLines_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("hint");
@@ -87,7 +87,7 @@ void TestStarterOptions::wrong_data()
     row("beyond all numbers", {timeOut, QStringLiteral("99999999999999999999")}, "--timeout");
 }
 
-void TestStarterOptions::wrong()
+void TestStarterOptions::wrongCommandLines()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, hint);
