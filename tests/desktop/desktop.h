@@ -6,11 +6,11 @@
 #include <QStringList>
 #include <QTest>
 
-/// Mouse and keyboard from outside the program, as a person has them.
+/// Mouse and keyboard input from outside the program.
 class Desktop
 {
 public:
-    /// Runs xdotool while this program's events go on; what it printed, or a failed test.
+    /// Runs xdotool while this program processes events. Returns its output; fails the test when it does not end.
     static QString Do(const QStringList& arguments)
     {
         QProcess tool;

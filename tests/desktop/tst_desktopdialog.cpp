@@ -186,7 +186,7 @@ void TestDesktopDialog::fileDroppedOnTheTableIsImported()
 
     Desktop::MoveTo(source.mapToGlobal(QPoint(100, 100)));
     Desktop::Do({QStringLiteral("mousedown"), QStringLiteral("1")});
-    // The drag runs an event loop of its own, in which the rest of the way is gone.
+    // The drag runs a nested event loop, so another process moves the mouse on.
     const QPoint target = OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName);
     QProcess rest;
     rest.start(QStringLiteral("xdotool"),

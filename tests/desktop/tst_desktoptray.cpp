@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A session of the host with its dialog, as a person at this desktop has it.
+/// A session of the host with its dialog.
 struct Session : HostSession
 {
     Session()
@@ -28,13 +28,13 @@ struct Session : HostSession
     }
 
     QSystemTrayIcon* Icon() const { return session->findChild<QSystemTrayIcon*>(); }
-    /// Where a person sees the icon.
+    /// The place of the icon on the screen.
     QRect Place() const { return Icon()->geometry(); }
 
-    /// Whether the panel has taken it in and stands where it shall: it makes room first, and moves then.
+    /// Whether the panel has embedded the icon and has moved to its final place.
     bool IsDocked() const { return Panel::Place().contains(Place()); }
 
-    /// Opens the menu with the mouse and clicks on what it offers as `text`.
+    /// Opens the menu with the mouse and clicks on the item `text`.
     void Choose(const QString& text) const
     {
         Desktop::MoveTo(Place().center());
@@ -82,7 +82,7 @@ class TestDesktopTray : public QObject
 private slots:
     void init()
     {
-        // Of a panel that has just gone, the server still tells for a moment.
+        // The server may still announce a panel that has just ended.
         QTRY_VERIFY(!QSystemTrayIcon::isSystemTrayAvailable());
     }
 
@@ -102,7 +102,7 @@ void TestDesktopTray::iconIsShown()
     Session session;
     QTRY_VERIFY(session.IsDocked());
     QTRY_VERIFY(session.fake.isVisible());
-    // What stands on the screen is the drawing's blue ground, not an empty place.
+    // The screen shows the blue background of the icon, not an empty place.
     const QColor blue(0x1f, 0x5f, 0x9e);
     const auto hasBlue = [&] {
         const QImage image = session.fake.screen()

@@ -38,16 +38,16 @@ inline QStringList Words(const char* text)
                  qPrintable((result).error));                                                                          \
     } while (false)
 
-/// The host's executable as a child process, its configuration and data directories being folders of its own.
+/// The executable of the host as a child process, with temporary configuration and data directories.
 ///
-/// The data directory lists the applications that a test asks for; each is a program given by its path.
+/// The data directory lists the applications that a test installs.
 class HostSetUp
 {
 public:
     HostSetUp()
     {
         m_environment = QProcessEnvironment::systemEnvironment();
-        // As a person without a display has it: the host must find out by itself.
+        // The host must find out by itself that there is no display.
         m_hasDisplay = !System::TakeDisplay(m_environment);
         QDir(m_directory.path()).mkdir(QStringLiteral("data"));
     }

@@ -21,7 +21,7 @@
 
 namespace {
 
-/// What the system's session manager has Qt do when the session ends. There is no manager to be asked anything.
+/// Emits what Qt emits when the session manager ends the session, without a session manager.
 void EndSession()
 {
     const QMetaObject& meta = QGuiApplication::staticMetaObject;
@@ -208,7 +208,7 @@ void TestApplication::closingThatCannotSaveAsks()
             QWidget* const window = dialog.Window();
             WhenABoxIsOpen([&, window](QMessageBox& box) {
                 asked.append(box.text());
-                // As a person does who then makes room.
+                // The user makes room, and closes again.
                 QVERIFY(QFile::remove(folder));
                 QVERIFY(QDir().rename(aside, folder));
                 box.reject();
@@ -301,7 +301,7 @@ void TestApplication::unusableSizeKeepsTheWindowOnTheScreen()
     QFETCH(const QString, height);
     Host host;
     host.Run([](const ConnectDialog&) {});
-    // Whoever edits the file by hand.
+    // As edited by hand.
     int files = 0;
     QDirIterator documents(host.options.configDirectory, {QStringLiteral("*.ini")}, QDir::Files,
                            QDirIterator::Subdirectories);

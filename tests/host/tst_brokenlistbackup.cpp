@@ -84,7 +84,7 @@ void TestBrokenListBackup::malformedListIsCopied()
     QCOMPARE(Files::Read(Copies().constFirst()), document);
     QVERIFY2(said.contains(QLatin1String("5 entries")) && said.contains(Copies().constFirst()), qPrintable(said));
     QCOMPARE(recorder.Messages(), QStringList(QStringLiteral("BackUpBrokenList(): ") + said));
-    // Not moved away: the plug-in loads what there is.
+    // Copied, not moved: the plug-in still loads the document.
     QCOMPARE(Files::Read(Document()), document);
 }
 
@@ -117,7 +117,7 @@ void TestBrokenListBackup::differentContentsAreAllCopied()
 void TestBrokenListBackup::failedCopyIsReported()
 {
     Save(ListOf(2).chopped(30));
-    // The list is known, but its file has gone.
+    // The list is in memory, but its file is gone.
     QVERIFY(QFile::remove(Document()));
     const QString said = Keep();
     QVERIFY2(said.contains(QLatin1String("2 entries")) && said.contains(Document()), qPrintable(said));

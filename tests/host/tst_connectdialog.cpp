@@ -160,7 +160,7 @@ void TestConnectDialog::failedAppendChangesNothing()
 
 void TestConnectDialog::documentHoldsAllEntriesInModelOrder()
 {
-    // Says of each index that it is asked for which entry it stands for.
+    // Its document lists the names of the entries asked for.
     struct NamingModel : QStandardItemModel
     {
         NamingModel()

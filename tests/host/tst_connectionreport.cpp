@@ -47,7 +47,7 @@ void TestConnectionReport::columnsAreAligned()
     QCOMPARE(lines.size(), 3);
     const qsizetype status = lines.at(0).indexOf(QLatin1String("Heading 2"));
     QCOMPARE(lines.at(1).indexOf(QLatin1String("1          cell 3")), status);
-    // The accent takes no cell of its own.
+    // The combining accent takes no cell.
     QCOMPARE(lines.at(2).indexOf(QLatin1String("0          cell 3")), status + 1);
     QVERIFY(lines.at(1).endsWith(QLatin1String("  yes")));
     QVERIFY(lines.at(2).endsWith(QLatin1String("  no")));

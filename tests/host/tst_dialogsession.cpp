@@ -81,7 +81,7 @@ void TestDialogSession::closingSavesAndEnds()
 {
     Session host;
     host.session->Start();
-    // What was to be decided at the start has been.
+    // Decisions queued at the start are made.
     QCoreApplication::processEvents();
     host.fake.close();
     QTRY_COMPARE(host.end->count(), 1);
@@ -97,7 +97,7 @@ void TestDialogSession::closingAsksWhenSavingFails()
     QTRY_VERIFY(Question());
     QVERIFY2(Question()->text().startsWith(kNotSaved), qPrintable(Question()->text()));
     QCOMPARE(host.end->count(), 0);
-    // Whoever stays has the dialog again, with everything in it.
+    // After "Cancel" the dialog is back, with all entries.
     Answer(QStringLiteral("Cancel"));
     QTRY_VERIFY(host.fake.isVisible());
     QVERIFY(!Question());
@@ -154,7 +154,7 @@ void TestDialogSession::stayingHiddenIsShown()
     for (const QString& part : {QStringLiteral("1 entry is still in use."), QStringLiteral("kitestarter")})
         QVERIFY2(NoticeOnScreen()->text().contains(part), qPrintable(NoticeOnScreen()->text()));
     QVERIFY(host.fake.isHidden());
-    // It is in nobody's way: the dialog comes back when it should.
+    // The notice does not keep the dialog from coming back.
     host.fake.SetStatus(0, 0);
     QTRY_VERIFY(host.fake.isVisible());
     QVERIFY(NoticeOnScreen());

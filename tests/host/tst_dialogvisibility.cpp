@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The dialog with its keeper, shown, with one entry.
+/// The dialog under control of DialogVisibility, shown, with one entry.
 struct Kept
 {
     Kept()
@@ -22,7 +22,7 @@ struct Kept
         fake.Add(QStringLiteral("mast"), true);
         dialog = FindDialog();
         monitor = std::make_unique<StatusMonitor>(&fake.entries);
-        // What the plug-in's own slot does comes first, as in the host.
+        // The slot of the plug-in runs first, as in the host.
         QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
             fake.hide();
             if (onConnect)
@@ -222,7 +222,7 @@ void TestDialogVisibility::minimisingIsNotClosing()
 {
     Kept kept;
     kept.fake.showMinimized();
-    // What a window manager does to the window's content.
+    // Sent to the content of a minimised window.
     QHideEvent spontaneous;
     QCoreApplication::sendEvent(&kept.fake, &spontaneous);
     Settle();
@@ -247,7 +247,7 @@ void TestDialogVisibility::closingToTheTray()
     QTRY_COMPARE(kept.hidden->count(), 1);
     QCOMPARE(kept.wentToTray->count(), 1);
 
-    // Whoever sent it away calls it back; the end of an application does not.
+    // Only the user calls it back; the end of an application does not.
     kept.fake.SetStatus(0, 1);
     Settle();
     kept.fake.SetStatus(0, 0);

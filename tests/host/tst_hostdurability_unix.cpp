@@ -14,7 +14,7 @@
 
 #include <optional>
 
-/// Whether what the host makes outlasts a loss of power: as far as the system is asked for that, in the right order.
+/// Whether the host syncs what it writes, in the right order, so that it survives a power failure.
 class TestHostDurabilityUnix : public QObject
 {
     Q_OBJECT

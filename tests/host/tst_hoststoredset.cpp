@@ -116,7 +116,7 @@ void TestHostStoredSet::editedHexIsReadLikeThePlugin_data()
     const QString hex = QString::fromLatin1(ListOf(2).toHex());
     QTest::newRow("as written") << hex << State::Whole;
     QTest::newRow("capitals") << hex.toUpper() << State::Whole;
-    // What is no digit is passed over by the plug-in, too.
+    // The plug-in skips other characters, too.
     QTest::newRow("broken over lines") << QString(hex).insert(10, QStringLiteral("\n  ")) << State::Whole;
     QTest::newRow("no digit at all") << QStringLiteral("zzzz") << State::Malformed;
     QTest::newRow("a digit missing") << QString(hex).remove(100, 1) << State::Malformed;

@@ -19,7 +19,7 @@ private slots:
 
 namespace {
 
-/// A port that nobody had a moment ago.
+/// A port that was free a moment ago.
 quint16 SomePort()
 {
     QTcpServer server;

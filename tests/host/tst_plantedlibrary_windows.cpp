@@ -12,7 +12,7 @@
 
 namespace {
 
-// Nobody has such a library.
+// No library has this name.
 const wchar_t* const kLibrary = L"vexelplanted.dll";
 
 /// Lets the process load the library by its bare name, as if one of its own libraries did so. Returns whether it has
@@ -76,7 +76,7 @@ private slots:
         QProcess process;
         const QString config = Elsewhere() + QStringLiteral("/config");
         Start(process, QStringLiteral(VEXELHOST), {QStringLiteral("--config"), config}, place);
-        // It has to have begun: before that nobody could have taken care.
+        // Only a running program can protect itself.
         QTRY_VERIFY_WITH_TIMEOUT(QDir(config).exists(), 60'000);
         QCOMPARE(Loaded(process.processId()), QStringLiteral("not found"));
         End(process);
@@ -89,7 +89,7 @@ private slots:
         QProcess process;
         Start(process, QStringLiteral(VEXEL_KITESTARTER),
               {QStringLiteral("--host"), QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD))}, place);
-        // What it starts tells of its start.
+        // The program it starts writes a report.
         QTRY_VERIFY_WITH_TIMEOUT(!QDir(Elsewhere()).isEmpty(), 60'000);
         QCOMPARE(Loaded(process.processId()), QStringLiteral("not found"));
         End(process);

@@ -23,7 +23,7 @@ QByteArray Line(int number)
     return QByteArray::number(number).rightJustified(9, '0') + '\n';
 }
 
-/// A file in a folder of its own.
+/// A file in a temporary folder.
 struct Fixture
 {
     QTemporaryDir directory;
@@ -211,7 +211,7 @@ void TestRotatingFile::renamingWorksAgainLater()
     // Not with the next line: a way that is blocked is not tried with every line.
     QCOMPARE(file.Append(Line(i++)), QString());
     QVERIFY(!QFileInfo::exists(fixture.Earlier(1)));
-    // But before it has grown as much once more.
+    // But before it has doubled.
     for (; i < 350; ++i)
         QCOMPARE(file.Append(Line(i)), QString());
     // From then on files are as large as they shall be.
@@ -250,7 +250,7 @@ void TestRotatingFile::fileRenamedByAnotherProcessIsReopened()
     for (int i = 0; i < 100; ++i)
         QCOMPARE(one.Append(Line(i)), QString());
     QCOMPARE(one.Append(Line(100)), QString());
-    // What the other has open is full, and has been put aside: it moves on and puts nothing aside itself.
+    // The file that the other has open was renamed: it opens the new one, and renames nothing.
     QCOMPARE(other.Append(Line(101)), QString());
     QCOMPARE(Files::Read(fixture.name), Line(100) + Line(101));
     QCOMPARE(Files::Read(fixture.Earlier(1)).count('\n'), 100);
@@ -287,7 +287,7 @@ void TestRotatingFile::severalProcessesLoseNoLine()
         QVERIFY(process->waitForFinished());
         QCOMPARE(process->exitCode(), 0);
     }
-    // Every line is there, whole, once, whichever file it stands in.
+    // Every line is in one of the files, complete and once.
     std::set<QByteArray> lines;
     int count = 0;
     for (int number = 0; number <= RotatingFile::kKeptFiles; ++number) {

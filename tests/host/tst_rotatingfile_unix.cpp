@@ -65,7 +65,7 @@ void TestRotatingFileUnix::renamedFileIsLeftAlone()
     QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
     QVERIFY(QFile::rename(m_name, aside));
-    // A file that somebody else has put there is appended to.
+    // A file that another process has created there is appended to.
     QVERIFY(Files::Write(m_name, "zero\n"));
     QCOMPARE(file.Append("two\n"), QString());
     QCOMPARE(Files::Read(aside), QByteArray("one\n"));

@@ -31,7 +31,7 @@ QList<HWND> WindowsOf(const QProcess& process)
     return search.found;
 }
 
-/// The dialog, where it is shown.
+/// The dialog, if it is shown.
 HWND DialogOf(const QProcess& process)
 {
     const QList<HWND> windows = WindowsOf(process);
@@ -48,7 +48,7 @@ int Ask(HWND window, UINT message, WPARAM parameter)
     return isAnswered ? static_cast<int>(answer) : -1;
 }
 
-/// What the system does to a program when the session ends. The number of windows that it has asked.
+/// Sends what Windows sends to a program when the session ends. Returns the number of windows asked.
 int EndSession(const QProcess& process)
 {
     const QList<HWND> windows = WindowsOf(process);
@@ -62,7 +62,7 @@ int EndSession(const QProcess& process)
 
 } // namespace
 
-/// What becomes of the host's configuration when the system ends the session. Needs real windows, since they are asked.
+/// Whether the host saves its configuration when the session ends. Needs real windows, since they are asked.
 class TestSessionEnd : public QObject
 {
     Q_OBJECT
@@ -102,11 +102,11 @@ private slots:
         QVERIFY(process.waitForFinished());
     }
 
-    // It has no window that anybody sees, and nothing of what it does is stored before its end.
+    // It has no visible window, and stores nothing before its end.
     void headlessHostSavesEverything()
     {
         HostSetUp setUp;
-        // As it is where nobody has chosen how to draw: a host without a dialog draws nothing then.
+        // Without a platform chosen: a host without a dialog draws nothing then.
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
         QProcess process;
         StartAtWork(setUp, process);
@@ -193,7 +193,7 @@ private:
         return QDir(setUp.Data()).entryList({QStringLiteral("*.json")}, QDir::Files);
     }
 
-    /// What a host that was ended in the middle of it has left.
+    /// What a host leaves that was ended in the middle of its work.
     static void EndApplications(const HostSetUp& setUp)
     {
         for (const QString& report : Reports(setUp)) {

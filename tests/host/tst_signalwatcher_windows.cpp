@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The top-level windows of this thread, also hidden ones, as those find them who ask a program to end.
+/// The top-level windows of this thread, hidden ones too, as a program finds them that asks this one to end.
 std::vector<HWND> Windows()
 {
     std::vector<HWND> windows;
@@ -23,7 +23,7 @@ std::vector<HWND> Windows()
     return windows;
 }
 
-/// As loops of Windows' own do it, which know nothing of Qt.
+/// Dispatches messages like a native loop, which does not know Qt.
 void RunLoopOfWindows()
 {
     MSG message{};
@@ -31,7 +31,7 @@ void RunLoopOfWindows()
         DispatchMessageW(&message);
 }
 
-/// What Windows starts a thread with when something happens to the console.
+/// The function that Windows calls in a new thread on an event of the console.
 LPTHREAD_START_ROUTINE ConsoleRoutine()
 {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine");
@@ -51,7 +51,7 @@ bool HasEnded(HANDLE thread)
 
 } // namespace
 
-/// What a host hears that is asked to end. Needs a desktop, as windows do.
+/// How a host learns that it is asked to end. Needs a desktop for its windows.
 class TestSignalWatcher : public QObject
 {
     Q_OBJECT
@@ -65,7 +65,7 @@ private slots:
         QTRY_COMPARE(requests.size(), 1);
     }
 
-    // Loops of Windows' own leave out what goes to the thread.
+    // Native loops drop messages to the thread.
     void requestToTheWindowIsSeenInANativeLoop()
     {
         SignalWatcher watcher;
@@ -107,7 +107,7 @@ private slots:
 
     void withoutARequestNothingIsSeen()
     {
-        // The system may make some of its own with the first.
+        // The system may create some windows with the first.
         std::make_unique<SignalWatcher>().reset();
         const auto before = Windows().size();
         {
@@ -146,7 +146,7 @@ private slots:
         QTRY_COMPARE(requests.size(), 1);
         QVERIFY(!HasEnded(thread));
 
-        // Whoever ends lets the console's thread go on and does not wait for it; by itself that loses patience later.
+        // An ending program releases the console thread without waiting; otherwise the thread times out later.
         bool hasEnded = false;
         const std::unique_ptr<QThread> look(QThread::create([&] {
             constexpr DWORD kLessThanItsTimeoutMs = 10'000;

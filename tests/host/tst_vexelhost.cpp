@@ -1,7 +1,7 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/system.h"
 
-// The host's executable with the real plug-in: its command line, its lists, and what bad input gets.
+// The executable of the host with the real plug-in: command line, lists, bad input.
 class TestVexelHost : public QObject
 {
     Q_OBJECT

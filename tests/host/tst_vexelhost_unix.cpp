@@ -15,7 +15,7 @@ private slots:
 
     void applicationsOfAHeadlessHostUseTheDisplay()
     {
-        // The host shows nothing, but what it starts is meant for the person at the display.
+        // The host shows nothing, but the user at the display works with the applications.
         HostSetUp setUp;
         const QString program = setUp.Path("application");
         setUp.Write(program, "#!/bin/sh\nenv >environment.part && mv environment.part environment\n");

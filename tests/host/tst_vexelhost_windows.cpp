@@ -39,7 +39,7 @@ private slots:
         HostSetUp setUp;
         const QString list = setUp.Path("list.xml");
         setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
-        // The one that comes last is the one that holds. What could not be kept anywhere is not taken.
+        // The last value counts. A directory that cannot be used is not stored.
         for (const QStringList& work : {Words("--list"), {QStringLiteral("--add"), list}}) {
             const auto result = setUp.Run(QStringList{QStringLiteral("--config"), place} + work);
             COMPARE_FAILURE(result, 2, QLatin1String("configuration directory"));
@@ -75,7 +75,7 @@ private slots:
         const QString trace = QStringLiteral("Could not open %1/CfgVEXEL.xml for reading").arg(place);
         QVERIFY2(result.error.contains(trace), qPrintable(result.error));
 
-        // What is stored goes on without it, and is not forgotten: the drive may come back.
+        // The host works without it and keeps the stored path: the drive may come back.
         const QString list = setUp.Path("list.xml");
         setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("pier")}));
         const auto added = setUp.Run({QStringLiteral("--add"), list});
@@ -119,7 +119,7 @@ private slots:
         QFile file(reports.filePath(reports.entryList(QDir::Files).constFirst()));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QJsonArray inherited = QJsonDocument::fromJson(file.readAll()).object().value(u"inherited").toArray();
-        // The host's are pipes here; files are what whoever runs the tests has left open.
+        // The streams of the host are pipes here; files are those that the caller of the tests left open.
         for (const QJsonValue& handle : inherited)
             QVERIFY2(!handle.toString().endsWith(QLatin1String("of type 3")), qPrintable(handle.toString()));
     }

@@ -3,7 +3,7 @@
 
 #include <QRegularExpression>
 
-// The host's executable: the versions of the stored list, and what becomes of a list that breaks off.
+// The executable of the host: versions of the stored list, and truncated lists.
 class TestVexelHostBackups : public QObject
 {
     Q_OBJECT
@@ -186,7 +186,7 @@ void TestVexelHostBackups::restoreOfAnEqualVersionChangesNothing()
     HostSetUp setUp;
     StoreLists(setUp, 2);
     QCOMPARE(setUp.Run("--restore=1").exitCode, 0);
-    // Version 2 is the same as what is there now.
+    // Version 2 equals the present list.
     const QByteArray before = setUp.StoredText();
     const auto result = setUp.Run("--restore=2");
     QCOMPARE(result.exitCode, 0);
@@ -202,7 +202,7 @@ void TestVexelHostBackups::unknownVersionIsRefused()
     for (int lists = 0; lists <= 3; ++lists) {
         StoreLists(setUp, lists);
         if (lists > 0) {
-            // One version less than lists; what the earlier turns have left goes.
+            // One version less than lists; versions of earlier rounds are removed.
             const QStringList files = Files(setUp);
             for (qsizetype i = lists - 1; i < files.size(); ++i)
                 QVERIFY(QFile::remove(files.at(i)));

@@ -119,7 +119,7 @@ void TestVexelHostConnect::connectWithoutAFreeApplicationFails()
     setUp.Fill("mast pier", "pier");
     const auto result = setUp.Run("--connect mast --connect pier --wait");
     QCOMPARE(result.exitCode, 3);
-    // What could be connected was, and was waited for.
+    // The other entry was connected, and waited for.
     QCOMPARE(Changes(result.OutputLines()), kMastUsed);
     QCOMPARE(result.ErrorLines(),
              QStringList({QStringLiteral("vexelhost: Problem: Could not connect to \"pier\". There is no free "
@@ -231,7 +231,7 @@ void TestVexelHostConnect::picturesAreTakenAtEachMoment()
         QVERIFY(image.width() > 200 && image.width() < 2400);
     }
     QVERIFY(during != after);
-    // The picture's size is nobody's wish.
+    // The size of the picture is not stored as the size of the dialog.
     QVERIFY(!setUp.StoredText().contains(QByteArray("VexelConnectDlgGUI")));
 }
 
@@ -254,7 +254,7 @@ void TestVexelHostConnect::terminatedHostSaves()
     const auto result = HostSetUp::End(process);
     QCOMPARE(result.error, QString());
     QCOMPARE(result.exitCode, 0);
-    // Saved: what was added before it was terminated, and the ticks as they were.
+    // Saved: the added entry, and the unchanged ticks.
     QCOMPARE(setUp.Names(), Words("mast pier van"));
     QCOMPARE(setUp.TickedNames(), Words("pier"));
 }
@@ -322,13 +322,13 @@ void TestVexelHostConnect::failedSaveIsReportedOnce()
     QProcess process;
     setUp.Start(process, "--add more.xml --connect mast --wait");
     QTRY_VERIFY(process.peek(1000).contains("mast: Free -> In Use\n"));
-    // The directory goes, and nothing can take its place.
+    // The directory is gone, and cannot be recreated.
     QVERIFY(QDir().rename(setUp.Config(), setUp.Path("aside")));
     setUp.Write(setUp.Config(), "a regular file");
     process.terminate();
     const auto result = HostSetUp::End(process);
     QCOMPARE(result.exitCode, 2);
-    // Said once. That its lock file is gone, too, may be told beside that.
+    // Reported once; the lost lock file may be reported, too.
     QCOMPARE(result.ErrorLines().filter(QStringLiteral("could not be saved")).size(), 1);
     QVERIFY(QFile::remove(setUp.Config()));
     QVERIFY(QDir().rename(setUp.Path("aside"), setUp.Config()));

@@ -2,7 +2,7 @@
 
 #include <QTcpServer>
 
-// The host's executable: what it tells a support desk, above all where much is broken.
+// The executable of the host: its report for support, above all when much is broken.
 class TestVexelHostDiagnose : public QObject
 {
     Q_OBJECT
@@ -199,7 +199,7 @@ void TestVexelHostDiagnose::damagedDocuments()
     QVERIFY2(rows.at(0)[QLatin1String("state")].toString().startsWith(QLatin1String("DAMAGED; the next start uses")),
              qPrintable(rows.at(0)[QLatin1String("state")].toString()));
     QCOMPARE(rows.at(1)[QLatin1String("state")], QJsonValue(QStringLiteral("DAMAGED, and no version can be read")));
-    // What the next start loads.
+    // As the next start loads it.
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
     QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
 
@@ -288,7 +288,7 @@ void TestVexelHostDiagnose::usedPortIsReported()
 {
     HostSetUp setUp;
     QTcpServer server;
-    // Somebody else's host may have it for a while.
+    // Another host may use the port for a while.
     QTRY_VERIFY_WITH_TIMEOUT(server.isListening() || server.listen(QHostAddress::LocalHost, 8451), 60'000);
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "starterLink", "free"), QJsonValue(false));

@@ -3,7 +3,7 @@
 
 #include <QFileInfo>
 
-/// The host's executable where what it prints does not arrive.
+/// The executable of the host with outputs that cannot be written.
 class TestVexelHostOutputUnix : public QObject
 {
     Q_OBJECT

@@ -104,7 +104,7 @@ void TestVexelHostStoreUnix::fullDiskAllowsListAndExport()
     QCOMPARE(setUp.Names(), kAllNames);
 }
 
-// Such as a disk that can only be read; nobody keeps an administrator from writing but what stands in the way.
+// Like a read-only disk. A folder in the way stops even an administrator from writing.
 void TestVexelHostStoreUnix::readOnlyConfigurationCanBeListed()
 {
     HostSetUp setUp;
@@ -139,7 +139,7 @@ void TestVexelHostStoreUnix::pipeInPlaceOfTheLockDoesNotBlock()
     QCOMPARE(setUp.Names(), kAllNames);
 }
 
-// It would be an empty one, in place of a good file.
+// It would replace a good file by an empty list.
 void TestVexelHostStoreUnix::unreadableListIsNotExported()
 {
     HostSetUp setUp;
@@ -174,7 +174,7 @@ void TestVexelHostStoreUnix::oversizedDocumentIsDamaged()
     QCOMPARE(result.OutputLines().size(), 3); // the version of two entries
 }
 
-// Its versions may be in order, and nothing says that it is damaged.
+// It may be intact: only reading fails.
 void TestVexelHostStoreUnix::unreadableDocumentIsNotCalledDamaged()
 {
     HostSetUp setUp;

@@ -15,7 +15,7 @@
 #include <functional>
 #include <memory>
 
-/// Remembers what it is told and reads what comes, unless a hook takes that over.
+/// Records all calls and reads all bytes, unless a hook is set.
 class RecordingCallback : public IInterfaceCallback
 {
 public:
@@ -111,7 +111,7 @@ inline bool HasIPv6()
     return probe.listen(QHostAddress(QHostAddress::LocalHostIPv6));
 }
 
-/// A port that nobody has on either loopback address.
+/// A port that is free on both loopback addresses.
 inline quint16 FreePort()
 {
     for (;;) {
@@ -136,7 +136,7 @@ class TestServer
 public:
     explicit TestServer(quint64 number = 0)
     {
-        // Somebody else may be quicker to take the port.
+        // Another process may take the port first.
         for (int attempt = 0; !server && attempt < 10; ++attempt) {
             port = FreePort();
             server = Create(QStringLiteral("TCP::%1").arg(port), callback, number);

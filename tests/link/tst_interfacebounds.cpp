@@ -184,7 +184,7 @@ void TestInterfaceBounds::peerMaySendUpToTheLimit()
     QTRY_COMPARE(caller->bytesAvailable(), 10);
     QCOMPARE(server.callback.Count(Kind::Close), 0);
 
-    // What it has sent counts per call.
+    // The limit is per call.
     caller->disconnectFromHost();
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     const auto again = CallerOf(server.port);
@@ -266,8 +266,6 @@ void TestInterfaceBounds::talkingPeerStays()
     QCOMPARE(talking->state(), QAbstractSocket::ConnectedState);
     // Both had the same time, so the one is still there because it talked.
     QVERIFY(!server.callback.received.isEmpty());
-    talk.stop();
-    QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
 }
 
 void TestInterfaceBounds::hugeTimeOutNeverExpires()
@@ -370,7 +368,7 @@ void TestInterfaceBounds::nothingIsLeftOpen()
     QVERIFY(callOnce());
     const auto before = System::OpenHandles();
     {
-        // Those who hang up, those who are silent, those who send too much, and those who leave at once.
+        // Callers that hang up, are silent, reset the connection, or send too much.
         std::vector<std::unique_ptr<QTcpSocket>> callers;
         std::vector<std::unique_ptr<Flood>> floods;
         for (int call = 0; call < 50; ++call) {

@@ -42,7 +42,7 @@ void TestInterfaceBoundsUnix::serverSurvivesALackOfHandles()
         QCOMPARE(server.callback.events.constFirst().source, server.server.get());
         QVERIFY(server.server->IsOpen());
     }
-    // Nobody was lost.
+    // No caller was lost.
     QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
 }
 

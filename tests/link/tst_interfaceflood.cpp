@@ -10,7 +10,7 @@ using Kind = RecordingCallback::Kind;
 namespace {
 
 constexpr qint64 kMebibyte = 1024LL * 1024;
-// Sanitizers keep for a while what has been given back, and so their memory says nothing.
+// Sanitizers keep freed memory for a while, so the resident size says nothing.
 #ifdef VEXEL_SANITIZED
 constexpr bool kCanMeasure = false;
 constexpr qint64 kFlood = 64 * kMebibyte;
@@ -18,7 +18,7 @@ constexpr qint64 kFlood = 64 * kMebibyte;
 constexpr bool kCanMeasure = true;
 constexpr qint64 kFlood = 1024 * kMebibyte;
 #endif
-// What the sender holds, in this process, too, and what the allocator keeps of it.
+// Includes the buffers of the sender, which is in this process, and memory kept by the allocator.
 constexpr qint64 kMostKiB = 6L * 1024;
 
 } // namespace
@@ -44,7 +44,7 @@ private:
 
 void TestInterfaceFlood::initTestCase()
 {
-    // What has to be there anyway comes with the first one.
+    // The first flood makes the one-time allocations.
     TestServer server;
     Flood flood(server.port, 4 * kMebibyte);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
@@ -117,7 +117,7 @@ void TestInterfaceFlood::busyCallbackCostsBoundedMemory()
     qint64 most = 0;
     std::unique_ptr<Flood> flood;
     server.callback.onOpen = [&](IInterface*) {
-        // Time enough to send it all if somebody took it.
+        // Long enough to send it all if the server read it.
         const auto silent = CallerOf(clock.port);
         QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
         QVERIFY(flood->Unsent() > kFlood / 2);

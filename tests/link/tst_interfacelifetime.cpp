@@ -291,7 +291,7 @@ void TestInterfaceLifetime::callbacksOfOnePeerDoNotNest()
             QTRY_COMPARE(first.state(), QAbstractSocket::UnconnectedState);
             QVERIFY(server.callback.events.constLast().source != peer);
         }
-        // Still there, with what waited at first and nothing more.
+        // The peer still exists, and returns only the bytes announced.
         server.callback.received += RecordingCallback::Take(peer, length + 100);
         --depth;
     };

@@ -107,7 +107,7 @@ void TestInterfaces::validAddressIsAccepted()
 {
     QFETCH(const QString, address);
     RecordingCallback callback;
-    // Closed, so that nobody is called.
+    // Created closed, so nothing is called.
     const auto created = Create(address, callback, 0, true);
     QVERIFY(created);
     QVERIFY(!created->IsOpen());
@@ -238,7 +238,7 @@ void TestInterfaces::serversCanBeForbidden()
     QVERIFY(closed);
     QVERIFY(!closed->Open());
     QVERIFY(!closed->IsOpen());
-    // The port stays free, what listens goes on, and clients are none of this.
+    // The port stays free, earlier servers go on, clients are still allowed.
     QTcpServer other;
     QVERIFY(other.listen(QHostAddress(QHostAddress::LocalHost), port));
     QVERIFY(earlier->IsOpen());
@@ -439,7 +439,7 @@ void TestInterfaces::writeReachesEveryPeer()
     QTRY_COMPARE(second.bytesAvailable(), 6);
     QCOMPARE(first.readAll(), QByteArray("to all"));
 
-    // What is unsent goes out before a connection is closed.
+    // Unsent bytes are sent before a connection is closed.
     IInterface* const peer = server.callback.events.constFirst().source;
     peer->Write("last", 4);
     peer->Close();
@@ -477,7 +477,7 @@ void TestInterfaces::resetCallerIsClosed()
     caller.setReadBufferSize(1);
     caller.connectToHost(QHostAddress::LocalHost, server.port);
     QTRY_COMPARE(caller.bytesAvailable(), 1);
-    // Bytes that nobody has read turn the end into a reset.
+    // Unread bytes make the system reset the connection.
     caller.abort();
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Written, Kind::Close}));
     QCOMPARE(server.callback.Count(Kind::Close), 1);

@@ -7,7 +7,7 @@
 
 using Kind = RecordingCallback::Kind;
 
-/// Connections of which one side only still is there, or does anything.
+/// Connections whose other process is silent, killed or half closed.
 class TestInterfaceStrangers : public QObject
 {
     Q_OBJECT
@@ -51,7 +51,7 @@ void TestInterfaceStrangers::halfClosedConnectionIsClosed()
         QTRY_COMPARE(server.callback.received, Stranger::Said());
     }
     EndSending(caller->socketDescriptor());
-    // Nobody who has nothing more to say keeps a place.
+    // A caller that sends no more does not keep a place.
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.Count(Kind::Open), 1);
     QCOMPARE(server.callback.Count(Kind::Error), 0);

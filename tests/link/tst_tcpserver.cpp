@@ -21,7 +21,7 @@ namespace {
 constexpr quint16 kPort = LinkPort::kNumber;
 const QString kSourceFile = QStringLiteral("userinterface/vexelconnectdlg/tcpserver");
 
-// What becomes of the arrays that the server allocates.
+// The arrays that the server allocates.
 std::atomic<int> s_arraysAllocated = 0;
 std::atomic<const void*> s_watchedArray = nullptr;
 std::atomic<bool> s_watchedArrayReleased = false;
@@ -91,7 +91,7 @@ private:
     }
 };
 
-/// Notes in which order it is shown and activated.
+/// Records the order of show and activation.
 class Window : public QDialog
 {
 public:
@@ -198,7 +198,7 @@ void TestTcpServer::creationFails()
         QCOMPARE(traces.Messages(kSourceFile).size(), 1);
         COMPARE_TRACE(traces, "TCPServer(): Creation of Server TCP interface failed.", 54);
 
-        // Complete and usable, but that nobody calls back.
+        // Usable, but not called by anyone.
         QVERIFY(!window.isVisible());
         server.OnOpen(nullptr);
         QVERIFY(window.isVisible());
@@ -251,7 +251,7 @@ void TestTcpServer::destructionLeavesTheWidget()
     QTcpSocket late;
     late.connectToHost(QHostAddress::LocalHost, kPort);
     QVERIFY(late.waitForConnected());
-    // The plug-in deletes the dialog first; a call that waits then comes to nothing.
+    // The plug-in deletes the dialog first; a waiting call then does nothing.
     widget.reset();
     server.reset();
     QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
@@ -328,7 +328,7 @@ void TestTcpServer::onReadTakesAllBytes()
 void TestTcpServer::onReadKeepsItsBuffer()
 {
     FakeInterface fake;
-    // Nothing comes of what was announced.
+    // None of the announced bytes come.
     fake.read = [](char*, quint64* length) {
         *length = 0;
     };

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What the server has asked of the connections library, and what it gets.
+/// The calls of the server to the connections library, and the results it gets.
 struct Library
 {
     struct Creation
@@ -29,7 +29,7 @@ struct Library
 };
 Library kLibrary;
 
-/// An interface that counts itself, and whatever is asked of it.
+/// An interface that counts its instances and calls.
 class CountedInterface : public IInterface
 {
 public:
@@ -53,7 +53,7 @@ private:
     }
 };
 
-/// Notes what the trace has said by the time it is shown.
+/// Records the traces made before it is shown.
 class Window : public QDialog
 {
 public:
@@ -77,7 +77,7 @@ private:
 
 } // namespace
 
-// In the place of the library's.
+// Replaces that of the library.
 IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number,
                                                bool flag)
 {
@@ -85,7 +85,7 @@ IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfac
     return kLibrary.fails ? nullptr : new CountedInterface;
 }
 
-/// What the server asks of a connections library that does as the test says.
+/// The server on a fake connections library.
 class TestTcpServerCalls : public QObject
 {
     Q_OBJECT

@@ -68,14 +68,14 @@ private:
 
 void TestTcpServerLoad::cleanup()
 {
-    // The one that comes next needs the port.
+    // The next test needs the port.
     QTRY_VERIFY_WITH_TIMEOUT(LinkPort::IsFree(), 30'000);
 }
 
 void TestTcpServerLoad::starterIsAnsweredOnceTheDialogIsUp()
 {
     NEED_PORT();
-    /// Lets another thread see whether it is shown.
+    /// Another thread can ask whether it is shown.
     class Window : public QDialog
     {
     public:
@@ -115,7 +115,7 @@ void TestTcpServerLoad::floodCostsBoundedMemory()
         Flood stranger(LinkPort::kNumber, gibibyte);
         QTRY_VERIFY(stranger.Unsent() < gibibyte); // it has begun
         QTRY_COMPARE_WITH_TIMEOUT(stranger.socket.state(), QAbstractSocket::UnconnectedState, 30'000);
-        // Every buffer is kept for good, so this is what one peer costs for good.
+        // The server never frees its buffers, so one peer costs this much for good.
         QVERIFY(kBytesAllocated - before >= CInterfaceCreator::kMaximumBytesPerCall);
         QVERIFY2(kBytesAllocated - before < CInterfaceCreator::kMaximumBytesPerCall + 4096,
                  QByteArray::number(quint64(kBytesAllocated - before)).constData());

@@ -103,7 +103,7 @@ void TestHostProcess::crash()
 #ifdef Q_OS_WIN
     // There the C run time makes an exit code of it.
     QVERIFY(process.Ended()->exitCode != 0 || !process.Ended()->crash.isEmpty());
-    // What the system leaves as the exit code: an access violation, and an exception of C++ that nobody caught.
+    // Exit codes of an access violation and of an uncaught C++ exception.
     for (const quint32 code : {0xC0000005, 0xE06D7363}) {
         const FakeHostRun another;
         HostProcess broken;
@@ -154,7 +154,7 @@ void TestHostProcess::unusableProgramIsReported()
 void TestHostProcess::outlivesItsObject()
 {
     const FakeHostRun run;
-    // A port whose owner can be asked whether it lives.
+    // A call of its port shows whether the host runs.
     QTcpServer free;
     QVERIFY(free.listen(QHostAddress(QHostAddress::LocalHost)));
     const quint16 port = free.serverPort();

@@ -37,7 +37,7 @@ const QString kCalled = QStringLiteral("TCPServer::OnOpen(): Received call from 
 const QString kCreated = QStringLiteral("TCPServer(): Server TCP interface created.");
 const QString kFailed = QStringLiteral("TCPServer(): Creation of Server TCP interface failed.");
 
-/// A folder with a configuration for the host, and the ways to start what works on it. Hosts end with it.
+/// A temporary configuration for the host. Starts starters on it; ends their host at last.
 class SetUp
 {
 public:
@@ -154,7 +154,7 @@ void TestKiteStarter::runningDialogIsRaised()
 {
     NEED_PORT();
     const SetUp setUp;
-    // Started by somebody else.
+    // Not started by a starter.
     QProcess host;
     host.setProcessEnvironment(setUp.environment);
     host.start(QStringLiteral(VEXELHOST), setUp.HostArguments());

@@ -1,6 +1,6 @@
 #include "tests/support/brokenoutput_unix.h"
 
-/// The starter's executable where what it prints does not arrive.
+/// The executable of the starter with outputs that cannot be written.
 class TestKiteStarterUnix : public QObject
 {
     Q_OBJECT

@@ -13,7 +13,7 @@ LinkAnswer Call(quint16 port, std::chrono::milliseconds bound = 30s, std::chrono
     return Beside([=] { return CallLink(port, QDeadlineTimer(bound), hearing); });
 }
 
-/// Whether the service has noticed that its callers are gone. Not every system tells it before it says something more.
+/// Whether the service knows that its callers are gone. Some systems report it only at the next write.
 bool HaveAllGone(const ForeignService& service)
 {
     const auto callers = service.findChildren<QTcpSocket*>();

@@ -58,7 +58,7 @@ Starter::Outcome RunWith(const Starter::Settings& settings)
     return Beside([settings] { return Starter(settings).Run(); });
 }
 
-/// What `count` starters at the same moment come to.
+/// The outcomes of `count` starters that run at once.
 std::vector<Starter::Outcome> RunAtOnce(const Starter::Settings& settings, int count)
 {
     return Beside([&] {
@@ -275,7 +275,7 @@ void TestStarter::hangingHostIsReported()
 
 void TestStarter::otherHostOfTheConfigurationIsCalled()
 {
-    // A host that somebody else has started, and whose link comes later than the one started here ends.
+    // Another host runs on the configuration, and opens its link after the host started here has ended.
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
     auto answer = std::async(std::launch::async, [settings] { return Starter(settings).Run(); });
