@@ -14,7 +14,6 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
-#include <type_traits>
 
 namespace {
 

@@ -10,9 +10,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
-#include <QRandomGenerator>
 
-#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <future>

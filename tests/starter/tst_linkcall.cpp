@@ -117,8 +117,11 @@ void TestLinkCall::answersOfOtherServicesAreRecognised()
     const ForeignService service(manner);
     // These services drop their answer when the caller has ended first, so no answer may come too late.
     const auto hearing = expected == LinkAnswer::Foreign ? 30s : 0s;
-    QCOMPARE(Call(service.serverPort(), 30s, hearing), expected);
-    QCOMPARE(service.calls, 1);
+    // By chance an answer comes through to a caller that ends at once, but not every time.
+    constexpr int calls = 10;
+    for (int call = 0; call < calls; ++call)
+        QCOMPARE(Call(service.serverPort(), 30s, hearing), expected);
+    QCOMPARE(service.calls, calls);
 }
 
 void TestLinkCall::silentServiceTimesOut()
