@@ -7,17 +7,12 @@
 #include <QTcpSocket>
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 
 namespace {
 
-using namespace std::chrono_literals;
-
-// Wait before closing the sending direction. The dialog reacts to the connection itself, so only the caller waits.
-constexpr auto kHalfCloseDelay = 50ms;
-
-LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline)
+LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline,
+                std::chrono::milliseconds halfCloseDelay)
 {
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
@@ -30,9 +25,7 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
 
     if (!SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n")))
         return LinkAnswer::Reset;
-    // Many services do not answer once they have seen the end of the input.
-    const QDeadlineTimer halfCloseDeadline(kHalfCloseDelay);
-    PeerEvent event = WaitForPeer(socket.socketDescriptor(), std::min(halfCloseDeadline, deadline));
+    PeerEvent event = WaitForPeer(socket.socketDescriptor(), std::min(QDeadlineTimer(halfCloseDelay), deadline));
     if (event == PeerEvent::None) {
         ShutdownSending(socket.socketDescriptor());
         event = WaitForPeer(socket.socketDescriptor(), deadline);
@@ -52,10 +45,10 @@ LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadli
 
 } // namespace
 
-LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline)
+LinkAnswer CallLink(quint16 port, QDeadlineTimer deadline, std::chrono::milliseconds halfCloseDelay)
 {
-    const LinkAnswer result = Call(QHostAddress(QHostAddress::LocalHost), port, deadline);
+    const LinkAnswer result = Call(QHostAddress(QHostAddress::LocalHost), port, deadline, halfCloseDelay);
     if (result != LinkAnswer::Refused)
         return result;
-    return Call(QHostAddress(QHostAddress::LocalHostIPv6), port, deadline);
+    return Call(QHostAddress(QHostAddress::LocalHostIPv6), port, deadline, halfCloseDelay);
 }

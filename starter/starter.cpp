@@ -140,19 +140,20 @@ bool Starter::TryLock()
 
 Starter::Outcome Starter::TimedOut() const
 {
+    // First, because a host that is just being started has said nothing yet.
+    if (m_hasOtherHost) {
+        return {StarterExit::HostEnded,
+                QStringLiteral("another host uses the same configuration directory, but no dialog answered on port "
+                               "%1 within %2")
+                    .arg(m_settings.port)
+                    .arg(Seconds())};
+    }
     if (m_pHost) {
         return {StarterExit::NoAnswer,
                 QStringLiteral("%1 was started (process %2), but its dialog did not answer within %3; it is left "
                                "running")
                     .arg(m_settings.host)
                     .arg(m_pHost->Id())
-                    .arg(Seconds())};
-    }
-    if (m_hasOtherHost) {
-        return {StarterExit::HostEnded,
-                QStringLiteral("another host uses the same configuration directory, but no dialog answered on port "
-                               "%1 within %2")
-                    .arg(m_settings.port)
                     .arg(Seconds())};
     }
     if (m_hasOtherStarter) {

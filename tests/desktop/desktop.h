@@ -1,16 +1,16 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include <QCursor>
 #include <QPoint>
 #include <QProcess>
 #include <QStringList>
 #include <QTest>
 
-/// Mouse and keyboard from outside the program, as a person has them.
+/// Mouse and keyboard input from outside the program.
 class Desktop
 {
 public:
-    /// Runs xdotool while this program's events go on; what it printed, or a failed test.
+    /// Runs xdotool while this program processes events. Returns its output; fails the test when it does not end.
     static QString Do(const QStringList& arguments)
     {
         QProcess tool;
@@ -23,7 +23,9 @@ public:
 
     static void MoveTo(const QPoint& at)
     {
-        Do({QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(at.x()), QString::number(at.y())});
+        // Not with --sync, which waits 15 s when the pointer is there already.
+        Do({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y())});
+        QTRY_COMPARE(QCursor::pos(), at);
     }
 
     static void Click(const QPoint& at, int times = 1)

@@ -7,14 +7,14 @@
 #include <QSystemTrayIcon>
 #include <QTest>
 
-/// A panel with a system tray, as a desktop has it. It can go and come back.
+/// A panel with a system tray. It can be stopped and started again.
 class Panel
 {
 public:
     Panel() { Start(); }
     ~Panel() { Stop(); }
 
-    /// Where it stands on the screen while it holds one icon.
+    /// Its place on the screen while it holds one icon.
     static QRect Place()
     {
         const QRect screen = QGuiApplication::primaryScreen()->geometry();

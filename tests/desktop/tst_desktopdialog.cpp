@@ -48,6 +48,7 @@ private slots:
 
     void clickTicks();
     void doubleClickOnTheTickIsTwoClicks();
+    void doubleClickBegunElsewhereIsOneClick();
     void doubleClickEdits();
     void doubleClickEditsInTheDetails();
     void altCConnects();
@@ -101,6 +102,22 @@ void TestDesktopDialog::doubleClickOnTheTickIsTwoClicks()
     Desktop::Click(OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected), 2);
     QTRY_COMPARE(changed.count(), 2);
     QVERIFY(!m_fixture->model->GetConnection(1).Selected);
+}
+
+void TestDesktopDialog::doubleClickBegunElsewhereIsOneClick()
+{
+    const QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
+    QWidget* const viewport = m_fixture->BasicView()->viewport();
+    const QPoint place = OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnSelected);
+    // As after a first click at this place on a window that has gone.
+    for (const auto type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+        const bool isDown = type == QEvent::MouseButtonDblClick;
+        QMouseEvent event(type, viewport->mapFromGlobal(place), place, Qt::LeftButton,
+                          isDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(viewport, &event);
+    }
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(m_fixture->model->GetConnection(1).Selected);
 }
 
 void TestDesktopDialog::doubleClickEdits()
@@ -170,7 +187,7 @@ void TestDesktopDialog::fileDroppedOnTheTableIsImported()
 
     Desktop::MoveTo(source.mapToGlobal(QPoint(100, 100)));
     Desktop::Do({QStringLiteral("mousedown"), QStringLiteral("1")});
-    // The drag runs an event loop of its own, in which the rest of the way is gone.
+    // The drag runs a nested event loop, so another process moves the mouse on.
     const QPoint target = OnScreen(m_fixture->BasicView(), QStringLiteral("south"), ConnectionsModel::ColumnName);
     QProcess rest;
     rest.start(QStringLiteral("xdotool"),

@@ -22,7 +22,7 @@ private:
                             QStringLiteral("^Vexel - Connect Dialog$")})
             .section(QLatin1Char('\n'), 0, 0);
     }
-    /// Whether a window of the host stands in the panel.
+    /// Whether the panel holds a window of the host.
     static bool HasIcon()
     {
         // Deeper in the tree of windows than the other tool looks.
@@ -39,7 +39,7 @@ private:
         }
         return false;
     }
-    /// Whether a window shows a picture of its own in its title and in the task bar.
+    /// Whether a window has an icon for its title and the task bar.
     static bool HasPicture(const QString& window)
     {
         QProcess tool;

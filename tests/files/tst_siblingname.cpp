@@ -16,14 +16,14 @@ private slots:
     void nameHasMarkAndUtcTime()
     {
         const QDateTime time(QDate(2026, 3, 4), QTime(10, 11, 12, 345), QTimeZone(3600));
-        QCOMPARE(UniqueSiblingName(QStringLiteral("/no/such/list.ini"), QStringLiteral(".mark-"), time),
-                 QStringLiteral("/no/such/list.ini.mark-20260304T091112345"));
+        QCOMPARE(UniqueSiblingName(QStringLiteral("/no/such/list.json"), QStringLiteral(".mark-"), time),
+                 QStringLiteral("/no/such/list.json.mark-20260304T091112345"));
     }
 
     void existingNamesAreSkipped()
     {
         const QTemporaryDir directory;
-        const QString file = directory.filePath(QStringLiteral("list.ini"));
+        const QString file = directory.filePath(QStringLiteral("list.json"));
         const QDateTime time = QDateTime::currentDateTime();
         const auto next = [&] {
             return UniqueSiblingName(file, QStringLiteral(".mark-"), time);

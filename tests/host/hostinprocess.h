@@ -12,7 +12,7 @@
 
 #include <functional>
 
-/// The host with the real plug-in, in this process and with a configuration of its own, as often as a test runs it.
+/// The host with the real plug-in, in this process and with a temporary configuration. Can run several times.
 class Host
 {
 public:
@@ -26,7 +26,7 @@ public:
         options.language = QLocale(QStringLiteral("en_GB"));
     }
 
-    /// Runs the host; `work` is done once the dialog is shown. Where that does not end the host, it is ended then.
+    /// Runs the host and calls `work` when the dialog is shown. Ends the host then, unless `endsByItself`.
     ExitCode Run(const std::function<void(const ConnectDialog&)>& work, bool endsByItself = false)
     {
         // The size is restored when the first window of a process is shown.
@@ -48,7 +48,7 @@ public:
         return code;
     }
 
-    /// What is on disk at this moment, every file in one text. Of earlier states, kept beside, there is nothing in it.
+    /// All stored documents in one text, without their earlier versions.
     QByteArray Stored() const
     {
         QByteArray text;

@@ -12,16 +12,42 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// The host's executable as a child process, its configuration and data directories being folders of its own.
+/// The words of `text`, which blanks separate.
+inline QStringList Words(const char* text)
+{
+    return QString::fromUtf8(text).split(u' ', Qt::SkipEmptyParts);
+}
+
+/// The run has this exit code, nothing on standard output, and one line on standard error, which contains `hint`.
+#define COMPARE_FAILURE(result, code, hint)                                                                            \
+    do {                                                                                                               \
+        const HostSetUp::Result failed = (result);                                                                     \
+        QCOMPARE(failed.exitCode, code);                                                                               \
+        QCOMPARE(failed.output, QString());                                                                            \
+        QCOMPARE(failed.ErrorLines().size(), 1);                                                                       \
+        QVERIFY2(failed.error.startsWith(QLatin1String("vexelhost: ")) && failed.error.contains(hint),                 \
+                 qPrintable(failed.error));                                                                            \
+    } while (false)
+
+/// The run succeeds, and says one line on standard error, which contains `hint`.
+#define COMPARE_NOTICE(result, hint)                                                                                   \
+    do {                                                                                                               \
+        QCOMPARE((result).exitCode, 0);                                                                                \
+        QCOMPARE((result).ErrorLines().size(), 1);                                                                     \
+        QVERIFY2((result).error.startsWith(QLatin1String("vexelhost: ")) && (result).error.contains(hint),             \
+                 qPrintable((result).error));                                                                          \
+    } while (false)
+
+/// The executable of the host as a child process, with temporary configuration and data directories.
 ///
-/// The data directory lists the applications that a test asks for; each is a program given by its path.
+/// The data directory lists the applications that a test installs.
 class HostSetUp
 {
 public:
     HostSetUp()
     {
         m_environment = QProcessEnvironment::systemEnvironment();
-        // As a person without a display has it: the host must find out by itself.
+        // The host must find out by itself that there is no display.
         m_hasDisplay = !System::TakeDisplay(m_environment);
         QDir(m_directory.path()).mkdir(QStringLiteral("data"));
     }
@@ -29,6 +55,8 @@ public:
     QString Path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
     QString Config() const { return Path("config"); }
     QString Data() const { return Path("data"); }
+    /// The document with the stored list.
+    QString Document() const { return Path("config/application/@application.json"); }
     QProcessEnvironment& Environment() { return m_environment; }
     /// Whether the host finds a display.
     bool HasDisplay() const { return m_hasDisplay; }
@@ -68,7 +96,13 @@ public:
         return document.toUtf8() + "</ConnectionEntries>";
     }
 
+    void WriteList(const char* fileName, const char* names, const char* ticked = "") const
+    {
+        Write(Path(fileName), ListDocument(Words(names), Words(ticked)));
+    }
+
     /// Puts `names` into the stored list.
+    void Fill(const char* names, const char* ticked = "") { Fill(Words(names), Words(ticked)); }
     void Fill(const QStringList& names, const QStringList& ticked = {})
     {
         const QString fileName = Path("fill.xml");
@@ -89,6 +123,7 @@ public:
     };
 
     /// Runs the host with this configuration until it ends by itself.
+    Result Run(const char* arguments) { return Run(Words(arguments)); }
     Result Run(const QStringList& arguments)
     {
         QProcess process;
@@ -96,11 +131,25 @@ public:
         return End(process);
     }
 
+    /// The current directory is the one that `Path` names files in.
+    void Start(QProcess& process, const char* arguments) { Start(process, Words(arguments)); }
     void Start(QProcess& process, const QStringList& arguments)
     {
         process.setProcessEnvironment(m_environment);
         process.setWorkingDirectory(m_directory.path());
         process.start(QStringLiteral(VEXELHOST), QStringList{QStringLiteral("--config"), Config()} + arguments);
+    }
+
+    /// Starts a host that shows its dialog off screen, and waits until the plug-in is complete. Returns its traces.
+    QByteArray StartDialog(QProcess& process)
+    {
+        m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        Start(process, "--data data --trace");
+        QByteArray said;
+        [&] {
+            QTRY_VERIFY((said += process.readAllStandardError()).contains("TCPServer()"));
+        }();
+        return said;
     }
 
     /// Waits for the end of `process`, which was started here.

@@ -23,7 +23,7 @@
 
 namespace {
 
-/// What the system's session manager has Qt do when the session ends. There is no manager to be asked anything.
+/// Emits what Qt emits when the session manager ends the session, without a session manager.
 void EndSession()
 {
     const QMetaObject& meta = QGuiApplication::staticMetaObject;
@@ -71,24 +71,23 @@ class TestApplication : public QObject
     Q_OBJECT
 
 private slots:
-    void theEndOfTheSessionSavesEverything();
-    void aRequestToEndWhileABoxIsOpen_data();
-    void aRequestToEndWhileABoxIsOpen();
-    void saveNow();
-    void quitWithNothingInUse();
-    void quitAsksWhileEntriesAreInUse();
+    void endOfSessionSavesEverything();
+    void requestToEndClosesAnOpenBox_data();
+    void requestToEndClosesAnOpenBox();
+    void saveNowSavesAtOnce();
+    void quitEndsTheHost();
     void closingWithoutATrayEndsTheHost();
     void closingThatCannotSaveAsks();
-    void aDamagedConfigurationIsShownWhereNobodyReads();
-    void theTraySpeaksTheLanguage();
+    void damagedConfigurationIsShownInABox();
+    void trayMenuIsTranslated();
     void sizeOutlivesTheRun_data();
     void sizeOutlivesTheRun();
-    void unusableSizes_data();
-    void unusableSizes();
-    void aSecondHostWritesNothing();
+    void unusableSizeKeepsTheWindowOnTheScreen_data();
+    void unusableSizeKeepsTheWindowOnTheScreen();
+    void secondHostWritesNothing();
 };
 
-void TestApplication::theEndOfTheSessionSavesEverything()
+void TestApplication::endOfSessionSavesEverything()
 {
     Host host;
     const ExitCode code = host.Run([&](const ConnectDialog& dialog) {
@@ -110,7 +109,7 @@ void TestApplication::theEndOfTheSessionSavesEverything()
     QCOMPARE(code, ExitCode::Done);
 }
 
-void TestApplication::aRequestToEndWhileABoxIsOpen_data()
+void TestApplication::requestToEndClosesAnOpenBox_data()
 {
     QTest::addColumn<QString>("title");
     QTest::newRow("info") << QStringLiteral("Info");
@@ -119,7 +118,7 @@ void TestApplication::aRequestToEndWhileABoxIsOpen_data()
     QTest::newRow("question whether to quit") << QStringLiteral("Vexel - Connect Dialog");
 }
 
-void TestApplication::aRequestToEndWhileABoxIsOpen()
+void TestApplication::requestToEndClosesAnOpenBox()
 {
     QFETCH(const QString, title);
     Host host;
@@ -150,7 +149,7 @@ void TestApplication::aRequestToEndWhileABoxIsOpen()
     QVERIFY(host.HasStored("Box mast"));
 }
 
-void TestApplication::saveNow()
+void TestApplication::saveNowSavesAtOnce()
 {
     Host host;
     host.Run([&](const ConnectDialog& dialog) {
@@ -162,7 +161,7 @@ void TestApplication::saveNow()
     });
 }
 
-void TestApplication::quitWithNothingInUse()
+void TestApplication::quitEndsTheHost()
 {
     Host host;
     const ExitCode code = host.Run(
@@ -173,35 +172,6 @@ void TestApplication::quitWithNothingInUse()
         },
         true);
     QCOMPARE(code, ExitCode::Done);
-    QVERIFY(host.HasStored("Quit mast"));
-}
-
-void TestApplication::quitAsksWhileEntriesAreInUse()
-{
-    Host host;
-    QStringList answers{QStringLiteral("Cancel"), QStringLiteral("Quit")};
-    bool cancelled = false;
-    const std::function<void(QMessageBox&)> answer = [&](QMessageBox& box) {
-        const QString text = answers.takeFirst();
-        for (QAbstractButton* button : box.buttons())
-            if (button->text() == text)
-                QTimer::singleShot(0, button, &QAbstractButton::click);
-    };
-    host.Run(
-        [&](const ConnectDialog& dialog) {
-            AddEntry(dialog, QStringLiteral("Quit mast"));
-            dialog.Entries()->setData(dialog.Entries()->index(0, static_cast<int>(EntryColumn::Status)), 1);
-            WhenABoxIsOpen(answer);
-            TrayAction(QStringLiteral("Quit"))->trigger();
-            QTRY_VERIFY(!QApplication::activeModalWidget());
-            // Still here, and everything as it was.
-            cancelled = dialog.Window()->isVisible() && answers.size() == 1;
-            WhenABoxIsOpen(answer);
-            TrayAction(QStringLiteral("Quit"))->trigger();
-        },
-        true);
-    QVERIFY(cancelled);
-    QVERIFY(answers.isEmpty());
     QVERIFY(host.HasStored("Quit mast"));
 }
 
@@ -240,7 +210,7 @@ void TestApplication::closingThatCannotSaveAsks()
             QWidget* const window = dialog.Window();
             WhenABoxIsOpen([&, window](QMessageBox& box) {
                 asked.append(box.text());
-                // As a person does who then makes room.
+                // The user makes room, and closes again.
                 QVERIFY(QFile::remove(folder));
                 QVERIFY(QDir().rename(aside, folder));
                 box.reject();
@@ -256,7 +226,7 @@ void TestApplication::closingThatCannotSaveAsks()
     QVERIFY(host.HasStored("Kept mast"));
 }
 
-void TestApplication::aDamagedConfigurationIsShownWhereNobodyReads()
+void TestApplication::damagedConfigurationIsShownInABox()
 {
     Host host;
     for (const char* name : {"First mast", "Second mast"})
@@ -279,7 +249,7 @@ void TestApplication::aDamagedConfigurationIsShownWhereNobodyReads()
         QVERIFY(widget->objectName() != QLatin1String("m_noticeBox"));
 }
 
-void TestApplication::theTraySpeaksTheLanguage()
+void TestApplication::trayMenuIsTranslated()
 {
     Host host;
     host.options.language = QLocale(QStringLiteral("de_AT"));
@@ -315,7 +285,7 @@ void TestApplication::sizeOutlivesTheRun()
         host.Run([&](const ConnectDialog& dialog) { QCOMPARE(dialog.Window()->size(), size); });
 }
 
-void TestApplication::unusableSizes_data()
+void TestApplication::unusableSizeKeepsTheWindowOnTheScreen_data()
 {
     QTest::addColumn<QString>("width");
     QTest::addColumn<QString>("height");
@@ -327,7 +297,7 @@ void TestApplication::unusableSizes_data()
     QTest::newRow("tiny") << QStringLiteral("1") << QStringLiteral("1");
 }
 
-void TestApplication::unusableSizes()
+void TestApplication::unusableSizeKeepsTheWindowOnTheScreen()
 {
     QFETCH(const QString, width);
     QFETCH(const QString, height);
@@ -364,7 +334,7 @@ void TestApplication::unusableSizes()
     });
 }
 
-void TestApplication::aSecondHostWritesNothing()
+void TestApplication::secondHostWritesNothing()
 {
     Host host;
     host.Run([&](const ConnectDialog& dialog) {

@@ -19,10 +19,10 @@ class TestApplicationWithoutLink : public QObject
     Q_OBJECT
 
 private slots:
-    void theDialogWorksAndNobodyRaisesIt();
+    void dialogWorksWithoutTheLink();
 };
 
-void TestApplicationWithoutLink::theDialogWorksAndNobodyRaisesIt()
+void TestApplicationWithoutLink::dialogWorksWithoutTheLink()
 {
     NEED_PORT();
     QTcpServer other;

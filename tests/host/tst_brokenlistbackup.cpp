@@ -19,11 +19,11 @@ class TestBrokenListBackup : public QObject
 private slots:
     void init();
     void cleanup();
-    void aListInOrderIsLeftAlone();
-    void aMalformedListIsKept();
-    void theSameContentIsKeptOnce();
-    void everyOtherContentIsKept();
-    void whereItCannotBeKeptThatIsSaid();
+    void intactListIsNotCopied();
+    void malformedListIsCopied();
+    void sameContentIsCopiedOnce();
+    void differentContentsAreAllCopied();
+    void failedCopyIsReported();
 
 private:
     static void Save(const QByteArray& list);
@@ -63,7 +63,7 @@ QStringList TestBrokenListBackup::Copies()
     return copies;
 }
 
-void TestBrokenListBackup::aListInOrderIsLeftAlone()
+void TestBrokenListBackup::intactListIsNotCopied()
 {
     QCOMPARE(Keep(), QString());
     for (const QByteArray& list : {QByteArray(), ListOf(0), ListOf(3)}) {
@@ -73,7 +73,7 @@ void TestBrokenListBackup::aListInOrderIsLeftAlone()
     QCOMPARE(Copies(), QStringList());
 }
 
-void TestBrokenListBackup::aMalformedListIsKept()
+void TestBrokenListBackup::malformedListIsCopied()
 {
     Save(ListOf(5).chopped(30));
     const QByteArray document = Files::Read(Document());
@@ -85,11 +85,11 @@ void TestBrokenListBackup::aMalformedListIsKept()
     QCOMPARE(Files::Read(Copies().constFirst()), document);
     QVERIFY2(said.contains(QLatin1String("5 entries")) && said.contains(Copies().constFirst()), qPrintable(said));
     QCOMPARE(recorder.Messages(), QStringList(QStringLiteral("BackUpBrokenList(): ") + said));
-    // Not moved away: the plug-in loads what there is.
+    // Copied, not moved: the plug-in still loads the document.
     QCOMPARE(Files::Read(Document()), document);
 }
 
-void TestBrokenListBackup::theSameContentIsKeptOnce()
+void TestBrokenListBackup::sameContentIsCopiedOnce()
 {
     Save(ListOf(5).chopped(30));
     const QString said = Keep();
@@ -100,7 +100,7 @@ void TestBrokenListBackup::theSameContentIsKeptOnce()
     QCOMPARE(Copies().size(), 1);
 }
 
-void TestBrokenListBackup::everyOtherContentIsKept()
+void TestBrokenListBackup::differentContentsAreAllCopied()
 {
     constexpr int count = 20;
     QList<QByteArray> documents;
@@ -115,10 +115,10 @@ void TestBrokenListBackup::everyOtherContentIsKept()
         QVERIFY(documents.removeOne(Files::Read(copy)));
 }
 
-void TestBrokenListBackup::whereItCannotBeKeptThatIsSaid()
+void TestBrokenListBackup::failedCopyIsReported()
 {
     Save(ListOf(2).chopped(30));
-    // The list is known, but its file has gone.
+    // The list is in memory, but its file is gone.
     QVERIFY(QFile::remove(Document()));
     const QString said = Keep();
     QVERIFY2(said.contains(QLatin1String("2 entries")) && said.contains(Document()), qPrintable(said));

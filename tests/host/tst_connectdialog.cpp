@@ -1,4 +1,3 @@
-#include "host/plugin/connectdialog.h"
 #include "tests/support/fakedialog.h"
 #include "tests/support/testmain.h"
 
@@ -16,17 +15,17 @@ class TestConnectDialog : public QObject
 private slots:
     void init();
     void cleanup();
-    void findsTheParts();
-    void saysWhatIsMissing_data();
-    void saysWhatIsMissing();
-    void noDialogAtAll();
-    void rowsAreThoseOfTheList();
+    void partsAreFound();
+    void missingPartIsNamed_data();
+    void missingPartIsNamed();
+    void missingDialogIsReported();
+    void rowsFollowTheModelNotTheView();
     void namesAreComparedExactly();
-    void tickKeeperGivesTheTicksBack();
-    void tickKeeperFollowsMovedRows();
+    void tickRestorerRestoresTicks();
+    void tickRestorerFollowsMovedRows();
     void connectPressesTheButton();
-    void appendThatFailsLeavesTheListAlone();
-    void documentIsThatOfTheWholeListInItsOrder();
+    void failedAppendChangesNothing();
+    void documentHoldsAllEntriesInModelOrder();
 
 private:
     std::unique_ptr<FakeDialog> m_pFake;
@@ -44,18 +43,16 @@ void TestConnectDialog::cleanup()
     m_pFake.reset();
 }
 
-void TestConnectDialog::findsTheParts()
+void TestConnectDialog::partsAreFound()
 {
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY2(dialog, qPrintable(error));
-    QCOMPARE(dialog->Window(), m_pFake.get());
-    QCOMPARE(dialog->ConnectButton(), m_pFake->connectButton);
-    QCOMPARE(dialog->Views(), m_pFake->views);
-    QCOMPARE(dialog->Entries(), &m_pFake->entries);
+    const ConnectDialog dialog = FindDialog();
+    QCOMPARE(dialog.Window(), m_pFake.get());
+    QCOMPARE(dialog.ConnectButton(), m_pFake->connectButton);
+    QCOMPARE(dialog.Views(), m_pFake->views);
+    QCOMPARE(dialog.Entries(), &m_pFake->entries);
 }
 
-void TestConnectDialog::saysWhatIsMissing_data()
+void TestConnectDialog::missingPartIsNamed_data()
 {
     QTest::addColumn<QString>("part");
     QTest::newRow("basic view") << QStringLiteral("m_pBasicView");
@@ -64,7 +61,7 @@ void TestConnectDialog::saysWhatIsMissing_data()
     QTest::newRow("list") << QStringLiteral("ConnectionsModel");
 }
 
-void TestConnectDialog::saysWhatIsMissing()
+void TestConnectDialog::missingPartIsNamed()
 {
     QFETCH(const QString, part);
     if (auto* widget = m_pFake->findChild<QWidget*>(part))
@@ -76,7 +73,7 @@ void TestConnectDialog::saysWhatIsMissing()
     QVERIFY2(error.contains(part), qPrintable(error));
 }
 
-void TestConnectDialog::noDialogAtAll()
+void TestConnectDialog::missingDialogIsReported()
 {
     m_pFake.reset();
     QString error;
@@ -84,23 +81,21 @@ void TestConnectDialog::noDialogAtAll()
     QVERIFY2(error.contains(QLatin1String("VexelConnectDlgGUI")), qPrintable(error));
 }
 
-void TestConnectDialog::rowsAreThoseOfTheList()
+void TestConnectDialog::rowsFollowTheModelNotTheView()
 {
     m_pFake->Add(QStringLiteral("zebra"), true, 1);
     m_pFake->Add(QStringLiteral("ant"));
     QCOMPARE(m_pFake->proxy.index(0, 1).data().toString(), QStringLiteral("ant"));
 
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
-    QCOMPARE(dialog->Count(), 2);
-    QCOMPARE(dialog->Name(0), QStringLiteral("zebra"));
-    QCOMPARE(dialog->Name(1), QStringLiteral("ant"));
-    QVERIFY(dialog->IsTicked(0));
-    QVERIFY(!dialog->IsTicked(1));
-    QCOMPARE(dialog->Status(0), 1);
-    QCOMPARE(dialog->Status(1), 0);
-    dialog->SetTicked(1, true);
+    const ConnectDialog dialog = FindDialog();
+    QCOMPARE(dialog.Count(), 2);
+    QCOMPARE(dialog.Name(0), QStringLiteral("zebra"));
+    QCOMPARE(dialog.Name(1), QStringLiteral("ant"));
+    QVERIFY(dialog.IsTicked(0));
+    QVERIFY(!dialog.IsTicked(1));
+    QCOMPARE(dialog.Status(0), 1);
+    QCOMPARE(dialog.Status(1), 0);
+    dialog.SetTicked(1, true);
     QVERIFY(m_pFake->IsTicked(1));
 }
 
@@ -108,24 +103,20 @@ void TestConnectDialog::namesAreComparedExactly()
 {
     for (const char* name : {"mast", "Mast", "mast ", "mast"})
         m_pFake->Add(QString::fromLatin1(name));
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
-    QCOMPARE(dialog->RowsNamed(QStringLiteral("mast")), QList<int>({0, 3}));
-    QCOMPARE(dialog->RowsNamed(QStringLiteral("mas")), QList<int>());
+    const ConnectDialog dialog = FindDialog();
+    QCOMPARE(dialog.RowsNamed(QStringLiteral("mast")), QList<int>({0, 3}));
+    QCOMPARE(dialog.RowsNamed(QStringLiteral("mas")), QList<int>());
 }
 
-void TestConnectDialog::tickKeeperGivesTheTicksBack()
+void TestConnectDialog::tickRestorerRestoresTicks()
 {
     for (const bool ticked : {true, false, true, false})
         m_pFake->Add(QStringLiteral("x"), ticked);
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     {
-        const TickRestorer keeper(*dialog);
+        const TickRestorer keeper(dialog);
         for (int row = 0; row < 4; ++row)
-            dialog->SetTicked(row, row == 1);
+            dialog.SetTicked(row, row == 1);
     }
     QCOMPARE(m_pFake->IsTicked(0), true);
     QCOMPARE(m_pFake->IsTicked(1), false);
@@ -133,18 +124,16 @@ void TestConnectDialog::tickKeeperGivesTheTicksBack()
     QCOMPARE(m_pFake->IsTicked(3), false);
 }
 
-void TestConnectDialog::tickKeeperFollowsMovedRows()
+void TestConnectDialog::tickRestorerFollowsMovedRows()
 {
     m_pFake->Add(QStringLiteral("gone"), true);
     m_pFake->Add(QStringLiteral("ticked"), true);
     m_pFake->Add(QStringLiteral("unticked"), false);
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     {
-        const TickRestorer keeper(*dialog);
-        dialog->SetTicked(1, false);
-        dialog->SetTicked(2, true);
+        const TickRestorer keeper(dialog);
+        dialog.SetTicked(1, false);
+        dialog.SetTicked(2, true);
         m_pFake->entries.removeRow(0);
         m_pFake->Add(QStringLiteral("new"), true);
     }
@@ -155,28 +144,24 @@ void TestConnectDialog::tickKeeperFollowsMovedRows()
 
 void TestConnectDialog::connectPressesTheButton()
 {
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     QSignalSpy clicks(m_pFake->connectButton, &QAbstractButton::clicked);
-    dialog->PressConnect();
+    dialog.PressConnect();
     QCOMPARE(clicks.count(), 1);
 }
 
-void TestConnectDialog::appendThatFailsLeavesTheListAlone()
+void TestConnectDialog::failedAppendChangesNothing()
 {
     m_pFake->Add(QStringLiteral("a"));
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     // This model does not know the document at all.
-    QVERIFY(!dialog->Append("<ConnectionEntries/>"));
-    QCOMPARE(dialog->Count(), 1);
+    QVERIFY(!dialog.Append("<ConnectionEntries/>"));
+    QCOMPARE(dialog.Count(), 1);
 }
 
-void TestConnectDialog::documentIsThatOfTheWholeListInItsOrder()
+void TestConnectDialog::documentHoldsAllEntriesInModelOrder()
 {
-    // Says of each index that it is asked for which entry it stands for.
+    // Its document lists the names of the entries asked for.
     struct NamingModel : QStandardItemModel
     {
         NamingModel()
@@ -196,17 +181,15 @@ void TestConnectDialog::documentIsThatOfTheWholeListInItsOrder()
     NamingModel model;
     model.setObjectName(m_pFake->entries.objectName());
     m_pFake->proxy.setSourceModel(&model);
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY2(dialog, qPrintable(error));
-    QCOMPARE(dialog->Document(), QByteArray());
+    const ConnectDialog dialog = FindDialog();
+    QCOMPARE(dialog.Document(), QByteArray());
     for (const char* name : {"c", "a", "b"}) {
         model.appendRow(new QStandardItem);
         model.setData(model.index(model.rowCount() - 1, static_cast<int>(EntryColumn::Name)), QLatin1String(name));
     }
     // The views sort.
     QCOMPARE(m_pFake->proxy.index(0, static_cast<int>(EntryColumn::Name)).data().toString(), QStringLiteral("a"));
-    QCOMPARE(dialog->Document(), QByteArray("c a b"));
+    QCOMPARE(dialog.Document(), QByteArray("c a b"));
     m_pFake->proxy.setSourceModel(&m_pFake->entries);
 }
 

@@ -12,12 +12,12 @@ class TestConnectionReport : public QObject
     Q_OBJECT
 
 private slots:
-    void emptyListIsAHeading();
-    void columnsStandUnderTheirHeadings();
+    void emptyListPrintsTheHeadingOnly();
+    void columnsAreAligned();
     void namesCannotBreakTheTable();
     void longNamesAreCut();
-    void jsonHoldsValuesAsTheyAre();
-    void jsonOfAnEmptyList();
+    void jsonHoldsUnchangedValues();
+    void jsonOfAnEmptyListIsAnEmptyArray();
 };
 
 namespace {
@@ -31,7 +31,7 @@ QStringList Lines(const QString& table)
 
 } // namespace
 
-void TestConnectionReport::emptyListIsAHeading()
+void TestConnectionReport::emptyListPrintsTheHeadingOnly()
 {
     const FakeDialog fake;
     QCOMPARE(Lines(ConnectionTable(fake.entries)),
@@ -39,7 +39,7 @@ void TestConnectionReport::emptyListIsAHeading()
                                         "Heading 8  Heading 9  Selected")));
 }
 
-void TestConnectionReport::columnsStandUnderTheirHeadings()
+void TestConnectionReport::columnsAreAligned()
 {
     FakeDialog fake;
     fake.Add(QStringLiteral("a mast with a name"), true, 1);
@@ -48,7 +48,7 @@ void TestConnectionReport::columnsStandUnderTheirHeadings()
     QCOMPARE(lines.size(), 3);
     const qsizetype status = lines.at(0).indexOf(QLatin1String("Heading 2"));
     QCOMPARE(lines.at(1).indexOf(QLatin1String("1          cell 3")), status);
-    // The accent takes no cell of its own.
+    // The combining accent takes no cell.
     QCOMPARE(lines.at(2).indexOf(QLatin1String("0          cell 3")), status + 1);
     QVERIFY(lines.at(1).endsWith(QLatin1String("  yes")));
     QVERIFY(lines.at(2).endsWith(QLatin1String("  no")));
@@ -75,7 +75,7 @@ void TestConnectionReport::longNamesAreCut()
         QVERIFY(line.size() < 200);
 }
 
-void TestConnectionReport::jsonHoldsValuesAsTheyAre()
+void TestConnectionReport::jsonHoldsUnchangedValues()
 {
     const QString name = QStringLiteral("a\nb \"c\" \U0001F4E1");
     FakeDialog fake;
@@ -98,7 +98,7 @@ void TestConnectionReport::jsonHoldsValuesAsTheyAre()
     QCOMPARE(connection.size(), 15);
 }
 
-void TestConnectionReport::jsonOfAnEmptyList()
+void TestConnectionReport::jsonOfAnEmptyListIsAnEmptyArray()
 {
     const FakeDialog fake;
     const QJsonObject root = QJsonDocument::fromJson(ConnectionJson(fake.entries)).object();

@@ -12,11 +12,11 @@ class TestDataDirectory : public QObject
 
 private slots:
     void init();
-    void setIsWhatThePluginReads();
-    void fallbackStandsInOnlyWhileItLives();
-    void fallbackLeavesAStoredDirectoryAlone();
+    void setDirectoryIsReadByThePlugin();
+    void fallbackIsRemovedWithItsObject();
+    void fallbackKeepsAStoredDirectory();
     void noFallbackWithoutADirectory();
-    void samplesStandBesideTheProgram();
+    void samplesAreFoundBesideTheProgram();
 
 private:
     static QString Read();
@@ -34,13 +34,13 @@ void TestDataDirectory::init()
     QCOMPARE(Read(), QStringLiteral("(none)"));
 }
 
-void TestDataDirectory::setIsWhatThePluginReads()
+void TestDataDirectory::setDirectoryIsReadByThePlugin()
 {
     DataDirectory::Set(QStringLiteral("/given"));
     QCOMPARE(Read(), QStringLiteral("/given"));
 }
 
-void TestDataDirectory::fallbackStandsInOnlyWhileItLives()
+void TestDataDirectory::fallbackIsRemovedWithItsObject()
 {
     {
         const DataDirectory::Fallback fallback(QStringLiteral("/samples"));
@@ -49,7 +49,7 @@ void TestDataDirectory::fallbackStandsInOnlyWhileItLives()
     QCOMPARE(Read(), QStringLiteral("(none)"));
 }
 
-void TestDataDirectory::fallbackLeavesAStoredDirectoryAlone()
+void TestDataDirectory::fallbackKeepsAStoredDirectory()
 {
     DataDirectory::Set(QStringLiteral("/stored"));
     {
@@ -65,7 +65,7 @@ void TestDataDirectory::noFallbackWithoutADirectory()
     QCOMPARE(Read(), QStringLiteral("(none)"));
 }
 
-void TestDataDirectory::samplesStandBesideTheProgram()
+void TestDataDirectory::samplesAreFoundBesideTheProgram()
 {
     const QString directory = DataDirectory::InstalledSamples(QStringLiteral(PROGRAM_DIRECTORY));
     QVERIFY(QFileInfo(directory + QStringLiteral("/CfgVEXEL.xml")).isFile());

@@ -1,5 +1,4 @@
 #include "host/headless/dialogpicture.h"
-#include "host/plugin/connectdialog.h"
 #include "tests/support/fakedialog.h"
 #include "tests/support/testmain.h"
 
@@ -16,26 +15,24 @@ class TestDialogPicture : public QObject
     Q_OBJECT
 
 private slots:
-    void writesAPngThatShowsAllRowsAndColumns();
-    void leavesTheDialogShownOrHiddenAsItWas();
-    void boundedForLongLists();
-    void saysWhenTheFileCannotBeWritten();
+    void pictureShowsAllRowsAndColumns();
+    void visibilityOfTheDialogIsKept();
+    void pictureOfALongListIsBounded();
+    void unwritableFileIsReported();
 };
 
-void TestDialogPicture::writesAPngThatShowsAllRowsAndColumns()
+void TestDialogPicture::pictureShowsAllRowsAndColumns()
 {
     FakeDialog fake;
     fake.resize(100, 80);
     for (int i = 0; i < 18; ++i)
         fake.Add(QStringLiteral("a mast with a name that needs some room, number %1").arg(i));
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
 
     const QTemporaryDir directory;
     // The form does not depend on the name.
     const QString fileName = directory.filePath(QStringLiteral("picture"));
-    QCOMPARE(WriteDialogPicture(*dialog, fileName), QString());
+    QCOMPARE(WriteDialogPicture(dialog, fileName), QString());
     QFile file(fileName);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.peek(8).startsWith("\x89PNG"));
@@ -48,46 +45,40 @@ void TestDialogPicture::writesAPngThatShowsAllRowsAndColumns()
     }
 }
 
-void TestDialogPicture::leavesTheDialogShownOrHiddenAsItWas()
+void TestDialogPicture::visibilityOfTheDialogIsKept()
 {
     const FakeDialog fake;
-    QString error;
-    std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     const QTemporaryDir directory;
-    QCOMPARE(WriteDialogPicture(*dialog, directory.filePath(QStringLiteral("a.png"))), QString());
+    QCOMPARE(WriteDialogPicture(dialog, directory.filePath(QStringLiteral("a.png"))), QString());
     QVERIFY(fake.isHidden());
-    dialog->Window()->show();
-    QCOMPARE(WriteDialogPicture(*dialog, directory.filePath(QStringLiteral("b.png"))), QString());
+    dialog.Window()->show();
+    QCOMPARE(WriteDialogPicture(dialog, directory.filePath(QStringLiteral("b.png"))), QString());
     QVERIFY(fake.isVisible());
 }
 
-void TestDialogPicture::boundedForLongLists()
+void TestDialogPicture::pictureOfALongListIsBounded()
 {
     FakeDialog fake;
     for (int i = 0; i < 200; ++i)
         fake.Add(QString(1000, QLatin1Char('w')));
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("a.png"));
-    QCOMPARE(WriteDialogPicture(*dialog, fileName), QString());
+    QCOMPARE(WriteDialogPicture(dialog, fileName), QString());
     const QImage image(fileName);
     QVERIFY(!image.isNull());
     QVERIFY(image.width() <= 2400);
     QVERIFY(image.height() <= 1600);
 }
 
-void TestDialogPicture::saysWhenTheFileCannotBeWritten()
+void TestDialogPicture::unwritableFileIsReported()
 {
     const FakeDialog fake;
-    QString error;
-    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
-    QVERIFY(dialog);
+    const ConnectDialog dialog = FindDialog();
     const QTemporaryDir directory;
     for (const QString& fileName : {directory.filePath(QStringLiteral("no/such/folder/a.png")), directory.path()}) {
-        const QString said = WriteDialogPicture(*dialog, fileName);
+        const QString said = WriteDialogPicture(dialog, fileName);
         QVERIFY2(said.contains(fileName), qPrintable(said));
     }
     QVERIFY(QDir(directory.path()).isEmpty());

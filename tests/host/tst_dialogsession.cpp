@@ -69,12 +69,12 @@ private slots:
     }
 
     void closingSavesAndEnds();
-    void closingThatCannotSaveAsks();
-    void quittingThatCannotSaveAsks();
-    void aFailedSaveWhileInUseIsShown();
+    void closingAsksWhenSavingFails();
+    void quittingAsksWhenSavingFails();
+    void failedSaveWhileInUseIsShown();
     void stayingHiddenIsShown();
     void nothingIsShownWhereStandardErrorIsRead();
-    void whatCameBeforeTheDialogIsShownWithIt();
+    void earlierNoticesAreShownWithTheDialog();
     void severalNoticesShareABox();
 };
 
@@ -82,14 +82,14 @@ void TestDialogSession::closingSavesAndEnds()
 {
     Session host;
     host.session->Start();
-    // What was to be decided at the start has been.
+    // Decisions queued at the start are made.
     QCoreApplication::processEvents();
     host.fake.close();
     QTRY_COMPARE(host.end->count(), 1);
     QVERIFY(host.saved > 0);
 }
 
-void TestDialogSession::closingThatCannotSaveAsks()
+void TestDialogSession::closingAsksWhenSavingFails()
 {
     Session host;
     host.session->Start();
@@ -98,7 +98,7 @@ void TestDialogSession::closingThatCannotSaveAsks()
     QTRY_VERIFY(Question());
     QVERIFY2(Question()->text().startsWith(kNotSaved), qPrintable(Question()->text()));
     QCOMPARE(host.end->count(), 0);
-    // Whoever stays has the dialog again, with everything in it.
+    // After "Cancel" the dialog is back, with all entries.
     Answer(QStringLiteral("Cancel"));
     QTRY_VERIFY(host.fake.isVisible());
     QVERIFY(!Question());
@@ -115,7 +115,7 @@ void TestDialogSession::closingThatCannotSaveAsks()
     QTRY_COMPARE(host.end->count(), 2);
 }
 
-void TestDialogSession::quittingThatCannotSaveAsks()
+void TestDialogSession::quittingAsksWhenSavingFails()
 {
     Session host;
     host.session->Start();
@@ -133,7 +133,7 @@ void TestDialogSession::quittingThatCannotSaveAsks()
     QCOMPARE(host.end->count(), 1);
 }
 
-void TestDialogSession::aFailedSaveWhileInUseIsShown()
+void TestDialogSession::failedSaveWhileInUseIsShown()
 {
     Session host;
     host.session->Start();
@@ -155,7 +155,7 @@ void TestDialogSession::stayingHiddenIsShown()
     for (const QString& part : {QStringLiteral("1 entry is still in use."), QStringLiteral("kitestarter")})
         QVERIFY2(NoticeOnScreen()->text().contains(part), qPrintable(NoticeOnScreen()->text()));
     QVERIFY(host.fake.isHidden());
-    // It is in nobody's way: the dialog comes back when it should.
+    // The notice does not keep the dialog from coming back.
     host.fake.SetStatus(0, 0);
     QTRY_VERIFY(host.fake.isVisible());
     QVERIFY(NoticeOnScreen());
@@ -184,7 +184,7 @@ void TestDialogSession::nothingIsShownWhereStandardErrorIsRead()
     QVERIFY2(said.contains("vexelhost: 1 entry is still in use"), said.constData());
 }
 
-void TestDialogSession::whatCameBeforeTheDialogIsShownWithIt()
+void TestDialogSession::earlierNoticesAreShownWithTheDialog()
 {
     Session host;
     host.notices.Report(QStringLiteral("the document <b>was</b> damaged"));

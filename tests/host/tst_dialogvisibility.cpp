@@ -1,5 +1,4 @@
 #include "host/desktop/dialogvisibility.h"
-#include "host/plugin/connectdialog.h"
 #include "host/plugin/statusmonitor.h"
 #include "tests/support/fakedialog.h"
 #include "tests/support/testmain.h"
@@ -16,16 +15,22 @@
 
 namespace {
 
-/// The dialog with its keeper, shown, with one entry.
+/// Processes all queued events.
+void Settle()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+/// The dialog under control of DialogVisibility, shown, with one entry.
 struct Kept
 {
     Kept()
     {
         fake.Add(QStringLiteral("mast"), true);
-        QString error;
-        dialog = ConnectDialog::Find(error);
+        dialog = FindDialog();
         monitor = std::make_unique<StatusMonitor>(&fake.entries);
-        // What the plug-in's own slot does comes first, as in the host.
+        // The slot of the plug-in runs first, as in the host.
         QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
             fake.hide();
             if (onConnect)
@@ -40,6 +45,16 @@ struct Kept
         fake.show();
     }
 
+    /// Presses the button; the entry is in use then.
+    void Connect()
+    {
+        onConnect = [this] {
+            fake.SetStatus(0, 1);
+        };
+        fake.connectButton->click();
+        Settle();
+    }
+
     FakeDialog fake;
     std::function<void()> onConnect;
     std::optional<ConnectDialog> dialog;
@@ -52,13 +67,6 @@ struct Kept
     std::unique_ptr<QSignalSpy> asks;
 };
 
-/// Lets everything that is waiting in the event queue happen.
-void Settle()
-{
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-}
-
 } // namespace
 
 class TestDialogVisibility : public QObject
@@ -69,26 +77,24 @@ private slots:
     void closingWithNothingInUseEndsTheHost_data();
     void closingWithNothingInUseEndsTheHost();
     void closingWhileInUseStaysAndComesBack();
-    void closingAgainAfterwardsEndsTheHost();
     void connectingHidesUntilTheLastHasEnded();
     void connectingInVainShowsTheDialogAgain();
-    void aProblemBoxDoesNotEndTheHost();
-    void anApplicationThatEndsDuringTheProblemBox();
-    void anApplicationThatEndsWhileTheDialogIsShown();
+    void problemBoxDoesNotEndTheHost();
+    void applicationMayEndDuringTheProblemBox();
+    void applicationMayEndWhileTheDialogIsShown();
     void minimisingIsNotClosing();
 
     void closingToTheTray_data();
     void closingToTheTray();
-    void theTrayIsExplainedOnce();
+    void trayIsExplainedOnce();
     void connectingWithATrayComesBack();
     void calledFromTheTrayWhileWaiting();
-    void theTrayGoesWhileTheDialogIsAway();
-    void theTrayGoesWhileEntriesAreInUse();
-    void theTrayGoesWhileTheDialogIsShown();
-    void theTrayAppearsLater();
-    void theTrayAppearsWhileWaiting();
-    void askingToEnd();
-    void aBoxThatWasAnsweredHoldsNothingUp();
+    void lostTrayShowsTheHiddenDialog();
+    void lostTrayKeepsTheDialogHiddenWhileInUse();
+    void lostTrayKeepsTheShownDialog();
+    void newTrayDoesNotKeepTheDialogHidden();
+    void askToEndAsksOnlyWhileInUse();
+    void answeredBoxNoLongerDelays();
 };
 
 void TestDialogVisibility::closingWithNothingInUseEndsTheHost_data()
@@ -125,16 +131,7 @@ void TestDialogVisibility::closingWhileInUseStaysAndComesBack()
     QTRY_VERIFY(kept.fake.isVisible());
     QCOMPARE(kept.end->count(), 0);
     QCOMPARE(kept.stays->count(), 1);
-}
 
-void TestDialogVisibility::closingAgainAfterwardsEndsTheHost()
-{
-    Kept kept;
-    kept.fake.SetStatus(0, 1);
-    kept.fake.hide();
-    QTRY_COMPARE(kept.stays->count(), 1);
-    kept.fake.SetStatus(0, 0);
-    QTRY_VERIFY(kept.fake.isVisible());
     kept.fake.hide();
     QTRY_COMPARE(kept.end->count(), 1);
 }
@@ -172,7 +169,7 @@ void TestDialogVisibility::connectingInVainShowsTheDialogAgain()
     QVERIFY(kept.fake.isVisible());
 }
 
-void TestDialogVisibility::aProblemBoxDoesNotEndTheHost()
+void TestDialogVisibility::problemBoxDoesNotEndTheHost()
 {
     Kept kept;
     bool endedDuringBox = false;
@@ -193,7 +190,7 @@ void TestDialogVisibility::aProblemBoxDoesNotEndTheHost()
     QVERIFY(kept.fake.isHidden());
 }
 
-void TestDialogVisibility::anApplicationThatEndsDuringTheProblemBox()
+void TestDialogVisibility::applicationMayEndDuringTheProblemBox()
 {
     Kept kept;
     kept.onConnect = [&] {
@@ -211,7 +208,7 @@ void TestDialogVisibility::anApplicationThatEndsDuringTheProblemBox()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::anApplicationThatEndsWhileTheDialogIsShown()
+void TestDialogVisibility::applicationMayEndWhileTheDialogIsShown()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
@@ -226,7 +223,7 @@ void TestDialogVisibility::minimisingIsNotClosing()
 {
     Kept kept;
     kept.fake.showMinimized();
-    // What a window manager does to the window's content.
+    // Sent to the content of a minimised window.
     QHideEvent spontaneous;
     QCoreApplication::sendEvent(&kept.fake, &spontaneous);
     Settle();
@@ -251,7 +248,7 @@ void TestDialogVisibility::closingToTheTray()
     QTRY_COMPARE(kept.hidden->count(), 1);
     QCOMPARE(kept.wentToTray->count(), 1);
 
-    // Whoever sent it away calls it back; the end of an application does not.
+    // Only the user calls it back; the end of an application does not.
     kept.fake.SetStatus(0, 1);
     Settle();
     kept.fake.SetStatus(0, 0);
@@ -267,7 +264,7 @@ void TestDialogVisibility::closingToTheTray()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::theTrayIsExplainedOnce()
+void TestDialogVisibility::trayIsExplainedOnce()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -284,11 +281,7 @@ void TestDialogVisibility::connectingWithATrayComesBack()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
-    kept.onConnect = [&] {
-        kept.fake.SetStatus(0, 1);
-    };
-    kept.fake.connectButton->click();
-    Settle();
+    kept.Connect();
     QVERIFY(kept.fake.isHidden());
     // It was not sent away, it made room.
     QCOMPARE(kept.wentToTray->count(), 0);
@@ -305,11 +298,7 @@ void TestDialogVisibility::calledFromTheTrayWhileWaiting()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
-    kept.onConnect = [&] {
-        kept.fake.SetStatus(0, 1);
-    };
-    kept.fake.connectButton->click();
-    Settle();
+    kept.Connect();
     kept.keeper->ShowDialog();
     QVERIFY(kept.fake.isVisible());
     // Closed by now, so it stays away.
@@ -321,7 +310,7 @@ void TestDialogVisibility::calledFromTheTrayWhileWaiting()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::theTrayGoesWhileTheDialogIsAway()
+void TestDialogVisibility::lostTrayShowsTheHiddenDialog()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -335,7 +324,7 @@ void TestDialogVisibility::theTrayGoesWhileTheDialogIsAway()
     QTRY_COMPARE(kept.end->count(), 1);
 }
 
-void TestDialogVisibility::theTrayGoesWhileEntriesAreInUse()
+void TestDialogVisibility::lostTrayKeepsTheDialogHiddenWhileInUse()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -351,7 +340,7 @@ void TestDialogVisibility::theTrayGoesWhileEntriesAreInUse()
     QCOMPARE(kept.end->count(), 0);
 }
 
-void TestDialogVisibility::theTrayGoesWhileTheDialogIsShown()
+void TestDialogVisibility::lostTrayKeepsTheShownDialog()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
@@ -364,17 +353,7 @@ void TestDialogVisibility::theTrayGoesWhileTheDialogIsShown()
     QTRY_COMPARE(kept.end->count(), 1);
 }
 
-void TestDialogVisibility::theTrayAppearsLater()
-{
-    Kept kept;
-    Settle();
-    kept.keeper->SetTrayAvailable(true);
-    kept.fake.close();
-    QTRY_COMPARE(kept.wentToTray->count(), 1);
-    QCOMPARE(kept.end->count(), 0);
-}
-
-void TestDialogVisibility::theTrayAppearsWhileWaiting()
+void TestDialogVisibility::newTrayDoesNotKeepTheDialogHidden()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
@@ -387,7 +366,7 @@ void TestDialogVisibility::theTrayAppearsWhileWaiting()
     QCOMPARE(kept.wentToTray->count(), 0);
 }
 
-void TestDialogVisibility::askingToEnd()
+void TestDialogVisibility::askToEndAsksOnlyWhileInUse()
 {
     Kept kept;
     kept.fake.SetStatus(0, 1);
@@ -402,15 +381,11 @@ void TestDialogVisibility::askingToEnd()
     QCOMPARE(kept.end->count(), 1);
 }
 
-void TestDialogVisibility::aBoxThatWasAnsweredHoldsNothingUp()
+void TestDialogVisibility::answeredBoxNoLongerDelays()
 {
     Kept kept;
     kept.keeper->SetTrayAvailable(true);
-    kept.onConnect = [&] {
-        kept.fake.SetStatus(0, 1);
-    };
-    kept.fake.connectButton->click();
-    Settle();
+    kept.Connect();
 
     QMessageBox box;
     box.setModal(true);

@@ -29,8 +29,8 @@ private slots:
         COMPARE_VARIABLE(kName, QStringLiteral("another"));
     }
 
-    void theFirstOfAList_data() { Texts(); }
-    void theFirstOfAList()
+    void firstOfAListIsUsed_data() { Texts(); }
+    void firstOfAListIsUsed()
     {
         QFETCH(const QString, text);
         Environment::Prepend(kName, text);
@@ -49,7 +49,7 @@ private slots:
     }
 
 #ifdef Q_OS_UNIX
-    void bytesThatAreNoTextAreKept()
+    void invalidUtf8IsKept()
     {
         qputenv(kName, "/a\xff\xfe");
         Environment::Prepend(kName, QStringLiteral("/first"));

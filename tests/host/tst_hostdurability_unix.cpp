@@ -15,7 +15,7 @@
 
 #include <optional>
 
-/// Whether what the host makes outlasts a loss of power: as far as the system is asked for that, in the right order.
+/// Whether the host syncs what it writes, in the right order, so that it survives a power failure.
 class TestHostDurabilityUnix : public QObject
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ private slots:
         m_root.reset();
     }
 
-    void aNewConfigurationDirectory()
+    void newConfigurationDirectoryIsSynced()
     {
         HostOptions options;
         options.plugin = QStringLiteral(REAL_PLUGIN);
@@ -47,7 +47,7 @@ private slots:
         QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new/folder"))) >= 0);
     }
 
-    void anExportedList()
+    void exportedListIsSynced()
     {
         const QString file = m_root->filePath(QStringLiteral("list.xml"));
         for (const char* content : {"<ConnectionEntries/>", "<ConnectionEntries></ConnectionEntries>"}) {
@@ -57,7 +57,7 @@ private slots:
         }
     }
 
-    void aListThatBreaksOff()
+    void copyOfATruncatedListIsSynced()
     {
         QVERIFY(CfgCenter::Open(m_root->path()));
         StoreList(ListOf(5).chopped(30));

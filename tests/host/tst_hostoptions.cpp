@@ -15,6 +15,12 @@ ParsedCommandLine Parse(const QStringList& arguments)
     return ParseCommandLine(QStringList{QStringLiteral("vexelhost")} + arguments);
 }
 
+/// The same for arguments without blanks.
+ParsedCommandLine Parse(const char* arguments)
+{
+    return Parse(QString::fromLatin1(arguments).split(u' ', Qt::SkipEmptyParts));
+}
+
 } // namespace
 
 class TestHostOptions : public QObject
@@ -22,11 +28,11 @@ class TestHostOptions : public QObject
     Q_OBJECT
 
 private slots:
-    void nothingGiven();
+    void defaults();
     void everyOptionArrives();
     void pathsBecomeAbsolute();
     void namesToConnectAreTakenOnceAndAsTheyAre();
-    void languageMayBeTheSourceTexts();
+    void languageCSelectsTheSourceTexts();
     void helpNamesEveryOptionAndEveryExitCode();
     void versionIsThatOfTheProject();
     void wrongCommandLines_data();
@@ -36,7 +42,7 @@ private slots:
     void supportOptions();
 };
 
-void TestHostOptions::nothingGiven()
+void TestHostOptions::defaults()
 {
     const ParsedCommandLine parsed = Parse({});
     QCOMPARE(parsed.outcome, Outcome::Run);
@@ -53,38 +59,13 @@ void TestHostOptions::nothingGiven()
 void TestHostOptions::everyOptionArrives()
 {
     const QTemporaryDir data;
-    const ParsedCommandLine parsed = Parse({QStringLiteral("--plugin"),
-                                            QStringLiteral("/p/plug.so"),
-                                            QStringLiteral("--config"),
-                                            QStringLiteral("/c"),
-                                            QStringLiteral("--data"),
-                                            data.path(),
-                                            QStringLiteral("--name"),
-                                            QStringLiteral("Second"),
-                                            QStringLiteral("--trace"),
-                                            QStringLiteral("--trace-file"),
-                                            QStringLiteral("/t/trace"),
-                                            QStringLiteral("--language"),
-                                            QStringLiteral("de_AT"),
-                                            QStringLiteral("--add"),
-                                            QStringLiteral("/l/one.xml"),
-                                            QStringLiteral("--add"),
-                                            QStringLiteral("/l/two.xml"),
-                                            QStringLiteral("--import"),
-                                            QStringLiteral("/l/all.xml"),
-                                            QStringLiteral("--export"),
-                                            QStringLiteral("/l/out.xml"),
-                                            QStringLiteral("--list"),
-                                            QStringLiteral("--connect"),
-                                            QStringLiteral("A"),
-                                            QStringLiteral("--connect=B"),
-                                            QStringLiteral("--wait"),
-                                            QStringLiteral("--screenshot"),
-                                            QStringLiteral("/s/end"),
-                                            QStringLiteral("--screenshot-before"),
-                                            QStringLiteral("/s/before"),
-                                            QStringLiteral("--screenshot-during"),
-                                            QStringLiteral("/s/during")});
+    const ParsedCommandLine parsed =
+        Parse(QString(QStringLiteral("--plugin /p/plug.so --config /c --name Second --trace --trace-file /t/trace "
+                                     "--language de_AT --add /l/one.xml --add /l/two.xml --import /l/all.xml "
+                                     "--export /l/out.xml --list --connect A --connect=B --wait --screenshot /s/end "
+                                     "--screenshot-before /s/before --screenshot-during /s/during"))
+                  .split(u' ') +
+              QStringList{QStringLiteral("--data"), data.path()});
     QCOMPARE(parsed.text, QString());
     QCOMPARE(parsed.outcome, Outcome::Run);
     const HostOptions& options = parsed.options;
@@ -111,8 +92,7 @@ void TestHostOptions::everyOptionArrives()
     QCOMPARE(options.screenshotBefore, absolute("/s/before"));
     QCOMPARE(options.screenshotDuring, absolute("/s/during"));
 
-    const ParsedCommandLine rest =
-        Parse({QStringLiteral("--list"), QStringLiteral("--json"), QStringLiteral("--connect-selected")});
+    const ParsedCommandLine rest = Parse("--list --json --connect-selected");
     QCOMPARE(rest.outcome, Outcome::Run);
     QVERIFY(rest.options.json);
     QVERIFY(rest.options.connectSelected);
@@ -120,11 +100,8 @@ void TestHostOptions::everyOptionArrives()
 
 void TestHostOptions::pathsBecomeAbsolute()
 {
-    const ParsedCommandLine parsed = Parse(
-        {QStringLiteral("--plugin"), QStringLiteral("plug.so"), QStringLiteral("--config"), QStringLiteral("a/../b"),
-         QStringLiteral("--trace-file"), QStringLiteral("t.log"), QStringLiteral("--add"), QStringLiteral("l.xml"),
-         QStringLiteral("--import"), QStringLiteral("i.xml"), QStringLiteral("--export"), QStringLiteral("./e.xml"),
-         QStringLiteral("--screenshot"), QStringLiteral("s.png"), QStringLiteral("--data"), QStringLiteral(".")});
+    const ParsedCommandLine parsed = Parse("--plugin plug.so --config a/../b --trace-file t.log --add l.xml --import "
+                                           "i.xml --export ./e.xml --screenshot s.png --data .");
     QCOMPARE(parsed.outcome, Outcome::Run);
     const QDir here = QDir::current();
     QCOMPARE(parsed.options.plugin, here.absoluteFilePath(QStringLiteral("plug.so")));
@@ -148,9 +125,9 @@ void TestHostOptions::namesToConnectAreTakenOnceAndAsTheyAre()
     QVERIFY(parsed.options.Connects());
 }
 
-void TestHostOptions::languageMayBeTheSourceTexts()
+void TestHostOptions::languageCSelectsTheSourceTexts()
 {
-    const ParsedCommandLine parsed = Parse({QStringLiteral("--language"), QStringLiteral("C")});
+    const ParsedCommandLine parsed = Parse("--language C");
     QCOMPARE(parsed.outcome, Outcome::Run);
     QVERIFY(parsed.options.language.has_value());
     QCOMPARE(parsed.options.language.value_or(QLocale(QLocale::German)), QLocale::c());
@@ -161,109 +138,85 @@ void TestHostOptions::helpNamesEveryOptionAndEveryExitCode()
     for (const QString& option : {QStringLiteral("--help"), QStringLiteral("-h")}) {
         const ParsedCommandLine parsed = Parse({option});
         QCOMPARE(parsed.outcome, Outcome::Print);
-        for (const char* part : {"Usage: vexelhost [options]\n",
-                                 "--plugin <FILE>",
-                                 "--config <DIR>",
-                                 "--data <DIR>",
-                                 "--name <NAME>",
-                                 "--trace ",
-                                 "--trace-file <FILE>",
-                                 "--language <LOCALE>",
-                                 "--import <FILE>",
-                                 "--add <FILE>",
-                                 "--export <FILE>",
-                                 "--list",
-                                 "--json",
-                                 "--connect <NAME>",
-                                 "--connect-selected",
-                                 "--wait",
-                                 "--screenshot <FILE>",
-                                 "--screenshot-before <FILE>",
-                                 "--screenshot-during <FILE>",
-                                 "--backups",
-                                 "--restore <N>",
-                                 "--diagnose",
-                                 "import, add, export, list, screenshot before",
-                                 "-h, --help",
-                                 "-v, --version",
-                                 "VEXEL_CONFIG_DIR",
-                                 "Exit codes:",
-                                 "\n  0  done",
-                                 "\n  1  ",
-                                 "\n  2  ",
-                                 "\n  3  an entry could not be connected",
-                                 "\n  4  another host uses the same configuration directory"})
-            QVERIFY2(parsed.text.contains(QLatin1String(part)), part);
+        for (const QString& part :
+             QStringLiteral("Usage: vexelhost [options]\n|--plugin <FILE>|--config <DIR>|--data <DIR>|"
+                            "--name <NAME>|--trace |--trace-file <FILE>|--language <LOCALE>|--import <FILE>|"
+                            "--add <FILE>|--export <FILE>|--list|--json|--connect <NAME>|--connect-selected|"
+                            "--wait|--screenshot <FILE>|--screenshot-before <FILE>|--screenshot-during <FILE>|"
+                            "--backups|--restore <N>|--diagnose|import, add, export, list, screenshot before|"
+                            "-h, --help|-v, --version|VEXEL_CONFIG_DIR|Exit codes:|\n  0  done|\n  1  |\n  2  |"
+                            "\n  3  an entry could not be connected|"
+                            "\n  4  another host uses the same configuration directory")
+                 .split(u'|'))
+            QVERIFY2(parsed.text.contains(part), qPrintable(part));
     }
 }
 
 void TestHostOptions::versionIsThatOfTheProject()
 {
-    const ParsedCommandLine parsed = Parse({QStringLiteral("--version")});
+    const ParsedCommandLine parsed = Parse("--version");
     QCOMPARE(parsed.outcome, Outcome::Print);
     QCOMPARE(parsed.text, QStringLiteral("vexelhost " VEXEL_VERSION "\n"));
 }
 
 void TestHostOptions::wrongCommandLines_data()
 {
-    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("arguments");
     QTest::addColumn<QString>("hint");
 
-    const auto row = [](const char* name, const QStringList& arguments, const char* hint) {
-        QTest::newRow(name) << arguments << QString::fromLatin1(hint);
+    const auto row = [](const char* name, const char* arguments, const char* hint) {
+        QTest::newRow(name) << QString::fromLatin1(arguments) << QString::fromLatin1(hint);
     };
-    row("unknown option", {QStringLiteral("--frobnicate")}, "frobnicate");
-    row("value missing", {QStringLiteral("--plugin")}, "plugin");
-    row("value for a flag", {QStringLiteral("--list=yes")}, "list");
-    row("positional", {QStringLiteral("connections.xml")}, "\"connections.xml\"");
-    row("empty plug-in", {QStringLiteral("--plugin="), QStringLiteral("--list")}, "--plugin");
-    row("empty configuration", {QStringLiteral("--config"), QString()}, "--config");
-    row("empty name", {QStringLiteral("--name"), QString()}, "--name");
-    row("empty file to add", {QStringLiteral("--add"), QString()}, "--add");
-    row("empty picture", {QStringLiteral("--screenshot"), QString()}, "--screenshot");
-    row("empty trace file", {QStringLiteral("--trace-file"), QString()}, "--trace-file");
-    row("empty language", {QStringLiteral("--language"), QString()}, "--language");
-    row("no such language", {QStringLiteral("--language"), QStringLiteral("klingonisch")}, "klingonisch");
-    row("no such data directory", {QStringLiteral("--data"), QStringLiteral("/no/such/dir")}, "/no/such/dir");
-    row("JSON of nothing", {QStringLiteral("--json")}, "--list");
-    row("JSON among lines", {QStringLiteral("--list"), QStringLiteral("--json"), QStringLiteral("--wait")}, "--wait");
-    row("two ways to connect", {QStringLiteral("--connect"), QStringLiteral("A"), QStringLiteral("--connect-selected")},
-        "--connect-selected");
-    row("empty import", {QStringLiteral("--import"), QString()}, "--import");
-    row("empty export", {QStringLiteral("--export"), QString()}, "--export");
-    row("two imports", {QStringLiteral("--import=a.xml"), QStringLiteral("--import=b.xml")}, "only once");
-    row("two exports", {QStringLiteral("--export=a.xml"), QStringLiteral("--export=b.xml")}, "only once");
-    row("two versions", {QStringLiteral("--restore=1"), QStringLiteral("--restore=2")}, "only once");
-    row("export among lines", {QStringLiteral("--export"), QStringLiteral("-"), QStringLiteral("--list")}, "--list");
-    row("export among changes",
-        {QStringLiteral("--export=-"), QStringLiteral("--connect-selected"), QStringLiteral("--wait")}, "--wait");
-    row("no version", {QStringLiteral("--restore")}, "restore");
-    row("empty version", {QStringLiteral("--restore"), QString()}, "--restore");
-    row("present state", {QStringLiteral("--restore"), QStringLiteral("0")}, "--restore");
-    row("version below", {QStringLiteral("--restore=-1")}, "--restore");
-    row("version of a name", {QStringLiteral("--restore"), QStringLiteral("now")}, "--restore");
-    row("version of many digits", {QStringLiteral("--restore"), QStringLiteral("99999999999")}, "--restore");
-    row("versions and one of them", {QStringLiteral("--backups"), QStringLiteral("--restore=1")}, "--restore");
-    row("versions and diagnosis", {QStringLiteral("--backups"), QStringLiteral("--diagnose")}, "--diagnose");
-    row("restored JSON", {QStringLiteral("--restore=1"), QStringLiteral("--json")}, "--json");
+    row("unknown option", "--frobnicate", "frobnicate");
+    row("value missing", "--plugin", "plugin");
+    row("value for a flag", "--list=yes", "list");
+    row("positional", "connections.xml", "\"connections.xml\"");
+    row("empty plug-in", "--plugin= --list", "--plugin");
+    row("empty configuration", "--config=", "--config");
+    row("empty name", "--name=", "--name");
+    row("empty file to add", "--add=", "--add");
+    row("empty picture", "--screenshot=", "--screenshot");
+    row("empty trace file", "--trace-file=", "--trace-file");
+    row("empty language", "--language=", "--language");
+    row("no such language", "--language klingonisch", "klingonisch");
+    row("no such data directory", "--data /no/such/dir", "/no/such/dir");
+    row("JSON of nothing", "--json", "--list");
+    row("JSON among lines", "--list --json --wait", "--wait");
+    row("two ways to connect", "--connect A --connect-selected", "--connect-selected");
+    row("empty import", "--import=", "--import");
+    row("empty export", "--export=", "--export");
+    row("two imports", "--import=a.xml --import=b.xml", "only once");
+    row("two exports", "--export=a.xml --export=b.xml", "only once");
+    row("two versions", "--restore=1 --restore=2", "only once");
+    row("export among lines", "--export - --list", "--list");
+    row("export among changes", "--export=- --connect-selected --wait", "--wait");
+    row("no version", "--restore", "restore");
+    row("empty version", "--restore=", "--restore");
+    row("present state", "--restore 0", "--restore");
+    row("version below", "--restore=-1", "--restore");
+    row("version of a name", "--restore now", "--restore");
+    row("version of many digits", "--restore 99999999999", "--restore");
+    row("versions and one of them", "--backups --restore=1", "--restore");
+    row("versions and diagnosis", "--backups --diagnose", "--diagnose");
+    row("restored JSON", "--restore=1 --json", "--json");
     for (const char* command : {"--backups", "--restore=1", "--diagnose"}) {
         for (const char* work : {"--list", "--wait", "--connect=A", "--connect-selected", "--add=a.xml",
                                  "--import=a.xml", "--export=a.xml", "--screenshot=a.png"}) {
             QTest::addRow("%s %s", command, work)
-                << QStringList{QString::fromLatin1(command), QString::fromLatin1(work)}
+                << QStringLiteral("%1 %2").arg(QLatin1String(command), QLatin1String(work))
                 << QString::fromLatin1(command).section(u'=', 0, 0);
         }
     }
-    row("versions and data", {QStringLiteral("--backups"), QStringLiteral("--data=.")}, "--data");
-    row("version and data", {QStringLiteral("--restore=1"), QStringLiteral("--data=.")}, "--data");
-    row("during nothing", {QStringLiteral("--screenshot-during"), QStringLiteral("a.png")}, "--connect");
+    row("versions and data", "--backups --data=.", "--data");
+    row("version and data", "--restore=1 --data=.", "--data");
+    row("during nothing", "--screenshot-during a.png", "--connect");
 }
 
 void TestHostOptions::wrongCommandLines()
 {
-    QFETCH(const QStringList, arguments);
+    QFETCH(const QString, arguments);
     QFETCH(const QString, hint);
-    const ParsedCommandLine parsed = Parse(arguments);
+    const ParsedCommandLine parsed = Parse(qPrintable(arguments));
     QCOMPARE(parsed.outcome, Outcome::Invalid);
     QVERIFY2(parsed.text.contains(hint), qPrintable(parsed.text));
     QVERIFY(!parsed.text.contains(QLatin1Char('\n')));
@@ -271,59 +224,55 @@ void TestHostOptions::wrongCommandLines()
 
 void TestHostOptions::headlessOptions_data()
 {
-    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("arguments");
     QTest::addColumn<bool>("headless");
 
-    const auto row = [](const char* name, const QStringList& arguments, bool headless) {
-        QTest::newRow(name) << arguments << headless;
+    const auto row = [](const char* name, const char* arguments, bool headless) {
+        QTest::newRow(name) << QString::fromLatin1(arguments) << headless;
     };
-    row("list", {QStringLiteral("--list")}, true);
-    row("add", {QStringLiteral("--add"), QStringLiteral("a.xml")}, true);
-    row("connect", {QStringLiteral("--connect"), QStringLiteral("A")}, true);
-    row("connect selected", {QStringLiteral("--connect-selected")}, true);
-    row("wait", {QStringLiteral("--wait")}, true);
-    row("picture", {QStringLiteral("--screenshot"), QStringLiteral("a.png")}, true);
-    row("picture before", {QStringLiteral("--screenshot-before"), QStringLiteral("a.png")}, true);
-    row("import", {QStringLiteral("--import"), QStringLiteral("a.xml")}, true);
-    row("export", {QStringLiteral("--export"), QStringLiteral("a.xml")}, true);
-    row("export to standard output", {QStringLiteral("--export"), QStringLiteral("-")}, true);
-    row("trace", {QStringLiteral("--trace")}, false);
-    row("places", {QStringLiteral("--config"), QStringLiteral("c"), QStringLiteral("--plugin"), QStringLiteral("p")},
-        false);
+    row("list", "--list", true);
+    row("add", "--add a.xml", true);
+    row("connect", "--connect A", true);
+    row("connect selected", "--connect-selected", true);
+    row("wait", "--wait", true);
+    row("picture", "--screenshot a.png", true);
+    row("picture before", "--screenshot-before a.png", true);
+    row("import", "--import a.xml", true);
+    row("export", "--export a.xml", true);
+    row("export to standard output", "--export -", true);
+    row("trace", "--trace", false);
+    row("places", "--config c --plugin p", false);
 }
 
 void TestHostOptions::headlessOptions()
 {
-    QFETCH(const QStringList, arguments);
+    QFETCH(const QString, arguments);
     QFETCH(const bool, headless);
-    const ParsedCommandLine parsed = Parse(arguments);
+    const ParsedCommandLine parsed = Parse(qPrintable(arguments));
     QCOMPARE(parsed.outcome, Outcome::Run);
     QCOMPARE(parsed.options.IsHeadless(), headless);
 }
 
 void TestHostOptions::supportOptions()
 {
-    const ParsedCommandLine backups = Parse({QStringLiteral("--backups"), QStringLiteral("--json")});
+    const ParsedCommandLine backups = Parse("--backups --json");
     QCOMPARE(backups.outcome, Outcome::Run);
     QVERIFY(backups.options.backups && backups.options.json);
     QVERIFY(backups.options.IsSupportCommand());
     QVERIFY(!backups.options.IsHeadless());
 
-    const ParsedCommandLine restore = Parse({QStringLiteral("--restore"), QStringLiteral("10")});
+    const ParsedCommandLine restore = Parse("--restore 10");
     QCOMPARE(restore.outcome, Outcome::Run);
     QCOMPARE(restore.options.versionToRestore, 10);
     QVERIFY(restore.options.IsSupportCommand());
 
-    const ParsedCommandLine diagnose =
-        Parse({QStringLiteral("--diagnose"), QStringLiteral("--json"), QStringLiteral("--data"), QStringLiteral("."),
-               QStringLiteral("--plugin"), QStringLiteral("p"), QStringLiteral("--trace")});
+    const ParsedCommandLine diagnose = Parse("--diagnose --json --data . --plugin p --trace");
     QCOMPARE(diagnose.outcome, Outcome::Run);
     QVERIFY(diagnose.options.diagnose && diagnose.options.json);
     QVERIFY(diagnose.options.IsSupportCommand());
 
-    QVERIFY(!Parse({QStringLiteral("--list")}).options.IsSupportCommand());
-    QCOMPARE(Parse({QStringLiteral("--export"), QStringLiteral("-")}).options.fileToExport,
-             HostOptions::kStandardOutput);
+    QVERIFY(!Parse("--list").options.IsSupportCommand());
+    QCOMPARE(Parse("--export -").options.fileToExport, HostOptions::kStandardOutput);
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestHostOptions)

@@ -14,13 +14,13 @@ class TestHostStoredSet : public QObject
 private slots:
     void init();
     void nothingStored();
-    void sets_data();
-    void sets();
-    void everyBreakIsSeen();
+    void entriesAreCounted_data();
+    void entriesAreCounted();
+    void everyTruncationIsMalformed();
     void entitiesAreNotExpanded();
-    void laterChangesMakeNoDifference();
-    void hexAsPeopleLeaveIt_data();
-    void hexAsPeopleLeaveIt();
+    void laterChangesAreIgnored();
+    void editedHexIsReadLikeThePlugin_data();
+    void editedHexIsReadLikeThePlugin();
 };
 
 namespace {
@@ -46,7 +46,7 @@ void TestHostStoredSet::nothingStored()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::sets_data()
+void TestHostStoredSet::entriesAreCounted_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<State>("state");
@@ -67,7 +67,7 @@ void TestHostStoredSet::sets_data()
     QTest::newRow("control character") << ListOf(2).replace("Entry 2", "Entry \x01") << State::Malformed << 2;
 }
 
-void TestHostStoredSet::sets()
+void TestHostStoredSet::entriesAreCounted()
 {
     QFETCH(const QByteArray, document);
     StoreList(document);
@@ -75,7 +75,7 @@ void TestHostStoredSet::sets()
     QTEST(Look().entries, "entries");
 }
 
-void TestHostStoredSet::everyBreakIsSeen()
+void TestHostStoredSet::everyTruncationIsMalformed()
 {
     const QByteArray document = ListOf(2).trimmed();
     for (qsizetype length = 1; length < document.size(); ++length) {
@@ -98,7 +98,7 @@ void TestHostStoredSet::entitiesAreNotExpanded()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::laterChangesMakeNoDifference()
+void TestHostStoredSet::laterChangesAreIgnored()
 {
     StoreList(ListOf(1000).chopped(30));
     std::future<StoredSet> begun = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
@@ -109,7 +109,7 @@ void TestHostStoredSet::laterChangesMakeNoDifference()
     QCOMPARE(set.entries, 1000);
 }
 
-void TestHostStoredSet::hexAsPeopleLeaveIt_data()
+void TestHostStoredSet::editedHexIsReadLikeThePlugin_data()
 {
     QTest::addColumn<QString>("hex");
     QTest::addColumn<State>("state");
@@ -117,13 +117,13 @@ void TestHostStoredSet::hexAsPeopleLeaveIt_data()
     const QString hex = QString::fromLatin1(ListOf(2).toHex());
     QTest::newRow("as written") << hex << State::Whole;
     QTest::newRow("capitals") << hex.toUpper() << State::Whole;
-    // What is no digit is passed over by the plug-in, too.
+    // The plug-in skips other characters, too.
     QTest::newRow("broken over lines") << QString(hex).insert(10, QStringLiteral("\n  ")) << State::Whole;
     QTest::newRow("no digit at all") << QStringLiteral("zzzz") << State::Malformed;
     QTest::newRow("a digit missing") << QString(hex).remove(100, 1) << State::Malformed;
 }
 
-void TestHostStoredSet::hexAsPeopleLeaveIt()
+void TestHostStoredSet::editedHexIsReadLikeThePlugin()
 {
     QFETCH(const QString, hex);
     StoreHex(hex);

@@ -5,16 +5,16 @@
 #include <QProcess>
 #include <QTest>
 
-/// What `cmake --install` makes, moved elsewhere and run from there.
+/// The result of `cmake --install`, moved to another folder.
 class TestInstalledTree : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void runsAfterItWasMoved();
+    void installedTreeCanBeMoved();
 };
 
-void TestInstalledTree::runsAfterItWasMoved()
+void TestInstalledTree::installedTreeCanBeMoved()
 {
     QDir installed(QStringLiteral(VEXEL_INSTALLED));
     const QString place = installed.absoluteFilePath(QStringLiteral("second place"));
@@ -34,7 +34,7 @@ void TestInstalledTree::runsAfterItWasMoved()
     const auto result = HostSetUp::End(process);
     QVERIFY2(result.exitCode == 0, qPrintable(result.error));
     QCOMPARE(result.error, QString());
-    // Its own data directory, application and translation.
+    // With the installed data directory, application and translation.
     QVERIFY2(result.output.contains(QStringLiteral("Ger\u00e4tetyp")), qPrintable(result.output));
     QVERIFY2(result.output.contains(QStringLiteral("North Ridge mast: Frei -> In Benutzung")),
              qPrintable(result.output));

@@ -12,13 +12,13 @@ private slots:
     void freePort();
     void takenPort_data();
     void takenPort();
-    void nobodyIsCalled();
-    void whoLooksKeepsNobodyOut();
+    void probeDoesNotConnect();
+    void probeDoesNotBlockTheServer();
 };
 
 namespace {
 
-/// A port that nobody had a moment ago.
+/// A port that was free a moment ago.
 quint16 SomePort()
 {
     QTcpServer server;
@@ -55,7 +55,7 @@ void TestLinkPort::takenPort()
     QCOMPARE(port.error, QString());
 }
 
-void TestLinkPort::nobodyIsCalled()
+void TestLinkPort::probeDoesNotConnect()
 {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
@@ -68,7 +68,7 @@ void TestLinkPort::nobodyIsCalled()
     QVERIFY(!server.hasPendingConnections());
 }
 
-void TestLinkPort::whoLooksKeepsNobodyOut()
+void TestLinkPort::probeDoesNotBlockTheServer()
 {
     const quint16 number = SomePort();
     QTcpSocket probe;

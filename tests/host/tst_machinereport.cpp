@@ -18,14 +18,14 @@ class TestMachineReport : public QObject
 
 private slots:
     void init();
-    void saysWhatThePluginReads_data();
-    void saysWhatThePluginReads();
-    void saysWhyAFileIsNotRead();
-    void saysWhereXmlBreaks();
-    void findsExecutables();
-    void configuredMappingCountsFirst();
-    void saysWhatIsDropped_data();
-    void saysWhatIsDropped();
+    void reportMatchesWhatThePluginReads_data();
+    void reportMatchesWhatThePluginReads();
+    void reasonForAnUnreadFileIsReported();
+    void placeOfAnXmlErrorIsReported();
+    void executablesAreFound();
+    void configuredMappingIsPreferred();
+    void droppedElementsAreReported_data();
+    void droppedElementsAreReported();
 
 private:
     void Write(const char* name, const QByteArray& content) const
@@ -67,7 +67,7 @@ void TestMachineReport::init()
     CfgCenter::Close();
 }
 
-void TestMachineReport::saysWhatThePluginReads_data()
+void TestMachineReport::reportMatchesWhatThePluginReads_data()
 {
     QTest::addColumn<QByteArray>("machine");
     QTest::addColumn<QByteArray>("mapping");
@@ -91,7 +91,7 @@ void TestMachineReport::saysWhatThePluginReads_data()
     QTest::newRow("entities") << QByteArray("&x;") + Application("A", "a") << Mapping("4", "A");
 }
 
-void TestMachineReport::saysWhatThePluginReads()
+void TestMachineReport::reportMatchesWhatThePluginReads()
 {
     QFETCH(const QByteArray, machine);
     QFETCH(const QByteArray, mapping);
@@ -127,7 +127,7 @@ void TestMachineReport::saysWhatThePluginReads()
     QCOMPARE(names, expected);
 }
 
-void TestMachineReport::saysWhyAFileIsNotRead()
+void TestMachineReport::reasonForAnUnreadFileIsReported()
 {
     // Without a machine file the mapping is not looked for.
     QCOMPARE(Report().value(QLatin1String("machineFileState")), QJsonValue(QStringLiteral("not read: no such file")));
@@ -151,7 +151,7 @@ void TestMachineReport::saysWhyAFileIsNotRead()
              QJsonValue(QStringLiteral("read; it has no element \"Machine\"")));
 }
 
-void TestMachineReport::saysWhereXmlBreaks()
+void TestMachineReport::placeOfAnXmlErrorIsReported()
 {
     WriteMachine("<A>\n  <Startup></A>");
     WriteMapping(Mapping("4", "A") + "\n<x></y>");
@@ -162,7 +162,7 @@ void TestMachineReport::saysWhereXmlBreaks()
     }
 }
 
-void TestMachineReport::findsExecutables()
+void TestMachineReport::executablesAreFound()
 {
     const QString here = QCoreApplication::applicationDirPath();
     const QString program = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
@@ -180,7 +180,7 @@ void TestMachineReport::findsExecutables()
     QCOMPARE(elsewhere.at(0)[QLatin1String("foundAs")], QJsonValue(QStringLiteral("NOT FOUND")));
 }
 
-void TestMachineReport::configuredMappingCountsFirst()
+void TestMachineReport::configuredMappingIsPreferred()
 {
     WriteMachine(Application("A", "a"));
     WriteMapping(Mapping("4", "A"));
@@ -193,7 +193,7 @@ void TestMachineReport::configuredMappingCountsFirst()
     QCOMPARE(types.at(9)[QLatin1String("executable")], QJsonValue(QStringLiteral("a")));
 }
 
-void TestMachineReport::saysWhatIsDropped_data()
+void TestMachineReport::droppedElementsAreReported_data()
 {
     QTest::addColumn<QByteArray>("machine");
     QTest::addColumn<QByteArray>("mapping");
@@ -239,7 +239,7 @@ void TestMachineReport::saysWhatIsDropped_data()
          QStringLiteral("application \"B\": no device type is mapped to its executable")});
 }
 
-void TestMachineReport::saysWhatIsDropped()
+void TestMachineReport::droppedElementsAreReported()
 {
     QFETCH(const QByteArray, machine);
     QFETCH(const QByteArray, mapping);

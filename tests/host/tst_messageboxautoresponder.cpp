@@ -12,13 +12,13 @@ class TestMessageBoxAutoResponder : public QObject
     Q_OBJECT
 
 private slots:
-    void answersAndTellsWhatItSaid();
-    void pressesTheDefaultButton();
-    void answersEveryBox();
-    void leavesOtherWindowsAlone();
+    void boxIsAnsweredAndReported();
+    void defaultButtonIsPressed();
+    void everyBoxIsAnswered();
+    void otherWindowsAreIgnored();
 };
 
-void TestMessageBoxAutoResponder::answersAndTellsWhatItSaid()
+void TestMessageBoxAutoResponder::boxIsAnsweredAndReported()
 {
     const MessageBoxAutoResponder answerer;
     QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
@@ -29,7 +29,7 @@ void TestMessageBoxAutoResponder::answersAndTellsWhatItSaid()
     QCOMPARE(opened.at(0).at(1).toString(), QStringLiteral("Could not\n\nconnect"));
 }
 
-void TestMessageBoxAutoResponder::pressesTheDefaultButton()
+void TestMessageBoxAutoResponder::defaultButtonIsPressed()
 {
     const MessageBoxAutoResponder answerer;
     QCOMPARE(QMessageBox::question(nullptr, QStringLiteral("t"), QStringLiteral("q"),
@@ -37,7 +37,7 @@ void TestMessageBoxAutoResponder::pressesTheDefaultButton()
              QMessageBox::No);
 }
 
-void TestMessageBoxAutoResponder::answersEveryBox()
+void TestMessageBoxAutoResponder::everyBoxIsAnswered()
 {
     const MessageBoxAutoResponder answerer;
     QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
@@ -47,7 +47,7 @@ void TestMessageBoxAutoResponder::answersEveryBox()
     QCOMPARE(opened.at(2).at(1).toString(), QStringLiteral("2"));
 }
 
-void TestMessageBoxAutoResponder::leavesOtherWindowsAlone()
+void TestMessageBoxAutoResponder::otherWindowsAreIgnored()
 {
     const MessageBoxAutoResponder answerer;
     QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);

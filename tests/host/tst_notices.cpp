@@ -12,12 +12,12 @@ class TestNotices : public QObject
     Q_OBJECT
 
 private slots:
-    void onStandardErrorWhereItIsRead();
-    void shownWhereNobodyReads();
-    void keptUntilTheyCanBeShown();
+    void noticesGoToStandardErrorWhenItIsRead();
+    void noticesAreShownWhenStandardErrorIsNotRead();
+    void noticesAreKeptUntilTheyCanBeShown();
 };
 
-void TestNotices::onStandardErrorWhereItIsRead()
+void TestNotices::noticesGoToStandardErrorWhenItIsRead()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("errors"));
@@ -36,7 +36,7 @@ void TestNotices::onStandardErrorWhereItIsRead()
     QCOMPARE(file.readAll(), QByteArray("vexelhost: one\nvexelhost: two\n"));
 }
 
-void TestNotices::shownWhereNobodyReads()
+void TestNotices::noticesAreShownWhenStandardErrorIsNotRead()
 {
     const ErrorsTo errors(QProcess::nullDevice());
     QStringList shown;
@@ -48,7 +48,7 @@ void TestNotices::shownWhereNobodyReads()
     QCOMPARE(shown, QStringList({QStringLiteral("one"), QStringLiteral("zwei"), QStringLiteral("three")}));
 }
 
-void TestNotices::keptUntilTheyCanBeShown()
+void TestNotices::noticesAreKeptUntilTheyCanBeShown()
 {
     const ErrorsTo errors(QProcess::nullDevice());
     QStringList shown;

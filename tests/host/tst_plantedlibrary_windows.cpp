@@ -13,7 +13,7 @@
 
 namespace {
 
-// Nobody has such a library.
+// No library has this name.
 const wchar_t* const kLibrary = L"vexelplanted.dll";
 
 /// Lets the process load the library by its bare name, as if one of its own libraries did so. Returns whether it has
@@ -59,8 +59,8 @@ private slots:
     }
 
     // Without this the others would say nothing: a program that takes no care does load it.
-    void oneThatTakesNoCare_data() { Places(); }
-    void oneThatTakesNoCare()
+    void unprotectedProgramLoadsThePlantedLibrary_data() { Places(); }
+    void unprotectedProgramLoadsThePlantedLibrary()
     {
         QFETCH(const QString, place);
         QProcess process;
@@ -77,7 +77,7 @@ private slots:
         QProcess process;
         const QString config = Elsewhere() + QStringLiteral("/config");
         Start(process, QStringLiteral(VEXELHOST), {QStringLiteral("--config"), config}, place);
-        // It has to have begun: before that nobody could have taken care.
+        // Only a running program can protect itself.
         QTRY_VERIFY_WITH_TIMEOUT(QDir(config).exists(), 60'000);
         QCOMPARE(Loaded(process.processId()), QStringLiteral("not found"));
         End(process);
@@ -90,7 +90,7 @@ private slots:
         QProcess process;
         Start(process, QStringLiteral(VEXEL_KITESTARTER),
               {QStringLiteral("--host"), QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD))}, place);
-        // What it starts tells of its start.
+        // The program it starts writes a report.
         QTRY_VERIFY_WITH_TIMEOUT(!QDir(Elsewhere()).isEmpty(), 60'000);
         QCOMPARE(Loaded(process.processId()), QStringLiteral("not found"));
         End(process);

@@ -31,16 +31,16 @@ class TestQuitQuestion : public QObject
     Q_OBJECT
 
 private slots:
-    void tells_data();
-    void tells();
-    void tellsWhatCouldNotBeSaved();
-    void answers_data();
-    void answers();
+    void textNamesTheNumberInUse_data();
+    void textNamesTheNumberInUse();
+    void unsavedQuestionDefaultsToCancel();
+    void answerIsReported_data();
+    void answerIsReported();
     void asksOnceAtATime();
-    void goesWithItsObject();
+    void boxIsClosedWithItsObject();
 };
 
-void TestQuitQuestion::tells_data()
+void TestQuitQuestion::textNamesTheNumberInUse_data()
 {
     QTest::addColumn<int>("inUse");
     QTest::addColumn<QString>("text");
@@ -48,7 +48,7 @@ void TestQuitQuestion::tells_data()
     QTest::newRow("three") << 3 << QStringLiteral("3 entries are in use.");
 }
 
-void TestQuitQuestion::tells()
+void TestQuitQuestion::textNamesTheNumberInUse()
 {
     QFETCH(const int, inUse);
     QFETCH(const QString, text);
@@ -59,7 +59,7 @@ void TestQuitQuestion::tells()
     QVERIFY(OpenBox()->text().contains(QLatin1String("will be closed")));
 }
 
-void TestQuitQuestion::tellsWhatCouldNotBeSaved()
+void TestQuitQuestion::unsavedQuestionDefaultsToCancel()
 {
     QuitQuestion question;
     const QSignalSpy answered(&question, &QuitQuestion::Answered);
@@ -73,7 +73,7 @@ void TestQuitQuestion::tellsWhatCouldNotBeSaved()
     QVERIFY(!answered.at(0).at(0).toBool());
 }
 
-void TestQuitQuestion::answers_data()
+void TestQuitQuestion::answerIsReported_data()
 {
     QTest::addColumn<QString>("button");
     QTest::addColumn<int>("key");
@@ -85,7 +85,7 @@ void TestQuitQuestion::answers_data()
     QTest::newRow("the window's own cross") << QString() << 0 << false;
 }
 
-void TestQuitQuestion::answers()
+void TestQuitQuestion::answerIsReported()
 {
     QFETCH(const QString, button);
     QFETCH(const int, key);
@@ -128,7 +128,7 @@ void TestQuitQuestion::asksOnceAtATime()
     QCOMPARE(answered.count(), 1);
 }
 
-void TestQuitQuestion::goesWithItsObject()
+void TestQuitQuestion::boxIsClosedWithItsObject()
 {
     auto question = std::make_unique<QuitQuestion>();
     const QSignalSpy answered(question.get(), &QuitQuestion::Answered);

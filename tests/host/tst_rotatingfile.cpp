@@ -24,7 +24,7 @@ QByteArray Line(int number)
     return QByteArray::number(number).rightJustified(9, '0') + '\n';
 }
 
-/// A file in a folder of its own.
+/// A file in a temporary folder.
 struct Fixture
 {
     QTemporaryDir directory;
@@ -41,24 +41,24 @@ class TestRotatingFile : public QObject
     Q_OBJECT
 
 private slots:
-    void appendsToWhatIsThere();
-    void aFullFileIsPutAside();
+    void linesAreAppendedToTheExistingFile();
+    void fullFileIsRenamed();
     void fiveEarlierFilesAreKept();
-    void aFileThatWasTooLargeBefore();
-    void aLineIsNeverSplit_data();
-    void aLineIsNeverSplit();
-    void aGapIsFilledFirst();
-    void aFailureIsToldOnceAndLosesNothing_data();
-    void aFailureIsToldOnceAndLosesNothing();
-    void itWorksAgainWhenTheWayIsFree();
-    void anotherProcessAtItIsNoFailure();
-    void aFileThatSomebodyElsePutAside();
-    void devicesAreLeftAlone();
-    void severalProcesses();
-    void unusableFile();
+    void oversizedFileIsRenamedAtOnce();
+    void lineIsNeverSplit_data();
+    void lineIsNeverSplit();
+    void gapInTheNumbersIsFilledFirst();
+    void failedRenameIsReportedOnceAndLosesNothing_data();
+    void failedRenameIsReportedOnceAndLosesNothing();
+    void renamingWorksAgainLater();
+    void lockOfAnotherProcessIsNoFailure();
+    void fileRenamedByAnotherProcessIsReopened();
+    void devicesAreNotRenamed();
+    void severalProcessesLoseNoLine();
+    void unusableFileIsRefused();
 };
 
-void TestRotatingFile::appendsToWhatIsThere()
+void TestRotatingFile::linesAreAppendedToTheExistingFile()
 {
     const Fixture fixture;
     QVERIFY(Files::Write(fixture.name, "before\n"));
@@ -71,7 +71,7 @@ void TestRotatingFile::appendsToWhatIsThere()
     QCOMPARE(Files::Read(fixture.name), QByteArray("before\nafter\n"));
 }
 
-void TestRotatingFile::aFullFileIsPutAside()
+void TestRotatingFile::fullFileIsRenamed()
 {
     const Fixture fixture;
     RotatingFile file;
@@ -110,7 +110,7 @@ void TestRotatingFile::fiveEarlierFilesAreKept()
     QCOMPARE(kept, expected);
 }
 
-void TestRotatingFile::aFileThatWasTooLargeBefore()
+void TestRotatingFile::oversizedFileIsRenamedAtOnce()
 {
     const Fixture fixture;
     const QByteArray before(5 * kLargest, 'x');
@@ -122,7 +122,7 @@ void TestRotatingFile::aFileThatWasTooLargeBefore()
     QCOMPARE(Files::Read(fixture.name), Line(1));
 }
 
-void TestRotatingFile::aLineIsNeverSplit_data()
+void TestRotatingFile::lineIsNeverSplit_data()
 {
     QTest::addColumn<int>("length");
     QTest::newRow("does not fit any more") << 700;
@@ -130,7 +130,7 @@ void TestRotatingFile::aLineIsNeverSplit_data()
     QTest::newRow("larger than any buffer") << 3'000'000;
 }
 
-void TestRotatingFile::aLineIsNeverSplit()
+void TestRotatingFile::lineIsNeverSplit()
 {
     QFETCH(const int, length);
     const Fixture fixture;
@@ -145,7 +145,7 @@ void TestRotatingFile::aLineIsNeverSplit()
     QCOMPARE(fixture.Names().size(), 3);
 }
 
-void TestRotatingFile::aGapIsFilledFirst()
+void TestRotatingFile::gapInTheNumbersIsFilledFirst()
 {
     const Fixture fixture;
     QVERIFY(Files::Write(fixture.Earlier(1), "one\n"));
@@ -159,7 +159,7 @@ void TestRotatingFile::aGapIsFilledFirst()
     QCOMPARE(Files::Read(fixture.Earlier(1)).size(), kLargest);
 }
 
-void TestRotatingFile::aFailureIsToldOnceAndLosesNothing_data()
+void TestRotatingFile::failedRenameIsReportedOnceAndLosesNothing_data()
 {
     QTest::addColumn<int>("blocked");
     QTest::newRow("the first") << 1;
@@ -168,48 +168,38 @@ void TestRotatingFile::aFailureIsToldOnceAndLosesNothing_data()
     QTest::newRow("the lock's place") << 0;
 }
 
-void TestRotatingFile::aFailureIsToldOnceAndLosesNothing()
+void TestRotatingFile::failedRenameIsReportedOnceAndLosesNothing()
 {
     QFETCH(const int, blocked);
     const Fixture fixture;
-    QStringList errors;
-    QByteArray expected;
     for (int number = 1; number <= RotatingFile::kBackupCount; ++number)
         if (number != blocked)
             QVERIFY(Files::Write(fixture.Earlier(number), QByteArray::number(number)));
-    if (blocked == 0) {
-        // A name that is too long for one more suffix, as on a folder that is not to be written.
-        const QString longName = fixture.directory.filePath(QString(253, QLatin1Char('n')));
-        RotatingFile file;
-        QCOMPARE(file.Open(longName, kLargest), QString());
-        for (int i = 0; i < 1000; ++i) {
-            expected += Line(i);
-            if (const QString error = file.Append(Line(i)); !error.isEmpty())
-                errors.append(error);
-        }
-        QCOMPARE(Files::Read(longName), expected);
-        QCOMPARE(errors.size(), 1);
-        return;
-    }
-    QVERIFY(QDir().mkdir(fixture.Earlier(blocked)));
+    if (blocked > 0)
+        QVERIFY(QDir().mkdir(fixture.Earlier(blocked)));
+    // A name that is too long for one more suffix, as in a folder that cannot be written.
+    const QString name = blocked > 0 ? fixture.name : fixture.directory.filePath(QString(253, u'n'));
 
     RotatingFile file;
-    QCOMPARE(file.Open(fixture.name, kLargest), QString());
+    QCOMPARE(file.Open(name, kLargest), QString());
+    QStringList errors;
+    QByteArray expected;
     for (int i = 0; i < 1000; ++i) {
         expected += Line(i);
         if (const QString error = file.Append(Line(i)); !error.isEmpty())
             errors.append(error);
     }
-    QCOMPARE(Files::Read(fixture.name), expected);
+    QCOMPARE(Files::Read(name), expected);
     QCOMPARE(errors.size(), 1);
-    QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))), qPrintable(errors.first()));
-    // The other files are what they were.
+    if (blocked > 0)
+        QVERIFY2(errors.first().contains(QDir::toNativeSeparators(fixture.Earlier(blocked))),
+                 qPrintable(errors.first()));
     for (int number = 1; number <= RotatingFile::kBackupCount; ++number)
         if (number != blocked)
             QCOMPARE(Files::Read(fixture.Earlier(number)), QByteArray::number(number));
 }
 
-void TestRotatingFile::itWorksAgainWhenTheWayIsFree()
+void TestRotatingFile::renamingWorksAgainLater()
 {
     const Fixture fixture;
     QVERIFY(QDir().mkdir(fixture.Earlier(1)));
@@ -222,7 +212,7 @@ void TestRotatingFile::itWorksAgainWhenTheWayIsFree()
     // Not with the next line: a way that is blocked is not tried with every line.
     QCOMPARE(file.Append(Line(i++)), QString());
     QVERIFY(!QFileInfo::exists(fixture.Earlier(1)));
-    // But before it has grown as much once more.
+    // But before it has doubled.
     for (; i < 350; ++i)
         QCOMPARE(file.Append(Line(i)), QString());
     // From then on files are as large as they shall be.
@@ -231,7 +221,7 @@ void TestRotatingFile::itWorksAgainWhenTheWayIsFree()
     QCOMPARE(Files::Read(fixture.name).count('\n'), 50);
 }
 
-void TestRotatingFile::anotherProcessAtItIsNoFailure()
+void TestRotatingFile::lockOfAnotherProcessIsNoFailure()
 {
     const Fixture fixture;
     RotatingFile file;
@@ -249,7 +239,7 @@ void TestRotatingFile::anotherProcessAtItIsNoFailure()
     QCOMPARE(Files::Read(fixture.name), Line(150));
 }
 
-void TestRotatingFile::aFileThatSomebodyElsePutAside()
+void TestRotatingFile::fileRenamedByAnotherProcessIsReopened()
 {
 #ifndef Q_OS_UNIX
     QSKIP("A file that is open is not renamed on this system.");
@@ -262,14 +252,14 @@ void TestRotatingFile::aFileThatSomebodyElsePutAside()
     for (int i = 0; i < 100; ++i)
         QCOMPARE(one.Append(Line(i)), QString());
     QCOMPARE(one.Append(Line(100)), QString());
-    // What the other has open is full, and has been put aside: it moves on and puts nothing aside itself.
+    // The file that the other has open was renamed: it opens the new one, and renames nothing.
     QCOMPARE(other.Append(Line(101)), QString());
     QCOMPARE(Files::Read(fixture.name), Line(100) + Line(101));
     QCOMPARE(Files::Read(fixture.Earlier(1)).count('\n'), 100);
     QVERIFY(!QFileInfo::exists(fixture.Earlier(2)));
 }
 
-void TestRotatingFile::devicesAreLeftAlone()
+void TestRotatingFile::devicesAreNotRenamed()
 {
     const QString device = QProcess::nullDevice();
     RotatingFile file;
@@ -280,7 +270,7 @@ void TestRotatingFile::devicesAreLeftAlone()
     QVERIFY(!QFileInfo::exists(device + QStringLiteral(".1")));
 }
 
-void TestRotatingFile::severalProcesses()
+void TestRotatingFile::severalProcessesLoseNoLine()
 {
     if (System::IsWine())
         QSKIP("Wine looks for the end of a file and then writes there, so that lines of others can be overwritten");
@@ -299,7 +289,7 @@ void TestRotatingFile::severalProcesses()
         QVERIFY(process->waitForFinished());
         QCOMPARE(process->exitCode(), 0);
     }
-    // Every line is there, whole, once, whichever file it stands in.
+    // Every line is in one of the files, complete and once.
     std::set<QByteArray> lines;
     int count = 0;
     for (int number = 0; number <= RotatingFile::kBackupCount; ++number) {
@@ -320,7 +310,7 @@ void TestRotatingFile::severalProcesses()
 #endif
 }
 
-void TestRotatingFile::unusableFile()
+void TestRotatingFile::unusableFileIsRefused()
 {
     const QTemporaryDir directory;
     RotatingFile file;

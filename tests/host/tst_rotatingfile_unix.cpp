@@ -32,23 +32,23 @@ private slots:
         m_name = m_directory->filePath(QStringLiteral("trace.log"));
     }
 
-    void aRemovedFileIsMadeAnew();
-    void aRenamedFileIsLeftToWhoeverRenamedIt();
-    void aNewFileIsBoundedAsWell();
-    void aFileThatCannotBeMadeAnewIsToldOnce();
-    void aFileReplacedByAPipeIsNotWaitedFor();
-    void aLineWithoutRoomDoesNotTakeTheNextOneAlong();
-    void aTornLineOfAnEarlierRun();
-    void aPipeWithoutAReaderIsRefused();
-    void aPipeWithAReader();
-    void aPipeInTheLocksPlace();
+    void removedFileIsRecreated();
+    void renamedFileIsLeftAlone();
+    void recreatedFileIsBounded();
+    void failedRecreationIsReportedOnce();
+    void fileReplacedByAPipeDoesNotBlock();
+    void partialLineDoesNotSpoilTheNext();
+    void partialLineOfAnEarlierRunIsEnded();
+    void pipeWithoutAReaderIsRefused();
+    void pipeWithAReaderIsWritten();
+    void pipeInPlaceOfTheLockDoesNotBlock();
 
 private:
     std::unique_ptr<QTemporaryDir> m_directory;
     QString m_name;
 };
 
-void TestRotatingFileUnix::aRemovedFileIsMadeAnew()
+void TestRotatingFileUnix::removedFileIsRecreated()
 {
     RotatingFile file;
     QCOMPARE(file.Open(m_name, kLargest), QString());
@@ -59,21 +59,21 @@ void TestRotatingFileUnix::aRemovedFileIsMadeAnew()
     QCOMPARE(Files::Read(m_name), QByteArray("two\nthree\n"));
 }
 
-void TestRotatingFileUnix::aRenamedFileIsLeftToWhoeverRenamedIt()
+void TestRotatingFileUnix::renamedFileIsLeftAlone()
 {
     const QString aside = m_directory->filePath(QStringLiteral("mine"));
     RotatingFile file;
     QCOMPARE(file.Open(m_name, kLargest), QString());
     QCOMPARE(file.Append("one\n"), QString());
     QVERIFY(QFile::rename(m_name, aside));
-    // A file that somebody else has put there is appended to.
+    // A file that another process has created there is appended to.
     QVERIFY(Files::Write(m_name, "zero\n"));
     QCOMPARE(file.Append("two\n"), QString());
     QCOMPARE(Files::Read(aside), QByteArray("one\n"));
     QCOMPARE(Files::Read(m_name), QByteArray("zero\ntwo\n"));
 }
 
-void TestRotatingFileUnix::aNewFileIsBoundedAsWell()
+void TestRotatingFileUnix::recreatedFileIsBounded()
 {
     RotatingFile file;
     QCOMPARE(file.Open(m_name, kLargest), QString());
@@ -86,7 +86,7 @@ void TestRotatingFileUnix::aNewFileIsBoundedAsWell()
     QCOMPARE(Files::Read(m_name + QStringLiteral(".1")).size(), 1000);
 }
 
-void TestRotatingFileUnix::aFileThatCannotBeMadeAnewIsToldOnce()
+void TestRotatingFileUnix::failedRecreationIsReportedOnce()
 {
     RotatingFile file;
     QCOMPARE(file.Open(m_name, kLargest), QString());
@@ -103,7 +103,7 @@ void TestRotatingFileUnix::aFileThatCannotBeMadeAnewIsToldOnce()
     QCOMPARE(Files::Read(m_name), QByteArray("four\n"));
 }
 
-void TestRotatingFileUnix::aFileReplacedByAPipeIsNotWaitedFor()
+void TestRotatingFileUnix::fileReplacedByAPipeDoesNotBlock()
 {
     RotatingFile file;
     QCOMPARE(file.Open(m_name, kLargest), QString());
@@ -113,7 +113,7 @@ void TestRotatingFileUnix::aFileReplacedByAPipeIsNotWaitedFor()
     QCOMPARE(file.Append("two\n"), QString());
 }
 
-void TestRotatingFileUnix::aLineWithoutRoomDoesNotTakeTheNextOneAlong()
+void TestRotatingFileUnix::partialLineDoesNotSpoilTheNext()
 {
     RotatingFile file;
     QCOMPARE(file.Open(m_name, kLargest), QString());
@@ -132,7 +132,7 @@ void TestRotatingFileUnix::aLineWithoutRoomDoesNotTakeTheNextOneAlong()
     QCOMPARE(Files::Read(m_name), QByteArray("one\nsec\nfourth\nfifth\n"));
 }
 
-void TestRotatingFileUnix::aTornLineOfAnEarlierRun()
+void TestRotatingFileUnix::partialLineOfAnEarlierRunIsEnded()
 {
     QVERIFY(Files::Write(m_name, "one\ntw"));
     RotatingFile file;
@@ -141,7 +141,7 @@ void TestRotatingFileUnix::aTornLineOfAnEarlierRun()
     QCOMPARE(Files::Read(m_name), QByteArray("one\ntw\nthree\n"));
 }
 
-void TestRotatingFileUnix::aPipeWithoutAReaderIsRefused()
+void TestRotatingFileUnix::pipeWithoutAReaderIsRefused()
 {
     QCOMPARE(System::MakePipe(m_name), m_name);
     RotatingFile file;
@@ -149,7 +149,7 @@ void TestRotatingFileUnix::aPipeWithoutAReaderIsRefused()
     QVERIFY(!file.IsOpen());
 }
 
-void TestRotatingFileUnix::aPipeWithAReader()
+void TestRotatingFileUnix::pipeWithAReaderIsWritten()
 {
     QCOMPARE(System::MakePipe(m_name), m_name);
     const int reader = ::open(QFile::encodeName(m_name).constData(), O_RDONLY | O_NONBLOCK);
@@ -166,7 +166,7 @@ void TestRotatingFileUnix::aPipeWithAReader()
     QCOMPARE(QDir(m_directory->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(), 1);
 }
 
-void TestRotatingFileUnix::aPipeInTheLocksPlace()
+void TestRotatingFileUnix::pipeInPlaceOfTheLockDoesNotBlock()
 {
     const QString pipe = m_name + QStringLiteral(".lock");
     QCOMPARE(System::MakePipe(pipe), pipe);

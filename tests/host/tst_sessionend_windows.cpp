@@ -32,7 +32,7 @@ QList<HWND> WindowsOf(const QProcess& process)
     return search.found;
 }
 
-/// The dialog, where it is shown.
+/// The dialog, if it is shown.
 HWND DialogOf(const QProcess& process)
 {
     const QList<HWND> windows = WindowsOf(process);
@@ -49,7 +49,7 @@ int Ask(HWND window, UINT message, WPARAM parameter)
     return isAnswered ? static_cast<int>(answer) : -1;
 }
 
-/// What the system does to a program when the session ends. The number of windows that it has asked.
+/// Sends what Windows sends to a program when the session ends. Returns the number of windows asked.
 int EndSession(const QProcess& process)
 {
     const QList<HWND> windows = WindowsOf(process);
@@ -63,7 +63,7 @@ int EndSession(const QProcess& process)
 
 } // namespace
 
-/// What becomes of the host's configuration when the system ends the session. Needs real windows, since they are asked.
+/// Whether the host saves its configuration when the session ends. Needs real windows, since they are asked.
 class TestSessionEnd : public QObject
 {
     Q_OBJECT
@@ -73,7 +73,7 @@ private slots:
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        setUp.Start(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(!setUp.StoredText().contains("FilterPattern"));
@@ -87,11 +87,11 @@ private slots:
             QVERIFY2(setUp.StoredText().contains(part), part);
     }
 
-    void aSessionThatGoesOnAfterAllLeavesTheHost()
+    void cancelledSessionEndKeepsTheHost()
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        setUp.Start(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QCOMPARE(Ask(window, WM_QUERYENDSESSION, 0), 1);
@@ -103,11 +103,11 @@ private slots:
         QVERIFY(process.waitForFinished());
     }
 
-    // It has no window that anybody sees, and nothing of what it does is stored before its end.
-    void aHeadlessHostSavesEverything()
+    // It has no visible window, and stores nothing before its end.
+    void headlessHostSavesEverything()
     {
         HostSetUp setUp;
-        // As it is where nobody has chosen how to draw: a host without a dialog draws nothing then.
+        // Without a platform chosen: a host without a dialog draws nothing then.
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
         QProcess process;
         StartAtWork(setUp, process);
@@ -118,12 +118,12 @@ private slots:
         QVERIFY(process.waitForFinished());
         for (const char* part : {"FilterPattern", "ModelMimeData", "VexelDataDir"})
             QVERIFY2(setUp.StoredText().contains(part), part);
-        QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+        QCOMPARE(setUp.Names(), Words("mast"));
         EndApplications(setUp);
     }
 
     // Where there is time left, it ends in order.
-    void aHeadlessHostEnds()
+    void headlessHostEnds()
     {
         HostSetUp setUp;
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
@@ -131,16 +131,16 @@ private slots:
         StartAtWork(setUp, process);
         QVERIFY(EndSession(process) > 0);
         QCOMPARE(HostSetUp::End(process).exitCode, 0);
-        QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+        QCOMPARE(setUp.Names(), Words("mast"));
         EndApplications(setUp);
     }
 
     // The dialog has gone to the tray, after which something has changed that is to be stored.
-    void aHiddenDialogIsSaved()
+    void hiddenDialogIsSaved()
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data()});
+        setUp.Start(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(PostMessageW(window, WM_CLOSE, 0, 0));
@@ -155,7 +155,7 @@ private slots:
         QVERIFY(setUp.StoredText().contains("FilterPattern"));
     }
 
-    void theExampleSaves()
+    void exampleSaves()
     {
         HostSetUp setUp;
         QProcess process;
@@ -194,7 +194,7 @@ private:
         return QDir(setUp.Data()).entryList({QStringLiteral("*.json")}, QDir::Files);
     }
 
-    /// What a host that was ended in the middle of it has left.
+    /// What a host leaves that was ended in the middle of its work.
     static void EndApplications(const HostSetUp& setUp)
     {
         for (const QString& report : Reports(setUp)) {

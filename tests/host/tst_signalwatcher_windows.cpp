@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The top-level windows of this thread, also hidden ones, as those find them who ask a program to end.
+/// The top-level windows of this thread, hidden ones too, as a program finds them that asks this one to end.
 std::vector<HWND> Windows()
 {
     std::vector<HWND> windows;
@@ -24,7 +24,7 @@ std::vector<HWND> Windows()
     return windows;
 }
 
-/// As loops of Windows' own do it, which know nothing of Qt.
+/// Dispatches messages like a native loop, which does not know Qt.
 void RunLoopOfWindows()
 {
     MSG message{};
@@ -32,7 +32,7 @@ void RunLoopOfWindows()
         DispatchMessageW(&message);
 }
 
-/// What Windows starts a thread with when something happens to the console.
+/// The function that Windows calls in a new thread on an event of the console.
 LPTHREAD_START_ROUTINE ConsoleRoutine()
 {
     const FARPROC found = GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "CtrlRoutine");
@@ -52,13 +52,13 @@ bool HasEnded(HANDLE thread)
 
 } // namespace
 
-/// What a host hears that is asked to end. Needs a desktop, as windows do.
+/// How a host learns that it is asked to end. Needs a desktop for its windows.
 class TestSignalWatcher : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void threadIsAsked()
+    void requestToTheThreadIsSeen()
     {
         SignalWatcher watcher;
         const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
@@ -66,8 +66,8 @@ private slots:
         QTRY_COMPARE(requests.size(), 1);
     }
 
-    // Loops of Windows' own leave out what goes to the thread.
-    void windowsAreAskedInALoopOfWindows()
+    // Native loops drop messages to the thread.
+    void requestToTheWindowIsSeenInANativeLoop()
     {
         SignalWatcher watcher;
         const QSignalSpy requests(&watcher, &SignalWatcher::QuitRequested);
@@ -106,9 +106,9 @@ private slots:
         QCOMPARE(requests.size(), 0);
     }
 
-    void nothingIsSeenOrLeft()
+    void withoutARequestNothingIsSeen()
     {
-        // The system may make some of its own with the first.
+        // The system may create some windows with the first.
         std::make_unique<SignalWatcher>().reset();
         const auto before = Windows().size();
         {
@@ -147,7 +147,7 @@ private slots:
         QTRY_COMPARE(requests.size(), 1);
         QVERIFY(!HasEnded(thread));
 
-        // Whoever ends lets the console's thread go on and does not wait for it; by itself that loses patience later.
+        // An ending program releases the console thread without waiting; otherwise the thread times out later.
         bool hasEnded = false;
         const std::unique_ptr<QThread> look(QThread::create([&] {
             constexpr DWORD kLessThanItsTimeoutMs = 10'000;

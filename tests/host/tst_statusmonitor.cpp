@@ -15,19 +15,22 @@ class TestStatusMonitor : public QObject
 private slots:
     void init();
     void cleanup();
-    void countsWhatIsThere();
-    void announcesAChangeWithNameAndTexts();
-    void keepsSilentAboutCellsThatStay();
-    void keepsSilentAboutOtherColumns();
-    void seesAChangeInsideALargerRange();
+    void existingEntriesAreCounted();
+    void changeIsAnnouncedWithNameAndTexts();
+    void unchangedCellsAreNotAnnounced();
+    void otherColumnsAreNotAnnounced();
+    void changeInsideALargerRangeIsSeen();
     void countFollowsInsertedAndRemovedRows();
-    void rowsStayTheirOwnAfterARemoval();
-    void rereadsAfterAReset();
-    void rereadsAfterSorting();
+    void rowsAreTrackedAfterARemoval();
+    void modelIsRereadAfterAReset();
+    void modelIsRereadAfterSorting();
 
 private:
     std::unique_ptr<FakeDialog> m_pFake;
     QStandardItemModel* m_pEntries = nullptr;
+    std::unique_ptr<StatusMonitor> m_monitor;
+    std::unique_ptr<QSignalSpy> m_changes;
+    std::unique_ptr<QSignalSpy> m_counts;
 };
 
 void TestStatusMonitor::init()
@@ -38,112 +41,98 @@ void TestStatusMonitor::init()
     m_pFake->Add(QStringLiteral("first"), false, 0);
     m_pFake->Add(QStringLiteral("second"), false, 1);
     m_pFake->Add(QStringLiteral("third"), false, 0);
+    m_monitor = std::make_unique<StatusMonitor>(m_pEntries);
+    m_changes = std::make_unique<QSignalSpy>(m_monitor.get(), &StatusMonitor::StatusChanged);
+    m_counts = std::make_unique<QSignalSpy>(m_monitor.get(), &StatusMonitor::InUseChanged);
 }
 
 void TestStatusMonitor::cleanup()
 {
+    m_monitor.reset();
     m_pFake.reset();
 }
 
-void TestStatusMonitor::countsWhatIsThere()
+void TestStatusMonitor::existingEntriesAreCounted()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QCOMPARE(monitor.CountInUse(), 1);
+    QCOMPARE(m_monitor->CountInUse(), 1);
 }
 
-void TestStatusMonitor::announcesAChangeWithNameAndTexts()
+void TestStatusMonitor::changeIsAnnouncedWithNameAndTexts()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
-    QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
     m_pFake->SetStatus(2, 1);
-    QCOMPARE(changes.count(), 1);
+    QCOMPARE(m_changes->count(), 1);
     // A plain item model shows the number itself.
-    QCOMPARE(changes.at(0), QVariantList({2, QStringLiteral("third"), QStringLiteral("0"), QStringLiteral("1")}));
-    QCOMPARE(counts.count(), 1);
-    QCOMPARE(counts.at(0).at(0).toInt(), 2);
+    QCOMPARE(m_changes->at(0), QVariantList({2, QStringLiteral("third"), QStringLiteral("0"), QStringLiteral("1")}));
+    QCOMPARE(m_counts->count(), 1);
+    QCOMPARE(m_counts->at(0).at(0).toInt(), 2);
 
     m_pFake->SetStatus(2, 0);
-    QCOMPARE(changes.count(), 2);
-    QCOMPARE(changes.at(1), QVariantList({2, QStringLiteral("third"), QStringLiteral("1"), QStringLiteral("0")}));
-    QCOMPARE(monitor.CountInUse(), 1);
+    QCOMPARE(m_changes->count(), 2);
+    QCOMPARE(m_changes->at(1), QVariantList({2, QStringLiteral("third"), QStringLiteral("1"), QStringLiteral("0")}));
+    QCOMPARE(m_monitor->CountInUse(), 1);
 }
 
-void TestStatusMonitor::keepsSilentAboutCellsThatStay()
+void TestStatusMonitor::unchangedCellsAreNotAnnounced()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
-    QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
     emit m_pEntries->dataChanged(m_pEntries->index(0, 0), m_pEntries->index(2, 9));
-    QCOMPARE(changes.count(), 0);
-    QCOMPARE(counts.count(), 0);
+    QCOMPARE(m_changes->count(), 0);
+    QCOMPARE(m_counts->count(), 0);
 }
 
-void TestStatusMonitor::keepsSilentAboutOtherColumns()
+void TestStatusMonitor::otherColumnsAreNotAnnounced()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
     m_pEntries->setData(m_pEntries->index(0, 1), QStringLiteral("renamed"), Qt::EditRole);
     m_pEntries->setData(m_pEntries->index(0, 3), 7, Qt::EditRole);
-    QCOMPARE(changes.count(), 0);
+    QCOMPARE(m_changes->count(), 0);
 }
 
-void TestStatusMonitor::seesAChangeInsideALargerRange()
+void TestStatusMonitor::changeInsideALargerRangeIsSeen()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
     {
         const QSignalBlocker quiet(m_pEntries);
         m_pFake->SetStatus(1, 0);
         m_pFake->SetStatus(2, 1);
     }
     emit m_pEntries->dataChanged(m_pEntries->index(0, 0), m_pEntries->index(2, 9));
-    QCOMPARE(changes.count(), 2);
-    QCOMPARE(changes.at(0).at(0).toInt(), 1);
-    QCOMPARE(changes.at(1).at(0).toInt(), 2);
-    QCOMPARE(monitor.CountInUse(), 1);
+    QCOMPARE(m_changes->count(), 2);
+    QCOMPARE(m_changes->at(0).at(0).toInt(), 1);
+    QCOMPARE(m_changes->at(1).at(0).toInt(), 2);
+    QCOMPARE(m_monitor->CountInUse(), 1);
 }
 
 void TestStatusMonitor::countFollowsInsertedAndRemovedRows()
 {
-    const StatusMonitor monitor(m_pEntries);
     m_pFake->Add(QStringLiteral("fourth"), false, 1);
-    QCOMPARE(monitor.CountInUse(), 2);
+    QCOMPARE(m_monitor->CountInUse(), 2);
     m_pEntries->removeRows(0, 2);
-    QCOMPARE(monitor.CountInUse(), 1);
+    QCOMPARE(m_monitor->CountInUse(), 1);
     m_pEntries->removeRows(0, 2);
-    QCOMPARE(monitor.CountInUse(), 0);
+    QCOMPARE(m_monitor->CountInUse(), 0);
 }
 
-void TestStatusMonitor::rowsStayTheirOwnAfterARemoval()
+void TestStatusMonitor::rowsAreTrackedAfterARemoval()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
     m_pEntries->removeRows(0, 1);
     m_pFake->SetStatus(0, 0);
-    QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.at(0).at(1).toString(), QStringLiteral("second"));
-    QCOMPARE(monitor.CountInUse(), 0);
+    QCOMPARE(m_changes->count(), 1);
+    QCOMPARE(m_changes->at(0).at(1).toString(), QStringLiteral("second"));
+    QCOMPARE(m_monitor->CountInUse(), 0);
 }
 
-void TestStatusMonitor::rereadsAfterAReset()
+void TestStatusMonitor::modelIsRereadAfterAReset()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy counts(&monitor, &StatusMonitor::InUseChanged);
     m_pEntries->clear();
-    QCOMPARE(monitor.CountInUse(), 0);
-    QCOMPARE(counts.count(), 1);
+    QCOMPARE(m_monitor->CountInUse(), 0);
+    QCOMPARE(m_counts->count(), 1);
 }
 
-void TestStatusMonitor::rereadsAfterSorting()
+void TestStatusMonitor::modelIsRereadAfterSorting()
 {
-    const StatusMonitor monitor(m_pEntries);
-    QSignalSpy changes(&monitor, &StatusMonitor::StatusChanged);
     m_pEntries->sort(1, Qt::DescendingOrder); // third, second, first
     m_pFake->SetStatus(2, 1);
-    QCOMPARE(changes.count(), 1);
-    QCOMPARE(changes.at(0).at(1).toString(), QStringLiteral("first"));
-    QCOMPARE(monitor.CountInUse(), 2);
+    QCOMPARE(m_changes->count(), 1);
+    QCOMPARE(m_changes->at(0).at(1).toString(), QStringLiteral("first"));
+    QCOMPARE(m_monitor->CountInUse(), 2);
 }
 
 VEXEL_TEST(QTEST_MAIN, TestStatusMonitor)

@@ -15,7 +15,7 @@ private slots:
     void jsonOfEverything();
     void textsCannotBreakTheReport();
     void longTablesAreCutInTheTextOnly();
-    void nothingAtAll();
+    void emptyReport();
 
 private:
     static QJsonObject Read(const SupportReport& report) { return QJsonDocument::fromJson(report.Json()).object(); }
@@ -119,7 +119,7 @@ void TestSupportReport::longTablesAreCutInTheTextOnly()
     QCOMPARE(one.value(QLatin1String("list")).toArray().size(), 100'000);
 }
 
-void TestSupportReport::nothingAtAll()
+void TestSupportReport::emptyReport()
 {
     QCOMPARE(SupportReport().Text(), QString());
     QCOMPARE(Read(SupportReport()), QJsonObject());

@@ -8,14 +8,14 @@ class TestTextLine : public QObject
     Q_OBJECT
 
 private slots:
-    void oneLineEscapesWhatWouldBreakTheLine_data();
-    void oneLineEscapesWhatWouldBreakTheLine();
-    void elidedCutsByCharacters_data();
-    void elidedCutsByCharacters();
-    void cellCountLeavesOutWhatTakesNoCell();
+    void controlCharactersAreEscaped_data();
+    void controlCharactersAreEscaped();
+    void elisionCountsCharacters_data();
+    void elisionCountsCharacters();
+    void combiningCharactersTakeNoCell();
 };
 
-void TestTextLine::oneLineEscapesWhatWouldBreakTheLine_data()
+void TestTextLine::controlCharactersAreEscaped_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("line");
@@ -33,14 +33,14 @@ void TestTextLine::oneLineEscapesWhatWouldBreakTheLine_data()
     QTest::newRow("astral") << QStringLiteral("\U0001F4E1") << QStringLiteral("\U0001F4E1");
 }
 
-void TestTextLine::oneLineEscapesWhatWouldBreakTheLine()
+void TestTextLine::controlCharactersAreEscaped()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, line);
     QCOMPARE(OneLine(text), line);
 }
 
-void TestTextLine::elidedCutsByCharacters_data()
+void TestTextLine::elisionCountsCharacters_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("elided");
@@ -52,14 +52,14 @@ void TestTextLine::elidedCutsByCharacters_data()
                                         << QStringLiteral("\U0001F4E1\U0001F4E1\U0001F4E1\u2026");
 }
 
-void TestTextLine::elidedCutsByCharacters()
+void TestTextLine::elisionCountsCharacters()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, elided);
     QCOMPARE(Elided(text, 4), elided);
 }
 
-void TestTextLine::cellCountLeavesOutWhatTakesNoCell()
+void TestTextLine::combiningCharactersTakeNoCell()
 {
     QCOMPARE(CellCount(QString()), 0);
     QCOMPARE(CellCount(QStringLiteral("abc")), 3);

@@ -11,7 +11,7 @@ private slots:
     void columnsAreAligned();
     void noBlanksAtTheEndOfALine();
     void wideAndCombiningCharacters();
-    void nothingAtAll();
+    void emptyTable();
 };
 
 void TestTextTable::columnsAreAligned()
@@ -43,7 +43,7 @@ void TestTextTable::wideAndCombiningCharacters()
              QStringLiteral("a\u0308   b\nxy  z\n"));
 }
 
-void TestTextTable::nothingAtAll()
+void TestTextTable::emptyTable()
 {
     QCOMPARE(TextTable({}), QString());
 }

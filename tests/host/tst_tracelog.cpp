@@ -13,14 +13,14 @@ class TestTraceLog : public QObject
 
 private slots:
     void lineHoldsEverything();
-    void lineStaysOneLine();
-    void percentSignsStay();
-    void writesAndAppends();
-    void givesKindsAndSinkBack();
-    void nothingAskedForChangesNothing();
-    void fileThatCannotBeOpened();
-    void aFullFileIsPutAside();
-    void theSizeIsBoundedByItself();
+    void lineBreaksAreEscaped();
+    void percentSignsAreKept();
+    void linesAreAppended();
+    void kindsAndSinkAreRestored();
+    void withoutOptionsNothingChanges();
+    void unusableFileIsReported();
+    void fullFileIsRenamed();
+    void sizeIsBoundedByDefault();
 
 private:
     static QStringList FileLines(const QString& fileName);
@@ -44,7 +44,7 @@ void TestTraceLog::lineHoldsEverything()
              QStringLiteral("2024-05-17T09:30:12.345 assertion file:1 a == b"));
 }
 
-void TestTraceLog::lineStaysOneLine()
+void TestTraceLog::lineBreaksAreEscaped()
 {
     const QString line = TraceLog::Line(QDateTime::currentDateTime(), ErrorHandler::Trace,
                                         QStringLiteral("one\ntwo\r\nthree"), QStringLiteral("file"), 1);
@@ -52,14 +52,14 @@ void TestTraceLog::lineStaysOneLine()
     QVERIFY(!line.contains(QLatin1Char('\n')));
 }
 
-void TestTraceLog::percentSignsStay()
+void TestTraceLog::percentSignsAreKept()
 {
     const QString line = TraceLog::Line(QDateTime::currentDateTime(), ErrorHandler::Trace,
                                         QStringLiteral("opened %1 and %3"), QStringLiteral("%2"), 1);
     QVERIFY(line.endsWith(QLatin1String("trace %2:1 opened %1 and %3")));
 }
 
-void TestTraceLog::writesAndAppends()
+void TestTraceLog::linesAreAppended()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
@@ -79,7 +79,7 @@ void TestTraceLog::writesAndAppends()
         QVERIFY2(form.match(line).hasMatch(), qPrintable(line));
 }
 
-void TestTraceLog::givesKindsAndSinkBack()
+void TestTraceLog::kindsAndSinkAreRestored()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
@@ -95,7 +95,7 @@ void TestTraceLog::givesKindsAndSinkBack()
     QVERIFY(FileLines(fileName).isEmpty());
 }
 
-void TestTraceLog::nothingAskedForChangesNothing()
+void TestTraceLog::withoutOptionsNothingChanges()
 {
     const unsigned before = ErrorHandler::Instance().EnabledKinds();
     TraceLog log;
@@ -103,7 +103,7 @@ void TestTraceLog::nothingAskedForChangesNothing()
     QCOMPARE(ErrorHandler::Instance().EnabledKinds(), before);
 }
 
-void TestTraceLog::fileThatCannotBeOpened()
+void TestTraceLog::unusableFileIsReported()
 {
     const unsigned before = ErrorHandler::Instance().EnabledKinds();
     const QTemporaryDir directory;
@@ -112,7 +112,7 @@ void TestTraceLog::fileThatCannotBeOpened()
     QCOMPARE(ErrorHandler::Instance().EnabledKinds(), before);
 }
 
-void TestTraceLog::aFullFileIsPutAside()
+void TestTraceLog::fullFileIsRenamed()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));
@@ -132,7 +132,7 @@ void TestTraceLog::aFullFileIsPutAside()
         QVERIFY2(lines.at(i).endsWith(QStringLiteral(" line %1").arg(i)), qPrintable(lines.at(i)));
 }
 
-void TestTraceLog::theSizeIsBoundedByItself()
+void TestTraceLog::sizeIsBoundedByDefault()
 {
     const QTemporaryDir directory;
     const QString fileName = directory.filePath(QStringLiteral("trace.log"));

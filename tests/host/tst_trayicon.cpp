@@ -38,22 +38,15 @@ struct InTray
     QSignalSpy end{&tray, &TrayIcon::QuitRequested};
 };
 
-int Brightest(const QImage& image)
+/// The darkest and the brightest grey.
+std::pair<int, int> Extremes(const QImage& image)
 {
-    int brightest = 0;
+    std::pair<int, int> extremes{255, 0};
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
-            brightest = qMax(brightest, qGray(image.pixel(x, y)));
-    return brightest;
-}
-
-int Darkest(const QImage& image)
-{
-    int darkest = 255;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            darkest = qMin(darkest, qGray(image.pixel(x, y)));
-    return darkest;
+            extremes = {qMin(extremes.first, qGray(image.pixel(x, y))),
+                        qMax(extremes.second, qGray(image.pixel(x, y)))};
+    return extremes;
 }
 
 } // namespace
@@ -63,17 +56,17 @@ class TestTrayIcon : public QObject
     Q_OBJECT
 
 private slots:
-    void tipTellsTheNumberInUse();
+    void tipShowsTheNumberInUse();
     void tipAtTheStart();
-    void menuSaysWhatIsWanted();
-    void clicksCallTheDialog();
-    void pictureTellsWhetherAnythingIsInUse();
-    void pictureStandsOutOnEveryPanel_data();
-    void pictureStandsOutOnEveryPanel();
+    void menuEmitsTheSignals();
+    void clickCallsTheDialog();
+    void pictureShowsWhetherAnEntryIsInUse();
+    void pictureIsVisibleOnEveryPanel_data();
+    void pictureIsVisibleOnEveryPanel();
     void withoutATray();
 };
 
-void TestTrayIcon::tipTellsTheNumberInUse()
+void TestTrayIcon::tipShowsTheNumberInUse()
 {
     const QString name = QStringLiteral("Vexel - Connect Dialog\n");
     InTray inTray;
@@ -94,7 +87,7 @@ void TestTrayIcon::tipAtTheStart()
     QVERIFY(later.findChild<QSystemTrayIcon*>()->toolTip().endsWith(QLatin1String("1 entry in use")));
 }
 
-void TestTrayIcon::menuSaysWhatIsWanted()
+void TestTrayIcon::menuEmitsTheSignals()
 {
     const InTray inTray;
     const auto counts = [&] {
@@ -111,7 +104,7 @@ void TestTrayIcon::menuSaysWhatIsWanted()
     QCOMPARE(counts(), QList<qsizetype>({1, 1, 1}));
 }
 
-void TestTrayIcon::clicksCallTheDialog()
+void TestTrayIcon::clickCallsTheDialog()
 {
     const InTray inTray;
     emit inTray.Icon()->activated(QSystemTrayIcon::Trigger);
@@ -123,7 +116,7 @@ void TestTrayIcon::clicksCallTheDialog()
     QCOMPARE(inTray.save.count() + inTray.end.count(), 0);
 }
 
-void TestTrayIcon::pictureTellsWhetherAnythingIsInUse()
+void TestTrayIcon::pictureShowsWhetherAnEntryIsInUse()
 {
     InTray inTray;
     const QImage free = inTray.Picture();
@@ -134,14 +127,14 @@ void TestTrayIcon::pictureTellsWhetherAnythingIsInUse()
     QCOMPARE(inTray.Picture(), free);
 }
 
-void TestTrayIcon::pictureStandsOutOnEveryPanel_data()
+void TestTrayIcon::pictureIsVisibleOnEveryPanel_data()
 {
     QTest::addColumn<int>("size");
     for (const int size : {16, 22, 24, 32, 48, 64})
         QTest::addRow("%d", size) << size;
 }
 
-void TestTrayIcon::pictureStandsOutOnEveryPanel()
+void TestTrayIcon::pictureIsVisibleOnEveryPanel()
 {
     QFETCH(const int, size);
     const InTray inTray;
@@ -151,8 +144,9 @@ void TestTrayIcon::pictureStandsOutOnEveryPanel()
         QImage image(size, size, QImage::Format_RGB32);
         image.fill(panel);
         QPainter(&image).drawPixmap(0, 0, inTray.Icon()->icon().pixmap(size));
-        QVERIFY(Brightest(image) > 220);
-        QVERIFY(Darkest(image) < 100);
+        const auto [darkest, brightest] = Extremes(image);
+        QVERIFY(brightest > 220);
+        QVERIFY(darkest < 100);
     }
 }
 

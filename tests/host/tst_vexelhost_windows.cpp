@@ -7,7 +7,7 @@ class TestVexelHostWindows : public QObject
     Q_OBJECT
 
 private slots:
-    void pluginAtAPathOfAnyLetters()
+    void pluginIsLoadedFromANonAsciiPath()
     {
         HostSetUp setUp;
         const QString folder = setUp.Data() + QString::fromUtf8("/\xd0\x9f\xd0\xb5\xd0\xbb \xe6\x96\xb9\xe4\xbd\x8d "
@@ -15,7 +15,7 @@ private slots:
         QVERIFY(QDir().mkpath(folder));
         const QString plugin = folder + QStringLiteral("/vexelconnectdlg.dll");
         QVERIFY(QFile::copy(QStringLiteral(VEXEL_PLUGIN), plugin));
-        setUp.Fill({QStringLiteral("mast")});
+        setUp.Fill("mast");
         for (const QString& name : {plugin, QDir::toNativeSeparators(plugin)}) {
             const auto result = setUp.Run({QStringLiteral("--plugin"), name, QStringLiteral("--list")});
             QCOMPARE(result.error, QString());
@@ -24,87 +24,81 @@ private slots:
         }
     }
 
-    void pluginThatIsNotThere_data() { Places(); }
-    void pluginThatIsNotThere()
+    void missingPluginIsReported_data() { Places(); }
+    void missingPluginIsReported()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
         const auto result = setUp.Run({QStringLiteral("--plugin"), place, QStringLiteral("--list")});
-        QCOMPARE(result.exitCode, 2);
-        QCOMPARE(result.ErrorLines().size(), 1);
-        QVERIFY2(result.error.contains(QLatin1String("plug-in")), qPrintable(result.error));
+        COMPARE_FAILURE(result, 2, QLatin1String("plug-in"));
     }
 
-    void configurationThatCannotBe_data() { Places(); }
-    void configurationThatCannotBe()
+    void unusableConfigurationIsReported_data() { Places(); }
+    void unusableConfigurationIsReported()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
         const QString list = setUp.Path("list.xml");
         setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
-        // The one that comes last is the one that holds. What could not be kept anywhere is not taken.
-        for (const QStringList& work : {QStringList{QStringLiteral("--list")}, {QStringLiteral("--add"), list}}) {
+        // The last value counts. A directory that cannot be used is not stored.
+        for (const QStringList& work : {Words("--list"), {QStringLiteral("--add"), list}}) {
             const auto result = setUp.Run(QStringList{QStringLiteral("--config"), place} + work);
-            QCOMPARE(result.exitCode, 2);
-            QCOMPARE(result.ErrorLines().size(), 1);
-            QVERIFY2(result.error.contains(QLatin1String("configuration directory")), qPrintable(result.error));
+            COMPARE_FAILURE(result, 2, QLatin1String("configuration directory"));
         }
         QVERIFY(QFile::exists(list));
         // Nor is it taken for a folder of this machine.
         QVERIFY(!QFile::exists(QDir::rootPath() + QStringLiteral("no-such-host")));
     }
 
-    void dataThatIsNotThere_data() { Places(); }
-    void dataThatIsNotThere()
+    void missingDataDirectoryIsReported_data() { Places(); }
+    void missingDataDirectoryIsReported()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
         const auto result = setUp.Run({QStringLiteral("--data"), place, QStringLiteral("--list")});
-        QCOMPARE(result.exitCode, 1);
-        QCOMPARE(result.ErrorLines().size(), 1);
-        QVERIFY2(result.error.contains(place), qPrintable(result.error));
+        COMPARE_FAILURE(result, 1, place);
         // Before anything is made.
         QVERIFY(!QFile::exists(setUp.Config()));
     }
 
     // As when the share or the drive was there once.
-    void dataThatIsThereNoMore_data() { Places(); }
-    void dataThatIsThereNoMore()
+    void lostDataDirectoryIsKeptInTheConfiguration_data() { Places(); }
+    void lostDataDirectoryIsKeptInTheConfiguration()
     {
         QFETCH(const QString, place);
         HostSetUp setUp;
-        setUp.Fill({QStringLiteral("mast")});
+        setUp.Fill("mast");
         setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.json"),
                     R"({"values": {"VexelDataDir": ")" + place.toUtf8() + "\"}}");
-        const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--list")});
+        const auto result = setUp.Run("--trace --list");
         QCOMPARE(result.exitCode, 0);
         QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));
         const QString trace = QStringLiteral("Could not open %1/CfgVEXEL.xml for reading").arg(place);
         QVERIFY2(result.error.contains(trace), qPrintable(result.error));
 
-        // What is stored goes on without it, and is not forgotten: the drive may come back.
+        // The host works without it and keeps the stored path: the drive may come back.
         const QString list = setUp.Path("list.xml");
         setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("pier")}));
         const auto added = setUp.Run({QStringLiteral("--add"), list});
         QCOMPARE(added.error, QString());
         QCOMPARE(added.exitCode, 0);
-        QCOMPARE(setUp.Names(), (QStringList{QStringLiteral("mast"), QStringLiteral("pier")}));
+        QCOMPARE(setUp.Names(), (Words("mast pier")));
         QVERIFY(setUp.StoredText().contains("VexelDataDir\": \"" + place.toUtf8()));
     }
 
-    void applicationThatCannotBe_data()
+    void unusableApplicationIsReported_data()
     {
         QTest::addColumn<QString>("program");
         for (const char* name : {"NUL", "CON", "Q:/nowhere/app.exe", "//no-such-host/share/app.exe", "C:/nowhere/ "})
             QTest::newRow(name) << QString::fromLatin1(name);
     }
-    void applicationThatCannotBe()
+    void unusableApplicationIsReported()
     {
         QFETCH(const QString, program);
         HostSetUp setUp;
         setUp.Install(program, 1);
-        setUp.Fill({QStringLiteral("mast")});
-        const auto result = setUp.Run({QStringLiteral("--trace"), QStringLiteral("--connect"), QStringLiteral("mast")});
+        setUp.Fill("mast");
+        const auto result = setUp.Run("--trace --connect mast");
         QCOMPARE(result.exitCode, 3);
         const QString trace =
             QStringLiteral("ApplicationInstance::Start(): Application <%1> could not be started").arg(program);
@@ -112,21 +106,21 @@ private slots:
         QVERIFY2(result.error.contains(QLatin1String("\"mast\" could not be connected")), qPrintable(result.error));
     }
 
-    void applicationsDoNotHoldTheOutput()
+    void applicationsDoNotKeepTheOutputOpen()
     {
         HostSetUp setUp;
         setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)), 1);
-        setUp.Fill({QStringLiteral("mast")});
+        setUp.Fill("mast");
         const QDir reports(setUp.Path("reports"));
         QVERIFY(reports.mkpath(QStringLiteral(".")));
         setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), reports.path());
-        const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+        const auto result = setUp.Run("--connect mast --wait");
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(reports.entryList(QDir::Files).size(), 1);
         QFile file(reports.filePath(reports.entryList(QDir::Files).constFirst()));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QJsonArray inherited = QJsonDocument::fromJson(file.readAll()).object().value(u"inherited").toArray();
-        // The host's are pipes here; files are what whoever runs the tests has left open.
+        // The streams of the host are pipes here; files are those that the caller of the tests left open.
         for (const QJsonValue& handle : inherited)
             QVERIFY2(!handle.toString().endsWith(QLatin1String("of type 3")), qPrintable(handle.toString()));
     }
@@ -137,12 +131,11 @@ private slots:
         HostSetUp setUp;
         const QString program = QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)) + u' ';
         setUp.Install(program, 1);
-        setUp.Fill({QStringLiteral("mast")});
+        setUp.Fill("mast");
         const QDir reports(setUp.Path("reports"));
         QVERIFY(reports.mkpath(QStringLiteral(".")));
         setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), reports.path());
-        const auto result = setUp.Run(
-            {QStringLiteral("--trace"), QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+        const auto result = setUp.Run("--trace --connect mast --wait");
         QCOMPARE(result.exitCode, 0);
         const QString trace = QStringLiteral("ApplicationInstance::Start(): Started application <%1>").arg(program);
         QVERIFY2(result.error.contains(trace), qPrintable(result.error));

@@ -4,31 +4,27 @@
 
 #include <QRegularExpression>
 
-// The host's executable: the versions of the stored list, and what becomes of a list that breaks off.
+// The executable of the host: versions of the stored list, and truncated lists.
 class TestVexelHostBackups : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void withoutAConfiguration();
-    void withoutAStoredList();
+    void missingConfigurationIsReported();
+    void missingListIsShown();
     void versionsAreListedNewestFirst();
     void versionsAsJson();
-    void lookingWritesNothing();
+    void listingBackupsWritesNothing();
     void needsNeitherDisplayNorPlugin();
     void restoreBringsAVersionBack();
-    void restoreOfTheStateThatIsThere();
-    void restoreNamesTheVersionsThatExist();
-    void aDamagedVersionIsShownAndNotRestored();
-    void aDamagedDocumentIsShownAndReplaced();
-    void whileAHostRuns();
-    void aListThatBreaksOffIsKeptForGood();
+    void restoreOfAnEqualVersionChangesNothing();
+    void unknownVersionIsRefused();
+    void damagedVersionIsNotRestored();
+    void damagedDocumentIsReplaced();
+    void restoreIsRefusedWhileAHostRuns();
+    void copyOfATruncatedListIsKept();
 
 private:
-    static QString Document(const HostSetUp& setUp)
-    {
-        return setUp.Config() + QStringLiteral("/application/@application.json");
-    }
     /// Number, entries and file of every line of `--backups`.
     static QStringList Lines(HostSetUp& setUp);
     /// The files of the versions, newest first.
@@ -41,7 +37,7 @@ private:
 
 QStringList TestVexelHostBackups::Lines(HostSetUp& setUp)
 {
-    const auto result = setUp.Run({QStringLiteral("--backups")});
+    const auto result = setUp.Run("--backups");
     if (result.exitCode != 0 || !result.error.isEmpty())
         return {result.error};
     QStringList lines;
@@ -57,7 +53,7 @@ QStringList TestVexelHostBackups::Lines(HostSetUp& setUp)
 
 QStringList TestVexelHostBackups::Files(HostSetUp& setUp)
 {
-    const auto result = setUp.Run({QStringLiteral("--backups"), QStringLiteral("--json")});
+    const auto result = setUp.Run("--backups --json");
     const QJsonArray versions =
         QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
     QStringList files;
@@ -73,36 +69,32 @@ void TestVexelHostBackups::StoreLists(HostSetUp& setUp, int count)
     for (int i = 1; i <= count; ++i) {
         names.append(QStringLiteral("entry %1").arg(i));
         setUp.Write(setUp.Path("list.xml"), HostSetUp::ListDocument(names));
-        QCOMPARE(setUp.Run({QStringLiteral("--import"), setUp.Path("list.xml")}).exitCode, 0);
+        QCOMPARE(setUp.Run("--import list.xml").exitCode, 0);
     }
 }
 
 void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
 {
-    QByteArray text = Files::Read(Document(setUp));
+    QByteArray text = Files::Read(setUp.Document());
     const QByteArray key("ModelMimeData\": \"");
     const qsizetype begin = text.indexOf(key);
     QVERIFY(begin > 0);
     const qsizetype end = text.indexOf('"', begin + key.size());
     text.remove(end - length, length);
-    setUp.Write(Document(setUp), text);
+    setUp.Write(setUp.Document(), text);
 }
 
-void TestVexelHostBackups::withoutAConfiguration()
+void TestVexelHostBackups::missingConfigurationIsReported()
 {
     HostSetUp setUp;
     for (const char* option : {"--backups", "--restore=1"}) {
-        const auto result = setUp.Run({QString::fromLatin1(option)});
-        QCOMPARE(result.exitCode, 2);
-        QCOMPARE(result.output, QString());
-        QCOMPARE(result.ErrorLines().size(), 1);
-        QVERIFY2(result.error.contains(setUp.Config()), qPrintable(result.error));
+        COMPARE_FAILURE(setUp.Run({QString::fromLatin1(option)}), 2, setUp.Config());
         // Looking for a configuration must not make one.
         QVERIFY(!QFileInfo::exists(setUp.Config()));
     }
 }
 
-void TestVexelHostBackups::withoutAStoredList()
+void TestVexelHostBackups::missingListIsShown()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config()));
@@ -113,11 +105,10 @@ void TestVexelHostBackups::versionsAreListedNewestFirst()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
-    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|3"), QStringLiteral("1|2"), QStringLiteral("2|1")}));
+    QCOMPARE(Lines(setUp), Words("now|3 1|2 2|1"));
     const QStringList heading =
-        setUp.Run({QStringLiteral("--backups")}).OutputLines().constFirst().split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    QCOMPARE(heading, QStringList({QStringLiteral("Number"), QStringLiteral("Saved"), QStringLiteral("Entries"),
-                                   QStringLiteral("File")}));
+        setUp.Run("--backups").OutputLines().constFirst().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QCOMPARE(heading, Words("Number Saved Entries File"));
 }
 
 void TestVexelHostBackups::versionsAsJson()
@@ -125,7 +116,7 @@ void TestVexelHostBackups::versionsAsJson()
     HostSetUp setUp;
     StoreLists(setUp, 2);
     BreakOff(setUp, 20);
-    const auto result = setUp.Run({QStringLiteral("--backups"), QStringLiteral("--json")});
+    const auto result = setUp.Run("--backups --json");
     QCOMPARE(result.exitCode, 0);
     const QJsonArray versions =
         QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
@@ -135,7 +126,7 @@ void TestVexelHostBackups::versionsAsJson()
     QCOMPARE(now.value(QLatin1String("entries")), QJsonValue(2));
     QCOMPARE(now.value(QLatin1String("malformed")), QJsonValue(true));
     QCOMPARE(now.value(QLatin1String("readable")), QJsonValue(true));
-    QCOMPARE(now.value(QLatin1String("file")), QJsonValue(Document(setUp)));
+    QCOMPARE(now.value(QLatin1String("file")), QJsonValue(setUp.Document()));
     const QJsonObject former = versions.at(1).toObject();
     QCOMPARE(former.value(QLatin1String("number")), QJsonValue(1));
     QCOMPARE(former.value(QLatin1String("entries")), QJsonValue(1));
@@ -145,20 +136,20 @@ void TestVexelHostBackups::versionsAsJson()
         const QDateTime saved =
             QDateTime::fromString(version.value(QLatin1String("saved")).toString(), Qt::ISODateWithMs);
         QVERIFY(saved.isValid());
-        QCOMPARE(saved.date().year(), QFileInfo(Document(setUp)).lastModified().date().year());
+        QCOMPARE(saved.date().year(), QFileInfo(setUp.Document()).lastModified().date().year());
     }
 }
 
-void TestVexelHostBackups::lookingWritesNothing()
+void TestVexelHostBackups::listingBackupsWritesNothing()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
-    setUp.Write(Document(setUp), QByteArray("\0 no document", 14));
+    setUp.Write(setUp.Document(), QByteArray("\0 no document", 14));
     const QByteArray before = setUp.StoredText();
-    const QDateTime changed = QFileInfo(Document(setUp)).lastModified();
+    const QDateTime changed = QFileInfo(setUp.Document()).lastModified();
     QCOMPARE(Lines(setUp).size(), 2);
     QCOMPARE(setUp.StoredText(), before);
-    QCOMPARE(QFileInfo(Document(setUp)).lastModified(), changed);
+    QCOMPARE(QFileInfo(setUp.Document()).lastModified(), changed);
 }
 
 void TestVexelHostBackups::needsNeitherDisplayNorPlugin()
@@ -167,8 +158,8 @@ void TestVexelHostBackups::needsNeitherDisplayNorPlugin()
     StoreLists(setUp, 2);
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
     const QStringList withoutPlugin{QStringLiteral("--plugin"), QStringLiteral("/no/such/plugin.so")};
-    QCOMPARE(setUp.Run(QStringList{QStringLiteral("--backups")} + withoutPlugin).exitCode, 0);
-    QCOMPARE(setUp.Run(QStringList{QStringLiteral("--restore=1")} + withoutPlugin).exitCode, 0);
+    QCOMPARE(setUp.Run(Words("--backups") + withoutPlugin).exitCode, 0);
+    QCOMPARE(setUp.Run(Words("--restore=1") + withoutPlugin).exitCode, 0);
 }
 
 void TestVexelHostBackups::restoreBringsAVersionBack()
@@ -176,37 +167,36 @@ void TestVexelHostBackups::restoreBringsAVersionBack()
     HostSetUp setUp;
     StoreLists(setUp, 3);
     const QByteArray oldest = Files::Read(Files(setUp).constLast());
-    const auto restored = setUp.Run({QStringLiteral("--restore"), QStringLiteral("2")});
+    const auto restored = setUp.Run("--restore 2");
     QCOMPARE(restored.error, QString());
     QCOMPARE(restored.exitCode, 0);
     QCOMPARE(restored.OutputLines().size(), 1);
     QVERIFY2(restored.output.startsWith(QLatin1String("version 2 of ")) &&
                  restored.output.contains(QLatin1String("3 entries -> 1 entry; the replaced state is now version 1")),
              qPrintable(restored.output));
-    QCOMPARE(Files::Read(Document(setUp)), oldest);
-    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|1"), QStringLiteral("1|3"), QStringLiteral("2|2"),
-                                        QStringLiteral("3|1")}));
+    QCOMPARE(Files::Read(setUp.Document()), oldest);
+    QCOMPARE(Lines(setUp), Words("now|1 1|3 2|2 3|1"));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
 
     // And back again.
-    QCOMPARE(setUp.Run({QStringLiteral("--restore"), QStringLiteral("1")}).exitCode, 0);
+    QCOMPARE(setUp.Run("--restore 1").exitCode, 0);
     QCOMPARE(setUp.Names().size(), 3);
 }
 
-void TestVexelHostBackups::restoreOfTheStateThatIsThere()
+void TestVexelHostBackups::restoreOfAnEqualVersionChangesNothing()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
-    QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 0);
-    // Version 2 is the same as what is there now.
+    QCOMPARE(setUp.Run("--restore=1").exitCode, 0);
+    // Version 2 equals the present list.
     const QByteArray before = setUp.StoredText();
-    const auto result = setUp.Run({QStringLiteral("--restore=2")});
+    const auto result = setUp.Run("--restore=2");
     QCOMPARE(result.exitCode, 0);
     QVERIFY2(result.output.contains(QLatin1String("1 entry -> 1 entry\n")), qPrintable(result.output));
     QCOMPARE(setUp.StoredText(), before);
 }
 
-void TestVexelHostBackups::restoreNamesTheVersionsThatExist()
+void TestVexelHostBackups::unknownVersionIsRefused()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config()));
@@ -214,13 +204,13 @@ void TestVexelHostBackups::restoreNamesTheVersionsThatExist()
     for (int lists = 0; lists <= 3; ++lists) {
         StoreLists(setUp, lists);
         if (lists > 0) {
-            // One version less than lists; what the earlier turns have left goes.
+            // One version less than lists; versions of earlier rounds are removed.
             const QStringList files = Files(setUp);
             for (qsizetype i = lists - 1; i < files.size(); ++i)
                 QVERIFY(QFile::remove(files.at(i)));
         }
         const QByteArray before = setUp.StoredText();
-        const auto result = setUp.Run({QStringLiteral("--restore"), QStringLiteral("7")});
+        const auto result = setUp.Run("--restore 7");
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.output, QString());
         QCOMPARE(result.ErrorLines().size(), 1);
@@ -231,30 +221,26 @@ void TestVexelHostBackups::restoreNamesTheVersionsThatExist()
     }
 }
 
-void TestVexelHostBackups::aDamagedVersionIsShownAndNotRestored()
+void TestVexelHostBackups::damagedVersionIsNotRestored()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
     setUp.Write(Files(setUp).constFirst(), QByteArray("\0\0\0\0", 4));
-    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|3"), QStringLiteral("1|damaged"), QStringLiteral("2|1")}));
-    const auto result = setUp.Run({QStringLiteral("--restore=1")});
-    QCOMPARE(result.exitCode, 2);
-    QCOMPARE(result.output, QString());
-    QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(QLatin1String("damaged")), qPrintable(result.error));
+    QCOMPARE(Lines(setUp), Words("now|3 1|damaged 2|1"));
+    COMPARE_FAILURE(setUp.Run("--restore=1"), 2, QLatin1String("damaged"));
     QCOMPARE(setUp.Names().size(), 3);
 }
 
-void TestVexelHostBackups::aDamagedDocumentIsShownAndReplaced()
+void TestVexelHostBackups::damagedDocumentIsReplaced()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
     const QByteArray garbage("\0\0 garbage", 10);
-    setUp.Write(Document(setUp), garbage);
-    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|damaged"), QStringLiteral("1|1")}));
-    const auto result = setUp.Run({QStringLiteral("--restore=1")});
+    setUp.Write(setUp.Document(), garbage);
+    QCOMPARE(Lines(setUp), Words("now|damaged 1|1"));
+    const auto result = setUp.Run("--restore=1");
     QCOMPARE(result.exitCode, 0);
-    const QFileInfo document(Document(setUp));
+    const QFileInfo document(setUp.Document());
     const QStringList aside = document.dir().entryList({document.fileName() + QStringLiteral(".damaged-*")});
     QCOMPARE(aside.size(), 1);
     QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry; the replaced file is kept as ")) &&
@@ -264,46 +250,35 @@ void TestVexelHostBackups::aDamagedDocumentIsShownAndReplaced()
     QVERIFY(setUp.StoredText().contains(garbage));
 }
 
-void TestVexelHostBackups::whileAHostRuns()
+void TestVexelHostBackups::restoreIsRefusedWhileAHostRuns()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
-    setUp.Install(QStringLiteral("/no/such/program"), 1);
-    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     QProcess host;
-    setUp.Start(host, {QStringLiteral("--data"), setUp.Data(), QStringLiteral("--trace")});
-    // The plug-in is there: it has read the mapping and opened its link, or failed to.
-    QByteArray said;
-    QTRY_VERIFY((said += host.readAllStandardError()).contains("TCPServer"));
+    setUp.StartDialog(host);
 
     const QByteArray before = setUp.StoredText();
-    QCOMPARE(Lines(setUp), QStringList({QStringLiteral("now|2"), QStringLiteral("1|1")}));
-    const auto result = setUp.Run({QStringLiteral("--restore=1")});
-    QCOMPARE(result.exitCode, 4);
-    QCOMPARE(result.output, QString());
-    QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(QString::number(host.processId())), qPrintable(result.error));
+    QCOMPARE(Lines(setUp), Words("now|2 1|1"));
+    COMPARE_FAILURE(setUp.Run("--restore=1"), 4, QString::number(host.processId()));
     QCOMPARE(setUp.StoredText(), before);
 
     host.kill();
     QVERIFY(host.waitForFinished());
-    QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 0);
+    QCOMPARE(setUp.Run("--restore=1").exitCode, 0);
     QCOMPARE(setUp.Names().size(), 1);
 }
 
-void TestVexelHostBackups::aListThatBreaksOffIsKeptForGood()
+void TestVexelHostBackups::copyOfATruncatedListIsKept()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
     BreakOff(setUp, 1000);
-    const QByteArray document = Files::Read(Document(setUp));
+    const QByteArray document = Files::Read(setUp.Document());
     QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, then malformed"));
 
-    const auto first = setUp.Run({QStringLiteral("--list")});
-    QCOMPARE(first.exitCode, 0);
-    QCOMPARE(first.ErrorLines().size(), 1);
-    QVERIFY2(first.error.contains(QLatin1String("malformed after 2 entries")), qPrintable(first.error));
-    const QFileInfo info(Document(setUp));
+    const auto first = setUp.Run("--list");
+    COMPARE_NOTICE(first, QLatin1String("malformed after 2 entries"));
+    const QFileInfo info(setUp.Document());
     const auto copies = [&info] {
         return info.dir().entryInfoList({info.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);
     };
@@ -312,7 +287,7 @@ void TestVexelHostBackups::aListThatBreaksOffIsKeptForGood()
     QVERIFY2(first.error.contains(copies().constFirst().fileName()), qPrintable(first.error));
 
     // Stored by the plug-in as far as it went, the list is in order, and the versions come and go.
-    QCOMPARE(setUp.Run({QStringLiteral("--list")}).error, QString());
+    QCOMPARE(setUp.Run("--list").error, QString());
     StoreLists(setUp, 12);
     QCOMPARE(copies().size(), 1);
     QCOMPARE(Files::Read(copies().constFirst().filePath()), document);

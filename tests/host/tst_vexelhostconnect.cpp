@@ -5,6 +5,22 @@
 #include <QImage>
 #include <QRegularExpression>
 
+namespace {
+
+/// With applications that end by themselves.
+struct Station : HostSetUp
+{
+    explicit Station(int applications, const char* seconds = "0.2")
+    {
+        Install(QDir().absoluteFilePath(QStringLiteral(PROGRAM_DIRECTORY "/kitecontrol")), applications);
+        Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QString::fromLatin1(seconds));
+    }
+};
+
+const QStringList kMastUsed{QStringLiteral("mast: Free -> In Use"), QStringLiteral("mast: In Use -> Free")};
+
+} // namespace
+
 // The host's executable with the real plug-in: connecting, waiting and pictures, without a person.
 class TestVexelHostConnect : public QObject
 {
@@ -12,31 +28,28 @@ class TestVexelHostConnect : public QObject
 
 private slots:
     void connectAndWait();
-    void connectedTwiceIsConnectedOnce();
-    void connectWithoutWaitingTakesTheApplicationAlong();
+    void withoutWaitTheApplicationEndsWithTheHost();
     void unknownNameConnectsNothing();
     void connectSelected();
-    void nothingTickedToConnect();
-    void noApplicationFree();
-    void programThatDoesNotExist();
-    void programThatEndsAtOnce();
-    void ticksStayAsTheyWere();
-    void entriesOfTheSameName();
-    void installedSamplesServeWithoutADataDirectory();
+    void connectSelectedWithoutTicksFails();
+    void connectWithoutAFreeApplicationFails();
+    void missingProgramIsReported();
+    void programMayEndAtOnce();
+    void equalEntriesAreInUseTogether();
+    void installedSamplesAreTheDefaultData();
     void childrenFindTheConfiguration_data();
     void childrenFindTheConfiguration();
-    void picturesAtEachMoment();
-    void pictureThatCannotBeWritten();
-    void terminatedWhileWaiting();
-    void readerThatGoesAway();
-    void endOfTheHostEndsItsApplications();
+    void picturesAreTakenAtEachMoment();
+    void unwritablePictureIsReported();
+    void terminatedHostSaves();
+    void closedOutputDoesNotStopTheWork();
+    void terminatedHostEndsItsApplications();
     void nameChoosesTheMappingFile();
-    void boxTextKeepsTheName();
-    void configurationThatCannotBeSaved();
+    void problemTextKeepsTheNameUnchanged();
+    void failedSaveIsReportedOnce();
 
 private:
     static QStringList Changes(const QStringList& lines);
-    static QString KiteControl() { return QDir().absoluteFilePath(QStringLiteral(PROGRAM_DIRECTORY "/kitecontrol")); }
 };
 
 /// "NAME: Free -> In Use" for each line, whose form is checked.
@@ -53,62 +66,37 @@ QStringList TestVexelHostConnect::Changes(const QStringList& lines)
 
 void TestVexelHostConnect::connectAndWait()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast"), QStringLiteral("pier")}, {QStringLiteral("pier")});
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.2"));
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+    Station setUp(1);
+    setUp.Fill("mast pier", "pier");
+    const auto result = setUp.Run("--connect mast --wait");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.exitCode, 0);
-    QCOMPARE(Changes(result.OutputLines()),
-             QStringList({QStringLiteral("mast: Free -> In Use"), QStringLiteral("mast: In Use -> Free")}));
+    QCOMPARE(Changes(result.OutputLines()), kMastUsed);
 }
 
-void TestVexelHostConnect::connectedTwiceIsConnectedOnce()
+void TestVexelHostConnect::withoutWaitTheApplicationEndsWithTheHost()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 2);
-    setUp.Fill({QStringLiteral("mast")});
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.2"));
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--connect"),
-                                   QStringLiteral("mast"), QStringLiteral("--wait")});
-    QCOMPARE(result.exitCode, 0);
-    QCOMPARE(result.OutputLines().size(), 2);
-}
-
-void TestVexelHostConnect::connectWithoutWaitingTakesTheApplicationAlong()
-{
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    // It would live for an hour.
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast")});
+    Station setUp(1, "3600");
+    setUp.Fill("mast");
+    const auto result = setUp.Run("--connect mast");
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, QString());
-    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+    QCOMPARE(setUp.Names(), Words("mast"));
 }
 
 void TestVexelHostConnect::unknownNameConnectsNothing()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--connect"),
-                                   QStringLiteral("Mast"), QStringLiteral("--wait")});
-    QCOMPARE(result.exitCode, 3);
-    QCOMPARE(result.output, QString());
-    QCOMPARE(result.ErrorLines(), QStringList(QStringLiteral("vexelhost: there is no entry called \"Mast\"")));
+    Station setUp(1);
+    setUp.Fill("mast");
+    COMPARE_FAILURE(setUp.Run("--connect mast --connect Mast --wait"), 3,
+                    QLatin1String("there is no entry called \"Mast\""));
 }
 
 void TestVexelHostConnect::connectSelected()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 2);
-    setUp.Fill({QStringLiteral("mast"), QStringLiteral("pier"), QStringLiteral("van")},
-               {QStringLiteral("mast"), QStringLiteral("van")});
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.2"));
-    const auto result = setUp.Run({QStringLiteral("--connect-selected"), QStringLiteral("--wait")});
+    Station setUp(2);
+    setUp.Fill("mast pier van", "mast van");
+    const auto result = setUp.Run("--connect-selected --wait");
     QCOMPARE(result.exitCode, 0);
     const QStringList changes = Changes(result.OutputLines());
     QCOMPARE(changes.size(), 4);
@@ -116,98 +104,69 @@ void TestVexelHostConnect::connectSelected()
              QStringList({QStringLiteral("mast: Free -> In Use"), QStringLiteral("van: Free -> In Use")}));
     QVERIFY(changes.contains(QStringLiteral("mast: In Use -> Free")));
     QVERIFY(changes.contains(QStringLiteral("van: In Use -> Free")));
-    QCOMPARE(setUp.TickedNames(), QStringList({QStringLiteral("mast"), QStringLiteral("van")}));
+    QCOMPARE(setUp.TickedNames(), Words("mast van"));
 }
 
-void TestVexelHostConnect::nothingTickedToConnect()
+void TestVexelHostConnect::connectSelectedWithoutTicksFails()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    const auto result = setUp.Run({QStringLiteral("--connect-selected"), QStringLiteral("--wait")});
-    QCOMPARE(result.exitCode, 3);
-    QCOMPARE(result.ErrorLines(), QStringList(QStringLiteral("vexelhost: no entry is ticked")));
+    Station setUp(1);
+    setUp.Fill("mast");
+    COMPARE_FAILURE(setUp.Run("--connect-selected --wait"), 3, QLatin1String("no entry is ticked"));
 }
 
-void TestVexelHostConnect::noApplicationFree()
+void TestVexelHostConnect::connectWithoutAFreeApplicationFails()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast"), QStringLiteral("pier")}, {QStringLiteral("pier")});
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.2"));
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--connect"),
-                                   QStringLiteral("pier"), QStringLiteral("--wait")});
+    Station setUp(1);
+    setUp.Fill("mast pier", "pier");
+    const auto result = setUp.Run("--connect mast --connect pier --wait");
     QCOMPARE(result.exitCode, 3);
-    // What could be connected was, and was waited for.
-    QCOMPARE(Changes(result.OutputLines()),
-             QStringList({QStringLiteral("mast: Free -> In Use"), QStringLiteral("mast: In Use -> Free")}));
+    // The other entry was connected, and waited for.
+    QCOMPARE(Changes(result.OutputLines()), kMastUsed);
     QCOMPARE(result.ErrorLines(),
              QStringList({QStringLiteral("vexelhost: Problem: Could not connect to \"pier\". There is no free "
                                          "userinterface available to connect to this type of hardware. Device type: "
                                          "Kite Echo Number of installed applications for this type: 1 Number of "
                                          "running applications for this type: 1"),
                           QStringLiteral("vexelhost: \"pier\" could not be connected")}));
-    QCOMPARE(setUp.TickedNames(), QStringList(QStringLiteral("pier")));
+    QCOMPARE(setUp.TickedNames(), Words("pier"));
 }
 
-void TestVexelHostConnect::programThatDoesNotExist()
+void TestVexelHostConnect::missingProgramIsReported()
 {
     HostSetUp setUp;
     setUp.Install(QStringLiteral("/no/such/program"), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
-    QCOMPARE(result.exitCode, 3);
-    QCOMPARE(result.output, QString());
-    QCOMPARE(result.ErrorLines(),
-             QStringList(QStringLiteral("vexelhost: \"mast\" could not be connected (use --trace for the reason)")));
+    setUp.Fill("mast");
+    COMPARE_FAILURE(setUp.Run("--connect mast --wait"), 3,
+                    QLatin1String("\"mast\" could not be connected (use --trace for the reason)"));
 }
 
-void TestVexelHostConnect::programThatEndsAtOnce()
+void TestVexelHostConnect::programMayEndAtOnce()
 {
     HostSetUp setUp;
     // The host itself: it takes the application's arguments for a wrong command line.
     setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXELHOST)), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+    setUp.Fill("mast");
+    const auto result = setUp.Run("--connect mast --wait");
     QCOMPARE(result.exitCode, 0);
-    QCOMPARE(Changes(result.OutputLines()),
-             QStringList({QStringLiteral("mast: Free -> In Use"), QStringLiteral("mast: In Use -> Free")}));
+    QCOMPARE(Changes(result.OutputLines()), kMastUsed);
 }
 
-void TestVexelHostConnect::ticksStayAsTheyWere()
+void TestVexelHostConnect::equalEntriesAreInUseTogether()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    const QStringList ticked = {QStringLiteral("b"), QStringLiteral("d")};
-    setUp.Fill({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("d")}, ticked);
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.1"));
-    for (const char* name : {"a", "b", "unknown"}) {
-        const int expected = qstrcmp(name, "unknown") == 0 ? 3 : 0;
-        QCOMPARE(setUp.Run({QStringLiteral("--connect"), QString::fromLatin1(name), QStringLiteral("--wait")}).exitCode,
-                 expected);
-        QCOMPARE(setUp.TickedNames(), ticked);
-    }
-}
-
-void TestVexelHostConnect::entriesOfTheSameName()
-{
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 2);
+    Station setUp(2);
     // Alike in all that makes an entry: connecting one of them puts both to use.
-    setUp.Fill({QStringLiteral("twin"), QStringLiteral("twin")});
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.1"));
-    const auto result = setUp.Run({QStringLiteral("--connect"), QStringLiteral("twin"), QStringLiteral("--wait")});
+    setUp.Fill("twin twin");
+    const auto result = setUp.Run("--connect twin --wait");
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.OutputLines().size(), 4);
 }
 
-void TestVexelHostConnect::installedSamplesServeWithoutADataDirectory()
+void TestVexelHostConnect::installedSamplesAreTheDefaultData()
 {
     HostSetUp setUp;
-    setUp.Write(setUp.Path("list.xml"), HostSetUp::ListDocument({QStringLiteral("mast")}));
+    setUp.WriteList("list.xml", "mast");
     setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.1"));
-    const auto result = setUp.Run({QStringLiteral("--add"), setUp.Path("list.xml"), QStringLiteral("--connect"),
-                                   QStringLiteral("mast"), QStringLiteral("--wait")});
+    const auto result = setUp.Run("--add list.xml --connect mast --wait");
     QCOMPARE(result.error, QString());
     QCOMPARE(result.exitCode, 0);
     QVERIFY(!setUp.StoredText().contains("VexelDataDir"));
@@ -228,7 +187,7 @@ void TestVexelHostConnect::childrenFindTheConfiguration()
     // Without a path: found beside the host.
     setUp.Install(QStringLiteral("kitecontrol"), 1);
     const QString list = setUp.Path("list.xml");
-    setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
+    setUp.WriteList("list.xml", "mast");
     QVERIFY(QDir().mkpath(setUp.Path("reports")));
     setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.1"));
     setUp.Environment().insert(QStringLiteral("KITECONTROL_REPORT_DIR"), setUp.Path("reports"));
@@ -250,15 +209,13 @@ void TestVexelHostConnect::childrenFindTheConfiguration()
     QVERIFY2(text.contains("station name: mast\n"), text.constData());
 }
 
-void TestVexelHostConnect::picturesAtEachMoment()
+void TestVexelHostConnect::picturesAreTakenAtEachMoment()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
+    Station setUp(1);
     QStringList names;
     for (int i = 0; i < 20; ++i)
         names.append(QStringLiteral("mast number %1").arg(i));
     setUp.Fill(names);
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.5"));
     const auto result = setUp.Run({QStringLiteral("--connect"), names.at(0), QStringLiteral("--wait"),
                                    QStringLiteral("--screenshot-before"), QStringLiteral("before.png"),
                                    QStringLiteral("--screenshot-during"), QStringLiteral("during.png"),
@@ -275,50 +232,42 @@ void TestVexelHostConnect::picturesAtEachMoment()
         QVERIFY(image.width() > 200 && image.width() < 2400);
     }
     QVERIFY(during != after);
-    // The picture's size is nobody's wish.
+    // The size of the picture is not stored as the size of the dialog.
     QVERIFY(!setUp.StoredText().contains(QByteArray("VexelConnectDlgGUI")));
 }
 
-void TestVexelHostConnect::pictureThatCannotBeWritten()
+void TestVexelHostConnect::unwritablePictureIsReported()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("no/such/folder/a.png");
-    const auto result = setUp.Run({QStringLiteral("--screenshot"), fileName});
-    QCOMPARE(result.exitCode, 1);
-    QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(fileName), qPrintable(result.error));
+    COMPARE_FAILURE(setUp.Run({QStringLiteral("--screenshot"), fileName}), 1, fileName);
 }
 
-void TestVexelHostConnect::terminatedWhileWaiting()
+void TestVexelHostConnect::terminatedHostSaves()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast"), QStringLiteral("pier")}, {QStringLiteral("pier")});
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
-    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("van")}));
+    Station setUp(1, "3600");
+    setUp.Fill("mast pier", "pier");
+    setUp.WriteList("more.xml", "van");
     QProcess process;
-    setUp.Start(process, {QStringLiteral("--add"), setUp.Path("more.xml"), QStringLiteral("--connect"),
-                          QStringLiteral("mast"), QStringLiteral("--wait")});
+    setUp.Start(process, "--add more.xml --connect mast --wait");
     QTRY_VERIFY(process.peek(1000).contains("mast: Free -> In Use\n"));
     process.terminate();
     const auto result = HostSetUp::End(process);
     QCOMPARE(result.error, QString());
     QCOMPARE(result.exitCode, 0);
-    // Saved: what was added before it was terminated, and the ticks as they were.
-    QCOMPARE(setUp.Names(), QStringList({QStringLiteral("mast"), QStringLiteral("pier"), QStringLiteral("van")}));
-    QCOMPARE(setUp.TickedNames(), QStringList(QStringLiteral("pier")));
+    // Saved: the added entry, and the unchanged ticks.
+    QCOMPARE(setUp.Names(), Words("mast pier van"));
+    QCOMPARE(setUp.TickedNames(), Words("pier"));
 }
 
-void TestVexelHostConnect::endOfTheHostEndsItsApplications()
+void TestVexelHostConnect::terminatedHostEndsItsApplications()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
+    Station setUp(1, "3600");
+    setUp.Fill("mast");
     QVERIFY(QDir().mkpath(setUp.Path("reports")));
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
     setUp.Environment().insert(QStringLiteral("KITECONTROL_REPORT_DIR"), setUp.Path("reports"));
     QProcess process;
-    setUp.Start(process, {QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+    setUp.Start(process, "--connect mast --wait");
     QStringList reports;
     QTRY_VERIFY(!(reports = QDir(setUp.Path("reports")).entryList({QStringLiteral("*.txt")}, QDir::Files)).isEmpty());
     // "<program>-<process id>.txt"
@@ -332,23 +281,20 @@ void TestVexelHostConnect::endOfTheHostEndsItsApplications()
 
 void TestVexelHostConnect::nameChoosesTheMappingFile()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
+    Station setUp(1);
+    setUp.Fill("mast");
     const QString file = setUp.Path("elsewhere.xml");
     setUp.Write(setUp.Config() + QStringLiteral("/application/Second.json"),
                 R"({"values": {"TypeApplicationMappings": ")" + file.toUtf8() + "\"}}");
     const QString missed = QStringLiteral("Could not open ") + file + QStringLiteral(" for reading");
-    QVERIFY(!setUp.Run({QStringLiteral("--trace"), QStringLiteral("--list")}).error.contains(missed));
-    const auto result = setUp.Run(
-        {QStringLiteral("--trace"), QStringLiteral("--list"), QStringLiteral("--name"), QStringLiteral("Second")});
+    QVERIFY(!setUp.Run("--trace --list").error.contains(missed));
+    const auto result = setUp.Run("--trace --list --name Second");
     QVERIFY2(result.error.contains(missed), qPrintable(result.error));
 }
 
-void TestVexelHostConnect::boxTextKeepsTheName()
+void TestVexelHostConnect::problemTextKeepsTheNameUnchanged()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 0);
+    Station setUp(0);
     const QString name = QStringLiteral("two  blanks");
     setUp.Fill({name});
     const auto result = setUp.Run({QStringLiteral("--connect"), name});
@@ -356,43 +302,38 @@ void TestVexelHostConnect::boxTextKeepsTheName()
     QVERIFY2(result.ErrorLines().constFirst().contains(QLatin1String("\"two  blanks\".")), qPrintable(result.error));
 }
 
-void TestVexelHostConnect::readerThatGoesAway()
+void TestVexelHostConnect::closedOutputDoesNotStopTheWork()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("van")}));
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.5"));
+    Station setUp(1);
+    setUp.Fill("mast");
+    setUp.WriteList("more.xml", "van");
     QProcess process;
-    setUp.Start(process, {QStringLiteral("--add"), setUp.Path("more.xml"), QStringLiteral("--connect"),
-                          QStringLiteral("mast"), QStringLiteral("--wait")});
+    setUp.Start(process, "--add more.xml --connect mast --wait");
     QTRY_VERIFY(process.peek(1000).contains("mast: Free -> In Use\n"));
     process.closeReadChannel(QProcess::StandardOutput);
     QCOMPARE(HostSetUp::End(process).exitCode, 0);
-    QCOMPARE(setUp.Names(), QStringList({QStringLiteral("mast"), QStringLiteral("van")}));
+    QCOMPARE(setUp.Names(), Words("mast van"));
 }
 
-void TestVexelHostConnect::configurationThatCannotBeSaved()
+void TestVexelHostConnect::failedSaveIsReportedOnce()
 {
-    HostSetUp setUp;
-    setUp.Install(KiteControl(), 1);
-    setUp.Fill({QStringLiteral("mast")});
-    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("van")}));
-    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.5"));
+    Station setUp(1, "3600");
+    setUp.Fill("mast");
+    setUp.WriteList("more.xml", "van");
     QProcess process;
-    setUp.Start(process, {QStringLiteral("--add"), setUp.Path("more.xml"), QStringLiteral("--connect"),
-                          QStringLiteral("mast"), QStringLiteral("--wait")});
+    setUp.Start(process, "--add more.xml --connect mast --wait");
     QTRY_VERIFY(process.peek(1000).contains("mast: Free -> In Use\n"));
-    // The directory goes, and nothing can take its place.
+    // The directory is gone, and cannot be recreated.
     QVERIFY(QDir().rename(setUp.Config(), setUp.Path("aside")));
     setUp.Write(setUp.Config(), "a regular file");
+    process.terminate();
     const auto result = HostSetUp::End(process);
     QCOMPARE(result.exitCode, 2);
-    // Said once. That its lock file is gone, too, may be told beside that.
+    // Reported once; the lost lock file may be reported, too.
     QCOMPARE(result.ErrorLines().filter(QStringLiteral("could not be saved")).size(), 1);
     QVERIFY(QFile::remove(setUp.Config()));
     QVERIFY(QDir().rename(setUp.Path("aside"), setUp.Config()));
-    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("mast")));
+    QCOMPARE(setUp.Names(), Words("mast"));
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostConnect)

@@ -4,7 +4,7 @@
 
 #include <QTcpServer>
 
-// The host's executable: what it tells a support desk, above all where much is broken.
+// The executable of the host: its report for support, above all when much is broken.
 class TestVexelHostDiagnose : public QObject
 {
     Q_OBJECT
@@ -13,25 +13,25 @@ private slots:
     void textHasEverySection();
     void versions();
     void paths();
-    void withoutAnything();
-    void pluginThatDoesNotLoad();
-    void dataDirectoryAndWhereItComesFrom();
-    void mappingOfTheInstanceThatIsAskedFor();
+    void worksWithoutDisplayPluginAndConfiguration();
+    void unusablePluginIsReported();
+    void originOfTheDataDirectoryIsReported();
+    void nameChoosesTheMapping();
     void stateOfTheStore();
     void damagedDocuments();
-    void versionThatTheNextStartUses();
-    void listThatBreaksOff();
-    void onlyHarmlessVariables();
-    void traceFileIsLeftAlone();
-    void portInUse();
-    void whileAHostRuns();
-    void aHostThatIsDead();
-    void changesNothing();
+    void versionUsedByTheNextStartIsReported();
+    void truncatedListIsReported();
+    void onlyKnownVariablesAreReported();
+    void traceFileIsNotTouched();
+    void usedPortIsReported();
+    void runningHostIsReported();
+    void staleLockIsIgnored();
+    void diagnosisChangesNothing();
 
 private:
     static QJsonObject Diagnose(HostSetUp& setUp, const QStringList& arguments = {})
     {
-        const auto result = setUp.Run(QStringList{QStringLiteral("--diagnose"), QStringLiteral("--json")} + arguments);
+        const auto result = setUp.Run(Words("--diagnose --json") + arguments);
         if (result.exitCode != 0 || !result.error.isEmpty())
             qWarning("exit code %d: %s", result.exitCode, qPrintable(result.error));
         return result.exitCode == 0 && result.error.isEmpty() ? QJsonDocument::fromJson(result.output.toUtf8()).object()
@@ -41,17 +41,13 @@ private:
     {
         return report.value(QLatin1String(section)).toObject().value(QLatin1String(key));
     }
-    static QString Document(const HostSetUp& setUp)
-    {
-        return setUp.Config() + QStringLiteral("/application/@application.json");
-    }
 };
 
 void TestVexelHostDiagnose::textHasEverySection()
 {
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
-    const auto result = setUp.Run({QStringLiteral("--diagnose")});
+    setUp.Fill("one");
+    const auto result = setUp.Run("--diagnose");
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.error, QString());
     qsizetype place = -1;
@@ -90,7 +86,7 @@ void TestVexelHostDiagnose::paths()
     QCOMPARE(Value(report, "paths", "display"), QJsonValue(setUp.HasDisplay()));
 }
 
-void TestVexelHostDiagnose::withoutAnything()
+void TestVexelHostDiagnose::worksWithoutDisplayPluginAndConfiguration()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
@@ -104,7 +100,7 @@ void TestVexelHostDiagnose::withoutAnything()
     QCOMPARE(Value(Diagnose(setUp), "configuration", "exists"), QJsonValue(false));
 }
 
-void TestVexelHostDiagnose::pluginThatDoesNotLoad()
+void TestVexelHostDiagnose::unusablePluginIsReported()
 {
     HostSetUp setUp;
     for (const auto& [file, hint] :
@@ -120,7 +116,7 @@ void TestVexelHostDiagnose::pluginThatDoesNotLoad()
     QVERIFY(Value(report, "paths", "plugInState").toString().startsWith(QLatin1String("loads")));
 }
 
-void TestVexelHostDiagnose::dataDirectoryAndWhereItComesFrom()
+void TestVexelHostDiagnose::originOfTheDataDirectoryIsReported()
 {
     HostSetUp setUp;
     QJsonObject report = Diagnose(setUp);
@@ -137,7 +133,7 @@ void TestVexelHostDiagnose::dataDirectoryAndWhereItComesFrom()
     // Looked at, not stored.
     QCOMPARE(Value(Diagnose(setUp), "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
 
-    QCOMPARE(setUp.Run({QStringLiteral("--data"), setUp.Data(), QStringLiteral("--list")}).exitCode, 0);
+    QCOMPARE(setUp.Run("--data data --list").exitCode, 0);
     report = Diagnose(setUp);
     QCOMPARE(Value(report, "paths", "dataDirectory"), QJsonValue(setUp.Data()));
     QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the configuration")));
@@ -148,7 +144,7 @@ void TestVexelHostDiagnose::dataDirectoryAndWhereItComesFrom()
     QCOMPARE(Value(report, "applications", "machineFileState"), QJsonValue(QStringLiteral("not read: no such file")));
 }
 
-void TestVexelHostDiagnose::mappingOfTheInstanceThatIsAskedFor()
+void TestVexelHostDiagnose::nameChoosesTheMapping()
 {
     HostSetUp setUp;
     setUp.Install(QStringLiteral("/no/such/program"), 1);
@@ -158,16 +154,15 @@ void TestVexelHostDiagnose::mappingOfTheInstanceThatIsAskedFor()
     const QStringList data{QStringLiteral("--data"), setUp.Data()};
     QCOMPARE(Value(Diagnose(setUp, data), "applications", "mappingFile"),
              QJsonValue(setUp.Data() + QStringLiteral("/TypeApplicationMappings.xml")));
-    QCOMPARE(Value(Diagnose(setUp, data + QStringList{QStringLiteral("--name"), QStringLiteral("Second")}),
-                   "applications", "mappingFile"),
+    QCOMPARE(Value(Diagnose(setUp, data + Words("--name Second")), "applications", "mappingFile"),
              QJsonValue(QStringLiteral("/another/mapping.xml")));
 }
 
 void TestVexelHostDiagnose::stateOfTheStore()
 {
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
-    setUp.Fill({QStringLiteral("two")});
+    setUp.Fill("one");
+    setUp.Fill("two");
     setUp.Write(setUp.Config() + QStringLiteral("/application/a.b.json"), R"({"values": {"a": "1"}})");
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(true));
@@ -181,12 +176,10 @@ void TestVexelHostDiagnose::stateOfTheStore()
     const QJsonArray rows = Value(report, "configuration", "documents").toArray();
     for (const QJsonValue& row : rows)
         documents.insert(row[QLatin1String("file")].toString(), row.toObject());
-    QCOMPARE(
-        documents.keys(),
-        QStringList({QStringLiteral("application/@application.json"), QStringLiteral("application/Administration.json"),
-                     QStringLiteral("application/a.b.json"), QStringLiteral("user/@application.json")}));
+    QCOMPARE(documents.keys(), Words("application/@application.json application/Administration.json "
+                                     "application/a.b.json user/@application.json"));
     const QJsonObject own = documents.value(QStringLiteral("application/@application.json"));
-    QCOMPARE(own.value(QLatin1String("bytes")).toInteger(), QFileInfo(Document(setUp)).size());
+    QCOMPARE(own.value(QLatin1String("bytes")).toInteger(), QFileInfo(setUp.Document()).size());
     QCOMPARE(own.value(QLatin1String("state")), QJsonValue(QStringLiteral("readable")));
     QCOMPARE(own.value(QLatin1String("versions")), QJsonValue(1));
     QVERIFY(!own.value(QLatin1String("newestVersion")).toString().isEmpty());
@@ -197,39 +190,39 @@ void TestVexelHostDiagnose::stateOfTheStore()
 void TestVexelHostDiagnose::damagedDocuments()
 {
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
-    setUp.Fill({QStringLiteral("two")});
+    setUp.Fill("one");
+    setUp.Fill("two");
     const QByteArray garbage("\0\0 garbage", 10);
-    setUp.Write(Document(setUp), garbage);
+    setUp.Write(setUp.Document(), garbage);
     setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.json"), garbage);
     const QJsonObject report = Diagnose(setUp);
     const QJsonArray rows = Value(report, "configuration", "documents").toArray();
     QVERIFY2(rows.at(0)[QLatin1String("state")].toString().startsWith(QLatin1String("DAMAGED; the next start uses")),
              qPrintable(rows.at(0)[QLatin1String("state")].toString()));
     QCOMPARE(rows.at(1)[QLatin1String("state")], QJsonValue(QStringLiteral("DAMAGED, and no version can be read")));
-    // What the next start loads.
+    // As the next start loads it.
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
     QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
 
     // And so it does.
-    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
+    QCOMPARE(setUp.Names(), Words("one"));
     const QJsonArray quarantined = Value(Diagnose(setUp), "configuration", "quarantined").toArray();
     QVERIFY(quarantined.size() >= 1);
     QVERIFY(quarantined.at(0).toString().startsWith(QLatin1String("application/@application.json.damaged-")));
 }
 
-void TestVexelHostDiagnose::versionThatTheNextStartUses()
+void TestVexelHostDiagnose::versionUsedByTheNextStartIsReported()
 {
     HostSetUp setUp;
     for (int i = 1; i <= 4; ++i)
         setUp.Fill({QStringLiteral("entry %1").arg(i)});
-    const QDir versions(Document(setUp) + QStringLiteral(".versions"));
+    const QDir versions(setUp.Document() + QStringLiteral(".versions"));
     const QStringList names = versions.entryList(QDir::Files, QDir::Name);
     QCOMPARE(names.size(), 3);
     // Not the two newest: one that holds nothing, and one that holds no document.
     setUp.Write(versions.filePath(names.at(2)), QByteArray());
     setUp.Write(versions.filePath(names.at(1)), "garbage");
-    setUp.Write(Document(setUp), "garbage");
+    setUp.Write(setUp.Document(), "garbage");
     const QJsonObject report = Diagnose(setUp);
     const QString state =
         Value(report, "configuration", "documents").toArray().at(0)[QLatin1String("state")].toString();
@@ -237,32 +230,34 @@ void TestVexelHostDiagnose::versionThatTheNextStartUses()
     QVERIFY2(state.startsWith(beginning), qPrintable(state));
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
 
-    const auto start = setUp.Run({QStringLiteral("--list")});
+    const auto start = setUp.Run("--list");
     QVERIFY2(start.error.contains(QLatin1String("using the version of ") + state.mid(beginning.size()) +
                                   QLatin1String(" instead")),
              qPrintable(state + QLatin1Char('\n') + start.error));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
+    // Reported once, and repaired.
+    QCOMPARE(setUp.Run("--list").error, QString());
 }
 
-void TestVexelHostDiagnose::listThatBreaksOff()
+void TestVexelHostDiagnose::truncatedListIsReported()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
-    setUp.Write(Document(setUp), R"({"values": {"ConnectionsModel/ModelMimeData": ")" +
-                                     HostSetUp::ListDocument({QStringLiteral("one")}).chopped(30).toHex() + "\"}}");
+    setUp.Write(setUp.Document(), R"({"values": {"ConnectionsModel/ModelMimeData": ")" +
+                                      HostSetUp::ListDocument({QStringLiteral("one")}).chopped(30).toHex() + "\"}}");
     const QJsonObject report = Diagnose(setUp);
     QVERIFY2(Value(report, "configuration", "storedList").toString().startsWith(QLatin1String("MALFORMED")),
              qPrintable(Value(report, "configuration", "storedList").toString()));
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
 }
 
-void TestVexelHostDiagnose::onlyHarmlessVariables()
+void TestVexelHostDiagnose::onlyKnownVariablesAreReported()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("VEXEL_CONFIG_DIR"), QStringLiteral("/somewhere"));
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     setUp.Environment().insert(QStringLiteral("SECRET_TOKEN"), QStringLiteral("hush-hush"));
-    const auto result = setUp.Run({QStringLiteral("--diagnose")});
+    const auto result = setUp.Run("--diagnose");
     QVERIFY(!result.output.contains(QLatin1String("hush-hush")));
     QStringList expected{QStringLiteral("QT_QPA_PLATFORM=offscreen")};
     const QStringList names = setUp.Environment().keys();
@@ -273,7 +268,7 @@ void TestVexelHostDiagnose::onlyHarmlessVariables()
     QCOMPARE(Value(Diagnose(setUp), "paths", "environment").toVariant().toStringList(), expected);
 }
 
-void TestVexelHostDiagnose::traceFileIsLeftAlone()
+void TestVexelHostDiagnose::traceFileIsNotTouched()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("trace.log");
@@ -291,11 +286,11 @@ void TestVexelHostDiagnose::traceFileIsLeftAlone()
              QJsonValue(QStringLiteral("its folder does not exist")));
 }
 
-void TestVexelHostDiagnose::portInUse()
+void TestVexelHostDiagnose::usedPortIsReported()
 {
     HostSetUp setUp;
     QTcpServer server;
-    // Somebody else's host may have it for a while.
+    // Another host may use the port for a while.
     QTRY_VERIFY_WITH_TIMEOUT(server.isListening() || server.listen(QHostAddress::LocalHost, LinkPort::kNumber), 60'000);
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "starterLink", "free"), QJsonValue(false));
@@ -305,14 +300,11 @@ void TestVexelHostDiagnose::portInUse()
     QTRY_COMPARE_WITH_TIMEOUT(Value(Diagnose(setUp), "starterLink", "free"), QJsonValue(true), 60'000);
 }
 
-void TestVexelHostDiagnose::whileAHostRuns()
+void TestVexelHostDiagnose::runningHostIsReported()
 {
     HostSetUp setUp;
-    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     QProcess host;
-    setUp.Start(host, {QStringLiteral("--trace")});
-    QByteArray said;
-    QTRY_VERIFY((said += host.readAllStandardError()).contains("TCPServer()"));
+    const QByteArray said = setUp.StartDialog(host);
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "configuration", "hostAtWork"),
              QJsonValue(QStringLiteral("process %1").arg(host.processId())));
@@ -324,25 +316,25 @@ void TestVexelHostDiagnose::whileAHostRuns()
     QVERIFY2(!rest.contains(QLatin1String("Received call")), qPrintable(rest));
 }
 
-void TestVexelHostDiagnose::aHostThatIsDead()
+void TestVexelHostDiagnose::staleLockIsIgnored()
 {
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill("one");
     const QString lock = setUp.Config() + QStringLiteral("/vexelhost.lock");
     // Of another machine, so that no process number says anything.
     setUp.Write(lock, "999999\nvexelhost\nelsewhere\n");
     QCOMPARE(Value(Diagnose(setUp), "configuration", "hostAtWork"), QJsonValue(QStringLiteral("none")));
     // It looks, and leaves removing to the next host.
     QVERIFY(QFileInfo::exists(lock));
-    QCOMPARE(setUp.Names(), QStringList{QStringLiteral("one")});
+    QCOMPARE(setUp.Names(), Words("one"));
     QVERIFY(!QFileInfo::exists(lock));
 }
 
-void TestVexelHostDiagnose::changesNothing()
+void TestVexelHostDiagnose::diagnosisChangesNothing()
 {
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
-    setUp.Write(Document(setUp), "[ConnectionsModel]\nModelMimeData=3c\n");
+    setUp.Fill("one");
+    setUp.Write(setUp.Document(), "[ConnectionsModel]\nModelMimeData=3c\n");
     const auto snapshot = [&setUp] {
         QStringList files;
         QDirIterator all(setUp.Path("."), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,

@@ -4,21 +4,21 @@
 
 #include <QFileInfo>
 
-/// The host's executable where what it prints does not arrive.
+/// The executable of the host with outputs that cannot be written.
 class TestVexelHostOutputUnix : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void whatCannotBePrintedFails_data();
-    void whatCannotBePrintedFails();
-    void whatIsDoneIsDoneWithoutAReader_data();
-    void whatIsDoneIsDoneWithoutAReader();
-    void complaintsWithoutAReader_data();
-    void complaintsWithoutAReader();
+    void unwritableOutputFails_data();
+    void unwritableOutputFails();
+    void restoreSucceedsWithoutAReader_data();
+    void restoreSucceedsWithoutAReader();
+    void unwritableErrorOutputKeepsTheExitCode_data();
+    void unwritableErrorOutputKeepsTheExitCode();
 };
 
-void TestVexelHostOutputUnix::whatCannotBePrintedFails_data()
+void TestVexelHostOutputUnix::unwritableOutputFails_data()
 {
     AddBrokenOutputs({{QStringLiteral("--export=-")},
                       {QStringLiteral("--list")},
@@ -31,13 +31,13 @@ void TestVexelHostOutputUnix::whatCannotBePrintedFails_data()
                       {QStringLiteral("--version")}});
 }
 
-void TestVexelHostOutputUnix::whatCannotBePrintedFails()
+void TestVexelHostOutputUnix::unwritableOutputFails()
 {
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
     const BrokenOutput output(kind);
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill("one");
     const QByteArray stored = setUp.StoredText();
     QProcess host;
     output.Give(host, STDOUT_FILENO);
@@ -48,19 +48,19 @@ void TestVexelHostOutputUnix::whatCannotBePrintedFails()
     QCOMPARE(setUp.StoredText(), stored);
 }
 
-void TestVexelHostOutputUnix::whatIsDoneIsDoneWithoutAReader_data()
+void TestVexelHostOutputUnix::restoreSucceedsWithoutAReader_data()
 {
     AddBrokenOutputs({{QStringLiteral("--restore=1")}});
 }
 
-void TestVexelHostOutputUnix::whatIsDoneIsDoneWithoutAReader()
+void TestVexelHostOutputUnix::restoreSucceedsWithoutAReader()
 {
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
     const BrokenOutput output(kind);
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
-    setUp.Fill({QStringLiteral("two")});
+    setUp.Fill("one");
+    setUp.Fill("two");
     QProcess host;
     output.Give(host, STDOUT_FILENO);
     setUp.Start(host, arguments);
@@ -68,21 +68,21 @@ void TestVexelHostOutputUnix::whatIsDoneIsDoneWithoutAReader()
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.error, QString());
     QVERIFY(!QFileInfo::exists(setUp.Config() + QStringLiteral("/vexelhost.lock")));
-    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("one")));
+    QCOMPARE(setUp.Names(), Words("one"));
 }
 
-void TestVexelHostOutputUnix::complaintsWithoutAReader_data()
+void TestVexelHostOutputUnix::unwritableErrorOutputKeepsTheExitCode_data()
 {
     AddBrokenOutputs({{QStringLiteral("--no-such-option")}, {QStringLiteral("--restore=7")}});
 }
 
-void TestVexelHostOutputUnix::complaintsWithoutAReader()
+void TestVexelHostOutputUnix::unwritableErrorOutputKeepsTheExitCode()
 {
     QFETCH(const BrokenOutput::Kind, kind);
     QFETCH(const QStringList, arguments);
     const BrokenOutput errors(kind);
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill("one");
     QProcess host;
     errors.Give(host, STDERR_FILENO);
     setUp.Start(host, arguments);

@@ -11,20 +11,16 @@ class TestVexelHostStoreUnix : public QObject
     Q_OBJECT
 
 private slots:
-    void withoutRoomForTemporaryFiles();
-    void leavesNothingAmongTheTemporaryFiles();
-    void onAFullDiskItShowsAndExports();
-    void whatCannotBeWrittenIsLookedAt();
-    void aPipeInPlaceOfTheLock();
-    void aListThatIsNotKnownIsNotExported();
-    void aDocumentWithoutBound();
-    void aDocumentThatCannotBeRead();
+    void worksWithoutATemporaryFolder();
+    void temporaryFolderStaysEmpty();
+    void fullDiskAllowsListAndExport();
+    void readOnlyConfigurationCanBeListed();
+    void pipeInPlaceOfTheLockDoesNotBlock();
+    void unreadableListIsNotExported();
+    void oversizedDocumentIsDamaged();
+    void unreadableDocumentIsNotCalledDamaged();
 
 private:
-    static QString Document(const HostSetUp& setUp)
-    {
-        return setUp.Config() + QStringLiteral("/application/@application.json");
-    }
     /// Two versions of one and two entries, and a present list of three.
     static void FillThrice(HostSetUp& setUp)
     {
@@ -47,26 +43,26 @@ private:
 const QStringList TestVexelHostStoreUnix::kAllNames = {QStringLiteral("one"), QStringLiteral("two"),
                                                        QStringLiteral("three")};
 
-void TestVexelHostStoreUnix::withoutRoomForTemporaryFiles()
+void TestVexelHostStoreUnix::worksWithoutATemporaryFolder()
 {
     HostSetUp setUp;
     FillThrice(setUp);
     setUp.Environment().insert(QStringLiteral("TMPDIR"), QStringLiteral("/no/such/folder"));
     QCOMPARE(setUp.Names(), kAllNames);
-    const auto exported = setUp.Run({QStringLiteral("--export"), setUp.Path("out.xml")});
+    const auto exported = setUp.Run("--export out.xml");
     QCOMPARE(exported.error, QString());
     QCOMPARE(exported.exitCode, 0);
     QCOMPARE(Files::Read(setUp.Path("out.xml")).count("<Connection>"), 3);
-    const auto backups = setUp.Run({QStringLiteral("--backups")});
+    const auto backups = setUp.Run("--backups");
     QCOMPARE(backups.OutputLines().size(), 4);
     QVERIFY2(!backups.output.contains(QLatin1String("damaged")), qPrintable(backups.output));
-    const auto diagnosis = setUp.Run({QStringLiteral("--diagnose")});
+    const auto diagnosis = setUp.Run("--diagnose");
     QVERIFY2(!diagnosis.output.contains(QLatin1String("DAMAGED")), qPrintable(diagnosis.output));
-    QCOMPARE(setUp.Run({QStringLiteral("--restore=2")}).exitCode, 0);
+    QCOMPARE(setUp.Run("--restore=2").exitCode, 0);
     QCOMPARE(setUp.Names(), kAllNames.first(1));
 }
 
-void TestVexelHostStoreUnix::leavesNothingAmongTheTemporaryFiles()
+void TestVexelHostStoreUnix::temporaryFolderStaysEmpty()
 {
     HostSetUp setUp;
     FillThrice(setUp);
@@ -75,7 +71,7 @@ void TestVexelHostStoreUnix::leavesNothingAmongTheTemporaryFiles()
     setUp.Environment().insert(QStringLiteral("TMPDIR"), folder);
     ShowOffScreen(setUp);
     QProcess host;
-    setUp.Start(host, {QStringLiteral("--trace")});
+    setUp.Start(host, "--trace");
     // The list is loaded, and the plug-in has opened its link, or failed to.
     QByteArray said;
     QTRY_VERIFY((said += host.readAllStandardError()).contains("TCPServer"));
@@ -84,128 +80,112 @@ void TestVexelHostStoreUnix::leavesNothingAmongTheTemporaryFiles()
     QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
 }
 
-void TestVexelHostStoreUnix::onAFullDiskItShowsAndExports()
+void TestVexelHostStoreUnix::fullDiskAllowsListAndExport()
 {
     HostSetUp setUp;
     FillThrice(setUp);
-    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
+    setUp.WriteList("more.xml", "four");
     const QByteArray stored = setUp.StoredText();
     {
         // Files can be made, and hold nothing.
         const FileSizeLimit limit(0);
         QCOMPARE(setUp.Names(), kAllNames);
-        const auto exported = setUp.Run({QStringLiteral("--export=-")});
+        const auto exported = setUp.Run("--export=-");
         QCOMPARE(exported.error, QString());
         QCOMPARE(exported.exitCode, 0);
         QCOMPARE(exported.output.count(QLatin1String("<Connection>")), 3);
-        QCOMPARE(setUp.Run({QStringLiteral("--backups")}).OutputLines().size(), 4);
+        QCOMPARE(setUp.Run("--backups").OutputLines().size(), 4);
 
-        const auto added = setUp.Run({QStringLiteral("--add"), setUp.Path("more.xml")});
+        const auto added = setUp.Run("--add more.xml");
         QCOMPARE(added.exitCode, 2);
         QVERIFY2(added.error.contains(QLatin1String("could not be saved")), qPrintable(added.error));
-        QCOMPARE(setUp.Run({QStringLiteral("--restore=1")}).exitCode, 2);
+        QCOMPARE(setUp.Run("--restore=1").exitCode, 2);
     }
     QCOMPARE(setUp.StoredText(), stored);
     QCOMPARE(setUp.Names(), kAllNames);
 }
 
-// Such as a disk that can only be read; nobody keeps an administrator from writing but what stands in the way.
-void TestVexelHostStoreUnix::whatCannotBeWrittenIsLookedAt()
+// Like a read-only disk. A folder in the way stops even an administrator from writing.
+void TestVexelHostStoreUnix::readOnlyConfigurationCanBeListed()
 {
     HostSetUp setUp;
     FillThrice(setUp);
     const QByteArray stored = setUp.StoredText();
     QVERIFY(QDir().mkdir(setUp.Config() + QStringLiteral("/vexelhost.lock")));
 
-    const auto listed = setUp.Run({QStringLiteral("--list"), QStringLiteral("--export"), setUp.Path("out.xml")});
-    QCOMPARE(listed.exitCode, 0);
-    QCOMPARE(listed.ErrorLines().size(), 1);
-    QVERIFY2(listed.error.contains(QLatin1String("cannot be used: ")) &&
-                 listed.error.contains(QLatin1String("opened read-only")),
-             qPrintable(listed.error));
+    const auto listed = setUp.Run("--list --export out.xml");
+    COMPARE_NOTICE(listed, QLatin1String("cannot be used: "));
+    QVERIFY2(listed.error.contains(QLatin1String("opened read-only")), qPrintable(listed.error));
     QCOMPARE(listed.OutputLines().size(), 4);
     QCOMPARE(Files::Read(setUp.Path("out.xml")).count("<Connection>"), 3);
 
-    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
+    setUp.WriteList("more.xml", "four");
     for (const QStringList& arguments :
          {QStringList{QStringLiteral("--add"), setUp.Path("more.xml"), QStringLiteral("--list")},
-          QStringList{QStringLiteral("--import"), setUp.Path("more.xml")},
-          QStringList{QStringLiteral("--connect"), QStringLiteral("one")}}) {
-        const auto result = setUp.Run(arguments);
-        QCOMPARE(result.exitCode, 2);
-        QCOMPARE(result.output, QString());
-        QCOMPARE(result.ErrorLines().size(), 1);
-        QVERIFY2(result.error.contains(QLatin1String("cannot be used: ")), qPrintable(result.error));
-    }
+          QStringList{QStringLiteral("--import"), setUp.Path("more.xml")}, Words("--connect one")})
+        COMPARE_FAILURE(setUp.Run(arguments), 2, QLatin1String("cannot be used: "));
     QCOMPARE(setUp.StoredText(), stored);
 }
 
-void TestVexelHostStoreUnix::aPipeInPlaceOfTheLock()
+void TestVexelHostStoreUnix::pipeInPlaceOfTheLockDoesNotBlock()
 {
     HostSetUp setUp;
     FillThrice(setUp);
-    const QString lock = Document(setUp) + QStringLiteral(".lock");
+    const QString lock = setUp.Document() + QStringLiteral(".lock");
     QCOMPARE(mkfifo(QFile::encodeName(lock).constData(), 0600), 0);
-    setUp.Write(setUp.Path("more.xml"), HostSetUp::ListDocument({QStringLiteral("four")}));
-    const auto added = setUp.Run({QStringLiteral("--add"), setUp.Path("more.xml")});
+    setUp.WriteList("more.xml", "four");
+    const auto added = setUp.Run("--add more.xml");
     QCOMPARE(added.exitCode, 2);
     QVERIFY2(added.error.contains(QLatin1String("could not be saved")), qPrintable(added.error));
     QCOMPARE(setUp.Names(), kAllNames);
 }
 
-// It would be an empty one, in place of a good file.
-void TestVexelHostStoreUnix::aListThatIsNotKnownIsNotExported()
+// It would replace a good file by an empty list.
+void TestVexelHostStoreUnix::unreadableListIsNotExported()
 {
     HostSetUp setUp;
-    setUp.Fill({QStringLiteral("one")});
+    setUp.Fill("one");
     const QString out = setUp.Path("out.xml");
     QCOMPARE(setUp.Run({QStringLiteral("--export"), out}).exitCode, 0);
     const QByteArray before = Files::Read(out);
     QVERIFY(before.contains("one"));
 
     // Damaged, without a version, and nothing can be moved aside.
-    QVERIFY(QDir(Document(setUp) + QStringLiteral(".versions")).removeRecursively());
-    setUp.Write(Document(setUp), "damage");
-    QVERIFY(QDir().mkdir(Document(setUp) + QStringLiteral(".lock")));
+    QVERIFY(QDir(setUp.Document() + QStringLiteral(".versions")).removeRecursively());
+    setUp.Write(setUp.Document(), "damage");
+    QVERIFY(QDir().mkdir(setUp.Document() + QStringLiteral(".lock")));
     for (const QStringList& arguments :
-         {QStringList{QStringLiteral("--export"), out}, QStringList{QStringLiteral("--list")},
-          QStringList{QStringLiteral("--connect"), QStringLiteral("one")}, QStringList{}}) {
+         {QStringList{QStringLiteral("--export"), out}, Words("--list"), Words("--connect one"), QStringList{}}) {
         if (arguments.isEmpty()) // the dialog
             ShowOffScreen(setUp);
-        const auto result = setUp.Run(arguments);
-        QCOMPARE(result.exitCode, 2);
-        QCOMPARE(result.output, QString());
-        QCOMPARE(result.ErrorLines().size(), 1);
-        QVERIFY2(result.error.contains(Document(setUp)), qPrintable(result.error));
+        COMPARE_FAILURE(setUp.Run(arguments), 2, setUp.Document());
     }
     QCOMPARE(Files::Read(out), before);
-    QCOMPARE(Files::Read(Document(setUp)), QByteArray("damage"));
+    QCOMPARE(Files::Read(setUp.Document()), QByteArray("damage"));
 }
 
-void TestVexelHostStoreUnix::aDocumentWithoutBound()
+void TestVexelHostStoreUnix::oversizedDocumentIsDamaged()
 {
     HostSetUp setUp;
     FillThrice(setUp);
-    if (!QFile::resize(Document(setUp), qint64(60) << 30))
+    if (!QFile::resize(setUp.Document(), qint64(60) << 30))
         QSKIP("This file system has no sparse files.");
-    const auto result = setUp.Run({QStringLiteral("--list")});
-    QCOMPARE(result.exitCode, 0);
-    QCOMPARE(result.ErrorLines().size(), 1);
-    QVERIFY2(result.error.contains(QLatin1String("), quarantined as ")), qPrintable(result.error));
+    const auto result = setUp.Run("--list");
+    COMPARE_NOTICE(result, QLatin1String("), quarantined as "));
     QCOMPARE(result.OutputLines().size(), 3); // the version of two entries
 }
 
-// Its versions may be in order, and nothing says that it is damaged.
-void TestVexelHostStoreUnix::aDocumentThatCannotBeRead()
+// It may be intact: only reading fails.
+void TestVexelHostStoreUnix::unreadableDocumentIsNotCalledDamaged()
 {
     HostSetUp setUp;
     FillThrice(setUp);
-    QVERIFY(QFile::remove(Document(setUp)));
-    QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), Document(setUp)));
-    const auto backups = setUp.Run({QStringLiteral("--backups")});
+    QVERIFY(QFile::remove(setUp.Document()));
+    QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), setUp.Document()));
+    const auto backups = setUp.Run("--backups");
     QVERIFY2(backups.OutputLines().value(1).contains(QLatin1String("cannot be read")), qPrintable(backups.output));
     QVERIFY2(!backups.output.contains(QLatin1String("damaged")), qPrintable(backups.output));
-    const auto json = setUp.Run({QStringLiteral("--backups"), QStringLiteral("--json")});
+    const auto json = setUp.Run("--backups --json");
     const QJsonObject now = QJsonDocument::fromJson(json.output.toUtf8())
                                 .object()
                                 .value(QLatin1String("versions"))
@@ -214,11 +194,11 @@ void TestVexelHostStoreUnix::aDocumentThatCannotBeRead()
                                 .toObject();
     QCOMPARE(now.value(QLatin1String("readable")), QJsonValue(false));
     QCOMPARE(now.value(QLatin1String("damaged")), QJsonValue(false));
-    const auto diagnosis = setUp.Run({QStringLiteral("--diagnose")});
+    const auto diagnosis = setUp.Run("--diagnose");
     QVERIFY2(diagnosis.output.contains(QLatin1String("CANNOT BE READ now")), qPrintable(diagnosis.output));
     QVERIFY2(!diagnosis.output.contains(QLatin1String("DAMAGED")), qPrintable(diagnosis.output));
 
-    const auto restored = setUp.Run({QStringLiteral("--restore=1")});
+    const auto restored = setUp.Run("--restore=1");
     QCOMPARE(restored.exitCode, 0);
     QVERIFY2(restored.output.contains(QLatin1String("cannot be read -> 2 entries; the replaced file is kept as ")),
              qPrintable(restored.output));

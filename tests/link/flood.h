@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-/// A stranger who sends `total` bytes, as fast as they are taken.
+/// A caller that sends `total` bytes, as fast as they are read.
 class Flood
 {
 public:
@@ -21,10 +21,10 @@ public:
         socket.connectToHost(QHostAddress::LocalHost, port);
     }
 
-    /// What is not even with the system yet.
+    /// Bytes not yet handed to the system.
     qint64 Unsent() const { return m_iLeft + socket.bytesToWrite(); }
 
-    /// What the system has taken.
+    /// Bytes handed to the system.
     qint64 Taken() const { return m_iTaken; }
 
     QTcpSocket socket;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// While it lives, this process can open nothing more: no file and no socket. What is open stays usable.
+/// While it exists, this process can open no file and no socket. Open ones stay usable.
 class NoMoreHandles
 {
 public:

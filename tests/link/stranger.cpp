@@ -1,5 +1,5 @@
-// A process of its own that calls a port, to be killed or stopped by tests: calls as often as its arguments say, sends
-// half a line each time, and prints one when all of it is with the system. Ends with 0 when the last call has ended.
+// Connects to a port as often as its arguments say, sends half a line each time, and prints a line when all is sent.
+// Exits with 0 when the last connection has ended. Tests kill or stop it.
 
 #include <QCoreApplication>
 #include <QTcpSocket>
@@ -19,6 +19,8 @@ int main(int argc, char* argv[])
     int open = calls;
     for (int call = 0; call < calls; ++call) {
         auto& socket = sockets.emplace_back(std::make_unique<QTcpSocket>());
+        // So an answer stays unread.
+        socket->setReadBufferSize(1);
         socket->connectToHost(QStringLiteral("127.0.0.1"), port);
         socket->write("half a li");
         if (!socket->waitForConnected() || (socket->bytesToWrite() > 0 && !socket->waitForBytesWritten()))

@@ -18,11 +18,11 @@ class TestInterfaceBoundsUnix : public QObject
 private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
-    void withoutHandles();
+    void serverSurvivesALackOfHandles();
     void vanishedPeersAreClosed();
 };
 
-void TestInterfaceBoundsUnix::withoutHandles()
+void TestInterfaceBoundsUnix::serverSurvivesALackOfHandles()
 {
     {
         // The sanitizers' check of types takes a handle itself for what they have not met before.
@@ -43,7 +43,7 @@ void TestInterfaceBoundsUnix::withoutHandles()
         QCOMPARE(server.callback.events.constFirst().source, server.server.get());
         QVERIFY(server.server->IsOpen());
     }
-    // Nobody was lost.
+    // No caller was lost.
     QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
 }
 

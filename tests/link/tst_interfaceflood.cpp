@@ -11,7 +11,7 @@ using Kind = RecordingCallback::Kind;
 namespace {
 
 constexpr qint64 kMebibyte = 1024LL * 1024;
-// Sanitizers keep for a while what has been given back, and so their memory says nothing.
+// Sanitizers keep freed memory for a while, so the resident size says nothing.
 #ifdef VEXEL_SANITIZED
 constexpr bool kCanMeasure = false;
 constexpr qint64 kFlood = 64 * kMebibyte;
@@ -19,7 +19,7 @@ constexpr qint64 kFlood = 64 * kMebibyte;
 constexpr bool kCanMeasure = true;
 constexpr qint64 kFlood = 1024 * kMebibyte;
 #endif
-// What the sender holds, in this process, too, and what the allocator keeps of it.
+// Includes the buffers of the sender, which is in this process, and memory kept by the allocator.
 constexpr qint64 kMostKiB = 6L * 1024;
 
 } // namespace
@@ -34,10 +34,10 @@ private slots:
     void init();
     void cleanup();
 
-    void fromOnePeer_data();
-    void fromOnePeer();
-    void inAsManyCallsAsItTakes();
-    void whileTheCallbackIsBusy();
+    void onePeerCostsBoundedMemory_data();
+    void onePeerCostsBoundedMemory();
+    void manyCallsCostBoundedMemory();
+    void busyCallbackCostsBoundedMemory();
 
 private:
     qint64 m_iBefore = 0;
@@ -45,7 +45,7 @@ private:
 
 void TestInterfaceFlood::initTestCase()
 {
-    // What has to be there anyway comes with the first one.
+    // The first flood makes the one-time allocations.
     TestServer server;
     Flood flood(server.port, 4 * kMebibyte);
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
@@ -66,14 +66,14 @@ void TestInterfaceFlood::cleanup()
         QVERIFY2(more < kMostKiB, qPrintable(QStringLiteral("%1 KiB more").arg(more)));
 }
 
-void TestInterfaceFlood::fromOnePeer_data()
+void TestInterfaceFlood::onePeerCostsBoundedMemory_data()
 {
     QTest::addColumn<bool>("isRead");
     QTest::newRow("read") << true;
     QTest::newRow("left unread") << false;
 }
 
-void TestInterfaceFlood::fromOnePeer()
+void TestInterfaceFlood::onePeerCostsBoundedMemory()
 {
     QFETCH(const bool, isRead);
     TestServer server(10'000);
@@ -88,7 +88,7 @@ void TestInterfaceFlood::fromOnePeer()
     QVERIFY(flood.Unsent() > kFlood / 2);
 }
 
-void TestInterfaceFlood::inAsManyCallsAsItTakes()
+void TestInterfaceFlood::manyCallsCostBoundedMemory()
 {
     TestServer server(10'000);
     quint64 given = 0;
@@ -111,14 +111,14 @@ void TestInterfaceFlood::inAsManyCallsAsItTakes()
     QVERIFY(server.server->IsOpen());
 }
 
-void TestInterfaceFlood::whileTheCallbackIsBusy()
+void TestInterfaceFlood::busyCallbackCostsBoundedMemory()
 {
     TestServer server;
     TestServer clock(500);
     qint64 most = 0;
     std::unique_ptr<Flood> flood;
     server.callback.onOpen = [&](IInterface*) {
-        // Time enough to send it all if somebody took it.
+        // Long enough to send it all if the server read it.
         const auto silent = CallerOf(clock.port);
         QTRY_COMPARE(clock.callback.Count(Kind::Close), 1);
         QVERIFY(flood->Unsent() > kFlood / 2);

@@ -13,11 +13,6 @@ namespace {
 
 constexpr auto kHoldArgument = "--wait-for-end-of-input";
 
-Kind KindOf(int row)
-{
-    return static_cast<Kind>(row);
-}
-
 void SetHook(RecordingCallback& callback, Kind kind, const std::function<void()>& hook)
 {
     const auto withInterface = [hook](IInterface*) {
@@ -94,33 +89,32 @@ void TestInterfaceLifetime::init()
 
 void TestInterfaceLifetime::serverDeletedInCallback_data()
 {
-    QTest::addColumn<int>("kind");
-    QTest::newRow("OnOpen") << int(Kind::Open);
-    QTest::newRow("OnRead") << int(Kind::Read);
-    QTest::newRow("OnWritten") << int(Kind::Written);
-    QTest::newRow("OnClose") << int(Kind::Close);
-    QTest::newRow("OnError") << int(Kind::Error);
+    QTest::addColumn<Kind>("kind");
+    QTest::newRow("OnOpen") << Kind::Open;
+    QTest::newRow("OnRead") << Kind::Read;
+    QTest::newRow("OnWritten") << Kind::Written;
+    QTest::newRow("OnClose") << Kind::Close;
+    QTest::newRow("OnError") << Kind::Error;
 }
 
 void TestInterfaceLifetime::serverDeletedInCallback()
 {
-    QFETCH(const int, kind);
+    QFETCH(const Kind, kind);
     TestServer server;
     // Each peer is answered; with more than it takes where an error is wanted.
     server.callback.onOpen = [&](IInterface* peer) {
-        peer->Write("x", KindOf(kind) == Kind::Error ? CInterfaceCreator::kMaximumBytesUnsent + 1 : 1);
+        peer->Write("x", kind == Kind::Error ? CInterfaceCreator::kMaximumBytesUnsent + 1 : 1);
     };
     bool deleted = false;
-    SetHook(server.callback, KindOf(kind), [&] {
+    SetHook(server.callback, kind, [&] {
         server.server.reset();
         deleted = true;
     });
 
     QTcpSocket bystander;
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     caller.write("hello");
-    if (KindOf(kind) == Kind::Close)
+    if (kind == Kind::Close)
         caller.disconnectFromHost();
     bystander.connectToHost(QHostAddress::LocalHost, server.port);
     QTRY_VERIFY(deleted);
@@ -128,33 +122,33 @@ void TestInterfaceLifetime::serverDeletedInCallback()
     QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
     QTRY_COMPARE(bystander.state(), QAbstractSocket::UnconnectedState);
     QCOMPARE(server.callback.events.size(), count);
-    QCOMPARE(server.callback.events.constLast().kind, KindOf(kind));
+    QCOMPARE(server.callback.events.constLast().kind, kind);
 }
 
 void TestInterfaceLifetime::clientDeletedInCallback_data()
 {
-    QTest::addColumn<int>("kind");
-    QTest::newRow("OnOpen") << int(Kind::Open);
-    QTest::newRow("OnRead") << int(Kind::Read);
-    QTest::newRow("OnWritten") << int(Kind::Written);
-    QTest::newRow("OnClose") << int(Kind::Close);
+    QTest::addColumn<Kind>("kind");
+    QTest::newRow("OnOpen") << Kind::Open;
+    QTest::newRow("OnRead") << Kind::Read;
+    QTest::newRow("OnWritten") << Kind::Written;
+    QTest::newRow("OnClose") << Kind::Close;
 }
 
 void TestInterfaceLifetime::clientDeletedInCallback()
 {
-    QFETCH(const int, kind);
-    const Echo host(KindOf(kind) == Kind::Close);
+    QFETCH(const Kind, kind);
+    const Echo host(kind == Kind::Close);
     RecordingCallback callback;
     std::unique_ptr<IInterface> client;
     callback.onOpen = [](IInterface* opened) {
         opened->Write("hello", 5);
     };
-    SetHook(callback, KindOf(kind), [&] { client.reset(); });
+    SetHook(callback, kind, [&] { client.reset(); });
     client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(host.serverPort()), callback, 10'000);
     QVERIFY(client);
     QTRY_VERIFY(!client);
-    QCOMPARE(callback.Count(KindOf(kind)), 1);
-    QCOMPARE(callback.events.constLast().kind, KindOf(kind));
+    QCOMPARE(callback.Count(kind), 1);
+    QCOMPARE(callback.events.constLast().kind, kind);
 }
 
 void TestInterfaceLifetime::clientDeletedInOnError()
@@ -186,8 +180,7 @@ void TestInterfaceLifetime::serverDeletedInNestedLoop()
         QTRY_VERIFY(!server.server);
         returned = true;
     };
-    QTcpSocket first;
-    first.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller first(server.port);
     first.write("first");
     QTRY_VERIFY(returned);
     QTRY_COMPARE(first.state(), QAbstractSocket::UnconnectedState);
@@ -198,8 +191,7 @@ void TestInterfaceLifetime::serverDeletedInNestedLoop()
 void TestInterfaceLifetime::noCallbackAfterDelete()
 {
     TestServer server;
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
     caller.write("too late");
     QVERIFY(caller.waitForBytesWritten());
@@ -217,8 +209,7 @@ void TestInterfaceLifetime::deletedWithCallersWaiting()
     TestServer server;
     std::vector<std::unique_ptr<QTcpSocket>> callers;
     for (int call = 0; call < 3 * CInterfaceCreator::kMaximumPeers; ++call) {
-        callers.push_back(std::make_unique<QTcpSocket>());
-        callers.back()->connectToHost(QHostAddress::LocalHost, server.port);
+        callers.push_back(CallerOf(server.port));
         callers.back()->write("x");
     }
     QTRY_COMPARE(server.callback.Count(Kind::Open), CInterfaceCreator::kMaximumPeers);
@@ -229,47 +220,45 @@ void TestInterfaceLifetime::deletedWithCallersWaiting()
 
 void TestInterfaceLifetime::closedInCallback_data()
 {
-    QTest::addColumn<int>("kind");
-    QTest::newRow("OnOpen") << int(Kind::Open);
-    QTest::newRow("OnRead") << int(Kind::Read);
-    QTest::newRow("OnClose") << int(Kind::Close);
+    QTest::addColumn<Kind>("kind");
+    QTest::newRow("OnOpen") << Kind::Open;
+    QTest::newRow("OnRead") << Kind::Read;
+    QTest::newRow("OnClose") << Kind::Close;
 }
 
 void TestInterfaceLifetime::closedInCallback()
 {
-    QFETCH(const int, kind);
+    QFETCH(const Kind, kind);
     TestServer server;
     const auto close = [](IInterface* peer) {
         peer->Close();
         peer->Close();
     };
-    if (KindOf(kind) == Kind::Open)
+    if (kind == Kind::Open)
         server.callback.onOpen = close;
-    else if (KindOf(kind) == Kind::Close)
+    else if (kind == Kind::Close)
         server.callback.onClose = close;
     else
         server.callback.onRead = [close](IInterface* peer, quint64) {
             close(peer);
         };
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     caller.write(QByteArray(20'000, 'x'));
-    if (KindOf(kind) == Kind::Close)
+    if (kind == Kind::Close)
         caller.disconnectFromHost();
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
 
     // The server goes on, with its peer forgotten.
-    QTcpSocket next;
-    next.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller next(server.port);
     next.write("x");
     next.disconnectFromHost();
     QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
     QCOMPARE(server.callback.Count(Kind::Open), 2);
-    if (KindOf(kind) == Kind::Read)
+    if (kind == Kind::Read)
         QCOMPARE(server.callback.Count(Kind::Read), 2);
     else
-        QCOMPARE(server.callback.Length(Kind::Read), KindOf(kind) == Kind::Open ? 0 : 20'001);
+        QCOMPARE(server.callback.Length(Kind::Read), kind == Kind::Open ? 0 : 20'001);
 }
 
 void TestInterfaceLifetime::serverClosedInCallback()
@@ -278,8 +267,7 @@ void TestInterfaceLifetime::serverClosedInCallback()
     server.callback.onOpen = [&](IInterface*) {
         server.server->Close();
     };
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Close}));
     QVERIFY(!server.server->IsOpen());
     QTRY_COMPARE(caller.state(), QAbstractSocket::UnconnectedState);
@@ -304,7 +292,7 @@ void TestInterfaceLifetime::callbacksOfOnePeerDoNotNest()
             QTRY_COMPARE(first.state(), QAbstractSocket::UnconnectedState);
             QVERIFY(server.callback.events.constLast().source != peer);
         }
-        // Still there, with what waited at first and nothing more.
+        // The peer still exists, and returns only the bytes announced.
         server.callback.received += RecordingCallback::Take(peer, length + 100);
         --depth;
     };
@@ -319,8 +307,7 @@ void TestInterfaceLifetime::callbacksOfOnePeerDoNotNest()
 void TestInterfaceLifetime::childrenDoNotInheritTheSockets()
 {
     TestServer server;
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Open), 1);
 
     QProcess child;

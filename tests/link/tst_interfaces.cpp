@@ -20,29 +20,29 @@ class TestInterfaces : public QObject
 private slots:
     void init();
 
-    void malformedAddress_data();
-    void malformedAddress();
-    void withoutCallback();
-    void goodAddress_data();
-    void goodAddress();
+    void malformedAddressIsRefused_data();
+    void malformedAddressIsRefused();
+    void missingCallbackIsRefused();
+    void validAddressIsAccepted_data();
+    void validAddressIsAccepted();
     void serverAndClient_data();
     void serverAndClient();
     void listensOnLoopbackOnly();
-    void portTaken_data();
-    void portTaken();
-    void serversNotAllowed();
-    void createdClosed();
+    void usedPortIsRefused_data();
+    void usedPortIsRefused();
+    void serversCanBeForbidden();
+    void serverCanBeCreatedClosed();
     void closedServerClosesItsPeers();
-    void clientCannotConnect();
-    void clientConnectsAgain();
-    void closeBeforeConnected();
-    void readBringsWhatWaits();
-    void readLooksWithoutTaking();
+    void failedConnectIsAnError();
+    void clientCanBeOpenedAgain();
+    void clientCanBeClosedWhileConnecting();
+    void readReturnsWaitingBytes();
+    void peekKeepsTheBytes();
     void unreadBytesAreDropped();
-    void readThrows();
+    void invalidReadThrows();
     void writeReachesEveryPeer();
-    void callerThatHasGone();
-    void callerThatResets();
+    void closedCallerIsClosed();
+    void resetCallerIsClosed();
     void callbacksComeOnTheCreatingThread();
 };
 
@@ -52,58 +52,27 @@ void TestInterfaces::init()
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
 }
 
-void TestInterfaces::malformedAddress_data()
+void TestInterfaces::malformedAddressIsRefused_data()
 {
     QTest::addColumn<QString>("address");
-    const QStringList addresses{
-        QString(),
-        QStringLiteral("TCP"),
-        QStringLiteral("TCP:"),
-        QStringLiteral("TCP::"),
-        QStringLiteral("TCP:8451"),
-        QStringLiteral(":8451"),
-        QStringLiteral("::8451"),
-        QStringLiteral("tcp::8451"),
-        QStringLiteral("UDP::8451"),
-        QStringLiteral(" TCP::8451"),
-        QStringLiteral("TCP::8451 "),
-        QStringLiteral("TCP:: 8451"),
-        QStringLiteral("TCP::0"),
-        QStringLiteral("TCP::00000"),
-        QStringLiteral("TCP::-1"),
-        QStringLiteral("TCP::+8451"),
-        QStringLiteral("TCP::65536"),
-        QStringLiteral("TCP::99999"),
-        QStringLiteral("TCP::4294975747"), // 8451 in the lower 32 bits
-        QStringLiteral("TCP::18446744073709560067"),
-        QStringLiteral("TCP::84x1"),
-        QStringLiteral("TCP::0x2103"),
-        QStringLiteral("TCP::8451:"),
-        QStringLiteral("TCP:::8451"),
-        QString::fromUtf8("TCP::\u0968\u0968\u0968\u0968"), // digits, but not ours
-        QStringLiteral("TCP:localhost"),
-        QStringLiteral("TCP:localhost:"),
-        QStringLiteral("TCP:localhost:0"),
-        QStringLiteral("TCP:local host:8451"),
-        QStringLiteral("TCP:local/host:8451"),
-        QStringLiteral("TCP:user@localhost:8451"),
-        QStringLiteral("TCP:::1:8451"),
-        QStringLiteral("TCP:[::1:8451"),
-        QStringLiteral("TCP:::1]:8451"),
-        QStringLiteral("TCP:[]:8451"),
-        QStringLiteral("TCP:[:8451"),
-        QStringLiteral("TCP:[127.0.0.1]:8451"),
-        QStringLiteral("TCP:[localhost]:8451"),
-        QStringLiteral("TCP:%1:8451").arg(QString(254, u'a')),
-        QStringLiteral("TCP:%1").arg(QString(1'000'000, u':')),
-        QStringLiteral("TCP::%1").arg(QString(1'000'000, u'1')),
-        QStringLiteral("TCP:local%1host:8451").arg(QChar(0)),
-    };
+    // 4294975747 is 8451 in the lower 32 bits; U+0968 is a digit, but not one of ASCII.
+    QStringList addresses =
+        QStringLiteral("|TCP|TCP:|TCP::|TCP:8451|:8451|::8451|tcp::8451|UDP::8451| TCP::8451|TCP::8451 |"
+                       "TCP:: 8451|TCP::0|TCP::00000|TCP::-1|TCP::+8451|TCP::65536|TCP::99999|"
+                       "TCP::4294975747|TCP::18446744073709560067|TCP::84x1|TCP::0x2103|TCP::8451:|"
+                       "TCP:::8451|TCP::\u0968\u0968\u0968\u0968|TCP:localhost|TCP:localhost:|"
+                       "TCP:localhost:0|TCP:local host:8451|TCP:local/host:8451|TCP:user@localhost:8451|"
+                       "TCP:::1:8451|TCP:[::1:8451|TCP:::1]:8451|TCP:[]:8451|TCP:[:8451|"
+                       "TCP:[127.0.0.1]:8451|TCP:[localhost]:8451")
+            .split(u'|');
+    addresses +=
+        {QStringLiteral("TCP:%1:8451").arg(QString(254, u'a')), QStringLiteral("TCP:%1").arg(QString(1'000'000, u':')),
+         QStringLiteral("TCP::%1").arg(QString(1'000'000, u'1')), QStringLiteral("TCP:local%1host:8451").arg(QChar(0))};
     for (qsizetype row = 0; row < addresses.size(); ++row)
         QTest::addRow("%d: %s", int(row), qPrintable(addresses[row].left(30))) << addresses[row];
 }
 
-void TestInterfaces::malformedAddress()
+void TestInterfaces::malformedAddressIsRefused()
 {
     QFETCH(const QString, address);
     RecordingCallback callback;
@@ -116,14 +85,14 @@ void TestInterfaces::malformedAddress()
     QVERIFY(callback.events.isEmpty());
 }
 
-void TestInterfaces::withoutCallback()
+void TestInterfaces::missingCallbackIsRefused()
 {
     const TraceRecorder traces;
     QVERIFY(!CInterfaceCreator().CreateInterface(QStringLiteral("TCP::%1").arg(FreePort()), nullptr, 0, false));
     QCOMPARE(traces.Reports().size(), 1);
 }
 
-void TestInterfaces::goodAddress_data()
+void TestInterfaces::validAddressIsAccepted_data()
 {
     QTest::addColumn<QString>("address");
     QTest::newRow("lowest port") << QStringLiteral("TCP::1");
@@ -135,11 +104,11 @@ void TestInterfaces::goodAddress_data()
     QTest::newRow("IPv6, long") << QStringLiteral("TCP:[2001:db8::8:800:200c:417a]:8451");
 }
 
-void TestInterfaces::goodAddress()
+void TestInterfaces::validAddressIsAccepted()
 {
     QFETCH(const QString, address);
     RecordingCallback callback;
-    // Closed, so that nobody is called.
+    // Created closed, so nothing is called.
     const auto created = Create(address, callback, 0, true);
     QVERIFY(created);
     QVERIFY(!created->IsOpen());
@@ -218,7 +187,7 @@ void TestInterfaces::listensOnLoopbackOnly()
         QSKIP("This machine has no other address");
 }
 
-void TestInterfaces::portTaken_data()
+void TestInterfaces::usedPortIsRefused_data()
 {
     QTest::addColumn<QHostAddress>("holder");
     QTest::newRow("IPv4") << QHostAddress(QHostAddress::LocalHost);
@@ -227,7 +196,7 @@ void TestInterfaces::portTaken_data()
     QTest::newRow("all") << QHostAddress(QHostAddress::Any);
 }
 
-void TestInterfaces::portTaken()
+void TestInterfaces::usedPortIsRefused()
 {
     QFETCH(const QHostAddress, holder);
     QTcpServer taken;
@@ -251,7 +220,7 @@ void TestInterfaces::portTaken()
     QVERIFY2(!Create(address, callback), "Two servers of the library on one port");
 }
 
-void TestInterfaces::serversNotAllowed()
+void TestInterfaces::serversCanBeForbidden()
 {
     const auto allowAgain = qScopeGuard([] { CInterfaceCreator::SetServersAllowed(true); });
     QVERIFY(CInterfaceCreator::AreServersAllowed());
@@ -270,7 +239,7 @@ void TestInterfaces::serversNotAllowed()
     QVERIFY(closed);
     QVERIFY(!closed->Open());
     QVERIFY(!closed->IsOpen());
-    // The port stays free, what listens goes on, and clients are none of this.
+    // The port stays free, earlier servers go on, clients are still allowed.
     QTcpServer other;
     QVERIFY(other.listen(QHostAddress(QHostAddress::LocalHost), port));
     QVERIFY(earlier->IsOpen());
@@ -281,7 +250,7 @@ void TestInterfaces::serversNotAllowed()
     QVERIFY(closed->Open());
 }
 
-void TestInterfaces::createdClosed()
+void TestInterfaces::serverCanBeCreatedClosed()
 {
     const quint16 port = FreePort();
     RecordingCallback callback;
@@ -305,10 +274,8 @@ void TestInterfaces::createdClosed()
 void TestInterfaces::closedServerClosesItsPeers()
 {
     TestServer server;
-    QTcpSocket first;
-    QTcpSocket second;
-    first.connectToHost(QHostAddress::LocalHost, server.port);
-    second.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller first(server.port);
+    Caller second(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Open), 2);
 
     server.server->Close();
@@ -318,13 +285,12 @@ void TestInterfaces::closedServerClosesItsPeers()
     QTRY_COMPARE(second.state(), QAbstractSocket::UnconnectedState);
 
     QVERIFY(server.server->Open());
-    QTcpSocket third;
-    third.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller third(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Open), 3);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
 }
 
-void TestInterfaces::clientCannotConnect()
+void TestInterfaces::failedConnectIsAnError()
 {
     RecordingCallback callback;
     const TraceRecorder traces;
@@ -336,7 +302,7 @@ void TestInterfaces::clientCannotConnect()
     QVERIFY(!client->IsOpen());
 }
 
-void TestInterfaces::clientConnectsAgain()
+void TestInterfaces::clientCanBeOpenedAgain()
 {
     TestServer server;
     RecordingCallback callback;
@@ -362,7 +328,7 @@ void TestInterfaces::clientConnectsAgain()
     QCOMPARE(server.callback.Count(Kind::Open), 2);
 }
 
-void TestInterfaces::closeBeforeConnected()
+void TestInterfaces::clientCanBeClosedWhileConnecting()
 {
     TestServer server;
     RecordingCallback callback;
@@ -373,7 +339,7 @@ void TestInterfaces::closeBeforeConnected()
     QCOMPARE(callback.Kinds(), QList<Kind>{Kind::Open});
 }
 
-void TestInterfaces::readBringsWhatWaits()
+void TestInterfaces::readReturnsWaitingBytes()
 {
     TestServer server;
     quint64 inOpen = 99;
@@ -389,8 +355,7 @@ void TestInterfaces::readBringsWhatWaits()
         taken.append(RecordingCallback::Take(peer, 1000));
         taken.append(RecordingCallback::Take(peer, 1000));
     };
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     caller.write("sixlet");
     QTRY_COMPARE(taken, (QByteArrayList{"sixl", "et", ""}));
     QCOMPARE(inOpen, 0);
@@ -400,7 +365,7 @@ void TestInterfaces::readBringsWhatWaits()
     QCOMPARE(RecordingCallback::Take(peer, 10), QByteArray());
 }
 
-void TestInterfaces::readLooksWithoutTaking()
+void TestInterfaces::peekKeepsTheBytes()
 {
     TestServer server;
     QByteArrayList taken;
@@ -409,8 +374,7 @@ void TestInterfaces::readLooksWithoutTaking()
         taken.append(RecordingCallback::Take(peer, length, false));
         taken.append(RecordingCallback::Take(peer, length, true));
     };
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     caller.write("look");
     QTRY_COMPARE(taken, (QByteArrayList{"look", "look", ""}));
 }
@@ -426,8 +390,7 @@ void TestInterfaces::unreadBytesAreDropped()
         else if (reads == 3)
             server.callback.received += RecordingCallback::Take(peer, length);
     };
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller caller(server.port);
     const QByteArrayList lines{"left", "part", "whole"};
     for (int line = 0; line < lines.size(); ++line) {
         caller.write(lines[line]);
@@ -436,7 +399,7 @@ void TestInterfaces::unreadBytesAreDropped()
     QCOMPARE(server.callback.received, QByteArray("parwhole"));
 }
 
-void TestInterfaces::readThrows()
+void TestInterfaces::invalidReadThrows()
 {
     TestServer server;
     char byte = 0;
@@ -468,10 +431,8 @@ void TestInterfaces::writeReachesEveryPeer()
 {
     TestServer server;
     server.server->Write("nobody", 6);
-    QTcpSocket first;
-    QTcpSocket second;
-    first.connectToHost(QHostAddress::LocalHost, server.port);
-    second.connectToHost(QHostAddress::LocalHost, server.port);
+    Caller first(server.port);
+    Caller second(server.port);
     QTRY_COMPARE(server.callback.Count(Kind::Open), 2);
     server.server->Write("to all", 6);
     server.server->Write("", 0);
@@ -479,7 +440,7 @@ void TestInterfaces::writeReachesEveryPeer()
     QTRY_COMPARE(second.bytesAvailable(), 6);
     QCOMPARE(first.readAll(), QByteArray("to all"));
 
-    // What is unsent goes out before a connection is closed.
+    // Unsent bytes are sent before a connection is closed.
     IInterface* const peer = server.callback.events.constFirst().source;
     peer->Write("last", 4);
     peer->Close();
@@ -491,12 +452,11 @@ void TestInterfaces::writeReachesEveryPeer()
     QVERIFY(closed.readAll().endsWith("last"));
 }
 
-void TestInterfaces::callerThatHasGone()
+void TestInterfaces::closedCallerIsClosed()
 {
     TestServer server;
     {
-        QTcpSocket caller;
-        caller.connectToHost(QHostAddress::LocalHost, server.port);
+        Caller caller(server.port);
         QVERIFY(caller.waitForConnected());
         caller.write("gone");
         QVERIFY(caller.waitForBytesWritten());
@@ -508,7 +468,7 @@ void TestInterfaces::callerThatHasGone()
     QCOMPARE(server.callback.received, QByteArray("gone"));
 }
 
-void TestInterfaces::callerThatResets()
+void TestInterfaces::resetCallerIsClosed()
 {
     TestServer server;
     server.callback.onOpen = [](IInterface* peer) {
@@ -518,7 +478,7 @@ void TestInterfaces::callerThatResets()
     caller.setReadBufferSize(1);
     caller.connectToHost(QHostAddress::LocalHost, server.port);
     QTRY_COMPARE(caller.bytesAvailable(), 1);
-    // Bytes that nobody has read turn the end into a reset.
+    // Unread bytes make the system reset the connection.
     caller.abort();
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Written, Kind::Close}));
     QCOMPARE(server.callback.Count(Kind::Close), 1);
@@ -550,8 +510,7 @@ void TestInterfaces::callbacksComeOnTheCreatingThread()
     QMetaObject::invokeMethod(
         &there, [&] { server = Create(QStringLiteral("TCP::%1").arg(port), callback); }, Qt::BlockingQueuedConnection);
     QVERIFY(server);
-    QTcpSocket caller;
-    caller.connectToHost(QHostAddress::LocalHost, port);
+    Caller caller(port);
     caller.write("x");
     caller.disconnectFromHost();
     QTRY_VERIFY(done);

@@ -8,7 +8,7 @@
 
 using Kind = RecordingCallback::Kind;
 
-/// Connections of which one side only still is there, or does anything.
+/// Connections whose other process is silent, killed or half closed.
 class TestInterfaceStrangers : public QObject
 {
     Q_OBJECT
@@ -16,14 +16,14 @@ class TestInterfaceStrangers : public QObject
 private slots:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("."))); }
 
-    void halfACallAndThenNothing();
-    void sendingHalfIsShutDown_data();
-    void sendingHalfIsShutDown();
-    void killedProcess_data();
-    void killedProcess();
+    void silentProcessIsClosed();
+    void halfClosedConnectionIsClosed_data();
+    void halfClosedConnectionIsClosed();
+    void connectionsOfAKilledProcessAreClosed_data();
+    void connectionsOfAKilledProcessAreClosed();
 };
 
-void TestInterfaceStrangers::halfACallAndThenNothing()
+void TestInterfaceStrangers::silentProcessIsClosed()
 {
     TestServer server(200);
     Stranger stranger(server.port, 1);
@@ -34,14 +34,14 @@ void TestInterfaceStrangers::halfACallAndThenNothing()
     QCOMPARE(stranger.process.exitCode(), 0);
 }
 
-void TestInterfaceStrangers::sendingHalfIsShutDown_data()
+void TestInterfaceStrangers::halfClosedConnectionIsClosed_data()
 {
     QTest::addColumn<bool>("isSent");
     QTest::newRow("at once") << false;
     QTest::newRow("after half a call") << true;
 }
 
-void TestInterfaceStrangers::sendingHalfIsShutDown()
+void TestInterfaceStrangers::halfClosedConnectionIsClosed()
 {
     QFETCH(const bool, isSent);
     TestServer server; // no time-out that would help
@@ -52,22 +52,22 @@ void TestInterfaceStrangers::sendingHalfIsShutDown()
         QTRY_COMPARE(server.callback.received, Stranger::Said());
     }
     ShutdownSending(caller->socketDescriptor());
-    // Nobody who has nothing more to say keeps a place.
+    // A caller that sends no more does not keep a place.
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QCOMPARE(server.callback.Count(Kind::Open), 1);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
     QTRY_COMPARE(caller->state(), QAbstractSocket::UnconnectedState);
 }
 
-void TestInterfaceStrangers::killedProcess_data()
+void TestInterfaceStrangers::connectionsOfAKilledProcessAreClosed_data()
 {
     QTest::addColumn<bool>("isAnswered");
-    QTest::newRow("that has read everything") << false;
-    // Its system then cuts the connection off.
-    QTest::newRow("with an answer on its way") << true;
+    QTest::newRow("nothing unread") << false;
+    // Its system then resets the connection.
+    QTest::newRow("unread answer") << true;
 }
 
-void TestInterfaceStrangers::killedProcess()
+void TestInterfaceStrangers::connectionsOfAKilledProcessAreClosed()
 {
     QFETCH(const bool, isAnswered);
     TestServer server; // no time-out that would help
@@ -75,8 +75,10 @@ void TestInterfaceStrangers::killedProcess()
     Stranger stranger(server.port, calls);
     QTRY_COMPARE(server.callback.received, Stranger::Said().repeated(calls));
     QCOMPARE(server.callback.now, calls);
-    if (isAnswered)
+    if (isAnswered) {
         server.server->Write("answer", 6);
+        QTRY_COMPARE(server.callback.Length(Kind::Written), quint64{6 * calls});
+    }
     stranger.process.kill();
     QTRY_COMPARE(server.callback.Count(Kind::Close), calls);
     QCOMPARE(server.callback.Count(Kind::Error), 0);

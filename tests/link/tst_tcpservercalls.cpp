@@ -12,7 +12,7 @@
 
 namespace {
 
-/// What the server has asked of the connections library, and what it gets.
+/// The calls of the server to the connections library, and the results it gets.
 struct Library
 {
     struct Creation
@@ -30,7 +30,7 @@ struct Library
 };
 Library kLibrary;
 
-/// An interface that counts itself, and whatever is asked of it.
+/// An interface that counts its instances and calls.
 class CountedInterface : public IInterface
 {
 public:
@@ -54,7 +54,7 @@ private:
     }
 };
 
-/// Notes what the trace has said by the time it is shown.
+/// Records the traces made before it is shown.
 class Window : public QDialog
 {
 public:
@@ -78,7 +78,7 @@ private:
 
 } // namespace
 
-// In the place of the library's.
+// Replaces that of the library.
 IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfaceCallback* callback, quint64 number,
                                                bool flag)
 {
@@ -86,7 +86,7 @@ IInterface* CInterfaceCreator::CreateInterface(const QString& address, IInterfac
     return kLibrary.fails ? nullptr : new CountedInterface;
 }
 
-/// What the server asks of a connections library that does as the test says.
+/// The server on a fake connections library.
 class TestTcpServerCalls : public QObject
 {
     Q_OBJECT
@@ -95,8 +95,8 @@ private slots:
     void init() { kLibrary = {}; }
 
     void createsOneOpenServer();
-    void endsWhatItCreated();
-    void withoutAnInterface();
+    void createdInterfaceIsDeleted();
+    void worksWithoutAnInterface();
     void tracesBeforeItShows();
 };
 
@@ -122,7 +122,7 @@ void TestTcpServerCalls::createsOneOpenServer()
     QCOMPARE(kLibrary.calls, 0);
 }
 
-void TestTcpServerCalls::endsWhatItCreated()
+void TestTcpServerCalls::createdInterfaceIsDeleted()
 {
     QWidget widget;
     auto server = std::make_unique<TCPServer>(&widget);
@@ -133,7 +133,7 @@ void TestTcpServerCalls::endsWhatItCreated()
     QVERIFY(!widget.isVisible());
 }
 
-void TestTcpServerCalls::withoutAnInterface()
+void TestTcpServerCalls::worksWithoutAnInterface()
 {
     kLibrary.fails = true;
     QWidget widget;

@@ -100,7 +100,7 @@ int Live(const QString& fileName, const QString& address, bool takesCalls)
 int main(int argc, char** argv)
 {
     const QStringList inherited = InheritedHandles();
-    // As the real one begins, which may take the console of who started it.
+    // Like the real host, which may attach to the console of its parent.
     StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();

@@ -12,7 +12,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// A folder with what fake hosts said when they were started; ends those that still run when it goes.
+/// A folder with the reports of started fake hosts. The destructor ends the hosts that still run.
 class FakeHostRun
 {
 public:

@@ -2,23 +2,31 @@
 
 #include "tests/support/linkfixture.h"
 
+#include <QEventLoop>
+#include <QScopeGuard>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 #include <functional>
 #include <future>
 #include <optional>
 
-/// Runs `work`, which blocks, beside this thread's event loop, and returns what it returns.
+/// Runs `work`, which blocks, in another thread, while this thread runs its event loop. Returns the result of `work`.
 template <typename Work>
 auto Beside(Work work)
 {
-    auto result = std::async(std::launch::async, work);
-    const bool isDone =
-        QTest::qWaitFor([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }, 60'000);
-    if (!isDone)
-        qFatal("It blocks for ever");
+    QEventLoop loop;
+    auto result = std::async(
+        std::launch::async,
+        [&] {
+            const auto finish =
+                qScopeGuard([&] { QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection); });
+            return work();
+        });
+    QTimer::singleShot(std::chrono::seconds(60), &loop, [] { qFatal("It blocks for ever"); });
+    loop.exec();
     return result.get();
 }
 

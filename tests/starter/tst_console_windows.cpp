@@ -14,9 +14,9 @@ private slots:
     void versionIsShown();
     void everyLetterIsShown_data() { programs(); }
     void everyLetterIsShown();
-    void streamsThatLeadElsewhere_data() { programs(); }
-    void streamsThatLeadElsewhere();
-    void startersHostTakesNoConsole();
+    void redirectedStreamsAreUsed_data() { programs(); }
+    void redirectedStreamsAreUsed();
+    void hostOfTheStarterGetsNoConsole();
 
 private:
     static void programs();
@@ -54,7 +54,7 @@ void TestConsole::everyLetterIsShown()
     QVERIFY2(console.Text().contains(letters), qPrintable(console.Text()));
 }
 
-void TestConsole::streamsThatLeadElsewhere()
+void TestConsole::redirectedStreamsAreUsed()
 {
     QFETCH(const QString, program);
     const QTemporaryDir directory;
@@ -77,7 +77,7 @@ void TestConsole::streamsThatLeadElsewhere()
     QVERIFY(error.endsWith('\n') && !error.contains('\r'));
 }
 
-void TestConsole::startersHostTakesNoConsole()
+void TestConsole::hostOfTheStarterGetsNoConsole()
 {
     const FakeHostRun run;
     PseudoConsole console;

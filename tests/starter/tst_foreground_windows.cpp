@@ -63,7 +63,7 @@ private slots:
         QVERIFY(VirtualProtect(address, sizeof *address, before, &before));
     }
 
-    void theRightIsHandedOverBeforeTheCall()
+    void foregroundRightIsHandedOverBeforeTheCall()
     {
         const QTemporaryDir directory;
         TestServer server(10'000);

@@ -13,19 +13,19 @@ class TestHostProcess : public QObject
     Q_OBJECT
 
 private slots:
-    void argumentsArriveAsTheyAre();
+    void argumentsArriveUnchanged();
     void directoryAndEnvironmentAreKept();
     void nothingElseIsInherited();
     void exitCode_data();
     void exitCode();
     void crash();
-    void cannotBeStarted_data();
-    void cannotBeStarted();
+    void unusableProgramIsReported_data();
+    void unusableProgramIsReported();
     void outlivesItsObject();
     void notStarted();
 };
 
-void TestHostProcess::argumentsArriveAsTheyAre()
+void TestHostProcess::argumentsArriveUnchanged()
 {
     const QStringList arguments{QStringLiteral("--config"),
                                 QStringLiteral("a folder with spaces"),
@@ -104,7 +104,7 @@ void TestHostProcess::crash()
 #ifdef Q_OS_WIN
     // There the C run time makes an exit code of it.
     QVERIFY(process.Poll()->exitCode != 0 || !process.Poll()->crash.isEmpty());
-    // What the system leaves as the exit code: an access violation, and an exception of C++ that nobody caught.
+    // Exit codes of an access violation and of an uncaught C++ exception.
     for (const quint32 code : {0xC0000005, 0xE06D7363}) {
         const FakeHostRun another;
         HostProcess broken;
@@ -118,7 +118,7 @@ void TestHostProcess::crash()
 #endif
 }
 
-void TestHostProcess::cannotBeStarted_data()
+void TestHostProcess::unusableProgramIsReported_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char* kind : {"missing", "directory", "not a program"})
@@ -130,7 +130,7 @@ void TestHostProcess::cannotBeStarted_data()
 #endif
 }
 
-void TestHostProcess::cannotBeStarted()
+void TestHostProcess::unusableProgramIsReported()
 {
     QFETCH(const QString, kind);
     const QTemporaryDir directory;
@@ -155,7 +155,7 @@ void TestHostProcess::cannotBeStarted()
 void TestHostProcess::outlivesItsObject()
 {
     const FakeHostRun run;
-    // A port whose owner can be asked whether it lives.
+    // A call of its port shows whether the host runs.
     QTcpServer free;
     QVERIFY(free.listen(QHostAddress(QHostAddress::LocalHost)));
     const quint16 port = free.serverPort();

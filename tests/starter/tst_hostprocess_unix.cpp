@@ -8,7 +8,7 @@ class TestHostProcessUnix : public QObject
 
 private slots:
     // The end of the starter's session is not the host's.
-    void hasASessionOfItsOwn()
+    void hostGetsANewSession()
     {
         const FakeHostRun run;
         HostProcess process;

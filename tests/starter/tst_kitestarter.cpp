@@ -19,19 +19,17 @@ class TestKiteStarter : public QObject
 
 private slots:
     void help();
-    void version();
     void wrongCommandLine();
     void runningDialogIsRaised();
-    void twiceGivesOneDialog();
-    void tenAtOnceGiveOneHost();
-    void otherConfigurationIsCalledAsWell();
+    void secondStarterCallsTheFirstDialog();
+    void tenStartersAtOnceStartOneHost();
+    void dialogOfAnotherConfigurationIsCalled();
     void headlessHostIsNotTakenForADialog();
-    void hostThatRefusesItsCommandLine();
-    void hostArgumentsArrive();
-    void hostThatIsMissing();
-    void foreignService();
-    void callOnly();
-    void withoutARunTimeFolder();
+    void exitCodeOfTheHostIsReported();
+    void missingHostIsReported();
+    void foreignServiceIsReported();
+    void callOnlyStartsNothing();
+    void worksWithoutARuntimeFolder();
 };
 
 namespace {
@@ -40,7 +38,7 @@ const QString kCalled = QStringLiteral("TCPServer::OnOpen(): Received call from 
 const QString kCreated = QStringLiteral("TCPServer(): Server TCP interface created.");
 const QString kFailed = QStringLiteral("TCPServer(): Creation of Server TCP interface failed.");
 
-/// A folder with a configuration for the host, and the ways to start what works on it. Hosts end with it.
+/// A temporary configuration for the host. Starts starters on it; ends their host at last.
 class SetUp
 {
 public:
@@ -148,13 +146,6 @@ void TestKiteStarter::help()
     QVERIFY(result.output.startsWith(QLatin1String("Usage: kitestarter")));
 }
 
-void TestKiteStarter::version()
-{
-    const auto result = SetUp().Run({QStringLiteral("--version")});
-    QCOMPARE(result.exitCode, 0);
-    QCOMPARE(result.output, QStringLiteral("kitestarter " VEXEL_VERSION "\n"));
-}
-
 void TestKiteStarter::wrongCommandLine()
 {
     COMPARE_COMPLAINT(SetUp().Run({QStringLiteral("--frobnicate")}), 1, QLatin1String("frobnicate"));
@@ -164,7 +155,7 @@ void TestKiteStarter::runningDialogIsRaised()
 {
     NEED_PORT();
     const SetUp setUp;
-    // Started by somebody else.
+    // Not started by a starter.
     QProcess host;
     host.setProcessEnvironment(setUp.environment);
     host.start(QStringLiteral(VEXELHOST), setUp.HostArguments());
@@ -179,7 +170,7 @@ void TestKiteStarter::runningDialogIsRaised()
     QCOMPARE(host.exitCode(), 0);
 }
 
-void TestKiteStarter::twiceGivesOneDialog()
+void TestKiteStarter::secondStarterCallsTheFirstDialog()
 {
     NEED_PORT();
     const SetUp setUp;
@@ -195,7 +186,7 @@ void TestKiteStarter::twiceGivesOneDialog()
     QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("kitestarter-%1.lock").arg(LinkPort::kNumber))));
 }
 
-void TestKiteStarter::tenAtOnceGiveOneHost()
+void TestKiteStarter::tenStartersAtOnceStartOneHost()
 {
     NEED_PORT();
     const SetUp setUp;
@@ -211,7 +202,7 @@ void TestKiteStarter::tenAtOnceGiveOneHost()
     QVERIFY(setUp.Traced(kCalled) >= 10);
 }
 
-void TestKiteStarter::otherConfigurationIsCalledAsWell()
+void TestKiteStarter::dialogOfAnotherConfigurationIsCalled()
 {
     NEED_PORT();
     const SetUp setUp;
@@ -251,24 +242,14 @@ void TestKiteStarter::headlessHostIsNotTakenForADialog()
     QVERIFY(headless.state() == QProcess::NotRunning || headless.waitForFinished(60'000));
 }
 
-void TestKiteStarter::hostThatRefusesItsCommandLine()
+void TestKiteStarter::exitCodeOfTheHostIsReported()
 {
     NEED_PORT();
     COMPARE_COMPLAINT(SetUp().Run({QStringLiteral("--"), QStringLiteral("--frobnicate")}), 3,
                       QLatin1String("exit code 1"));
 }
 
-void TestKiteStarter::hostArgumentsArrive()
-{
-    NEED_PORT();
-    // The host makes a folder of the name that it is given.
-    const SetUp setUp;
-    COMPARE_CALLED(setUp.RunForHost());
-    const QStringList folders = QDir(setUp.Path(QString())).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    QCOMPARE(folders, QStringList(QFileInfo(setUp.Config()).fileName()));
-}
-
-void TestKiteStarter::hostThatIsMissing()
+void TestKiteStarter::missingHostIsReported()
 {
     NEED_PORT();
     const SetUp setUp;
@@ -276,7 +257,7 @@ void TestKiteStarter::hostThatIsMissing()
                       setUp.Path(QStringLiteral("no such host")));
 }
 
-void TestKiteStarter::foreignService()
+void TestKiteStarter::foreignServiceIsReported()
 {
     NEED_PORT();
     QTcpServer service;
@@ -290,7 +271,7 @@ void TestKiteStarter::foreignService()
     QVERIFY(!QFile::exists(setUp.Config()));
 }
 
-void TestKiteStarter::callOnly()
+void TestKiteStarter::callOnlyStartsNothing()
 {
     NEED_PORT();
     const SetUp setUp;
@@ -303,7 +284,7 @@ void TestKiteStarter::callOnly()
     QCOMPARE(setUp.Traced(kCalled), 2);
 }
 
-void TestKiteStarter::withoutARunTimeFolder()
+void TestKiteStarter::worksWithoutARuntimeFolder()
 {
     NEED_PORT();
     SetUp setUp;

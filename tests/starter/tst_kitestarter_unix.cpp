@@ -1,17 +1,14 @@
 #include "tests/support/brokenoutput_unix.h"
 #include "tests/support/testmain.h"
 
-/// The starter's executable where what it prints does not arrive.
+/// The executable of the starter with outputs that cannot be written.
 class TestKiteStarterUnix : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void whatCannotBePrintedFails_data()
-    {
-        AddBrokenOutputs({{QStringLiteral("--help")}, {QStringLiteral("--version")}});
-    }
-    void whatCannotBePrintedFails()
+    void unwritableOutputFails_data() { AddBrokenOutputs({{QStringLiteral("--help")}, {QStringLiteral("--version")}}); }
+    void unwritableOutputFails()
     {
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);
@@ -26,8 +23,8 @@ private slots:
                  QByteArray("kitestarter: cannot write everything to standard output\n"));
     }
 
-    void complaintsWithoutAReader_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
-    void complaintsWithoutAReader()
+    void unwritableErrorOutputKeepsTheExitCode_data() { AddBrokenOutputs({{QStringLiteral("--no-such-option")}}); }
+    void unwritableErrorOutputKeepsTheExitCode()
     {
         QFETCH(const BrokenOutput::Kind, kind);
         QFETCH(const QStringList, arguments);

@@ -13,8 +13,8 @@ private slots:
     void defaults();
     void everyOption();
     void hostArgumentsAreLeftAlone();
-    void wrong_data();
-    void wrong();
+    void wrongCommandLines_data();
+    void wrongCommandLines();
     void help();
     void helpNamesEveryExitCode();
     void version();
@@ -66,7 +66,7 @@ void TestStarterOptions::hostArgumentsAreLeftAlone()
     QCOMPARE(Parse({QStringLiteral("--")}).outcome, Outcome::Run);
 }
 
-void TestStarterOptions::wrong_data()
+void TestStarterOptions::wrongCommandLines_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("hint");
@@ -88,7 +88,7 @@ void TestStarterOptions::wrong_data()
     row("beyond all numbers", {timeOut, QStringLiteral("99999999999999999999")}, "--timeout");
 }
 
-void TestStarterOptions::wrong()
+void TestStarterOptions::wrongCommandLines()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, hint);

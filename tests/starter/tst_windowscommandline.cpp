@@ -8,9 +8,9 @@ class TestWindowsCommandLine : public QObject
     Q_OBJECT
 
 private slots:
-    void isWritten_data();
-    void isWritten();
-    void comesApartAgain();
+    void argumentsAreQuoted_data();
+    void argumentsAreQuoted();
+    void quotedArgumentsAreParsedBack();
 };
 
 namespace {
@@ -63,7 +63,7 @@ QStringList TakeApart(const QString& text)
 
 } // namespace
 
-void TestWindowsCommandLine::isWritten_data()
+void TestWindowsCommandLine::argumentsAreQuoted_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("text");
@@ -79,7 +79,7 @@ void TestWindowsCommandLine::isWritten_data()
     QTest::newRow("not Latin") << QStringLiteral("\u5317 \u0441") << QStringLiteral("\"\u5317 \u0441\"");
 }
 
-void TestWindowsCommandLine::isWritten()
+void TestWindowsCommandLine::argumentsAreQuoted()
 {
     QFETCH(const QString, argument);
     QFETCH(const QString, text);
@@ -88,7 +88,7 @@ void TestWindowsCommandLine::isWritten()
              QStringLiteral("x ") + text + QStringLiteral(" y"));
 }
 
-void TestWindowsCommandLine::comesApartAgain()
+void TestWindowsCommandLine::quotedArgumentsAreParsedBack()
 {
     // Every text of these five characters, up to five long.
     const QString characters = QStringLiteral("\\\" \ta");

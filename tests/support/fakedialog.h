@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/plugin/connectdialog.h"
+
 #include <QDialog>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
@@ -8,8 +10,8 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
-/// A dialog with the object tree by which the host knows the plug-in's, on a plain item model. Ticks, names and
-/// statuses are set by `Add` and through the model; what the button does is up to the test.
+/// A dialog with the object names by which the host finds the parts of the plug-in's dialog, on a plain item model.
+/// Ticks, names and statuses are set by `Add` and through the model; what the button does is up to the test.
 ///
 /// The proxy sorts by name, so that rows of the views are not rows of the list.
 class FakeDialog : public QDialog
@@ -62,3 +64,13 @@ public:
     QList<QTreeView*> views;
     QPushButton* connectButton = nullptr;
 };
+
+/// The parts of the fake dialog that is there.
+inline ConnectDialog FindDialog()
+{
+    QString error;
+    const auto dialog = ConnectDialog::Find(error);
+    if (!dialog)
+        qFatal("%s", qPrintable(error));
+    return *dialog;
+}

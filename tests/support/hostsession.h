@@ -2,7 +2,6 @@
 
 #include "host/desktop/dialogsession.h"
 #include "host/output/notices.h"
-#include "host/plugin/connectdialog.h"
 #include "tests/support/fakedialog.h"
 
 #include <QSignalSpy>
@@ -17,8 +16,7 @@ struct HostSession
     HostSession()
     {
         fake.Add(QStringLiteral("mast"));
-        QString error;
-        dialog = ConnectDialog::Find(error);
+        dialog = FindDialog();
         session = std::make_unique<DialogSession>(*dialog, notices, [this] {
             ++saved;
             return canSave;

@@ -15,7 +15,7 @@
 #include <functional>
 #include <memory>
 
-/// Remembers what it is told and reads what comes, unless a hook takes that over.
+/// Records all calls and reads all bytes, unless a hook is set.
 class RecordingCallback : public IInterfaceCallback
 {
 public:
@@ -111,7 +111,7 @@ inline bool HasIPv6()
     return probe.listen(QHostAddress(QHostAddress::LocalHostIPv6));
 }
 
-/// A port that nobody has on either loopback address.
+/// A port that is free on both loopback addresses.
 inline quint16 FreePort()
 {
     for (;;) {
@@ -136,7 +136,7 @@ class TestServer
 public:
     explicit TestServer(quint64 number = 0)
     {
-        // Somebody else may be quicker to take the port.
+        // Another process may take the port first.
         for (int attempt = 0; !server && attempt < 10; ++attempt) {
             port = FreePort();
             server = Create(QStringLiteral("TCP::%1").arg(port), callback, number);
@@ -155,13 +155,21 @@ public:
     std::unique_ptr<IInterface> server;
 };
 
-/// One who begins to call; whether anybody answers shows later.
+/// A socket that begins to connect.
+class Caller : public QTcpSocket
+{
+public:
+    explicit Caller(quint16 port, const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
+    {
+        connectToHost(address, port);
+    }
+};
+
+/// The same on the heap.
 inline std::unique_ptr<QTcpSocket> CallerOf(quint16 port,
                                             const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
 {
-    auto caller = std::make_unique<QTcpSocket>();
-    caller->connectToHost(address, port);
-    return caller;
+    return std::make_unique<Caller>(port, address);
 }
 
 /// Runs the event loop until `condition` holds, without a pause in between: for conditions that are waited for a

@@ -15,17 +15,20 @@ SecondClick::SecondClick(QAbstractItemView* view, int column)
 
 bool SecondClick::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::MouseButtonDblClick && event->type() != QEvent::MouseButtonRelease)
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick &&
+        event->type() != QEvent::MouseButtonRelease)
         return QObject::eventFilter(watched, event);
     const auto* const mouse = static_cast<QMouseEvent*>(event);
     const QModelIndex index = m_pView->indexAt(mouse->position().toPoint());
-    if (mouse->button() == Qt::LeftButton && index.isValid() && index.column() == m_iColumn) {
-        if (event->type() == QEvent::MouseButtonDblClick)
-            m_pressed = index;
-        else if (std::exchange(m_pressed, QPersistentModelIndex()) == index)
+    const QModelIndex second = std::exchange(m_second, QPersistentModelIndex());
+    if (event->type() == QEvent::MouseButtonRelease) {
+        if (mouse->button() == Qt::LeftButton && index.isValid() && index.column() == m_iColumn && index == second)
             emit m_pView->clicked(index);
+    } else if (event->type() == QEvent::MouseButtonPress || m_first != index) {
+        // A second press on another cell, or one whose first was elsewhere, is a first one for the view.
+        m_first = index;
     } else {
-        m_pressed = QPersistentModelIndex();
+        m_second = index;
     }
     return QObject::eventFilter(watched, event);
 }

@@ -22,5 +22,6 @@ public:
 private:
     QAbstractItemView* const m_pView;
     const int m_iColumn;
-    QPersistentModelIndex m_pressed;
+    QPersistentModelIndex m_first;  // pressed first, as the view knows it
+    QPersistentModelIndex m_second; // pressed again, which the view does not count
 };
