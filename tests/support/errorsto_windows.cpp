@@ -9,7 +9,7 @@
 #include <io.h>
 #include <windows.h>
 
-// There are two of it: the system's handle, and the descriptor of the compiler's runtime, which has one of its own.
+// Redirects both: the system's handle, and the C runtime's descriptor.
 
 namespace {
 

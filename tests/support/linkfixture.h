@@ -15,7 +15,7 @@
 #include <functional>
 #include <memory>
 
-/// Remembers what it is told and reads what comes, unless a hook takes that over.
+/// Records all events and reads received data, unless a hook handles them.
 class RecordingCallback : public IInterfaceCallback
 {
 public:
@@ -111,7 +111,7 @@ inline bool HasIPv6()
     return probe.listen(QHostAddress(QHostAddress::LocalHostIPv6));
 }
 
-/// A port that nobody has on either loopback address.
+/// A port that is free on both loopback addresses.
 inline quint16 FreePort()
 {
     for (;;) {
@@ -136,7 +136,7 @@ class TestServer
 public:
     explicit TestServer(quint64 number = 0)
     {
-        // Somebody else may be quicker to take the port.
+        // Another program may take the port first.
         for (int attempt = 0; !server && attempt < 10; ++attempt) {
             port = FreePort();
             server = Create(QStringLiteral("TCP::%1").arg(port), callback, number);
@@ -155,7 +155,7 @@ public:
     std::unique_ptr<IInterface> server;
 };
 
-/// One who begins to call; whether anybody answers shows later.
+/// A socket that has started to connect; the result comes later.
 inline std::unique_ptr<QTcpSocket> CallerOf(quint16 port,
                                             const QHostAddress& address = QHostAddress(QHostAddress::LocalHost))
 {
@@ -164,8 +164,8 @@ inline std::unique_ptr<QTcpSocket> CallerOf(quint16 port,
     return caller;
 }
 
-/// Runs the event loop until `condition` holds, without a pause in between: for conditions that are waited for a
-/// thousand times.
+/// Runs the event loop until `condition` is true, and checks it after every event. Faster than QTest::qWaitFor, for
+/// tests that wait thousands of times.
 template <typename Condition>
 bool WaitUntil(Condition condition)
 {
