@@ -1,29 +1,29 @@
 # vexel_add_test(NAME <name> [SOURCES <files>] [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>]
 #                [ALONE <why>] [XVFB] [WINDOW] [RESOURCE_LOCK <names>] [UNIX_ONLY <why>])
 #
-# One Qt Test class and its ctest entry. The source file of the class has the first place in SOURCES, and is <name>.cpp
-# unless SOURCES says otherwise. The classes of a folder share an executable, tests_<folder>, whose first argument names
-# the file of the class to run (tests/support/testmain.h). ALONE says why a class must have an executable to itself.
+# Adds a Qt Test class and its ctest entry. The first file in SOURCES contains the class; the default is <name>.cpp. The
+# classes of a folder share an executable, tests_<folder>, whose first argument names the file of the class to run
+# (tests/support/testmain.h). ALONE gives the class a separate executable, and says why it needs one.
 #
-# Each entry has its own configuration, data and home folders under the build folder, so that no test meets the user's
-# files, and runs on the offscreen platform. XVFB runs it in a real window under a virtual X server and window manager
-# instead. DEPENDS names targets that the test starts or loads at run time. Tests that name the same RESOURCE_LOCK, such
-# as a port that the product fixes, never run at the same time.
+# Each entry runs on the offscreen platform and has its own configuration, data and home folders in the build folder, so
+# that no test touches the user's files. XVFB runs it in a real window instead, on a virtual X server with a window
+# manager. DEPENDS names targets that the test starts or loads at run time. Tests with the same RESOURCE_LOCK, such as
+# the product's fixed port, never run at the same time.
 #
-# For each entry, the target build_<name> builds all that it needs; so does vexel_entry_needs(<name> <targets>) for
-# entries that are no Qt Test classes. `./test -R <name>` builds these targets.
+# For each entry, the target build_<name> builds everything that the entry needs. For entries without a Qt Test class,
+# vexel_entry_needs(<name> <targets>) adds this target. `./test -R <name>` builds these targets.
 #
-# WINDOW is for tests of windows: those for Windows run a second time in real windows, as <name>_desktop, with the label
-# "desktop". Such a run needs a display, which windows/test gives to all of them together.
+# WINDOW is for tests of windows. On Windows they run a second time in real windows, as <name>_desktop, with the label
+# "desktop". Such a run needs a display, which windows/test starts once for all of them.
 #
-# UNIX_ONLY is for tests of what other systems do not have, or have no way to bring about: elsewhere they are not built,
-# and windows/test lists them with what <why> says, which also names the tests that look after the same there.
+# UNIX_ONLY is for tests that other systems do not support. They are not built there, and windows/test lists them with
+# <why>, which also names the tests that cover the rest on Windows.
 #
-# Half of the time that a test takes to compile goes into the headers of Qt: all tests read them from one precompiled
-# header, and all link the same parts of Qt, since these decide what the headers hold; the macros by which Qt Test tells
-# each test its own folders would keep them from that, and nothing uses them. -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON shows
-# whether a test includes all that it uses. What is tested is optimised as it is for users; the tests themselves would
-# take longer to optimise than to run.
+# Qt's headers take half of a test's compile time. All tests therefore share one precompiled header and link the same Qt
+# modules, since these determine the headers' content. Qt Test would define macros with the folders of each test, which
+# prevents sharing; they are removed, and no test uses them. -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON shows whether a test
+# includes everything it uses. Tests are not optimised, which would take longer than running them; the product's code is
+# optimised as it is for users.
 set(VEXEL_TEST_OPTIONS $<$<CXX_COMPILER_ID:GNU,Clang>:-O0>)
 set(VEXEL_TEST_LIBRARIES vexel_options Qt6::Test Qt6::Widgets Qt6::Network Qt6::Xml)
 
@@ -39,7 +39,7 @@ function(vexel_use_test_headers target)
     endif()
     target_compile_options(${target} PRIVATE ${VEXEL_TEST_OPTIONS})
     target_precompile_headers(${target} REUSE_FROM ${headers})
-    # A test includes what moc makes of it, so that this is empty.
+    # Each test includes the output of moc itself, so this file is empty.
     set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp PROPERTIES
         SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
@@ -77,7 +77,7 @@ function(vexel_add_test)
     target_sources(${executable} PRIVATE ${arg_SOURCES})
     target_link_libraries(${executable} PRIVATE ${arg_LIBRARIES})
     target_compile_definitions(${executable} PRIVATE ${arg_DEFINITIONS})
-    # Sources of the product that are built into a test are compiled, and checked, as they are in the product.
+    # Product sources in a test are compiled as in the product, without the precompiled header.
     foreach(source IN LISTS arg_SOURCES)
         if(IS_ABSOLUTE ${source})
             set_source_files_properties(${source} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
@@ -89,7 +89,7 @@ function(vexel_add_test)
     cmake_path(GET class STEM class)
     set(timeout 300)
     if(CMAKE_CROSSCOMPILING)
-        # Under Wine to start a process takes a hundred times as long.
+        # Under Wine, starting a process takes a hundred times as long.
         set(timeout 1200)
     endif()
     set(home ${PROJECT_BINARY_DIR}/tests/home/${arg_NAME})
@@ -99,9 +99,9 @@ function(vexel_add_test)
             COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with-xvfb $<TARGET_FILE:${executable}> ${class}
         )
         set(platform xcb)
-        # The X keyboard library copies texts that end with their buffer, which is right and yet fails the strict check.
+        # The X keyboard library copies strings without a terminating null: correct, but it fails the check.
         set(strict_strings 0)
-        # The longest ones. ctest starts the tests of the highest cost first, so that they do not run alone at the end.
+        # These take longest. ctest starts tests with a high cost first, so that they do not run alone at the end.
         set(cost 60)
     else()
         add_test(NAME ${arg_NAME} COMMAND ${executable} ${class})
@@ -123,7 +123,7 @@ function(vexel_add_test)
     if(WIN32 AND arg_WINDOW)
         add_test(NAME ${arg_NAME}_desktop COMMAND ${executable} ${class})
         vexel_entry_needs(${arg_NAME}_desktop build_${arg_NAME})
-        # One window at a time has the keyboard.
+        # Only one window at a time has the keyboard focus.
         set_tests_properties(${arg_NAME}_desktop PROPERTIES
             TIMEOUT ${timeout}
             LABELS desktop

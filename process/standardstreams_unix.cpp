@@ -9,7 +9,7 @@ namespace StandardStreams {
 
 void Prepare()
 {
-    // The call that it would come from fails instead. What somebody else arranged for stays.
+    // Writing to a closed pipe then fails with EPIPE instead of ending the process. An existing handler is kept.
     struct sigaction action = {};
     if (::sigaction(SIGPIPE, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
         return;

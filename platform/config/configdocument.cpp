@@ -124,7 +124,7 @@ bool ConfigDocument::Save()
 
     if (const auto& quarantined = transaction.Quarantined()) {
         const DocumentReading& before = transaction.Before();
-        m_notice = QStringLiteral("%1 %2, quarantined as %3; what was known of it is saved in its place")
+        m_notice = QStringLiteral("%1 %2, quarantined as %3; its last known content is saved in its place")
                        .arg(m_file,
                             before.state == DocumentReading::State::Damaged
                                 ? QStringLiteral("is damaged (%1)").arg(before.error)

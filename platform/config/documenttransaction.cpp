@@ -55,7 +55,7 @@ bool DocumentTransaction::Quarantine()
 {
     if (!m_quarantined)
         m_quarantined = QuarantineDocument(m_file);
-    return m_quarantined || Fail("what is in its place can neither be read nor moved aside");
+    return m_quarantined || Fail("the existing file or folder can neither be read nor moved aside");
 }
 
 bool DocumentTransaction::KeepBefore(VersionPolicy policy)
@@ -84,7 +84,7 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
             return false;
         break;
     case DocumentReading::State::Unavailable:
-        return Fail("the file that is there cannot be read at the moment");
+        return Fail("the existing file cannot be read at the moment");
     }
     return ReplaceDocument(m_file, content) || Fail("the file cannot be written");
 }

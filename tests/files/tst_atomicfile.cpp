@@ -37,7 +37,7 @@ void TestAtomicFile::writesNothingInPlaceOfWhatIsNoFile()
     const QString folder = directory.filePath(QStringLiteral("folder"));
     const QString missing = directory.filePath(QStringLiteral("missing/list.xml"));
     QCOMPARE(ReplaceRegularFile(folder, "<a/>"), QStringLiteral("not a regular file"));
-    // It says why; there would be room.
+    // The error is not about disk space.
     const QString error = ReplaceRegularFile(missing, "<a/>");
     QVERIFY2(!error.isEmpty() && !error.contains(QLatin1String("room")), qPrintable(error));
     QVERIFY(QFileInfo(folder).isDir());

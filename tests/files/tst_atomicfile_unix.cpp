@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// Files where a process can be kept from writing large ones, links and pipes.
+/// Full disks, links and pipes.
 class TestAtomicFileUnix : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ private slots:
         const QString target = directory.filePath(QStringLiteral("target.xml"));
         const QString link = directory.filePath(QStringLiteral("list.xml"));
         QVERIFY(QFile::link(target, link));
-        // At first it leads to nothing.
+        // At first the target does not exist.
         for (const char* content : {"<a/>", "<b/>"}) {
             QCOMPARE(ReplaceRegularFile(link, content), QString());
             QVERIFY(QFileInfo(link).isSymbolicLink());

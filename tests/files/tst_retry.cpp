@@ -10,8 +10,8 @@ class TestRetry : public QObject
 private slots:
     void repeatsWhileBusy_data()
     {
-        QTest::addColumn<int>("held"); // attempts that are busy
-        QTest::addColumn<int>("last"); // result of the next attempt
+        QTest::addColumn<int>("busy"); // number of busy attempts
+        QTest::addColumn<int>("last"); // result of the following attempt
         QTest::addColumn<bool>("isDone");
         QTest::addColumn<int>("attempts");
         QTest::newRow("first attempt") << 0 << int(Attempt::Done) << true << 1;
@@ -23,13 +23,13 @@ private slots:
     }
     void repeatsWhileBusy()
     {
-        QFETCH(int, held);
+        QFETCH(int, busy);
         QFETCH(int, last);
         QFETCH(int, attempts);
         int count = 0;
         const bool isDone = Retry([&] {
             ++count;
-            return count <= held ? Attempt::Busy : static_cast<Attempt>(last);
+            return count <= busy ? Attempt::Busy : static_cast<Attempt>(last);
         });
         QTEST(isDone, "isDone");
         QCOMPARE(count, attempts);

@@ -96,7 +96,7 @@ private:
     {
         return std::make_unique<ApplicationInstance>(program, arguments, QDir::currentPath(), Connection());
     }
-    /// Starts one and waits until it has said so. Null when it does not come up.
+    /// Starts an instance and waits for its report. Returns null if it does not start.
     std::unique_ptr<ApplicationInstance> RunningInstance(const char* mode, TestChild::Report* report = nullptr)
     {
         m_pChild->Behave(mode);

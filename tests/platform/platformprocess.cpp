@@ -1,8 +1,8 @@
 // The second process of the tests. Commands:
 //   read STORE DOCUMENT NODE KEY      prints the value
-//   write STORE DOCUMENT PREFIX COUNT writes keys PREFIX0, PREFIX1, ... of the root, each with a save of its own
-//   rewrite STORE DOCUMENT COUNT      without end: gives COUNT keys of the root one new number, prints it, saves
-//   translate                         prints "Street" in the system's language, from the product's own folder
+//   write STORE DOCUMENT PREFIX COUNT writes keys PREFIX0, PREFIX1, ... of the root, and saves after each
+//   rewrite STORE DOCUMENT COUNT      endlessly: sets COUNT keys of the root to the next number, prints it, saves
+//   translate                         prints "Street" in the system's language, from the product's translations
 
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
@@ -39,7 +39,7 @@ int Write(const QString& document, const QString& prefix, int count)
     ICfg* const root = CfgCenter::CreateCfg(document, View::Shared, {});
     for (int i = 0; i < count; ++i) {
         root->SetString(prefix + QString::number(i), prefix, 0);
-        // Where many save without a pause one may find no gap in time; the document stays changed, so ask again.
+        // With many simultaneous writers, a save may time out. The document stays modified, so retry.
         int attempts = 1;
         while (!CfgCenter::SaveDocument())
             if (++attempts > kAttempts)

@@ -12,7 +12,7 @@
 
 #include <optional>
 
-/// A store of its own with one document that tests change and break.
+/// A temporary store with one document that tests change and damage.
 class StoreFixture
 {
 public:
@@ -22,7 +22,7 @@ public:
     StoreFixture(const StoreFixture&) = delete;
     StoreFixture& operator=(const StoreFixture&) = delete;
 
-    /// The document read anew.
+    /// Reopens the store, so that the document is read again.
     void Reopen() const { CfgCenter::Open(m_store.path()); }
 
     QString Path(const QString& name) const { return m_store.filePath(name); }
@@ -37,7 +37,7 @@ public:
         return CfgCenter::SaveDocument();
     }
 
-    /// The names of the quarantined copies of the document.
+    /// The names of the document's quarantined copies.
     QStringList Quarantined() const
     {
         return QDir(Path(QStringLiteral("shared"))).entryList({QStringLiteral("Document.json.damaged-*")});

@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-/// Turns traces on and keeps them, for as long as it lives.
+/// Enables traces and records them during its lifetime.
 class TraceRecorder
 {
 public:

@@ -27,7 +27,7 @@ std::unique_ptr<ICfg> Child(ICfg* node, const QString& name)
     return std::unique_ptr<ICfg>(node->OpenChild(name, 0));
 }
 
-/// Names that file formats and file systems like to trip over.
+/// Names that file formats and file systems often handle wrongly.
 void AddAwkwardNames(qsizetype longest)
 {
     QTest::addColumn<QString>("name");
@@ -38,7 +38,7 @@ void AddAwkwardNames(qsizetype longest)
     QTest::newRow("only a slash") << QStringLiteral("/");
     QTest::newRow("slashes") << QStringLiteral("//a//b//");
     QTest::newRow("backslash") << QStringLiteral("a\\b");
-    QTest::newRow("drive") << QStringLiteral("C:\\a/b");
+    QTest::newRow("drive letter") << QStringLiteral("C:\\a/b");
     QTest::newRow("dots") << QStringLiteral("..");
     QTest::newRow("parents") << QStringLiteral("../../a");
     QTest::newRow("percent") << QStringLiteral("%");
@@ -47,19 +47,19 @@ void AddAwkwardNames(qsizetype longest)
     QTest::newRow("brackets") << QStringLiteral("[a]");
     QTest::newRow("comment signs") << QStringLiteral(";#a");
     QTest::newRow("quotes") << QStringLiteral("\"a\"");
-    QTest::newRow("lines") << QStringLiteral("a\nb\r\nc");
+    QTest::newRow("line breaks") << QStringLiteral("a\nb\r\nc");
     QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("b");
     QTest::newRow("General") << QStringLiteral("General");
     QTest::newRow("general") << QStringLiteral("general");
     QTest::newRow("%General") << QStringLiteral("%General");
-    QTest::newRow("letters beyond the first plane") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
-    QTest::newRow("half a surrogate pair") << QStringLiteral("a") + QChar(0xDC00) + QStringLiteral("b");
+    QTest::newRow("characters beyond the BMP") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
+    QTest::newRow("unpaired surrogate") << QStringLiteral("a") + QChar(0xDC00) + QStringLiteral("b");
     QTest::newRow("long") << QString(longest, u'a');
 }
 
 } // namespace
 
-/// What callers see of the configuration, in memory and after a new start.
+/// The configuration's interface, in memory and after a restart.
 class TestCfgCenter : public QObject
 {
     Q_OBJECT
@@ -240,7 +240,7 @@ private slots:
         Document()->SetString(a, kValue, 0);
         Child(Document(), a)->SetString(kKey, kValue, 0);
         Child(Child(Document(), a).get(), a)->SetString(kKey, kValue, 0);
-        // Names that begin like it stay, as do keys of that name elsewhere.
+        // Nodes whose names only start with it remain, as do keys of that name in other nodes.
         const QStringList others{QStringLiteral("AB"), QStringLiteral("A/B"), QStringLiteral("A B"),
                                  QStringLiteral("a")};
         for (const QString& other : others) {
@@ -326,7 +326,7 @@ private slots:
             Document()->SetString(name, name + longest, 0);
             for (const QString& key : names)
                 Child(Document(), name)->SetString(key, name + key + longest, 0);
-            QVERIFY(CfgCenter::SaveDocument()); // one by one, so that each meets the earlier ones in the file
+            QVERIFY(CfgCenter::SaveDocument()); // one by one, so that the file already contains the earlier ones
         }
         Restart();
         for (const QString& name : names) {
@@ -342,7 +342,7 @@ private slots:
         QTest::newRow("empty") << QString();
         QTest::newRow("spaces around") << QStringLiteral("  a  ");
         QTest::newRow("only a space") << QStringLiteral(" ");
-        QTest::newRow("tabs and lines") << QStringLiteral("\ta\nb\r\nc\rd\t");
+        QTest::newRow("tabs and line breaks") << QStringLiteral("\ta\nb\r\nc\rd\t");
         QTest::newRow("commas") << QStringLiteral("a,b, c,,");
         QTest::newRow("comment signs") << QStringLiteral("; a # b ; c");
         QTest::newRow("equals signs, brackets") << QStringLiteral("=a=[b]=");
@@ -363,17 +363,17 @@ private slots:
                                                                             "f\u007f"
                                                                             "0\u0085"
                                                                             "a");
-        QTest::newRow("letters beyond the first plane") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
-        QTest::newRow("not characters") << QStringLiteral("\ufffe\uffff\ufffd");
-        QTest::newRow("byte order mark first") << QChar(0xFEFF) + QStringLiteral("a");
-        QTest::newRow("byte order mark within")
+        QTest::newRow("characters beyond the BMP") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
+        QTest::newRow("noncharacters") << QStringLiteral("\ufffe\uffff\ufffd");
+        QTest::newRow("leading byte order mark") << QChar(0xFEFF) + QStringLiteral("a");
+        QTest::newRow("byte order mark inside")
             << QStringLiteral("a") + QChar(0xFEFF) + QStringLiteral("b\nc") + QChar(0xFEFF);
-        QTest::newRow("half a surrogate pair") << QString(QChar(0xD83D));
-        QTest::newRow("the other half, amid text") << QStringLiteral("a\u00e4") + QChar(0xDCE1) + QStringLiteral("b");
-        QTest::newRow("half a pair and a null") << QString(QChar(0xD83D)) + QChar(0);
+        QTest::newRow("unpaired surrogate") << QString(QChar(0xD83D));
+        QTest::newRow("unpaired low surrogate in text")
+            << QStringLiteral("a\u00e4") + QChar(0xDCE1) + QStringLiteral("b");
+        QTest::newRow("unpaired surrogate and null") << QString(QChar(0xD83D)) + QChar(0);
         QTest::newRow("1 MB") << QString(1 << 20, u'x');
-        QTest::newRow("1 MB of letters that need escapes")
-            << QStringLiteral("\"\\,\u00e4\n\U0001F4E1").repeated(1 << 17);
+        QTest::newRow("1 MB of escaped characters") << QStringLiteral("\"\\,\u00e4\n\U0001F4E1").repeated(1 << 17);
         QTest::newRow("12 MB") << QStringLiteral("3c3f786d6c20").repeated(1 << 20);
     }
     void anyTextCanBeStored()
@@ -382,11 +382,11 @@ private slots:
         Document()->SetString(kKey, value, 0);
         Document()->SetString(QStringLiteral("Other"), kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(Document()->GetString(kKey, kNone, 0) == value); // no comparison printed: it may be long
+        QVERIFY(Document()->GetString(kKey, kNone, 0) == value); // not QCOMPARE: the text may be long
         Restart();
         QVERIFY(Document()->GetString(kKey, kNone, 0) == value);
         QCOMPARE(Document()->GetString(QStringLiteral("Other"), kNone, 0), kValue);
-        // And once more, through a file that had it already.
+        // Again, with a file that already contains it.
         Document()->SetString(QStringLiteral("Third"), kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
         Restart();
@@ -419,17 +419,17 @@ private slots:
 
     void anyDocumentNameStaysInsideTheStore_data()
     {
-        // Names of files end there.
+        // Longer names do not fit into a file name.
         AddAwkwardNames(200);
         QTest::newRow("device") << QStringLiteral("CON/nul/Com1");
-        QTest::newRow("folder named as a file") << QStringLiteral("a.json/b.json.lock/c");
+        QTest::newRow("folder named like a file") << QStringLiteral("a.json/b.json.lock/c");
         QTest::newRow("trailing dot and space") << QStringLiteral("a./b ");
         QTest::newRow("home") << QStringLiteral("~/a");
     }
     void anyDocumentNameStaysInsideTheStore()
     {
         QFETCH(QString, name);
-        // The store lies deep, so that what leaves it is still found.
+        // The store is in nested folders, so that the test finds files written outside it.
         const QString deep = m_store->filePath(QStringLiteral("1/2/3/4"));
         QVERIFY(CfgCenter::Open(deep));
         Document(name)->SetString(kKey, kValue, 0);

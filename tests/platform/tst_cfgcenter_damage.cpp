@@ -14,7 +14,7 @@ namespace {
 
 const QString kText = QStringLiteral("Text");
 
-/// Keeps what people are told, for as long as it lives.
+/// Records the notices for the user during its lifetime.
 class Notices
 {
 public:
@@ -32,7 +32,7 @@ public:
 
 } // namespace
 
-/// A document that cannot be read when it is first asked for.
+/// Documents that cannot be read at their first use.
 class TestCfgCenterDamage : public QObject
 {
     Q_OBJECT
@@ -52,7 +52,7 @@ private slots:
         Notices notices;
         const TraceRecorder traces;
         m_store->Reopen();
-        QVERIFY(notices.lines.isEmpty()); // nobody has asked for it
+        QVERIFY(notices.lines.isEmpty()); // the document has not been used yet
         QCOMPARE(m_store->Number(), 2);
         QCOMPARE(Files::Read(m_store->Document()), version);
         QCOMPARE(m_store->Quarantined().size(), 1);
@@ -68,7 +68,7 @@ private slots:
         QCOMPARE(traces.Messages().size(), 1);
         QVERIFY(traces.Messages().front().contains(line));
 
-        // It is a document like any other from then on, and what it came from is no second version.
+        // From now on it is a normal document, and the version it was recovered from is not listed twice.
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 2);
         QCOMPARE(notices.lines.size(), 1);
@@ -125,7 +125,7 @@ private slots:
         int numberThen = 0;
         CfgCenter::SetNoticeSink([&](const QString& line) {
             lines += line;
-            numberThen = m_store->Number(); // may ask for what it is told of
+            numberThen = m_store->Number(); // the sink may read the document
         });
         m_store->Reopen();
         m_store->Root();
@@ -137,7 +137,7 @@ private slots:
 
         QVERIFY(Files::Write(m_store->Document(), "damage"));
         m_store->Reopen();
-        QCOMPARE(m_store->Number(), 1); // with nobody to tell
+        QCOMPARE(m_store->Number(), 1); // without a sink
         QCOMPARE(lines.size(), 2);
     }
 
@@ -215,7 +215,7 @@ private slots:
         QVERIFY(QFileInfo(m_store->Document()).isFile());
     }
 
-    // A version is shown, and what is in the file cannot be lost.
+    // A version is loaded, and the damaged file is never overwritten.
     void damagedDocumentIsNotReplacedUnlessQuarantined()
     {
         QVERIFY(m_store->Save(1));
@@ -239,7 +239,7 @@ private slots:
         QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
         QVERIFY(m_store->Quarantined().isEmpty());
 
-        // Once it is gone there is nothing to lose, and all that is shown is saved.
+        // When the file is gone, saving writes the complete loaded content.
         m_store->Root()->SetString(kText, kText, 0);
         QVERIFY(QFile::remove(m_store->Document()));
         QVERIFY(CfgCenter::SaveDocument());
@@ -272,7 +272,7 @@ private slots:
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), kText);
     }
 
-    // Emptied while it is open: the working copy knows all.
+    // The working copy still has the complete content.
     void fileEmptiedWhileOpenIsWrittenCompletely()
     {
         m_store->Root()->SetString(kText, kText, 0);

@@ -40,7 +40,7 @@ std::optional<QByteArray> ReadFile(const QString& path)
 
 } // namespace
 
-/// What becomes of the store's files: when they are written, when not, and what is done about bad ones.
+/// The store's files: when they are written, and how damaged ones are handled.
 class TestCfgCenterFiles : public QObject
 {
     Q_OBJECT
@@ -92,7 +92,7 @@ private slots:
         QVERIFY(traces.Messages().front().endsWith(CfgCenter::OpenError()));
         QCOMPARE(ReadFile(m_store->filePath(QStringLiteral("file"))), QByteArray("content"));
 
-        // As after Close: in memory.
+        // As after Close, the configuration is in memory only.
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -175,7 +175,7 @@ private slots:
         Document()->SetInt(QStringLiteral("Number"), 1, 0);
         Document()->SetBool(QStringLiteral("Truth"), true, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(QFile::remove(DocumentFile())); // a save would bring it back
+        QVERIFY(QFile::remove(DocumentFile())); // a save would create it again
 
         Document()->SetString(kKey, kValue, 0);
         Document()->SetInt(QStringLiteral("Number"), 1, 0);
@@ -215,7 +215,7 @@ private slots:
         Document()->SetString(kKey, kOther, 0);
         Document()->SetString(kOther, kOther, 0);
 
-        // Another process that hangs while it saves.
+        // As if another process hung while saving.
         auto lock = std::make_unique<FileLock>();
         QString error;
         QCOMPARE(lock->TryLock(DocumentFile() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
@@ -227,7 +227,7 @@ private slots:
         }
         QCOMPARE(ReadFile(DocumentFile()), before);
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kOther);
-        // It did not keep the other documents from their files.
+        // The other documents were saved.
         QVERIFY(QFile::exists(m_store->filePath(QStringLiteral("user/@application.json"))));
 
         lock.reset();
@@ -291,7 +291,7 @@ private slots:
             QFile::exists(m_store->filePath(QStringLiteral("shared/") + aside.front() + QStringLiteral("/inside"))));
     }
 
-    // The working copy still knows what was stored, and it is saved again as if the document were damaged.
+    // The working copy still has the stored content, which is saved again as for a damaged document.
     void folderThatAppearsLaterIsQuarantined()
     {
         Child(kOther)->SetString(kKey, kValue, 0);
@@ -318,7 +318,7 @@ private slots:
         QVERIFY(traces.Messages().front().contains(notices.front()));
 
         QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(traces.Messages().size(), 1); // told of once
+        QCOMPARE(traces.Messages().size(), 1); // reported only once
         QVERIFY(CfgCenter::Open(m_store->path()));
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
         QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
@@ -355,7 +355,7 @@ private slots:
         QVERIFY(traces.Messages().isEmpty());
     }
 
-    // The lock of a process that was killed.
+    // A killed process leaves its lock file behind.
     void leftoverLockIsNoObstacle()
     {
         Document()->SetString(kKey, kValue, 0);
@@ -370,7 +370,7 @@ private slots:
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("comment") << QByteArray("{\n// mast\n\"values\": {\"Key\": \"Value\"}}");
         QTest::newRow("trailing comma") << QByteArray("{\"values\": {\"Key\": \"Value\",}}");
-        QTest::newRow("null bytes behind it") << QByteArray("{\"values\": {}}\0\0\0\0", 18);
+        QTest::newRow("trailing null bytes") << QByteArray("{\"values\": {}}\0\0\0\0", 18);
         QTest::newRow("only null bytes") << QByteArray(4096, '\0');
         QTest::newRow("another encoding") << QByteArray("{\"values\": {\"Key\": \"Stra\xdf"
                                                         "e\"}}");
@@ -378,8 +378,8 @@ private slots:
         QTest::newRow("a program") << QByteArray("\x7f"
                                                  "ELF\x02\x01\x01\n\xde\xad\xbe\xef");
         QTest::newRow("another format") << QByteArray("<?xml version='1.0'?>\n<Key>\nValue\n</Key>\n");
-        QTest::newRow("JSON of another form") << QByteArray("{\"Key\": \"Value\"}");
-        QTest::newRow("value that is no text") << QByteArray("{\"values\": {\"Key\": []}}");
+        QTest::newRow("JSON of another structure") << QByteArray("{\"Key\": \"Value\"}");
+        QTest::newRow("value that is not a string") << QByteArray("{\"values\": {\"Key\": []}}");
     }
     void damagedFilesAreQuarantined()
     {
@@ -418,7 +418,7 @@ private slots:
         QCOMPARE(contents.size(), kTimes);
     }
 
-    // The working copy still knows what was in the file: it comes back whole, not just what was changed.
+    // The working copy still has the file's content: everything is restored, not only the changes.
     void fileDamagedWhileOpenIsQuarantinedAndRewritten()
     {
         Document()->SetString(kKey, kValue, 0);
@@ -469,7 +469,7 @@ private slots:
         QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
     }
 
-    // Same size, and within one tick of the clock that stamps files: nothing but the content tells.
+    // With the same size and time stamp, only the content shows the change.
     void foreignChangeWithSameSizeAndTimeIsNoticed()
     {
         Document()->SetString(kKey, QStringLiteral("1"), 0);
@@ -492,7 +492,7 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), QStringLiteral("3"));
     }
 
-    // Names that people give to copies of their own, and that programs make of a file's name.
+    // Names that users give to copies, and that programs derive from a file name.
     void foreignFilesStay()
     {
         QStringList names;
@@ -529,7 +529,7 @@ private slots:
         QCOMPARE(SharedFiles(), expected);
     }
 
-    // Left as they are by a process that is killed between its steps; tst_savekills makes them by killing.
+    // A process killed while saving leaves such files; tst_savekills really kills processes.
     void leftoversOfKilledProcessesAreRemoved()
     {
         Document()->SetString(kKey, kOther, 0);

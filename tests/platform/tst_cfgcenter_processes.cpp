@@ -31,7 +31,7 @@ std::unique_ptr<ICfg> Child(const QString& name)
 
 } // namespace
 
-/// Several processes on one store.
+/// Several processes using one store.
 class TestCfgCenterProcesses : public QObject
 {
     Q_OBJECT
@@ -71,7 +71,7 @@ private slots:
         QVERIFY(WriteElsewhere(QStringLiteral("Theirs"), 2));
         QVERIFY(WriteElsewhere(QStringLiteral("Both"), 2));
 
-        // Until the next save the working copy is the caller's own.
+        // Changes of other processes appear with the next save.
         QCOMPARE(Document()->GetString(QStringLiteral("Theirs0"), kNone, 0), kNone);
         Document()->SetString(QStringLiteral("Both1"), QStringLiteral("mine, and later"), 0);
         QVERIFY(CfgCenter::SaveDocument());
@@ -108,9 +108,9 @@ private slots:
             writers.push_back(Start({QStringLiteral("write"), Store(), kDocument, QStringLiteral("Writer%1-").arg(i),
                                      QString::number(kKeys)}));
         }
-        for (int i = 0; i < kKeys; ++i) { // and this one
+        for (int i = 0; i < kKeys; ++i) { // this process writes, too
             Document()->SetString(QStringLiteral("Here%1").arg(i), kValue, 0);
-            CfgCenter::SaveDocument(); // where the others leave no gap in time, with the next
+            CfgCenter::SaveDocument(); // may time out; then the next save includes the change
         }
         for (const auto& writer : writers)
             QVERIFY(IsDone(*writer));
@@ -126,7 +126,7 @@ private slots:
         }
         QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.json")}));
 
-        // And what they kept of each other's states is whole: every save added one key.
+        // The versions are complete, too: every save added one key.
         const ConfigVersions versions(View::Shared, kDocument);
         const QList<ConfigVersion> list = versions.List();
         QCOMPARE(list.size(), 10);
@@ -147,13 +147,13 @@ private slots:
         }
     }
 
-    // The process gives all keys one number, saves, and goes on with the next. At whatever moment it is killed, or the
-    // file is read, all numbers are the same, and no number that was saved is lost.
+    // The process sets all keys to one number, saves, and continues with the next number. Whenever it is killed or the
+    // file is read, all keys have the same number, and no saved number is lost.
     void killedProcessesLeaveAValidFile()
     {
         const int kills =
             qEnvironmentVariableIsSet("VEXEL_SAVE_KILLS") ? qEnvironmentVariableIntValue("VEXEL_SAVE_KILLS") : 30;
-        constexpr int kKeys = 600; // so that a save takes long enough to be hit
+        constexpr int kKeys = 600; // so that a kill hits the middle of a save
         int reached = 0;
         for (int kill = 0; kill < kills; ++kill) {
             const auto process = Start({QStringLiteral("rewrite"), Store(), kDocument, QString::number(kKeys)});
@@ -164,8 +164,8 @@ private slots:
                 announced = process->readLine().trimmed().toInt();
                 QVERIFY(announced > reached);
             }
-            // `announced` is being saved now, its predecessor is. Every pass reads some more before the kill, which
-            // moves the kill over the length of a save.
+            // `announced` is being saved, and its predecessor has been saved. A varying number of reads before the kill
+            // spreads the kills over the duration of a save.
             for (int reads = 0; reads < kill % 6; ++reads)
                 QVERIFY(IsWhole(kKeys, announced - 1));
             process->kill();
@@ -176,7 +176,7 @@ private slots:
             reached = Document()->GetInt(QStringLiteral("Key0"), 0, 0);
         }
 
-        // No lock is left that would keep others out, and nothing piles up.
+        // No lock blocks other processes, and no files accumulate.
         Document()->SetString(QStringLiteral("Last"), kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
         QCOMPARE(Files(), QStringList({QStringLiteral("ConnectData.json")}));
@@ -193,7 +193,7 @@ private:
     std::unique_ptr<QProcess> Start(const QStringList& arguments) const
     {
         auto process = std::make_unique<QProcess>();
-        // What a killed process leaves among the temporary files goes with the test.
+        // The test removes temporary files of killed processes.
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const QString& name : {QStringLiteral("TMPDIR"), QStringLiteral("TMP"), QStringLiteral("TEMP")})
             environment.insert(name, m_root->filePath(QStringLiteral("tmp")));
@@ -228,7 +228,7 @@ private:
         return IsDone(*process);
     }
 
-    /// Whether the document, read anew, has one number, at least `least`, in all of its `count` keys.
+    /// Reopens the document. Returns whether all `count` keys have the same number, which is at least `least`.
     bool IsWhole(int count, int least)
     {
         if (!CfgCenter::Open(Store()))

@@ -24,7 +24,7 @@ QList<ConfigVersion> Versions()
 
 } // namespace
 
-/// Saving where there is no room for what is to be saved.
+/// Saving on a full disk.
 class TestCfgCenterRoom : public QObject
 {
     Q_OBJECT
@@ -43,10 +43,10 @@ private slots:
     void fullDiskKeepsTheOldState_data()
     {
         QTest::addColumn<int>("missing"); // bytes
-        QTest::newRow("for anything") << 100000;
-        QTest::newRow("for most") << 2000;
-        QTest::newRow("for the last bytes") << 20;
-        QTest::newRow("for the last byte") << 1;
+        QTest::newRow("no space") << 100000;
+        QTest::newRow("space for a part") << 2000;
+        QTest::newRow("some bytes short") << 20;
+        QTest::newRow("one byte short") << 1;
     }
     void fullDiskKeepsTheOldState()
     {
@@ -66,7 +66,7 @@ private slots:
         QCOMPARE(Names(), m_names);
         QCOMPARE(Versions().size(), 1);
 
-        // With room it goes on as if nothing had been.
+        // With enough space, saving works again.
         const FileSizeLimit limit(needed);
         QVERIFY(CfgCenter::SaveDocument());
         QCOMPARE(QFileInfo(m_store->Document()).size(), needed);
@@ -92,7 +92,7 @@ private slots:
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
     }
 
-    // The version is used all the same, and put in its place by the next save that can.
+    // The version is used anyway, and the next successful save writes it.
     void versionIsUsedWhereItCannotBeWritten()
     {
         QVERIFY(m_store->Save(3));
@@ -110,7 +110,7 @@ private slots:
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
     }
 
-    // Neither in the store nor anywhere else.
+    // Neither in the store nor in the folder for temporary files.
     void readingNeedsNoDiskSpace()
     {
         const QByteArray formerPlace = qgetenv("TMPDIR");
@@ -128,13 +128,13 @@ private slots:
             QCOMPARE(m_store->Number(versions.OpenCurrent().get()), 2);
             QVERIFY2(traces.Messages().isEmpty(), qPrintable(traces.Messages().join(u'\n')));
         }
-        // Nor does writing, but in the store.
+        // Writing needs space only in the store.
         QVERIFY(m_store->Save(3));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
     }
 
-    // A process that does not ignore the signal ends in the middle of writing.
+    // The process does not ignore SIGXFSZ, so exceeding the file size limit kills it in the middle of writing.
     void nextSaveRemovesLeftoversOfAKilledProcess()
     {
         {
@@ -149,7 +149,7 @@ private slots:
         }
         const QDir folder(m_store->Path(QStringLiteral("shared")));
         const QStringList unfinished{QStringLiteral(".unfinished-*")};
-        // The system may have let what was not finished have no name at all.
+        // The system may support unnamed temporary files.
         QVERIFY(folder.entryList(unfinished, QDir::Files | QDir::Hidden).size() <= 1);
         QCOMPARE(Names().filter(QStringLiteral(".lock")).size(), 1);
         QVERIFY(m_store->Save(3));
@@ -179,7 +179,7 @@ private slots:
     }
 
 private:
-    /// Everything in the store, the lock of no one included.
+    /// All names in the store, including lock files left behind.
     QStringList Names() const
     {
         QStringList names = QDir(m_store->Path(QStringLiteral("shared"))).entryList(QDir::AllEntries | QDir::Hidden);

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// While it lives, this process can open no file.
+/// Prevents this process from opening files during its lifetime.
 class NoMoreFiles
 {
 public:
@@ -39,8 +39,8 @@ private:
 
 } // namespace
 
-/// Documents among what only the file systems of Unix have for everybody: symbolic links, and rights that hold for the
-/// owner as well.
+/// Documents and features of Unix file systems: symbolic links, pipes, sparse files, and permissions that restrict the
+/// owner.
 class TestCfgCenterUnix : public QObject
 {
     Q_OBJECT
@@ -119,7 +119,7 @@ private slots:
         QVERIFY(!isOpen);
     }
 
-    // A pipe keeps whoever opens it waiting for its other end.
+    // Opening a pipe blocks until the other end is opened.
     void pipeInPlaceOfTheLockDoesNotBlock()
     {
         QVERIFY(m_store->Save(1));
@@ -167,7 +167,7 @@ private slots:
         QCOMPARE(QFileInfo(QuarantinedFile()).size(), kHuge);
         QVERIFY(!Versions().Restore(newest));
         QVERIFY(m_store->Save(4));
-        // And while it is open.
+        // The same while the document is open.
         QVERIFY(document.resize(kHuge));
         QVERIFY(m_store->Save(5));
         QCOMPARE(m_store->Quarantined().size(), 2);
@@ -175,7 +175,7 @@ private slots:
         QCOMPARE(m_store->Number(), 5);
     }
 
-    // What is not known is neither shown as if there were nothing, nor replaced.
+    // The document is neither treated as empty nor overwritten.
     void temporarilyUnreadableDocumentIsReportedAndKept()
     {
         ICfg* const own = CfgCenter::GetAppCfg(View::Application);
@@ -215,7 +215,7 @@ private slots:
         QCOMPARE(m_store->Number(CfgCenter::GetAppCfg(View::Application)), 2);
     }
 
-    // What is there and gives no bytes.
+    // Files that exist but cannot be read.
     void readErrorsAreNotDamage()
     {
         QVERIFY(m_store->Save(1));
@@ -238,7 +238,7 @@ private:
         return m_store->Path(QStringLiteral("shared/")) + m_store->Quarantined().value(0);
     }
 
-    /// What the document's versions hold, newest first.
+    /// The numbers in the document's versions, newest first; -2 for a version that cannot be read.
     static QList<int> VersionNumbers()
     {
         QList<int> numbers;

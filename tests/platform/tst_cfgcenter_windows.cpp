@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Has a file open as a virus scanner or an editor does that lets nobody replace it.
+/// Keeps a file open so that it cannot be replaced, like a virus scanner or an editor.
 class Holder
 {
 public:
@@ -38,7 +38,7 @@ private:
 
 } // namespace
 
-/// Documents where other programs can keep a file from being replaced or read.
+/// Documents that other programs keep open, which prevents replacing or reading them.
 class TestCfgCenterWindows : public QObject
 {
     Q_OBJECT
@@ -55,7 +55,7 @@ private slots:
     {
         Holder holder(m_store->Document());
         QVERIFY(holder.Holds());
-        // Held when saving begins, and for less long than it is tried.
+        // Open when saving starts, but closed before the last attempt.
         std::thread other([&] {
             Sleep(100);
             holder.LetGo();
@@ -76,7 +76,7 @@ private slots:
             QVERIFY(!m_store->Save(2));
             QCOMPARE(Files::Read(m_store->Document()), content);
         }
-        // Nothing is lost, and nothing is left.
+        // No change is lost, and no temporary file remains.
         QVERIFY(CfgCenter::SaveDocument());
         const QStringList files = QDir(m_store->Path(QStringLiteral("shared"))).entryList(QDir::Files | QDir::Hidden);
         QCOMPARE(files, QStringList(QStringLiteral("Document.json")));

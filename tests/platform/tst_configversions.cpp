@@ -22,7 +22,7 @@ ConfigVersions Versions()
     return {View::Shared, QStringLiteral("Document")};
 }
 
-/// What the document's versions hold, newest first; -2 for one that cannot be read.
+/// The numbers in the document's versions, newest first; -2 for a version that cannot be read.
 QList<int> Numbers()
 {
     QList<int> numbers;
@@ -131,7 +131,7 @@ private slots:
         QCOMPARE(Numbers(), QList<int>({9, 1}));
     }
 
-    // What a process leaves that is killed between keeping the document and replacing it.
+    // A process killed after adding the version but before replacing the document leaves such a link.
     void linkToTheDocumentItselfIsNotListed()
     {
         QVERIFY(m_store->Save(1));
@@ -356,7 +356,7 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 2);
 
-        // And back again.
+        // Restoring can be undone.
         QVERIFY(Versions().Restore(Versions().List().front()));
         QCOMPARE(Numbers(), QList<int>({2, 4, 3, 2, 1}));
         m_store->Reopen();
@@ -427,14 +427,14 @@ private slots:
         QCOMPARE(traces.Messages().size(), 1);
         lock.reset();
 
-        // What would be replaced cannot be kept.
+        // The current document cannot be saved as a version.
         const ConfigVersion elsewhere{m_store->Path(QStringLiteral("elsewhere.json")), version.saved};
         QVERIFY(QFile::copy(version.file, elsewhere.file));
         const QString away = m_store->Path(QStringLiteral("away"));
         QVERIFY(QFile::rename(m_store->Versions(), away));
         QVERIFY(Files::Write(m_store->Versions(), "in the way"));
         QVERIFY(!Versions().Restore(elsewhere));
-        QCOMPARE(traces.Messages().size(), 3); // both what failed and why
+        QCOMPARE(traces.Messages().size(), 3); // what failed, and why
         QVERIFY(QFile::remove(m_store->Versions()));
         QVERIFY(QFile::rename(away, m_store->Versions()));
 

@@ -12,7 +12,7 @@ using DocumentText::Write;
 
 namespace {
 
-/// Texts of characters that encodings, JSON and Qt's reader treat specially, mixed with any others.
+/// Random texts, with many characters that encodings, JSON and Qt's reader treat specially.
 QString RandomText(QRandomGenerator& random)
 {
     constexpr char16_t kSpecial[] = {0,      1,      u'\n',  u'"',   u'%',   u'/',   u'\\',  u'u',   0x7f,   0x80,
@@ -102,13 +102,13 @@ private slots:
                                         << QStringLiteral("line 4: ");
         QTest::newRow("missing comma") << QByteArray("{\n  \"values\": {\n    \"a\": \"1\"\n    \"b\": \"2\"\n  }\n}")
                                        << QStringLiteral("line ");
-        QTest::newRow("text behind it") << QByteArray("{\n  \"values\": {}\n}\n}") << QStringLiteral("line 4: ");
+        QTest::newRow("text after the end") << QByteArray("{\n  \"values\": {}\n}\n}") << QStringLiteral("line 4: ");
         QTest::newRow("not UTF-8") << QByteArray("{\"values\": {\n\"a\": \"\xff\"}}") << QStringLiteral("line 2: ");
-        QTest::newRow("zeros in a text") << QByteArray("{\"values\": {\n\"a\": \"b\0\0\"}}", 25)
-                                         << QStringLiteral("line 2: ");
+        QTest::newRow("null bytes in a string")
+            << QByteArray("{\"values\": {\n\"a\": \"b\0\0\"}}", 25) << QStringLiteral("line 2: ");
         QTest::newRow("array") << QByteArray("[]") << QStringLiteral("there is no object \"values\"");
         QTest::newRow("no values") << QByteArray("{}") << QStringLiteral("there is no object \"values\"");
-        QTest::newRow("values is a text")
+        QTest::newRow("values is a string")
             << QByteArray(R"({"values": "a"})") << QStringLiteral("there is no object \"values\"");
         QTest::newRow("null") << QByteArray(R"({"values": {"a": null}})") << QStringLiteral("the value of \"a\" is ");
         QTest::newRow("object") << QByteArray(R"({"values": {"a": {}}})") << QStringLiteral("the value of \"a\" is ");

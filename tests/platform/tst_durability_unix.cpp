@@ -10,7 +10,7 @@
 
 #include <optional>
 
-/// Whether what is saved outlasts a loss of power: as far as the system is asked for that, in the right order.
+/// Checks the order of sync and rename calls, so that saved documents survive a power failure.
 class TestDurability : public QObject
 {
     Q_OBJECT
@@ -48,7 +48,7 @@ private slots:
         QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("a"))) >= 0);
         QVERIFY(DiskRequests::FirstSyncOf(store) < 0);
         Save(1);
-        QVERIFY(DiskRequests::FirstSyncOf(store) >= 0); // holds "shared"
+        QVERIFY(DiskRequests::FirstSyncOf(store) >= 0); // contains "shared"
         DiskRequests::Forget();
         Save(2);
         QVERIFY(DiskRequests::FirstSyncOf(store) < 0);

@@ -27,7 +27,7 @@ void Keep(QtMsgType type, const QMessageLogContext& context, const QString& mess
         {type, QString::fromUtf8(context.category), message, QString::fromUtf8(context.file), context.line});
 }
 
-/// Everything that Qt logs, for as long as it lives.
+/// Records everything that Qt logs during its lifetime.
 class LogRecorder
 {
 public:
@@ -102,7 +102,7 @@ private slots:
         QCOMPARE(reports[1].line, quint16(0));
     }
 
-    // The places that report ask for the mask. What they then report arrives.
+    // Callers check the mask before reporting. The handler forwards every report.
     void reportsAreForwardedWhateverTheMask()
     {
         ErrorHandler::Instance().SetEnabledKinds(0);
@@ -130,11 +130,11 @@ private slots:
         QTest::newRow("plain") << QStringLiteral("A::B(): Could not open /x for reading");
         QTest::newRow("empty") << QString();
         QTest::newRow("percent signs") << QStringLiteral("100% %s %n %1 %{type} %%");
-        QTest::newRow("quotes, tabs, lines") << QStringLiteral("\"a\"\t\\b\n<c>\r\n");
+        QTest::newRow("quotes, tabs, line breaks") << QStringLiteral("\"a\"\t\\b\n<c>\r\n");
         QTest::newRow("spaces around") << QStringLiteral("  a  ");
-        QTest::newRow("letters beyond the first plane") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
+        QTest::newRow("characters beyond the BMP") << QStringLiteral("Stra\u00dfe \u0416 \u6f22 \U0001F4E1");
         QTest::newRow("null character") << QStringLiteral("a") + QChar(0) + QStringLiteral("b");
-        QTest::newRow("half a surrogate pair") << QStringLiteral("a") + QChar(0xD83D) + QStringLiteral("b");
+        QTest::newRow("unpaired surrogate") << QStringLiteral("a") + QChar(0xD83D) + QStringLiteral("b");
         QTest::newRow("long") << QString(1 << 20, u'\u00e4');
     }
     void messagesReachQtsLogUnchanged()
@@ -145,7 +145,7 @@ private slots:
         QCOMPARE(g_logged.size(), std::size_t(1));
         QCOMPARE(g_logged[0].type, QtInfoMsg);
         QCOMPARE(g_logged[0].category, QStringLiteral("vexel.trace"));
-        QVERIFY(g_logged[0].message == message); // no comparison printed: it may be long
+        QVERIFY(g_logged[0].message == message); // not QCOMPARE: the text may be long
         QCOMPARE(g_logged[0].file, QStringLiteral("userinterface/vexelconnectdlg/appcounter"));
         QCOMPARE(g_logged[0].line, 65535);
     }
@@ -192,11 +192,11 @@ private slots:
 
     void replacedSinkIsDestroyed()
     {
-        const auto held = std::make_shared<int>(0);
-        ErrorHandler::Instance().SetSink([held](ErrorHandler::Kind, const QString&, const QString&, quint16) {});
-        QVERIFY(held.use_count() > 1);
+        const auto captured = std::make_shared<int>(0);
+        ErrorHandler::Instance().SetSink([captured](ErrorHandler::Kind, const QString&, const QString&, quint16) {});
+        QVERIFY(captured.use_count() > 1);
         ErrorHandler::Instance().SetSink({});
-        QCOMPARE(held.use_count(), 1L);
+        QCOMPARE(captured.use_count(), 1L);
     }
 
     void threadsReportWhileTheSinkChanges()

@@ -123,8 +123,8 @@ private slots:
         QTest::newRow("both negative") << QStringLiteral("-700") << QStringLiteral("-400");
         QTest::newRow("too wide") << QStringLiteral("16385") << QStringLiteral("400");
         QTest::newRow("too high") << QStringLiteral("700") << QStringLiteral("16777215");
-        QTest::newRow("greatest number") << QStringLiteral("2147483647") << QStringLiteral("2147483647");
-        QTest::newRow("beyond the greatest number") << QStringLiteral("4294967996") << QStringLiteral("400");
+        QTest::newRow("largest number") << QStringLiteral("2147483647") << QStringLiteral("2147483647");
+        QTest::newRow("does not fit into an int") << QStringLiteral("4294967996") << QStringLiteral("400");
         QTest::newRow("no number") << QStringLiteral("wide") << QStringLiteral("400");
         QTest::newRow("empty") << QString() << QString();
     }

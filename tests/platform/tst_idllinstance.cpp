@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-/// An instance that takes the base as it is.
+/// The base class without any overrides.
 class TestIDllInstance : public QObject
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::newRow("plain") << QStringLiteral("VexelConnectDlg");
         QTest::newRow("empty") << QString();
-        QTest::newRow("spaces and letters beyond the first plane") << QStringLiteral(" Peil\u00fcbersicht \U0001F4E1 ");
+        QTest::newRow("spaces and characters beyond the BMP") << QStringLiteral(" Peil\u00fcbersicht \U0001F4E1 ");
     }
     void nameIsKept()
     {

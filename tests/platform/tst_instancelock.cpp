@@ -21,7 +21,7 @@ namespace {
 const QString kHold = QStringLiteral("--hold");
 const QString kHoldWithChild = QStringLiteral("--hold-with-child");
 
-/// This program again, in a process of its own that holds the lock of a directory until it is killed.
+/// A second process of this program, which locks a directory until it is killed.
 class Owner
 {
 public:
@@ -36,10 +36,10 @@ public:
         QByteArray said;
         while (!said.contains('\n') && process.waitForReadyRead())
             said += process.readAllStandardOutput();
-        // Standard output ends lines in the way of the system.
+        // Windows ends the line with CR LF.
         return said.trimmed() == "taken";
     }
-    /// As a power cut or an impatient administrator does.
+    /// Ends the process without any cleanup.
     void Kill()
     {
         process.kill();
@@ -53,7 +53,7 @@ QString LockFile(const QTemporaryDir& directory)
     return directory.filePath(QStringLiteral("vexelhost.lock"));
 }
 
-/// The number of the process that works on `directory`; 0 where the file does not say. -1: none works there.
+/// The id of the process that has locked `directory`; 0 if the lock file does not contain it, -1 if none has.
 qint64 OwnerOf(const QString& directory)
 {
     const InstanceLock::Owner owner = InstanceLock::Query(directory);
@@ -100,7 +100,7 @@ void TestInstanceLock::lockIsTakenAndReleased()
         QCOMPARE(second.TryLock(directory.path()), InstanceLock::Result::Busy);
     }
     QCOMPARE(OwnerOf(directory.path()), -1);
-    // Nothing stays behind.
+    // The lock file is removed.
     QVERIFY(QDir(directory.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     InstanceLock again;
     QCOMPARE(again.TryLock(directory.path()), InstanceLock::Result::Locked);
@@ -122,13 +122,13 @@ void TestInstanceLock::anotherProcessIsRefused()
 
     InstanceLock lock;
     QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Busy);
-    // Which process, where, and what to do about it, in one line.
+    // One line with the process, the directory, and what to do.
     QVERIFY2(lock.ErrorText().contains(QString::number(owner.process.processId())), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(directory.path())), qPrintable(lock.ErrorText()));
     QVERIFY2(lock.ErrorText().contains(QLatin1String("kitestarter")), qPrintable(lock.ErrorText()));
     QVERIFY(!lock.ErrorText().contains(QLatin1Char('\n')));
     QCOMPARE(OwnerOf(directory.path()), owner.process.processId());
-    // The owner's lock is as it was.
+    // The owner's lock file is unchanged.
     QCOMPARE(Files::Read(LockFile(directory)), before);
 }
 
@@ -154,7 +154,7 @@ void TestInstanceLock::processNumberReusedByAnotherHost()
     QVERIFY(content.startsWith(QByteArray::number(owner.process.processId()) + '\n'));
     owner.Kill();
 
-    // The same program, at work on a directory of its own.
+    // The same program, using another directory.
     const QTemporaryDir elsewhere;
     Owner other(elsewhere.path());
     QVERIFY(other.Holds());
@@ -169,7 +169,7 @@ void TestInstanceLock::processNumberReusedByAnotherHost()
 
 void TestInstanceLock::deadOwnerWithOurProcessNumber()
 {
-    // In a container, where every host is process 1.
+    // As in a container, where every host has process id 1.
     const QTemporaryDir directory;
     Owner owner(directory.path());
     QVERIFY(owner.Holds());
@@ -226,7 +226,7 @@ void TestInstanceLock::ownerOnAnotherMachine_data()
 {
     QTest::addColumn<QString>("machine");
     QTest::newRow("plain") << QStringLiteral("elsewhere");
-    QTest::newRow("letters") << QStringLiteral("\u5317\u6597-\u00fc");
+    QTest::newRow("non-ASCII letters") << QStringLiteral("\u5317\u6597-\u00fc");
 }
 
 void TestInstanceLock::ownerOnAnotherMachine()
@@ -242,7 +242,7 @@ void TestInstanceLock::ownerOnAnotherMachine()
     InstanceLock lock;
     QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Busy);
     QVERIFY2(lock.ErrorText().contains(QStringLiteral("4711 on ") + machine), qPrintable(lock.ErrorText()));
-    // It cannot be found out from here whether that process lives, so a person must be able to decide.
+    // Whether that process still runs is unknown here, so the message names the lock file for the user to decide.
     QVERIFY2(lock.ErrorText().contains(QDir::toNativeSeparators(LockFile(directory))), qPrintable(lock.ErrorText()));
     QCOMPARE(Files::Read(LockFile(directory)), content);
 }
@@ -258,7 +258,7 @@ void TestInstanceLock::machineWasRenamed()
 
 void TestInstanceLock::ownerWithoutAName()
 {
-    // As one on a full disk.
+    // As on a full disk, where the lock file is empty.
     const QTemporaryDir directory;
     FileLock file;
     QString error;
@@ -273,7 +273,7 @@ void TestInstanceLock::ownerWithoutAName()
 void TestInstanceLock::onlyOneOfManyGetsTheLock()
 {
     const QTemporaryDir directory;
-    // What a killed one left, which all of them find.
+    // The lock file of a killed process, which all of them find.
     QVERIFY(Files::Write(LockFile(directory), "1\nvexelhost\nhere\n"));
     std::vector<std::unique_ptr<Owner>> owners;
     for (int i = 0; i < 8; ++i)
@@ -289,10 +289,9 @@ void TestInstanceLock::unusableDirectories_data()
     QTest::newRow("no name") << QString() << QString();
     QTest::newRow("below a file") << QStringLiteral("file/config") << QString();
     QTest::newRow("a file") << QStringLiteral("file") << QString();
-    QTest::newRow("a folder in the lock's place")
-        << QStringLiteral("config") << QStringLiteral("config/vexelhost.lock");
-    QTest::newRow("a pipe in the lock's place") << QStringLiteral("pipe") << QString();
-    QTest::newRow("a link in the lock's place") << QStringLiteral("link") << QString();
+    QTest::newRow("lock file is a folder") << QStringLiteral("config") << QStringLiteral("config/vexelhost.lock");
+    QTest::newRow("lock file is a pipe") << QStringLiteral("pipe") << QString();
+    QTest::newRow("lock file is a link") << QStringLiteral("link") << QString();
 }
 
 void TestInstanceLock::unusableDirectories()
@@ -307,8 +306,8 @@ void TestInstanceLock::unusableDirectories()
     if (path == QLatin1String("pipe") || path == QLatin1String("link"))
         QVERIFY(QDir(directory.path()).mkpath(path));
     if (path == QLatin1String("pipe") && System::MakePipe(lockFile) != lockFile)
-        QSKIP("No pipes among files here");
-    // What it leads to must not be taken for the lock, nor written.
+        QSKIP("Pipes are not files here");
+    // The link's target must not be used as the lock file, nor written.
     if (path == QLatin1String("link") &&
         (!QFile::link(directory.filePath(QStringLiteral("file")), lockFile) || !QFileInfo(lockFile).isSymbolicLink()))
         QSKIP("No symbolic links here");
@@ -347,7 +346,7 @@ void TestInstanceLock::queryRemovesNothing()
     QCOMPARE(Files::Read(LockFile(directory)), content);
     QCOMPARE(QFileInfo(LockFile(directory)).lastModified(), changed);
 
-    // Also where this user may only read.
+    // Also with read permission only.
     QVERIFY(QFile::setPermissions(LockFile(directory), QFile::ReadOwner));
     QCOMPARE(OwnerOf(directory.path()), -1);
     QVERIFY(QFile::setPermissions(LockFile(directory), QFile::ReadOwner | QFile::WriteOwner));

@@ -19,7 +19,7 @@ bool g_hasLocks = true;
 
 } // namespace
 
-/// The system's own, in front of which this stands: a file system without locks is nothing that a test can mount.
+/// Replaces the system call to simulate a file system without locks, which a test cannot mount.
 extern "C" [[gnu::visibility("default")]] int fcntl(int descriptor, int command, ...)
 {
     va_list arguments;
@@ -33,7 +33,7 @@ extern "C" [[gnu::visibility("default")]] int fcntl(int descriptor, int command,
     return static_cast<int>(::syscall(SYS_fcntl, descriptor, command, argument));
 }
 
-/// The lock of a configuration directory: file systems and users as Unix has them.
+/// The lock of a configuration directory: file systems without locks, and other users.
 class TestInstanceLockUnix : public QObject
 {
     Q_OBJECT
@@ -48,7 +48,7 @@ private slots:
             QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
             QCOMPARE(lock.Warning(), QString());
         }
-        // The host works there, but says that it is not alone for certain.
+        // The directory is usable, with a warning that another host may be using it.
         g_hasLocks = false;
         InstanceLock lock;
         QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
@@ -63,31 +63,31 @@ private slots:
     void anotherUserCanQuery()
     {
         if (::geteuid() != 0)
-            QSKIP("Only an administrator can be somebody else");
+            QSKIP("Only root can switch to another user");
         const QTemporaryDir directory;
         QVERIFY(QFile::setPermissions(directory.path(), QFile::Permissions(0x7755)));
         const QString fileName = directory.filePath(QStringLiteral("vexelhost.lock"));
         constexpr uid_t nobody = 65534;
-        const auto look = [&] {
+        const auto queryAsNobody = [&] {
             const auto back = qScopeGuard([] { [[maybe_unused]] const int result = ::seteuid(0); });
             return ::seteuid(nobody) == 0 ? InstanceLock::Query(directory.path()) : InstanceLock::Owner{};
         };
         {
             InstanceLock lock;
             QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Locked);
-            QCOMPARE(look().state, InstanceLock::State::Somebody);
-            QCOMPARE(look().process, QCoreApplication::applicationPid());
+            QCOMPARE(queryAsNobody().state, InstanceLock::State::Somebody);
+            QCOMPARE(queryAsNobody().process, QCoreApplication::applicationPid());
         }
-        // Who may not write there is not told of a host that is dead.
+        // A dead host is not reported, also to a user without write permission.
         QFile file(fileName);
         QVERIFY(file.open(QIODevice::WriteOnly));
         QVERIFY(file.write("999999\nvexelhost\nhere\n") > 0);
         file.close();
-        QCOMPARE(look().state, InstanceLock::State::Nobody);
+        QCOMPARE(queryAsNobody().state, InstanceLock::State::Nobody);
         QVERIFY(file.exists());
-        // Nor told anything where the lock cannot even be read.
+        // Without read permission, the state is unknown.
         QVERIFY(QFile::setPermissions(fileName, QFile::ReadOwner | QFile::WriteOwner));
-        QCOMPARE(look().state, InstanceLock::State::Unknown);
+        QCOMPARE(queryAsNobody().state, InstanceLock::State::Unknown);
     }
 };
 

@@ -1,5 +1,5 @@
-// Kills a process that saves without a pause, at random moments, and looks at what it leaves. By default a few times;
-// VEXEL_SAVE_KILLS says how often, VEXEL_SAVE_KILLS_START repeats the delays of an earlier run.
+// Kills a process at random moments while it saves continuously, and checks the files it leaves. VEXEL_SAVE_KILLS sets
+// the number of kills; VEXEL_SAVE_KILLS_START repeats the random delays of an earlier run.
 
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
@@ -24,7 +24,7 @@ constexpr int kDefaultKills = 25;
 constexpr int kKeys = 3000;
 constexpr qsizetype kDepth = 10;
 
-// Some saves long, so that a kill hits any part of one.
+// Longer than some saves, so that kills hit any part of a save.
 constexpr quint32 kLongestDelayUs = 120'000;
 
 const QString kDocument = QStringLiteral("KiteResources/ConnectData");
@@ -34,7 +34,7 @@ ConfigVersions Versions()
     return {View::Shared, kDocument};
 }
 
-/// The number that all keys have; nothing where they have not.
+/// The number that all keys have; empty if they differ.
 std::optional<int> NumberIn(ICfg* root)
 {
     const int number = root ? root->GetInt(QStringLiteral("Key0"), -1, 0) : -1;
@@ -76,7 +76,7 @@ private slots:
             "%d kills: found the old state %d times, the new one %d times; %d hit a save under way, %d of these while "
             "it replaced the file",
             m_old + m_new, m_old, m_new, m_inSave, m_inReplace);
-        QVERIFY(m_inSave > 0); // else it proves nothing
+        QVERIFY(m_inSave > 0); // otherwise the test proves nothing
     }
 
     void cleanupTestCase() { CfgCenter::Close(); }
@@ -85,7 +85,7 @@ private:
     void KillOnce(quint32 delayUs)
     {
         QProcess process;
-        // What a killed process leaves among the temporary files goes with the test.
+        // The test removes temporary files of killed processes.
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const QString& name : {QStringLiteral("TMPDIR"), QStringLiteral("TMP"), QStringLiteral("TEMP")})
             environment.insert(name, m_root.filePath(QStringLiteral("tmp")));
@@ -94,7 +94,7 @@ private:
         process.start(QStringLiteral(PLATFORMPROCESS),
                       {QStringLiteral("rewrite"), Store(), kDocument, QString::number(kKeys)});
 
-        // It announces each number before it saves it. With the second one the first is saved.
+        // It announces each number before saving it. The second announcement means that the first number is saved.
         int announced = 0;
         const auto readAnnouncements = [&] {
             while (process.canReadLine())
@@ -117,9 +117,9 @@ private:
         readAnnouncements();
 
         m_inSave += QFile::exists(File() + QStringLiteral(".lock"));
-        // The one announced last or the one before, and without a recovery that could hide something.
+        // Finds the number announced last or the one before, without a recovery, which could hide damage.
         QVERIFY(CfgCenter::Open(Store()));
-        // What is being written stands beside the document, or the document, kept already, among the versions.
+        // An unfinished file exists beside the document, or the document has already been linked as a version.
         m_inReplace +=
             !QDir(Folder()).entryList({QStringLiteral(".unfinished-*")}, QDir::Files | QDir::Hidden).isEmpty() ||
             VersionFiles() > Versions().List().size();
@@ -132,11 +132,11 @@ private:
         QCOMPARE(number, loaded);
         ++(*loaded == announced ? m_new : m_old);
 
-        CheckVersions(*loaded, kDepth + 1); // a kill may come before the oldest is removed
+        CheckVersions(*loaded, kDepth + 1); // the kill may have prevented removing the oldest
         if (QTest::currentTestFailed())
             return;
 
-        // The next save works, and clears up.
+        // The next save works, and removes leftovers.
         m_reached = announced + 1;
         for (int i = 0; i < kKeys; ++i)
             root->SetInt(QStringLiteral("Key%1").arg(i), m_reached, 0);
@@ -150,7 +150,7 @@ private:
         QCOMPARE(VersionFiles(), Versions().List().size());
     }
 
-    // Each is whole, and older than the one before; the newest is the state before `present`.
+    // Each version is complete and older than the one before it in the list; the newest is older than `present`.
     static void CheckVersions(int present, qsizetype most)
     {
         const ConfigVersions versions = Versions();
@@ -162,7 +162,7 @@ private:
             const auto number = NumberIn(versions.Open(version).get());
             QVERIFY2(number, qPrintable(version.file));
             QVERIFY(*number < later);
-            QVERIFY(later - *number <= 2); // an announced number may have been killed
+            QVERIFY(later - *number <= 2); // the save of the number in between may have been killed
             later = *number;
         }
     }

@@ -26,7 +26,7 @@ private slots:
         TranslationCenter::Instance().SetDirectory(QStringLiteral(TRANSLATIONS));
         TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
     }
-    void cleanup() { QCOMPARE(Shown(), QStringLiteral("Street")); } // every case takes back what it registered
+    void cleanup() { QCOMPARE(Shown(), QStringLiteral("Street")); } // every case unregisters its domains
 
     void instanceIsASingleton() { QCOMPARE(&TranslationCenter::Instance(), &TranslationCenter::Instance()); }
 
@@ -82,7 +82,7 @@ private slots:
         TranslationCenter::Instance().Unregister(QString());
         QCOMPARE(Shown(), QStringLiteral("Stra\u00dfe"));
         TranslationCenter::Instance().Unregister(kDomain);
-        // One too many does not count against the next registration.
+        // Unregistering once too often does not affect the next registration.
         TranslationCenter::Instance().Unregister(kDomain);
         TranslationCenter::Instance().Register(kDomain);
         QCOMPARE(Shown(), QStringLiteral("Stra\u00dfe"));
@@ -145,7 +145,7 @@ void CountComplaints(QtMsgType, const QMessageLogContext&, const QString&)
     ++g_complaints;
 }
 
-// By hand, for the centre is there before the application and after it.
+// Not QTEST_MAIN: the centre exists before and after the application object.
 int Main(int argc, char** argv)
 {
     const QtMessageHandler handler = qInstallMessageHandler(CountComplaints);

@@ -26,7 +26,7 @@ Integer Number(const QByteArray& content, qsizetype offset)
     return qFromLittleEndian<Integer>(content.constData() + offset);
 }
 
-/// The images of an icon file, one after another: each entry has 16 bytes and ends with where its image stands.
+/// The images of an icon file, one after another: each entry has 16 bytes and ends with the offset of its image.
 QList<QByteArray> ImagesOfFile(const QByteArray& content)
 {
     QList<QByteArray> images;

@@ -1,9 +1,9 @@
-// Hundreds of applications come and go while an operator works at the dialog, for as long as it is told:
+// Starts and ends hundreds of applications while simulated user input operates the dialog:
 //
 //     vexel_soak_applications SECONDS [RANDOM-START]
 //
-// Works in rounds. In each the operator does what operators do, at random and without a pause, while applications are
-// started, end, crash and are killed. Then everything is left to end, and it is looked at what is left behind.
+// Works in rounds. Each round sends random input without a pause while applications start, end, crash and are killed.
+// Then it ends all applications and checks for leaked processes, handles and memory.
 
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
@@ -45,7 +45,7 @@ QString ReadProcessFile(const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : QString();
 }
 
-/// The processes that this one has started and not yet waited for, dead ones included.
+/// The child processes, including dead ones that were not waited for.
 QList<pid_t> Children()
 {
     QList<pid_t> children;
@@ -58,7 +58,7 @@ QList<pid_t> Children()
     return children;
 }
 
-/// What must not grow, as it is when nothing runs.
+/// Amounts that must not grow, measured while no application runs.
 struct Remains
 {
     int inUse = 0;
@@ -87,7 +87,7 @@ public:
         m_dialog->m_pDetailsAction->trigger();
         m_dialog->m_pFilterAction->trigger();
         m_dialog->Export(Path(QStringLiteral("list.xml")));
-        // Where no application is free, and where nothing is selected, a box says so.
+        // A message box reports that no application is free, or that nothing is selected.
         QObject::connect(&m_boxCloser, &QTimer::timeout, [] {
             if (auto* const box = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
                 box->accept();
@@ -115,7 +115,7 @@ public:
         }
     }
 
-    /// Ends what runs, in all the ways there are, and waits until it is known. False when that does not come.
+    /// Ends all applications with SIGTERM or SIGKILL and waits until none is in use. Returns false on a time-out.
     bool Rest()
     {
         QElapsedTimer timer;
@@ -144,7 +144,7 @@ public:
 
     qint64 Started() const { return m_started; }
     qint64 Actions() const { return m_actions; }
-    /// How many entries were in use at the same time.
+    /// The largest number of entries in use at the same time.
     int MostInUse() const { return m_mostInUse; }
     qint64 Killed() const { return m_killed; }
 
@@ -218,7 +218,7 @@ private:
         const std::array columns{ConnectionsModel::ColumnName, ConnectionsModel::ColumnDeviceAddress,
                                  ConnectionsModel::ColumnDriverAddress, ConnectionsModel::ColumnSubsystem};
         const int row = AnyRow();
-        // Whoever changes an entry that is in use takes it from its application, which frees only what is as it was.
+        // Changing an entry in use detaches it from its application, which frees only an unchanged entry.
         if (m_model->GetConnection(row).ConnectionStatus == Connection::Free) {
             m_model->setData(Cell(row, columns[static_cast<std::size_t>(Below(4))]),
                              QStringLiteral("Text %1").arg(Below(100'000)));
@@ -335,7 +335,7 @@ int main(int argc, char* argv[])
     bool rested = true;
     QElapsedTimer timer;
     timer.start();
-    // Two rounds at least: in the first everything is laid down that is needed once.
+    // At least two rounds: the first one allocates everything that is allocated once.
     while (rested && (rounds.size() < 2 || timer.elapsed() < seconds * 1000LL)) {
         soak.Work(kRoundSeconds);
         rested = soak.Rest();
@@ -362,7 +362,7 @@ int main(int argc, char* argv[])
     };
     demand(rested,
            "not every entry is \"Free\" a minute after the last application was killed, or one was not waited for");
-    // On a system that does not say what children a process has, none would ever be seen to remain.
+    // Without a list of child processes from the system, the check for remaining ones would always pass.
     demand(soak.Killed() > 0, "no application was there to be killed");
     demand(last.handles <= first.handles, "more files are open than after the first round");
     demand(last.heapMiB <= first.heapMiB * 1.05 + 1, "the heap has grown since the first round");

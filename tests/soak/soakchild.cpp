@@ -1,5 +1,5 @@
-// An application as it is met in a long run: ends after a while, well or badly, crashes, or stays until it is killed.
-// What it does is drawn from its process number. Plain C++, since it is started some hundred thousand times.
+// An application for the long run: exits after a while with success or an error, crashes, or runs until it is killed.
+// Its process id determines which. Without Qt, since it is started some hundred thousand times.
 
 #include <chrono>
 #include <csignal>
@@ -17,7 +17,7 @@ int main()
         return static_cast<int>(random() % static_cast<unsigned>(most));
     };
 
-    // One in ten takes no notice of being asked to end.
+    // One in ten ignores requests to end.
     if (until(10) == 0)
         std::signal(SIGTERM, SIG_IGN);
     std::this_thread::sleep_for(std::chrono::milliseconds(until(3000)));

@@ -8,7 +8,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-/// Where the output of a child process can lead so that writing fails.
+/// An output for child processes that fails on writing.
 class BrokenOutput
 {
 public:
@@ -33,7 +33,7 @@ public:
     ~BrokenOutput() { ::close(m_descriptor); }
     Q_DISABLE_COPY_MOVE(BrokenOutput)
 
-    /// Lets `stream` of a process that is to be started lead here.
+    /// Redirects `stream` of `process` to this output. Call before the start.
     void Give(QProcess& process, int stream) const
     {
         process.setChildProcessModifier([from = m_descriptor, stream] { ::dup2(from, stream); });
@@ -43,7 +43,7 @@ private:
     int m_descriptor = -1;
 };
 
-/// Columns and rows for a test of the kinds that this system has.
+/// Adds test columns and rows: each kind that this system supports with each command line.
 inline void AddBrokenOutputs(const QList<QStringList>& commandLines)
 {
     QTest::addColumn<BrokenOutput::Kind>("kind");

@@ -1,4 +1,4 @@
-# Fails where a catalogue is behind the sources, or leaves a text without translation:
+# Fails if a translation catalogue does not match the sources, or lacks a translation:
 #   cmake -DLUPDATE=... -DSOURCES=... -DCATALOGUE=... -DWORK=... -P checkcatalogue.cmake
 get_filename_component(name ${CATALOGUE} NAME)
 file(MAKE_DIRECTORY ${WORK})

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-/// Parts of the product configuration that several tests look into.
+/// Parts of the product configuration that several tests read.
 namespace ConfigNodes {
 
 /// The child `name` of the application configuration.

@@ -1,5 +1,5 @@
-// What a prompt does: starts the command line that follows its own name, redirects nothing, waits for the end, and ends
-// with the exit code. A program of the console.
+// A console program that acts like a prompt: starts the command line in its arguments without redirection, waits for
+// it, and returns its exit code.
 
 #include <cwchar>
 
@@ -17,7 +17,7 @@ BOOL WINAPI StayAtInterrupt(DWORD event)
 int main()
 {
     wchar_t* rest = GetCommandLineW();
-    // Its own name is in double quotes, or without blanks.
+    // This program's name is in double quotes or contains no spaces.
     const wchar_t end = *rest == L'"' ? L'"' : L' ';
     rest = std::wcschr(rest + 1, end);
     if (!rest)
@@ -25,7 +25,8 @@ int main()
     for (++rest; *rest == L' ';)
         ++rest;
 
-    // It outlives an interrupt, so that its exit code is the program's. To ignore that is no way: programs inherit it.
+    // Survives Ctrl+C, to return the program's exit code. With a handler, because child processes would inherit
+    // ignoring it.
     SetConsoleCtrlHandler(&StayAtInterrupt, TRUE);
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;

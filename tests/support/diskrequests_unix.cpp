@@ -27,7 +27,7 @@ int Record(int descriptor)
 
 } // namespace
 
-// The libraries find these before the system's own.
+// The dynamic linker finds these before the system's functions.
 extern "C" {
 [[gnu::visibility("default")]] int fsync(int descriptor)
 {

@@ -5,27 +5,26 @@
 
 #include <sys/types.h>
 
-/// What this process asks the system for that makes files and names outlast a loss of power, in its order.
+/// Records, in order, the sync and rename calls of this process, which decide what survives a power failure.
 namespace DiskRequests {
 
 struct Request
 {
     enum Kind { Sync, Rename } kind;
     ino_t file;
-    QString path;   // a file that is written may have none yet; of a renaming the new one
-    QString former; // of a renaming
+    QString path;   // the new one for Rename; a file being written may have none yet
+    QString former; // only for Rename
 };
 
-/// All since the last call of `Forget`.
+/// All requests since the last call of `Forget`.
 const QList<Request>& All();
 void Forget();
 
-/// The place among them of the last renaming to `path`, and of the first request from `from` on that brings what is at
-/// `path` to the disk; -1 where there is none.
+/// Indices into `All`, or -1: the last rename to `path`, and the first sync of `path` at or after index `from`.
 qsizetype LastRenameTo(const QString& path);
 qsizetype FirstSyncOf(const QString& path, qsizetype from = 0);
 
-/// Whether the content of the file that got its name by the request at `rename` was brought to the disk before.
+/// Whether the file renamed by the request at index `rename` was synced before.
 bool IsSyncedBefore(qsizetype rename);
 
 } // namespace DiskRequests

@@ -3,8 +3,8 @@
 #include <QString>
 #include <QtGlobal>
 
-/// While it lives, what this process writes to standard error goes to `file`, from its beginning. To
-/// `QProcess::nullDevice()`: nobody reads it, as where a program is started without a terminal.
+/// Redirects standard error of this process to `file` during its lifetime, and truncates the file. With
+/// `QProcess::nullDevice()` the output is lost, as in a program started without a terminal.
 class ErrorsTo
 {
 public:
@@ -15,7 +15,7 @@ public:
 private:
     qintptr m_former = -1;
 #ifdef Q_OS_WIN
-    int m_formerDescriptor = -1; // the compiler's runtime has one of its own
+    int m_formerDescriptor = -1; // the C runtime's descriptor, besides the system's handle
 #endif
     qintptr m_file = -1;
 };

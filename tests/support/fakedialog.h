@@ -10,10 +10,10 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
-/// A dialog with the object names by which the host finds the parts of the plug-in's dialog, on a plain item model.
-/// Ticks, names and statuses are set by `Add` and through the model; what the button does is up to the test.
+/// A dialog with the object names by which the host finds the plug-in's dialog, on a plain item model. `Add` and the
+/// model set ticks, names and statuses; the test decides what the button does.
 ///
-/// The proxy sorts by name, so that rows of the views are not rows of the list.
+/// The proxy sorts by name, so rows of the views differ from rows of the list.
 class FakeDialog : public QDialog
 {
 public:

@@ -4,17 +4,17 @@
 #include <QFile>
 #include <QString>
 
-/// Files that tests write, and look into.
+/// Reads and writes test files.
 namespace Files {
 
-/// What is in the file; a null array where it cannot be read.
+/// The file's content; a null array if it cannot be read.
 inline QByteArray Read(const QString& fileName)
 {
     QFile file(fileName);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Writes into the file that is there, as an editor or a failing disk does, or makes it.
+/// Creates the file or overwrites it in place, as an editor or a failing disk does.
 [[nodiscard]] inline bool Write(const QString& fileName, const QByteArray& content)
 {
     QFile file(fileName);

@@ -9,8 +9,8 @@
 #include <memory>
 #include <optional>
 
-/// A session of the host with a dialog that holds one entry, named "mast"; not started yet. Whether saving works is up
-/// to the test.
+/// A session of the host, not yet started, whose dialog contains one entry, "mast". The test decides whether saving
+/// works.
 struct HostSession
 {
     HostSession()

@@ -2,9 +2,9 @@
 
 #include <QStringList>
 
-/// The open files, pipes and sockets that this process inherited, without the standard streams. One text for each, with
-/// its name as far as the system knows one. Call before anything is opened.
+/// Describes the files, pipes and sockets that this process inherited, without the standard streams: one text each,
+/// with the name if the system knows it. Call before anything is opened.
 QStringList InheritedHandles();
 
-/// The same for a process that would be started now.
+/// The same, for a child process started now.
 QStringList HandlesToInherit();

@@ -15,7 +15,7 @@
 #include <functional>
 #include <memory>
 
-/// Records all calls and reads all bytes, unless a hook is set.
+/// Records all events and reads received data, unless a hook handles them.
 class RecordingCallback : public IInterfaceCallback
 {
 public:
@@ -172,8 +172,8 @@ inline std::unique_ptr<QTcpSocket> CallerOf(quint16 port,
     return std::make_unique<Caller>(port, address);
 }
 
-/// Runs the event loop until `condition` holds, without a pause in between: for conditions that are waited for a
-/// thousand times.
+/// Runs the event loop until `condition` is true, and checks it after every event. Faster than QTest::qWaitFor, for
+/// tests that wait thousands of times.
 template <typename Condition>
 bool WaitUntil(Condition condition)
 {

@@ -5,12 +5,12 @@
 #include <QTcpSocket>
 #include <QTest>
 
-/// The port of the starter link, which one program of the machine can have at a time.
+/// The fixed port of the starter link; only one program at a time can listen on it.
 namespace LinkPort {
 
 constexpr quint16 kNumber = 8451;
 
-/// Whether this process could have it: another one of the product may be running on the machine.
+/// Whether the port is free. Another host may be running on this machine.
 inline bool IsFree()
 {
     const auto isFree = [](QHostAddress::SpecialAddress address) {
@@ -21,8 +21,8 @@ inline bool IsFree()
     return isFree(QHostAddress::LocalHost) && isFree(QHostAddress::LocalHostIPv6);
 }
 
-/// Whether the other side has closed the call, whether or not it took what was sent. Not every system tells of the
-/// latter who does not write again.
+/// Whether the other side has closed the connection, even if it has not read everything. Writes to find out, because
+/// some systems report a reset only on the next write.
 inline bool HasEnded(QTcpSocket& caller)
 {
     if (caller.state() == QAbstractSocket::ConnectedState) {
@@ -34,7 +34,7 @@ inline bool HasEnded(QTcpSocket& caller)
 
 } // namespace LinkPort
 
-// Skips the test where another program has the port and keeps it.
+// Skips the test if another program keeps using the port.
 #define NEED_PORT()                                                                                                    \
     do {                                                                                                               \
         if (!QTest::qWaitFor(LinkPort::IsFree, 30'000))                                                                \

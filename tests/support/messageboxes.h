@@ -8,9 +8,9 @@
 #include <QString>
 #include <QTimer>
 
-/// Answers the message boxes that come up while it lives, and remembers what each said.
+/// Answers all message boxes shown during its lifetime, and records their texts.
 ///
-/// A modal box runs an event loop of its own, so the answer comes from a timer. Each box gets the next answer of
+/// A modal box runs its own event loop, so a timer answers it. Each box gets the next answer of
 /// `Answer`'s list; where the list is empty or the box lacks that button, its default or else its first button.
 /// Other modal windows are left alone.
 class MessageBoxes
@@ -37,7 +37,7 @@ public:
     MessageBoxes(const MessageBoxes&) = delete;
     MessageBoxes& operator=(const MessageBoxes&) = delete;
 
-    /// Puts `button` at the end of the answers to give.
+    /// Appends `button` to the list of answers.
     void Answer(QMessageBox::StandardButton button) { m_answers.append(button); }
 
     /// The boxes answered so far, oldest first.

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-/// A class as Qt knows it: its name and base, then the signals, slots and properties that it declares itself.
+/// Lists a class's name and base, then the signals, slots and properties that it declares itself.
 inline QStringList Declaration(const QMetaObject& meta)
 {
     QStringList lines{QLatin1String(meta.className()) + QLatin1String(" : ") +

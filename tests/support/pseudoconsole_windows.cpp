@@ -12,7 +12,7 @@ namespace {
 using Create = HRESULT(WINAPI*)(COORD size, HANDLE input, HANDLE output, DWORD flags, void** console);
 using End = void(WINAPI*)(void* console);
 
-// The compiler's own headers have it for the newest systems only.
+// The compiler's headers define this only for the newest Windows versions.
 constexpr DWORD_PTR kConsoleAttribute = 0x00020016;
 
 template <typename Function>
@@ -54,7 +54,7 @@ bool PseudoConsole::Start(const QString& commandLine)
     HANDLE output = nullptr;
     if (!create || !CreatePipe(&input, &d->keys, nullptr, 0) || !CreatePipe(&d->screen, &output, nullptr, 0))
         return false;
-    // So wide that no line is broken.
+    // Wide enough that no line is wrapped.
     constexpr COORD size{500, 500};
     const bool isThere = create(size, input, output, 0, &d->console) == S_OK;
     CloseHandle(input);
@@ -67,7 +67,7 @@ bool PseudoConsole::Start(const QString& commandLine)
     std::vector<char> memory(length);
     STARTUPINFOEXW startup{};
     startup.StartupInfo.cb = sizeof startup;
-    // This program's own streams, which would be handed on else, are none of it.
+    // Without this, the child would inherit this program's standard streams instead of the console's.
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
     startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory.data());
     InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &length);

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-/// A console that nobody sees, with what a test starts in it. What still runs there when it is closed is told so, as
-/// when a person closes the window of a console.
+/// An invisible console in which a test starts programs. The destructor closes it, and programs that still run in it
+/// are notified as if a user had closed the console window.
 class PseudoConsole
 {
 public:
@@ -16,13 +16,13 @@ public:
     PseudoConsole(const PseudoConsole&) = delete;
     PseudoConsole& operator=(const PseudoConsole&) = delete;
 
-    /// Starts `commandLine` from the prompt, as it were: by a program of the console that redirects nothing, waits for
-    /// its end and ends with its exit code. Once per object. False: there is no such console here, or no such program.
+    /// Starts `commandLine` as from a prompt: a console program starts it without redirection, waits for it, and
+    /// returns its exit code. Call once per object. Returns false if the console or the program is not available.
     bool Start(const QString& commandLine);
     bool HasEnded() const;
     int ExitCode() const;
 
-    /// What the console has shown since the start, without colours and places.
+    /// The text shown so far, without colours and cursor positions.
     QString Text();
 
 private:

@@ -4,49 +4,49 @@
 #include <QString>
 #include <QStringList>
 
-/// What tests ask the operating system about processes, or ask of it, each system in its own way.
+/// Platform-specific functions for tests: processes, streams, devices and memory.
 namespace System {
 
-/// Whether there is such a process; one that has ended but was not waited for still is there.
+/// Whether the process exists. On Unix, a process that has ended exists until its parent has waited for it.
 bool IsProcess(qint64 number);
 
-/// The file that a running process was started from; empty where there is none.
+/// The executable file of a running process; empty if there is no such process.
 QString ProgramOf(qint64 number);
 
-/// The ways in which a process without a window is asked to end here, by name.
+/// Names of the ways to ask a process without a window to end on this system.
 QStringList RequestsToEnd();
 
-/// Asks a process to end, in the first of these ways or in another one. False where it cannot be asked.
+/// Asks a process to end, by default in the first of these ways. Returns false if that is impossible.
 bool AskToEnd(qint64 number, const QString& request = RequestsToEnd().constFirst());
 
-/// Lets this process end at once with exit code 0, or go on, when it is asked to end. Needs an application object.
+/// How this process reacts to such a request: exit at once with code 0, or ignore it. Needs an application object.
 void EndWhenAsked();
 void GoOnWhenAsked();
 
-/// The names of devices that stand where a file's name is asked for; the first has nothing in it, and takes everything.
+/// Device names that are valid file names. The first is the null device.
 QStringList Devices();
 
-/// Makes a named pipe that nobody writes to, in this file where the system has pipes among its files. Returns its name;
-/// empty when it could not be made.
+/// Creates a named pipe without a writer, as `file` if the system has pipes in the file system. Returns its name, or an
+/// empty string on failure.
 QString MakePipe(const QString& file);
 
-/// How many files, pipes and sockets this process has open.
+/// The number of open files, pipes and sockets of this process.
 qsizetype OpenHandles();
 
-/// Where a standard stream of this process leads: "nothing", "pipe", or another text.
+/// What a standard stream of this process is connected to: "nothing", "pipe", or another text.
 QString StreamTarget(int stream);
 
-/// Whether this process has a console, or a terminal that it would be ended with.
+/// Whether this process has a console, or a controlling terminal whose end would end it.
 bool HasConsole();
 
-/// Takes the display from `environment`, as for a person who has none, and the choice of a platform. False: there
-/// always is one, and programs keep to the test's choice.
+/// Removes the display and the choice of a Qt platform from `environment`, as for a user without a display. Returns
+/// false and changes nothing if this system always has a display.
 bool TakeDisplay(QProcessEnvironment& environment);
 
-/// Whether this is Windows as Wine has it, which is not like the real one in everything.
+/// Whether this runs under Wine, which differs from Windows in some ways.
 bool IsWine();
 
-/// The memory that this process occupies, in KiB.
+/// The memory used by this process, in KiB.
 qint64 ResidentKiB();
 
 } // namespace System

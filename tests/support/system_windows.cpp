@@ -44,7 +44,7 @@ QString ProgramOf(qint64 number)
         return {};
     std::array<wchar_t, 1024> name = {};
     DWORD length = name.size();
-    // What has ended can be opened for as long as anybody has it open.
+    // A process that has ended can still be opened while another handle to it is open.
     const bool isRunning =
         WaitForSingleObject(process, 0) == WAIT_TIMEOUT && QueryFullProcessImageNameW(process, 0, name.data(), &length);
     CloseHandle(process);
@@ -80,7 +80,7 @@ void EndWhenAsked()
 
 void GoOnWhenAsked()
 {
-    // As programs without a window do that know nothing of such messages.
+    // Programs without a window ignore WM_CLOSE by default.
 }
 
 QStringList Devices()
@@ -93,7 +93,7 @@ QString MakePipe(const QString& file)
     const QString name = QStringLiteral("\\\\.\\pipe\\vexel-%1-%2")
                              .arg(GetCurrentProcessId())
                              .arg(QString::fromLatin1(QFile::encodeName(file).toHex()).right(100));
-    // It is there for as long as it is open, which is until this process ends.
+    // Never closed: the pipe exists only while it is open.
     const HANDLE pipe = CreateNamedPipeW(name.toStdWString().c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_WAIT, 1,
                                          1024, 1024, 0, nullptr);
     return pipe == INVALID_HANDLE_VALUE ? QString() : name;
@@ -101,7 +101,7 @@ QString MakePipe(const QString& file)
 
 qsizetype OpenHandles()
 {
-    // There is a function that counts, but it counts what the system itself opens at its own times, too.
+    // Not GetProcessHandleCount, which includes handles that the system opens at any time.
     constexpr std::uintptr_t step = 4;
     constexpr std::uintptr_t end = 0x2000;
     qsizetype count = 0;
@@ -121,7 +121,7 @@ QString StreamTarget(int stream)
     case FILE_TYPE_DISK:
         return QStringLiteral("file");
     case FILE_TYPE_CHAR: {
-        // The other devices of this kind are consoles.
+        // A character device is either a console or NUL.
         DWORD mode = 0;
         return GetConsoleMode(handle, &mode) ? QStringLiteral("console") : QStringLiteral("nothing");
     }

@@ -1,5 +1,5 @@
-// A program that tests start: reports how it was started, then exits, crashes, prints or stays. The environment
-// controls this, because the arguments are tested.
+// A program that tests start: reports how it was started, then exits, crashes, prints or keeps running. The environment
+// controls this, because the arguments are under test.
 
 #include "tests/support/inheritedhandles.h"
 #include "tests/support/system.h"
@@ -18,8 +18,8 @@
 
 namespace {
 
-/// Writes a file "<process id>.<something>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears when it is
-/// complete. The process id alone is not unique: some systems reuse it at once.
+/// Writes a file "<process id>.<something>.json" into the folder VEXEL_TESTCHILD_REPORTS. It appears only
+/// when complete. The process id alone is not unique: some systems reuse it at once.
 bool WriteReport(const QStringList& inherited)
 {
     QSaveFile file(QStringLiteral("%1/%2.%3.json")

@@ -1,4 +1,4 @@
-// The program for which the tests' headers are compiled; it is never run.
+// Its target owns the tests' precompiled header. The program is never run.
 int main()
 {
     return 0;

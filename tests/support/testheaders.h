@@ -1,4 +1,4 @@
-// What the tests include most, compiled once for all of them.
+// The precompiled header of all tests.
 #pragma once
 
 #include <QAbstractItemModelTester>

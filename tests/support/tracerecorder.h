@@ -8,10 +8,10 @@
 #include <QString>
 #include <QStringList>
 
-/// Collects the reports made while it lives: turns the kinds on, takes the place of the sink, and at its end brings
-/// back the mask it found and the default sink.
+/// Records all reports during its lifetime: enables the kinds and replaces the sink. The destructor restores the former
+/// mask and the default sink.
 ///
-/// One at a time. What it recorded before a failing check is the best explanation of it: `QVERIFY2` with
+/// One object at a time. To explain a failing check by the reports, use `QVERIFY2` with
 /// `Text().constData()`.
 class TraceRecorder
 {
