@@ -37,7 +37,10 @@ FileLock::Result FileLock::TryLock(const QString& path, QString* error)
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         const DWORD code = GetLastError();
-        if (code == ERROR_SHARING_VIOLATION)
+        // Access is also denied while the file that another process has released is being deleted.
+        const bool isDeleted =
+            code == ERROR_ACCESS_DENIED && GetFileAttributesW(NativePath(path).c_str()) == INVALID_FILE_ATTRIBUTES;
+        if (code == ERROR_SHARING_VIOLATION || isDeleted)
             return Result::Busy;
         *error = qt_error_string(static_cast<int>(code));
         return Result::Failed;

@@ -70,11 +70,12 @@ QString& TheOpenError()
 QString ObstacleTo(const QString& directory)
 {
     if (directory.isEmpty())
-        return QStringLiteral("it has no name");
-    // A full disk is no obstacle: what is stored can be read, and room may come.
+        return QStringLiteral("its name is empty");
+    // A full disk is no obstacle: the documents can be read, and there may be room later.
     if (CreateFolder(directory))
         return CreationObstacle(directory);
-    return QFileInfo::exists(directory) ? QStringLiteral("it is no directory") : QStringLiteral("it cannot be made");
+    return QFileInfo::exists(directory) ? QStringLiteral("it is not a directory")
+                                        : QStringLiteral("it cannot be created");
 }
 
 } // namespace

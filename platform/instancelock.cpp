@@ -52,19 +52,19 @@ QString BusyMessage(const QString& file, const QString& directory)
     const Holder holder = ReadHolder(file);
     const QString native = QDir::toNativeSeparators(directory);
     if (holder.process == 0) {
-        return QStringLiteral("another host works on the configuration directory %1; kitestarter brings its dialog, "
-                              "where it has one, to the front")
+        return QStringLiteral("another host uses the configuration directory %1; kitestarter brings its dialog, if "
+                              "it has one, to the front")
             .arg(native);
     }
     if (!holder.machine.isEmpty() && holder.machine != QSysInfo::machineHostName()) {
         // A file server may keep the lock of a machine that is gone, which only the user can know.
-        return QStringLiteral("another host, process %1 on %2, works on the configuration directory %3; if it does not "
+        return QStringLiteral("another host, process %1 on %2, uses the configuration directory %3; if it does not "
                               "run any more, remove %4")
             .arg(holder.process)
             .arg(holder.machine, native, QDir::toNativeSeparators(file));
     }
-    return QStringLiteral("another host, process %1, works on the configuration directory %2; kitestarter brings its "
-                          "dialog, where it has one, to the front")
+    return QStringLiteral("another host, process %1, uses the configuration directory %2; kitestarter brings its "
+                          "dialog, if it has one, to the front")
         .arg(holder.process)
         .arg(native);
 }

@@ -1,7 +1,6 @@
 #include "host/output/rotatingfile.h"
 
 #include "files/filelock.h"
-#include "files/regularfile.h"
 #include "host/output/appendfile.h"
 
 #include <QDir>
@@ -75,8 +74,6 @@ void RotatingFile::TryRotate(qint64 added)
 QString RotatingFile::Rotate(qint64 added)
 {
     const QString lockName = m_name + QStringLiteral(".lock");
-    if (IsNotRegularFile(lockName))
-        return QStringLiteral("%1 is not a regular file").arg(QDir::toNativeSeparators(lockName));
     FileLock lock;
     QString lockError;
     switch (lock.TryLock(lockName, &lockError)) {

@@ -118,7 +118,11 @@ bool ConfigDocument::Save()
         return Fail(__LINE__, QStringLiteral("the configuration was opened read-only"));
 
     DocumentTransaction transaction(m_file);
-    if (!transaction.Begin() || !Write(transaction))
+    if (!transaction.Begin())
+        return Fail(__LINE__, transaction.Error());
+    if (m_isWriteProtected && transaction.Before().state != DocumentReading::State::Missing)
+        return Fail(__LINE__, QStringLiteral("the file could neither be read nor quarantined when it was opened"));
+    if (!Write(transaction))
         return Fail(__LINE__, transaction.Error());
     transaction.Commit();
 
@@ -142,18 +146,9 @@ bool ConfigDocument::Save()
 /// Merges the changes into what the file holds, and takes the result over.
 bool ConfigDocument::Write(DocumentTransaction& transaction)
 {
-    const DocumentReading& before = transaction.Before();
-    const bool isMissing = before.state == DocumentReading::State::Missing;
-    if (m_isWriteProtected && !isMissing)
-        return transaction.Fail("the file could neither be read nor quarantined when it was opened");
-
-    // Removed, damaged or made unreadable since it was read: the working copy still knows the content.
-    if (before.NeedsRecovery() || (isMissing && m_fingerprint != FingerprintOf({})))
-        MarkAllChanged();
-    DocumentText::Values values = before.values.value_or(DocumentText::Values());
-    Apply(values);
-    QByteArray content = before.content;
-    if (values != before.values) {
+    const DocumentText::Values values = Merge(transaction.Before());
+    QByteArray content = transaction.Before().content;
+    if (values != transaction.Before().values) {
         content = DocumentText::Write(values);
         if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
             return false;
@@ -163,13 +158,18 @@ bool ConfigDocument::Write(DocumentTransaction& transaction)
     return true;
 }
 
-void ConfigDocument::Apply(DocumentText::Values& values) const
+DocumentText::Values ConfigDocument::Merge(const DocumentReading& before) const
 {
+    // A file that was removed, damaged or made unreadable since it was read: the working copy still knows the content.
+    const bool wasRemoved = before.state == DocumentReading::State::Missing && m_fingerprint != FingerprintOf({});
+    const bool isLost = wasRemoved || before.NeedsRecovery();
+    DocumentText::Values values = before.values.value_or(DocumentText::Values());
     for (const QString& path : m_removed)
         RemoveTree(values, path);
     for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it)
-        if (it->isChanged)
+        if (it->isChanged || isLost)
             values.insert(it.key(), it->text);
+    return values;
 }
 
 bool ConfigDocument::Fail(int line, const QString& reason) const

@@ -55,7 +55,7 @@ private:
     void TakeOver(const DocumentText::Values& values);
     void MarkAllChanged();
     bool Write(DocumentTransaction& transaction);
-    void Apply(DocumentText::Values& values) const;
+    DocumentText::Values Merge(const DocumentReading& before) const;
     bool Fail(int line, const QString& reason) const;
 
     const QString m_file;

@@ -10,14 +10,17 @@
 
 namespace {
 
-QString Notice(const QString& file, const DocumentReading& found, const std::optional<QString>& quarantined,
-               const std::optional<ReadableVersion>& version)
+QString Notice(const QString& file, const DocumentReading& found, DocumentAccess access,
+               const std::optional<QString>& quarantined, const std::optional<ReadableVersion>& version)
 {
     const QString what = found.state == DocumentReading::State::Damaged
                              ? QStringLiteral("%1 is damaged (%2)").arg(file, found.error)
                              : QStringLiteral("%1 cannot be read").arg(file);
-    const QString where = quarantined ? QStringLiteral("quarantined as %1").arg(*quarantined)
-                                      : QStringLiteral("and could not be moved aside, so nothing is saved to it");
+    QString where = QStringLiteral("and could not be moved aside, so nothing is saved to it");
+    if (quarantined)
+        where = QStringLiteral("quarantined as %1").arg(*quarantined);
+    else if (access == DocumentAccess::ReadOnly)
+        where = QStringLiteral("and is left as it is");
     const QString instead = version ? QStringLiteral("using the version of %1 instead")
                                           .arg(version->version.saved.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
                                     : QStringLiteral("it has no version that can be read, so it begins empty");
@@ -55,7 +58,7 @@ LoadedDocument LoadDocument(const QString& file, DocumentAccess access)
     loaded.isQuarantined = isLocked && transaction.Quarantine();
     loaded.isInPlace = loaded.isQuarantined && Repair(transaction, file, version);
     transaction.Commit();
-    loaded.notice = Notice(file, loaded.reading, transaction.Quarantined(), version);
+    loaded.notice = Notice(file, loaded.reading, access, transaction.Quarantined(), version);
     loaded.reading = version ? std::move(version->reading)
                              : DocumentReading{DocumentReading::State::Missing, {}, DocumentText::Values(), {}};
     return loaded;

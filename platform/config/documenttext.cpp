@@ -3,9 +3,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
-#include <QVariant>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -29,6 +29,20 @@ bool IsForbidden(char byte)
     return byte >= 0 && byte < ' ' && byte != '\n' && byte != '\r' && byte != '\t';
 }
 
+/// None for what a text cannot represent exactly, such as a number with more digits than a double has.
+std::optional<QString> TextOf(const QJsonValue& value)
+{
+    constexpr double kLargestExact = 9007199254740992; // 2^53
+    if (value.isString())
+        return value.toString();
+    if (value.isBool())
+        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    const double number = value.toDouble();
+    if (value.isDouble() && std::abs(number) <= kLargestExact && number == std::floor(number))
+        return QString::number(static_cast<qint64>(number));
+    return std::nullopt;
+}
+
 } // namespace
 
 DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
@@ -39,17 +53,17 @@ DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
         return MalformedAt(text, error.offset, error.errorString());
     if (const auto at = std::find_if(text.begin(), text.end(), IsForbidden); at != text.end())
         return MalformedAt(text, at - text.begin(), QStringLiteral("control character"));
-    const QJsonValue members = document.object().value(kValues);
-    if (!members.isObject())
-        return Malformed(QStringLiteral("there is no object \"values\""));
+    const QJsonObject root = document.object();
+    if (root.size() != 1 || !root.value(kValues).isObject())
+        return Malformed(QStringLiteral("it is not an object with the one member \"values\""));
 
     Values values;
-    const QJsonObject object = members.toObject();
-    for (auto it = object.begin(); it != object.end(); ++it) {
-        const QJsonValue value = it.value();
-        if (!value.isString() && !value.isDouble() && !value.isBool())
-            return Malformed(QStringLiteral("the value of \"%1\" is not a text").arg(it.key()));
-        values.insert(values.cend(), it.key(), value.toVariant().toString());
+    const QJsonObject members = root.value(kValues).toObject();
+    for (auto it = members.begin(); it != members.end(); ++it) {
+        const std::optional<QString> value = TextOf(it.value());
+        if (!value)
+            return Malformed(QStringLiteral("write the value of \"%1\" as a text").arg(it.key().left(80).simplified()));
+        values.insert(values.cend(), it.key(), *value);
     }
     return {values, {}};
 }

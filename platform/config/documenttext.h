@@ -27,8 +27,8 @@ struct Parsed
     QString error;                ///< where and why it is malformed: "line 3: missing value separator"
 };
 
-/// Reads a text. Numbers and booleans, which people may type, are read as their text. Any QString that was written
-/// comes back unchanged, also with unpaired surrogates.
+/// Reads a text. Integers and booleans, which people may type, are read as their text; of a key that appears twice, the
+/// last value counts. Any QString that was written comes back unchanged, also with unpaired surrogates.
 Parsed Parse(const QByteArray& text);
 
 /// Writes `values` as indented UTF-8, sorted by key path.

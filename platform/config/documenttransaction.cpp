@@ -1,6 +1,7 @@
 #include "platform/config/documenttransaction.h"
 
 #include "files/atomicfile.h"
+#include "platform/tracing.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -25,7 +26,7 @@ DocumentTransaction::DocumentTransaction(QString file)
 
 DocumentTransaction::~DocumentTransaction()
 {
-    if (m_isCommitted)
+    if (m_isFinal)
         return;
     if (m_kept && m_kept->outcome == VersionFolder::Outcome::Added)
         QFile::remove(m_kept->file);
@@ -36,17 +37,24 @@ DocumentTransaction::~DocumentTransaction()
 bool DocumentTransaction::Begin()
 {
     if (!CreateFolder(QFileInfo(m_file).absolutePath()))
-        return Fail("its folder cannot be created");
+        return Fail(QStringLiteral("its folder cannot be created"));
     QString error;
-    switch (m_lock.Lock(m_file + QStringLiteral(".lock"), kLockTimeout, &error)) {
+    const QString lockName = m_file + QStringLiteral(".lock");
+    switch (m_lock.Lock(lockName, kLockTimeout, &error)) {
     case FileLock::Result::Locked:
-    case FileLock::Result::Unsupported: // the file system has no locks: saving without one beats not saving
+        RemoveTemporaryFiles(m_file);
+        RemoveAllTemporaryFiles(m_versions.Path());
+        break;
+    case FileLock::Result::Unsupported: // saving without a lock is better than not saving
+        Trace("platform/config/documenttransaction", __LINE__, [&] {
+            return QStringLiteral("DocumentTransaction::Begin(): The file system of %1 has no locks").arg(m_file);
+        });
         break;
     case FileLock::Result::Busy:
+        return Fail(QStringLiteral("another process holds its lock %1").arg(lockName));
     case FileLock::Result::Failed:
-        return Fail("its lock cannot be taken");
+        return Fail(QStringLiteral("its lock cannot be taken: %1").arg(error));
     }
-    RemoveTemporaryFiles(m_file);
     m_before = ReadDocument(m_file);
     return true;
 }
@@ -55,20 +63,21 @@ bool DocumentTransaction::Quarantine()
 {
     if (!m_quarantined)
         m_quarantined = QuarantineDocument(m_file);
-    return m_quarantined || Fail("the existing file or folder can neither be read nor moved aside");
+    return m_quarantined || Fail(QStringLiteral("the existing file or folder can neither be read nor moved aside"));
 }
 
 bool DocumentTransaction::KeepBefore(VersionPolicy policy)
 {
     m_kept = m_versions.Keep(m_before.content);
     const bool isKept = m_kept->outcome != VersionFolder::Outcome::Failed;
-    return isKept || policy == VersionPolicy::BestEffort || Fail("the present state cannot be kept as a version");
+    return isKept || policy == VersionPolicy::BestEffort ||
+           Fail(QStringLiteral("the present state cannot be kept as a version"));
 }
 
 bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy policy)
 {
     if (content.size() > kLargestDocument)
-        return Fail("it would be too large to be read again");
+        return Fail(QStringLiteral("it would be too large to be read again"));
     switch (m_before.state) {
     case DocumentReading::State::Missing:
         break;
@@ -84,20 +93,21 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
             return false;
         break;
     case DocumentReading::State::Unavailable:
-        return Fail("the existing file cannot be read at the moment");
+        return Fail(QStringLiteral("the existing file cannot be read at the moment"));
     }
-    return ReplaceDocument(m_file, content) || Fail("the file cannot be written");
+    m_isFinal = ReplaceDocument(m_file, content);
+    return m_isFinal || Fail(QStringLiteral("the file cannot be written"));
 }
 
 void DocumentTransaction::Commit()
 {
-    m_isCommitted = true;
+    m_isFinal = true;
     if (m_kept)
         m_versions.Prune();
 }
 
-bool DocumentTransaction::Fail(const char* error)
+bool DocumentTransaction::Fail(const QString& error)
 {
-    m_error = QString::fromLatin1(error);
+    m_error = error;
     return false;
 }

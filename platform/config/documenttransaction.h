@@ -9,8 +9,8 @@
 
 #include <optional>
 
-/// One change of a document's file. Holds the document's lock from `Begin` to the end of its life. What it has done
-/// is undone unless `Commit` was called.
+/// One change of a document's file. Holds the document's lock from `Begin` until it is destroyed. The destructor undoes
+/// what was done, unless the document was replaced or `Commit` was called.
 class DocumentTransaction
 {
 public:
@@ -41,7 +41,7 @@ public:
     /// see `Error`.
     bool Replace(const QByteArray& content, VersionPolicy policy);
 
-    /// Makes everything that was done permanent.
+    /// Makes everything that was done permanent, and removes surplus versions.
     void Commit();
 
     /// The quarantined document's file; none where nothing was quarantined.
@@ -50,10 +50,8 @@ public:
     /// Why the last operation failed: the end of a sentence.
     const QString& Error() const { return m_error; }
 
-    /// Sets `Error`; returns false.
-    bool Fail(const char* error);
-
 private:
+    bool Fail(const QString& error);
     bool KeepBefore(VersionPolicy policy);
 
     const QString m_file;
@@ -62,6 +60,6 @@ private:
     DocumentReading m_before;
     std::optional<QString> m_quarantined;
     std::optional<VersionFolder::Kept> m_kept; // what `Replace` did to the versions
-    bool m_isCommitted = false;
+    bool m_isFinal = false;                    // nothing is undone any more
     QString m_error;
 };

@@ -133,8 +133,6 @@ void VersionFolder::Prune() const
                         .arg(folder + names.at(i));
                 });
     }
-
-    RemoveAllTemporaryFiles(Path());
 }
 
 QString VersionFolder::NextName(const QString& newest) const

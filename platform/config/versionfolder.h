@@ -35,8 +35,7 @@ public:
     /// replacement. Call only while holding the document's lock.
     Kept Keep(const QByteArray& content) const;
 
-    /// Removes the oldest versions beyond ten, and temporary files of killed processes. Call only while holding the
-    /// document's lock.
+    /// Removes the oldest versions beyond ten. Call only while holding the document's lock.
     void Prune() const;
 
 private:

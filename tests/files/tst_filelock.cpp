@@ -82,6 +82,16 @@ private slots:
         QVERIFY(!m_error.isEmpty());
     }
 
+    void folderInItsPlaceFails()
+    {
+        QVERIFY(QDir().mkdir(m_path));
+        FileLock lock;
+        QCOMPARE(lock.TryLock(m_path, &m_error), Result::Failed);
+        QVERIFY(!m_error.isEmpty());
+        QCOMPARE(FileLock::Query(m_path), FileLock::State::Free);
+        QVERIFY(QDir().rmdir(m_path));
+    }
+
 private:
     const QTemporaryDir m_directory;
     const QString m_path = m_directory.filePath(QStringLiteral("lock"));

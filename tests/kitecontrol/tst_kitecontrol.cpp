@@ -167,7 +167,7 @@ void TestKiteControl::damagedConfigurationIsNotChanged()
     QVERIFY(damaged > 0);
     const QMap<QString, QByteArray> before = FilesBelow(m_sStore);
     Run(kProgram, ServerArguments(QStringLiteral("Mast")));
-    QVERIFY(m_printed.contains(QStringLiteral("finding: the configuration directory cannot be read")));
+    QVERIFY(m_printed.contains(QStringLiteral("finding: the records cannot be read")));
     QVERIFY(!m_printed.contains(QStringLiteral("record: ConnectData0")));
     QCOMPARE(FilesBelow(m_sStore), before);
 }

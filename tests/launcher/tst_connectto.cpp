@@ -1,3 +1,4 @@
+#include "files/filelock.h"
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
@@ -12,7 +13,6 @@
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QAbstractItemModelTester>
-#include <QLockFile>
 #include <QSignalSpy>
 #include <QTemporaryFile>
 #include <QTest>
@@ -161,8 +161,9 @@ void TestConnectTo::childInheritsNoHandles()
     // A host has open files, locks, sockets and other children when it starts applications.
     QTemporaryFile file;
     QVERIFY(file.open());
-    QLockFile lock(file.fileName() + s(".lock"));
-    QVERIFY(lock.tryLock());
+    FileLock lock;
+    QString error;
+    QCOMPARE(lock.TryLock(file.fileName() + s(".lock"), &error), FileLock::Result::Locked);
     const TestServer link;
     const auto caller = CallerOf(link.port);
     QTRY_COMPARE(link.callback.Count(RecordingCallback::Open), 1);

@@ -439,15 +439,26 @@ private slots:
         QCOMPARE(Document()->GetString(kOther, kNone, 0), kOther);
     }
 
+    void noticeNamesTheDamagedLine_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("trailing comma") << QByteArray("{\n  \"values\": {\n    \"Key\": \"Value\",\n  }\n}")
+                                        << QStringLiteral("line 4: ");
+        QTest::newRow("comment") << QByteArray("{\n  \"values\": {\n    // mast\n    \"Key\": \"Value\"\n  }\n}")
+                                 << QStringLiteral("line 3: ");
+    }
     void noticeNamesTheDamagedLine()
     {
-        QVERIFY(Files::Write(DocumentFile(), "{\n  \"values\": {\n    \"Key\": \"Value\",\n  }\n}"));
+        QFETCH(QByteArray, content);
+        QFETCH(QString, line);
+        QVERIFY(Files::Write(DocumentFile(), content));
         QStringList notices;
-        CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
+        CfgCenter::SetNoticeSink([&](const QString& notice) { notices += notice; });
         Document();
         CfgCenter::SetNoticeSink({});
         QCOMPARE(notices.size(), 1);
-        QVERIFY2(notices.front().contains(DocumentFile() + QStringLiteral(" is damaged (line 4: ")),
+        QVERIFY2(notices.front().contains(DocumentFile() + QStringLiteral(" is damaged (") + line),
                  qPrintable(notices.front()));
     }
 

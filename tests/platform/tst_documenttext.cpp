@@ -76,11 +76,11 @@ private slots:
             QVERIFY2(!Parse(text.first(length)).values, text.first(length).constData());
     }
 
-    void typedNumbersAndBooleansAreTexts()
+    void typedIntegersAndBooleansAreTexts()
     {
-        const auto parsed = Parse(R"({"values": {"a": 5, "b": -1.5, "c": true, "d": 1000000000000}})");
+        const auto parsed = Parse(R"({"values": {"a": 5, "b": -1, "c": true, "d": 1000000000000}})");
         QCOMPARE(parsed.values, Values({{QStringLiteral("a"), QStringLiteral("5")},
-                                        {QStringLiteral("b"), QStringLiteral("-1.5")},
+                                        {QStringLiteral("b"), QStringLiteral("-1")},
                                         {QStringLiteral("c"), QStringLiteral("true")},
                                         {QStringLiteral("d"), QStringLiteral("1000000000000")}}));
     }
@@ -97,21 +97,28 @@ private slots:
         QTest::addColumn<QString>("beginning");
         QTest::newRow("nothing") << QByteArray() << QStringLiteral("line 1: ");
         QTest::newRow("comment") << QByteArray("{\n  \"values\": {\n    // mast\n    \"a\": \"1\"\n  }\n}")
-                                 << QStringLiteral("line ");
+                                 << QStringLiteral("line 3: ");
         QTest::newRow("trailing comma") << QByteArray("{\n  \"values\": {\n    \"a\": \"1\",\n  }\n}")
                                         << QStringLiteral("line 4: ");
         QTest::newRow("missing comma") << QByteArray("{\n  \"values\": {\n    \"a\": \"1\"\n    \"b\": \"2\"\n  }\n}")
-                                       << QStringLiteral("line ");
+                                       << QStringLiteral("line 4: ");
         QTest::newRow("text after the end") << QByteArray("{\n  \"values\": {}\n}\n}") << QStringLiteral("line 4: ");
         QTest::newRow("not UTF-8") << QByteArray("{\"values\": {\n\"a\": \"\xff\"}}") << QStringLiteral("line 2: ");
         QTest::newRow("null bytes in a string")
             << QByteArray("{\"values\": {\n\"a\": \"b\0\0\"}}", 25) << QStringLiteral("line 2: ");
-        QTest::newRow("array") << QByteArray("[]") << QStringLiteral("there is no object \"values\"");
-        QTest::newRow("no values") << QByteArray("{}") << QStringLiteral("there is no object \"values\"");
+        QTest::newRow("array") << QByteArray("[]") << QStringLiteral("it is not an object with ");
+        QTest::newRow("no values") << QByteArray("{}") << QStringLiteral("it is not an object with ");
         QTest::newRow("values is a string")
-            << QByteArray(R"({"values": "a"})") << QStringLiteral("there is no object \"values\"");
-        QTest::newRow("null") << QByteArray(R"({"values": {"a": null}})") << QStringLiteral("the value of \"a\" is ");
-        QTest::newRow("object") << QByteArray(R"({"values": {"a": {}}})") << QStringLiteral("the value of \"a\" is ");
+            << QByteArray(R"({"values": "a"})") << QStringLiteral("it is not an object with ");
+        QTest::newRow("another member") << QByteArray(R"({"note": "", "values": {}})")
+                                        << QStringLiteral("it is not an object with ");
+        QTest::newRow("fraction") << QByteArray(R"({"values": {"a": 1.10}})") << QStringLiteral("write the value of ");
+        QTest::newRow("too many digits") << QByteArray(R"({"values": {"a": 12345678901234567890}})")
+                                         << QStringLiteral("write the value of ");
+        QTest::newRow("null") << QByteArray(R"({"values": {"a": null}})")
+                              << QStringLiteral("write the value of \"a\" as a text");
+        QTest::newRow("object") << QByteArray(R"({"values": {"a": {}}})")
+                                << QStringLiteral("write the value of \"a\" as a text");
     }
     void errorNamesTheLine()
     {

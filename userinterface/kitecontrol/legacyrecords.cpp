@@ -25,7 +25,7 @@ LegacyRecords LegacyRecords::FromDirectory(const QString& directory)
     CfgCenter::Close();
     if (result.records.empty()) {
         result.problem = isReadable ? QStringLiteral("the configuration holds no records")
-                                    : QStringLiteral("the configuration directory cannot be read");
+                                    : QStringLiteral("the records cannot be read");
     }
     return result;
 }
