@@ -20,8 +20,8 @@ void ShutdownSending(qintptr handle)
 PeerEvent WaitForPeer(qintptr handle, QDeadlineTimer deadline)
 {
     const auto socket = static_cast<SOCKET>(handle);
-    char byte = 0;
-    WSABUF buffer{1, &byte};
+    char received = 0;
+    WSABUF buffer{1, &received};
     WSAOVERLAPPED reading{};
     reading.hEvent = WSACreateEvent();
     DWORD count = 0;

@@ -69,7 +69,7 @@ private slots:
         HostSetUp setUp;
         setUp.Fill("mast");
         setUp.Write(setUp.Config() + QStringLiteral("/application/Administration.json"),
-                    R"({"values": {"VexelDataDir": ")" + place.toUtf8() + "\"}}");
+                    "{\"values\": {\"VexelDataDir\": \"" + place.toUtf8() + "\"}}");
         const auto result = setUp.Run("--trace --list");
         QCOMPARE(result.exitCode, 0);
         QVERIFY2(result.output.contains(QLatin1String("mast")), qPrintable(result.output));
