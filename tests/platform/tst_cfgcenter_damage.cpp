@@ -1,9 +1,9 @@
 #include "files/filelock.h"
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
-#include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
+#include "tests/support/tracerecorder.h"
 
 #include <QDateTime>
 #include <QFileInfo>

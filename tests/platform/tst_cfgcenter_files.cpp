@@ -2,9 +2,9 @@
 #include "platform/cfgcenter.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
-#include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
+#include "tests/support/tracerecorder.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
-#include "tests/platform/tracerecorder.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
+#include "tests/support/tracerecorder.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>
