@@ -536,8 +536,9 @@ void TestConnectTo::manyStartsLeakNothing()
 {
     Install({{s("Kite"), {1}}});
     m_pModel->AddConnection(Entry("a", 1));
+    constexpr int kStarts = 50;
     qsizetype handles = 0;
-    for (int run = 0; run < 200; ++run) {
+    for (int run = 0; run < kStarts; ++run) {
         QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
         QVERIFY(WaitForEnd());
         QTRY_COMPARE(m_pCounter->children().size(), 0);
@@ -545,7 +546,7 @@ void TestConnectTo::manyStartsLeakNothing()
         if (run == 0)
             handles = System::OpenHandles();
     }
-    QCOMPARE(m_pChild->Count(), 200);
+    QCOMPARE(m_pChild->Count(), kStarts);
     // The event loop deletes the processes.
     QTRY_COMPARE(System::OpenHandles(), handles);
     QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
