@@ -65,7 +65,7 @@ public:
     QPushButton* connectButton = nullptr;
 };
 
-/// The parts of the fake dialog that is there.
+/// The parts of the open fake dialog.
 inline ConnectDialog FindDialog()
 {
     QString error;
