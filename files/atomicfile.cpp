@@ -1,6 +1,7 @@
 #include "files/atomicfile.h"
 
 #include "files/foldersync.h"
+#include "files/privatefile.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSaveFile>
+#include <QScopeGuard>
 #include <QTemporaryFile>
 
 #include <filesystem>
@@ -47,7 +49,7 @@ void RemoveMatching(QDir folder, const QString& mark)
 
 } // namespace
 
-Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* isDurable)
+Attempt WriteAtomically(const QString& file, const QByteArray& content, FileAccess access, bool* isDurable)
 {
     const QFileInfo target = ResolveLinks(file);
     if (target.exists() && !target.isWritable())
@@ -60,6 +62,10 @@ Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* is
                                   QStringLiteral("%1-%2")
                                       .arg(NameHash(target))
                                       .arg(QRandomGenerator::global()->generate64(), 16, 16, QChar(u'0'));
+    // QSaveFile takes over the permissions of the file that it replaces.
+    if (access == FileAccess::Private && !CreatePrivateFile(temporaryName))
+        return Attempt::Failed;
+    auto removeTemporaryFile = qScopeGuard([&temporaryName] { QFile::remove(temporaryName); });
     QSaveFile saveFile(temporaryName);
     // A failure before the rename, such as a full disk, is not temporary.
     if (!saveFile.open(QIODevice::WriteOnly) || saveFile.write(content) != content.size() || !saveFile.flush())
@@ -71,37 +77,46 @@ Attempt WriteAtomically(const QString& file, const QByteArray& content, bool* is
 
     std::error_code error;
     std::filesystem::rename(QFileInfo(temporaryName).filesystemFilePath(), target.filesystemFilePath(), error);
-    if (error) {
-        QFile::remove(temporaryName);
+    if (error)
         return Attempt::Busy;
-    }
+    removeTemporaryFile.dismiss();
     const bool isSynced = SyncFolder(folder);
     if (isDurable)
         *isDurable = isSynced;
     return Attempt::Done;
 }
 
-QString ReplaceRegularFile(const QString& file, const QByteArray& content)
+QString WriteWithRetries(const QString& file, const QByteArray& content, FileAccess access, bool* isDurable)
+{
+    Attempt last = Attempt::Done;
+    if (Retry([&] { return last = WriteAtomically(file, content, access, isDurable); }))
+        return {};
+    const QFileInfo target = ResolveLinks(file);
+    if (target.exists() && !target.isWritable())
+        return QStringLiteral("it is write-protected");
+    if (const QString obstacle = CreationObstacle(target.absolutePath(), content); !obstacle.isEmpty())
+        return obstacle;
+    return last == Attempt::Busy ? QStringLiteral("it cannot be replaced; another program may have it open")
+                                 : QStringLiteral("it could not be written a moment ago");
+}
+
+QString ReplaceRegularFile(const QString& file, const QByteArray& content, FileAccess access)
 {
     const QFileInfo former(file);
     if (former.exists() && !former.isFile())
         return QStringLiteral("not a regular file");
-    Attempt last = Attempt::Done;
-    if (Retry([&] { return last = WriteAtomically(file, content); }))
-        return {};
-    if (former.exists() && !former.isWritable())
-        return QStringLiteral("it is write-protected");
-    if (const QString obstacle = CreationObstacle(ResolveLinks(file).absolutePath()); !obstacle.isEmpty())
-        return obstacle;
-    return last == Attempt::Busy ? QStringLiteral("it cannot be replaced; another program may have it open")
-                                 : QStringLiteral("no room");
+    return WriteWithRetries(file, content, access);
 }
 
 QString CreationObstacle(const QString& folder, const QByteArray& content)
 {
     QTemporaryFile probe(folder + QStringLiteral("/.probe-XXXXXX"));
-    const bool isCreated = probe.open() && probe.write(content) == content.size() && probe.flush();
-    return isCreated ? QString() : probe.errorString();
+    if (probe.open() && probe.write(content) == content.size() && probe.flush())
+        return {};
+    // A write that stopped half-way sets no error, but the next one does.
+    if (probe.isOpen() && probe.putChar(' '))
+        probe.flush();
+    return probe.errorString();
 }
 
 bool CreateFolder(const QString& folder)
@@ -117,7 +132,7 @@ bool CreateFolder(const QString& folder)
     if (isMachine || parent.size() >= path.size())
         return false;
     // Another process may create it at the same time.
-    if (!CreateFolder(parent) || (!QDir(parent).mkdir(info.fileName()) && !QFileInfo(folder).isDir()))
+    if (!CreateFolder(parent) || (!CreatePrivateFolder(path) && !QFileInfo(folder).isDir()))
         return false;
     SyncFolder(parent); // the document in it reports a failure as not durable
     return true;

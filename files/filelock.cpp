@@ -1,7 +1,38 @@
 #include "files/filelock.h"
 
+#include "files/boundedfile.h"
+
+#include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QSysInfo>
 #include <QThread>
+
+namespace {
+
+/// The format of QLockFile, so that tools for its files can read this one.
+QByteArray HolderContent()
+{
+    return QByteArray::number(QCoreApplication::applicationPid()) + '\n' +
+           QCoreApplication::applicationName().toUtf8() + '\n' + QSysInfo::machineHostName().toUtf8() + '\n';
+}
+
+} // namespace
+
+QString FileLock::Holder::Text() const
+{
+    if (process == 0)
+        return {};
+    const QString text = QStringLiteral("process %1 (%2)").arg(QString::number(process), program);
+    return machine == QSysInfo::machineHostName() ? text : QStringLiteral("%1 on %2").arg(text, machine);
+}
+
+FileLock::Result FileLock::TryLock(const QString& path, QString* error)
+{
+    const Result result = TryOpen(path, error);
+    if (result == Result::Locked || result == Result::Unsupported)
+        Write(HolderContent());
+    return result;
+}
 
 FileLock::Result FileLock::Lock(const QString& path, std::chrono::milliseconds timeout, QString* error)
 {
@@ -13,4 +44,15 @@ FileLock::Result FileLock::Lock(const QString& path, std::chrono::milliseconds t
         result = TryLock(path, error);
     }
     return result;
+}
+
+FileLock::Holder FileLock::ReadHolder(const QString& path)
+{
+    constexpr qint64 kMaximumSize = 4096;
+    const QList<QByteArray> lines = ReadRegularFile(path, kMaximumSize).value_or(QByteArray()).split('\n');
+    bool isNumber = false;
+    const qint64 process = lines.constFirst().toLongLong(&isNumber);
+    if (!isNumber || process <= 0 || lines.size() < 3)
+        return {};
+    return {process, QString::fromUtf8(lines.at(1)), QString::fromUtf8(lines.at(2))};
 }

@@ -20,6 +20,17 @@ public:
     };
     /// The state of a lock seen from outside.
     enum class State { Free, Locked, Unknown };
+    /// The process that took a lock, as the lock's file names it. A killed process leaves its name there, so this means
+    /// something only while the file is locked.
+    struct Holder
+    {
+        qint64 process = 0; ///< process ID; 0 if unknown
+        QString program;
+        QString machine;
+
+        /// "process 4711 (vexelhost)", with the machine where it is not this one; empty if unknown.
+        QString Text() const;
+    };
 
     FileLock() = default;
     /// Releases the lock and removes the file.
@@ -28,19 +39,24 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    /// Takes the lock, creating `path` if necessary. Never blocks; may be retried after `Busy`. Sets `error` on
-    /// `Failed`.
+    /// Takes the lock, creating `path` if necessary, for the owner alone, and writes this process into it as its
+    /// holder. Never blocks; may be retried after `Busy`. Sets `error` on `Failed`.
     Result TryLock(const QString& path, QString* error);
     /// Calls `TryLock` until the result is not `Busy` or `timeout` has passed.
     Result Lock(const QString& path, std::chrono::milliseconds timeout, QString* error);
-    /// Replaces the file's content, which others can read. Only informative: errors, such as a full disk, are ignored.
+
+    /// Replaces the file's content, which names the holder. Only informative: errors, such as a full disk, are ignored.
     /// Call this only after `Locked` or `Unsupported`.
     void Write(const QByteArray& content) const;
 
     /// Returns the state of the lock file `path` without taking or changing it.
     static State Query(const QString& path);
+    /// Returns who is named in the lock file `path`.
+    static Holder ReadHolder(const QString& path);
 
 private:
+    Result TryOpen(const QString& path, QString* error);
+
     QString m_path;        // empty unless locked
     qintptr m_handle = -1; // native handle
 };

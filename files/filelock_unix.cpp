@@ -47,11 +47,11 @@ FileLock::~FileLock()
         ::close(static_cast<int>(m_handle));
 }
 
-FileLock::Result FileLock::TryLock(const QString& path, QString* error)
+FileLock::Result FileLock::TryOpen(const QString& path, QString* error)
 {
     const QByteArray name = QFile::encodeName(path);
     for (;;) {
-        const int descriptor = ::open(name.constData(), O_RDWR | O_CREAT | kFlags, 0666);
+        const int descriptor = ::open(name.constData(), O_RDWR | O_CREAT | kFlags, 0600);
         if (descriptor == -1) {
             *error = qt_error_string(errno);
             return Result::Failed;

@@ -31,7 +31,7 @@ FileLock::~FileLock()
     DeleteFileW(NativePath(m_path).c_str());
 }
 
-FileLock::Result FileLock::TryLock(const QString& path, QString* error)
+FileLock::Result FileLock::TryOpen(const QString& path, QString* error)
 {
     const HANDLE file = CreateFileW(NativePath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -6,15 +6,32 @@
 #include "platform/config/confignode.h"
 #include "platform/tracing.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStringList>
 
+#include <future>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
+
+using Documents = std::vector<std::shared_ptr<ConfigDocument>>;
+using SaveRequests = std::vector<ConfigDocument::SaveRequest>;
+using SaveResults = std::vector<ConfigDocument::SaveResult>;
+
+/// A save that runs in another thread.
+struct BackgroundSave
+{
+    quint64 number = 0;
+    Documents documents;
+    std::future<SaveResults> results;
+    std::function<void(bool)> done;
+};
 
 /// What `CfgCenter` holds for the process.
 struct Store
@@ -23,6 +40,8 @@ struct Store
     DocumentAccess access = DocumentAccess::ReadWrite;
     std::map<QString, std::shared_ptr<ConfigDocument>> documents;                 // by file, relative to the store
     std::map<std::pair<QString, QString>, std::unique_ptr<ConfigNode>> rootNodes; // by that file and the key path
+    std::optional<BackgroundSave> backgroundSave;
+    QString saveError;
 };
 
 Store& TheStore()
@@ -41,6 +60,52 @@ void Tell(const QString& notice)
 {
     if (!notice.isEmpty() && TheNoticeSink())
         TheNoticeSink()(notice);
+}
+
+SaveRequests BeginSave(Documents& documents)
+{
+    SaveRequests requests;
+    for (const auto& [file, document] : TheStore().documents) {
+        if (auto request = document->BeginSave()) {
+            documents.push_back(document);
+            requests.push_back(std::move(*request));
+        }
+    }
+    return requests;
+}
+
+SaveResults RunSave(const SaveRequests& requests)
+{
+    SaveResults results;
+    for (const ConfigDocument::SaveRequest& request : requests)
+        results.push_back(ConfigDocument::RunSave(request));
+    return results;
+}
+
+bool FinishSave(const Documents& documents, const SaveResults& results)
+{
+    QStringList errors;
+    QStringList notices;
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        documents[i]->FinishSave(results[i]);
+        if (!results[i].error.isEmpty())
+            errors += results[i].error;
+        notices += documents[i]->TakeNotice();
+    }
+    TheStore().saveError = errors.join(QStringLiteral("; "));
+    for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
+        Tell(notice);
+    return errors.isEmpty();
+}
+
+/// Waits for the save that runs in another thread, if there is one.
+void FinishBackgroundSave()
+{
+    if (std::optional<BackgroundSave> save = std::exchange(TheStore().backgroundSave, std::nullopt)) {
+        const bool isSaved = FinishSave(save->documents, save->results.get());
+        if (save->done)
+            save->done(isSaved);
+    }
 }
 
 ICfg* RootNode(const QString& file, const QString& path)
@@ -92,15 +157,34 @@ ICfg* CfgCenter::CreateCfg(const QString& name, View view, const QString& sub)
 
 bool CfgCenter::SaveDocument()
 {
-    bool isSaved = true;
-    QStringList notices;
-    for (const auto& [file, document] : TheStore().documents) {
-        isSaved = document->Save() && isSaved;
-        notices += document->TakeNotice();
-    }
-    for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
-        Tell(notice);
-    return isSaved;
+    FinishBackgroundSave();
+    Documents documents;
+    const SaveRequests requests = BeginSave(documents);
+    return FinishSave(documents, RunSave(requests));
+}
+
+void CfgCenter::SaveDocumentAsync(std::function<void(bool isSaved)> done)
+{
+    FinishBackgroundSave();
+    Documents documents;
+    SaveRequests requests = BeginSave(documents);
+    static quint64 number = 0;
+    const auto finish = [number = ++number] {
+        if (TheStore().backgroundSave && TheStore().backgroundSave->number == number)
+            FinishBackgroundSave();
+    };
+    auto work = [requests = std::move(requests), finish] {
+        SaveResults results = RunSave(requests);
+        QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
+        return results;
+    };
+    // If no thread can be created, this runs when the result is needed.
+    TheStore().backgroundSave = {number, std::move(documents), std::async(std::move(work)), std::move(done)};
+}
+
+QString CfgCenter::SaveError()
+{
+    return TheStore().saveError;
 }
 
 bool CfgCenter::Open(const QString& directory)
@@ -138,6 +222,7 @@ bool CfgCenter::OpenReadOnly(const QString& directory)
 
 void CfgCenter::Close()
 {
+    FinishBackgroundSave();
     TheStore() = Store();
 }
 
@@ -150,6 +235,12 @@ bool CfgCenter::IsAppCfgKnown(View view)
 {
     GetAppCfg(view);
     return TheStore().documents.at(ConfigNames::ApplicationFile(view))->IsKnown();
+}
+
+bool CfgCenter::WasAppCfgIntact(View view)
+{
+    GetAppCfg(view);
+    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->WasIntact();
 }
 
 void CfgCenter::SetNoticeSink(std::function<void(const QString&)> sink)

@@ -33,6 +33,13 @@ public:
     /// tries again.
     static bool SaveDocument();
 
+    /// Host side: returns why the last save failed: a sentence for people that names the file. Empty if it did not.
+    static QString SaveError();
+
+    /// Host side: as `SaveDocument`, but writes in another thread. `done` is called on the GUI thread, by the event
+    /// loop or by whatever has to wait for the end of this save: the next save, `Open` and `Close`.
+    static void SaveDocumentAsync(std::function<void(bool isSaved)> done);
+
     /// Host side: opens `directory` as the store and creates it if missing. Drops every document, as `Close` does.
     /// Returns false, with a trace, if the directory cannot be used; documents then exist in memory only.
     static bool Open(const QString& directory);
@@ -57,8 +64,13 @@ public:
     /// the document then appears empty and cannot be saved.
     static bool IsAppCfgKnown(View view);
 
-    /// Host side: sets the function that receives a notice when a document cannot be read, on first access or while
-    /// saving. A notice is one line of plain English that says where the file was kept and what is used instead; it is
-    /// traced as well. An empty `sink`, the default, discards notices. `Open` and `Close` leave the sink in place.
+    /// Host side: returns false if something else than `CfgCenter` had written the values of the application's document
+    /// in `view` when it was opened. They are used, and the text as it was found is among the versions.
+    static bool WasAppCfgIntact(View view);
+
+    /// Host side: sets the function that receives a notice when a document cannot be read or kept as a version, on
+    /// first access or while saving. A notice is one line of plain English that says where the file was kept and what
+    /// is used instead; it is traced as well. An empty `sink`, the default, discards notices. `Open` and `Close` leave
+    /// the sink in place.
     static void SetNoticeSink(std::function<void(const QString&)> sink);
 };

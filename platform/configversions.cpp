@@ -111,10 +111,11 @@ bool ConfigVersions::Restore(const ConfigVersion& version, QString* quarantined)
     const DocumentReading wanted = ReadDocument(version.file);
     if (wanted.state != DocumentReading::State::Valid)
         return fail(__LINE__, QStringLiteral("the version cannot be read"));
-    if (!transaction.Replace(wanted.content, DocumentTransaction::VersionPolicy::Required))
+    const QByteArray content = wanted.isIntact ? wanted.content : DocumentText::Write(*wanted.values);
+    if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::Required))
         return fail(__LINE__, transaction.Error());
     transaction.Commit();
     if (quarantined)
-        *quarantined = transaction.Quarantined().value_or(QString());
+        *quarantined = transaction.QuarantinedFile();
     return true;
 }

@@ -1,10 +1,8 @@
 #include "platform/instancelock.h"
 
 #include "files/atomicfile.h"
-#include "files/boundedfile.h"
 #include "files/filelock.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QSysInfo>
 
@@ -17,39 +15,14 @@ namespace {
 // On some systems a query holds the lock for a moment, and a host that ends may need a moment to release it.
 constexpr auto kTimeout = 500ms;
 
-/// The holder named in a lock file. Valid only while the file is locked, because a killed host leaves its name there.
-struct Holder
-{
-    qint64 process = 0; // 0 if the file is not readable
-    QString machine;
-};
-
 QString LockFilePath(const QString& directory)
 {
     return directory + QStringLiteral("/vexelhost.lock");
 }
 
-// The format of QLockFile, so that tools for its files can read this one.
-QByteArray LockFileContent()
-{
-    return QByteArray::number(QCoreApplication::applicationPid()) + "\nvexelhost\n" +
-           QSysInfo::machineHostName().toUtf8() + '\n';
-}
-
-Holder ReadHolder(const QString& fileName)
-{
-    constexpr qint64 kMaximumSize = 4096;
-    const QList<QByteArray> lines = ReadRegularFile(fileName, kMaximumSize).value_or(QByteArray()).split('\n');
-    bool isNumber = false;
-    const qint64 process = lines.constFirst().toLongLong(&isNumber);
-    if (!isNumber || process <= 0 || lines.size() < 3)
-        return {};
-    return {process, QString::fromUtf8(lines.at(2))};
-}
-
 QString BusyMessage(const QString& file, const QString& directory)
 {
-    const Holder holder = ReadHolder(file);
+    const FileLock::Holder holder = FileLock::ReadHolder(file);
     const QString native = QDir::toNativeSeparators(directory);
     if (holder.process == 0) {
         return QStringLiteral("another host uses the configuration directory %1; kitestarter brings its dialog, if "
@@ -102,7 +75,6 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
         m_file.reset();
         return Result::Unusable;
     }
-    m_file->Write(LockFileContent());
     m_errorText.clear();
     return Result::Locked;
 }
@@ -114,7 +86,7 @@ InstanceLock::Owner InstanceLock::Query(const QString& directory)
     case FileLock::State::Free:
         break;
     case FileLock::State::Locked:
-        return {State::Somebody, ReadHolder(file).process};
+        return {State::Somebody, FileLock::ReadHolder(file).process};
     case FileLock::State::Unknown:
         return {State::Unknown, 0};
     }

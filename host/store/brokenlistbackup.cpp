@@ -43,7 +43,7 @@ QString CopyDocument(const QString& document)
     if (const QString existing = FindCopy(QFileInfo(document), *content); !existing.isEmpty())
         return existing;
     const QString name = UniqueSiblingName(document, kMark, QDateTime::currentDateTime());
-    return ReplaceRegularFile(name, *content).isEmpty() ? name : QString();
+    return ReplaceRegularFile(name, *content, FileAccess::Private).isEmpty() ? name : QString();
 }
 
 } // namespace

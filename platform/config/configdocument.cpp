@@ -4,6 +4,7 @@
 #include "platform/tracing.h"
 
 #include <QCryptographicHash>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -70,111 +71,147 @@ void ConfigDocument::Remove(const QString& path)
     }
 }
 
+/// Replaces the values, but not the changes that have been made since they were saved.
 void ConfigDocument::TakeOver(const DocumentText::Values& values)
 {
-    m_entries.clear();
+    QMap<QString, Entry> before = std::exchange(m_entries, {});
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         m_entries.insert(m_entries.cend(), it.key(), {it.value(), false});
+    for (const QString& path : std::as_const(m_removed))
+        RemoveTree(m_entries, path);
+    for (auto it = before.cbegin(); it != before.cend(); ++it)
+        if (it->isChanged)
+            m_entries.insert(it.key(), *it);
 }
 
 void ConfigDocument::Load()
 {
     const LoadedDocument loaded = LoadDocument(m_file, m_access);
+    const bool isRecoverable = loaded.reading.state == DocumentReading::State::Valid;
     m_notice = loaded.notice;
+    m_isKnown = loaded.reading.values && (!loaded.isRecovered || loaded.isInPlace || isRecoverable);
+    m_wasIntact = loaded.wasIntact;
     if (!loaded.reading.values) {
-        m_notice =
-            QStringLiteral("%1 cannot be read at the moment, so nothing in it is known, and nothing is saved to it")
-                .arg(m_file);
-        m_isWriteProtected = true;
-        m_isKnown = false;
+        m_notice = QStringLiteral("%1 cannot be read at the moment, so nothing in it is known, and nothing is saved to "
+                                  "it: %2")
+                       .arg(m_file, loaded.reading.error);
     } else {
         TakeOver(*loaded.reading.values);
         m_fingerprint = FingerprintOf(loaded.reading.content);
     }
-    if (loaded.isRecovered) {
-        m_isWriteProtected = !loaded.isQuarantined;
-        m_isKnown = loaded.isQuarantined || loaded.reading.state == DocumentReading::State::Valid;
-    }
-    if (!loaded.isInPlace) {
-        MarkAllChanged();
-        m_isChanged = loaded.isQuarantined; // the next save tries again
+    if (!loaded.isInPlace) { // the next save tries again
+        for (Entry& entry : m_entries)
+            entry.isChanged = true;
+        m_isChanged = true;
     }
     if (!m_notice.isEmpty())
         Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
 }
 
-void ConfigDocument::MarkAllChanged()
+bool ConfigDocument::IsRemoved() const
 {
-    m_removed.clear();
+    return m_fingerprint != FingerprintOf({}) && !m_fingerprint.isEmpty() && !QFileInfo::exists(m_file);
+}
+
+std::optional<ConfigDocument::SaveRequest> ConfigDocument::BeginSave()
+{
+    if (m_file.isEmpty() || m_runningSave || (!m_isChanged && !IsRemoved()))
+        return std::nullopt;
+    m_runningSave = SaveRequest{m_file, m_access, m_entries, std::exchange(m_removed, {}), m_fingerprint, m_isKnown};
     for (Entry& entry : m_entries)
-        entry.isChanged = true;
-}
-
-bool ConfigDocument::Save()
-{
-    if (m_file.isEmpty() || !m_isChanged)
-        return true;
-    if (m_access == DocumentAccess::ReadOnly)
-        return Fail(__LINE__, QStringLiteral("the configuration was opened read-only"));
-
-    DocumentTransaction transaction(m_file);
-    if (!transaction.Begin())
-        return Fail(__LINE__, transaction.Error());
-    if (m_isWriteProtected && transaction.Before().state != DocumentReading::State::Missing)
-        return Fail(__LINE__, QStringLiteral("the file could neither be read nor quarantined when it was opened"));
-    if (!Write(transaction))
-        return Fail(__LINE__, transaction.Error());
-    transaction.Commit();
-
-    if (const auto& quarantined = transaction.Quarantined()) {
-        const DocumentReading& before = transaction.Before();
-        m_notice = QStringLiteral("%1 %2, quarantined as %3; its last known content is saved in its place")
-                       .arg(m_file,
-                            before.state == DocumentReading::State::Damaged
-                                ? QStringLiteral("is damaged (%1)").arg(before.error)
-                                : QStringLiteral("cannot be read"),
-                            *quarantined);
-        Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Save(): %1").arg(m_notice); });
-    }
-    m_removed.clear();
+        entry.isChanged = false;
     m_isChanged = false;
-    m_isWriteProtected = false;
-    m_isKnown = true;
-    return true;
+    return m_runningSave;
 }
 
-/// Merges the changes into what the file holds, and takes the result over.
-bool ConfigDocument::Write(DocumentTransaction& transaction)
+void ConfigDocument::FinishSave(const SaveResult& result)
 {
-    const DocumentText::Values values = Merge(transaction.Before());
-    QByteArray content = transaction.Before().content;
-    if (values != transaction.Before().values) {
-        content = DocumentText::Write(values);
-        if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
-            return false;
+    const SaveRequest request = std::exchange(m_runningSave, {}).value();
+    if (!result.error.isEmpty()) {
+        for (auto it = request.entries.cbegin(); it != request.entries.cend(); ++it)
+            if (const auto entry = m_entries.find(it.key()); it->isChanged && entry != m_entries.end())
+                entry->isChanged = true;
+        m_removed += request.removed;
+        m_isChanged = true;
+        return;
     }
-    TakeOver(values);
-    m_fingerprint = FingerprintOf(content);
-    return true;
+    TakeOver(result.values);
+    m_fingerprint = result.fingerprint;
+    m_isKnown = true;
+    m_notice = result.notice;
+    if (std::exchange(m_versionWarning, result.versionWarning) != result.versionWarning && m_notice.isEmpty())
+        m_notice = result.versionWarning;
 }
 
-DocumentText::Values ConfigDocument::Merge(const DocumentReading& before) const
+namespace {
+
+using SaveRequest = ConfigDocument::SaveRequest;
+using SaveResult = ConfigDocument::SaveResult;
+
+DocumentText::Values Merge(const SaveRequest& request, const DocumentReading& before)
 {
     // A file that was removed, damaged or made unreadable since it was read: the working copy still knows the content.
-    const bool wasRemoved = before.state == DocumentReading::State::Missing && m_fingerprint != FingerprintOf({});
+    const bool wasRemoved = before.state == DocumentReading::State::Missing && request.fingerprint != FingerprintOf({});
     const bool isLost = wasRemoved || before.NeedsRecovery();
     DocumentText::Values values = before.values.value_or(DocumentText::Values());
-    for (const QString& path : m_removed)
+    for (const QString& path : request.removed)
         RemoveTree(values, path);
-    for (auto it = m_entries.cbegin(); it != m_entries.cend(); ++it)
+    for (auto it = request.entries.cbegin(); it != request.entries.cend(); ++it)
         if (it->isChanged || isLost)
             values.insert(it.key(), it->text);
     return values;
 }
 
-bool ConfigDocument::Fail(int line, const QString& reason) const
+SaveResult Failure(const SaveRequest& request, int line, const QString& reason)
 {
     Trace(kSource, line,
-          [&] { return QStringLiteral("ConfigDocument::Save(): Could not save %1: %2").arg(m_file, reason); });
-    return false;
+          [&] { return QStringLiteral("ConfigDocument::RunSave(): Could not save %1: %2").arg(request.file, reason); });
+    return {QStringLiteral("%1: %2").arg(request.file, reason), {}, {}, {}, {}};
+}
+
+/// What the user has to know about a save that worked; empty: nothing.
+QString NoticeOf(const QString& file, const DocumentTransaction& transaction)
+{
+    const DocumentReading& before = transaction.Before();
+    if (!before.isIntact)
+        return AdoptionNotice(file, QStringLiteral("the text as it was found is now among the versions"));
+    if (transaction.QuarantinedFile().isEmpty())
+        return {};
+    return QStringLiteral("%1 %2, quarantined as %3; its last known content is saved in its place")
+        .arg(file,
+             before.state == DocumentReading::State::Damaged ? QStringLiteral("is damaged (%1)").arg(before.error)
+                                                             : QStringLiteral("cannot be read"),
+             transaction.QuarantinedFile());
+}
+
+} // namespace
+
+SaveResult ConfigDocument::RunSave(const SaveRequest& request)
+{
+    if (request.access == DocumentAccess::ReadOnly)
+        return Failure(request, __LINE__, QStringLiteral("the configuration was opened read-only"));
+    DocumentTransaction transaction(request.file);
+    if (!transaction.Begin())
+        return Failure(request, __LINE__, transaction.Error());
+    const DocumentReading& before = transaction.Before();
+    if (!request.isKnown && before.state != DocumentReading::State::Missing)
+        return Failure(request, __LINE__, QStringLiteral("it could not be read when it was opened"));
+
+    SaveResult result;
+    result.values = Merge(request, before);
+    QByteArray content = before.content;
+    if (result.values != before.values || !before.isIntact) {
+        content = DocumentText::Write(result.values);
+        if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
+            return Failure(request, __LINE__, transaction.Error());
+    }
+    transaction.Commit();
+    result.fingerprint = FingerprintOf(content);
+    result.notice = NoticeOf(request.file, transaction);
+    if (!transaction.Warning().isEmpty())
+        result.versionWarning = QStringLiteral("%1 is saved, but %2").arg(request.file, transaction.Warning());
+    for (const QString& text : {result.notice, result.versionWarning})
+        if (!text.isEmpty())
+            Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::RunSave(): %1").arg(text); });
+    return result;
 }

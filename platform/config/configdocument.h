@@ -10,15 +10,40 @@
 #include <optional>
 #include <utility>
 
-class DocumentTransaction;
-
 /// The working copy of one configuration document: values by key path, what of them was changed, and the file they come
 /// from.
+///
+/// A save has three steps, so that the one that takes long, `RunSave`, can run in another thread: `BeginSave` takes the
+/// changes, and `FinishSave` brings the result back. Between them the working copy can be read and changed.
 class ConfigDocument
 {
 public:
-    /// Loads `file`, see `LoadDocument`; a missing one is an empty document. Where a damaged document could not be
-    /// quarantined, nothing can be saved. An empty `file` name: the document lives in memory alone.
+    struct Entry
+    {
+        QString text;
+        bool isChanged = false;
+    };
+    /// What a save needs to know.
+    struct SaveRequest
+    {
+        QString file;
+        DocumentAccess access = DocumentAccess::ReadWrite;
+        QMap<QString, Entry> entries; // by key path
+        QSet<QString> removed;        // key paths, also of nodes; removed before changed entries are written
+        QByteArray fingerprint;       // of the file's content when it was last read or written
+        bool isKnown = true;
+    };
+    struct SaveResult
+    {
+        QString error;               ///< why it failed, a sentence for people; empty: the document is saved
+        QString notice;              ///< what else went wrong; empty: nothing
+        QString versionWarning;      ///< why the earlier content did not become a version; empty: it did
+        DocumentText::Values values; ///< of a saved document: what the file holds now
+        QByteArray fingerprint;
+    };
+
+    /// Loads `file`, see `LoadDocument`; a missing one is an empty document. An empty `file` name: the document lives
+    /// in memory alone.
     ConfigDocument(QString file, DocumentAccess access);
     /// A document that lives in memory alone.
     explicit ConfigDocument(const DocumentText::Values& values);
@@ -26,12 +51,14 @@ public:
     ConfigDocument(const ConfigDocument&) = delete;
     ConfigDocument& operator=(const ConfigDocument&) = delete;
 
-    /// What went wrong with reading the file since the last call, in one line for people; empty: nothing.
+    /// What went wrong with the file since the last call, in one line for people; empty: nothing.
     QString TakeNotice() { return std::exchange(m_notice, QString()); }
 
     /// False: the file exists, could not be read, and nothing else is used in its place; only what was written here
     /// since is known.
     bool IsKnown() const { return m_isKnown; }
+    /// False: the file's values were used as they were when it was opened, but something else had written them.
+    bool WasIntact() const { return m_wasIntact; }
 
     /// The value at `path`; nothing where there is none.
     std::optional<QString> Value(const QString& path) const;
@@ -39,32 +66,30 @@ public:
     /// Removes the key at `path` and everything below it.
     void Remove(const QString& path);
 
-    /// Writes the changes to the file and takes over what others changed there. The file's earlier content becomes its
-    /// newest version; where that fails, it is traced and the save goes on. Without changes the file is not touched.
-    /// False, with a trace: changes and file are as they were.
-    bool Save();
+    /// What there is to save. None: nothing was changed, and the file is not touched; also while another save runs. A
+    /// file that has been removed is saved again.
+    std::optional<SaveRequest> BeginSave();
+    /// Writes the changes to the file, merged into what others changed there. The file's earlier content becomes its
+    /// newest version; where that fails, the notice says so and the save goes on. On failure, which is traced, the file
+    /// is as it was. Any thread.
+    static SaveResult RunSave(const SaveRequest& request);
+    /// Takes over what the file holds now or, after a failure, keeps the changes for the next save.
+    void FinishSave(const SaveResult& result);
 
 private:
-    struct Entry
-    {
-        QString text;
-        bool isChanged = false;
-    };
-
     void Load();
     void TakeOver(const DocumentText::Values& values);
-    void MarkAllChanged();
-    bool Write(DocumentTransaction& transaction);
-    DocumentText::Values Merge(const DocumentReading& before) const;
-    bool Fail(int line, const QString& reason) const;
+    bool IsRemoved() const;
 
     const QString m_file;
     const DocumentAccess m_access = DocumentAccess::ReadWrite;
-    QMap<QString, Entry> m_entries; // by key path
-    QSet<QString> m_removed;        // key paths, also of nodes; removed before changed entries are written
-    bool m_isChanged = false;       // there is something to save
+    QMap<QString, Entry> m_entries;
+    QSet<QString> m_removed;
+    bool m_isChanged = false; // there is something to save
     bool m_isKnown = true;
-    bool m_isWriteProtected = false; // the file's content is not known here and must not be replaced
-    QByteArray m_fingerprint;        // of the file's content when it was last read or written
+    bool m_wasIntact = true;
+    QByteArray m_fingerprint;
     QString m_notice;
+    QString m_versionWarning; // of the last save; told once
+    std::optional<SaveRequest> m_runningSave;
 };

@@ -6,6 +6,7 @@
 #include "platform/tracing.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -15,6 +16,8 @@
 namespace {
 
 using State = DocumentReading::State;
+
+const QString kMark = QStringLiteral(".damaged-");
 
 std::filesystem::path NativePath(const QString& path)
 {
@@ -31,7 +34,28 @@ bool Rename(const QString& from, const QString& to)
 
 DocumentReading Failed(State state, const QString& error = {})
 {
-    return {state, {}, std::nullopt, error};
+    return {state, {}, std::nullopt, true, error};
+}
+
+/// Why nothing is known about a document that does not seem to exist; empty: it does not exist.
+QString HidingObstacle(const QString& file)
+{
+    const std::filesystem::path document = NativePath(QFileInfo(file).absoluteFilePath());
+    std::filesystem::path path = document;
+    std::error_code error;
+    auto type = std::filesystem::symlink_status(path, error).type();
+    while (type == std::filesystem::file_type::not_found && path.has_relative_path()) {
+        path = path.parent_path();
+        type = std::filesystem::symlink_status(path, error).type();
+    }
+    const QString name = QString::fromStdU16String(path.u16string());
+    if (type == std::filesystem::file_type::none) // no permission, for example
+        return QStringLiteral("%1: %2").arg(name, QString::fromLocal8Bit(error.message().c_str()));
+    if (type == std::filesystem::file_type::symlink && !std::filesystem::exists(path, error))
+        return QStringLiteral("%1 is a link that leads nowhere").arg(name);
+    if (path != document && !std::filesystem::is_directory(path, error))
+        return QStringLiteral("%1 is not a folder").arg(name);
+    return {};
 }
 
 } // namespace
@@ -39,8 +63,11 @@ DocumentReading Failed(State state, const QString& error = {})
 DocumentReading ReadDocument(const QString& file)
 {
     const QFileInfo info(file);
-    if (!info.exists())
-        return {State::Missing, {}, DocumentText::Values(), {}};
+    if (!info.exists()) {
+        if (const QString obstacle = HidingObstacle(file); !obstacle.isEmpty())
+            return Failed(State::Unavailable, obstacle);
+        return {State::Missing, {}, DocumentText::Values(), true, {}};
+    }
     if (!info.isFile()) // opening a pipe could block
         return Failed(State::Unreadable);
     if (info.size() > kLargestDocument)
@@ -54,20 +81,22 @@ DocumentReading ReadDocument(const QString& file)
         content = device.readAll();
         return device.error() == QFileDevice::NoError ? Attempt::Done : Attempt::Failed;
     });
-    if (!isRead)
-        return Failed(device.error() == QFileDevice::ResourceError ? State::Unavailable : State::Unreadable);
+    if (!isRead) {
+        return Failed(device.error() == QFileDevice::ResourceError ? State::Unavailable : State::Unreadable,
+                      device.errorString());
+    }
 
     DocumentText::Parsed parsed = DocumentText::Parse(content);
     if (!parsed.values)
-        return {State::Damaged, content, std::nullopt, parsed.error};
-    return {State::Valid, content, std::move(parsed.values), {}};
+        return {State::Damaged, content, std::nullopt, true, parsed.error};
+    return {State::Valid, content, std::move(parsed.values), parsed.isIntact, {}};
 }
 
-bool ReplaceDocument(const QString& file, const QByteArray& content)
+QString ReplaceDocument(const QString& file, const QByteArray& content)
 {
     bool isDurable = true;
-    if (!Retry([&] { return WriteAtomically(file, content, &isDurable); }))
-        return false;
+    if (const QString error = WriteWithRetries(file, content, FileAccess::Private, &isDurable); !error.isEmpty())
+        return error;
     if (!isDurable) {
         Trace(
             "platform/config/documentfile", __LINE__,
@@ -75,30 +104,36 @@ bool ReplaceDocument(const QString& file, const QByteArray& content)
                 return QStringLiteral("ReplaceDocument(): %1 is written, but a loss of power may undo that").arg(file);
             });
     }
-    return true;
+    return {};
 }
 
-std::optional<QString> QuarantineDocument(const QString& file)
+std::optional<Quarantined> QuarantineDocument(const QString& file)
 {
-    const QString quarantined = UniqueSiblingName(file, QStringLiteral(".damaged-"), QDateTime::currentDateTime());
+    const QString name = UniqueSiblingName(file, kMark, QDateTime::currentDateTime());
     const QFileInfo info(file);
-    if (info.isFile() && !info.isSymLink()) { // of a link, the link itself is moved
+    if (info.isFile() && info.isReadable()) {
         std::error_code error;
-        std::filesystem::create_hard_link(NativePath(file), NativePath(quarantined), error);
-        if (!error)
-            return quarantined;
+        std::filesystem::create_hard_link(NativePath(info.canonicalFilePath()), NativePath(name), error);
+        if (!error || QFile::copy(file, name))
+            return Quarantined{name, false};
     }
-    if (Retry([&] { return Rename(file, quarantined) ? Attempt::Done : Attempt::Busy; }))
-        return quarantined;
+    if (Retry([&] { return Rename(file, name) ? Attempt::Done : Attempt::Busy; }))
+        return Quarantined{name, true};
     return std::nullopt;
 }
 
-void UndoQuarantine(const QString& file, const QString& quarantined)
+QStringList QuarantinedNames(const QString& file)
 {
-    if (!QFileInfo::exists(file))
-        Rename(quarantined, file);
-    else if (IsSameFile(quarantined, file))
-        QFile::remove(quarantined);
+    const QFileInfo document(file);
+    return document.dir().entryList({document.fileName() + kMark + QLatin1Char('*')});
+}
+
+void UndoQuarantine(const QString& file, const Quarantined& quarantined)
+{
+    if (!quarantined.isMoved)
+        QFile::remove(quarantined.file);
+    else if (!QFileInfo::exists(file))
+        Rename(quarantined.file, file);
 }
 
 bool IsSameFile(const QString& one, const QString& other)

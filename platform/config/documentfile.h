@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <optional>
@@ -19,12 +20,13 @@ struct DocumentReading
         Valid,
         Damaged,    ///< not the text of a document, or larger than `kLargestDocument`
         Unreadable, ///< not a regular file, or no permission to read it
-        Unavailable ///< the process has run out of a resource, such as file descriptors; may pass
+        Unavailable ///< what it holds cannot be known here and now: out of file descriptors, a link that leads nowhere
     };
     State state = State::Unavailable;
     QByteArray content;
     std::optional<DocumentText::Values> values; ///< of a missing (no values) or valid document
-    QString error;                              ///< of a damaged document: where and why
+    bool isIntact = true; ///< false of a valid document that something else than this library has written
+    QString error;        ///< of a damaged or unavailable document: where and why
 
     /// True if the file holds no document and reading it again would not help.
     bool NeedsRecovery() const { return state == State::Damaged || state == State::Unreadable; }
@@ -32,16 +34,26 @@ struct DocumentReading
 
 DocumentReading ReadDocument(const QString& file);
 
-/// Replaces the content of `file` atomically and durably; see `WriteAtomically`.
-bool ReplaceDocument(const QString& file, const QByteArray& content);
+/// Replaces the content of `file` atomically and durably; see `WriteAtomically`. Returns why that failed, for people;
+/// empty on success.
+QString ReplaceDocument(const QString& file, const QByteArray& content);
 
-/// Gives a damaged or unreadable document a second name beside it, "<file>.damaged-<time>", and returns that name.
-/// Where the file system has hard links, the first name stays valid until the document is replaced. Call only while
-/// holding the document's lock.
-std::optional<QString> QuarantineDocument(const QString& file);
+/// A document that has been put aside.
+struct Quarantined
+{
+    QString file;         ///< "<document>.damaged-<time>"
+    bool isMoved = false; ///< the document's own name is gone
+};
+
+/// Puts a damaged or unreadable document aside, under a name beside it. The document stays in its place, so that no
+/// moment is without it; what cannot be read is moved. Call only while holding the document's lock.
+std::optional<Quarantined> QuarantineDocument(const QString& file);
+
+/// The names of the documents that were put aside beside `file`.
+QStringList QuarantinedNames(const QString& file);
 
 /// Undoes `QuarantineDocument`, as long as `file` has not been replaced.
-void UndoQuarantine(const QString& file, const QString& quarantined);
+void UndoQuarantine(const QString& file, const Quarantined& quarantined);
 
 /// True if both names lead to the same file.
 bool IsSameFile(const QString& one, const QString& other);

@@ -4,44 +4,91 @@
 #include "platform/config/versionfolder.h"
 #include "platform/tracing.h"
 
-#include <QFile>
-
 #include <utility>
 
 namespace {
 
-QString Notice(const QString& file, const DocumentReading& found, DocumentAccess access,
-               const std::optional<QString>& quarantined, const std::optional<ReadableVersion>& version)
+using State = DocumentReading::State;
+
+/// True if the file does not hold the document, but something that is left of it does.
+bool NeedsRecovery(const QString& file, const DocumentReading& reading)
 {
-    const QString what = found.state == DocumentReading::State::Damaged
-                             ? QStringLiteral("%1 is damaged (%2)").arg(file, found.error)
-                             : QStringLiteral("%1 cannot be read").arg(file);
-    QString where = QStringLiteral("and could not be moved aside, so nothing is saved to it");
-    if (quarantined)
-        where = QStringLiteral("quarantined as %1").arg(*quarantined);
-    else if (access == DocumentAccess::ReadOnly)
-        where = QStringLiteral("and is left as it is");
+    if (reading.state == State::Missing)
+        return !VersionFolder(file).List().isEmpty() || !QuarantinedNames(file).isEmpty();
+    return reading.NeedsRecovery();
+}
+
+QString RecoveryNotice(const QString& file, const DocumentReading& found, bool isInPlace, const QString& quarantined,
+                       const std::optional<ReadableVersion>& version)
+{
+    QString what = QStringLiteral("%1 cannot be read").arg(file);
+    if (found.state == State::Damaged)
+        what = QStringLiteral("%1 is damaged (%2)").arg(file, found.error);
+    else if (found.state == State::Missing)
+        what = QStringLiteral("%1 is missing").arg(file);
+    QString where;
+    if (!isInPlace)
+        where = QStringLiteral(", and is left as it is");
+    else if (!quarantined.isEmpty())
+        where = QStringLiteral(", quarantined as %1").arg(quarantined);
     const QString instead = version ? QStringLiteral("using the version of %1 instead")
                                           .arg(version->version.saved.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
                                     : QStringLiteral("it has no version that can be read, so it begins empty");
-    return QStringLiteral("%1, %2; %3").arg(what, where, instead);
+    return QStringLiteral("%1%2; %3").arg(what, where, instead);
 }
 
-/// Replaces the document, which is quarantined, by `version`; removes it where there is none.
-bool Repair(DocumentTransaction& transaction, const QString& file, const std::optional<ReadableVersion>& version)
+/// Replaces a document that `NeedsRecovery`. On failure the destructor of `transaction` undoes what was done.
+bool Repair(DocumentTransaction& transaction, const std::optional<ReadableVersion>& version)
 {
-    if (version)
-        return transaction.Replace(version->reading.content, DocumentTransaction::VersionPolicy::BestEffort);
-    return QFile::remove(file) || !QFile::exists(file);
+    const QByteArray content = version ? version->reading.content : DocumentText::Write({});
+    if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
+        return false;
+    transaction.Commit();
+    return true;
+}
+
+LoadedDocument Recover(const QString& file, const DocumentReading& found, DocumentTransaction* transaction)
+{
+    std::optional<ReadableVersion> version = NewestReadableVersion(file);
+    LoadedDocument loaded;
+    loaded.isRecovered = true;
+    loaded.isInPlace = transaction && Repair(*transaction, version);
+    loaded.notice = RecoveryNotice(file, found, loaded.isInPlace,
+                                   transaction ? transaction->QuarantinedFile() : QString(), version);
+    loaded.reading =
+        version ? std::move(version->reading) : DocumentReading{State::Missing, {}, DocumentText::Values(), true, {}};
+    return loaded;
+}
+
+LoadedDocument Adopt(const QString& file, const DocumentReading& found, DocumentTransaction* transaction)
+{
+    LoadedDocument loaded;
+    loaded.reading = found;
+    loaded.wasIntact = false;
+    const QByteArray content = DocumentText::Write(*found.values);
+    QString where = QStringLiteral("it is left as it is");
+    if (transaction && transaction->Replace(content, DocumentTransaction::VersionPolicy::Required)) {
+        transaction->Commit();
+        loaded.reading.content = content;
+        loaded.reading.isIntact = true;
+        where = QStringLiteral("the text as it was found is now among the versions");
+    } else if (transaction) {
+        where += QStringLiteral(", because %1").arg(transaction->Error());
+    }
+    loaded.notice = AdoptionNotice(file, where);
+    return loaded;
 }
 
 } // namespace
 
 LoadedDocument LoadDocument(const QString& file, DocumentAccess access)
 {
+    const auto isFine = [&file](const DocumentReading& reading) {
+        return reading.isIntact && !NeedsRecovery(file, reading);
+    };
     LoadedDocument loaded;
     loaded.reading = ReadDocument(file);
-    if (!loaded.reading.NeedsRecovery())
+    if (isFine(loaded.reading))
         return loaded;
 
     // Another process may be repairing the document: what counts is what the owner of the lock finds.
@@ -49,19 +96,18 @@ LoadedDocument LoadDocument(const QString& file, DocumentAccess access)
     const bool isLocked = access == DocumentAccess::ReadWrite && transaction.Begin();
     if (isLocked) {
         loaded.reading = transaction.Before();
-        if (!loaded.reading.NeedsRecovery())
+        if (isFine(loaded.reading))
             return loaded;
     }
+    DocumentTransaction* const locked = isLocked ? &transaction : nullptr;
+    return loaded.reading.isIntact ? Recover(file, loaded.reading, locked) : Adopt(file, loaded.reading, locked);
+}
 
-    std::optional<ReadableVersion> version = NewestReadableVersion(file);
-    loaded.isRecovered = true;
-    loaded.isQuarantined = isLocked && transaction.Quarantine();
-    loaded.isInPlace = loaded.isQuarantined && Repair(transaction, file, version);
-    transaction.Commit();
-    loaded.notice = Notice(file, loaded.reading, access, transaction.Quarantined(), version);
-    loaded.reading = version ? std::move(version->reading)
-                             : DocumentReading{DocumentReading::State::Missing, {}, DocumentText::Values(), {}};
-    return loaded;
+QString AdoptionNotice(const QString& file, const QString& consequence)
+{
+    return QStringLiteral("%1 was changed by something else than this program, or is damaged in its middle: it has "
+                          "not the digest of its values; they are used, and %2")
+        .arg(file, consequence);
 }
 
 std::optional<ReadableVersion> NewestReadableVersion(const QString& file)
@@ -69,7 +115,7 @@ std::optional<ReadableVersion> NewestReadableVersion(const QString& file)
     const QList<ConfigVersion> versions = VersionFolder(file).List();
     for (const ConfigVersion& version : versions) {
         DocumentReading reading = ReadDocument(version.file);
-        if (reading.state == DocumentReading::State::Valid)
+        if (reading.state == State::Valid)
             return ReadableVersion{version, std::move(reading)};
         Trace("platform/config/documentloader", __LINE__, [&] {
             return QStringLiteral("NewestReadableVersion(): The version %1 cannot be read").arg(version.file);

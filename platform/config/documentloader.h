@@ -9,19 +9,25 @@
 
 enum class DocumentAccess { ReadWrite, ReadOnly };
 
-/// A document as it is to be used: what its file holds or, where that cannot be read, the newest readable version.
+/// A document as it is to be used: what its file holds or, where that cannot be had, the newest readable version.
 struct LoadedDocument
 {
-    DocumentReading reading;    ///< of a recovered document: missing (no values) where there is no readable version
-    bool isRecovered = false;   ///< `reading` is not what the file held
-    bool isQuarantined = false; ///< what the file held is safe under another name
-    bool isInPlace = true;      ///< the file now holds `reading`
-    QString notice;             ///< of a recovered document: what happened, in one line for people
+    DocumentReading reading;  ///< of a recovered document: missing (no values) where there is no readable version
+    bool isRecovered = false; ///< `reading` is not what the file held
+    bool isInPlace = true;    ///< the file now holds `reading`
+    bool wasIntact = true;    ///< false: something else than this library has written what the file held
+    QString notice;           ///< what went wrong, in one line for people; empty: nothing
 };
 
-/// Reads the document `file`. One that is damaged or unreadable is quarantined and replaced by its newest readable
-/// version, unless its lock cannot be taken or `access` is `ReadOnly`: then no file is changed.
+/// Reads the document `file`.
+///
+/// One that is damaged, unreadable, or missing beside its versions is quarantined and replaced by its newest readable
+/// version or, where there is none, by an empty document. One that somebody else has written is used, becomes a
+/// version, and is written anew. No file is changed where the lock cannot be taken or `access` is `ReadOnly`.
 LoadedDocument LoadDocument(const QString& file, DocumentAccess access);
+
+/// The notice about a valid document that somebody else has written.
+QString AdoptionNotice(const QString& file, const QString& consequence);
 
 struct ReadableVersion
 {

@@ -1,5 +1,6 @@
 #include "platform/config/documenttext.h"
 
+#include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
@@ -9,11 +10,12 @@
 
 namespace {
 
+const QString kDigest = QStringLiteral("digest");
 const QString kValues = QStringLiteral("values");
 
 DocumentText::Parsed Malformed(const QString& error)
 {
-    return {std::nullopt, error};
+    return {std::nullopt, false, error};
 }
 
 DocumentText::Parsed MalformedAt(const QByteArray& text, qsizetype offset, const QString& error)
@@ -43,6 +45,20 @@ std::optional<QString> TextOf(const QJsonValue& value)
     return std::nullopt;
 }
 
+/// BLAKE2b of all keys and values as UTF-16, each followed by a zero.
+QString DigestOf(const DocumentText::Values& values)
+{
+    QCryptographicHash hash(QCryptographicHash::Blake2b_256);
+    const auto add = [&hash](const QString& text) { // a QString ends with a zero
+        hash.addData(QByteArrayView(reinterpret_cast<const char*>(text.utf16()), (text.size() + 1) * 2));
+    };
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        add(it.key());
+        add(it.value());
+    }
+    return QString::fromLatin1(hash.result().toHex());
+}
+
 } // namespace
 
 DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
@@ -54,8 +70,8 @@ DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
     if (const auto at = std::find_if(text.begin(), text.end(), IsForbidden); at != text.end())
         return MalformedAt(text, at - text.begin(), QStringLiteral("control character"));
     const QJsonObject root = document.object();
-    if (root.size() != 1 || !root.value(kValues).isObject())
-        return Malformed(QStringLiteral("it is not an object with the one member \"values\""));
+    if (!root.value(kValues).isObject() || root.size() > (root.contains(kDigest) ? 2 : 1))
+        return Malformed(QStringLiteral("it is not an object with the members \"digest\" and \"values\" alone"));
 
     Values values;
     const QJsonObject members = root.value(kValues).toObject();
@@ -65,7 +81,7 @@ DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
             return Malformed(QStringLiteral("write the value of \"%1\" as a text").arg(it.key().left(80).simplified()));
         values.insert(values.cend(), it.key(), *value);
     }
-    return {values, {}};
+    return {values, root.value(kDigest).toString() == DigestOf(values), {}};
 }
 
 QByteArray DocumentText::Write(const Values& values)
@@ -73,7 +89,9 @@ QByteArray DocumentText::Write(const Values& values)
     QJsonObject object;
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         object.insert(it.key(), it.value());
-    QByteArray text = QJsonDocument(QJsonObject{{kValues, object}}).toJson(QJsonDocument::Indented).trimmed();
+    QByteArray text = QJsonDocument(QJsonObject{{kDigest, DigestOf(values)}, {kValues, object}})
+                          .toJson(QJsonDocument::Indented)
+                          .trimmed();
     // Qt's reader takes a U+FEFF at the beginning of a text for a byte order mark and drops it.
     text.replace("\"\xEF\xBB\xBF", "\"\\ufeff");
     return text;

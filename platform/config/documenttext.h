@@ -7,9 +7,10 @@
 #include <optional>
 
 /// The text of a configuration document: a JSON object whose member "values" holds every value under its key path, so
-/// that each value is one line of the text:
+/// that each value is one line of the text, and whose member "digest" tells whether they are what was written:
 ///
 ///     {
+///         "digest": "5d1c...",
 ///         "values": {
 ///             "Administration/VexelDataDir": "/srv/vexel"
 ///         }
@@ -24,6 +25,7 @@ using Values = QMap<QString, QString>;
 struct Parsed
 {
     std::optional<Values> values; ///< none: the text is malformed
+    bool isIntact = false;        ///< the digest belongs to the values: nobody changed the text since it was written
     QString error;                ///< where and why it is malformed: "line 3: missing value separator"
 };
 

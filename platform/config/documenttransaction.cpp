@@ -37,7 +37,7 @@ DocumentTransaction::~DocumentTransaction()
 bool DocumentTransaction::Begin()
 {
     if (!CreateFolder(QFileInfo(m_file).absolutePath()))
-        return Fail(QStringLiteral("its folder cannot be created"));
+        return Fail(QStringLiteral("its folder %1 cannot be created").arg(QFileInfo(m_file).absolutePath()));
     QString error;
     const QString lockName = m_file + QStringLiteral(".lock");
     switch (m_lock.Lock(lockName, kLockTimeout, &error)) {
@@ -51,12 +51,19 @@ bool DocumentTransaction::Begin()
         });
         break;
     case FileLock::Result::Busy:
-        return Fail(QStringLiteral("another process holds its lock %1").arg(lockName));
+        return Fail(BusyError(lockName));
     case FileLock::Result::Failed:
-        return Fail(QStringLiteral("its lock cannot be taken: %1").arg(error));
+        return Fail(QStringLiteral("its lock %1 cannot be taken: %2").arg(lockName, error));
     }
     m_before = ReadDocument(m_file);
     return true;
+}
+
+QString DocumentTransaction::BusyError(const QString& lockName) const
+{
+    const QString holder = FileLock::ReadHolder(lockName).Text();
+    return QStringLiteral("%1 holds its lock %2")
+        .arg(holder.isEmpty() ? QStringLiteral("another process") : holder, lockName);
 }
 
 bool DocumentTransaction::Quarantine()
@@ -69,9 +76,13 @@ bool DocumentTransaction::Quarantine()
 bool DocumentTransaction::KeepBefore(VersionPolicy policy)
 {
     m_kept = m_versions.Keep(m_before.content);
-    const bool isKept = m_kept->outcome != VersionFolder::Outcome::Failed;
-    return isKept || policy == VersionPolicy::BestEffort ||
-           Fail(QStringLiteral("the present state cannot be kept as a version"));
+    if (m_kept->outcome != VersionFolder::Outcome::Failed)
+        return true;
+    const QString warning = QStringLiteral("the present content cannot be kept as a version: %1").arg(m_kept->error);
+    if (policy == VersionPolicy::Required || !m_before.isIntact)
+        return Fail(warning);
+    m_warning = warning;
+    return true;
 }
 
 bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy policy)
@@ -84,7 +95,7 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
     case DocumentReading::State::Valid:
         if (content == m_before.content)
             return true;
-        if (!m_before.values->isEmpty() && !KeepBefore(policy))
+        if ((!m_before.values->isEmpty() || !m_before.isIntact) && !KeepBefore(policy))
             return false;
         break;
     case DocumentReading::State::Damaged:
@@ -93,10 +104,12 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
             return false;
         break;
     case DocumentReading::State::Unavailable:
-        return Fail(QStringLiteral("the existing file cannot be read at the moment"));
+        return Fail(QStringLiteral("the existing file cannot be read at the moment: %1").arg(m_before.error));
     }
-    m_isFinal = ReplaceDocument(m_file, content);
-    return m_isFinal || Fail(QStringLiteral("the file cannot be written"));
+    if (const QString error = ReplaceDocument(m_file, content); !error.isEmpty())
+        return Fail(error);
+    m_isFinal = true;
+    return true;
 }
 
 void DocumentTransaction::Commit()

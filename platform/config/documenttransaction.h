@@ -16,7 +16,7 @@ class DocumentTransaction
 public:
     /// What to do where the present content cannot be kept as a version.
     enum class VersionPolicy {
-        BestEffort, ///< trace that and go on
+        BestEffort, ///< go on, see `Warning`; content that somebody else wrote is kept or the replacement fails
         Required    ///< fail
     };
 
@@ -44,8 +44,11 @@ public:
     /// Makes everything that was done permanent, and removes surplus versions.
     void Commit();
 
-    /// The quarantined document's file; none where nothing was quarantined.
-    const std::optional<QString>& Quarantined() const { return m_quarantined; }
+    /// The quarantined document's file; empty where nothing was quarantined.
+    QString QuarantinedFile() const { return m_quarantined ? m_quarantined->file : QString(); }
+
+    /// Why `Replace` went on without keeping a version, for people; empty: it did not.
+    const QString& Warning() const { return m_warning; }
 
     /// Why the last operation failed: the end of a sentence.
     const QString& Error() const { return m_error; }
@@ -53,13 +56,15 @@ public:
 private:
     bool Fail(const QString& error);
     bool KeepBefore(VersionPolicy policy);
+    QString BusyError(const QString& lockName) const;
 
     const QString m_file;
     const VersionFolder m_versions;
     FileLock m_lock;
     DocumentReading m_before;
-    std::optional<QString> m_quarantined;
+    std::optional<Quarantined> m_quarantined;
     std::optional<VersionFolder::Kept> m_kept; // what `Replace` did to the versions
     bool m_isFinal = false;                    // nothing is undone any more
+    QString m_warning;
     QString m_error;
 };

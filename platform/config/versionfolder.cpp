@@ -1,7 +1,6 @@
 #include "platform/config/versionfolder.h"
 
 #include "files/atomicfile.h"
-#include "files/retry.h"
 #include "platform/config/documentfile.h"
 #include "platform/tracing.h"
 
@@ -82,17 +81,13 @@ QList<ConfigVersion> VersionFolder::List() const
 
 VersionFolder::Kept VersionFolder::Keep(const QByteArray& content) const
 {
-    const auto fail = [this](int line, const char* reason) -> Kept {
-        Trace(kSource, line, [&] {
-            return QStringLiteral("VersionFolder::Keep(): %1 is saved without keeping its earlier version: %2")
-                .arg(m_document, QString::fromLatin1(reason));
-        });
-        return {Outcome::Failed, {}};
+    const auto fail = [](const QString& error) -> Kept {
+        return {Outcome::Failed, {}, error};
     };
 
     const QString folder = Path();
     if (!CreateFolder(folder))
-        return fail(__LINE__, "the folder for versions cannot be created");
+        return fail(QStringLiteral("the folder %1 cannot be created").arg(folder));
     QStringList names = Names();
     // A file that somebody else put there may have a number that leaves no higher one.
     if (!names.isEmpty() && NumberOf(names.front()) >= kLastNumber) {
@@ -103,9 +98,9 @@ VersionFolder::Kept VersionFolder::Keep(const QByteArray& content) const
     if (!newest.isEmpty()) {
         const QString newestFile = folder + u'/' + newest;
         if (IsSameFile(newestFile, m_document) || Holds(newestFile, content))
-            return {Outcome::AlreadyNewest, {}};
+            return {Outcome::AlreadyNewest, {}, {}};
         if (NumberOf(newest) >= kLastNumber)
-            return fail(__LINE__, "the numbers are used up and the files cannot be renumbered");
+            return fail(QStringLiteral("the files in %1 cannot be renumbered").arg(folder));
     }
 
     // A hard link costs next to nothing, cannot differ from the document, and does not fill the disk. Replacing the
@@ -115,9 +110,11 @@ VersionFolder::Kept VersionFolder::Keep(const QByteArray& content) const
     std::error_code error;
     std::filesystem::create_hard_link(QFileInfo(document.canonicalFilePath()).filesystemFilePath(),
                                       QFileInfo(file).filesystemFilePath(), error);
-    if (error && !Retry([&] { return WriteAtomically(file, content); }))
-        return fail(__LINE__, "the folder for versions cannot be written");
-    return {Outcome::Added, file};
+    if (error) {
+        if (const QString reason = WriteWithRetries(file, content, FileAccess::Private); !reason.isEmpty())
+            return fail(QStringLiteral("%1: %2").arg(folder, reason));
+    }
+    return {Outcome::Added, file, {}};
 }
 
 void VersionFolder::Prune() const

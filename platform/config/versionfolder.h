@@ -24,12 +24,13 @@ public:
     enum class Outcome {
         Added,
         AlreadyNewest, ///< the newest version has this content
-        Failed         ///< traced
+        Failed
     };
     struct Kept
     {
         Outcome outcome = Outcome::Failed;
-        QString file; ///< of an added version
+        QString file;  ///< of an added version
+        QString error; ///< why it failed, for people
     };
     /// Adds the document's file, which holds `content`, to the versions, so that it outlasts the document's
     /// replacement. Call only while holding the document's lock.

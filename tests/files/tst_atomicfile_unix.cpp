@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
+
 /// Full disks, links and pipes.
 class TestAtomicFileUnix : public QObject
 {
@@ -22,7 +24,7 @@ private slots:
         QCOMPARE(ReplaceRegularFile(fileName, "<old/>"), QString());
         {
             const FileSizeLimit limit(1000);
-            QCOMPARE(ReplaceRegularFile(fileName, QByteArray(100'000, 'x')), QStringLiteral("no room"));
+            QCOMPARE(ReplaceRegularFile(fileName, QByteArray(100'000, 'x')), qt_error_string(EFBIG));
             QCOMPARE(CreationObstacle(directory.path(), "fits"), QString());
             QVERIFY(!CreationObstacle(directory.path(), QByteArray(100'000, 'x')).isEmpty());
         }

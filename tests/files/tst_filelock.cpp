@@ -64,15 +64,52 @@ private slots:
         QCOMPARE(FileLock::Query(m_path), FileLock::State::Free);
     }
 
-    void writtenContentCanBeReadByOthers()
+    void lockedFileNamesItsHolder()
     {
+        QFile file(m_path); // a killed process left a longer name
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(QByteArray(500, 'x')) == 500 && file.flush());
+        QCOMPARE(FileLock::ReadHolder(m_path).process, 0);
+        QVERIFY(FileLock::ReadHolder(m_path).Text().isEmpty());
+
         FileLock lock;
         QCOMPARE(lock.TryLock(m_path, &m_error), Result::Locked);
-        lock.Write("a longer owner");
-        lock.Write("owner");
-        QFile file(m_path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("owner"));
+        const FileLock::Holder holder = FileLock::ReadHolder(m_path);
+        QCOMPARE(holder.process, QCoreApplication::applicationPid());
+        QCOMPARE(holder.Text(), QStringLiteral("process %1 (%2)")
+                                    .arg(QString::number(holder.process), QCoreApplication::applicationName()));
+    }
+
+    void holderOnAnotherMachineIsNamedWithIt()
+    {
+        const FileLock::Holder holder{4711, QStringLiteral("vexelhost"), QStringLiteral("another.example")};
+        QCOMPARE(holder.Text(), QStringLiteral("process 4711 (vexelhost) on another.example"));
+    }
+
+    // A number in it may belong to another process by now.
+    void leftoverFileIsNoLock_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<qint64>("size");
+        QTest::newRow("empty") << QByteArray() << qint64{0};
+        QTest::newRow("of a running process")
+            << QByteArray::number(QCoreApplication::applicationPid()) + "\nvexelhost\nsomewhere\n"
+            << qint64{0};
+        QTest::newRow("garbage") << QByteArray("\0\xff\n\n-1\n", 7) << qint64{0};
+        QTest::newRow("of 2 GiB") << QByteArray("1\n") << qint64{2} * 1024 * 1024 * 1024;
+    }
+    void leftoverFileIsNoLock()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(qint64, size);
+        {
+            QFile file(m_path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush());
+            QVERIFY(size == 0 || file.resize(size)); // a hole
+        }
+        QCOMPARE(FileLock::Query(m_path), FileLock::State::Free);
+        FileLock lock;
+        QCOMPARE(lock.TryLock(m_path, &m_error), Result::Locked);
+        QCOMPARE(FileLock::ReadHolder(m_path).process, QCoreApplication::applicationPid());
     }
 
     void missingFolderFailsWithAReason()

@@ -1,4 +1,5 @@
 #include "platform/cfgcenter.h"
+#include "platform/config/documenttext.h"
 #include "platform/icfg.h"
 #include "tests/support/testmain.h"
 
@@ -405,7 +406,7 @@ private slots:
                                        QStringLiteral("user/@application.json")}));
         QFile file(m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.json")));
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("{\n    \"values\": {\n        \"ConnectionCount\": \"3\"\n    }\n}"));
+        QCOMPARE(file.readAll(), DocumentText::Write({{QStringLiteral("ConnectionCount"), QStringLiteral("3")}}));
     }
 
     void readingCreatesNoFile()

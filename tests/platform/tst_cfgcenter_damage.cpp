@@ -106,8 +106,10 @@ private slots:
         QCOMPARE(m_store->Number(), -1);
         QCOMPARE(notices.lines.size(), 1);
         QVERIFY(notices.lines.front().contains(QLatin1String("empty")));
-        QVERIFY(!QFile::exists(m_store->Document()));
         QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage, too"));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), -1);
+        QCOMPARE(notices.lines.size(), 1); // not at each start
         QVERIFY(m_store->Save(3));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
@@ -215,7 +217,7 @@ private slots:
         QVERIFY(QFileInfo(m_store->Document()).isFile());
     }
 
-    // A version is loaded, and the damaged file is never overwritten.
+    // A version is used, and the damaged file stays until it can be quarantined.
     void damagedDocumentIsNotReplacedUnlessQuarantined()
     {
         QVERIFY(m_store->Save(1));
@@ -228,37 +230,140 @@ private slots:
             QCOMPARE(lock.TryLock(m_store->Document() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
             m_store->Reopen();
             QCOMPARE(m_store->Number(), 1);
-        }
-        QCOMPARE(notices.lines.size(), 1);
-        QVERIFY(notices.lines.front().contains(QLatin1String("could not be moved aside")));
-        {
-            const TraceRecorder traces;
+            QCOMPARE(notices.lines.size(), 1);
+            QVERIFY(notices.lines.front().contains(QLatin1String("is left as it is")));
             QVERIFY(!m_store->Save(3));
-            QCOMPARE(traces.Messages().size(), 1);
+            QCOMPARE(CfgCenter::SaveError(),
+                     QStringLiteral("%1: %2 holds its lock %1.lock")
+                         .arg(m_store->Document(),
+                              FileLock::ReadHolder(m_store->Document() + QStringLiteral(".lock")).Text()));
         }
         QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
         QVERIFY(m_store->Quarantined().isEmpty());
 
-        // When the file is gone, saving writes the complete loaded content.
         m_store->Root()->SetString(kText, kText, 0);
-        QVERIFY(QFile::remove(m_store->Document()));
         QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(notices.lines.size(), 2);
+        QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage"));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), kText);
-        QCOMPARE(notices.lines.size(), 1);
+        QCOMPARE(notices.lines.size(), 2);
     }
 
-    void removedDocumentIsEmpty()
+    void newestVersionReplacesARemovedDocument()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
         QVERIFY(QFile::remove(m_store->Document()));
         const Notices notices;
         m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+        QCOMPARE(notices.lines.size(), 1);
+        QVERIFY2(notices.lines.front().startsWith(m_store->Document() +
+                                                  QStringLiteral(" is missing; using the version of ")),
+                 qPrintable(notices.lines.front()));
+        QVERIFY(QFile::exists(m_store->Document()));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+        QCOMPARE(notices.lines.size(), 1);
+    }
+
+    void removedDocumentBesideAQuarantinedOneIsTold()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(
+            QFile::rename(m_store->Document(), m_store->Document() + QStringLiteral(".damaged-20260101T101112345")));
+        const Notices notices;
+        m_store->Reopen();
         QCOMPARE(m_store->Number(), -1);
-        QVERIFY(!QFile::exists(m_store->Document()));
-        QVERIFY(notices.lines.isEmpty());
+        QCOMPARE(notices.lines.size(), 1);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), -1);
+        QCOMPARE(notices.lines.size(), 1);
+    }
+
+    // A piece cut out of a value leaves a valid text.
+    void changedTextIsUsedToldOfAndKept_data()
+    {
+        QTest::addColumn<bool>("hasDigest");
+        QTest::newRow("another digest") << true;
+        QTest::newRow("no digest") << false;
+    }
+    void changedTextIsUsedToldOfAndKept()
+    {
+        QFETCH(bool, hasDigest);
+        QVERIFY(m_store->Save(1));
+        m_store->Root()->SetString(kText, QStringLiteral("0123456789"), 0);
+        QVERIFY(m_store->Save(2));
+        QByteArray changed = Files::Read(m_store->Document()).replace("345", "");
+        if (!hasDigest)
+            changed.remove(0, changed.indexOf("\"values\"")).prepend('{');
+        QVERIFY(Files::Write(m_store->Document(), changed));
+
+        const Notices notices;
+        m_store->Reopen();
+        QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QStringLiteral("0126789"));
+        QCOMPARE(m_store->Number(), 2);
+        QCOMPARE(notices.lines.size(), 1);
+        QVERIFY2(
+            notices.lines.front().startsWith(m_store->Document() + QStringLiteral(" was changed by something else")),
+            qPrintable(notices.lines.front()));
+        QCOMPARE(VersionCount(), 2);
+        QCOMPARE(Files::Read(Version(0)), changed);
+
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+        QCOMPARE(notices.lines.size(), 1);
+    }
+
+    void changedTextIsNotOverwrittenUnlessKept()
+    {
+        QVERIFY(m_store->Save(1));
+        const QByteArray changed = Files::Read(m_store->Document()).replace("\"1\"", "\"7\"");
+        QVERIFY(Files::Write(m_store->Document(), changed));
+        QVERIFY(Files::Write(m_store->Versions(), "in the way"));
+        const Notices notices;
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 7);
+        QCOMPARE(notices.lines.size(), 1);
+        QVERIFY(notices.lines.front().contains(QLatin1String("it is left as it is, because ")));
+        QVERIFY(!m_store->Save(8));
+        QCOMPARE(Files::Read(m_store->Document()), changed);
+        QVERIFY(QFile::remove(m_store->Versions()));
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(Files::Read(Version(0)), changed);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 8);
+    }
+
+    void textChangedWhileOpenIsMergedToldOfAndKept()
+    {
+        m_store->Root()->SetString(kText, kText, 0);
+        QVERIFY(m_store->Save(1));
+        const QByteArray changed =
+            Files::Read(m_store->Document()).replace("\"Text\": \"Text\"", "\"Text\": \"Typed\"");
+        QVERIFY(Files::Write(m_store->Document(), changed));
+        const Notices notices;
+        QVERIFY(m_store->Save(2));
+        QCOMPARE(notices.lines.size(), 1);
+        QCOMPARE(Files::Read(Version(0)), changed);
+        QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QStringLiteral("Typed"));
+    }
+
+    void missingVersionIsToldOnce()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(Files::Write(m_store->Versions(), "in the way"));
+        const Notices notices;
+        QVERIFY(m_store->Save(2));
+        QVERIFY(m_store->Save(3));
+        QCOMPARE(notices.lines.size(), 1);
+        QVERIFY2(notices.lines.front().contains(QLatin1String("cannot be kept as a version: the folder ")),
+                 qPrintable(notices.lines.front()));
+        QVERIFY(QFile::remove(m_store->Versions()));
+        QVERIFY(m_store->Save(4));
+        QCOMPARE(notices.lines.size(), 1);
     }
 
     void fileRemovedWhileOpenIsWrittenCompletely()

@@ -1,5 +1,6 @@
 #include "files/filelock.h"
 #include "platform/cfgcenter.h"
+#include "platform/config/documenttext.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "tests/support/files.h"
@@ -175,18 +176,26 @@ private slots:
         Document()->SetInt(QStringLiteral("Number"), 1, 0);
         Document()->SetBool(QStringLiteral("Truth"), true, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(QFile::remove(DocumentFile())); // a save would create it again
+        QVERIFY(QDir().mkpath(DocumentFile() + QStringLiteral(".lock"))); // now a save would fail
 
         Document()->SetString(kKey, kValue, 0);
         Document()->SetInt(QStringLiteral("Number"), 1, 0);
         Document()->SetBool(QStringLiteral("Truth"), true, 0);
         Document()->Remove(QStringLiteral("Missing"), 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(!QFile::exists(DocumentFile()));
 
         Document()->SetInt(QStringLiteral("Number"), 2, 0);
+        QVERIFY(!CfgCenter::SaveDocument());
+    }
+
+    void removedDirectoryIsWrittenAnew()
+    {
+        Document()->SetString(kKey, kValue, 0);
         QVERIFY(CfgCenter::SaveDocument());
-        QVERIFY(QFile::exists(DocumentFile()));
+        QVERIFY(QDir(m_store->path()).removeRecursively());
+        QVERIFY(CfgCenter::SaveDocument()); // nothing was changed since the last one
+        QVERIFY(CfgCenter::Open(m_store->path()));
+        QCOMPARE(Document()->GetString(kKey, kNone, 0), kValue);
     }
 
     void undoneChangesCreateNoFile()
@@ -389,9 +398,9 @@ private slots:
         QCOMPARE(Document()->GetString(kKey, kNone, 0), kNone);
         QCOMPARE(traces.Messages().size(), 1);
         QVERIFY(traces.Messages().front().contains(DocumentFile()));
-        QVERIFY(!QFile::exists(DocumentFile()));
-        QCOMPARE(SharedFiles().size(), 1);
-        const QString aside = SharedFiles().front();
+        QVERIFY(DocumentText::Parse(Files::Read(DocumentFile())).values->isEmpty());
+        QCOMPARE(SharedFiles().size(), 2);
+        const QString aside = SharedFiles().back();
         QVERIFY2(aside.startsWith(QLatin1String("Document.json.damaged-2")), qUtf8Printable(aside));
         QCOMPARE(ReadFile(m_store->filePath(QStringLiteral("shared/") + aside)), content);
 
@@ -415,7 +424,7 @@ private slots:
         const QStringList files = SharedFiles();
         for (const QString& file : files)
             contents.insert(ReadFile(m_store->filePath(QStringLiteral("shared/") + file)).value_or(QByteArray()));
-        QCOMPARE(contents.size(), kTimes);
+        QCOMPARE(contents.size(), kTimes + 1); // and the document, which begins empty
     }
 
     // The working copy still has the file's content: everything is restored, not only the changes.
@@ -462,16 +471,18 @@ private slots:
                  qPrintable(notices.front()));
     }
 
-    void fileTypedByHandIsRead()
+    void fileTypedByHandIsReadAndKept()
     {
         QVERIFY(
             Files::Write(DocumentFile(), "\xef\xbb\xbf{ \"values\" :\r\n{ \"Key\" :5,\"Other/Key\":\"Value\" } }\r\n"));
         const QByteArray typed = Files::Read(DocumentFile());
         QCOMPARE(Document()->GetInt(kKey, 0, 0), 5);
         QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
-        Document()->SetInt(kKey, 5, 0);
-        QVERIFY(CfgCenter::SaveDocument());
-        QCOMPARE(Files::Read(DocumentFile()), typed);
+        QVERIFY(!DocumentText::Parse(typed).isIntact);
+        QVERIFY(DocumentText::Parse(Files::Read(DocumentFile())).isIntact);
+        const QList<ConfigVersion> versions = ConfigVersions(View::Shared, QStringLiteral("Document")).List();
+        QCOMPARE(versions.size(), 1);
+        QCOMPARE(Files::Read(versions.front().file), typed);
 
         Document()->SetInt(kKey, 6, 0);
         QVERIFY(CfgCenter::SaveDocument());

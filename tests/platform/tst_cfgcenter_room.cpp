@@ -10,6 +10,8 @@
 #include <QScopeGuard>
 #include <QTest>
 
+#include <cerrno>
+
 #include <csignal>
 #include <sys/resource.h>
 
@@ -101,10 +103,14 @@ private slots:
             const FileSizeLimit limit(5000);
             m_store->Reopen();
             QCOMPARE(m_store->Number(), 2);
-            QCOMPARE(m_store->Quarantined().size(), 1);
             QVERIFY(!CfgCenter::SaveDocument());
+            QVERIFY2(CfgCenter::SaveError().endsWith(qt_error_string(EFBIG)), qPrintable(CfgCenter::SaveError()));
+            QCOMPARE(Files::Read(m_store->Document()), QByteArray("damage"));
+            QVERIFY(m_store->Quarantined().isEmpty());
         }
         QVERIFY(CfgCenter::SaveDocument());
+        QVERIFY(CfgCenter::SaveError().isEmpty());
+        QCOMPARE(m_store->Quarantined().size(), 1);
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 2);
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));

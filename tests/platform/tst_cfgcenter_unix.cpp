@@ -4,7 +4,9 @@
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 
+#include <QDirIterator>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QStorageInfo>
 #include <QTest>
 
@@ -69,7 +71,7 @@ private slots:
         QVERIFY(m_store->Save(3));
     }
 
-    void targetOfADamagedLinkIsNotTouched()
+    void targetOfADamagedLinkIsCopiedAndReplaced()
     {
         QVERIFY(m_store->Save(1));
         QVERIFY(m_store->Save(2));
@@ -79,10 +81,84 @@ private slots:
         QVERIFY(QFile::link(target, m_store->Document()));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 1);
-        QCOMPARE(Files::Read(target), QByteArray("damage"));
+        QVERIFY(QFileInfo(m_store->Document()).isSymLink());
+        QVERIFY(Files::Read(target) != "damage");
         QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage"));
-        QVERIFY(m_store->Save(3));
-        QCOMPARE(Files::Read(target), QByteArray("damage"));
+        QVERIFY(!QFileInfo(QuarantinedFile()).isSymLink());
+    }
+
+    void linkThatLeadsNowhereIsNotFollowed_data()
+    {
+        QTest::addColumn<QString>("link"); // what is replaced by one
+        QTest::newRow("document") << QStringLiteral("shared/Document.json");
+        QTest::newRow("folder") << QStringLiteral("shared");
+    }
+    void linkThatLeadsNowhereIsNotFollowed()
+    {
+        QFETCH(QString, link);
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2));
+        const QString away = m_store->Path(QStringLiteral("away"));
+        const QString nowhere = m_store->Path(QStringLiteral("nowhere"));
+        QVERIFY(QFile::rename(m_store->Path(link), away));
+        QVERIFY(QFile::link(nowhere, m_store->Path(link)));
+        QStringList notices;
+        CfgCenter::SetNoticeSink([&](const QString& line) { notices += line; });
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), -1);
+        CfgCenter::SetNoticeSink({});
+        QCOMPARE(notices.size(), 1);
+        QVERIFY2(notices.front().endsWith(m_store->Path(link) + QStringLiteral(" is a link that leads nowhere")),
+                 qPrintable(notices.front()));
+
+        QVERIFY(!m_store->Save(3));
+        QVERIFY(!QFileInfo::exists(nowhere));
+        QVERIFY(QFile::rename(away, nowhere)); // the disk is there again
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void folderThatCannotBeEnteredHidesTheDocument()
+    {
+        QVERIFY(m_store->Save(1));
+        const QString folder = m_store->Path(QStringLiteral("shared"));
+        const auto permissions = QFile::permissions(folder);
+        QVERIFY(QFile::setPermissions(folder, {}));
+        auto back = qScopeGuard([&] { QFile::setPermissions(folder, permissions); });
+        if (QFileInfo::exists(m_store->Document()))
+            QSKIP("An administrator enters every folder.");
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), -1);
+        QVERIFY(!m_store->Save(2));
+        back.dismiss();
+        QVERIFY(QFile::setPermissions(folder, permissions));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    // The umask that lets everybody in.
+    void whatIsWrittenIsTheOwnersAlone()
+    {
+        const mode_t before = umask(0);
+        const auto back = qScopeGuard([before] { umask(before); });
+        const QTemporaryDir parent;
+        QVERIFY(CfgCenter::Open(parent.filePath(QStringLiteral("new/store"))));
+        for (int i = 1; i <= 3; ++i)
+            QVERIFY(m_store->Save(i));
+        QVERIFY(Files::Write(parent.filePath(QStringLiteral("new/store/shared/Document.json")), "damage"));
+        QVERIFY(CfgCenter::Open(parent.filePath(QStringLiteral("new/store"))));
+        QCOMPARE(m_store->Number(), 2);
+        int files = 0;
+        QDirIterator it(parent.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QFileInfo info(it.next());
+            files += info.isFile() ? 1 : 0;
+            constexpr auto kOthers = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
+                                     QFile::WriteOther | QFile::ExeOther;
+            QVERIFY2((info.permissions() & kOthers) == 0, qPrintable(info.filePath()));
+        }
+        QCOMPARE(files, 4); // document, quarantined document, two versions
     }
 
     void documentOnAnotherFileSystemIsCopied()

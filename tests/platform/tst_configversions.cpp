@@ -434,14 +434,15 @@ private slots:
         QVERIFY(QFile::rename(m_store->Versions(), away));
         QVERIFY(Files::Write(m_store->Versions(), "in the way"));
         QVERIFY(!Versions().Restore(elsewhere));
-        QCOMPARE(traces.Messages().size(), 3); // what failed, and why
+        QCOMPARE(traces.Messages().size(), 2);
+        QVERIFY(traces.Messages().back().contains(m_store->Versions() + QStringLiteral(" cannot be created")));
         QVERIFY(QFile::remove(m_store->Versions()));
         QVERIFY(QFile::rename(away, m_store->Versions()));
 
         QVERIFY(Files::Write(version.file, "damage"));
         QVERIFY(!Versions().Restore(version));
         QVERIFY(!Versions().Restore({}));
-        QCOMPARE(traces.Messages().size(), 5);
+        QCOMPARE(traces.Messages().size(), 4);
 
         QCOMPARE(Files::Read(m_store->Document()), document);
         QCOMPARE(Numbers(), QList<int>({2, -2}));

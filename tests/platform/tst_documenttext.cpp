@@ -40,6 +40,8 @@ private slots:
                             {QStringLiteral("Node/First"), QStringLiteral("caf\u00e9")},
                             {QStringLiteral("Key"), QStringLiteral("two\nlines")}};
         QCOMPARE(Write(values), QByteArray("{\n"
+                                           "    \"digest\": \"44668cc748b8241e224bac34d7a10d33"
+                                           "07042a1199a21c6f24350cd5a4c4d119\",\n"
                                            "    \"values\": {\n"
                                            "        \"Key\": \"two\\nlines\",\n"
                                            "        \"Node/First\": \"caf\u00e9\",\n"

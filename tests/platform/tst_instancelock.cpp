@@ -263,6 +263,7 @@ void TestInstanceLock::ownerWithoutAName()
     FileLock file;
     QString error;
     QCOMPARE(file.TryLock(LockFile(directory), &error), FileLock::Result::Locked);
+    file.Write({});
     QCOMPARE(OwnerOf(directory.path()), 0);
     InstanceLock lock;
     QCOMPARE(lock.TryLock(directory.path()), InstanceLock::Result::Busy);
