@@ -74,7 +74,7 @@ ExitCode Application::Run()
         return ExitCode::Unusable;
     const ExitCode result = RunWithConfiguration(library, signalWatcher);
     CfgCenter::Close();
-    return m_saveFailed ? ExitCode::Unusable : result;
+    return m_saver.HasFailed() ? ExitCode::Unusable : result;
 }
 
 /// Opens the configuration, read-only if it cannot be written and writing is not needed. Returns false after printing
@@ -113,8 +113,10 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     {
         const PluginLibrary::Instance instance = CreateInstance(library);
         if (storedSet.valid()) {
-            if (const QString notice = BackUpBrokenList(storedSet.get()); !notice.isEmpty())
+            const StoredSet set = storedSet.get();
+            if (const QString notice = BackUpBrokenList(set); !notice.isEmpty())
                 m_notices.Report(notice);
+            ReportLoss(set);
         }
         if (!instance)
             Console::PrintError(QStringLiteral("the plug-in %1 returned no instance").arg(m_options.plugin));
@@ -160,21 +162,20 @@ ExitCode Application::RunWithInstance(IDllInstance& instance, SignalWatcher& sig
 
     if (m_options.IsHeadless()) {
         const ExitCode result = RunHeadless(instance, *dialog, signalWatcher);
-        // The window's size was set for the screenshots and is not worth storing.
-        SaveSettings(instance, nullptr);
+        SaveSettings(instance, *dialog);
         return result;
     }
     RunDialog(instance, *dialog, signalWatcher);
-    SaveSettings(instance, dialog->Window());
+    SaveSettings(instance, *dialog);
     return ExitCode::Done;
 }
 
 void Application::RunDialog(IDllInstance& instance, const ConnectDialog& dialog, SignalWatcher& signalWatcher)
 {
     DialogSession session(
-        dialog, m_notices, [&] { return SaveSettings(instance, dialog.Window()); });
-    QObject::connect(
-        &signalWatcher, &SignalWatcher::SessionEnding, &session, [&] { SaveSettings(instance, dialog.Window()); });
+        dialog, m_notices, [&] { return SaveSettings(instance, dialog); },
+        [&](auto done) { m_saver.SaveAsync(std::move(done)); });
+    QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &session, &DialogSession::Save);
     QObject::connect(&session, &DialogSession::QuitRequested, qApp, [] { QCoreApplication::exit(); });
     session.Start();
     QCoreApplication::exec();
@@ -186,7 +187,7 @@ ExitCode Application::RunHeadless(IDllInstance& instance, const ConnectDialog& d
     QObject::connect(&signalWatcher, &SignalWatcher::QuitRequested, &job, &HeadlessJob::Stop);
     QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &job, [&] {
         if (!job.IsChangingEntries())
-            SaveSettings(instance, nullptr);
+            SaveSettings(instance, dialog);
     });
 
     // Runs inside the event loop, so that a request to quit reaches every nested loop of the job.
@@ -202,21 +203,29 @@ ExitCode Application::RunHeadless(IDllInstance& instance, const ConnectDialog& d
     return result;
 }
 
-bool Application::SaveSettings(IDllInstance& instance, QWidget* window)
+QString Application::SaveSettings(IDllInstance& instance, const ConnectDialog& dialog)
 {
     instance.SaveSettings();
-    if (window)
-        GuiBase::Instance().StoreWidgetSize(window);
+    WriteEntryCount(*CfgCenter::GetAppCfg(View::Application), dialog.Count());
+    // A headless host sets the window's size for the screenshots, which is not worth storing.
+    if (!m_options.IsHeadless())
+        GuiBase::Instance().StoreWidgetSize(dialog.Window());
     return SaveDocument();
 }
 
-bool Application::SaveDocument()
+QString Application::SaveDocument()
 {
-    const bool failed = !m_isReadOnly && !CfgCenter::SaveDocument();
-    // Reported once; saving is tried again at every occasion.
-    if (failed && !m_saveFailed)
-        Console::PrintError(
-            QStringLiteral("the configuration in %1 could not be saved").arg(m_options.configDirectory));
-    m_saveFailed = failed;
-    return !failed;
+    return m_isReadOnly ? QString() : m_saver.Save();
+}
+
+/// Says how many entries a document has lost that something else than the host has written.
+void Application::ReportLoss(const StoredSet& set)
+{
+    if (CfgCenter::WasAppCfgIntact(View::Application))
+        return;
+    const std::optional<int> before = ReadEntryCount(*CfgCenter::GetAppCfg(View::Application));
+    m_notices.Report(
+        before ? QStringLiteral("the list had %1 entries when it was saved, and has %2 now")
+                     .arg(QString::number(*before), QString::number(set.entries))
+               : QStringLiteral("the list has %1 entries now; how many it had is not known").arg(set.entries));
 }

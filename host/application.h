@@ -4,9 +4,11 @@
 #include "host/output/exitcode.h"
 #include "host/output/notices.h"
 #include "host/plugin/pluginlibrary.h"
+#include "host/store/configsaver.h"
 
 class ConnectDialog;
 class SignalWatcher;
+struct StoredSet;
 
 /// Runs the host once: opens the configuration, creates the plug-in's instance, shows the dialog or does the headless
 /// work. On every way out it saves and tears down.
@@ -27,11 +29,12 @@ private:
 
     void SetUpEnvironment() const;
     PluginLibrary::Instance CreateInstance(const PluginLibrary& library) const;
-    bool SaveSettings(IDllInstance& instance, QWidget* window);
-    bool SaveDocument();
+    QString SaveSettings(IDllInstance& instance, const ConnectDialog& dialog);
+    QString SaveDocument();
+    void ReportLoss(const StoredSet& set);
 
     const HostOptions m_options;
     Notices m_notices;
+    ConfigSaver m_saver;
     bool m_isReadOnly = false; // the configuration must not be saved
-    bool m_saveFailed = false;
 };

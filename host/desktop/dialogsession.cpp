@@ -1,5 +1,6 @@
 #include "host/desktop/dialogsession.h"
 
+#include "host/desktop/unsavedtext.h"
 #include "host/output/notices.h"
 #include "host/plugin/connectdialog.h"
 
@@ -7,14 +8,17 @@
 
 #include <utility>
 
-DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save save, QObject* parent)
+DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, SaveAll saveAll, AutoSave::Save autoSave,
+                             QObject* parent)
     : QObject(parent)
     , m_notices(notices)
-    , m_save(std::move(save))
+    , m_saveAll(std::move(saveAll))
     , m_monitor(dialog.Entries())
     , m_visibility(dialog, m_monitor)
     , m_tray(m_monitor, this)
+    , m_autoSave(dialog, std::move(autoSave), this)
 {
+    connect(&m_autoSave, &AutoSave::Saved, this, &DialogSession::OnAutoSaved);
     connect(&m_visibility, &DialogVisibility::DialogHidden, this, &DialogSession::SaveOnHide);
     connect(&m_visibility, &DialogVisibility::QuitRequested, this, &DialogSession::SaveAndQuit);
     connect(&m_visibility, &DialogVisibility::QuitNeedsConfirmation, &m_quitQuestion, &QuitQuestion::Ask);
@@ -44,7 +48,7 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
 
     // At the end of the session the process may not get further than this.
     connect(
-        qApp, &QGuiApplication::commitDataRequest, this, [this] { m_save(); }, Qt::DirectConnection);
+        qApp, &QGuiApplication::commitDataRequest, this, [this] { Save(); }, Qt::DirectConnection);
 }
 
 DialogSession::~DialogSession()
@@ -60,25 +64,27 @@ void DialogSession::Start()
 
 void DialogSession::SaveOnHide()
 {
-    if (m_save())
+    const QString error = Save();
+    if (error.isEmpty())
         return;
     // Queued: if the host is about to quit, the question about unsaved changes says the same.
     QMetaObject::invokeMethod(
         this,
-        [this] {
+        [this, error] {
             if (!m_isUnsavedQuestionOpen)
-                m_notices.ShowIfUnread(tr("The configuration could not be saved."));
+                m_notices.ShowIfUnread(UnsavedText(error));
         },
         Qt::QueuedConnection);
 }
 
 void DialogSession::SaveAndQuit()
 {
-    if (m_save()) {
+    const QString error = Save();
+    if (error.isEmpty()) {
         emit QuitRequested();
     } else {
         m_isUnsavedQuestionOpen = true;
-        m_unsavedQuestion.AskUnsaved();
+        m_unsavedQuestion.AskUnsaved(error);
     }
 }
 
@@ -108,6 +114,20 @@ void DialogSession::OnWentToTray()
 
 void DialogSession::SaveNow()
 {
-    if (!m_save())
-        m_tray.ShowMessage(tr("The configuration could not be saved."), QSystemTrayIcon::Critical);
+    if (const QString error = Save(); !error.isEmpty())
+        m_tray.ShowMessage(UnsavedText(error), QSystemTrayIcon::Critical);
+}
+
+QString DialogSession::Save()
+{
+    m_autoSave.Cancel();
+    return m_saveAll();
+}
+
+void DialogSession::OnAutoSaved(const QString& error)
+{
+    const bool hasFailed = !error.isEmpty();
+    if (hasFailed && !std::exchange(m_hasAutoSaveFailed, hasFailed)) // not after every change
+        m_notices.ShowIfUnread(UnsavedText(error));
+    m_hasAutoSaveFailed = hasFailed;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/desktop/autosave.h"
 #include "host/desktop/dialogvisibility.h"
 #include "host/desktop/noticebox.h"
 #include "host/desktop/quitquestion.h"
@@ -19,15 +20,19 @@ class DialogSession : public QObject
     Q_OBJECT
 
 public:
-    /// Stores and saves everything. Returns false if saving failed.
-    using Save = std::function<bool()>;
+    /// Stores and saves everything. Returns why that failed; empty on success.
+    using SaveAll = std::function<QString()>;
 
     /// `dialog` and `notices` must outlive the session.
-    DialogSession(const ConnectDialog& dialog, Notices& notices, Save save, QObject* parent = nullptr);
+    DialogSession(const ConnectDialog& dialog, Notices& notices, SaveAll saveAll, AutoSave::Save autoSave,
+                  QObject* parent = nullptr);
     ~DialogSession() override;
 
     /// Shows the dialog and the pending notices: as tray messages if there is a tray, otherwise in a message box.
     void Start();
+
+    /// Saves everything, whatever is being saved already. Returns why that failed; empty on success.
+    QString Save();
 
 signals:
     /// The host shall end: everything has been saved, or the user chose to quit although saving failed.
@@ -40,9 +45,10 @@ private:
     void OnStaysHidden(int inUse);
     void OnWentToTray();
     void SaveNow();
+    void OnAutoSaved(const QString& error);
 
     Notices& m_notices;
-    const Save m_save;
+    const SaveAll m_saveAll;
     StatusMonitor m_monitor;
     DialogVisibility m_visibility;
     TrayIcon m_tray;
@@ -50,4 +56,6 @@ private:
     QuitQuestion m_quitQuestion;
     QuitQuestion m_unsavedQuestion;
     bool m_isUnsavedQuestionOpen = false;
+    AutoSave m_autoSave;
+    bool m_hasAutoSaveFailed = false;
 };

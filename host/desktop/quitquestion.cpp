@@ -1,5 +1,7 @@
 #include "host/desktop/quitquestion.h"
 
+#include "host/desktop/unsavedtext.h"
+
 #include <QPushButton>
 
 QuitQuestion::QuitQuestion(QObject* parent)
@@ -18,10 +20,9 @@ void QuitQuestion::Ask(int inUse)
     Open(count + QStringLiteral("\n\n") + tr("Applications started from the connect dialog will be closed."));
 }
 
-void QuitQuestion::AskUnsaved()
+void QuitQuestion::AskUnsaved(const QString& error)
 {
-    Open(tr("The configuration could not be saved.") + QStringLiteral("\n\n") +
-         tr("Changes since the last save will be lost if you quit now."));
+    Open(UnsavedText(error) + QStringLiteral("\n\n") + tr("Changes since the last save will be lost if you quit now."));
 }
 
 void QuitQuestion::Open(const QString& text)

@@ -17,8 +17,8 @@ public:
 
     /// Asks because `inUse` entries are in use. A box that is already open is brought to the front instead.
     void Ask(int inUse);
-    /// Asks because the configuration could not be saved, likewise.
-    void AskUnsaved();
+    /// Asks because the configuration could not be saved, for the reason `error`, likewise.
+    void AskUnsaved(const QString& error);
 
 signals:
     void Answered(bool quit);

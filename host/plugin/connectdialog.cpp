@@ -129,6 +129,20 @@ QByteArray ConnectDialog::Document() const
     return data ? data->data(kMimeType) : QByteArray();
 }
 
+ListCopy ConnectDialog::Copy() const
+{
+    ListCopy copy;
+    copy.document = m_pWindow->property("entriesBeforeImport").toByteArray();
+    if (!copy.document.isEmpty())
+        return copy;
+    copy.rows.resize(static_cast<std::size_t>(Count()));
+    for (int row = 0; row < Count(); ++row)
+        for (int column = 0; column < kEntryColumnCount; ++column)
+            copy.rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] =
+                Value(row, static_cast<EntryColumn>(column));
+    return copy;
+}
+
 void ConnectDialog::BringToFront() const
 {
     m_pWindow->show();

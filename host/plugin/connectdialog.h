@@ -6,10 +6,13 @@
 #include <QPersistentModelIndex>
 #include <QString>
 #include <QTreeView>
+#include <QVariant>
 #include <QWidget>
 
+#include <array>
 #include <optional>
 #include <utility>
+#include <vector>
 
 /// The columns of the entries model. The display role is the displayed text, the edit role the value.
 enum class EntryColumn : int {
@@ -25,6 +28,16 @@ enum class EntryColumn : int {
     Subsystem = 9,
 };
 constexpr int kEntryColumnCount = 10;
+
+/// A copy of the list that other threads can read.
+struct ListCopy
+{
+    /// The value of each cell.
+    std::vector<std::array<QVariant, kEntryColumnCount>> rows;
+    /// The list as a connection list document, in place of `rows`, while the dialog tells of a failed import and has
+    /// not put back the entries from before that.
+    QByteArray document;
+};
 
 /// Access to the plug-in's connect dialog through Qt's public object tree, by object names.
 ///
@@ -60,6 +73,8 @@ public:
     bool Append(const QByteArray& document) const;
     /// Returns the whole list as a connection list document.
     QByteArray Document() const;
+    /// Returns the list for another thread: some 15 ms for 10,000 entries, where `Document` takes ten times that.
+    ListCopy Copy() const;
 
     /// Clicks "&Connect". When this returns, the applications have been started.
     void PressConnect() const { m_pConnectButton->click(); }

@@ -1,12 +1,15 @@
 #include "host/store/storedset.h"
 
+#include "host/plugin/connectdialog.h"
 #include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/xmlelement.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -36,21 +39,87 @@ StoredSet ParseHex(const QString& hex)
     return hex.isEmpty() ? StoredSet() : ParseDocument(QByteArray::fromHex(hex.toLatin1()));
 }
 
-QString StoredText(ICfg& document)
+const QString kTextKey = QStringLiteral("ModelMimeData");
+const QString kCountKey = QStringLiteral("EntryCount");
+
+/// The plug-in's node for its list.
+std::unique_ptr<ICfg> ListNode(ICfg& document)
 {
-    const std::unique_ptr<ICfg> node(document.OpenChild(QStringLiteral("ConnectionsModel"), 0));
-    return node->GetString(QStringLiteral("ModelMimeData"), QString(), 0);
+    return std::unique_ptr<ICfg>(document.OpenChild(QStringLiteral("ConnectionsModel"), 0));
+}
+
+std::unique_ptr<ICfg> HostNode(ICfg& document)
+{
+    return std::unique_ptr<ICfg>(document.OpenChild(QStringLiteral("Host"), 0));
+}
+
+QString TextIn(ICfg& document)
+{
+    return ListNode(document)->GetString(kTextKey, QString(), 0);
+}
+
+Connection ToConnection(const std::array<QVariant, kEntryColumnCount>& row)
+{
+    const auto value = [&row](EntryColumn column) {
+        return row[static_cast<std::size_t>(column)];
+    };
+    Connection entry;
+    entry.Selected = value(EntryColumn::Tick).toBool();
+    entry.ConnectionName = value(EntryColumn::Name).toString();
+    entry.ConnectionStatus = value(EntryColumn::Status).toInt();
+    entry.DeviceType = value(EntryColumn::DeviceType).toInt();
+    entry.ConnectionType = value(EntryColumn::ConnectionType).toInt();
+    entry.DeviceAddress = value(EntryColumn::DeviceAddress).toString();
+    entry.DriverAddress = value(EntryColumn::DriverAddress).toString();
+    entry.LinkSpeed = value(EntryColumn::LinkSpeed).toInt();
+    entry.TimeoutSeconds = value(EntryColumn::Timeout).toInt();
+    entry.Subsystem = value(EntryColumn::Subsystem).toString();
+    return entry;
 }
 
 } // namespace
 
 StoredSet ReadStoredSet(ICfg& document)
 {
-    return ParseHex(StoredText(document));
+    return ParseHex(TextIn(document));
 }
 
 std::future<StoredSet> ReadStoredSetAsync(ICfg& document)
 {
     // If no thread can be created, this runs when the result is requested.
-    return std::async(ParseHex, StoredText(document));
+    return std::async(ParseHex, TextIn(document));
+}
+
+StoredText ToStoredText(const ListCopy& list)
+{
+    const auto toHex = [](const QByteArray& document) {
+        return QString::fromLatin1(document.toHex());
+    };
+    if (!list.document.isEmpty())
+        return {toHex(list.document), ParseDocument(list.document).entries};
+    std::vector<Connection> entries;
+    entries.reserve(list.rows.size());
+    std::vector<const Connection*> pointers;
+    for (const auto& row : list.rows) {
+        entries.push_back(ToConnection(row));
+        pointers.push_back(&entries.back());
+    }
+    return {toHex(ConnectionList::Write(pointers)), static_cast<int>(pointers.size())};
+}
+
+void WriteStoredSet(ICfg& document, const StoredText& text)
+{
+    ListNode(document)->SetString(kTextKey, text.text, 0);
+    WriteEntryCount(document, text.entries);
+}
+
+void WriteEntryCount(ICfg& document, int entries)
+{
+    HostNode(document)->SetInt(kCountKey, entries, 0);
+}
+
+std::optional<int> ReadEntryCount(ICfg& document)
+{
+    const int count = HostNode(document)->GetInt(kCountKey, -1, 0);
+    return count < 0 ? std::nullopt : std::optional(count);
 }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <QString>
+
 #include <future>
+#include <optional>
 
 class ICfg;
+struct ListCopy;
 
 /// Summary of the stored entries in the application's own document, read without the plug-in.
 struct StoredSet
@@ -24,3 +28,20 @@ StoredSet ReadStoredSet(ICfg& document);
 /// Same, in a separate thread, because a long set takes a good part of a second. The text is taken from the document
 /// before this returns.
 std::future<StoredSet> ReadStoredSetAsync(ICfg& document);
+
+/// What is stored of a list.
+struct StoredText
+{
+    QString text; ///< as the plug-in stores it
+    int entries = 0;
+};
+
+/// Makes the text of `list`. Any thread; takes a good part of a second for a long list.
+StoredText ToStoredText(const ListCopy& list);
+
+/// Stores a list in the document with the root node `document`.
+void WriteStoredSet(ICfg& document, const StoredText& text);
+
+/// The number of entries is stored beside them, so that a loss can be told of.
+void WriteEntryCount(ICfg& document, int entries);
+std::optional<int> ReadEntryCount(ICfg& document);

@@ -53,7 +53,8 @@ bool DocumentTransaction::Begin()
     case FileLock::Result::Busy:
         return Fail(BusyError(lockName));
     case FileLock::Result::Failed:
-        return Fail(QStringLiteral("its lock %1 cannot be taken: %2").arg(lockName, error));
+        return Fail(QStringLiteral("its lock %1 cannot be taken: %2; remove it if no other program works there")
+                        .arg(lockName, error));
     }
     m_before = ReadDocument(m_file);
     return true;
@@ -62,7 +63,7 @@ bool DocumentTransaction::Begin()
 QString DocumentTransaction::BusyError(const QString& lockName) const
 {
     const QString holder = FileLock::ReadHolder(lockName).Text();
-    return QStringLiteral("%1 holds its lock %2")
+    return QStringLiteral("%1 holds its lock %2; end it, or try again later")
         .arg(holder.isEmpty() ? QStringLiteral("another process") : holder, lockName);
 }
 
@@ -88,7 +89,7 @@ bool DocumentTransaction::KeepBefore(VersionPolicy policy)
 bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy policy)
 {
     if (content.size() > kLargestDocument)
-        return Fail(QStringLiteral("it would be too large to be read again"));
+        return Fail(QStringLiteral("it would be too large to be read again; delete entries"));
     switch (m_before.state) {
     case DocumentReading::State::Missing:
         break;
@@ -106,8 +107,10 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
     case DocumentReading::State::Unavailable:
         return Fail(QStringLiteral("the existing file cannot be read at the moment: %1").arg(m_before.error));
     }
-    if (const QString error = ReplaceDocument(m_file, content); !error.isEmpty())
-        return Fail(error);
+    if (const QString error = ReplaceDocument(m_file, content); !error.isEmpty()) {
+        return Fail(
+            QStringLiteral("%1; make room, or let this user write in %2").arg(error, QFileInfo(m_file).absolutePath()));
+    }
     m_isFinal = true;
     return true;
 }

@@ -72,6 +72,7 @@ class TestApplication : public QObject
 
 private slots:
     void endOfSessionSavesEverything();
+    void changesAreSavedWhileTheDialogIsOpen();
     void requestToEndClosesAnOpenBox_data();
     void requestToEndClosesAnOpenBox();
     void saveNowSavesAtOnce();
@@ -107,6 +108,25 @@ void TestApplication::endOfSessionSavesEverything()
         QVERIFY(dialog.Window()->isVisible());
     });
     QCOMPARE(code, ExitCode::Done);
+}
+
+// The process may end at any moment.
+void TestApplication::changesAreSavedWhileTheDialogIsOpen()
+{
+    static const QRegularExpression list(QStringLiteral("\"ConnectionsModel/ModelMimeData\": \"([0-9a-f]+)\""));
+    Host host;
+    const auto storedList = [&host] {
+        return list.match(QString::fromUtf8(host.Stored())).captured(1);
+    };
+    QString saved;
+    host.Run([&](const ConnectDialog& dialog) {
+        AddEntry(dialog, QStringLiteral("Sudden mast"), true);
+        AddEntry(dialog, QStringLiteral("Sudden pier"));
+        QTRY_VERIFY_WITH_TIMEOUT(host.HasStored("Sudden mast"), 60'000);
+        saved = storedList();
+    });
+    QVERIFY(!saved.isEmpty());
+    QCOMPARE(storedList(), saved); // the plug-in itself stores the same
 }
 
 void TestApplication::requestToEndClosesAnOpenBox_data()

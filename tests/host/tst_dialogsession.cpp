@@ -47,7 +47,7 @@ QMessageBox* NoticeOnScreen()
     return nullptr;
 }
 
-const QString kNotSaved = QStringLiteral("The configuration could not be saved.");
+const QString kNotSaved = QStringLiteral("The configuration could not be saved.\n\nthe disk is full\n\n");
 
 } // namespace
 
@@ -72,6 +72,8 @@ private slots:
     void closingAsksWhenSavingFails();
     void quittingAsksWhenSavingFails();
     void failedSaveWhileInUseIsShown();
+    void changesAreSavedWhileTheDialogIsOpen();
+    void failedSavesOfChangesAreShownOnce();
     void stayingHiddenIsShown();
     void nothingIsShownWhereStandardErrorIsRead();
     void earlierNoticesAreShownWithTheDialog();
@@ -143,6 +145,47 @@ void TestDialogSession::failedSaveWhileInUseIsShown()
     QTRY_VERIFY(NoticeOnScreen() && NoticeOnScreen()->text().contains(kNotSaved));
     QVERIFY(!Question());
     QCOMPARE(host.end->count(), 0);
+}
+
+void TestDialogSession::changesAreSavedWhileTheDialogIsOpen()
+{
+    Session host;
+    host.session->Start();
+    host.AutoSaveTimer()->setInterval(0);
+    host.fake.Add(QStringLiteral("pier"));
+    QTRY_COMPARE(host.autoSaved, 1);
+    QCOMPARE(host.saved, 0);
+
+    // A save of everything makes one of the change superfluous.
+    host.AutoSaveTimer()->setInterval(60'000);
+    host.fake.Add(QStringLiteral("quay"));
+    QVERIFY(host.AutoSaveTimer()->isActive());
+    host.session->Save();
+    QVERIFY(!host.AutoSaveTimer()->isActive());
+    QCOMPARE(host.saved, 1);
+}
+
+void TestDialogSession::failedSavesOfChangesAreShownOnce()
+{
+    Session host;
+    host.session->Start();
+    host.AutoSaveTimer()->setInterval(0);
+    host.canSave = false;
+    host.fake.Add(QStringLiteral("pier"));
+    QTRY_VERIFY(NoticeOnScreen() && NoticeOnScreen()->text().startsWith(kNotSaved));
+    NoticeOnScreen()->close();
+    host.fake.Add(QStringLiteral("quay"));
+    QTRY_COMPARE(host.autoSaved, 2);
+    QCoreApplication::processEvents();
+    QVERIFY(!NoticeOnScreen());
+
+    host.canSave = true;
+    host.fake.Add(QStringLiteral("dock"));
+    QTRY_COMPARE(host.autoSaved, 3);
+    host.canSave = false;
+    host.fake.Add(QStringLiteral("mole"));
+    QTRY_VERIFY(NoticeOnScreen());
+    NoticeOnScreen()->close();
 }
 
 void TestDialogSession::stayingHiddenIsShown()

@@ -63,9 +63,10 @@ void TestQuitQuestion::unsavedQuestionDefaultsToCancel()
 {
     QuitQuestion question;
     const QSignalSpy answered(&question, &QuitQuestion::Answered);
-    question.AskUnsaved();
+    question.AskUnsaved(QStringLiteral("the disk is full"));
     QVERIFY(OpenBox());
-    QVERIFY(OpenBox()->text().startsWith(QLatin1String("The configuration could not be saved.\n\n")));
+    QVERIFY(
+        OpenBox()->text().startsWith(QLatin1String("The configuration could not be saved.\n\nthe disk is full\n\n")));
     QVERIFY(Button(QStringLiteral("Quit")));
     // Nothing is lost by chance.
     QTest::keyClick(OpenBox(), Qt::Key_Return);

@@ -234,7 +234,7 @@ private slots:
             QVERIFY(notices.lines.front().contains(QLatin1String("is left as it is")));
             QVERIFY(!m_store->Save(3));
             QCOMPARE(CfgCenter::SaveError(),
-                     QStringLiteral("%1: %2 holds its lock %1.lock")
+                     QStringLiteral("%1: %2 holds its lock %1.lock; end it, or try again later")
                          .arg(m_store->Document(),
                               FileLock::ReadHolder(m_store->Document() + QStringLiteral(".lock")).Text()));
         }

@@ -5,6 +5,7 @@
 #include "tests/support/fakedialog.h"
 
 #include <QSignalSpy>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -17,17 +18,27 @@ struct HostSession
     {
         fake.Add(QStringLiteral("mast"));
         dialog = FindDialog();
-        session = std::make_unique<DialogSession>(*dialog, notices, [this] {
-            ++saved;
-            return canSave;
-        });
+        session = std::make_unique<DialogSession>(
+            *dialog, notices,
+            [this] {
+                ++saved;
+                return Result();
+            },
+            [this](const auto& done) {
+                ++autoSaved;
+                done(Result());
+            });
         end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::QuitRequested);
     }
+
+    QTimer* AutoSaveTimer() const { return session->findChild<QTimer*>(QStringLiteral("m_autoSaveTimer")); }
+    QString Result() const { return canSave ? QString() : QStringLiteral("the disk is full"); }
 
     FakeDialog fake;
     std::optional<ConnectDialog> dialog;
     Notices notices;
     int saved = 0;
+    int autoSaved = 0;
     bool canSave = true;
     std::unique_ptr<DialogSession> session;
     std::unique_ptr<QSignalSpy> end;

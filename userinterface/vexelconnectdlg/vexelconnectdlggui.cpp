@@ -33,6 +33,7 @@
 
 namespace {
 
+constexpr const char* kEntriesBeforeImport = "entriesBeforeImport";
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
 constexpr quint16 kCannotReadLine = 383;
 constexpr quint16 kNothingToReadLine = 388;
@@ -321,7 +322,7 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
 {
     // If the message box of an earlier import is still open, the backup must have the entries from before that.
     RollBackImport();
-    QByteArray backup = m_pModel->ToByteArray();
+    const QByteArray backup = m_pModel->ToByteArray();
     if (fileName.isEmpty()) {
         Trace(
             kTraceSource, kNothingToReadLine,
@@ -337,7 +338,8 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
                     .arg(fileName);
             });
     }
-    m_entriesBeforeImport = std::move(backup);
+    m_entriesBeforeImport = backup;
+    setProperty(kEntriesBeforeImport, backup); // for a host that saves meanwhile
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
@@ -347,8 +349,10 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
 
 void VexelConnectDlgGUI::RollBackImport()
 {
-    if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt))
+    if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt)) {
+        setProperty(kEntriesBeforeImport, QVariant());
         LoadEntries(*entries);
+    }
 }
 
 bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)

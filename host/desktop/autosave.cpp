@@ -1,0 +1,68 @@
+#include "host/desktop/autosave.h"
+
+#include "platform/cfgcenter.h"
+
+#include <QPointer>
+
+#include <chrono>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+AutoSave::AutoSave(const ConnectDialog& dialog, Save save, QObject* parent)
+    : QObject(parent)
+    , m_dialog(dialog)
+    , m_save(std::move(save))
+{
+    m_timer.setObjectName(QStringLiteral("m_autoSaveTimer"));
+    m_timer.setParent(this);
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(3s); // one save, and so one version, for a burst of changes
+    connect(&m_timer, &QTimer::timeout, this, &AutoSave::Start);
+
+    const auto restart = [this] {
+        m_timer.start();
+    };
+    const QAbstractItemModel* const entries = dialog.Entries();
+    connect(entries, &QAbstractItemModel::dataChanged, this, &AutoSave::OnDataChanged);
+    connect(entries, &QAbstractItemModel::rowsInserted, this, restart);
+    connect(entries, &QAbstractItemModel::rowsRemoved, this, restart);
+    connect(entries, &QAbstractItemModel::layoutChanged, this, restart);
+}
+
+void AutoSave::Cancel()
+{
+    m_timer.stop();
+    ++m_run;
+}
+
+void AutoSave::OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+{
+    const int status = static_cast<int>(EntryColumn::Status);
+    if (topLeft.column() != status || bottomRight.column() != status)
+        m_timer.start();
+}
+
+void AutoSave::Start()
+{
+    const int run = ++m_run;
+    m_text = std::async([this, run, list = m_dialog.Copy()] {
+        const StoredText text = ToStoredText(list);
+        QMetaObject::invokeMethod(
+            this,
+            [this, run, text] {
+                if (run == m_run)
+                    Write(text);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void AutoSave::Write(const StoredText& text)
+{
+    WriteStoredSet(*CfgCenter::GetAppCfg(View::Application), text);
+    m_save([self = QPointer(this)](const QString& error) {
+        if (self)
+            emit self->Saved(error);
+    });
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// Returns what the user is told when the configuration could not be saved: that it could not, why (`error`), and what
+/// to do.
+QString UnsavedText(const QString& error);

@@ -1,0 +1,162 @@
+#include "files/filelock.h"
+#include "platform/configversions.h"
+#include "tests/platform/storefixture.h"
+#include "tests/support/files.h"
+#include "tests/support/testmain.h"
+
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+const QString kText = QStringLiteral("Text");
+const QString kOther = QStringLiteral("Other");
+
+} // namespace
+
+/// Saving in another thread. A test that needs a save to last holds the document's lock.
+class TestCfgCenterAsync : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_store.emplace();
+        m_results.clear();
+    }
+    void cleanup()
+    {
+        m_lock.reset();
+        m_store.reset();
+    }
+
+    void savedWhenTheEventLoopSaysSo()
+    {
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Start();
+        QVERIFY(m_results.isEmpty());
+        QTRY_COMPARE(m_results, QList<bool>{true});
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void nothingToSaveIsSuccess()
+    {
+        Start();
+        QTRY_COMPARE(m_results, QList<bool>{true});
+        QVERIFY(!QFile::exists(m_store->Document()));
+    }
+
+    void changesMeanwhileAreSavedNext()
+    {
+        m_store->Root()->SetString(kText, QStringLiteral("first"), 0);
+        m_store->Root()->SetString(kOther, QStringLiteral("first"), 0);
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Lock();
+        Start();
+        m_store->Root()->SetString(kText, QStringLiteral("second"), 0);
+        m_store->Root()->Remove(kOther, 0);
+        Unlock();
+        QTRY_COMPARE(m_results, QList<bool>{true});
+        QVERIFY(Files::Read(m_store->Document()).contains("\"Text\": \"first\""));
+        QCOMPARE(Text(kText), QStringLiteral("second"));
+        QCOMPARE(Text(kOther), QString());
+
+        QVERIFY(CfgCenter::SaveDocument());
+        m_store->Reopen();
+        QCOMPARE(Text(kText), QStringLiteral("second"));
+        QCOMPARE(Text(kOther), QString());
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void changesOfOthersAreTakenOver()
+    {
+        QVERIFY(m_store->Save(1));
+        const QByteArray first = Files::Read(m_store->Document());
+        m_store->Root()->SetString(kOther, QStringLiteral("theirs"), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        const QByteArray theirs = Files::Read(m_store->Document());
+        QVERIFY(Files::Write(m_store->Document(), first));
+        m_store->Reopen();
+        QCOMPARE(Text(kOther), QString());
+        QVERIFY(Files::Write(m_store->Document(), theirs));
+
+        m_store->Root()->SetString(kText, QStringLiteral("mine"), 0);
+        Start();
+        QTRY_COMPARE(m_results, QList<bool>{true});
+        QCOMPARE(Text(kOther), QStringLiteral("theirs"));
+        QCOMPARE(Text(kText), QStringLiteral("mine"));
+    }
+
+    void nextSaveWaits()
+    {
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Start();
+        m_store->Root()->SetInt(QStringLiteral("Number"), 2, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(m_results, QList<bool>{true});
+        QCOMPARE(ConfigVersions(View::Shared, QStringLiteral("Document")).List().size(), 1);
+        m_store->Root()->SetInt(QStringLiteral("Number"), 3, 0);
+        Start();
+        m_store->Root()->SetInt(QStringLiteral("Number"), 4, 0);
+        Start();
+        QCOMPARE(m_results, (QList<bool>{true, true}));
+        QTRY_COMPARE(m_results, (QList<bool>{true, true, true}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 4);
+    }
+
+    void closingWaits()
+    {
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Start();
+        m_store->Reopen();
+        QCOMPARE(m_results, QList<bool>{true});
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void failedSaveKeepsTheChanges()
+    {
+        m_store->Root()->SetString(kText, QStringLiteral("old"), 0);
+        m_store->Root()->SetString(kOther, QStringLiteral("old"), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        const QString inTheWay = m_store->Document() + QStringLiteral(".lock");
+        QVERIFY(QDir().mkpath(inTheWay));
+        m_store->Root()->SetString(kText, QStringLiteral("new"), 0);
+        m_store->Root()->Remove(kOther, 0);
+        Start();
+        QTRY_COMPARE(m_results, QList<bool>{false});
+        QVERIFY2(CfgCenter::SaveError().contains(inTheWay), qPrintable(CfgCenter::SaveError()));
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+
+        QVERIFY(QDir().rmdir(inTheWay));
+        QVERIFY(CfgCenter::SaveDocument());
+        m_store->Reopen();
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+        QCOMPARE(Text(kOther), QString());
+    }
+
+private:
+    void Start()
+    {
+        CfgCenter::SaveDocumentAsync([this](bool isSaved) { m_results += isSaved; });
+    }
+    void Lock()
+    {
+        QString error;
+        QVERIFY(QDir().mkpath(m_store->Path(QStringLiteral("shared"))));
+        m_lock = std::make_unique<FileLock>();
+        QCOMPARE(m_lock->TryLock(m_store->Document() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
+    }
+    void Unlock() { m_lock.reset(); }
+    QString Text(const QString& key) const { return m_store->Root()->GetString(key, {}, 0); }
+
+    std::optional<StoreFixture> m_store;
+    std::unique_ptr<FileLock> m_lock;
+    QList<bool> m_results;
+};
+
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCfgCenterAsync)
+#include "tst_cfgcenter_async.moc"
