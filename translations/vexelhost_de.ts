@@ -8,10 +8,6 @@
         <translation>Der Verbindungsdialog bleibt hier, bis Sie &quot;Beenden&quot; wählen.</translation>
     </message>
     <message>
-        <source>The configuration could not be saved.</source>
-        <translation>Die Konfiguration konnte nicht gespeichert werden.</translation>
-    </message>
-    <message>
         <source>1 entry is still in use.</source>
         <translation>1 Eintrag ist noch in Benutzung.</translation>
     </message>
@@ -54,10 +50,6 @@
     <message>
         <source>Applications started from the connect dialog will be closed.</source>
         <translation>Aus dem Verbindungsdialog gestartete Anwendungen werden beendet.</translation>
-    </message>
-    <message>
-        <source>The configuration could not be saved.</source>
-        <translation>Die Konfiguration konnte nicht gespeichert werden.</translation>
     </message>
     <message>
         <source>Changes since the last save will be lost if you quit now.</source>
@@ -104,6 +96,17 @@
     <message>
         <source>1 entry in use</source>
         <translation>1 Eintrag in Benutzung</translation>
+    </message>
+</context>
+<context>
+    <name>UnsavedText</name>
+    <message>
+        <source>The configuration could not be saved.</source>
+        <translation type="unfinished">Die Konfiguration konnte nicht gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>Saving is tried again after the next change and when the dialog is closed. Until it works, keep the list with &quot;Export...&quot; in another folder.</source>
+        <translation>Das Speichern wird nach der nächsten Änderung und beim Schließen des Dialogs erneut versucht. Sichern Sie die Liste bis dahin mit &quot;Export...&quot; in einem anderen Ordner.</translation>
     </message>
 </context>
 </TS>
