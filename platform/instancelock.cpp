@@ -71,7 +71,7 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
         m_file.reset();
         return Result::Busy;
     case FileLock::Result::Failed:
-        m_errorText += QStringLiteral(": ") + error;
+        m_errorText += QStringLiteral(": its lock %1 cannot be taken: %2").arg(QDir::toNativeSeparators(file), error);
         m_file.reset();
         return Result::Unusable;
     }

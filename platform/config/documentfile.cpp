@@ -107,14 +107,15 @@ QString ReplaceDocument(const QString& file, const QByteArray& content)
     return {};
 }
 
-std::optional<Quarantined> QuarantineDocument(const QString& file)
+std::optional<Quarantined> QuarantineDocument(const QString& file, const DocumentReading& reading)
 {
     const QString name = UniqueSiblingName(file, kMark, QDateTime::currentDateTime());
-    const QFileInfo info(file);
-    if (info.isFile() && info.isReadable()) {
+    if (reading.state == State::Damaged) {
+        const QFileInfo info(file);
         std::error_code error;
         std::filesystem::create_hard_link(NativePath(info.canonicalFilePath()), NativePath(name), error);
-        if (!error || QFile::copy(file, name))
+        const bool isRead = info.size() == reading.content.size(); // not one that is larger than any document
+        if (!error || (isRead && WriteWithRetries(name, reading.content, FileAccess::Private).isEmpty()))
             return Quarantined{name, false};
     }
     if (Retry([&] { return Rename(file, name) ? Attempt::Done : Attempt::Busy; }))

@@ -45,9 +45,10 @@ struct Quarantined
     bool isMoved = false; ///< the document's own name is gone
 };
 
-/// Puts a damaged or unreadable document aside, under a name beside it. The document stays in its place, so that no
-/// moment is without it; what cannot be read is moved. Call only while holding the document's lock.
-std::optional<Quarantined> QuarantineDocument(const QString& file);
+/// Puts a damaged or unreadable document aside, under a name beside it; `reading` is what reading it gave. It stays in
+/// its place, so that no moment is without it; only what could not be read is moved. Call only while holding the
+/// document's lock.
+std::optional<Quarantined> QuarantineDocument(const QString& file, const DocumentReading& reading);
 
 /// The names of the documents that were put aside beside `file`.
 QStringList QuarantinedNames(const QString& file);

@@ -70,7 +70,7 @@ QString DocumentTransaction::BusyError(const QString& lockName) const
 bool DocumentTransaction::Quarantine()
 {
     if (!m_quarantined)
-        m_quarantined = QuarantineDocument(m_file);
+        m_quarantined = QuarantineDocument(m_file, m_before);
     return m_quarantined || Fail(QStringLiteral("the existing file or folder can neither be read nor moved aside"));
 }
 

@@ -273,24 +273,30 @@ void TestVexelHostBackups::copyOfATruncatedListIsKept()
     HostSetUp setUp;
     StoreLists(setUp, 3);
     BreakOff(setUp, 1000);
-    const QByteArray document = Files::Read(setUp.Document());
+    const auto valuesIn = [](const QString& file) {
+        const QByteArray text = Files::Read(file);
+        return text.mid(text.indexOf("\"values\""));
+    };
+    const QByteArray values = valuesIn(setUp.Document());
     QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, then malformed"));
 
     const auto first = setUp.Run("--list");
-    COMPARE_NOTICE(first, QLatin1String("malformed after 2 entries"));
+    QCOMPARE(first.exitCode, 0);
+    QCOMPARE(first.ErrorLines().filter(QStringLiteral("malformed after 2 entries")).size(), 1);
+    QCOMPARE(first.ErrorLines().filter(QStringLiteral("had 3 entries when it was saved, and has 2 now")).size(), 1);
     const QFileInfo info(setUp.Document());
     const auto copies = [&info] {
         return info.dir().entryInfoList({info.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);
     };
     QCOMPARE(copies().size(), 1);
-    QCOMPARE(Files::Read(copies().constFirst().filePath()), document);
+    QCOMPARE(valuesIn(copies().constFirst().filePath()), values);
     QVERIFY2(first.error.contains(copies().constFirst().fileName()), qPrintable(first.error));
 
     // Stored by the plug-in as far as it went, the list is in order, and the versions come and go.
     QCOMPARE(setUp.Run("--list").error, QString());
     StoreLists(setUp, 12);
     QCOMPARE(copies().size(), 1);
-    QCOMPARE(Files::Read(copies().constFirst().filePath()), document);
+    QCOMPARE(valuesIn(copies().constFirst().filePath()), values);
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostBackups)
