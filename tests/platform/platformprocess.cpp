@@ -1,5 +1,5 @@
 // The second process of the tests. Commands:
-//   read STORE DOCUMENT NODE KEY      prints the value
+//   read STORE DOCUMENT NODE KEY      prints the value; an empty NODE is the root
 //   write STORE DOCUMENT PREFIX COUNT writes keys PREFIX0, PREFIX1, ... of the root, and saves after each
 //   rewrite STORE DOCUMENT COUNT      endlessly: sets COUNT keys of the root to the next number, prints it, saves
 //   translate                         prints "Street" in the system's language, from the product's translations
@@ -13,7 +13,6 @@
 #include <QStringList>
 
 #include <cstdio>
-#include <memory>
 
 namespace {
 
@@ -29,8 +28,7 @@ void Print(const QString& text)
 
 int Read(const QString& document, const QString& node, const QString& key)
 {
-    const std::unique_ptr<ICfg> child(CfgCenter::CreateCfg(document, View::Shared, {})->OpenChild(node, 0));
-    Print(child->GetString(key, QStringLiteral("(none)"), 0));
+    Print(CfgCenter::CreateCfg(document, View::Shared, node)->GetString(key, QStringLiteral("(none)"), 0));
     return 0;
 }
 
