@@ -57,6 +57,11 @@ Support commands:
   --diagnose returns 0 whatever it finds, unless its report cannot be printed.
   With --data it checks that directory and does not store it.
 
+Trace files:
+  On Unix, only the user can access the files that --trace-file creates. In a
+  folder in which other users can create files, such as /tmp, FILE must be a
+  regular file of the user, not a link.
+
 Environment:
   The host looks for programs in its own folder first. It sets VEXEL_CONFIG_DIR
   to the configuration directory for the applications it starts.
