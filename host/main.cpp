@@ -8,6 +8,7 @@
 #include "host/store/backups.h"
 #include "host/support/diagnosis.h"
 #include "host/system/desktop.h"
+#include "process/arguments.h"
 #include "process/librarysearch.h"
 #include "process/standardstreams.h"
 
@@ -20,6 +21,8 @@ namespace {
 
 ParsedCommandLine ReadCommandLine(int& argc, char** argv)
 {
+    if (const QString error = ArgumentsError(argc, argv); !error.isEmpty())
+        return {ParsedCommandLine::Outcome::Invalid, error, {}};
     // The options decide which platform plug-in Qt uses, so they are read before the QApplication exists.
     // QCoreApplication handles how each system passes arguments.
     const QCoreApplication reader(argc, argv);

@@ -68,8 +68,8 @@ Environment:
 
 Exit codes:
   0  done
-  1  the command line is invalid, a file or standard output cannot be written,
-     or there is no version with the number to restore
+  1  the command line is invalid or not UTF-8, a file or standard output cannot
+     be written, or there is no version with the number to restore
   2  the plug-in, the configuration, a file to import or add, or the version to
      restore cannot be used, the configuration could not be saved, or there is
      no display to show the dialog on

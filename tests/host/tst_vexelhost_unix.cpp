@@ -2,7 +2,7 @@
 #include "tests/support/filesizelimit.h"
 #include "tests/support/testmain.h"
 
-/// The host with and without a display.
+/// The host with and without a display, and with names that are not text.
 class TestVexelHostUnix : public QObject
 {
     Q_OBJECT
@@ -35,6 +35,22 @@ private slots:
             QFile environment(setUp.Path("environment"));
             QVERIFY(environment.open(QIODevice::ReadOnly));
             QCOMPARE(environment.readAll().contains("QT_QPA_PLATFORM=offscreen"), !hasDesktop);
+        }
+    }
+
+    void pathThatIsNotTextIsRefused()
+    {
+        HostSetUp setUp;
+        for (const char* option : {"--config", "--trace-file", "--export"}) {
+            // QProcess passes valid text only.
+            QProcess host;
+            host.setProcessEnvironment(setUp.Environment());
+            host.setWorkingDirectory(setUp.Path("."));
+            host.start(QStringLiteral("/bin/sh"),
+                       {QStringLiteral("-c"), QStringLiteral("exec \"$0\" --list \"$1\" \"$(printf 'caf\\351')\""),
+                        QStringLiteral(VEXELHOST), QString::fromLatin1(option)});
+            COMPARE_FAILURE(HostSetUp::End(host), 1, QLatin1String("argument 3 is not valid UTF-8: \"caf"));
+            QCOMPARE(QDir(setUp.Path(".")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), Words("data"));
         }
     }
 };
