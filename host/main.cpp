@@ -93,6 +93,11 @@ ExitCode Run(int& argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
     QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
+    // A diagnosis reports this, too.
+    if (const QString error = ConfigDirectoryError(options); !error.isEmpty() && !options.diagnose) {
+        Console::PrintError(QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error));
+        return ExitCode::Unusable;
+    }
     if (options.IsSupportCommand())
         return RunSupportCommand(options, argv[0]);
     if (!ChoosePlatform(options.IsHeadless())) {

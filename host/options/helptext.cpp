@@ -65,14 +65,16 @@ Trace files:
 Environment:
   The host looks for programs in its own folder first. It sets VEXEL_CONFIG_DIR
   to the configuration directory for the applications it starts.
+  On Unix, the default configuration directory is in XDG_CONFIG_HOME, or else
+  in .config in HOME, or else in the home directory of the user database.
 
 Exit codes:
   0  done
   1  the command line is invalid or not UTF-8, a file or standard output cannot
      be written, or there is no version with the number to restore
   2  the plug-in, the configuration, a file to import or add, or the version to
-     restore cannot be used, the configuration could not be saved, or there is
-     no display to show the dialog on
+     restore cannot be used, the configuration could not be saved, there is no
+     folder for it, or there is no display to show the dialog on
   3  an entry could not be connected
   4  another host uses the same configuration directory
 )");

@@ -35,6 +35,13 @@ Setting OptionSetting(const QString& given, const QString& used, const char* opt
     return {used, QLatin1String(given.isEmpty() ? fallback : option)};
 }
 
+Setting ConfigurationSetting(const HostOptions& given, const HostOptions& options)
+{
+    if (const QString error = ConfigDirectoryError(given); !error.isEmpty())
+        return {QString(), QStringLiteral("NOT FOUND: ") + error};
+    return OptionSetting(given.configDirectory, options.configDirectory, "--config", "this user's default location");
+}
+
 /// Returns the value of `key` in a document, as the next start would read it.
 QString ConfiguredValue(const QString& document, const QString& key)
 {
@@ -113,8 +120,7 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
     report.AddFact(QStringLiteral("current directory"), QDir::currentPath());
     addSetting("plug-in", OptionSetting(given.plugin, options.plugin, "--plugin", "installed with the host"));
     report.AddFact(QStringLiteral("plug-in state"), PluginState(options.plugin));
-    addSetting("configuration", OptionSetting(given.configDirectory, options.configDirectory, "--config",
-                                              "this user's default location"));
+    addSetting("configuration", ConfigurationSetting(given, options));
     addSetting("data directory", data);
     report.AddFact(QStringLiteral("data directory exists"), QFileInfo(data.value).isDir());
     const QDir translations(
