@@ -55,7 +55,9 @@ Support commands:
   previous version, up to ten. --restore also restores what is stored together
   with the list.
   --diagnose returns 0 whatever it finds, unless its report cannot be printed.
-  With --data it checks that directory and does not store it.
+  With --data it checks that directory and does not store it. On Unix it lists
+  what other users can read, and warns where they can write or replace the
+  configuration: it decides what programs are started.
 
 Trace files:
   On Unix, only the user can access the files that --trace-file creates. In a

@@ -4,6 +4,7 @@
 #include "host/output/console.h"
 #include "host/plugin/datadirectory.h"
 #include "host/plugin/pluginlibrary.h"
+#include "host/support/accessreport.h"
 #include "host/support/linkport.h"
 #include "host/support/machinereport.h"
 #include "host/support/storereport.h"
@@ -130,6 +131,7 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
                    QJsonArray::fromStringList(translations.entryList({QStringLiteral("*.qm")}, QDir::Files)));
     report.AddFact(QStringLiteral("trace file"), options.traceFile.isEmpty() ? QJsonValue() : options.traceFile);
     report.AddFact(QStringLiteral("trace file state"), TraceFileState(options.traceFile));
+    ReportAccess(report, options.configDirectory, options.traceFile);
     report.AddFact(QStringLiteral("display"), HasDesktop());
     report.AddList(QStringLiteral("environment"), Environment());
 }

@@ -2,6 +2,7 @@
 #include "tests/support/filesizelimit.h"
 #include "tests/support/testmain.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <pwd.h>
 #include <sched.h>
@@ -127,6 +128,25 @@ private slots:
         if (result.exitCode == 99)
             QSKIP("this user cannot create user namespaces");
         COMPARE_FAILURE(result, 2, QLatin1String("HOME is not set, and the user database has no home directory"));
+    }
+
+    void accessByOthersIsReported()
+    {
+        HostSetUp setUp;
+        setUp.Fill("one");
+        QVERIFY(QFile::setPermissions(setUp.Config(), QFile::Permissions(0x7777)));
+        const auto report = setUp.Run("--diagnose --json");
+        const QJsonArray rows = QJsonDocument::fromJson(report.output.toUtf8())[QLatin1String("paths")]
+                                    .toObject()
+                                    .value(QLatin1String("accessByOthers"))
+                                    .toArray();
+        const auto isConfig = [&setUp](const QJsonValue& row) {
+            return row[QLatin1String("file")].toString() == setUp.Config() &&
+                   row[QLatin1String("mode")].toString() == QLatin1String("0777") &&
+                   row[QLatin1String("access")].toString().contains(QLatin1String("write"), Qt::CaseInsensitive);
+        };
+        QVERIFY2(std::any_of(rows.begin(), rows.end(), isConfig), qPrintable(report.output));
+        QVERIFY(setUp.Run("--diagnose").output.contains(QLatin1String("\n  access by others\n")));
     }
 
 private:
