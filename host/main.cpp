@@ -8,6 +8,7 @@
 #include "host/store/backups.h"
 #include "host/support/diagnosis.h"
 #include "host/system/desktop.h"
+#include "process/arguments.h"
 #include "process/librarysearch.h"
 #include "process/standardstreams.h"
 
@@ -20,6 +21,8 @@ namespace {
 
 ParsedCommandLine ReadCommandLine(int& argc, char** argv)
 {
+    if (const QString error = ArgumentsError(argc, argv); !error.isEmpty())
+        return {ParsedCommandLine::Outcome::Invalid, error, {}};
     // The options decide which platform plug-in Qt uses, so they are read before the QApplication exists.
     // QCoreApplication handles how each system passes arguments.
     const QCoreApplication reader(argc, argv);
@@ -90,6 +93,11 @@ ExitCode Run(int& argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
     QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));
+    // A diagnosis reports this, too.
+    if (const QString error = ConfigDirectoryError(options); !error.isEmpty() && !options.diagnose) {
+        Console::PrintError(QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error));
+        return ExitCode::Unusable;
+    }
     if (options.IsSupportCommand())
         return RunSupportCommand(options, argv[0]);
     if (!ChoosePlatform(options.IsHeadless())) {

@@ -13,7 +13,8 @@ namespace StandardStreams {
 enum class Stream { Output, Error };
 
 /// Prepares the streams. Call this first in a program. On Windows it attaches a GUI program to the console it was
-/// started from, unless its output is redirected. On Unix it keeps a closed pipe from ending the program.
+/// started from, unless its output is redirected. On Unix it keeps a closed pipe from ending the program, and files
+/// that are opened later from becoming a standard stream that is closed: reading and writing that one still fail.
 void Prepare();
 
 /// Writes `text`. Returns false if not all of it could be written, for example to a full disk or a closed pipe.

@@ -2,13 +2,29 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+/// Opens the null device for streams that are closed. The next files would become the standard streams otherwise, and
+/// get what is written to these.
+void OccupyClosedStreams()
+{
+    // Opening uses the lowest free number. In the wrong direction, so that reading and writing still fail.
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) == -1)
+            (void)::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+} // namespace
 
 namespace StandardStreams {
 
 void Prepare()
 {
+    OccupyClosedStreams();
     // Writing to a closed pipe then fails with EPIPE instead of ending the process. An existing handler is kept.
     struct sigaction action = {};
     if (::sigaction(SIGPIPE, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)

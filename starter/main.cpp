@@ -1,3 +1,4 @@
+#include "process/arguments.h"
 #include "process/librarysearch.h"
 #include "process/standardstreams.h"
 #include "starter/starter.h"
@@ -27,9 +28,15 @@ Starter::Settings ToSettings(const StarterOptions& options)
     return settings;
 }
 
-StarterExit Run()
+ParsedStarterCommandLine ReadCommandLine(int argc, char** argv)
 {
-    const ParsedStarterCommandLine commandLine = ParseStarterCommandLine(QCoreApplication::arguments());
+    if (const QString error = ArgumentsError(argc, argv); !error.isEmpty())
+        return {ParsedStarterCommandLine::Outcome::Invalid, error, {}};
+    return ParseStarterCommandLine(QCoreApplication::arguments());
+}
+
+StarterExit Run(const ParsedStarterCommandLine& commandLine)
+{
     switch (commandLine.outcome) {
     case ParsedStarterCommandLine::Outcome::Print:
         if (StandardStreams::Write(Stream::Output, commandLine.text))
@@ -57,5 +64,5 @@ int main(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     // For example about a missing folder for run-time files, which is handled.
     QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
-    return static_cast<int>(Run());
+    return static_cast<int>(Run(ReadCommandLine(argc, argv)));
 }

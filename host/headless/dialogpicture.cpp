@@ -13,6 +13,8 @@ namespace {
 
 // A screenshot of 10,000 entries is useless; scroll bars show that there are more.
 constexpr QSize kMaxSize(2400, 1600);
+// Larger factors make the picture smaller than `kMaxSize`. Without this limit, memory would not suffice.
+constexpr qreal kMaxScaleFactor = 5;
 constexpr int kMaxAttempts = 4;
 
 /// Returns the size at which `view` shows all columns and rows without scrolling or elided text.
@@ -37,6 +39,12 @@ QSize FittingSize(const QTreeView& view)
     return {width, height};
 }
 
+/// Returns the largest size for the window, in its coordinates.
+QSize MaxSize(const QWidget& window)
+{
+    return kMaxSize * std::min(1.0, kMaxScaleFactor / window.devicePixelRatioF());
+}
+
 void ProcessLayout()
 {
     // Posted events update layouts and header sizes.
@@ -57,7 +65,7 @@ bool Enlarge(const ConnectDialog& dialog)
     }
     QWidget* window = dialog.Window();
     const QSize before = window->size();
-    window->resize((before + missing).expandedTo(window->minimumSizeHint()).boundedTo(kMaxSize));
+    window->resize((before + missing).expandedTo(window->minimumSizeHint()).boundedTo(MaxSize(*window)));
     return window->size() != before;
 }
 
@@ -66,6 +74,14 @@ bool Enlarge(const ConnectDialog& dialog)
 QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName)
 {
     QWidget* window = dialog.Window();
+    const QSize maxSize = MaxSize(*window);
+    // Checked first, because Qt crashes if it shows a window without enough memory to paint it.
+    if (window->minimumSizeHint().boundedTo(maxSize) != window->minimumSizeHint()) {
+        return QStringLiteral("cannot write the screenshot %1: the dialog is too large with the scale factor %2")
+            .arg(fileName, QString::number(window->devicePixelRatioF()));
+    }
+    if (window->size().boundedTo(maxSize) != window->size())
+        window->resize(window->size().boundedTo(maxSize));
     const bool wasHidden = window->isHidden();
     window->show();
     ProcessLayout();
@@ -75,6 +91,9 @@ QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName)
     const QPixmap picture = window->grab();
     if (wasHidden)
         window->hide();
+
+    if (picture.isNull())
+        return QStringLiteral("cannot write the screenshot %1: the dialog cannot be painted").arg(fileName);
 
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly) || !picture.save(&file, "PNG") || !file.commit())

@@ -55,19 +55,28 @@ Support commands:
   previous version, up to ten. --restore also restores what is stored together
   with the list.
   --diagnose returns 0 whatever it finds, unless its report cannot be printed.
-  With --data it checks that directory and does not store it.
+  With --data it checks that directory and does not store it. On Unix it lists
+  what other users can read, and warns where they can write or replace the
+  configuration: it decides what programs are started.
+
+Trace files:
+  On Unix, only the user can access the files that --trace-file creates. In a
+  folder in which other users can create files, such as /tmp, FILE must be a
+  regular file of the user, not a link.
 
 Environment:
   The host looks for programs in its own folder first. It sets VEXEL_CONFIG_DIR
   to the configuration directory for the applications it starts.
+  On Unix, the default configuration directory is in XDG_CONFIG_HOME, or else
+  in .config in HOME, or else in the home directory of the user database.
 
 Exit codes:
   0  done
-  1  the command line is invalid, a file or standard output cannot be written,
-     or there is no version with the number to restore
+  1  the command line is invalid or not UTF-8, a file or standard output cannot
+     be written, or there is no version with the number to restore
   2  the plug-in, the configuration, a file to import or add, or the version to
-     restore cannot be used, the configuration could not be saved, or there is
-     no display to show the dialog on
+     restore cannot be used, the configuration could not be saved, there is no
+     folder for it, or there is no display to show the dialog on
   3  an entry could not be connected
   4  another host uses the same configuration directory
 )");

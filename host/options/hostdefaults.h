@@ -2,6 +2,9 @@
 
 #include "host/options/hostoptions.h"
 
-/// Returns `options` with defaults for the plug-in and the configuration directory. Needs the application object with
-/// its names set.
+/// Returns why there is no default for the configuration directory; empty if there is one or `options` name another.
+QString ConfigDirectoryError(const HostOptions& options);
+
+/// Returns `options` with defaults for the plug-in and the configuration directory, which stays empty if there is none.
+/// Needs the application object with its names set.
 HostOptions WithDefaults(HostOptions options);

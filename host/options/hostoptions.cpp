@@ -113,7 +113,7 @@ private:
         QStringLiteral("diagnose"),
         QStringLiteral(
             "Print a report for a support desk: versions, paths, what was read from the data directory and what "
-            "was ignored, the state of the configuration and of the starter's port.")};
+            "was ignored, the state of the configuration and who can access it, the state of the starter's port.")};
 };
 
 Parser::Parser()

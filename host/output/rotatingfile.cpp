@@ -6,7 +6,31 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
+
+namespace {
+
+bool IsUsed(const QString& name)
+{
+    return QFileInfo::exists(name) || QFileInfo(name).isSymLink();
+}
+
+bool Rename(const QString& from, const QString& to)
+{
+    // If QFile cannot rename, it copies, which follows links and creates a file that others can read.
+    std::error_code error;
+    std::filesystem::rename(QFileInfo(from).filesystemFilePath(), QFileInfo(to).filesystemFilePath(), error);
+    return !error;
+}
+
+} // namespace
+
+QString RotatingFile::BackupName(const QString& fileName, int number)
+{
+    return fileName + QLatin1Char('.') + QString::number(number);
+}
 
 QString RotatingFile::Open(const QString& fileName, qint64 maxSize)
 {
@@ -32,7 +56,7 @@ QString RotatingFile::Append(const QByteArray& line)
 
 QString RotatingFile::NameOf(int number) const
 {
-    return m_name + QLatin1Char('.') + QString::number(number);
+    return BackupName(m_name, number);
 }
 
 bool RotatingFile::IsFull(qint64 added) const
@@ -96,10 +120,10 @@ QString RotatingFile::Rotate(qint64 added)
     if (const QString error = ShiftEarlierFiles(); !error.isEmpty())
         return error;
     m_pFile.reset();
-    const bool isMoved = QFile::rename(m_name, NameOf(1));
+    const bool isMoved = Rename(m_name, NameOf(1));
     if (!Reopen().isEmpty() && isMoved) {
         // A file that grows is better than none.
-        QFile::rename(NameOf(1), m_name);
+        Rename(NameOf(1), m_name);
         Reopen();
         return QStringLiteral("no new file can be created");
     }
@@ -110,7 +134,7 @@ QString RotatingFile::Rotate(qint64 added)
 QString RotatingFile::ShiftEarlierFiles() const
 {
     int firstFree = 1;
-    for (; firstFree <= kBackupCount && QFileInfo::exists(NameOf(firstFree)); ++firstFree)
+    for (; firstFree <= kBackupCount && IsUsed(NameOf(firstFree)); ++firstFree)
         if (!QFileInfo(NameOf(firstFree)).isFile())
             return QStringLiteral("%1 is not a regular file").arg(QDir::toNativeSeparators(NameOf(firstFree)));
     if (firstFree > kBackupCount) {
@@ -119,7 +143,7 @@ QString RotatingFile::ShiftEarlierFiles() const
             return QStringLiteral("%1 cannot be removed").arg(QDir::toNativeSeparators(NameOf(firstFree)));
     }
     for (int number = firstFree; number > 1; --number)
-        if (!QFile::rename(NameOf(number - 1), NameOf(number)))
+        if (!Rename(NameOf(number - 1), NameOf(number)))
             return QStringLiteral("%1 cannot be renamed").arg(QDir::toNativeSeparators(NameOf(number - 1)));
     return {};
 }

@@ -23,6 +23,8 @@ class RotatingFile
 {
 public:
     static constexpr int kBackupCount = 5;
+    /// Returns the name of the earlier file `number`, from 1 to `kBackupCount`.
+    static QString BackupName(const QString& fileName, int number);
 
     /// Opens `fileName` for appending. A line that would make the file larger than `maxSize` bytes triggers rotation.
     /// Returns the error, or empty on success. A pipe without a reader cannot be opened.

@@ -4,6 +4,7 @@
 #include "host/output/console.h"
 #include "host/plugin/datadirectory.h"
 #include "host/plugin/pluginlibrary.h"
+#include "host/support/accessreport.h"
 #include "host/support/linkport.h"
 #include "host/support/machinereport.h"
 #include "host/support/storereport.h"
@@ -33,6 +34,13 @@ struct Setting
 Setting OptionSetting(const QString& given, const QString& used, const char* option, const char* fallback)
 {
     return {used, QLatin1String(given.isEmpty() ? fallback : option)};
+}
+
+Setting ConfigurationSetting(const HostOptions& given, const HostOptions& options)
+{
+    if (const QString error = ConfigDirectoryError(given); !error.isEmpty())
+        return {QString(), QStringLiteral("NOT FOUND: ") + error};
+    return OptionSetting(given.configDirectory, options.configDirectory, "--config", "this user's default location");
 }
 
 /// Returns the value of `key` in a document, as the next start would read it.
@@ -113,8 +121,7 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
     report.AddFact(QStringLiteral("current directory"), QDir::currentPath());
     addSetting("plug-in", OptionSetting(given.plugin, options.plugin, "--plugin", "installed with the host"));
     report.AddFact(QStringLiteral("plug-in state"), PluginState(options.plugin));
-    addSetting("configuration", OptionSetting(given.configDirectory, options.configDirectory, "--config",
-                                              "this user's default location"));
+    addSetting("configuration", ConfigurationSetting(given, options));
     addSetting("data directory", data);
     report.AddFact(QStringLiteral("data directory exists"), QFileInfo(data.value).isDir());
     const QDir translations(
@@ -124,6 +131,7 @@ void ReportPaths(SupportReport& report, const HostOptions& given, const HostOpti
                    QJsonArray::fromStringList(translations.entryList({QStringLiteral("*.qm")}, QDir::Files)));
     report.AddFact(QStringLiteral("trace file"), options.traceFile.isEmpty() ? QJsonValue() : options.traceFile);
     report.AddFact(QStringLiteral("trace file state"), TraceFileState(options.traceFile));
+    ReportAccess(report, options.configDirectory, options.traceFile);
     report.AddFact(QStringLiteral("display"), HasDesktop());
     report.AddList(QStringLiteral("environment"), Environment());
 }

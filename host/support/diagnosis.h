@@ -4,7 +4,7 @@
 #include "host/output/exitcode.h"
 
 /// Prints a report for a support desk as text or JSON: versions, paths, what the plug-in reads from the data directory,
-/// the state of the configuration and of the starter's port.
+/// the state of the configuration and who can access it, and the state of the starter's port.
 ///
 /// Reports problems without failing: returns `Done` unless the report cannot be printed. Changes nothing, creates no
 /// plug-in instance, needs no display, and works while a host runs.

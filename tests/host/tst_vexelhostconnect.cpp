@@ -241,6 +241,13 @@ void TestVexelHostConnect::unwritablePictureIsReported()
     HostSetUp setUp;
     const QString fileName = setUp.Path("no/such/folder/a.png");
     COMPARE_FAILURE(setUp.Run({QStringLiteral("--screenshot"), fileName}), 1, fileName);
+
+    // Larger than the memory.
+    for (const char* factor : {"100", "1000", "nan"}) {
+        setUp.Environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QString::fromLatin1(factor));
+        COMPARE_FAILURE(setUp.Run("--screenshot large.png"), 1, QLatin1String("the dialog is too large"));
+        QVERIFY(!QFileInfo::exists(setUp.Path("large.png")));
+    }
 }
 
 void TestVexelHostConnect::terminatedHostSaves()

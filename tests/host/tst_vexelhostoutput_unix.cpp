@@ -16,6 +16,8 @@ private slots:
     void restoreSucceedsWithoutAReader();
     void unwritableErrorOutputKeepsTheExitCode_data();
     void unwritableErrorOutputKeepsTheExitCode();
+    void closedStreamsBecomeNoFiles_data();
+    void closedStreamsBecomeNoFiles();
 };
 
 void TestVexelHostOutputUnix::unwritableOutputFails_data()
@@ -87,6 +89,40 @@ void TestVexelHostOutputUnix::unwritableErrorOutputKeepsTheExitCode()
     errors.Give(host, STDERR_FILENO);
     setUp.Start(host, arguments);
     QCOMPARE(HostSetUp::End(host).exitCode, 1);
+}
+
+void TestVexelHostOutputUnix::closedStreamsBecomeNoFiles_data()
+{
+    QTest::addColumn<QList<int>>("closed");
+    QTest::newRow("output") << QList<int>{STDOUT_FILENO};
+    QTest::newRow("errors") << QList<int>{STDERR_FILENO};
+    QTest::newRow("output and errors") << QList<int>{STDOUT_FILENO, STDERR_FILENO};
+    QTest::newRow("all") << QList<int>{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+}
+
+void TestVexelHostOutputUnix::closedStreamsBecomeNoFiles()
+{
+    QFETCH(const QList<int>, closed);
+    HostSetUp setUp;
+    setUp.Fill("one");
+    const QByteArray stored = setUp.StoredText();
+    QProcess host;
+    host.setChildProcessModifier([&closed] {
+        for (const int stream : closed)
+            ::close(stream);
+    });
+    setUp.Start(host, "--list --trace --trace-file trace.log");
+    QCOMPARE(HostSetUp::End(host).exitCode, closed.contains(STDOUT_FILENO) ? 1 : 0);
+    QCOMPARE(setUp.StoredText(), stored);
+    QFile traces(setUp.Path("trace.log"));
+    QVERIFY(traces.open(QIODevice::ReadOnly));
+    QList<QByteArray> lines = traces.readAll().split('\n');
+    QCOMPARE(lines.takeLast(), QByteArray());
+    QVERIFY(!lines.isEmpty());
+    for (const QByteArray& line : std::as_const(lines)) {
+        QVERIFY2(line.contains(" trace "), line.constData());
+        QCOMPARE(lines.count(line), 1);
+    }
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostOutputUnix)

@@ -1,7 +1,7 @@
 #include "tests/support/brokenoutput_unix.h"
 #include "tests/support/testmain.h"
 
-/// The executable of the starter with outputs that cannot be written.
+/// The executable of the starter with outputs that cannot be written, and with a path that is not text.
 class TestKiteStarterUnix : public QObject
 {
     Q_OBJECT
@@ -35,6 +35,19 @@ private slots:
         QVERIFY(starter.waitForFinished());
         QCOMPARE(starter.exitStatus(), QProcess::NormalExit);
         QCOMPARE(starter.exitCode(), 1);
+    }
+
+    void pathThatIsNotTextIsRefused()
+    {
+        // QProcess passes valid text only.
+        QProcess starter;
+        starter.start(QStringLiteral("/bin/sh"),
+                      {QStringLiteral("-c"), QStringLiteral("exec \"$0\" --call-only --host \"$(printf 'caf\\351')\""),
+                       QStringLiteral(VEXEL_KITESTARTER)});
+        QVERIFY(starter.waitForFinished());
+        QCOMPARE(starter.exitCode(), 1);
+        const QByteArray error = starter.readAllStandardError();
+        QVERIFY2(error.startsWith("kitestarter: argument 3 is not valid UTF-8: \"caf"), error.constData());
     }
 };
 

@@ -1,0 +1,5 @@
+#include "host/support/accessreport.h"
+
+void ReportAccess(SupportReport& /*report*/, const QString& /*directory*/, const QString& /*traceFile*/)
+{
+}

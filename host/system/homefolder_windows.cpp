@@ -1,0 +1,6 @@
+#include "host/system/homefolder.h"
+
+QString PrepareHomeFolder()
+{
+    return {};
+}
