@@ -36,16 +36,20 @@
 /// **Limits**, so that no other program can exhaust the memory or block the server:
 ///
 /// - A server has at most `kMaximumPeers` peers at a time. Further callers wait in the system's queue until one leaves.
-///   If none does, the oldest peer is closed as soon as it has been connected for `kMinimumPeerTime`. So many callers
-///   at once are all served, and silent peers cannot lock others out. A peer whose callback runs an event loop keeps
-///   its place until that callback returns.
+///   If none does, the oldest peer is closed as soon as it has been connected for `kMinimumPeerTime`. While callers
+///   keep coming, each peer closed like this halves that time, down to `kShortestPeerTime`. So many callers at once are
+///   all served, and silent peers cannot lock others out. A peer whose callback runs an event loop keeps its place
+///   until that callback returns.
 /// - A peer that sends nothing for the interface's time-out is closed.
 /// - At most `kMaximumBytesPerCall` bytes are read from one connection. A peer that sends more is closed.
 /// - One `OnRead` delivers at most `kMaximumBytesPerRead` bytes, and no more than that is buffered per peer. Bytes that
 ///   the callback does not read are discarded when it returns.
+/// - All peers of a server together have at most `kReadBurst` bytes delivered at once, and `kReadBytesPerSecond` after
+///   that, where each `OnRead` counts as some bytes more, because the callback may allocate memory for it. What exceeds
+///   this is discarded, and its sender is closed. A client has no such limit.
 /// - At most `kMaximumBytesUnsent` bytes wait to be sent to a peer. Writing more is an error of the connection.
 ///
-/// A client applies the same limits to its server. Closing a connection because of a limit is traced.
+/// A client applies the other limits to its server. Closing a connection because of a limit is traced.
 
 class IInterfaceCallback;
 
@@ -114,8 +118,11 @@ class CInterfaceCreator
 public:
     static constexpr int kMaximumPeers = 16;
     static constexpr int kMinimumPeerTime = 250; ///< milliseconds
+    static constexpr int kShortestPeerTime = 10; ///< milliseconds
     static constexpr int kMaximumBytesPerCall = 64 * 1024;
     static constexpr int kMaximumBytesPerRead = 4 * 1024;
+    static constexpr int kReadBurst = 1024 * 1024;
+    static constexpr int kReadBytesPerSecond = 4 * 1024;
     static constexpr int kMaximumBytesUnsent = 64 * 1024;
 
     /// Creates the server or client for `address` and opens it.

@@ -11,16 +11,24 @@
 
 namespace {
 
+bool Connect(QTcpSocket& socket, const QHostAddress& address, quint16 port, QDeadlineTimer deadline)
+{
+    socket.abort();
+    socket.connectToHost(address, port);
+    const qint64 left = std::min<qint64>(deadline.remainingTime(), std::numeric_limits<int>::max());
+    return socket.waitForConnected(static_cast<int>(left));
+}
+
 LinkAnswer Call(const QHostAddress& address, quint16 port, QDeadlineTimer deadline,
                 std::chrono::milliseconds halfCloseDelay)
 {
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
-    socket.connectToHost(address, port);
-    const qint64 left = std::min<qint64>(deadline.remainingTime(), std::numeric_limits<int>::max());
-    if (!socket.waitForConnected(static_cast<int>(left))) {
-        // If the system's queue is full, further connection attempts are retried by the system.
-        return socket.error() == QAbstractSocket::SocketTimeoutError ? LinkAnswer::TimedOut : LinkAnswer::Refused;
+    while (!Connect(socket, address, port, std::min(QDeadlineTimer(ConnectTime()), deadline))) {
+        if (socket.error() != QAbstractSocket::SocketTimeoutError)
+            return LinkAnswer::Refused;
+        if (deadline.hasExpired())
+            return LinkAnswer::TimedOut;
     }
 
     if (!SendLine(socket.socketDescriptor(), QByteArrayLiteral("kitestarter\n")))

@@ -7,7 +7,7 @@
 
 /// The result of a call.
 enum class LinkAnswer {
-    Accepted,     ///< a dialog accepted the call
+    Accepted,     ///< somebody accepted the call and closed it without sending data, as a dialog does
     Refused,      ///< nobody listens
     OtherService, ///< another service sent data, which the link never does
     Reset,        ///< the connection was reset, for example because the host is ending

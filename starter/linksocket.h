@@ -4,8 +4,10 @@
 #include <QDeadlineTimer>
 #include <QtGlobal>
 
-/// Socket operations Qt does not offer: half-close, and telling a reset from a close. `handle` is the native descriptor
-/// of a connected socket.
+#include <chrono>
+
+/// Socket operations Qt does not offer, such as half-close, and telling a reset from a close. `handle` is the native
+/// descriptor of a connected socket.
 
 /// What the peer has done.
 enum class PeerEvent {
@@ -15,6 +17,9 @@ enum class PeerEvent {
     Reset,    ///< reset the connection, for example by ending before it accepted the call
 };
 
+/// How long to wait for a connection within this machine before trying once more. If the system's queue of callers is
+/// full, the system itself tries too seldom to succeed beside others that call all the time.
+std::chrono::milliseconds ConnectTime();
 /// Sends `line`. Returns false if the peer has reset the connection; not every system reports that again to
 /// `WaitForPeer`.
 bool SendLine(qintptr handle, const QByteArray& line);

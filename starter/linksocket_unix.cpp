@@ -17,6 +17,12 @@ int PollTime(const QDeadlineTimer& deadline)
 
 } // namespace
 
+// A connection is established at once, or the queue is full.
+std::chrono::milliseconds ConnectTime()
+{
+    return std::chrono::milliseconds(100);
+}
+
 bool SendLine(qintptr handle, const QByteArray& line)
 {
     // The line fits into the buffer of a new connection.

@@ -4,6 +4,12 @@
 
 #include <winsock2.h>
 
+// The system refuses a connection if the queue is full or nobody listens, after some seconds of its own attempts.
+std::chrono::milliseconds ConnectTime()
+{
+    return std::chrono::hours(1);
+}
+
 bool SendLine(qintptr handle, const QByteArray& line)
 {
     // The line fits into the buffer of a new connection.

@@ -62,7 +62,7 @@ int main(int argc, char** argv)
     RestrictLibrarySearch();
     StandardStreams::Prepare();
     const QCoreApplication application(argc, argv);
-    // For example about a missing folder for run-time files, which is handled.
+    // Errors are in the outcome.
     QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
     return static_cast<int>(Run(ReadCommandLine(argc, argv)));
 }

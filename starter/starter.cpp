@@ -2,8 +2,8 @@
 
 #include "host/output/exitcode.h"
 #include "starter/foreground.h"
+#include "starter/privatefolder.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QThread>
@@ -31,12 +31,8 @@ Starter::Starter(Settings settings)
 
 QString Starter::DefaultLockFile(quint16 port)
 {
-    const QString name = QStringLiteral("kitestarter-%1.lock").arg(port);
-    const QString directory = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    if (QFileInfo(directory).isWritable())
-        return directory + u'/' + name;
-    // A folder shared by all users; the name of the home folder makes the file name unique.
-    return QStringLiteral("%1/%2-%3").arg(QDir::tempPath(), QDir::home().dirName(), name);
+    return QStringLiteral("%1/kitestarter/%2.lock")
+        .arg(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation), QString::number(port));
 }
 
 QString Starter::DefaultHost(const QString& programDirectory)
@@ -132,7 +128,10 @@ std::optional<Starter::Outcome> Starter::Start()
 /// Takes the lock. Returns false if another starter has it.
 bool Starter::TryLock()
 {
-    // Only another starter's lock is waited for. If locking is impossible, the host's own lock has to do.
+    // Only another starter's lock is waited for. If locking is impossible, the host's own lock has to do. In a folder
+    // that is open to others, one of them could hold the lock forever.
+    if (!EnsurePrivateFolder(QFileInfo(m_settings.lockFile).path()))
+        return true;
     QString error;
     m_hasOtherStarter = m_lock.TryLock(m_settings.lockFile, &error) == FileLock::Result::Busy;
     return !m_hasOtherStarter;

@@ -17,8 +17,11 @@
 /// Runs the starter once: calls the running dialog, or starts a host and calls that.
 ///
 /// Many starters at the same time start one host: the one that gets the lock file starts it, and the others wait for
-/// its link. The lock file is per user. Between users, or without a lock file, the host's own lock decides: if a host
-/// ends because another one uses its configuration directory, that one is called instead.
+/// its link. The lock file is per user, in a folder that the starter creates for this user alone; one that others can
+/// enter is not used. Between users, or without a lock file, the host's own lock decides: if a host ends because
+/// another one uses its configuration directory, that one is called instead.
+///
+/// A link sends nothing, so any program that closes the connection without sending data is taken for a dialog.
 class Starter
 {
 public:
@@ -42,7 +45,7 @@ public:
     /// Does everything from start to end. Blocks; needs no event loop.
     Outcome Run();
 
-    /// Returns the lock file that all starters of this user share for `port`.
+    /// Returns the lock file that all starters of this user share for `port`, in the user's cache folder.
     static QString DefaultLockFile(quint16 port);
     /// Returns the host that is installed with the starter in `programDirectory`.
     static QString DefaultHost(const QString& programDirectory);

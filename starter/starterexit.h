@@ -2,7 +2,7 @@
 
 /// The starter's exit codes, documented in `--help`.
 enum class StarterExit : int {
-    Called = 0,     ///< a running or newly started dialog accepted the call
+    Called = 0,     ///< a dialog, or what cannot be told from one, accepted the call
     Usage = 1,      ///< invalid command line, or its output cannot be printed
     NotStarted = 2, ///< the host cannot be started
     HostEnded = 3,  ///< the host ended before its link answered, or gave way to one without a link

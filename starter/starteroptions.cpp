@@ -29,6 +29,9 @@ Details:
   The dialog is called on port %1 of this machine, which only one program can
   use at a time. So the host that uses it comes to the front, even if the
   arguments given here are meant for another one. No data leaves the machine.
+  A dialog comes to the front and closes the connection without sending
+  anything. Another program on the port that does the same cannot be told from
+  a dialog: the exit code is then 0, but no dialog comes to the front.
   On a machine with several users at a time, the dialog may be another user's;
   it then comes to the front on that user's desktop.
   The started host runs independently, with the current directory and the
@@ -37,7 +40,7 @@ Details:
   before its dialog answers, run it directly to see why.
 
 Exit codes:
-  0  a running or newly started dialog has come to the front
+  0  a dialog, or what cannot be told from one, has accepted the call
   1  the command line is invalid, or the output cannot be printed
   2  the host cannot be started
   3  the host was started, and ended before its dialog answered, or gave way to

@@ -1,5 +1,6 @@
 #include "platform/link/tcpconnection.h"
 
+#include "platform/link/readbudget.h"
 #include "platform/tracing.h"
 
 #include <QNetworkProxy>
@@ -16,25 +17,27 @@ constexpr auto kSource = "platform/link/tcpconnection";
 
 } // namespace
 
-TcpConnection::TcpConnection(QTcpSocket* socket, IInterfaceCallback* callback, std::chrono::milliseconds timeOut)
-    : TcpConnection(socket, TcpAddress{QString(), 0}, callback, timeOut)
+TcpConnection::TcpConnection(QTcpSocket* socket, IInterfaceCallback* callback, std::chrono::milliseconds timeOut,
+                             ReadBudget* budget)
+    : TcpConnection(socket, TcpAddress{QString(), 0}, callback, timeOut, budget)
 {
     m_phase = Phase::Connecting;
     Connected();
 }
 
 TcpConnection::TcpConnection(const TcpAddress& address, IInterfaceCallback* callback, std::chrono::milliseconds timeOut)
-    : TcpConnection(new QTcpSocket, address, callback, timeOut)
+    : TcpConnection(new QTcpSocket, address, callback, timeOut, nullptr)
 {
     LimitReadBuffer(m_pSocket);
     m_pSocket->setProxy(QNetworkProxy::NoProxy);
 }
 
 TcpConnection::TcpConnection(QTcpSocket* socket, TcpAddress address, IInterfaceCallback* callback,
-                             std::chrono::milliseconds timeOut)
+                             std::chrono::milliseconds timeOut, ReadBudget* budget)
     : m_pSocket(socket)
     , m_address(std::move(address))
     , m_pCallback(callback)
+    , m_pBudget(budget)
 {
     m_pSocket->setParent(this);
     m_timeOut.setSingleShot(true);
@@ -263,8 +266,20 @@ bool TcpConnection::ReportRead()
         m_pSocket->abort();
         return true;
     }
-    m_iUnread = std::min({m_pSocket->bytesAvailable(), left, qint64{CInterfaceCreator::kMaximumBytesPerRead}});
-    m_iReceived += m_iUnread;
+    const qint64 bytes = std::min({m_pSocket->bytesAvailable(), left, qint64{CInterfaceCreator::kMaximumBytesPerRead}});
+    if (m_pBudget && !m_pBudget->Take(bytes, ReadBudget::Clock::now())) {
+        Trace(kSource, __LINE__, [this] {
+            return QStringLiteral(
+                       "TcpConnection::ReportRead(): The peers of this server send more than %1 bytes a second: %2 is "
+                       "closed")
+                .arg(CInterfaceCreator::kReadBytesPerSecond)
+                .arg(PeerName());
+        });
+        m_pSocket->abort();
+        return true;
+    }
+    m_iUnread = bytes;
+    m_iReceived += bytes;
     RestartTimeOut();
 
     const QPointer<TcpConnection> self(this);

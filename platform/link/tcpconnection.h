@@ -10,6 +10,7 @@
 #include <chrono>
 
 class QTcpSocket;
+class ReadBudget;
 
 /// One TCP connection: of a server to a peer, or of a client to its server. Calls the callback in the order and applies
 /// the limits that interfaces.h documents.
@@ -22,8 +23,10 @@ class TcpConnection : public QObject, public IInterface
 
 public:
     /// Creates the connection of a server to a peer, which may already have disconnected; `OnOpen` follows. Takes
-    /// ownership of `socket`, whose read buffer must be limited. A `timeOut` of 0 is none.
-    TcpConnection(QTcpSocket* socket, IInterfaceCallback* callback, std::chrono::milliseconds timeOut);
+    /// ownership of `socket`, whose read buffer must be limited. A `timeOut` of 0 is none. `budget` is the server's;
+    /// not owned.
+    TcpConnection(QTcpSocket* socket, IInterfaceCallback* callback, std::chrono::milliseconds timeOut,
+                  ReadBudget* budget);
     /// Creates a client that is not open yet. A `timeOut` of 0 is none.
     TcpConnection(const TcpAddress& address, IInterfaceCallback* callback, std::chrono::milliseconds timeOut);
     ~TcpConnection() override;
@@ -56,7 +59,7 @@ private:
     };
 
     TcpConnection(QTcpSocket* socket, TcpAddress address, IInterfaceCallback* callback,
-                  std::chrono::milliseconds timeOut);
+                  std::chrono::milliseconds timeOut, ReadBudget* budget);
 
     void Connected();
     void Fail(const QString& reason);
@@ -74,6 +77,7 @@ private:
     QTcpSocket* const m_pSocket;
     const TcpAddress m_address; // port 0 for a connection of a server
     IInterfaceCallback* const m_pCallback;
+    ReadBudget* const m_pBudget; // null for a client
     QTimer m_timeOut;
     QElapsedTimer m_age;
 

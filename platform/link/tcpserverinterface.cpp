@@ -20,6 +20,8 @@ constexpr auto kSource = "platform/link/tcpserverinterface";
 constexpr int kBacklog = 256;
 // Delay after a failed accept, for lack of handles or memory.
 constexpr auto kRetryDelay = 200ms;
+// How long it counts as pressure that a peer had to be closed for another one.
+constexpr auto kPressureTime = 1s;
 
 /// Accepts one connection at a time and leaves the others in the system's queue, where they take neither memory nor
 /// handles of this process.
@@ -139,7 +141,7 @@ void TcpServerInterface::AcceptPending()
         if (listener == m_listeners.end() || !MakeRoom())
             return;
         const auto& peer = m_peers.emplace_back(
-            std::make_unique<TcpConnection>((*listener)->nextPendingConnection(), m_pCallback, m_timeOut));
+            std::make_unique<TcpConnection>((*listener)->nextPendingConnection(), m_pCallback, m_timeOut, &m_budget));
         // Queued, because the peer emits the signal from within its own function.
         connect(peer.get(), &TcpConnection::Ended, this, &TcpServerInterface::RemoveEndedPeers, Qt::QueuedConnection);
         // Otherwise a flood of connections on one address could block the other forever.
@@ -158,7 +160,7 @@ bool TcpServerInterface::MakeRoom()
         return false;
 
     TcpConnection& oldest = *m_peers.front();
-    const qint64 remaining = CInterfaceCreator::kMinimumPeerTime - oldest.Age();
+    const qint64 remaining = PeerTime() - oldest.Age();
     if (remaining > 0) {
         m_evictionTimer.start(static_cast<int>(remaining));
         return false;
@@ -169,8 +171,15 @@ bool TcpServerInterface::MakeRoom()
                    "is closed")
             .arg(CInterfaceCreator::kMaximumPeers);
     });
+    m_iPeerTime = std::max(PeerTime() / 2, CInterfaceCreator::kShortestPeerTime);
+    m_pressure.setRemainingTime(kPressureTime);
     oldest.Close();
     return false;
+}
+
+int TcpServerInterface::PeerTime() const
+{
+    return m_pressure.hasExpired() ? CInterfaceCreator::kMinimumPeerTime : m_iPeerTime;
 }
 
 void TcpServerInterface::RemoveEndedPeers()

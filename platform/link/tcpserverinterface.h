@@ -1,8 +1,10 @@
 #pragma once
 
 #include "platform/interfaces.h"
+#include "platform/link/readbudget.h"
 #include "platform/link/tcplisten.h"
 
+#include <QDeadlineTimer>
 #include <QHostAddress>
 #include <QObject>
 #include <QTimer>
@@ -37,6 +39,8 @@ private:
     /// Returns whether a peer can be accepted. If not, closes the oldest peer as soon as that is allowed;
     /// `AcceptPending` is then called again.
     bool MakeRoom();
+    /// Returns how long each peer may stay at present, in milliseconds.
+    int PeerTime() const;
     void RemoveEndedPeers();
     void AcceptFailed();
 
@@ -45,6 +49,9 @@ private:
     const std::chrono::milliseconds m_timeOut;
     QTimer m_evictionTimer;
     QTimer m_retryTimer;
+    QDeadlineTimer m_pressure; // after an eviction, until callers have had time to come again
+    int m_iPeerTime = CInterfaceCreator::kMinimumPeerTime; // under pressure, in milliseconds
+    ReadBudget m_budget;
     std::vector<std::unique_ptr<QTcpServer>> m_listeners; // least recently served first
     std::vector<std::unique_ptr<TcpConnection>> m_peers;  // oldest first
 };

@@ -1,3 +1,4 @@
+#include "platform/link/readbudget.h"
 #include "tests/link/flood.h"
 #include "tests/support/linkfixture.h"
 #include "tests/support/system.h"
@@ -46,6 +47,8 @@ private slots:
     void peerIsClosedAtTheByteLimit();
     void peerMaySendUpToTheLimit();
     void clientClosesAtTheByteLimit();
+    void peersShareABudget();
+    void vanishedPeerIsDroppedOnce();
     void randomBytesArriveUnchanged();
     void silentPeerIsClosed();
     void talkingPeerStays();
@@ -208,6 +211,70 @@ void TestInterfaceBounds::clientClosesAtTheByteLimit()
     QCOMPARE(callback.received.size(), 2 * CInterfaceCreator::kMaximumBytesPerCall);
 }
 
+void TestInterfaceBounds::peersShareABudget()
+{
+    const auto start = ReadBudget::Clock::now();
+    TestServer server(10'000);
+    const TraceRecorder traces;
+    constexpr int calls = 3 * CInterfaceCreator::kReadBurst / CInterfaceCreator::kMaximumBytesPerCall;
+    for (int call = 1; call <= calls; ++call) {
+        const auto caller = CallerOf(server.port);
+        caller->write(QByteArray(CInterfaceCreator::kMaximumBytesPerCall, 'x'));
+        caller->disconnectFromHost();
+        // Every call is one, whether or not it is heard.
+        QVERIFY(WaitUntil([&] { return server.callback.Count(Kind::Close) == call; }));
+        QCOMPARE(server.callback.Count(Kind::Open), call);
+    }
+    const auto time = std::chrono::ceil<std::chrono::seconds>(ReadBudget::Clock::now() - start);
+    QVERIFY(server.callback.received.size() <=
+            CInterfaceCreator::kReadBurst + time.count() * CInterfaceCreator::kReadBytesPerSecond);
+    QVERIFY(server.callback.received.size() > CInterfaceCreator::kReadBurst * 9 / 10);
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+    QVERIFY2(traces.Text().contains("send more than"), traces.Text().constData());
+    QVERIFY(traces.Reports().size() <= calls);
+    QVERIFY(server.server->IsOpen());
+
+    // Another server is not affected.
+    TestServer other(10'000);
+    const auto caller = CallerOf(other.port);
+    caller->write(QByteArray(CInterfaceCreator::kMaximumBytesPerCall, 'x'));
+    QTRY_COMPARE(other.callback.received.size(), CInterfaceCreator::kMaximumBytesPerCall);
+}
+
+void TestInterfaceBounds::vanishedPeerIsDroppedOnce()
+{
+    TestServer server; // no time-out that would help
+    server.callback.onRead = [](IInterface*, quint64) {
+    };
+    // Floods, and smaller ones for what they leave.
+    qsizetype calls = 0;
+    const auto flood = [&](qint64 bytes) {
+        Flood caller(server.port, bytes);
+        ++calls;
+        QTRY_COMPARE(caller.Unsent(), 0);
+        caller.socket.disconnectFromHost();
+        QTRY_COMPARE(server.callback.Count(Kind::Close), calls);
+    };
+    for (int call = 0; call < CInterfaceCreator::kReadBurst / CInterfaceCreator::kMaximumBytesPerCall; ++call)
+        flood(CInterfaceCreator::kMaximumBytesPerCall);
+    for (qint64 bytes = CInterfaceCreator::kMaximumBytesPerRead / 2; bytes > 8; bytes /= 2)
+        flood(bytes);
+    // One that has left before there is a place for it, and whose bytes were read.
+    std::vector<std::unique_ptr<QTcpSocket>> silent;
+    for (int call = 0; call < CInterfaceCreator::kMaximumPeers; ++call)
+        silent.push_back(CallerOf(server.port));
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
+    const TraceRecorder traces;
+    const auto caller = CallerOf(server.port);
+    caller->write(QByteArray(CInterfaceCreator::kMaximumBytesPerRead - 1, 'x'));
+    caller->disconnectFromHost();
+    QTRY_COMPARE(server.callback.Count(Kind::Open), calls + CInterfaceCreator::kMaximumPeers + 1);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), calls + 2);
+    // Of the evicted peer and of this one.
+    QVERIFY2(traces.Reports().size() <= 2, traces.Text().left(1000).constData());
+    QCOMPARE(server.callback.Count(Kind::Error), 0);
+}
+
 void TestInterfaceBounds::randomBytesArriveUnchanged()
 {
     TestServer server(10'000);
@@ -220,7 +287,9 @@ void TestInterfaceBounds::randomBytesArriveUnchanged()
         ended.append(received.take(peer));
     };
     QRandomGenerator random(8451);
-    for (int call = 0; call < 50; ++call) {
+    // As much as the server's peers may send at once.
+    constexpr int calls = CInterfaceCreator::kReadBurst / CInterfaceCreator::kMaximumBytesPerCall - 1;
+    for (int call = 0; call < calls; ++call) {
         QByteArray bytes(random.bounded(1, 200'000), '\0');
         for (char& byte : bytes)
             byte = static_cast<char>(random.bounded(256));

@@ -34,6 +34,7 @@ private slots:
     void everyCallIsTaken();
     void busyLinkIsWaitedFor();
     void fullLinkIsWaitedFor();
+    void floodedLinkTakesTheCall();
     void closedPortRefuses();
     void ipv6IsTriedNext();
     void answersOfOtherServicesAreRecognised_data();
@@ -84,6 +85,29 @@ void TestLinkCall::fullLinkIsWaitedFor()
         silent.push_back(CallerOf(server.port));
     QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
     QCOMPARE(Call(server.port), LinkAnswer::Accepted);
+}
+
+void TestLinkCall::floodedLinkTakesTheCall()
+{
+    TestServer server(10'000);
+    server.callback.onRead = [](IInterface*, quint64) {
+    };
+    // Others have sent more than the link hands over.
+    const auto isExhausted = [&] {
+        const quint64 before = server.callback.Length(Kind::Read);
+        const auto stranger = CallerOf(server.port);
+        stranger->write(QByteArray(CInterfaceCreator::kMaximumBytesPerCall + 1, 'x'));
+        const qsizetype closed = server.callback.Count(Kind::Close);
+        return WaitUntil([&] { return server.callback.Count(Kind::Close) > closed; }) &&
+               server.callback.Length(Kind::Read) == before;
+    };
+    QTRY_VERIFY(isExhausted());
+    for (int call = 0; call < 200; ++call) {
+        server.callback.events.clear();
+        QCOMPARE(Call(server.port), LinkAnswer::Accepted);
+        QCOMPARE(server.callback.Count(Kind::Open), 1);
+        QCOMPARE(server.callback.Count(Kind::Error), 0);
+    }
 }
 
 void TestLinkCall::closedPortRefuses()

@@ -37,6 +37,7 @@ private slots:
     void otherHostOfTheConfigurationIsCalled();
     void hostIsStartedAgainAfterAnotherHost();
     void otherHostWithoutALinkIsReported();
+    void serviceThatHangsUpIsTakenForADialog();
     void foreignServiceIsReported_data();
     void foreignServiceIsReported();
     void endingHostIsReplaced();
@@ -147,7 +148,9 @@ void TestStarter::tenStartersWithoutALockReachAHost()
     // Hosts that find another one at work end with exit code 4.
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("late"), FreePort());
-    settings.lockFile = run.Path("no/such/folder/lock");
+    QFile noFolder(run.Path("file"));
+    QVERIFY(noFolder.open(QIODevice::WriteOnly));
+    settings.lockFile = noFolder.fileName() + QStringLiteral("/lock");
     for (const auto& outcome : RunAtOnce(settings, 10))
         COMPARE_OUTCOME(outcome, Called, "");
     QVERIFY(!run.Starts().isEmpty());
@@ -312,6 +315,15 @@ void TestStarter::otherHostWithoutALinkIsReported()
     QVERIFY(run.Starts().size() <= 5);
 }
 
+void TestStarter::serviceThatHangsUpIsTakenForADialog()
+{
+    // A dialog does not do more, either.
+    const ForeignService service(ForeignService::ClosesLate);
+    const FakeHostRun run;
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("answer"), service.serverPort())), Called, "");
+    QCOMPARE(run.Starts().size(), 0);
+}
+
 void TestStarter::foreignServiceIsReported_data()
 {
     QTest::addColumn<ForeignService::Manner>("manner");
@@ -359,15 +371,9 @@ void TestStarter::defaults()
 {
     QCOMPARE(Starter::Settings().port, LinkPort::kNumber);
     QVERIFY(Starter::DefaultHost(QStringLiteral("/folder")).startsWith(QLatin1String("/folder/vexelhost")));
-#ifdef Q_OS_UNIX
-    const QTemporaryDir directory;
-    const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
-    qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit());
-    QCOMPARE(Starter::DefaultLockFile(LinkPort::kNumber),
-             directory.filePath(QStringLiteral("kitestarter-%1.lock").arg(LinkPort::kNumber)));
-    qputenv("XDG_RUNTIME_DIR", before);
-#endif
     QVERIFY(QDir::isAbsolutePath(Starter::DefaultLockFile(LinkPort::kNumber)));
+    QVERIFY(Starter::DefaultLockFile(1).startsWith(QDir::homePath() + u'/') ||
+            qEnvironmentVariableIsSet("XDG_CACHE_HOME"));
     QVERIFY(Starter::DefaultLockFile(1) != Starter::DefaultLockFile(2));
 }
 

@@ -107,6 +107,8 @@ void TestStarterOptions::help()
         QVERIFY(parsed.text.endsWith(u'\n'));
         for (const char* option : {"--host", "--timeout", "--call-only", "--help", "--version"})
             QVERIFY2(parsed.text.contains(QLatin1String(option)), option);
+        // What exit code 0 does not say.
+        QVERIFY(parsed.text.simplified().contains(QLatin1String("cannot be told from a dialog")));
         for (const QString& line : parsed.text.split(u'\n'))
             QVERIFY2(line.size() < 80, qPrintable(line));
     }

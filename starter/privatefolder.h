@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// Creates the folder `path` if it does not exist. Returns whether it belongs to this user alone, so that nobody else
+/// can put files there.
+bool EnsurePrivateFolder(const QString& path);
