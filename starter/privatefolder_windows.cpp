@@ -1,9 +1,9 @@
 #include "starter/privatefolder.h"
 
-#include <QDir>
+#include "files/atomicfile.h"
 
 // Folders in the user's profile inherit its access rights.
 bool EnsurePrivateFolder(const QString& path)
 {
-    return QDir().mkpath(path);
+    return CreateFolder(path);
 }
