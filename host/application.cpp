@@ -105,19 +105,22 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     if (!CfgCenter::IsAppCfgKnown(View::Application))
         return ExitCode::Unusable;
     // Read while the plug-in loads the list. Nothing is saved before the result is known.
-    std::future<StoredSet> storedSet;
-    if (!m_isReadOnly)
-        storedSet = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
+    std::future<StoredSet> storedSet = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
+    // Whoever only looks leaves it to others to save an empty list in place of the lost one.
+    const bool isLost = CfgCenter::IsAppCfgLost(View::Application);
+    m_isReadOnly = m_isReadOnly || (isLost && m_options.IsReadOnly());
+    if (isLost && !m_options.fileToExport.isEmpty()) {
+        Console::PrintError(QStringLiteral("the list is lost; nothing is exported"));
+        return ExitCode::Unusable;
+    }
 
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance(library);
-        if (storedSet.valid()) {
-            const StoredSet set = storedSet.get();
-            if (const QString notice = BackUpBrokenList(set); !notice.isEmpty())
-                m_notices.Report(notice);
-            ReportLoss(set);
-        }
+        const StoredSet set = storedSet.get();
+        if (const QString notice = m_isReadOnly ? QString() : BackUpBrokenList(set); !notice.isEmpty())
+            m_notices.Report(notice);
+        ReportLoss(set);
         if (!instance)
             Console::PrintError(QStringLiteral("the plug-in %1 returned no instance").arg(m_options.plugin));
         else if (!instance->IsAvailable())
@@ -225,7 +228,7 @@ void Application::ReportLoss(const StoredSet& set)
         return;
     const std::optional<int> before = ReadEntryCount(*CfgCenter::GetAppCfg(View::Application));
     m_notices.Report(
-        before ? QStringLiteral("the list had %1 entries when it was saved, and has %2 now")
+        before ? QStringLiteral("entries in the list when it was saved: %1, now: %2")
                      .arg(QString::number(*before), QString::number(set.entries))
-               : QStringLiteral("the list has %1 entries now; how many it had is not known").arg(set.entries));
+               : QStringLiteral("entries in the list now: %1; how many it had is not known").arg(set.entries));
 }

@@ -24,13 +24,15 @@ using Documents = std::vector<std::shared_ptr<ConfigDocument>>;
 using SaveRequests = std::vector<ConfigDocument::SaveRequest>;
 using SaveResults = std::vector<ConfigDocument::SaveResult>;
 
+using SaveDone = std::vector<std::function<void(bool isSaved)>>;
+
 /// A save that runs in another thread.
 struct BackgroundSave
 {
     quint64 number = 0;
     Documents documents;
     std::future<SaveResults> results;
-    std::function<void(bool)> done;
+    SaveDone done;
 };
 
 /// What `CfgCenter` holds for the process.
@@ -41,6 +43,7 @@ struct Store
     std::map<QString, std::shared_ptr<ConfigDocument>> documents;                 // by file, relative to the store
     std::map<std::pair<QString, QString>, std::unique_ptr<ConfigNode>> rootNodes; // by that file and the key path
     std::optional<BackgroundSave> backgroundSave;
+    SaveDone waitingForASave; // to be started when the one in the background has ended
     QString saveError;
 };
 
@@ -98,14 +101,37 @@ bool FinishSave(const Documents& documents, const SaveResults& results)
     return errors.isEmpty();
 }
 
+void Call(const SaveDone& done, bool isSaved)
+{
+    for (const auto& function : done)
+        function(isSaved);
+}
+
 /// Waits for the save that runs in another thread, if there is one.
 void FinishBackgroundSave()
 {
-    if (std::optional<BackgroundSave> save = std::exchange(TheStore().backgroundSave, std::nullopt)) {
-        const bool isSaved = FinishSave(save->documents, save->results.get());
-        if (save->done)
-            save->done(isSaved);
-    }
+    if (std::optional<BackgroundSave> save = std::exchange(TheStore().backgroundSave, std::nullopt))
+        Call(save->done, FinishSave(save->documents, save->results.get()));
+}
+
+void StartBackgroundSave(SaveDone done)
+{
+    static quint64 number = 0;
+    const auto finish = [number = ++number] {
+        if (!TheStore().backgroundSave || TheStore().backgroundSave->number != number)
+            return;
+        FinishBackgroundSave();
+        if (!TheStore().backgroundSave && !TheStore().waitingForASave.empty())
+            StartBackgroundSave(std::exchange(TheStore().waitingForASave, {}));
+    };
+    Documents documents;
+    auto work = [requests = BeginSave(documents), finish] {
+        SaveResults results = RunSave(requests);
+        QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
+        return results;
+    };
+    // If no thread can be created, this runs when the result is needed.
+    TheStore().backgroundSave = {number, std::move(documents), std::async(std::move(work)), std::move(done)};
 }
 
 ICfg* RootNode(const QString& file, const QString& path)
@@ -139,6 +165,8 @@ QString ObstacleTo(const QString& directory)
     // A full disk is no obstacle: the documents can be read, and there may be room later.
     if (CreateFolder(directory))
         return CreationObstacle(directory);
+    if (QFileInfo(directory).isSymbolicLink() && !QFileInfo::exists(directory))
+        return QStringLiteral("it is a link that leads nowhere");
     return QFileInfo::exists(directory) ? QStringLiteral("it is not a directory")
                                         : QStringLiteral("it cannot be created");
 }
@@ -158,28 +186,20 @@ ICfg* CfgCenter::CreateCfg(const QString& name, View view, const QString& sub)
 bool CfgCenter::SaveDocument()
 {
     FinishBackgroundSave();
+    const SaveDone done = std::exchange(TheStore().waitingForASave, {});
     Documents documents;
     const SaveRequests requests = BeginSave(documents);
-    return FinishSave(documents, RunSave(requests));
+    const bool isSaved = FinishSave(documents, RunSave(requests));
+    Call(done, isSaved);
+    return isSaved;
 }
 
 void CfgCenter::SaveDocumentAsync(std::function<void(bool isSaved)> done)
 {
-    FinishBackgroundSave();
-    Documents documents;
-    SaveRequests requests = BeginSave(documents);
-    static quint64 number = 0;
-    const auto finish = [number = ++number] {
-        if (TheStore().backgroundSave && TheStore().backgroundSave->number == number)
-            FinishBackgroundSave();
-    };
-    auto work = [requests = std::move(requests), finish] {
-        SaveResults results = RunSave(requests);
-        QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
-        return results;
-    };
-    // If no thread can be created, this runs when the result is needed.
-    TheStore().backgroundSave = {number, std::move(documents), std::async(std::move(work)), std::move(done)};
+    if (TheStore().backgroundSave)
+        TheStore().waitingForASave.push_back(std::move(done));
+    else
+        StartBackgroundSave({std::move(done)});
 }
 
 QString CfgCenter::SaveError()
@@ -223,6 +243,8 @@ bool CfgCenter::OpenReadOnly(const QString& directory)
 void CfgCenter::Close()
 {
     FinishBackgroundSave();
+    if (!TheStore().waitingForASave.empty())
+        SaveDocument();
     TheStore() = Store();
 }
 
@@ -241,6 +263,12 @@ bool CfgCenter::WasAppCfgIntact(View view)
 {
     GetAppCfg(view);
     return TheStore().documents.at(ConfigNames::ApplicationFile(view))->WasIntact();
+}
+
+bool CfgCenter::IsAppCfgLost(View view)
+{
+    GetAppCfg(view);
+    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->IsLost();
 }
 
 void CfgCenter::SetNoticeSink(std::function<void(const QString&)> sink)

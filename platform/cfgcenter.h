@@ -68,6 +68,11 @@ public:
     /// in `view` when it was opened. They are used, and the text as it was found is among the versions.
     static bool WasAppCfgIntact(View view);
 
+    /// Host side: returns whether the content of the application's document in `view` is lost: its file could not be
+    /// read and was quarantined, or is missing beside what is left of it, and no version can be read. The document
+    /// begins empty; saving it ends this state.
+    static bool IsAppCfgLost(View view);
+
     /// Host side: sets the function that receives a notice when a document cannot be read or kept as a version, on
     /// first access or while saving. A notice is one line of plain English that says where the file was kept and what
     /// is used instead; it is traced as well. An empty `sink`, the default, discards notices. `Open` and `Close` leave

@@ -29,20 +29,21 @@ QString FileOf(View view, const QString& name)
 ConfigVersions::Obstacle ObstacleTo(const QString& file, const DocumentReading& reading)
 {
     if (reading.values)
-        return ConfigVersions::Obstacle::None;
+        return NeedsRecovery(file, reading) ? ConfigVersions::Obstacle::Missing : ConfigVersions::Obstacle::None;
+    if (reading.state == State::Unavailable)
+        return ConfigVersions::Obstacle::Unavailable;
     // What is there and no file is no document for anybody.
-    const QFileInfo info(file);
-    const bool isUnread = (reading.state == State::Unreadable || reading.state == State::Unavailable) &&
-                          (info.isFile() || !info.exists());
-    return isUnread ? ConfigVersions::Obstacle::Unread : ConfigVersions::Obstacle::Damaged;
+    return reading.state == State::Unreadable && QFileInfo(file).isFile() ? ConfigVersions::Obstacle::Unread
+                                                                          : ConfigVersions::Obstacle::Damaged;
 }
 
 /// Of a working copy that no file belongs to.
 std::unique_ptr<ICfg> RootOf(const QString& file, const DocumentReading& reading, ConfigVersions::Obstacle* obstacle)
 {
+    const ConfigVersions::Obstacle found = ObstacleTo(file, reading);
     if (obstacle)
-        *obstacle = ObstacleTo(file, reading);
-    if (!reading.values)
+        *obstacle = found;
+    if (found != ConfigVersions::Obstacle::None)
         return nullptr;
     return std::make_unique<ConfigNode>(std::make_shared<ConfigDocument>(*reading.values), QString());
 }
@@ -87,7 +88,7 @@ std::unique_ptr<ICfg> ConfigVersions::OpenCurrent(Obstacle* obstacle) const
 {
     if (m_file.isEmpty()) {
         if (obstacle)
-            *obstacle = Obstacle::Unread;
+            *obstacle = Obstacle::Unavailable;
         return nullptr;
     }
     return RootOf(m_file, ReadDocument(m_file), obstacle);

@@ -37,8 +37,10 @@ public:
     /// Why a document or version cannot be opened.
     enum class Obstacle {
         None,
-        Damaged, ///< the file holds no document
-        Unread   ///< this process cannot read the file, or not at this moment; its content is unknown
+        Missing,    ///< there is no file, but versions or quarantined files of the document
+        Damaged,    ///< the file holds no document
+        Unread,     ///< this process cannot read the file
+        Unavailable ///< the file cannot be found or opened at this moment, and nothing is used in its place
     };
 
     /// The root node of a version, for reading; what is written to it is lost. Null if there is an obstacle, which is

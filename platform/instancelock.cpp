@@ -4,6 +4,7 @@
 #include "files/filelock.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QSysInfo>
 
 #include <chrono>
@@ -52,8 +53,11 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
 {
     const QString native = QDir::toNativeSeparators(directory);
     m_errorText = QStringLiteral("the configuration directory %1 cannot be used").arg(directory);
-    if (directory.isEmpty() || !CreateFolder(directory))
+    if (directory.isEmpty() || !CreateFolder(directory)) {
+        if (QFileInfo(directory).isSymbolicLink())
+            m_errorText += QStringLiteral(": it is a link that leads nowhere");
         return Result::Unusable;
+    }
 
     const QString file = LockFilePath(directory);
     QString error;

@@ -106,7 +106,7 @@
     </message>
     <message>
         <source>Saving is tried again after the next change and when the dialog is closed. Until it works, keep the list with &quot;Export...&quot; in another folder.</source>
-        <translation>Das Speichern wird nach der nächsten Änderung und beim Schließen des Dialogs erneut versucht. Sichern Sie die Liste bis dahin mit mit &quot;Export...&quot; in einemquot;Exportieren...mit &quot;Export...&quot; in einemquot; in einem anderen Ordner.</translation>
+        <translation>Das Speichern wird nach der nächsten Änderung und beim Schließen des Dialogs erneut versucht. Sichern Sie die Liste bis dahin mit &quot;Exportieren...&quot; in einem anderen Ordner.</translation>
     </message>
 </context>
 </TS>

@@ -121,7 +121,9 @@ void DialogSession::SaveNow()
 QString DialogSession::Save()
 {
     m_autoSave.Cancel();
-    return m_saveAll();
+    const QString error = m_saveAll();
+    m_hasAutoSaveFailed = m_hasAutoSaveFailed && !error.isEmpty();
+    return error;
 }
 
 void DialogSession::OnAutoSaved(const QString& error)

@@ -57,8 +57,10 @@ std::vector<Row> Rows(const ConfigVersions& versions)
 
 QString EntriesText(const std::optional<StoredSet>& set, Obstacle obstacle)
 {
+    if (!set && obstacle == Obstacle::Missing)
+        return QStringLiteral("missing");
     if (!set)
-        return obstacle == Obstacle::Unread ? QStringLiteral("cannot be read") : QStringLiteral("damaged");
+        return obstacle == Obstacle::Damaged ? QStringLiteral("damaged") : QStringLiteral("cannot be read");
     switch (set->state) {
     case StoredSet::State::None:
         return QStringLiteral("none stored");
@@ -147,8 +149,8 @@ ExitCode RestoreVersion(const ConfigVersions& versions, int number)
     Obstacle obstacle = Obstacle::None;
     const std::optional<StoredSet> set = ReadSet(versions.Open(wanted, &obstacle));
     if (!set) {
-        return Fail(ExitCode::Unusable, obstacle == Obstacle::Unread ? QStringLiteral("%1 cannot be read").arg(name)
-                                                                     : QStringLiteral("%1 is damaged").arg(name));
+        return Fail(ExitCode::Unusable, obstacle == Obstacle::Damaged ? QStringLiteral("%1 is damaged").arg(name)
+                                                                      : QStringLiteral("%1 cannot be read").arg(name));
     }
     const std::optional<StoredSet> present = ReadSet(versions.OpenCurrent(&obstacle));
     QString quarantined;

@@ -46,6 +46,12 @@ QString StateText(const ConfigVersions& document)
         return QStringLiteral("readable");
     const std::optional<ConfigVersion> readable = document.NewestReadable();
     const QString from = readable ? TimeText(readable->saved) : QString();
+    if (obstacle == ConfigVersions::Obstacle::Unavailable)
+        return QStringLiteral("CANNOT BE FOUND OR OPENED now, and a start refuses to work without it");
+    if (obstacle == ConfigVersions::Obstacle::Missing) {
+        return readable ? QStringLiteral("MISSING; the next start uses the version of %1").arg(from)
+                        : QStringLiteral("MISSING, and no version can be read");
+    }
     if (obstacle == ConfigVersions::Obstacle::Unread) {
         // The user who starts the host may have more rights than this one.
         return readable
@@ -88,12 +94,13 @@ void ReportStoredList(SupportReport& report)
     const std::unique_ptr<ICfg> document = OpenNewestReadable(View::Application, QString());
     const StoredSet set = document ? ReadStoredSet(*document) : StoredSet();
     QString state = QStringLiteral("valid");
-    if (!document)
-        state = QStringLiteral("its document cannot be read");
-    else if (set.state == StoredSet::State::None)
+    if (set.state == StoredSet::State::None)
         state = QStringLiteral("nothing stored");
     else if (set.state == StoredSet::State::Malformed)
         state = QStringLiteral("MALFORMED; the next start keeps a copy and loads the entries before the error");
+    const ConfigVersions current(View::Application, QString());
+    if (!current.OpenCurrent())
+        state = QStringLiteral("its document: %1").arg(StateText(current));
     report.AddFact(QStringLiteral("stored list"), state);
     report.AddFact(QStringLiteral("entries stored"), set.entries);
 }

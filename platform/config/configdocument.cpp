@@ -91,6 +91,7 @@ void ConfigDocument::Load()
     m_notice = loaded.notice;
     m_isKnown = loaded.reading.values && (!loaded.isRecovered || loaded.isInPlace || isRecoverable);
     m_wasIntact = loaded.wasIntact;
+    m_isLost = loaded.isLost;
     if (!loaded.reading.values) {
         m_notice = QStringLiteral("%1 cannot be read at the moment, so nothing in it is known, and nothing is saved to "
                                   "it: %2")
@@ -99,11 +100,7 @@ void ConfigDocument::Load()
         TakeOver(*loaded.reading.values);
         m_fingerprint = FingerprintOf(loaded.reading.content);
     }
-    if (!loaded.isInPlace) { // the next save tries again
-        for (Entry& entry : m_entries)
-            entry.isChanged = true;
-        m_isChanged = true;
-    }
+    m_isChanged = !loaded.isInPlace; // the next save tries again
     if (!m_notice.isEmpty())
         Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
 }
@@ -138,6 +135,7 @@ void ConfigDocument::FinishSave(const SaveResult& result)
     TakeOver(result.values);
     m_fingerprint = result.fingerprint;
     m_isKnown = true;
+    m_isLost = false;
     m_notice = result.notice;
     if (std::exchange(m_versionWarning, result.versionWarning) != result.versionWarning && m_notice.isEmpty())
         m_notice = result.versionWarning;

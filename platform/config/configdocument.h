@@ -59,6 +59,8 @@ public:
     bool IsKnown() const { return m_isKnown; }
     /// False: the file's values were used as they were when it was opened, but something else had written them.
     bool WasIntact() const { return m_wasIntact; }
+    /// True: what the file held cannot be read, and no version of it can; nothing has been saved since.
+    bool IsLost() const { return m_isLost; }
 
     /// The value at `path`; nothing where there is none.
     std::optional<QString> Value(const QString& path) const;
@@ -88,6 +90,7 @@ private:
     bool m_isChanged = false; // there is something to save
     bool m_isKnown = true;
     bool m_wasIntact = true;
+    bool m_isLost = false;
     QByteArray m_fingerprint;
     QString m_notice;
     QString m_versionWarning; // of the last save; told once

@@ -4,19 +4,13 @@
 #include "platform/config/versionfolder.h"
 #include "platform/tracing.h"
 
+#include <QFile>
+
 #include <utility>
 
 namespace {
 
 using State = DocumentReading::State;
-
-/// True if the file does not hold the document, but something that is left of it does.
-bool NeedsRecovery(const QString& file, const DocumentReading& reading)
-{
-    if (reading.state == State::Missing)
-        return !VersionFolder(file).List().isEmpty() || !QuarantinedNames(file).isEmpty();
-    return reading.NeedsRecovery();
-}
 
 QString RecoveryNotice(const QString& file, const DocumentReading& found, bool isInPlace, const QString& quarantined,
                        const std::optional<ReadableVersion>& version)
@@ -38,13 +32,14 @@ QString RecoveryNotice(const QString& file, const DocumentReading& found, bool i
 }
 
 /// Replaces a document that `NeedsRecovery`. On failure the destructor of `transaction` undoes what was done.
-bool Repair(DocumentTransaction& transaction, const std::optional<ReadableVersion>& version)
+bool Repair(DocumentTransaction& transaction, const QString& file, const std::optional<ReadableVersion>& version)
 {
-    const QByteArray content = version ? version->reading.content : DocumentText::Write({});
-    if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
-        return false;
-    transaction.Commit();
-    return true;
+    const bool isDone =
+        version ? transaction.Replace(version->reading.content, DocumentTransaction::VersionPolicy::BestEffort)
+                : !QFile::exists(file) || (transaction.Quarantine() && (QFile::remove(file) || !QFile::exists(file)));
+    if (isDone)
+        transaction.Commit();
+    return isDone;
 }
 
 LoadedDocument Recover(const QString& file, const DocumentReading& found, DocumentTransaction* transaction)
@@ -52,7 +47,8 @@ LoadedDocument Recover(const QString& file, const DocumentReading& found, Docume
     std::optional<ReadableVersion> version = NewestReadableVersion(file);
     LoadedDocument loaded;
     loaded.isRecovered = true;
-    loaded.isInPlace = transaction && Repair(*transaction, version);
+    loaded.isLost = !version;
+    loaded.isInPlace = transaction && Repair(*transaction, file, version);
     loaded.notice = RecoveryNotice(file, found, loaded.isInPlace,
                                    transaction ? transaction->QuarantinedFile() : QString(), version);
     loaded.reading =
@@ -66,14 +62,14 @@ LoadedDocument Adopt(const QString& file, const DocumentReading& found, Document
     loaded.reading = found;
     loaded.wasIntact = false;
     const QByteArray content = DocumentText::Write(*found.values);
-    QString where = QStringLiteral("it is left as it is");
+    QString where = QStringLiteral("the file is left as it is");
     if (transaction && transaction->Replace(content, DocumentTransaction::VersionPolicy::Required)) {
         transaction->Commit();
         loaded.reading.content = content;
         loaded.reading.isIntact = true;
         where = QStringLiteral("the text as it was found is now among the versions");
     } else if (transaction) {
-        where += QStringLiteral(", because %1").arg(transaction->Error());
+        where += QStringLiteral(": %1").arg(transaction->Error());
     }
     loaded.notice = AdoptionNotice(file, where);
     return loaded;
@@ -103,10 +99,17 @@ LoadedDocument LoadDocument(const QString& file, DocumentAccess access)
     return loaded.reading.isIntact ? Recover(file, loaded.reading, locked) : Adopt(file, loaded.reading, locked);
 }
 
+bool NeedsRecovery(const QString& file, const DocumentReading& reading)
+{
+    if (reading.state == State::Missing)
+        return !VersionFolder(file).List().isEmpty() || !QuarantinedNames(file).isEmpty();
+    return reading.NeedsRecovery();
+}
+
 QString AdoptionNotice(const QString& file, const QString& consequence)
 {
-    return QStringLiteral("%1 was changed by something else than this program, or is damaged in its middle: it has "
-                          "not the digest of its values; they are used, and %2")
+    return QStringLiteral("%1 was changed by something else than this program, or is damaged in its middle: its digest "
+                          "does not match its values; they are used, and %2")
         .arg(file, consequence);
 }
 
@@ -115,8 +118,11 @@ std::optional<ReadableVersion> NewestReadableVersion(const QString& file)
     const QList<ConfigVersion> versions = VersionFolder(file).List();
     for (const ConfigVersion& version : versions) {
         DocumentReading reading = ReadDocument(version.file);
-        if (reading.state == State::Valid)
+        if (reading.state == State::Valid) {
+            if (!reading.isIntact) // a text as it was found
+                reading.content = DocumentText::Write(*reading.values);
             return ReadableVersion{version, std::move(reading)};
+        }
         Trace("platform/config/documentloader", __LINE__, [&] {
             return QStringLiteral("NewestReadableVersion(): The version %1 cannot be read").arg(version.file);
         });

@@ -14,7 +14,8 @@ struct LoadedDocument
 {
     DocumentReading reading;  ///< of a recovered document: missing (no values) where there is no readable version
     bool isRecovered = false; ///< `reading` is not what the file held
-    bool isInPlace = true;    ///< the file now holds `reading`
+    bool isInPlace = true;    ///< the file now holds `reading`; with nothing in it, it is missing
+    bool isLost = false;      ///< what the file held cannot be read, and no version of it can
     bool wasIntact = true;    ///< false: something else than this library has written what the file held
     QString notice;           ///< what went wrong, in one line for people; empty: nothing
 };
@@ -22,9 +23,13 @@ struct LoadedDocument
 /// Reads the document `file`.
 ///
 /// One that is damaged, unreadable, or missing beside its versions is quarantined and replaced by its newest readable
-/// version or, where there is none, by an empty document. One that somebody else has written is used, becomes a
-/// version, and is written anew. No file is changed where the lock cannot be taken or `access` is `ReadOnly`.
+/// version. Where there is none, the document begins empty, and its file is missing until it is saved. One that
+/// somebody else has written is used, becomes a version, and is written anew. No file is changed where the lock cannot
+/// be taken or `access` is `ReadOnly`.
 LoadedDocument LoadDocument(const QString& file, DocumentAccess access);
+
+/// True if the file does not hold the document, but something that is left of it does.
+bool NeedsRecovery(const QString& file, const DocumentReading& reading);
 
 /// The notice about a valid document that somebody else has written.
 QString AdoptionNotice(const QString& file, const QString& consequence);

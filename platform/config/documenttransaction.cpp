@@ -53,11 +53,19 @@ bool DocumentTransaction::Begin()
     case FileLock::Result::Busy:
         return Fail(BusyError(lockName));
     case FileLock::Result::Failed:
-        return Fail(QStringLiteral("its lock %1 cannot be taken: %2; remove it if no other program works there")
-                        .arg(lockName, error));
+        return Fail(LockError(lockName, error));
     }
     m_before = ReadDocument(m_file);
     return true;
+}
+
+QString DocumentTransaction::LockError(const QString& lockName, const QString& error) const
+{
+    const QString folder = QFileInfo(m_file).absolutePath();
+    if (const QString obstacle = CreationObstacle(folder); !obstacle.isEmpty())
+        return QStringLiteral("%1: %2; make room, or let this user write there").arg(folder, obstacle);
+    return QStringLiteral("its lock %1 cannot be taken: %2; remove it if no other program works there")
+        .arg(lockName, error);
 }
 
 QString DocumentTransaction::BusyError(const QString& lockName) const
@@ -79,7 +87,7 @@ bool DocumentTransaction::KeepBefore(VersionPolicy policy)
     m_kept = m_versions.Keep(m_before.content);
     if (m_kept->outcome != VersionFolder::Outcome::Failed)
         return true;
-    const QString warning = QStringLiteral("the present content cannot be kept as a version: %1").arg(m_kept->error);
+    const QString warning = QStringLiteral("its earlier content cannot be kept as a version: %1").arg(m_kept->error);
     if (policy == VersionPolicy::Required || !m_before.isIntact)
         return Fail(warning);
     m_warning = warning;

@@ -57,6 +57,7 @@ private:
     bool Fail(const QString& error);
     bool KeepBefore(VersionPolicy policy);
     QString BusyError(const QString& lockName) const;
+    QString LockError(const QString& lockName, const QString& error) const;
 
     const QString m_file;
     const VersionFolder m_versions;

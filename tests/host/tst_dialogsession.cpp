@@ -186,6 +186,13 @@ void TestDialogSession::failedSavesOfChangesAreShownOnce()
     host.fake.Add(QStringLiteral("mole"));
     QTRY_VERIFY(NoticeOnScreen());
     NoticeOnScreen()->close();
+
+    host.canSave = true;
+    QVERIFY(host.session->Save().isEmpty());
+    host.canSave = false;
+    host.fake.Add(QStringLiteral("weir"));
+    QTRY_VERIFY(NoticeOnScreen());
+    NoticeOnScreen()->close();
 }
 
 void TestDialogSession::stayingHiddenIsShown()

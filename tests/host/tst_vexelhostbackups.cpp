@@ -283,7 +283,7 @@ void TestVexelHostBackups::copyOfATruncatedListIsKept()
     const auto first = setUp.Run("--list");
     QCOMPARE(first.exitCode, 0);
     QCOMPARE(first.ErrorLines().filter(QStringLiteral("malformed after 2 entries")).size(), 1);
-    QCOMPARE(first.ErrorLines().filter(QStringLiteral("had 3 entries when it was saved, and has 2 now")).size(), 1);
+    QCOMPARE(first.ErrorLines().filter(QStringLiteral("entries in the list when it was saved: 3, now: 2")).size(), 1);
     const QFileInfo info(setUp.Document());
     const auto copies = [&info] {
         return info.dir().entryInfoList({info.fileName() + QStringLiteral(".malformed-*")}, QDir::Files);

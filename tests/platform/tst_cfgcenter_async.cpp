@@ -98,14 +98,35 @@ private slots:
         QVERIFY(CfgCenter::SaveDocument());
         QCOMPARE(m_results, QList<bool>{true});
         QCOMPARE(ConfigVersions(View::Shared, QStringLiteral("Document")).List().size(), 1);
-        m_store->Root()->SetInt(QStringLiteral("Number"), 3, 0);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    // Another process may hold the lock for seconds.
+    void nextAsyncSaveDoesNotBlock()
+    {
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Lock();
         Start();
-        m_store->Root()->SetInt(QStringLiteral("Number"), 4, 0);
+        m_store->Root()->SetInt(QStringLiteral("Number"), 2, 0);
         Start();
-        QCOMPARE(m_results, (QList<bool>{true, true}));
+        Start();
+        QVERIFY(m_results.isEmpty());
+        Unlock();
         QTRY_COMPARE(m_results, (QList<bool>{true, true, true}));
         m_store->Reopen();
-        QCOMPARE(m_store->Number(), 4);
+        QCOMPARE(m_store->Number(), 2);
+    }
+
+    void closingSavesWhatIsWaiting()
+    {
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Start();
+        m_store->Root()->SetInt(QStringLiteral("Number"), 2, 0);
+        Start();
+        m_store->Reopen();
+        QCOMPARE(m_results, (QList<bool>{true, true}));
+        QCOMPARE(m_store->Number(), 2);
     }
 
     void closingWaits()

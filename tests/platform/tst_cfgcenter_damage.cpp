@@ -109,7 +109,7 @@ private slots:
         QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage, too"));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), -1);
-        QCOMPARE(notices.lines.size(), 1); // not at each start
+        QCOMPARE(notices.lines.size(), 2); // until something is saved in its place
         QVERIFY(m_store->Save(3));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
@@ -278,9 +278,73 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), -1);
         QCOMPARE(notices.lines.size(), 1);
+        QVERIFY2(notices.lines.front().contains(QLatin1String(" is missing; it has no version ")),
+                 qPrintable(notices.lines.front()));
+        QVERIFY(m_store->Save(2));
         m_store->Reopen();
-        QCOMPARE(m_store->Number(), -1);
+        QCOMPARE(m_store->Number(), 2);
         QCOMPARE(notices.lines.size(), 1);
+    }
+
+    void lossOfTheApplicationsDocumentIsKnownUntilItIsSaved()
+    {
+        const QString file = m_store->Path(QStringLiteral("application/@application.json"));
+        const auto save = [](int number) {
+            CfgCenter::GetAppCfg(View::Application)->SetInt(QStringLiteral("Number"), number, 0);
+            return CfgCenter::SaveDocument();
+        };
+        QVERIFY(!CfgCenter::IsAppCfgLost(View::Application));
+        QVERIFY(save(1));
+        QVERIFY(Files::Write(file, "damage"));
+        for (int start = 1; start <= 2; ++start) {
+            m_store->Reopen();
+            QVERIFY(CfgCenter::IsAppCfgLost(View::Application));
+            QVERIFY(CfgCenter::IsAppCfgKnown(View::Application));
+        }
+        QVERIFY(save(2));
+        QVERIFY(!CfgCenter::IsAppCfgLost(View::Application));
+        m_store->Reopen();
+        QVERIFY(!CfgCenter::IsAppCfgLost(View::Application));
+        QVERIFY(CfgCenter::WasAppCfgIntact(View::Application));
+    }
+
+    // Somebody else repairs the document and saves it before this process does.
+    void valuesOfAVersionInUseDoNotReplaceNewerOnes()
+    {
+        m_store->Root()->SetString(kText, QStringLiteral("old"), 0);
+        QVERIFY(m_store->Save(1));
+        m_store->Root()->SetString(kText, QStringLiteral("new"), 0);
+        QVERIFY(m_store->Save(2));
+        const QByteArray newer = Files::Read(m_store->Document());
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
+        {
+            FileLock lock;
+            QString error;
+            QCOMPARE(lock.TryLock(m_store->Document() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
+            m_store->Reopen();
+            QCOMPARE(m_store->Number(), 1);
+            QVERIFY(Files::Write(m_store->Document(), newer));
+        }
+        QVERIFY(m_store->Save(3));
+        QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QStringLiteral("new"));
+    }
+
+    // A text as it was found, which is among the versions, has no digest that matches.
+    void recoveryFromATypedVersionIsToldOnce()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(Files::Write(m_store->Document(), R"({"values": {"Number": 9}})"));
+        const Notices notices;
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 9);
+        QCOMPARE(notices.lines.size(), 1);
+        QVERIFY(Files::Write(m_store->Document(), "damage"));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 9);
+        QCOMPARE(notices.lines.size(), 2);
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 9);
+        QCOMPARE(notices.lines.size(), 2);
     }
 
     // A piece cut out of a value leaves a valid text.
@@ -327,7 +391,8 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 7);
         QCOMPARE(notices.lines.size(), 1);
-        QVERIFY(notices.lines.front().contains(QLatin1String("it is left as it is, because ")));
+        QVERIFY(notices.lines.front().contains(
+            QLatin1String("the file is left as it is: its earlier content cannot be kept ")));
         QVERIFY(!m_store->Save(8));
         QCOMPARE(Files::Read(m_store->Document()), changed);
         QVERIFY(QFile::remove(m_store->Versions()));

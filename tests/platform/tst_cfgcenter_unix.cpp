@@ -10,6 +10,8 @@
 #include <QStorageInfo>
 #include <QTest>
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -180,6 +182,13 @@ private slots:
         QVERIFY(Files::Write(target, R"({"values": {"Number": 9}})"));
         QCOMPARE(VersionNumbers(), QList<int>({2, 1}));
         QVERIFY(QFileInfo(m_store->Document()).isSymLink());
+
+        // There are no hard links between file systems.
+        QVERIFY(Files::Write(target, "damage"));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 2);
+        QCOMPARE(Files::Read(QuarantinedFile()), QByteArray("damage"));
+        QVERIFY(Files::Read(target) != "damage");
     }
 
     void openRefusesAReadOnlyDirectory()
@@ -193,6 +202,30 @@ private slots:
         if (!isObeyed)
             QSKIP("An administrator writes everywhere.");
         QVERIFY(!isOpen);
+    }
+
+    void failedSaveSaysWhatToDo()
+    {
+        QVERIFY(m_store->Save(1));
+        const QString folder = m_store->Path(QStringLiteral("shared"));
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        const bool isObeyed = !QFile(folder + QStringLiteral("/probe")).open(QIODevice::WriteOnly);
+        const bool isSaved = m_store->Save(2);
+        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        if (!isObeyed)
+            QSKIP("An administrator writes everywhere.");
+        QVERIFY(!isSaved);
+        QVERIFY2(
+            CfgCenter::SaveError().endsWith(
+                folder + QStringLiteral(": %1; make room, or let this user write there").arg(qt_error_string(EACCES))),
+            qPrintable(CfgCenter::SaveError()));
+
+        QVERIFY(QFile::setPermissions(m_store->Document(), QFile::ReadOwner));
+        QVERIFY(!CfgCenter::SaveDocument());
+        QVERIFY2(CfgCenter::SaveError().endsWith(QLatin1String("it is write-protected; let this user write it")),
+                 qPrintable(CfgCenter::SaveError()));
+        QVERIFY(QFile::setPermissions(m_store->Document(), QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(CfgCenter::SaveDocument());
     }
 
     // Opening a pipe blocks until the other end is opened.
@@ -277,7 +310,7 @@ private slots:
         }
         CfgCenter::SetNoticeSink({});
         QVERIFY(!isKnown);
-        QCOMPARE(current, ConfigVersions::Obstacle::Unread);
+        QCOMPARE(current, ConfigVersions::Obstacle::Unavailable);
         QCOMPARE(former, ConfigVersions::Obstacle::Unread);
         QCOMPARE(notices.size(), 1);
         QVERIFY2(notices.front().startsWith(versions.DocumentFile() + QStringLiteral(" cannot be read at the moment")),
