@@ -12,6 +12,7 @@
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/listkeys.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
 
@@ -125,6 +126,7 @@ void VexelConnectDlgGUI::SetUpViews()
     fileDrags->Watch(m_pDetailsView->viewport());
     fileDrags->Watch(m_pFilterPatternLineEdit);
 
+    new ListKeys({m_pBasicView, m_pDetailsView}, ConnectionsModel::ColumnSelected, this);
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         new SecondClick(view, ConnectionsModel::ColumnSelected);
         // Queued, because a view emits the signal during its layout.
