@@ -115,6 +115,8 @@ void VexelConnectDlgGUI::SetUpViews()
         // All rows are one line high, so Qt need not measure ten thousand of them.
         view->setUniformRowHeights(true);
     }
+    m_pBasicView->setAccessibleName(tr("Connections"));
+    m_pDetailsView->setAccessibleName(tr("Connection Details"));
     QItemSelectionModel* const ownSelection = m_pDetailsView->selectionModel();
     m_pDetailsView->setSelectionModel(m_pBasicView->selectionModel());
     delete ownSelection;
