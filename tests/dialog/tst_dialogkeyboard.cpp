@@ -3,9 +3,13 @@
 
 #include <QComboBox>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QSpinBox>
+
+#include <functional>
 
 /// The dialog without a mouse. Keys go to the window, which passes them to the widget that has the focus.
 class TestDialogKeyboard : public QObject

@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
