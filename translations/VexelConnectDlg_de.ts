@@ -99,6 +99,21 @@ Anzahl laufender Anwendungen für diesen Typ: %4</translation>
     </message>
 </context>
 <context>
+    <name>ConnectionFilterModel</name>
+    <message>
+        <source>selected</source>
+        <translation>ausgewählt</translation>
+    </message>
+    <message>
+        <source>not selected</source>
+        <translation>nicht ausgewählt</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>Ausgewählt</translation>
+    </message>
+</context>
+<context>
     <name>ConnectionsDelegate</name>
     <message>
         <source>No Timeout</source>
@@ -445,6 +460,14 @@ Bitte ziehen Sie höchstens eine Datei hierher.</translation>
     <message>
         <source>Info</source>
         <translation>Info</translation>
+    </message>
+    <message>
+        <source>Connections</source>
+        <translation>Verbindungen</translation>
+    </message>
+    <message>
+        <source>Connection Details</source>
+        <translation>Verbindungsdetails</translation>
     </message>
 </context>
 </TS>

@@ -17,6 +17,8 @@ private slots:
     void connectHidesStoresAndStarts();
     void entriesAreFreeAfterProcessesEnd();
     void recordsAreWrittenBeforeFirstStart();
+    void dialogHidesBeforeRecordsAreWritten();
+    void entriesAddedDuringConnectAreConnected();
     void hiddenEntriesAreConnected();
     void entriesStartInModelOrder();
     void entriesInUseAreSkipped();
@@ -102,6 +104,49 @@ void TestDialogConnect::recordsAreWrittenBeforeFirstStart()
             [&] { countAtFirstStart = ConfigNodes::LegacyCount(QStringLiteral("none")); });
     m_fixture->ConnectButton()->click();
     QCOMPARE(countAtFirstStart, QStringLiteral("2"));
+}
+
+namespace {
+
+/// Notes how many records are stored when a window hides.
+class HideWatcher : public QObject
+{
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Hide)
+            counts += ConfigNodes::LegacyCount(QStringLiteral("none"));
+        return QObject::eventFilter(watched, event);
+    }
+
+    QStringList counts;
+};
+
+} // namespace
+
+void TestDialogConnect::dialogHidesBeforeRecordsAreWritten()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    m_fixture->Show();
+    HideWatcher watcher;
+    m_fixture->dialog->installEventFilter(&watcher);
+    m_fixture->ConnectButton()->click();
+    QCOMPARE(watcher.counts, QStringList{QStringLiteral("none")});
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
+}
+
+void TestDialogConnect::entriesAddedDuringConnectAreConnected()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    connect(
+        m_fixture->model, &QAbstractItemModel::dataChanged, this,
+        [this] { m_fixture->Add({Entry("two", Connection::KiteEcho, true)}); }, Qt::SingleShotConnection);
+    m_fixture->ConnectButton()->click();
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
+    // The records were written before.
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
 }
 
 void TestDialogConnect::hiddenEntriesAreConnected()

@@ -44,11 +44,13 @@ private slots:
     void noTraceWhileTracesAreOff();
 
     void actionsAskForTheFile();
+    void fileDialogsStartInLastFolder();
     void cancelledExportDoesNothing();
     void cancelledImportReportsEmptyName();
 
     void textDragIsRefused();
     void fileDragIsAccepted();
+    void proposedActionIsAccepted();
     void droppedFileIsImported_data();
     void droppedFileIsImported();
     void dropOfOtherThanOneFileIsReported_data();
@@ -83,7 +85,8 @@ private:
             if (!dialog)
                 return;
             timer->deleteLater();
-            m_fileDialog = {dialog->windowTitle(), dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode()};
+            m_fileDialog = {dialog->windowTitle(), dialog->nameFilters(), dialog->acceptMode(), dialog->fileMode(),
+                            dialog->directory().canonicalPath()};
             if (fileName.isEmpty()) {
                 dialog->reject();
                 return;
@@ -100,6 +103,7 @@ private:
         QStringList filters;
         QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
         QFileDialog::FileMode fileMode = QFileDialog::AnyFile;
+        QString directory;
     };
     FileDialog m_fileDialog;
     std::unique_ptr<DialogFixture> m_fixture;
@@ -286,6 +290,22 @@ void TestDialogFiles::actionsAskForTheFile()
     QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
 }
 
+void TestDialogFiles::fileDialogsStartInLastFolder()
+{
+    // A dialog that is given no folder starts in that of the last one.
+    m_fixture->Build();
+    m_fixture->Show();
+    MessageBoxes boxes;
+    const QString folder = QDir(m_fixture->DataPath(QString())).canonicalPath();
+    QFileDialog().setDirectory(folder);
+    for (const char* action : {"m_pExportAction", "m_pImportAction"}) {
+        m_fileDialog.directory.clear();
+        AnswerFileDialog(QString());
+        m_fixture->Action(action)->trigger();
+        QCOMPARE(m_fileDialog.directory, folder);
+    }
+}
+
 void TestDialogFiles::cancelledExportDoesNothing()
 {
     m_fixture->Build();
@@ -328,6 +348,25 @@ void TestDialogFiles::fileDragIsAccepted()
     data.setText(QStringLiteral("/a"));
     QVERIFY(DialogFixture::DragEnter(m_fixture->BasicView()->viewport(), data));
     QVERIFY(DialogFixture::DragEnter(m_fixture->DetailsView()->viewport(), data));
+}
+
+void TestDialogFiles::proposedActionIsAccepted()
+{
+    m_fixture->Build();
+    m_fixture->Show();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
+    // Not another one that the source also offers.
+    const auto isProposed = [this](QDropEvent&& event) {
+        event.setDropAction(Qt::MoveAction);
+        event.ignore();
+        QCoreApplication::sendEvent(m_fixture->dialog, &event);
+        return event.isAccepted() && event.proposedAction() == Qt::CopyAction && event.dropAction() == Qt::CopyAction;
+    };
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    QVERIFY(isProposed(QDragEnterEvent(QPoint(5, 5), offered, &data, Qt::LeftButton, Qt::ControlModifier)));
+    QVERIFY(isProposed(QDropEvent(QPointF(5, 5), offered, &data, Qt::LeftButton, Qt::ControlModifier)));
+    QCOMPARE(m_fixture->model->rowCount(), 3);
 }
 
 void TestDialogFiles::droppedFileIsImported_data()

@@ -23,6 +23,7 @@ private slots:
     void columnBoxChoosesWhereToSearch();
     void showingFilterSelectsPattern();
     void activeLabelShowsHiddenFilter();
+    void activeLabelCountsFrameOfHiddenDialogAsHidden();
     void hidingFrameKeepsFilter();
 
     void settingsAreRestored();
@@ -168,6 +169,16 @@ void TestDialogFilter::activeLabelShowsHiddenFilter()
     QVERIFY(ActiveLabel()->isVisible());
     Pattern()->clear();
     QVERIFY(!ActiveLabel()->isVisible());
+}
+
+void TestDialogFilter::activeLabelCountsFrameOfHiddenDialogAsHidden()
+{
+    m_fixture->Build();
+    m_fixture->Action("m_pFilterAction")->trigger();
+    QVERIFY(!m_fixture->Find<QFrame>("m_pFilterFrame")->isHidden());
+    QVERIFY(ActiveLabel()->isHidden());
+    Pattern()->setText(QStringLiteral("x"));
+    QVERIFY(!ActiveLabel()->isHidden());
 }
 
 void TestDialogFilter::hidingFrameKeepsFilter()

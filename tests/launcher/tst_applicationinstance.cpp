@@ -1,6 +1,9 @@
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
+#ifdef Q_OS_UNIX
+#include "tests/launcher/startwaits_unix.h"
+#endif
 #include "tests/support/launcherfixture.h"
 #include "tests/support/markingtranslator.h"
 #include "tests/support/metaobject.h"
@@ -64,6 +67,9 @@ private slots:
     void noTraceWhileTracesAreOff();
 
     void startAndEndOfProcess();
+#ifdef Q_OS_UNIX
+    void waitsThirtySecondsForStart();
+#endif
     void exitCodeIsNoCrash();
     void crashIsTraced();
     void failedStartIsReported_data();
@@ -85,6 +91,8 @@ private slots:
     void releaseInOtherStateKillsProcess();
     void releaseOfStartedStateWithoutProcess();
     void endInErrorStateEmitsNoSignal();
+    void endInUnknownStateIsOnlyTraced_data();
+    void endInUnknownStateIsOnlyTraced();
     void exitNotificationWithoutProcessIsIgnored();
     void destructorKillsProcess_data();
     void destructorKillsProcess();
@@ -276,6 +284,15 @@ void TestApplicationInstance::startAndEndOfProcess()
     QCOMPARE(m_pChild->Count(), 1);
     QVERIFY(!System::IsProcess(m_pChild->Reports().constFirst().pid));
 }
+
+#ifdef Q_OS_UNIX
+void TestApplicationInstance::waitsThirtySecondsForStart()
+{
+    StartWaits::Forget();
+    QVERIFY(Instance()->Start());
+    QCOMPARE(StartWaits::All(), QList<int>{30'000});
+}
+#endif
 
 void TestApplicationInstance::exitCodeIsNoCrash()
 {
@@ -578,6 +595,29 @@ void TestApplicationInstance::endInErrorStateEmitsNoSignal()
     m_pTraces->Clear();
     instance->SlotProcessExited(0, QProcess::NormalExit);
     QVERIFY2(m_pTraces->Reports().isEmpty(), m_pTraces->Text().constData());
+}
+
+void TestApplicationInstance::endInUnknownStateIsOnlyTraced_data()
+{
+    QTest::addColumn<int>("state");
+    QTest::newRow("unknown") << 7;
+    QTest::newRow("negative") << -1;
+}
+
+void TestApplicationInstance::endInUnknownStateIsOnlyTraced()
+{
+    QFETCH(const int, state);
+    const auto instance = Instance();
+    QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
+    QVERIFY(instance->Start());
+    instance->SetState(state);
+    m_pTraces->Clear();
+    QTRY_COMPARE(m_pTraces->Messages(), QStringList(Ended()));
+    QCOMPARE(int{instance->GetState()}, state);
+    // The process is kept: a further notification is traced, too.
+    instance->SlotProcessExited(0, QProcess::NormalExit);
+    QCOMPARE(m_pTraces->Messages(), (QStringList{Ended(), Ended()}));
+    QCOMPARE(exited.count(), 0);
 }
 
 void TestApplicationInstance::exitNotificationWithoutProcessIsIgnored()

@@ -56,6 +56,9 @@ private slots:
     void firstFreeApplicationIsStarted();
     void kiteEchoFamilySharesApplications();
     void statusChangesBeforeInstanceIsDeleted();
+    void statusChangesBeforeRunningApplications();
+    void namesOfRunningApplicationsAreCaseSensitive();
+    void updateForgetsRunningApplications();
 
     void noFreeApplicationShowsProblem_data();
     void noFreeApplicationShowsProblem();
@@ -69,6 +72,7 @@ private slots:
     void deletingFailedInstanceFreesEqualEntry();
     void releasedInstanceIsDeleted();
     void startedAndErrorInstancesAreKept();
+    void instanceIsDeletedOnce();
     void typesCountRunningApplicationsSeparately();
     void nothingToDeleteChangesNothing();
     void unsupportedTypeIsStarted();
@@ -302,6 +306,45 @@ void TestConnectTo::statusChangesBeforeInstanceIsDeleted()
     QCOMPARE(seen, (QList<std::pair<int, qsizetype>>{{1, 1}, {0, 1}}));
 }
 
+void TestConnectTo::statusChangesBeforeRunningApplications()
+{
+    Install({{s("Kite"), {1}}});
+    m_pModel->AddConnection(Entry("a", 1));
+    QList<std::pair<int, QStringList>> seen;
+    connect(m_pModel.get(), &QAbstractItemModel::dataChanged, m_pCounter.get(), [&] {
+        seen.append({Status(0), m_pCounter->RunningApplications(1)});
+    });
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
+    QVERIFY(WaitForEnd());
+    QCOMPARE(seen, (QList<std::pair<int, QStringList>>{{1, {}}, {0, {s("Kite")}}}));
+}
+
+void TestConnectTo::namesOfRunningApplicationsAreCaseSensitive()
+{
+    Install({{s("Kite"), {1}}, {s("KITE"), {1}}});
+    m_pChild->Behave("stay");
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
+    QCOMPARE(m_pCounter->FreeApplications(1), QStringList(s("KITE")));
+    QVERIFY(m_pCounter->ConnectTo(Entry("b", 1)));
+    QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("Kite"), s("KITE")}));
+    m_pCounter->Instances().constLast()->SetState(ApplicationInstance::Free);
+    m_pCounter->SlotOnProcessExit();
+    QCOMPARE(m_pCounter->RunningApplications(1), QStringList(s("Kite")));
+}
+
+void TestConnectTo::updateForgetsRunningApplications()
+{
+    Install({{s("Kite"), {4}}});
+    m_pChild->Behave("stay");
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", 4)));
+    QCOMPARE(m_pCounter->RunningApplications(4), QStringList(s("Kite")));
+    m_pCounter->UpdateInstalledApps();
+    QVERIFY(m_pCounter->RunningApplications(4).isEmpty());
+    m_pCounter->UpdateTypeDeviceMappings();
+    QCOMPARE(m_pCounter->FreeApplications(4), QStringList(s("Kite")));
+    QCOMPARE(m_pCounter->Instances().size(), 1);
+}
+
 void TestConnectTo::noFreeApplicationShowsProblem_data()
 {
     QTest::addColumn<QString>("name");
@@ -494,6 +537,32 @@ void TestConnectTo::startedAndErrorInstancesAreKept()
     QCOMPARE(m_pCounter->Instances(), instances.mid(0, 2));
     QCOMPARE((QList<int>{Status(0), Status(1), Status(2)}), (QList<int>{1, 1, 0}));
     QCOMPARE(m_pCounter->RunningApplications(1), (QStringList{s("A"), s("B")}));
+}
+
+void TestConnectTo::instanceIsDeletedOnce()
+{
+    Install({{s("Kite"), {1, 2}}});
+    m_pChild->Behave("stay");
+    m_pModel->AddConnection(Entry("a", 1));
+    m_pModel->AddConnection(Entry("b", 2));
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
+    QVERIFY(m_pCounter->ConnectTo(Entry("b", 2)));
+    for (ApplicationInstance* const instance : m_pCounter->Instances())
+        instance->SetState(ApplicationInstance::Free);
+    // A receiver of the first status change deletes both instances and connects the second entry again. Its new
+    // application must not be taken for the old one.
+    connect(
+        m_pModel.get(), &QAbstractItemModel::dataChanged, m_pCounter.get(),
+        [this] {
+            m_pCounter->SlotOnProcessExit();
+            QVERIFY(m_pCounter->ConnectTo(Entry("b", 2)));
+        },
+        Qt::SingleShotConnection);
+    m_pCounter->SlotOnProcessExit();
+    QCOMPARE((QList<int>{Status(0), Status(1)}), (QList<int>{0, 1}));
+    QVERIFY(m_pCounter->RunningApplications(1).isEmpty());
+    QCOMPARE(m_pCounter->RunningApplications(2), QStringList(s("Kite")));
+    QCOMPARE(m_pCounter->Instances().size(), 1);
 }
 
 void TestConnectTo::typesCountRunningApplicationsSeparately()

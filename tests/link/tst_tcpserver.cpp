@@ -95,7 +95,15 @@ private:
 class Window : public QDialog
 {
 public:
+    void setVisible(bool visible) override
+    {
+        QDialog::setVisible(visible);
+        if (visible && activeAfterShow)
+            activeAfterShow->activateWindow();
+    }
+
     QList<QEvent::Type> seen;
+    QWidget* activeAfterShow = nullptr; // as on a system that does not activate a shown window
 
 protected:
     bool event(QEvent* event) override
@@ -135,6 +143,7 @@ private slots:
 
     void onOpenShowsAndActivates();
     void onOpenRaisesTheVisibleWindowEachTime();
+    void onOpenActivatesAfterTheShow();
 
     void onReadOfZeroBytesDoesNothing();
     void onReadTakesAllBytes();
@@ -288,6 +297,20 @@ void TestTcpServer::onOpenRaisesTheVisibleWindowEachTime()
     window.hide();
     server.OnOpen(nullptr);
     QVERIFY(window.isVisible());
+}
+
+void TestTcpServer::onOpenActivatesAfterTheShow()
+{
+    QWidget other;
+    other.show();
+    Window window;
+    window.activeAfterShow = &other;
+    window.show();
+    QTRY_VERIFY(other.isActiveWindow());
+    window.hide();
+    TCPServer server(&window);
+    server.OnOpen(nullptr);
+    QTRY_VERIFY(window.isActiveWindow());
 }
 
 void TestTcpServer::onReadOfZeroBytesDoesNothing()

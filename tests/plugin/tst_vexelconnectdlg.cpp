@@ -4,6 +4,7 @@
 #include "tests/support/linkport.h"
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlg.h"
@@ -11,7 +12,9 @@
 
 #include <QAbstractProxyModel>
 #include <QApplication>
+#include <QDir>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
@@ -25,18 +28,25 @@ class TestVexelConnectDlg : public QObject
 
 private slots:
     void init() { CfgCenter::Close(); }
-    void cleanup() { CfgCenter::Close(); }
+    void cleanup()
+    {
+        TranslationCenter::Instance().SetLocale(QLocale::c());
+        CfgCenter::Close();
+    }
 
     void destroyOfNullDoesNothing();
     // First, because other instances keep the port.
     void starterShowsDialogUntilInstanceIsDestroyed();
+    void destroyDeletesPartsInOrder();
     void createBuildsHiddenDialog();
     void instanceNameIsUsedForConfiguration();
     void saveStoresFilterAndEntries();
     void saveStoresFilterFirst();
     void saveDuringImportBoxStoresOldEntries();
+    void saveDoesNotWriteToDisk();
     void destroyStoresFilterThenEntries();
     void translationsAreRegisteredAndUnregistered();
+    void translationsAreRegisteredBeforeEntriesAreLoaded();
     void twoInstancesAreIndependent();
 
 private:
@@ -56,6 +66,7 @@ private:
     {
         return ConfigNodes::Filter()->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0);
     }
+    static QString TranslatedClose() { return QCoreApplication::translate("VexelConnectDlg", "Close"); }
     static VexelConnectDlgGUI* FindDialog()
     {
         for (QWidget* widget : QApplication::topLevelWidgets())
@@ -173,20 +184,56 @@ void TestVexelConnectDlg::saveDuringImportBoxStoresOldEntries()
     QCOMPARE(StoredEntries(), QString::fromLatin1(entries.toHex()));
 }
 
+void TestVexelConnectDlg::saveDoesNotWriteToDisk()
+{
+    // The host saves the configuration.
+    const QTemporaryDir store;
+    QVERIFY(CfgCenter::Open(store.path()));
+    const auto files = [&store] {
+        return QDir(store.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    };
+    const QStringList before = files();
+    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    FindModel()->AddConnection(Connection());
+    FindDialog()->m_pFilterPatternLineEdit->setText(QStringLiteral("abc"));
+    instance->SaveSettings();
+    QCOMPARE(StoredPattern(), QStringLiteral("abc"));
+    QCOMPARE(files(), before);
+    ARDestroy(instance);
+    QCOMPARE(files(), before);
+    QVERIFY(CfgCenter::SaveDocument());
+    QVERIFY(files() != before);
+}
+
 void TestVexelConnectDlg::translationsAreRegisteredAndUnregistered()
 {
     TranslationCenter::Instance().SetDirectory(QStringLiteral(VEXEL_TRANSLATIONS));
     TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
-    const auto close = [] {
-        return QCoreApplication::translate("VexelConnectDlg", "Close");
-    };
-    QCOMPARE(close(), QStringLiteral("Close"));
+    QCOMPARE(TranslatedClose(), QStringLiteral("Close"));
     IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
-    QCOMPARE(close(), QStringLiteral("Schlie\u00dfen"));
-    QCOMPARE(FindDialog()->m_pCloseButton->text(), close());
+    QCOMPARE(TranslatedClose(), QStringLiteral("Schlie\u00dfen"));
+    QCOMPARE(FindDialog()->m_pCloseButton->text(), TranslatedClose());
     ARDestroy(instance);
-    QCOMPARE(close(), QStringLiteral("Close"));
-    TranslationCenter::Instance().SetLocale(QLocale::c());
+    QCOMPARE(TranslatedClose(), QStringLiteral("Close"));
+}
+
+void TestVexelConnectDlg::translationsAreRegisteredBeforeEntriesAreLoaded()
+{
+    TranslationCenter::Instance().SetDirectory(QStringLiteral(VEXEL_TRANSLATIONS));
+    TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
+    // The model traces that it cannot read the stored entries.
+    ConfigNodes::StoreSet("<broken");
+    QStringList texts;
+    const unsigned kinds = ErrorHandler::Instance().EnabledKinds();
+    ErrorHandler::Instance().SetSink([&texts](ErrorHandler::Kind, const QString&, const QString& sourceFile, quint16) {
+        if (sourceFile == QLatin1String("userinterface/vexelconnectdlg/connectionsmodel"))
+            texts += TranslatedClose();
+    });
+    ErrorHandler::Instance().SetEnabledKinds(ErrorHandler::Trace);
+    ARDestroy(ARCreateEx(L"VexelConnectDlg"));
+    ErrorHandler::Instance().SetEnabledKinds(kinds);
+    ErrorHandler::Instance().SetSink({});
+    QCOMPARE(texts, QStringList{QStringLiteral("Schlie\u00dfen")});
 }
 
 void TestVexelConnectDlg::destroyStoresFilterThenEntries()
@@ -212,6 +259,66 @@ void TestVexelConnectDlg::destroyStoresFilterThenEntries()
     QCOMPARE(order, (QStringList{QStringLiteral("dialog"), QStringLiteral("model")}));
     QCOMPARE(StoredPattern(), QStringLiteral("xyz"));
     QCOMPARE(StoredEntries(), expected);
+}
+
+namespace {
+
+/// Finds the launcher when it creates the first application instance, its child.
+class LauncherFinder : public QObject
+{
+public:
+    LauncherFinder() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::ChildAdded && !launcher)
+            launcher = qobject_cast<AppCounter*>(watched);
+        return QObject::eventFilter(watched, event);
+    }
+
+    QPointer<AppCounter> launcher;
+};
+
+} // namespace
+
+void TestVexelConnectDlg::destroyDeletesPartsInOrder()
+{
+    NEED_PORT();
+    TranslationCenter::Instance().SetDirectory(QStringLiteral(VEXEL_TRANSLATIONS));
+    TranslationCenter::Instance().SetLocale(QLocale(QLocale::German, QLocale::Germany));
+    QTemporaryDir data;
+    QVERIFY(Files::Write(data.filePath(QStringLiteral("CfgVEXEL.xml")),
+                         "<Machine><Kite><Startup><exe>/no/such/program</exe></Startup></Kite></Machine>"));
+    QVERIFY(Files::Write(data.filePath(QStringLiteral("TypeApplicationMappings.xml")),
+                         "<TypeApplicationMappings><Mapping><DeviceType>1</DeviceType><Application>Kite</Application>"
+                         "</Mapping></TypeApplicationMappings>"));
+    CfgCenter::CreateCfg(QStringLiteral("Administration"), View::Application, QString())
+        ->SetString(QStringLiteral("VexelDataDir"), data.path(), 0);
+    IDllInstance* const instance = ARCreateEx(L"VexelConnectDlg");
+    QVERIFY(!LinkPort::IsFree());
+    Connection entry;
+    entry.DeviceType = Connection::KiteBravo;
+    entry.Selected = true;
+    FindModel()->AddConnection(entry);
+    const LauncherFinder finder;
+    FindDialog()->SlotConnect();
+    QVERIFY(finder.launcher);
+
+    QStringList order;
+    connect(
+        FindDialog(), &QObject::destroyed, this,
+        [&order] {
+            QCOMPARE(TranslatedClose(), QStringLiteral("Close"));
+            order += QStringLiteral("dialog");
+        });
+    connect(FindModel(), &QObject::destroyed, this, [&order] { order += QStringLiteral("model"); });
+    connect(finder.launcher, &QObject::destroyed, this, [&order] {
+        QVERIFY(!LinkPort::IsFree());
+        order += QStringLiteral("launcher");
+    });
+    ARDestroy(instance);
+    QCOMPARE(order, (QStringList{QStringLiteral("dialog"), QStringLiteral("model"), QStringLiteral("launcher")}));
+    QVERIFY(LinkPort::IsFree());
 }
 
 void TestVexelConnectDlg::twoInstancesAreIndependent()

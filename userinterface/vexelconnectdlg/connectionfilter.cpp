@@ -180,10 +180,19 @@ void FilterSettings::Save() const
 
 QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
 {
+    if (role == Qt::AccessibleTextRole && index.isValid() && index.column() == ConnectionsModel::ColumnSelected)
+        return data(index, Qt::EditRole).toBool() ? tr("selected") : tr("not selected");
     QVariant value = QSortFilterProxyModel::data(index, role);
     if (role == Qt::DisplayRole && value.metaType() == QMetaType::fromType<QString>())
         return Shortened(value.toString());
     return value;
+}
+
+QVariant ConnectionFilterModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role == Qt::AccessibleTextRole && orientation == Qt::Horizontal && section == ConnectionsModel::ColumnSelected)
+        return tr("Selected");
+    return QSortFilterProxyModel::headerData(section, orientation, role);
 }
 
 void ConnectionFilterModel::UpdateBounds() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 #include <QSortFilterProxyModel>
 #include <QString>
@@ -29,7 +30,7 @@ struct FilterSettings
 
 /// Sorts and filters the connections for the views.
 ///
-/// Differs from QSortFilterProxyModel in three ways:
+/// Differs from QSortFilterProxyModel in four ways:
 ///
 /// - An invalid expression matches nothing without a warning for every row.
 /// - An expression that takes too long on a text (nested repetitions on a long name) is aborted, and the row does not
@@ -37,12 +38,16 @@ struct FilterSettings
 /// - Texts are displayed on one line of limited length, because two views with different columns of a row must give it
 ///   the same height, and a text of a megabyte would slow down every layout. Editing, filtering and sorting use the
 ///   whole text.
+/// - The tick and its header, which have no text, have one for screen readers.
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
+    Q_DECLARE_TR_FUNCTIONS(ConnectionFilterModel)
+
 public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;

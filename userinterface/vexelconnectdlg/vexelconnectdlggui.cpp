@@ -12,6 +12,7 @@
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/listkeys.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
 
@@ -114,6 +115,8 @@ void VexelConnectDlgGUI::SetUpViews()
         // All rows are one line high, so Qt need not measure ten thousand of them.
         view->setUniformRowHeights(true);
     }
+    m_pBasicView->setAccessibleName(tr("Connections"));
+    m_pDetailsView->setAccessibleName(tr("Connection Details"));
     QItemSelectionModel* const ownSelection = m_pDetailsView->selectionModel();
     m_pDetailsView->setSelectionModel(m_pBasicView->selectionModel());
     delete ownSelection;
@@ -125,6 +128,7 @@ void VexelConnectDlgGUI::SetUpViews()
     fileDrags->Watch(m_pDetailsView->viewport());
     fileDrags->Watch(m_pFilterPatternLineEdit);
 
+    new ListKeys({m_pBasicView, m_pDetailsView}, ConnectionsModel::ColumnSelected, this);
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         new SecondClick(view, ConnectionsModel::ColumnSelected);
         // Queued, because a view emits the signal during its layout.
