@@ -116,8 +116,12 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
         return Fail(QStringLiteral("the existing file cannot be read at the moment: %1").arg(m_before.error));
     }
     if (const QString error = ReplaceDocument(m_file, content); !error.isEmpty()) {
+        const QFileInfo info(m_file);
+        const bool isProtected = info.exists() && !info.isWritable();
         return Fail(
-            QStringLiteral("%1; make room, or let this user write in %2").arg(error, QFileInfo(m_file).absolutePath()));
+            isProtected
+                ? QStringLiteral("%1; let this user write it").arg(error)
+                : QStringLiteral("%1; make room, or let this user write in %2").arg(error, info.absolutePath()));
     }
     m_isFinal = true;
     return true;

@@ -311,7 +311,7 @@ private slots:
         CfgCenter::SetNoticeSink({});
         QVERIFY(!isKnown);
         QCOMPARE(current, ConfigVersions::Obstacle::Unavailable);
-        QCOMPARE(former, ConfigVersions::Obstacle::Unread);
+        QCOMPARE(former, ConfigVersions::Obstacle::Unavailable);
         QCOMPARE(notices.size(), 1);
         QVERIFY2(notices.front().startsWith(versions.DocumentFile() + QStringLiteral(" cannot be read at the moment")),
                  qPrintable(notices.front()));
