@@ -186,6 +186,15 @@ QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
     return value;
 }
 
+bool ConnectionFilterModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                                         const QModelIndex& parent)
+{
+    setDynamicSortFilter(false);
+    const bool isDropped = QSortFilterProxyModel::dropMimeData(data, action, row, column, parent);
+    setDynamicSortFilter(true);
+    return isDropped;
+}
+
 void ConnectionFilterModel::UpdateBounds() const
 {
     const QRegularExpression expression = filterRegularExpression();

@@ -29,7 +29,7 @@ struct FilterSettings
 
 /// Sorts and filters the connections for the views.
 ///
-/// Differs from QSortFilterProxyModel in three ways:
+/// Differs from QSortFilterProxyModel in four ways:
 ///
 /// - An invalid expression matches nothing without a warning for every row.
 /// - An expression that takes too long on a text (nested repetitions on a long name) is aborted, and the row does not
@@ -37,12 +37,15 @@ struct FilterSettings
 /// - Texts are displayed on one line of limited length, because two views with different columns of a row must give it
 ///   the same height, and a text of a megabyte would slow down every layout. Editing, filtering and sorting use the
 ///   whole text.
+/// - Dropped entries are sorted in all at once. One by one, a hundred thousand would take many seconds.
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
 public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                      const QModelIndex& parent) override;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
