@@ -104,7 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Tidy tidy;
     const QByteArray document = ToBytes(data, size);
     MachineConfiguration machine;
-    QXmlStreamReader reader(document);
+    BoundedXmlReader reader(document);
     const bool isMachine = machine.Read(reader);
     Require(reader.atEnd(), "the document is read to its end or to an error");
     RequireBounds(machine, document.size());

@@ -127,7 +127,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Machine machine = TakeMachine(input);
     const QByteArray document = TakeRest(input);
 
-    QXmlStreamReader reader(document);
+    BoundedXmlReader reader(document);
     QMap<int, QString> executables;
     int mappings = 0;
     int kept = 0;

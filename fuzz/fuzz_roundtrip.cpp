@@ -45,6 +45,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const QByteArray document = Write(entries);
     Require(document.isValidUtf8(), "a document is UTF-8");
+    const Connection plain;
+    qint64 expectedSize = Write({plain}).size() - ConnectionList::WrittenSize(plain);
+    for (const Connection& entry : entries)
+        expectedSize += ConnectionList::WrittenSize(entry);
+    Require(entries.empty() || document.size() == expectedSize, "the size is known before writing");
     Entries read;
     const bool result = ConnectionList::Read(document, [&](const Connection& entry) { read.push_back(entry); });
     Require(result == !entries.empty(), "the result is true if there are entries");

@@ -411,6 +411,14 @@ p, li { white-space: pre-wrap; }
         <translation>Noch nicht vorhanden.</translation>
     </message>
     <message>
+        <source>The list is full.
+
+Please delete entries before you add a new one.</source>
+        <translation>Die Liste ist voll.
+
+Bitte löschen Sie Einträge, bevor Sie einen neuen anlegen.</translation>
+    </message>
+    <message>
         <source>No entry selected!
 
 Please select the entries you want to delete.</source>

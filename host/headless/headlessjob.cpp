@@ -6,6 +6,7 @@
 #include "host/headless/dialogpicture.h"
 #include "host/output/console.h"
 #include "process/textline.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QDateTime>
 #include <QEventLoop>
@@ -59,24 +60,42 @@ bool HeadlessJob::ImportAndAdd()
     if (imports)
         files.prepend(m_options.fileToImport);
 
-    const int before = m_dialog.Count();
+    // The entries that an import replaces must not take up room. Where editing has made the list so large that it could
+    // not be put back after a failure, they stay until nothing can fail any more.
+    const QByteArray replaced = imports ? m_dialog.Document() : QByteArray();
+    const bool removesFirst = imports && m_dialog.Count() <= ConnectionList::kMaximumEntries &&
+                              replaced.size() <= ConnectionList::kMaximumSize;
+    if (removesFirst)
+        RemoveEntries(0, m_dialog.Count());
+    const int kept = m_dialog.Count();
     const bool ok = std::all_of(files.cbegin(), files.cend(), [this](const QString& file) { return Append(file); });
-    // The entries that an import replaces are removed last, when nothing can fail any more.
-    if (!ok && m_dialog.Count() > before)
-        m_dialog.Entries()->removeRows(before, m_dialog.Count() - before);
-    else if (ok && imports && before > 0)
-        m_dialog.Entries()->removeRows(0, before);
+    if (!ok)
+        RemoveEntries(kept, m_dialog.Count() - kept);
+    if (!ok && removesFirst)
+        m_dialog.Append(replaced);
+    else if (ok && imports)
+        RemoveEntries(0, kept);
     return ok;
+}
+
+void HeadlessJob::RemoveEntries(int first, int count)
+{
+    if (count > 0)
+        m_dialog.Entries()->removeRows(first, count);
 }
 
 bool HeadlessJob::Append(const QString& fileName)
 {
     QString error;
-    const std::optional<QByteArray> document = ReadRegularFile(fileName, kMaximumFileSize, &error);
+    const std::optional<QByteArray> document = ReadRegularFile(fileName, ConnectionList::kMaximumSize, &error);
     if (document && m_dialog.Append(*document))
         return true;
-    Fail(ExitCode::Unusable, document ? QStringLiteral("%1 is not a connection list, or has no entries").arg(fileName)
-                                      : QStringLiteral("cannot read %1: %2").arg(fileName, error));
+    Fail(ExitCode::Unusable,
+         document ? QStringLiteral("%1 is not a connection list, has no entries, or makes the list too long (the most "
+                                   "are %2 entries)")
+                        .arg(fileName)
+                        .arg(ConnectionList::kMaximumEntries)
+                  : QStringLiteral("cannot read %1: %2").arg(fileName, error));
     return false;
 }
 

@@ -36,6 +36,7 @@ signals:
 
 private:
     bool ImportAndAdd();
+    void RemoveEntries(int first, int count);
     bool Append(const QString& fileName);
     void Export();
     void List();

@@ -106,7 +106,8 @@ bool ConnectDialog::Append(const QByteArray& document) const
     const int before = Count();
     QMimeData data;
     data.setData(kMimeType, document);
-    const bool good = m_pEntries->dropMimeData(&data, Qt::CopyAction, -1, -1, QModelIndex());
+    // Through the view's proxy, which sorts the entries in faster than one by one.
+    const bool good = m_views.constFirst()->model()->dropMimeData(&data, Qt::CopyAction, -1, -1, QModelIndex());
     if (!good) {
         // The model has taken the entries before the error; a partial import is not wanted.
         if (Count() > before)

@@ -69,7 +69,7 @@ public:
     QList<int> RowsNamed(const QString& name) const;
 
     /// Appends the entries of a connection list document, all as "Free". Returns false and leaves the list unchanged if
-    /// the document is malformed or has no entries.
+    /// the document is malformed or has no entries, or if the list would become too long (see `ConnectionList`).
     bool Append(const QByteArray& document) const;
     /// Returns the whole list as a connection list document.
     QByteArray Document() const;

@@ -2,8 +2,8 @@
 
 #include "host/plugin/connectdialog.h"
 #include "platform/icfg.h"
+#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
-#include "userinterface/vexelconnectdlg/xmlelement.h"
 
 #include <QByteArray>
 #include <QString>
@@ -17,15 +17,18 @@ namespace {
 StoredSet ParseDocument(const QByteArray& document)
 {
     StoredSet set;
-    QXmlStreamReader reader(document);
+    BoundedXmlReader reader(document);
     bool withinEntry = false;
     while (!reader.atEnd()) {
-        ReadToken(reader);
+        reader.readNext();
         if (reader.name() != u"Connection")
             continue;
         if (reader.isStartElement() && !withinEntry) {
             withinEntry = true;
-            ++set.entries;
+            if (set.entries < ConnectionList::kRoomForOwnList.entries)
+                ++set.entries;
+            else
+                reader.raiseError(QStringLiteral("The list has too many entries."));
         } else if (reader.isEndElement()) {
             withinEntry = false;
         }

@@ -21,8 +21,7 @@ struct StoredSet
     int entries = 0; ///< of a malformed set: those that begin before the error
 };
 
-/// Reads the set from the document with the root node `document`. Does not keep the entries in memory and expands no
-/// entities.
+/// Reads the set from the document with the root node `document`. Does not keep the entries in memory.
 StoredSet ReadStoredSet(ICfg& document);
 
 /// Same, in a separate thread, because a long set takes a good part of a second. The text is taken from the document

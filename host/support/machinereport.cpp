@@ -2,6 +2,7 @@
 
 #include "files/boundedfile.h"
 #include "host/support/supportreport.h"
+#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
 #include "userinterface/vexelconnectdlg/typemapping.h"
@@ -10,7 +11,6 @@
 #include <QFileInfo>
 #include <QSet>
 #include <QStandardPaths>
-#include <QXmlStreamReader>
 
 #include <optional>
 #include <utility>
@@ -71,6 +71,7 @@ private:
     QMap<int, QString> m_executables;
     QMap<int, QString> m_mappings; // descriptions of the effective mappings
     QMap<int, QStringList> m_serving;
+    QSet<QString> m_names; // of the applications
     QStringList m_dropped;
 };
 
@@ -94,8 +95,9 @@ void Machine::ReadMachine()
     if (m_mappingFile.isEmpty())
         m_mappingFile = m_files.dataDirectory + QStringLiteral("/TypeApplicationMappings.xml");
 
-    QXmlStreamReader reader(*document);
+    BoundedXmlReader reader(*document, kMachineFileLimits);
     const bool isMachine = m_machine.Read(reader);
+    m_names = QSet<QString>(m_machine.applications.cbegin(), m_machine.applications.cend());
     if (reader.hasError())
         m_machineState = XmlError(reader);
     else
@@ -107,7 +109,7 @@ void Machine::ReadMapping()
     const std::optional<QByteArray> document = ReadFile(m_mappingFile, m_mappingState);
     if (!document)
         return;
-    QXmlStreamReader reader(*document);
+    BoundedXmlReader reader(*document, kMachineFileLimits);
     bool any = false;
     TypeMapping::Read(reader, m_machine.startLists, m_executables,
                       [this, &any](int deviceType, const QString& application, TypeMapping::Outcome outcome) {
@@ -133,9 +135,8 @@ void Machine::OnMapping(int deviceType, const QString& application, TypeMapping:
                    QStringLiteral("it names no application"));
         return;
     case TypeMapping::Outcome::NoStartList:
-        AddDropped(mapping, m_machine.applications.contains(application)
-                                ? QStringLiteral("the application has no usable \"Startup\"")
-                                : QStringLiteral("there is no such application"));
+        AddDropped(mapping, m_names.contains(application) ? QStringLiteral("the application has no usable \"Startup\"")
+                                                          : QStringLiteral("there is no such application"));
         return;
     case TypeMapping::Outcome::Kept:
         break;
@@ -201,9 +202,10 @@ QString Machine::FindExecutable(const QString& executable) const
 QList<QJsonArray> Machine::ApplicationRows() const
 {
     QMap<QString, QJsonArray> types;
-    for (auto type = m_serving.cbegin(); type != m_serving.cend(); ++type)
-        for (const QString& application : type.value())
-            types[application].append(QString::number(type.key()));
+    // No entry has another device type, and a mapping file may have any number of them.
+    for (int type = 0; type < Connection::kDeviceTypeCount; ++type)
+        for (const QString& application : m_serving.value(type))
+            types[application].append(QString::number(type));
     QList<QJsonArray> rows;
     QStringList applications = m_machine.applications;
     applications.removeDuplicates();

@@ -6,6 +6,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QMimeData>
+#include <QSignalSpy>
 #include <QUrl>
 
 namespace {
@@ -40,6 +41,8 @@ private slots:
     void failedImportKeepsList();
     void importWithoutNameIsReported();
     void importOfUnreadableFileIsReported();
+    void importOfTooLongListIsReported();
+    void failedImportKeepsListOfAnySize();
     void fileNameIsShownAsPlainText();
     void noTraceWhileTracesAreOff();
 
@@ -53,6 +56,7 @@ private slots:
     void proposedActionIsAccepted();
     void droppedFileIsImported_data();
     void droppedFileIsImported();
+    void droppedEntriesAreSortedIn();
     void dropOfOtherThanOneFileIsReported_data();
     void dropOfOtherThanOneFileIsReported();
     void dropOfRemoteUrlIsReported();
@@ -226,7 +230,7 @@ void TestDialogFiles::importOfUnreadableFileIsReported()
     const QString pipe = System::MakePipe(m_fixture->DataPath(QStringLiteral("pipe.xml")));
     QVERIFY(!pipe.isEmpty());
     const QString huge = m_fixture->WriteFile(QStringLiteral("huge.xml"), ThreeEntries());
-    QVERIFY(QFile::resize(huge, qint64{65} * 1024 * 1024));
+    QVERIFY(QFile::resize(huge, ConnectionList::kMaximumSize + 1));
     QStringList unreadable{m_fixture->DataPath(QStringLiteral("missing.xml")), huge,
                            m_fixture->DataPath(QString())}; // the last is a directory
     // Opening a pipe without a writer blocks, and reading some devices never ends.
@@ -245,6 +249,41 @@ void TestDialogFiles::importOfUnreadableFileIsReported()
         QCOMPARE(traces.Reports().first().sourceFile, kSource);
         QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
     }
+}
+
+void TestDialogFiles::importOfTooLongListIsReported()
+{
+    // Without the fixture, whose model testers take long for so many rows.
+    ConnectionsModel model(nullptr, QString());
+    AppCounter counter(&model, QString());
+    VexelConnectDlgGUI dialog(nullptr, &model, &counter);
+    model.AddConnection(Entry("a"));
+    const QString path = m_fixture->WriteFile(
+        QStringLiteral("long.xml"), "<ConnectionEntries>" +
+                                        QByteArray("<Connection/>").repeated(ConnectionList::kMaximumEntries + 1) +
+                                        "</ConnectionEntries>");
+    MessageBoxes boxes;
+    TraceRecorder traces;
+    QVERIFY(!dialog.Import(path));
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(boxes.Boxes().first().text, FailureText(path));
+    QCOMPARE(traces.Messages(), QStringList(QStringLiteral("XML parsing error occurred in row 1 column 2600032. "
+                                                           "\"The list would have too many entries.\"")));
+    QCOMPARE(model.rowCount(), 1);
+    QCOMPARE(model.GetConnection(0).ConnectionName, QStringLiteral("a"));
+}
+
+void TestDialogFiles::failedImportKeepsListOfAnySize()
+{
+    m_fixture->Build();
+    Connection large = Entry("large");
+    large.Subsystem = QString(ConnectionList::kMaximumSize, u'a');
+    m_fixture->Add({large, Entry("b")});
+    const MessageBoxes boxes;
+    QVERIFY(!m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("other.xml"), "<a/>")));
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("large"), QStringLiteral("b")}));
+    QCOMPARE(m_fixture->model->GetConnection(0).Subsystem.size(), large.Subsystem.size());
 }
 
 void TestDialogFiles::fileNameIsShownAsPlainText()
@@ -394,6 +433,25 @@ void TestDialogFiles::droppedFileIsImported()
     QVERIFY(DialogFixture::Drop(widget, data));
     QCOMPARE(m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->text(), QString());
     QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+}
+
+void TestDialogFiles::droppedEntriesAreSortedIn()
+{
+    m_fixture->Build();
+    m_fixture->Add({Entry("a3"), Entry("a1"), Entry("b")});
+    m_fixture->dialog->m_pFilterPatternLineEdit->setText(QStringLiteral("a"));
+    QMimeData data;
+    data.setData(QStringLiteral("text/plain"),
+                 "<x><Connection><ConnectionName>a4</ConnectionName></Connection><Connection><ConnectionName>c"
+                 "</ConnectionName></Connection><Connection><ConnectionName>a2</ConnectionName></Connection></x>");
+    const QSignalSpy sorted(m_fixture->Proxy(), &QAbstractItemModel::layoutChanged);
+    QVERIFY(m_fixture->Proxy()->dropMimeData(&data, Qt::CopyAction, 0, 0, QModelIndex()));
+    QCOMPARE(m_fixture->ShownNames(), QStringLiteral("a1 a2 a3 a4").split(u' '));
+    QCOMPARE(m_fixture->Names(), QStringLiteral("a3 a1 b a4 c a2").split(u' '));
+    QCOMPARE(sorted.size(), 1);
+    // Later changes are sorted in at once.
+    m_fixture->Add({Entry("a0")});
+    QCOMPARE(m_fixture->ShownNames(), QStringLiteral("a0 a1 a2 a3 a4").split(u' '));
 }
 
 void TestDialogFiles::dropOfOtherThanOneFileIsReported_data()

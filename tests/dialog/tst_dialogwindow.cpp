@@ -42,6 +42,7 @@ private slots:
     void editedEntryCanBeFilteredOut();
 
     void newAppendsDefaultEntry();
+    void newAddsNothingToFullList();
     void editIsNotImplemented();
     void deleteWithoutSelectionIsReported();
     void deleteRemovesSelectedRows_data();
@@ -385,6 +386,28 @@ void TestDialogWindow::newAppendsDefaultEntry()
     QCOMPARE(m_fixture->model->rowCount(), 2);
     QVERIFY(m_fixture->model->GetConnection(1) == Connection());
     QCOMPARE(m_fixture->model->GetConnection(1).ConnectionName, QStringLiteral("enter connection name here"));
+}
+
+void TestDialogWindow::newAddsNothingToFullList()
+{
+    // Without the fixture, whose model testers take long for so many rows.
+    ConnectionsModel model(nullptr, QString());
+    AppCounter counter(&model, QString());
+    VexelConnectDlgGUI dialog(nullptr, &model, &counter);
+    QVERIFY(model.FromByteArray("<a>" + QByteArray("<Connection/>").repeated(ConnectionList::kMaximumEntries - 1) +
+                                "</a>"));
+    const MessageBoxes boxes;
+    dialog.m_pNewAction->trigger();
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries);
+    dialog.m_pNewAction->trigger();
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(boxes.Boxes().first().title, QStringLiteral("Info"));
+    QCOMPARE(boxes.Boxes().first().text,
+             QStringLiteral("The list is full.\n\nPlease delete entries before you add a new one."));
+    QCOMPARE(boxes.Boxes().first().icon, QMessageBox::Information);
+    QCOMPARE(boxes.Boxes().first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries);
 }
 
 void TestDialogWindow::editIsNotImplemented()

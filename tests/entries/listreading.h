@@ -1,13 +1,12 @@
 #pragma once
 
 #include "tests/support/tracerecorder.h"
+#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
-#include "userinterface/vexelconnectdlg/xmlguard.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QString>
-#include <QXmlStreamReader>
 
 #include <deque>
 #include <vector>
@@ -20,12 +19,12 @@ struct Reading
     QList<TraceRecorder::Report> reports;
 };
 
-inline Reading ReadList(const QByteArray& document)
+inline Reading ReadList(const QByteArray& document, const ConnectionList::Room& room = {})
 {
     const TraceRecorder recorder;
     Reading reading;
-    reading.result =
-        ConnectionList::Read(document, [&reading](const Connection& entry) { reading.entries.push_back(entry); });
+    reading.result = ConnectionList::Read(
+        document, [&reading](const Connection& entry) { reading.entries.push_back(entry); }, room);
     reading.reports = recorder.Reports();
     return reading;
 }
@@ -38,20 +37,24 @@ inline QByteArray WriteList(const std::deque<Connection>& entries)
     return ConnectionList::Write(pointers);
 }
 
+/// A list of `count` default entries, as short as can be.
+inline QByteArray DefaultEntries(int count)
+{
+    return "<ConnectionEntries>" + QByteArray("<Connection/>").repeated(count) + "</ConnectionEntries>";
+}
+
 /// The declaration and the root element around `content`.
 inline QByteArray InRoot(const QByteArray& content)
 {
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<ConnectionEntries>" + content + "</ConnectionEntries>\n";
 }
 
-/// The trace message for a document with an XML error: the place and the reason that Qt's own parser reports.
+/// The trace message for a document with an XML error: the place and the reason that the parser reports.
 inline QString ParserMessage(const QByteArray& document)
 {
-    QXmlStreamReader xml(document);
-    while (!xml.atEnd()) {
+    BoundedXmlReader xml(document);
+    while (!xml.atEnd())
         xml.readNext();
-        RefuseEntityDeclarations(xml);
-    }
     return QStringLiteral("XML parsing error occurred in row %1 column %2. \"%3\"")
         .arg(QString::number(xml.lineNumber()), QString::number(xml.columnNumber()), xml.errorString());
 }

@@ -1,6 +1,8 @@
+#include "platform/config/documentfile.h"
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/support/testmain.h"
+#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QRandomGenerator>
@@ -58,6 +60,11 @@ private slots:
     void documentOfDefaultEntry();
     void textIsUtf8();
     void markupInNameIsWrittenUnchanged();
+
+    void longListIsOneDocument();
+    void writtenSizeIsExact_data();
+    void writtenSizeIsExact();
+    void everyListThatCanBeStoredCanBeRead();
 
     void entriesReadBackInOrderWithStatusAndSelection();
     void numbersReadBack_data();
@@ -126,6 +133,60 @@ void TestConnectionList::markupInNameIsWrittenUnchanged()
     const QByteArray document = WriteList({NamedEntry(name)});
     QVERIFY(document.contains("<ConnectionName><![CDATA[A&B <b>\"x\"</b> 'y' &amp; <!-- z -->]]></ConnectionName>"));
     QCOMPARE(ReadList(document).entries.at(0).ConnectionName, name);
+}
+
+void TestConnectionList::longListIsOneDocument()
+{
+    // More entries than are written at once.
+    std::deque<Connection> entries;
+    QByteArray expected = WriteList({NamedEntry(QStringLiteral("%"))});
+    const qsizetype begin = expected.indexOf("  <Connection>");
+    const QByteArray entry = expected.sliced(begin, expected.indexOf("</ConnectionEntries>") - begin);
+    QByteArray content;
+    for (int i = 0; i < 3001; ++i) {
+        entries.push_back(NamedEntry(QString::number(i)));
+        content += QByteArray(entry).replace("%", QByteArray::number(i));
+    }
+    QCOMPARE(WriteList(entries), expected.replace(entry, content));
+}
+
+void TestConnectionList::writtenSizeIsExact_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("letters") << QStringLiteral("abc");
+    QTest::newRow("two, three and four bytes") << QStringLiteral(u"\u0080\u07FF\u0800\uFFFD\U0001F4E1");
+    QTest::newRow("markup") << QStringLiteral("<a&b>\"'");
+    QTest::newRow("ends of sections") << QStringLiteral("]]>]]]>]]>>");
+    QTest::newRow("line breaks") << QStringLiteral("\r\n\r\r]]\r>\t");
+    QTest::newRow("invalid characters") << Units({0, u'a', 1, 0xFFFE, 0xD83D, 0xDCE1, 0xDCE1, 0xD83D});
+}
+
+void TestConnectionList::writtenSizeIsExact()
+{
+    QFETCH(const QString, text);
+    Connection entry = TextEntry(text);
+    const qsizetype frame = 2 * WriteList({entry}).size() - WriteList({entry, entry}).size();
+    QCOMPARE(ConnectionList::WrittenSize(entry), WriteList({entry}).size() - frame);
+    entry.Selected = false;
+    entry.DeviceType = 0;
+    entry.LinkSpeed = std::numeric_limits<int>::min();
+    entry.TimeoutSeconds = -10;
+    QCOMPARE(ConnectionList::WrittenSize(entry), WriteList({entry}).size() - frame);
+}
+
+void TestConnectionList::everyListThatCanBeStoredCanBeRead()
+{
+    Connection shortest;
+    shortest.ConnectionName.clear();
+    shortest.Selected = true;
+    const qint64 largestList = kLargestDocument / 2;
+    QVERIFY(largestList / ConnectionList::WrittenSize(shortest) < ConnectionList::kRoomForOwnList.entries);
+    // Each entry has eleven elements. A carriage return takes the least bytes per reference.
+    QVERIFY(11 * ConnectionList::kRoomForOwnList.entries + 1 < XmlLimits().nodes);
+    const qint64 before = ConnectionList::WrittenSize(shortest);
+    shortest.Subsystem = QStringLiteral("\r");
+    QVERIFY(largestList / (ConnectionList::WrittenSize(shortest) - before) < XmlLimits().references);
 }
 
 void TestConnectionList::entriesReadBackInOrderWithStatusAndSelection()

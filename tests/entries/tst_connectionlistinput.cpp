@@ -49,6 +49,9 @@ private slots:
     void truncatedAnywhere();
     void noTraceWhileTracesAreOff();
 
+    void entriesWithoutRoomAreAnXmlError_data();
+    void entriesWithoutRoomAreAnXmlError();
+
     void encodings_data();
     void encodings();
 
@@ -82,10 +85,9 @@ void TestConnectionListInput::tolerantOfUnknownStructure_data()
         << a;
     QTest::newRow("case of the element name") << InRoot("<connection/><CONNECTION/>" + Named("a")) << a;
     QTest::newRow("unknown elements around") << InRoot("<Header>x</Header>" + Named("a") + "<Trailer/>") << a;
-    QTest::newRow("document type")
-        << "<!DOCTYPE ConnectionEntries [<!ELEMENT ConnectionEntries ANY>]><ConnectionEntries>" + Named("a") +
-               "</ConnectionEntries>"
-        << a;
+    QTest::newRow("document type") << "<!DOCTYPE ConnectionEntries SYSTEM 'list.dtd'><ConnectionEntries>" + Named("a") +
+                                          "</ConnectionEntries>"
+                                   << a;
     QTest::newRow("document order") << InRoot(Named("b") + Named("a"))
                                     << QStringList{QStringLiteral("b"), QStringLiteral("a")};
 }
@@ -270,7 +272,7 @@ void TestConnectionListInput::xmlErrorKeepsEarlierEntries_data()
                                                "</ConnectionEntries>"
                                         << none;
     QTest::newRow("entity declaration inside a field")
-        << InRoot(Named("before<!DOCTYPE a [<!ENTITY e \"x\">]>&e;")) << QStringList{QStringLiteral("before")};
+        << InRoot(Named("before<!DOCTYPE a [<!ENTITY e \"x\">]>&e;")) << none;
 }
 
 void TestConnectionListInput::xmlErrorKeepsEarlierEntries()
@@ -324,6 +326,44 @@ void TestConnectionListInput::noTraceWhileTracesAreOff()
     QVERIFY(recorder.Reports().isEmpty());
 }
 
+void TestConnectionListInput::entriesWithoutRoomAreAnXmlError_data()
+{
+    QTest::addColumn<ConnectionList::Room>("room");
+    QTest::addColumn<std::size_t>("read");
+    QTest::addColumn<QString>("error");
+    constexpr qint64 kAny = 1'000'000;
+    const qint64 size = WriteList({SampleEntry(1), SampleEntry(2), SampleEntry(3)}).size();
+    const auto tooMany = QStringLiteral(" column 14. \"The list would have too many entries.\"");
+    const auto tooLarge = QStringLiteral(" column 15. \"The list would be too large.\"");
+    QTest::newRow("as many entries") << ConnectionList::Room{3, kAny} << std::size_t{3} << QString();
+    QTest::newRow("one entry too many") << ConnectionList::Room{2, kAny} << std::size_t{2} << tooMany;
+    QTest::newRow("full") << ConnectionList::Room{0, kAny} << std::size_t{0} << tooMany;
+    QTest::newRow("more than full") << ConnectionList::Room{-5, kAny} << std::size_t{0} << tooMany;
+    QTest::newRow("as many bytes") << ConnectionList::Room{kAny, size} << std::size_t{3} << QString();
+    QTest::newRow("one byte too many") << ConnectionList::Room{kAny, size - 1} << std::size_t{2} << tooLarge;
+    QTest::newRow("no bytes") << ConnectionList::Room{kAny, 0} << std::size_t{0} << tooLarge;
+    QTest::newRow("own list") << ConnectionList::kRoomForOwnList << std::size_t{3} << QString();
+}
+
+void TestConnectionListInput::entriesWithoutRoomAreAnXmlError()
+{
+    QFETCH(const ConnectionList::Room, room);
+    QFETCH(const std::size_t, read);
+    QFETCH(const QString, error);
+    const Reading reading = ReadList(WriteList({SampleEntry(1), SampleEntry(2), SampleEntry(3)}), room);
+    QCOMPARE(reading.result, error.isEmpty());
+    QCOMPARE(reading.entries.size(), read);
+    for (std::size_t i = 0; i < read; ++i)
+        QCOMPARE(Fields(reading.entries[i]), Fields(SampleEntry(static_cast<int>(i) + 1)));
+    QCOMPARE(reading.reports.size(), error.isEmpty() ? 0 : 1);
+    if (error.isEmpty())
+        return;
+    // Of an entry that is too large the error is at its end, of one too many at its start.
+    const int row = 3 + 12 * static_cast<int>(read) + (error.contains(QLatin1String("too large")) ? 11 : 0);
+    QVERIFY2(IsXmlErrorTrace(reading.reports, QStringLiteral("XML parsing error occurred in row %1").arg(row) + error),
+             qPrintable(reading.reports.first().message));
+}
+
 void TestConnectionListInput::encodings_data()
 {
     QTest::addColumn<QByteArray>("document");
@@ -355,17 +395,17 @@ void TestConnectionListInput::deepNestingIsRead_data()
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<bool>("result");
-    const QByteArray open = QByteArray("<x>").repeated(100'000);
-    const QByteArray close = QByteArray("</x>").repeated(100'000);
+    const QByteArray open = QByteArray("<x>").repeated(900);
+    const QByteArray close = QByteArray("</x>").repeated(900);
     const QStringList a{QStringLiteral("a")};
     QTest::newRow("around an entry") << InRoot(open + Named("a") + close) << a << true;
     QTest::newRow("inside an entry") << InRoot(Entry(open + "<ConnectionName>a</ConnectionName>" + close)) << a << true;
     QTest::newRow("inside a field") << InRoot(Named("a" + open + close)) << a << true;
     QTest::newRow("never closed") << InRoot(Named("a") + open) << a << false;
     QTest::newRow("never closed inside a field") << InRoot(Named("a" + open)) << a << false;
-    QTest::newRow("entries in entries") << QByteArray("<Connection>").repeated(100'000) +
+    QTest::newRow("entries in entries") << QByteArray("<Connection>").repeated(900) +
                                                "<ConnectionName>a</ConnectionName>" +
-                                               QByteArray("</Connection>").repeated(100'000)
+                                               QByteArray("</Connection>").repeated(900)
                                         << a << true;
 }
 

@@ -29,6 +29,10 @@ private slots:
     void dropWithoutEntriesIsRefused();
     void dropKeepsEntriesBeforeXmlError();
     void dropOfOwnRowsAppendsCopies();
+    void dropCountsTheRowsOfTheList();
+    void dropCountsTheSizeOfTheList();
+    void longestListIsExportedAndReadAgain();
+    void longerListIsRefusedButRestored();
     void toByteArrayHasAllRowsInOrder();
     void fromByteArrayReplacesAndResetsStatus();
     void fromByteArrayKeepsEntriesBeforeXmlError();
@@ -178,6 +182,64 @@ void TestConnectionsModelDocuments::dropOfOwnRowsAppendsCopies()
     QCOMPARE(model.rowCount(), 4);
     QCOMPARE(Fields(model.GetConnection(2)), Fields(SampleEntry(0)));
     QCOMPARE(Fields(model.GetConnection(3)), Fields(SampleEntry(1)));
+}
+
+void TestConnectionsModelDocuments::dropCountsTheRowsOfTheList()
+{
+    // Without a model tester, which takes long for so many rows.
+    ConnectionsModel model(nullptr, QString());
+    QVERIFY(model.FromByteArray(DefaultEntries(ConnectionList::kMaximumEntries - 2)));
+    QVERIFY(!model.IsFull());
+    const TraceRecorder recorder;
+    QVERIFY(Drop(model, PlainText(DefaultEntries(1)).get()));
+    QVERIFY(recorder.Reports().isEmpty());
+    QVERIFY(!Drop(model, PlainText(DefaultEntries(2)).get()));
+    QVERIFY(IsXmlErrorTrace(recorder.Reports(), QStringLiteral("XML parsing error occurred in row 1 column 45. "
+                                                               "\"The list would have too many entries.\"")));
+    // As at any XML error, what comes before it is kept.
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries);
+    QVERIFY(model.IsFull());
+    QVERIFY(!Drop(model, PlainText(DefaultEntries(1)).get()));
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries);
+}
+
+void TestConnectionsModelDocuments::dropCountsTheSizeOfTheList()
+{
+    ConnectionsModel model(nullptr, QString());
+    Connection large;
+    large.ConnectionName = QString(ConnectionList::kMaximumSize - 2000, u'a');
+    model.AddConnection(large);
+    const TraceRecorder recorder;
+    QVERIFY(Drop(model, PlainText(DefaultEntries(1)).get()));
+    QVERIFY(!Drop(model, PlainText(DefaultEntries(10)).get()));
+    QCOMPARE(recorder.Reports().size(), 1);
+    QVERIFY(recorder.Reports().first().message.endsWith(QLatin1String("\"The list would be too large.\"")));
+    QVERIFY(model.ToByteArray().size() <= ConnectionList::kMaximumSize);
+    QVERIFY(model.ToByteArray().size() > ConnectionList::kMaximumSize - 1000);
+}
+
+void TestConnectionsModelDocuments::longestListIsExportedAndReadAgain()
+{
+    ConnectionsModel model(nullptr, QString());
+    QVERIFY(model.FromByteArray(DefaultEntries(ConnectionList::kMaximumEntries)));
+    const QByteArray exported = model.ToByteArray();
+    QVERIFY(exported.size() <= ConnectionList::kMaximumSize);
+    QVERIFY(model.FromByteArray(exported));
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries);
+}
+
+void TestConnectionsModelDocuments::longerListIsRefusedButRestored()
+{
+    ConnectionsModel model(nullptr, QString());
+    const QByteArray document = DefaultEntries(ConnectionList::kMaximumEntries + 1);
+    const TraceRecorder recorder;
+    QVERIFY(!model.FromByteArray(document));
+    QCOMPARE(recorder.Reports().size(), 1);
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries);
+    QVERIFY(model.RestoreByteArray(document));
+    QCOMPARE(recorder.Reports().size(), 1);
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries + 1);
+    QVERIFY(model.IsFull());
 }
 
 void TestConnectionsModelDocuments::toByteArrayHasAllRowsInOrder()

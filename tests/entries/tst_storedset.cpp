@@ -55,6 +55,7 @@ private slots:
 
     void firstStartIsEmpty();
     void constructorLoadsSetWithStatusFree();
+    void longSetIsNotCutOff();
     void destructorStoresSet();
     void storedValueIsHexOfDocument();
     void emptyModelStoresEmptyDocument();
@@ -91,6 +92,15 @@ void TestStoredSet::constructorLoadsSetWithStatusFree()
     const ConnectionsModel model(nullptr, kName);
     QCOMPARE(AllFields(model),
              (QList<QStringList>{FreeFields(SampleEntry(3)), FreeFields(SampleEntry(1)), FreeFields(SampleEntry(2))}));
+}
+
+void TestStoredSet::longSetIsNotCutOff()
+{
+    ConfigNodes::StoreSet(DefaultEntries(ConnectionList::kMaximumEntries + 1));
+    const TraceRecorder recorder;
+    const ConnectionsModel model(nullptr, kName);
+    QCOMPARE(model.rowCount(), ConnectionList::kMaximumEntries + 1);
+    QVERIFY(recorder.Reports().isEmpty());
 }
 
 void TestStoredSet::destructorStoresSet()

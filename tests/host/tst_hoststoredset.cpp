@@ -55,6 +55,10 @@ void TestHostStoredSet::entriesAreCounted_data()
     QTest::newRow("no entry") << ListOf(0) << State::Whole << 0;
     QTest::newRow("one") << ListOf(1) << State::Whole << 1;
     QTest::newRow("many") << ListOf(1000) << State::Whole << 1000;
+    QTest::newRow("more than can be imported")
+        << "<r>" + QByteArray("<Connection/>").repeated(200'001) + "</r>" << State::Whole << 200'001;
+    QTest::newRow("more than can be stored")
+        << "<r>" + QByteArray("<Connection/>").repeated(320'001) + "</r>" << State::Malformed << 320'000;
     QTest::newRow("another root, deeper")
         << QByteArray("<r><s><Connection/></s><Connection/></r>") << State::Whole << 2;
     QTest::newRow("one within another") << QByteArray("<r><Connection><Connection></Connection></Connection></r>")

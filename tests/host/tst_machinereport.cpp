@@ -88,6 +88,8 @@ void TestMachineReport::reportMatchesWhatThePluginReads_data()
     QTest::newRow("machine breaks off") << Application("A", "a") + "<B><C></B>" + Application("D", "d")
                                         << Mapping("4", "A") + Mapping("9", "D");
     QTest::newRow("mapping breaks off") << Application("A", "a") << Mapping("4", "A") + "</x>" + Mapping("9", "A");
+    QTest::newRow("too many elements") << QByteArray(Application("A", "a") + QByteArray("<A/>").repeated(100'000))
+                                       << Mapping("4", "A");
     QTest::newRow("entities") << QByteArray("&x;") + Application("A", "a") << Mapping("4", "A");
 }
 

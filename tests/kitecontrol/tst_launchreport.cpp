@@ -55,6 +55,7 @@ private slots:
     void missingDirectoryIsReported();
     void emptyDirectoryIsReported();
     void recordsAreReadFromDirectory();
+    void largeDocumentIsNotRead();
 };
 
 void TestLaunchReport::oneMatchingRecord()
@@ -288,6 +289,29 @@ void TestLaunchReport::recordsAreReadFromDirectory()
     QCOMPARE(records.records.size(), std::size_t(2));
     QCOMPARE(records.records[0].m_sStationName, QStringLiteral("A"));
     QCOMPARE(records.records[1].m_sDeviceType, QStringLiteral("Heron"));
+}
+
+void TestLaunchReport::largeDocumentIsNotRead()
+{
+    const QTemporaryDir store;
+    QVERIFY(CfgCenter::Open(store.path()));
+    ICfg* document = ConfigNodes::LegacyDocument();
+    document->SetString(QStringLiteral("ConnectionCount"), QStringLiteral("1"), 0);
+    const auto fill = [&](qsizetype size) {
+        document->SetString(QStringLiteral("Padding"), QString(size, u'a'), 0);
+        return CfgCenter::SaveDocument();
+    };
+    QVERIFY(fill(LegacyRecords::kMaximumSize - 1000));
+    CfgCenter::Close();
+    QCOMPARE(LegacyRecords::FromDirectory(store.path()).records.size(), std::size_t(1));
+
+    QVERIFY(CfgCenter::Open(store.path()));
+    document = ConfigNodes::LegacyDocument();
+    QVERIFY(fill(LegacyRecords::kMaximumSize));
+    CfgCenter::Close();
+    const LegacyRecords records = LegacyRecords::FromDirectory(store.path());
+    QVERIFY(records.records.empty());
+    QCOMPARE(records.problem, QStringLiteral("the records are too large to be read"));
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestLaunchReport)

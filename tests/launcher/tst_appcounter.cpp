@@ -251,8 +251,7 @@ void TestAppCounter::machineElementIsFoundAnywhere_data()
     QTest::newRow("elements before and after") << s("<x><B><C/></B><Machine><A/></Machine><D><E/></D></x>") << s("A");
     QTest::newRow("case matters") << s("<x><machine><B/></machine><Machine><A/></Machine></x>") << s("A");
     QTest::newRow("only the first") << s("<x><Machine><A/></Machine><Machine><B/></Machine></x>") << s("A");
-    QTest::newRow("with a document type")
-        << s("<!DOCTYPE x [<!ELEMENT x ANY>]><x><Machine><A/></Machine></x>") << s("A");
+    QTest::newRow("with a document type") << s("<!DOCTYPE x SYSTEM 'x.dtd'><x><Machine><A/></Machine></x>") << s("A");
 }
 
 void TestAppCounter::machineElementIsFoundAnywhere()

@@ -1,7 +1,10 @@
 #include "userinterface/kitecontrol/legacyrecords.h"
 
 #include "platform/cfgcenter.h"
+#include "platform/configversions.h"
 #include "platform/icfg.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -17,13 +20,17 @@ LegacyRecords LegacyRecords::FromDirectory(const QString& directory)
         result.problem = QStringLiteral("the configuration directory does not exist");
         return result;
     }
+    const QString name = QStringLiteral("KiteResources/ConnectData");
+    const bool isTooLarge = QFileInfo(ConfigVersions(View::Shared, name).DocumentFile()).size() > kMaximumSize;
     bool isReadable = true;
     CfgCenter::SetNoticeSink([&isReadable](const QString& /*notice*/) { isReadable = false; });
-    result.records =
-        FromDocument(CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString()));
+    if (!isTooLarge)
+        result.records = FromDocument(CfgCenter::CreateCfg(name, View::Shared, QString()));
     CfgCenter::SetNoticeSink({});
     CfgCenter::Close();
-    if (result.records.empty()) {
+    if (isTooLarge) {
+        result.problem = QStringLiteral("the records are too large to be read");
+    } else if (result.records.empty()) {
         result.problem = isReadable ? QStringLiteral("the configuration holds no records")
                                     : QStringLiteral("the records cannot be read");
     }

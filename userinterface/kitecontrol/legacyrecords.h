@@ -13,6 +13,8 @@ struct LegacyRecords
 {
     /// At most this many are read, whatever count the configuration claims.
     static constexpr int kMaximumCount = 100'000;
+    /// Larger documents are not read, because that would take seconds. This one has some 70,000 records.
+    static constexpr qint64 kMaximumSize = qint64{32} * 1024 * 1024; // bytes
 
     QString configuration; ///< directory of the configuration; empty if unknown
     QString problem;       ///< why there are no records; empty if they were read

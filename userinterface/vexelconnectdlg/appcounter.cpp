@@ -5,6 +5,7 @@
 #include "platform/icfg.h"
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
+#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
@@ -12,7 +13,6 @@
 
 #include <QDir>
 #include <QMessageBox>
-#include <QXmlStreamReader>
 
 #include <optional>
 #include <utility>
@@ -86,7 +86,7 @@ void AppCounter::UpdateInstalledApps()
     if (m_sMappingFilePath.isEmpty())
         m_sMappingFilePath = dataDirectory + QStringLiteral("/TypeApplicationMappings.xml");
 
-    QXmlStreamReader reader(*document);
+    BoundedXmlReader reader(*document, kMachineFileLimits);
     if (!ReadMachine(reader))
         TracePath(__LINE__, "AppCounter::UpdateInstalledApps(): Could not parse %1", machineFilePath);
 }
@@ -95,7 +95,7 @@ void AppCounter::UpdateTypeDeviceMappings()
 {
     m_typeTable.clear();
     if (const std::optional<QByteArray> document = ReadRegularFile(m_sMappingFilePath)) {
-        QXmlStreamReader reader(*document);
+        BoundedXmlReader reader(*document, kMachineFileLimits);
         if (!ReadTypeApplicationMappings(reader))
             TracePath(__LINE__, "AppCounter::UpdateTypeDeviceMappings(): Could not parse %1", m_sMappingFilePath);
     } else {

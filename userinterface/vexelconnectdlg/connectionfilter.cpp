@@ -195,6 +195,15 @@ QVariant ConnectionFilterModel::headerData(int section, Qt::Orientation orientat
     return QSortFilterProxyModel::headerData(section, orientation, role);
 }
 
+bool ConnectionFilterModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                                         const QModelIndex& parent)
+{
+    setDynamicSortFilter(false);
+    const bool isDropped = QSortFilterProxyModel::dropMimeData(data, action, row, column, parent);
+    setDynamicSortFilter(true);
+    return isDropped;
+}
+
 void ConnectionFilterModel::UpdateBounds() const
 {
     const QRegularExpression expression = filterRegularExpression();

@@ -39,6 +39,7 @@ struct FilterSettings
 ///   the same height, and a text of a megabyte would slow down every layout. Editing, filtering and sorting use the
 ///   whole text.
 /// - The tick and its header, which have no text, have one for screen readers.
+/// - Dropped entries are sorted in all at once. One by one, a hundred thousand would take many seconds.
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
     Q_DECLARE_TR_FUNCTIONS(ConnectionFilterModel)
@@ -48,6 +49,8 @@ public:
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                      const QModelIndex& parent) override;
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;

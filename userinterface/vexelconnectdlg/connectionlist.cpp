@@ -1,12 +1,15 @@
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
+#include "platform/config/documentfile.h"
 #include "platform/tracing.h"
-#include "userinterface/vexelconnectdlg/xmlguard.h"
+#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 
 #include <QDomDocument>
-#include <QXmlStreamReader>
 
 #include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <span>
 
 namespace {
 
@@ -16,6 +19,9 @@ const QString kEntryElement = QStringLiteral("Connection");
 // The fixed source location of the trace, by which the product's trace analysis identifies it.
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/connectionsmodel";
 constexpr quint16 kXmlErrorLine = 612;
+
+// The rest is for editing, and for the other values in the document.
+static_assert(2 * ConnectionList::kMaximumSize <= kLargestDocument / 4 * 3);
 
 bool IsXmlCharacter(char16_t unit)
 {
@@ -46,7 +52,7 @@ QString RemoveInvalidXmlCharacters(const QString& text)
 class Writer
 {
 public:
-    QByteArray Write(const std::vector<const Connection*>& entries)
+    QByteArray Write(std::span<const Connection* const> entries)
     {
         m_document.appendChild(m_document.createProcessingInstruction(
             QStringLiteral("xml"), QStringLiteral("version=\"1.0\" encoding=\"utf-8\"")));
@@ -117,20 +123,59 @@ private:
     QDomDocument m_document;
 };
 
+/// Returns the bytes that the writer takes for `value`.
+qint64 WrittenTextSize(const QString& value)
+{
+    const QString text = RemoveInvalidXmlCharacters(value);
+    qint64 size = 0;
+    for (const QChar unit : text)
+        if (unit.unicode() < 0x80)
+            size += 1;
+        else if (unit.unicode() < 0x800 || unit.isSurrogate()) // of a pair, which takes 4
+            size += 2;
+        else
+            size += 3;
+    return size + text.count(QLatin1String("]]>")) * QByteArrayView("]]><![CDATA[").size() +
+           text.count(u'\r') * (QByteArrayView("]]>&#xd;<![CDATA[").size() - 1);
+}
+
+/// The bytes that the writer takes for everything but the values.
+struct FixedSizes
+{
+    qint64 ofEntry = 0;
+    qint64 ofList = 0; ///< besides its entries
+
+    static const FixedSizes& Get()
+    {
+        static const FixedSizes sizes = [] {
+            Connection plain;
+            plain.ConnectionName.clear();
+            const std::array<const Connection*, 2> entries{&plain, &plain};
+            const qint64 one = Writer().Write(std::span(entries).first(1)).size();
+            const qint64 two = Writer().Write(entries).size();
+            const qint64 ofValues = QByteArrayView("40000false").size();
+            return FixedSizes{two - one - ofValues, one - (two - one)};
+        }();
+        return sizes;
+    }
+};
+
 class Reader
 {
 public:
-    Reader(const QByteArray& document, const ConnectionList::Consumer& consumer)
+    Reader(const QByteArray& document, const ConnectionList::Consumer& consumer, const ConnectionList::Room& room)
         : m_xml(document)
         , m_consumer(consumer)
+        , m_room(room)
     {
+        m_room.bytes -= FixedSizes::Get().ofList;
     }
 
     bool Read()
     {
         bool anyEntry = false;
         while (!m_xml.atEnd()) {
-            ReadNext();
+            m_xml.readNext();
             if (m_xml.isStartElement() && m_xml.name() == kEntryElement) {
                 anyEntry = true;
                 ReadEntry();
@@ -144,23 +189,25 @@ public:
     }
 
 private:
-    void ReadNext()
-    {
-        m_xml.readNext();
-        RefuseEntityDeclarations(m_xml);
-    }
-
     void ReadEntry()
     {
+        if (--m_room.entries < 0) {
+            m_xml.raiseError(QStringLiteral("The list would have too many entries."));
+            return;
+        }
         Connection entry;
         while (!m_xml.atEnd()) {
-            ReadNext();
+            m_xml.readNext();
             if (m_xml.isEndElement() && m_xml.name() == kEntryElement)
                 break;
             if (m_xml.isStartElement())
                 ReadField(entry);
         }
-        m_consumer(entry);
+        m_room.bytes -= ConnectionList::WrittenSize(entry);
+        if (m_room.bytes >= 0)
+            m_consumer(entry);
+        else if (!m_xml.hasError())
+            m_xml.raiseError(QStringLiteral("The list would be too large."));
     }
 
     void ReadField(Connection& entry)
@@ -188,23 +235,8 @@ private:
             entry.Subsystem = ReadText();
     }
 
-    /// Returns the text of the current element, without that of unknown elements inside it, which are not errors. Not
-    /// readElementText(): QXmlStreamReader accepts a document type anywhere, and each token must be checked for one.
-    QString ReadText()
-    {
-        QString text;
-        int depth = 0; // of unknown elements
-        while (!m_xml.atEnd()) {
-            ReadNext();
-            if (m_xml.isStartElement())
-                ++depth;
-            else if (m_xml.isEndElement() && --depth < 0)
-                break;
-            else if (depth == 0 && (m_xml.isCharacters() || m_xml.isEntityReference()))
-                text += m_xml.text();
-        }
-        return text;
-    }
+    /// Returns the text of the current element, without that of unknown elements inside it, which are not errors.
+    QString ReadText() { return m_xml.readElementText(QXmlStreamReader::SkipChildElements); }
 
     int ReadNumber() { return ReadText().toInt(); }
 
@@ -219,8 +251,9 @@ private:
             });
     }
 
-    QXmlStreamReader m_xml;
+    BoundedXmlReader m_xml;
     const ConnectionList::Consumer& m_consumer;
+    ConnectionList::Room m_room;
 };
 
 } // namespace
@@ -234,12 +267,34 @@ QString MimeType()
 
 QByteArray Write(const std::vector<const Connection*>& entries)
 {
-    return Writer().Write(entries);
+    // In parts: the tree of the longest list would take a gigabyte.
+    constexpr std::size_t kPartLength = 1000;
+    constexpr QByteArrayView kEnd("</ConnectionEntries>\n");
+    std::span<const Connection* const> rest(entries);
+    QByteArray document = Writer().Write(rest.first(std::min(kPartLength, rest.size())));
+    while (rest.size() > kPartLength) {
+        rest = rest.subspan(kPartLength);
+        const QByteArray part = Writer().Write(rest.first(std::min(kPartLength, rest.size())));
+        document.chop(kEnd.size());
+        document += QByteArrayView(part).sliced(FixedSizes::Get().ofList - kEnd.size());
+    }
+    return document;
 }
 
-bool Read(const QByteArray& document, const Consumer& consumer)
+qint64 WrittenSize(const Connection& entry)
 {
-    return Reader(document, consumer).Read();
+    qint64 size = FixedSizes::Get().ofEntry;
+    for (const QString& text : {entry.ConnectionName, entry.DeviceAddress, entry.DriverAddress, entry.Subsystem})
+        size += WrittenTextSize(text);
+    for (const int number :
+         {entry.DeviceType, entry.ConnectionType, entry.LinkSpeed, entry.TimeoutSeconds, entry.ConnectionStatus})
+        size += QString::number(number).size();
+    return size + (entry.Selected ? 4 : 5);
+}
+
+bool Read(const QByteArray& document, const Consumer& consumer, const Room& room)
+{
+    return Reader(document, consumer, room).Read();
 }
 
 } // namespace ConnectionList

@@ -4,7 +4,6 @@
 #include "platform/icfg.h"
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/columnhelp.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QIcon>
 #include <QMimeData>
@@ -291,8 +290,17 @@ bool ConnectionsModel::dropMimeData(const QMimeData* data, Qt::DropAction /*acti
 {
     if (!data)
         return false;
-    return ConnectionList::Read(data->data(ConnectionList::MimeType()),
-                                [this](const Connection& entry) { AddConnection(entry); });
+    ConnectionList::Room room;
+    room.entries -= rowCount();
+    for (const std::unique_ptr<Connection>& entry : m_connections)
+        room.bytes -= ConnectionList::WrittenSize(*entry);
+    return Append(data->data(ConnectionList::MimeType()), room);
+}
+
+bool ConnectionsModel::Append(const QByteArray& document, const ConnectionList::Room& room)
+{
+    return ConnectionList::Read(
+        document, [this](const Connection& entry) { AddConnection(entry); }, room);
 }
 
 bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
@@ -399,6 +407,11 @@ bool ConnectionsModel::AddConnection(const Connection& connection)
     return true;
 }
 
+bool ConnectionsModel::IsFull() const
+{
+    return rowCount() >= ConnectionList::kMaximumEntries;
+}
+
 Connection ConnectionsModel::GetConnection(int row) const
 {
     return *m_connections[static_cast<std::size_t>(row)];
@@ -463,6 +476,14 @@ bool ConnectionsModel::FromByteArray(const QByteArray& document)
     return read;
 }
 
+bool ConnectionsModel::RestoreByteArray(const QByteArray& document)
+{
+    removeRows(0, rowCount());
+    const bool read = Append(document, ConnectionList::kRoomForOwnList);
+    ResetConnectionStatus();
+    return read;
+}
+
 bool ConnectionsModel::GetConfiguration()
 {
     if (objectName().isEmpty()) {
@@ -474,7 +495,7 @@ bool ConnectionsModel::GetConfiguration()
     }
     const auto storedSet = OpenStoredSet(objectName());
     const QString hex = storedSet->GetString(kStoredSetKey, QStringLiteral(""), 0);
-    FromByteArray(QByteArray::fromHex(hex.toLatin1()));
+    RestoreByteArray(QByteArray::fromHex(hex.toLatin1()));
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "userinterface/vexelconnectdlg/connection.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QAbstractTableModel>
 #include <QIcon>
@@ -47,15 +48,18 @@ public:
     /// owns it.
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
     /// Appends the entries of a connection list document. On an XML error, which is traced, keeps the entries read so
-    /// far. Returns true if at least one entry was read and there was no error.
+    /// far. A list that would become larger than the largest one (see `ConnectionList`) is such an error. Returns true
+    /// if at least one entry was read and there was no error.
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
     /// The range must exist.
     bool removeRows(int row, int count, const QModelIndex& parent = QModelIndex()) override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-    /// Appends a copy of `connection`, including status and selection. Always returns true.
+    /// Appends a copy of `connection`, including status and selection. Always returns true: callers check `IsFull`.
     bool AddConnection(const Connection& connection);
+    /// Returns whether the list has as many entries as a list may have.
+    bool IsFull() const;
     /// Returns a copy of the entry at `row`, which must exist.
     Connection GetConnection(int row) const;
 
@@ -78,6 +82,9 @@ public:
     QByteArray ToByteArray() const;
     /// Replaces all entries by those of a document, with status "Free". Handles errors and returns like `dropMimeData`.
     bool FromByteArray(const QByteArray& document);
+    /// Same, for a document that this model has written: no list is ever cut off, even if editing has made it larger
+    /// than one that can be imported.
+    bool RestoreByteArray(const QByteArray& document);
 
     /// Load all entries from the configuration or store them there. Return false, with a trace, only if the object name
     /// is empty.
@@ -104,6 +111,7 @@ private:
     /// Returns the entry of `index`; null if the index is outside the table or belongs to another model.
     const Connection* EntryAt(const QModelIndex& index) const;
     void SetStatus(int row, int status);
+    bool Append(const QByteArray& document, const ConnectionList::Room& room);
     /// Moves the marked entries after the others; both keep their order.
     void MoveToEnd(const std::vector<bool>& marked);
 

@@ -3,6 +3,7 @@
 #include "userinterface/vexelconnectdlg/xmlelement.h"
 
 #include <QRegularExpression>
+#include <QXmlStreamReader>
 
 namespace {
 
@@ -25,18 +26,18 @@ int ParameterCount(const QString& text)
 bool MachineConfiguration::Read(QXmlStreamReader& reader)
 {
     while (!reader.atEnd()) {
-        ReadToken(reader);
+        reader.readNext();
         if (reader.isStartElement() && reader.name() == u"Machine")
             break;
     }
     if (reader.atEnd())
         return false;
 
-    while (ReadNextChild(reader))
+    while (reader.readNextStartElement())
         ReadApplication(reader);
     // There are no further applications, but there may be an error.
     while (!reader.atEnd())
-        ReadToken(reader);
+        reader.readNext();
     return true;
 }
 
@@ -48,7 +49,7 @@ void MachineConfiguration::ReadApplication(QXmlStreamReader& reader)
     bool startupSeen = false;
     int depth = 1;
     while (!reader.atEnd()) {
-        ReadToken(reader);
+        reader.readNext();
         if (reader.isEndElement()) {
             if (--depth == 0)
                 return;
@@ -68,7 +69,7 @@ void MachineConfiguration::ReadStartup(QXmlStreamReader& reader, const QString& 
     // By index, the executable at 0. A map, because the file may contain any index; those above the count are ignored.
     QMap<int, QString> slotTexts;
     int count = 0;
-    while (ReadNextChild(reader)) {
+    while (reader.readNextStartElement()) {
         const QString name = reader.name().toString();
         const QString text = ReadElementText(reader);
         if (name == u"exe") {

@@ -22,8 +22,9 @@ public:
     static constexpr int kMaximumParameterCount = 1000;
     static constexpr int kMaximumSlotCount = 100'000;
 
-    /// Reads up to the end of the document or the first XML error; check `reader.hasError()`. Adds to the existing
-    /// names and start lists. Returns whether the document has a "Machine" element.
+    /// Reads up to the end of the document or the first XML error; check `reader.hasError()`. For an untrusted
+    /// document, `reader` must be a `BoundedXmlReader`. Adds to the existing names and start lists. Returns whether the
+    /// document has a "Machine" element.
     bool Read(QXmlStreamReader& reader);
 
     /// The applications in document order.

@@ -2,6 +2,9 @@
 
 #include "userinterface/vexelconnectdlg/xmlelement.h"
 
+#include <QHash>
+#include <QXmlStreamReader>
+
 #include <utility>
 
 namespace {
@@ -16,7 +19,7 @@ struct Mapping
 Mapping ReadMapping(QXmlStreamReader& reader)
 {
     Mapping mapping;
-    while (ReadNextChild(reader)) {
+    while (reader.readNextStartElement()) {
         if (reader.name() == u"DeviceType") {
             bool isNumber = false;
             const int deviceType = ReadElementText(reader).toInt(&isNumber);
@@ -24,7 +27,7 @@ Mapping ReadMapping(QXmlStreamReader& reader)
         } else if (reader.name() == u"Application") {
             mapping.application = ReadElementText(reader);
         } else {
-            SkipElement(reader);
+            reader.skipCurrentElement();
         }
     }
     return mapping;
@@ -58,7 +61,7 @@ bool TypeMapping::Read(QXmlStreamReader& reader, const QMap<QString, QStringList
     bool lastKept = false;
     int depth = 0; // of open elements from "TypeApplicationMappings" on; 0 outside it
     while (!reader.atEnd()) {
-        ReadToken(reader);
+        reader.readNext();
         if (reader.isEndElement() && depth > 0) {
             --depth;
         } else if (reader.isStartElement() && depth > 0 && reader.name() == u"Mapping") {
@@ -81,16 +84,17 @@ QMap<int, QStringList> TypeMapping::ServingApplications(QStringList applications
                                                         const QMap<QString, QStringList>& startLists,
                                                         const QMap<int, QString>& executables)
 {
-    QMap<int, QStringList> serving;
     // The machine configuration may list an application twice.
     applications.removeDuplicates();
+    QHash<QString, QStringList> byExecutable;
     for (const QString& application : std::as_const(applications)) {
         const QStringList startList = startLists.value(application);
-        if (startList.isEmpty())
-            continue;
-        for (auto type = executables.cbegin(); type != executables.cend(); ++type)
-            if (type.value() == startList.constFirst())
-                serving[type.key()].append(application);
+        if (!startList.isEmpty())
+            byExecutable[startList.constFirst()].append(application);
     }
+    QMap<int, QStringList> serving;
+    for (auto type = executables.cbegin(); type != executables.cend(); ++type)
+        if (const auto found = byExecutable.constFind(type.value()); found != byExecutable.cend())
+            serving.insert(type.key(), *found);
     return serving;
 }

@@ -23,7 +23,8 @@ enum class Outcome {
 using Observer = std::function<void(int deviceType, const QString& application, Outcome outcome)>;
 
 /// Reads up to the end of the document or the first XML error (check `reader.hasError()`) and adds each mapping to
-/// `executables`, by device type; a later one replaces an earlier one.
+/// `executables`, by device type; a later one replaces an earlier one. For an untrusted document, `reader` must be a
+/// `BoundedXmlReader`.
 ///
 /// A mapping contains an executable (a text with ".exe" in it) or an application, whose executable is the first element
 /// of its list in `startLists`. Mappings with any other `Outcome` than `Kept` are dropped.

@@ -221,7 +221,10 @@ void VexelConnectDlgGUI::SlotClose()
 
 void VexelConnectDlgGUI::SlotNew()
 {
-    m_pModel->AddConnection(Connection());
+    if (m_pModel->IsFull())
+        ShowInfo(tr("The list is full.\n\nPlease delete entries before you add a new one."));
+    else
+        m_pModel->AddConnection(Connection());
 }
 
 void VexelConnectDlgGUI::SlotEdit()
@@ -331,8 +334,8 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
         Trace(
             kTraceSource, kNothingToReadLine,
             [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
-    } else if (const std::optional<QByteArray> document = ReadRegularFile(fileName)) {
-        if (LoadEntries(*document))
+    } else if (const auto document = ReadRegularFile(fileName, ConnectionList::kMaximumSize)) {
+        if (LoadEntries([&] { return m_pModel->FromByteArray(*document); }))
             return true;
     } else {
         Trace(
@@ -355,15 +358,15 @@ void VexelConnectDlgGUI::RollBackImport()
 {
     if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt)) {
         setProperty(kEntriesBeforeImport, QVariant());
-        LoadEntries(*entries);
+        LoadEntries([&] { return m_pModel->RestoreByteArray(*entries); });
     }
 }
 
-bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
+bool VexelConnectDlgGUI::LoadEntries(const std::function<bool()>& load)
 {
     // The model inserts entries one by one. Sorting each in would take quadratic time, so sort once at the end.
     m_pProxyModel->setDynamicSortFilter(false);
-    const bool loaded = m_pModel->FromByteArray(document);
+    const bool loaded = load();
     m_pProxyModel->setDynamicSortFilter(true);
     // The statuses changed while the filter was not dynamic.
     SlotUpdateFilter();

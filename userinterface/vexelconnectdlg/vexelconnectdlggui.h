@@ -8,6 +8,7 @@
 #include <QList>
 #include <QModelIndex>
 
+#include <functional>
 #include <optional>
 
 class AppCounter;
@@ -31,9 +32,9 @@ public:
     VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model, AppCounter* appCounter);
     ~VexelConnectDlgGUI() override;
 
-    /// Replaces all entries by those of the file. On failure, shows a message box and keeps the entries, except that
-    /// their statuses become "Free" and characters that XML does not allow are removed. Returns whether the entries
-    /// were replaced.
+    /// Replaces all entries by those of the file. On failure, also if the list would be larger than the largest one
+    /// (see `ConnectionList`), shows a message box and keeps the entries, except that their statuses become "Free" and
+    /// characters that XML does not allow are removed. Returns whether the entries were replaced.
     bool Import(const QString& fileName);
     /// Restores the entries from before a failed import whose message box is still open. Until the box is closed the
     /// list has the entries read from the file, possibly none. Call before storing the list. Does nothing at other
@@ -76,7 +77,7 @@ private:
     void UpdateFilterColumns();
     void DistributeColumns();
     void SetUpHeaders();
-    bool LoadEntries(const QByteArray& document);
+    bool LoadEntries(const std::function<bool()>& load);
     void ShowInfo(const QString& text);
 
     std::optional<QByteArray> m_entriesBeforeImport; // while the message box about a failed import is open
