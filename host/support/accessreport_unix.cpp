@@ -130,7 +130,8 @@ void Access::Check(const QString& path, const QString& written)
     if (!status || (!S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode)))
         return;
     const bool isWritable = CanOthersWrite(*status, m_user);
-    if (!isWritable && (status->st_mode & (S_IRWXG | S_IRWXO)) == 0)
+    const mode_t others = IsGroupOfUser(status->st_gid, m_user) ? S_IRWXO : S_IRWXG | S_IRWXO;
+    if (!isWritable && (status->st_mode & others) == 0)
         return;
     if (!CanOthersReach(path)) {
         m_others.append(Row(path, *status,

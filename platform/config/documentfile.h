@@ -9,7 +9,7 @@
 
 #include <optional>
 
-/// The largest document that is read or written, in bytes. The largest list that can be imported takes half of it.
+/// The largest document that is read or written, in bytes. The largest list takes three quarters of it.
 constexpr qint64 kLargestDocument = qint64{256} * 1024 * 1024;
 
 /// What reading a document's file, or one of its versions, gave.

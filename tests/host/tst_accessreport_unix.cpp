@@ -1,5 +1,6 @@
 #include "host/support/accessreport.h"
 #include "host/support/supportreport.h"
+#include "host/system/otherusers_unix.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
 
@@ -20,10 +21,16 @@ constexpr uid_t kOtherUser = 12345;
 const QString kWritten = QStringLiteral("OTHERS CAN WRITE the configuration, which decides what programs are started");
 const QString kReplaced = QStringLiteral(
     "OTHERS CAN REPLACE \"%1\" in it, and so the configuration, which decides what programs are started");
+constexpr gid_t kOtherGroup = 65534;
 const QString kClosed = QStringLiteral("others could read it, but a folder above keeps them out");
 
+/// A mode that lets the group in is about another group than the user's own, if this user may set one.
 void SetMode(const QString& name, mode_t mode)
 {
+    if ((mode & S_IRWXG) != 0 &&
+        ::chown(QFile::encodeName(name).constData(), static_cast<uid_t>(-1), kOtherGroup) != 0 &&
+        IsGroupOfUser(::getegid(), ::geteuid()))
+        QSKIP("This user cannot give a file to another group.");
     QCOMPARE(::chmod(QFile::encodeName(name).constData(), mode), 0);
 }
 
@@ -68,6 +75,7 @@ private slots:
     void privateFilesAreNotListed();
     void wideModeIsListed_data();
     void wideModeIsListed();
+    void groupOfTheUserIsNobodyElse();
     void writableFilesAreListedFirst();
     void closedFolderAboveIsConsidered();
     void replaceableFolderIsListed_data();
@@ -160,6 +168,14 @@ void TestAccessReportUnix::wideModeIsListed()
     QStringList rows = Rows();
     rows.removeIf([](const QString& one) { return one.contains(QLatin1String(" 0711 ")); });
     QCOMPARE(rows, QStringList(Row(file, mode, access)));
+}
+
+void TestAccessReportUnix::groupOfTheUserIsNobodyElse()
+{
+    if (!IsGroupOfUser(::getegid(), ::geteuid()))
+        QSKIP("This user has no group of the same name.");
+    QCOMPARE(::chmod(QFile::encodeName(Path("outer/config")).constData(), 0770), 0);
+    QCOMPARE(Rows(), QStringList());
 }
 
 void TestAccessReportUnix::writableFilesAreListedFirst()
