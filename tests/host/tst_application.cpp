@@ -78,6 +78,7 @@ private slots:
     void saveNowSavesAtOnce();
     void quitEndsTheHost();
     void closingWithoutATrayEndsTheHost();
+    void closingThatCannotSaveAsks_data();
     void closingThatCannotSaveAsks();
     void damagedConfigurationIsShownInABox();
     void trayMenuIsTranslated();
@@ -210,11 +211,28 @@ void TestApplication::closingWithoutATrayEndsTheHost()
     QVERIFY(host.HasStored("Close mast"));
 }
 
+void TestApplication::closingThatCannotSaveAsks_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("failure");
+    QTest::addColumn<QString>("advice");
+    QTest::newRow("English") << QStringLiteral("en_GB") << QStringLiteral("The configuration could not be saved.")
+                             << QStringLiteral("keep the list with \"Export...\" in another folder.");
+    QTest::newRow("German") << QStringLiteral("de_DE")
+                            << QStringLiteral("Die Konfiguration konnte nicht gespeichert werden.")
+                            << QStringLiteral("mit \"Exportieren...\" in einem anderen Ordner.");
+}
+
+// It says why, and what to do.
 void TestApplication::closingThatCannotSaveAsks()
 {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         QSKIP("There is a tray here.");
+    QFETCH(const QString, language);
+    QFETCH(const QString, failure);
+    QFETCH(const QString, advice);
     Host host;
+    host.options.language = QLocale(language);
     // The one above it cannot be taken away everywhere, since a file in it is open.
     const QString folder = host.options.configDirectory + QStringLiteral("/application");
     const QString aside = host.directory.filePath(QStringLiteral("aside"));
@@ -241,7 +259,11 @@ void TestApplication::closingThatCannotSaveAsks()
         },
         true);
     QCOMPARE(asked.size(), 1);
-    QVERIFY2(asked.constFirst().contains(QLatin1String("could not be saved")), qPrintable(asked.constFirst()));
+    const QStringList paragraphs = asked.constFirst().split(QStringLiteral("\n\n"));
+    QCOMPARE(paragraphs.size(), 4); // the last one says what is lost
+    QCOMPARE(paragraphs.at(0), failure);
+    QVERIFY2(paragraphs.at(1).contains(folder + QStringLiteral(" cannot be created")), qPrintable(paragraphs.at(1)));
+    QVERIFY2(paragraphs.at(2).endsWith(advice), qPrintable(paragraphs.at(2)));
     QCOMPARE(code, ExitCode::Done);
     QVERIFY(host.HasStored("Kept mast"));
 }
