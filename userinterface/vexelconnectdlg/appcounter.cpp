@@ -241,7 +241,8 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry, int servedType) 
                     QMessageBox::Ok);
     // Names may contain markup.
     box.setTextFormat(Qt::PlainText);
-    // No member access after this: this object may be deleted while the box is open.
+    // No member access after this: the host may destroy the instance, and with it this object, while the box is open.
+    connect(this, &QObject::destroyed, &box, &QDialog::reject);
     box.exec();
 }
 

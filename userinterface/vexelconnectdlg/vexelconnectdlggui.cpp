@@ -25,6 +25,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QScrollBar>
 #include <QUrl>
 
@@ -48,6 +49,22 @@ QString UriListType()
 QString FileFilter()
 {
     return QStringLiteral("*.xml");
+}
+
+/// Asks for a file. Returns an empty name if the user cancels, and none if `parent` is destroyed meanwhile, which the
+/// static functions of QFileDialog do not survive.
+std::optional<QString> AskForFile(QWidget* parent, const QString& title, QFileDialog::AcceptMode mode)
+{
+    const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, QString(), FileFilter());
+    dialog->setSupportedSchemes({QStringLiteral("file")});
+    dialog->setAcceptMode(mode);
+    dialog->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    const bool isAccepted = dialog->exec() == QDialog::Accepted;
+    if (!dialog)
+        return std::nullopt;
+    const QString fileName = isAccepted ? dialog->selectedFiles().value(0) : QString();
+    delete dialog;
+    return fileName;
 }
 
 } // namespace
@@ -98,11 +115,18 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
 VexelConnectDlgGUI::~VexelConnectDlgGUI()
 {
     StoreFilterSettings();
+    // The model stores the entries next.
+    RollBackImport();
     // Destroying the window commits an open editor. This object must not handle the change any more.
     disconnect(m_pModel, nullptr, this, nullptr);
     m_pModel = nullptr;
     m_pProxyModel = nullptr;
     m_pDelegate = nullptr;
+    // An open box may have been chosen from the menu, which accesses itself when the choice has been handled.
+    if (findChild<QDialog*>(QString(), Qt::FindDirectChildrenOnly)) {
+        m_pContextMenu->setParent(nullptr);
+        m_pContextMenu->deleteLater();
+    }
     m_pContextMenu = nullptr;
 }
 
@@ -198,7 +222,9 @@ void VexelConnectDlgGUI::SlotConnect()
 {
     hide();
     WriteLegacyConnectData();
-    for (int row = 0; row < m_pModel->rowCount(); ++row) {
+    // The host may destroy the instance while a message box is open.
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    for (int row = 0; guard && row < m_pModel->rowCount(); ++row) {
         const Connection entry = m_pModel->GetConnection(row);
         if (entry.Selected && entry.ConnectionStatus == Connection::Free)
             m_pAppCounter->ConnectTo(entry);
@@ -310,12 +336,14 @@ void VexelConnectDlgGUI::SlotDataChanged(QModelIndex topLeft, QModelIndex bottom
 
 void VexelConnectDlgGUI::SlotImport()
 {
-    Import(QFileDialog::getOpenFileName(this, tr("Import Connection Settings"), QString(), FileFilter()));
+    if (const auto fileName = AskForFile(this, tr("Import Connection Settings"), QFileDialog::AcceptOpen))
+        Import(*fileName);
 }
 
 void VexelConnectDlgGUI::SlotExport()
 {
-    Export(QFileDialog::getSaveFileName(this, tr("Export Connection Settings"), QString(), FileFilter()));
+    if (const auto fileName = AskForFile(this, tr("Export Connection Settings"), QFileDialog::AcceptSave))
+        Export(*fileName);
 }
 
 bool VexelConnectDlgGUI::Import(const QString& fileName)
@@ -340,10 +368,12 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     }
     m_entriesBeforeImport = backup;
     setProperty(kEntriesBeforeImport, backup); // for a host that saves meanwhile
+    const QPointer<VexelConnectDlgGUI> guard(this);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
-    RollBackImport();
+    if (guard)
+        RollBackImport();
     return false;
 }
 
@@ -428,8 +458,13 @@ void VexelConnectDlgGUI::showEvent(QShowEvent* event)
 
 void VexelConnectDlgGUI::ShowInfo(const QString& text)
 {
-    QMessageBox box(QMessageBox::Information, tr("Info"), text, QMessageBox::Ok, this);
+    // Not on the stack: the host may destroy the instance, and with it the dialog and its children, while the box is
+    // open.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(QMessageBox::Information, tr("Info"), text, QMessageBox::Ok, this);
     // File names may contain markup.
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    box->setTextFormat(Qt::PlainText);
+    box->exec();
+    // No member access after this.
+    delete box;
 }
