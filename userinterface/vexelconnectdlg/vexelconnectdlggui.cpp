@@ -29,6 +29,7 @@
 #include <QScrollBar>
 #include <QUrl>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -49,6 +50,20 @@ QString UriListType()
 QString FileFilter()
 {
     return QStringLiteral("*.xml");
+}
+
+/// Returns whether an open modal window blocks `window`. One that belongs to another window does not.
+bool IsBlocked(const QWidget& window)
+{
+    const QWidgetList others = QApplication::topLevelWidgets();
+    return std::any_of(others.begin(), others.end(), [&window](const QWidget* other) {
+        if (other == &window || !other->isVisible() || !other->isModal())
+            return false;
+        const QWidget* owner = other;
+        while (owner && owner != &window)
+            owner = owner->parentWidget();
+        return owner || other->windowModality() == Qt::ApplicationModal;
+    });
 }
 
 /// Asks for a file. Returns an empty name if the user cancels, and none if `parent` is destroyed meanwhile, which the
@@ -287,10 +302,20 @@ void VexelConnectDlgGUI::SlotShowFilter(bool bShow)
 
 void VexelConnectDlgGUI::SlotUpdateFilter()
 {
-    const QString pattern = m_pFilterPatternLineEdit->text();
+    ApplyFilter();
+    UpdateFilterSign();
+}
+
+void VexelConnectDlgGUI::ApplyFilter()
+{
     m_pProxyModel->setFilterKeyColumn(m_pFilterColumnComboBox->currentIndex());
-    m_pProxyModel->setFilterRegularExpression(FilterExpression(pattern, m_pRegExpComboBox->currentIndex()));
-    m_pFilterActiveLabel->setVisible(!m_pFilterFrame->isVisible() && !pattern.isEmpty());
+    m_pProxyModel->setFilterRegularExpression(
+        FilterExpression(m_pFilterPatternLineEdit->text(), m_pRegExpComboBox->currentIndex()));
+}
+
+void VexelConnectDlgGUI::UpdateFilterSign()
+{
+    m_pFilterActiveLabel->setVisible(!m_pFilterFrame->isVisible() && !m_pFilterPatternLineEdit->text().isEmpty());
 }
 
 void VexelConnectDlgGUI::RestoreFilterSettings()
@@ -392,7 +417,7 @@ bool VexelConnectDlgGUI::LoadEntries(const QByteArray& document)
     const bool loaded = m_pModel->FromByteArray(document);
     m_pProxyModel->setDynamicSortFilter(true);
     // The statuses changed while the filter was not dynamic.
-    SlotUpdateFilter();
+    ApplyFilter();
     return loaded;
 }
 
@@ -433,21 +458,30 @@ void VexelConnectDlgGUI::dropEvent(QDropEvent* event)
         event->ignore();
         return;
     }
-    event->acceptProposedAction();
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.isEmpty())
-        ShowInfo(tr("Not enough files dropped.\n\nPlease drop at least one file."));
-    else if (urls.size() > 1)
-        ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
-    else if (!QApplication::activeModalWidget()) {
-        // Not while a message box is open: its text about the entries would become wrong.
-        Import(urls.first().toLocalFile());
+    // Not while a message box may tell about the entries: its text would become wrong.
+    if (urls.size() == 1 && IsBlocked(*this)) {
+        event->ignore();
+        return;
     }
+    event->acceptProposedAction();
+    const auto handle = [this, urls] {
+        if (urls.isEmpty())
+            ShowInfo(tr("Not enough files dropped.\n\nPlease drop at least one file."));
+        else if (urls.size() > 1)
+            ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
+        else
+            Import(urls.first().toLocalFile());
+    };
+    // The program from which the files come waits until this event has been handled, however long a box is open.
+    QMetaObject::invokeMethod(this, handle, event->spontaneous() ? Qt::QueuedConnection : Qt::DirectConnection);
 }
 
 void VexelConnectDlgGUI::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
+    // The frame does not count as visible while the dialog is hidden.
+    UpdateFilterSign();
     GuiBase& guiBase = GuiBase::Instance();
     if (!guiBase.GetMainWidget()) {
         guiBase.SetMainWidget(this);

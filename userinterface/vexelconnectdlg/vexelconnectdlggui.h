@@ -74,6 +74,8 @@ private:
     void SynchronizeScrollBars();
     void FillFilterColumns();
     void UpdateFilterColumns();
+    void ApplyFilter();
+    void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
     bool LoadEntries(const QByteArray& document);
