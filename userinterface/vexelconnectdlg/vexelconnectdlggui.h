@@ -39,7 +39,8 @@ public:
     /// list has the entries read from the file, possibly none. Call before storing the list. Does nothing at other
     /// times.
     void RollBackImport();
-    /// Writes all entries to the file. On failure, which is only traced, the file is unchanged.
+    /// Writes all entries to the file. On failure, which is only traced, the file is unchanged; see
+    /// `ReplaceRegularFile` for the exceptions.
     void Export(const QString& fileName);
 
     /// Writes all entries to the configuration, as the legacy records of the user-interface applications, and saves it.
