@@ -490,6 +490,26 @@ void VexelConnectDlgGUI::showEvent(QShowEvent* event)
     show();
 }
 
+void VexelConnectDlgGUI::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    // Spontaneous if the user minimises the window.
+    if (event->type() == QEvent::WindowStateChange && isMinimized() && !event->spontaneous()) {
+        m_bStayMinimized = true;
+        QMetaObject::invokeMethod(
+            this, [this] { m_bStayMinimized = false; }, Qt::QueuedConnection);
+    }
+}
+
+void VexelConnectDlgGUI::setVisible(bool visible)
+{
+    // Qt leaves a minimised window minimised. showMinimized() sets the state before it calls this.
+    if (visible && isMinimized() && !m_bStayMinimized)
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    QDialog::setVisible(visible);
+    m_bStayMinimized = false;
+}
+
 void VexelConnectDlgGUI::ShowInfo(const QString& text)
 {
     // Not on the stack: the host may destroy the instance, and with it the dialog and its children, while the box is

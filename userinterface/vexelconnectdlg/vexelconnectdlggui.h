@@ -49,6 +49,9 @@ public:
     void StoreFilterSettings();
     void RestoreFilterSettings();
 
+    /// Also shows a minimised dialog as it was before.
+    void setVisible(bool visible) override;
+
 public slots:
     void SlotNew();
     void SlotEdit();
@@ -69,6 +72,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void SetUpViews();
@@ -83,6 +87,7 @@ private:
     void ShowInfo(const QString& text);
 
     std::optional<QByteArray> m_entriesBeforeImport; // while the message box about a failed import is open
+    bool m_bStayMinimized = false;                   // the next setVisible() is that of showMinimized()
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;
