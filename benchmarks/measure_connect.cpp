@@ -111,7 +111,8 @@ void StartBare(benchmark::State& state, int count)
     // With the arguments that the product gives.
     const Connection entry = TickedEntry(0);
     const QStringList arguments =
-        ApplicationArguments(QStringLiteral("App1"), entry, Connection::ApplicationDeviceType(entry.DeviceType));
+        ApplicationCommandLine(QStringLiteral("App1"), entry, Connection::ApplicationDeviceType(entry.DeviceType))
+            .arguments;
     for (auto iteration : state) {
         std::vector<std::unique_ptr<QProcess>> processes;
         state.SetIterationTime(Runner::Seconds([&] {

@@ -40,6 +40,16 @@ function(vexel_windows_runtime)
         file(COPY ${file} DESTINATION ${VEXEL_OUTPUT_ROOT}/plugins/${folder})
         install(FILES ${file} DESTINATION plugins/${folder})
     endforeach()
+    # Qt's own texts in the languages of the product. Qt for Windows is built without them, and the files are the same on
+    # every system.
+    find_file(VEXEL_QT_TRANSLATION qtbase_de.qm PATHS ${qt_programs}/../translations /usr/share/qt6/translations
+        NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+    if(VEXEL_QT_TRANSLATION)
+        file(COPY ${VEXEL_QT_TRANSLATION} DESTINATION ${VEXEL_OUTPUT_ROOT}/${VEXEL_TRANSLATIONDIR})
+        install(FILES ${VEXEL_QT_TRANSLATION} DESTINATION ${VEXEL_TRANSLATIONDIR})
+    else()
+        message(WARNING "qtbase_de.qm was not found: Qt's buttons and file dialogs will be English in every language.")
+    endif()
     if(VEXEL_BUILD_TESTS)
         file(COPY ${qt_programs}/Qt6Test.dll DESTINATION ${VEXEL_OUTPUT_ROOT}/tests)
     endif()

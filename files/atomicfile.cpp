@@ -13,7 +13,9 @@
 #include <QScopeGuard>
 #include <QTemporaryFile>
 
+#include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 namespace {
@@ -45,6 +47,48 @@ void RemoveMatching(QDir folder, const QString& mark)
     for (const QString& name : names)
         if (form.match(name).hasMatch())
             folder.remove(name);
+}
+
+/// Writes `data` at `offset`. Returns the number of bytes written; if that is not all, the file has an error text.
+qint64 WriteAt(QFile& file, qint64 offset, const QByteArray& data)
+{
+    qint64 written = 0;
+    if (!file.seek(offset))
+        return written;
+    while (written < data.size()) {
+        const qint64 count = file.write(data.constData() + written, data.size() - written);
+        if (count <= 0)
+            break;
+        written += count;
+    }
+    return written;
+}
+
+/// Overwrites an existing file in place. Returns why that failed; none if the file cannot be opened. If the disk is
+/// full or a write fails, the former content is put back. If this process ends half-way, it is lost.
+std::optional<QString> WriteInPlace(const QString& name, const QByteArray& content)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
+        return std::nullopt;
+    const qint64 formerSize = file.size();
+    const QByteArray former = file.read(std::min<qint64>(formerSize, content.size()));
+    if (former.size() != std::min<qint64>(formerSize, content.size()))
+        return file.errorString();
+
+    // What exceeds the former size comes first: only that needs room, and the former content is still there.
+    const QByteArray excess = content.mid(former.size());
+    QString error;
+    if (WriteAt(file, former.size(), excess) != excess.size()) {
+        error = file.errorString();
+        return file.resize(formerSize) ? error : QStringLiteral("%1; it has grown").arg(error);
+    }
+    const qint64 written = WriteAt(file, 0, content.left(former.size()));
+    if (written == former.size() && file.resize(content.size()))
+        return QString();
+    error = file.errorString();
+    const bool isRestored = WriteAt(file, 0, former.left(written)) == written && file.resize(formerSize);
+    return isRestored ? error : QStringLiteral("%1; its former content is lost").arg(error);
 }
 
 } // namespace
@@ -105,7 +149,11 @@ QString ReplaceRegularFile(const QString& file, const QByteArray& content, FileA
     const QFileInfo former(file);
     if (former.exists() && !former.isFile())
         return QStringLiteral("not a regular file");
-    return WriteWithRetries(file, content, access);
+    const QString error = WriteWithRetries(file, content, access);
+    // Its folder may allow neither a new file nor the replacement of this one.
+    if (error.isEmpty() || !former.exists())
+        return error;
+    return WriteInPlace(file, content).value_or(error);
 }
 
 QString CreationObstacle(const QString& folder, const QByteArray& content)

@@ -24,6 +24,10 @@ Attempt WriteAtomically(const QString& file, const QByteArray& content, FileAcce
 QString WriteWithRetries(const QString& file, const QByteArray& content, FileAccess access, bool* isDurable = nullptr);
 
 /// Same, of a file that the user named: does not replace a pipe or a device by a regular file.
+///
+/// If the file can be written, but its folder does not allow to replace it, the content is written in place, which is
+/// not atomic: the former content is put back if the disk is full or a write fails, but it is lost if this process is
+/// killed or the power fails half-way, and other programs may read part of both.
 QString ReplaceRegularFile(const QString& file, const QByteArray& content, FileAccess access = FileAccess::Shared);
 
 /// Returns why no file with `content` can be created in `folder`, for the user; empty if one can. Creates a temporary

@@ -25,18 +25,22 @@
 
 namespace {
 
-/// Registers the host's translations for its lifetime.
-class HostTranslation
+/// Registers a translation domain for its lifetime.
+class Translation
 {
 public:
-    HostTranslation() { TranslationCenter::Instance().Register(m_domain); }
-    ~HostTranslation() { TranslationCenter::Instance().Unregister(m_domain); }
+    explicit Translation(QString domain)
+        : m_domain(std::move(domain))
+    {
+        TranslationCenter::Instance().Register(m_domain);
+    }
+    ~Translation() { TranslationCenter::Instance().Unregister(m_domain); }
 
-    HostTranslation(const HostTranslation&) = delete;
-    HostTranslation& operator=(const HostTranslation&) = delete;
+    Translation(const Translation&) = delete;
+    Translation& operator=(const Translation&) = delete;
 
 private:
-    const QString m_domain = QStringLiteral("vexelhost");
+    const QString m_domain;
 };
 
 } // namespace
@@ -98,7 +102,11 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
     SetUpEnvironment();
     if (m_options.language)
         TranslationCenter::Instance().SetLocale(*m_options.language);
-    const HostTranslation translation;
+    // What a headless host prints about its work stays in one language.
+    std::optional<Translation> toolkitTexts;
+    if (!m_options.IsHeadless())
+        toolkitTexts.emplace(QStringLiteral("qtbase"));
+    const Translation ownTexts(QStringLiteral("vexelhost"));
     if (!m_options.dataDirectory.isEmpty())
         DataDirectory::Set(m_options.dataDirectory);
     // The list would look empty, and exporting it could overwrite a good file. The error has already been printed.

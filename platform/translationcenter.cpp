@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QLibraryInfo>
 #include <QTranslator>
 
 #include <map>
@@ -76,6 +77,8 @@ void TranslationCenter::Register(const QString& domain)
         d->directory.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/" VEXEL_BIN_TO_TRANSLATIONS)
                                : d->directory;
     entry.translator = LoadTranslator(domain, d->locale, directory);
+    if (!entry.translator)
+        entry.translator = LoadTranslator(domain, d->locale, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
     if (entry.translator)
         QCoreApplication::installTranslator(entry.translator.get());
 }

@@ -14,8 +14,9 @@ public:
 
     static TranslationCenter& Instance();
 
-    /// Loads `domain`_<locale>.qm and installs it. Without such a file the source texts are shown. Registrations are
-    /// counted: a domain stays installed until `Unregister` has been called as often.
+    /// Loads `domain`_<locale>.qm and installs it, from the product's directory or else from Qt's, which has Qt's own
+    /// texts as the domain "qtbase". Without such a file the source texts are shown. Registrations are counted: a
+    /// domain stays installed until `Unregister` has been called as often.
     void Register(const QString& domain);
     /// Undoes one registration of `domain`; the last one removes its translation. Ignores an unknown domain.
     void Unregister(const QString& domain);

@@ -146,6 +146,7 @@ ListCopy ConnectDialog::Copy() const
 
 void ConnectDialog::BringToFront() const
 {
+    m_pWindow->setWindowState(m_pWindow->windowState() & ~Qt::WindowMinimized);
     m_pWindow->show();
     m_pWindow->raise();
     m_pWindow->activateWindow();

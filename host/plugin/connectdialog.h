@@ -79,7 +79,7 @@ public:
     /// Clicks "&Connect". When this returns, the applications have been started.
     void PressConnect() const { m_pConnectButton->click(); }
 
-    /// Shows the dialog in front of other windows.
+    /// Shows the dialog, also a minimised one, in front of other windows.
     void BringToFront() const;
 
 private:

@@ -9,6 +9,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QUrl>
+#include <QWindow>
 
 namespace {
 
@@ -55,6 +56,8 @@ private slots:
     void enterConnects();
     void contextMenuOpensOnRightClick();
     void fileDroppedOnTheTableIsImported();
+    void calledMinimizedDialogIsShown_data();
+    void calledMinimizedDialogIsShown();
 
 private:
     QPoint OnScreen(QTreeView* view, const QString& name, int column)
@@ -200,6 +203,46 @@ void TestDesktopDialog::fileDroppedOnTheTableIsImported()
     QTRY_COMPARE_WITH_TIMEOUT(m_fixture->Names(), QStringList{QStringLiteral("dropped")}, 20000);
     QCOMPARE(source.result, Qt::CopyAction);
     QTRY_COMPARE(rest.state(), QProcess::NotRunning);
+}
+
+void TestDesktopDialog::calledMinimizedDialogIsShown_data()
+{
+    QTest::addColumn<bool>("byUser");
+    QTest::addColumn<bool>("isMaximized");
+    QTest::newRow("by the program") << false << false;
+    QTest::newRow("by the user") << true << false;
+    QTest::newRow("by the user, maximised") << true << true;
+}
+
+void TestDesktopDialog::calledMinimizedDialogIsShown()
+{
+    QFETCH(bool, byUser);
+    QFETCH(bool, isMaximized);
+    QDialog* const dialog = m_fixture->dialog;
+    QWidget other; // gets the keyboard
+    other.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    if (isMaximized)
+        dialog->showMaximized();
+    QTRY_COMPARE(dialog->isMaximized(), isMaximized);
+    for (int call = 0; call < 2; ++call) {
+        if (byUser)
+            Desktop::Do({QStringLiteral("windowminimize"), QString::number(dialog->winId())});
+        else
+            dialog->showMinimized();
+        QTRY_VERIFY(dialog->isMinimized());
+        QTRY_VERIFY(!dialog->windowHandle()->isExposed());
+        other.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+
+        // As the starter calls it.
+        dialog->show();
+        dialog->activateWindow();
+        QTRY_VERIFY(dialog->windowHandle()->isExposed());
+        QTRY_VERIFY(dialog->isActiveWindow());
+        QVERIFY(!dialog->isMinimized());
+        QCOMPARE(dialog->isMaximized(), isMaximized);
+    }
 }
 
 VEXEL_TEST(QTEST_MAIN, TestDesktopDialog)

@@ -60,6 +60,8 @@ private slots:
     void dropOfOtherThanOneFileIsReported_data();
     void dropOfOtherThanOneFileIsReported();
     void dropOfRemoteUrlIsReported();
+    void dropIsRefusedOnlyWhileBlocked_data();
+    void dropIsRefusedOnlyWhileBlocked();
     void dropDuringImportBox();
     void importDuringImportBox_data();
     void importDuringImportBox();
@@ -497,6 +499,42 @@ void TestDialogFiles::dropOfRemoteUrlIsReported()
         QCOMPARE(boxes.Count(), 1);
         QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("a")});
     }
+}
+
+void TestDialogFiles::dropIsRefusedOnlyWhileBlocked_data()
+{
+    QTest::addColumn<Qt::WindowModality>("modality");
+    QTest::addColumn<bool>("ofTheDialog");
+    QTest::addColumn<bool>("refused");
+    QTest::newRow("modal to another window") << Qt::WindowModal << false << false;
+    QTest::newRow("modal to the dialog") << Qt::WindowModal << true << true;
+    QTest::newRow("modal to all windows") << Qt::ApplicationModal << false << true;
+    QTest::newRow("not modal") << Qt::NonModal << true << false;
+}
+
+void TestDialogFiles::dropIsRefusedOnlyWhileBlocked()
+{
+    QFETCH(Qt::WindowModality, modality);
+    QFETCH(bool, ofTheDialog);
+    QFETCH(bool, refused);
+    m_fixture->Build();
+    m_fixture->Add({Entry("old")});
+    m_fixture->Show();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(m_fixture->WriteFile(QStringLiteral("list.xml"), ThreeEntries()))});
+
+    QWidget other;
+    other.show();
+    QMessageBox box(ofTheDialog ? static_cast<QWidget*>(m_fixture->dialog) : &other);
+    box.setWindowModality(modality);
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    QCOMPARE(DialogFixture::Drop(m_fixture->dialog, data), !refused);
+    QCOMPARE(m_fixture->Names().size(), refused ? 1 : 3);
+
+    box.close();
+    QVERIFY(DialogFixture::Drop(m_fixture->dialog, data));
+    QCOMPARE(m_fixture->Names().size(), 3);
 }
 
 void TestDialogFiles::dropDuringImportBox()

@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QSignalSpy>
 
+#include <functional>
+
 /// The filter widgets: column, pattern, search mode, the label of an active filter, and the stored settings.
 class TestDialogFilter : public QObject
 {
@@ -24,6 +26,8 @@ private slots:
     void showingFilterSelectsPattern();
     void activeLabelShowsHiddenFilter();
     void activeLabelCountsFrameOfHiddenDialogAsHidden();
+    void activeLabelNeverShowsWithTheFrame_data();
+    void activeLabelNeverShowsWithTheFrame();
     void hidingFrameKeepsFilter();
 
     void settingsAreRestored();
@@ -179,6 +183,45 @@ void TestDialogFilter::activeLabelCountsFrameOfHiddenDialogAsHidden()
     QVERIFY(ActiveLabel()->isHidden());
     Pattern()->setText(QStringLiteral("x"));
     QVERIFY(!ActiveLabel()->isHidden());
+}
+
+void TestDialogFilter::activeLabelNeverShowsWithTheFrame_data()
+{
+    // Something that happens while the dialog is hidden.
+    QTest::addColumn<std::function<void(DialogFixture&)>>("happens");
+    const auto row = [](const char* name, const std::function<void(DialogFixture&)>& happens) {
+        QTest::newRow(name) << happens;
+    };
+    row(
+        "import",
+        [](DialogFixture& fixture) {
+            const QByteArray list = fixture.model->ToByteArray();
+            QVERIFY(fixture.dialog->Import(fixture.WriteFile(QStringLiteral("list.xml"), list)));
+        });
+    row("other pattern", [](DialogFixture& fixture) {
+        fixture.Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("y"));
+    });
+    row("frame shown again", [](DialogFixture& fixture) {
+        fixture.Action("m_pFilterAction")->setChecked(false);
+        fixture.Action("m_pFilterAction")->setChecked(true);
+    });
+}
+
+void TestDialogFilter::activeLabelNeverShowsWithTheFrame()
+{
+    QFETCH(const std::function<void(DialogFixture&)>, happens);
+    m_fixture->Build();
+    m_fixture->Add({Entry("x")});
+    m_fixture->Show();
+    m_fixture->Action("m_pFilterAction")->setChecked(true);
+    Pattern()->setText(QStringLiteral("x"));
+    m_fixture->dialog->hide();
+    happens(*m_fixture);
+    m_fixture->Show();
+    QVERIFY(m_fixture->Find<QFrame>("m_pFilterFrame")->isVisible());
+    QVERIFY(!ActiveLabel()->isVisible());
+    m_fixture->Action("m_pFilterAction")->setChecked(false);
+    QVERIFY(ActiveLabel()->isVisible());
 }
 
 void TestDialogFilter::hidingFrameKeepsFilter()

@@ -52,6 +52,7 @@ private slots:
     void importAndExportNeedAllEntriesFree();
 
     void closeHidesOnly();
+    void showingShowsAMinimizedDialog();
     void firstShowMakesMainWidgetWithStoredSize();
     void otherMainWidgetIsKept();
     void destructorStoresFilter();
@@ -527,6 +528,28 @@ void TestDialogWindow::importAndExportNeedAllEntriesFree()
     openMenu();
     QVERIFY(m_fixture->Action("m_pImportAction")->isEnabled());
     QVERIFY(m_fixture->Action("m_pExportAction")->isEnabled());
+}
+
+void TestDialogWindow::showingShowsAMinimizedDialog()
+{
+    m_fixture->Build();
+    // Shown as minimised, it stays so.
+    m_fixture->dialog->showMinimized();
+    QVERIFY(m_fixture->dialog->isVisible());
+    QVERIFY(m_fixture->dialog->isMinimized());
+    m_fixture->dialog->show();
+    QVERIFY(!m_fixture->dialog->isMinimized());
+
+    m_fixture->dialog->showMinimized();
+    QVERIFY(m_fixture->dialog->isMinimized());
+    m_fixture->dialog->hide();
+    m_fixture->dialog->show();
+    QVERIFY(!m_fixture->dialog->isMinimized());
+
+    m_fixture->dialog->setWindowState(Qt::WindowMinimized);
+    QCoreApplication::processEvents();
+    m_fixture->dialog->show();
+    QVERIFY(!m_fixture->dialog->isMinimized());
 }
 
 void TestDialogWindow::closeHidesOnly()

@@ -7,10 +7,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QDirIterator>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLibraryInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QSessionManager>
@@ -50,6 +54,15 @@ QAction* TrayAction(const QString& text)
     return nullptr;
 }
 
+/// Whether Qt's own texts can be found: installed with Qt, or with the product.
+bool HasTextsOfQt()
+{
+    const QString file = QStringLiteral("/qtbase_de.qm");
+    return QFileInfo::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + file) ||
+           QFileInfo::exists(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/vexel/translations") +
+                             file);
+}
+
 /// Calls `work` once a message box is open.
 void WhenABoxIsOpen(const std::function<void(QMessageBox&)>& work)
 {
@@ -82,6 +95,7 @@ private slots:
     void closingThatCannotSaveAsks();
     void damagedConfigurationIsShownInABox();
     void trayMenuIsTranslated();
+    void buttonsAndFileDialogsAreTranslated();
     void sizeOutlivesTheRun_data();
     void sizeOutlivesTheRun();
     void unusableSizeKeepsTheWindowOnTheScreen_data();
@@ -303,6 +317,28 @@ void TestApplication::trayMenuIsTranslated()
     // And takes it back.
     host.options.language = QLocale(QStringLiteral("en_GB"));
     host.Run([&](const ConnectDialog&) { QVERIFY(TrayAction(QStringLiteral("Quit"))); });
+}
+
+void TestApplication::buttonsAndFileDialogsAreTranslated()
+{
+    if (!HasTextsOfQt())
+        QSKIP("Qt's translations are not installed.");
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    const auto texts = [] {
+        const QMessageBox box(QMessageBox::Question, {}, {}, QMessageBox::Save | QMessageBox::Cancel);
+        const QFileDialog fileDialog;
+        return QStringList{box.button(QMessageBox::Save)->text(), box.button(QMessageBox::Cancel)->text(),
+                           fileDialog.labelText(QFileDialog::FileName)};
+    };
+    const QStringList english = texts();
+    Host host;
+    host.options.language = QLocale(QStringLiteral("de"));
+    QStringList german;
+    host.Run([&](const ConnectDialog&) { german = texts(); });
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false);
+    QCOMPARE(german,
+             (QStringList{QStringLiteral("Speichern"), QStringLiteral("Abbrechen"), QStringLiteral("Datei&name:")}));
+    QCOMPARE(texts(), english);
 }
 
 void TestApplication::sizeOutlivesTheRun_data()

@@ -89,6 +89,7 @@ private slots:
     void trayIsExplainedOnce();
     void connectingWithATrayComesBack();
     void calledFromTheTrayWhileWaiting();
+    void calledFromTheTrayWhileMinimized();
     void lostTrayShowsTheHiddenDialog();
     void lostTrayKeepsTheDialogHiddenWhileInUse();
     void lostTrayKeepsTheShownDialog();
@@ -292,6 +293,16 @@ void TestDialogVisibility::connectingWithATrayComesBack()
     kept.fake.connectButton->click();
     QTRY_VERIFY(kept.fake.isVisible());
     QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::calledFromTheTrayWhileMinimized()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.showMinimized();
+    kept.keeper->ShowDialog();
+    QVERIFY(kept.fake.isVisible());
+    QVERIFY(!kept.fake.isMinimized());
 }
 
 void TestDialogVisibility::calledFromTheTrayWhileWaiting()

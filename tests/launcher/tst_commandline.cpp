@@ -1,13 +1,9 @@
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 
-#include "tests/support/tracerecorder.h"
-
 #include <QTest>
 
 namespace {
-
-const QString kNoPort = QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver");
 
 Connection Entry(int deviceType, int connectionType = 0)
 {
@@ -20,9 +16,14 @@ Connection Entry(int deviceType, int connectionType = 0)
     return entry;
 }
 
+CommandLine MakeCommandLine(const QString& application, const Connection& entry)
+{
+    return ApplicationCommandLine(application, entry, Connection::ApplicationDeviceType(entry.DeviceType));
+}
+
 QStringList Arguments(const QString& application, const Connection& entry)
 {
-    return ApplicationArguments(application, entry, Connection::ApplicationDeviceType(entry.DeviceType));
+    return MakeCommandLine(application, entry).arguments;
 }
 
 } // namespace
@@ -38,10 +39,9 @@ private slots:
     void portIsAddedUnlessPresent();
     void kiteAlphaFinchHasNoDefaultPort_data();
     void kiteAlphaFinchHasNoDefaultPort();
-    void unsupportedTypeIsTraced_data();
-    void unsupportedTypeIsTraced();
+    void unsupportedTypeIsMarked_data();
+    void unsupportedTypeIsMarked();
     void textsAreTakenUnchanged();
-    void noTraceWhileTracesAreOff();
 };
 
 void TestCommandLine::argumentsOfEveryType_data()
@@ -119,17 +119,18 @@ void TestCommandLine::portIsAddedUnlessPresent()
 {
     QFETCH(const QString, address);
     QFETCH(const QString, expected);
-    const TraceRecorder traces;
     Connection entry = Entry(Connection::KiteBravo);
     entry.DriverAddress = address;
-    QCOMPARE(Arguments(QStringLiteral("App"), entry).constLast(), QString(QStringLiteral("Connection=") + expected));
-    QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
+    const CommandLine line = MakeCommandLine(QStringLiteral("App"), entry);
+    QCOMPARE(line.arguments.constLast(), QString(QStringLiteral("Connection=") + expected));
+    QVERIFY(!line.lacksPort);
+    QVERIFY(line.isSupported);
 }
 
 void TestCommandLine::kiteAlphaFinchHasNoDefaultPort_data()
 {
     QTest::addColumn<QString>("address");
-    QTest::addColumn<bool>("traced");
+    QTest::addColumn<bool>("lacksPort");
     QTest::newRow("no port") << QStringLiteral("driver.example") << true;
     QTest::newRow("empty") << QString() << true;
     QTest::newRow("own port") << QStringLiteral("driver.example:1") << false;
@@ -138,38 +139,32 @@ void TestCommandLine::kiteAlphaFinchHasNoDefaultPort_data()
 void TestCommandLine::kiteAlphaFinchHasNoDefaultPort()
 {
     QFETCH(const QString, address);
-    QFETCH(const bool, traced);
-    const TraceRecorder traces;
+    QFETCH(const bool, lacksPort);
     Connection entry = Entry(Connection::KiteAlphaFinch);
     entry.DriverAddress = address;
-    QCOMPARE(Arguments(QStringLiteral("App"), entry),
-             (QStringList{QStringLiteral("App:XMsgDlg.dll"), QStringLiteral("Server"),
-                          QString(QStringLiteral("Connection=") + address)}));
-    QCOMPARE(traces.Messages(), traced ? QStringList(kNoPort) : QStringList());
-    if (traced) {
-        QCOMPARE(traces.Reports().constFirst().sourceFile, QStringLiteral("userinterface/vexelconnectdlg/appcounter"));
-        QCOMPARE(traces.Reports().constFirst().kind, ErrorHandler::Trace);
-    }
+    const CommandLine line = MakeCommandLine(QStringLiteral("App"), entry);
+    QCOMPARE(line.arguments, (QStringList{QStringLiteral("App:XMsgDlg.dll"), QStringLiteral("Server"),
+                                          QString(QStringLiteral("Connection=") + address)}));
+    QCOMPARE(line.lacksPort, lacksPort);
+    QVERIFY(line.isSupported);
 }
 
-void TestCommandLine::unsupportedTypeIsTraced_data()
+void TestCommandLine::unsupportedTypeIsMarked_data()
 {
     QTest::addColumn<int>("deviceType");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("Heron") << 9 << QStringLiteral("Heron");
-    QTest::newRow("Pipit") << 11 << QStringLiteral("Pipit");
-    QTest::newRow("type above the range") << 15 << QStringLiteral("No string representation for ID 15");
-    QTest::newRow("type below the range") << -1 << QStringLiteral("No string representation for ID -1");
+    QTest::newRow("Heron") << 9;
+    QTest::newRow("Pipit") << 11;
+    QTest::newRow("type above the range") << 15;
+    QTest::newRow("type below the range") << -1;
 }
 
-void TestCommandLine::unsupportedTypeIsTraced()
+void TestCommandLine::unsupportedTypeIsMarked()
 {
     QFETCH(const int, deviceType);
-    QFETCH(const QString, text);
-    const TraceRecorder traces;
-    QCOMPARE(Arguments(QStringLiteral("App"), Entry(deviceType, 1)), QStringList(QStringLiteral("App:XMsgDlg.dll")));
-    QCOMPARE(traces.Messages(QStringLiteral("userinterface/vexelconnectdlg/appcounter")),
-             QStringList(QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported").arg(text)));
+    const CommandLine line = MakeCommandLine(QStringLiteral("App"), Entry(deviceType, 1));
+    QCOMPARE(line.arguments, QStringList(QStringLiteral("App:XMsgDlg.dll")));
+    QVERIFY(!line.isSupported);
+    QVERIFY(!line.lacksPort);
 }
 
 void TestCommandLine::textsAreTakenUnchanged()
@@ -188,14 +183,6 @@ void TestCommandLine::textsAreTakenUnchanged()
                     .constLast()
                     .startsWith(QString(QStringLiteral("Connection=") + text)));
     }
-}
-
-void TestCommandLine::noTraceWhileTracesAreOff()
-{
-    const TraceRecorder traces(ErrorHandler::Assertion);
-    Arguments(QStringLiteral("App"), Entry(Connection::KiteAlphaFinch));
-    Arguments(QStringLiteral("App"), Entry(Connection::Heron));
-    QVERIFY2(traces.Reports().isEmpty(), traces.Text().constData());
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestCommandLine)

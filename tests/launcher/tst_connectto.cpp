@@ -2,6 +2,7 @@
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 
+#include "tests/support/files.h"
 #include "tests/support/inheritedhandles.h"
 #include "tests/support/launcherfixture.h"
 #include "tests/support/linkfixture.h"
@@ -76,6 +77,8 @@ private slots:
     void typesCountRunningApplicationsSeparately();
     void nothingToDeleteChangesNothing();
     void unsupportedTypeIsStarted();
+    void commandLineIsTraced_data();
+    void commandLineIsTraced();
     void manyStartsLeakNothing();
     void worksWithoutModel();
     void worksAfterModelIsDeleted();
@@ -596,9 +599,45 @@ void TestConnectTo::unsupportedTypeIsStarted()
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 33)));
     QCOMPARE(Status(0), 1);
     QCOMPARE(m_pCounter->RunningApplications(33), QStringList(s("Kite")));
-    QCOMPARE(m_pTraces->Messages(s("userinterface/vexelconnectdlg/appcounter")),
-             QStringList(s("AppCounter::ConnectTo() DeviceType No string representation for ID 33 is not yet "
-                           "supported")));
+}
+
+void TestConnectTo::commandLineIsTraced_data()
+{
+    QTest::addColumn<int>("deviceType");
+    QTest::addColumn<QString>("traced");
+    const QString noPort = s("AppCounter::ConnectTo() no port number added to sDriver");
+    const QString notSupported = s("AppCounter::ConnectTo() DeviceType %1 is not yet supported");
+    QTest::newRow("default port") << int{Connection::KiteBravo} << QString();
+    QTest::newRow("no default port") << int{Connection::KiteAlphaFinch} << noPort;
+    QTest::newRow("Heron") << 9 << notSupported.arg(s("Heron"));
+    QTest::newRow("Pipit") << 11 << notSupported.arg(s("Pipit"));
+    QTest::newRow("above the range") << 33 << notSupported.arg(s("No string representation for ID 33"));
+}
+
+void TestConnectTo::commandLineIsTraced()
+{
+    QFETCH(const int, deviceType);
+    QFETCH(const QString, traced);
+    Install({{s("Kite"), {deviceType}}});
+    m_pChild->Behave("stay");
+    const auto report = [this] {
+        QList<TraceRecorder::Report> reports = m_pTraces->Reports();
+        reports.removeIf([](const TraceRecorder::Report& other) {
+            return other.sourceFile != s("userinterface/vexelconnectdlg/appcounter");
+        });
+        return reports.size() == 1 ? reports.constFirst() : TraceRecorder::Report{};
+    };
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", deviceType)));
+    QCOMPARE(report().message, traced);
+    if (traced.isEmpty())
+        return;
+    QCOMPARE(report().kind, ErrorHandler::Trace);
+
+    // The line is that of the trace in the named file.
+    const QByteArray text = traced.contains(s("DeviceType")) ? "is not yet supported" : "no port number added";
+    const QList<QByteArray> source = Files::Read(s(VEXEL_APPCOUNTER)).split('\n');
+    QVERIFY(source.size() > report().line + 1);
+    QVERIFY2(source.mid(report().line - 1, 3).join().contains(text), source.at(report().line - 1).constData());
 }
 
 void TestConnectTo::manyStartsLeakNothing()

@@ -2,7 +2,10 @@
 #include "tests/support/testmain.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QLibraryInfo>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -105,6 +108,30 @@ private slots:
         TranslationCenter::Instance().Register(domain);
         QCOMPARE(Shown(), QStringLiteral("Street"));
         TranslationCenter::Instance().Unregister(domain);
+    }
+
+    void textsOfQtComeFromItsOwnFolder()
+    {
+        const auto cancel = [] {
+            return QCoreApplication::translate("QPlatformTheme", "Cancel");
+        };
+        if (!QFileInfo::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + QStringLiteral("/qtbase_de.qm")))
+            QSKIP("Qt's translations are not installed.");
+        TranslationCenter::Instance().Register(QStringLiteral("qtbase"));
+        QCOMPARE(cancel(), QStringLiteral("Abbrechen"));
+        TranslationCenter::Instance().Unregister(QStringLiteral("qtbase"));
+        QCOMPARE(cancel(), QStringLiteral("Cancel"));
+    }
+
+    void productsFolderComesBeforeThatOfQt()
+    {
+        const QTemporaryDir directory;
+        QVERIFY(QFile::copy(QStringLiteral(TRANSLATIONS "/PlatformTest_de.qm"),
+                            directory.filePath(QStringLiteral("qtbase_de.qm"))));
+        TranslationCenter::Instance().SetDirectory(directory.path());
+        TranslationCenter::Instance().Register(QStringLiteral("qtbase"));
+        QCOMPARE(Shown(), QStringLiteral("Stra\u00dfe"));
+        TranslationCenter::Instance().Unregister(QStringLiteral("qtbase"));
     }
 
     void defaultIsTheSystemLanguageFromTheInstalledFolder_data()

@@ -2,6 +2,7 @@
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"
 #include "tests/support/linkport.h"
+#include "tests/support/messageboxes.h"
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
@@ -13,13 +14,24 @@
 #include <QAbstractProxyModel>
 #include <QApplication>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
 #include <QPointer>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
+#include <QUrl>
+#include <QWindow>
+
+#include <functional>
+#include <memory>
+#include <utility>
 
 /// One instance of the plug-in, from `ARCreateEx` to `ARDestroy`.
 class TestVexelConnectDlg : public QObject
@@ -27,6 +39,8 @@ class TestVexelConnectDlg : public QObject
     Q_OBJECT
 
 private slots:
+    // Native file dialogs do not show up as modal widgets.
+    void initTestCase() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
     void init() { CfgCenter::Close(); }
     void cleanup()
     {
@@ -45,6 +59,10 @@ private slots:
     void saveDuringImportBoxStoresOldEntries();
     void saveDoesNotWriteToDisk();
     void destroyStoresFilterThenEntries();
+    void destroyClosesOpenBoxes_data();
+    void destroyClosesOpenBoxes();
+    void destroyDuringConnectStartsNothingMore();
+    void destroyDuringImportBoxStoresOldEntries();
     void translationsAreRegisteredAndUnregistered();
     void translationsAreRegisteredBeforeEntriesAreLoaded();
     void twoInstancesAreIndependent();
@@ -67,6 +85,28 @@ private:
         return ConfigNodes::Filter()->GetString(QStringLiteral("FilterPattern"), QStringLiteral("none"), 0);
     }
     static QString TranslatedClose() { return QCoreApplication::translate("VexelConnectDlg", "Close"); }
+    /// Calls `work` once a modal window is open.
+    static void WhenABoxIsOpen(const std::function<void()>& work)
+    {
+        auto* const timer = new QTimer(qApp);
+        connect(timer, &QTimer::timeout, timer, [timer, work] {
+            if (!QApplication::activeModalWidget())
+                return;
+            timer->stop();
+            timer->deleteLater();
+            work();
+        });
+        timer->start(1);
+    }
+    static void Drop(const QList<QUrl>& urls)
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(FindDialog(), &enter);
+        QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(FindDialog(), &drop);
+    }
     static VexelConnectDlgGUI* FindDialog()
     {
         for (QWidget* widget : QApplication::topLevelWidgets())
@@ -319,6 +359,114 @@ void TestVexelConnectDlg::destroyDeletesPartsInOrder()
     ARDestroy(instance);
     QCOMPARE(order, (QStringList{QStringLiteral("dialog"), QStringLiteral("model"), QStringLiteral("launcher")}));
     QVERIFY(LinkPort::IsFree());
+}
+
+void TestVexelConnectDlg::destroyClosesOpenBoxes_data()
+{
+    // Opens a box and returns when it is closed.
+    QTest::addColumn<std::function<void()>>("open");
+    const auto row = [](const char* name, const std::function<void()>& open) {
+        QTest::newRow(name) << open;
+    };
+    const auto click = [](QWidget* widget, const QPoint& at) {
+        // Through the window, as the system delivers a click.
+        QTest::mouseClick(widget->window()->windowHandle(), Qt::LeftButton, {}, widget->mapTo(widget->window(), at));
+    };
+    const auto openMenu = [] {
+        auto* const menu = FindDialog()->findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+        menu->popup(QPoint());
+        return menu;
+    };
+    row(
+        "edit", [] { FindDialog()->m_pEditAction->trigger(); });
+    row(
+        "delete", [] { FindDialog()->m_pDeleteAction->trigger(); });
+    row(
+        "failed import", [] { FindDialog()->Import(QStringLiteral("/no/such/list.xml")); });
+    row(
+        "file to import", [] { FindDialog()->m_pImportAction->trigger(); });
+    row("file to export", [] { FindDialog()->m_pExportAction->trigger(); });
+    for (const char* name : {"m_pDeleteAction", "m_pImportAction", "m_pExportAction"}) {
+        const auto action = [name] {
+            return FindDialog()->findChild<QAction*>(QString::fromLatin1(name));
+        };
+        row(qPrintable(QStringLiteral("%1 in the menu, by mouse").arg(QLatin1String(name))), [=] {
+            QMenu* const menu = openMenu();
+            click(menu, menu->actionGeometry(action()).center());
+        });
+        row(qPrintable(QStringLiteral("%1 in the menu, by key").arg(QLatin1String(name))), [=] {
+            QMenu* const menu = openMenu();
+            menu->setActiveAction(action());
+            QTest::keyClick(menu->windowHandle(), Qt::Key_Return);
+        });
+    }
+    row(
+        "two files dropped",
+        [] {
+            Drop({QUrl(QStringLiteral("file:///a")), QUrl(QStringLiteral("file:///b"))});
+        });
+    row(
+        "bad file dropped", [] { Drop({QUrl(QStringLiteral("file:///no/such/list.xml"))}); });
+    row(
+        "no application", [] { FindDialog()->m_pConnectButton->click(); });
+    row(
+        "no application, by mouse", [=] { click(FindDialog()->m_pConnectButton, QPoint(5, 5)); });
+    row("no application, by key", [] { QTest::keyClick(FindDialog()->windowHandle(), Qt::Key_Return); });
+}
+
+void TestVexelConnectDlg::destroyClosesOpenBoxes()
+{
+    QFETCH(const std::function<void()>, open);
+    StoreTwoEntries();
+    IDllInstance* instance = ARCreateEx(L"VexelConnectDlg");
+    const QString entries = QString::fromLatin1(FindModel()->ToByteArray().toHex());
+    FindDialog()->show();
+    QVERIFY(QTest::qWaitForWindowActive(FindDialog()));
+    WhenABoxIsOpen([&] { ARDestroy(std::exchange(instance, nullptr)); });
+    open();
+    QVERIFY(!instance);
+    QVERIFY(!FindDialog());
+    QVERIFY(!QApplication::activeModalWidget());
+    QCOMPARE(StoredEntries(), entries);
+}
+
+void TestVexelConnectDlg::destroyDuringConnectStartsNothingMore()
+{
+    IDllInstance* instance = ARCreateEx(L"VexelConnectDlg");
+    for (const char* name : {"first", "second"}) {
+        Connection entry;
+        entry.ConnectionName = QString::fromLatin1(name);
+        entry.Selected = true;
+        FindModel()->AddConnection(entry);
+    }
+    std::unique_ptr<MessageBoxes> laterBoxes;
+    WhenABoxIsOpen([&] {
+        ARDestroy(std::exchange(instance, nullptr));
+        laterBoxes = std::make_unique<MessageBoxes>();
+    });
+    FindDialog()->SlotConnect();
+    QVERIFY(laterBoxes);
+    QCOMPARE(laterBoxes->Count(), 0);
+}
+
+void TestVexelConnectDlg::destroyDuringImportBoxStoresOldEntries()
+{
+    StoreTwoEntries();
+    IDllInstance* instance = ARCreateEx(L"VexelConnectDlg");
+    const QString entries = QString::fromLatin1(FindModel()->ToByteArray().toHex());
+    FindDialog()->m_pFilterPatternLineEdit->setText(QStringLiteral("abc"));
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write("no list");
+    QVERIFY(file.flush());
+    WhenABoxIsOpen([&] {
+        QCOMPARE(FindModel()->rowCount(), 0);
+        ARDestroy(std::exchange(instance, nullptr));
+    });
+    QVERIFY(!FindDialog()->Import(file.fileName()));
+    QVERIFY(!instance);
+    QCOMPARE(StoredEntries(), entries);
+    QCOMPARE(StoredPattern(), QStringLiteral("abc"));
 }
 
 void TestVexelConnectDlg::twoInstancesAreIndependent()

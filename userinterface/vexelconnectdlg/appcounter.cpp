@@ -192,9 +192,23 @@ bool AppCounter::ConnectTo(const Connection& entry)
     }
     const QString& application = freeApplications.constFirst();
 
+    const CommandLine commandLine = ApplicationCommandLine(application, entry, servedType);
+    if (commandLine.lacksPort) {
+        Trace(
+            kTraceSource, __LINE__,
+            [] { return QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver"); });
+    }
+    if (!commandLine.isSupported) {
+        Trace(
+            kTraceSource, __LINE__,
+            [&entry] {
+                return QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported")
+                    .arg(Connection::DeviceTypeName(entry.DeviceType));
+            });
+    }
+
     auto* const instance =
-        new ApplicationInstance(m_typeTable.value(servedType), ApplicationArguments(application, entry, servedType),
-                                QDir::currentPath(), entry);
+        new ApplicationInstance(m_typeTable.value(servedType), commandLine.arguments, QDir::currentPath(), entry);
     // The list owns it. The parent deletes removed instances whose deleteLater() has not run yet.
     instance->setParent(this);
     m_instances.append(instance);
@@ -227,7 +241,8 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry, int servedType) 
                     QMessageBox::Ok);
     // Names may contain markup.
     box.setTextFormat(Qt::PlainText);
-    // No member access after this: this object may be deleted while the box is open.
+    // No member access after this: the host may destroy the instance, and with it this object, while the box is open.
+    connect(this, &QObject::destroyed, &box, &QDialog::reject);
     box.exec();
 }
 

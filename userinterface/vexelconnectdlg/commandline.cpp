@@ -1,13 +1,8 @@
 #include "userinterface/vexelconnectdlg/commandline.h"
 
-#include "platform/tracing.h"
-
 #include <QRegularExpression>
 
 namespace {
-
-// The traces are those of the launcher's ConnectTo().
-constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/appcounter";
 
 /// Returns ":" and the driver application's port for an application device type; empty if there is none.
 QString DefaultPort(int deviceType)
@@ -28,32 +23,27 @@ QString DefaultPort(int deviceType)
     }
 }
 
-/// Returns the driver address of `entry` with its port or, if it has none, the default port of the device type.
-QString DriverWithPort(const Connection& entry, int deviceType)
+bool HasPort(const QString& address)
 {
     // Matches anywhere, so most IPv6 addresses count as having a port. \d matches ASCII digits only.
     static const QRegularExpression kPort(QStringLiteral(":\\d+"));
-    if (entry.DriverAddress.contains(kPort))
-        return entry.DriverAddress;
-    const QString port = DefaultPort(deviceType);
-    if (port.isEmpty()) {
-        Trace(
-            kTraceSource, __LINE__,
-            [] { return QStringLiteral("AppCounter::ConnectTo() no port number added to sDriver"); });
-    }
-    return entry.DriverAddress + port;
+    return address.contains(kPort);
 }
 
 } // namespace
 
-QStringList ApplicationArguments(const QString& application, const Connection& entry, int servedType)
+CommandLine ApplicationCommandLine(const QString& application, const Connection& entry, int servedType)
 {
     const QString server = QStringLiteral("Server");
-    const auto connection = [&entry, servedType] {
-        return QString(QStringLiteral("Connection=") + DriverWithPort(entry, servedType));
+    CommandLine line;
+    const auto connection = [&] {
+        const QString port = HasPort(entry.DriverAddress) ? QString() : DefaultPort(servedType);
+        line.lacksPort = port.isEmpty() && !HasPort(entry.DriverAddress);
+        return QString(QStringLiteral("Connection=") + entry.DriverAddress + port);
     };
 
-    QStringList arguments{application + QStringLiteral(":XMsgDlg.dll")};
+    QStringList& arguments = line.arguments;
+    arguments << application + QStringLiteral(":XMsgDlg.dll");
     switch (servedType) {
     case Connection::KiteBravo:
     case Connection::WrenD:
@@ -73,11 +63,8 @@ QStringList ApplicationArguments(const QString& application, const Connection& e
         break;
     default:
         // Started nevertheless: the first argument may be enough for an application.
-        Trace(kTraceSource, __LINE__, [&entry] {
-            return QStringLiteral("AppCounter::ConnectTo() DeviceType %1 is not yet supported")
-                .arg(Connection::DeviceTypeName(entry.DeviceType));
-        });
+        line.isSupported = false;
         break;
     }
-    return arguments;
+    return line;
 }

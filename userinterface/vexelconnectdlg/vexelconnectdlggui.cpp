@@ -26,9 +26,11 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QScrollBar>
 #include <QUrl>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -49,6 +51,36 @@ QString UriListType()
 QString FileFilter()
 {
     return QStringLiteral("*.xml");
+}
+
+/// Returns whether an open modal window blocks `window`. One that belongs to another window does not.
+bool IsBlocked(const QWidget& window)
+{
+    const QWidgetList others = QApplication::topLevelWidgets();
+    return std::any_of(others.begin(), others.end(), [&window](const QWidget* other) {
+        if (other == &window || !other->isVisible() || !other->isModal())
+            return false;
+        const QWidget* owner = other;
+        while (owner && owner != &window)
+            owner = owner->parentWidget();
+        return owner || other->windowModality() == Qt::ApplicationModal;
+    });
+}
+
+/// Asks for a file. Returns an empty name if the user cancels, and none if `parent` is destroyed meanwhile, which the
+/// static functions of QFileDialog do not survive.
+std::optional<QString> AskForFile(QWidget* parent, const QString& title, QFileDialog::AcceptMode mode)
+{
+    const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, QString(), FileFilter());
+    dialog->setSupportedSchemes({QStringLiteral("file")});
+    dialog->setAcceptMode(mode);
+    dialog->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    const bool isAccepted = dialog->exec() == QDialog::Accepted;
+    if (!dialog)
+        return std::nullopt;
+    const QString fileName = isAccepted ? dialog->selectedFiles().value(0) : QString();
+    delete dialog;
+    return fileName;
 }
 
 } // namespace
@@ -99,11 +131,18 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
 VexelConnectDlgGUI::~VexelConnectDlgGUI()
 {
     StoreFilterSettings();
+    // The model stores the entries next.
+    RollBackImport();
     // Destroying the window commits an open editor. This object must not handle the change any more.
     disconnect(m_pModel, nullptr, this, nullptr);
     m_pModel = nullptr;
     m_pProxyModel = nullptr;
     m_pDelegate = nullptr;
+    // An open box may have been chosen from the menu, which accesses itself when the choice has been handled.
+    if (findChild<QDialog*>(QString(), Qt::FindDirectChildrenOnly)) {
+        m_pContextMenu->setParent(nullptr);
+        m_pContextMenu->deleteLater();
+    }
     m_pContextMenu = nullptr;
 }
 
@@ -202,7 +241,9 @@ void VexelConnectDlgGUI::SlotConnect()
 {
     hide();
     WriteLegacyConnectData();
-    for (int row = 0; row < m_pModel->rowCount(); ++row) {
+    // The host may destroy the instance while a message box is open.
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    for (int row = 0; guard && row < m_pModel->rowCount(); ++row) {
         const Connection entry = m_pModel->GetConnection(row);
         if (entry.Selected && entry.ConnectionStatus == Connection::Free)
             m_pAppCounter->ConnectTo(entry);
@@ -268,10 +309,20 @@ void VexelConnectDlgGUI::SlotShowFilter(bool bShow)
 
 void VexelConnectDlgGUI::SlotUpdateFilter()
 {
-    const QString pattern = m_pFilterPatternLineEdit->text();
+    ApplyFilter();
+    UpdateFilterSign();
+}
+
+void VexelConnectDlgGUI::ApplyFilter()
+{
     m_pProxyModel->setFilterKeyColumn(m_pFilterColumnComboBox->currentIndex());
-    m_pProxyModel->setFilterRegularExpression(FilterExpression(pattern, m_pRegExpComboBox->currentIndex()));
-    m_pFilterActiveLabel->setVisible(!m_pFilterFrame->isVisible() && !pattern.isEmpty());
+    m_pProxyModel->setFilterRegularExpression(
+        FilterExpression(m_pFilterPatternLineEdit->text(), m_pRegExpComboBox->currentIndex()));
+}
+
+void VexelConnectDlgGUI::UpdateFilterSign()
+{
+    m_pFilterActiveLabel->setVisible(!m_pFilterFrame->isVisible() && !m_pFilterPatternLineEdit->text().isEmpty());
 }
 
 void VexelConnectDlgGUI::RestoreFilterSettings()
@@ -317,12 +368,14 @@ void VexelConnectDlgGUI::SlotDataChanged(QModelIndex topLeft, QModelIndex bottom
 
 void VexelConnectDlgGUI::SlotImport()
 {
-    Import(QFileDialog::getOpenFileName(this, tr("Import Connection Settings"), QString(), FileFilter()));
+    if (const auto fileName = AskForFile(this, tr("Import Connection Settings"), QFileDialog::AcceptOpen))
+        Import(*fileName);
 }
 
 void VexelConnectDlgGUI::SlotExport()
 {
-    Export(QFileDialog::getSaveFileName(this, tr("Export Connection Settings"), QString(), FileFilter()));
+    if (const auto fileName = AskForFile(this, tr("Export Connection Settings"), QFileDialog::AcceptSave))
+        Export(*fileName);
 }
 
 bool VexelConnectDlgGUI::Import(const QString& fileName)
@@ -347,10 +400,12 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     }
     m_entriesBeforeImport = backup;
     setProperty(kEntriesBeforeImport, backup); // for a host that saves meanwhile
+    const QPointer<VexelConnectDlgGUI> guard(this);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
                  .arg(fileName));
-    RollBackImport();
+    if (guard)
+        RollBackImport();
     return false;
 }
 
@@ -369,7 +424,7 @@ bool VexelConnectDlgGUI::LoadEntries(const std::function<bool()>& load)
     const bool loaded = load();
     m_pProxyModel->setDynamicSortFilter(true);
     // The statuses changed while the filter was not dynamic.
-    SlotUpdateFilter();
+    ApplyFilter();
     return loaded;
 }
 
@@ -410,21 +465,30 @@ void VexelConnectDlgGUI::dropEvent(QDropEvent* event)
         event->ignore();
         return;
     }
-    event->acceptProposedAction();
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (urls.isEmpty())
-        ShowInfo(tr("Not enough files dropped.\n\nPlease drop at least one file."));
-    else if (urls.size() > 1)
-        ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
-    else if (!QApplication::activeModalWidget()) {
-        // Not while a message box is open: its text about the entries would become wrong.
-        Import(urls.first().toLocalFile());
+    // Not while a message box may tell about the entries: its text would become wrong.
+    if (urls.size() == 1 && IsBlocked(*this)) {
+        event->ignore();
+        return;
     }
+    event->acceptProposedAction();
+    const auto handle = [this, urls] {
+        if (urls.isEmpty())
+            ShowInfo(tr("Not enough files dropped.\n\nPlease drop at least one file."));
+        else if (urls.size() > 1)
+            ShowInfo(tr("Too much files dropped (%1 files).\n\nPlease drop at most one file.").arg(urls.size()));
+        else
+            Import(urls.first().toLocalFile());
+    };
+    // The program from which the files come waits until this event has been handled, however long a box is open.
+    QMetaObject::invokeMethod(this, handle, event->spontaneous() ? Qt::QueuedConnection : Qt::DirectConnection);
 }
 
 void VexelConnectDlgGUI::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
+    // The frame does not count as visible while the dialog is hidden.
+    UpdateFilterSign();
     GuiBase& guiBase = GuiBase::Instance();
     if (!guiBase.GetMainWidget()) {
         guiBase.SetMainWidget(this);
@@ -433,10 +497,35 @@ void VexelConnectDlgGUI::showEvent(QShowEvent* event)
     show();
 }
 
+void VexelConnectDlgGUI::changeEvent(QEvent* event)
+{
+    QDialog::changeEvent(event);
+    // Spontaneous if the user minimises the window.
+    if (event->type() == QEvent::WindowStateChange && isMinimized() && !event->spontaneous()) {
+        m_bStayMinimized = true;
+        QMetaObject::invokeMethod(
+            this, [this] { m_bStayMinimized = false; }, Qt::QueuedConnection);
+    }
+}
+
+void VexelConnectDlgGUI::setVisible(bool visible)
+{
+    // Qt leaves a minimised window minimised. showMinimized() sets the state before it calls this.
+    if (visible && isMinimized() && !m_bStayMinimized)
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    QDialog::setVisible(visible);
+    m_bStayMinimized = false;
+}
+
 void VexelConnectDlgGUI::ShowInfo(const QString& text)
 {
-    QMessageBox box(QMessageBox::Information, tr("Info"), text, QMessageBox::Ok, this);
+    // Not on the stack: the host may destroy the instance, and with it the dialog and its children, while the box is
+    // open.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(QMessageBox::Information, tr("Info"), text, QMessageBox::Ok, this);
     // File names may contain markup.
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    box->setTextFormat(Qt::PlainText);
+    box->exec();
+    // No member access after this.
+    delete box;
 }

@@ -40,7 +40,8 @@ public:
     /// list has the entries read from the file, possibly none. Call before storing the list. Does nothing at other
     /// times.
     void RollBackImport();
-    /// Writes all entries to the file. On failure, which is only traced, the file is unchanged.
+    /// Writes all entries to the file. On failure, which is only traced, the file is unchanged; see
+    /// `ReplaceRegularFile` for the exceptions.
     void Export(const QString& fileName);
 
     /// Writes all entries to the configuration, as the legacy records of the user-interface applications, and saves it.
@@ -48,6 +49,9 @@ public:
 
     void StoreFilterSettings();
     void RestoreFilterSettings();
+
+    /// Also shows a minimised dialog as it was before.
+    void setVisible(bool visible) override;
 
 public slots:
     void SlotNew();
@@ -69,18 +73,22 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void SetUpViews();
     void SynchronizeScrollBars();
     void FillFilterColumns();
     void UpdateFilterColumns();
+    void ApplyFilter();
+    void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
     bool LoadEntries(const std::function<bool()>& load);
     void ShowInfo(const QString& text);
 
     std::optional<QByteArray> m_entriesBeforeImport; // while the message box about a failed import is open
+    bool m_bStayMinimized = false;                   // the next setVisible() is that of showMinimized()
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;
