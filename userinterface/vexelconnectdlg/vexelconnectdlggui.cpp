@@ -6,14 +6,14 @@
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
-#include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/editorrouting.h"
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
-#include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
+#include "userinterface/vexelconnectdlg/sizingdelegate.h"
+#include "userinterface/vexelconnectdlg/viewsizing.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -83,10 +83,12 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
 
     m_pProxyModel = new ConnectionFilterModel(this);
     m_pProxyModel->setSourceModel(m_pModel);
-    m_pDelegate = new ConnectionsDelegate(this);
+    auto* const sizingDelegate = new SizingDelegate(this);
+    m_pDelegate = sizingDelegate;
     SetUpViews();
     FillFilterColumns();
     DistributeColumns();
+    new ViewSizing({m_pBasicView, m_pDetailsView}, sizingDelegate);
     SetUpHeaders();
 
     SlotShowDetails(false);
@@ -111,7 +113,7 @@ void VexelConnectDlgGUI::SetUpViews()
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         view->setModel(m_pProxyModel);
         view->setItemDelegate(m_pDelegate);
-        // All rows are one line high, so Qt need not measure ten thousand of them.
+        // So Qt need not measure ten thousand rows. The delegate gives all the same height.
         view->setUniformRowHeights(true);
     }
     QItemSelectionModel* const ownSelection = m_pDetailsView->selectionModel();
@@ -175,9 +177,6 @@ void VexelConnectDlgGUI::SetUpHeaders()
     // Both views share one order: the sort indicator is on the sorted column, in the view that shows it.
     basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
     detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
-    // After everything that would make the headers measure the list.
-    CoalesceColumnResizing(basicHeader, m_pProxyModel);
-    CoalesceColumnResizing(detailsHeader, m_pProxyModel);
     basicHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
     detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
 
