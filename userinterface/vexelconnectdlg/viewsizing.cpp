@@ -14,9 +14,6 @@
 
 namespace {
 
-/// More than the view needs to find all visible rows: it counts one too few if the first is partly visible.
-constexpr int kMoreRows = 6;
-
 /// The shown column that is the last in the header.
 int LastColumn(const QHeaderView* header)
 {
@@ -32,10 +29,26 @@ int RowHeight(const QTreeView* view)
     return view->visualRect(view->model()->index(0, LastColumn(view->header()))).height();
 }
 
+/// Has the delegate measure the visible cells. The view's own function can miss the last visible row.
+void MeasureVisibleRows(const QTreeView* view)
+{
+    const int height = RowHeight(view);
+    if (height == 0)
+        return;
+    const int top = view->verticalScrollBar()->value();
+    const int first = top / height;
+    const int last = std::min((top + view->viewport()->height() - 1) / height, view->model()->rowCount() - 1);
+    for (int column = 0; column < ConnectionsModel::kColumnCount; ++column) {
+        if (view->isColumnHidden(column))
+            continue;
+        for (int row = first; row <= last; ++row)
+            view->sizeHintForIndex(view->model()->index(row, column));
+    }
+}
+
 void FitColumns(const QTreeView* view)
 {
     QHeaderView* const header = view->header();
-    header->setResizeContentsPrecision(view->viewport()->height() / view->fontMetrics().height() + kMoreRows);
     // Called by name, because the slot is protected.
     QMetaObject::invokeMethod(header, "resizeSections");
 
@@ -64,7 +77,8 @@ ViewSizing::ViewSizing(QList<QTreeView*> views, SizingDelegate* delegate)
 
     const QAbstractItemModel* const model = m_views.first()->model();
     for (QTreeView* view : m_views) {
-        view->header()->setResizeContentsPrecision(0); // until they are measured: only the visible rows
+        // The header asks for the size of one row, because the delegate remembers those of the others.
+        view->header()->setResizeContentsPrecision(1);
         disconnect(model, &QAbstractItemModel::dataChanged, view->header(), nullptr);
         connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, &ViewSizing::MeasureLater);
         connect(view->verticalScrollBar(), &QScrollBar::rangeChanged, this, &ViewSizing::MeasureLater);
@@ -117,9 +131,12 @@ void ViewSizing::Measure()
 {
     if (std::exchange(m_listChanged, false))
         m_delegate->ForgetWidths();
-    for (const QTreeView* view : m_views)
-        if (view->isVisible())
+    for (const QTreeView* view : m_views) {
+        if (view->isVisible()) {
+            MeasureVisibleRows(view);
             FitColumns(view);
+        }
+    }
     AlignRows();
 }
 
