@@ -29,7 +29,7 @@ struct FilterSettings
 
 /// Sorts and filters the connections for the views.
 ///
-/// Differs from QSortFilterProxyModel in three ways:
+/// Differs from QSortFilterProxyModel in four ways:
 ///
 /// - An invalid expression matches nothing without a warning for every row.
 /// - An expression that takes too long on a text (nested repetitions on a long name) is aborted, and the row does not
@@ -37,6 +37,7 @@ struct FilterSettings
 /// - Texts are displayed on one line of limited length, because two views with different columns of a row must give it
 ///   the same height, and a text of a megabyte would slow down every layout. Editing, filtering and sorting use the
 ///   whole text.
+/// - Icons have a plate behind them in selected rows (`PlatedIcon`).
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
 public:
