@@ -70,6 +70,15 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
     QScrollBar* const detailsBar = m_pDetailsView->verticalScrollBar();
     connect(basicBar, &QScrollBar::valueChanged, detailsBar, &QScrollBar::setValue);
     connect(detailsBar, &QScrollBar::valueChanged, basicBar, &QScrollBar::setValue);
+    // A hidden view keeps its size. With its own, smaller range it would scroll the basic view back.
+    for (const QScrollBar* bar : {basicBar, detailsBar}) {
+        connect(
+            bar, &QScrollBar::rangeChanged, detailsBar,
+            [this, basicBar, detailsBar] {
+                if (m_pDetailsView->isHidden())
+                    detailsBar->setRange(basicBar->minimum(), basicBar->maximum());
+            });
+    }
 
     m_pContextMenu = new QMenu(this);
     m_pContextMenu->addAction(m_pDetailsAction);
@@ -144,8 +153,23 @@ void VexelConnectDlgGUI::SynchronizeScrollBars()
     };
     const auto policy =
         needsBar(m_pBasicView) || needsBar(m_pDetailsView) ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded;
+    const bool appears = policy == Qt::ScrollBarAlwaysOn && m_pBasicView->horizontalScrollBarPolicy() != policy;
     m_pBasicView->setHorizontalScrollBarPolicy(policy);
     m_pDetailsView->setHorizontalScrollBarPolicy(policy);
+    if (appears)
+        ScrollOutFromUnderBar();
+}
+
+void VexelConnectDlgGUI::ScrollOutFromUnderBar()
+{
+    QScrollBar* const bar = m_pBasicView->verticalScrollBar();
+    // One more, because a view that scrolls to a row leaves out a pixel.
+    const int covered = m_pBasicView->horizontalScrollBar()->height() + 1;
+    const bool atEnd = bar->value() > 0 && bar->maximum() - bar->value() <= covered;
+    const QModelIndex current = m_pBasicView->currentIndex().siblingAtColumn(ConnectionsModel::ColumnName);
+    const int below = m_pBasicView->visualRect(current).bottom() - m_pBasicView->viewport()->height();
+    if (atEnd || (below >= 0 && below < covered))
+        bar->setValue(bar->value() + covered);
 }
 
 void VexelConnectDlgGUI::FillFilterColumns()
@@ -216,7 +240,13 @@ void VexelConnectDlgGUI::SlotClose()
 
 void VexelConnectDlgGUI::SlotNew()
 {
+    const int row = m_pModel->rowCount();
     m_pModel->AddConnection(Connection());
+    const QModelIndex added = m_pProxyModel->mapFromSource(m_pModel->index(row, ConnectionsModel::ColumnName));
+    if (!added.isValid())
+        return;
+    m_pDetailsView->scrollTo(added); // first, because its scroll range from before would limit the basic view's
+    m_pBasicView->selectionModel()->setCurrentIndex(added, QItemSelectionModel::NoUpdate);
 }
 
 void VexelConnectDlgGUI::SlotEdit()
