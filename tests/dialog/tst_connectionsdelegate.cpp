@@ -586,13 +586,12 @@ void TestConnectionsDelegate::typedTimeoutCountsWithoutEnter()
 void TestConnectionsDelegate::lineEditsAcceptAnyText()
 {
     const QString text =
-        QStringLiteral(" not an <address> & 300.1.1.1 \u00e4\U0001F4E1 ") + QString(4000, QLatin1Char('x'));
+        QStringLiteral(" not an <address> & 300.1.1.1 \u00e4\U0001F4E1 ") + QString(100000, QLatin1Char('x'));
     for (const int column :
          {Model::ColumnName, Model::ColumnDeviceAddress, Model::ColumnDriverAddress, Model::ColumnSubsystem}) {
         auto* const lineEdit = NewEditor<QLineEdit>(column);
         QCOMPARE(lineEdit->inputMask(), QString());
         QCOMPARE(lineEdit->validator(), nullptr);
-        QCOMPARE(lineEdit->maxLength(), QLineEdit().maxLength());
         lineEdit->setText(text);
         m_pDelegate->setModelData(lineEdit, m_pModel.get(), At(column));
         QCOMPARE(Stored(column).toString(), text);

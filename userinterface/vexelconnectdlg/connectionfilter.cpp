@@ -3,7 +3,9 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/platedicon.h"
 
+#include <QIcon>
 #include <QStringList>
 
 #include <algorithm>
@@ -185,6 +187,8 @@ QVariant ConnectionFilterModel::data(const QModelIndex& index, int role) const
     QVariant value = QSortFilterProxyModel::data(index, role);
     if (role == Qt::DisplayRole && value.metaType() == QMetaType::fromType<QString>())
         return Shortened(value.toString());
+    if (role == Qt::DecorationRole && value.metaType() == QMetaType::fromType<QIcon>())
+        return PlatedIcon(value.value<QIcon>());
     return value;
 }
 

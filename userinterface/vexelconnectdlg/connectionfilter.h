@@ -40,6 +40,7 @@ struct FilterSettings
 ///   whole text.
 /// - The tick and its header, which have no text, have one for screen readers.
 /// - Dropped entries are sorted in all at once. One by one, a hundred thousand would take many seconds.
+/// - Icons have a plate behind them in selected rows (`PlatedIcon`).
 class ConnectionFilterModel : public QSortFilterProxyModel
 {
     Q_DECLARE_TR_FUNCTIONS(ConnectionFilterModel)

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -46,6 +47,14 @@ QSpinBox* NewTimeoutSpinBox(QWidget* parent)
     return spinBox;
 }
 
+QLineEdit* NewLineEdit(QWidget* parent)
+{
+    auto* const lineEdit = new QLineEdit(parent);
+    // By default it cuts texts off after 32,767 characters.
+    lineEdit->setMaxLength(std::numeric_limits<int>::max());
+    return lineEdit;
+}
+
 QWidget* NewEditor(QWidget* parent, int column)
 {
     switch (column) {
@@ -69,7 +78,7 @@ QWidget* NewEditor(QWidget* parent, int column)
     case ConnectionsModel::ColumnDeviceAddress:
     case ConnectionsModel::ColumnDriverAddress:
     case ConnectionsModel::ColumnSubsystem:
-        return new QLineEdit(parent);
+        return NewLineEdit(parent);
     default:
         return nullptr;
     }

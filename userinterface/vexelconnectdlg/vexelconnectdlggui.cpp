@@ -6,15 +6,15 @@
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
-#include "userinterface/vexelconnectdlg/connectionsdelegate.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/editorrouting.h"
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
-#include "userinterface/vexelconnectdlg/headersizing.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/listkeys.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
+#include "userinterface/vexelconnectdlg/sizingdelegate.h"
+#include "userinterface/vexelconnectdlg/viewsizing.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -103,6 +103,15 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
     QScrollBar* const detailsBar = m_pDetailsView->verticalScrollBar();
     connect(basicBar, &QScrollBar::valueChanged, detailsBar, &QScrollBar::setValue);
     connect(detailsBar, &QScrollBar::valueChanged, basicBar, &QScrollBar::setValue);
+    // A hidden view keeps its size. With its own, smaller range it would scroll the basic view back.
+    for (const QScrollBar* bar : {basicBar, detailsBar}) {
+        connect(
+            bar, &QScrollBar::rangeChanged, detailsBar,
+            [this, basicBar, detailsBar] {
+                if (m_pDetailsView->isHidden())
+                    detailsBar->setRange(basicBar->minimum(), basicBar->maximum());
+            });
+    }
 
     m_pContextMenu = new QMenu(this);
     m_pContextMenu->addAction(m_pDetailsAction);
@@ -116,10 +125,12 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
 
     m_pProxyModel = new ConnectionFilterModel(this);
     m_pProxyModel->setSourceModel(m_pModel);
-    m_pDelegate = new ConnectionsDelegate(this);
+    auto* const sizingDelegate = new SizingDelegate(this);
+    m_pDelegate = sizingDelegate;
     SetUpViews();
     FillFilterColumns();
     DistributeColumns();
+    new ViewSizing({m_pBasicView, m_pDetailsView}, sizingDelegate);
     SetUpHeaders();
 
     SlotShowDetails(false);
@@ -151,7 +162,7 @@ void VexelConnectDlgGUI::SetUpViews()
     for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
         view->setModel(m_pProxyModel);
         view->setItemDelegate(m_pDelegate);
-        // All rows are one line high, so Qt need not measure ten thousand of them.
+        // So Qt need not measure ten thousand rows. The delegate gives all the same height.
         view->setUniformRowHeights(true);
     }
     m_pBasicView->setAccessibleName(tr("Connections"));
@@ -185,8 +196,23 @@ void VexelConnectDlgGUI::SynchronizeScrollBars()
     };
     const auto policy =
         needsBar(m_pBasicView) || needsBar(m_pDetailsView) ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded;
+    const bool appears = policy == Qt::ScrollBarAlwaysOn && m_pBasicView->horizontalScrollBarPolicy() != policy;
     m_pBasicView->setHorizontalScrollBarPolicy(policy);
     m_pDetailsView->setHorizontalScrollBarPolicy(policy);
+    if (appears)
+        ScrollOutFromUnderBar();
+}
+
+void VexelConnectDlgGUI::ScrollOutFromUnderBar()
+{
+    QScrollBar* const bar = m_pBasicView->verticalScrollBar();
+    // One more, because a view that scrolls to a row leaves out a pixel.
+    const int covered = m_pBasicView->horizontalScrollBar()->height() + 1;
+    const bool atEnd = bar->value() > 0 && bar->maximum() - bar->value() <= covered;
+    const QModelIndex current = m_pBasicView->currentIndex().siblingAtColumn(ConnectionsModel::ColumnName);
+    const int below = m_pBasicView->visualRect(current).bottom() - m_pBasicView->viewport()->height();
+    if (atEnd || (below >= 0 && below < covered))
+        bar->setValue(bar->value() + covered);
 }
 
 void VexelConnectDlgGUI::FillFilterColumns()
@@ -218,9 +244,6 @@ void VexelConnectDlgGUI::SetUpHeaders()
     // Both views share one order: the sort indicator is on the sorted column, in the view that shows it.
     basicHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
     detailsHeader->setSortIndicator(ConnectionsModel::ColumnName, Qt::AscendingOrder);
-    // After everything that would make the headers measure the list.
-    CoalesceColumnResizing(basicHeader, m_pProxyModel);
-    CoalesceColumnResizing(detailsHeader, m_pProxyModel);
     basicHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
     detailsHeader->setSectionResizeMode(QHeaderView::ResizeToContents);
 
@@ -262,10 +285,17 @@ void VexelConnectDlgGUI::SlotClose()
 
 void VexelConnectDlgGUI::SlotNew()
 {
-    if (m_pModel->IsFull())
+    if (m_pModel->IsFull()) {
         ShowInfo(tr("The list is full.\n\nPlease delete entries before you add a new one."));
-    else
-        m_pModel->AddConnection(Connection());
+        return;
+    }
+    const int row = m_pModel->rowCount();
+    m_pModel->AddConnection(Connection());
+    const QModelIndex added = m_pProxyModel->mapFromSource(m_pModel->index(row, ConnectionsModel::ColumnName));
+    if (!added.isValid())
+        return;
+    m_pDetailsView->scrollTo(added); // first, because its scroll range from before would limit the basic view's
+    m_pBasicView->selectionModel()->setCurrentIndex(added, QItemSelectionModel::NoUpdate);
 }
 
 void VexelConnectDlgGUI::SlotEdit()

@@ -78,6 +78,8 @@ protected:
 private:
     void SetUpViews();
     void SynchronizeScrollBars();
+    /// Scrolls by the height of the horizontal scroll bar if it just covered the end of the list or the current entry.
+    void ScrollOutFromUnderBar();
     void FillFilterColumns();
     void UpdateFilterColumns();
     void ApplyFilter();
