@@ -20,6 +20,8 @@ private slots:
     void randomActionsKeepViewsInStep();
     void selectedRowsAgreeWithQt();
     void longTextsKeepRowHeights();
+    void anyNameIsOneLineHigh_data();
+    void anyNameIsOneLineHigh();
     void lineEditorsTakeAnyText_data();
     void lineEditorsTakeAnyText();
 
@@ -203,6 +205,61 @@ void TestDialogViews::longTextsKeepRowHeights()
     QCOMPARE(m_fixture->Proxy()->index(0, 1).data(Qt::EditRole).toString(), broken);
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QString(20000, QLatin1Char('n')));
     QCOMPARE(m_fixture->Proxy()->rowCount(), 1);
+}
+
+void TestDialogViews::anyNameIsOneLineHigh_data()
+{
+    constexpr qsizetype kMegabyte = 1024 * 1024;
+    const auto repeated = [](const QString& part) {
+        return part.repeated(kMegabyte / part.size());
+    };
+    QString controls;
+    for (int c = 1; c < 0xa0; ++c)
+        if (QChar(c).category() == QChar::Other_Control)
+            controls += QChar(c);
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a megabyte") << repeated(QStringLiteral("m"));
+    QTest::newRow("controls") << QString(QLatin1Char('c') + controls);
+    QTest::newRow("a megabyte of controls") << repeated(controls);
+    QTest::newRow("line and paragraph separators") << repeated(QStringLiteral("a\u2028b\u2029c\u0085d\ve\f"));
+    QTest::newRow("right-to-left marks") << repeated(QStringLiteral("\u202e\u05d0b\u202c\u200f\u2067x"));
+    QTest::newRow("right-to-left override without end") << QString(QStringLiteral("\u202eabc \u05d0\u05d1"));
+    QTest::newRow("combining marks") << QString(QLatin1Char('a') + repeated(QStringLiteral("\u0301")));
+    QTest::newRow("combining marks above and below") << repeated(QStringLiteral("\u0e17\u0e35\u0e48\u0316\u0489"));
+}
+
+void TestDialogViews::anyNameIsOneLineHigh()
+{
+    QFETCH(QString, name);
+    m_fixture->Build();
+    m_fixture->dialog->resize(1200, 400);
+    m_fixture->Action("m_pDetailsAction")->trigger();
+    m_fixture->Add({Entry("0"), Entry("1")});
+    m_fixture->Show();
+    QTreeView* const basic = m_fixture->BasicView();
+    const int lineHeight = basic->visualRect(m_fixture->Proxy()->index(0, ConnectionsModel::ColumnName)).height();
+    Connection entry = Entry(name);
+    entry.DeviceAddress = name;
+    m_fixture->Add({entry});
+    CompareViews();
+    const int row = m_fixture->ProxyRow(name);
+    QVERIFY(row >= 0);
+    const QModelIndex cell = m_fixture->Proxy()->index(row, ConnectionsModel::ColumnName);
+    // A fallback font can be higher, but not as high as two lines.
+    QVERIFY(basic->visualRect(cell).height() < 2 * lineHeight);
+
+    // The editor has the whole text.
+    basic->setFocus();
+    m_fixture->dialog->SlotDoubleClicked(cell);
+    auto* const editor = basic->viewport()->findChild<QLineEdit*>();
+    QVERIFY(editor);
+    QCOMPARE(editor->text().size(), name.size());
+    QVERIFY(editor->text() == name);
+    // A long text is not shaped, which would take minutes for combining marks.
+    QCOMPARE(editor->font().styleStrategy() == QFont::PreferNoShaping, name.size() > 10000);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_VERIFY(!basic->viewport()->findChild<QLineEdit*>());
+    QVERIFY(m_fixture->model->GetConnection(2).ConnectionName == name);
 }
 
 void TestDialogViews::lineEditorsTakeAnyText_data()

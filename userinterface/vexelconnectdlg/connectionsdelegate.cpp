@@ -19,6 +19,9 @@ namespace {
 constexpr int kMaximumTimeout = 90000; // seconds
 constexpr int kTimeoutStep = 30;       // seconds
 
+// Characters. Shaping takes quadratic time for combining marks on one character: most of a minute for a megabyte.
+constexpr qsizetype kLongestShapedText = 10'000;
+
 // Device types that exist in stored entries but are no longer offered.
 constexpr std::array kWithdrawnDeviceTypes{Connection::Heron, Connection::WrenD, Connection::Pipit};
 
@@ -53,6 +56,16 @@ QLineEdit* NewLineEdit(QWidget* parent)
     // By default it cuts texts off after 32,767 characters.
     lineEdit->setMaxLength(std::numeric_limits<int>::max());
     return lineEdit;
+}
+
+void SetText(QLineEdit* lineEdit, const QString& text)
+{
+    if (text.size() > kLongestShapedText) {
+        QFont font = lineEdit->font();
+        font.setStyleStrategy(QFont::PreferNoShaping);
+        lineEdit->setFont(font);
+    }
+    lineEdit->setText(text);
 }
 
 QWidget* NewEditor(QWidget* parent, int column)
@@ -131,7 +144,7 @@ void ConnectionsDelegate::setEditorData(QWidget* editor, const QModelIndex& inde
     else if (auto* const spinBox = qobject_cast<QSpinBox*>(editor))
         spinBox->setValue(value.toInt());
     else if (auto* const lineEdit = qobject_cast<QLineEdit*>(editor))
-        lineEdit->setText(value.toString());
+        SetText(lineEdit, value.toString());
 }
 
 void ConnectionsDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const

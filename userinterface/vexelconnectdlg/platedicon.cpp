@@ -4,13 +4,15 @@
 #include <QIconEngine>
 #include <QPainter>
 
+#include <utility>
+
 namespace {
 
 class PlatedIconEngine : public QIconEngine
 {
 public:
-    explicit PlatedIconEngine(const QIcon& icon)
-        : m_icon(icon)
+    explicit PlatedIconEngine(QIcon icon)
+        : m_icon(std::move(icon))
     {
     }
 
