@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Holds the product's main widget and stores window sizes. GUI thread only.
+/// Holds the product's main widget and stores where windows are. GUI thread only.
 class VEXELPLATFORM_EXPORT GuiBase
 {
 public:
@@ -18,11 +18,13 @@ public:
     QWidget* GetMainWidget() const;
     void SetMainWidget(QWidget* widget);
 
-    /// Resizes `widget` to the size stored under its object name, but not beyond the available area of its screen. Does
+    /// Gives `widget` the size and the position stored under its object name. Keeps it whole on a screen from now on,
+    /// whenever it is shown: a stored place on a screen that is gone or smaller is fitted to one that exists. Changes
     /// nothing if no valid size is stored, or if the widget is null or has no object name.
     void RestoreWidgetSize(QWidget* widget);
-    /// Host side, before saving the configuration: stores the size of `widget` under its object name in the user's
-    /// configuration. For a maximised or full-screen window this is its normal size.
+    /// Host side, before saving the configuration: stores the size and the position of `widget` under its object name
+    /// in the user's configuration. For a maximised or full-screen window these are its normal ones. Wayland knows no
+    /// positions.
     void StoreWidgetSize(QWidget* widget);
 
 private:

@@ -28,8 +28,8 @@ Interactive use:
   example when kitestarter started the host, they are also shown in the tray,
   or without a tray in a message box.
   SIGINT, SIGTERM and the end of the session end the host at any time, without
-  a question. The host always saves the list, the filter and the window's size
-  before it ends. Applications that it started end with it.
+  a question. The host always saves the list, the filter, and where the window
+  is, before it ends. Applications that it started end with it.
 
 Headless use:
   --import, --add, --export, --list, --connect, --connect-selected, --wait and

@@ -6,6 +6,7 @@
 #include <QDrag>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QUrl>
@@ -56,6 +57,9 @@ private slots:
     void enterConnects();
     void contextMenuOpensOnRightClick();
     void fileDroppedOnTheTableIsImported();
+    void comesBackWhereItWas_data();
+    void comesBackWhereItWas();
+    void storedSizeOfALargerScreenIsFitted();
     void calledMinimizedDialogIsShown_data();
     void calledMinimizedDialogIsShown();
 
@@ -203,6 +207,56 @@ void TestDesktopDialog::fileDroppedOnTheTableIsImported()
     QTRY_COMPARE_WITH_TIMEOUT(m_fixture->Names(), QStringList{QStringLiteral("dropped")}, 20000);
     QCOMPARE(source.result, Qt::CopyAction);
     QTRY_COMPARE(rest.state(), QProcess::NotRunning);
+}
+
+void TestDesktopDialog::comesBackWhereItWas_data()
+{
+    QTest::addColumn<bool>("isMainWidget");
+    QTest::newRow("the main widget") << true;
+    QTest::newRow("another window is the main widget") << false;
+}
+
+void TestDesktopDialog::comesBackWhereItWas()
+{
+    QFETCH(bool, isMainWidget);
+    QWidget other;
+    m_fixture->TearDown();
+    if (!isMainWidget)
+        GuiBase::Instance().SetMainWidget(&other);
+    m_fixture->Build();
+    m_fixture->Show();
+    QDialog* const dialog = m_fixture->dialog;
+    QCOMPARE(GuiBase::Instance().GetMainWidget() == dialog, isMainWidget);
+    // As the user moves it.
+    Desktop::Do(
+        {QStringLiteral("windowmove"), QString::number(dialog->winId()), QStringLiteral("311"), QStringLiteral("477")});
+    QTRY_COMPARE(dialog->geometry().topLeft(), QPoint(311, 477));
+    for (int run = 0; run < 3; ++run) {
+        m_fixture->ConnectButton()->click();
+        QVERIFY(!dialog->isVisible());
+        m_fixture->Show();
+        // After what the window manager has to say.
+        dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(dialog));
+        QTRY_COMPARE(dialog->geometry().topLeft(), QPoint(311, 477));
+    }
+}
+
+void TestDesktopDialog::storedSizeOfALargerScreenIsFitted()
+{
+    QDialog* const dialog = m_fixture->dialog;
+    const QRect screen = dialog->screen()->availableGeometry();
+    dialog->hide();
+    dialog->setGeometry(screen.translated(30, 40));
+    GuiBase::Instance().StoreWidgetSize(dialog);
+
+    m_fixture->TearDown();
+    m_fixture->Build();
+    m_fixture->Show();
+    // With its frame, which is known only when the window manager has made it.
+    QTRY_VERIFY(m_fixture->dialog->frameGeometry().height() > m_fixture->dialog->height());
+    QTRY_VERIFY(screen.contains(m_fixture->dialog->frameGeometry()));
+    QVERIFY(m_fixture->dialog->height() > screen.height() / 2);
 }
 
 void TestDesktopDialog::calledMinimizedDialogIsShown_data()

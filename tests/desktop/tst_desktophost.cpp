@@ -12,7 +12,7 @@ class TestDesktopHost : public QObject
     Q_OBJECT
 
 private slots:
-    void sizeOutlivesTheRun();
+    void placeOutlivesTheRun();
     void staysInTheTrayUntilQuit();
 
 private:
@@ -48,21 +48,28 @@ private:
         return tool.waitForFinished() && tool.readAllStandardOutput().contains("_NET_WM_ICON = ");
     }
 
-    static QSize SizeOf(const QString& window)
+    /// Where the content of a window is.
+    static QRect PlaceOf(const QString& window)
     {
-        const QString geometry = Desktop::Do({QStringLiteral("getwindowgeometry"), window});
-        const auto match = QRegularExpression(QStringLiteral("Geometry: (\\d+)x(\\d+)")).match(geometry);
-        return {match.captured(1).toInt(), match.captured(2).toInt()};
+        QProcess tool;
+        tool.start(QStringLiteral("xwininfo"), {QStringLiteral("-id"), window});
+        tool.waitForFinished();
+        const QString text = QString::fromUtf8(tool.readAllStandardOutput());
+        const auto number = [&text](const char* key) {
+            const QRegularExpression line(QLatin1String(key) + QStringLiteral(": +(-?\\d+)"));
+            return line.match(text).captured(1).toInt();
+        };
+        return {number("Absolute upper-left X"), number("Absolute upper-left Y"), number("Width"), number("Height")};
     }
 };
 
-void TestDesktopHost::sizeOutlivesTheRun()
+void TestDesktopHost::placeOutlivesTheRun()
 {
     const QTemporaryDir directory;
     const QStringList arguments{QStringLiteral("--config"), directory.filePath(QStringLiteral("config")),
                                 QStringLiteral("--data"), directory.path()};
-    const QSize wanted(777, 333);
-    for (int run = 0; run < 2; ++run) {
+    const QRect wanted(321, 456, 777, 333);
+    for (int run = 0; run < 3; ++run) {
         QProcess host;
         host.setProcessChannelMode(QProcess::ForwardedChannels);
         host.start(QStringLiteral(VEXEL_HOST), arguments);
@@ -70,11 +77,13 @@ void TestDesktopHost::sizeOutlivesTheRun()
         QTRY_VERIFY_WITH_TIMEOUT(!(window = FindWindow()).isEmpty(), 20000);
         QVERIFY(HasPicture(window));
         if (run == 0) {
-            QVERIFY(SizeOf(window) != wanted);
+            QVERIFY(PlaceOf(window).size() != wanted.size());
             Desktop::Do({QStringLiteral("windowsize"), QStringLiteral("--sync"), window,
                          QString::number(wanted.width()), QString::number(wanted.height())});
+            Desktop::Do(
+                {QStringLiteral("windowmove"), window, QString::number(wanted.x()), QString::number(wanted.y())});
         }
-        QTRY_COMPARE(SizeOf(window), wanted);
+        QTRY_COMPARE(PlaceOf(window), wanted);
         host.terminate();
         QVERIFY(host.waitForFinished());
         QCOMPARE(host.exitStatus(), QProcess::NormalExit);

@@ -93,6 +93,109 @@ private slots:
         QCOMPARE(Restored(QStringLiteral("Dialog")), screen);
     }
 
+    void positionIsRestoredInTheNextRun()
+    {
+        Store(QStringLiteral("Dialog"), QRect(170, 90, 300, 200));
+        QVERIFY(CfgCenter::SaveDocument());
+        QVERIFY(CfgCenter::Open(m_store->path()));
+        QCOMPARE(RestoredPlace(QStringLiteral("Dialog")), QRect(170, 90, 300, 200));
+    }
+
+    void windowThatWasNeverShownHasNoPosition()
+    {
+        Store(QStringLiteral("Dialog"), {300, 200});
+        const std::unique_ptr<ICfg> node = Node(QStringLiteral("Dialog"));
+        QCOMPARE(node->GetString(QStringLiteral("Left"), QStringLiteral("none"), 0), QStringLiteral("none"));
+        QWidget widget;
+        widget.setObjectName(QStringLiteral("Dialog"));
+        GuiBase::Instance().RestoreWidgetSize(&widget);
+        QVERIFY(!widget.testAttribute(Qt::WA_Moved)); // Qt still chooses one
+    }
+
+    void placeOutsideTheScreenIsMovedInside_data()
+    {
+        QTest::addColumn<QRect>("stored");
+        QTest::addColumn<QRect>("restored");
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        const QSize size(300, 200);
+        const int left = screen.right() + 1 - size.width();
+        const int top = screen.bottom() + 1 - size.height();
+        const auto row = [&size](const char* name, const QPoint& stored, const QPoint& restored) {
+            QTest::newRow(name) << QRect(stored, size) << QRect(restored, size);
+        };
+        row("beyond the right edge", screen.topRight(), {left, screen.top()});
+        row("beyond the lower edge", screen.bottomLeft(), {screen.left(), top});
+        row("over the corner", screen.topLeft() - QPoint(100, 50), screen.topLeft());
+        row("on a screen that is gone", {-2500, 9000}, {screen.left(), top});
+        row("far away", {65536, 65536}, {left, top});
+        QTest::newRow("larger than the screen") << QRect(QPoint(50, 50), screen.size() + QSize(9, 9)) << screen;
+    }
+    void placeOutsideTheScreenIsMovedInside()
+    {
+        QFETCH(const QRect, stored);
+        QFETCH(const QRect, restored);
+        Store(QStringLiteral("Dialog"), stored);
+        QCOMPARE(RestoredPlace(QStringLiteral("Dialog")), restored);
+    }
+
+    void invalidPositionIsIgnored_data()
+    {
+        QTest::addColumn<QString>("left");
+        QTest::addColumn<QString>("top");
+        QTest::newRow("none") << QString() << QString();
+        QTest::newRow("no number") << QStringLiteral("left") << QStringLiteral("10");
+        QTest::newRow("only one") << QStringLiteral("10") << QString();
+        QTest::newRow("too far") << QStringLiteral("10") << QStringLiteral("65537");
+        QTest::newRow("largest number") << QStringLiteral("2147483647") << QStringLiteral("2147483647");
+        QTest::newRow("smallest number") << QStringLiteral("-2147483648") << QStringLiteral("-2147483648");
+    }
+    void invalidPositionIsIgnored()
+    {
+        QFETCH(const QString, left);
+        QFETCH(const QString, top);
+        Store(QStringLiteral("Dialog"), QRect(170, 90, 300, 200));
+        const std::unique_ptr<ICfg> node = Node(QStringLiteral("Dialog"));
+        node->SetString(QStringLiteral("Left"), left, 0);
+        node->SetString(QStringLiteral("Top"), top, 0);
+        QCOMPARE(RestoredPlace(QStringLiteral("Dialog")), QRect(QPoint(40, 30), QSize(300, 200)));
+    }
+
+    void windowIsWholeOnTheScreenWheneverItIsShown()
+    {
+        Store(QStringLiteral("Dialog"), QRect(170, 90, 300, 200));
+        QWidget widget;
+        widget.setObjectName(QStringLiteral("Dialog"));
+        GuiBase::Instance().RestoreWidgetSize(&widget);
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        const QRect screen = widget.screen()->availableGeometry();
+        // As if the screen had become smaller meanwhile.
+        widget.hide();
+        widget.setGeometry(QRect(screen.center(), screen.size()));
+        widget.show();
+        QTRY_VERIFY(screen.contains(widget.frameGeometry()));
+
+        // Elsewhere it stays where it is.
+        widget.hide();
+        widget.setGeometry(160, 80, 300, 200);
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        QTRY_COMPARE(widget.geometry(), QRect(160, 80, 300, 200));
+    }
+
+    void maximisedWindowStoresItsNormalPlace()
+    {
+        QWidget widget;
+        widget.setObjectName(QStringLiteral("Dialog"));
+        widget.setGeometry(170, 90, 300, 200);
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        widget.showMaximized();
+        QTRY_VERIFY(widget.size() != QSize(300, 200));
+        GuiBase::Instance().StoreWidgetSize(&widget);
+        QCOMPARE(RestoredPlace(QStringLiteral("Dialog")), QRect(170, 90, 300, 200));
+    }
+
     void storeWidgetSizeDoesNotSave()
     {
         Store(QStringLiteral("Dialog"), {700, 400});
@@ -175,6 +278,30 @@ private:
         widget.setObjectName(name);
         widget.resize(size);
         GuiBase::Instance().StoreWidgetSize(&widget);
+    }
+
+    static void Store(const QString& name, const QRect& place)
+    {
+        QWidget widget;
+        widget.setObjectName(name);
+        widget.setGeometry(place);
+        GuiBase::Instance().StoreWidgetSize(&widget);
+    }
+
+    static std::unique_ptr<ICfg> Node(const QString& name)
+    {
+        const std::unique_ptr<ICfg> sizes(
+            CfgCenter::GetAppCfg(View::User)->OpenChild(QStringLiteral("WidgetSizes"), 0));
+        return std::unique_ptr<ICfg>(sizes->OpenChild(name, 0));
+    }
+
+    static QRect RestoredPlace(const QString& name)
+    {
+        QWidget widget;
+        widget.setObjectName(name);
+        widget.setGeometry(QRect(QPoint(40, 30), kUntouched));
+        GuiBase::Instance().RestoreWidgetSize(&widget);
+        return widget.geometry();
     }
 
     static QSize Restored(const QString& name)

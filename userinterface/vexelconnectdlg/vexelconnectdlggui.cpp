@@ -517,6 +517,8 @@ void VexelConnectDlgGUI::dropEvent(QDropEvent* event)
 void VexelConnectDlgGUI::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
+    // Qt would centre the dialog again whenever it is shown.
+    setAttribute(Qt::WA_Moved);
     // The frame does not count as visible while the dialog is hidden.
     UpdateFilterSign();
     GuiBase& guiBase = GuiBase::Instance();
