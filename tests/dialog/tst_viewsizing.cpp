@@ -179,6 +179,7 @@ void TestViewSizing::columnsFitOnTallScreen()
 {
     Add(Name(70) + QString(60, QLatin1Char('n')));
     Show(400, QSize(1200, 300));
+    QCoreApplication::processEvents(); // a window that has just been shown is fitted to the small screen
     m_dialog->resize(1200, 100 * Rect(0, Model::ColumnName).height());
     QTRY_VERIFY(Basic()->viewport()->rect().contains(Rect(75, Model::ColumnSelected).center()));
     QTRY_VERIFY(Fits(71, Model::ColumnName));
