@@ -71,12 +71,13 @@ bool IsBlocked(const QWidget& window)
 /// static functions of QFileDialog do not survive.
 std::optional<QString> AskForFile(QWidget* parent, const QString& title, QFileDialog::AcceptMode mode)
 {
-    const QPointer<QFileDialog> dialog = new QFileDialog(parent, title, QString(), FileFilter());
+    auto* const dialog = new QFileDialog(parent, title, QString(), FileFilter());
+    const QPointer<QFileDialog> alive(dialog);
     dialog->setSupportedSchemes({QStringLiteral("file")});
     dialog->setAcceptMode(mode);
     dialog->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     const bool isAccepted = dialog->exec() == QDialog::Accepted;
-    if (!dialog)
+    if (!alive)
         return std::nullopt;
     const QString fileName = isAccepted ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
