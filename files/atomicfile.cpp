@@ -150,8 +150,12 @@ QString ReplaceRegularFile(const QString& file, const QByteArray& content, FileA
     if (former.exists() && !former.isFile())
         return QStringLiteral("not a regular file");
     const QString error = WriteWithRetries(file, content, access);
-    // Its folder may allow neither a new file nor the replacement of this one.
     if (error.isEmpty() || !former.exists())
+        return error;
+    // Its folder may allow neither a new file nor the replacement of this one. But where there is no room, writing in
+    // place could lose the file.
+    const QString folder = ResolveLinks(file).absolutePath();
+    if (CreationObstacle(folder).isEmpty() && !CreationObstacle(folder, content).isEmpty())
         return error;
     return WriteInPlace(file, content).value_or(error);
 }

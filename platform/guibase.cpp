@@ -93,8 +93,8 @@ void Place(QWidget& widget, const QRect& geometry)
     widget.setGeometry(Fitted(geometry, FrameOf(widget), minimumSize, AvailableArea(widget, geometry)));
 }
 
-/// Keeps a window whole on the screen whenever it is shown. The screens may have changed, and the frame may have become
-/// known.
+/// Keeps a window whole on the screen whenever it is shown or a screen is removed. The screens may have changed, and
+/// the frame may have become known.
 class ScreenKeeper : public QObject
 {
 public:
@@ -105,6 +105,7 @@ public:
         setObjectName(ObjectName());
         widget->installEventFilter(this);
         WatchWindow();
+        connect(qApp, &QGuiApplication::screenRemoved, this, &ScreenKeeper::Keep, Qt::QueuedConnection);
     }
 
     static QString ObjectName() { return QStringLiteral("ScreenKeeper"); }
@@ -114,6 +115,9 @@ public:
         if (event->type() == QEvent::Show && watched == &m_widget && !event->spontaneous()) {
             Keep();
             WatchWindow();
+        } else if (event->type() == QEvent::WindowStateChange && watched == &m_widget) {
+            // The screen may have gone while the window was minimised.
+            QMetaObject::invokeMethod(this, &ScreenKeeper::Keep, Qt::QueuedConnection);
         } else if (event->type() == QEvent::Expose && m_isShownAnew) {
             // The frame is known now.
             m_isShownAnew = false;

@@ -20,14 +20,11 @@ AutoSave::AutoSave(const ConnectDialog& dialog, Save save, QObject* parent)
     m_timer.setInterval(3s); // one save, and so one version, for a burst of changes
     connect(&m_timer, &QTimer::timeout, this, &AutoSave::Start);
 
-    const auto restart = [this] {
-        m_timer.start();
-    };
     const QAbstractItemModel* const entries = dialog.Entries();
     connect(entries, &QAbstractItemModel::dataChanged, this, &AutoSave::OnDataChanged);
-    connect(entries, &QAbstractItemModel::rowsInserted, this, restart);
-    connect(entries, &QAbstractItemModel::rowsRemoved, this, restart);
-    connect(entries, &QAbstractItemModel::layoutChanged, this, restart);
+    connect(entries, &QAbstractItemModel::rowsInserted, this, &AutoSave::OnChange);
+    connect(entries, &QAbstractItemModel::rowsRemoved, this, &AutoSave::OnChange);
+    connect(entries, &QAbstractItemModel::layoutChanged, this, &AutoSave::OnChange);
 }
 
 void AutoSave::Cancel()
@@ -36,15 +33,29 @@ void AutoSave::Cancel()
     ++m_run;
 }
 
+void AutoSave::OnChange()
+{
+    constexpr std::chrono::milliseconds kLongestBurst = 1min;
+    if (!m_timer.isActive())
+        m_firstChange.start();
+    if (!m_firstChange.hasExpired(kLongestBurst.count()))
+        m_timer.start();
+}
+
 void AutoSave::OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
 {
     const int status = static_cast<int>(EntryColumn::Status);
     if (topLeft.column() != status || bottomRight.column() != status)
-        m_timer.start();
+        OnChange();
 }
 
 void AutoSave::Start()
 {
+    // Assigning waits for the text before; a very long list takes seconds.
+    if (m_text.valid() && m_text.wait_for(0s) == std::future_status::timeout) {
+        m_timer.start();
+        return;
+    }
     const int run = ++m_run;
     m_text = std::async([this, run, list = m_dialog.Copy()] {
         const StoredText text = ToStoredText(list);
@@ -56,6 +67,8 @@ void AutoSave::Start()
             },
             Qt::QueuedConnection);
     });
+    if (m_text.wait_for(0s) == std::future_status::deferred) // no thread can be created
+        m_text.get();
 }
 
 void AutoSave::Write(const StoredText& text)

@@ -3,14 +3,15 @@
 #include "host/plugin/connectdialog.h"
 #include "host/store/storedset.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
 #include <functional>
 #include <future>
 
-/// Saves the list some seconds after the last change of it, so that the sudden end of the host loses nothing older. A
-/// change of statuses alone is not saved.
+/// Saves the list some seconds after the last change of it, and at least once a minute while it is being changed, so
+/// that the sudden end of the host loses nothing older. A change of statuses alone is not saved.
 ///
 /// The list is copied on the GUI thread; another thread turns the copy into text and writes it.
 class AutoSave : public QObject
@@ -33,6 +34,7 @@ signals:
     void Saved(const QString& error);
 
 private:
+    void OnChange();
     void OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
     void Start();
     void Write(const StoredText& text);
@@ -40,6 +42,7 @@ private:
     const ConnectDialog& m_dialog;
     const Save m_save;
     QTimer m_timer;
-    int m_run = 0; // changes whenever the text that is being made is of no use any more
+    QElapsedTimer m_firstChange; // that is not being saved yet
+    int m_run = 0;               // changes whenever the text that is being made is of no use any more
     std::future<void> m_text;
 };
