@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <regex>
 #include <system_error>
 
 namespace {
@@ -150,11 +151,12 @@ QString ReplaceRegularFile(const QString& file, const QByteArray& content, FileA
     if (former.exists() && !former.isFile())
         return QStringLiteral("not a regular file");
     const QString error = WriteWithRetries(file, content, access);
-    if (error.isEmpty() || !former.exists())
+    const QFileInfo target = ResolveLinks(file);
+    if (error.isEmpty() || !target.isWritable()) // also if it does not exist
         return error;
     // Its folder may allow neither a new file nor the replacement of this one. But where there is no room, writing in
     // place could lose the file.
-    const QString folder = ResolveLinks(file).absolutePath();
+    const QString folder = target.absolutePath();
     if (CreationObstacle(folder).isEmpty() && !CreationObstacle(folder, content).isEmpty())
         return error;
     return WriteInPlace(file, content).value_or(error);

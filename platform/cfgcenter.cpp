@@ -5,6 +5,7 @@
 #include "platform/config/confignames.h"
 #include "platform/config/confignode.h"
 #include "platform/tracing.h"
+#include "process/background.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -130,8 +131,7 @@ void StartBackgroundSave(SaveDone done)
         QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
         return results;
     };
-    // If no thread can be created, this runs when the result is needed.
-    TheStore().backgroundSave = {number, std::move(documents), std::async(std::move(work)), std::move(done)};
+    TheStore().backgroundSave = {number, std::move(documents), RunInBackground(std::move(work)), std::move(done)};
 }
 
 ICfg* RootNode(const QString& file, const QString& path)

@@ -1,6 +1,7 @@
 #include "host/desktop/autosave.h"
 
 #include "platform/cfgcenter.h"
+#include "process/background.h"
 
 #include <QPointer>
 
@@ -27,6 +28,12 @@ AutoSave::AutoSave(const ConnectDialog& dialog, Save save, QObject* parent)
     connect(entries, &QAbstractItemModel::layoutChanged, this, &AutoSave::OnChange);
 }
 
+AutoSave::~AutoSave()
+{
+    if (m_text.valid())
+        m_text.wait();
+}
+
 void AutoSave::Cancel()
 {
     m_timer.stop();
@@ -51,13 +58,13 @@ void AutoSave::OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bott
 
 void AutoSave::Start()
 {
-    // Assigning waits for the text before; a very long list takes seconds.
-    if (m_text.valid() && m_text.wait_for(0s) == std::future_status::timeout) {
+    // A very long list takes seconds.
+    if (m_text.valid() && m_text.wait_for(0s) != std::future_status::ready) {
         m_timer.start();
         return;
     }
     const int run = ++m_run;
-    m_text = std::async([this, run, list = m_dialog.Copy()] {
+    m_text = RunInBackground([this, run, list = m_dialog.Copy()] {
         const StoredText text = ToStoredText(list);
         QMetaObject::invokeMethod(
             this,
@@ -67,8 +74,6 @@ void AutoSave::Start()
             },
             Qt::QueuedConnection);
     });
-    if (m_text.wait_for(0s) == std::future_status::deferred) // no thread can be created
-        m_text.get();
 }
 
 void AutoSave::Write(const StoredText& text)

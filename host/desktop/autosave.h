@@ -25,6 +25,7 @@ public:
 
     /// `dialog` must outlive this object.
     AutoSave(const ConnectDialog& dialog, Save save, QObject* parent = nullptr);
+    ~AutoSave() override;
 
     /// Drops what has not been handed to the configuration yet, because all is being saved otherwise.
     void Cancel();

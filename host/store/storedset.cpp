@@ -2,6 +2,7 @@
 
 #include "host/plugin/connectdialog.h"
 #include "platform/icfg.h"
+#include "process/background.h"
 #include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
@@ -89,8 +90,7 @@ StoredSet ReadStoredSet(ICfg& document)
 
 std::future<StoredSet> ReadStoredSetAsync(ICfg& document)
 {
-    // If no thread can be created, this runs when the result is requested.
-    return std::async(ParseHex, TextIn(document));
+    return RunInBackground([text = TextIn(document)] { return ParseHex(text); });
 }
 
 StoredText ToStoredText(const ListCopy& list)

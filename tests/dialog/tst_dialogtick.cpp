@@ -78,7 +78,8 @@ void TestDialogTick::tickIsSeenOnSelectedRow_data()
 {
     QTest::addColumn<QPalette>("palette");
     QTest::addColumn<double>("scale");
-    QPalette light = QStyleFactory::create(QStringLiteral("fusion"))->standardPalette();
+    const std::unique_ptr<QStyle> style(QStyleFactory::create(QStringLiteral("fusion")));
+    QPalette light = style->standardPalette();
     QPalette pale = light;
     pale.setColor(QPalette::Highlight, QColor(200, 225, 255));
     QPalette green = light;

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <sched.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 /// The host with and without a display and a home directory, and with names that are not text.
@@ -114,15 +115,17 @@ private slots:
         constexpr uid_t kUnknownUser = 54321;
         if (::getpwuid(kUnknownUser))
             QSKIP("the user database has an entry for the number");
-        const uid_t real = ::geteuid();
+        // In a user namespace, the files of this user belong to the unknown one.
+        const QByteArray map = QByteArray::number(kUnknownUser) + ' ' + QByteArray::number(::geteuid()) + " 1\n";
         QProcess host;
-        host.setChildProcessModifier([real] {
-            // In a user namespace, the files of this user belong to the unknown one.
-            const QByteArray map = QByteArray::number(kUnknownUser) + ' ' + QByteArray::number(real) + " 1\n";
-            const int file = ::unshare(CLONE_NEWUSER) == 0 ? ::open("/proc/self/uid_map", O_WRONLY) : -1;
-            if (file == -1 || ::write(file, map.constData(), static_cast<std::size_t>(map.size())) != map.size())
+        host.setChildProcessModifier([&map] {
+            // Plain system calls: sanitizers replace the functions, which fails between fork and exec.
+            const long file = ::syscall(SYS_unshare, CLONE_NEWUSER) == 0
+                                  ? ::syscall(SYS_openat, AT_FDCWD, "/proc/self/uid_map", O_WRONLY)
+                                  : -1;
+            if (file == -1 || ::syscall(SYS_write, file, map.constData(), map.size()) != map.size())
                 ::_exit(99);
-            ::close(file);
+            ::syscall(SYS_close, file);
         });
         const auto result = RunWithHome(setUp, QByteArray(), QByteArray(), "--backups", &host);
         if (result.exitCode == 99)
