@@ -114,7 +114,7 @@ ExitCode Application::RunWithConfiguration(const PluginLibrary& library, SignalW
         return ExitCode::Unusable;
     // Read while the plug-in loads the list. Nothing is saved before the result is known.
     std::future<StoredSet> storedSet = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
-    // Whoever only looks leaves it to others to save an empty list in place of the lost one.
+    // A read-only command must not save an empty list in place of the lost one.
     const bool isLost = CfgCenter::IsAppCfgLost(View::Application);
     m_isReadOnly = m_isReadOnly || (isLost && m_options.IsReadOnly());
     if (isLost && !m_options.fileToExport.isEmpty()) {

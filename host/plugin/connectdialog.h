@@ -34,7 +34,7 @@ struct ListCopy
 {
     /// The value of each cell.
     std::vector<std::array<QVariant, kEntryColumnCount>> rows;
-    /// The list as a connection list document, in place of `rows`, while the dialog tells of a failed import and has
+    /// The list as a connection list document, in place of `rows`, while the dialog reports a failed import and has
     /// not put back the entries from before that.
     QByteArray document;
 };

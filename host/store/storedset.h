@@ -41,6 +41,6 @@ StoredText ToStoredText(const ListCopy& list);
 /// Stores a list in the document with the root node `document`.
 void WriteStoredSet(ICfg& document, const StoredText& text);
 
-/// The number of entries is stored beside them, so that a loss can be told of.
+/// The number of entries is stored with the list, so that the host can report a loss.
 void WriteEntryCount(ICfg& document, int entries);
 std::optional<int> ReadEntryCount(ICfg& document);

@@ -31,7 +31,7 @@ LoadedDocument LoadDocument(const QString& file, DocumentAccess access);
 /// True if the file does not hold the document, but something that is left of it does.
 bool NeedsRecovery(const QString& file, const DocumentReading& reading);
 
-/// The notice about a valid document that somebody else has written.
+/// Returns the notice about a valid document that another program has changed.
 QString AdoptionNotice(const QString& file, const QString& consequence);
 
 struct ReadableVersion
