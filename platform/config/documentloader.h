@@ -24,8 +24,8 @@ struct LoadedDocument
 ///
 /// One that is damaged, unreadable, or missing beside its versions is quarantined and replaced by its newest readable
 /// version. Where there is none, the document begins empty, and its file is missing until it is saved. One that
-/// somebody else has written is used, becomes a version, and is written anew. No file is changed where the lock cannot
-/// be taken or `access` is `ReadOnly`.
+/// another program has changed is used, becomes a version, and is written anew. No file is changed where the lock
+/// cannot be taken or `access` is `ReadOnly`.
 LoadedDocument LoadDocument(const QString& file, DocumentAccess access);
 
 /// True if the file does not hold the document, but something that is left of it does.

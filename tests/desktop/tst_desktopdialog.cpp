@@ -235,7 +235,7 @@ void TestDesktopDialog::comesBackWhereItWas()
         m_fixture->ConnectButton()->click();
         QVERIFY(!dialog->isVisible());
         m_fixture->Show();
-        // After what the window manager has to say.
+        // After the events that the window manager sends.
         dialog->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(dialog));
         QTRY_COMPARE(dialog->geometry().topLeft(), QPoint(311, 477));

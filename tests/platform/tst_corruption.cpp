@@ -72,8 +72,8 @@ private slots:
         for (int i = 1; i <= count && !QTest::currentTestFailed(); ++i)
             CorruptOnce(random, i);
         CfgCenter::SetNoticeSink({});
-        qInfo("%d corruptions: %d recovered from a version, %d used and told of, %d without effect", count, m_recovered,
-              m_used, m_harmless);
+        qInfo("%d corruptions: %d recovered from a version, %d used with a notice, %d without effect", count,
+              m_recovered, m_used, m_harmless);
         QVERIFY(m_recovered > 0 && m_used > 0);
     }
 

@@ -14,7 +14,7 @@ struct XmlLimits
     int references = 8'000'000; ///< to characters and entities, all together
 };
 
-/// For the machine's files. What their elements stand for takes longer to look up than to read.
+/// For the machine's files. Looking up their elements takes longer than reading them.
 inline constexpr XmlLimits kMachineFileLimits{.nodes = 100'000};
 
 /// QXmlStreamReader for untrusted documents. It reads or refuses 64 MiB in about a second, whatever they hold.
