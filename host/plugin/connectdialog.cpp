@@ -23,6 +23,25 @@ QAbstractItemModel* SourceModel(const QTreeView* view)
 
 } // namespace
 
+Connection ToConnection(const EntryRow& row)
+{
+    const auto value = [&row](EntryColumn column) {
+        return row[static_cast<std::size_t>(column)];
+    };
+    Connection entry;
+    entry.Selected = value(EntryColumn::Tick).toBool();
+    entry.ConnectionName = value(EntryColumn::Name).toString();
+    entry.ConnectionStatus = value(EntryColumn::Status).toInt();
+    entry.DeviceType = value(EntryColumn::DeviceType).toInt();
+    entry.ConnectionType = value(EntryColumn::ConnectionType).toInt();
+    entry.DeviceAddress = value(EntryColumn::DeviceAddress).toString();
+    entry.DriverAddress = value(EntryColumn::DriverAddress).toString();
+    entry.LinkSpeed = value(EntryColumn::LinkSpeed).toInt();
+    entry.TimeoutSeconds = value(EntryColumn::Timeout).toInt();
+    entry.Subsystem = value(EntryColumn::Subsystem).toString();
+    return entry;
+}
+
 std::optional<ConnectDialog> ConnectDialog::Find(QString& error)
 {
     const QString windowName = QStringLiteral("VexelConnectDlgGUI");
@@ -87,6 +106,14 @@ bool ConnectDialog::IsTicked(int row) const
     return Value(row, EntryColumn::Tick).toBool();
 }
 
+EntryRow ConnectDialog::Row(int row) const
+{
+    EntryRow values;
+    for (int column = 0; column < kEntryColumnCount; ++column)
+        values[static_cast<std::size_t>(column)] = Value(row, static_cast<EntryColumn>(column));
+    return values;
+}
+
 void ConnectDialog::SetTicked(int row, bool ticked) const
 {
     m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Tick)), ticked, Qt::EditRole);
@@ -138,9 +165,7 @@ ListCopy ConnectDialog::Copy() const
         return copy;
     copy.rows.resize(static_cast<std::size_t>(Count()));
     for (int row = 0; row < Count(); ++row)
-        for (int column = 0; column < kEntryColumnCount; ++column)
-            copy.rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] =
-                Value(row, static_cast<EntryColumn>(column));
+        copy.rows[static_cast<std::size_t>(row)] = Row(row);
     return copy;
 }
 

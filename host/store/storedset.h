@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <future>
 #include <optional>
+#include <vector>
 
+class Connection;
 class ICfg;
 struct ListCopy;
 
@@ -35,7 +38,10 @@ struct StoredText
     int entries = 0;
 };
 
-/// Makes the text of `list`. Any thread; takes a good part of a second for a long list.
+/// Return the entries of `list`, its connection list document, and what is stored of it. Any thread; they take a good
+/// part of a second for a long list.
+std::vector<Connection> ToConnections(const ListCopy& list);
+QByteArray ToDocument(const ListCopy& list);
 StoredText ToStoredText(const ListCopy& list);
 
 /// Stores a list in the document with the root node `document`.
