@@ -13,7 +13,7 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
     : QObject(parent)
     , m_notices(notices)
     , m_saveAll(std::move(saveAll))
-    , m_monitor(dialog.Entries())
+    , m_monitor(dialog)
     , m_visibility(dialog, m_monitor)
     , m_tray(m_monitor, this)
     , m_autoSave(dialog, std::move(autoSave), this)
