@@ -15,7 +15,7 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
     , m_dialog(dialog)
     , m_notices(notices)
     , m_saveAll(std::move(saveAll))
-    , m_monitor(dialog.Entries())
+    , m_monitor(dialog)
     , m_visibility(dialog, m_monitor)
     , m_tray(m_monitor, this)
     , m_autoSave(dialog, std::move(autoSave), this)

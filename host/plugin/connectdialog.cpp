@@ -2,7 +2,9 @@
 
 #include <QAbstractProxyModel>
 #include <QApplication>
+#include <QMetaMethod>
 #include <QMimeData>
+#include <QVariantMap>
 
 #include <algorithm>
 #include <memory>
@@ -126,6 +128,30 @@ QList<int> ConnectDialog::RowsNamed(const QString& name) const
         if (Name(row) == name)
             rows.append(row);
     return rows;
+}
+
+std::optional<EntryApplication> ConnectDialog::ApplicationOf(int row) const
+{
+    const QMetaObject* const type = m_pWindow->metaObject();
+    const QMetaMethod method = type->method(type->indexOfMethod("ApplicationOf(int)"));
+    QVariantMap values;
+    if (method.returnMetaType() != QMetaType::fromType<QVariantMap>() ||
+        !method.invoke(m_pWindow, Qt::DirectConnection, Q_RETURN_ARG(QVariantMap, values), Q_ARG(int, row)) ||
+        values.isEmpty())
+        return std::nullopt;
+
+    const auto number = [&values](const QString& key) {
+        const auto value = values.constFind(key);
+        return value == values.cend() ? std::nullopt : std::optional(value->toInt());
+    };
+    EntryApplication application;
+    application.program = values.value(QStringLiteral("program")).toString();
+    application.process = values.value(QStringLiteral("process")).toLongLong();
+    application.since = values.value(QStringLiteral("since")).toDateTime();
+    application.exitCode = number(QStringLiteral("exitCode"));
+    application.signal = number(QStringLiteral("signal"));
+    application.isCrash = values.value(QStringLiteral("crashed")).toBool();
+    return application;
 }
 
 bool ConnectDialog::Append(const QByteArray& document) const

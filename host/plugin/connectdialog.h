@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/plugin/entryapplication.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 
 #include <QAbstractButton>
@@ -73,6 +74,10 @@ public:
     void SetTicked(int row, bool ticked) const;
     /// Returns the rows of the entries whose name equals `name`.
     QList<int> RowsNamed(const QString& name) const;
+
+    /// Returns the application that serves the entry in `row`, also while the entry becomes "Free" because it has
+    /// ended. None if there is no such application or the plug-in cannot tell.
+    std::optional<EntryApplication> ApplicationOf(int row) const;
 
     /// Appends the entries of a connection list document, all as "Free". Returns false and leaves the list unchanged if
     /// the document is malformed or has no entries, or if the list would become too long (see `ConnectionList`).
