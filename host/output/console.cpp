@@ -9,6 +9,12 @@ using StandardStreams::Stream;
 
 namespace {
 
+QString& Program()
+{
+    static QString name = QStringLiteral("vexelhost");
+    return name;
+}
+
 bool CheckWritten(bool isWritten)
 {
     if (!isWritten)
@@ -19,6 +25,11 @@ bool CheckWritten(bool isWritten)
 } // namespace
 
 namespace Console {
+
+void SetProgram(const QString& name)
+{
+    Program() = name;
+}
 
 void Print(const QString& text)
 {
@@ -37,7 +48,7 @@ bool PrintBytes(const QByteArray& bytes)
 
 void PrintError(const QString& message)
 {
-    StandardStreams::Write(Stream::Error, QStringLiteral("vexelhost: %1\n").arg(OneLine(message)));
+    StandardStreams::Write(Stream::Error, QStringLiteral("%1: %2\n").arg(Program(), OneLine(message)));
 }
 
 } // namespace Console
