@@ -38,7 +38,7 @@ int main(int argc, char** argv)
 {
     RestrictLibrarySearch();
     StandardStreams::Prepare();
-    Console::SetProgram(QStringLiteral("vexelctl"));
+    QCoreApplication::setApplicationName(QStringLiteral("vexelctl"));
     const QCoreApplication application(argc, argv);
     return static_cast<int>(Run(argc, argv));
 }

@@ -9,12 +9,6 @@ using StandardStreams::Stream;
 
 namespace {
 
-QString& Program()
-{
-    static QString name = QStringLiteral("vexelhost");
-    return name;
-}
-
 bool CheckWritten(bool isWritten)
 {
     if (!isWritten)
@@ -25,11 +19,6 @@ bool CheckWritten(bool isWritten)
 } // namespace
 
 namespace Console {
-
-void SetProgram(const QString& name)
-{
-    Program() = name;
-}
 
 void Print(const QString& text)
 {
@@ -48,7 +37,7 @@ bool PrintBytes(const QByteArray& bytes)
 
 void PrintError(const QString& message)
 {
-    StandardStreams::Write(Stream::Error, QStringLiteral("%1: %2\n").arg(Program(), OneLine(message)));
+    StandardStreams::Write(Stream::Error, QStringLiteral("vexelhost: %1\n").arg(OneLine(message)));
 }
 
 } // namespace Console

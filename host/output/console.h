@@ -3,11 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
-/// The program's standard output and error. Output is flushed at once, so that a reader of a pipe sees it immediately.
+/// The host's standard output and error. Output is flushed at once, so that a reader of a pipe sees it immediately.
 namespace Console {
-
-/// Sets the name that begins each line on standard error; "vexelhost" by default.
-void SetProgram(const QString& name);
 
 /// Writes `text` and a line break to standard output.
 void Print(const QString& text);
@@ -17,7 +14,7 @@ void Print(const QString& text);
 /// Writes `bytes` likewise, for example a document with its own encoding.
 [[nodiscard]] bool PrintBytes(const QByteArray& bytes);
 
-/// Writes the program's name, ": " and `message`, escaped to a single line, to standard error.
+/// Writes "vexelhost: " and `message`, escaped to a single line, to standard error.
 void PrintError(const QString& message);
 
 } // namespace Console
