@@ -93,6 +93,11 @@ std::future<StoredSet> ReadStoredSetAsync(ICfg& document)
     return RunInBackground([text = TextIn(document)] { return ParseHex(text); });
 }
 
+QByteArray ReadStoredDocument(ICfg& document)
+{
+    return QByteArray::fromHex(TextIn(document).toLatin1());
+}
+
 StoredText ToStoredText(const ListCopy& list)
 {
     const auto toHex = [](const QByteArray& document) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <future>
@@ -27,6 +28,9 @@ StoredSet ReadStoredSet(ICfg& document);
 /// Same, in a separate thread, because a long set takes a good part of a second. The text is taken from the document
 /// before this returns.
 std::future<StoredSet> ReadStoredSetAsync(ICfg& document);
+
+/// Returns the set itself, as a connection list document; empty if nothing is stored.
+QByteArray ReadStoredDocument(ICfg& document);
 
 /// What is stored of a list.
 struct StoredText
