@@ -9,11 +9,12 @@
 
 namespace {
 
-/// The format of QLockFile, so that tools for its files can read this one.
-QByteArray HolderContent()
+/// The format of QLockFile, so that tools for its files can read this one, and a line for the address.
+QByteArray HolderContent(const QString& address)
 {
+    const QByteArray line = address.isEmpty() ? QByteArray() : address.toUtf8() + '\n';
     return QByteArray::number(QCoreApplication::applicationPid()) + '\n' +
-           QCoreApplication::applicationName().toUtf8() + '\n' + QSysInfo::machineHostName().toUtf8() + '\n';
+           QCoreApplication::applicationName().toUtf8() + '\n' + QSysInfo::machineHostName().toUtf8() + '\n' + line;
 }
 
 } // namespace
@@ -30,8 +31,13 @@ FileLock::Result FileLock::TryLock(const QString& path, QString* error)
 {
     const Result result = TryOpen(path, error);
     if (result == Result::Locked || result == Result::Unsupported)
-        Write(HolderContent());
+        WriteHolder({});
     return result;
+}
+
+void FileLock::WriteHolder(const QString& address) const
+{
+    Write(HolderContent(address));
 }
 
 FileLock::Result FileLock::Lock(const QString& path, std::chrono::milliseconds timeout, QString* error)
@@ -54,5 +60,6 @@ FileLock::Holder FileLock::ReadHolder(const QString& path)
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)
         return {};
-    return {process, QString::fromUtf8(lines.at(1)), QString::fromUtf8(lines.at(2))};
+    const QByteArray address = lines.size() > 3 ? lines.at(3) : QByteArray();
+    return {process, QString::fromUtf8(lines.at(1)), QString::fromUtf8(lines.at(2)), QString::fromUtf8(address)};
 }

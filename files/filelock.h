@@ -27,6 +27,7 @@ public:
         qint64 process = 0; ///< process ID; 0 if unknown
         QString program;
         QString machine;
+        QString address; ///< where it takes requests; empty: nowhere
 
         /// "process 4711 (vexelhost)", with the machine where it is not this one; empty if unknown.
         QString Text() const;
@@ -45,8 +46,10 @@ public:
     /// Calls `TryLock` until the result is not `Busy` or `timeout` has passed.
     Result Lock(const QString& path, std::chrono::milliseconds timeout, QString* error);
 
-    /// Replaces the file's content, which names the holder. Only informative: errors, such as a full disk, are ignored.
-    /// Call this only after `Locked` or `Unsupported`.
+    /// Names this process as the holder again, with the address where it takes requests. Errors, such as a full disk,
+    /// are ignored. Call this only after `Locked` or `Unsupported`.
+    void WriteHolder(const QString& address) const;
+    /// Replaces the file's content, likewise.
     void Write(const QByteArray& content) const;
 
     /// Returns the state of the lock file `path` without taking or changing it.

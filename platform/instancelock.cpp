@@ -83,16 +83,23 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
     return Result::Locked;
 }
 
+void InstanceLock::SetAddress(const QString& address) const
+{
+    m_file->WriteHolder(address);
+}
+
 InstanceLock::Owner InstanceLock::Query(const QString& directory)
 {
     const QString file = LockFilePath(directory);
     switch (FileLock::Query(file)) {
     case FileLock::State::Free:
         break;
-    case FileLock::State::Locked:
-        return {State::Somebody, FileLock::ReadHolder(file).process};
+    case FileLock::State::Locked: {
+        const FileLock::Holder holder = FileLock::ReadHolder(file);
+        return {State::Somebody, holder.process, holder.program, holder.address};
+    }
     case FileLock::State::Unknown:
-        return {State::Unknown, 0};
+        return {State::Unknown, 0, {}, {}};
     }
     return {};
 }

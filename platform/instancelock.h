@@ -29,6 +29,8 @@ public:
     {
         State state = State::Nobody;
         qint64 process = 0; ///< process ID; 0 if unknown
+        QString program;    ///< empty if unknown
+        QString address;    ///< where it takes requests; empty if unknown or nowhere
     };
 
     InstanceLock();
@@ -45,6 +47,9 @@ public:
     /// After `TryLock`: returns a warning for the user if the file system does not support locks, so that a second host
     /// is not prevented; otherwise empty.
     const QString& Warning() const { return m_warning; }
+
+    /// Writes into the lock file where this host takes requests; see `Owner::address`. Call only after `Locked`.
+    void SetAddress(const QString& address) const;
 
     /// Returns which host uses `directory`. Takes no lock and changes nothing.
     static Owner Query(const QString& directory);

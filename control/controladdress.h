@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// Returns the address at which the host of `configDirectory`, an existing directory, listens: the path of a socket in
+/// the user's runtime folder, or the name of a pipe that nobody else can guess. Empty if there is no such folder.
+QString NewControlAddress(const QString& configDirectory);

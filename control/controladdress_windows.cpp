@@ -1,0 +1,9 @@
+#include "control/controladdress.h"
+
+#include <QUuid>
+
+QString NewControlAddress(const QString& /*configDirectory*/)
+{
+    // Another user could have made a pipe of a name that can be guessed.
+    return QStringLiteral("vexelhost-") + QUuid::createUuid().toString(QUuid::Id128);
+}

@@ -1,0 +1,135 @@
+#include "control/controlclient.h"
+
+#include "control/controlline.h"
+#include "platform/instancelock.h"
+
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <optional>
+
+namespace {
+
+constexpr unsigned long kRetryMs = 50;
+constexpr int kBusy = 4;
+
+} // namespace
+
+ControlClient::State ControlClient::Connect(const QString& configDirectory)
+{
+    const QDeadlineTimer deadline(ControlLine::kPatience);
+    InstanceLock::Owner owner;
+    do {
+        owner = InstanceLock::Query(configDirectory);
+        if (owner.state != InstanceLock::State::Somebody)
+            return State::NoHost;
+        if (!owner.address.isEmpty()) {
+            m_socket.connectToServer(owner.address);
+            if (m_socket.waitForConnected(static_cast<int>(deadline.remainingTime())))
+                return Greet() ? State::Connected : State::Failed;
+        }
+        // It is starting or ending, or works for a moment only.
+        QThread::msleep(kRetryMs);
+    } while (!deadline.hasExpired());
+    m_error = owner.address.isEmpty()
+                  ? QStringLiteral("process %1 uses the configuration directory %2").arg(owner.process).arg(configDirectory)
+                  : QStringLiteral("the running host, process %1, does not answer: %2")
+                        .arg(owner.process)
+                        .arg(m_socket.errorString());
+    return State::Failed;
+}
+
+bool ControlClient::Greet()
+{
+    const QDeadlineTimer deadline(ControlLine::kPatience);
+    while (!m_received.contains('\n')) {
+        if (!m_socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
+            m_error = m_socket.state() == QLocalSocket::ConnectedState
+                          ? QStringLiteral("the running host does not answer")
+                          : QStringLiteral("the running host is busy with others, or is ending");
+            return false;
+        }
+        m_received += m_socket.readAll();
+    }
+    const qsizetype end = m_received.indexOf('\n');
+    m_greeting = ControlLine::Read(m_received.left(end)).value_or(QJsonObject());
+    m_received.remove(0, end + 1);
+    const int protocol = m_greeting.value(QLatin1String("protocol")).toInt();
+    if (protocol == ControlLine::kProtocol)
+        return true;
+    m_error = QStringLiteral("the running host, version %1, speaks version %2 of the control protocol, and this program "
+                             "version %3; use the vexelctl of that version")
+                  .arg(m_greeting.value(QLatin1String("version")).toString(), QString::number(protocol),
+                       QString::number(ControlLine::kProtocol));
+    return false;
+}
+
+int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteArray& document)
+{
+    request.insert(QStringLiteral("protocol"), ControlLine::kProtocol);
+    request.insert(QStringLiteral("hasDocument"), !document.isEmpty());
+    m_socket.write(ControlLine::Write(request));
+    if (!document.isEmpty()) {
+        m_socket.write(ControlLine::WriteParts(QString::fromUtf8(document), {}));
+        m_socket.write(ControlLine::Write({{QStringLiteral("end"), true}}));
+    }
+
+    QEventLoop loop;
+    QTimer patience;
+    patience.setSingleShot(true);
+    std::optional<int> result;
+    const auto end = [&](int code) {
+        if (!result)
+            result = code;
+        loop.quit();
+    };
+    const auto take = [&](const QJsonObject& line) {
+        const QString type = line.value(QLatin1String("type")).toString();
+        if (type == QLatin1String("end")) {
+            m_error = line.value(QLatin1String("error")).toString();
+            end(line.value(QLatin1String("code")).toInt(kBusy));
+        } else if (type == QLatin1String("accepted")) {
+            patience.stop();
+        } else {
+            onLine(line);
+        }
+    };
+    const auto read = [&] {
+        m_received += m_socket.readAll();
+        qsizetype begin = 0;
+        for (qsizetype next; !result && (next = m_received.indexOf('\n', begin)) >= 0; begin = next + 1)
+            take(ControlLine::Read(m_received.mid(begin, next - begin)).value_or(QJsonObject()));
+        m_received.remove(0, begin);
+    };
+    connect(&m_socket, &QLocalSocket::readyRead, &loop, read);
+    connect(&m_socket, &QLocalSocket::bytesWritten, &patience, [&] { patience.start(ControlLine::kPatience); });
+    connect(&m_socket, &QLocalSocket::disconnected, &loop, [&] {
+        read();
+        if (!result)
+            end(Fail(QStringLiteral("the running host ended before it answered")));
+    });
+    connect(&patience, &QTimer::timeout, &loop,
+            [&] { end(Fail(QStringLiteral("the running host does not answer"))); });
+    connect(this, &ControlClient::Interrupted, &loop, [&](int signal) { end(128 + signal); });
+    patience.start(ControlLine::kPatience);
+    // What came with the greeting.
+    QMetaObject::invokeMethod(&loop, read, Qt::QueuedConnection);
+    if (m_socket.state() != QLocalSocket::ConnectedState)
+        return Fail(QStringLiteral("the running host ended before it answered"));
+    loop.exec();
+    return *result;
+}
+
+bool ControlClient::WaitForEnd()
+{
+    return m_socket.state() == QLocalSocket::UnconnectedState ||
+           m_socket.waitForDisconnected(static_cast<int>(std::chrono::milliseconds(ControlLine::kPatience).count()));
+}
+
+int ControlClient::Fail(const QString& error)
+{
+    m_error = error;
+    return kBusy;
+}

@@ -1,0 +1,53 @@
+#include "control/controlline.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace {
+
+// JSON writes a character of a text in up to six bytes, and base64 three bytes as four.
+constexpr qsizetype kTextPart = 128 * 1024;
+constexpr qsizetype kBytesPart = 512 * 1024;
+
+} // namespace
+
+namespace ControlLine {
+
+QByteArray Write(const QJsonObject& line)
+{
+    return QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
+}
+
+std::optional<QJsonObject> Read(const QByteArray& line)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(line);
+    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+}
+
+QByteArray WriteParts(const QByteArray& bytes, QJsonObject fields)
+{
+    QByteArray lines;
+    for (qsizetype done = 0; done < bytes.size(); done += kBytesPart) {
+        fields.insert(QStringLiteral("base64"), QString::fromLatin1(bytes.mid(done, kBytesPart).toBase64()));
+        lines += Write(fields);
+    }
+    return lines;
+}
+
+QByteArray WriteParts(const QString& text, QJsonObject fields)
+{
+    QByteArray lines;
+    for (qsizetype done = 0; done < text.size();) {
+        qsizetype part = std::min(text.size() - done, kTextPart);
+        // JSON has no halves of characters.
+        if (part > 1 && text.at(done + part - 1).isHighSurrogate())
+            --part;
+        fields.insert(QStringLiteral("text"), text.mid(done, part));
+        lines += Write(fields);
+        done += part;
+    }
+    return lines;
+}
+
+} // namespace ControlLine
