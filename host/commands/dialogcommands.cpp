@@ -1,13 +1,13 @@
 #include "host/commands/dialogcommands.h"
 
 #include "control/controlline.h"
-#include "control/entryjson.h"
 #include "host/commands/dialoghost.h"
 #include "host/commands/messageboxautoresponder.h"
 #include "host/commands/statusreport.h"
 #include "host/output/exitcode.h"
 #include "host/store/storedset.h"
 #include "process/background.h"
+#include "userinterface/vexelconnectdlg/connectionjson.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QApplication>
@@ -42,7 +42,10 @@ bool Flag(const QJsonObject& request, const char* name)
 
 QJsonObject EntryLine(const Connection& entry, const std::optional<EntryApplication>& application)
 {
-    QJsonObject line = EntryToJson(entry, application);
+    std::optional<EntryUse> use;
+    if (application)
+        use = EntryUse{application->program, application->process, application->since};
+    QJsonObject line = ConnectionJson::Write(entry, use);
     line.insert(kType, QStringLiteral("entry"));
     return line;
 }
@@ -194,7 +197,7 @@ void DialogCommands::Watch(const ControlRequest& /*request*/, ControlReply* repl
     new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::All);
     const auto sendCount = [this, reply] {
         reply->Send({{kType, QStringLiteral("entries")},
-                     {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
+                     {QStringLiteral("time"), ConnectionJson::Time(QDateTime::currentDateTime())},
                      {QStringLiteral("count"), m_dialog.Count()}});
     };
     connect(m_dialog.Entries(), &QAbstractItemModel::rowsInserted, reply, sendCount);

@@ -1,8 +1,8 @@
 #include "host/commands/statusreport.h"
 
 #include "control/controlreply.h"
-#include "control/entryjson.h"
 #include "host/plugin/connectdialog.h"
+#include "userinterface/vexelconnectdlg/connectionjson.h"
 
 #include <QDateTime>
 
@@ -18,14 +18,22 @@ bool IsFailure(const EntryApplication& application)
 QJsonObject ToLine(const StatusChange& change)
 {
     QJsonObject line{{QStringLiteral("type"), QStringLiteral("status")},
-                     {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
+                     {QStringLiteral("time"), ConnectionJson::Time(QDateTime::currentDateTime())},
                      {QStringLiteral("name"), change.name},
                      {QStringLiteral("from"), change.from},
-                     {QStringLiteral("fromText"), EnglishStatus(change.from)},
+                     {QStringLiteral("fromText"), Connection::EnglishStatusName(change.from)},
                      {QStringLiteral("to"), change.to},
-                     {QStringLiteral("toText"), EnglishStatus(change.to)}};
-    if (change.application)
-        InsertApplication(line, *change.application);
+                     {QStringLiteral("toText"), Connection::EnglishStatusName(change.to)}};
+    if (!change.application)
+        return line;
+    line.insert(QStringLiteral("program"), change.application->program);
+    line.insert(QStringLiteral("process"), change.application->process);
+    if (change.application->exitCode)
+        line.insert(QStringLiteral("exitCode"), *change.application->exitCode);
+    if (change.application->signal)
+        line.insert(QStringLiteral("signal"), *change.application->signal);
+    if (change.application->isCrash)
+        line.insert(QStringLiteral("crashed"), true);
     return line;
 }
 

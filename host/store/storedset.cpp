@@ -74,6 +74,11 @@ std::future<StoredSet> ReadStoredSetAsync(ICfg& document)
     return RunInBackground([text = TextIn(document)] { return ParseHex(text); });
 }
 
+QByteArray ReadStoredDocument(ICfg& document)
+{
+    return QByteArray::fromHex(TextIn(document).toLatin1());
+}
+
 std::vector<Connection> ToConnections(const ListCopy& list)
 {
     std::vector<Connection> entries;

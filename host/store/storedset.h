@@ -31,6 +31,9 @@ StoredSet ReadStoredSet(ICfg& document);
 /// before this returns.
 std::future<StoredSet> ReadStoredSetAsync(ICfg& document);
 
+/// Returns the set itself, as a connection list document; empty if nothing is stored.
+QByteArray ReadStoredDocument(ICfg& document);
+
 /// What is stored of a list.
 struct StoredText
 {

@@ -53,11 +53,10 @@ SignalWatcher::SignalWatcher(QObject* parent)
 
     d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
     connect(d->notifier.get(), &QSocketNotifier::activated, this, [this] {
-        std::array<char, 16> signals = {};
-        const char& first = signals.front();
+        std::array<char, 16> numbers = {};
         int signal = 0;
-        while (::read(d->pipe[0], signals.data(), signals.size()) > 0)
-            signal = signal == 0 ? first : signal;
+        while (::read(d->pipe[0], numbers.data(), numbers.size()) > 0)
+            signal = numbers.front();
         emit QuitRequested(signal);
     });
 

@@ -6,8 +6,9 @@
 
 namespace {
 
+constexpr auto kFallbackSource = QT_TRANSLATE_NOOP("Connection", "No string representation for ID %1");
 // Translated once, when the library is loaded, so a later change of language does not affect it.
-const QString kFallbackText = QCoreApplication::translate("Connection", "No string representation for ID %1");
+const QString kFallbackText = QCoreApplication::translate("Connection", kFallbackSource);
 
 // Product names: the same in every language.
 constexpr std::array<const char*, Connection::kDeviceTypeCount> kDeviceTypeNames{
@@ -43,6 +44,11 @@ const char* TextAt(const std::array<const char*, N>& texts, int value)
 QString TranslatedOrFallback(const char* text, int value)
 {
     return text ? Connection::tr(text) : kFallbackText.arg(value);
+}
+
+QString EnglishOrFallback(const char* text, int value)
+{
+    return text ? QString::fromLatin1(text) : QString::fromLatin1(kFallbackSource).arg(value);
 }
 
 } // namespace
@@ -114,6 +120,26 @@ QString Connection::DeviceTypeName(int value)
 QString Connection::LinkSpeedName(int value)
 {
     return TranslatedOrFallback(TextAt(kLinkSpeedNames, value), value);
+}
+
+QString Connection::EnglishStatusName(int value)
+{
+    return EnglishOrFallback(TextAt(kStatusNames, value), value);
+}
+
+QString Connection::EnglishConnectionTypeName(int value)
+{
+    return EnglishOrFallback(TextAt(kConnectionTypeNames, value), value);
+}
+
+QString Connection::EnglishDeviceTypeName(int value)
+{
+    return EnglishOrFallback(TextAt(kDeviceTypeNames, value), value);
+}
+
+QString Connection::EnglishLinkSpeedName(int value)
+{
+    return EnglishOrFallback(TextAt(kLinkSpeedNames, value), value);
 }
 
 int Connection::ApplicationDeviceType(int deviceType)

@@ -56,6 +56,12 @@ public:
     static QString DeviceTypeName(int value);
     static QString LinkSpeedName(int value);
 
+    /// Return the same in English, whatever the user's language.
+    static QString EnglishStatusName(int value);
+    static QString EnglishConnectionTypeName(int value);
+    static QString EnglishDeviceTypeName(int value);
+    static QString EnglishLinkSpeedName(int value);
+
     /// Returns the device type whose user-interface application serves entries of type `deviceType`.
     static int ApplicationDeviceType(int deviceType);
 

@@ -171,7 +171,7 @@ public:
         m_room.bytes -= FixedSizes::Get().ofList;
     }
 
-    bool Read()
+    bool Read(ConnectionList::ReadError& error)
     {
         bool anyEntry = false;
         while (!m_xml.atEnd()) {
@@ -183,8 +183,11 @@ public:
         }
         if (m_xml.hasError()) {
             TraceError();
+            error = {m_xml.lineNumber(), m_xml.columnNumber(), m_xml.errorString()};
             return false;
         }
+        if (!anyEntry)
+            error = {0, 0, QStringLiteral("The list has no entries.")};
         return anyEntry;
     }
 
@@ -292,9 +295,20 @@ qint64 WrittenSize(const Connection& entry)
     return size + (entry.Selected ? 4 : 5);
 }
 
-bool Read(const QByteArray& document, const Consumer& consumer, const Room& room)
+QString ReadError::Sentence() const
 {
-    return Reader(document, consumer, room).Read();
+    QString sentence = text;
+    if (sentence.endsWith(QLatin1Char('.')))
+        sentence.chop(1);
+    return row > 0
+               ? QStringLiteral("row %1, column %2: %3").arg(QString::number(row), QString::number(column), sentence)
+               : sentence;
+}
+
+bool Read(const QByteArray& document, const Consumer& consumer, const Room& room, ReadError* error)
+{
+    ReadError ignored;
+    return Reader(document, consumer, room).Read(error ? *error : ignored);
 }
 
 } // namespace ConnectionList

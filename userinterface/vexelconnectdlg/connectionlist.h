@@ -43,6 +43,17 @@ inline constexpr Room kRoomForOwnList{320'000, std::numeric_limits<qint64>::max(
 /// Receives each entry as it is read.
 using Consumer = std::function<void(const Connection& entry)>;
 
+/// Why a document cannot be used.
+struct ReadError
+{
+    qint64 row = 0;    ///< from 1; 0: the document as a whole
+    qint64 column = 0; ///< from 0, as the XML reader counts
+    QString text;      ///< in English
+
+    /// Returns a sentence without a full stop.
+    QString Sentence() const;
+};
+
 /// Reads `document` and passes each entry to `consumer`, in document order.
 ///
 /// Lenient: root element and XML declaration are not checked, unknown elements are skipped, a missing child leaves the
@@ -50,7 +61,7 @@ using Consumer = std::function<void(const Connection& entry)>;
 /// error it traces the error and stops; an incomplete entry is passed on with the fields read so far. What
 /// `BoundedXmlReader` refuses is an XML error, and so is an entry for which there is no `room`; it is not passed on.
 ///
-/// Returns true if at least one entry was read and there was no error.
-bool Read(const QByteArray& document, const Consumer& consumer, const Room& room = {});
+/// Returns true if at least one entry was read and there was no error; otherwise `error` (optional) says why not.
+bool Read(const QByteArray& document, const Consumer& consumer, const Room& room = {}, ReadError* error = nullptr);
 
 } // namespace ConnectionList

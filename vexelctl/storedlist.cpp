@@ -1,0 +1,121 @@
+#include "vexelctl/storedlist.h"
+
+#include "host/output/console.h"
+#include "host/plugin/datadirectory.h"
+#include "host/store/brokenlistbackup.h"
+#include "host/store/storedset.h"
+#include "platform/cfgcenter.h"
+#include "platform/icfg.h"
+#include "vexelctl/output.h"
+
+#include <QScopeGuard>
+
+namespace {
+
+ExitCode WithNotices(const std::function<ExitCode()>& work)
+{
+    CfgCenter::SetNoticeSink([](const QString& notice) { Console::PrintError(notice); });
+    const auto close = qScopeGuard([] {
+        CfgCenter::Close();
+        CfgCenter::SetNoticeSink({});
+    });
+    return work();
+}
+
+/// Says how many entries a document has lost that something else than this product has written.
+void PrintLoss(ICfg& document, const StoredSet& set)
+{
+    if (CfgCenter::WasAppCfgIntact(View::Application))
+        return;
+    const std::optional<int> before = ReadEntryCount(document);
+    Console::PrintError(
+        before ? QStringLiteral("entries in the list when it was saved: %1, now: %2")
+                     .arg(QString::number(*before), QString::number(set.entries))
+               : QStringLiteral("entries in the list now: %1; how many it had is not known").arg(set.entries));
+}
+
+ExitCode EditOpen(const QString& dataDirectory, const StoredList::Change& change)
+{
+    // The list would look empty, and saving it would replace a good one. The error has already been printed.
+    if (!CfgCenter::IsAppCfgKnown(View::Application))
+        return ExitCode::Unusable;
+    ICfg& document = *CfgCenter::GetAppCfg(View::Application);
+    const StoredSet set = ReadStoredSet(document);
+    const std::optional<Entries> entries = change(StoredList::EntriesIn(document));
+    if (!entries)
+        return ExitCode::Unusable;
+    if (const QString notice = BackUpBrokenList(set); !notice.isEmpty())
+        Console::PrintError(notice);
+    PrintLoss(document, set);
+    WriteStoredSet(document, {QString::fromLatin1(ToDocument(*entries).toHex()), static_cast<int>(entries->size())});
+    if (!dataDirectory.isEmpty())
+        DataDirectory::Set(dataDirectory);
+    if (CfgCenter::SaveDocument())
+        return ExitCode::Done;
+    return Fail(ExitCode::Unusable,
+                QStringLiteral("the configuration could not be saved: %1").arg(CfgCenter::SaveError()));
+}
+
+} // namespace
+
+namespace StoredList {
+
+ExitCode Look(const QString& directory, const std::function<ExitCode()>& work)
+{
+    return WithNotices([&] {
+        if (CfgCenter::OpenReadOnly(directory))
+            return work();
+        return Fail(ExitCode::Unusable, QStringLiteral("there is no configuration directory %1").arg(directory));
+    });
+}
+
+std::optional<Entries> Read()
+{
+    // The error has already been printed.
+    if (!CfgCenter::IsAppCfgKnown(View::Application))
+        return std::nullopt;
+    ICfg& document = *CfgCenter::GetAppCfg(View::Application);
+    const StoredSet set = ReadStoredSet(document);
+    if (set.state == StoredSet::State::Malformed) {
+        Console::PrintError(QStringLiteral("the stored list is malformed after %1")
+                                .arg(set.entries == 1 ? QStringLiteral("1 entry")
+                                                      : QStringLiteral("%1 entries").arg(set.entries)));
+    }
+    PrintLoss(document, set);
+    return EntriesIn(document);
+}
+
+std::optional<Entries> ReadForExport()
+{
+    if (CfgCenter::IsAppCfgKnown(View::Application) && CfgCenter::IsAppCfgLost(View::Application)) {
+        Console::PrintError(QStringLiteral("the list is lost; nothing is exported"));
+        return std::nullopt;
+    }
+    return Read();
+}
+
+Entries EntriesIn(ICfg& document)
+{
+    Entries entries;
+    ConnectionList::Read(
+        ReadStoredDocument(document),
+        [&entries](const Connection& entry) {
+            entries.push_back(entry);
+            entries.back().ConnectionStatus = Connection::Free;
+        },
+        ConnectionList::kRoomForOwnList);
+    return entries;
+}
+
+ExitCode Edit(const QString& directory, const QString& dataDirectory, const Change& change)
+{
+    return WithNotices([&] {
+        if (CfgCenter::Open(directory))
+            return EditOpen(dataDirectory, change);
+        return Fail(
+            ExitCode::Unusable,
+            QStringLiteral("the configuration directory %1 cannot be used: %2").arg(directory, CfgCenter::OpenError()));
+    });
+}
+
+} // namespace StoredList

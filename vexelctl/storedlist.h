@@ -1,0 +1,38 @@
+#pragma once
+
+#include "host/output/exitcode.h"
+#include "vexelctl/listfiles.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class ICfg;
+
+/// The stored list of a configuration directory that no host uses. Notices about damaged documents, and errors, go to
+/// standard error.
+namespace StoredList {
+
+/// Opens the configuration in `directory` for looking, calls `work`, and closes it: nothing is created, locked or
+/// written. Returns what `work` does, or `Unusable` if there is no such directory.
+ExitCode Look(const QString& directory, const std::function<ExitCode()>& work);
+
+/// Within `Look`: the stored entries. None if they are not known.
+std::optional<Entries> Read();
+
+/// Within `Look`: as `Read`, and none if the list is lost, because a file with an empty list would replace a good one.
+std::optional<Entries> ReadForExport();
+
+/// Returns the entries stored in the document with the root node `document`; of a malformed list those before the
+/// error. They are all "Free".
+Entries EntriesIn(ICfg& document);
+
+/// Makes the new list from the present one; none, after an error, if that is not possible.
+using Change = std::function<std::optional<Entries>(Entries present)>;
+
+/// Changes the list stored in `directory`, which is created if missing, and saves it. Stores `dataDirectory` unless it
+/// is empty. The caller holds the lock of the directory.
+ExitCode Edit(const QString& directory, const QString& dataDirectory, const Change& change);
+
+} // namespace StoredList
