@@ -8,6 +8,7 @@
 #include "host/plugin/datadirectory.h"
 #include "host/store/brokenlistbackup.h"
 #include "host/store/storedset.h"
+#include "host/store/versionfilter.h"
 #include "host/system/environment.h"
 #include "host/system/signalwatcher.h"
 #include "platform/cfgcenter.h"
@@ -73,6 +74,7 @@ ExitCode Application::Run()
     CInterfaceCreator::SetServersAllowed(!m_options.IsHeadless());
     // Damaged documents are reported when they are first read.
     CfgCenter::SetNoticeSink([this](const QString& notice) { m_notices.Report(notice); });
+    CfgCenter::SetVersionFilter(DiffersInMoreThanStatuses);
     const auto resetNoticeSink = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
     if (!OpenConfiguration(lock.ErrorText()))
         return ExitCode::Unusable;
