@@ -24,7 +24,7 @@ constexpr auto kRestartDelay = 500ms;
 // A host that is ending resets its connections and then refuses new ones. One that is flooded with calls may drop a
 // caller, but hardly the same one again.
 constexpr int kMaxResets = 5;
-constexpr qint64 kMaxErrorSize = 64 * 1024;
+constexpr qint64 kMaxErrorSize = qint64{64} * 1024;
 
 QString InCacheFolder(quint16 port, QLatin1String suffix)
 {
