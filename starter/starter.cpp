@@ -3,8 +3,8 @@
 #include "files/boundedfile.h"
 #include "files/privatefile.h"
 #include "host/output/exitcode.h"
+#include "process/foreground.h"
 #include "process/textline.h"
-#include "starter/foreground.h"
 #include "starter/privatefolder.h"
 
 #include <QFile>
@@ -63,6 +63,7 @@ QString Starter::DefaultHost(const QString& programDirectory)
 
 Starter::Outcome Starter::Run()
 {
+    // Any program, because the link's owner is not known before it has answered.
     AllowForegroundActivation();
     for (;;) {
         const LinkAnswer answer = CallLink(m_settings.port, m_deadline);
