@@ -96,7 +96,7 @@ QString HostProcess::Start(const QString& file, const QStringList& arguments, co
     // Not qputenv(), which converts to the system's code page. The process gets a copy of this one's environment.
     const std::wstring variable = QString::fromLatin1(kStartErrorFileVariable).toStdWString();
     if (!errorFile.isEmpty())
-        SetEnvironmentVariableW(variable.c_str(), QDir::toNativeSeparators(errorFile).toStdWString().c_str());
+        SetEnvironmentVariableW(variable.c_str(), errorFile.toStdWString().c_str());
     const auto removeVariable = qScopeGuard([&] {
         if (!errorFile.isEmpty())
             SetEnvironmentVariableW(variable.c_str(), nullptr);

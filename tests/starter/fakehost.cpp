@@ -8,8 +8,8 @@
 //   deaf        has the port, and never takes a call
 //   hang        never listens
 //   crash       ends as a broken program does
-//   explain     writes its second further argument as the reason of a failure, and ends with its first as exit code
-//   NUMBER      ends with that exit code
+//   explain     further arguments CODE TEXT [COUNT]: writes TEXT, COUNT times, as its error, and ends with exit code
+//   CODE NUMBER      ends with that exit code
 //
 // It lives until the file FILE.end is there, and no longer than a minute.
 
@@ -101,9 +101,9 @@ int Live(const QString& fileName, const QString& address, bool takesCalls)
 int Explain(const QStringList& arguments)
 {
     QFile file(qEnvironmentVariable(kStartErrorFileVariable));
-    if (arguments.size() != 2 || !file.open(QIODevice::WriteOnly | QIODevice::ExistingOnly))
+    if (arguments.size() < 2 || !file.open(QIODevice::WriteOnly | QIODevice::ExistingOnly))
         return 96;
-    file.write(arguments.at(1).toUtf8());
+    file.write(arguments.at(1).repeated(arguments.value(2, QStringLiteral("1")).toInt()).toUtf8());
     return arguments.at(0).toInt();
 }
 

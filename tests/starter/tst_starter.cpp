@@ -270,20 +270,22 @@ void TestStarter::exitCodeOfTheHostIsReported()
 void TestStarter::reasonOfTheHostIsReported_data()
 {
     QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("count");
     QTest::addColumn<QString>("shown");
     const QString plain = QStringLiteral("the configuration directory /\u5317 cannot be used: it is full");
-    QTest::newRow("plain") << plain << plain;
-    QTest::newRow("several lines") << QStringLiteral("one\ntwo\x1b[2J") << QStringLiteral("one\\ntwo\\u{1b}[2J");
-    QTest::newRow("long") << QString(60'000, u'x') << QString(60'000, u'x');
+    QTest::newRow("plain") << plain << 1 << plain;
+    QTest::newRow("several lines") << QStringLiteral("one\ntwo\x1b[2J") << 1 << QStringLiteral("one\\ntwo\\u{1b}[2J");
+    QTest::newRow("long") << QStringLiteral("x") << 60'000 << QString(60'000, u'x');
 }
 
 void TestStarter::reasonOfTheHostIsReported()
 {
     QFETCH(const QString, text);
+    QFETCH(const int, count);
     QFETCH(const QString, shown);
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("explain"), FreePort());
-    settings.hostArguments += {QStringLiteral("2"), text};
+    settings.hostArguments += {QStringLiteral("2"), text, QString::number(count)};
     const auto outcome = RunWith(settings);
     COMPARE_OUTCOME(outcome, HostEnded, "");
     QCOMPARE(outcome.message, QStringLiteral("%1 ended with exit code 2: %2").arg(FakeHostRun::Program(), shown));
@@ -293,17 +295,19 @@ void TestStarter::reasonOfTheHostIsReported()
 void TestStarter::unusableReasonIsLeftOut_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::newRow("none") << QString();
-    QTest::newRow("blanks") << QStringLiteral(" \n");
-    QTest::newRow("too long") << QString(70'000, u'x');
+    QTest::addColumn<int>("count");
+    QTest::newRow("none") << QString() << 1;
+    QTest::newRow("blanks") << QStringLiteral(" \n") << 1;
+    QTest::newRow("too long") << QStringLiteral("x") << 70'000;
 }
 
 void TestStarter::unusableReasonIsLeftOut()
 {
     QFETCH(const QString, text);
+    QFETCH(const int, count);
     const FakeHostRun run;
     auto settings = SettingsFor(run, QStringLiteral("explain"), FreePort());
-    settings.hostArguments += {QStringLiteral("2"), text};
+    settings.hostArguments += {QStringLiteral("2"), text, QString::number(count)};
     // Of a run that was killed.
     QFile former(settings.errorFile);
     QVERIFY(former.open(QIODevice::WriteOnly));
