@@ -165,7 +165,7 @@ int RunOffScreen(const SessionOptions& options, PluginSession::Mode mode, const 
         return static_cast<int>(code);
     };
     Notices notices;
-    PluginSession session(options, mode, notices, [](const QString& text) { Console::PrintError(text); });
+    PluginSession session(options, mode, notices, [](StartFailure::Kind, const QString& text) { Console::PrintError(text); });
     if (!session.LoadPlugin())
         return static_cast<int>(ExitCode::Unusable);
     InstanceLock lock;
