@@ -1,6 +1,5 @@
 #include "control/controlclient.h"
 
-#include "control/controlline.h"
 #include "platform/instancelock.h"
 
 #include <QDeadlineTimer>
@@ -17,9 +16,14 @@ constexpr int kBusy = 4;
 
 } // namespace
 
+ControlClient::ControlClient(std::chrono::milliseconds patience)
+    : m_patience(patience)
+{
+}
+
 ControlClient::State ControlClient::Connect(const QString& configDirectory)
 {
-    const QDeadlineTimer deadline(ControlLine::kPatience);
+    const QDeadlineTimer deadline(m_patience);
     InstanceLock::Owner owner;
     do {
         owner = InstanceLock::Query(configDirectory);
@@ -43,7 +47,7 @@ ControlClient::State ControlClient::Connect(const QString& configDirectory)
 
 bool ControlClient::Greet()
 {
-    const QDeadlineTimer deadline(ControlLine::kPatience);
+    const QDeadlineTimer deadline(m_patience);
     while (!m_received.contains('\n')) {
         if (!m_socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
             m_error = m_socket.state() == QLocalSocket::ConnectedState
@@ -104,7 +108,7 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
         m_received.remove(0, begin);
     };
     connect(&m_socket, &QLocalSocket::readyRead, &loop, read);
-    connect(&m_socket, &QLocalSocket::bytesWritten, &patience, [&] { patience.start(ControlLine::kPatience); });
+    connect(&m_socket, &QLocalSocket::bytesWritten, &patience, [&] { patience.start(m_patience); });
     connect(&m_socket, &QLocalSocket::disconnected, &loop, [&] {
         read();
         if (!result)
@@ -113,7 +117,7 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
     connect(&patience, &QTimer::timeout, &loop,
             [&] { end(Fail(QStringLiteral("the running host does not answer"))); });
     connect(this, &ControlClient::Interrupted, &loop, [&](int signal) { end(128 + signal); });
-    patience.start(ControlLine::kPatience);
+    patience.start(m_patience);
     // What came with the greeting.
     QMetaObject::invokeMethod(&loop, read, Qt::QueuedConnection);
     if (m_socket.state() != QLocalSocket::ConnectedState)
@@ -122,10 +126,18 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
     return *result;
 }
 
-bool ControlClient::WaitForEnd()
+bool ControlClient::WaitForEnd(const QString& configDirectory)
 {
-    return m_socket.state() == QLocalSocket::UnconnectedState ||
-           m_socket.waitForDisconnected(static_cast<int>(std::chrono::milliseconds(ControlLine::kPatience).count()));
+    m_socket.abort();
+    const qint64 process = m_greeting.value(QLatin1String("process")).toInteger();
+    const QDeadlineTimer deadline(m_patience);
+    while (!deadline.hasExpired()) {
+        const InstanceLock::Owner owner = InstanceLock::Query(configDirectory);
+        if (owner.state != InstanceLock::State::Somebody || owner.process != process)
+            return true;
+        QThread::msleep(kRetryMs);
+    }
+    return false;
 }
 
 int ControlClient::Fail(const QString& error)

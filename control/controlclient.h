@@ -1,11 +1,14 @@
 #pragma once
 
+#include "control/controlline.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QLocalSocket>
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 
 /// The other end of the control channel: finds the host of a configuration directory and sends it one request. Blocks in
@@ -21,10 +24,11 @@ public:
         Failed     ///< somebody uses it, but cannot be spoken with: see `Error`
     };
 
-    using QObject::QObject;
+    /// Waits for the host for up to `patience` at a time.
+    explicit ControlClient(std::chrono::milliseconds patience = ControlLine::kPatience);
 
-    /// Connects to the host that uses `configDirectory`. Waits up to 10 s for one that is starting, and for a process
-    /// without an address, such as another `vexelctl`, to end.
+    /// Connects to the host that uses `configDirectory`. Waits for one that is starting, and for the end of a process
+    /// without an address, such as another `vexelctl`.
     State Connect(const QString& configDirectory);
 
     /// Returns the host's first line: "program", "version", "process".
@@ -35,13 +39,13 @@ public:
     /// Receives each line of the answer but "accepted" and "end".
     using Receiver = std::function<void(const QJsonObject& line)>;
 
-    /// Sends a request, followed by `document` if it is not empty, and waits for the end of the answer: up to 10 s until
-    /// it is accepted, and then as long as the host lives. Returns the command's exit code, 4 if the host does not
+    /// Sends a request, followed by `document` if it is not empty, and waits until it is accepted, and then for the end of
+    /// the answer as long as the host lives. Returns the command's exit code, 4 if the host does not
     /// answer or ends before, or 128 + the signal after `Interrupt`. Call once, after `Connected`.
     int Run(QJsonObject request, const Receiver& onLine, const QByteArray& document = {});
 
-    /// Waits until the host has closed the connection, which it does when it ends. Returns false after 10 s.
-    bool WaitForEnd();
+    /// After an accepted "quit": waits until the host has released `configDirectory`. Returns false if it does not.
+    bool WaitForEnd(const QString& configDirectory);
 
 public slots:
     /// Ends `Run` because of a signal.
@@ -53,6 +57,8 @@ signals:
 private:
     bool Greet();
     int Fail(const QString& error);
+
+    const std::chrono::milliseconds m_patience;
 
     QLocalSocket m_socket;
     QByteArray m_received;

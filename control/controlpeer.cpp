@@ -23,6 +23,8 @@ ControlPeer::ControlPeer(QLocalSocket* socket, const QJsonObject& greeting, qint
 {
     m_pSocket->setParent(this);
     m_pSocket->setReadBufferSize(ControlLine::kMaximumSize);
+    m_patience.setObjectName(QStringLiteral("m_patience"));
+    m_patience.setParent(this);
     m_patience.setSingleShot(true);
     m_patience.setInterval(ControlLine::kPatience);
     connect(&m_patience, &QTimer::timeout, this, &ControlPeer::TimedOut);

@@ -102,7 +102,7 @@ std::optional<Starter::Outcome> Starter::StartOrCheckHost()
     const std::optional<HostProcess::ExitStatus> end = m_pHost->Poll();
     if (!end)
         return std::nullopt;
-    if (end->crash.isEmpty() && end->exitCode == static_cast<int>(ExitCode::Running)) {
+    if (end->crash.isEmpty() && end->exitCode == static_cast<int>(ExitCode::Busy)) {
         // The other host is starting and will answer, or is ending, so that another start will succeed.
         m_hasOtherHost = true;
         m_pHost.reset();

@@ -1,11 +1,11 @@
-#include "host/headless/dialogpicture.h"
+#include "host/commands/dialogpicture.h"
 
 #include "host/plugin/connectdialog.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QPixmap>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -71,14 +71,26 @@ bool Enlarge(const ConnectDialog& dialog)
 
 } // namespace
 
-QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName)
+QByteArray DialogPicture(const ConnectDialog& dialog, QString* error)
+{
+    const QPixmap picture = dialog.Window()->grab();
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    if (picture.isNull() || !picture.save(&buffer, "PNG"))
+        *error = QStringLiteral("the dialog cannot be painted");
+    return png;
+}
+
+QByteArray EnlargedDialogPicture(const ConnectDialog& dialog, QString* error)
 {
     QWidget* window = dialog.Window();
     const QSize maxSize = MaxSize(*window);
     // Checked first, because Qt crashes if it shows a window without enough memory to paint it.
     if (window->minimumSizeHint().boundedTo(maxSize) != window->minimumSizeHint()) {
-        return QStringLiteral("cannot write the screenshot %1: the dialog is too large with the scale factor %2")
-            .arg(fileName, QString::number(window->devicePixelRatioF()));
+        *error = QStringLiteral("the dialog is too large with the scale factor %1")
+                     .arg(QString::number(window->devicePixelRatioF()));
+        return {};
     }
     if (window->size().boundedTo(maxSize) != window->size())
         window->resize(window->size().boundedTo(maxSize));
@@ -88,15 +100,8 @@ QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName)
     // The first layout may measure differently once it has enough room.
     for (int attempt = 0; attempt < kMaxAttempts && Enlarge(dialog); ++attempt)
         ProcessLayout();
-    const QPixmap picture = window->grab();
+    const QByteArray png = DialogPicture(dialog, error);
     if (wasHidden)
         window->hide();
-
-    if (picture.isNull())
-        return QStringLiteral("cannot write the screenshot %1: the dialog cannot be painted").arg(fileName);
-
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || !picture.save(&file, "PNG") || !file.commit())
-        return QStringLiteral("cannot write the screenshot %1: %2").arg(fileName, file.errorString());
-    return {};
+    return png;
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 class ConnectDialog;
 
-/// Writes a screenshot of the dialog as PNG to `fileName`. The dialog is enlarged to fit its contents, within limits;
-/// its visibility is restored afterwards. Returns why the file could not be written, in which case an existing file is
-/// unchanged; empty on success.
-QString WriteDialogPicture(const ConnectDialog& dialog, const QString& fileName);
+/// Return a picture of the dialog as PNG; empty, with `error` set, if it cannot be painted.
+///
+/// As it is: the user sees nothing of it.
+QByteArray DialogPicture(const ConnectDialog& dialog, QString* error);
+/// Enlarged to fit its contents, within limits, for a dialog that is off screen. Its visibility is restored afterwards.
+QByteArray EnlargedDialogPicture(const ConnectDialog& dialog, QString* error);

@@ -1,5 +1,6 @@
 #include "host/desktop/dialogsession.h"
 
+#include "host/commands/dialogpicture.h"
 #include "host/desktop/unsavedtext.h"
 #include "host/output/notices.h"
 #include "host/plugin/connectdialog.h"
@@ -11,9 +12,10 @@
 DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, SaveAll saveAll, AutoSave::Save autoSave,
                              QObject* parent)
     : QObject(parent)
+    , m_dialog(dialog)
     , m_notices(notices)
     , m_saveAll(std::move(saveAll))
-    , m_monitor(dialog.Entries())
+    , m_monitor(dialog)
     , m_visibility(dialog, m_monitor)
     , m_tray(m_monitor, this)
     , m_autoSave(dialog, std::move(autoSave), this)
@@ -56,9 +58,12 @@ DialogSession::~DialogSession()
     m_notices.SetDisplay({});
 }
 
-void DialogSession::Start()
+void DialogSession::Start(bool isHidden)
 {
-    m_visibility.ShowDialog();
+    if (isHidden)
+        m_visibility.StartInTray();
+    else
+        m_visibility.ShowDialog();
     m_notices.SetDisplay([this](const QString& text) { ShowNotice(text); });
 }
 
@@ -120,10 +125,32 @@ void DialogSession::SaveNow()
 
 QString DialogSession::Save()
 {
+    if (m_areSavesHeld) {
+        m_isSaveDue = true;
+        return {};
+    }
     m_autoSave.Cancel();
     const QString error = m_saveAll();
     m_hasAutoSaveFailed = m_hasAutoSaveFailed && !error.isEmpty();
     return error;
+}
+
+QString DialogSession::ShowDialog()
+{
+    m_visibility.ShowDialog();
+    return {};
+}
+
+QByteArray DialogSession::Picture(QString* error)
+{
+    return DialogPicture(m_dialog, error);
+}
+
+void DialogSession::HoldSaves(bool isHeld)
+{
+    m_areSavesHeld = isHeld;
+    if (!isHeld && std::exchange(m_isSaveDue, false))
+        SaveOnHide();
 }
 
 void DialogSession::OnAutoSaved(const QString& error)

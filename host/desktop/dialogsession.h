@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/commands/dialoghost.h"
 #include "host/desktop/autosave.h"
 #include "host/desktop/dialogvisibility.h"
 #include "host/desktop/noticebox.h"
@@ -14,8 +15,8 @@
 class ConnectDialog;
 class Notices;
 
-/// The host's interactive mode: connects the dialog, the tray icon, the message boxes and saving.
-class DialogSession : public QObject
+/// The user's session with the dialog: connects the dialog, the tray icon, the message boxes and saving.
+class DialogSession : public QObject, public DialogHost
 {
     Q_OBJECT
 
@@ -28,11 +29,16 @@ public:
                   QObject* parent = nullptr);
     ~DialogSession() override;
 
-    /// Shows the dialog and the pending notices: as tray messages if there is a tray, otherwise in a message box.
-    void Start();
+    /// Shows the dialog, or starts in the tray if `isHidden` and there is a tray within some seconds. Shows the pending
+    /// notices: as tray messages if there is a tray, otherwise in a message box.
+    void Start(bool isHidden = false);
 
-    /// Saves everything, whatever is being saved already. Returns why that failed; empty on success.
-    QString Save();
+    /// Saves everything, whatever is being saved already.
+    QString Save() override;
+    QString ShowDialog() override;
+    QByteArray Picture(QString* error) override;
+    void Quit() override { emit QuitRequested(); }
+    void HoldSaves(bool isHeld) override;
 
 signals:
     /// The host shall end: everything has been saved, or the user chose to quit although saving failed.
@@ -47,6 +53,7 @@ private:
     void SaveNow();
     void OnAutoSaved(const QString& error);
 
+    const ConnectDialog& m_dialog;
     Notices& m_notices;
     const SaveAll m_saveAll;
     StatusMonitor m_monitor;
@@ -58,4 +65,6 @@ private:
     bool m_isUnsavedQuestionOpen = false;
     AutoSave m_autoSave;
     bool m_hasAutoSaveFailed = false;
+    bool m_areSavesHeld = false;
+    bool m_isSaveDue = false; // asked for while saves were held
 };

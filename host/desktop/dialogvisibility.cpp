@@ -5,6 +5,11 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QTimer>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
 
 DialogVisibility::DialogVisibility(const ConnectDialog& dialog, const StatusMonitor& monitor, QObject* parent)
     : QObject(parent)
@@ -44,6 +49,17 @@ void DialogVisibility::ShowDialog()
     m_dialog.BringToFront();
 }
 
+void DialogVisibility::StartInTray()
+{
+    constexpr auto kTrayTime = 5s;
+    m_state = m_trayAvailable ? State::InTray : State::Started;
+    QTimer::singleShot(kTrayTime, this, [this] {
+        if (m_state == State::Started)
+            m_state = State::InTray;
+        Decide();
+    });
+}
+
 void DialogVisibility::RequestQuit()
 {
     const int inUse = m_monitor.CountInUse();
@@ -57,7 +73,9 @@ void DialogVisibility::OnConnectClicked()
 {
     if (m_state == State::Shown)
         return;
-    m_state = State::Waiting;
+    // A dialog in the tray stays there.
+    if (m_state == State::Closed)
+        m_state = State::Waiting;
     emit DialogHidden();
     Decide();
 }
@@ -76,6 +94,7 @@ void DialogVisibility::Decide()
 
     switch (m_state) {
     case State::Shown:
+    case State::Started:
         break;
     case State::Closed:
         DecideAboutClosed();

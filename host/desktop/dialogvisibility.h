@@ -40,6 +40,9 @@ public:
 
     /// Shows the dialog in front of other windows, for whatever reason it was hidden.
     void ShowDialog();
+    /// Leaves the dialog hidden at the start. It is shown if there is no tray within some seconds: at the start of a
+    /// desktop's session the tray may come after the programs.
+    void StartInTray();
     /// Handles the user's wish to quit: emits `QuitRequested` or `QuitNeedsConfirmation`.
     void RequestQuit();
     /// Decides again from the event loop. Call this when a message box other than the dialog's own has been closed,
@@ -62,6 +65,7 @@ private:
         Shown,
         Closed,  ///< hidden, not yet decided what follows
         Waiting, ///< hidden until no entry is in use
+        Started, ///< hidden, and there may be a tray soon
         InTray   ///< hidden until it is opened from the tray
     };
 

@@ -20,7 +20,7 @@ HeadlessJob::HeadlessJob(const HostOptions& options, const ConnectDialog& dialog
     : QObject(parent)
     , m_options(options)
     , m_dialog(dialog)
-    , m_monitor(dialog.Entries())
+    , m_monitor(dialog)
 {
     connect(&m_autoResponder, &MessageBoxAutoResponder::BoxOpened, this, &HeadlessJob::OnBoxOpened);
     connect(&m_monitor, &StatusMonitor::StatusChanged, this, &HeadlessJob::OnStatusChanged);
@@ -207,12 +207,13 @@ void HeadlessJob::OnBoxOpened(const QString& title, const QString& text)
     Console::PrintError(QStringLiteral("%1: %2").arg(title, QString(text).replace(kLineBreaks, QStringLiteral(" "))));
 }
 
-void HeadlessJob::OnStatusChanged(int row, const QString& name, const QString& from, const QString& to)
+void HeadlessJob::OnStatusChanged(const StatusChange& change)
 {
-    if (m_dialog.Status(row) != ConnectDialog::kFree)
-        m_rowsStarted.insert(row);
+    if (change.to != ConnectDialog::kFree)
+        m_rowsStarted.insert(change.row);
     if (m_options.wait) {
         Console::Print(QStringLiteral("%1 ").arg(QDateTime::currentDateTime().toString(Qt::ISODateWithMs)) +
-                       OneLine(name) + QStringLiteral(": ") + from + QStringLiteral(" -> ") + to);
+                       OneLine(change.name) + QStringLiteral(": ") + change.fromText + QStringLiteral(" -> ") +
+                       change.toText);
     }
 }

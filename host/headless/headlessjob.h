@@ -50,7 +50,7 @@ private:
     void RecordFailure(ExitCode code);
 
     void OnBoxOpened(const QString& title, const QString& text);
-    void OnStatusChanged(int row, const QString& name, const QString& from, const QString& to);
+    void OnStatusChanged(const StatusChange& change);
 
     const HostOptions& m_options;
     const ConnectDialog& m_dialog;

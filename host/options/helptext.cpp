@@ -7,13 +7,16 @@ QString Description()
 {
     return QStringLiteral(R"(
 Shows the connect dialog: a list of connection entries. Connecting starts the
-user-interface application that serves each ticked entry.)");
+user-interface application that serves each ticked entry. vexelctl does the
+same, and more, from the command line.)");
 }
 
 QString Notes()
 {
     return QStringLiteral(R"(
-Interactive use:
+The host:
+  A host that already runs on the same configuration is brought to the front
+  instead.
   If there is a system tray, the host has an icon there. It shows how many
   entries are in use; its menu shows the dialog, saves and quits. "Close" then
   hides the dialog. Quitting asks first while an entry is in use.
@@ -31,34 +34,6 @@ Interactive use:
   a question. The host always saves the list, the filter, and where the window
   is, before it ends. Applications that it started end with it.
 
-Headless use:
-  --import, --add, --export, --list, --connect, --connect-selected, --wait and
-  the --screenshot options need no display. Without one, the host sets
-  QT_QPA_PLATFORM=offscreen, also for the applications it starts.
-  The order is always: import, add, export, list, screenshot before connecting,
-  connect, screenshot after connecting, wait, screenshot at the end. Then the
-  host saves and ends, and the applications it started end with it; --wait lets
-  them run.
-  A headless host shows no dialog, and kitestarter does not find it.
-  Either all files to import and add are used, or none. As in the dialog, a
-  file without entries is an error.
-  The texts of message boxes are written to standard error.
-  If the configuration directory is not writable, --list, --export and the
-  screenshots still work, unless combined with other actions.
-
-Support commands:
-  --backups, --restore and --diagnose only access the configuration. They load
-  no entries, start nothing, and need no display. --backups and --diagnose
-  work while a host runs, and change nothing; --diagnose only creates a
-  temporary file, to check whether the directory is writable. --restore does
-  not work while a host runs. Every save that changes the stored list keeps the
-  previous version, up to ten. --restore also restores what is stored together
-  with the list.
-  --diagnose returns 0 whatever it finds, unless its report cannot be printed.
-  With --data it checks that directory and does not store it. On Unix it lists
-  what other users can read, and warns where they can write or replace the
-  configuration: it decides what programs are started.
-
 Trace files:
   On Unix, only the user can access the files that --trace-file creates. In a
   folder in which other users can create files, such as /tmp, FILE must be a
@@ -71,14 +46,12 @@ Environment:
   in .config in HOME, or else in the home directory of the user database.
 
 Exit codes:
-  0  done
-  1  the command line is invalid or not UTF-8, a file or standard output cannot
-     be written, or there is no version with the number to restore
-  2  the plug-in, the configuration, a file to import or add, or the version to
-     restore cannot be used, the configuration could not be saved, there is no
-     folder for it, or there is no display to show the dialog on
-  3  an entry could not be connected
-  4  another host uses the same configuration directory
+  0  the host has been closed, or the running one has been brought to the front
+  1  the command line is invalid or not UTF-8
+  2  the plug-in, the configuration or the trace file cannot be used, the
+     configuration could not be saved, or there is no display
+  4  the configuration directory is in use by a program that shows no dialog or
+     does not answer
 )");
 }
 

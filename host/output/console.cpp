@@ -4,6 +4,7 @@
 #include "process/textline.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 
 using StandardStreams::Stream;
 
@@ -37,7 +38,7 @@ bool PrintBytes(const QByteArray& bytes)
 
 void PrintError(const QString& message)
 {
-    StandardStreams::Write(Stream::Error, QStringLiteral("vexelhost: %1\n").arg(OneLine(message)));
+    StandardStreams::Write(Stream::Error, QStringLiteral("%1: %2\n").arg(QCoreApplication::applicationName(), OneLine(message)));
 }
 
 } // namespace Console

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// The host's standard output and error. Output is flushed at once, so that a reader of a pipe sees it immediately.
+/// Standard output and error of `vexelhost` and `vexelctl`. Output is flushed at once, so that a reader of a pipe sees it immediately.
 namespace Console {
 
 /// Writes `text` and a line break to standard output.
@@ -14,7 +14,7 @@ void Print(const QString& text);
 /// Writes `bytes` likewise, for example a document with its own encoding.
 [[nodiscard]] bool PrintBytes(const QByteArray& bytes);
 
-/// Writes "vexelhost: " and `message`, escaped to a single line, to standard error.
+/// Writes the name of the application, ": " and `message`, escaped to a single line, to standard error.
 void PrintError(const QString& message);
 
 } // namespace Console

@@ -1,10 +1,11 @@
 #pragma once
 
-/// The host's exit codes, documented in `--help`.
+/// The exit codes of `vexelhost` and `vexelctl`, documented in their `--help`. A program that a signal interrupts ends
+/// with 128 + its number.
 enum class ExitCode : int {
     Done = 0,         ///< everything was done
-    Usage = 1,        ///< invalid command line, no such version, or an output file or standard output cannot be written
-    Unusable = 2,     ///< the plug-in, the configuration or an input file cannot be used, or there is no display
-    NotConnected = 3, ///< an entry could not be connected
-    Running = 4,      ///< another host uses the same configuration directory
+    Usage = 1,        ///< invalid command line
+    Unusable = 2,     ///< the plug-in, the configuration or a file cannot be used, or there is no display
+    NotConnected = 3, ///< an entry could not be connected, or its application failed
+    Busy = 4,         ///< refused, or another process uses the configuration directory or does not answer
 };

@@ -2,7 +2,9 @@
 
 #include <QAbstractProxyModel>
 #include <QApplication>
+#include <QMetaMethod>
 #include <QMimeData>
+#include <QVariantMap>
 
 #include <algorithm>
 #include <memory>
@@ -22,6 +24,25 @@ QAbstractItemModel* SourceModel(const QTreeView* view)
 }
 
 } // namespace
+
+Connection ToConnection(const EntryRow& row)
+{
+    const auto value = [&row](EntryColumn column) {
+        return row[static_cast<std::size_t>(column)];
+    };
+    Connection entry;
+    entry.Selected = value(EntryColumn::Tick).toBool();
+    entry.ConnectionName = value(EntryColumn::Name).toString();
+    entry.ConnectionStatus = value(EntryColumn::Status).toInt();
+    entry.DeviceType = value(EntryColumn::DeviceType).toInt();
+    entry.ConnectionType = value(EntryColumn::ConnectionType).toInt();
+    entry.DeviceAddress = value(EntryColumn::DeviceAddress).toString();
+    entry.DriverAddress = value(EntryColumn::DriverAddress).toString();
+    entry.LinkSpeed = value(EntryColumn::LinkSpeed).toInt();
+    entry.TimeoutSeconds = value(EntryColumn::Timeout).toInt();
+    entry.Subsystem = value(EntryColumn::Subsystem).toString();
+    return entry;
+}
 
 std::optional<ConnectDialog> ConnectDialog::Find(QString& error)
 {
@@ -87,6 +108,14 @@ bool ConnectDialog::IsTicked(int row) const
     return Value(row, EntryColumn::Tick).toBool();
 }
 
+EntryRow ConnectDialog::Row(int row) const
+{
+    EntryRow values;
+    for (int column = 0; column < kEntryColumnCount; ++column)
+        values[static_cast<std::size_t>(column)] = Value(row, static_cast<EntryColumn>(column));
+    return values;
+}
+
 void ConnectDialog::SetTicked(int row, bool ticked) const
 {
     m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Tick)), ticked, Qt::EditRole);
@@ -99,6 +128,30 @@ QList<int> ConnectDialog::RowsNamed(const QString& name) const
         if (Name(row) == name)
             rows.append(row);
     return rows;
+}
+
+std::optional<EntryApplication> ConnectDialog::ApplicationOf(int row) const
+{
+    const QMetaObject* const type = m_pWindow->metaObject();
+    const QMetaMethod method = type->method(type->indexOfMethod("ApplicationOf(int)"));
+    QVariantMap values;
+    if (method.returnMetaType() != QMetaType::fromType<QVariantMap>() ||
+        !method.invoke(m_pWindow, Qt::DirectConnection, Q_RETURN_ARG(QVariantMap, values), Q_ARG(int, row)) ||
+        values.isEmpty())
+        return std::nullopt;
+
+    const auto number = [&values](const QString& key) {
+        const auto value = values.constFind(key);
+        return value == values.cend() ? std::nullopt : std::optional(value->toInt());
+    };
+    EntryApplication application;
+    application.program = values.value(QStringLiteral("program")).toString();
+    application.process = values.value(QStringLiteral("process")).toLongLong();
+    application.since = values.value(QStringLiteral("since")).toDateTime();
+    application.exitCode = number(QStringLiteral("exitCode"));
+    application.signal = number(QStringLiteral("signal"));
+    application.isCrash = values.value(QStringLiteral("crashed")).toBool();
+    return application;
 }
 
 bool ConnectDialog::Append(const QByteArray& document) const
@@ -138,9 +191,7 @@ ListCopy ConnectDialog::Copy() const
         return copy;
     copy.rows.resize(static_cast<std::size_t>(Count()));
     for (int row = 0; row < Count(); ++row)
-        for (int column = 0; column < kEntryColumnCount; ++column)
-            copy.rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] =
-                Value(row, static_cast<EntryColumn>(column));
+        copy.rows[static_cast<std::size_t>(row)] = Row(row);
     return copy;
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "host/plugin/entryapplication.h"
+#include "userinterface/vexelconnectdlg/connection.h"
+
 #include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QList>
@@ -29,11 +32,14 @@ enum class EntryColumn : int {
 };
 constexpr int kEntryColumnCount = 10;
 
+/// The value of each cell of an entry.
+using EntryRow = std::array<QVariant, kEntryColumnCount>;
+Connection ToConnection(const EntryRow& row);
+
 /// A copy of the list that other threads can read.
 struct ListCopy
 {
-    /// The value of each cell.
-    std::vector<std::array<QVariant, kEntryColumnCount>> rows;
+    std::vector<EntryRow> rows;
     /// The list as a connection list document, in place of `rows`, while the dialog reports a failed import and has
     /// not put back the entries from before that.
     QByteArray document;
@@ -63,10 +69,15 @@ public:
     QString Name(int row) const;
     int Status(int row) const;
     bool IsTicked(int row) const;
+    EntryRow Row(int row) const;
     /// Sets the tick, also if it does not change: the dialog then updates its button.
     void SetTicked(int row, bool ticked) const;
     /// Returns the rows of the entries whose name equals `name`.
     QList<int> RowsNamed(const QString& name) const;
+
+    /// Returns the application that serves the entry in `row`, also while the entry becomes "Free" because it has
+    /// ended. None if there is no such application or the plug-in cannot tell.
+    std::optional<EntryApplication> ApplicationOf(int row) const;
 
     /// Appends the entries of a connection list document, all as "Free". Returns false and leaves the list unchanged if
     /// the document is malformed or has no entries, or if the list would become too long (see `ConnectionList`).

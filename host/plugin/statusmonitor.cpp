@@ -1,26 +1,24 @@
 #include "host/plugin/statusmonitor.h"
 
-#include "host/plugin/connectdialog.h"
-
 #include <algorithm>
 
 namespace {
 
 constexpr int kStatus = static_cast<int>(EntryColumn::Status);
-constexpr int kName = static_cast<int>(EntryColumn::Name);
 
 } // namespace
 
-StatusMonitor::StatusMonitor(QAbstractItemModel* entries, QObject* parent)
+StatusMonitor::StatusMonitor(const ConnectDialog& dialog, QObject* parent)
     : QObject(parent)
-    , m_pEntries(entries)
+    , m_dialog(dialog)
+    , m_pEntries(dialog.Entries())
 {
-    connect(entries, &QAbstractItemModel::dataChanged, this, &StatusMonitor::OnDataChanged);
-    connect(entries, &QAbstractItemModel::rowsInserted, this, &StatusMonitor::OnRowsInserted);
-    connect(entries, &QAbstractItemModel::rowsRemoved, this, &StatusMonitor::OnRowsRemoved);
-    connect(entries, &QAbstractItemModel::rowsMoved, this, &StatusMonitor::Reread);
-    connect(entries, &QAbstractItemModel::layoutChanged, this, &StatusMonitor::Reread);
-    connect(entries, &QAbstractItemModel::modelReset, this, &StatusMonitor::Reread);
+    connect(m_pEntries, &QAbstractItemModel::dataChanged, this, &StatusMonitor::OnDataChanged);
+    connect(m_pEntries, &QAbstractItemModel::rowsInserted, this, &StatusMonitor::OnRowsInserted);
+    connect(m_pEntries, &QAbstractItemModel::rowsRemoved, this, &StatusMonitor::OnRowsRemoved);
+    connect(m_pEntries, &QAbstractItemModel::rowsMoved, this, &StatusMonitor::Reread);
+    connect(m_pEntries, &QAbstractItemModel::layoutChanged, this, &StatusMonitor::Reread);
+    connect(m_pEntries, &QAbstractItemModel::modelReset, this, &StatusMonitor::Reread);
     Reread();
 }
 
@@ -50,12 +48,12 @@ void StatusMonitor::OnDataChanged(const QModelIndex& topLeft, const QModelIndex&
         State now = Read(row);
         if (now.value == known.value)
             continue;
-        const QString from = known.text;
+        const StatusChange change{row,      m_dialog.Name(row),         known.value, now.value, known.text,
+                                  now.text, m_dialog.ApplicationOf(row)};
         const int difference =
             static_cast<int>(now.value != ConnectDialog::kFree) - static_cast<int>(known.value != ConnectDialog::kFree);
         known = std::move(now);
-        const QString to = known.text;
-        emit StatusChanged(row, m_pEntries->index(row, kName).data(Qt::EditRole).toString(), from, to);
+        emit StatusChanged(change);
         SetCountInUse(m_inUse + difference);
     }
 }

@@ -1,28 +1,43 @@
 #pragma once
 
-#include <QAbstractItemModel>
+#include "host/plugin/connectdialog.h"
+
 #include <QObject>
 #include <QString>
 
+#include <optional>
 #include <vector>
+
+/// A change of an entry's status.
+struct StatusChange
+{
+    int row = 0;
+    QString name;     ///< of the entry
+    int from = 0;     ///< the status before; 0 is "Free"
+    int to = 0;       ///< the status now
+    QString fromText; ///< as displayed
+    QString toText;
+    /// The application that serves the entry or, if the entry is "Free" now, served it; see `ConnectDialog`.
+    std::optional<EntryApplication> application;
+};
 
 /// Watches the status column of the entries and reports real changes only: the model also emits dataChanged for
 /// unchanged cells.
 ///
-/// The cost depends on the number of changed rows, not on the length of the list. The model must outlive the monitor.
+/// The cost depends on the number of changed rows, not on the length of the list. The dialog's list must outlive the
+/// monitor.
 class StatusMonitor : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit StatusMonitor(QAbstractItemModel* entries, QObject* parent = nullptr);
+    explicit StatusMonitor(const ConnectDialog& dialog, QObject* parent = nullptr);
 
     /// Returns how many entries are not "Free".
     int CountInUse() const { return m_inUse; }
 
 signals:
-    /// The status of the entry `name` in `row` changed. `from` and `to` are the displayed texts.
-    void StatusChanged(int row, const QString& name, const QString& from, const QString& to);
+    void StatusChanged(const StatusChange& change);
     void InUseChanged(int count);
 
 private:
@@ -39,6 +54,7 @@ private:
     void OnRowsRemoved(const QModelIndex& parent, int first, int last);
     void SetCountInUse(int count);
 
+    const ConnectDialog m_dialog;
     QAbstractItemModel* const m_pEntries;
     std::vector<State> m_states;
     int m_inUse = 0;

@@ -62,25 +62,6 @@ QString TextIn(ICfg& document)
     return ListNode(document)->GetString(kTextKey, QString(), 0);
 }
 
-Connection ToConnection(const std::array<QVariant, kEntryColumnCount>& row)
-{
-    const auto value = [&row](EntryColumn column) {
-        return row[static_cast<std::size_t>(column)];
-    };
-    Connection entry;
-    entry.Selected = value(EntryColumn::Tick).toBool();
-    entry.ConnectionName = value(EntryColumn::Name).toString();
-    entry.ConnectionStatus = value(EntryColumn::Status).toInt();
-    entry.DeviceType = value(EntryColumn::DeviceType).toInt();
-    entry.ConnectionType = value(EntryColumn::ConnectionType).toInt();
-    entry.DeviceAddress = value(EntryColumn::DeviceAddress).toString();
-    entry.DriverAddress = value(EntryColumn::DriverAddress).toString();
-    entry.LinkSpeed = value(EntryColumn::LinkSpeed).toInt();
-    entry.TimeoutSeconds = value(EntryColumn::Timeout).toInt();
-    entry.Subsystem = value(EntryColumn::Subsystem).toString();
-    return entry;
-}
-
 } // namespace
 
 StoredSet ReadStoredSet(ICfg& document)
@@ -98,21 +79,38 @@ QByteArray ReadStoredDocument(ICfg& document)
     return QByteArray::fromHex(TextIn(document).toLatin1());
 }
 
-StoredText ToStoredText(const ListCopy& list)
+std::vector<Connection> ToConnections(const ListCopy& list)
 {
-    const auto toHex = [](const QByteArray& document) {
-        return QString::fromLatin1(document.toHex());
-    };
-    if (!list.document.isEmpty())
-        return {toHex(list.document), ParseDocument(list.document).entries};
     std::vector<Connection> entries;
     entries.reserve(list.rows.size());
-    std::vector<const Connection*> pointers;
-    for (const auto& row : list.rows) {
-        entries.push_back(ToConnection(row));
-        pointers.push_back(&entries.back());
+    if (!list.document.isEmpty()) {
+        ConnectionList::Read(
+            list.document, [&entries](const Connection& entry) { entries.push_back(entry); },
+            ConnectionList::kRoomForOwnList);
     }
-    return {toHex(ConnectionList::Write(pointers)), static_cast<int>(pointers.size())};
+    for (const EntryRow& row : list.rows)
+        entries.push_back(ToConnection(row));
+    return entries;
+}
+
+QByteArray ToDocument(const ListCopy& list)
+{
+    if (!list.document.isEmpty())
+        return list.document;
+    const std::vector<Connection> entries = ToConnections(list);
+    std::vector<const Connection*> pointers;
+    pointers.reserve(entries.size());
+    for (const Connection& entry : entries)
+        pointers.push_back(&entry);
+    return ConnectionList::Write(pointers);
+}
+
+StoredText ToStoredText(const ListCopy& list)
+{
+    const QByteArray document = ToDocument(list);
+    const int entries =
+        list.document.isEmpty() ? static_cast<int>(list.rows.size()) : ParseDocument(document).entries;
+    return {QString::fromLatin1(document.toHex()), entries};
 }
 
 void WriteStoredSet(ICfg& document, const StoredText& text)

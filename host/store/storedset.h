@@ -5,7 +5,9 @@
 
 #include <future>
 #include <optional>
+#include <vector>
 
+class Connection;
 class ICfg;
 struct ListCopy;
 
@@ -39,7 +41,10 @@ struct StoredText
     int entries = 0;
 };
 
-/// Makes the text of `list`. Any thread; takes a good part of a second for a long list.
+/// Return the entries of `list`, its connection list document, and what is stored of it. Any thread; they take a good
+/// part of a second for a long list.
+std::vector<Connection> ToConnections(const ListCopy& list);
+QByteArray ToDocument(const ListCopy& list);
 StoredText ToStoredText(const ListCopy& list);
 
 /// Stores a list in the document with the root node `document`.

@@ -19,7 +19,8 @@ public:
     ~SignalWatcher() override;
 
 signals:
-    void QuitRequested();
+    /// `signal` is SIGINT, SIGTERM or SIGHUP; on Windows SIGINT for Ctrl+C and SIGTERM for everything else.
+    void QuitRequested(int signal);
     /// The session is ending, and the process may be ended as soon as this returns: connect directly, and save. If
     /// there is time left, `QuitRequested` follows. Windows only; elsewhere the end of a session is an ordinary
     /// request.

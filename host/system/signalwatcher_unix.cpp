@@ -10,13 +10,13 @@
 
 namespace {
 
-// A signal handler may do very little: it writes a byte into this pipe, and the event loop reads it.
+// A signal handler may do very little: it writes the signal's number into this pipe, and the event loop reads it.
 int g_writeEnd = -1;
 
-extern "C" void OnSignal(int)
+extern "C" void OnSignal(int signal)
 {
     const int error = errno;
-    const char byte = 0;
+    const char byte = static_cast<char>(signal);
     // If the pipe is full, a request is pending already.
     [[maybe_unused]] const ssize_t written = ::write(g_writeEnd, &byte, 1);
     errno = error;
@@ -44,7 +44,7 @@ SignalWatcher::SignalWatcher(QObject* parent)
     , d(std::make_unique<Private>())
 {
     if (::pipe(d->pipe.data()) != 0) {
-        qWarning("vexelhost: no pipe for signals; an interrupt ends the host without saving");
+        qWarning("no pipe for signals; an interrupt ends the program without saving");
         return;
     }
     for (const int descriptor : d->pipe)
@@ -53,10 +53,11 @@ SignalWatcher::SignalWatcher(QObject* parent)
 
     d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
     connect(d->notifier.get(), &QSocketNotifier::activated, this, [this] {
-        std::array<char, 16> bytes = {};
-        while (::read(d->pipe[0], bytes.data(), bytes.size()) > 0) {
-        }
-        emit QuitRequested();
+        std::array<char, 16> numbers = {};
+        int signal = 0;
+        while (::read(d->pipe[0], numbers.data(), numbers.size()) > 0)
+            signal = numbers.front();
+        emit QuitRequested(signal);
     });
 
     struct sigaction action = {};

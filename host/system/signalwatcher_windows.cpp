@@ -6,6 +6,8 @@
 #include <QMutexLocker>
 #include <QWaitCondition>
 
+#include <csignal>
+
 #include <windows.h>
 
 namespace {
@@ -22,7 +24,9 @@ BOOL WINAPI OnConsoleEvent(DWORD event)
     QMutexLocker locker(&g_mutex);
     if (!g_pWatcher)
         return FALSE;
-    QMetaObject::invokeMethod(g_pWatcher, &SignalWatcher::QuitRequested, Qt::QueuedConnection);
+    const int signal = event == CTRL_C_EVENT ? SIGINT : SIGTERM;
+    QMetaObject::invokeMethod(
+        g_pWatcher, [watcher = g_pWatcher, signal] { emit watcher->QuitRequested(signal); }, Qt::QueuedConnection);
 
     // After these events the process ends as soon as the handler returns: give the host time to save.
     if (event == CTRL_CLOSE_EVENT || event == CTRL_LOGOFF_EVENT || event == CTRL_SHUTDOWN_EVENT)
@@ -72,7 +76,7 @@ struct SignalWatcher::Private : QAbstractNativeEventFilter
         const auto* const received = static_cast<const MSG*>(message);
         if (received->hwnd || received->message != WM_CLOSE)
             return false;
-        emit watcher.QuitRequested();
+        emit watcher.QuitRequested(SIGTERM);
         return true;
     }
 
@@ -81,12 +85,13 @@ struct SignalWatcher::Private : QAbstractNativeEventFilter
         // NOLINTNEXTLINE(performance-no-int-to-ptr): the system keeps it as a number.
         auto* const d = reinterpret_cast<Private*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (d && message == WM_CLOSE) {
-            emit d->watcher.QuitRequested();
+            emit d->watcher.QuitRequested(SIGTERM);
             return 0;
         }
         if (d && message == WM_ENDSESSION && wParam) {
             emit d->watcher.SessionEnding();
-            QMetaObject::invokeMethod(&d->watcher, &SignalWatcher::QuitRequested, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                &d->watcher, [watcher = &d->watcher] { emit watcher->QuitRequested(SIGTERM); }, Qt::QueuedConnection);
             return 0;
         }
         // Also agrees to WM_QUERYENDSESSION.

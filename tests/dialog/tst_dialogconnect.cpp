@@ -5,6 +5,8 @@
 
 #include <QSignalSpy>
 
+#include <csignal>
+
 /// "&Connect" in the dialog, with real processes and the records in the configuration.
 class TestDialogConnect : public QObject
 {
@@ -16,6 +18,9 @@ private slots:
 
     void connectHidesStoresAndStarts();
     void entriesAreFreeAfterProcessesEnd();
+    void applicationOfRowIsTold();
+    void endOfApplicationIsTold_data();
+    void endOfApplicationIsTold();
     void recordsAreWrittenBeforeFirstStart();
     void dialogHidesBeforeRecordsAreWritten();
     void entriesAddedDuringConnectAreConnected();
@@ -93,6 +98,56 @@ void TestDialogConnect::entriesAreFreeAfterProcessesEnd()
     QCOMPARE(changed.count(), 4);
     QVERIFY(m_fixture->ConnectButton()->isEnabled());
     QVERIFY(m_fixture->model->GetConnection(0).Selected);
+}
+
+void TestDialogConnect::applicationOfRowIsTold()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one"), Entry("two", Connection::KiteEcho, true)});
+    QVERIFY(m_fixture->dialog->ApplicationOf(1).isEmpty());
+    const QDateTime before = QDateTime::currentDateTime();
+    m_fixture->ConnectButton()->click();
+    QTRY_COMPARE(m_child->Count(), 1);
+    const QVariantMap application = m_fixture->dialog->ApplicationOf(1);
+    QCOMPARE(application.keys(),
+             (QStringList{QStringLiteral("process"), QStringLiteral("program"), QStringLiteral("since")}));
+    QCOMPARE(application.value(QStringLiteral("process")), QVariant(m_child->Reports().constFirst().pid));
+    QCOMPARE(application.value(QStringLiteral("program")), QVariant(TestChild::Program()));
+    const QDateTime since = application.value(QStringLiteral("since")).toDateTime();
+    QVERIFY(since >= before && since <= QDateTime::currentDateTime());
+    for (const int row : {-1, 0, 2})
+        QVERIFY(m_fixture->dialog->ApplicationOf(row).isEmpty());
+}
+
+void TestDialogConnect::endOfApplicationIsTold_data()
+{
+    QTest::addColumn<QByteArray>("mode");
+    QTest::addColumn<QVariantMap>("end");
+    QTest::newRow("exit code") << QByteArray("exit") << QVariantMap{{QStringLiteral("exitCode"), 3}};
+    QVariantMap crash{{QStringLiteral("crashed"), true}};
+#ifdef Q_OS_UNIX
+    crash.insert(QStringLiteral("signal"), SIGABRT);
+#endif
+    QTest::newRow("crash") << QByteArray("crash") << crash;
+}
+
+void TestDialogConnect::endOfApplicationIsTold()
+{
+    QFETCH(const QByteArray, mode);
+    QFETCH(const QVariantMap, end);
+    m_child->Behave(mode.constData(), 3);
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    m_fixture->ConnectButton()->click();
+    QVariantMap expected = m_fixture->dialog->ApplicationOf(0);
+    QVERIFY(!expected.isEmpty());
+    expected.insert(end);
+
+    QVariantMap told;
+    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this,
+            [&] { told = m_fixture->dialog->ApplicationOf(0); });
+    QTRY_COMPARE(Statuses(), QList<int>{0});
+    QCOMPARE(told, expected);
+    QVERIFY(m_fixture->dialog->ApplicationOf(0).isEmpty());
 }
 
 void TestDialogConnect::recordsAreWrittenBeforeFirstStart()

@@ -69,7 +69,8 @@ void TestDialogWindow::declaresSlotsInOrder()
                                  "slot SlotShowFilter(bool bShow)\nslot SlotClicked(QModelIndex index)\n"
                                  "slot SlotDoubleClicked(QModelIndex index)\nslot SlotClose()\nslot SlotConnect()\n"
                                  "slot SlotUpdateFilter()\n"
-                                 "slot SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)")
+                                 "slot SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)\n"
+                                 "other ApplicationOf(int row)")
                  .split(QLatin1Char('\n')));
 
     m_fixture->Build();

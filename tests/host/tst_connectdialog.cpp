@@ -1,12 +1,22 @@
-#include "tests/support/fakedialog.h"
+#include "tests/host/tellingdialog.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
+
+/// A dialog whose method returns something else.
+class OddDialog : public FakeDialog
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE QString ApplicationOf(int row) const { return QString::number(row); }
+};
 
 class TestConnectDialog : public QObject
 {
@@ -24,6 +34,9 @@ private slots:
     void tickRestorerRestoresTicks();
     void tickRestorerFollowsMovedRows();
     void connectPressesTheButton();
+    void applicationOfEntryIsAskedFor();
+    void applicationIsUnknownToThePlugin_data();
+    void applicationIsUnknownToThePlugin();
     void failedAppendChangesNothing();
     void documentHoldsAllEntriesInModelOrder();
 
@@ -148,6 +161,55 @@ void TestConnectDialog::connectPressesTheButton()
     QSignalSpy clicks(m_pFake->connectButton, &QAbstractButton::clicked);
     dialog.PressConnect();
     QCOMPARE(clicks.count(), 1);
+}
+
+void TestConnectDialog::applicationOfEntryIsAskedFor()
+{
+    m_pFake.reset();
+    TellingDialog fake;
+    const ConnectDialog dialog = FindDialog();
+    const QDateTime since = QDateTime::currentDateTime();
+    const QVariantMap running{{QStringLiteral("program"), QStringLiteral("/opt/kite")},
+                              {QStringLiteral("process"), qint64{1} << 40},
+                              {QStringLiteral("since"), since}};
+    fake.applications = {{}, running, running, running};
+    fake.applications[2].insert(QStringLiteral("exitCode"), 0);
+    fake.applications[3].insert({{QStringLiteral("crashed"), true}, {QStringLiteral("signal"), 11}});
+
+    QVERIFY(!dialog.ApplicationOf(0));
+    auto application = dialog.ApplicationOf(1);
+    QVERIFY(application);
+    QCOMPARE(application->program, QStringLiteral("/opt/kite"));
+    QCOMPARE(application->process, qint64{1} << 40);
+    QCOMPARE(application->since, since);
+    QVERIFY(!application->exitCode && !application->signal && !application->isCrash);
+    application = dialog.ApplicationOf(2);
+    QVERIFY(application);
+    QCOMPARE(application->exitCode, std::optional(0));
+    QVERIFY(!application->signal && !application->isCrash);
+    application = dialog.ApplicationOf(3);
+    QVERIFY(application);
+    QVERIFY(!application->exitCode && application->isCrash);
+    QCOMPARE(application->signal, std::optional(11));
+}
+
+void TestConnectDialog::applicationIsUnknownToThePlugin_data()
+{
+    QTest::addColumn<bool>("otherType");
+    QTest::newRow("no such method") << false;
+    QTest::newRow("another return type") << true;
+}
+
+void TestConnectDialog::applicationIsUnknownToThePlugin()
+{
+    QFETCH(const bool, otherType);
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+    std::unique_ptr<FakeDialog> other;
+    if (otherType) {
+        m_pFake.reset();
+        other = std::make_unique<OddDialog>();
+    }
+    QVERIFY(!FindDialog().ApplicationOf(0));
 }
 
 void TestConnectDialog::failedAppendChangesNothing()

@@ -1,4 +1,4 @@
-#include "host/headless/dialogpicture.h"
+#include "host/commands/dialogpicture.h"
 #include "tests/support/fakedialog.h"
 #include "tests/support/testmain.h"
 

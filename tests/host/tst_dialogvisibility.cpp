@@ -29,7 +29,7 @@ struct Kept
     {
         fake.Add(QStringLiteral("mast"), true);
         dialog = FindDialog();
-        monitor = std::make_unique<StatusMonitor>(&fake.entries);
+        monitor = std::make_unique<StatusMonitor>(FindDialog());
         // The slot of the plug-in runs first, as in the host.
         QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
             fake.hide();

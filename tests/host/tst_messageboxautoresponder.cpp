@@ -1,4 +1,4 @@
-#include "host/headless/messageboxautoresponder.h"
+#include "host/commands/messageboxautoresponder.h"
 #include "tests/support/testmain.h"
 
 #include <QDialog>

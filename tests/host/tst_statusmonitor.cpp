@@ -1,5 +1,5 @@
 #include "host/plugin/statusmonitor.h"
-#include "tests/support/fakedialog.h"
+#include "tests/host/tellingdialog.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
@@ -17,6 +17,7 @@ private slots:
     void cleanup();
     void existingEntriesAreCounted();
     void changeIsAnnouncedWithNameAndTexts();
+    void changeNamesTheApplication();
     void unchangedCellsAreNotAnnounced();
     void otherColumnsAreNotAnnounced();
     void changeInsideALargerRangeIsSeen();
@@ -26,7 +27,9 @@ private slots:
     void modelIsRereadAfterSorting();
 
 private:
-    std::unique_ptr<FakeDialog> m_pFake;
+    StatusChange Change(int index) const { return m_changes->at(index).at(0).value<StatusChange>(); }
+
+    std::unique_ptr<TellingDialog> m_pFake;
     QStandardItemModel* m_pEntries = nullptr;
     std::unique_ptr<StatusMonitor> m_monitor;
     std::unique_ptr<QSignalSpy> m_changes;
@@ -35,13 +38,13 @@ private:
 
 void TestStatusMonitor::init()
 {
-    m_pFake = std::make_unique<FakeDialog>();
+    m_pFake = std::make_unique<TellingDialog>();
     m_pEntries = &m_pFake->entries;
     new QAbstractItemModelTester(m_pEntries, QAbstractItemModelTester::FailureReportingMode::QtTest, m_pEntries);
     m_pFake->Add(QStringLiteral("first"), false, 0);
     m_pFake->Add(QStringLiteral("second"), false, 1);
     m_pFake->Add(QStringLiteral("third"), false, 0);
-    m_monitor = std::make_unique<StatusMonitor>(m_pEntries);
+    m_monitor = std::make_unique<StatusMonitor>(FindDialog());
     m_changes = std::make_unique<QSignalSpy>(m_monitor.get(), &StatusMonitor::StatusChanged);
     m_counts = std::make_unique<QSignalSpy>(m_monitor.get(), &StatusMonitor::InUseChanged);
 }
@@ -61,15 +64,41 @@ void TestStatusMonitor::changeIsAnnouncedWithNameAndTexts()
 {
     m_pFake->SetStatus(2, 1);
     QCOMPARE(m_changes->count(), 1);
+    QCOMPARE(Change(0).row, 2);
+    QCOMPARE(Change(0).name, QStringLiteral("third"));
+    QCOMPARE(Change(0).from, 0);
+    QCOMPARE(Change(0).to, 1);
     // A plain item model shows the number itself.
-    QCOMPARE(m_changes->at(0), QVariantList({2, QStringLiteral("third"), QStringLiteral("0"), QStringLiteral("1")}));
+    QCOMPARE(Change(0).fromText, QStringLiteral("0"));
+    QCOMPARE(Change(0).toText, QStringLiteral("1"));
+    QVERIFY(!Change(0).application);
     QCOMPARE(m_counts->count(), 1);
     QCOMPARE(m_counts->at(0).at(0).toInt(), 2);
 
     m_pFake->SetStatus(2, 0);
     QCOMPARE(m_changes->count(), 2);
-    QCOMPARE(m_changes->at(1), QVariantList({2, QStringLiteral("third"), QStringLiteral("1"), QStringLiteral("0")}));
+    QCOMPARE(Change(1).name, QStringLiteral("third"));
+    QCOMPARE(Change(1).from, 1);
+    QCOMPARE(Change(1).to, 0);
+    QCOMPARE(Change(1).fromText, QStringLiteral("1"));
+    QCOMPARE(Change(1).toText, QStringLiteral("0"));
     QCOMPARE(m_monitor->CountInUse(), 1);
+}
+
+void TestStatusMonitor::changeNamesTheApplication()
+{
+    const QVariantMap running{{QStringLiteral("program"), QStringLiteral("/opt/kite")},
+                              {QStringLiteral("process"), qint64{4711}}};
+    m_pFake->applications = {{}, {}, running};
+    m_pFake->SetStatus(2, 1);
+    QVERIFY(Change(0).application);
+    QCOMPARE(Change(0).application->program, QStringLiteral("/opt/kite"));
+    QCOMPARE(Change(0).application->process, 4711);
+    QVERIFY(!Change(0).application->exitCode);
+    m_pFake->applications[2].insert(QStringLiteral("exitCode"), 3);
+    m_pFake->SetStatus(2, 0);
+    QVERIFY(Change(1).application);
+    QCOMPARE(Change(1).application->exitCode, std::optional(3));
 }
 
 void TestStatusMonitor::unchangedCellsAreNotAnnounced()
@@ -95,8 +124,8 @@ void TestStatusMonitor::changeInsideALargerRangeIsSeen()
     }
     emit m_pEntries->dataChanged(m_pEntries->index(0, 0), m_pEntries->index(2, 9));
     QCOMPARE(m_changes->count(), 2);
-    QCOMPARE(m_changes->at(0).at(0).toInt(), 1);
-    QCOMPARE(m_changes->at(1).at(0).toInt(), 2);
+    QCOMPARE(Change(0).row, 1);
+    QCOMPARE(Change(1).row, 2);
     QCOMPARE(m_monitor->CountInUse(), 1);
 }
 
@@ -115,7 +144,7 @@ void TestStatusMonitor::rowsAreTrackedAfterARemoval()
     m_pEntries->removeRows(0, 1);
     m_pFake->SetStatus(0, 0);
     QCOMPARE(m_changes->count(), 1);
-    QCOMPARE(m_changes->at(0).at(1).toString(), QStringLiteral("second"));
+    QCOMPARE(Change(0).name, QStringLiteral("second"));
     QCOMPARE(m_monitor->CountInUse(), 0);
 }
 
@@ -131,7 +160,7 @@ void TestStatusMonitor::modelIsRereadAfterSorting()
     m_pEntries->sort(1, Qt::DescendingOrder); // third, second, first
     m_pFake->SetStatus(2, 1);
     QCOMPARE(m_changes->count(), 1);
-    QCOMPARE(m_changes->at(0).at(1).toString(), QStringLiteral("first"));
+    QCOMPARE(Change(0).name, QStringLiteral("first"));
     QCOMPARE(m_monitor->CountInUse(), 2);
 }
 

@@ -31,7 +31,7 @@ struct InTray
     QImage Picture() const { return Icon()->icon().pixmap(22).toImage(); }
 
     FakeDialog fake;
-    StatusMonitor monitor{&fake.entries};
+    StatusMonitor monitor{FindDialog()};
     TrayIcon tray{monitor};
     QSignalSpy dialog{&tray, &TrayIcon::ShowRequested};
     QSignalSpy save{&tray, &TrayIcon::SaveRequested};

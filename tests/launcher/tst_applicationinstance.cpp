@@ -72,6 +72,10 @@ private slots:
 #endif
     void exitCodeIsNoCrash();
     void crashIsTraced();
+    void processAndEndAreKnown_data();
+    void processAndEndAreKnown();
+    void failedStartHasNoProcess();
+    void nextStartHasNoEnd();
     void failedStartIsReported_data();
     void failedStartIsReported();
     void placeholdersInProgramNameAreKept();
@@ -323,6 +327,80 @@ void TestApplicationInstance::crashIsTraced()
                      Text("ApplicationInstance::SlotProcessExited(): abnormal exit with code <%1> of process <%2>.",
                           code, TestChild::Program()),
                      StateChange("Started", "Free")}));
+}
+
+void TestApplicationInstance::processAndEndAreKnown_data()
+{
+    QTest::addColumn<QByteArray>("mode");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<int>("code");
+    QTest::newRow("done") << QByteArray("exit") << 0 << int{QProcess::NormalExit} << 0;
+    QTest::newRow("failed") << QByteArray("exit") << 3 << int{QProcess::NormalExit} << 3;
+#ifdef Q_OS_WIN
+    const int code = static_cast<int>(0xC0000005);
+#else
+    const int code = SIGABRT;
+#endif
+    QTest::newRow("crashed") << QByteArray("crash") << 0 << int{QProcess::CrashExit} << code;
+}
+
+void TestApplicationInstance::processAndEndAreKnown()
+{
+    QFETCH(const QByteArray, mode);
+    QFETCH(const int, number);
+    QFETCH(const int, status);
+    QFETCH(const int, code);
+    m_pChild->Behave(mode.constData(), number);
+    const auto instance = Instance();
+    QCOMPARE(instance->GetProgram(), TestChild::Program());
+    QCOMPARE(instance->GetProcess(), 0);
+    QVERIFY(!instance->GetStartTime().isValid());
+    QVERIFY(!instance->GetEnd());
+    std::optional<ApplicationInstance::End> inSignal;
+    connect(instance.get(), &ApplicationInstance::ProcessExited, this, [&] { inSignal = instance->GetEnd(); });
+
+    const QDateTime before = QDateTime::currentDateTime();
+    QVERIFY(instance->Start());
+    QVERIFY(!instance->GetEnd());
+    const qint64 process = instance->GetProcess();
+    const QDateTime since = instance->GetStartTime();
+    QVERIFY(since >= before && since <= QDateTime::currentDateTime());
+    QTRY_VERIFY(inSignal);
+    QCOMPARE(int{inSignal->status}, status);
+    QCOMPARE(inSignal->code, code);
+    QCOMPARE(m_pChild->Reports().constFirst().pid, process);
+    // Still known after the end.
+    QCOMPARE(instance->GetProcess(), process);
+    QCOMPARE(instance->GetStartTime(), since);
+    QVERIFY(instance->GetEnd());
+}
+
+void TestApplicationInstance::failedStartHasNoProcess()
+{
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QFileInfo(TestChild::Program()).fileName());
+    QVERIFY(QFile::copy(TestChild::Program(), program));
+    const auto instance = Instance({}, program);
+    QSignalSpy exited(instance.get(), &ApplicationInstance::ProcessExited);
+    QVERIFY(instance->Start());
+    QTRY_COMPARE(exited.count(), 1);
+    QTRY_VERIFY(!QFile::exists(program) || QFile::remove(program)); // Windows may hold it for a moment
+    QVERIFY(!instance->Start());
+    QCOMPARE(instance->GetProcess(), 0);
+    QVERIFY(!instance->GetStartTime().isValid());
+    QVERIFY(!instance->GetEnd());
+}
+
+void TestApplicationInstance::nextStartHasNoEnd()
+{
+    m_pChild->Behave("exit", 3);
+    const auto instance = Instance();
+    QVERIFY(instance->Start());
+    QTRY_VERIFY(instance->GetEnd());
+    m_pChild->Behave("stay");
+    QVERIFY(instance->Start());
+    QVERIFY(!instance->GetEnd());
 }
 
 void TestApplicationInstance::failedStartIsReported_data()

@@ -58,6 +58,9 @@ private slots:
     void kiteEchoFamilySharesApplications();
     void statusChangesBeforeInstanceIsDeleted();
     void statusChangesBeforeRunningApplications();
+    void statusChangeFindsTheApplication();
+    void applicationOfEntryIsFound();
+    void failedStartHasNoApplication();
     void namesOfRunningApplicationsAreCaseSensitive();
     void updateForgetsRunningApplications();
 
@@ -320,6 +323,57 @@ void TestConnectTo::statusChangesBeforeRunningApplications()
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
     QVERIFY(WaitForEnd());
     QCOMPARE(seen, (QList<std::pair<int, QStringList>>{{1, {}}, {0, {s("Kite")}}}));
+}
+
+void TestConnectTo::statusChangeFindsTheApplication()
+{
+    Install({{s("Kite"), {1}}});
+    m_pChild->Behave("exit", 3);
+    const Connection entry = Entry("a", 1);
+    m_pModel->AddConnection(entry);
+    QList<qint64> processes;
+    QList<int> exitCodes;
+    connect(m_pModel.get(), &QAbstractItemModel::dataChanged, m_pCounter.get(), [&] {
+        const ApplicationInstance* const instance = m_pCounter->InstanceOf(entry);
+        processes.append(instance ? instance->GetProcess() : -1);
+        exitCodes.append(instance && instance->GetEnd() ? instance->GetEnd()->code : -1);
+    });
+    QVERIFY(!m_pCounter->InstanceOf(entry));
+    QVERIFY(m_pCounter->ConnectTo(entry));
+    QVERIFY(WaitForEnd());
+    const qint64 process = m_pChild->Reports().constFirst().pid;
+    QCOMPARE(processes, (QList<qint64>{process, process}));
+    QCOMPARE(exitCodes, (QList<int>{-1, 3}));
+    QVERIFY(!m_pCounter->InstanceOf(entry));
+}
+
+void TestConnectTo::applicationOfEntryIsFound()
+{
+    Install({{s("A"), {1}}, {s("B"), {1}}});
+    m_pChild->Behave("stay");
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
+    QVERIFY(m_pCounter->ConnectTo(Entry("b", 1)));
+    const QList<ApplicationInstance*> instances = m_pCounter->Instances();
+    Connection entry = Entry("b", 1);
+    entry.Selected = true;
+    entry.ConnectionStatus = Connection::InUse;
+    QCOMPARE(m_pCounter->InstanceOf(entry), instances.at(1));
+    QCOMPARE(m_pCounter->InstanceOf(Entry("a", 1)), instances.at(0));
+    QCOMPARE(m_pCounter->InstanceOf(Entry("c", 1)), nullptr);
+    // Started once more.
+    instances.at(0)->SetState(ApplicationInstance::Free);
+    m_pCounter->SlotOnProcessExit();
+    QCOMPARE(m_pCounter->InstanceOf(Entry("a", 1)), nullptr);
+    QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
+    QCOMPARE(m_pCounter->InstanceOf(Entry("a", 1)), m_pCounter->Instances().constLast());
+}
+
+void TestConnectTo::failedStartHasNoApplication()
+{
+    Install({{s("Kite"), {1}}}, s("/no/such/program"));
+    QVERIFY(!m_pCounter->ConnectTo(Entry("a", 1)));
+    QCOMPARE(m_pCounter->Instances().size(), 1);
+    QCOMPARE(m_pCounter->InstanceOf(Entry("a", 1)), nullptr);
 }
 
 void TestConnectTo::namesOfRunningApplicationsAreCaseSensitive()

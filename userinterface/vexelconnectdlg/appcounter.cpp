@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QMessageBox>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -246,6 +247,14 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry, int servedType) 
     box.exec();
 }
 
+const ApplicationInstance* AppCounter::InstanceOf(const Connection& entry) const
+{
+    const auto found = std::find_if(m_instances.crbegin(), m_instances.crend(), [&entry](const auto* instance) {
+        return instance->GetStartTime().isValid() && instance->GetConnection() == entry;
+    });
+    return found == m_instances.crend() ? nullptr : *found;
+}
+
 void AppCounter::SlotOnProcessExit()
 {
     const QList<ApplicationInstance*> instances = m_instances;
@@ -259,6 +268,7 @@ void AppCounter::SlotOnProcessExit()
 void AppCounter::Sweep(ApplicationInstance* instance)
 {
     const Connection entry = instance->GetConnection();
+    // A receiver of the status change may ask how the application ended, so the instance is removed afterwards.
     if (m_pOwner)
         m_pOwner->SetConnectionStatus(entry, Connection::Free);
     m_runningTable[Connection::ApplicationDeviceType(entry.DeviceType)].removeOne(instance->GetHostName());

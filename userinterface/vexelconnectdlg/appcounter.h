@@ -66,6 +66,9 @@ public:
     const QString& MappingFilePath() const { return m_sMappingFilePath; }
     /// Returns the instances that `SlotOnProcessExit` has not removed yet, in start order. Owned by the launcher.
     const QList<ApplicationInstance*>& Instances() const { return m_instances; }
+    /// Returns the application last started for an entry equal to `entry`. Null if there is none or it has ended and
+    /// its entries are "Free". While these become "Free", the status change still finds it. Owned by the launcher.
+    const ApplicationInstance* InstanceOf(const Connection& entry) const;
 
 public slots:
     /// Removes every instance that is "Free", including those that failed to start, sets its entry to "Free" and makes

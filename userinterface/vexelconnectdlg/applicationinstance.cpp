@@ -49,6 +49,9 @@ bool ApplicationInstance::Start()
 {
     // The process of an earlier start, released or not, would otherwise leak.
     DropProcess();
+    m_process = 0;
+    m_startTime = {};
+    m_end.reset();
 
     m_pProcess = new QProcess;
     connect(m_pProcess, &QProcess::finished, this, &ApplicationInstance::SlotProcessExited);
@@ -78,6 +81,8 @@ bool ApplicationInstance::Start()
     }
     Trace(kTraceSource, __LINE__,
           [this] { return QStringLiteral("ApplicationInstance::Start(): Started application <%1>").arg(m_sProgram); });
+    m_process = m_pProcess->processId();
+    m_startTime = QDateTime::currentDateTime();
     SetState(Started);
     return true;
 }
@@ -118,6 +123,7 @@ void ApplicationInstance::SlotProcessExited(int iCode, QProcess::ExitStatus stat
 {
     if (!m_pProcess)
         return;
+    m_end = End{status, iCode};
 
     if (status == QProcess::NormalExit) {
         Trace(

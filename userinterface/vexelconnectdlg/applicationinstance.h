@@ -2,10 +2,13 @@
 
 #include "userinterface/vexelconnectdlg/connection.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 /// One user-interface application process and the connection entry it serves.
 ///
@@ -17,6 +20,13 @@ class ApplicationInstance : public QObject
 
 public:
     enum State : int { Free = 0, Started = 1, Error = 2 };
+
+    /// How an application ended.
+    struct End
+    {
+        QProcess::ExitStatus status = QProcess::NormalExit;
+        int code = 0; ///< the exit code; after a crash on Unix the signal number, on Windows the system's error code
+    };
 
     /// Stores the parameters; starts nothing.
     ApplicationInstance(QString program, QStringList arguments, QString workingDirectory, const Connection& connection);
@@ -43,6 +53,14 @@ public:
     Connection GetConnection() const { return m_connection; }
     /// Returns the name of the application: the first argument up to its first ":". Empty without arguments.
     QString GetHostName() const;
+    /// Returns the file to start.
+    const QString& GetProgram() const { return m_sProgram; }
+    /// Return the number of the process and when it was started, also after its end. The number is 0 and the time
+    /// invalid if the last start failed or there was none.
+    qint64 GetProcess() const { return m_process; }
+    const QDateTime& GetStartTime() const { return m_startTime; }
+    /// Returns how the application ended; none before.
+    const std::optional<End>& GetEnd() const { return m_end; }
 
 signals:
     /// The application has exited or crashed while the instance was "Started".
@@ -59,6 +77,9 @@ private:
     void DropProcess();
 
     QProcess* m_pProcess = nullptr;
+    qint64 m_process = 0;
+    QDateTime m_startTime;
+    std::optional<End> m_end;
     const QString m_sProgram;
     const QStringList m_arguments;
     const QString m_sWorkingDirectory;

@@ -5,6 +5,7 @@
 #include "platform/guibase.h"
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
+#include "userinterface/vexelconnectdlg/applicationinstance.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/editorrouting.h"
@@ -277,6 +278,29 @@ void VexelConnectDlgGUI::SlotConnect()
 void VexelConnectDlgGUI::WriteLegacyConnectData()
 {
     ExportLegacyConnectData(*m_pModel);
+}
+
+QVariantMap VexelConnectDlgGUI::ApplicationOf(int row) const
+{
+    if (!m_pModel || row < 0 || row >= m_pModel->rowCount())
+        return {};
+    const ApplicationInstance* const instance = m_pAppCounter->InstanceOf(m_pModel->GetConnection(row));
+    if (!instance)
+        return {};
+    QVariantMap application{{QStringLiteral("program"), instance->GetProgram()},
+                            {QStringLiteral("process"), instance->GetProcess()},
+                            {QStringLiteral("since"), instance->GetStartTime()}};
+    if (const auto& end = instance->GetEnd()) {
+        if (end->status == QProcess::NormalExit) {
+            application.insert(QStringLiteral("exitCode"), end->code);
+        } else {
+            application.insert(QStringLiteral("crashed"), true);
+#ifdef Q_OS_UNIX
+            application.insert(QStringLiteral("signal"), end->code);
+#endif
+        }
+    }
+    return application;
 }
 
 void VexelConnectDlgGUI::SlotClose()

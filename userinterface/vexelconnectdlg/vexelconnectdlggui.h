@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QList>
 #include <QModelIndex>
+#include <QVariantMap>
 
 #include <functional>
 #include <optional>
@@ -46,6 +47,13 @@ public:
 
     /// Writes all entries to the configuration, as the legacy records of the user-interface applications, and saves it.
     void WriteLegacyConnectData();
+
+    /// For the host: returns which application serves the entry in `row` of the model. Empty if there is none.
+    ///
+    /// "program" (QString) is the file that was started, "process" (qint64) the number of its process and "since"
+    /// (QDateTime) the time of its start. While the model reports that the entry becomes "Free", the map also has how
+    /// the application ended: either "exitCode" (int), or "crashed" (true) and on Unix "signal" (int).
+    Q_INVOKABLE QVariantMap ApplicationOf(int row) const;
 
     void StoreFilterSettings();
     void RestoreFilterSettings();

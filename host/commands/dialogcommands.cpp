@@ -1,0 +1,377 @@
+#include "host/commands/dialogcommands.h"
+
+#include "control/controlline.h"
+#include "host/commands/dialoghost.h"
+#include "host/commands/messageboxautoresponder.h"
+#include "host/commands/statusreport.h"
+#include "host/output/exitcode.h"
+#include "host/store/storedset.h"
+#include "process/background.h"
+#include "userinterface/vexelconnectdlg/connectionjson.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QHash>
+#include <QPointer>
+#include <QScopeGuard>
+#include <QSet>
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <memory>
+#include <utility>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const QString kType = QStringLiteral("type");
+
+void End(ControlReply* reply, ExitCode code, const QString& error = {})
+{
+    reply->End(static_cast<int>(code), error);
+}
+
+bool Flag(const QJsonObject& request, const char* name)
+{
+    return request.value(QLatin1String(name)).toBool();
+}
+
+QJsonObject EntryLine(const Connection& entry, const std::optional<EntryApplication>& application)
+{
+    std::optional<EntryUse> use;
+    if (application)
+        use = EntryUse{application->program, application->process, application->since};
+    QJsonObject line = ConnectionJson::Write(entry, use);
+    line.insert(kType, QStringLiteral("entry"));
+    return line;
+}
+
+bool IsConnectionList(const QByteArray& document)
+{
+    return ConnectionList::Read(document, [](const Connection&) { });
+}
+
+} // namespace
+
+DialogCommands::DialogCommands(const ConnectDialog& dialog, DialogHost& host, QObject* parent)
+    : QObject(parent)
+    , m_dialog(dialog)
+    , m_host(host)
+    , m_monitor(dialog)
+{
+}
+
+DialogCommands::~DialogCommands()
+{
+    for (const std::future<void>& thread : m_threads)
+        thread.wait();
+}
+
+void DialogCommands::Execute(const ControlRequest& request, ControlReply* reply)
+{
+    struct Command
+    {
+        QLatin1String name;
+        void (DialogCommands::*function)(const ControlRequest&, ControlReply*);
+    };
+    static const std::array kCommands{
+        Command{QLatin1String("list"), &DialogCommands::List},
+        Command{QLatin1String("status"), &DialogCommands::Status},
+        Command{QLatin1String("export"), &DialogCommands::Export},
+        Command{QLatin1String("picture"), &DialogCommands::Picture},
+        Command{QLatin1String("connect"), &DialogCommands::Connect},
+        Command{QLatin1String("wait"), &DialogCommands::Wait},
+        Command{QLatin1String("watch"), &DialogCommands::Watch},
+        Command{QLatin1String("import"), &DialogCommands::Import},
+        Command{QLatin1String("add"), &DialogCommands::Add},
+        Command{QLatin1String("save"), &DialogCommands::Save},
+        Command{QLatin1String("show"), &DialogCommands::Show},
+        Command{QLatin1String("quit"), &DialogCommands::Quit},
+    };
+    const QString name = request.content.value(QLatin1String("command")).toString();
+    const auto command = std::find_if(kCommands.begin(), kCommands.end(),
+                                      [&name](const Command& candidate) { return name == candidate.name; });
+    if (command == kCommands.end())
+        End(reply, ExitCode::Usage, QStringLiteral("unknown command \"%1\"").arg(name.left(100)));
+    else
+        (this->*command->function)(request, reply);
+}
+
+void DialogCommands::List(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    QHash<int, EntryApplication> applications;
+    for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
+        if (m_dialog.Status(row) != ConnectDialog::kFree)
+            if (const std::optional<EntryApplication> application = m_dialog.ApplicationOf(row))
+                applications.insert(row, *application);
+
+    SendInBackground(reply, [list = std::make_shared<ListCopy>(m_dialog.Copy()), applications] {
+        QByteArray lines;
+        int row = 0;
+        for (const Connection& entry : ToConnections(*list)) {
+            const auto application = applications.constFind(row++);
+            const bool hasApplication = application != applications.cend();
+            lines += ControlLine::Write(EntryLine(entry, hasApplication ? std::optional(*application) : std::nullopt));
+        }
+        return lines;
+    });
+}
+
+void DialogCommands::Status(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    QByteArray lines = ControlLine::Write({{kType, QStringLiteral("host")},
+                                           {QStringLiteral("hidden"), m_dialog.Window()->isHidden()},
+                                           {QStringLiteral("entries"), m_dialog.Count()}});
+    for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
+        if (m_dialog.Status(row) != ConnectDialog::kFree)
+            lines += ControlLine::Write(EntryLine(ToConnection(m_dialog.Row(row)), m_dialog.ApplicationOf(row)));
+    reply->SendLines(lines);
+    End(reply, ExitCode::Done);
+}
+
+void DialogCommands::Export(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    SendInBackground(reply, [list = std::make_shared<ListCopy>(m_dialog.Copy())] {
+        return ControlLine::WriteParts(QString::fromUtf8(ToDocument(*list)), {{kType, QStringLiteral("data")}});
+    });
+}
+
+void DialogCommands::Picture(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    SendPicture("now", reply);
+    End(reply, ExitCode::Done);
+}
+
+void DialogCommands::Connect(const ControlRequest& request, ControlReply* reply)
+{
+    if (const QString error = BoxError(); !error.isEmpty())
+        return End(reply, ExitCode::Busy, error);
+    QString error;
+    const QList<int> rows = RowsToConnect(request.content, &error);
+    if (rows.isEmpty())
+        return End(reply, ExitCode::NotConnected, error);
+
+    const bool waits = Flag(request.content, "wait");
+    auto* const report = new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::Rows, rows);
+    report->SetSending(waits);
+    const QPointer<ControlReply> guard(reply);
+    const bool hadBox = ConnectRows(rows, reply);
+    if (!guard)
+        return;
+
+    bool hasFailed = false;
+    for (const int row : rows) {
+        if (report->HasStarted(row))
+            continue;
+        hasFailed = true;
+        const bool isInUse = m_dialog.Status(row) != ConnectDialog::kFree;
+        const QString reason = isInUse  ? QStringLiteral("\"%1\" is already in use")
+                               : hadBox ? QStringLiteral("\"%1\" could not be connected")
+                                        : QStringLiteral("\"%1\" could not be connected (--trace gives the reason)");
+        reply->Send({{kType, QStringLiteral("message")}, {QStringLiteral("text"), reason.arg(m_dialog.Name(row))}});
+    }
+    if (Flag(request.content, "pictureDuring"))
+        SendPicture("during", reply);
+    if (waits)
+        EndWhenFree(request.content, report, reply, hasFailed);
+    else
+        End(reply, hasFailed ? ExitCode::NotConnected : ExitCode::Done);
+}
+
+void DialogCommands::Wait(const ControlRequest& request, ControlReply* reply)
+{
+    QList<int> rows;
+    for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
+        if (m_dialog.Status(row) != ConnectDialog::kFree)
+            rows.append(row);
+    auto* const report = new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::All, rows);
+    EndWhenFree(request.content, report, reply, false);
+}
+
+void DialogCommands::Watch(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::All);
+    const auto sendCount = [this, reply] {
+        reply->Send({{kType, QStringLiteral("entries")},
+                     {QStringLiteral("time"), ConnectionJson::Time(QDateTime::currentDateTime())},
+                     {QStringLiteral("count"), m_dialog.Count()}});
+    };
+    connect(m_dialog.Entries(), &QAbstractItemModel::rowsInserted, reply, sendCount);
+    connect(m_dialog.Entries(), &QAbstractItemModel::rowsRemoved, reply, sendCount);
+}
+
+void DialogCommands::Import(const ControlRequest& request, ControlReply* reply)
+{
+    if (const QString error = ChangeError(); !error.isEmpty())
+        return End(reply, ExitCode::Busy, error);
+    if (!IsConnectionList(request.document))
+        return End(reply, ExitCode::Unusable, QStringLiteral("the document is not a connection list, or has no entries"));
+    const int before = m_dialog.Count();
+    m_host.HoldSaves(true);
+    if (before > 0)
+        m_dialog.Entries()->removeRows(0, before);
+    m_dialog.Append(request.document);
+    m_host.HoldSaves(false);
+    EndOfChange(before, reply);
+}
+
+void DialogCommands::Add(const ControlRequest& request, ControlReply* reply)
+{
+    if (const QString error = ChangeError(); !error.isEmpty())
+        return End(reply, ExitCode::Busy, error);
+    const int before = m_dialog.Count();
+    if (!m_dialog.Append(request.document)) {
+        return End(reply, ExitCode::Unusable,
+                   QStringLiteral("the document is not a connection list, has no entries, or makes the list too long"));
+    }
+    EndOfChange(before, reply);
+}
+
+void DialogCommands::EndOfChange(int before, ControlReply* reply)
+{
+    reply->Send({{kType, QStringLiteral("changed")},
+                 {QStringLiteral("before"), before},
+                 {QStringLiteral("after"), m_dialog.Count()}});
+    const QString error = m_host.Save();
+    End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Unusable, error);
+}
+
+void DialogCommands::Save(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    const QString error = m_host.Save();
+    End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Unusable, error);
+}
+
+void DialogCommands::Show(const ControlRequest& /*request*/, ControlReply* reply)
+{
+    const QString error = m_host.ShowDialog();
+    End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Busy, error);
+}
+
+void DialogCommands::Quit(const ControlRequest& request, ControlReply* reply)
+{
+    const bool isForced = Flag(request.content, "force");
+    if (const QString error = ChangeError(); !error.isEmpty() && !isForced)
+        return End(reply, ExitCode::Busy, error);
+    if (const QString error = m_host.Save(); !error.isEmpty() && !isForced)
+        return End(reply, ExitCode::Unusable, error);
+    // The answer must have left this process.
+    const auto quit = [this] {
+        m_host.Quit();
+    };
+    connect(reply, &QObject::destroyed, this, quit);
+    QTimer::singleShot(1s, this, quit);
+    End(reply, ExitCode::Done);
+}
+
+QString DialogCommands::BoxError() const
+{
+    if (const QWidget* const box = QApplication::activeModalWidget())
+        return QStringLiteral("a box is open in the dialog: \"%1\"").arg(box->windowTitle());
+    return m_isConnecting ? QStringLiteral("entries are being connected") : QString();
+}
+
+QString DialogCommands::ChangeError() const
+{
+    const int inUse = m_monitor.CountInUse();
+    if (inUse == 0)
+        return BoxError();
+    return inUse == 1 ? QStringLiteral("1 entry is in use") : QStringLiteral("%1 entries are in use").arg(inUse);
+}
+
+void DialogCommands::SendPicture(const char* moment, ControlReply* reply)
+{
+    QString error;
+    const QByteArray picture = m_host.Picture(&error);
+    if (!error.isEmpty())
+        reply->Send({{kType, QStringLiteral("message")}, {QStringLiteral("text"), error}});
+    reply->SendLines(ControlLine::WriteParts(
+        picture, {{kType, QStringLiteral("picture")}, {QStringLiteral("moment"), QLatin1String(moment)}}));
+}
+
+void DialogCommands::SendInBackground(ControlReply* reply, std::function<QByteArray()> makeLines)
+{
+    m_threads.erase(std::remove_if(m_threads.begin(), m_threads.end(),
+                                   [](const auto& thread) { return thread.wait_for(0s) == std::future_status::ready; }),
+                    m_threads.end());
+    m_threads.push_back(RunInBackground([this, guard = QPointer(reply), makeLines = std::move(makeLines)] {
+        const QByteArray lines = makeLines();
+        const auto send = [guard, lines] {
+            if (!guard)
+                return;
+            guard->SendLines(lines);
+            End(guard, ExitCode::Done);
+        };
+        QMetaObject::invokeMethod(this, send, Qt::QueuedConnection);
+    }));
+}
+
+QList<int> DialogCommands::RowsToConnect(const QJsonObject& request, QString* error) const
+{
+    const bool isByTick = Flag(request, "selected");
+    const QStringList names = request.value(QLatin1String("names")).toVariant().toStringList();
+    const QSet<QString> wanted(names.begin(), names.end());
+    QSet<QString> known;
+    QList<int> rows;
+    for (int row = 0; row < m_dialog.Count(); ++row) {
+        const QString name = m_dialog.Name(row);
+        if (isByTick ? !m_dialog.IsTicked(row) : !wanted.contains(name))
+            continue;
+        known.insert(name);
+        rows.append(row);
+    }
+    QStringList unknown;
+    for (const QString& name : names)
+        if (!isByTick && !known.contains(name))
+            unknown.append(QStringLiteral("\"%1\"").arg(name));
+    if (unknown.isEmpty()) {
+        *error = isByTick ? QStringLiteral("no entry is ticked") : QStringLiteral("no entry is named");
+        return rows;
+    }
+    *error = QStringLiteral("there is no entry called %1").arg(unknown.join(QStringLiteral(", ")));
+    return {};
+}
+
+bool DialogCommands::ConnectRows(const QList<int>& rows, ControlReply* reply)
+{
+    MessageBoxAutoResponder responder;
+    bool hadBox = false;
+    connect(&responder, &MessageBoxAutoResponder::BoxOpened, reply,
+            [reply, &hadBox](const QString& title, const QString& text) {
+                hadBox = true;
+                reply->Send({{kType, QStringLiteral("message")},
+                             {QStringLiteral("text"), QStringLiteral("%1: %2").arg(title, text.simplified())}});
+            });
+    m_isConnecting = true;
+    m_host.HoldSaves(true);
+    {
+        const TickRestorer restorer(m_dialog);
+        const QSet<int> wanted(rows.begin(), rows.end());
+        for (int row = 0; row < m_dialog.Count(); ++row)
+            if (wanted.contains(row) || m_dialog.IsTicked(row))
+                m_dialog.SetTicked(row, wanted.contains(row));
+        m_dialog.PressConnect();
+    }
+    m_host.HoldSaves(false);
+    m_isConnecting = false;
+    return hadBox;
+}
+
+void DialogCommands::EndWhenFree(const QJsonObject& request, StatusReport* report, ControlReply* reply, bool hasFailed)
+{
+    const auto endIfFree = [this, request, report, reply, hasFailed] {
+        if (!report->IsOver())
+            return;
+        m_monitor.disconnect(report);
+        if (Flag(request, "picture"))
+            SendPicture("end", reply);
+        const bool countsExits = !Flag(request, "ignoreExitCodes");
+        End(reply, hasFailed || (countsExits && report->HasFailed()) ? ExitCode::NotConnected : ExitCode::Done);
+    };
+    connect(&m_monitor, &StatusMonitor::InUseChanged, report, endIfFree);
+    endIfFree();
+}

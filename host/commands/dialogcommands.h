@@ -1,0 +1,67 @@
+#pragma once
+
+#include "control/controlreply.h"
+#include "host/plugin/connectdialog.h"
+#include "host/plugin/statusmonitor.h"
+
+#include <QList>
+#include <QObject>
+
+#include <functional>
+#include <future>
+#include <vector>
+
+class DialogHost;
+class StatusReport;
+
+/// Carries out the requests of the control channel on the dialog. Long lists are put into text in another thread.
+class DialogCommands : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `dialog` and `host` must outlive this object.
+    DialogCommands(const ConnectDialog& dialog, DialogHost& host, QObject* parent = nullptr);
+    /// Waits for the other threads.
+    ~DialogCommands() override;
+
+    /// Carries out `request`. `reply`, which is not owned, gets an `End` at once or later.
+    void Execute(const ControlRequest& request, ControlReply* reply);
+
+private:
+    // The commands, by name.
+    void List(const ControlRequest& request, ControlReply* reply);
+    void Status(const ControlRequest& request, ControlReply* reply);
+    void Export(const ControlRequest& request, ControlReply* reply);
+    void Picture(const ControlRequest& request, ControlReply* reply);
+    void Connect(const ControlRequest& request, ControlReply* reply);
+    void Wait(const ControlRequest& request, ControlReply* reply);
+    void Watch(const ControlRequest& request, ControlReply* reply);
+    void Import(const ControlRequest& request, ControlReply* reply);
+    void Add(const ControlRequest& request, ControlReply* reply);
+    void Save(const ControlRequest& request, ControlReply* reply);
+    void Show(const ControlRequest& request, ControlReply* reply);
+    void Quit(const ControlRequest& request, ControlReply* reply);
+
+    /// Return why the dialog cannot be used, or its list not replaced, at this moment; empty if it can.
+    QString BoxError() const;
+    QString ChangeError() const;
+
+    void EndOfChange(int before, ControlReply* reply);
+    void SendPicture(const char* moment, ControlReply* reply);
+    void SendInBackground(ControlReply* reply, std::function<QByteArray()> makeLines);
+    /// Returns the rows that the request asks for; none, with `error` set, if one of its names is unknown or no entry is
+    /// ticked.
+    QList<int> RowsToConnect(const QJsonObject& request, QString* error) const;
+    /// Connects exactly the entries in `rows` and restores the ticks. The texts of message boxes go to `reply`. Returns
+    /// whether there was one. `reply` may be gone afterwards.
+    bool ConnectRows(const QList<int>& rows, ControlReply* reply);
+    /// Ends the answer when the entries of `report` are free.
+    void EndWhenFree(const QJsonObject& request, StatusReport* report, ControlReply* reply, bool hasFailed);
+
+    const ConnectDialog& m_dialog;
+    DialogHost& m_host;
+    StatusMonitor m_monitor;
+    bool m_isConnecting = false;
+    std::vector<std::future<void>> m_threads;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// What the commands need of the program around the dialog.
+class DialogHost
+{
+public:
+    virtual ~DialogHost() = default;
+
+    /// Stores and saves everything. Returns why that failed; empty on success.
+    virtual QString Save() = 0;
+    /// Shows the dialog in front of other windows. Returns why it cannot be shown; empty on success.
+    virtual QString ShowDialog() = 0;
+    /// Returns a picture of the dialog as PNG; empty, with `error` set, if it cannot be painted.
+    virtual QByteArray Picture(QString* error) = 0;
+    /// Ends the program when its event loop runs again. Saving is the caller's.
+    virtual void Quit() = 0;
+
+    /// While saves are held, the list is in a state that must not be stored. A save that is asked for meanwhile follows
+    /// at the end.
+    virtual void HoldSaves(bool isHeld) = 0;
+};

@@ -1,0 +1,44 @@
+#include "host/options/sessionoptions.h"
+
+#include "host/plugin/pluginlibrary.h"
+#include "host/system/homefolder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+QString ConfigDirectoryError(const SessionOptions& options)
+{
+    return options.configDirectory.isEmpty() ? PrepareHomeFolder() : QString();
+}
+
+void SetDefaults(SessionOptions& options)
+{
+    if (options.plugin.isEmpty())
+        options.plugin = PluginLibrary::DefaultFile(QCoreApplication::applicationDirPath());
+    // The same for every program, so not the location that bears the program's name.
+    if (options.configDirectory.isEmpty() && ConfigDirectoryError(options).isEmpty()) {
+        options.configDirectory = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                                  QStringLiteral("/Vexel/vexelhost");
+    }
+}
+
+QString LanguageError(const QString& language)
+{
+    if (language == QLatin1String("C") || QLocale(language) != QLocale::c())
+        return {};
+    return QStringLiteral("--language: no such locale: %1").arg(language);
+}
+
+QString DataDirectoryError(const QString& directory, bool isForced)
+{
+    // The value is stored, so a typo would persist.
+    if (!QFileInfo(directory).isDir())
+        return QStringLiteral("--data: no such directory: %1").arg(directory);
+    if (!isForced && !QFileInfo(QDir(directory).filePath(QStringLiteral("CfgVEXEL.xml"))).isFile()) {
+        return QStringLiteral("--data: there is no CfgVEXEL.xml in %1, so no application could be started")
+            .arg(directory);
+    }
+    return {};
+}

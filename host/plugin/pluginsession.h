@@ -1,0 +1,62 @@
+#pragma once
+
+#include "host/options/sessionoptions.h"
+#include "host/output/exitcode.h"
+#include "host/output/notices.h"
+#include "host/plugin/pluginlibrary.h"
+#include "host/store/configsaver.h"
+
+#include <functional>
+
+class ConnectDialog;
+struct StoredSet;
+
+/// One run of the plug-in: opens the configuration, creates the plug-in's instance, and gives its dialog to some work.
+/// On every way out it saves and tears down.
+class PluginSession
+{
+public:
+    enum class Mode {
+        Desktop,  ///< a user works with the dialog
+        Headless, ///< the dialog is off screen; callers of the starter's link do not find it
+        ReadOnly  ///< same, and nothing is written to the configuration
+    };
+    /// Receives why the session cannot be run: one line.
+    using Failed = std::function<void(const QString& error)>;
+    /// Works with the dialog, and may run the event loop.
+    using Work = std::function<ExitCode(const ConnectDialog& dialog)>;
+
+    /// `notices` must outlive the session.
+    PluginSession(SessionOptions options, Mode mode, Notices& notices, Failed failed);
+
+    /// Loads the plug-in's library. Call this first: it writes nothing. Returns false if it cannot be used.
+    bool LoadPlugin();
+
+    /// Does everything else, and `work` in between. The caller holds the lock of the configuration directory, except in
+    /// the mode `ReadOnly`. Returns the result of `work`, or why the session failed.
+    ExitCode Run(const Work& work);
+
+    /// Store what the plug-in knows and save it; for use by `work`. Return, or call `done` with, why that failed; empty
+    /// on success. `SaveAsync` saves what is stored already, in another thread.
+    QString Save();
+    void SaveAsync(std::function<void(const QString& error)> done) { m_saver.SaveAsync(std::move(done)); }
+
+private:
+    ExitCode Fail(const QString& error);
+    bool OpenConfiguration();
+    ExitCode RunWithConfiguration(const Work& work);
+    ExitCode RunWithInstance(IDllInstance& instance, const Work& work);
+    void SetUpEnvironment() const;
+    PluginLibrary::Instance CreateInstance() const;
+    void ReportLoss(const StoredSet& set);
+
+    const SessionOptions m_options;
+    const Mode m_mode;
+    Notices& m_notices;
+    const Failed m_failed;
+    PluginLibrary m_library;
+    ConfigSaver m_saver;
+    IDllInstance* m_pInstance = nullptr;      // while `work` runs
+    const ConnectDialog* m_pDialog = nullptr; // likewise
+    bool m_isReadOnly;                        // the configuration must not be saved
+};

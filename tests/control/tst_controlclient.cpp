@@ -1,0 +1,254 @@
+#include "control/controlclient.h"
+
+#include "control/controlserver.h"
+#include "platform/instancelock.h"
+#include "tests/control/controlfixture.h"
+#include "tests/support/testmain.h"
+
+#include <QLocalServer>
+#include <QTest>
+#include <QTimer>
+
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto kShortPatience = 50ms;
+
+/// A host in a thread of its own, because the client blocks. What it answers is given as text; it takes the request
+/// before the part that follows "|".
+class FakeHost
+{
+public:
+    FakeHost(const QString& address, QByteArray answer)
+        : m_thread([this, address, answer = std::move(answer)] { Run(address, answer); })
+    {
+        while (!m_isListening)
+            std::this_thread::yield();
+    }
+    ~FakeHost()
+    {
+        m_isEnded = true;
+        m_thread.join();
+    }
+
+    FakeHost(const FakeHost&) = delete;
+    FakeHost& operator=(const FakeHost&) = delete;
+
+private:
+    void Run(const QString& address, const QByteArray& answer)
+    {
+        QLocalServer server;
+        server.listen(address);
+        m_isListening = true;
+        QLocalSocket* peer = nullptr;
+        while (!m_isEnded && !peer)
+            if (server.waitForNewConnection(10))
+                peer = server.nextPendingConnection();
+        if (!peer)
+            return;
+        const bool ends = answer.endsWith("|");
+        for (const QByteArray& part : answer.split('|')) {
+            peer->write(part);
+            peer->waitForBytesWritten(1000);
+            while (!m_isEnded && !part.isEmpty() && !peer->canReadLine())
+                peer->waitForReadyRead(10);
+            peer->readLine();
+        }
+        while (!m_isEnded && !ends)
+            peer->waitForReadyRead(10);
+        peer->abort();
+    }
+
+    std::atomic<bool> m_isListening = false;
+    std::atomic<bool> m_isEnded = false;
+    std::thread m_thread;
+};
+
+const QByteArray kGreeting = "{\"protocol\":1,\"program\":\"vexelhost\",\"version\":\"1\",\"process\":7}\n";
+
+QJsonObject Request(const char* command)
+{
+    return {{QStringLiteral("command"), QLatin1String(command)}};
+}
+
+} // namespace
+
+class TestControlClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void nobodyIsNoHost();
+    void directoryThatIsMissingStaysMissing();
+    void holderWithoutAnAddressIsWaitedFor();
+    void requestIsAnswered();
+    void documentIsSent();
+    void hostThatHangsIsReported_data();
+    void hostThatHangsIsReported();
+    void hostThatEndsIsReported();
+    void otherProtocolIsReported();
+    void interruptEndsTheWait();
+    void endOfTheHostIsWaitedFor();
+};
+
+void TestControlClient::nobodyIsNoHost()
+{
+    const ControlFixture fixture;
+    ControlClient client;
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::NoHost);
+}
+
+void TestControlClient::directoryThatIsMissingStaysMissing()
+{
+    const ControlFixture fixture;
+    const QString missing = fixture.configuration.filePath(QStringLiteral("typo"));
+    ControlClient client;
+    QCOMPARE(client.Connect(missing), ControlClient::State::NoHost);
+    QVERIFY(!QFileInfo::exists(missing));
+}
+
+void TestControlClient::holderWithoutAnAddressIsWaitedFor()
+{
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    ControlClient client(kShortPatience);
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Failed);
+    QVERIFY2(client.Error().contains(QString::number(QCoreApplication::applicationPid())), qPrintable(client.Error()));
+
+    // One that is starting.
+    const FakeHost host(fixture.address, kGreeting);
+    lock.SetAddress(fixture.address);
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
+    QCOMPARE(client.Greeting().value(QLatin1String("process")).toInt(), 7);
+}
+
+void TestControlClient::requestIsAnswered()
+{
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock.SetAddress(fixture.address);
+    const FakeHost host(fixture.address,
+                        kGreeting + "|{\"type\":\"accepted\"}\n{\"type\":\"entry\",\"name\":\"a\"}\n"
+                                    "{\"type\":\"end\",\"code\":3,\"error\":\"why\"}\n");
+    ControlClient client;
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
+    QStringList names;
+    const int code = client.Run(Request("list"), [&names](const QJsonObject& line) {
+        names.append(line.value(QLatin1String("name")).toString());
+    });
+    QCOMPARE(code, 3);
+    QCOMPARE(client.Error(), QStringLiteral("why"));
+    QCOMPARE(names, QStringList{QStringLiteral("a")});
+}
+
+void TestControlClient::documentIsSent()
+{
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock.SetAddress(fixture.address);
+    ControlServer server(10'000'000, QStringLiteral("vexelhost"));
+    QCOMPARE(server.Listen(fixture.address), QString());
+    QByteArray received;
+    connect(&server, &ControlServer::Requested, this, [&](const ControlRequest& request, ControlReply* reply) {
+        received = request.document;
+        reply->End(0);
+    });
+    const QByteArray document = QByteArray("<\xc3\xa4>").repeated(1'000'000);
+    int code = -1;
+    // The greeting is awaited without an event loop.
+    std::thread thread([&] {
+        ControlClient client;
+        if (client.Connect(fixture.configuration.path()) == ControlClient::State::Connected)
+            code = client.Run(Request("import"), [](const QJsonObject&) { }, document);
+        QMetaObject::invokeMethod(this, [] { QTestEventLoop::instance().exitLoop(); }, Qt::QueuedConnection);
+    });
+    QTestEventLoop::instance().enterLoop(30);
+    thread.join();
+    QCOMPARE(code, 0);
+    QVERIFY(received == document);
+}
+
+void TestControlClient::hostThatHangsIsReported_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("before it greets") << QByteArray();
+    QTest::newRow("half a greeting") << QByteArray("{\"protocol\":1");
+    QTest::newRow("before it accepts") << kGreeting;
+}
+
+void TestControlClient::hostThatHangsIsReported()
+{
+    QFETCH(const QByteArray, answer);
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock.SetAddress(fixture.address);
+    const FakeHost host(fixture.address, answer);
+    ControlClient client(kShortPatience);
+    if (client.Connect(fixture.configuration.path()) == ControlClient::State::Connected)
+        QCOMPARE(client.Run(Request("list"), [](const QJsonObject&) { }), 4);
+    QCOMPARE(client.Error(), QStringLiteral("the running host does not answer"));
+}
+
+void TestControlClient::hostThatEndsIsReported()
+{
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock.SetAddress(fixture.address);
+    const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n|");
+    ControlClient client;
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
+    QTimer::singleShot(0, &client, [] { });
+    QCOMPARE(client.Run(Request("wait"), [](const QJsonObject&) { }, {}), 4);
+    QVERIFY2(client.Error().contains(QStringLiteral("ended")), qPrintable(client.Error()));
+}
+
+void TestControlClient::otherProtocolIsReported()
+{
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock.SetAddress(fixture.address);
+    const FakeHost host(fixture.address, "{\"protocol\":2,\"version\":\"9.8\"}\n");
+    ControlClient client;
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Failed);
+    QVERIFY2(client.Error().contains(QStringLiteral("9.8")), qPrintable(client.Error()));
+}
+
+void TestControlClient::interruptEndsTheWait()
+{
+    const ControlFixture fixture;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock.SetAddress(fixture.address);
+    const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n{\"type\":\"entries\"}\n");
+    ControlClient client;
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
+    const int code = client.Run(Request("watch"), [&client](const QJsonObject&) { client.Interrupt(2); });
+    QCOMPARE(code, 130);
+}
+
+void TestControlClient::endOfTheHostIsWaitedFor()
+{
+    const ControlFixture fixture;
+    auto lock = std::make_unique<InstanceLock>();
+    QCOMPARE(lock->TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
+    lock->SetAddress(fixture.address);
+    const QByteArray process = QByteArray::number(QCoreApplication::applicationPid());
+    const FakeHost host(fixture.address, "{\"protocol\":1,\"process\":" + process + "}\n");
+    ControlClient client(kShortPatience);
+    QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
+    QVERIFY(!client.WaitForEnd(fixture.configuration.path()));
+    lock.reset();
+    QVERIFY(client.WaitForEnd(fixture.configuration.path()));
+}
+
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestControlClient)
+#include "tst_controlclient.moc"
