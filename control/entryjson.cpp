@@ -30,11 +30,6 @@ QString TimeToJson(const QDateTime& time)
     return text;
 }
 
-QString EnglishStatus(int status)
-{
-    return Connection::EnglishStatusName(status);
-}
-
 void InsertApplication(QJsonObject& object, const EntryApplication& application)
 {
     object.insert(kProgram, application.program);

@@ -1,18 +1,15 @@
 #include "vexelctl/entrycommands.h"
 
 #include "control/controlclient.h"
-#include "control/controlline.h"
 #include "control/entryjson.h"
 #include "host/output/console.h"
 #include "host/output/texttable.h"
 #include "host/output/timetext.h"
-#include "platform/instancelock.h"
 #include "process/textline.h"
 #include "vexelctl/hostrequest.h"
 #include "vexelctl/listfiles.h"
 #include "vexelctl/output.h"
 
-#include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -93,12 +90,6 @@ QString StatusText(const HostStatus& status)
     for (const ListedEntry& listed : status.inUse)
         lines.push_back({QString(), UseText(listed)});
     return TextTable(lines);
-}
-
-/// What of a command line works only without a host; empty if nothing was given.
-QString GivenForSession(const CtlOptions& options)
-{
-    return options.dataDirectory.isEmpty() ? QString() : QStringLiteral("--data");
 }
 
 } // namespace
@@ -199,38 +190,19 @@ ExitCode Export(const CtlOptions& options)
 ExitCode Change(const CtlOptions& options, const char* command, const Entries& entries,
                 const StoredList::Change& change)
 {
-    // Another process may take the lock after it was found free.
-    const QDeadlineTimer deadline(ControlLine::kPatience);
-    while (true) {
-        ControlClient client;
-        switch (client.Connect(options.configDirectory)) {
-        case HostState::Connected:
-            if (const QString given = GivenForSession(options); !given.isEmpty()) {
-                return Fail(ExitCode::Busy,
-                            QStringLiteral("a host runs, process %1, and %2 works only without one")
-                                .arg(client.Greeting().value(QLatin1String("process")).toInteger())
-                                .arg(given));
-            }
-            return Request(
-                client, NewRequest(command), [](const QJsonObject&) {}, ToDocument(entries));
-        case HostState::Failed:
-            return FailConnect(client);
-        case HostState::NoHost:
-            break;
-        }
-        InstanceLock lock;
-        switch (lock.TryLock(options.configDirectory)) {
-        case InstanceLock::Result::Locked:
-            if (!lock.Warning().isEmpty())
-                Console::PrintError(lock.Warning());
-            return StoredList::Edit(options.configDirectory, options.dataDirectory, change);
-        case InstanceLock::Result::Unusable:
-            return Fail(ExitCode::Unusable, lock.ErrorText());
-        case InstanceLock::Result::Busy:
-            if (deadline.hasExpired())
-                return Fail(ExitCode::Busy, lock.ErrorText());
-        }
+    Access access;
+    switch (access.Get(options.configDirectory)) {
+    case Access::Kind::Host:
+        if (HasSessionOption(options, access.Client()))
+            return ExitCode::Busy;
+        return Request(
+            access.Client(), NewRequest(command), [](const QJsonObject&) {}, ToDocument(entries));
+    case Access::Kind::Alone:
+        return StoredList::Edit(options.configDirectory, options.dataDirectory, change);
+    case Access::Kind::None:
+        break;
     }
+    return access.Error();
 }
 
 ExitCode Import(const CtlOptions& options)

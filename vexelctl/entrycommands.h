@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-/// The commands that read and change the list. A running host does the work on its list; without one, the stored list is
-/// read or changed, and neither the plug-in nor a display is needed.
+/// The commands that read and change the list. A running host does the work on its list; without one, the stored list
+/// is read or changed, and neither the plug-in nor a display is needed.
 namespace EntryCommands {
 
 ExitCode List(const CtlOptions& options);
@@ -23,8 +23,8 @@ ExitCode Check(const CtlOptions& options);
 /// Gets the entries of the running host or of the stored list. Returns another code than `Done` after an error.
 ExitCode GetEntries(const CtlOptions& options, std::vector<ListedEntry>& entries);
 
-/// Has the running host carry out `command` with `entries`, which are not empty. Without a host, `change` is made to the
-/// stored list.
+/// Has the running host carry out `command` with `entries`, which are not empty. Without a host, `change` is made to
+/// the stored list.
 ExitCode Change(const CtlOptions& options, const char* command, const Entries& entries,
                 const StoredList::Change& change);
 

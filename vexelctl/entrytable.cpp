@@ -65,8 +65,8 @@ QStringList UseCells(const std::optional<EntryApplication>& application)
 
 QString EntryTable(const std::vector<ListedEntry>& entries)
 {
-    const bool isAnyUsed =
-        std::any_of(entries.begin(), entries.end(), [](const ListedEntry& entry) { return entry.application.has_value(); });
+    const bool isAnyUsed = std::any_of(entries.begin(), entries.end(),
+                                       [](const ListedEntry& entry) { return entry.application.has_value(); });
     std::vector<QStringList> lines{Heading()};
     if (isAnyUsed)
         lines.front() += {QStringLiteral("Since"), QStringLiteral("Program"), QStringLiteral("Process")};

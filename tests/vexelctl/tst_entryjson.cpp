@@ -1,6 +1,6 @@
+#include "control/entryjson.h"
 #include "tests/support/markingtranslator.h"
 #include "tests/support/testmain.h"
-#include "control/entryjson.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -70,8 +70,7 @@ void TestEntryJson::everyFieldIsWritten()
                                {QStringLiteral("timeoutText"), QStringLiteral("30")},
                                {QStringLiteral("subsystem"), QStringLiteral("north")}};
     QCOMPARE(EntryToJson(Sample()), expected);
-    QCOMPARE(EntryToJson(Connection()).value(QLatin1String("timeoutText")),
-             QJsonValue(QStringLiteral("No Timeout")));
+    QCOMPARE(EntryToJson(Connection()).value(QLatin1String("timeoutText")), QJsonValue(QStringLiteral("No Timeout")));
 }
 
 void TestEntryJson::textsAreEnglishInEveryLanguage()

@@ -64,7 +64,8 @@ void TestEntryTable::columnsAreAligned()
 void TestEntryTable::entriesInUseAddColumns()
 {
     ListedEntry used = Entry(QStringLiteral("mast"), false, 1);
-    used.application = {QStringLiteral("/opt/bin/kitecontrol"), 4712, QDateTime(QDate(2026, 3, 4), QTime(10, 11, 12)), {}, {}, false};
+    used.application = {
+        QStringLiteral("/opt/bin/kitecontrol"), 4712, QDateTime(QDate(2026, 3, 4), QTime(10, 11, 12)), {}, {}, false};
     const QStringList lines = Lines(EntryTable({Entry(QStringLiteral("pier")), used}));
     QVERIFY2(lines.at(0).contains(QLatin1String("  Selected  Since ")), qPrintable(lines.at(0)));
     QVERIFY2(lines.at(0).endsWith(QLatin1String("  Program      Process")), qPrintable(lines.at(0)));
