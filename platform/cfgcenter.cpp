@@ -60,6 +60,12 @@ std::function<void(const QString&)>& TheNoticeSink()
     return sink;
 }
 
+VersionFilter& TheVersionFilter()
+{
+    static VersionFilter filter;
+    return filter;
+}
+
 void Tell(const QString& notice)
 {
     if (!notice.isEmpty() && TheNoticeSink())
@@ -70,7 +76,7 @@ SaveRequests BeginSave(Documents& documents)
 {
     SaveRequests requests;
     for (const auto& [file, document] : TheStore().documents) {
-        if (auto request = document->BeginSave()) {
+        if (auto request = document->BeginSave(TheVersionFilter())) {
             documents.push_back(document);
             requests.push_back(std::move(*request));
         }
@@ -274,4 +280,9 @@ bool CfgCenter::IsAppCfgLost(View view)
 void CfgCenter::SetNoticeSink(std::function<void(const QString&)> sink)
 {
     TheNoticeSink() = std::move(sink);
+}
+
+void CfgCenter::SetVersionFilter(std::function<bool(const ConfigValues& before, const ConfigValues& after)> filter)
+{
+    TheVersionFilter() = std::move(filter);
 }

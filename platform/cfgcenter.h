@@ -3,11 +3,16 @@
 #include "platform/platformexport.h"
 #include "platform/view.h"
 
+#include <QMap>
 #include <QString>
 
 #include <functional>
 
 class ICfg;
+
+/// The values of a configuration document by key path: the names of the nodes and of the key, joined by '/'. In names,
+/// slashes and percent signs are escaped.
+using ConfigValues = QMap<QString, QString>;
 
 /// The product configuration: one document per view and name, each stored as a file in the store directory.
 ///
@@ -78,4 +83,11 @@ public:
     /// is used instead; it is traced as well. An empty `sink`, the default, discards notices. `Open` and `Close` leave
     /// the sink in place.
     static void SetNoticeSink(std::function<void(const QString&)> sink);
+
+    /// Host side: sets the function that decides whether a save that replaces the values `before` by `after` keeps the
+    /// earlier content as a version. It is called in the thread that saves, possibly for several documents, and must
+    /// not call `CfgCenter`. An empty `filter`, the default, keeps every one; content that something else than
+    /// `CfgCenter` has written is always kept. `Open` and `Close` leave the filter in place; a save that has begun uses
+    /// the one from before.
+    static void SetVersionFilter(std::function<bool(const ConfigValues& before, const ConfigValues& after)> filter);
 };

@@ -12,8 +12,9 @@
 
 class ICfg;
 
-/// Host side: the earlier versions of one document. Every save that changes a document keeps its earlier content, ten
-/// versions deep, in a folder beside it.
+/// Host side: the earlier versions of one document. A save that changes a document keeps its earlier content in a
+/// folder beside it, unless the filter of `CfgCenter::SetVersionFilter` says otherwise: the newest ten versions, and
+/// the last one of each of the thirty latest days that have one.
 ///
 /// Reads the files of the store that `CfgCenter` has open when the object is made; without a store there are no
 /// versions. Working copies that `CfgCenter` holds are neither read nor changed.
@@ -28,7 +29,7 @@ public:
     /// The folder that holds the versions; empty without a store. Need not exist.
     QString Folder() const;
 
-    /// The versions, newest first; at most ten unless somebody else added files. Nothing is said about their content.
+    /// The versions, newest first; at most forty unless somebody else added files. Nothing is said about their content.
     QList<ConfigVersion> List() const;
 
     /// The newest version that can be read: what replaces a damaged document.

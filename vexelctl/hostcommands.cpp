@@ -4,7 +4,7 @@
 #include "host/output/console.h"
 #include "vexelctl/changeprinter.h"
 #include "vexelctl/hostrequest.h"
-#include "vexelctl/offscreenhost.h"
+#include "vexelctl/offscreen.h"
 #include "vexelctl/output.h"
 #include "vexelctl/picturefile.h"
 
@@ -95,7 +95,7 @@ ExitCode Connect(const CtlOptions& options)
     case Access::Kind::Alone:
         Console::PrintError(QStringLiteral("no host runs, so the applications end with this command"));
         request.insert(QStringLiteral("wait"), true);
-        code = OffScreenHost::Run(options, access.Lock(), request, take);
+        code = OffScreen::Run(options, access.Lock(), request, take);
         break;
     case Access::Kind::None:
         return access.Error();
@@ -120,7 +120,7 @@ ExitCode Screenshot(const CtlOptions& options)
         },
         [&] {
             QByteArray picture;
-            const ExitCode code = OffScreenHost::GetPicture(options, picture);
+            const ExitCode code = OffScreen::GetPicture(options, picture);
             return code == ExitCode::Done ? WriteResult(file, picture) : code;
         });
 }
@@ -147,7 +147,7 @@ ExitCode Wait(const CtlOptions& options)
             if (options.screenshot.isEmpty())
                 return ExitCode::Done;
             QByteArray picture;
-            const ExitCode code = OffScreenHost::GetPicture(options, picture);
+            const ExitCode code = OffScreen::GetPicture(options, picture);
             return code == ExitCode::Done ? WriteResult(options.screenshot, picture) : code;
         });
 }

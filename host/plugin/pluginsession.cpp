@@ -4,6 +4,7 @@
 #include "host/plugin/datadirectory.h"
 #include "host/store/brokenlistbackup.h"
 #include "host/store/storedset.h"
+#include "host/store/versionfilter.h"
 #include "host/system/environment.h"
 #include "platform/cfgcenter.h"
 #include "platform/guibase.h"
@@ -63,6 +64,7 @@ ExitCode PluginSession::Run(const Work& work)
     CInterfaceCreator::SetServersAllowed(m_mode == Mode::Desktop);
     // Damaged documents are reported when they are first read.
     CfgCenter::SetNoticeSink([this](const QString& notice) { m_notices.Report(notice); });
+    CfgCenter::SetVersionFilter(DiffersInMoreThanStatuses);
     const auto resetNoticeSink = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
     if (!OpenConfiguration())
         return ExitCode::Unusable;

@@ -110,11 +110,12 @@ bool ConfigDocument::IsRemoved() const
     return m_fingerprint != FingerprintOf({}) && !m_fingerprint.isEmpty() && !QFileInfo::exists(m_file);
 }
 
-std::optional<ConfigDocument::SaveRequest> ConfigDocument::BeginSave()
+std::optional<ConfigDocument::SaveRequest> ConfigDocument::BeginSave(const VersionFilter& versionFilter)
 {
     if (m_file.isEmpty() || m_runningSave || (!m_isChanged && !IsRemoved()))
         return std::nullopt;
-    m_runningSave = SaveRequest{m_file, m_access, m_entries, std::exchange(m_removed, {}), m_fingerprint, m_isKnown};
+    m_runningSave =
+        SaveRequest{m_file, m_access, m_entries, std::exchange(m_removed, {}), m_fingerprint, m_isKnown, versionFilter};
     for (Entry& entry : m_entries)
         entry.isChanged = false;
     m_isChanged = false;
@@ -160,6 +161,14 @@ DocumentText::Values Merge(const SaveRequest& request, const DocumentReading& be
     return values;
 }
 
+DocumentTransaction::VersionPolicy PolicyOf(const SaveRequest& request, const DocumentReading& before,
+                                            const DocumentText::Values& after)
+{
+    const bool isWorthAVersion = !request.versionFilter || before.state != DocumentReading::State::Valid ||
+                                 request.versionFilter(*before.values, after);
+    return isWorthAVersion ? DocumentTransaction::VersionPolicy::BestEffort : DocumentTransaction::VersionPolicy::None;
+}
+
 SaveResult Failure(const SaveRequest& request, int line, const QString& reason)
 {
     Trace(kSource, line,
@@ -200,7 +209,7 @@ SaveResult ConfigDocument::RunSave(const SaveRequest& request)
     QByteArray content = before.content;
     if (result.values != before.values || !before.isIntact) {
         content = DocumentText::Write(result.values);
-        if (!transaction.Replace(content, DocumentTransaction::VersionPolicy::BestEffort))
+        if (!transaction.Replace(content, PolicyOf(request, before, result.values)))
             return Failure(request, __LINE__, transaction.Error());
     }
     transaction.Commit();

@@ -7,8 +7,12 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <utility>
+
+/// Whether the values `before` are worth a version when `after` replaces them. An empty function: always.
+using VersionFilter = std::function<bool(const DocumentText::Values& before, const DocumentText::Values& after)>;
 
 /// The working copy of one configuration document: values by key path, what of them was changed, and the file they come
 /// from.
@@ -32,6 +36,7 @@ public:
         QSet<QString> removed;        // key paths, also of nodes; removed before changed entries are written
         QByteArray fingerprint;       // of the file's content when it was last read or written
         bool isKnown = true;
+        VersionFilter versionFilter;
     };
     struct SaveResult
     {
@@ -70,9 +75,10 @@ public:
 
     /// What there is to save. None: nothing was changed, and the file is not touched; also while another save runs. A
     /// file that has been removed is saved again.
-    std::optional<SaveRequest> BeginSave();
-    /// Writes the changes to the file, merged into what others changed there. The file's earlier content becomes its
-    /// newest version; where that fails, the notice says so and the save goes on. On failure, which is traced, the file
+    std::optional<SaveRequest> BeginSave(const VersionFilter& versionFilter);
+    /// Writes the changes to the file, merged into what others changed there. If the filter says
+    /// so, the file's earlier content becomes its newest version; where that fails, the notice says so and the save
+    /// goes on. On failure, which is traced, the file
     /// is as it was. Any thread.
     static SaveResult RunSave(const SaveRequest& request);
     /// Takes over what the file holds now or, after a failure, keeps the changes for the next save.

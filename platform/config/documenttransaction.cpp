@@ -101,12 +101,14 @@ bool DocumentTransaction::Replace(const QByteArray& content, VersionPolicy polic
     switch (m_before.state) {
     case DocumentReading::State::Missing:
         break;
-    case DocumentReading::State::Valid:
+    case DocumentReading::State::Valid: {
         if (content == m_before.content)
             return true;
-        if ((!m_before.values->isEmpty() || !m_before.isIntact) && !KeepBefore(policy))
+        const bool isWorthAVersion = policy != VersionPolicy::None && !m_before.values->isEmpty();
+        if ((isWorthAVersion || !m_before.isIntact) && !KeepBefore(policy))
             return false;
         break;
+    }
     case DocumentReading::State::Damaged:
     case DocumentReading::State::Unreadable:
         if (!Quarantine())

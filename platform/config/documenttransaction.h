@@ -14,10 +14,12 @@
 class DocumentTransaction
 {
 public:
-    /// What to do where the present content cannot be kept as a version.
+    /// Whether to keep the present content as a version. Content that somebody else wrote is always kept, or the
+    /// replacement fails.
     enum class VersionPolicy {
-        BestEffort, ///< go on, see `Warning`; content that somebody else wrote is kept or the replacement fails
-        Required    ///< fail
+        None,
+        BestEffort, ///< where it cannot be kept, go on; see `Warning`
+        Required    ///< where it cannot be kept, fail
     };
 
     /// @param file the document's file; need not exist.
@@ -37,7 +39,8 @@ public:
     /// Quarantines what is in the document's place. Does nothing where that is done already.
     bool Quarantine();
 
-    /// Replaces the document by `content`: keeps a valid one as a version and quarantines what needs recovery. False:
+    /// Replaces the document by `content`: keeps a valid one as a version if `policy` says so, and quarantines
+    /// what needs recovery. False:
     /// see `Error`.
     bool Replace(const QByteArray& content, VersionPolicy policy);
 

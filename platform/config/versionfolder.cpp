@@ -4,10 +4,12 @@
 #include "platform/config/documentfile.h"
 #include "platform/tracing.h"
 
+#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <filesystem>
@@ -20,6 +22,7 @@ namespace {
 constexpr const char* kSource = "platform/config/versionfolder";
 
 constexpr qsizetype kDepth = 10;
+constexpr qsizetype kDays = 30;
 constexpr int kDigits = 8;
 constexpr qulonglong kLastNumber = 99'999'999;
 
@@ -121,14 +124,19 @@ void VersionFolder::Prune() const
 {
     const QString folder = Path() + u'/';
     const QStringList names = Names();
-    for (qsizetype i = kDepth; i < names.size(); ++i) {
+    QSet<QDate> days;
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        const QDate day = TimeOf(names.at(i)).toLocalTime().date();
+        const bool isLastOfDay = days.size() < kDays && !days.contains(day);
+        if (isLastOfDay)
+            days.insert(day);
+        if (i < kDepth || isLastOfDay)
+            continue;
         if (!QFile::remove(folder + names.at(i)))
-            Trace(
-                kSource, __LINE__,
-                [&] {
-                    return QStringLiteral("VersionFolder::Prune(): Could not remove the old version %1")
-                        .arg(folder + names.at(i));
-                });
+            Trace(kSource, __LINE__, [&] {
+                return QStringLiteral("VersionFolder::Prune(): Could not remove the old version %1")
+                    .arg(folder + names.at(i));
+            });
     }
 }
 

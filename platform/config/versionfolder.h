@@ -36,7 +36,11 @@ public:
     /// replacement. Call only while holding the document's lock.
     Kept Keep(const QByteArray& content) const;
 
-    /// Removes the oldest versions beyond ten. Call only while holding the document's lock.
+    /// Removes all versions but the newest ten and the last one of each of the thirty latest days that have one. Call
+    /// only while holding the document's lock.
+    ///
+    /// The order of versions is that of their numbers; a day is a local one, by the time in the name. A clock that was
+    /// wrong for a while takes up some of the thirty days, and no version becomes too old.
     void Prune() const;
 
 private:

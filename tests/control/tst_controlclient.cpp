@@ -6,10 +6,12 @@
 #include "tests/support/testmain.h"
 
 #include <QLocalServer>
+#include <QSemaphore>
 #include <QTest>
-#include <QTimer>
+#include <QThread>
 
-#include <thread>
+#include <atomic>
+#include <memory>
 
 using namespace std::chrono_literals;
 
@@ -17,21 +19,21 @@ namespace {
 
 constexpr auto kShortPatience = 50ms;
 
-/// A host in a thread of its own, because the client blocks. What it answers is given as text; it takes the request
-/// before the part that follows "|".
+/// A host in a thread of its own, because the client blocks. What it answers is given as text: it reads a line before
+/// the part that follows "|", and ends after it has accepted a request and said nothing else.
 class FakeHost
 {
 public:
-    FakeHost(const QString& address, QByteArray answer)
-        : m_thread([this, address, answer = std::move(answer)] { Run(address, answer); })
+    FakeHost(const QString& address, const QByteArray& answer)
+        : m_pThread(QThread::create([this, address, answer] { Run(address, answer); }))
     {
-        while (!m_isListening)
-            std::this_thread::yield();
+        m_pThread->start();
+        m_listening.acquire();
     }
     ~FakeHost()
     {
         m_isEnded = true;
-        m_thread.join();
+        m_pThread->wait();
     }
 
     FakeHost(const FakeHost&) = delete;
@@ -42,29 +44,28 @@ private:
     {
         QLocalServer server;
         server.listen(address);
-        m_isListening = true;
+        m_listening.release();
         QLocalSocket* peer = nullptr;
         while (!m_isEnded && !peer)
             if (server.waitForNewConnection(10))
                 peer = server.nextPendingConnection();
         if (!peer)
             return;
-        const bool ends = answer.endsWith("|");
-        for (const QByteArray& part : answer.split('|')) {
+        const QList<QByteArray> parts = answer.split('|');
+        for (const QByteArray& part : parts) {
+            while (!m_isEnded && &part != &parts.front() && !peer->canReadLine())
+                peer->waitForReadyRead(10);
             peer->write(part);
             peer->waitForBytesWritten(1000);
-            while (!m_isEnded && !part.isEmpty() && !peer->canReadLine())
-                peer->waitForReadyRead(10);
-            peer->readLine();
         }
-        while (!m_isEnded && !ends)
+        while (!m_isEnded && !parts.back().endsWith("accepted\"}\n"))
             peer->waitForReadyRead(10);
-        peer->abort();
+        peer->disconnectFromServer();
     }
 
-    std::atomic<bool> m_isListening = false;
+    QSemaphore m_listening;
     std::atomic<bool> m_isEnded = false;
-    std::thread m_thread;
+    const std::unique_ptr<QThread> m_pThread;
 };
 
 const QByteArray kGreeting = "{\"protocol\":1,\"program\":\"vexelhost\",\"version\":\"1\",\"process\":7}\n";
@@ -162,14 +163,13 @@ void TestControlClient::documentIsSent()
     const QByteArray document = QByteArray("<\xc3\xa4>").repeated(1'000'000);
     int code = -1;
     // The greeting is awaited without an event loop.
-    std::thread thread([&] {
+    const std::unique_ptr<QThread> thread(QThread::create([&] {
         ControlClient client;
         if (client.Connect(fixture.configuration.path()) == ControlClient::State::Connected)
             code = client.Run(Request("import"), [](const QJsonObject&) { }, document);
-        QMetaObject::invokeMethod(this, [] { QTestEventLoop::instance().exitLoop(); }, Qt::QueuedConnection);
-    });
-    QTestEventLoop::instance().enterLoop(30);
-    thread.join();
+    }));
+    thread->start();
+    QTRY_VERIFY(thread->isFinished());
     QCOMPARE(code, 0);
     QVERIFY(received == document);
 }
@@ -202,10 +202,9 @@ void TestControlClient::hostThatEndsIsReported()
     InstanceLock lock;
     QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
     lock.SetAddress(fixture.address);
-    const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n|");
+    const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n");
     ControlClient client;
     QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
-    QTimer::singleShot(0, &client, [] { });
     QCOMPARE(client.Run(Request("wait"), [](const QJsonObject&) { }, {}), 4);
     QVERIFY2(client.Error().contains(QStringLiteral("ended")), qPrintable(client.Error()));
 }

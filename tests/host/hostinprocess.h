@@ -18,6 +18,7 @@ class Host
 public:
     Host()
     {
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
         options.plugin = QStringLiteral(REAL_PLUGIN);
         options.configDirectory = directory.filePath(QStringLiteral("config"));
         // Without any application: nothing can be connected.
@@ -64,6 +65,7 @@ public:
     bool HasStored(const char* name) const { return Stored().contains(QByteArray(name).toHex()); }
 
     QTemporaryDir directory;
+    QTemporaryDir runtime;
     HostOptions options;
 };
 

@@ -25,7 +25,7 @@ inline QStringList Words(const char* text)
         QCOMPARE(failed.exitCode, code);                                                                               \
         QCOMPARE(failed.output, QString());                                                                            \
         QCOMPARE(failed.ErrorLines().size(), 1);                                                                       \
-        QVERIFY2(failed.error.startsWith(QLatin1String("vexelhost: ")) && failed.error.contains(hint),                 \
+        QVERIFY2(failed.error.startsWith(failed.program + QLatin1String(": ")) && failed.error.contains(hint),         \
                  qPrintable(failed.error));                                                                            \
     } while (false)
 
@@ -34,11 +34,11 @@ inline QStringList Words(const char* text)
     do {                                                                                                               \
         QCOMPARE((result).exitCode, 0);                                                                                \
         QCOMPARE((result).ErrorLines().size(), 1);                                                                     \
-        QVERIFY2((result).error.startsWith(QLatin1String("vexelhost: ")) && (result).error.contains(hint),             \
+        QVERIFY2((result).error.startsWith((result).program + QLatin1String(": ")) && (result).error.contains(hint),   \
                  qPrintable((result).error));                                                                          \
     } while (false)
 
-/// The executable of the host as a child process, with temporary configuration and data directories.
+/// `vexelctl` and `vexelhost` as child processes, with temporary configuration, data and runtime directories.
 ///
 /// The data directory lists the applications that a test installs.
 class HostSetUp
@@ -50,6 +50,9 @@ public:
         // The host must find out by itself that there is no display.
         m_hasDisplay = !System::TakeDisplay(m_environment);
         QDir(m_directory.path()).mkdir(QStringLiteral("data"));
+        Write(Data() + QStringLiteral("/CfgVEXEL.xml"), "<CfgVEXEL/>");
+        // For sockets. Its path has to be short.
+        m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime.path());
     }
 
     QString Path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
@@ -107,13 +110,14 @@ public:
     {
         const QString fileName = Path("fill.xml");
         Write(fileName, ListDocument(names, ticked));
-        const auto added = Run({QStringLiteral("--data"), Data(), QStringLiteral("--add"), fileName});
+        const auto added = Run({QStringLiteral("add"), QStringLiteral("--data"), Data(), fileName});
         QCOMPARE(added.error, QString());
         QCOMPARE(added.exitCode, 0);
     }
 
     struct Result
     {
+        QString program;
         int exitCode = -1;
         QString output;
         QString error;
@@ -122,7 +126,7 @@ public:
         QStringList ErrorLines() const { return error.split(QLatin1Char('\n'), Qt::SkipEmptyParts); }
     };
 
-    /// Runs the host with this configuration until it ends by itself.
+    /// Runs a command of vexelctl with this configuration until it ends by itself.
     Result Run(const char* arguments) { return Run(Words(arguments)); }
     Result Run(const QStringList& arguments)
     {
@@ -130,21 +134,35 @@ public:
         Start(process, arguments);
         return End(process);
     }
-
-    /// The current directory is the one that `Path` names files in.
     void Start(QProcess& process, const char* arguments) { Start(process, Words(arguments)); }
-    void Start(QProcess& process, const QStringList& arguments)
+    void Start(QProcess& process, QStringList arguments)
     {
-        process.setProcessEnvironment(m_environment);
-        process.setWorkingDirectory(m_directory.path());
-        process.start(QStringLiteral(VEXELHOST), QStringList{QStringLiteral("--config"), Config()} + arguments);
+        // Options come after the command.
+        arguments.insert(arguments.isEmpty() ? 0 : 1, QStringLiteral("--config"));
+        arguments.insert(arguments.size() == 1 ? 1 : 2, Config());
+        StartProgram(process, QStringLiteral(VEXELCTL), arguments);
+    }
+
+    /// Runs the host likewise, and starts it.
+    Result RunHost(const char* arguments) { return RunHost(Words(arguments)); }
+    Result RunHost(const QStringList& arguments)
+    {
+        QProcess process;
+        StartHost(process, arguments);
+        return End(process);
+    }
+    void StartHost(QProcess& process, const char* arguments) { StartHost(process, Words(arguments)); }
+    void StartHost(QProcess& process, const QStringList& arguments)
+    {
+        StartProgram(process, QStringLiteral(VEXELHOST),
+                     QStringList{QStringLiteral("--config"), Config()} + arguments);
     }
 
     /// Starts a host that shows its dialog off screen, and waits until the plug-in is complete. Returns its traces.
     QByteArray StartDialog(QProcess& process)
     {
         m_environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        Start(process, "--data data --trace");
+        StartHost(process, "--data data --trace");
         QByteArray said;
         [&] {
             QTRY_VERIFY((said += process.readAllStandardError()).contains("TCPServer()"));
@@ -158,6 +176,7 @@ public:
         if (process.state() != QProcess::NotRunning)
             process.waitForFinished();
         Result result;
+        result.program = QFileInfo(process.program()).completeBaseName();
         // A crash is no exit code.
         result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
         result.output = QString::fromUtf8(process.readAllStandardOutput());
@@ -165,10 +184,10 @@ public:
         return result;
     }
 
-    /// The stored entries, read by a run of the host.
+    /// The entries, of a running host or stored.
     QJsonArray Entries()
     {
-        const Result result = Run({QStringLiteral("--list"), QStringLiteral("--json")});
+        const Result result = Run("list --json");
         return QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("connections")).toArray();
     }
 
@@ -203,7 +222,16 @@ public:
     }
 
 private:
+    /// The current directory is the one that `Path` names files in.
+    void StartProgram(QProcess& process, const QString& program, const QStringList& arguments)
+    {
+        process.setProcessEnvironment(m_environment);
+        process.setWorkingDirectory(m_directory.path());
+        process.start(program, arguments);
+    }
+
     QTemporaryDir m_directory;
+    QTemporaryDir m_runtime;
     QProcessEnvironment m_environment;
     bool m_hasDisplay = false;
 };

@@ -4,7 +4,9 @@
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
 
+#include <QScopeGuard>
 #include <QTest>
+#include <QThread>
 
 #include <memory>
 
@@ -69,6 +71,25 @@ private slots:
         QCOMPARE(Text(kText), QStringLiteral("second"));
         QCOMPARE(Text(kOther), QString());
         QCOMPARE(m_store->Number(), 1);
+    }
+
+    void versionFilterIsThatOfTheStart()
+    {
+        QVERIFY(m_store->Save(1));
+        QThread* thread = nullptr;
+        CfgCenter::SetVersionFilter([&thread](const ConfigValues&, const ConfigValues&) {
+            thread = QThread::currentThread();
+            return false;
+        });
+        const auto reset = qScopeGuard([] { CfgCenter::SetVersionFilter({}); });
+        m_store->Root()->SetInt(QStringLiteral("Number"), 2, 0);
+        Lock();
+        Start();
+        CfgCenter::SetVersionFilter({});
+        Unlock();
+        QTRY_COMPARE(m_results, QList<bool>{true});
+        QVERIFY(thread && thread != QThread::currentThread());
+        QVERIFY(ConfigVersions(View::Shared, QStringLiteral("Document")).List().isEmpty());
     }
 
     void changesOfOthersAreTakenOver()

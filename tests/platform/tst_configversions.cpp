@@ -6,12 +6,14 @@
 #include "tests/support/tracerecorder.h"
 
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSet>
 #include <QTest>
 
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -48,7 +50,11 @@ class TestConfigVersions : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_store.emplace(); }
+    void init()
+    {
+        m_store.emplace();
+        m_added = 0;
+    }
     void cleanup() { m_store.reset(); }
 
     void everySaveKeepsTheEarlierContent()
@@ -72,7 +78,7 @@ private slots:
     {
         QList<int> expected;
         for (int i = 1; i <= 14; ++i) {
-            QVERIFY(m_store->Save(i));
+            QVERIFY(SaveOnOneDay(i));
             if (i < 14)
                 expected.prepend(i);
         }
@@ -82,6 +88,93 @@ private slots:
         QStringList byName = QDir(m_store->Versions()).entryList(QDir::Files, QDir::Name | QDir::Reversed);
         for (const ConfigVersion& version : Versions().List())
             QCOMPARE(QFileInfo(version.file).fileName(), byName.takeFirst());
+    }
+
+    void lastVersionOfEachDayIsKept()
+    {
+        QVERIFY(m_store->Save(1000));
+        const QDate first(2024, 3, 1);
+        for (int day = 0; day < 40; ++day) {
+            AddVersion(10 * day, first.addDays(day), QTime(0, 0));
+            AddVersion(10 * day + 1, first.addDays(day), QTime(12, 0));
+            AddVersion(10 * day + 2, first.addDays(day), QTime(23, 59, 59, 999));
+        }
+        const QDateTime now(first.addDays(40), QTime(12, 0));
+        QVERIFY(SetTime(m_store->Document(), now));
+        QVERIFY(m_store->Save(1001));
+        // The newest ten are of the four latest days; of 26 more days the last one each.
+        QList<int> expected{1000, 392, 391, 390, 382, 381, 380, 372, 371, 370};
+        for (int day = 36; day > 10; --day)
+            expected.append(10 * day + 2);
+        QCOMPARE(Numbers(), expected);
+
+        QVERIFY(SetTime(m_store->Document(), now.addSecs(60)));
+        QVERIFY(m_store->Save(1002));
+        expected.removeOne(370);
+        expected.prepend(1001);
+        QCOMPARE(Numbers(), expected);
+    }
+
+    void wrongClockRemovesNothingElse()
+    {
+        QVERIFY(m_store->Save(1000));
+        const QDate first(2024, 3, 1);
+        const QDate future(2999, 12, 31);
+        const QDate past(1970, 1, 1);
+        // Twelve days, one of them in the future; then a clock that stands still in the past.
+        for (int day = 1; day <= 12; ++day)
+            AddVersion(day, day == 6 ? future : first.addDays(day), QTime(12, 0));
+        for (int i = 0; i < 12; ++i)
+            AddVersion(100 + i, past, QTime(12, i));
+        QVERIFY(SetTime(m_store->Document(), QDateTime(past, QTime(13, 0))));
+        QVERIFY(m_store->Save(1001));
+        QList<int> expected{1000};
+        for (int i = 11; expected.size() < kDepth; --i)
+            expected.append(100 + i);
+        for (int day = 12; day >= 1; --day)
+            expected.append(day);
+        QCOMPARE(Numbers(), expected);
+    }
+
+    void filterDecidesAboutVersions()
+    {
+        QList<std::pair<int, int>> asked;
+        CfgCenter::SetVersionFilter([&asked](const ConfigValues& before, const ConfigValues& after) {
+            const QString key = QStringLiteral("Number");
+            asked.append({before.value(key).toInt(), after.value(key).toInt()});
+            return after.value(key).toInt() % 10 == 0;
+        });
+        const auto reset = qScopeGuard([] { CfgCenter::SetVersionFilter({}); });
+        for (const int number : {1, 2, 3, 10, 11, 20})
+            QVERIFY(m_store->Save(number));
+        QCOMPARE(Numbers(), QList<int>({11, 3}));
+        QVERIFY(m_store->Save(20)); // nothing to save
+        QCOMPARE(asked, (QList<std::pair<int, int>>{{1, 2}, {2, 3}, {3, 10}, {10, 11}, {11, 20}}));
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 20);
+
+        CfgCenter::SetVersionFilter({});
+        QVERIFY(m_store->Save(21));
+        QCOMPARE(Numbers(), QList<int>({20, 11, 3}));
+    }
+
+    void editedContentIsKeptWhateverTheFilterSays()
+    {
+        CfgCenter::SetVersionFilter([](const ConfigValues&, const ConfigValues&) { return false; });
+        const auto reset = qScopeGuard([] { CfgCenter::SetVersionFilter({}); });
+        QVERIFY(m_store->Save(1));
+        const QByteArray edited = Files::Read(m_store->Document()).replace("\"1\"", "\"7\"");
+        QVERIFY(Files::Write(m_store->Document(), edited));
+        QVERIFY(m_store->Save(2));
+        QCOMPARE(Numbers(), QList<int>({7}));
+        QCOMPARE(Files::Read(Versions().List().constFirst().file), edited);
+
+        // It is not replaced where it cannot be kept.
+        QVERIFY(QDir(m_store->Versions()).removeRecursively());
+        QVERIFY(Files::Write(m_store->Versions(), "in the way"));
+        QVERIFY(Files::Write(m_store->Document(), edited));
+        QVERIFY(!m_store->Save(3));
+        QCOMPARE(Files::Read(m_store->Document()), edited);
     }
 
     void unchangedSaveKeepsNoVersion()
@@ -219,7 +312,7 @@ private slots:
 
         const TraceRecorder traces;
         for (int i = 1; i <= kDepth + 3; ++i)
-            QVERIFY(m_store->Save(i));
+            QVERIFY(SaveOnOneDay(i));
         QVERIFY2(traces.Messages().isEmpty(), qUtf8Printable(traces.Messages().join(u'\n')));
         QCOMPARE(Numbers(), QList<int>({12, 11, 10, 9, 8, 7, 6, 5, 4, 3}));
 
@@ -243,8 +336,8 @@ private slots:
         QVERIFY(m_store->Save(5));
         QCOMPARE(Numbers(), QList<int>({4, 3, 99, 2, 1}));
         for (int i = 6; i <= 16; ++i)
-            QVERIFY(m_store->Save(i));
-        QCOMPARE(Numbers(), QList<int>({15, 14, 13, 12, 11, 10, 9, 8, 7, 6}));
+            QVERIFY(SaveOnOneDay(i));
+        QCOMPARE(Numbers().first(kDepth), QList<int>({15, 14, 13, 12, 11, 10, 9, 8, 7, 6}));
         QVERIFY2(traces.Messages().isEmpty(), qPrintable(traces.Messages().join(u'\n')));
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 16);
@@ -368,7 +461,7 @@ private slots:
     void oldestVersionCanBeRestored()
     {
         for (int i = 1; i <= kDepth + 1; ++i)
-            QVERIFY(m_store->Save(i));
+            QVERIFY(SaveOnOneDay(i));
         QVERIFY(Versions().Restore(Versions().List().back()));
         QCOMPARE(Numbers(), QList<int>({11, 10, 9, 8, 7, 6, 5, 4, 3, 2}));
         m_store->Reopen();
@@ -450,6 +543,23 @@ private slots:
     }
 
 private:
+    bool SaveOnOneDay(int number)
+    {
+        return m_store->Save(number) && SetTime(m_store->Document(), QDateTime(QDate(2026, 3, 4), QTime(12, 0)));
+    }
+
+    /// Adds a file as the newest version.
+    void AddVersion(int number, QDate day, QTime time)
+    {
+        QVERIFY(QDir().mkpath(m_store->Versions()));
+        const QString name = QStringLiteral("%1-%2Z.json")
+                                 .arg(++m_added, 8, 10, QLatin1Char('0'))
+                                 .arg(QDateTime(day, time).toUTC().toString(QStringLiteral("yyyyMMdd'T'HHmmss.zzz")));
+        QVERIFY(Files::Write(m_store->Versions() + u'/' + name,
+                             QStringLiteral(R"({"values": {"Number": %1}})").arg(number).toUtf8()));
+    }
+
+    int m_added = 0; // versions by AddVersion
     std::optional<StoreFixture> m_store;
 };
 

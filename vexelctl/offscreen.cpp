@@ -1,4 +1,4 @@
-#include "vexelctl/offscreenhost.h"
+#include "vexelctl/offscreen.h"
 
 #include "control/controladdress.h"
 #include "control/controlline.h"
@@ -20,7 +20,6 @@
 #include <QCoreApplication>
 #include <QList>
 
-#include <csignal>
 #include <optional>
 #include <utility>
 
@@ -67,6 +66,7 @@ private:
     const ControlClient::Receiver m_onLine;
 };
 
+/// The program around a dialog that nobody sees.
 class Host : public DialogHost
 {
 public:
@@ -83,10 +83,14 @@ public:
     }
     QString ShowDialog() override
     {
-        return QStringLiteral("vexelctl connects entries and has no dialog on the screen");
+        return QStringLiteral("vexelctl connects entries, and shows no dialog");
     }
     QByteArray Picture(QString* error) override { return EnlargedDialogPicture(m_dialog, error); }
-    void Quit() override { QCoreApplication::exit(kSignalBase + SIGTERM); }
+    void Quit() override
+    {
+        Console::PrintError(QStringLiteral("ended by \"quit\""));
+        QCoreApplication::exit(static_cast<int>(ExitCode::Busy));
+    }
     void HoldSaves(bool isHeld) override
     {
         m_isHeld = isHeld;
@@ -138,7 +142,7 @@ void PrintFailure(const QString& error)
 
 } // namespace
 
-namespace OffScreenHost {
+namespace OffScreen {
 
 ExitCode Run(const CtlOptions& options, const InstanceLock& lock, const QJsonObject& request,
              const ControlClient::Receiver& onLine)
@@ -164,6 +168,6 @@ ExitCode GetPicture(const CtlOptions& options, QByteArray& picture)
     });
 }
 
-} // namespace OffScreenHost
+} // namespace OffScreen
 
-#include "offscreenhost.moc"
+#include "offscreen.moc"

@@ -10,7 +10,7 @@
 class InstanceLock;
 
 /// The plug-in off screen, where no host runs. Needs the QApplication. Errors are printed.
-namespace OffScreenHost {
+namespace OffScreen {
 
 /// Carries out one request as a host does, and ends then. `onLine` receives the lines of the answer. Meanwhile it takes
 /// the requests of other processes. `lock` is that of the configuration directory.
@@ -20,4 +20,4 @@ ExitCode Run(const CtlOptions& options, const InstanceLock& lock, const QJsonObj
 /// Gets a picture of the dialog as PNG. Changes nothing in the configuration.
 ExitCode GetPicture(const CtlOptions& options, QByteArray& picture);
 
-} // namespace OffScreenHost
+} // namespace OffScreen
