@@ -81,10 +81,7 @@ public:
         m_isSaveWanted = m_isHeld;
         return m_isHeld ? QString() : m_session.Save();
     }
-    QString ShowDialog() override
-    {
-        return QStringLiteral("vexelctl connects entries, and shows no dialog");
-    }
+    QString ShowDialog() override { return QStringLiteral("vexelctl connects entries, and shows no dialog"); }
     QByteArray Picture(QString* error) override { return EnlargedDialogPicture(m_dialog, error); }
     void Quit() override
     {
