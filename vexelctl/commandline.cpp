@@ -14,9 +14,6 @@ namespace {
 
 using Outcome = ParsedCtlCommandLine::Outcome;
 
-const QString kDefaultName = QStringLiteral("VexelConnectDlg");
-const QString kMachineFile = QStringLiteral("CfgVEXEL.xml");
-
 /// The number of letters to insert, remove or replace in `one` to make it `other`.
 qsizetype EditDistance(const QString& one, const QString& other)
 {
@@ -120,7 +117,6 @@ private:
     QString Help() const;
     QString CheckArguments() const;
     QString CheckOptions() const;
-    QString CheckDataDirectory() const;
     QString CheckCombination() const;
     CtlOptions Read() const;
 
@@ -200,26 +196,12 @@ QString Parser::CheckOptions() const
                 .arg(QLatin1String(option));
     }
 
-    const QString language = Value("language");
-    if (!language.isEmpty() && language != QLatin1String("C") && QLocale(language) == QLocale::c())
-        return QStringLiteral("--language: no such locale: %1").arg(language);
-    return CheckDataDirectory();
-}
-
-QString Parser::CheckDataDirectory() const
-{
-    // The value is stored, so a typo would persist.
-    if (!IsSet("data"))
-        return {};
-    const QString directory = Value("data");
-    if (!QFileInfo(directory).isDir())
-        return QStringLiteral("--data: no such directory: %1").arg(directory);
-    if (Has("force") && !IsSet("force") && !QFileInfo(directory + QLatin1Char('/') + kMachineFile).isFile()) {
-        return QStringLiteral("--data: there is no %1, which lists the applications, in %2; --force uses the directory "
-                              "nevertheless")
-            .arg(kMachineFile, directory);
+    if (IsSet("language")) {
+        if (const QString error = LanguageError(Value("language")); !error.isEmpty())
+            return error;
     }
-    return {};
+    // Commands without --force only look.
+    return IsSet("data") ? DataDirectoryError(Value("data"), IsSet("force") || !Has("force")) : QString();
 }
 
 /// Returns why the options cannot be used together; empty if they can.
@@ -252,7 +234,8 @@ CtlOptions Parser::Read() const
     options.traceFile = AbsolutePath("trace-file");
     options.plugin = AbsolutePath("plugin");
     options.dataDirectory = AbsolutePath("data");
-    options.name = IsSet("name") ? Value("name") : kDefaultName;
+    if (IsSet("name"))
+        options.name = Value("name");
     options.json = IsSet("json");
     options.force = IsSet("force");
     options.dryRun = IsSet("dry-run");

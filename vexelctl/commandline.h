@@ -1,36 +1,27 @@
 #pragma once
 
+#include "host/options/sessionoptions.h"
 #include "process/parsedoptions.h"
 #include "vexelctl/commands.h"
 
-#include <QLocale>
 #include <QString>
 #include <QStringList>
 
-#include <optional>
-
 /// The parsed command line of vexelctl. Paths are absolute; `kStandardStream` stays as it is.
-struct CtlOptions
+struct CtlOptions : SessionOptions
 {
     Command command = Command::List;
-    QString configDirectory;         ///< the configuration store; empty: the user's default location
-    std::optional<QLocale> language; ///< none: the system's
-    bool trace = false;              ///< write traces to standard error
-    QString traceFile;               ///< append traces to this file; empty: none
-    QString plugin;                  ///< the plug-in's library; empty: the installed one
-    QString dataDirectory;           ///< directory of the machine's XML files; empty: as stored, or the samples
-    QString name;                    ///< the plug-in instance's name, never empty
-    bool json = false;               ///< print JSON
-    bool force = false;              ///< of quit: although entries are in use
-    bool dryRun = false;             ///< of restore: change nothing
-    QStringList names;               ///< of connect: names of the entries, without duplicates
-    bool selected = false;           ///< of connect: the ticked entries
-    bool wait = false;               ///< of connect: until no entry is in use
-    bool ignoreExitCodes = false;    ///< an application may end by a crash or with another code than 0
-    QString screenshotDuring;        ///< screenshot file, taken after connecting; empty: none
-    QString screenshot;              ///< screenshot file, taken at the end; empty: none
-    QStringList files;               ///< of the commands that read or write files
-    int version = 0;                 ///< of restore: 1 is the newest
+    bool json = false;            ///< print JSON
+    bool force = false;           ///< of quit: although entries are in use
+    bool dryRun = false;          ///< of restore: change nothing
+    QStringList names;            ///< of connect: names of the entries, without duplicates
+    bool selected = false;        ///< of connect: the ticked entries
+    bool wait = false;            ///< of connect: until no entry is in use
+    bool ignoreExitCodes = false; ///< an application may end by a crash or with another code than 0
+    QString screenshotDuring;     ///< screenshot file, taken after connecting; empty: none
+    QString screenshot;           ///< screenshot file, taken at the end; empty: none
+    QStringList files;            ///< of the commands that read or write files
+    int version = 0;              ///< of restore: 1 is the newest
 
     /// In `files`: standard input or output.
     static inline const QString kStandardStream = QStringLiteral("-");

@@ -1,5 +1,6 @@
 #include "vexelctl/entrytable.h"
 
+#include "control/entryjson.h"
 #include "host/output/texttable.h"
 #include "host/output/timetext.h"
 #include "process/textline.h"
@@ -8,6 +9,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QStringList>
 
 #include <algorithm>
@@ -51,26 +53,27 @@ QStringList Cells(const Connection& entry)
             entry.Selected ? QStringLiteral("yes") : QStringLiteral("no")};
 }
 
-QStringList UseCells(const std::optional<EntryUse>& use)
+QStringList UseCells(const std::optional<EntryApplication>& application)
 {
-    if (!use)
+    if (!application)
         return {QString(), QString(), QString()};
-    return {TimeText(use->since.toLocalTime()), Short(ProgramName(use->program)), QString::number(use->process)};
+    return {TimeText(application->since.toLocalTime()), Short(ProgramName(application->program)),
+            QString::number(application->process)};
 }
 
 } // namespace
 
 QString EntryTable(const std::vector<ListedEntry>& entries)
 {
-    const bool isAnyUsed =
-        std::any_of(entries.begin(), entries.end(), [](const ListedEntry& entry) { return entry.use.has_value(); });
+    const bool isAnyUsed = std::any_of(entries.begin(), entries.end(),
+                                       [](const ListedEntry& entry) { return entry.application.has_value(); });
     std::vector<QStringList> lines{Heading()};
     if (isAnyUsed)
         lines.front() += {QStringLiteral("Since"), QStringLiteral("Program"), QStringLiteral("Process")};
     for (const ListedEntry& listed : entries) {
         lines.push_back(Cells(listed.entry));
         if (isAnyUsed)
-            lines.back() += UseCells(listed.use);
+            lines.back() += UseCells(listed.application);
     }
     return TextTable(lines);
 }
@@ -79,7 +82,7 @@ QByteArray EntryJson(const std::vector<ListedEntry>& entries)
 {
     QJsonArray connections;
     for (const ListedEntry& listed : entries)
-        connections.append(ConnectionJson::Write(listed.entry, listed.use));
+        connections.append(EntryToJson(listed.entry, listed.application));
     return QJsonDocument(QJsonObject{{QStringLiteral("connections"), connections}}).toJson();
 }
 

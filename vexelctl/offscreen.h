@@ -1,18 +1,23 @@
 #pragma once
 
 #include "control/controlclient.h"
-#include "host/options/sessionoptions.h"
-#include "host/plugin/pluginsession.h"
+#include "host/output/exitcode.h"
+#include "vexelctl/commandline.h"
 
+#include <QByteArray>
 #include <QJsonObject>
-#include <QString>
 
-/// Carries out a request of the control channel in this process, with the plug-in's dialog off screen. Calls `onLine`
-/// for each line of the answer but the last. Returns the exit code, and sets `error` to why the request failed, if that
-/// has not been printed.
-///
-/// Message boxes are answered automatically. The applications end with this function. While it runs, other programs can
-/// speak with this process as with a host, unless the `mode` is read-only. Creates the application object: there must
-/// not be one yet. `program` is argv[0].
-int RunOffScreen(const SessionOptions& options, PluginSession::Mode mode, const QJsonObject& request,
-                 const ControlClient::Receiver& onLine, QString* error, char* program);
+class InstanceLock;
+
+/// The plug-in off screen, where no host runs. Needs the QApplication. Errors are printed.
+namespace OffScreen {
+
+/// Carries out one request as a host does, and ends then. `onLine` receives the lines of the answer. Meanwhile it takes
+/// the requests of other processes. `lock` is that of the configuration directory.
+ExitCode Run(const CtlOptions& options, const InstanceLock& lock, const QJsonObject& request,
+             const ControlClient::Receiver& onLine);
+
+/// Gets a picture of the dialog as PNG. Changes nothing in the configuration.
+ExitCode GetPicture(const CtlOptions& options, QByteArray& picture);
+
+} // namespace OffScreen

@@ -77,9 +77,9 @@ std::optional<Entries> Read()
     ICfg& document = *CfgCenter::GetAppCfg(View::Application);
     const StoredSet set = ReadStoredSet(document);
     if (set.state == StoredSet::State::Malformed) {
-        Console::PrintError(QStringLiteral("the stored list is malformed after %1")
-                                .arg(set.entries == 1 ? QStringLiteral("1 entry")
-                                                      : QStringLiteral("%1 entries").arg(set.entries)));
+        Console::PrintError(
+            QStringLiteral("the stored list is malformed after %1")
+                .arg(set.entries == 1 ? QStringLiteral("1 entry") : QStringLiteral("%1 entries").arg(set.entries)));
     }
     PrintLoss(document, set);
     return EntriesIn(document);

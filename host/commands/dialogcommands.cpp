@@ -1,13 +1,13 @@
 #include "host/commands/dialogcommands.h"
 
 #include "control/controlline.h"
+#include "control/entryjson.h"
 #include "host/commands/dialoghost.h"
 #include "host/commands/messageboxautoresponder.h"
 #include "host/commands/statusreport.h"
 #include "host/output/exitcode.h"
 #include "host/store/storedset.h"
 #include "process/background.h"
-#include "userinterface/vexelconnectdlg/connectionjson.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QApplication>
@@ -42,17 +42,15 @@ bool Flag(const QJsonObject& request, const char* name)
 
 QJsonObject EntryLine(const Connection& entry, const std::optional<EntryApplication>& application)
 {
-    std::optional<EntryUse> use;
-    if (application)
-        use = EntryUse{application->program, application->process, application->since};
-    QJsonObject line = ConnectionJson::Write(entry, use);
+    QJsonObject line = EntryToJson(entry, application);
     line.insert(kType, QStringLiteral("entry"));
     return line;
 }
 
 bool IsConnectionList(const QByteArray& document)
 {
-    return ConnectionList::Read(document, [](const Connection&) { });
+    return ConnectionList::Read(
+        document, [](const Connection&) {});
 }
 
 } // namespace
@@ -135,9 +133,11 @@ void DialogCommands::Status(const ControlRequest& /*request*/, ControlReply* rep
 
 void DialogCommands::Export(const ControlRequest& /*request*/, ControlReply* reply)
 {
-    SendInBackground(reply, [list = std::make_shared<ListCopy>(m_dialog.Copy())] {
-        return ControlLine::WriteParts(QString::fromUtf8(ToDocument(*list)), {{kType, QStringLiteral("data")}});
-    });
+    SendInBackground(
+        reply,
+        [list = std::make_shared<ListCopy>(m_dialog.Copy())] {
+            return ControlLine::WriteParts(QString::fromUtf8(ToDocument(*list)), {{kType, QStringLiteral("data")}});
+        });
 }
 
 void DialogCommands::Picture(const ControlRequest& /*request*/, ControlReply* reply)
@@ -197,7 +197,7 @@ void DialogCommands::Watch(const ControlRequest& /*request*/, ControlReply* repl
     new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::All);
     const auto sendCount = [this, reply] {
         reply->Send({{kType, QStringLiteral("entries")},
-                     {QStringLiteral("time"), ConnectionJson::Time(QDateTime::currentDateTime())},
+                     {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
                      {QStringLiteral("count"), m_dialog.Count()}});
     };
     connect(m_dialog.Entries(), &QAbstractItemModel::rowsInserted, reply, sendCount);
@@ -209,7 +209,8 @@ void DialogCommands::Import(const ControlRequest& request, ControlReply* reply)
     if (const QString error = ChangeError(); !error.isEmpty())
         return End(reply, ExitCode::Busy, error);
     if (!IsConnectionList(request.document))
-        return End(reply, ExitCode::Unusable, QStringLiteral("the document is not a connection list, or has no entries"));
+        return End(reply, ExitCode::Unusable,
+                   QStringLiteral("the document is not a connection list, or has no entries"));
     const int before = m_dialog.Count();
     m_host.HoldSaves(true);
     if (before > 0)

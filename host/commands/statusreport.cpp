@@ -1,8 +1,8 @@
 #include "host/commands/statusreport.h"
 
 #include "control/controlreply.h"
+#include "control/entryjson.h"
 #include "host/plugin/connectdialog.h"
-#include "userinterface/vexelconnectdlg/connectionjson.h"
 
 #include <QDateTime>
 
@@ -18,22 +18,14 @@ bool IsFailure(const EntryApplication& application)
 QJsonObject ToLine(const StatusChange& change)
 {
     QJsonObject line{{QStringLiteral("type"), QStringLiteral("status")},
-                     {QStringLiteral("time"), ConnectionJson::Time(QDateTime::currentDateTime())},
+                     {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
                      {QStringLiteral("name"), change.name},
                      {QStringLiteral("from"), change.from},
                      {QStringLiteral("fromText"), Connection::EnglishStatusName(change.from)},
                      {QStringLiteral("to"), change.to},
                      {QStringLiteral("toText"), Connection::EnglishStatusName(change.to)}};
-    if (!change.application)
-        return line;
-    line.insert(QStringLiteral("program"), change.application->program);
-    line.insert(QStringLiteral("process"), change.application->process);
-    if (change.application->exitCode)
-        line.insert(QStringLiteral("exitCode"), *change.application->exitCode);
-    if (change.application->signal)
-        line.insert(QStringLiteral("signal"), *change.application->signal);
-    if (change.application->isCrash)
-        line.insert(QStringLiteral("crashed"), true);
+    if (change.application)
+        InsertApplication(line, *change.application);
     return line;
 }
 
@@ -58,9 +50,11 @@ bool StatusReport::HasStarted(int row) const
 
 bool StatusReport::IsOver() const
 {
-    return std::none_of(m_started.cbegin(), m_started.cend(), [this](const QPersistentModelIndex& entry) {
-        return entry.isValid() && m_dialog.Status(entry.row()) != ConnectDialog::kFree;
-    });
+    return std::none_of(
+        m_started.cbegin(), m_started.cend(),
+        [this](const QPersistentModelIndex& entry) {
+            return entry.isValid() && m_dialog.Status(entry.row()) != ConnectDialog::kFree;
+        });
 }
 
 void StatusReport::OnStatusChanged(const StatusChange& change)

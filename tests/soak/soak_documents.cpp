@@ -6,8 +6,8 @@
 // One line: place, shape, size of the document, seconds, seconds of processor time, peak memory, result.
 
 #include "host/store/storedset.h"
-#include "host/support/machinereport.h"
-#include "host/support/supportreport.h"
+#include "vexelctl/support/machinereport.h"
+#include "vexelctl/support/supportreport.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "userinterface/kitecontrol/launchreport.h"

@@ -1,3 +1,4 @@
+#include "control/entryjson.h"
 #include "tests/support/testmain.h"
 #include "vexelctl/entrytable.h"
 
@@ -63,7 +64,8 @@ void TestEntryTable::columnsAreAligned()
 void TestEntryTable::entriesInUseAddColumns()
 {
     ListedEntry used = Entry(QStringLiteral("mast"), false, 1);
-    used.use = {QStringLiteral("/opt/bin/kitecontrol"), 4712, QDateTime(QDate(2026, 3, 4), QTime(10, 11, 12))};
+    used.application = {
+        QStringLiteral("/opt/bin/kitecontrol"), 4712, QDateTime(QDate(2026, 3, 4), QTime(10, 11, 12)), {}, {}, false};
     const QStringList lines = Lines(EntryTable({Entry(QStringLiteral("pier")), used}));
     QVERIFY2(lines.at(0).contains(QLatin1String("  Selected  Since ")), qPrintable(lines.at(0)));
     QVERIFY2(lines.at(0).endsWith(QLatin1String("  Program      Process")), qPrintable(lines.at(0)));
@@ -92,14 +94,14 @@ void TestEntryTable::longNamesAreCut()
 void TestEntryTable::jsonHoldsEveryEntry()
 {
     ListedEntry used = Entry(QStringLiteral("mast"), true, 1);
-    used.use = {QStringLiteral("/opt/bin/kitecontrol"), 4712, QDateTime::currentDateTime()};
+    used.application = {QStringLiteral("/opt/bin/kitecontrol"), 4712, QDateTime::currentDateTime(), {}, {}, false};
     const QJsonArray connections = QJsonDocument::fromJson(EntryJson({Entry(QStringLiteral("pier")), used}))
                                        .object()
                                        .value(QLatin1String("connections"))
                                        .toArray();
     QCOMPARE(connections.size(), 2);
-    QCOMPARE(connections.at(0).toObject(), ConnectionJson::Write(Entry(QStringLiteral("pier")).entry));
-    QCOMPARE(connections.at(1).toObject(), ConnectionJson::Write(used.entry, used.use));
+    QCOMPARE(connections.at(0).toObject(), EntryToJson(Entry(QStringLiteral("pier")).entry));
+    QCOMPARE(connections.at(1).toObject(), EntryToJson(used.entry, used.application));
 }
 
 void TestEntryTable::jsonOfAnEmptyListIsAnEmptyArray()

@@ -1,5 +1,5 @@
-#include "host/support/supportreport.h"
 #include "tests/support/testmain.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

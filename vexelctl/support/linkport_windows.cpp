@@ -1,4 +1,4 @@
-#include "host/support/linkport.h"
+#include "vexelctl/support/linkport.h"
 
 QAbstractSocket::BindMode ProbeMode()
 {

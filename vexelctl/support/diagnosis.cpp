@@ -1,18 +1,17 @@
-#include "host/support/diagnosis.h"
+#include "vexelctl/support/diagnosis.h"
 
-#include "host/options/hostdefaults.h"
-#include "host/output/console.h"
 #include "host/plugin/datadirectory.h"
 #include "host/plugin/pluginlibrary.h"
-#include "host/support/accessreport.h"
-#include "host/support/linkport.h"
-#include "host/support/machinereport.h"
-#include "host/support/storereport.h"
-#include "host/support/supportreport.h"
 #include "host/system/desktop.h"
 #include "platform/icfg.h"
 #include "platform/platformversion.h"
 #include "platform/starterport.h"
+#include "vexelctl/output.h"
+#include "vexelctl/support/accessreport.h"
+#include "vexelctl/support/linkport.h"
+#include "vexelctl/support/machinereport.h"
+#include "vexelctl/support/storereport.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -36,7 +35,7 @@ Setting OptionSetting(const QString& given, const QString& used, const char* opt
     return {used, QLatin1String(given.isEmpty() ? fallback : option)};
 }
 
-Setting ConfigurationSetting(const HostOptions& given, const HostOptions& options)
+Setting ConfigurationSetting(const CtlOptions& given, const CtlOptions& options)
 {
     if (const QString error = ConfigDirectoryError(given); !error.isEmpty())
         return {QString(), QStringLiteral("NOT FOUND: ") + error};
@@ -50,7 +49,7 @@ QString ConfiguredValue(const QString& document, const QString& key)
     return node ? node->GetString(key, QString(), 0) : QString();
 }
 
-Setting DataDirectorySetting(const HostOptions& options)
+Setting DataDirectorySetting(const CtlOptions& options)
 {
     if (!options.dataDirectory.isEmpty())
         return {options.dataDirectory, QStringLiteral("--data")};
@@ -110,7 +109,7 @@ void ReportVersions(SupportReport& report)
     report.AddFact(QStringLiteral("compiler"), QStringLiteral(VEXEL_COMPILER));
 }
 
-void ReportPaths(SupportReport& report, const HostOptions& given, const HostOptions& options, const Setting& data)
+void ReportPaths(SupportReport& report, const CtlOptions& given, const CtlOptions& options, const Setting& data)
 {
     const auto addSetting = [&report](const char* label, const Setting& setting) {
         report.AddFact(QLatin1String(label), setting.value);
@@ -161,9 +160,10 @@ QStringList ProgramDirectories()
 
 } // namespace
 
-ExitCode Diagnose(const HostOptions& given)
+ExitCode Diagnose(const CtlOptions& given)
 {
-    const HostOptions options = WithDefaults(given);
+    CtlOptions options = given;
+    SetDefaults(options);
     CfgCenter::OpenReadOnly(options.configDirectory);
 
     SupportReport report;
@@ -176,6 +176,5 @@ ExitCode Diagnose(const HostOptions& given)
     ReportLink(report);
     CfgCenter::Close();
 
-    const bool isPrinted = options.json ? Console::PrintBytes(report.Json()) : Console::PrintRaw(report.Text());
-    return isPrinted ? ExitCode::Done : ExitCode::Usage;
+    return options.json ? PrintResult(report.Json()) : PrintResult(report.Text());
 }

@@ -1,4 +1,4 @@
-#include "host/support/supportreport.h"
+#include "vexelctl/support/supportreport.h"
 
 #include "host/output/texttable.h"
 #include "process/textline.h"

@@ -1,9 +1,9 @@
-#include "host/support/machinereport.h"
-#include "host/support/supportreport.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
+#include "vexelctl/support/machinereport.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QDir>
 #include <QFile>

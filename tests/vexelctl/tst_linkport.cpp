@@ -1,5 +1,5 @@
-#include "host/support/linkport.h"
 #include "tests/support/testmain.h"
+#include "vexelctl/support/linkport.h"
 
 #include <QTcpServer>
 #include <QTest>

@@ -1,12 +1,13 @@
-#include "host/support/storereport.h"
+#include "vexelctl/support/storereport.h"
 
+#include "control/entryjson.h"
 #include "files/atomicfile.h"
 #include "host/output/timetext.h"
 #include "host/store/storedset.h"
-#include "host/support/supportreport.h"
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "platform/instancelock.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -69,10 +70,10 @@ QJsonArray DocumentRow(const QString& directory, const QString& path, const QFil
     const QList<ConfigVersion> versions = document ? document->List() : QList<ConfigVersion>();
     return {path,
             file.size(),
-            TimeText(file.lastModified()),
+            TimeToJson(file.lastModified()),
             document ? StateText(*document) : QStringLiteral("not a document of the store"),
             versions.size(),
-            versions.isEmpty() ? QJsonValue() : QJsonValue(TimeText(versions.constFirst().saved))};
+            versions.isEmpty() ? QJsonValue() : QJsonValue(TimeToJson(versions.constFirst().saved))};
 }
 
 QString HostText(const InstanceLock::Owner& owner)

@@ -1,4 +1,4 @@
-#include "userinterface/vexelconnectdlg/connectionjson.h"
+#include "control/entryjson.h"
 
 namespace {
 
@@ -12,15 +12,16 @@ const QString kDriverAddress = QStringLiteral("driverAddress");
 const QString kLinkSpeed = QStringLiteral("linkSpeed");
 const QString kTimeout = QStringLiteral("timeoutSeconds");
 const QString kSubsystem = QStringLiteral("subsystem");
-const QString kSince = QStringLiteral("since");
 const QString kProgram = QStringLiteral("program");
 const QString kProcess = QStringLiteral("process");
+const QString kSince = QStringLiteral("since");
+const QString kExitCode = QStringLiteral("exitCode");
+const QString kCrashed = QStringLiteral("crashed");
+const QString kSignal = QStringLiteral("signal");
 
 } // namespace
 
-namespace ConnectionJson {
-
-QString Time(const QDateTime& time)
+QString TimeToJson(const QDateTime& time)
 {
     QString text = time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs);
     // Qt's form of a zero offset.
@@ -29,7 +30,20 @@ QString Time(const QDateTime& time)
     return text;
 }
 
-QJsonObject Write(const Connection& entry, const std::optional<EntryUse>& use)
+void InsertApplication(QJsonObject& object, const EntryApplication& application)
+{
+    object.insert(kProgram, application.program);
+    object.insert(kProcess, application.process);
+    object.insert(kSince, TimeToJson(application.since));
+    if (application.exitCode)
+        object.insert(kExitCode, *application.exitCode);
+    if (application.isCrash)
+        object.insert(kCrashed, true);
+    if (application.signal)
+        object.insert(kSignal, *application.signal);
+}
+
+QJsonObject EntryToJson(const Connection& entry, const std::optional<EntryApplication>& application)
 {
     QJsonObject object{
         {kName, entry.ConnectionName},
@@ -49,18 +63,14 @@ QJsonObject Write(const Connection& entry, const std::optional<EntryUse>& use)
          entry.TimeoutSeconds > 0 ? QString::number(entry.TimeoutSeconds) : QStringLiteral("No Timeout")},
         {kSubsystem, entry.Subsystem},
     };
-    if (use) {
-        object.insert(kSince, Time(use->since));
-        object.insert(kProgram, use->program);
-        object.insert(kProcess, use->process);
-    }
+    if (application)
+        InsertApplication(object, *application);
     return object;
 }
 
-ListedEntry Read(const QJsonObject& object)
+Connection EntryFromJson(const QJsonObject& object)
 {
-    ListedEntry listed;
-    Connection& entry = listed.entry;
+    Connection entry;
     entry.ConnectionName = object.value(kName).toString();
     entry.Selected = object.value(kSelected).toBool();
     entry.ConnectionStatus = object.value(kStatus).toInt();
@@ -71,11 +81,21 @@ ListedEntry Read(const QJsonObject& object)
     entry.LinkSpeed = object.value(kLinkSpeed).toInt();
     entry.TimeoutSeconds = object.value(kTimeout).toInt();
     entry.Subsystem = object.value(kSubsystem).toString();
-    if (object.contains(kProcess)) {
-        listed.use = {object.value(kProgram).toString(), object.value(kProcess).toInteger(),
-                      QDateTime::fromString(object.value(kSince).toString(), Qt::ISODateWithMs)};
-    }
-    return listed;
+    return entry;
 }
 
-} // namespace ConnectionJson
+std::optional<EntryApplication> ApplicationFromJson(const QJsonObject& object)
+{
+    if (!object.contains(kProcess))
+        return std::nullopt;
+    EntryApplication application;
+    application.program = object.value(kProgram).toString();
+    application.process = object.value(kProcess).toInteger();
+    application.since = QDateTime::fromString(object.value(kSince).toString(), Qt::ISODateWithMs);
+    if (object.contains(kExitCode))
+        application.exitCode = object.value(kExitCode).toInt();
+    application.isCrash = object.value(kCrashed).toBool();
+    if (object.contains(kSignal))
+        application.signal = object.value(kSignal).toInt();
+    return application;
+}

@@ -1,4 +1,4 @@
-#include "host/support/accessreport.h"
+#include "vexelctl/support/accessreport.h"
 
 void ReportAccess(SupportReport& /*report*/, const QString& /*directory*/, const QString& /*traceFile*/)
 {

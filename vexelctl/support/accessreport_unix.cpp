@@ -1,8 +1,8 @@
-#include "host/support/accessreport.h"
+#include "vexelctl/support/accessreport.h"
 
 #include "host/output/rotatingfile.h"
-#include "host/support/supportreport.h"
 #include "host/system/otherusers_unix.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QDirIterator>
 #include <QFile>

@@ -1,11 +1,11 @@
-#include "host/support/machinereport.h"
+#include "vexelctl/support/machinereport.h"
 
 #include "files/boundedfile.h"
-#include "host/support/supportreport.h"
 #include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/machineconfiguration.h"
 #include "userinterface/vexelconnectdlg/typemapping.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "host/options/hostoptions.h"
 #include "host/output/exitcode.h"
+#include "vexelctl/commandline.h"
 
 /// Prints a report for a support desk as text or JSON: versions, paths, what the plug-in reads from the data directory,
 /// the state of the configuration and who can access it, and the state of the starter's port.
 ///
 /// Reports problems without failing: returns `Done` unless the report cannot be printed. Changes nothing, creates no
 /// plug-in instance, needs no display, and works while a host runs.
-ExitCode Diagnose(const HostOptions& given);
+ExitCode Diagnose(const CtlOptions& given);

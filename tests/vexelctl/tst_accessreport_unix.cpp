@@ -1,8 +1,8 @@
-#include "host/support/accessreport.h"
-#include "host/support/supportreport.h"
 #include "host/system/otherusers_unix.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
+#include "vexelctl/support/accessreport.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QDir>
 #include <QFileInfo>
