@@ -10,6 +10,7 @@
 #include "host/plugin/pluginsession.h"
 #include "host/system/signalwatcher.h"
 #include "platform/instancelock.h"
+#include "process/foreground.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QApplication>
@@ -28,8 +29,9 @@ ExitCode Application::Run()
     QGuiApplication::setQuitOnLastWindowClosed(false);
     SignalWatcher signalWatcher;
 
-    PluginSession session(m_options, PluginSession::Mode::Desktop, m_notices,
-                          [this](const QString& error) { Fail(ExitCode::Unusable, error); });
+    PluginSession session(
+        m_options, PluginSession::Mode::Desktop, m_notices,
+        [this](StartFailure::Kind kind, const QString& error) { Fail(ExitCode::Unusable, kind, error); });
     if (!session.LoadPlugin())
         return ExitCode::Unusable;
     // Taken before anything is written, and held until everything has been.
@@ -38,7 +40,7 @@ ExitCode Application::Run()
     case InstanceLock::Result::Busy:
         return ShowRunningDialog();
     case InstanceLock::Result::Unusable:
-        return Fail(ExitCode::Unusable, lock.ErrorText());
+        return Fail(ExitCode::Unusable, StartFailure::Kind::ConfigurationUnusable, lock.ErrorText());
     case InstanceLock::Result::Locked:
         break;
     }
@@ -51,16 +53,17 @@ ExitCode Application::Run()
 ExitCode Application::ShowRunningDialog()
 {
     ControlClient client;
-    switch (client.Connect(m_options.configDirectory)) {
-    case ControlClient::State::NoHost:
-        return Fail(ExitCode::Busy, QStringLiteral("another host has just ended; try again"));
-    case ControlClient::State::Failed:
-        return Fail(ExitCode::Busy, client.Error());
-    case ControlClient::State::Connected:
-        break;
+    const ControlClient::State state = client.Connect(m_options.configDirectory);
+    QString error = state == ControlClient::State::NoHost ? QStringLiteral("another host has just ended; try again")
+                                                          : client.Error();
+    if (state == ControlClient::State::Connected) {
+        AllowForegroundActivation(client.Greeting().value(QLatin1String("process")).toInteger());
+        const int code = client.Run({{QStringLiteral("command"), QStringLiteral("show")}}, [](const QJsonObject&) { });
+        if (code == static_cast<int>(ExitCode::Done))
+            return ExitCode::Done;
+        error = client.Error();
     }
-    const int code = client.Run({{QStringLiteral("command"), QStringLiteral("show")}}, [](const QJsonObject&) { });
-    return code == 0 ? ExitCode::Done : Fail(static_cast<ExitCode>(code), client.Error());
+    return Fail(ExitCode::Busy, StartFailure::Kind::ConfigurationBusy, error);
 }
 
 ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& session, const InstanceLock& lock,
@@ -90,8 +93,9 @@ ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& sess
     return ExitCode::Done;
 }
 
-ExitCode Application::Fail(ExitCode code, const QString& error) const
+ExitCode Application::Fail(ExitCode code, StartFailure::Kind kind, const QString& error) const
 {
     Console::PrintError(error);
+    StartFailure::Report(kind, error, m_options.language);
     return code;
 }

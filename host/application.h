@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/desktop/startfailure.h"
 #include "host/options/hostoptions.h"
 #include "host/output/exitcode.h"
 #include "host/output/notices.h"
@@ -23,7 +24,7 @@ private:
     ExitCode ShowRunningDialog();
     ExitCode RunDialog(const ConnectDialog& dialog, PluginSession& session, const InstanceLock& lock,
                        SignalWatcher& signalWatcher);
-    ExitCode Fail(ExitCode code, const QString& error) const;
+    ExitCode Fail(ExitCode code, StartFailure::Kind kind, const QString& error) const;
 
     HostOptions m_options;
     Notices m_notices;

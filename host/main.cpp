@@ -1,5 +1,6 @@
 #include "host/application.h"
 #include "host/desktop/programicon.h"
+#include "host/desktop/startfailure.h"
 #include "host/options/hostoptions.h"
 #include "host/output/console.h"
 #include "host/output/qtmessages.h"
@@ -35,9 +36,10 @@ std::unique_ptr<QApplication> MakeApplication(char* program)
     return std::make_unique<QApplication>(argc, argv.data());
 }
 
-ExitCode Fail(ExitCode code, const QString& error)
+ExitCode Fail(ExitCode code, StartFailure::Kind kind, const QString& error, const HostOptions& options = {})
 {
     Console::PrintError(error);
+    StartFailure::Report(kind, error, options.language);
     return code;
 }
 
@@ -48,23 +50,24 @@ ExitCode Run(int& argc, char** argv)
     case ParsedCommandLine::Outcome::Print:
         return Console::PrintRaw(commandLine.text) ? ExitCode::Done : ExitCode::Unusable;
     case ParsedCommandLine::Outcome::Invalid:
-        return Fail(ExitCode::Usage, QStringLiteral("%1 (see --help)").arg(commandLine.text));
+        return Fail(ExitCode::Usage, StartFailure::Kind::CommandLine,
+                    QStringLiteral("%1 (see --help)").arg(commandLine.text));
     case ParsedCommandLine::Outcome::Run:
         break;
     }
     const HostOptions& options = commandLine.options;
     TraceLog traceLog;
     if (const QString error = traceLog.Start(options.trace, options.traceFile); !error.isEmpty()) {
-        return Fail(ExitCode::Unusable,
-                    QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
+        return Fail(ExitCode::Unusable, StartFailure::Kind::TraceFile,
+                    QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error), options);
     }
     if (const QString error = ConfigDirectoryError(options); !error.isEmpty()) {
-        return Fail(ExitCode::Unusable,
-                    QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error));
+        return Fail(ExitCode::Unusable, StartFailure::Kind::NoConfigurationFolder,
+                    QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error), options);
     }
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !HasDesktop()) {
-        return Fail(ExitCode::Unusable,
-                    QStringLiteral("there is no display to show the dialog on; vexelctl needs none"));
+        return Fail(ExitCode::Unusable, StartFailure::Kind::NoDisplay,
+                    QStringLiteral("there is no display to show the dialog on; vexelctl needs none"), options);
     }
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0]);
     QApplication::setWindowIcon(ProgramIcon());
@@ -77,6 +80,7 @@ int main(int argc, char** argv)
 {
     RestrictLibrarySearch();
     StandardStreams::Prepare();
+    StartFailure::TakeErrorFile();
     QCoreApplication::setOrganizationName(QStringLiteral("Vexel"));
     QCoreApplication::setApplicationName(QStringLiteral("vexelhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VEXEL_VERSION));

@@ -26,9 +26,10 @@ public:
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
 
-    /// Starts the program `file`, an absolute path. `arguments` are passed unchanged, without a shell. Call once.
-    /// Returns the error; empty on success.
-    QString Start(const QString& file, const QStringList& arguments);
+    /// Starts the program `file`, an absolute path. `arguments` are passed unchanged, without a shell. The process
+    /// finds `errorFile` in the variable `kStartErrorFileVariable`, if it is not empty. Call once. Returns the error;
+    /// empty on success.
+    QString Start(const QString& file, const QStringList& arguments, const QString& errorFile = {});
     /// Returns how the process ended; none while it runs.
     std::optional<ExitStatus> Poll();
     qint64 Id() const { return m_id; }

@@ -1,5 +1,7 @@
 #include "starter/hostprocess.h"
 
+#include "host/output/starterrorfile.h"
+
 #include <QByteArrayList>
 #include <QFile>
 
@@ -54,7 +56,7 @@ public:
 
 HostProcess::~HostProcess() = default;
 
-QString HostProcess::Start(const QString& file, const QStringList& arguments)
+QString HostProcess::Start(const QString& file, const QStringList& arguments, const QString& errorFile)
 {
     QByteArrayList texts{QFile::encodeName(file)};
     for (const QString& argument : arguments)
@@ -64,9 +66,19 @@ QString HostProcess::Start(const QString& file, const QStringList& arguments)
         argv.push_back(text.data());
     argv.push_back(nullptr);
 
+    // Not set in this process, where other threads may read the environment. The first variable of a name counts.
+    QByteArray variable = kStartErrorFileVariable + QByteArrayLiteral("=") + QFile::encodeName(errorFile);
+    std::vector<char*> environment;
+    if (!errorFile.isEmpty())
+        environment.push_back(variable.data());
+    for (char** other = environ; *other; ++other)
+        environment.push_back(*other);
+    environment.push_back(nullptr);
+
     const SpawnSettings settings;
     pid_t id = 0;
-    const int error = posix_spawn(&id, argv.front(), &settings.files, &settings.attributes, argv.data(), environ);
+    const int error =
+        posix_spawn(&id, argv.front(), &settings.files, &settings.attributes, argv.data(), environment.data());
     if (error != 0)
         return qt_error_string(error);
     m_id = id;

@@ -1,8 +1,10 @@
 #include "starter/hostprocess.h"
 
+#include "host/output/starterrorfile.h"
 #include "starter/windowscommandline.h"
 
 #include <QDir>
+#include <QScopeGuard>
 
 #include <qt_windows.h>
 
@@ -86,11 +88,19 @@ HostProcess::~HostProcess()
         CloseHandle(reinterpret_cast<HANDLE>(m_handle));
 }
 
-QString HostProcess::Start(const QString& file, const QStringList& arguments)
+QString HostProcess::Start(const QString& file, const QStringList& arguments, const QString& errorFile)
 {
     const QString program = QDir::toNativeSeparators(file);
     // CreateProcessW writes into the command line.
     std::wstring commandLine = WindowsCommandLine(QStringList{program} + arguments).toStdWString();
+    // Not qputenv(), which converts to the system's code page. The process gets a copy of this one's environment.
+    const std::wstring variable = QString::fromLatin1(kStartErrorFileVariable).toStdWString();
+    if (!errorFile.isEmpty())
+        SetEnvironmentVariableW(variable.c_str(), errorFile.toStdWString().c_str());
+    const auto removeVariable = qScopeGuard([&] {
+        if (!errorFile.isEmpty())
+            SetEnvironmentVariableW(variable.c_str(), nullptr);
+    });
     const SpawnSettings settings;
     STARTUPINFOEXW startup = settings.StartUp();
     PROCESS_INFORMATION process{};

@@ -20,6 +20,9 @@ Starter::Settings ToSettings(const StarterOptions& options)
 {
     Starter::Settings settings;
     settings.lockFile = Starter::DefaultLockFile(settings.port);
+    // Without a reader the host shows its errors in a message box.
+    if (StandardStreams::HasReader(Stream::Error))
+        settings.errorFile = Starter::DefaultErrorFile(settings.port);
     settings.host =
         options.host.isEmpty() ? Starter::DefaultHost(QCoreApplication::applicationDirPath()) : options.host;
     settings.hostArguments = options.hostArguments;

@@ -1,9 +1,13 @@
 #include "starter/starter.h"
 
+#include "files/boundedfile.h"
+#include "files/privatefile.h"
 #include "host/output/exitcode.h"
-#include "starter/foreground.h"
+#include "process/foreground.h"
+#include "process/textline.h"
 #include "starter/privatefolder.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QThread>
@@ -20,6 +24,13 @@ constexpr auto kRestartDelay = 500ms;
 // A host that is ending resets its connections and then refuses new ones. One that is flooded with calls may drop a
 // caller, but hardly the same one again.
 constexpr int kMaxResets = 5;
+constexpr qint64 kMaxErrorSize = qint64{64} * 1024;
+
+QString InCacheFolder(quint16 port, QLatin1String suffix)
+{
+    return QStringLiteral("%1/kitestarter/%2%3")
+        .arg(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation), QString::number(port), suffix);
+}
 
 } // namespace
 
@@ -29,10 +40,20 @@ Starter::Starter(Settings settings)
 {
 }
 
+Starter::~Starter()
+{
+    if (!m_errorFile.isEmpty())
+        QFile::remove(m_errorFile);
+}
+
 QString Starter::DefaultLockFile(quint16 port)
 {
-    return QStringLiteral("%1/kitestarter/%2.lock")
-        .arg(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation), QString::number(port));
+    return InCacheFolder(port, QLatin1String(".lock"));
+}
+
+QString Starter::DefaultErrorFile(quint16 port)
+{
+    return InCacheFolder(port, QLatin1String(".error"));
 }
 
 QString Starter::DefaultHost(const QString& programDirectory)
@@ -42,6 +63,7 @@ QString Starter::DefaultHost(const QString& programDirectory)
 
 Starter::Outcome Starter::Run()
 {
+    // Any program, because the link's owner is not known before it has answered.
     AllowForegroundActivation();
     for (;;) {
         const LinkAnswer answer = CallLink(m_settings.port, m_deadline);
@@ -99,27 +121,37 @@ std::optional<Starter::Outcome> Starter::StartOrCheckHost()
         return std::nullopt;
     }
 
-    const std::optional<HostProcess::ExitStatus> end = m_pHost->Poll();
-    if (!end)
+    const std::optional<HostProcess::ExitStatus> status = m_pHost->Poll();
+    if (!status)
         return std::nullopt;
-    if (end->crash.isEmpty() && end->exitCode == static_cast<int>(ExitCode::Busy)) {
-        // The other host is starting and will answer, or is ending, so that another start will succeed.
+    const bool hasCrashed = !status->crash.isEmpty();
+    // It has brought the dialog of a running host to the front.
+    if (!hasCrashed && status->exitCode == static_cast<int>(ExitCode::Done))
+        return Outcome{StarterExit::Called, {}};
+    const QString error = HostError();
+    if (!hasCrashed && status->exitCode == static_cast<int>(ExitCode::Busy)) {
+        // The other one is starting and will answer, or is ending, so that another start will succeed.
         m_hasOtherHost = true;
+        m_otherHostError = error;
         m_pHost.reset();
-        m_nextStart = QDeadlineTimer(kRestartDelay);
+        // Without an error file the host has shown a message box, which must not appear again and again.
+        m_nextStart = m_errorFile.isEmpty() ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(kRestartDelay);
         return std::nullopt;
     }
-    return Outcome{StarterExit::HostEnded,
-                   QStringLiteral("%1 %2 before its dialog answered; run it directly to see why")
-                       .arg(m_settings.host, end->crash.isEmpty()
-                                                 ? QStringLiteral("ended with exit code %1").arg(end->exitCode)
-                                                 : QStringLiteral("crashed (%1)").arg(end->crash))};
+    const QString end = hasCrashed ? QStringLiteral("crashed (%1)").arg(status->crash)
+                                   : QStringLiteral("ended with exit code %1").arg(status->exitCode);
+    if (!error.isEmpty())
+        return Outcome{StarterExit::HostEnded, QStringLiteral("%1 %2: %3").arg(m_settings.host, end, error)};
+    return Outcome{
+        StarterExit::HostEnded,
+        QStringLiteral("%1 %2 before its dialog answered; run it directly to see why").arg(m_settings.host, end)};
 }
 
 std::optional<Starter::Outcome> Starter::Start()
 {
+    CreateErrorFile();
     m_pHost = std::make_unique<HostProcess>();
-    const QString error = m_pHost->Start(m_settings.host, m_settings.hostArguments);
+    const QString error = m_pHost->Start(m_settings.host, m_settings.hostArguments, m_errorFile);
     if (error.isEmpty())
         return std::nullopt;
     return Outcome{StarterExit::NotStarted, QStringLiteral("cannot start %1: %2").arg(m_settings.host, error)};
@@ -137,15 +169,35 @@ bool Starter::TryLock()
     return !m_hasOtherStarter;
 }
 
+/// Creates the empty file for the host's error, where only this user can put files.
+void Starter::CreateErrorFile()
+{
+    const QString& file = m_settings.errorFile;
+    if (file.isEmpty() || !EnsurePrivateFolder(QFileInfo(file).path()))
+        return;
+    // That of a starter that was killed, or of the host started before.
+    QFile::remove(file);
+    m_errorFile = CreatePrivateFile(file) ? file : QString();
+}
+
+/// Returns what the ended host has written about its failure, in one line; empty if nothing.
+QString Starter::HostError() const
+{
+    const std::optional<QByteArray> text =
+        m_errorFile.isEmpty() ? std::nullopt : ReadRegularFile(m_errorFile, kMaxErrorSize);
+    return text ? OneLine(QString::fromUtf8(*text).trimmed()) : QString();
+}
+
 Starter::Outcome Starter::TimedOut() const
 {
     // First, because a host that is just being started has said nothing yet.
     if (m_hasOtherHost) {
         return {StarterExit::HostEnded,
-                QStringLiteral("another host uses the same configuration directory, but no dialog answered on port "
+                QStringLiteral("another program uses the same configuration directory, but no dialog answered on port "
                                "%1 within %2")
-                    .arg(m_settings.port)
-                    .arg(Seconds())};
+                        .arg(m_settings.port)
+                        .arg(Seconds()) +
+                    (m_otherHostError.isEmpty() ? QString() : QStringLiteral(": ") + m_otherHostError)};
     }
     if (m_pHost) {
         return {StarterExit::NoAnswer,

@@ -25,10 +25,12 @@
 class Starter
 {
 public:
+    /// A host that is started is asked to write why it fails to `errorFile`; without one it tells the user itself.
     struct Settings
     {
         quint16 port = kStarterPort;
         QString lockFile;                     ///< held from before the host is started until it answers
+        QString errorFile;                    ///< in a folder like the lock file's; removed at the end; empty: none
         QString host;                         ///< the host's program, an absolute path
         QStringList hostArguments;            ///< passed to the host unchanged
         std::chrono::milliseconds timeOut{0}; ///< for the whole run
@@ -41,12 +43,18 @@ public:
     };
 
     explicit Starter(Settings settings);
+    ~Starter();
+
+    Starter(const Starter&) = delete;
+    Starter& operator=(const Starter&) = delete;
 
     /// Does everything from start to end. Blocks; needs no event loop.
     Outcome Run();
 
     /// Returns the lock file that all starters of this user share for `port`, in the user's cache folder.
     static QString DefaultLockFile(quint16 port);
+    /// Returns the error file beside the lock file.
+    static QString DefaultErrorFile(quint16 port);
     /// Returns the host that is installed with the starter in `programDirectory`.
     static QString DefaultHost(const QString& programDirectory);
 
@@ -57,6 +65,8 @@ private:
     std::optional<Outcome> StartOrCheckHost();
     std::optional<Outcome> Start();
     bool TryLock();
+    void CreateErrorFile();
+    QString HostError() const;
     Outcome TimedOut() const;
     QString Seconds() const;
 
@@ -65,8 +75,10 @@ private:
     FileLock m_lock;
     bool m_isLocked = false;
     std::unique_ptr<HostProcess> m_pHost;
+    QString m_errorFile;            // exists while not empty
     QDeadlineTimer m_nextStart;     // expired: start at once
     int m_resetCount = 0;           // consecutive calls that were reset
-    bool m_hasOtherHost = false;    // another host uses the configuration directory
+    bool m_hasOtherHost = false;    // another program uses the configuration directory
+    QString m_otherHostError;       // what the host that found it says
     bool m_hasOtherStarter = false; // another starter has the lock
 };

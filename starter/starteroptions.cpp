@@ -36,15 +36,17 @@ Details:
   it then comes to the front on that user's desktop.
   The started host runs independently, with the current directory and the
   environment of this program. It shows its messages in the dialog instead of
-  writing them to standard error; all other output is dropped. If it ends
-  before its dialog answers, run it directly to see why.
+  writing them to standard error; all other output is dropped. If it fails to
+  start, this program prints its error, or the host shows a message box if this
+  program has no standard error.
 
 Exit codes:
-  0  a dialog, or what cannot be told from one, has accepted the call
+  0  a dialog, or what cannot be told from one, has accepted the call, or the
+     started host has called the dialog of its configuration and ended with 0
   1  the command line is invalid, or the output cannot be printed
   2  the host cannot be started
-  3  the host was started, and ended before its dialog answered, or gave way to
-     one that uses the same configuration and shows no dialog
+  3  the host was started, and ended before its dialog answered, or found its
+     configuration in use by a program that shows no dialog
   4  the host was started, or another kitestarter is starting one, and its
      dialog did not answer in time; a started host is left running
   5  another program uses the port and sends data or resets connections, or the

@@ -65,6 +65,97 @@
     </message>
 </context>
 <context>
+    <name>StartFailure</name>
+    <message>
+        <source>Vexel - Connect Dialog</source>
+        <translation>Vexel - Verbinden</translation>
+    </message>
+    <message>
+        <source>The connect dialog cannot be started.</source>
+        <translation>Der Verbindungsdialog kann nicht gestartet werden.</translation>
+    </message>
+    <message>
+        <source>The options it was started with are not valid.</source>
+        <translation>Die Optionen, mit denen er gestartet wurde, sind ungültig.</translation>
+    </message>
+    <message>
+        <source>The trace file cannot be written.</source>
+        <translation>Die Trace-Datei kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>There is no folder for the configuration.</source>
+        <translation>Es gibt keinen Ordner für die Konfiguration.</translation>
+    </message>
+    <message>
+        <source>There is no display to show it on.</source>
+        <translation>Es gibt keinen Bildschirm, auf dem er angezeigt werden kann.</translation>
+    </message>
+    <message>
+        <source>The configuration cannot be used.</source>
+        <translation>Die Konfiguration kann nicht benutzt werden.</translation>
+    </message>
+    <message>
+        <source>Another program is using the configuration.</source>
+        <translation>Ein anderes Programm benutzt die Konfiguration.</translation>
+    </message>
+    <message>
+        <source>The stored list cannot be read.</source>
+        <translation>Die gespeicherte Liste kann nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>The data directory does not name the applications of this machine.</source>
+        <translation>Das Datenverzeichnis nennt nicht die Anwendungen dieses Rechners.</translation>
+    </message>
+    <message>
+        <source>The plug-in cannot be loaded.</source>
+        <translation>Das Plug-in kann nicht geladen werden.</translation>
+    </message>
+    <message>
+        <source>The plug-in does not work.</source>
+        <translation>Das Plug-in funktioniert nicht.</translation>
+    </message>
+    <message>
+        <source>Correct the options in the shortcut or the script that starts it. &quot;vexelhost --help&quot; lists them.</source>
+        <translation>Berichtigen Sie die Optionen in der Verknüpfung oder im Skript, mit dem er gestartet wird. &quot;vexelhost --help&quot; zeigt alle Optionen.</translation>
+    </message>
+    <message>
+        <source>Choose another file with the option --trace-file, or start it without this option.</source>
+        <translation>Wählen Sie mit der Option --trace-file eine andere Datei, oder starten Sie ihn ohne diese Option.</translation>
+    </message>
+    <message>
+        <source>Choose a folder with the option --config, or have your home folder set up.</source>
+        <translation>Wählen Sie mit der Option --config einen Ordner, oder lassen Sie Ihr Benutzerverzeichnis einrichten.</translation>
+    </message>
+    <message>
+        <source>Start it in a desktop session.</source>
+        <translation>Starten Sie ihn in einer Desktop-Sitzung.</translation>
+    </message>
+    <message>
+        <source>Make sure that you may write to the folder and that the disk is not full, or choose another folder with the option --config.</source>
+        <translation>Vergewissern Sie sich, dass Sie in den Ordner schreiben dürfen und dass der Datenträger nicht voll ist, oder wählen Sie mit der Option --config einen anderen Ordner.</translation>
+    </message>
+    <message>
+        <source>Wait until that program has finished, and try again.</source>
+        <translation>Warten Sie, bis dieses Programm fertig ist, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>Nothing has been changed. Make sure that you may read the files in the configuration folder. &quot;vexelctl backups&quot; shows the earlier versions of the list.</source>
+        <translation>Es wurde nichts geändert. Vergewissern Sie sich, dass Sie die Dateien im Konfigurationsordner lesen dürfen. &quot;vexelctl backups&quot; zeigt die früheren Versionen der Liste.</translation>
+    </message>
+    <message>
+        <source>Choose the directory that contains CfgVEXEL.xml with the option --data.</source>
+        <translation>Wählen Sie mit der Option --data das Verzeichnis, in dem CfgVEXEL.xml liegt.</translation>
+    </message>
+    <message>
+        <source>Install the program again. If it is started with the option --plugin, check the file given there.</source>
+        <translation>Installieren Sie das Programm erneut. Wird es mit der Option --plugin gestartet, prüfen Sie die dort angegebene Datei.</translation>
+    </message>
+    <message>
+        <source>Make sure that the plug-in and the program have the same version, or install both again.</source>
+        <translation>Vergewissern Sie sich, dass Plug-in und Programm dieselbe Version haben, oder installieren Sie beide erneut.</translation>
+    </message>
+</context>
+<context>
     <name>TrayIcon</name>
     <message>
         <source>Show connect dialog</source>

@@ -132,7 +132,7 @@ ExitCode Execute(const CtlOptions& options, PluginSession& session, const Connec
     return static_cast<ExitCode>(QCoreApplication::exec());
 }
 
-void PrintFailure(const QString& error)
+void PrintFailure(StartFailure::Kind, const QString& error)
 {
     Console::PrintError(error);
 }

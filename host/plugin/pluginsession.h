@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/desktop/startfailure.h"
 #include "host/options/sessionoptions.h"
 #include "host/output/exitcode.h"
 #include "host/output/notices.h"
@@ -21,8 +22,8 @@ public:
         Headless, ///< the dialog is off screen; callers of the starter's link do not find it
         ReadOnly  ///< same, and nothing is written to the configuration
     };
-    /// Receives why the session cannot be run: one line.
-    using Failed = std::function<void(const QString& error)>;
+    /// Receives why the session cannot be run; `error` is one line.
+    using Failed = std::function<void(StartFailure::Kind kind, const QString& error)>;
     /// Works with the dialog, and may run the event loop.
     using Work = std::function<ExitCode(const ConnectDialog& dialog)>;
 
@@ -42,7 +43,7 @@ public:
     void SaveAsync(std::function<void(const QString& error)> done) { m_saver.SaveAsync(std::move(done)); }
 
 private:
-    ExitCode Fail(const QString& error);
+    ExitCode Fail(StartFailure::Kind kind, const QString& error);
     bool OpenConfiguration();
     ExitCode RunWithConfiguration(const Work& work);
     ExitCode RunWithInstance(IDllInstance& instance, const Work& work);

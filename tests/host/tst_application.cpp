@@ -1,3 +1,6 @@
+#include "control/controladdress.h"
+#include "control/controlserver.h"
+#include "platform/instancelock.h"
 #include "tests/host/hostinprocess.h"
 #include "tests/support/errorsto.h"
 #include "tests/support/files.h"
@@ -100,7 +103,8 @@ private slots:
     void sizeOutlivesTheRun();
     void unusableSizeKeepsTheWindowOnTheScreen_data();
     void unusableSizeKeepsTheWindowOnTheScreen();
-    void secondHostWritesNothing();
+    void secondHostShowsTheRunningDialog();
+    void holderWithoutADialogIsReported();
 };
 
 void TestApplication::endOfSessionSavesEverything()
@@ -412,20 +416,44 @@ void TestApplication::unusableSizeKeepsTheWindowOnTheScreen()
     });
 }
 
-void TestApplication::secondHostWritesNothing()
+void TestApplication::secondHostShowsTheRunningDialog()
 {
     Host host;
     host.Run([&](const ConnectDialog& dialog) {
         AddEntry(dialog, QStringLiteral("First mast"));
         TrayAction(QStringLiteral("Save now"))->trigger();
         const QByteArray before = host.Stored();
-        HostOptions second = host.options;
-        second.language.reset();
-        QCOMPARE(Application(second).Run(), ExitCode::Running);
-        second.list = true;
-        QCOMPARE(Application(second).Run(), ExitCode::Running);
+        dialog.Window()->hide();
+        QProcess second;
+        second.start(QStringLiteral(VEXELHOST),
+                     {QStringLiteral("--config"), host.options.configDirectory, QStringLiteral("--language"),
+                      QStringLiteral("de")});
+        QTRY_COMPARE(second.state(), QProcess::NotRunning);
+        QCOMPARE(second.exitCode(), 0);
+        QVERIFY(dialog.Window()->isVisible());
         QCOMPARE(host.Stored(), before);
     });
+}
+
+void TestApplication::holderWithoutADialogIsReported()
+{
+    Host host;
+    InstanceLock lock;
+    QCOMPARE(lock.TryLock(host.options.configDirectory), InstanceLock::Result::Locked);
+    ControlServer server(0, QStringLiteral("vexelctl"));
+    const QString address = NewControlAddress(host.options.configDirectory);
+    QCOMPARE(server.Listen(address), QString());
+    lock.SetAddress(address);
+    connect(&server, &ControlServer::Requested, this, [](const ControlRequest& request, ControlReply* reply) {
+        QCOMPARE(request.content.value(QLatin1String("command")).toString(), QStringLiteral("show"));
+        reply->End(4, QStringLiteral("no dialog here"));
+    });
+    QProcess second;
+    second.start(QStringLiteral(VEXELHOST), {QStringLiteral("--config"), host.options.configDirectory});
+    QTRY_COMPARE(second.state(), QProcess::NotRunning);
+    QCOMPARE(second.exitCode(), 4);
+    const QByteArray said = second.readAllStandardError();
+    QVERIFY2(said.contains("vexelhost: no dialog here"), said.constData());
 }
 
 VEXEL_TEST(QTEST_MAIN, TestApplication)

@@ -150,7 +150,5 @@ void TestListDifference::longLists()
     QCOMPARE(difference.removed.size(), sameName ? 0 : 1);
 }
 
-Q_DECLARE_METATYPE(Connection)
-
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestListDifference)
 #include "tst_listdifference.moc"

@@ -4,6 +4,7 @@
 #include "tests/kitecontrol/records.h"
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"
+#include "tests/support/system.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -55,6 +56,9 @@ private slots:
     void missingReportFolderIsReported();
     void runsUntilTerminated();
     void invalidSecondsAreReported();
+    void helpAndVersionNeedNoDisplay_data();
+    void helpAndVersionNeedNoDisplay();
+    void entryMayBeCalledAsAnOption();
 
 private:
     void WriteStore(const std::vector<ConnectData>& records);
@@ -275,6 +279,48 @@ void TestKiteControl::invalidSecondsAreReported()
     QTRY_VERIFY_WITH_TIMEOUT((errors += process.readAllStandardError()).contains("KITECONTROL_SECONDS"), 60000);
     process.kill();
     QVERIFY(process.waitForFinished(60000));
+}
+
+void TestKiteControl::helpAndVersionNeedNoDisplay_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("start");
+    const QString version = QStringLiteral(" " VEXEL_VERSION "\n");
+    QTest::newRow("help") << kProgram << QStringLiteral("--help") << QStringLiteral("Usage: kitecontrol ");
+    QTest::newRow("version") << kProgram << QStringLiteral("--version") << QStringLiteral("kitecontrol") + version;
+    QTest::newRow("help of another application")
+        << kBravoProgram << QStringLiteral("--help") << QStringLiteral("Usage: kitebravocontrol ");
+    QTest::newRow("version of another application")
+        << kBravoProgram << QStringLiteral("--version") << QStringLiteral("kitebravocontrol") + version;
+}
+
+void TestKiteControl::helpAndVersionNeedNoDisplay()
+{
+    QFETCH(const QString, program);
+    QFETCH(const QString, option);
+    QFETCH(const QString, start);
+    System::TakeDisplay(m_environment);
+    QProcess process;
+    process.setProcessEnvironment(m_environment);
+    process.start(program, {option});
+    QVERIFY2(process.waitForFinished(60000), qPrintable(process.errorString()));
+    const QString printed = QString::fromUtf8(process.readAllStandardOutput());
+    QVERIFY2(printed.startsWith(start), qPrintable(printed));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+}
+
+void TestKiteControl::entryMayBeCalledAsAnOption()
+{
+    for (const QString& station : {QStringLiteral("--help"), QStringLiteral("--version")}) {
+        WriteStore(Records().Add(qUtf8Printable(station), "Kite Echo").List());
+        Run(kProgram, {station, QStringLiteral("Server"), station});
+        QVERIFY2(m_printed.contains(QStringLiteral("command line: kitecontrol %1 Server %1").arg(station)),
+                 qPrintable(m_printed.join(u'|')));
+        QVERIFY(m_printed.contains(QStringLiteral("record: ConnectData0")));
+    }
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestKiteControl)

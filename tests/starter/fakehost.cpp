@@ -8,10 +8,12 @@
 //   deaf        has the port, and never takes a call
 //   hang        never listens
 //   crash       ends as a broken program does
-//   NUMBER      ends with that exit code
+//   explain     further arguments CODE TEXT [COUNT]: writes TEXT, COUNT times, as its error, and ends with exit code
+//   CODE NUMBER      ends with that exit code
 //
 // It lives until the file FILE.end is there, and no longer than a minute.
 
+#include "host/output/starterrorfile.h"
 #include "platform/interfaces.h"
 #include "process/standardstreams.h"
 #include "tests/support/inheritedhandles.h"
@@ -57,6 +59,7 @@ qsizetype Report(const QString& fileName, const QStringList& arguments, const QS
     start.insert(QStringLiteral("process"), QCoreApplication::applicationPid());
     start.insert(QStringLiteral("directory"), QDir::currentPath());
     start.insert(QStringLiteral("variable"), qEnvironmentVariable("FAKEHOST_VARIABLE"));
+    start.insert(QStringLiteral("errorFile"), qEnvironmentVariable(kStartErrorFileVariable));
     start.insert(QStringLiteral("arguments"), QJsonArray::fromStringList(arguments));
     start.insert(QStringLiteral("inherited"), QJsonArray::fromStringList(inherited));
     QStringList streams;
@@ -95,6 +98,15 @@ int Live(const QString& fileName, const QString& address, bool takesCalls)
     return QCoreApplication::exec();
 }
 
+int Explain(const QStringList& arguments)
+{
+    QFile file(qEnvironmentVariable(kStartErrorFileVariable));
+    if (arguments.size() < 2 || !file.open(QIODevice::WriteOnly | QIODevice::ExistingOnly))
+        return 96;
+    file.write(arguments.at(1).repeated(arguments.value(2, QStringLiteral("1")).toInt()).toUtf8());
+    return arguments.at(0).toInt();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -113,6 +125,8 @@ int main(int argc, char** argv)
 
     if (mode == QLatin1String("crash"))
         std::abort();
+    if (mode == QLatin1String("explain"))
+        return Explain(arguments.mid(4));
     if (mode == QLatin1String("hang"))
         return Live(fileName, {}, false);
     if (mode == QLatin1String("deaf"))

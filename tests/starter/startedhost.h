@@ -4,9 +4,10 @@
 #include "tests/starter/fakehostrun.h"
 
 /// Starts a fake host and waits until it has said how.
-inline QJsonObject Started(HostProcess& process, const FakeHostRun& run, const QStringList& arguments)
+inline QJsonObject Started(HostProcess& process, const FakeHostRun& run, const QStringList& arguments,
+                           const QString& errorFile = {})
 {
-    const QString error = process.Start(FakeHostRun::Program(), arguments);
+    const QString error = process.Start(FakeHostRun::Program(), arguments, errorFile);
     if (!error.isEmpty())
         qFatal("%s", qPrintable(error));
     if (!QTest::qWaitFor([&] { return run.Starts().size() == 1; }, 20'000))

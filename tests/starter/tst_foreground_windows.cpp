@@ -1,3 +1,4 @@
+#include "process/foreground.h"
 #include "starter/starter.h"
 #include "tests/starter/peers.h"
 #include "tests/support/testmain.h"
@@ -81,6 +82,12 @@ private slots:
         // Whoever answers, which is known only then.
         QCOMPARE(handedOver, 1);
         QCOMPARE(g_to.load(), DWORD{ASFW_ANY});
+    }
+
+    void foregroundRightIsHandedOverToOneProgram()
+    {
+        AllowForegroundActivation(4711);
+        QCOMPARE(g_to.load(), DWORD{4711});
     }
 };
 

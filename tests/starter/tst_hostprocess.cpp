@@ -1,3 +1,4 @@
+#include "host/output/starterrorfile.h"
 #include "tests/starter/startedhost.h"
 #include "tests/support/testmain.h"
 
@@ -15,6 +16,7 @@ class TestHostProcess : public QObject
 private slots:
     void argumentsArriveUnchanged();
     void directoryAndEnvironmentAreKept();
+    void errorFileIsPassed();
     void nothingElseIsInherited();
     void exitCode_data();
     void exitCode();
@@ -55,6 +57,24 @@ void TestHostProcess::directoryAndEnvironmentAreKept()
     QVERIFY(QDir::setCurrent(before));
     QCOMPARE(start.value(QLatin1String("directory")).toString(), QDir::rootPath());
     QCOMPARE(start.value(QLatin1String("variable")).toString(), QStringLiteral("a value; $HOME"));
+}
+
+void TestHostProcess::errorFileIsPassed()
+{
+    const FakeHostRun run;
+    const QString errorFile = QStringLiteral("/a b/\u00fc=\u5317 \u0441\u0432\u044f\u0437\u044c");
+    qputenv(kStartErrorFileVariable, "of this process");
+    HostProcess process;
+    const QJsonObject start = Started(process, run, run.Arguments(QStringLiteral("hang"), 1), errorFile);
+    const QByteArray after = qgetenv(kStartErrorFileVariable);
+    qunsetenv(kStartErrorFileVariable);
+    QCOMPARE(start.value(QLatin1String("errorFile")).toString(), errorFile);
+    QCOMPARE(after, QByteArray("of this process"));
+
+    const FakeHostRun without;
+    HostProcess another;
+    const QJsonObject startWithout = Started(another, without, without.Arguments(QStringLiteral("hang"), 1));
+    QCOMPARE(startWithout.value(QLatin1String("errorFile")).toString(), QString());
 }
 
 void TestHostProcess::nothingElseIsInherited()

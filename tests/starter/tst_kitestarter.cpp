@@ -1,3 +1,4 @@
+#include "tests/starter/fakehostrun.h"
 #include "tests/support/linkport.h"
 #include "tests/support/system.h"
 #include "tests/support/testmain.h"
@@ -26,6 +27,8 @@ private slots:
     void dialogOfAnotherConfigurationIsCalled();
     void headlessHostIsNotTakenForADialog();
     void exitCodeOfTheHostIsReported();
+    void reasonOfTheHostIsPrintedOrLeftToIt_data();
+    void reasonOfTheHostIsPrintedOrLeftToIt();
     void missingHostIsReported();
     void foreignServiceIsReported();
     void callOnlyStartsNothing();
@@ -245,6 +248,37 @@ void TestKiteStarter::exitCodeOfTheHostIsReported()
     NEED_PORT();
     COMPARE_COMPLAINT(SetUp().Run({QStringLiteral("--"), QStringLiteral("--frobnicate")}), 3,
                       QLatin1String("exit code 1"));
+}
+
+void TestKiteStarter::reasonOfTheHostIsPrintedOrLeftToIt_data()
+{
+    QTest::addColumn<bool>("hasReader");
+    QTest::newRow("printed") << true;
+    QTest::newRow("left to the host where standard error has no reader") << false;
+}
+
+void TestKiteStarter::reasonOfTheHostIsPrintedOrLeftToIt()
+{
+    QFETCH(const bool, hasReader);
+    NEED_PORT();
+    const SetUp setUp;
+    const FakeHostRun run;
+    QProcess starter;
+    starter.setProcessEnvironment(setUp.environment);
+    if (!hasReader)
+        starter.setStandardErrorFile(QProcess::nullDevice());
+    starter.start(
+        QStringLiteral(VEXEL_KITESTARTER),
+        QStringList{QStringLiteral("--host"), FakeHostRun::Program(), QStringLiteral("--")} +
+            run.Arguments(QStringLiteral("explain"), LinkPort::kNumber, {QStringLiteral("2"), QStringLiteral("why")}));
+    const SetUp::Result result = SetUp::End(starter);
+    QCOMPARE(result.exitCode, 3);
+    QCOMPARE(run.Starts().size(), 1);
+    const QString errorFile = run.Starts().constFirst().value(QLatin1String("errorFile")).toString();
+    QCOMPARE(!errorFile.isEmpty(), hasReader);
+    QVERIFY(!QFile::exists(errorFile));
+    if (hasReader)
+        QCOMPARE(result.error, QStringLiteral("kitestarter: %1 ended with exit code 2: why\n").arg(run.Program()));
 }
 
 void TestKiteStarter::missingHostIsReported()

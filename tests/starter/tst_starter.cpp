@@ -32,11 +32,18 @@ private slots:
     void crashOfTheHostIsReported();
     void exitCodeOfTheHostIsReported_data();
     void exitCodeOfTheHostIsReported();
+    void reasonOfTheHostIsReported_data();
+    void reasonOfTheHostIsReported();
+    void unusableReasonIsLeftOut_data();
+    void unusableReasonIsLeftOut();
+    void hostIsAskedForItsReasonOnly();
     void hangingHostIsReported_data();
     void hangingHostIsReported();
     void otherHostOfTheConfigurationIsCalled();
     void hostIsStartedAgainAfterAnotherHost();
+    void hostThatCalledTheDialogIsEnough();
     void otherHostWithoutALinkIsReported();
+    void hostThatToldTheUserIsStartedOnce();
     void serviceThatHangsUpIsTakenForADialog();
     void foreignServiceIsReported_data();
     void foreignServiceIsReported();
@@ -51,6 +58,7 @@ Starter::Settings SettingsFor(const FakeHostRun& run, const QString& mode, quint
     Starter::Settings settings;
     settings.port = port;
     settings.lockFile = run.Path("lock");
+    settings.errorFile = run.Path("error");
     settings.host = FakeHostRun::Program();
     settings.hostArguments = run.Arguments(mode, port);
     settings.timeOut = 30s;
@@ -245,7 +253,7 @@ void TestStarter::crashOfTheHostIsReported()
 void TestStarter::exitCodeOfTheHostIsReported_data()
 {
     QTest::addColumn<QString>("code");
-    for (const char* code : {"0", "3", "5"})
+    for (const char* code : {"3", "5"})
         QTest::newRow(code) << QString::fromLatin1(code);
 }
 
@@ -257,6 +265,78 @@ void TestStarter::exitCodeOfTheHostIsReported()
     COMPARE_OUTCOME(outcome, HostEnded, "exit code");
     QVERIFY2(outcome.message.contains(QStringLiteral("exit code ") + code), qPrintable(outcome.message));
     QCOMPARE(run.Starts().size(), 1);
+}
+
+void TestStarter::reasonOfTheHostIsReported_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("shown");
+    const QString plain = QStringLiteral("the configuration directory /\u5317 cannot be used: it is full");
+    QTest::newRow("plain") << plain << 1 << plain;
+    QTest::newRow("several lines") << QStringLiteral("one\ntwo\x1b[2J") << 1 << QStringLiteral("one\\ntwo\\u{1b}[2J");
+    QTest::newRow("long") << QStringLiteral("x") << 60'000 << QString(60'000, u'x');
+}
+
+void TestStarter::reasonOfTheHostIsReported()
+{
+    QFETCH(const QString, text);
+    QFETCH(const int, count);
+    QFETCH(const QString, shown);
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("explain"), FreePort());
+    settings.hostArguments += {QStringLiteral("2"), text, QString::number(count)};
+    const auto outcome = RunWith(settings);
+    COMPARE_OUTCOME(outcome, HostEnded, "");
+    QCOMPARE(outcome.message, QStringLiteral("%1 ended with exit code 2: %2").arg(FakeHostRun::Program(), shown));
+    QVERIFY(!QFile::exists(settings.errorFile));
+}
+
+void TestStarter::unusableReasonIsLeftOut_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("count");
+    QTest::newRow("none") << QString() << 1;
+    QTest::newRow("blanks") << QStringLiteral(" \n") << 1;
+    QTest::newRow("too long") << QStringLiteral("x") << 70'000;
+}
+
+void TestStarter::unusableReasonIsLeftOut()
+{
+    QFETCH(const QString, text);
+    QFETCH(const int, count);
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("explain"), FreePort());
+    settings.hostArguments += {QStringLiteral("2"), text, QString::number(count)};
+    // Of a run that was killed.
+    QFile former(settings.errorFile);
+    QVERIFY(former.open(QIODevice::WriteOnly));
+    former.write("long ago");
+    former.close();
+    const auto outcome = RunWith(settings);
+    COMPARE_OUTCOME(outcome, HostEnded, "exit code 2 before its dialog answered");
+    QVERIFY2(!outcome.message.contains(QLatin1String("long ago")), qPrintable(outcome.message));
+    QVERIFY(!QFile::exists(settings.errorFile));
+}
+
+void TestStarter::hostIsAskedForItsReasonOnly()
+{
+    const FakeHostRun asked;
+    const auto settings = SettingsFor(asked, QStringLiteral("answer"), FreePort());
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QCOMPARE(asked.Starts().constFirst().value(QLatin1String("errorFile")).toString(), settings.errorFile);
+    QVERIFY(!QFile::exists(settings.errorFile));
+    // Another starter's file, which starts no host, is left alone.
+    QFile other(settings.errorFile);
+    QVERIFY(other.open(QIODevice::WriteOnly));
+    COMPARE_OUTCOME(RunWith(settings), Called, "");
+    QVERIFY(other.exists());
+
+    const FakeHostRun unasked;
+    auto without = SettingsFor(unasked, QStringLiteral("answer"), FreePort());
+    without.errorFile.clear();
+    COMPARE_OUTCOME(RunWith(without), Called, "");
+    QCOMPARE(unasked.Starts().constFirst().value(QLatin1String("errorFile")).toString(), QString());
 }
 
 void TestStarter::hangingHostIsReported_data()
@@ -279,6 +359,7 @@ void TestStarter::hangingHostIsReported()
     const QString process = QString::number(run.Starts().constFirst().value(QLatin1String("process")).toInt());
     QVERIFY2(outcome.message.contains(QStringLiteral("process ") + process), qPrintable(outcome.message));
     QCOMPARE(System::ProgramOf(process.toLongLong()), FakeHostRun::Program());
+    QVERIFY(!QFile::exists(settings.errorFile));
 }
 
 void TestStarter::otherHostOfTheConfigurationIsCalled()
@@ -305,14 +386,37 @@ void TestStarter::hostIsStartedAgainAfterAnotherHost()
     QCOMPARE(run.Starts().size(), 2);
 }
 
+void TestStarter::hostThatCalledTheDialogIsEnough()
+{
+    // The dialog of the same configuration, which has no link.
+    const FakeHostRun run;
+    COMPARE_OUTCOME(RunWith(SettingsFor(run, QStringLiteral("0"), FreePort())), Called, "");
+    QCOMPARE(run.Starts().size(), 1);
+}
+
 void TestStarter::otherHostWithoutALinkIsReported()
 {
     const FakeHostRun run;
-    auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
-    settings.timeOut = 2s;
-    COMPARE_OUTCOME(RunWith(settings), HostEnded, "same configuration directory");
+    auto settings = SettingsFor(run, QStringLiteral("explain"), FreePort());
+    settings.hostArguments += {QStringLiteral("4"), QStringLiteral("vexelctl is at work")};
+    settings.timeOut = 5s;
+    const auto outcome = RunWith(settings);
+    COMPARE_OUTCOME(outcome, HostEnded, "same configuration directory");
+    QVERIFY2(outcome.message.endsWith(QLatin1String(": vexelctl is at work")), qPrintable(outcome.message));
     // Tried again, but no storm of processes.
-    QVERIFY(run.Starts().size() <= 5);
+    QVERIFY(run.Starts().size() <= 10);
+    QVERIFY(!QFile::exists(settings.errorFile));
+}
+
+void TestStarter::hostThatToldTheUserIsStartedOnce()
+{
+    // It showed a box, which must not come back when the user closes it.
+    const FakeHostRun run;
+    auto settings = SettingsFor(run, QStringLiteral("4"), FreePort());
+    settings.errorFile.clear();
+    settings.timeOut = 5s;
+    COMPARE_OUTCOME(RunWith(settings), HostEnded, "same configuration directory");
+    QCOMPARE(run.Starts().size(), 1);
 }
 
 void TestStarter::serviceThatHangsUpIsTakenForADialog()

@@ -43,6 +43,34 @@ QStringList CommandLine(int argc, char** argv)
     return QCoreApplication::arguments();
 }
 
+QString HelpText(const QString& program)
+{
+    return QStringLiteral(R"(Usage: %1 [ARGUMENT...]
+       %1 --help | --version
+
+Sample application of the connect dialog, which starts it. Prints its command
+line and the record of the configuration that matches it, shows both in a
+window, and ends when the window is closed.
+
+Environment variables:
+  VEXEL_CONFIG_DIR        directory of the configuration; set by vexelhost
+  KITECONTROL_SECONDS     end after this time instead, for example 0.5
+  KITECONTROL_REPORT_DIR  write what is printed to a file in this directory, too
+)")
+        .arg(program);
+}
+
+/// Returns what the command line asks to print instead of starting; empty for nothing. An entry may be called
+/// "--help", but its name is never the only argument.
+QString RequestedText(const QString& program, const QStringList& arguments)
+{
+    if (arguments == QStringList(QStringLiteral("--help")))
+        return HelpText(program);
+    if (arguments == QStringList(QStringLiteral("--version")))
+        return program + QStringLiteral(" " VEXEL_VERSION "\n");
+    return {};
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -51,6 +79,8 @@ int main(int argc, char* argv[])
     StandardStreams::Prepare();
     QStringList arguments = CommandLine(argc, argv);
     const QString program = QFileInfo(arguments.takeFirst()).baseName();
+    if (const QString text = RequestedText(program, arguments); !text.isEmpty())
+        return StandardStreams::Write(Stream::Output, text) ? 0 : 1;
 
     int guiArgc = 1;
     std::array<char*, 2> guiArgv{argv[0], nullptr};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QString>
+
+#include <optional>
+
+/// Tells the user why the host cannot start, if nobody reads standard error: as after a double click or a start by
+/// kitestarter.
+class StartFailure
+{
+    Q_DECLARE_TR_FUNCTIONS(StartFailure)
+
+public:
+    enum class Kind {
+        CommandLine,           ///< the command line is invalid
+        TraceFile,             ///< the trace file cannot be written
+        NoConfigurationFolder, ///< the user has no folder for the configuration
+        NoDisplay,             ///< there is no display
+        ConfigurationUnusable, ///< the configuration directory cannot be created, read or written
+        ConfigurationBusy,     ///< a program without a dialog uses the configuration directory
+        ListUnreadable,        ///< the stored list is there and cannot be read
+        DataDirectory,         ///< the data directory has no file of the machine
+        PluginNotLoadable,     ///< there is no plug-in, or it cannot be loaded
+        PluginUnusable,        ///< the plug-in is loaded, but refuses or has no usable dialog
+    };
+
+    /// Remembers the file that the starter named, and takes its name out of the environment, which applications
+    /// inherit. Call this once at the beginning.
+    static void TakeErrorFile();
+
+    /// Passes `line` on, which has already been printed: to the starter if it waits for it, or else in a message box if
+    /// standard error has no reader and there is a display. Waits until the box is closed. GUI thread only; needs no
+    /// application object.
+    static void Report(Kind kind, const QString& line, const std::optional<QLocale>& language);
+
+    /// Shows the message box: what failed, `line`, and what to do next. Creates a QApplication if there is none.
+    /// `language` is the system's if it is not set.
+    static void ShowBox(Kind kind, const QString& line, const std::optional<QLocale>& language);
+
+private:
+    static QString Reason(Kind kind);
+    static QString Advice(Kind kind);
+};

@@ -1,0 +1,9 @@
+#include "process/foreground.h"
+
+void AllowForegroundActivation(qint64 /*process*/)
+{
+}
+
+void AllowForegroundActivation()
+{
+}

@@ -1,5 +1,0 @@
-#include "starter/foreground.h"
-
-void AllowForegroundActivation()
-{
-}
