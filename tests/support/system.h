@@ -23,6 +23,9 @@ QStringList RequestsToEnd();
 /// Asks a process to end, by default in the first of these ways. Returns false if that is impossible.
 bool AskToEnd(qint64 number, const QString& request = RequestsToEnd().constFirst());
 
+/// Ends a process as a crash does. Returns false if that is impossible.
+bool Crash(qint64 number);
+
 /// How this process reacts to such a request: exit at once with code 0, or ignore it. Needs an application object.
 void EndWhenAsked();
 void GoOnWhenAsked();

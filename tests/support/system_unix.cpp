@@ -44,6 +44,11 @@ bool AskToEnd(qint64 number, const QString& request)
     return ::kill(static_cast<pid_t>(number), kSignals.at(index)) == 0;
 }
 
+bool Crash(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), SIGSEGV) == 0;
+}
+
 void EndWhenAsked()
 {
     std::signal(

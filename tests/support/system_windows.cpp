@@ -82,6 +82,15 @@ bool AskToEnd(qint64 number, const QString& /*request*/)
     return wasAsked;
 }
 
+bool Crash(qint64 number)
+{
+    const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(number));
+    const bool hasEnded = process && TerminateProcess(process, static_cast<UINT>(STATUS_ACCESS_VIOLATION));
+    if (process)
+        CloseHandle(process);
+    return hasEnded;
+}
+
 void EndWhenAsked()
 {
     static EndingFilter filter;
