@@ -10,6 +10,10 @@ namespace System {
 /// Whether the process exists. On Unix, a process that has ended exists until its parent has waited for it.
 bool IsProcess(qint64 number);
 
+/// Stop a process and let it go on. False if that is impossible.
+bool Suspend(qint64 number);
+bool Resume(qint64 number);
+
 /// The executable file of a running process; empty if there is no such process.
 QString ProgramOf(qint64 number);
 

@@ -17,6 +17,16 @@ bool IsProcess(qint64 number)
     return ::kill(static_cast<pid_t>(number), 0) == 0;
 }
 
+bool Suspend(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), SIGSTOP) == 0;
+}
+
+bool Resume(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), SIGCONT) == 0;
+}
+
 QString ProgramOf(qint64 number)
 {
     return QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(number));

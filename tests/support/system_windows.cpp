@@ -36,6 +36,16 @@ bool IsProcess(qint64 number)
     return !ProgramOf(number).isEmpty();
 }
 
+bool Suspend(qint64 /*number*/)
+{
+    return false;
+}
+
+bool Resume(qint64 /*number*/)
+{
+    return false;
+}
+
 QString ProgramOf(qint64 number)
 {
     const HANDLE process =
