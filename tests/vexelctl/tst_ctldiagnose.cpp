@@ -164,6 +164,8 @@ void TestCtlDiagnose::stateOfTheStore()
     HostSetUp setUp;
     setUp.Fill("one");
     setUp.Fill("two");
+    QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/user")));
+    setUp.Write(setUp.Config() + QStringLiteral("/user/@application.json"), R"({"values": {"a": "1"}})");
     setUp.Write(setUp.Config() + QStringLiteral("/application/a.b.json"), R"({"values": {"a": "1"}})");
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(true));

@@ -174,7 +174,7 @@ void TestCtlOutputUnix::closedStreamsBecomeNoFiles()
         for (const int stream : closed)
             ::close(stream);
     });
-    setUp.Start(process, "list --trace --trace-file trace.log");
+    setUp.Start(process, "screenshot - --trace --trace-file trace.log");
     QCOMPARE(HostSetUp::End(process).exitCode, closed.contains(STDOUT_FILENO) ? 2 : 0);
     QCOMPARE(setUp.StoredText(), stored);
     QFile traces(setUp.Path("trace.log"));

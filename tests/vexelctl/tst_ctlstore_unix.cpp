@@ -161,7 +161,8 @@ void TestCtlStoreUnix::oversizedDocumentIsDamaged()
     COMPARE_NOTICE(result, QLatin1String("), and is left as it is"));
     QCOMPARE(result.OutputLines().size(), 3); // the version of two entries
     setUp.WriteList("more.xml", "four");
-    COMPARE_NOTICE(setUp.Run("add more.xml"), QLatin1String("), quarantined as "));
+    const auto added = setUp.Run("add more.xml");
+    COMPARE_NOTICE(added, QLatin1String("), quarantined as "));
     QCOMPARE(setUp.Names(), Words("one two four"));
 }
 
