@@ -92,6 +92,14 @@ QString StatusText(const HostStatus& status)
     return TextTable(lines);
 }
 
+bool FitsIntoList(const Entries& list)
+{
+    qint64 size = 0;
+    for (const Connection& entry : list)
+        size += ConnectionList::WrittenSize(entry);
+    return list.size() <= ConnectionList::kMaximumEntries && size <= ConnectionList::kMaximumSize;
+}
+
 } // namespace
 
 namespace EntryCommands {
@@ -176,7 +184,7 @@ ExitCode Export(const CtlOptions& options)
         return FailConnect(client);
     case HostState::NoHost:
         code = StoredList::Look(options.configDirectory, [&document] {
-            const std::optional<Entries> stored = StoredList::ReadForExport();
+            const std::optional<Entries> stored = StoredList::Read();
             if (!stored)
                 return ExitCode::Unusable;
             document = ToDocument(*stored);
@@ -221,16 +229,10 @@ ExitCode Add(const CtlOptions& options)
     if (!added)
         return Fail(ExitCode::Unusable, error.Sentence());
     return Change(options, "add", *added, [&added](Entries list) -> std::optional<Entries> {
-        ConnectionList::Room room;
-        room.entries -= static_cast<qint64>(list.size());
-        for (const Connection& entry : list)
-            room.bytes -= ConnectionList::WrittenSize(entry);
-        ConnectionList::ReadError full;
-        if (ConnectionList::Read(
-                ToDocument(*added), [&list](const Connection& entry) { list.push_back(entry); }, room, &full))
+        list.insert(list.end(), added->begin(), added->end());
+        if (FitsIntoList(list))
             return list;
-        full.row = 0; // of a document that the user has not seen
-        Console::PrintError(QStringLiteral("nothing is added: %1").arg(full.Sentence()));
+        Console::PrintError(QStringLiteral("nothing is added: the list would have too many entries, or be too large"));
         return std::nullopt;
     });
 }

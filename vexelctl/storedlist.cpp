@@ -22,6 +22,15 @@ ExitCode WithNotices(const std::function<ExitCode()>& work)
     return work();
 }
 
+/// Returns whether the list is known. One that is not looks empty.
+bool CheckKnown()
+{
+    const bool isKnown = CfgCenter::IsAppCfgKnown(View::Application);
+    if (!isKnown)
+        Console::PrintError(QStringLiteral("the stored list cannot be read"));
+    return isKnown;
+}
+
 /// Says how many entries a document has lost that something else than this product has written.
 void PrintLoss(ICfg& document, const StoredSet& set)
 {
@@ -36,8 +45,8 @@ void PrintLoss(ICfg& document, const StoredSet& set)
 
 ExitCode EditOpen(const QString& dataDirectory, const StoredList::Change& change)
 {
-    // The list would look empty, and saving it would replace a good one. The error has already been printed.
-    if (!CfgCenter::IsAppCfgKnown(View::Application))
+    // Saving would replace a good list.
+    if (!CheckKnown())
         return ExitCode::Unusable;
     ICfg& document = *CfgCenter::GetAppCfg(View::Application);
     const StoredSet set = ReadStoredSet(document);
@@ -71,8 +80,7 @@ ExitCode Look(const QString& directory, const std::function<ExitCode()>& work)
 
 std::optional<Entries> Read()
 {
-    // The error has already been printed.
-    if (!CfgCenter::IsAppCfgKnown(View::Application))
+    if (!CheckKnown())
         return std::nullopt;
     ICfg& document = *CfgCenter::GetAppCfg(View::Application);
     const StoredSet set = ReadStoredSet(document);
@@ -83,15 +91,6 @@ std::optional<Entries> Read()
     }
     PrintLoss(document, set);
     return EntriesIn(document);
-}
-
-std::optional<Entries> ReadForExport()
-{
-    if (CfgCenter::IsAppCfgKnown(View::Application) && CfgCenter::IsAppCfgLost(View::Application)) {
-        Console::PrintError(QStringLiteral("the list is lost; nothing is exported"));
-        return std::nullopt;
-    }
-    return Read();
 }
 
 Entries EntriesIn(ICfg& document)

@@ -18,11 +18,9 @@ namespace StoredList {
 /// written. Returns what `work` does, or `Unusable` if there is no such directory.
 ExitCode Look(const QString& directory, const std::function<ExitCode()>& work);
 
-/// Within `Look`: the stored entries. None if they are not known.
+/// Within `Look`: the stored entries. None, after an error, if they are not known, for example because the document is
+/// damaged and has no version that can be read.
 std::optional<Entries> Read();
-
-/// Within `Look`: as `Read`, and none if the list is lost, because a file with an empty list would replace a good one.
-std::optional<Entries> ReadForExport();
 
 /// Returns the entries stored in the document with the root node `document`; of a malformed list those before the
 /// error. They are all "Free".

@@ -14,6 +14,7 @@
 #include <QDateTime>
 #include <QHash>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSet>
 #include <QTimer>
@@ -344,8 +345,11 @@ bool DialogCommands::ConnectRows(const QList<int>& rows, ControlReply* reply)
     connect(&responder, &MessageBoxAutoResponder::BoxOpened, reply,
             [reply, &hadBox](const QString& title, const QString& text) {
                 hadBox = true;
+                // One line, which quotes the entry's name exactly.
+                static const QRegularExpression kLineBreaks(QStringLiteral("\\n+"));
+                const QString line = QString(text).replace(kLineBreaks, QStringLiteral(" "));
                 reply->Send({{kType, QStringLiteral("message")},
-                             {QStringLiteral("text"), QStringLiteral("%1: %2").arg(title, text.simplified())}});
+                             {QStringLiteral("text"), QStringLiteral("%1: %2").arg(title, line)}});
             });
     m_isConnecting = true;
     m_host.HoldSaves(true);

@@ -1,5 +1,6 @@
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
+#include "tests/support/files.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>
@@ -68,6 +69,7 @@ void TestDesktopHost::placeOutlivesTheRun()
     const QTemporaryDir directory;
     const QStringList arguments{QStringLiteral("--config"), directory.filePath(QStringLiteral("config")),
                                 QStringLiteral("--data"), directory.path()};
+    QVERIFY(Files::Write(directory.filePath(QStringLiteral("CfgVEXEL.xml")), "<CfgVEXEL/>"));
     const QRect wanted(321, 456, 777, 333);
     for (int run = 0; run < 3; ++run) {
         QProcess host;
@@ -95,6 +97,7 @@ void TestDesktopHost::staysInTheTrayUntilQuit()
 {
     const Panel panel;
     const QTemporaryDir directory;
+    QVERIFY(Files::Write(directory.filePath(QStringLiteral("CfgVEXEL.xml")), "<CfgVEXEL/>"));
     QProcess host;
     host.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     host.start(QStringLiteral(VEXEL_HOST), {QStringLiteral("--config"), directory.filePath(QStringLiteral("config")),

@@ -24,22 +24,27 @@ void TestInstalledTree::installedTreeCanBeMoved()
 
     QProcessEnvironment environment = setUp.Environment();
     environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("0.2"));
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(place + QStringLiteral("/" VEXEL_BINDIR "/vexelhost"),
-                  {QStringLiteral("--config"), setUp.Path("moved-config"), QStringLiteral("--language"),
-                   QStringLiteral("de"), QStringLiteral("--add"),
-                   place + QStringLiteral("/" VEXEL_DATADIR "/connections.xml"), QStringLiteral("--list"),
-                   QStringLiteral("--connect"), QStringLiteral("North Ridge mast"), QStringLiteral("--wait")});
-    const auto result = HostSetUp::End(process);
-    QVERIFY2(result.exitCode == 0, qPrintable(result.error));
-    QCOMPARE(result.error, QString());
+    const auto run = [&](const QStringList& arguments) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(place + QStringLiteral("/" VEXEL_BINDIR "/vexelctl"),
+                      arguments + QStringList{QStringLiteral("--config"), setUp.Path("moved-config"),
+                                              QStringLiteral("--language"), QStringLiteral("de")});
+        return HostSetUp::End(process);
+    };
+    const auto added =
+        run({QStringLiteral("add"), place + QStringLiteral("/" VEXEL_DATADIR "/connections.xml")});
+    QVERIFY2(added.exitCode == 0, qPrintable(added.error));
+    const auto list = run({QStringLiteral("list")});
+    QCOMPARE(list.error, QString());
+    QVERIFY2(list.output.contains(QStringLiteral("Ger\u00e4tetyp")), qPrintable(list.output));
     // With the installed data directory, application and translation.
-    QVERIFY2(result.output.contains(QStringLiteral("Ger\u00e4tetyp")), qPrintable(result.output));
-    QVERIFY2(result.output.contains(QStringLiteral("North Ridge mast: Frei -> In Benutzung")),
-             qPrintable(result.output));
-    QVERIFY2(result.output.contains(QStringLiteral("North Ridge mast: In Benutzung -> Frei")),
-             qPrintable(result.output));
+    const auto connected = run({QStringLiteral("connect"), QStringLiteral("North Ridge mast")});
+    QVERIFY2(connected.exitCode == 0, qPrintable(connected.error));
+    QVERIFY2(connected.output.contains(QStringLiteral("North Ridge mast: Frei -> In Benutzung (kitecontrol, ")),
+             qPrintable(connected.output));
+    QVERIFY2(connected.output.contains(QStringLiteral("North Ridge mast: In Benutzung -> Frei (")),
+             qPrintable(connected.output));
 }
 
 VEXEL_TEST(QTEST_MAIN, TestInstalledTree)

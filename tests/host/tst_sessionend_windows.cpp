@@ -73,7 +73,7 @@ private slots:
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, "--data data");
+        setUp.StartHost(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(!setUp.StoredText().contains("FilterPattern"));
@@ -91,7 +91,7 @@ private slots:
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, "--data data");
+        setUp.StartHost(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QCOMPARE(Ask(window, WM_QUERYENDSESSION, 0), 1);
@@ -103,15 +103,15 @@ private slots:
         QVERIFY(process.waitForFinished());
     }
 
-    // It has no visible window, and stores nothing before its end.
-    void headlessHostSavesEverything()
+    // It has no visible window, and stores its settings at its end.
+    void offScreenDialogIsSaved()
     {
         HostSetUp setUp;
-        // Without a platform chosen: a host without a dialog draws nothing then.
+        // Without a platform chosen: vexelctl draws nothing then.
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
         QProcess process;
         StartAtWork(setUp, process);
-        QVERIFY(!setUp.StoredText().contains("ModelMimeData"));
+        QVERIFY(!setUp.StoredText().contains("FilterPattern"));
 
         QVERIFY(EndSession(process) > 0);
         process.kill();
@@ -123,14 +123,14 @@ private slots:
     }
 
     // Where there is time left, it ends in order.
-    void headlessHostEnds()
+    void vexelctlEnds()
     {
         HostSetUp setUp;
         setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
         QProcess process;
         StartAtWork(setUp, process);
         QVERIFY(EndSession(process) > 0);
-        QCOMPARE(HostSetUp::End(process).exitCode, 0);
+        QCOMPARE(HostSetUp::End(process).exitCode, 143);
         QCOMPARE(setUp.Names(), Words("mast"));
         EndApplications(setUp);
     }
@@ -140,7 +140,7 @@ private slots:
     {
         HostSetUp setUp;
         QProcess process;
-        setUp.Start(process, "--data data");
+        setUp.StartHost(process, "--data data");
         HWND window = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT((window = DialogOf(process)) != nullptr, 60'000);
         QVERIFY(PostMessageW(window, WM_CLOSE, 0, 0));
@@ -173,16 +173,14 @@ private slots:
     }
 
 private:
-    /// A headless host that has made an entry "mast", and waits for the end of its application.
+    /// A vexelctl that has connected an entry "mast", and waits for the end of its application.
     static void StartAtWork(HostSetUp& setUp, QProcess& process)
     {
         setUp.Install(QDir().absoluteFilePath(QStringLiteral(VEXEL_TESTCHILD)), 1);
-        const QString list = setUp.Path("list.xml");
-        setUp.Write(list, HostSetUp::ListDocument({QStringLiteral("mast")}));
+        setUp.Fill("mast");
         setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_MODE"), QStringLiteral("polite"));
         setUp.Environment().insert(QStringLiteral("VEXEL_TESTCHILD_REPORTS"), setUp.Data());
-        setUp.Start(process, {QStringLiteral("--data"), setUp.Data(), QStringLiteral("--add"), list,
-                              QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+        setUp.Start(process, "connect mast");
         QByteArray said;
         QTRY_VERIFY2_WITH_TIMEOUT((said += process.readAllStandardOutput()).contains("Free -> In Use"),
                                   process.readAllStandardError().constData(), 60'000);

@@ -10,6 +10,10 @@ namespace System {
 /// Whether the process exists. On Unix, a process that has ended exists until its parent has waited for it.
 bool IsProcess(qint64 number);
 
+/// Stop a process and let it go on. False if that is impossible.
+bool Suspend(qint64 number);
+bool Resume(qint64 number);
+
 /// The executable file of a running process; empty if there is no such process.
 QString ProgramOf(qint64 number);
 
@@ -18,6 +22,9 @@ QStringList RequestsToEnd();
 
 /// Asks a process to end, by default in the first of these ways. Returns false if that is impossible.
 bool AskToEnd(qint64 number, const QString& request = RequestsToEnd().constFirst());
+
+/// Ends a process as a crash does. Returns false if that is impossible.
+bool Crash(qint64 number);
 
 /// How this process reacts to such a request: exit at once with code 0, or ignore it. Needs an application object.
 void EndWhenAsked();

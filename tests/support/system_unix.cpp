@@ -17,6 +17,16 @@ bool IsProcess(qint64 number)
     return ::kill(static_cast<pid_t>(number), 0) == 0;
 }
 
+bool Suspend(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), SIGSTOP) == 0;
+}
+
+bool Resume(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), SIGCONT) == 0;
+}
+
 QString ProgramOf(qint64 number)
 {
     return QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(number));
@@ -32,6 +42,11 @@ bool AskToEnd(qint64 number, const QString& request)
     constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
     const auto index = static_cast<std::size_t>(RequestsToEnd().indexOf(request));
     return ::kill(static_cast<pid_t>(number), kSignals.at(index)) == 0;
+}
+
+bool Crash(qint64 number)
+{
+    return ::kill(static_cast<pid_t>(number), SIGSEGV) == 0;
 }
 
 void EndWhenAsked()

@@ -36,6 +36,16 @@ bool IsProcess(qint64 number)
     return !ProgramOf(number).isEmpty();
 }
 
+bool Suspend(qint64 /*number*/)
+{
+    return false;
+}
+
+bool Resume(qint64 /*number*/)
+{
+    return false;
+}
+
 QString ProgramOf(qint64 number)
 {
     const HANDLE process =
@@ -70,6 +80,15 @@ bool AskToEnd(qint64 number, const QString& /*request*/)
             wasAsked = true;
     CloseHandle(threads);
     return wasAsked;
+}
+
+bool Crash(qint64 number)
+{
+    const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(number));
+    const bool hasEnded = process && TerminateProcess(process, static_cast<UINT>(STATUS_ACCESS_VIOLATION));
+    if (process)
+        CloseHandle(process);
+    return hasEnded;
 }
 
 void EndWhenAsked()

@@ -4,8 +4,8 @@
 
 #include <QRegularExpression>
 
-// The executable of the host: versions of the stored list, and truncated lists.
-class TestVexelHostBackups : public QObject
+// vexelctl: versions of the stored list, and truncated lists.
+class TestCtlBackups : public QObject
 {
     Q_OBJECT
 
@@ -15,17 +15,18 @@ private slots:
     void versionsAreListedNewestFirst();
     void versionsAsJson();
     void listingBackupsWritesNothing();
-    void needsNeitherDisplayNorPlugin();
+    void jsonTellsWhatVersionsDifferIn();
+    void dryRunPrintsTheDifference();
     void restoreBringsAVersionBack();
     void restoreOfAnEqualVersionChangesNothing();
     void unknownVersionIsRefused();
     void damagedVersionIsNotRestored();
     void damagedDocumentIsReplaced();
-    void restoreIsRefusedWhileAHostRuns();
+    void runningHostRestores();
     void copyOfATruncatedListIsKept();
 
 private:
-    /// Number, entries and file of every line of `--backups`.
+    /// Number and entries of every line of `backups`.
     static QStringList Lines(HostSetUp& setUp);
     /// The files of the versions, newest first.
     static QStringList Files(HostSetUp& setUp);
@@ -35,9 +36,9 @@ private:
     static void BreakOff(const HostSetUp& setUp, int length);
 };
 
-QStringList TestVexelHostBackups::Lines(HostSetUp& setUp)
+QStringList TestCtlBackups::Lines(HostSetUp& setUp)
 {
-    const auto result = setUp.Run("--backups");
+    const auto result = setUp.Run("backups");
     if (result.exitCode != 0 || !result.error.isEmpty())
         return {result.error};
     QStringList lines;
@@ -51,9 +52,9 @@ QStringList TestVexelHostBackups::Lines(HostSetUp& setUp)
     return lines;
 }
 
-QStringList TestVexelHostBackups::Files(HostSetUp& setUp)
+QStringList TestCtlBackups::Files(HostSetUp& setUp)
 {
-    const auto result = setUp.Run("--backups --json");
+    const auto result = setUp.Run("backups --json");
     const QJsonArray versions =
         QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
     QStringList files;
@@ -63,17 +64,17 @@ QStringList TestVexelHostBackups::Files(HostSetUp& setUp)
     return files;
 }
 
-void TestVexelHostBackups::StoreLists(HostSetUp& setUp, int count)
+void TestCtlBackups::StoreLists(HostSetUp& setUp, int count)
 {
     QStringList names;
     for (int i = 1; i <= count; ++i) {
         names.append(QStringLiteral("entry %1").arg(i));
         setUp.Write(setUp.Path("list.xml"), HostSetUp::ListDocument(names));
-        QCOMPARE(setUp.Run("--import list.xml").exitCode, 0);
+        QCOMPARE(setUp.Run("import list.xml").exitCode, 0);
     }
 }
 
-void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
+void TestCtlBackups::BreakOff(const HostSetUp& setUp, int length)
 {
     QByteArray text = Files::Read(setUp.Document());
     const QByteArray key("ModelMimeData\": \"");
@@ -84,39 +85,39 @@ void TestVexelHostBackups::BreakOff(const HostSetUp& setUp, int length)
     setUp.Write(setUp.Document(), text);
 }
 
-void TestVexelHostBackups::missingConfigurationIsReported()
+void TestCtlBackups::missingConfigurationIsReported()
 {
     HostSetUp setUp;
-    for (const char* option : {"--backups", "--restore=1"}) {
-        COMPARE_FAILURE(setUp.Run({QString::fromLatin1(option)}), 2, setUp.Config());
+    for (const char* arguments : {"backups", "restore 1", "restore 1 --dry-run"}) {
+        COMPARE_FAILURE(setUp.Run(arguments), 2, setUp.Config());
         // Looking for a configuration must not make one.
         QVERIFY(!QFileInfo::exists(setUp.Config()));
     }
 }
 
-void TestVexelHostBackups::missingListIsShown()
+void TestCtlBackups::missingListIsShown()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config()));
     QCOMPARE(Lines(setUp), QStringList(QStringLiteral("now|none stored")));
 }
 
-void TestVexelHostBackups::versionsAreListedNewestFirst()
+void TestCtlBackups::versionsAreListedNewestFirst()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
     QCOMPARE(Lines(setUp), Words("now|3 1|2 2|1"));
     const QStringList heading =
-        setUp.Run("--backups").OutputLines().constFirst().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        setUp.Run("backups").OutputLines().constFirst().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     QCOMPARE(heading, Words("Number Saved Entries File"));
 }
 
-void TestVexelHostBackups::versionsAsJson()
+void TestCtlBackups::versionsAsJson()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
     BreakOff(setUp, 20);
-    const auto result = setUp.Run("--backups --json");
+    const auto result = setUp.Run("backups --json");
     QCOMPARE(result.exitCode, 0);
     const QJsonArray versions =
         QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
@@ -133,14 +134,15 @@ void TestVexelHostBackups::versionsAsJson()
     QCOMPARE(former.value(QLatin1String("malformed")), QJsonValue(false));
     QVERIFY(Files::Read(former.value(QLatin1String("file")).toString()).contains("ModelMimeData\": "));
     for (const QJsonObject& version : {now, former}) {
-        const QDateTime saved =
-            QDateTime::fromString(version.value(QLatin1String("saved")).toString(), Qt::ISODateWithMs);
+        const QString text = version.value(QLatin1String("saved")).toString();
+        QCOMPARE(text.size(), 29); // with milliseconds and the offset from UTC
+        const QDateTime saved = QDateTime::fromString(text, Qt::ISODateWithMs);
         QVERIFY(saved.isValid());
         QCOMPARE(saved.date().year(), QFileInfo(setUp.Document()).lastModified().date().year());
     }
 }
 
-void TestVexelHostBackups::listingBackupsWritesNothing()
+void TestCtlBackups::listingBackupsWritesNothing()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
@@ -152,51 +154,83 @@ void TestVexelHostBackups::listingBackupsWritesNothing()
     QCOMPARE(QFileInfo(setUp.Document()).lastModified(), changed);
 }
 
-void TestVexelHostBackups::needsNeitherDisplayNorPlugin()
+void TestCtlBackups::jsonTellsWhatVersionsDifferIn()
 {
     HostSetUp setUp;
-    StoreLists(setUp, 2);
-    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
-    const QStringList withoutPlugin{QStringLiteral("--plugin"), QStringLiteral("/no/such/plugin.so")};
-    QCOMPARE(setUp.Run(Words("--backups") + withoutPlugin).exitCode, 0);
-    QCOMPARE(setUp.Run(Words("--restore=1") + withoutPlugin).exitCode, 0);
+    setUp.Fill("gone kept");
+    setUp.WriteList("list.xml", "kept new", "kept");
+    QCOMPARE(setUp.Run("import list.xml").exitCode, 0);
+    const auto result = setUp.Run("backups --json");
+    const QJsonArray versions =
+        QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("versions")).toArray();
+    QVERIFY(!versions.at(0).toObject().contains(QLatin1String("added")));
+    const QJsonObject former = versions.at(1).toObject();
+    // What a restore would do.
+    QCOMPARE(former.value(QLatin1String("added")), QJsonValue(QJsonArray{QStringLiteral("gone")}));
+    QCOMPARE(former.value(QLatin1String("removed")), QJsonValue(QJsonArray{QStringLiteral("new")}));
+    QCOMPARE(former.value(QLatin1String("changed")), QJsonValue(QJsonArray{QStringLiteral("kept")}));
 }
 
-void TestVexelHostBackups::restoreBringsAVersionBack()
+void TestCtlBackups::dryRunPrintsTheDifference()
+{
+    HostSetUp setUp;
+    setUp.Fill("gone kept");
+    setUp.WriteList("list.xml", "kept new", "kept");
+    QCOMPARE(setUp.Run("import list.xml").exitCode, 0);
+    const QByteArray before = setUp.StoredText();
+    const auto text = setUp.Run("restore 1 --dry-run");
+    QCOMPARE(text.error, QString());
+    QCOMPARE(text.exitCode, 0);
+    QVERIFY2(text.output.startsWith(QLatin1String("version 1 of ")), qPrintable(text.output));
+    QVERIFY2(text.output.endsWith(QLatin1String(" would be restored: 2 entries -> 2 entries\n  added: gone\n"
+                                                "  removed: new\n  changed: kept\n")),
+             qPrintable(text.output));
+    const auto json = setUp.Run("restore 1 --dry-run --json");
+    const QJsonObject object = QJsonDocument::fromJson(json.output.toUtf8()).object();
+    QCOMPARE(object.value(QLatin1String("restored")), QJsonValue(false));
+    QCOMPARE(object.value(QLatin1String("added")), QJsonValue(QJsonArray{QStringLiteral("gone")}));
+    QCOMPARE(setUp.StoredText(), before);
+
+    const auto restored = setUp.Run("restore 1 --json");
+    QCOMPARE(restored.exitCode, 0);
+    QCOMPARE(QJsonDocument::fromJson(restored.output.toUtf8()).object().value(QLatin1String("restored")),
+             QJsonValue(true));
+    QCOMPARE(setUp.Names(), Words("gone kept"));
+}
+
+void TestCtlBackups::restoreBringsAVersionBack()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
-    const QByteArray oldest = Files::Read(Files(setUp).constLast());
-    const auto restored = setUp.Run("--restore 2");
+    const auto restored = setUp.Run("restore 2");
     QCOMPARE(restored.error, QString());
     QCOMPARE(restored.exitCode, 0);
     QCOMPARE(restored.OutputLines().size(), 1);
     QVERIFY2(restored.output.startsWith(QLatin1String("version 2 of ")) &&
-                 restored.output.contains(QLatin1String("3 entries -> 1 entry; the replaced state is now version 1")),
+                 restored.output.contains(QLatin1String("restored: 3 entries -> 1 entry\n")),
              qPrintable(restored.output));
-    QCOMPARE(Files::Read(setUp.Document()), oldest);
     QCOMPARE(Lines(setUp), Words("now|1 1|3 2|2 3|1"));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
 
     // And back again.
-    QCOMPARE(setUp.Run("--restore 1").exitCode, 0);
+    QCOMPARE(setUp.Run("restore 1").exitCode, 0);
     QCOMPARE(setUp.Names().size(), 3);
 }
 
-void TestVexelHostBackups::restoreOfAnEqualVersionChangesNothing()
+void TestCtlBackups::restoreOfAnEqualVersionChangesNothing()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
-    QCOMPARE(setUp.Run("--restore=1").exitCode, 0);
+    QCOMPARE(setUp.Run("restore 1").exitCode, 0);
     // Version 2 equals the present list.
     const QByteArray before = setUp.StoredText();
-    const auto result = setUp.Run("--restore=2");
+    const auto result = setUp.Run("restore 2");
     QCOMPARE(result.exitCode, 0);
     QVERIFY2(result.output.contains(QLatin1String("1 entry -> 1 entry\n")), qPrintable(result.output));
     QCOMPARE(setUp.StoredText(), before);
 }
 
-void TestVexelHostBackups::unknownVersionIsRefused()
+void TestCtlBackups::unknownVersionIsRefused()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config()));
@@ -210,7 +244,7 @@ void TestVexelHostBackups::unknownVersionIsRefused()
                 QVERIFY(QFile::remove(files.at(i)));
         }
         const QByteArray before = setUp.StoredText();
-        const auto result = setUp.Run("--restore 7");
+        const auto result = setUp.Run("restore 7");
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.output, QString());
         QCOMPARE(result.ErrorLines().size(), 1);
@@ -221,54 +255,53 @@ void TestVexelHostBackups::unknownVersionIsRefused()
     }
 }
 
-void TestVexelHostBackups::damagedVersionIsNotRestored()
+void TestCtlBackups::damagedVersionIsNotRestored()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
     setUp.Write(Files(setUp).constFirst(), QByteArray("\0\0\0\0", 4));
     QCOMPARE(Lines(setUp), Words("now|3 1|damaged 2|1"));
-    COMPARE_FAILURE(setUp.Run("--restore=1"), 2, QLatin1String("damaged"));
+    COMPARE_FAILURE(setUp.Run("restore 1"), 2, QLatin1String("damaged"));
     QCOMPARE(setUp.Names().size(), 3);
 }
 
-void TestVexelHostBackups::damagedDocumentIsReplaced()
+void TestCtlBackups::damagedDocumentIsReplaced()
 {
     HostSetUp setUp;
     StoreLists(setUp, 2);
     const QByteArray garbage("\0\0 garbage", 10);
     setUp.Write(setUp.Document(), garbage);
     QCOMPARE(Lines(setUp), Words("now|damaged 1|1"));
-    const auto result = setUp.Run("--restore=1");
+    const auto result = setUp.Run("restore 1");
     QCOMPARE(result.exitCode, 0);
     const QFileInfo document(setUp.Document());
     const QStringList aside = document.dir().entryList({document.fileName() + QStringLiteral(".damaged-*")});
     QCOMPARE(aside.size(), 1);
-    QVERIFY2(result.output.contains(QLatin1String("damaged -> 1 entry; the replaced file is kept as ")) &&
-                 result.output.contains(aside.constFirst()),
-             qPrintable(result.output));
+    QVERIFY2(result.error.contains(aside.constFirst()), qPrintable(result.error));
+    QVERIFY2(result.output.contains(QLatin1String("restored: damaged -> 1 entry\n")), qPrintable(result.output));
     QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
     QVERIFY(setUp.StoredText().contains(garbage));
 }
 
-void TestVexelHostBackups::restoreIsRefusedWhileAHostRuns()
+void TestCtlBackups::runningHostRestores()
 {
     HostSetUp setUp;
-    StoreLists(setUp, 2);
+    StoreLists(setUp, 3);
     QProcess host;
     setUp.StartDialog(host);
-
-    const QByteArray before = setUp.StoredText();
-    QCOMPARE(Lines(setUp), Words("now|2 1|1"));
-    COMPARE_FAILURE(setUp.Run("--restore=1"), 4, QString::number(host.processId()));
-    QCOMPARE(setUp.StoredText(), before);
-
+    QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|3"));
+    const auto result = setUp.Run("restore 2");
+    QCOMPARE(result.error, QString());
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(result.output.contains(QLatin1String("restored: 3 entries -> 1 entry\n")), qPrintable(result.output));
+    QCOMPARE(setUp.Names().size(), 1);
     host.kill();
     QVERIFY(host.waitForFinished());
-    QCOMPARE(setUp.Run("--restore=1").exitCode, 0);
+    // Stored, too.
     QCOMPARE(setUp.Names().size(), 1);
 }
 
-void TestVexelHostBackups::copyOfATruncatedListIsKept()
+void TestCtlBackups::copyOfATruncatedListIsKept()
 {
     HostSetUp setUp;
     StoreLists(setUp, 3);
@@ -280,7 +313,17 @@ void TestVexelHostBackups::copyOfATruncatedListIsKept()
     const QByteArray values = valuesIn(setUp.Document());
     QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, then malformed"));
 
-    const auto first = setUp.Run("--list");
+    // Looking tells of it, and changes nothing.
+    const QByteArray stored = setUp.StoredText();
+    const auto listed = setUp.Run("list");
+    QCOMPARE(listed.exitCode, 0);
+    QCOMPARE(listed.OutputLines().size(), 3);
+    QCOMPARE(listed.ErrorLines().filter(QStringLiteral("malformed after 2 entries")).size(), 1);
+    QCOMPARE(listed.ErrorLines().filter(QStringLiteral("entries in the list when it was saved: 3, now: 2")).size(), 1);
+    QCOMPARE(setUp.StoredText(), stored);
+
+    setUp.WriteList("more.xml", "more");
+    const auto first = setUp.Run("add more.xml");
     QCOMPARE(first.exitCode, 0);
     QCOMPARE(first.ErrorLines().filter(QStringLiteral("malformed after 2 entries")).size(), 1);
     QCOMPARE(first.ErrorLines().filter(QStringLiteral("entries in the list when it was saved: 3, now: 2")).size(), 1);
@@ -292,12 +335,13 @@ void TestVexelHostBackups::copyOfATruncatedListIsKept()
     QCOMPARE(valuesIn(copies().constFirst().filePath()), values);
     QVERIFY2(first.error.contains(copies().constFirst().fileName()), qPrintable(first.error));
 
-    // Stored by the plug-in as far as it went, the list is in order, and the versions come and go.
-    QCOMPARE(setUp.Run("--list").error, QString());
+    // Stored as far as it went, the list is in order, and the versions come and go.
+    QCOMPARE(setUp.Run("list").error, QString());
+    QCOMPARE(setUp.Names().size(), 3);
     StoreLists(setUp, 12);
     QCOMPARE(copies().size(), 1);
     QCOMPARE(valuesIn(copies().constFirst().filePath()), values);
 }
 
-VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostBackups)
-#include "tst_vexelhostbackups.moc"
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCtlBackups)
+#include "tst_ctlbackups.moc"

@@ -4,8 +4,8 @@
 
 #include <QTcpServer>
 
-// The executable of the host: its report for support, above all when much is broken.
-class TestVexelHostDiagnose : public QObject
+// vexelctl: the report for support, above all when much is broken.
+class TestCtlDiagnose : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private slots:
 private:
     static QJsonObject Diagnose(HostSetUp& setUp, const QStringList& arguments = {})
     {
-        const auto result = setUp.Run(Words("--diagnose --json") + arguments);
+        const auto result = setUp.Run(Words("diagnose --json") + arguments);
         if (result.exitCode != 0 || !result.error.isEmpty())
             qWarning("exit code %d: %s", result.exitCode, qPrintable(result.error));
         return result.exitCode == 0 && result.error.isEmpty() ? QJsonDocument::fromJson(result.output.toUtf8()).object()
@@ -43,11 +43,11 @@ private:
     }
 };
 
-void TestVexelHostDiagnose::textHasEverySection()
+void TestCtlDiagnose::textHasEverySection()
 {
     HostSetUp setUp;
     setUp.Fill("one");
-    const auto result = setUp.Run("--diagnose");
+    const auto result = setUp.Run("diagnose");
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.error, QString());
     qsizetype place = -1;
@@ -59,7 +59,7 @@ void TestVexelHostDiagnose::textHasEverySection()
     QVERIFY(result.output.contains(QLatin1String("\n  entries stored  1\n")));
 }
 
-void TestVexelHostDiagnose::versions()
+void TestCtlDiagnose::versions()
 {
     HostSetUp setUp;
     const QJsonObject report = Diagnose(setUp);
@@ -71,11 +71,11 @@ void TestVexelHostDiagnose::versions()
         QVERIFY2(!Value(report, "versions", key).toString().isEmpty(), key);
 }
 
-void TestVexelHostDiagnose::paths()
+void TestCtlDiagnose::paths()
 {
     HostSetUp setUp;
     const QJsonObject report = Diagnose(setUp);
-    QCOMPARE(Value(report, "paths", "program"), QJsonValue(QFileInfo(QStringLiteral(VEXELHOST)).canonicalFilePath()));
+    QCOMPARE(Value(report, "paths", "program"), QJsonValue(QFileInfo(QStringLiteral(VEXELCTL)).canonicalFilePath()));
     QVERIFY(QFileInfo::exists(Value(report, "paths", "plugIn").toString()));
     QCOMPARE(Value(report, "paths", "plugInFrom"), QJsonValue(QStringLiteral("installed with the host")));
     QCOMPARE(Value(report, "paths", "plugInState"),
@@ -86,7 +86,7 @@ void TestVexelHostDiagnose::paths()
     QCOMPARE(Value(report, "paths", "display"), QJsonValue(setUp.HasDisplay()));
 }
 
-void TestVexelHostDiagnose::worksWithoutDisplayPluginAndConfiguration()
+void TestCtlDiagnose::worksWithoutDisplayPluginAndConfiguration()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
@@ -100,7 +100,7 @@ void TestVexelHostDiagnose::worksWithoutDisplayPluginAndConfiguration()
     QCOMPARE(Value(Diagnose(setUp), "configuration", "exists"), QJsonValue(false));
 }
 
-void TestVexelHostDiagnose::unusablePluginIsReported()
+void TestCtlDiagnose::unusablePluginIsReported()
 {
     HostSetUp setUp;
     for (const auto& [file, hint] :
@@ -116,7 +116,7 @@ void TestVexelHostDiagnose::unusablePluginIsReported()
     QVERIFY(Value(report, "paths", "plugInState").toString().startsWith(QLatin1String("loads")));
 }
 
-void TestVexelHostDiagnose::originOfTheDataDirectoryIsReported()
+void TestCtlDiagnose::originOfTheDataDirectoryIsReported()
 {
     HostSetUp setUp;
     QJsonObject report = Diagnose(setUp);
@@ -133,7 +133,8 @@ void TestVexelHostDiagnose::originOfTheDataDirectoryIsReported()
     // Looked at, not stored.
     QCOMPARE(Value(Diagnose(setUp), "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the installed samples")));
 
-    QCOMPARE(setUp.Run("--data data --list").exitCode, 0);
+    setUp.WriteList("list.xml", "one");
+    QCOMPARE(setUp.Run("add list.xml --data data").exitCode, 0);
     report = Diagnose(setUp);
     QCOMPARE(Value(report, "paths", "dataDirectory"), QJsonValue(setUp.Data()));
     QCOMPARE(Value(report, "paths", "dataDirectoryFrom"), QJsonValue(QStringLiteral("the configuration")));
@@ -144,7 +145,7 @@ void TestVexelHostDiagnose::originOfTheDataDirectoryIsReported()
     QCOMPARE(Value(report, "applications", "machineFileState"), QJsonValue(QStringLiteral("not read: no such file")));
 }
 
-void TestVexelHostDiagnose::nameChoosesTheMapping()
+void TestCtlDiagnose::nameChoosesTheMapping()
 {
     HostSetUp setUp;
     setUp.Install(QStringLiteral("/no/such/program"), 1);
@@ -158,11 +159,13 @@ void TestVexelHostDiagnose::nameChoosesTheMapping()
              QJsonValue(QStringLiteral("/another/mapping.xml")));
 }
 
-void TestVexelHostDiagnose::stateOfTheStore()
+void TestCtlDiagnose::stateOfTheStore()
 {
     HostSetUp setUp;
     setUp.Fill("one");
     setUp.Fill("two");
+    QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/user")));
+    setUp.Write(setUp.Config() + QStringLiteral("/user/@application.json"), R"({"values": {"a": "1"}})");
     setUp.Write(setUp.Config() + QStringLiteral("/application/a.b.json"), R"({"values": {"a": "1"}})");
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "configuration", "exists"), QJsonValue(true));
@@ -187,7 +190,7 @@ void TestVexelHostDiagnose::stateOfTheStore()
              QJsonValue(QStringLiteral("not a document of the store")));
 }
 
-void TestVexelHostDiagnose::damagedDocuments()
+void TestCtlDiagnose::damagedDocuments()
 {
     HostSetUp setUp;
     setUp.Fill("one");
@@ -206,12 +209,15 @@ void TestVexelHostDiagnose::damagedDocuments()
 
     // And so it does.
     QCOMPARE(setUp.Names(), Words("one"));
+    setUp.WriteList("more.xml", "more");
+    QCOMPARE(setUp.Run("add more.xml").exitCode, 0);
+    QCOMPARE(setUp.Names(), Words("one more"));
     const QJsonArray quarantined = Value(Diagnose(setUp), "configuration", "quarantined").toArray();
     QVERIFY(quarantined.size() >= 1);
     QVERIFY(quarantined.at(0).toString().startsWith(QLatin1String("application/@application.json.damaged-")));
 }
 
-void TestVexelHostDiagnose::versionUsedByTheNextStartIsReported()
+void TestCtlDiagnose::versionUsedByTheNextStartIsReported()
 {
     HostSetUp setUp;
     for (int i = 1; i <= 4; ++i)
@@ -230,16 +236,17 @@ void TestVexelHostDiagnose::versionUsedByTheNextStartIsReported()
     QVERIFY2(state.startsWith(beginning), qPrintable(state));
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
 
-    const auto start = setUp.Run("--list");
+    setUp.WriteList("more.xml", "more");
+    const auto start = setUp.Run("add more.xml");
     QVERIFY2(start.error.contains(QLatin1String("using the version of ") + state.mid(beginning.size()) +
                                   QLatin1String(" instead")),
              qPrintable(state + QLatin1Char('\n') + start.error));
-    QCOMPARE(setUp.Names(), QStringList(QStringLiteral("entry 1")));
+    QCOMPARE(setUp.Names(), QStringList({QStringLiteral("entry 1"), QStringLiteral("more")}));
     // Reported once, and repaired.
-    QCOMPARE(setUp.Run("--list").error, QString());
+    QCOMPARE(setUp.Run("list").error, QString());
 }
 
-void TestVexelHostDiagnose::truncatedListIsReported()
+void TestCtlDiagnose::truncatedListIsReported()
 {
     HostSetUp setUp;
     QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
@@ -251,13 +258,13 @@ void TestVexelHostDiagnose::truncatedListIsReported()
     QCOMPARE(Value(report, "configuration", "entriesStored"), QJsonValue(1));
 }
 
-void TestVexelHostDiagnose::onlyKnownVariablesAreReported()
+void TestCtlDiagnose::onlyKnownVariablesAreReported()
 {
     HostSetUp setUp;
     setUp.Environment().insert(QStringLiteral("VEXEL_CONFIG_DIR"), QStringLiteral("/somewhere"));
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     setUp.Environment().insert(QStringLiteral("SECRET_TOKEN"), QStringLiteral("hush-hush"));
-    const auto result = setUp.Run("--diagnose");
+    const auto result = setUp.Run("diagnose");
     QVERIFY(!result.output.contains(QLatin1String("hush-hush")));
     QStringList expected{QStringLiteral("QT_QPA_PLATFORM=offscreen")};
     const QStringList names = setUp.Environment().keys();
@@ -268,7 +275,7 @@ void TestVexelHostDiagnose::onlyKnownVariablesAreReported()
     QCOMPARE(Value(Diagnose(setUp), "paths", "environment").toVariant().toStringList(), expected);
 }
 
-void TestVexelHostDiagnose::traceFileIsNotTouched()
+void TestCtlDiagnose::traceFileIsNotTouched()
 {
     HostSetUp setUp;
     const QString fileName = setUp.Path("trace.log");
@@ -286,7 +293,7 @@ void TestVexelHostDiagnose::traceFileIsNotTouched()
              QJsonValue(QStringLiteral("its folder does not exist")));
 }
 
-void TestVexelHostDiagnose::usedPortIsReported()
+void TestCtlDiagnose::usedPortIsReported()
 {
     HostSetUp setUp;
     QTcpServer server;
@@ -300,7 +307,7 @@ void TestVexelHostDiagnose::usedPortIsReported()
     QTRY_COMPARE_WITH_TIMEOUT(Value(Diagnose(setUp), "starterLink", "free"), QJsonValue(true), 60'000);
 }
 
-void TestVexelHostDiagnose::runningHostIsReported()
+void TestCtlDiagnose::runningHostIsReported()
 {
     HostSetUp setUp;
     QProcess host;
@@ -316,7 +323,7 @@ void TestVexelHostDiagnose::runningHostIsReported()
     QVERIFY2(!rest.contains(QLatin1String("Received call")), qPrintable(rest));
 }
 
-void TestVexelHostDiagnose::staleLockIsIgnored()
+void TestCtlDiagnose::staleLockIsIgnored()
 {
     HostSetUp setUp;
     setUp.Fill("one");
@@ -324,13 +331,15 @@ void TestVexelHostDiagnose::staleLockIsIgnored()
     // Of another machine, so that no process number says anything.
     setUp.Write(lock, "999999\nvexelhost\nelsewhere\n");
     QCOMPARE(Value(Diagnose(setUp), "configuration", "hostAtWork"), QJsonValue(QStringLiteral("none")));
-    // It looks, and leaves removing to the next host.
+    // It looks, and leaves removing to the next change.
     QVERIFY(QFileInfo::exists(lock));
     QCOMPARE(setUp.Names(), Words("one"));
+    QVERIFY(QFileInfo::exists(lock));
+    setUp.Fill("two");
     QVERIFY(!QFileInfo::exists(lock));
 }
 
-void TestVexelHostDiagnose::diagnosisChangesNothing()
+void TestCtlDiagnose::diagnosisChangesNothing()
 {
     HostSetUp setUp;
     setUp.Fill("one");
@@ -356,5 +365,5 @@ void TestVexelHostDiagnose::diagnosisChangesNothing()
     QCOMPARE(setUp.StoredText(), stored);
 }
 
-VEXEL_TEST(QTEST_GUILESS_MAIN, TestVexelHostDiagnose)
-#include "tst_vexelhostdiagnose.moc"
+VEXEL_TEST(QTEST_GUILESS_MAIN, TestCtlDiagnose)
+#include "tst_ctldiagnose.moc"
