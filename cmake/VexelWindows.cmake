@@ -31,7 +31,7 @@ function(vexel_windows_runtime)
     file(COPY ${libraries} DESTINATION ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR})
     install(FILES ${libraries} DESTINATION ${CMAKE_INSTALL_BINDIR})
     # qt.conf tells the programs where Qt's plug-ins are. The tests find them without it, because they are in another
-    # folder than Qt's libraries. A headless host needs the platform plug-in "offscreen".
+    # folder than Qt's libraries. vexelctl needs the platform plug-in "offscreen".
     file(WRITE ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR}/qt.conf "[Paths]\nPlugins = ../plugins\n")
     install(FILES ${VEXEL_OUTPUT_ROOT}/${CMAKE_INSTALL_BINDIR}/qt.conf DESTINATION ${CMAKE_INSTALL_BINDIR})
     foreach(plugin IN ITEMS platforms/qwindows platforms/qoffscreen styles/qwindowsvistastyle imageformats/qico)

@@ -42,11 +42,8 @@ void TestVexelHostLife::hostThatHangsIsReported()
     setUp.StartDialog(first);
     if (!System::Suspend(first.processId()))
         QSKIP("processes cannot be stopped here");
-    const auto second = setUp.RunHost({});
     const auto list = setUp.Run("list");
     System::Resume(first.processId());
-    QCOMPARE(second.exitCode, 4);
-    QVERIFY2(second.error.contains(QLatin1String("does not answer")), qPrintable(second.error));
     COMPARE_FAILURE(list, 4, QLatin1String("does not answer"));
     // Nothing is lost.
     QCOMPARE(setUp.Names(), Words("one"));
