@@ -14,7 +14,7 @@ constexpr OptionInfo kHelp{"help", "Print this help."};
 constexpr OptionInfo kConfig{"config", "Use the configuration in DIR. Default: this user's configuration folder.",
                              "DIR", ValueKind::Directory};
 constexpr OptionInfo kLanguage{"language",
-                               "Language of the texts of entries, such as \"de\" or \"de_AT\". Default: the system's.",
+                               R"(Language of the texts of entries, such as "de" or "de_AT". Default: the system's.)",
                                "LOCALE", ValueKind::Text};
 constexpr OptionInfo kTrace{"trace", "Write trace lines to standard error."};
 constexpr OptionInfo kTraceFile{

@@ -292,8 +292,9 @@ void TestCtlHost::optionsOfASessionAreRefused()
     RunningHost host("mast");
     host.WriteList("new.xml", "new");
     const QString number = QStringLiteral("process %1").arg(host.process.processId());
-    for (const char* arguments : {"add new.xml --data data", "import new.xml --data data", "connect mast --data data",
-                                  "connect mast --name Second", "screenshot a.png --data data"})
+    for (const char* arguments :
+         {"add new.xml --data data", "import new.xml --data data", "connect mast --data data",
+          "connect mast --name Second", "connect mast --plugin p.so", "screenshot a.png --data data"})
         COMPARE_FAILURE(host.Run(arguments), 4, number);
     QCOMPARE(host.Names(), Words("mast"));
 }
