@@ -88,7 +88,7 @@ QString Parser::CheckGivenValues() const
     if (m_parser.isSet(m_language))
         if (const QString error = LanguageError(m_parser.value(m_language)); !error.isEmpty())
             return error;
-    return m_parser.isSet(m_data) ? DataDirectoryError(m_parser.value(m_data), false) : QString();
+    return {};
 }
 
 QString Parser::AbsolutePath(const QCommandLineOption& option) const
