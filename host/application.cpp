@@ -30,7 +30,8 @@ ExitCode Application::Run()
     SignalWatcher signalWatcher;
     // Not QCoreApplication::quit(): it asks every window first, and any of them can refuse. Connected first, because a
     // start that fails waits for the user at a box.
-    QObject::connect(&signalWatcher, &SignalWatcher::QuitRequested, qApp, [] { QCoreApplication::exit(); });
+    QObject::connect(
+        &signalWatcher, &SignalWatcher::QuitRequested, qApp, [] { QCoreApplication::exit(); });
 
     PluginSession session(
         m_options, PluginSession::Mode::Desktop, m_notices,
@@ -49,8 +50,7 @@ ExitCode Application::Run()
     }
     if (!lock.Warning().isEmpty())
         m_notices.Report(lock.Warning());
-    return session.Run(
-        [&](const ConnectDialog& dialog) { return RunDialog(dialog, session, lock, signalWatcher); });
+    return session.Run([&](const ConnectDialog& dialog) { return RunDialog(dialog, session, lock, signalWatcher); });
 }
 
 ExitCode Application::ShowRunningDialog()
@@ -61,7 +61,7 @@ ExitCode Application::ShowRunningDialog()
                                                           : client.Error();
     if (state == ControlClient::State::Connected) {
         AllowForegroundActivation(client.Greeting().value(QLatin1String("process")).toInteger());
-        const int code = client.Run({{QStringLiteral("command"), QStringLiteral("show")}}, [](const QJsonObject&) { });
+        const int code = client.Run({{QStringLiteral("command"), QStringLiteral("show")}}, [](const QJsonObject&) {});
         if (code == static_cast<int>(ExitCode::Done))
             return ExitCode::Done;
         error = client.Error();

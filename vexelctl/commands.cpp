@@ -25,8 +25,9 @@ constexpr OptionInfo kTraceFile{
 constexpr OptionInfo kJson{"json", "Print one JSON document."};
 constexpr OptionInfo kJsonLines{"json", "Print one JSON object per line."};
 constexpr OptionInfo kSelected{"selected", "Connect the ticked entries."};
-constexpr OptionInfo kWait{"wait", "With a host: wait until the connected entries are free again, and print each change "
-                                   "of their status. Without a host, connect always does so."};
+constexpr OptionInfo kWait{"wait",
+                           "With a host: wait until the connected entries are free again, and print each change "
+                           "of their status. Without a host, connect always does so."};
 constexpr OptionInfo kIgnoreExitCodes{"ignore-exit-codes",
                                       "Return 0 also if an application ends by a crash or with another code than 0."};
 constexpr OptionInfo kScreenshotDuring{

@@ -55,8 +55,9 @@ void TestHostOptions::defaults()
 
 void TestHostOptions::everyOptionArrives()
 {
-    const ParsedCommandLine parsed = Parse("--plugin /p/plug.so --config /c --name Second --trace --trace-file /t/trace "
-                                           "--language de_AT --hidden");
+    const ParsedCommandLine parsed =
+        Parse("--plugin /p/plug.so --config /c --name Second --trace --trace-file /t/trace "
+              "--language de_AT --hidden");
     QCOMPARE(parsed.text, QString());
     QCOMPARE(parsed.outcome, Outcome::Run);
     const HostOptions& options = parsed.options;
