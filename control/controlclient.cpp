@@ -116,7 +116,7 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
         [&] {
             read();
             if (!result)
-                end(Fail(QStringLiteral("the running host ended before it answered")));
+                end(Fail(QStringLiteral("the running host has ended")));
         });
     connect(
         &patience, &QTimer::timeout, &loop, [&] { end(Fail(QStringLiteral("the running host does not answer"))); });
@@ -125,7 +125,7 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
     // What came with the greeting.
     QMetaObject::invokeMethod(&loop, read, Qt::QueuedConnection);
     if (m_socket.state() != QLocalSocket::ConnectedState)
-        return Fail(QStringLiteral("the running host ended before it answered"));
+        return Fail(QStringLiteral("the running host has ended"));
     loop.exec();
     return *result;
 }

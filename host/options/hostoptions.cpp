@@ -117,8 +117,13 @@ ParsedCommandLine Parser::Parse(const QStringList& arguments)
 {
     using Outcome = ParsedCommandLine::Outcome;
 
-    if (!m_parser.parse(arguments))
-        return {Outcome::Invalid, m_parser.errorText(), {}};
+    if (!m_parser.parse(arguments)) {
+        // The parser's messages end with a full stop.
+        QString error = m_parser.errorText();
+        if (error.endsWith(u'.'))
+            error.chop(1);
+        return {Outcome::Invalid, error, {}};
+    }
     if (m_parser.isSet(m_help))
         return {Outcome::Print, Help(), {}};
     if (m_parser.isSet(m_version))

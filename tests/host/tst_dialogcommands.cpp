@@ -409,13 +409,14 @@ void TestDialogCommands::watchTellsChangesOfTheList()
 {
     Commands run;
     run.Execute("watch");
-    run.fake.Add(QStringLiteral("mole"));
     run.fake.SetStatus(0, 1);
+    // One line for all of an import.
+    for (int i = 0; i < 1000; ++i)
+        run.fake.Add(QStringLiteral("mole"));
     run.fake.entries.removeRow(2);
+    QTRY_COMPARE(run.answer.Texts("type"), (QStringList{QStringLiteral("status"), QStringLiteral("entries")}));
+    QCOMPARE(run.answer.Texts("count"), (QStringList{QString(), QStringLiteral("1002")}));
     QVERIFY(!run.answer.code);
-    QCOMPARE(run.answer.Texts("type"),
-             (QStringList{QStringLiteral("entries"), QStringLiteral("status"), QStringLiteral("entries")}));
-    QCOMPARE(run.answer.Texts("count"), (QStringList{QStringLiteral("4"), QString(), QStringLiteral("3")}));
 }
 
 void TestDialogCommands::picturesOfTheCourseAreSent()
