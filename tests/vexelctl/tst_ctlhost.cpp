@@ -170,6 +170,7 @@ void TestCtlHost::waitWithoutUseEndsAtOnce()
     const auto result = host.Run("wait");
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, QString());
+    COMPARE_FAILURE(host.Run("wait --screenshot no/such/a.png"), 2, QLatin1String("no/such/a.png"));
 }
 
 void TestCtlHost::watchPrintsChanges()

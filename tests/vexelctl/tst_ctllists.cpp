@@ -1,6 +1,8 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/testmain.h"
 
+#include <array>
+
 // vexelctl without a host: lists of entries that go in and out as files.
 class TestCtlLists : public QObject
 {
@@ -26,6 +28,7 @@ private slots:
     void checkPrintsTheEntries();
     void checkTellsWhereTheErrorIs();
     void neitherDisplayNorPluginIsNeeded();
+    void runsAtTheSameTimeWaitForEachOther();
 };
 
 void TestCtlLists::importReplacesAllEntries()
@@ -333,6 +336,27 @@ void TestCtlLists::neitherDisplayNorPluginIsNeeded()
         QCOMPARE(result.error, QString());
         QCOMPARE(result.exitCode, 0);
     }
+}
+
+void TestCtlLists::runsAtTheSameTimeWaitForEachOther()
+{
+    HostSetUp setUp;
+    std::array<QProcess, 8> processes;
+    QStringList names;
+    for (QProcess& process : processes) {
+        names.append(QStringLiteral("entry%1").arg(names.size()));
+        const QString file = names.constLast() + QStringLiteral(".xml");
+        setUp.Write(setUp.Path(qPrintable(file)), HostSetUp::ListDocument({names.constLast()}));
+        setUp.Start(process, {QStringLiteral("add"), file});
+    }
+    for (QProcess& process : processes) {
+        const auto result = HostSetUp::End(process);
+        QCOMPARE(result.error, QString());
+        QCOMPARE(result.exitCode, 0);
+    }
+    QStringList stored = setUp.Names();
+    stored.sort();
+    QCOMPARE(stored, names);
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestCtlLists)
