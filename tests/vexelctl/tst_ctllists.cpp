@@ -11,6 +11,7 @@ class TestCtlLists : public QObject
 private slots:
     void importReplacesAllEntries();
     void importedAndAddedEntriesAreFree();
+    void storedEntriesAreFree();
     void addAppendsEveryFileInOrder();
     void listIsATableOfTheEntries();
     void badFileChangesNothing_data();
@@ -56,6 +57,18 @@ void TestCtlLists::importedAndAddedEntriesAreFree()
              qPrintable(result.output));
     for (const QJsonValue& entry : setUp.Entries())
         QCOMPARE(entry[QLatin1String("status")], QJsonValue(0));
+}
+
+// Nobody serves them where no host runs, whatever a host that was killed has stored.
+void TestCtlLists::storedEntriesAreFree()
+{
+    HostSetUp setUp;
+    QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
+    setUp.Write(setUp.Document(), R"({"values": {"ConnectionsModel/ModelMimeData": ")" +
+                                      HostSetUp::ListDocument({QStringLiteral("one")}, {}, 1).toHex() + "\"}}");
+    const QJsonArray entries = setUp.Entries();
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries.at(0)[QLatin1String("status")], QJsonValue(0));
 }
 
 void TestCtlLists::addAppendsEveryFileInOrder()
