@@ -69,8 +69,9 @@ void ControlPeer::Drop(const QString& reason)
     m_patience.stop();
     m_unsent.clear();
     m_sent = 0;
-    Trace(kSource, __LINE__,
-          [&reason] { return QStringLiteral("ControlPeer::Drop(): A peer of the control channel is closed: %1").arg(reason); });
+    Trace(kSource, __LINE__, [&reason] {
+        return QStringLiteral("ControlPeer::Drop(): A peer of the control channel is closed: %1").arg(reason);
+    });
     m_pSocket->abort();
     deleteLater();
 }

@@ -3,6 +3,7 @@
 #include "host/output/console.h"
 #include "host/plugin/datadirectory.h"
 #include "host/store/brokenlistbackup.h"
+#include "host/store/versionfilter.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "vexelctl/output.h"
@@ -16,6 +17,7 @@ namespace {
 ExitCode WithNotices(const std::function<ExitCode()>& work)
 {
     CfgCenter::SetNoticeSink([](const QString& notice) { Console::PrintError(notice); });
+    CfgCenter::SetVersionFilter(DiffersInMoreThanStatuses);
     const auto close = qScopeGuard([] {
         CfgCenter::Close();
         CfgCenter::SetNoticeSink({});
