@@ -178,9 +178,10 @@ void DialogCommands::Connect(const ControlRequest& request, ControlReply* reply)
     if (Flag(request.content, "pictureDuring"))
         SendPicture("during", reply);
     if (waits)
-        EndWhenFree(request.content, report, reply, hasFailed);
-    else
-        End(reply, hasFailed ? ExitCode::NotConnected : ExitCode::Done);
+        return EndWhenFree(request.content, report, reply, hasFailed);
+    if (Flag(request.content, "picture"))
+        SendPicture("end", reply);
+    End(reply, hasFailed ? ExitCode::NotConnected : ExitCode::Done);
 }
 
 void DialogCommands::Wait(const ControlRequest& request, ControlReply* reply)
