@@ -1,5 +1,6 @@
 #include "benchmarks/lists.h"
 
+#include "platform/cfgcenter.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -37,6 +38,17 @@ void Fill(ConnectionsModel& model, const std::vector<Connection>& entries)
 {
     for (const Connection& entry : entries)
         model.AddConnection(entry);
+}
+
+void Store(const std::vector<Connection>& entries, const QString& store)
+{
+    CfgCenter::Open(store);
+    {
+        ConnectionsModel model(nullptr, QStringLiteral("ConnectionsModel"));
+        Fill(model, entries);
+    }
+    CfgCenter::SaveDocument();
+    CfgCenter::Close();
 }
 
 qint64 TextBytes(const std::vector<Connection>& entries)

@@ -3,6 +3,7 @@
 #include "userinterface/vexelconnectdlg/connection.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <vector>
 
@@ -19,6 +20,9 @@ QByteArray Document(const std::vector<Connection>& entries);
 
 /// Appends `entries` to `model`.
 void Fill(ConnectionsModel& model, const std::vector<Connection>& entries);
+
+/// Stores `entries` in the configuration directory `store`, which is created.
+void Store(const std::vector<Connection>& entries, const QString& store);
 
 /// The size of all texts of `entries`, in bytes: two per UTF-16 code unit.
 qint64 TextBytes(const std::vector<Connection>& entries);

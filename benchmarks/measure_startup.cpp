@@ -4,8 +4,6 @@
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
-#include "platform/cfgcenter.h"
-#include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
 #include <QApplication>
 #include <QFile>
@@ -59,13 +57,7 @@ void StartHost(benchmark::State& state, int entries)
 {
     const QTemporaryDir directory;
     const QString store = directory.filePath(QStringLiteral("store"));
-    CfgCenter::Open(store);
-    {
-        ConnectionsModel model(nullptr, QStringLiteral("ConnectionsModel"));
-        Lists::Fill(model, Lists::Entries(entries));
-    }
-    CfgCenter::SaveDocument();
-    CfgCenter::Close();
+    Lists::Store(Lists::Entries(entries), store);
     const QString bin = QCoreApplication::applicationDirPath() + QStringLiteral("/../bin");
     Time(state, bin + QStringLiteral("/vexelhost"), {QStringLiteral("--config"), store},
          store + QStringLiteral("/vexelhost.lock"));

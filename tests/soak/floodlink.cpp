@@ -7,6 +7,7 @@
 
 #include "platform/errorhandler.h"
 #include "platform/starterport.h"
+#include "tests/soak/measuring.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"
@@ -15,7 +16,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QTimer>
@@ -122,14 +122,6 @@ bool IsConnected(int socket)
 
 // The dialog.
 
-double ResidentMiB()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("The memory cannot be measured");
-    return file.readAll().split(' ').value(1).toDouble() * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024 / 1024;
-}
-
 struct Traces
 {
     qint64 calls = 0; // lines that report a call
@@ -183,25 +175,6 @@ private:
     QProcess m_process;
     QTimer m_again;
     QElapsedTimer m_timer;
-};
-
-/// Measures for how long the dialog does not get to work.
-class Stalls
-{
-public:
-    Stalls()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.callOnTimeout([this] { longest = std::max(longest, m_since.restart()); });
-        m_since.start();
-        m_timer.start(5);
-    }
-
-    qint64 longest = 0; // ms
-
-private:
-    QTimer m_timer;
-    QElapsedTimer m_since;
 };
 
 /// Returns whether the starter got through each time.
