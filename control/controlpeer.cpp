@@ -10,9 +10,9 @@ namespace {
 
 constexpr auto kSource = "control/controlpeer";
 // What the system and Qt hold for a peer at a time.
-constexpr qint64 kWritten = 256 * 1024;
+constexpr qint64 kWritten = qint64{256} * 1024;
 // The most that waits for a peer that watches and does not read. An answer that is complete may be longer.
-constexpr qsizetype kMaximumUnsentEvents = 1024 * 1024;
+constexpr qsizetype kMaximumUnsentEvents = qsizetype{1024} * 1024;
 
 } // namespace
 
