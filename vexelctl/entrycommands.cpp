@@ -100,6 +100,19 @@ bool FitsIntoList(const Entries& list)
     return list.size() <= ConnectionList::kMaximumEntries && size <= ConnectionList::kMaximumSize;
 }
 
+ExitCode RequestChange(ControlClient& client, const char* command, const Entries& entries)
+{
+    QJsonObject request = NewRequest(command);
+    QByteArray document;
+    // A version may be empty.
+    if (entries.empty())
+        request.insert(QStringLiteral("clear"), true);
+    else
+        document = ToDocument(entries);
+    return Request(
+        client, request, [](const QJsonObject&) {}, document);
+}
+
 } // namespace
 
 namespace EntryCommands {
@@ -203,8 +216,7 @@ ExitCode Change(const CtlOptions& options, const char* command, const Entries& e
     case Access::Kind::Host:
         if (HasSessionOption(options, access.Client()))
             return ExitCode::Busy;
-        return Request(
-            access.Client(), NewRequest(command), [](const QJsonObject&) {}, ToDocument(entries));
+        return RequestChange(access.Client(), command, entries);
     case Access::Kind::Alone:
         return StoredList::Edit(options.configDirectory, options.dataDirectory, change);
     case Access::Kind::None:

@@ -200,11 +200,13 @@ void DialogCommands::Watch(const ControlRequest& /*request*/, ControlReply* repl
     // One line for many changes: an import inserts one entry at a time.
     auto* const changes = new QTimer(reply);
     changes->setSingleShot(true);
-    connect(changes, &QTimer::timeout, reply, [this, reply] {
-        reply->Send({{kType, QStringLiteral("entries")},
-                     {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
-                     {QStringLiteral("count"), m_dialog.Count()}});
-    });
+    connect(
+        changes, &QTimer::timeout, reply,
+        [this, reply] {
+            reply->Send({{kType, QStringLiteral("entries")},
+                         {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
+                         {QStringLiteral("count"), m_dialog.Count()}});
+        });
     const auto report = [changes] {
         changes->start(0);
     };
@@ -216,14 +218,16 @@ void DialogCommands::Import(const ControlRequest& request, ControlReply* reply)
 {
     if (const QString error = ChangeError(); !error.isEmpty())
         return End(reply, ExitCode::Busy, error);
-    if (!IsConnectionList(request.document))
+    const bool clears = Flag(request.content, "clear");
+    if (!clears && !IsConnectionList(request.document))
         return End(reply, ExitCode::Unusable,
                    QStringLiteral("the document is not a connection list, or has no entries"));
     const int before = m_dialog.Count();
     m_host.HoldSaves(true);
     if (before > 0)
         m_dialog.Entries()->removeRows(0, before);
-    m_dialog.Append(request.document);
+    if (!clears)
+        m_dialog.Append(request.document);
     m_host.HoldSaves(false);
     EndOfChange(before, reply);
 }

@@ -59,7 +59,8 @@ void AutoSave::OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bott
 void AutoSave::Start()
 {
     // A very long list takes seconds.
-    if (m_text.valid() && m_text.wait_for(0s) != std::future_status::ready) {
+    const bool isBusy = m_text.valid() && m_text.wait_for(0s) != std::future_status::ready;
+    if (isBusy || m_isHeld) {
         m_timer.start();
         return;
     }

@@ -149,6 +149,7 @@ QByteArray DialogSession::Picture(QString* error)
 void DialogSession::HoldSaves(bool isHeld)
 {
     m_areSavesHeld = isHeld;
+    m_autoSave.Hold(isHeld);
     if (!isHeld && std::exchange(m_isSaveDue, false))
         SaveOnHide();
 }

@@ -177,6 +177,7 @@ private slots:
     void openBoxRefusesChangesAndConnecting_data();
     void openBoxRefusesChangesAndConnecting();
     void documentWithoutEntriesIsNotImported();
+    void listIsClearedOnRequest();
     void saveReportsFailure();
     void showShowsTheDialog();
     void quitSavesAndEndsOnceTheAnswerIsRead();
@@ -479,6 +480,16 @@ void TestDialogCommands::documentWithoutEntriesIsNotImported()
     run.Execute("import");
     QCOMPARE(run.answer.code, 2);
     QCOMPARE(run.fake.entries.rowCount(), 3);
+}
+
+void TestDialogCommands::listIsClearedOnRequest()
+{
+    Commands run;
+    run.Execute("import", {{QStringLiteral("clear"), true}});
+    QCOMPARE(run.answer.code, 0);
+    QCOMPARE(run.fake.entries.rowCount(), 0);
+    QCOMPARE(run.host.saved, 1);
+    QCOMPARE(run.answer.Texts("before"), QStringList{QStringLiteral("3")});
 }
 
 void TestDialogCommands::saveReportsFailure()

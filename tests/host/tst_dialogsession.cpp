@@ -73,6 +73,7 @@ private slots:
     void quittingAsksWhenSavingFails();
     void failedSaveWhileInUseIsShown();
     void changesAreSavedWhileTheDialogIsOpen();
+    void nothingIsSavedWhileSavesAreHeld();
     void failedSavesOfChangesAreShownOnce();
     void stayingHiddenIsShown();
     void nothingIsShownWhereStandardErrorIsRead();
@@ -162,6 +163,28 @@ void TestDialogSession::changesAreSavedWhileTheDialogIsOpen()
     QVERIFY(host.AutoSaveTimer()->isActive());
     host.session->Save();
     QVERIFY(!host.AutoSaveTimer()->isActive());
+    QCOMPARE(host.saved, 1);
+}
+
+void TestDialogSession::nothingIsSavedWhileSavesAreHeld()
+{
+    Session host;
+    host.session->Start();
+    host.AutoSaveTimer()->setInterval(0);
+    host.session->HoldSaves(true);
+    host.fake.Add(QStringLiteral("pier"));
+    QVERIFY(host.session->Save().isEmpty());
+    QTest::qWait(1);
+    QCOMPARE(host.saved, 0);
+    QCOMPARE(host.autoSaved, 0);
+    // What was asked for follows.
+    host.session->HoldSaves(false);
+    QCOMPARE(host.saved, 1);
+
+    host.session->HoldSaves(true);
+    host.fake.Add(QStringLiteral("quay"));
+    host.session->HoldSaves(false);
+    QTRY_COMPARE(host.autoSaved, 1);
     QCOMPARE(host.saved, 1);
 }
 
