@@ -37,11 +37,12 @@ ControlClient::State ControlClient::Connect(const QString& configDirectory)
         // It is starting or ending, or works for a moment only.
         QThread::msleep(kRetryMs);
     } while (!deadline.hasExpired());
-    m_error = owner.address.isEmpty()
-                  ? QStringLiteral("process %1 uses the configuration directory %2").arg(owner.process).arg(configDirectory)
-                  : QStringLiteral("the running host, process %1, does not answer: %2")
-                        .arg(owner.process)
-                        .arg(m_socket.errorString());
+    m_error =
+        owner.address.isEmpty()
+            ? QStringLiteral("process %1 uses the configuration directory %2").arg(owner.process).arg(configDirectory)
+            : QStringLiteral("the running host, process %1, does not answer: %2")
+                  .arg(owner.process)
+                  .arg(m_socket.errorString());
     return State::Failed;
 }
 
@@ -63,10 +64,11 @@ bool ControlClient::Greet()
     const int protocol = m_greeting.value(QLatin1String("protocol")).toInt();
     if (protocol == ControlLine::kProtocol)
         return true;
-    m_error = QStringLiteral("the running host, version %1, speaks version %2 of the control protocol, and this program "
-                             "version %3; use the vexelctl of that version")
-                  .arg(m_greeting.value(QLatin1String("version")).toString(), QString::number(protocol),
-                       QString::number(ControlLine::kProtocol));
+    m_error =
+        QStringLiteral("the running host, version %1, speaks version %2 of the control protocol, and this program "
+                       "version %3; use the vexelctl of that version")
+            .arg(m_greeting.value(QLatin1String("version")).toString(), QString::number(protocol),
+                 QString::number(ControlLine::kProtocol));
     return false;
 }
 
@@ -109,19 +111,21 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
     };
     connect(&m_socket, &QLocalSocket::readyRead, &loop, read);
     connect(&m_socket, &QLocalSocket::bytesWritten, &patience, [&] { patience.start(m_patience); });
-    connect(&m_socket, &QLocalSocket::disconnected, &loop, [&] {
-        read();
-        if (!result)
-            end(Fail(QStringLiteral("the running host ended before it answered")));
-    });
-    connect(&patience, &QTimer::timeout, &loop,
-            [&] { end(Fail(QStringLiteral("the running host does not answer"))); });
+    connect(
+        &m_socket, &QLocalSocket::disconnected, &loop,
+        [&] {
+            read();
+            if (!result)
+                end(Fail(QStringLiteral("the running host has ended")));
+        });
+    connect(
+        &patience, &QTimer::timeout, &loop, [&] { end(Fail(QStringLiteral("the running host does not answer"))); });
     connect(this, &ControlClient::Interrupted, &loop, [&](int signal) { end(128 + signal); });
     patience.start(m_patience);
     // What came with the greeting.
     QMetaObject::invokeMethod(&loop, read, Qt::QueuedConnection);
     if (m_socket.state() != QLocalSocket::ConnectedState)
-        return Fail(QStringLiteral("the running host ended before it answered"));
+        return Fail(QStringLiteral("the running host has ended"));
     loop.exec();
     return *result;
 }

@@ -11,8 +11,8 @@
 #include <chrono>
 #include <functional>
 
-/// The other end of the control channel: finds the host of a configuration directory and sends it one request. Blocks in
-/// an event loop. Needs the QCoreApplication.
+/// The other end of the control channel: finds the host of a configuration directory and sends it one request. Blocks
+/// in an event loop. Needs the QCoreApplication.
 class ControlClient : public QObject
 {
     Q_OBJECT
@@ -39,9 +39,9 @@ public:
     /// Receives each line of the answer but "accepted" and "end".
     using Receiver = std::function<void(const QJsonObject& line)>;
 
-    /// Sends a request, followed by `document` if it is not empty, and waits until it is accepted, and then for the end of
-    /// the answer as long as the host lives. Returns the command's exit code, 4 if the host does not
-    /// answer or ends before, or 128 + the signal after `Interrupt`. Call once, after `Connected`.
+    /// Sends a request, followed by `document` if it is not empty, and waits until it is accepted, and then for the end
+    /// of the answer as long as the host lives. Returns the command's exit code, 4 if the host does not answer or ends
+    /// before, or 128 + the signal after `Interrupt`. Call once, after `Connected`.
     int Run(QJsonObject request, const Receiver& onLine, const QByteArray& document = {});
 
     /// After an accepted "quit": waits until the host has released `configDirectory`. Returns false if it does not.

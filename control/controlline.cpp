@@ -7,8 +7,8 @@
 namespace {
 
 // JSON writes a character of a text in up to six bytes, and base64 three bytes as four.
-constexpr qsizetype kTextPart = 128 * 1024;
-constexpr qsizetype kBytesPart = 512 * 1024;
+constexpr qsizetype kTextPart = qsizetype{128} * 1024;
+constexpr qsizetype kBytesPart = qsizetype{512} * 1024;
 
 } // namespace
 

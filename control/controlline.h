@@ -13,7 +13,7 @@ namespace ControlLine {
 /// The version of the protocol. Both sides name theirs in their first line.
 inline constexpr int kProtocol = 1;
 /// The most bytes of a line. A longer one ends the connection.
-inline constexpr qsizetype kMaximumSize = 1024 * 1024;
+inline constexpr qsizetype kMaximumSize = qsizetype{1024} * 1024;
 /// How long one side waits for the other to send or to read something.
 inline constexpr std::chrono::seconds kPatience{10};
 

@@ -10,9 +10,9 @@ namespace {
 
 constexpr auto kSource = "control/controlpeer";
 // What the system and Qt hold for a peer at a time.
-constexpr qint64 kWritten = 256 * 1024;
+constexpr qint64 kWritten = qint64{256} * 1024;
 // The most that waits for a peer that watches and does not read. An answer that is complete may be longer.
-constexpr qsizetype kMaximumUnsentEvents = 1024 * 1024;
+constexpr qsizetype kMaximumUnsentEvents = qsizetype{1024} * 1024;
 
 } // namespace
 
@@ -69,8 +69,9 @@ void ControlPeer::Drop(const QString& reason)
     m_patience.stop();
     m_unsent.clear();
     m_sent = 0;
-    Trace(kSource, __LINE__,
-          [&reason] { return QStringLiteral("ControlPeer::Drop(): A peer of the control channel is closed: %1").arg(reason); });
+    Trace(kSource, __LINE__, [&reason] {
+        return QStringLiteral("ControlPeer::Drop(): A peer of the control channel is closed: %1").arg(reason);
+    });
     m_pSocket->abort();
     deleteLater();
 }

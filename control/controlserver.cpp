@@ -34,7 +34,8 @@ void ControlServer::Accept()
             continue;
         }
         ++m_peers;
-        connect(peer, &QObject::destroyed, this, [this] { --m_peers; });
+        connect(
+            peer, &QObject::destroyed, this, [this] { --m_peers; });
         connect(peer, &ControlPeer::Requested, this,
                 [this, peer](const ControlRequest& request) { emit Requested(request, peer); });
     }

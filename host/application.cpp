@@ -28,6 +28,10 @@ ExitCode Application::Run()
     // The dialog is the only window, and "Close" and "&Connect" hide it.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     SignalWatcher signalWatcher;
+    // Not QCoreApplication::quit(): it asks every window first, and any of them can refuse. Connected first, because a
+    // start that fails waits for the user at a box.
+    QObject::connect(
+        &signalWatcher, &SignalWatcher::QuitRequested, qApp, [] { QCoreApplication::exit(); });
 
     PluginSession session(
         m_options, PluginSession::Mode::Desktop, m_notices,
@@ -46,8 +50,7 @@ ExitCode Application::Run()
     }
     if (!lock.Warning().isEmpty())
         m_notices.Report(lock.Warning());
-    return session.Run(
-        [&](const ConnectDialog& dialog) { return RunDialog(dialog, session, lock, signalWatcher); });
+    return session.Run([&](const ConnectDialog& dialog) { return RunDialog(dialog, session, lock, signalWatcher); });
 }
 
 ExitCode Application::ShowRunningDialog()
@@ -58,7 +61,7 @@ ExitCode Application::ShowRunningDialog()
                                                           : client.Error();
     if (state == ControlClient::State::Connected) {
         AllowForegroundActivation(client.Greeting().value(QLatin1String("process")).toInteger());
-        const int code = client.Run({{QStringLiteral("command"), QStringLiteral("show")}}, [](const QJsonObject&) { });
+        const int code = client.Run({{QStringLiteral("command"), QStringLiteral("show")}}, [](const QJsonObject&) {});
         if (code == static_cast<int>(ExitCode::Done))
             return ExitCode::Done;
         error = client.Error();
@@ -69,15 +72,11 @@ ExitCode Application::ShowRunningDialog()
 ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& session, const InstanceLock& lock,
                                 SignalWatcher& signalWatcher)
 {
-    // Not QCoreApplication::quit(): it asks every window first, and any of them can refuse.
-    const auto quit = [] { QCoreApplication::exit(); };
-    QObject::connect(&signalWatcher, &SignalWatcher::QuitRequested, qApp, quit);
-
     DialogSession desktop(
         dialog, m_notices, [&session] { return session.Save(); },
         [&session](auto done) { session.SaveAsync(std::move(done)); });
     QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &desktop, &DialogSession::Save);
-    QObject::connect(&desktop, &DialogSession::QuitRequested, qApp, quit);
+    QObject::connect(&desktop, &DialogSession::QuitRequested, qApp, [] { QCoreApplication::exit(); });
 
     DialogCommands commands(dialog, desktop);
     ControlServer server(ConnectionList::kMaximumSize, QStringLiteral("vexelhost"));

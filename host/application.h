@@ -10,8 +10,8 @@ class InstanceLock;
 class PluginSession;
 class SignalWatcher;
 
-/// Runs the host once: shows the plug-in's dialog until the user quits, or brings the dialog of a host that already uses
-/// the configuration to the front.
+/// Runs the host once: shows the plug-in's dialog until the user quits, or brings the dialog of a host that already
+/// uses the configuration to the front.
 class Application
 {
 public:

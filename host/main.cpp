@@ -56,6 +56,8 @@ ExitCode Run(int& argc, char** argv)
         break;
     }
     const HostOptions& options = commandLine.options;
+    if (const QString error = DataDirectoryError(options.dataDirectory, false); !error.isEmpty())
+        return Fail(ExitCode::Usage, StartFailure::Kind::DataDirectory, error, options);
     TraceLog traceLog;
     if (const QString error = traceLog.Start(options.trace, options.traceFile); !error.isEmpty()) {
         return Fail(ExitCode::Unusable, StartFailure::Kind::TraceFile,

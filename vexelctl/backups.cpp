@@ -33,43 +33,50 @@ struct Row
     int number = 0; // 0: the current state
     QDateTime saved;
     QString file;
-    std::optional<StoredSet> set; // none: see obstacle
     Obstacle obstacle = Obstacle::None;
-    Entries entries;
+    std::optional<StoredSet> set; // none: see obstacle
+    std::optional<ListDifference> difference;
 };
 
-Row ReadRow(int number, const QDateTime& saved, const QString& file, const std::unique_ptr<ICfg>& node,
-            Obstacle obstacle)
-{
-    Row row{number, saved, file, {}, obstacle, {}};
-    if (node) {
-        row.set = ReadStoredSet(*node);
-        row.entries = StoredList::EntriesIn(*node);
-    }
-    return row;
-}
-
-Row CurrentRow(const ConfigVersions& versions)
+std::unique_ptr<ICfg> OpenCurrent(const ConfigVersions& versions, Row& row)
 {
     const QFileInfo document(versions.DocumentFile());
-    Obstacle obstacle = Obstacle::None;
-    const std::unique_ptr<ICfg> node = versions.OpenCurrent(&obstacle);
-    return ReadRow(0, document.exists() ? document.lastModified() : QDateTime(), document.filePath(), node, obstacle);
+    row.saved = document.exists() ? document.lastModified() : QDateTime();
+    row.file = document.filePath();
+    return versions.OpenCurrent(&row.obstacle);
 }
 
-Row VersionRow(const ConfigVersions& versions, int number, const ConfigVersion& version)
+std::unique_ptr<ICfg> OpenVersion(const ConfigVersions& versions, int number, const ConfigVersion& version, Row& row)
 {
-    Obstacle obstacle = Obstacle::None;
-    const std::unique_ptr<ICfg> node = versions.Open(version, &obstacle);
-    return ReadRow(number, version.saved, version.file, node, obstacle);
+    row.number = number;
+    row.saved = version.saved;
+    row.file = version.file;
+    return versions.Open(version, &row.obstacle);
 }
 
-std::vector<Row> Rows(const ConfigVersions& versions)
+/// Returns the entries stored in a document, which may be null.
+Entries ReadContent(const std::unique_ptr<ICfg>& document, Row& row)
 {
-    std::vector<Row> rows{CurrentRow(versions)};
+    if (!document)
+        return {};
+    StoredList::Content content = StoredList::ContentOf(*document);
+    row.set = content.set;
+    return std::move(content.entries);
+}
+
+/// Keeps the entries of two states at a time in memory.
+std::vector<Row> ReadRows(const ConfigVersions& versions)
+{
+    std::vector<Row> rows(1);
+    const Entries current = ReadContent(OpenCurrent(versions, rows.front()), rows.front());
     const QList<ConfigVersion> list = versions.List();
-    for (const ConfigVersion& version : list)
-        rows.push_back(VersionRow(versions, static_cast<int>(rows.size()), version));
+    for (const ConfigVersion& version : list) {
+        Row row;
+        const Entries entries = ReadContent(OpenVersion(versions, static_cast<int>(rows.size()), version, row), row);
+        if (row.set)
+            row.difference = Compare(current, entries);
+        rows.push_back(row);
+    }
     return rows;
 }
 
@@ -136,9 +143,9 @@ QByteArray Json(const std::vector<Row>& rows)
         if (row.set) {
             version.insert(QStringLiteral("entries"), row.set->entries);
             version.insert(QStringLiteral("malformed"), row.set->state == StoredSet::State::Malformed);
-            if (row.number > 0)
-                Insert(version, Compare(rows.front().entries, row.entries));
         }
+        if (row.difference)
+            Insert(version, *row.difference);
         versions.append(version);
     }
     return QJsonDocument(QJsonObject{{QStringLiteral("versions"), versions}}).toJson();
@@ -159,20 +166,32 @@ QString VersionName(const Row& version)
     return QStringLiteral("version %1 of %2").arg(QString::number(version.number), TimeText(version.saved));
 }
 
-/// Within `StoredList::Look`: reads the version to restore and the stored list.
-ExitCode ReadVersion(int number, Row& version, Row& current)
+/// A version to restore.
+struct Restoration
+{
+    Row version;
+    Row current;
+    Entries entries;
+    ListDifference difference;
+};
+
+/// Within `StoredList::Look`.
+ExitCode ReadRestoration(int number, Restoration& restoration)
 {
     const ConfigVersions versions(View::Application, QString());
     const QList<ConfigVersion> list = versions.List();
     if (number > list.size())
         return FailNoSuchVersion(number, list.size());
-    version = VersionRow(versions, number, list.at(number - 1));
-    current = CurrentRow(versions);
-    if (version.set)
-        return ExitCode::Done;
-    return Fail(ExitCode::Unusable, version.obstacle == Obstacle::Damaged
-                                        ? QStringLiteral("%1 is damaged").arg(VersionName(version))
-                                        : QStringLiteral("%1 cannot be read").arg(VersionName(version)));
+    Row& version = restoration.version;
+    restoration.entries = ReadContent(OpenVersion(versions, number, list.at(number - 1), version), version);
+    if (!version.set) {
+        return Fail(ExitCode::Unusable, version.obstacle == Obstacle::Damaged
+                                            ? QStringLiteral("%1 is damaged").arg(VersionName(version))
+                                            : QStringLiteral("%1 cannot be read").arg(VersionName(version)));
+    }
+    const Entries current = ReadContent(OpenCurrent(versions, restoration.current), restoration.current);
+    restoration.difference = Compare(current, restoration.entries);
+    return ExitCode::Done;
 }
 
 QStringList Lines(const char* label, const QStringList& names)
@@ -183,21 +202,22 @@ QStringList Lines(const char* label, const QStringList& names)
     return lines;
 }
 
-ExitCode PrintRestored(const CtlOptions& options, const Row& version, const Row& before)
+ExitCode PrintRestored(const CtlOptions& options, const Restoration& restoration)
 {
-    const ListDifference difference = Compare(before.entries, version.entries);
+    const auto& [version, current, entries, difference] = restoration;
     if (options.json) {
         QJsonObject object{{QStringLiteral("number"), version.number},
                            {QStringLiteral("saved"), TimeValue(version.saved)},
-                           {QStringLiteral("entries"), static_cast<qint64>(version.entries.size())},
-                           {QStringLiteral("entriesBefore"), static_cast<qint64>(before.entries.size())},
+                           {QStringLiteral("entries"), version.set->entries},
+                           {QStringLiteral("entriesBefore"),
+                            current.set ? QJsonValue(current.set->entries) : QJsonValue(QJsonValue::Null)},
                            {QStringLiteral("restored"), !options.dryRun}};
         Insert(object, difference);
         return PrintResult(QJsonDocument(object).toJson());
     }
     QStringList lines{QStringLiteral("%1%2: %3 -> %4")
                           .arg(VersionName(version), QLatin1String(options.dryRun ? " would be restored" : " restored"),
-                               EntriesPhrase(before), EntriesPhrase(version))};
+                               EntriesPhrase(current), EntriesPhrase(version))};
     if (options.dryRun) {
         lines += Lines("  added: ", difference.added);
         lines += Lines("  removed: ", difference.removed);
@@ -215,24 +235,21 @@ ExitCode Print(const CtlOptions& options)
     return StoredList::Look(
         options.configDirectory,
         [&options] {
-            const std::vector<Row> rows = Rows(ConfigVersions(View::Application, QString()));
+            const std::vector<Row> rows = ReadRows(ConfigVersions(View::Application, QString()));
             return options.json ? PrintResult(Json(rows)) : PrintResult(Table(rows));
         });
 }
 
 ExitCode Restore(const CtlOptions& options)
 {
-    Row version;
-    Row current;
-    const auto read = [&] {
-        return ReadVersion(options.version, version, current);
-    };
-    ExitCode code = StoredList::Look(options.configDirectory, read);
+    Restoration restoration;
+    ExitCode code =
+        StoredList::Look(options.configDirectory, [&] { return ReadRestoration(options.version, restoration); });
     if (code == ExitCode::Done && !options.dryRun) {
         code = EntryCommands::Change(
-            options, "import", version.entries, [&version](const Entries&) { return version.entries; });
+            options, "import", restoration.entries, [&restoration](const Entries&) { return restoration.entries; });
     }
-    return code == ExitCode::Done ? PrintRestored(options, version, current) : code;
+    return code == ExitCode::Done ? PrintRestored(options, restoration) : code;
 }
 
 } // namespace Backups

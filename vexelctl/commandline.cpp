@@ -99,8 +99,8 @@ Exit codes:
        restore
   2    the plug-in, the configuration or a file cannot be used, or the output
        cannot be written
-  3    an entry could not be connected, or its application crashed or ended with
-       another code than 0
+  3    an entry could not be connected, or its application crashed or ended
+       with another code than 0
   4    refused: a host or another vexelctl is busy, does not answer or has
        another version, or the command needs a running host
   130  interrupted (Ctrl+C); on Unix 128 and the number of any other signal

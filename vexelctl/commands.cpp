@@ -14,7 +14,7 @@ constexpr OptionInfo kHelp{"help", "Print this help."};
 constexpr OptionInfo kConfig{"config", "Use the configuration in DIR. Default: this user's configuration folder.",
                              "DIR", ValueKind::Directory};
 constexpr OptionInfo kLanguage{"language",
-                               "Language of the texts of entries, such as \"de\" or \"de_AT\". Default: the system's.",
+                               R"(Language of the texts of entries, such as "de" or "de_AT". Default: the system's.)",
                                "LOCALE", ValueKind::Text};
 constexpr OptionInfo kTrace{"trace", "Write trace lines to standard error."};
 constexpr OptionInfo kTraceFile{
@@ -25,8 +25,9 @@ constexpr OptionInfo kTraceFile{
 constexpr OptionInfo kJson{"json", "Print one JSON document."};
 constexpr OptionInfo kJsonLines{"json", "Print one JSON object per line."};
 constexpr OptionInfo kSelected{"selected", "Connect the ticked entries."};
-constexpr OptionInfo kWait{"wait", "With a host: wait until no entry is in use. Prints each change of status as a line "
-                                   "\"TIME NAME: Free -> In Use\". Without a host, connect always waits."};
+constexpr OptionInfo kWait{"wait",
+                           "With a host: wait until the connected entries are free again, and print each change "
+                           "of their status. Without a host, connect always does so."};
 constexpr OptionInfo kIgnoreExitCodes{"ignore-exit-codes",
                                       "Return 0 also if an application ends by a crash or with another code than 0."};
 constexpr OptionInfo kScreenshotDuring{
@@ -102,8 +103,7 @@ std::vector<CommandInfo> MakeCommands()
          With({kDryRun, kJson})},
         Plain(Command::Diagnose, "diagnose", "Print a report for a support desk.",
               "Versions, paths, what was read from the data directory and what was ignored, the state of the "
-              "configuration and who can access it, the state of the starter's port. Returns 0 whatever it finds. It "
-              "creates a temporary file, to check whether the configuration can be written.",
+              "configuration and who can access it, the state of the starter's port. Returns 0 whatever it finds.",
               {kJson, kPlugin, kReadData, kName}),
         {Command::Screenshot, "screenshot", "Write a screenshot of the dialog (PNG).", "", "FILE",
          "The file to write. \"-\": standard output.", ValueKind::File, 1, 1, With({kPlugin, kReadData, kName})},

@@ -25,7 +25,7 @@ _vexelctl()
         return
     fi
 
-    local options= kind=
+    local options="" kind=""
     case ${COMP_WORDS[1]} in
 )");
 
@@ -81,11 +81,11 @@ QString BashCompletion()
             // An option takes the same kind of value wherever it is.
             if (option.kind != ValueKind::None && !known.contains(name)) {
                 known.insert(name);
-                values += QStringLiteral("    %1) kind=%2 ;;\n").arg(name, Action(option.kind));
+                values += QStringLiteral("    %1) kind=\"%2\" ;;\n").arg(name, Action(option.kind));
             }
         }
         names.append(QLatin1String(info.name));
-        commands += QStringLiteral("        %1) options=\"%2\" kind=%3 ;;\n")
+        commands += QStringLiteral("        %1) options=\"%2\" kind=\"%3\" ;;\n")
                         .arg(names.constLast(), options.join(QLatin1Char(' ')), Action(info.argumentKind));
     }
     return kBegin.arg(names.join(QLatin1Char(' '))) + commands + kEnd.arg(values);

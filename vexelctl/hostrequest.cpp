@@ -2,9 +2,11 @@
 
 #include "control/controlline.h"
 #include "host/output/console.h"
+#include "host/plugin/pluginlibrary.h"
 #include "host/system/signalwatcher.h"
 #include "vexelctl/output.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 
 ExitCode Request(ControlClient& client, const QJsonObject& request, const ControlClient::Receiver& onLine,
@@ -46,6 +48,8 @@ bool HasSessionOption(const CtlOptions& options, const ControlClient& client)
         option = QStringLiteral("--data");
     else if (options.name != SessionOptions::kDefaultName)
         option = QStringLiteral("--name");
+    else if (options.plugin != PluginLibrary::DefaultFile(QCoreApplication::applicationDirPath()))
+        option = QStringLiteral("--plugin");
     if (option.isEmpty())
         return false;
     Console::PrintError(QStringLiteral("a host runs, process %1, and %2 works only without one")

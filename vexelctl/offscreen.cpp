@@ -60,7 +60,7 @@ public:
     }
 
 signals:
-    void Ended(int code);
+    void Ended(int code); // NOLINT(readability-inconsistent-declaration-parameter-name): of moc
 
 private:
     const ControlClient::Receiver m_onLine;

@@ -3,18 +3,21 @@
 #include "host/output/console.h"
 #include "host/plugin/datadirectory.h"
 #include "host/store/brokenlistbackup.h"
-#include "host/store/storedset.h"
+#include "host/store/versionfilter.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "vexelctl/output.h"
 
 #include <QScopeGuard>
 
+#include <utility>
+
 namespace {
 
 ExitCode WithNotices(const std::function<ExitCode()>& work)
 {
     CfgCenter::SetNoticeSink([](const QString& notice) { Console::PrintError(notice); });
+    CfgCenter::SetVersionFilter(DiffersInMoreThanStatuses);
     const auto close = qScopeGuard([] {
         CfgCenter::Close();
         CfgCenter::SetNoticeSink({});
@@ -49,8 +52,9 @@ ExitCode EditOpen(const QString& dataDirectory, const StoredList::Change& change
     if (!CheckKnown())
         return ExitCode::Unusable;
     ICfg& document = *CfgCenter::GetAppCfg(View::Application);
-    const StoredSet set = ReadStoredSet(document);
-    const std::optional<Entries> entries = change(StoredList::EntriesIn(document));
+    StoredList::Content content = StoredList::ContentOf(document);
+    const StoredSet set = content.set;
+    const std::optional<Entries> entries = change(std::move(content.entries));
     if (!entries)
         return ExitCode::Unusable;
     if (const QString notice = BackUpBrokenList(set); !notice.isEmpty())
@@ -83,27 +87,33 @@ std::optional<Entries> Read()
     if (!CheckKnown())
         return std::nullopt;
     ICfg& document = *CfgCenter::GetAppCfg(View::Application);
-    const StoredSet set = ReadStoredSet(document);
+    Content content = ContentOf(document);
+    const StoredSet& set = content.set;
     if (set.state == StoredSet::State::Malformed) {
         Console::PrintError(
             QStringLiteral("the stored list is malformed after %1")
                 .arg(set.entries == 1 ? QStringLiteral("1 entry") : QStringLiteral("%1 entries").arg(set.entries)));
     }
     PrintLoss(document, set);
-    return EntriesIn(document);
+    return std::move(content.entries);
 }
 
-Entries EntriesIn(ICfg& document)
+Content ContentOf(ICfg& document)
 {
-    Entries entries;
-    ConnectionList::Read(
-        ReadStoredDocument(document),
-        [&entries](const Connection& entry) {
-            entries.push_back(entry);
-            entries.back().ConnectionStatus = Connection::Free;
-        },
-        ConnectionList::kRoomForOwnList);
-    return entries;
+    Content content;
+    const QByteArray text = ReadStoredDocument(document);
+    if (text.isEmpty())
+        return content;
+    const auto take = [&content](const Connection& entry) {
+        content.entries.push_back(entry);
+        content.entries.back().ConnectionStatus = Connection::Free;
+    };
+    ConnectionList::ReadError error;
+    const bool isRead = ConnectionList::Read(text, take, ConnectionList::kRoomForOwnList, &error);
+    // A list without entries is whole.
+    content.set.state = isRead || error.row == 0 ? StoredSet::State::Whole : StoredSet::State::Malformed;
+    content.set.entries = static_cast<int>(content.entries.size());
+    return content;
 }
 
 ExitCode Edit(const QString& directory, const QString& dataDirectory, const Change& change)

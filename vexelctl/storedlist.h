@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/output/exitcode.h"
+#include "host/store/storedset.h"
 #include "vexelctl/listfiles.h"
 
 #include <QString>
@@ -22,9 +23,13 @@ ExitCode Look(const QString& directory, const std::function<ExitCode()>& work);
 /// damaged and has no version that can be read.
 std::optional<Entries> Read();
 
-/// Returns the entries stored in the document with the root node `document`; of a malformed list those before the
-/// error. They are all "Free".
-Entries EntriesIn(ICfg& document);
+/// What a document stores.
+struct Content
+{
+    StoredSet set;
+    Entries entries; ///< all "Free"; of a malformed set those before the error
+};
+Content ContentOf(ICfg& document);
 
 /// Makes the new list from the present one; none, after an error, if that is not possible.
 using Change = std::function<std::optional<Entries>(Entries present)>;

@@ -178,9 +178,10 @@ void DialogCommands::Connect(const ControlRequest& request, ControlReply* reply)
     if (Flag(request.content, "pictureDuring"))
         SendPicture("during", reply);
     if (waits)
-        EndWhenFree(request.content, report, reply, hasFailed);
-    else
-        End(reply, hasFailed ? ExitCode::NotConnected : ExitCode::Done);
+        return EndWhenFree(request.content, report, reply, hasFailed);
+    if (Flag(request.content, "picture"))
+        SendPicture("end", reply);
+    End(reply, hasFailed ? ExitCode::NotConnected : ExitCode::Done);
 }
 
 void DialogCommands::Wait(const ControlRequest& request, ControlReply* reply)
@@ -196,13 +197,19 @@ void DialogCommands::Wait(const ControlRequest& request, ControlReply* reply)
 void DialogCommands::Watch(const ControlRequest& /*request*/, ControlReply* reply)
 {
     new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::All);
-    const auto sendCount = [this, reply] {
+    // One line for many changes: an import inserts one entry at a time.
+    auto* const changes = new QTimer(reply);
+    changes->setSingleShot(true);
+    connect(changes, &QTimer::timeout, reply, [this, reply] {
         reply->Send({{kType, QStringLiteral("entries")},
                      {QStringLiteral("time"), TimeToJson(QDateTime::currentDateTime())},
                      {QStringLiteral("count"), m_dialog.Count()}});
+    });
+    const auto report = [changes] {
+        changes->start(0);
     };
-    connect(m_dialog.Entries(), &QAbstractItemModel::rowsInserted, reply, sendCount);
-    connect(m_dialog.Entries(), &QAbstractItemModel::rowsRemoved, reply, sendCount);
+    connect(m_dialog.Entries(), &QAbstractItemModel::rowsInserted, changes, report);
+    connect(m_dialog.Entries(), &QAbstractItemModel::rowsRemoved, changes, report);
 }
 
 void DialogCommands::Import(const ControlRequest& request, ControlReply* reply)

@@ -50,8 +50,8 @@ private:
     void EndOfChange(int before, ControlReply* reply);
     void SendPicture(const char* moment, ControlReply* reply);
     void SendInBackground(ControlReply* reply, std::function<QByteArray()> makeLines);
-    /// Returns the rows that the request asks for; none, with `error` set, if one of its names is unknown or no entry is
-    /// ticked.
+    /// Returns the rows that the request asks for; none, with `error` set, if one of its names is unknown or no entry
+    /// is ticked.
     QList<int> RowsToConnect(const QJsonObject& request, QString* error) const;
     /// Connects exactly the entries in `rows` and restores the ticks. The texts of message boxes go to `reply`. Returns
     /// whether there was one. `reply` may be gone afterwards.

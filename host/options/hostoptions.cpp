@@ -57,15 +57,15 @@ private:
         QStringLiteral("language"),
         QStringLiteral("Language of the dialog, such as \"de\" or \"de_AT\". Default: the system's."),
         QStringLiteral("LOCALE")};
-    const QCommandLineOption m_hidden = {
-        QStringLiteral("hidden"), QStringLiteral("Start in the system tray. Without one, the dialog is shown.")};
+    const QCommandLineOption m_hidden = {QStringLiteral("hidden"),
+                                         QStringLiteral("Start in the system tray. Without one, the dialog is shown.")};
 };
 
 Parser::Parser()
 {
     m_parser.setApplicationDescription(HelpText::Description());
-    m_parser.addOptions({m_plugin, m_config, m_data, m_name, m_language, m_trace, m_traceFile, m_hidden, m_help,
-                         m_version});
+    m_parser.addOptions(
+        {m_plugin, m_config, m_data, m_name, m_language, m_trace, m_traceFile, m_hidden, m_help, m_version});
 }
 
 QString Parser::Help() const
@@ -88,7 +88,7 @@ QString Parser::CheckGivenValues() const
     if (m_parser.isSet(m_language))
         if (const QString error = LanguageError(m_parser.value(m_language)); !error.isEmpty())
             return error;
-    return m_parser.isSet(m_data) ? DataDirectoryError(m_parser.value(m_data), false) : QString();
+    return {};
 }
 
 QString Parser::AbsolutePath(const QCommandLineOption& option) const
@@ -117,8 +117,13 @@ ParsedCommandLine Parser::Parse(const QStringList& arguments)
 {
     using Outcome = ParsedCommandLine::Outcome;
 
-    if (!m_parser.parse(arguments))
-        return {Outcome::Invalid, m_parser.errorText(), {}};
+    if (!m_parser.parse(arguments)) {
+        // The parser's messages end with a full stop.
+        QString error = m_parser.errorText();
+        if (error.endsWith(u'.'))
+            error.chop(1);
+        return {Outcome::Invalid, error, {}};
+    }
     if (m_parser.isSet(m_help))
         return {Outcome::Print, Help(), {}};
     if (m_parser.isSet(m_version))

@@ -33,6 +33,8 @@ QString LanguageError(const QString& language)
 
 QString DataDirectoryError(const QString& directory, bool isForced)
 {
+    if (directory.isEmpty())
+        return {};
     // The value is stored, so a typo would persist.
     if (!QFileInfo(directory).isDir())
         return QStringLiteral("--data: no such directory: %1").arg(directory);

@@ -26,7 +26,7 @@ QString ConfigDirectoryError(const SessionOptions& options);
 /// default. Needs the application object.
 void SetDefaults(SessionOptions& options);
 
-/// Return why a value on the command line is invalid; empty if it is valid.
+/// Return why a value on the command line is invalid; empty if it is valid. No data directory is valid, and if
+/// `isForced` one without the machine file.
 QString LanguageError(const QString& language);
-/// Empty also for an existing directory without the machine file if `isForced`.
 QString DataDirectoryError(const QString& directory, bool isForced);

@@ -38,7 +38,8 @@ bool PrintBytes(const QByteArray& bytes)
 
 void PrintError(const QString& message)
 {
-    StandardStreams::Write(Stream::Error, QStringLiteral("%1: %2\n").arg(QCoreApplication::applicationName(), OneLine(message)));
+    StandardStreams::Write(Stream::Error,
+                           QStringLiteral("%1: %2\n").arg(QCoreApplication::applicationName(), OneLine(message)));
 }
 
 } // namespace Console

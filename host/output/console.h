@@ -3,7 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
-/// Standard output and error of `vexelhost` and `vexelctl`. Output is flushed at once, so that a reader of a pipe sees it immediately.
+/// Standard output and error of `vexelhost` and `vexelctl`. Output is flushed at once, so that a reader of a pipe sees
+/// it immediately.
 namespace Console {
 
 /// Writes `text` and a line break to standard output.

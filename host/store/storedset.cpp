@@ -108,8 +108,7 @@ QByteArray ToDocument(const ListCopy& list)
 StoredText ToStoredText(const ListCopy& list)
 {
     const QByteArray document = ToDocument(list);
-    const int entries =
-        list.document.isEmpty() ? static_cast<int>(list.rows.size()) : ParseDocument(document).entries;
+    const int entries = list.document.isEmpty() ? static_cast<int>(list.rows.size()) : ParseDocument(document).entries;
     return {QString::fromLatin1(document.toHex()), entries};
 }
 

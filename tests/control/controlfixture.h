@@ -26,10 +26,7 @@ struct ControlFixture
 class RawPeer
 {
 public:
-    explicit RawPeer(const QString& address)
-    {
-        m_socket.connectToServer(address);
-    }
+    explicit RawPeer(const QString& address) { m_socket.connectToServer(address); }
 
     QLocalSocket& Socket() { return m_socket; }
     void Send(const QByteArray& bytes) { m_socket.write(bytes); }

@@ -133,9 +133,8 @@ void TestControlClient::requestIsAnswered()
     InstanceLock lock;
     QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
     lock.SetAddress(fixture.address);
-    const FakeHost host(fixture.address,
-                        kGreeting + "|{\"type\":\"accepted\"}\n{\"type\":\"entry\",\"name\":\"a\"}\n"
-                                    "{\"type\":\"end\",\"code\":3,\"error\":\"why\"}\n");
+    const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n{\"type\":\"entry\",\"name\":\"a\"}\n"
+                                                     "{\"type\":\"end\",\"code\":3,\"error\":\"why\"}\n");
     ControlClient client;
     QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
     QStringList names;
@@ -166,7 +165,8 @@ void TestControlClient::documentIsSent()
     const std::unique_ptr<QThread> thread(QThread::create([&] {
         ControlClient client;
         if (client.Connect(fixture.configuration.path()) == ControlClient::State::Connected)
-            code = client.Run(Request("import"), [](const QJsonObject&) { }, document);
+            code = client.Run(
+                Request("import"), [](const QJsonObject&) {}, document);
     }));
     thread->start();
     QTRY_VERIFY(thread->isFinished());
@@ -192,7 +192,7 @@ void TestControlClient::hostThatHangsIsReported()
     const FakeHost host(fixture.address, answer);
     ControlClient client(kShortPatience);
     if (client.Connect(fixture.configuration.path()) == ControlClient::State::Connected)
-        QCOMPARE(client.Run(Request("list"), [](const QJsonObject&) { }), 4);
+        QCOMPARE(client.Run(Request("list"), [](const QJsonObject&) {}), 4);
     QCOMPARE(client.Error(), QStringLiteral("the running host does not answer"));
 }
 
@@ -205,7 +205,7 @@ void TestControlClient::hostThatEndsIsReported()
     const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n");
     ControlClient client;
     QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
-    QCOMPARE(client.Run(Request("wait"), [](const QJsonObject&) { }, {}), 4);
+    QCOMPARE(client.Run(Request("wait"), [](const QJsonObject&) {}, {}), 4);
     QVERIFY2(client.Error().contains(QStringLiteral("ended")), qPrintable(client.Error()));
 }
 

@@ -258,7 +258,8 @@ void TestControlServer::peerThatWatchesWithoutReadingIsClosed()
     const QPointer<ControlReply> reply(server.replies.front());
     int events = 0;
     while (reply && events < 1'000'000) {
-        reply->Send({{QStringLiteral("type"), QStringLiteral("status")}, {QStringLiteral("name"), QString(1000, u'n')}});
+        reply->Send(
+            {{QStringLiteral("type"), QStringLiteral("status")}, {QStringLiteral("name"), QString(1000, u'n')}});
         if (++events % 100 == 0) {
             QCoreApplication::processEvents();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

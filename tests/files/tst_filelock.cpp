@@ -82,7 +82,7 @@ private slots:
 
     void holderOnAnotherMachineIsNamedWithIt()
     {
-        const FileLock::Holder holder{4711, QStringLiteral("vexelhost"), QStringLiteral("another.example")};
+        const FileLock::Holder holder{4711, QStringLiteral("vexelhost"), QStringLiteral("another.example"), QString()};
         QCOMPARE(holder.Text(), QStringLiteral("process 4711 (vexelhost) on another.example"));
     }
 

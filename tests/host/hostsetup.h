@@ -154,8 +154,7 @@ public:
     void StartHost(QProcess& process, const char* arguments) { StartHost(process, Words(arguments)); }
     void StartHost(QProcess& process, const QStringList& arguments)
     {
-        StartProgram(process, QStringLiteral(VEXELHOST),
-                     QStringList{QStringLiteral("--config"), Config()} + arguments);
+        StartProgram(process, QStringLiteral(VEXELHOST), QStringList{QStringLiteral("--config"), Config()} + arguments);
     }
 
     /// Starts a host that shows its dialog off screen, and waits until the plug-in is complete. Returns its traces.

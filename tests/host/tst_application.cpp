@@ -425,9 +425,8 @@ void TestApplication::secondHostShowsTheRunningDialog()
         const QByteArray before = host.Stored();
         dialog.Window()->hide();
         QProcess second;
-        second.start(QStringLiteral(VEXELHOST),
-                     {QStringLiteral("--config"), host.options.configDirectory, QStringLiteral("--language"),
-                      QStringLiteral("de")});
+        second.start(QStringLiteral(VEXELHOST), {QStringLiteral("--config"), host.options.configDirectory,
+                                                 QStringLiteral("--language"), QStringLiteral("de")});
         QTRY_COMPARE(second.state(), QProcess::NotRunning);
         QCOMPARE(second.exitCode(), 0);
         QVERIFY(dialog.Window()->isVisible());

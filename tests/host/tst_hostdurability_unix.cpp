@@ -1,8 +1,8 @@
 #include "files/atomicfile.h"
-#include "host/application.h"
 #include "host/store/brokenlistbackup.h"
 #include "host/store/storedset.h"
 #include "platform/configversions.h"
+#include "platform/instancelock.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/diskrequests_unix.h"
 #include "tests/support/testmain.h"
@@ -34,14 +34,10 @@ private slots:
 
     void newConfigurationDirectoryIsSynced()
     {
-        HostOptions options;
-        options.plugin = QStringLiteral(REAL_PLUGIN);
-        options.name = QStringLiteral("VexelConnectDlg");
-        options.configDirectory = m_root->filePath(QStringLiteral("new/folder/config"));
-        options.dataDirectory = m_root->path();
-        options.list = true;
-        QCOMPARE(Application(options).Run(), ExitCode::Done);
-        QVERIFY(QFileInfo(options.configDirectory).isDir());
+        const QString directory = m_root->filePath(QStringLiteral("new/folder/config"));
+        InstanceLock lock;
+        QCOMPARE(lock.TryLock(directory), InstanceLock::Result::Locked);
+        QVERIFY(QFileInfo(directory).isDir());
         QVERIFY(DiskRequests::FirstSyncOf(m_root->path()) >= 0);
         QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new"))) >= 0);
         QVERIFY(DiskRequests::FirstSyncOf(m_root->filePath(QStringLiteral("new/folder"))) >= 0);

@@ -32,8 +32,7 @@ void TestInstalledTree::installedTreeCanBeMoved()
                                               QStringLiteral("--language"), QStringLiteral("de")});
         return HostSetUp::End(process);
     };
-    const auto added =
-        run({QStringLiteral("add"), place + QStringLiteral("/" VEXEL_DATADIR "/connections.xml")});
+    const auto added = run({QStringLiteral("add"), place + QStringLiteral("/" VEXEL_DATADIR "/connections.xml")});
     QVERIFY2(added.exitCode == 0, qPrintable(added.error));
     const auto list = run({QStringLiteral("list")});
     QCOMPARE(list.error, QString());

@@ -33,7 +33,8 @@ void TestNotices::noticesGoToStandardErrorWhenItIsRead()
     QCOMPARE(shown, QStringList());
     QFile file(fileName);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("NAME: one\nNAME: two\n").replace("NAME", QCoreApplication::applicationName().toUtf8()));
+    QCOMPARE(file.readAll(),
+             QByteArray("NAME: one\nNAME: two\n").replace("NAME", QCoreApplication::applicationName().toUtf8()));
 }
 
 void TestNotices::noticesAreShownWhenStandardErrorIsNotRead()

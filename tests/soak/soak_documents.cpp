@@ -6,8 +6,6 @@
 // One line: place, shape, size of the document, seconds, seconds of processor time, peak memory, result.
 
 #include "host/store/storedset.h"
-#include "vexelctl/support/machinereport.h"
-#include "vexelctl/support/supportreport.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "userinterface/kitecontrol/launchreport.h"
@@ -16,6 +14,8 @@
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
+#include "vexelctl/support/machinereport.h"
+#include "vexelctl/support/supportreport.h"
 
 #include <QAction>
 #include <QApplication>

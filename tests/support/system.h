@@ -23,7 +23,7 @@ QStringList RequestsToEnd();
 /// Asks a process to end, by default in the first of these ways. Returns false if that is impossible.
 bool AskToEnd(qint64 number, const QString& request = RequestsToEnd().constFirst());
 
-/// Ends a process as a crash does. Returns false if that is impossible.
+/// Kills a process, which counts as a crash. Returns false if that is impossible.
 bool Crash(qint64 number);
 
 /// How this process reacts to such a request: exit at once with code 0, or ignore it. Needs an application object.

@@ -187,20 +187,32 @@ void TestCtlConnect::crashOfTheApplicationCounts()
 {
     Station setUp(1, "3600");
     setUp.Fill("mast");
-    for (const char* option : {"", " --ignore-exit-codes"}) {
+    static const QRegularExpression number(QStringLiteral("process\\W+(\\d+)"));
+    const auto runAndCrash = [&setUp](const char* arguments) {
         QProcess process;
-        setUp.Start(process, (QByteArray("connect mast --json") + option).constData());
-        QByteArray line;
-        QTRY_VERIFY((line += process.readAllStandardOutput()).endsWith('\n'));
-        const qint64 child = QJsonDocument::fromJson(line).object()[QLatin1String("process")].toInteger();
-        QVERIFY(child > 0);
-        QVERIFY(System::Crash(child));
-        const auto result = HostSetUp::End(process);
-        QCOMPARE(result.exitCode, *option ? 0 : 3);
-        const QJsonObject end = QJsonDocument::fromJson(result.output.toUtf8()).object();
-        QCOMPARE(end[QLatin1String("crashed")], QJsonValue(true));
-        QVERIFY(!end.contains(QLatin1String("exitCode")));
-    }
+        setUp.Start(process, arguments);
+        const auto child = [&process] {
+            return number.match(QString::fromUtf8(process.peek(1000))).captured(1).toLongLong();
+        };
+        [&] {
+            QTRY_VERIFY(child() > 0);
+        }();
+        System::Crash(child());
+        return HostSetUp::End(process);
+    };
+    const auto json = runAndCrash("connect mast --json");
+    QCOMPARE(json.exitCode, 3);
+    const QJsonObject end = QJsonDocument::fromJson(json.OutputLines().constLast().toUtf8()).object();
+    QCOMPARE(end[QLatin1String("crashed")], QJsonValue(true));
+    QVERIFY(!end.contains(QLatin1String("exitCode")));
+
+    const auto text = runAndCrash("connect mast --ignore-exit-codes");
+    QCOMPARE(text.exitCode, 0);
+    const QString change = Changes(text.OutputLines()).constLast();
+    if (end.contains(QLatin1String("signal")))
+        QCOMPARE(change, QStringLiteral("mast: In Use -> Free (signal %1)").arg(end[QLatin1String("signal")].toInt()));
+    else
+        QCOMPARE(change, QStringLiteral("mast: In Use -> Free (crashed)"));
 }
 
 void TestCtlConnect::equalEntriesAreInUseTogether()

@@ -126,10 +126,11 @@ void TestCtlHost::statusWithoutAHost()
 void TestCtlHost::connectAndWait()
 {
     RunningHost host("mast", "1");
-    const auto connected = host.Run("connect mast");
+    const auto connected = host.Run("connect mast --screenshot connected.png");
     QCOMPARE(connected.error, QString());
     QCOMPARE(connected.output, QString());
     QCOMPARE(connected.exitCode, 0);
+    QVERIFY(!QImage(host.Path("connected.png")).isNull());
     const auto waited = host.Run("wait --screenshot end.png");
     QCOMPARE(waited.error, QString());
     QCOMPARE(waited.exitCode, 0);
@@ -170,6 +171,7 @@ void TestCtlHost::waitWithoutUseEndsAtOnce()
     const auto result = host.Run("wait");
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.output, QString());
+    COMPARE_FAILURE(host.Run("wait --screenshot no/such/a.png"), 2, QLatin1String("no/such/a.png"));
 }
 
 void TestCtlHost::watchPrintsChanges()
@@ -292,8 +294,9 @@ void TestCtlHost::optionsOfASessionAreRefused()
     RunningHost host("mast");
     host.WriteList("new.xml", "new");
     const QString number = QStringLiteral("process %1").arg(host.process.processId());
-    for (const char* arguments : {"add new.xml --data data", "import new.xml --data data", "connect mast --data data",
-                                  "connect mast --name Second", "screenshot a.png --data data"})
+    for (const char* arguments :
+         {"add new.xml --data data", "import new.xml --data data", "connect mast --data data",
+          "connect mast --name Second", "connect mast --plugin p.so", "screenshot a.png --data data"})
         COMPARE_FAILURE(host.Run(arguments), 4, number);
     QCOMPARE(host.Names(), Words("mast"));
 }

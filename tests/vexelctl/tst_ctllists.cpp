@@ -1,6 +1,8 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/testmain.h"
 
+#include <array>
+
 // vexelctl without a host: lists of entries that go in and out as files.
 class TestCtlLists : public QObject
 {
@@ -9,6 +11,7 @@ class TestCtlLists : public QObject
 private slots:
     void importReplacesAllEntries();
     void importedAndAddedEntriesAreFree();
+    void storedEntriesAreFree();
     void addAppendsEveryFileInOrder();
     void listIsATableOfTheEntries();
     void badFileChangesNothing_data();
@@ -26,6 +29,7 @@ private slots:
     void checkPrintsTheEntries();
     void checkTellsWhereTheErrorIs();
     void neitherDisplayNorPluginIsNeeded();
+    void runsAtTheSameTimeWaitForEachOther();
 };
 
 void TestCtlLists::importReplacesAllEntries()
@@ -53,6 +57,18 @@ void TestCtlLists::importedAndAddedEntriesAreFree()
              qPrintable(result.output));
     for (const QJsonValue& entry : setUp.Entries())
         QCOMPARE(entry[QLatin1String("status")], QJsonValue(0));
+}
+
+// Nobody serves them where no host runs, whatever a host that was killed has stored.
+void TestCtlLists::storedEntriesAreFree()
+{
+    HostSetUp setUp;
+    QVERIFY(QDir().mkpath(setUp.Config() + QStringLiteral("/application")));
+    setUp.Write(setUp.Document(), R"({"values": {"ConnectionsModel/ModelMimeData": ")" +
+                                      HostSetUp::ListDocument({QStringLiteral("one")}, {}, 1).toHex() + "\"}}");
+    const QJsonArray entries = setUp.Entries();
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries.at(0)[QLatin1String("status")], QJsonValue(0));
 }
 
 void TestCtlLists::addAppendsEveryFileInOrder()
@@ -333,6 +349,27 @@ void TestCtlLists::neitherDisplayNorPluginIsNeeded()
         QCOMPARE(result.error, QString());
         QCOMPARE(result.exitCode, 0);
     }
+}
+
+void TestCtlLists::runsAtTheSameTimeWaitForEachOther()
+{
+    HostSetUp setUp;
+    std::array<QProcess, 8> processes;
+    QStringList names;
+    for (QProcess& process : processes) {
+        names.append(QStringLiteral("entry%1").arg(names.size()));
+        const QString file = names.constLast() + QStringLiteral(".xml");
+        setUp.Write(setUp.Path(qPrintable(file)), HostSetUp::ListDocument({names.constLast()}));
+        setUp.Start(process, {QStringLiteral("add"), file});
+    }
+    for (QProcess& process : processes) {
+        const auto result = HostSetUp::End(process);
+        QCOMPARE(result.error, QString());
+        QCOMPARE(result.exitCode, 0);
+    }
+    QStringList stored = setUp.Names();
+    stored.sort();
+    QCOMPARE(stored, names);
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestCtlLists)

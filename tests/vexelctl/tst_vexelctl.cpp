@@ -65,7 +65,8 @@ void TestVexelCtl::unusablePluginIsRefused()
     HostSetUp setUp;
     setUp.Fill("one");
     const QByteArray stored = setUp.StoredText();
-    COMPARE_FAILURE(setUp.Run({QStringLiteral("screenshot"), QStringLiteral("--plugin"), plugin, setUp.Path("a.png")}), 2, hint);
+    COMPARE_FAILURE(setUp.Run({QStringLiteral("screenshot"), QStringLiteral("--plugin"), plugin, setUp.Path("a.png")}),
+                    2, hint);
     QCOMPARE(setUp.StoredText(), stored);
 }
 

@@ -1,7 +1,6 @@
 #include "vexelctl/support/storereport.h"
 
 #include "control/entryjson.h"
-#include "files/atomicfile.h"
 #include "host/output/timetext.h"
 #include "host/store/storedset.h"
 #include "platform/configversions.h"
@@ -11,6 +10,7 @@
 
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QStorageInfo>
 
 #include <algorithm>
 #include <optional>
@@ -150,7 +150,9 @@ void ReportStore(SupportReport& report, const QString& directory)
     report.AddFact(QStringLiteral("exists"), exists);
     if (!exists)
         return;
-    report.AddFact(QStringLiteral("can be written"), CreationObstacle(directory, "probe").isEmpty());
+    // A file that is created for this would be a change.
+    report.AddFact(QStringLiteral("can be written"), QFileInfo(directory).isWritable());
+    report.AddFact(QStringLiteral("free space"), QStorageInfo(directory).bytesAvailable());
     report.AddFact(QStringLiteral("host at work"), HostText(InstanceLock::Query(directory)));
     ReportStoredList(report);
     ReportFiles(report, directory);
