@@ -2,8 +2,11 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtGlobal>
 
-/// Standard output and error on every system. Everything is flushed at once, so that a reader of a pipe sees it
+#include <optional>
+
+/// The standard streams on every system. Everything that is written is flushed at once, so that a reader of a pipe sees it
 /// immediately; a closed pipe does not end the process.
 ///
 /// Lines end with a line feed. Text is encoded in the user's locale on Unix and in UTF-8 on Windows; a Windows console
@@ -21,6 +24,10 @@ void Prepare();
 bool Write(Stream stream, const QString& text);
 /// Writes `bytes` unchanged, likewise.
 bool Write(Stream stream, const QByteArray& bytes);
+
+/// Reads standard input to its end, unchanged. Returns none, and sets `error`, if it cannot be read or has more than
+/// `limit` bytes.
+std::optional<QByteArray> ReadInput(qint64 limit, QString* error);
 
 /// Returns whether somebody may read what is written to `stream`, i.e. whether it is a terminal, a pipe or a file.
 /// False for a program started without streams, or by a session that only logs them.

@@ -1,5 +1,7 @@
 #include "process/standardstreams.h"
 
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -46,6 +48,25 @@ bool Write(Stream stream, const QByteArray& bytes)
     const auto size = static_cast<std::size_t>(bytes.size());
     const bool isTaken = std::fwrite(bytes.constData(), 1, size, file) == size;
     return std::fflush(file) == 0 && isTaken;
+}
+
+std::optional<QByteArray> ReadInput(qint64 limit, QString* error)
+{
+    QByteArray content;
+    std::array<char, 65536> part = {};
+    while (content.size() <= limit) {
+        const ssize_t size = ::read(STDIN_FILENO, part.data(), part.size());
+        if (size == 0)
+            return content;
+        if (size > 0) {
+            content.append(part.data(), size);
+        } else if (errno != EINTR) {
+            *error = qt_error_string(errno);
+            return std::nullopt;
+        }
+    }
+    *error = QStringLiteral("more than %1 bytes").arg(limit);
+    return std::nullopt;
 }
 
 bool HasReader(Stream stream)

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <algorithm>
+#include <array>
 
 #include <windows.h>
 
@@ -50,6 +51,27 @@ void Prepare()
     // has ended.
     for (const DWORD id : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE})
         SetHandleInformation(GetStdHandle(id), HANDLE_FLAG_INHERIT, 0);
+}
+
+std::optional<QByteArray> ReadInput(qint64 limit, QString* error)
+{
+    QByteArray content;
+    std::array<char, 65536> part = {};
+    while (content.size() <= limit) {
+        DWORD size = 0;
+        if (!ReadFile(GetStdHandle(STD_INPUT_HANDLE), part.data(), static_cast<DWORD>(part.size()), &size, nullptr)) {
+            // The end of a pipe.
+            if (GetLastError() == ERROR_BROKEN_PIPE)
+                return content;
+            *error = qt_error_string(static_cast<int>(GetLastError()));
+            return std::nullopt;
+        }
+        if (size == 0)
+            return content;
+        content.append(part.data(), static_cast<qsizetype>(size));
+    }
+    *error = QStringLiteral("more than %1 bytes").arg(limit);
+    return std::nullopt;
 }
 
 bool HasReader(Stream stream)

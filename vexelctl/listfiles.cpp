@@ -1,41 +1,8 @@
 #include "vexelctl/listfiles.h"
 
 #include "files/boundedfile.h"
+#include "process/standardstreams.h"
 #include "vexelctl/commandline.h"
-
-#include <QFile>
-#include <QLocale>
-
-#include <cstdio>
-
-namespace {
-
-std::optional<QByteArray> ReadStandardInput(qint64 limit, QString* error)
-{
-    QFile input;
-    if (!input.open(stdin, QIODevice::ReadOnly)) {
-        *error = input.errorString();
-        return std::nullopt;
-    }
-    QByteArray content;
-    while (content.size() <= limit) {
-        const QByteArray part = input.read(limit + 1 - content.size());
-        if (part.isEmpty())
-            break;
-        content += part;
-    }
-    if (input.error() != QFileDevice::NoError) {
-        *error = input.errorString();
-        return std::nullopt;
-    }
-    if (content.size() > limit) {
-        *error = QStringLiteral("larger than %1").arg(QLocale::c().formattedDataSize(limit, 0));
-        return std::nullopt;
-    }
-    return content;
-}
-
-} // namespace
 
 QString ListFileError::Sentence() const
 {
@@ -52,7 +19,7 @@ std::optional<Entries> ReadListFiles(const QStringList& files, ListFileError& er
         const bool isInput = file == CtlOptions::kStandardStream;
         error = {isInput ? QStringLiteral("standard input") : file, {}, {}};
         const std::optional<QByteArray> document =
-            isInput ? ReadStandardInput(ConnectionList::kMaximumSize, &error.obstacle)
+            isInput ? StandardStreams::ReadInput(ConnectionList::kMaximumSize, &error.obstacle)
                     : ReadRegularFile(file, ConnectionList::kMaximumSize, &error.obstacle);
         if (!document)
             return std::nullopt;
