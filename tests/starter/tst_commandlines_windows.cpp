@@ -3,15 +3,15 @@
 
 #include <QProcess>
 
-/// What host and starter make of the one text that Windows passes to a program, written in the ways of different
+/// What vexelctl and starter make of the one text that Windows passes to a program, written in the ways of different
 /// prompts and programs.
 class TestCommandLines : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void host_data() { lines(); }
-    void host();
+    void commandLine_data() { lines(); }
+    void commandLine();
     void starter_data() { lines(); }
     void starter();
 
@@ -41,19 +41,19 @@ void TestCommandLines::lines()
     row("8,000 characters", QString(8000, u'x'), QString(8000, u'x'));
 }
 
-void TestCommandLines::host()
+void TestCommandLines::commandLine()
 {
     QFETCH(const QString, text);
     QFETCH(const QString, argument);
     const QTemporaryDir directory;
     QProcess process;
-    process.setProgram(QStringLiteral(VEXELHOST));
-    process.setNativeArguments(QStringLiteral("--config \"%1\" --connect ").arg(directory.path()) + text);
+    process.setProgram(QStringLiteral(VEXELCTL));
+    process.setNativeArguments(QStringLiteral("connect --config \"%1\" ").arg(directory.path()) + text);
     process.start();
     QVERIFY(process.waitForFinished(60'000));
     QCOMPARE(process.exitCode(), 3);
     const QString error = QString::fromUtf8(process.readAllStandardError());
-    QCOMPARE(error, QStringLiteral("vexelhost: there is no entry called \"%1\"\n").arg(argument));
+    QCOMPARE(error, QStringLiteral("vexelctl: there is no entry called \"%1\"\n").arg(argument));
 }
 
 void TestCommandLines::starter()

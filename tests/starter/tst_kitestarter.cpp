@@ -25,7 +25,7 @@ private slots:
     void secondStarterCallsTheFirstDialog();
     void tenStartersAtOnceStartOneHost();
     void dialogOfAnotherConfigurationIsCalled();
-    void headlessHostIsNotTakenForADialog();
+    void commandLineIsNotTakenForADialog();
     void exitCodeOfTheHostIsReported();
     void reasonOfTheHostIsPrintedOrLeftToIt_data();
     void reasonOfTheHostIsPrintedOrLeftToIt();
@@ -213,7 +213,7 @@ void TestKiteStarter::dialogOfAnotherConfigurationIsCalled()
     QVERIFY(!QFile::exists(setUp.Path(QStringLiteral("other"))));
 }
 
-void TestKiteStarter::headlessHostIsNotTakenForADialog()
+void TestKiteStarter::commandLineIsNotTakenForADialog()
 {
     NEED_PORT();
     SetUp setUp;
@@ -225,22 +225,25 @@ void TestKiteStarter::headlessHostIsNotTakenForADialog()
     file.close();
     // It shows nothing, and would be at it for an hour.
     setUp.environment.insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
-    QProcess headless;
-    headless.setProcessEnvironment(setUp.environment);
-    headless.start(QStringLiteral(VEXELHOST),
-                   {QStringLiteral("--config"), setUp.Path(QStringLiteral("headless")), QStringLiteral("--add"), list,
-                    QStringLiteral("--connect"), QStringLiteral("mast"), QStringLiteral("--wait")});
+    const QString config = setUp.Path(QStringLiteral("command line"));
+    QCOMPARE(
+        QProcess::execute(QStringLiteral(VEXELCTL), {QStringLiteral("add"), QStringLiteral("--config"), config, list}),
+        0);
+    QProcess vexelctl;
+    vexelctl.setProcessEnvironment(setUp.environment);
+    vexelctl.start(QStringLiteral(VEXELCTL),
+                   {QStringLiteral("connect"), QStringLiteral("--config"), config, QStringLiteral("mast")});
     QByteArray said;
-    QTRY_VERIFY2_WITH_TIMEOUT((said += headless.readAllStandardOutput()).contains("Free -> In Use"),
-                              headless.readAllStandardError().constData(), 60'000);
+    QTRY_VERIFY2_WITH_TIMEOUT((said += vexelctl.readAllStandardOutput()).contains("Free -> In Use"),
+                              vexelctl.readAllStandardError().constData(), 60'000);
 
     COMPARE_COMPLAINT(setUp.Run({QStringLiteral("--call-only")}), 6, QLatin1String("no connect dialog is running"));
     COMPARE_CALLED(setUp.RunForHost());
     QCOMPARE(setUp.Traced(kCreated), 1);
     QCOMPARE(setUp.Traced(kCalled), 1);
-    QCOMPARE(headless.state(), QProcess::Running);
-    QVERIFY(System::AskToEnd(headless.processId()));
-    QVERIFY(headless.state() == QProcess::NotRunning || headless.waitForFinished(60'000));
+    QCOMPARE(vexelctl.state(), QProcess::Running);
+    QVERIFY(System::AskToEnd(vexelctl.processId()));
+    QVERIFY(vexelctl.state() == QProcess::NotRunning || vexelctl.waitForFinished(60'000));
 }
 
 void TestKiteStarter::exitCodeOfTheHostIsReported()
