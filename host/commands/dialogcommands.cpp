@@ -66,8 +66,8 @@ DialogCommands::DialogCommands(const ConnectDialog& dialog, DialogHost& host, QO
 
 DialogCommands::~DialogCommands()
 {
-    for (const std::future<void>& thread : m_threads)
-        thread.wait();
+    if (m_answering.valid())
+        m_answering.wait();
 }
 
 void DialogCommands::Execute(const ControlRequest& request, ControlReply* reply)
@@ -102,22 +102,27 @@ void DialogCommands::Execute(const ControlRequest& request, ControlReply* reply)
 
 void DialogCommands::List(const ControlRequest& /*request*/, ControlReply* reply)
 {
-    QHash<int, EntryApplication> applications;
-    for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
-        if (m_dialog.Status(row) != ConnectDialog::kFree)
-            if (const std::optional<EntryApplication> application = m_dialog.ApplicationOf(row))
-                applications.insert(row, *application);
+    AnswerInBackground(
+        reply,
+        [this]() -> MakeLines {
+            QHash<int, EntryApplication> applications;
+            for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
+                if (m_dialog.Status(row) != ConnectDialog::kFree)
+                    if (const std::optional<EntryApplication> application = m_dialog.ApplicationOf(row))
+                        applications.insert(row, *application);
 
-    SendInBackground(reply, [list = std::make_shared<ListCopy>(m_dialog.Copy()), applications] {
-        QByteArray lines;
-        int row = 0;
-        for (const Connection& entry : ToConnections(*list)) {
-            const auto application = applications.constFind(row++);
-            const bool hasApplication = application != applications.cend();
-            lines += ControlLine::Write(EntryLine(entry, hasApplication ? std::optional(*application) : std::nullopt));
-        }
-        return lines;
-    });
+            return [list = std::make_shared<ListCopy>(m_dialog.Copy()), applications] {
+                QByteArray lines;
+                int row = 0;
+                for (const Connection& entry : ToConnections(*list)) {
+                    const auto application = applications.constFind(row++);
+                    const bool hasApplication = application != applications.cend();
+                    lines += ControlLine::Write(
+                        EntryLine(entry, hasApplication ? std::optional(*application) : std::nullopt));
+                }
+                return lines;
+            };
+        });
 }
 
 void DialogCommands::Status(const ControlRequest& /*request*/, ControlReply* reply)
@@ -134,10 +139,12 @@ void DialogCommands::Status(const ControlRequest& /*request*/, ControlReply* rep
 
 void DialogCommands::Export(const ControlRequest& /*request*/, ControlReply* reply)
 {
-    SendInBackground(
+    AnswerInBackground(
         reply,
-        [list = std::make_shared<ListCopy>(m_dialog.Copy())] {
-            return ControlLine::WriteParts(QString::fromUtf8(ToDocument(*list)), {{kType, QStringLiteral("data")}});
+        [this]() -> MakeLines {
+            return [list = std::make_shared<ListCopy>(m_dialog.Copy())] {
+                return ControlLine::WriteParts(QString::fromUtf8(ToDocument(*list)), {{kType, QStringLiteral("data")}});
+            };
         });
 }
 
@@ -306,21 +313,34 @@ void DialogCommands::SendPicture(const char* moment, ControlReply* reply)
         picture, {{kType, QStringLiteral("picture")}, {QStringLiteral("moment"), QLatin1String(moment)}}));
 }
 
-void DialogCommands::SendInBackground(ControlReply* reply, std::function<QByteArray()> makeLines)
+void DialogCommands::AnswerInBackground(ControlReply* reply, BeginAnswer begin)
 {
-    m_threads.erase(std::remove_if(m_threads.begin(), m_threads.end(),
-                                   [](const auto& thread) { return thread.wait_for(0s) == std::future_status::ready; }),
-                    m_threads.end());
-    m_threads.push_back(RunInBackground([this, guard = QPointer(reply), makeLines = std::move(makeLines)] {
-        const QByteArray lines = makeLines();
-        const auto send = [guard, lines] {
-            if (!guard)
-                return;
-            guard->SendLines(lines);
-            End(guard, ExitCode::Done);
-        };
-        QMetaObject::invokeMethod(this, send, Qt::QueuedConnection);
-    }));
+    m_waiting.push_back({reply, std::move(begin)});
+    AnswerNext();
+}
+
+void DialogCommands::AnswerNext()
+{
+    // One at a time, and the list is copied when its turn comes: peers that ask and go take no memory and no time.
+    while (!m_isAnswering && !m_waiting.empty()) {
+        const WaitingReply next = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        if (!next.reply)
+            continue;
+        m_isAnswering = true;
+        m_answering = RunInBackground([this, reply = next.reply, makeLines = next.begin()] {
+            const QByteArray lines = makeLines();
+            const auto send = [this, reply, lines] {
+                m_isAnswering = false;
+                if (reply) {
+                    reply->SendLines(lines);
+                    End(reply, ExitCode::Done);
+                }
+                AnswerNext();
+            };
+            QMetaObject::invokeMethod(this, send, Qt::QueuedConnection);
+        });
+    }
 }
 
 QList<int> DialogCommands::RowsToConnect(const QJsonObject& request, QString* error) const

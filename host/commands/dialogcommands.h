@@ -6,10 +6,11 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
+#include <deque>
 #include <functional>
 #include <future>
-#include <vector>
 
 class DialogHost;
 class StatusReport;
@@ -22,7 +23,7 @@ class DialogCommands : public QObject
 public:
     /// `dialog` and `host` must outlive this object.
     DialogCommands(const ConnectDialog& dialog, DialogHost& host, QObject* parent = nullptr);
-    /// Waits for the other threads.
+    /// Waits for the other thread.
     ~DialogCommands() override;
 
     /// Carries out `request`. `reply`, which is not owned, gets an `End` at once or later.
@@ -49,7 +50,14 @@ private:
 
     void EndOfChange(int before, ControlReply* reply);
     void SendPicture(const char* moment, ControlReply* reply);
-    void SendInBackground(ControlReply* reply, std::function<QByteArray()> makeLines);
+
+    /// Makes the lines of an answer, in another thread.
+    using MakeLines = std::function<QByteArray()>;
+    /// Takes from the dialog what an answer needs.
+    using BeginAnswer = std::function<MakeLines()>;
+    void AnswerInBackground(ControlReply* reply, BeginAnswer begin);
+    void AnswerNext();
+
     /// Returns the rows that the request asks for; none, with `error` set, if one of its names is unknown or no entry
     /// is ticked.
     QList<int> RowsToConnect(const QJsonObject& request, QString* error) const;
@@ -63,5 +71,13 @@ private:
     DialogHost& m_host;
     StatusMonitor m_monitor;
     bool m_isConnecting = false;
-    std::vector<std::future<void>> m_threads;
+
+    struct WaitingReply
+    {
+        QPointer<ControlReply> reply;
+        BeginAnswer begin;
+    };
+    std::deque<WaitingReply> m_waiting;
+    std::future<void> m_answering;
+    bool m_isAnswering = false;
 };
