@@ -6,7 +6,11 @@
 
 QString NewControlAddress(const QString& configDirectory)
 {
+    // Without a folder of the session Qt makes one, and warns.
+    const QtMessageHandler handler =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    qInstallMessageHandler(handler);
     if (folder.isEmpty())
         return {};
     // The same for each start on the directory, so that the socket of a killed host is replaced. Short, because the

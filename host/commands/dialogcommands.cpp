@@ -66,8 +66,8 @@ DialogCommands::DialogCommands(const ConnectDialog& dialog, DialogHost& host, QO
 
 DialogCommands::~DialogCommands()
 {
-    if (m_answering.valid())
-        m_answering.wait();
+    if (m_thread.valid())
+        m_thread.wait();
 }
 
 void DialogCommands::Execute(const ControlRequest& request, ControlReply* reply)
@@ -104,7 +104,7 @@ void DialogCommands::List(const ControlRequest& /*request*/, ControlReply* reply
 {
     AnswerInBackground(
         reply,
-        [this]() -> MakeLines {
+        [this]() -> std::function<QByteArray()> {
             QHash<int, EntryApplication> applications;
             for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
                 if (m_dialog.Status(row) != ConnectDialog::kFree)
@@ -141,7 +141,7 @@ void DialogCommands::Export(const ControlRequest& /*request*/, ControlReply* rep
 {
     AnswerInBackground(
         reply,
-        [this]() -> MakeLines {
+        [this]() -> std::function<QByteArray()> {
             return [list = std::make_shared<ListCopy>(m_dialog.Copy())] {
                 return ControlLine::WriteParts(QString::fromUtf8(ToDocument(*list)), {{kType, QStringLiteral("data")}});
             };
@@ -224,17 +224,23 @@ void DialogCommands::Watch(const ControlRequest& /*request*/, ControlReply* repl
 void DialogCommands::Import(const ControlRequest& request, ControlReply* reply)
 {
     if (const QString error = ChangeError(); !error.isEmpty())
-        return End(reply, ExitCode::Busy, error);
-    const bool clears = Flag(request.content, "clear");
-    if (!clears && !IsConnectionList(request.document))
-        return End(reply, ExitCode::Unusable,
-                   QStringLiteral("the document is not a connection list, or has no entries"));
+        End(reply, ExitCode::Busy, error);
+    else if (Flag(request.content, "clear"))
+        Replace(QByteArray(), reply);
+    else
+        CheckInBackground(
+            request, reply, [this, document = request.document, reply] { Replace(document, reply); });
+}
+
+/// Replaces all entries by those of `document`; an empty one has none.
+void DialogCommands::Replace(const QByteArray& document, ControlReply* reply)
+{
     const int before = m_dialog.Count();
     m_host.HoldSaves(true);
     if (before > 0)
         m_dialog.Entries()->removeRows(0, before);
-    if (!clears)
-        m_dialog.Append(request.document);
+    if (!document.isEmpty())
+        m_dialog.Append(document);
     m_host.HoldSaves(false);
     EndOfChange(before, reply);
 }
@@ -243,12 +249,35 @@ void DialogCommands::Add(const ControlRequest& request, ControlReply* reply)
 {
     if (const QString error = ChangeError(); !error.isEmpty())
         return End(reply, ExitCode::Busy, error);
-    const int before = m_dialog.Count();
-    if (!m_dialog.Append(request.document)) {
-        return End(reply, ExitCode::Unusable,
-                   QStringLiteral("the document is not a connection list, has no entries, or makes the list too long"));
-    }
-    EndOfChange(before, reply);
+    CheckInBackground(request, reply, [this, document = request.document, reply] {
+        const int before = m_dialog.Count();
+        if (m_dialog.Append(document))
+            EndOfChange(before, reply);
+        else
+            End(reply, ExitCode::Unusable, QStringLiteral("the list would become too long"));
+    });
+}
+
+void DialogCommands::CheckInBackground(const ControlRequest& request, ControlReply* reply, Finish change)
+{
+    DoInBackground(
+        reply,
+        [this, document = request.document, reply, change = std::move(change)]() -> Work {
+            return [this, document, reply, change]() -> Finish {
+                const bool isList = IsConnectionList(document);
+                return [this, isList, reply, change] {
+                    // The user may have begun something meanwhile.
+                    const QString error = ChangeError();
+                    if (!isList)
+                        End(reply, ExitCode::Unusable,
+                            QStringLiteral("the document is not a connection list, has no entries, or too many"));
+                    else if (!error.isEmpty())
+                        End(reply, ExitCode::Busy, error);
+                    else
+                        change();
+                };
+            };
+        });
 }
 
 void DialogCommands::EndOfChange(int before, ControlReply* reply)
@@ -313,32 +342,43 @@ void DialogCommands::SendPicture(const char* moment, ControlReply* reply)
         picture, {{kType, QStringLiteral("picture")}, {QStringLiteral("moment"), QLatin1String(moment)}}));
 }
 
-void DialogCommands::AnswerInBackground(ControlReply* reply, BeginAnswer begin)
+void DialogCommands::AnswerInBackground(ControlReply* reply, std::function<std::function<QByteArray()>()> begin)
 {
-    m_waiting.push_back({reply, std::move(begin)});
-    AnswerNext();
+    DoInBackground(
+        reply,
+        [reply, begin = std::move(begin)]() -> Work {
+            return [reply, makeLines = begin()]() -> Finish {
+                return [reply, lines = makeLines()] {
+                    reply->SendLines(lines);
+                    End(reply, ExitCode::Done);
+                };
+            };
+        });
 }
 
-void DialogCommands::AnswerNext()
+void DialogCommands::DoInBackground(ControlReply* reply, Begin begin)
 {
-    // One at a time, and the list is copied when its turn comes: peers that ask and go take no memory and no time.
-    while (!m_isAnswering && !m_waiting.empty()) {
-        const WaitingReply next = std::move(m_waiting.front());
+    m_waiting.push_back({reply, std::move(begin)});
+    DoNext();
+}
+
+void DialogCommands::DoNext()
+{
+    // Peers that ask and go take no memory and no time.
+    while (!m_isWorking && !m_waiting.empty()) {
+        const Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
         if (!next.reply)
             continue;
-        m_isAnswering = true;
-        m_answering = RunInBackground([this, reply = next.reply, makeLines = next.begin()] {
-            const QByteArray lines = makeLines();
-            const auto send = [this, reply, lines] {
-                m_isAnswering = false;
-                if (reply) {
-                    reply->SendLines(lines);
-                    End(reply, ExitCode::Done);
-                }
-                AnswerNext();
+        m_isWorking = true;
+        m_thread = RunInBackground([this, reply = next.reply, work = next.begin()] {
+            const auto end = [this, reply, finish = work()] {
+                m_isWorking = false;
+                if (reply)
+                    finish();
+                DoNext();
             };
-            QMetaObject::invokeMethod(this, send, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
         });
     }
 }

@@ -51,12 +51,18 @@ private:
     void EndOfChange(int before, ControlReply* reply);
     void SendPicture(const char* moment, ControlReply* reply);
 
-    /// Makes the lines of an answer, in another thread.
-    using MakeLines = std::function<QByteArray()>;
-    /// Takes from the dialog what an answer needs.
-    using BeginAnswer = std::function<MakeLines()>;
-    void AnswerInBackground(ControlReply* reply, BeginAnswer begin);
-    void AnswerNext();
+    /// The three steps of long work: `Begin` takes from the dialog what the work needs, the work takes place in another
+    /// thread, and what it returns gives the answer.
+    using Finish = std::function<void()>;
+    using Work = std::function<Finish()>;
+    using Begin = std::function<Work()>;
+    /// Does the work when its turn comes, one at a time, and not at all if the peer has gone by then.
+    void DoInBackground(ControlReply* reply, Begin begin);
+    void DoNext();
+    void AnswerInBackground(ControlReply* reply, std::function<std::function<QByteArray()>()> begin);
+    /// Checks that the document of `request` is a connection list before `change` is made.
+    void CheckInBackground(const ControlRequest& request, ControlReply* reply, Finish change);
+    void Replace(const QByteArray& document, ControlReply* reply);
 
     /// Returns the rows that the request asks for; none, with `error` set, if one of its names is unknown or no entry
     /// is ticked.
@@ -72,12 +78,12 @@ private:
     StatusMonitor m_monitor;
     bool m_isConnecting = false;
 
-    struct WaitingReply
+    struct Waiting
     {
         QPointer<ControlReply> reply;
-        BeginAnswer begin;
+        Begin begin;
     };
-    std::deque<WaitingReply> m_waiting;
-    std::future<void> m_answering;
-    bool m_isAnswering = false;
+    std::deque<Waiting> m_waiting;
+    std::future<void> m_thread;
+    bool m_isWorking = false;
 };

@@ -177,6 +177,8 @@ private slots:
     void openBoxRefusesChangesAndConnecting_data();
     void openBoxRefusesChangesAndConnecting();
     void documentWithoutEntriesIsNotImported();
+    void entryThatIsInUseMeanwhileStopsTheImport();
+    void callersThatHaveGoneAreNotServed();
     void listIsClearedOnRequest();
     void saveReportsFailure();
     void showShowsTheDialog();
@@ -477,9 +479,38 @@ void TestDialogCommands::documentWithoutEntriesIsNotImported()
 {
     Commands run;
     run.document = "<ConnectionEntries/>";
+    for (const char* command : {"import", "add"}) {
+        run.answer.code.reset();
+        run.Execute(command);
+        QTRY_COMPARE(run.answer.code, 2);
+        QCOMPARE(run.fake.entries.rowCount(), 3);
+    }
+}
+
+// The document is read in another thread.
+void TestDialogCommands::entryThatIsInUseMeanwhileStopsTheImport()
+{
+    Commands run;
+    run.document = "<ConnectionEntries><Connection/></ConnectionEntries>";
     run.Execute("import");
-    QCOMPARE(run.answer.code, 2);
+    QVERIFY(!run.answer.code);
+    run.fake.SetStatus(0, 1);
+    QTRY_COMPARE(run.answer.code, 4);
     QCOMPARE(run.fake.entries.rowCount(), 3);
+}
+
+void TestDialogCommands::callersThatHaveGoneAreNotServed()
+{
+    Commands run;
+    for (int i = 0; i < 1000; ++i) {
+        Answer gone;
+        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("list")}}, {}}, &gone);
+    }
+    // In its turn.
+    run.Execute("list");
+    run.fake.Add(QStringLiteral("mole"));
+    QTRY_COMPARE(run.answer.code, 0);
+    QCOMPARE(run.answer.lines.size(), 4);
 }
 
 void TestDialogCommands::listIsClearedOnRequest()
