@@ -13,6 +13,8 @@ namespace {
 
 constexpr unsigned long kRetryMs = 50;
 constexpr int kBusy = 4;
+// A host with a long list answers later than it accepts.
+constexpr int kLongWork = 6;
 
 } // namespace
 
@@ -24,51 +26,59 @@ ControlClient::ControlClient(std::chrono::milliseconds patience)
 ControlClient::State ControlClient::Connect(const QString& configDirectory)
 {
     const QDeadlineTimer deadline(m_patience);
-    InstanceLock::Owner owner;
     do {
-        owner = InstanceLock::Query(configDirectory);
+        const InstanceLock::Owner owner = InstanceLock::Query(configDirectory);
         if (owner.state != InstanceLock::State::Somebody)
             return State::NoHost;
-        if (!owner.address.isEmpty()) {
-            m_socket.connectToServer(owner.address);
-            if (m_socket.waitForConnected(static_cast<int>(deadline.remainingTime())))
-                return Greet() ? State::Connected : State::Failed;
+        if (owner.address.isEmpty()) {
+            m_error = QStringLiteral("%1 uses the configuration directory %2")
+                          .arg(owner.process == 0 ? QStringLiteral("another process")
+                                                  : QStringLiteral("process %1").arg(owner.process),
+                               configDirectory);
+        } else if (TryConnect(owner.address, deadline)) {
+            return IsGreetedWell() ? State::Connected : State::Failed;
         }
-        // It is starting or ending, or works for a moment only.
+        // It is starting or ending, is busy with others, or works for a moment only.
         QThread::msleep(kRetryMs);
     } while (!deadline.hasExpired());
-    m_error =
-        owner.address.isEmpty()
-            ? QStringLiteral("process %1 uses the configuration directory %2").arg(owner.process).arg(configDirectory)
-            : QStringLiteral("the running host, process %1, does not answer: %2")
-                  .arg(owner.process)
-                  .arg(m_socket.errorString());
     return State::Failed;
 }
 
-bool ControlClient::Greet()
+/// Connects to `address` and reads the first line. Returns false, with the error set, if there is none.
+bool ControlClient::TryConnect(const QString& address, QDeadlineTimer deadline)
 {
-    const QDeadlineTimer deadline(m_patience);
-    while (!m_received.contains('\n')) {
-        if (!m_socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
-            m_error = m_socket.state() == QLocalSocket::ConnectedState
-                          ? QStringLiteral("the running host does not answer")
-                          : QStringLiteral("the running host is busy with others, or is ending");
-            return false;
-        }
+    m_received.clear();
+    m_socket.connectToServer(address);
+    bool isConnected = m_socket.waitForConnected(static_cast<int>(deadline.remainingTime()));
+    while (isConnected && !m_received.contains('\n') && m_received.size() <= ControlLine::kMaximumSize) {
+        isConnected = m_socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
         m_received += m_socket.readAll();
     }
+    if (m_received.contains('\n'))
+        return true;
+    m_error = m_socket.state() == QLocalSocket::ConnectedState
+                  ? QStringLiteral("the running host does not answer")
+                  : QStringLiteral("the running host is busy with others, or is ending");
+    m_socket.abort();
+    return false;
+}
+
+/// Returns whether the first line is a host's, of the same version of the protocol. Sets the error if it is not.
+bool ControlClient::IsGreetedWell()
+{
     const qsizetype end = m_received.indexOf('\n');
     m_greeting = ControlLine::Read(m_received.left(end)).value_or(QJsonObject());
     m_received.remove(0, end + 1);
     const int protocol = m_greeting.value(QLatin1String("protocol")).toInt();
-    if (protocol == ControlLine::kProtocol)
+    if (protocol == ControlLine::kProtocol) {
+        m_error.clear();
         return true;
-    m_error =
-        QStringLiteral("the running host, version %1, speaks version %2 of the control protocol, and this program "
-                       "version %3; use the vexelctl of that version")
-            .arg(m_greeting.value(QLatin1String("version")).toString(), QString::number(protocol),
-                 QString::number(ControlLine::kProtocol));
+    }
+    m_error = protocol == 0 ? QStringLiteral("what answers is not a host")
+                            : QStringLiteral("the running host, version %1, speaks version %2 of the control protocol, "
+                                             "and this program version %3; use the vexelctl of that version")
+                                  .arg(m_greeting.value(QLatin1String("version")).toString(), QString::number(protocol),
+                                       QString::number(ControlLine::kProtocol));
     return false;
 }
 
@@ -97,7 +107,13 @@ int ControlClient::Run(QJsonObject request, const Receiver& onLine, const QByteA
             m_error = line.value(QLatin1String("error")).toString();
             end(line.value(QLatin1String("code")).toInt(kBusy));
         } else if (type == QLatin1String("accepted")) {
-            patience.stop();
+            // The other commands take as long as users and applications do.
+            static const QStringList kShort{QStringLiteral("list"), QStringLiteral("status"), QStringLiteral("export"),
+                                            QStringLiteral("save"), QStringLiteral("show"),   QStringLiteral("quit")};
+            if (kShort.contains(request.value(QLatin1String("command")).toString()))
+                patience.start(kLongWork * m_patience);
+            else
+                patience.stop();
         } else {
             onLine(line);
         }

@@ -3,6 +3,7 @@
 #include "control/controlline.h"
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QLocalSocket>
 #include <QObject>
@@ -55,7 +56,8 @@ signals:
     void Interrupted(int signal);
 
 private:
-    bool Greet();
+    bool TryConnect(const QString& address, QDeadlineTimer deadline);
+    bool IsGreetedWell();
     int Fail(const QString& error);
 
     const std::chrono::milliseconds m_patience;

@@ -10,6 +10,24 @@ namespace {
 constexpr qsizetype kTextPart = qsizetype{128} * 1024;
 constexpr qsizetype kBytesPart = qsizetype{512} * 1024;
 
+// Reading JSON takes time for each value, and what the channel takes has few of them beside long texts.
+constexpr qsizetype kMaximumStructure = qsizetype{64} * 1024;
+
+/// Returns whether `line` has more bytes outside of texts than a line of the channel can have.
+bool IsTooComplex(const QByteArray& line)
+{
+    qsizetype structure = 0;
+    bool isInText = false;
+    for (auto byte = line.cbegin(); byte != line.cend(); ++byte) {
+        if (*byte == '"')
+            isInText = !isInText;
+        else if (isInText && *byte == '\\' && byte + 1 != line.cend())
+            ++byte;
+        structure += !isInText || *byte == '"' ? 1 : 0;
+    }
+    return structure > kMaximumStructure;
+}
+
 } // namespace
 
 namespace ControlLine {
@@ -21,6 +39,8 @@ QByteArray Write(const QJsonObject& line)
 
 std::optional<QJsonObject> Read(const QByteArray& line)
 {
+    if (IsTooComplex(line))
+        return std::nullopt;
     const QJsonDocument document = QJsonDocument::fromJson(line);
     return document.isObject() ? std::optional(document.object()) : std::nullopt;
 }

@@ -19,7 +19,7 @@ inline constexpr std::chrono::seconds kPatience{10};
 
 QByteArray Write(const QJsonObject& line);
 
-/// Returns the object of a line; none if it is not one.
+/// Returns the object of a line; none if it is not one, or has more than 64 KiB outside of texts.
 std::optional<QJsonObject> Read(const QByteArray& line);
 
 /// Returns lines that hold `bytes` in parts, each as `fields` with the part in base64 under "base64".

@@ -54,6 +54,8 @@ void ControlPeer::SendLines(const QByteArray& lines)
 
 void ControlPeer::End(int code, const QString& error)
 {
+    if (m_hasEnded)
+        return;
     QJsonObject line{{QStringLiteral("type"), QStringLiteral("end")}, {QStringLiteral("code"), code}};
     if (!error.isEmpty())
         line.insert(QStringLiteral("error"), error);
@@ -61,6 +63,7 @@ void ControlPeer::End(int code, const QString& error)
     // Not closed here: a pipe of Windows would lose what has not been read.
     m_hasEnded = true;
     m_patience.start();
+    m_pSocket->flush();
 }
 
 void ControlPeer::Drop(const QString& reason)
@@ -141,7 +144,10 @@ void ControlPeer::Accept()
     Send({{QStringLiteral("type"), QStringLiteral("accepted")}});
     // The work may block for longer than the peer waits.
     m_pSocket->flush();
-    emit Requested(std::exchange(m_request, {}));
+    // Queued: the work may run an event loop in which this object is deleted, and functions of the socket are being
+    // called now.
+    QMetaObject::invokeMethod(
+        this, [this] { emit Requested(std::exchange(m_request, {})); }, Qt::QueuedConnection);
 }
 
 void ControlPeer::WriteOn()

@@ -24,6 +24,9 @@ public:
     void SendLines(const QByteArray& lines) override;
     void End(int code, const QString& error = {}) override;
 
+    /// Returns whether the request is complete.
+    bool HasAsked() const { return m_state == State::Complete; }
+
     /// Closes the connection and traces `reason`.
     void Drop(const QString& reason);
 

@@ -4,6 +4,15 @@
 #include "control/controlpeer.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QThread>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+using namespace std::chrono_literals;
 
 ControlServer::ControlServer(qint64 maximumDocument, QString program, QObject* parent)
     : QObject(parent)
@@ -29,14 +38,43 @@ void ControlServer::Accept()
 {
     while (QLocalSocket* const socket = m_server.nextPendingConnection()) {
         auto* const peer = new ControlPeer(socket, m_greeting, m_maximumDocument, this);
-        if (m_peers == kMaximumPeers) {
+        if (!MakeRoom()) {
             peer->Drop(QStringLiteral("there are %1 others").arg(kMaximumPeers));
             continue;
         }
-        ++m_peers;
+        m_peers.append(peer);
         connect(
-            peer, &QObject::destroyed, this, [this] { --m_peers; });
+            peer, &QObject::destroyed, this, [this, peer] { m_peers.removeOne(peer); });
         connect(peer, &ControlPeer::Requested, this,
                 [this, peer](const ControlRequest& request) { emit Requested(request, peer); });
+    }
+}
+
+bool ControlServer::MakeRoom()
+{
+    if (m_peers.size() < kMaximumPeers)
+        return true;
+    const auto silent =
+        std::find_if(m_peers.cbegin(), m_peers.cend(), [](const ControlPeer* peer) { return !peer->HasAsked(); });
+    if (silent == m_peers.cend())
+        return false;
+    ControlPeer* const closed = *silent;
+    m_peers.removeOne(closed);
+    closed->Drop(QStringLiteral("another peer needs its place"));
+    return true;
+}
+
+void ControlServer::Close()
+{
+    constexpr auto kTime = 1s;
+    m_server.close();
+    const QList<ControlPeer*> peers = m_peers;
+    for (ControlPeer* const peer : peers)
+        peer->End(4, QStringLiteral("the running host has ended"));
+    const QDeadlineTimer deadline(kTime);
+    while (!m_peers.isEmpty() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QThread::msleep(1);
     }
 }

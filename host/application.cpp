@@ -89,6 +89,7 @@ ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& sess
 
     desktop.Start(m_options.hidden);
     QCoreApplication::exec();
+    server.Close();
     return ExitCode::Done;
 }
 

@@ -33,4 +33,7 @@ std::optional<QByteArray> ReadInput(qint64 limit, QString* error);
 /// False for a program started without streams, or by a session that only logs them.
 bool HasReader(Stream stream);
 
+/// Returns whether `stream` is a pipe that nobody reads any more. Always false on Windows, which does not tell.
+bool IsBroken(Stream stream);
+
 } // namespace StandardStreams

@@ -5,6 +5,9 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <poll.h>
+#include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,6 +21,20 @@ void OccupyClosedStreams()
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) == -1)
             (void)::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+/// Returns whether it is the file to which a desktop's session sends the errors of all programs.
+bool IsSessionLog(int descriptor)
+{
+    std::array<char, 4096> path = {};
+    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
+    const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
+    return size > 0 && std::string_view(path.data(), static_cast<std::size_t>(size)).ends_with("/.xsession-errors");
+}
+
+int DescriptorOf(StandardStreams::Stream stream)
+{
+    return stream == StandardStreams::Stream::Error ? STDERR_FILENO : STDOUT_FILENO;
 }
 
 } // namespace
@@ -71,11 +88,22 @@ std::optional<QByteArray> ReadInput(qint64 limit, QString* error)
 
 bool HasReader(Stream stream)
 {
-    const int descriptor = stream == Stream::Error ? STDERR_FILENO : STDOUT_FILENO;
+    const int descriptor = DescriptorOf(stream);
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0)
         return false;
-    return S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode) || ::isatty(descriptor) == 1;
+    if (S_ISREG(status.st_mode))
+        return !IsSessionLog(descriptor);
+    return S_ISFIFO(status.st_mode) ? !IsBroken(stream) : ::isatty(descriptor) == 1;
+}
+
+bool IsBroken(Stream stream)
+{
+    const int descriptor = DescriptorOf(stream);
+    struct stat status = {};
+    pollfd state{descriptor, POLLOUT, 0};
+    return ::fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode) && ::poll(&state, 1, 0) == 1 &&
+           (state.revents & POLLERR) != 0;
 }
 
 } // namespace StandardStreams

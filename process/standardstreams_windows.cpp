@@ -83,6 +83,11 @@ bool HasReader(Stream stream)
     return GetFileType(handle) != FILE_TYPE_CHAR || IsConsole(handle);
 }
 
+bool IsBroken(Stream /*stream*/)
+{
+    return false;
+}
+
 bool Write(Stream stream, const QString& text)
 {
     const HANDLE handle = GetStdHandle(HandleId(stream));

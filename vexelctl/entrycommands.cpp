@@ -192,6 +192,8 @@ ExitCode Export(const CtlOptions& options)
         code = Request(client, NewRequest("export"), [&document](const QJsonObject& line) {
             document += line.value(QLatin1String("text")).toString().toUtf8();
         });
+        if (code == ExitCode::Done && document.isEmpty())
+            return Fail(ExitCode::Busy, QStringLiteral("the running host has sent nothing"));
         break;
     case HostState::Failed:
         return FailConnect(client);

@@ -2,21 +2,38 @@
 
 #include "control/controlclient.h"
 #include "host/output/console.h"
+#include "process/standardstreams.h"
 #include "vexelctl/changeprinter.h"
 #include "vexelctl/hostrequest.h"
 #include "vexelctl/offscreen.h"
 #include "vexelctl/output.h"
 #include "vexelctl/picturefile.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <initializer_list>
 
 namespace {
 
+using namespace std::chrono_literals;
 using HostState = ControlClient::State;
+
+// Without a signal: the output is of no use any more.
+constexpr auto kInterrupted = static_cast<ExitCode>(128);
+
+/// Returns whether there is a configuration directory; prints an error if there is none. A typo must not create one.
+bool HasConfiguration(const CtlOptions& options)
+{
+    const bool exists = QFileInfo(options.configDirectory).isDir();
+    if (!exists)
+        Console::PrintError(QStringLiteral("there is no configuration directory %1").arg(options.configDirectory));
+    return exists;
+}
 
 /// Speaks with the running host in `withHost`, or returns the result of `withoutHost`.
 ExitCode CallHost(const CtlOptions& options, const std::function<ExitCode(ControlClient& client)>& withHost,
@@ -31,7 +48,7 @@ ExitCode CallHost(const CtlOptions& options, const std::function<ExitCode(Contro
     case HostState::NoHost:
         break;
     }
-    return withoutHost();
+    return HasConfiguration(options) ? withoutHost() : ExitCode::Unusable;
 }
 
 ExitCode FailNoHost(const CtlOptions& options)
@@ -84,17 +101,24 @@ ExitCode Connect(const CtlOptions& options)
     request.insert(QStringLiteral("pictureDuring"), !options.screenshotDuring.isEmpty());
     request.insert(QStringLiteral("picture"), !options.screenshot.isEmpty());
 
+    if (!HasConfiguration(options))
+        return ExitCode::Unusable;
+    const auto waitWithoutAHost = [&request](const char* notice) {
+        Console::PrintError(QLatin1String(notice));
+        request.insert(QStringLiteral("wait"), true);
+    };
     Access access;
     ExitCode code = ExitCode::Busy;
     switch (access.Get(options.configDirectory)) {
     case Access::Kind::Host:
         if (HasSessionOption(options, access.Client()))
             return ExitCode::Busy;
+        if (access.Client().Greeting().value(QLatin1String("program")).toString() != QLatin1String("vexelhost"))
+            waitWithoutAHost("no host runs but another vexelctl, so the applications end with that command");
         code = Request(access.Client(), request, take);
         break;
     case Access::Kind::Alone:
-        Console::PrintError(QStringLiteral("no host runs, so the applications end with this command"));
-        request.insert(QStringLiteral("wait"), true);
+        waitWithoutAHost("no host runs, so the applications end with this command");
         code = OffScreen::Run(options, access.Lock(), request, take);
         break;
     case Access::Kind::None:
@@ -158,13 +182,20 @@ ExitCode Watch(const CtlOptions& options)
     return CallHost(
         options,
         [&](ControlClient& client) {
+            // A reader that goes, as in "watch | head -1", is to be noticed before the next change, which may be far.
+            QTimer check;
+            QObject::connect(&check, &QTimer::timeout, &client, [&client] {
+                if (StandardStreams::IsBroken(StandardStreams::Stream::Output))
+                    client.Interrupt(0);
+            });
+            check.start(1s);
             const ExitCode code = Request(client, NewRequest("watch"), [&](const QJsonObject& line) {
                 printer.Print(line);
                 // There is nothing else to do.
                 if (printer.HasFailed())
                     client.Interrupt(0);
             });
-            return printer.HasFailed() ? ExitCode::Unusable : code;
+            return code == kInterrupted ? ExitCode::Unusable : code;
         },
         [&] { return FailNoHost(options); });
 }

@@ -11,6 +11,7 @@
 #include "host/output/notices.h"
 #include "host/plugin/connectdialog.h"
 #include "host/plugin/pluginsession.h"
+#include "host/plugin/statusmonitor.h"
 #include "host/system/signalwatcher.h"
 #include "platform/instancelock.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
@@ -121,7 +122,17 @@ ExitCode Execute(const CtlOptions& options, PluginSession& session, const Connec
 
     // Deleted before the commands, as the answer of a peer that has gone.
     LocalReply reply(onLine);
-    QObject::connect(&reply, &LocalReply::Ended, qApp, [](int code) { QCoreApplication::exit(code); });
+    StatusMonitor monitor(dialog);
+    const auto endWhenFree = [&monitor](int code) {
+        // Others may have connected entries, too, whose applications would end with this process.
+        const auto end = [&monitor, code] {
+            if (monitor.CountInUse() == 0)
+                QCoreApplication::exit(code);
+        };
+        QObject::connect(&monitor, &StatusMonitor::InUseChanged, &monitor, end);
+        end();
+    };
+    QObject::connect(&reply, &LocalReply::Ended, &monitor, endWhenFree);
     // Inside the event loop, so that a request to quit reaches every nested loop.
     QMetaObject::invokeMethod(
         &commands,
@@ -129,7 +140,9 @@ ExitCode Execute(const CtlOptions& options, PluginSession& session, const Connec
             commands.Execute({request, {}}, &reply);
         },
         Qt::QueuedConnection);
-    return static_cast<ExitCode>(QCoreApplication::exec());
+    const int code = QCoreApplication::exec();
+    server.Close();
+    return static_cast<ExitCode>(code);
 }
 
 void PrintFailure(StartFailure::Kind, const QString& error)

@@ -127,14 +127,20 @@ void DialogCommands::List(const ControlRequest& /*request*/, ControlReply* reply
 
 void DialogCommands::Status(const ControlRequest& /*request*/, ControlReply* reply)
 {
-    QByteArray lines = ControlLine::Write({{kType, QStringLiteral("host")},
-                                           {QStringLiteral("hidden"), m_dialog.Window()->isHidden()},
-                                           {QStringLiteral("entries"), m_dialog.Count()}});
-    for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
-        if (m_dialog.Status(row) != ConnectDialog::kFree)
-            lines += ControlLine::Write(EntryLine(ToConnection(m_dialog.Row(row)), m_dialog.ApplicationOf(row)));
-    reply->SendLines(lines);
-    End(reply, ExitCode::Done);
+    AnswerInBackground(
+        reply,
+        [this]() -> std::function<QByteArray()> {
+            QByteArray lines = ControlLine::Write({{kType, QStringLiteral("host")},
+                                                   {QStringLiteral("hidden"), m_dialog.Window()->isHidden()},
+                                                   {QStringLiteral("entries"), m_dialog.Count()}});
+            for (int row = 0; row < m_dialog.Count() && m_monitor.CountInUse() > 0; ++row)
+                if (m_dialog.Status(row) != ConnectDialog::kFree)
+                    lines +=
+                        ControlLine::Write(EntryLine(ToConnection(m_dialog.Row(row)), m_dialog.ApplicationOf(row)));
+            return [lines] {
+                return lines;
+            };
+        });
 }
 
 void DialogCommands::Export(const ControlRequest& /*request*/, ControlReply* reply)
@@ -180,7 +186,8 @@ void DialogCommands::Connect(const ControlRequest& request, ControlReply* reply)
         const QString reason = isInUse  ? QStringLiteral("\"%1\" is already in use")
                                : hadBox ? QStringLiteral("\"%1\" could not be connected")
                                         : QStringLiteral("\"%1\" could not be connected (--trace gives the reason)");
-        reply->Send({{kType, QStringLiteral("message")}, {QStringLiteral("text"), reason.arg(m_dialog.Name(row))}});
+        reply->SendLines(ControlLine::Write(
+            {{kType, QStringLiteral("message")}, {QStringLiteral("text"), reason.arg(m_dialog.Name(row))}}));
     }
     if (Flag(request.content, "pictureDuring"))
         SendPicture("during", reply);
@@ -365,7 +372,7 @@ void DialogCommands::DoInBackground(ControlReply* reply, Begin begin)
 void DialogCommands::DoNext()
 {
     // Peers that ask and go take no memory and no time.
-    while (!m_isWorking && !m_waiting.empty()) {
+    while (!m_isWorking && !m_isConnecting && !m_waiting.empty()) {
         const Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
         if (!next.reply)
@@ -434,6 +441,8 @@ bool DialogCommands::ConnectRows(const QList<int>& rows, ControlReply* reply)
     }
     m_host.HoldSaves(false);
     m_isConnecting = false;
+    // What was asked for meanwhile: the ticks were not the user's.
+    DoNext();
     return hadBox;
 }
 

@@ -73,6 +73,9 @@ private slots:
     void peerThatDoesNotReadIsClosed();
     void peerThatWatchesWithoutReadingIsClosed();
     void seventeenthPeerIsClosed();
+    void seventeenthPeerTakesThePlaceOfASilentOne();
+    void peerMayGoWhileItsRequestIsCarriedOut();
+    void endOfTheServerEndsTheAnswers();
     void replyIsDeletedWhenThePeerGoes();
     void socketIsTheUsersAlone();
     void socketOfAKilledHostIsReplaced();
@@ -97,7 +100,7 @@ void TestControlServer::requestIsAcceptedAndAnswered()
     peer.Next();
     peer.Send(Request("list"));
     QCOMPARE(peer.NextType(), QStringLiteral("accepted"));
-    QCOMPARE(server.requests.size(), 1U);
+    QTRY_COMPARE(server.requests.size(), 1U);
     QCOMPARE(server.requests.front().content, Request("list"));
 
     server.replies.front()->Send({{QStringLiteral("type"), QStringLiteral("entry")}});
@@ -144,6 +147,7 @@ void TestControlServer::longAnswerReachesAPeerThatReads()
     peer.Next();
     peer.Send(Request("export"));
     QCOMPARE(peer.NextType(), QStringLiteral("accepted"));
+    QTRY_COMPARE(server.replies.size(), 1U);
     const QString document = QString(5'000'000, u'x');
     server.replies.front()->SendLines(
         ControlLine::WriteParts(document, {{QStringLiteral("type"), QStringLiteral("data")}}));
@@ -173,6 +177,7 @@ void TestControlServer::badInputClosesTheConnection_data()
     const QByteArray request = ControlLine::Write(Request("watch"));
     QTest::newRow("no JSON") << QByteArray("GET / HTTP/1.1\r\n\r\n");
     QTest::newRow("zero bytes") << QByteArray(100, '\0') + '\n';
+    QTest::newRow("many values") << "{\"a\":[" + QByteArray("1,").repeated(40'000) + "1]}\n";
     QTest::newRow("line too long") << QByteArray(ControlLine::kMaximumSize + 1, ' ');
     QTest::newRow("second request") << request + request;
     QTest::newRow("document too long") << "{\"protocol\":1,\"hasDocument\":true}\n" +
@@ -274,7 +279,9 @@ void TestControlServer::seventeenthPeerIsClosed()
     std::vector<std::unique_ptr<RawPeer>> peers;
     for (int i = 0; i < ControlServer::kMaximumPeers; ++i) {
         peers.push_back(std::make_unique<RawPeer>(server.fixture.address));
-        QCOMPARE(peers.back()->Next().value(QLatin1String("protocol")).toInt(), 1);
+        peers.back()->Next();
+        peers.back()->Send(Request("watch"));
+        QCOMPARE(peers.back()->NextType(), QStringLiteral("accepted"));
     }
     RawPeer refused(server.fixture.address);
     QTRY_COMPARE(refused.Socket().state(), QLocalSocket::UnconnectedState);
@@ -287,6 +294,55 @@ void TestControlServer::seventeenthPeerIsClosed()
         return next->Socket().canReadLine();
     };
     QTRY_VERIFY(isGreeted());
+}
+
+void TestControlServer::seventeenthPeerTakesThePlaceOfASilentOne()
+{
+    const Server server;
+    std::vector<std::unique_ptr<RawPeer>> peers;
+    for (int i = 0; i < ControlServer::kMaximumPeers + 1; ++i) {
+        peers.push_back(std::make_unique<RawPeer>(server.fixture.address));
+        peers.back()->Next();
+    }
+    QTRY_COMPARE(peers.front()->Socket().state(), QLocalSocket::UnconnectedState);
+    peers.back()->Send(Request("list"));
+    QCOMPARE(peers.back()->NextType(), QStringLiteral("accepted"));
+}
+
+// Connecting opens message boxes.
+void TestControlServer::peerMayGoWhileItsRequestIsCarriedOut()
+{
+    Server server;
+    auto peer = std::make_unique<RawPeer>(server.fixture.address);
+    peer->Next();
+    bool hasGone = false;
+    connect(&server.server, &ControlServer::Requested, this, [&](const ControlRequest&, ControlReply* reply) {
+        const QSignalSpy gone(reply, &QObject::destroyed);
+        peer.reset();
+        QTRY_COMPARE(gone.count(), 1);
+        hasGone = true;
+    });
+    peer->Send(Request("connect"));
+    QTRY_VERIFY(hasGone);
+    // And others are served.
+    RawPeer next(server.fixture.address);
+    QCOMPARE(next.Next().value(QLatin1String("protocol")).toInt(), 1);
+}
+
+void TestControlServer::endOfTheServerEndsTheAnswers()
+{
+    Server server;
+    RawPeer peer(server.fixture.address);
+    peer.Next();
+    peer.Send(Request("watch"));
+    QCOMPARE(peer.NextType(), QStringLiteral("accepted"));
+    server.server.Close();
+    const QJsonObject end = peer.Next();
+    QCOMPARE(end.value(QLatin1String("code")).toInt(), 4);
+    QCOMPARE(end.value(QLatin1String("error")).toString(), QStringLiteral("the running host has ended"));
+    QLocalSocket late;
+    late.connectToServer(server.fixture.address);
+    QVERIFY(!late.waitForConnected(1000));
 }
 
 void TestControlServer::replyIsDeletedWhenThePeerGoes()

@@ -159,6 +159,7 @@ private slots:
     void pictureIsSent();
     void connectTicksExactlyTheseEntriesForAMoment();
     void connectByTickTakesTheTickedEntries();
+    void listShowsTheUsersTicksWhileEntriesAreConnected();
     void savesAreHeldWhileTicksAreChanged();
     void unknownNamesConnectNothing();
     void entryThatDidNotStartIsReported();
@@ -215,7 +216,7 @@ void TestDialogCommands::statusTellsOfTheEntriesInUse()
     Commands run;
     run.fake.SetStatus(2, 1);
     run.Execute("status");
-    QCOMPARE(run.answer.code, 0);
+    QTRY_COMPARE(run.answer.code, 0);
     QCOMPARE(run.answer.Texts("type"), (QStringList{QStringLiteral("host"), QStringLiteral("entry")}));
     QCOMPARE(run.answer.lines.at(0).value(QLatin1String("entries")).toInt(), 3);
     QCOMPARE(run.answer.lines.at(0).value(QLatin1String("hidden")).toBool(), true);
@@ -268,6 +269,22 @@ void TestDialogCommands::connectByTickTakesTheTickedEntries()
     none.Execute("connect", {{QStringLiteral("selected"), true}});
     QCOMPARE(none.answer.code, 3);
     QCOMPARE(none.answer.error, QStringLiteral("no entry is ticked"));
+}
+
+// A program that exports every minute must not get the ticks of a moment.
+void TestDialogCommands::listShowsTheUsersTicksWhileEntriesAreConnected()
+{
+    Commands run;
+    Answer other;
+    QObject::connect(run.fake.connectButton, &QPushButton::clicked, run.fake.connectButton, [&] {
+        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("list")}}, {}}, &other);
+        QCoreApplication::processEvents();
+        QVERIFY(!other.code);
+    });
+    run.Execute("connect", Names({QStringLiteral("quay")}));
+    QTRY_COMPARE(other.code, 0);
+    QCOMPARE(other.Texts("selected"),
+             (QStringList{QStringLiteral("false"), QStringLiteral("true"), QStringLiteral("false")}));
 }
 
 void TestDialogCommands::savesAreHeldWhileTicksAreChanged()

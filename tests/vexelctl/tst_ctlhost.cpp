@@ -26,8 +26,12 @@ private slots:
     void quitIsRefusedWhileEntriesAreInUse();
     void commandsThatNeedAHostFailWithoutOne();
     void commandsThatNeedNoHostSucceedWithoutOne();
+    void missingConfigurationIsAnError();
     void optionsOfASessionAreRefused();
     void vexelctlAtWorkAnswersOthers();
+    void vexelctlAtWorkEndsWithTheLastApplication();
+    void watchEndsWithItsReader();
+    void watchEndsWithTheHost();
 };
 
 namespace {
@@ -273,19 +277,27 @@ void TestCtlHost::quitIsRefusedWhileEntriesAreInUse()
 void TestCtlHost::commandsThatNeedAHostFailWithoutOne()
 {
     HostSetUp setUp;
+    setUp.Fill("mast");
     for (const char* command : {"show", "watch"})
         COMPARE_FAILURE(setUp.Run(command), 4, QLatin1String("no host runs"));
-    QVERIFY(!QFileInfo::exists(setUp.Config()));
 }
 
 void TestCtlHost::commandsThatNeedNoHostSucceedWithoutOne()
 {
     HostSetUp setUp;
+    setUp.Fill("mast");
     for (const char* command : {"wait", "save", "quit"}) {
         const auto result = setUp.Run(command);
         QCOMPARE(result.error, QString());
         QCOMPARE(result.exitCode, 0);
     }
+}
+
+void TestCtlHost::missingConfigurationIsAnError()
+{
+    HostSetUp setUp;
+    for (const char* command : {"show", "watch", "wait", "save", "quit", "connect mast"})
+        COMPARE_FAILURE(setUp.Run(command), 2, QLatin1String("no configuration directory"));
     QVERIFY(!QFileInfo::exists(setUp.Config()));
 }
 
@@ -317,6 +329,66 @@ void TestCtlHost::vexelctlAtWorkAnswersOthers()
     COMPARE_FAILURE(setUp.Run("quit"), 4, QLatin1String("1 entry is in use"));
     QCOMPARE(setUp.Run("quit --force").exitCode, 0);
     QCOMPARE(HostSetUp::End(connecting).exitCode, 4);
+}
+
+// Of its own or of others.
+void TestCtlHost::vexelctlAtWorkEndsWithTheLastApplication()
+{
+    HostSetUp setUp;
+    setUp.Install(QDir().absoluteFilePath(QStringLiteral(PROGRAM_DIRECTORY "/kitecontrol")), 2);
+    setUp.Environment().insert(QStringLiteral("KITECONTROL_SECONDS"), QStringLiteral("3600"));
+    setUp.Fill("mast pier");
+    QProcess first;
+    setUp.Start(first, "connect mast");
+    QTRY_VERIFY(first.peek(1000).contains("mast: Free -> In Use "));
+    QProcess second;
+    setUp.Start(second, "connect pier");
+    QTRY_VERIFY(second.peek(1000).contains("pier: Free -> In Use "));
+    QVERIFY(second.readAllStandardError().contains("no host runs but another vexelctl"));
+    QProcess waiting;
+    setUp.Start(waiting, "wait --ignore-exit-codes");
+
+    QList<qint64> processes;
+    for (const QJsonValue& entry : setUp.Entries())
+        processes.append(entry[QLatin1String("process")].toInteger());
+    QVERIFY(System::AskToEnd(processes.at(0)));
+    QTRY_VERIFY(waiting.peek(1000).contains("mast: In Use -> Free "));
+    QCOMPARE(first.state(), QProcess::Running);
+    QVERIFY(System::AskToEnd(processes.at(1)));
+    HostSetUp::End(first);
+    QVERIFY(HostSetUp::End(second).output.contains(QStringLiteral("pier: In Use -> Free ")));
+    const auto waited = HostSetUp::End(waiting);
+    QCOMPARE(waited.exitCode, 0);
+    QVERIFY(waited.output.contains(QStringLiteral("pier: In Use -> Free ")));
+}
+
+void TestCtlHost::watchEndsWithItsReader()
+{
+#ifdef Q_OS_UNIX
+    RunningHost host("mast");
+    QProcess shell;
+    shell.setProcessEnvironment(host.Environment());
+    shell.start(QStringLiteral("/bin/bash"),
+                {QStringLiteral("-c"), QStringLiteral("\"$0\" watch --config \"$1\" | true; echo ${PIPESTATUS[0]}"),
+                 QStringLiteral(VEXELCTL), host.Config()});
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.readAllStandardOutput(), QByteArray("2\n"));
+#else
+    QSKIP("Windows does not tell whether a pipe has a reader");
+#endif
+}
+
+void TestCtlHost::watchEndsWithTheHost()
+{
+    RunningHost host("mast");
+    QProcess watching;
+    host.Start(watching, "watch");
+    QCOMPARE(host.Run("connect mast").exitCode, 0);
+    QTRY_VERIFY(watching.peek(1000).contains("mast: Free -> In Use "));
+    QCOMPARE(host.Run("quit --force").exitCode, 0);
+    const auto result = HostSetUp::End(watching);
+    QCOMPARE(result.exitCode, 4);
+    QCOMPARE(result.error, QStringLiteral("vexelctl: the running host has ended\n"));
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestCtlHost)
