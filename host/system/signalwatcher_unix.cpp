@@ -53,7 +53,7 @@ SignalWatcher::SignalWatcher(QObject* parent)
 
     d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
     connect(d->notifier.get(), &QSocketNotifier::activated, this, [this] {
-        std::array<char, 16> numbers = {};
+        std::array<unsigned char, 16> numbers = {};
         int signal = 0;
         while (::read(d->pipe[0], numbers.data(), numbers.size()) > 0)
             signal = numbers.front();

@@ -58,6 +58,37 @@ private slots:
         QCOMPARE(program.readAllStandardOutput(), QByteArray(closed.contains(STDOUT_FILENO) ? "" : "output"));
         QCOMPARE(program.readAllStandardError(), QByteArray(closed.contains(STDERR_FILENO) ? "" : "errors"));
     }
+
+    void readerOfAStreamIsKnown()
+    {
+        const QTemporaryDir directory;
+        const auto hasReader = [](int descriptor) {
+            const int kept = ::dup(STDERR_FILENO);
+            ::dup2(descriptor, STDERR_FILENO);
+            const bool result = StandardStreams::HasReader(Stream::Error);
+            ::dup2(kept, STDERR_FILENO);
+            ::close(kept);
+            return result;
+        };
+        const auto openFile = [&directory](const char* name) {
+            return ::open(QFile::encodeName(directory.filePath(QLatin1String(name))).constData(), O_CREAT | O_WRONLY,
+                          0600);
+        };
+        std::array<int, 2> pipe = {};
+        QCOMPARE(::pipe(pipe.data()), 0);
+        QVERIFY(hasReader(pipe[1]));
+        ::close(pipe[0]);
+        QVERIFY(!hasReader(pipe[1]));
+        ::close(pipe[1]);
+
+        const int file = openFile("errors.txt");
+        QVERIFY(hasReader(file));
+        ::close(file);
+        // The log of a desktop's session.
+        const int log = openFile(".xsession-errors");
+        QVERIFY(!hasReader(log));
+        ::close(log);
+    }
 };
 
 namespace {
@@ -71,37 +102,6 @@ int ReportStreams(int /*argc*/, char** argv)
     const auto add = [&report](int stream, bool works) {
         const QString target = System::StreamTarget(stream);
         report.write(target.toUtf8() + (works ? ", works\n" : ", fails\n"));
-
-        void readerOfAStreamIsKnown()
-        {
-            const QTemporaryDir directory;
-            const auto hasReader = [](int descriptor) {
-                const int kept = ::dup(STDERR_FILENO);
-                ::dup2(descriptor, STDERR_FILENO);
-                const bool result = StandardStreams::HasReader(Stream::Error);
-                ::dup2(kept, STDERR_FILENO);
-                ::close(kept);
-                return result;
-            };
-            const auto openFile = [&directory](const char* name) {
-                return ::open(QFile::encodeName(directory.filePath(QLatin1String(name))).constData(),
-                              O_CREAT | O_WRONLY, 0600);
-            };
-            std::array<int, 2> pipe = {};
-            QCOMPARE(::pipe(pipe.data()), 0);
-            QVERIFY(hasReader(pipe[1]));
-            ::close(pipe[0]);
-            QVERIFY(!hasReader(pipe[1]));
-            ::close(pipe[1]);
-
-            const int file = openFile("errors.txt");
-            QVERIFY(hasReader(file));
-            ::close(file);
-            // The log of a desktop's session.
-            const int log = openFile(".xsession-errors");
-            QVERIFY(!hasReader(log));
-            ::close(log);
-        }
     };
     char byte = 0;
     ::fcntl(STDIN_FILENO, F_SETFL, O_NONBLOCK);
