@@ -7,6 +7,7 @@
 #include "vexelctl/entrytable.h"
 #include "vexelctl/hostrequest.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 namespace {
@@ -18,14 +19,18 @@ QString ApplicationText(const QJsonObject& line)
     const std::optional<EntryApplication> application = ApplicationFromJson(line);
     if (!application)
         return {};
-    if (application->exitCode)
-        return QStringLiteral(" (exit code %1)").arg(*application->exitCode);
-    if (application->signal)
-        return QStringLiteral(" (signal %1)").arg(*application->signal);
-    if (application->isCrash)
-        return QStringLiteral(" (crashed)");
-    return QStringLiteral(" (%1, process %2)")
-        .arg(OneLine(ProgramName(application->program)), QString::number(application->process));
+    QString text;
+    if (application->exitCode) {
+        text = QCoreApplication::translate("ChangePrinter", "exit code %1").arg(*application->exitCode);
+    } else if (application->signal) {
+        text = QCoreApplication::translate("ChangePrinter", "signal %1").arg(*application->signal);
+    } else if (application->isCrash) {
+        text = QCoreApplication::translate("ChangePrinter", "crashed");
+    } else {
+        text = QCoreApplication::translate("ChangePrinter", "%1, process %2")
+                   .arg(OneLine(ProgramName(application->program)), QString::number(application->process));
+    }
+    return QStringLiteral(" (") + text + QStringLiteral(")");
 }
 
 QString ChangeText(const QJsonObject& line)
@@ -33,8 +38,9 @@ QString ChangeText(const QJsonObject& line)
     const QString time = line.value(QLatin1String("time")).toString();
     if (TypeOf(line) == QLatin1String("entries")) {
         const qint64 count = line.value(QLatin1String("count")).toInteger();
-        return count == 1 ? QStringLiteral("%1 1 entry").arg(time)
-                          : QStringLiteral("%1 %2 entries").arg(time, QString::number(count));
+        return time + QLatin1Char(' ') +
+               (count == 1 ? QCoreApplication::translate("ChangePrinter", "1 entry")
+                           : QCoreApplication::translate("ChangePrinter", "%1 entries").arg(count));
     }
     // The name may contain what arg() replaces.
     return QStringList{time,

@@ -33,10 +33,11 @@ QString Short(const QString& text)
 
 QStringList Heading()
 {
-    return {
-        ListText("Name"),           ListText("Status"),         ListText("Device Type"), ListText("Connection Type"),
-        ListText("Device Address"), ListText("Driver Address"), ListText("Link Speed"),  ListText("Timeout Time"),
-        ListText("Subsystem"),      QStringLiteral("Selected")};
+    return {ListText("Name"),           ListText("Status"),
+            ListText("Device Type"),    ListText("Connection Type"),
+            ListText("Device Address"), ListText("Driver Address"),
+            ListText("Link Speed"),     ListText("Timeout Time"),
+            ListText("Subsystem"),      QCoreApplication::translate("EntryTable", "Selected")};
 }
 
 QStringList Cells(const Connection& entry)
@@ -50,7 +51,8 @@ QStringList Cells(const Connection& entry)
             Connection::LinkSpeedName(entry.LinkSpeed),
             entry.TimeoutSeconds > 0 ? QString::number(entry.TimeoutSeconds) : ListText("No Timeout"),
             Short(entry.Subsystem),
-            entry.Selected ? QStringLiteral("yes") : QStringLiteral("no")};
+            entry.Selected ? QCoreApplication::translate("EntryTable", "yes")
+                           : QCoreApplication::translate("EntryTable", "no")};
 }
 
 QStringList UseCells(const std::optional<EntryApplication>& application)
@@ -69,7 +71,9 @@ QString EntryTable(const std::vector<ListedEntry>& entries)
                                        [](const ListedEntry& entry) { return entry.application.has_value(); });
     std::vector<QStringList> lines{Heading()};
     if (isAnyUsed)
-        lines.front() += {QStringLiteral("Since"), QStringLiteral("Program"), QStringLiteral("Process")};
+        lines.front() +=
+            {QCoreApplication::translate("EntryTable", "Since"), QCoreApplication::translate("EntryTable", "Program"),
+             QCoreApplication::translate("EntryTable", "Process")};
     for (const ListedEntry& listed : entries) {
         lines.push_back(Cells(listed.entry));
         if (isAnyUsed)

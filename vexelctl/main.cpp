@@ -136,10 +136,12 @@ ExitCode Run(int& argc, char** argv)
     if (options.language)
         TranslationCenter::Instance().SetLocale(*options.language);
     // The texts of entries are the plug-in's.
-    const QString domain = QStringLiteral("VexelConnectDlg");
-    TranslationCenter::Instance().Register(domain);
+    const std::array domains{QStringLiteral("VexelConnectDlg"), QStringLiteral("vexelctl")};
+    for (const QString& domain : domains)
+        TranslationCenter::Instance().Register(domain);
     const ExitCode code = RunCommand(options);
-    TranslationCenter::Instance().Unregister(domain);
+    for (const QString& domain : domains)
+        TranslationCenter::Instance().Unregister(domain);
     return code;
 }
 

@@ -42,7 +42,7 @@ void TestInstalledTree::installedTreeCanBeMoved()
     QVERIFY2(connected.exitCode == 0, qPrintable(connected.error));
     QVERIFY2(connected.output.contains(QStringLiteral("North Ridge mast: Frei -> In Benutzung (kitecontrol, ")),
              qPrintable(connected.output));
-    QVERIFY2(connected.output.contains(QStringLiteral("North Ridge mast: In Benutzung -> Frei (")),
+    QVERIFY2(connected.output.contains(QStringLiteral("North Ridge mast: In Benutzung -> Frei (Exit-Code 0)")),
              qPrintable(connected.output));
 }
 
