@@ -6,7 +6,7 @@ function(vexel_install_package target)
     set(folder ${CMAKE_INSTALL_LIBDIR}/cmake/VexelPlatform)
     set_target_properties(${target} PROPERTIES EXPORT_NAME Platform)
     add_library(Vexel::Platform ALIAS ${target})
-    install(EXPORT VexelPlatformTargets NAMESPACE Vexel:: DESTINATION ${folder})
+    install(EXPORT VexelPlatformTargets NAMESPACE Vexel:: DESTINATION ${folder} COMPONENT development)
 
     set(VEXEL_QT_PLUGINDIR plugins)
     # The libraries that TARGET links, and their dependencies.
@@ -25,5 +25,6 @@ function(vexel_install_package target)
         ${CMAKE_CURRENT_BINARY_DIR}/VexelPlatformConfig.cmake
         ${CMAKE_CURRENT_BINARY_DIR}/VexelPlatformConfigVersion.cmake
         DESTINATION ${folder}
+        COMPONENT development
     )
 endfunction()

@@ -73,6 +73,8 @@ ExitCode Run(int& argc, char** argv)
     }
     const std::unique_ptr<QApplication> application = MakeApplication(argv[0]);
     QApplication::setWindowIcon(ProgramIcon());
+    // Wayland finds a window's name and icon by the desktop entry.
+    QApplication::setDesktopFileName(QStringLiteral("vexelhost"));
     return Application(options).Run();
 }
 
