@@ -12,8 +12,6 @@
 #include <chrono>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 ControlServer::ControlServer(qint64 maximumDocument, QString program, QObject* parent)
     : QObject(parent)
     , m_maximumDocument(maximumDocument)
@@ -66,7 +64,7 @@ bool ControlServer::MakeRoom()
 
 void ControlServer::Close()
 {
-    constexpr auto kTime = 1s;
+    constexpr std::chrono::seconds kTime{1};
     m_server.close();
     const QList<ControlPeer*> peers = m_peers;
     for (ControlPeer* const peer : peers)

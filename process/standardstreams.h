@@ -6,8 +6,8 @@
 
 #include <optional>
 
-/// The standard streams on every system. Everything that is written is flushed at once, so that a reader of a pipe sees it
-/// immediately; a closed pipe does not end the process.
+/// The standard streams on every system. Everything that is written is flushed at once, so that a reader of a pipe sees
+/// it immediately; a closed pipe does not end the process.
 ///
 /// Lines end with a line feed. Text is encoded in the user's locale on Unix and in UTF-8 on Windows; a Windows console
 /// shows every character.
