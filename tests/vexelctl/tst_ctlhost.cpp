@@ -345,21 +345,18 @@ void TestCtlHost::vexelctlAtWorkEndsWithTheLastApplication()
     setUp.Start(second, "connect pier");
     QTRY_VERIFY(second.peek(1000).contains("pier: Free -> In Use "));
     QVERIFY(second.readAllStandardError().contains("no host runs but another vexelctl"));
-    QProcess waiting;
-    setUp.Start(waiting, "wait --ignore-exit-codes");
-
     QList<qint64> processes;
     for (const QJsonValue& entry : setUp.Entries())
         processes.append(entry[QLatin1String("process")].toInteger());
-    QVERIFY(System::AskToEnd(processes.at(0)));
-    QTRY_VERIFY(waiting.peek(1000).contains("mast: In Use -> Free "));
+    QVERIFY(System::Crash(processes.at(0)));
+    QTRY_VERIFY(first.peek(1000).contains("mast: In Use -> Free "));
+    QCOMPARE(setUp.Run("status").exitCode, 0);
     QCOMPARE(first.state(), QProcess::Running);
-    QVERIFY(System::AskToEnd(processes.at(1)));
-    HostSetUp::End(first);
-    QVERIFY(HostSetUp::End(second).output.contains(QStringLiteral("pier: In Use -> Free ")));
-    const auto waited = HostSetUp::End(waiting);
-    QCOMPARE(waited.exitCode, 0);
-    QVERIFY(waited.output.contains(QStringLiteral("pier: In Use -> Free ")));
+    QVERIFY(System::Crash(processes.at(1)));
+    const auto connected = HostSetUp::End(second);
+    QVERIFY2(connected.output.contains(QStringLiteral("pier: In Use -> Free ")), qPrintable(connected.error));
+    QCOMPARE(connected.exitCode, 3);
+    QCOMPARE(HostSetUp::End(first).exitCode, 3);
 }
 
 void TestCtlHost::watchEndsWithItsReader()
@@ -381,11 +378,12 @@ void TestCtlHost::watchEndsWithItsReader()
 void TestCtlHost::watchEndsWithTheHost()
 {
     RunningHost host("mast");
+    host.WriteList("new.xml", "new");
     QProcess watching;
     host.Start(watching, "watch");
-    QCOMPARE(host.Run("connect mast").exitCode, 0);
-    QTRY_VERIFY(watching.peek(1000).contains("mast: Free -> In Use "));
-    QCOMPARE(host.Run("quit --force").exitCode, 0);
+    // Changes before it is connected are not told.
+    QTRY_VERIFY((host.Run("import new.xml"), watching.peek(1000).contains("1 entry")));
+    QCOMPARE(host.Run("quit").exitCode, 0);
     const auto result = HostSetUp::End(watching);
     QCOMPARE(result.exitCode, 4);
     QCOMPARE(result.error, QStringLiteral("vexelctl: the running host has ended\n"));
