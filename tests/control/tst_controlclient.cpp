@@ -68,6 +68,18 @@ private:
     const std::unique_ptr<QThread> m_pThread;
 };
 
+/// A directory whose lock names the address of a host.
+struct UsedDirectory : ControlFixture
+{
+    UsedDirectory()
+    {
+        if (lock.TryLock(configuration.path()) == InstanceLock::Result::Locked)
+            lock.SetAddress(address);
+    }
+
+    InstanceLock lock;
+};
+
 const QByteArray kGreeting = "{\"protocol\":1,\"program\":\"vexelhost\",\"version\":\"1\",\"process\":7}\n";
 
 QJsonObject Request(const char* command)
@@ -129,10 +141,7 @@ void TestControlClient::holderWithoutAnAddressIsWaitedFor()
 
 void TestControlClient::requestIsAnswered()
 {
-    const ControlFixture fixture;
-    InstanceLock lock;
-    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
-    lock.SetAddress(fixture.address);
+    const UsedDirectory fixture;
     const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n{\"type\":\"entry\",\"name\":\"a\"}\n"
                                                      "{\"type\":\"end\",\"code\":3,\"error\":\"why\"}\n");
     ControlClient client;
@@ -148,10 +157,7 @@ void TestControlClient::requestIsAnswered()
 
 void TestControlClient::documentIsSent()
 {
-    const ControlFixture fixture;
-    InstanceLock lock;
-    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
-    lock.SetAddress(fixture.address);
+    const UsedDirectory fixture;
     ControlServer server(10'000'000, QStringLiteral("vexelhost"));
     QCOMPARE(server.Listen(fixture.address), QString());
     QByteArray received;
@@ -185,10 +191,7 @@ void TestControlClient::hostThatHangsIsReported_data()
 void TestControlClient::hostThatHangsIsReported()
 {
     QFETCH(const QByteArray, answer);
-    const ControlFixture fixture;
-    InstanceLock lock;
-    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
-    lock.SetAddress(fixture.address);
+    const UsedDirectory fixture;
     const FakeHost host(fixture.address, answer);
     ControlClient client(kShortPatience);
     if (client.Connect(fixture.configuration.path()) == ControlClient::State::Connected)
@@ -198,10 +201,7 @@ void TestControlClient::hostThatHangsIsReported()
 
 void TestControlClient::hostThatEndsIsReported()
 {
-    const ControlFixture fixture;
-    InstanceLock lock;
-    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
-    lock.SetAddress(fixture.address);
+    const UsedDirectory fixture;
     const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n");
     ControlClient client;
     QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
@@ -211,10 +211,7 @@ void TestControlClient::hostThatEndsIsReported()
 
 void TestControlClient::otherProtocolIsReported()
 {
-    const ControlFixture fixture;
-    InstanceLock lock;
-    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
-    lock.SetAddress(fixture.address);
+    const UsedDirectory fixture;
     const FakeHost host(fixture.address, "{\"protocol\":2,\"version\":\"9.8\"}\n");
     ControlClient client;
     QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Failed);
@@ -223,10 +220,7 @@ void TestControlClient::otherProtocolIsReported()
 
 void TestControlClient::interruptEndsTheWait()
 {
-    const ControlFixture fixture;
-    InstanceLock lock;
-    QCOMPARE(lock.TryLock(fixture.configuration.path()), InstanceLock::Result::Locked);
-    lock.SetAddress(fixture.address);
+    const UsedDirectory fixture;
     const FakeHost host(fixture.address, kGreeting + "|{\"type\":\"accepted\"}\n{\"type\":\"entries\"}\n");
     ControlClient client;
     QCOMPARE(client.Connect(fixture.configuration.path()), ControlClient::State::Connected);
