@@ -23,8 +23,8 @@ ExitCode Check(const CtlOptions& options);
 /// Gets the entries of the running host or of the stored list. Returns another code than `Done` after an error.
 ExitCode GetEntries(const CtlOptions& options, std::vector<ListedEntry>& entries);
 
-/// Has the running host carry out `command`, "import" or "add", with `entries`; no entries to add are an error. Without a
-/// host, `change` is made to the stored list.
+/// Has the running host carry out `command`, "import" or "add", with `entries`; no entries to add are an error. Without
+/// a host, `change` is made to the stored list.
 ExitCode Change(const CtlOptions& options, const char* command, const Entries& entries,
                 const StoredList::Change& change);
 
