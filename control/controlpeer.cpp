@@ -147,7 +147,13 @@ void ControlPeer::Accept()
     // Queued: the work may run an event loop in which this object is deleted, and functions of the socket are being
     // called now.
     QMetaObject::invokeMethod(
-        this, [this] { emit Requested(std::exchange(m_request, {})); }, Qt::QueuedConnection);
+        this,
+        [this] {
+            // The host may have begun to end.
+            if (!m_hasEnded)
+                emit Requested(std::exchange(m_request, {}));
+        },
+        Qt::QueuedConnection);
 }
 
 void ControlPeer::WriteOn()

@@ -2,14 +2,14 @@
 
 #include <QJsonObject>
 
-/// Prints the lines of an answer that tell of changes: of statuses, and of the number of entries.
+/// Prints changes of statuses and of the number of entries, from the lines of an answer.
 class ChangePrinter
 {
 public:
     /// Prints JSON objects, or text in the user's language.
     explicit ChangePrinter(bool json);
 
-    /// Prints a line if it tells of a change.
+    /// Prints `line` if it is a change, and ignores it otherwise.
     void Print(const QJsonObject& line);
 
     /// Returns whether standard output could not be written. Nothing is printed then any more.

@@ -33,7 +33,7 @@ struct OptionInfo
     ValueKind kind = ValueKind::None;
 };
 
-/// Where the values of an option or argument are files, "-" may stand for the standard stream.
+/// For files, "-" can mean standard input or output.
 struct CommandInfo
 {
     Command command;

@@ -76,6 +76,7 @@ private slots:
     void seventeenthPeerTakesThePlaceOfASilentOne();
     void peerMayGoWhileItsRequestIsCarriedOut();
     void endOfTheServerEndsTheAnswers();
+    void requestAtTheEndIsNotCarriedOut();
     void replyIsDeletedWhenThePeerGoes();
     void socketIsTheUsersAlone();
     void socketOfAKilledHostIsReplaced();
@@ -343,6 +344,19 @@ void TestControlServer::endOfTheServerEndsTheAnswers()
     QLocalSocket late;
     late.connectToServer(server.fixture.address);
     QVERIFY(!late.waitForConnected(1000));
+}
+
+void TestControlServer::requestAtTheEndIsNotCarriedOut()
+{
+    Server server;
+    RawPeer peer(server.fixture.address);
+    peer.Next();
+    peer.Send(Request("connect"));
+    peer.Socket().waitForBytesWritten();
+    // It has arrived and has not been read yet.
+    server.server.Close();
+    QCOMPARE(peer.NextType(), QStringLiteral("end"));
+    QVERIFY(server.requests.empty());
 }
 
 void TestControlServer::replyIsDeletedWhenThePeerGoes()

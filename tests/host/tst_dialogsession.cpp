@@ -174,7 +174,7 @@ void TestDialogSession::nothingIsSavedWhileSavesAreHeld()
     host.session->HoldSaves(true);
     host.fake.Add(QStringLiteral("pier"));
     QVERIFY(host.session->Save().isEmpty());
-    QTest::qWait(1);
+    QCoreApplication::processEvents();
     QCOMPARE(host.saved, 0);
     QCOMPARE(host.autoSaved, 0);
     // What was asked for follows.

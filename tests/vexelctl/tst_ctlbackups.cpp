@@ -313,7 +313,7 @@ void TestCtlBackups::copyOfATruncatedListIsKept()
     const QByteArray values = valuesIn(setUp.Document());
     QCOMPARE(Lines(setUp).constFirst(), QStringLiteral("now|2, then malformed"));
 
-    // Looking tells of it, and changes nothing.
+    // "list" reports it and changes nothing.
     const QByteArray stored = setUp.StoredText();
     const auto listed = setUp.Run("list");
     QCOMPARE(listed.exitCode, 0);

@@ -189,7 +189,7 @@ void TestCtlHost::watchPrintsChanges()
         output += QString::fromUtf8(watch.readAllStandardOutput());
         return output.contains(text);
     };
-    // Once it watches, it tells of everything.
+    // Changes before it is connected are not printed.
     QTRY_VERIFY(host.Run("add more.xml").exitCode == 0 && hasPrinted(QStringLiteral(" entries\n")));
     QCOMPARE(host.Run("connect mast").exitCode, 0);
     QTRY_VERIFY(hasPrinted(QStringLiteral("(exit code 0)\n")));

@@ -78,7 +78,7 @@ void TestCtlOutputUnix::unwritableOutputDoesNotStopTheWork_data()
     AddBrokenOutputs({Words("connect mast"), Words("connect mast --json"), Words("wait"), Words("wait --json")});
 }
 
-// Waiting for the applications is the work; the lines only tell of it.
+// The command still waits for the applications, although nobody reads its lines.
 void TestCtlOutputUnix::unwritableOutputDoesNotStopTheWork()
 {
     QFETCH(const BrokenOutput::Kind, kind);

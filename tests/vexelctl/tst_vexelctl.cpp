@@ -8,7 +8,6 @@ class TestVexelCtl : public QObject
 
 private slots:
     void help();
-    void unusablePluginIsRefused_data();
     void unusablePluginIsRefused();
     void wrongCommandLine();
     void unwritableConfiguration();
@@ -47,26 +46,12 @@ void TestVexelCtl::help()
     QVERIFY(!QFileInfo::exists(setUp.Config()));
 }
 
-void TestVexelCtl::unusablePluginIsRefused_data()
-{
-    QTest::addColumn<QString>("plugin");
-    QTest::addColumn<QString>("hint");
-
-    QTest::newRow("missing") << QStringLiteral("/no/such/plugin.so") << QStringLiteral("/no/such/plugin.so");
-    QTest::newRow("without an instance") << QStringLiteral(PLUGIN_REFUSING) << QStringLiteral("no instance");
-    QTest::newRow("not available") << QStringLiteral(PLUGIN_UNAVAILABLE) << QStringLiteral("not available");
-    QTest::newRow("without a dialog") << QStringLiteral(PLUGIN_PLAIN) << QStringLiteral("VexelConnectDlgGUI");
-}
-
 void TestVexelCtl::unusablePluginIsRefused()
 {
-    QFETCH(const QString, plugin);
-    QFETCH(const QString, hint);
     HostSetUp setUp;
     setUp.Fill("one");
     const QByteArray stored = setUp.StoredText();
-    COMPARE_FAILURE(setUp.Run({QStringLiteral("screenshot"), QStringLiteral("--plugin"), plugin, setUp.Path("a.png")}),
-                    2, hint);
+    COMPARE_FAILURE(setUp.Run("screenshot a.png --plugin no-such-plugin.so"), 2, QLatin1String("no-such-plugin.so"));
     QCOMPARE(setUp.StoredText(), stored);
 }
 
