@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <regex>
 #include <system_error>
 
 namespace {

@@ -9,10 +9,13 @@
 
 namespace {
 
-/// The format of QLockFile, so that tools for its files can read this one, and a line for the address.
+constexpr qsizetype kAddressLine = 5;
+
+/// The format of QLockFile, so that tools for its files can read this one, without its two last lines, which identify
+/// the machine and its start. The line after those is for the address.
 QByteArray HolderContent(const QString& address)
 {
-    const QByteArray line = address.isEmpty() ? QByteArray() : address.toUtf8() + '\n';
+    const QByteArray line = address.isEmpty() ? QByteArray() : "\n\n" + address.toUtf8() + '\n';
     return QByteArray::number(QCoreApplication::applicationPid()) + '\n' +
            QCoreApplication::applicationName().toUtf8() + '\n' + QSysInfo::machineHostName().toUtf8() + '\n' + line;
 }
@@ -60,6 +63,6 @@ FileLock::Holder FileLock::ReadHolder(const QString& path)
     const qint64 process = lines.constFirst().toLongLong(&isNumber);
     if (!isNumber || process <= 0 || lines.size() < 3)
         return {};
-    const QByteArray address = lines.size() > 3 ? lines.at(3) : QByteArray();
+    const QByteArray address = lines.size() > kAddressLine ? lines.at(kAddressLine) : QByteArray();
     return {process, QString::fromUtf8(lines.at(1)), QString::fromUtf8(lines.at(2)), QString::fromUtf8(address)};
 }

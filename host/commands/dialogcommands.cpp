@@ -298,6 +298,8 @@ void DialogCommands::EndOfChange(int before, ControlReply* reply)
 
 void DialogCommands::Save(const ControlRequest& /*request*/, ControlReply* reply)
 {
+    if (m_isConnecting)
+        return End(reply, ExitCode::Busy, BoxError());
     const QString error = m_host.Save();
     End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Unusable, error);
 }

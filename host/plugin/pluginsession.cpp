@@ -46,7 +46,6 @@ PluginSession::PluginSession(SessionOptions options, Mode mode, Notices& notices
     , m_mode(mode)
     , m_notices(notices)
     , m_failed(std::move(failed))
-    , m_isReadOnly(mode == Mode::ReadOnly)
 {
 }
 
@@ -115,7 +114,7 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
     {
         const PluginLibrary::Instance instance = CreateInstance();
         const StoredSet set = storedSet.get();
-        if (const QString notice = m_isReadOnly ? QString() : BackUpBrokenList(set); !notice.isEmpty())
+        if (const QString notice = m_mode == Mode::ReadOnly ? QString() : BackUpBrokenList(set); !notice.isEmpty())
             m_notices.Report(notice);
         ReportLoss(set);
         if (!instance)
@@ -131,7 +130,7 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
     // The plug-in stored its settings again during tear-down. Objects it left to deleteLater() are deleted while the
     // services it uses still exist.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    if (!m_isReadOnly)
+    if (m_mode != Mode::ReadOnly)
         m_saver.Save();
     return result;
 }
@@ -173,7 +172,7 @@ QString PluginSession::Save()
     // The size of a window that is off screen is not worth storing.
     if (m_mode == Mode::Desktop)
         GuiBase::Instance().StoreWidgetSize(m_pDialog->Window());
-    return m_isReadOnly ? QString() : m_saver.Save();
+    return m_mode == Mode::ReadOnly ? QString() : m_saver.Save();
 }
 
 /// Says how many entries a document has lost that something else than the host has written.

@@ -59,5 +59,4 @@ private:
     ConfigSaver m_saver;
     IDllInstance* m_pInstance = nullptr;      // while `work` runs
     const ConnectDialog* m_pDialog = nullptr; // likewise
-    bool m_isReadOnly;                        // the configuration must not be saved
 };

@@ -76,10 +76,9 @@ public:
     /// What there is to save. None: nothing was changed, and the file is not touched; also while another save runs. A
     /// file that has been removed is saved again.
     std::optional<SaveRequest> BeginSave(const VersionFilter& versionFilter);
-    /// Writes the changes to the file, merged into what others changed there. If the filter says
-    /// so, the file's earlier content becomes its newest version; where that fails, the notice says so and the save
-    /// goes on. On failure, which is traced, the file
-    /// is as it was. Any thread.
+    /// Writes the changes to the file, merged into what others changed there. If the filter says so, the file's earlier
+    /// content becomes its newest version; where that fails, the notice says so and the save goes on. On failure, which
+    /// is traced, the file is as it was. Any thread.
     static SaveResult RunSave(const SaveRequest& request);
     /// Takes over what the file holds now or, after a failure, keeps the changes for the next save.
     void FinishSave(const SaveResult& result);

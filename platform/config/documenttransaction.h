@@ -39,9 +39,8 @@ public:
     /// Quarantines what is in the document's place. Does nothing where that is done already.
     bool Quarantine();
 
-    /// Replaces the document by `content`: keeps a valid one as a version if `policy` says so, and quarantines
-    /// what needs recovery. False:
-    /// see `Error`.
+    /// Replaces the document by `content`: keeps a valid one as a version if `policy` says so, and quarantines what
+    /// needs recovery. False: see `Error`.
     bool Replace(const QByteArray& content, VersionPolicy policy);
 
     /// Makes everything that was done permanent, and removes surplus versions.

@@ -182,6 +182,7 @@ private slots:
     void callersThatHaveGoneAreNotServed();
     void listIsClearedOnRequest();
     void saveReportsFailure();
+    void saveIsRefusedWhileEntriesAreConnected();
     void showShowsTheDialog();
     void quitSavesAndEndsOnceTheAnswerIsRead();
     void quitThatCannotSaveNeedsForce();
@@ -547,6 +548,18 @@ void TestDialogCommands::saveReportsFailure()
     run.Execute("save");
     QCOMPARE(run.answer.code, 2);
     QCOMPARE(run.answer.error, QStringLiteral("the disk is full"));
+}
+
+void TestDialogCommands::saveIsRefusedWhileEntriesAreConnected()
+{
+    Commands run;
+    Answer other;
+    QObject::connect(run.fake.connectButton, &QPushButton::clicked, run.fake.connectButton, [&] {
+        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("save")}}, {}}, &other);
+    });
+    run.Execute("connect", Names({QStringLiteral("quay")}));
+    QCOMPARE(other.code, 4);
+    QCOMPARE(run.host.saved, 0);
 }
 
 void TestDialogCommands::showShowsTheDialog()

@@ -60,6 +60,7 @@ private slots:
     void statusChangesBeforeRunningApplications();
     void statusChangeFindsTheApplication();
     void applicationOfEntryIsFound();
+    void statusChangeFindsTheApplicationThatEnded();
     void failedStartHasNoApplication();
     void namesOfRunningApplicationsAreCaseSensitive();
     void updateForgetsRunningApplications();
@@ -366,6 +367,26 @@ void TestConnectTo::applicationOfEntryIsFound()
     QCOMPARE(m_pCounter->InstanceOf(Entry("a", 1)), nullptr);
     QVERIFY(m_pCounter->ConnectTo(Entry("a", 1)));
     QCOMPARE(m_pCounter->InstanceOf(Entry("a", 1)), m_pCounter->Instances().constLast());
+}
+
+// Both serve entries that are equal, so the status changes with the end of either.
+void TestConnectTo::statusChangeFindsTheApplicationThatEnded()
+{
+    Install({{s("A"), {1}}, {s("B"), {1}}});
+    m_pChild->Behave("stay");
+    const Connection entry = Entry("a", 1);
+    m_pModel->AddConnection(entry);
+    QVERIFY(m_pCounter->ConnectTo(entry));
+    QVERIFY(m_pCounter->ConnectTo(entry));
+    const qint64 first = m_pCounter->Instances().constFirst()->GetProcess();
+    qint64 found = -1;
+    connect(m_pModel.get(), &QAbstractItemModel::dataChanged, m_pCounter.get(), [&] {
+        if (const ApplicationInstance* const instance = m_pCounter->InstanceOf(entry))
+            found = instance->GetProcess();
+    });
+    QVERIFY(System::Crash(first));
+    QTRY_COMPARE(m_pCounter->Instances().size(), 1);
+    QCOMPARE(found, first);
 }
 
 void TestConnectTo::failedStartHasNoApplication()

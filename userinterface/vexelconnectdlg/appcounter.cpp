@@ -249,10 +249,16 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry, int servedType) 
 
 const ApplicationInstance* AppCounter::InstanceOf(const Connection& entry) const
 {
-    const auto found = std::find_if(m_instances.crbegin(), m_instances.crend(), [&entry](const auto* instance) {
-        return instance->GetStartTime().isValid() && instance->GetConnection() == entry;
-    });
-    return found == m_instances.crend() ? nullptr : *found;
+    const ApplicationInstance* last = nullptr;
+    for (const ApplicationInstance* const instance : m_instances) {
+        if (!instance->GetStartTime().isValid() || instance->GetConnection() != entry)
+            continue;
+        // The status change that is being reported is this one's, also where an equal entry has a later one.
+        if (instance->GetEnd())
+            return instance;
+        last = instance;
+    }
+    return last;
 }
 
 void AppCounter::SlotOnProcessExit()

@@ -77,12 +77,12 @@ private:
     void DropProcess();
 
     QProcess* m_pProcess = nullptr;
-    qint64 m_process = 0;
-    QDateTime m_startTime;
-    std::optional<End> m_end;
     const QString m_sProgram;
     const QStringList m_arguments;
     const QString m_sWorkingDirectory;
     const Connection m_connection;
     State m_state = Free;
+    qint64 m_process = 0;
+    QDateTime m_startTime;
+    std::optional<End> m_end;
 };
