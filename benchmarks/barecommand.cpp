@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A minimal program without windows, to compare the commands of vexelctl with.
 
 #include <QCoreApplication>

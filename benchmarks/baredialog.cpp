@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A minimal program with an empty dialog, to compare the product's start with.
 
 #include <QApplication>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A minimal program with the product's form and a list, including fonts, to compare the product's start with. The
 // argument is the number of entries.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Commands of vexelctl, from the start of the process to its end: with a host that shows the list, and without one.
 // Compared with a program that only creates its QCoreApplication.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Benchmark of "Connect": starts the applications of entries, compared with QProcess starting the same program.
 
 #include "benchmarks/runner.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Reading and writing connection list documents, compared with Qt's own classes and with a fast parser.
 
 #include "benchmarks/lists.h"

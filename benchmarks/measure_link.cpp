@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Measures a call over the starter link, compared with a minimal server that accepts and writes one line. This program
 // creates a dialog and the plug-in's server on the real port, which must be free.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Operations on whole lists, in the dialog with both views visible, compared with a window that has the same views but
 // only Qt's own parts. All times include the layout and painting that follow.
 

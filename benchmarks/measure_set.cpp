@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Loading and storing the set, and the memory per entry.
 
 #include "benchmarks/lists.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // From process start to the first painted dialog: the host with its plug-in, compared with a program that shows an
 // empty dialog and one that shows the same form with as many rows. The Qt plug-in firstpaint.cpp ends each program
 // after the first paint. The counter is the resident memory at that time.

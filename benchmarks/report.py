@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 """Writes tables and plots of the results of benchmarks/run.
 
     report.py RESULTS FOLDER

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // An application for the benchmark of "Connect": does nothing until it is killed.
 
 #include <chrono>

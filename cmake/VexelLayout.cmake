@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # Output folders. The build tree has the same layout as the installed tree, so that the host finds plug-in, translations
 # and samples by the same relative paths in both, and an installed tree runs from any prefix.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # vexel_options: compile definitions and options for every target of this project. Link it PRIVATE.
 
 set(CMAKE_CXX_STANDARD 20)

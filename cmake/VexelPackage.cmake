@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # vexel_install_package(TARGET): installs the CMake package VexelPlatform, which offers the library TARGET as
 # Vexel::Platform for building your own host. The package is relocatable. Call this once.
 include(CMakePackageConfigHelpers)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # vexel_windows_resources(TARGET DESCRIPTION)
 #
 # Adds a Windows version resource (version and description) to a library or program, and icon and manifest to a program.

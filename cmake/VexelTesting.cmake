@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # vexel_add_test(NAME <name> [SOURCES <files>] [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>]
 #                [ALONE <why>] [XVFB] [WINDOW] [RESOURCE_LOCK <names>] [UNIX_ONLY <why>])
 #

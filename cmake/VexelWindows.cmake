@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # vexel_windows_runtime(): copies Qt's libraries and plug-ins and the compiler's runtime to the build tree and the
 # installed tree. Windows has no run paths: a program finds its libraries in its own folder. With these copies, both
 # trees run on a system where nothing is installed. Call this once, after Qt was found.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Drops any data: onto the views, that is into the model through the filter, and onto the dialog.
 
 #include "fuzz/entries.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Reads a legacy record from a node with any content and checks each rule separately.
 
 #include "fuzz/entries.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Feeds any bytes to the type mapping reader and compares the result with a simple reader of the token list.
 
 #include "fuzz/fuzzing.h"

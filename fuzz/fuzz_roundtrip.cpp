@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Writes any entries and reads them again, directly and through the model.
 
 #include "fuzz/entries.h"

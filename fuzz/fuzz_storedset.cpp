@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Loads any text as the stored set, stores it and loads it again.
 
 #include "fuzz/entries.h"

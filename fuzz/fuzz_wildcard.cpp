@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Compares the filter, in each mode, with a matcher that steps through the pattern symbol by symbol.
 
 #include "fuzz/fuzzing.h"

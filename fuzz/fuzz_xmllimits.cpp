@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Reads any bytes within small limits: whatever gets through keeps them, and only what exceeds them is refused.
 
 #include "fuzz/fuzzing.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "platform/idllinstance.h"
 
 // The parameter type is part of the contract between host and plug-in.

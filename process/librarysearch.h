@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #pragma once
 
 /// Restricts the search for libraries on Windows to the program's folder and the system's. The current folder and the

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "process/arguments.h"
 #include "process/librarysearch.h"
 #include "process/standardstreams.h"

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # Cross-compiles for Windows on Debian, with the Qt that windows/build-qt has built: `cmake --preset windows`.
 #
 # Set VEXEL_QT_WINDOWS, as environment or cache variable, if that Qt is not in the default folder.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "host/desktop/programicon.h"
 
 /// Registers the static library's resources. Q_INIT_RESOURCE does not work inside a namespace.

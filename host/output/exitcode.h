@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #pragma once
 
 /// The exit codes of `vexelhost` and `vexelctl`, documented in their `--help`. A program that a signal interrupts ends

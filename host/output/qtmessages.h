@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #pragma once
 
 /// Buffers Qt's messages during its start-up. They are passed on in the destructor. If Qt aborts because it has no

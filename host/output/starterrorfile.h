@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #pragma once
 
 /// Environment variable by which a starter asks a host why its start fails. It names an existing file, and the host

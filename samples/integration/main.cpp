@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A minimal host: loads the plug-in, shows its dialog until it is closed, and saves.
 //
 //     integration <plug-in library> <configuration directory>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
 #include "tests/support/errorsto.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/watchedmodel.h"
 #include "tests/support/markingtranslator.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "starter/linkcall.h"
 #include "tests/host/hostinprocess.h"
 #include "tests/support/files.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "tests/support/errorsto.h"
 #include "tests/support/hostsession.h"
 #include "tests/support/testmain.h"

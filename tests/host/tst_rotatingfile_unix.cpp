@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "host/output/rotatingfile.h"
 #include "host/system/otherusers_unix.h"
 #include "tests/support/files.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "host/desktop/trayicon.h"
 #include "host/plugin/statusmonitor.h"
 #include "tests/support/fakedialog.h"

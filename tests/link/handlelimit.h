@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #pragma once
 
 /// While it exists, this process can open no file and no socket. Open ones stay usable.

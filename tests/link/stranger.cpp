@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Connects to a port as often as its arguments say, sends half a line each time, and prints a line when all is sent.
 // Exits with 0 when the last connection has ended. Tests kill or stop it.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "starter/linksocket.h"
 #include "tests/link/strangerprocess.h"
 #include "tests/support/linkfixture.h"

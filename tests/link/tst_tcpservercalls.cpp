@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "platform/errorhandler.h"
 #include "platform/interfaces.h"
 #include "tests/support/testmain.h"

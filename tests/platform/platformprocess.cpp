@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // The second process of the tests. Commands:
 //   read STORE DOCUMENT NODE KEY      prints the value; an empty NODE is the root
 //   write STORE DOCUMENT PREFIX COUNT writes keys PREFIX0, PREFIX1, ... of the root, and saves after each

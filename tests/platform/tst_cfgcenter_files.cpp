@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "files/filelock.h"
 #include "platform/cfgcenter.h"
 #include "platform/config/documenttext.h"

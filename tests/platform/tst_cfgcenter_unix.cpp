@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/support/files.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Damages a document in random ways and opens it. VEXEL_CORRUPTIONS sets their number; VEXEL_CORRUPTIONS_START repeats
 // those of an earlier run.
 

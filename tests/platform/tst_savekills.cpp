@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Kills a process at random moments while it saves continuously, and checks the files it leaves. VEXEL_SAVE_KILLS sets
 // the number of kills; VEXEL_SAVE_KILLS_START repeats the random delays of an earlier run.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // The example's main function creates the application object; the test runs inside it.
 #define main ExampleMain // NOLINT(cppcoreguidelines-macro-usage)
 #include "samples/integration/main.cpp"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "tests/plugin/fileresources_windows.h"
 #include "tests/plugin/pefile.h"
 #include "tests/support/testmain.h"

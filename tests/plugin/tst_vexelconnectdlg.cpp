@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "platform/translationcenter.h"
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"

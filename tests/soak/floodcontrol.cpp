@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Floods the control channel of a host for a while and reports what that costs:
 //
 //     vexel_flood_control SECONDS [MANNER...]   runs the host, the flood and vexelctl

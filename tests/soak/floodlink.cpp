@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Floods the starter link of a dialog for a while and reports what that costs:
 //
 //     vexel_flood_link SECONDS            runs a dialog with its link on the real port, which must be free

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Starts and ends hundreds of applications while simulated user input operates the dialog:
 //
 //     vexel_soak_applications SECONDS [RANDOM-START]

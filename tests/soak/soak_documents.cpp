@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Lets one part of the product read one hostile document, and prints how that went:
 //
 //     vexel_soak_documents PLACE SHAPE MIB

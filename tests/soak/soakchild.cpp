@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // An application for the long run: exits after a while with success or an error, crashes, or runs until it is killed.
 // Its process id determines which. Without Qt, since it is started some hundred thousand times.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A host for the starter to start: fakehost MODE PORT FILE [more arguments]
 //
 // Appends a line of JSON to FILE that says how it was started, and then does as MODE says:

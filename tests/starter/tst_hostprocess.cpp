@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "host/output/starterrorfile.h"
 #include "tests/starter/startedhost.h"
 #include "tests/support/testmain.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "starter/linkcall.h"
 #include "tests/starter/peers.h"
 #include "tests/support/linkport.h"

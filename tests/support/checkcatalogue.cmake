@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 Vexel
+# SPDX-License-Identifier: LicenseRef-Vexel
+
 # Fails if a translation catalogue does not match the sources, or lacks a translation:
 #   cmake -DLUPDATE=... -DSOURCES=... -DCATALOGUE=... -DWORK=... -P checkcatalogue.cmake
 get_filename_component(name ${CATALOGUE} NAME)

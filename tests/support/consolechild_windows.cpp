@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A console program that acts like a prompt: starts the command line in its arguments without redirection, waits for
 // it, and returns its exit code.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // A program that tests start: reports how it was started, then exits, crashes, prints or keeps running. The environment
 // controls this, because the arguments are under test.
 

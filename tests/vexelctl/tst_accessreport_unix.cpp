@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "host/system/otherusers_unix.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"

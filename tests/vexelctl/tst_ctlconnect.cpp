@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "tests/host/hostsetup.h"
 #include "tests/support/system.h"
 #include "tests/support/testmain.h"

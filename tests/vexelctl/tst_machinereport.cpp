@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "tests/support/testmain.h"

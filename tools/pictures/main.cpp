@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 // Takes the screenshots for the documentation: vexel_pictures <connection list> <output folder>
 
 #include "files/boundedfile.h"

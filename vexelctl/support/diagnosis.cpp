@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
 #include "vexelctl/support/diagnosis.h"
 
 #include "host/plugin/datadirectory.h"
