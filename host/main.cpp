@@ -5,6 +5,7 @@
 #include "host/desktop/programicon.h"
 #include "host/desktop/startfailure.h"
 #include "host/options/hostoptions.h"
+#include "host/options/settings.h"
 #include "host/output/console.h"
 #include "host/output/qtmessages.h"
 #include "host/output/tracelog.h"
@@ -48,7 +49,7 @@ ExitCode Fail(ExitCode code, StartFailure::Kind kind, const QString& error, cons
 
 ExitCode Run(int& argc, char** argv)
 {
-    const ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
+    ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
     switch (commandLine.outcome) {
     case ParsedCommandLine::Outcome::Print:
         return Console::PrintRaw(commandLine.text) ? ExitCode::Done : ExitCode::Unusable;
@@ -58,14 +59,23 @@ ExitCode Run(int& argc, char** argv)
     case ParsedCommandLine::Outcome::Run:
         break;
     }
-    const HostOptions& options = commandLine.options;
+    HostOptions& options = commandLine.options;
+    const Settings settings;
+    ApplySettings(options, settings);
+    const bool isTraceFileGiven = !options.traceFile.isEmpty();
+    ApplyTraceSettings(options, settings);
     if (const QString error = DataDirectoryError(options.dataDirectory, false); !error.isEmpty())
         return Fail(ExitCode::Usage, StartFailure::Kind::DataDirectory, error, options);
     TraceLog traceLog;
-    if (const QString error = traceLog.Start(options.trace, options.traceFile); !error.isEmpty()) {
-        return Fail(ExitCode::Unusable, StartFailure::Kind::TraceFile,
-                    QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error), options);
+    if (const QString reason = traceLog.Start(options.trace, options.traceFile); !reason.isEmpty()) {
+        const QString error = QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, reason);
+        if (isTraceFileGiven)
+            return Fail(ExitCode::Unusable, StartFailure::Kind::TraceFile, error, options);
+        // The user may not be able to change the settings file.
+        Console::PrintError(error);
+        traceLog.Start(options.trace, QString());
     }
+    settings.TraceProblems();
     if (const QString error = ConfigDirectoryError(options); !error.isEmpty()) {
         return Fail(ExitCode::Unusable, StartFailure::Kind::NoConfigurationFolder,
                     QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error), options);

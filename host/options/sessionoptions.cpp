@@ -27,11 +27,14 @@ void SetDefaults(SessionOptions& options)
     }
 }
 
+bool IsLanguage(const QString& name)
+{
+    return name == QLatin1String("C") || QLocale(name) != QLocale::c();
+}
+
 QString LanguageError(const QString& language)
 {
-    if (language == QLatin1String("C") || QLocale(language) != QLocale::c())
-        return {};
-    return QStringLiteral("--language: no such locale: %1").arg(language);
+    return IsLanguage(language) ? QString() : QStringLiteral("--language: no such locale: %1").arg(language);
 }
 
 QString DataDirectoryError(const QString& directory, bool isForced)

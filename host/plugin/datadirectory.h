@@ -23,6 +23,9 @@ public:
     explicit Fallback(const QString& directory);
     ~Fallback();
 
+    /// Returns whether none is configured.
+    bool IsUsed() const { return m_isSet; }
+
     Fallback(const Fallback&) = delete;
     Fallback& operator=(const Fallback&) = delete;
 

@@ -146,10 +146,14 @@ void PluginSession::SetUpEnvironment() const
     Environment::Prepend("PATH", QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
 }
 
-PluginLibrary::Instance PluginSession::CreateInstance() const
+PluginLibrary::Instance PluginSession::CreateInstance()
 {
+    const bool isSet = !m_options.defaultDataDirectory.isEmpty();
     // The plug-in reads the directory only while it is being created.
-    const DataDirectory::Fallback fallback(DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
+    const DataDirectory::Fallback fallback(
+        isSet ? m_options.defaultDataDirectory
+              : DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
+    m_usesSamples = !isSet && fallback.IsUsed();
     return m_library.Create(m_options.name);
 }
 

@@ -45,13 +45,16 @@ public:
     QString Save();
     void SaveAsync(std::function<void(const QString& error)> done) { m_saver.SaveAsync(std::move(done)); }
 
+    /// Returns whether the installed samples are used, because nobody has set a data directory; for use by `work`.
+    bool UsesSamples() const { return m_usesSamples; }
+
 private:
     ExitCode Fail(StartFailure::Kind kind, const QString& error);
     bool OpenConfiguration();
     ExitCode RunWithConfiguration(const Work& work);
     ExitCode RunWithInstance(IDllInstance& instance, const Work& work);
     void SetUpEnvironment() const;
-    PluginLibrary::Instance CreateInstance() const;
+    PluginLibrary::Instance CreateInstance();
     void ReportLoss(const StoredSet& set);
 
     const SessionOptions m_options;
@@ -60,6 +63,7 @@ private:
     const Failed m_failed;
     PluginLibrary m_library;
     ConfigSaver m_saver;
+    bool m_usesSamples = false;
     IDllInstance* m_pInstance = nullptr;      // while `work` runs
     const ConnectDialog* m_pDialog = nullptr; // likewise
 };
