@@ -9,6 +9,7 @@
 #include "host/output/console.h"
 #include "host/output/qtmessages.h"
 #include "host/output/tracelog.h"
+#include "host/system/crashdump.h"
 #include "host/system/desktop.h"
 #include "process/arguments.h"
 #include "process/librarysearch.h"
@@ -80,6 +81,7 @@ ExitCode Run(int& argc, char** argv)
         return Fail(ExitCode::Unusable, StartFailure::Kind::NoConfigurationFolder,
                     QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error), options);
     }
+    CrashDumps::Install(options.configDirectory.isEmpty() ? DefaultConfigDirectory() : options.configDirectory);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !HasDesktop()) {
         return Fail(ExitCode::Unusable, StartFailure::Kind::NoDisplay,
                     QStringLiteral("there is no display to show the dialog on; vexelctl needs none"), options);

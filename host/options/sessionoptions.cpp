@@ -16,15 +16,20 @@ QString ConfigDirectoryError(const SessionOptions& options)
     return options.configDirectory.isEmpty() ? PrepareHomeFolder() : QString();
 }
 
+QString DefaultConfigDirectory()
+{
+    if (!PrepareHomeFolder().isEmpty())
+        return {};
+    // Not the location that bears the program's name.
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Vexel/vexelhost");
+}
+
 void SetDefaults(SessionOptions& options)
 {
     if (options.plugin.isEmpty())
         options.plugin = PluginLibrary::DefaultFile(QCoreApplication::applicationDirPath());
-    // The same for every program, so not the location that bears the program's name.
-    if (options.configDirectory.isEmpty() && ConfigDirectoryError(options).isEmpty()) {
-        options.configDirectory = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-                                  QStringLiteral("/Vexel/vexelhost");
-    }
+    if (options.configDirectory.isEmpty())
+        options.configDirectory = DefaultConfigDirectory();
 }
 
 bool IsLanguage(const QString& name)

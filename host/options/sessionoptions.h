@@ -26,6 +26,9 @@ struct SessionOptions
 /// Returns why there is no default for the configuration directory; empty if there is one or `options` name another.
 QString ConfigDirectoryError(const SessionOptions& options);
 
+/// The user's default configuration directory, which is the same for every program; empty if there is none.
+QString DefaultConfigDirectory();
+
 /// Sets the plug-in and the configuration directory where `options` name none; the latter stays empty if there is no
 /// default. Needs the application object.
 void SetDefaults(SessionOptions& options);
