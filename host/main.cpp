@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "host/application.h"
+#include "host/desktop/desktopdescription.h"
 #include "host/desktop/programicon.h"
 #include "host/desktop/startfailure.h"
 #include "host/options/hostoptions.h"
@@ -9,6 +10,7 @@
 #include "host/output/console.h"
 #include "host/output/qtmessages.h"
 #include "host/output/tracelog.h"
+#include "host/system/autostart.h"
 #include "host/system/crashdump.h"
 #include "host/system/desktop.h"
 #include "process/arguments.h"
@@ -41,6 +43,30 @@ std::unique_ptr<QApplication> MakeApplication(char* program)
     return std::make_unique<QApplication>(argc, argv.data());
 }
 
+ExitCode SwitchAutostart(const HostOptions& options, int& argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const bool isOn = options.autostart.value_or(false);
+    if (const QString error = Autostart::Set(isOn, options.autostartOptions); !error.isEmpty()) {
+        Console::PrintError(error);
+        return ExitCode::Unusable;
+    }
+    Console::Print(isOn ? QStringLiteral("This user's session starts the host: %1").arg(Autostart::Place())
+                        : QStringLiteral("This user's session does not start the host."));
+    return ExitCode::Done;
+}
+
+/// Prints a description of the desktop for a report.
+ExitCode DescribeDesktop(char* program)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !HasDesktop()) {
+        Console::PrintError(QStringLiteral("there is no display"));
+        return ExitCode::Unusable;
+    }
+    const std::unique_ptr<QApplication> application = MakeApplication(program);
+    return Console::PrintBytes(DesktopDescription()) ? ExitCode::Done : ExitCode::Unusable;
+}
+
 ExitCode Fail(ExitCode code, StartFailure::Kind kind, const QString& error, const HostOptions& options = {})
 {
     Console::PrintError(error);
@@ -61,12 +87,16 @@ ExitCode Run(int& argc, char** argv)
         break;
     }
     HostOptions& options = commandLine.options;
+    if (options.describesDesktop)
+        return DescribeDesktop(argv[0]);
     const Settings settings;
     ApplySettings(options, settings);
     const bool isTraceFileGiven = !options.traceFile.isEmpty();
     ApplyTraceSettings(options, settings);
     if (const QString error = DataDirectoryError(options.dataDirectory, false); !error.isEmpty())
         return Fail(ExitCode::Usage, StartFailure::Kind::DataDirectory, error, options);
+    if (options.autostart)
+        return SwitchAutostart(options, argc, argv);
     TraceLog traceLog;
     if (const QString reason = traceLog.Start(options.trace, options.traceFile); !reason.isEmpty()) {
         const QString error = QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, reason);

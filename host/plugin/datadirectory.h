@@ -12,6 +12,10 @@ namespace DataDirectory {
 /// Stores `directory` in the configuration.
 void Set(const QString& directory);
 
+/// Whether the user has been told that the samples are used; stored in the configuration.
+bool IsSamplesNoticeShown();
+void SetSamplesNoticeShown();
+
 /// Returns the data directory of the samples installed with the host in `programDirectory`; empty if there is none.
 QString InstalledSamples(const QString& programDirectory);
 
