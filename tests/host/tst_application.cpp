@@ -320,6 +320,8 @@ void TestApplication::trayMenuIsTranslated()
     host.options.language = QLocale(QStringLiteral("de_AT"));
     host.Run([&](const ConnectDialog&) {
         QVERIFY(TrayAction(QStringLiteral("Jetzt speichern")));
+        QVERIFY(TrayAction(QStringLiteral("Beim Anmelden starten")));
+        QVERIFY(TrayAction(QStringLiteral("Hilfe")));
         QVERIFY(TrayAction(QStringLiteral("Beenden")));
         QVERIFY(!TrayAction(QStringLiteral("Quit")));
     });
