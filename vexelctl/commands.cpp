@@ -16,9 +16,10 @@ constexpr int kAnyNumber = std::numeric_limits<int>::max();
 constexpr OptionInfo kHelp{"help", "Print this help."};
 constexpr OptionInfo kConfig{"config", "Use the configuration in DIR. Default: this user's configuration folder.",
                              "DIR", ValueKind::Directory};
-constexpr OptionInfo kLanguage{"language",
-                               R"(Language of the texts of entries, such as "de" or "de_AT". Default: that of a settings file, else the system's.)",
-                               "LOCALE", ValueKind::Text};
+constexpr OptionInfo kLanguage{
+    "language",
+    R"(Language of the texts of entries, such as "de" or "de_AT". Default: that of a settings file, else the system's.)",
+    "LOCALE", ValueKind::Text};
 constexpr OptionInfo kTrace{"trace", "Write trace lines to standard error."};
 constexpr OptionInfo kTraceFile{
     "trace-file",

@@ -45,10 +45,8 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
     connect(&m_tray, &TrayIcon::HelpRequested, this, &DialogSession::OpenGuide);
     m_tray.SetAutostart(Autostart::IsOn());
     m_tray.SetHelpAvailable(!m_settings.guide.isEmpty());
-    if (!m_settings.guide.isEmpty()) {
-        m_pHelpShortcut =
-            std::make_unique<QShortcut>(Qt::Key_F1, dialog.Window(), this, [this] { OpenGuide(); });
-    }
+    if (!m_settings.guide.isEmpty())
+        m_pHelpShortcut = std::make_unique<QShortcut>(Qt::Key_F1, dialog.Window(), this, [this] { OpenGuide(); });
     connect(&m_tray, &TrayIcon::QuitRequested, &m_visibility, &DialogVisibility::RequestQuit);
 
     connect(&m_quitQuestion, &QuitQuestion::Answered, this, [this](bool quit) {
@@ -154,8 +152,8 @@ void DialogSession::SetAutostart(bool isOn)
 void DialogSession::OpenGuide()
 {
     if (!OperatorGuide::Open(m_settings.guide))
-        ShowNotice(tr("The guide could not be opened. It is in the file %1.")
-                       .arg(QDir::toNativeSeparators(m_settings.guide)));
+        ShowNotice(
+            tr("The guide could not be opened. It is in the file %1.").arg(QDir::toNativeSeparators(m_settings.guide)));
 }
 
 void DialogSession::ShowSamplesAreUsed()

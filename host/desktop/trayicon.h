@@ -10,8 +10,8 @@
 
 class StatusMonitor;
 
-/// The host's icon in the system tray: shows how many entries are in use and has a menu to show the dialog, save, choose
-/// whether the session starts the host, get help and quit. If there is no tray, waits for one.
+/// The host's icon in the system tray: shows how many entries are in use and has a menu to show the dialog, save,
+/// choose whether the session starts the host, get help and quit. If there is no tray, waits for one.
 ///
 /// Only emits signals; acts on nothing itself.
 class TrayIcon : public QObject

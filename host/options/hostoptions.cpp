@@ -62,10 +62,10 @@ private:
             "Append trace lines to FILE. At 10 MiB it is renamed to FILE.1, FILE.1 to FILE.2, and so on up to "
             "FILE.5."),
         QStringLiteral("FILE")};
-    const QCommandLineOption m_language = {
-        QStringLiteral("language"),
-        QStringLiteral("Language of the dialog, such as \"de\" or \"de_AT\". Default: that of a settings file, else the system's."),
-        QStringLiteral("LOCALE")};
+    const QCommandLineOption m_language = {QStringLiteral("language"),
+                                           QStringLiteral("Language of the dialog, such as \"de\" or \"de_AT\". "
+                                                          "Default: that of a settings file, else the system's."),
+                                           QStringLiteral("LOCALE")};
     const QCommandLineOption m_hidden = {QStringLiteral("hidden"),
                                          QStringLiteral("Start in the system tray. Without one, the dialog is shown.")};
     const QCommandLineOption m_autostart = {

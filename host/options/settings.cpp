@@ -32,7 +32,8 @@ QString ReadingObstacle(const QString& file)
     if (!content)
         return QStringLiteral("cannot be read: %1").arg(error);
     // QSettings takes these for the end of a line.
-    return content->contains('\0') || !content->isValidUtf8() ? QStringLiteral("damaged: not a text in UTF-8") : QString();
+    return content->contains('\0') || !content->isValidUtf8() ? QStringLiteral("damaged: not a text in UTF-8")
+                                                              : QString();
 }
 
 /// A file for everybody can name a file in each user's home folder.
@@ -44,8 +45,7 @@ QString ExpandedPath(const QString& text)
 QString PathError(const QString& path)
 {
     // A single backslash in such a file is an escape.
-    return QDir::isAbsolutePath(path) ? QString()
-                                      : QStringLiteral("not an absolute path with slashes: %1").arg(path);
+    return QDir::isAbsolutePath(path) ? QString() : QStringLiteral("not an absolute path with slashes: %1").arg(path);
 }
 
 QString ValueError(Settings::Key key, const QString& text)
@@ -136,7 +136,8 @@ void Settings::Take(const QString& file, Key key, const QString& text)
 void Settings::TraceProblems() const
 {
     for (const QString& problem : m_problems)
-        Trace("host/options/settings", __LINE__, [&problem] { return problem; });
+        Trace(
+            "host/options/settings", __LINE__, [&problem] { return problem; });
 }
 
 void ApplySettings(SessionOptions& options, const Settings& settings)

@@ -13,8 +13,8 @@ struct SessionOptions;
 /// configuration folders, which an administrator writes for everybody. The first file that sets a key decides. What the
 /// command line or the configuration says comes before all of them.
 ///
-/// A file that is damaged or cannot be read counts as a whole as missing, an unusable value as not set. `Problems` tells
-/// about both.
+/// A file that is damaged or cannot be read counts as a whole as missing, an unusable value as not set. `Problems`
+/// tells about both.
 class Settings
 {
 public:

@@ -18,8 +18,8 @@ QString Place();
 /// Returns whether the session starts the host; false also for an entry that a desktop has switched off.
 bool IsOn();
 
-/// Writes the entry for this program with the option --hidden and `options`, or removes it. Returns why that failed, for
-/// the user; empty on success.
+/// Writes the entry for this program with the option --hidden and `options`, or removes it. Returns why that failed,
+/// for the user; empty on success.
 QString Set(bool isOn, const QStringList& options);
 
 } // namespace Autostart

@@ -56,13 +56,12 @@ QByteArray Entry(const QStringList& options)
         return {};
     const QString program = QCoreApplication::applicationFilePath();
     QStringList lines = QString::fromUtf8(menuEntry.readAll()).split(QLatin1Char('\n'));
-    for (QString& line : lines) {
+    for (QString& line : lines)
         if (line.startsWith(QLatin1String("Exec=")))
             line = QStringLiteral("Exec=") + Command(QStringList{program, QStringLiteral("--hidden")} + options);
         // The desktop ignores the entry when the program has been removed.
         else if (line.startsWith(QLatin1String("TryExec=")))
             line = QStringLiteral("TryExec=") + Escaped(program);
-    }
     return lines.join(QLatin1Char('\n')).toUtf8();
 }
 
@@ -82,11 +81,9 @@ bool IsOn()
     if (!entry)
         return false;
     const QList<QByteArray> lines = entry->split('\n');
-    return std::none_of(
-        lines.cbegin(), lines.cend(),
-        [](const QByteArray& line) {
-            return line.trimmed() == "Hidden=true" || line.trimmed() == "X-GNOME-Autostart-enabled=false";
-        });
+    return std::none_of(lines.cbegin(), lines.cend(), [](const QByteArray& line) {
+        return line.trimmed() == "Hidden=true" || line.trimmed() == "X-GNOME-Autostart-enabled=false";
+    });
 }
 
 QString Set(bool isOn, const QStringList& options)

@@ -103,7 +103,8 @@ void TestHostOptions::helpNamesEveryOptionAndEveryExitCode()
         QCOMPARE(parsed.outcome, Outcome::Print);
         for (const QString& part :
              QStringLiteral("Usage: vexelhost [options]\n|--plugin <FILE>|--config <DIR>|--data <DIR>|"
-                            "--name <NAME>|--trace |--trace-file <FILE>|--language <LOCALE>|--hidden|--autostart <on|off>|vexelhost.ini|"
+                            "--name <NAME>|--trace |--trace-file <FILE>|--language <LOCALE>|--hidden|--autostart "
+                            "<on|off>|vexelhost.ini|"
                             "-h, --help|-v, --version|VEXEL_CONFIG_DIR|vexelctl|Exit codes:|\n  0  |\n  1  |\n  2  |"
                             "\n  4  ")
                  .split(u'|'))

@@ -158,8 +158,8 @@ void TestSettings::unusableValueLeavesTheOthers()
     QFETCH(const int, key);
     const QString path = Absolute(QStringLiteral("/srv/vexel"));
     QVERIFY(Files::Write(User(), line + '\n'));
-    QVERIFY(Files::Write(Machine(), "data=" + path.toUtf8() + "\ntrace-file=" + path.toUtf8() +
-                                        "\nlanguage=de\ntrace=false\n"));
+    QVERIFY(Files::Write(Machine(),
+                         "data=" + path.toUtf8() + "\ntrace-file=" + path.toUtf8() + "\nlanguage=de\ntrace=false\n"));
     const Settings settings = Read();
     QCOMPARE(settings.Get(static_cast<Key>(key)).file, Machine());
     QCOMPARE(settings.Problems().size(), 1);
@@ -221,9 +221,8 @@ void TestSettings::problemsAreTraced()
     ErrorHandler& handler = ErrorHandler::Instance();
     const unsigned kinds = handler.EnabledKinds();
     handler.SetEnabledKinds(ErrorHandler::Trace);
-    handler.SetSink([&traces](ErrorHandler::Kind, const QString& message, const QString&, quint16) {
-        traces.append(message);
-    });
+    handler.SetSink(
+        [&traces](ErrorHandler::Kind, const QString& message, const QString&, quint16) { traces.append(message); });
     const auto restore = qScopeGuard([&] {
         handler.SetEnabledKinds(kinds);
         handler.SetSink({});
@@ -240,8 +239,8 @@ void TestSettings::defaultFilesAreTheUsersAndTheMachines()
     const QStringList files = Settings::DefaultFiles();
     QVERIFY(files.size() >= 2);
     QVERIFY2(files.at(0).endsWith(QLatin1String("/AppData/Local/Vexel/vexelhost.ini")), qPrintable(files.at(0)));
-    QCOMPARE(files.at(1), QDir::fromNativeSeparators(qEnvironmentVariable("ProgramData")) +
-                              QStringLiteral("/Vexel/vexelhost.ini"));
+    QCOMPARE(files.at(1),
+             QDir::fromNativeSeparators(qEnvironmentVariable("ProgramData")) + QStringLiteral("/Vexel/vexelhost.ini"));
 #else
     const QByteArray home = qgetenv("XDG_CONFIG_HOME");
     const QByteArray system = qgetenv("XDG_CONFIG_DIRS");

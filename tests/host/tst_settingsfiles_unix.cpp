@@ -85,7 +85,8 @@ void TestSettingsFiles::diagnosisNamesTheSourceOfEachSetting()
     QCOMPARE(setUp.Setting("data"), QStringLiteral("/srv/machine from ") + setUp.Machine());
     QCOMPARE(setUp.Setting("language"), QStringLiteral("fr from ") + setUp.Machine());
     QCOMPARE(setUp.Setting("trace"), QStringLiteral("true from ") + setUp.Machine());
-    QCOMPARE(setUp.Diagnosis("paths").value(QLatin1String("dataDirectory")), QJsonValue(QStringLiteral("/srv/machine")));
+    QCOMPARE(setUp.Diagnosis("paths").value(QLatin1String("dataDirectory")),
+             QJsonValue(QStringLiteral("/srv/machine")));
 
     setUp.Write(setUp.User(), "data=/srv/user\nlanguage=de\n");
     QCOMPARE(setUp.Setting("data"), QStringLiteral("/srv/user from ") + setUp.User());

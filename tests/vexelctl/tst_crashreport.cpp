@@ -24,7 +24,8 @@ void TestCrashReport::placeOfCoreDumps_data()
         QTest::newRow(name) << QString::fromLatin1(pattern) << QString::fromLatin1(place);
     };
     row("none", "", "switched off");
-    row("current directory", "core", "files core in the current directory of the program, if \"ulimit -c\" allows them");
+    row("current directory", "core",
+        "files core in the current directory of the program, if \"ulimit -c\" allows them");
     row("a folder", "/var/crash/core.%e.%p", "files /var/crash/core.%e.%p, if \"ulimit -c\" allows them");
     row("systemd", "|/usr/lib/systemd/systemd-coredump %P %u %g %s %t %c %h",
         "kept by systemd: \"coredumpctl list vexelhost\" lists them");

@@ -74,8 +74,9 @@ void TestCtlDiagnose::versions()
     QCOMPARE(Value(report, "versions", "program"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
     QCOMPARE(Value(report, "versions", "platformLibrary"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
     QCOMPARE(Value(report, "versions", "plugIn"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
-    QCOMPARE(Value(Diagnose(setUp, {QStringLiteral("--plugin"), QStringLiteral(PLUGIN_REFUSING)}), "versions", "plugIn"),
-             QJsonValue());
+    QCOMPARE(
+        Value(Diagnose(setUp, {QStringLiteral("--plugin"), QStringLiteral(PLUGIN_REFUSING)}), "versions", "plugIn"),
+        QJsonValue());
     QCOMPARE(Value(report, "versions", "qt"), QJsonValue(QString::fromLatin1(qVersion())));
     QCOMPARE(Value(report, "versions", "qtBuiltWith"), QJsonValue(QStringLiteral(QT_VERSION_STR)));
     for (const char* key : {"system", "kernel", "processor", "compiler"})
@@ -197,7 +198,8 @@ void TestCtlDiagnose::unusableDesktopIsReported()
     if (setUp.HasDisplay())
         return;
     setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
-    QCOMPARE(Value(Diagnose(setUp), "desktop", "state"), QJsonValue(QStringLiteral("unknown: vexelhost: there is no display")));
+    QCOMPARE(Value(Diagnose(setUp), "desktop", "state"),
+             QJsonValue(QStringLiteral("unknown: vexelhost: there is no display")));
 }
 
 void TestCtlDiagnose::crashesAreReported()

@@ -46,18 +46,19 @@ void ReportDesktop(SupportReport& report)
 {
     const Answer answer = AskHost();
     report.BeginSection(QStringLiteral("Desktop"));
-    report.AddFact(QStringLiteral("state"), answer.error.isEmpty() ? QStringLiteral("as the host finds it") : answer.error);
+    report.AddFact(QStringLiteral("state"),
+                   answer.error.isEmpty() ? QStringLiteral("as the host finds it") : answer.error);
     report.AddFact(QStringLiteral("platform"), answer.description.value(QLatin1String("platform")));
     report.AddFact(QStringLiteral("widget style"), answer.description.value(QLatin1String("style")));
     QList<QJsonArray> rows;
     const QJsonArray screens = answer.description.value(QLatin1String("screens")).toArray();
-    for (const QJsonValue& screen : screens) {
+    for (const auto& screen : screens) {
         // As texts: the report prints whole numbers.
         const auto number = [&screen](const char* key) {
             return QString::number(screen[QLatin1String(key)].toDouble());
         };
-        rows.append({screen[QLatin1String("name")], screen[QLatin1String("size")], number("scale"),
-                     number("dotsPerInch")});
+        rows.append(
+            {screen[QLatin1String("name")], screen[QLatin1String("size")], number("scale"), number("dotsPerInch")});
     }
     report.AddTable(
         QStringLiteral("screens"),
