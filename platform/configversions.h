@@ -31,6 +31,7 @@ struct ConfigVersion
 class VEXELPLATFORM_EXPORT ConfigVersions
 {
 public:
+    /// @param view the view of the document.
     /// @param name the document's, as for `CfgCenter::CreateCfg`; empty: the application's own document in `view`.
     ConfigVersions(View view, const QString& name);
 
