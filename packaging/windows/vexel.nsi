@@ -20,6 +20,7 @@
 
 !define PRODUCT "Vexel connect dialog"
 !define PUBLISHER "Vexel"
+!define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VexelConnectDialog"
 
 Name "${PRODUCT}"
@@ -416,5 +417,11 @@ Section "Uninstall"
     Delete "$SMPROGRAMS\Vexel\${PRODUCT}.lnk"
     Delete "$SMPROGRAMS\Vexel\$(Guide).lnk"
     RMDir "$SMPROGRAMS\Vexel"
+    ; The host starts at this user's login, if the user wants that.
+    ReadRegStr $0 HKCU "${RUN_KEY}" "vexelhost"
+    ${un.WordFind} '"$0' "$INSTDIR\bin\vexelhost.exe" "E+1{" $1
+    ${IfNot} ${Errors}
+        DeleteRegValue HKCU "${RUN_KEY}" "vexelhost"
+    ${EndIf}
     DeleteRegKey SHCTX "${UNINSTALL_KEY}"
 SectionEnd
