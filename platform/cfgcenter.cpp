@@ -9,6 +9,7 @@
 #include "platform/config/confignode.h"
 #include "platform/tracing.h"
 #include "process/background.h"
+#include "process/freememory.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -106,6 +107,8 @@ bool FinishSave(const Documents& documents, const SaveResults& results)
         notices += documents[i]->TakeNotice();
     }
     TheStore().saveError = errors.join(QStringLiteral("; "));
+    if (!documents.empty())
+        ReturnFreeMemory();
     for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
         Tell(notice);
     return errors.isEmpty();

@@ -19,7 +19,6 @@
 #include <QEvent>
 #include <QScopeGuard>
 
-#include <future>
 #include <utility>
 
 namespace {
@@ -41,6 +40,15 @@ public:
 private:
     const QString m_domain;
 };
+
+/// What the plug-in has found of the stored list, or would have. Nothing has been saved since.
+StoredSet LoadedSet()
+{
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    const std::optional<StoredSet> reported = dialog ? ReportedStoredSet(*dialog->Entries()) : std::nullopt;
+    return reported ? *reported : ReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+}
 
 } // namespace
 
@@ -110,13 +118,10 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
     // The list would look empty, and saving it could overwrite a good one. The reason has been reported.
     if (!CfgCenter::IsAppCfgKnown(View::Application))
         return Fail(StartFailure::Kind::ListUnreadable, QStringLiteral("the stored list cannot be read"));
-    // Read while the plug-in loads the list. Nothing is saved before the result is known.
-    std::future<StoredSet> storedSet = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
-
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance();
-        const StoredSet set = storedSet.get();
+        const StoredSet set = LoadedSet();
         if (const QString notice = m_mode == Mode::ReadOnly ? QString() : BackUpBrokenList(set); !notice.isEmpty())
             m_notices.Report(notice);
         ReportLoss(set);

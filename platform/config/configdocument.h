@@ -3,9 +3,9 @@
 
 #pragma once
 
+#include "platform/config/compacttext.h"
 #include "platform/config/documentloader.h"
 
-#include <QByteArray>
 #include <QMap>
 #include <QSet>
 #include <QString>
@@ -27,7 +27,7 @@ class ConfigDocument
 public:
     struct Entry
     {
-        QString text;
+        CompactText text;
         bool isChanged = false;
     };
     /// What a save needs to know.
@@ -37,7 +37,7 @@ public:
         DocumentAccess access = DocumentAccess::ReadWrite;
         QMap<QString, Entry> entries; // by key path
         QSet<QString> removed;        // key paths, also of nodes; removed before changed entries are written
-        QByteArray fingerprint;       // of the file's content when it was last read or written
+        bool hadContent = false;      // the file was not missing when it was last read or written
         bool isKnown = true;
         VersionFilter versionFilter;
     };
@@ -47,7 +47,7 @@ public:
         QString notice;              ///< what else went wrong; empty: nothing
         QString versionWarning;      ///< why the earlier content did not become a version; empty: it did
         DocumentText::Values values; ///< of a saved document: what the file holds now
-        QByteArray fingerprint;
+        bool hasContent = false;     ///< the file is not missing now
     };
 
     /// Loads `file`, see `LoadDocument`; a missing one is an empty document. An empty `file` name: the document lives
@@ -99,7 +99,7 @@ private:
     bool m_isKnown = true;
     bool m_wasIntact = true;
     bool m_isLost = false;
-    QByteArray m_fingerprint;
+    bool m_hadContent = false; // the file, when it was last read or written
     QString m_notice;
     QString m_versionWarning; // of the last save; told once
     std::optional<SaveRequest> m_runningSave;

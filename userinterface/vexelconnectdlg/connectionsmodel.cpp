@@ -6,6 +6,7 @@
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
 #include "platform/tracing.h"
+#include "process/freememory.h"
 #include "userinterface/vexelconnectdlg/columnhelp.h"
 
 #include <QIcon>
@@ -32,6 +33,14 @@ const QString kStoredSetKey = QStringLiteral("ModelMimeData");
 std::unique_ptr<ICfg> OpenStoredSet(const QString& objectName)
 {
     return std::unique_ptr<ICfg>(CfgCenter::GetAppCfg(View::Application)->OpenChild(objectName, 0));
+}
+
+/// Returns the stored document; its text, four times as long, is gone when this returns.
+QByteArray ReadStoredDocument(const QString& objectName, bool& isStored)
+{
+    const QString hex = OpenStoredSet(objectName)->GetString(kStoredSetKey, QStringLiteral(""), 0);
+    isStored = !hex.isEmpty();
+    return QByteArray::fromHex(hex.toLatin1());
 }
 
 /// Returns the square of an entry that is not selected: black outline on white. Cached, because every painted row uses
@@ -300,10 +309,11 @@ bool ConnectionsModel::dropMimeData(const QMimeData* data, Qt::DropAction /*acti
     return Append(data->data(ConnectionList::MimeType()), room);
 }
 
-bool ConnectionsModel::Append(const QByteArray& document, const ConnectionList::Room& room)
+bool ConnectionsModel::Append(const QByteArray& document, const ConnectionList::Room& room,
+                              ConnectionList::ReadError* error)
 {
     return ConnectionList::Read(
-        document, [this](const Connection& entry) { AddConnection(entry); }, room);
+        document, [this](const Connection& entry) { AddConnection(entry); }, room, error);
 }
 
 bool ConnectionsModel::removeRows(int row, int count, const QModelIndex& parent)
@@ -479,10 +489,10 @@ bool ConnectionsModel::FromByteArray(const QByteArray& document)
     return read;
 }
 
-bool ConnectionsModel::RestoreByteArray(const QByteArray& document)
+bool ConnectionsModel::RestoreByteArray(const QByteArray& document, ConnectionList::ReadError* error)
 {
     removeRows(0, rowCount());
-    const bool read = Append(document, ConnectionList::kRoomForOwnList);
+    const bool read = Append(document, ConnectionList::kRoomForOwnList, error);
     ResetConnectionStatus();
     return read;
 }
@@ -496,9 +506,12 @@ bool ConnectionsModel::GetConfiguration()
         });
         return false;
     }
-    const auto storedSet = OpenStoredSet(objectName());
-    const QString hex = storedSet->GetString(kStoredSetKey, QStringLiteral(""), 0);
-    RestoreByteArray(QByteArray::fromHex(hex.toLatin1()));
+    bool isStored = false;
+    ConnectionList::ReadError error;
+    RestoreByteArray(ReadStoredDocument(objectName(), isStored), &error);
+    setProperty("entriesLoaded", rowCount());
+    setProperty("isStoredListMalformed", isStored && error.row > 0);
+    ReturnFreeMemory();
     return true;
 }
 
