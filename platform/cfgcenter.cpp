@@ -7,6 +7,7 @@
 #include "platform/config/configdocument.h"
 #include "platform/config/confignames.h"
 #include "platform/config/confignode.h"
+#include "platform/config/readahead.h"
 #include "platform/tracing.h"
 #include "process/background.h"
 #include "process/freememory.h"
@@ -146,6 +147,11 @@ void StartBackgroundSave(SaveDone done)
     TheStore().backgroundSave = {number, std::move(documents), RunInBackground(std::move(work)), std::move(done)};
 }
 
+QString FileIn(const QString& directory, const QString& file)
+{
+    return directory + u'/' + file;
+}
+
 ICfg* RootNode(const QString& file, const QString& path)
 {
     Store& store = TheStore();
@@ -153,7 +159,7 @@ ICfg* RootNode(const QString& file, const QString& path)
     QString notice;
     if (!document) {
         document = std::make_shared<ConfigDocument>(
-            store.directory.isEmpty() ? QString() : store.directory + u'/' + file, store.access);
+            store.directory.isEmpty() ? QString() : FileIn(store.directory, file), store.access);
         notice = document->TakeNotice();
     }
     auto& node = store.rootNodes[{file, path}];
@@ -236,6 +242,12 @@ bool CfgCenter::Open(const QString& directory)
     return true;
 }
 
+void CfgCenter::ReadAhead(const QString& directory)
+{
+    if (!directory.isEmpty())
+        ::ReadAhead::Begin(FileIn(QDir(directory).absolutePath(), ConfigNames::ApplicationFile(View::Application)));
+}
+
 QString CfgCenter::OpenError()
 {
     return TheOpenError();
@@ -274,7 +286,10 @@ bool CfgCenter::IsAppCfgKnown(View view)
 bool CfgCenter::WasAppCfgIntact(View view)
 {
     GetAppCfg(view);
-    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->WasIntact();
+    const std::shared_ptr<ConfigDocument> document = TheStore().documents.at(ConfigNames::ApplicationFile(view));
+    const bool wasIntact = document->WasIntact();
+    Tell(document->TakeNotice());
+    return wasIntact;
 }
 
 bool CfgCenter::IsAppCfgLost(View view)

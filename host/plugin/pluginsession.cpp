@@ -121,10 +121,13 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance();
+        // First of all: it reports a change by something else, and adopts it.
+        const bool wasIntact = CfgCenter::WasAppCfgIntact(View::Application);
         const StoredSet set = LoadedSet();
         if (const QString notice = m_mode == Mode::ReadOnly ? QString() : BackUpBrokenList(set); !notice.isEmpty())
             m_notices.Report(notice);
-        ReportLoss(set);
+        if (!wasIntact)
+            ReportLoss(set);
         if (!instance)
             Fail(StartFailure::Kind::PluginUnusable,
                  QStringLiteral("the plug-in %1 returned no instance").arg(m_options.plugin));
@@ -186,8 +189,6 @@ QString PluginSession::Save()
 /// Says how many entries a document has lost that something else than the host has written.
 void PluginSession::ReportLoss(const StoredSet& set)
 {
-    if (CfgCenter::WasAppCfgIntact(View::Application))
-        return;
     const std::optional<int> before = ReadEntryCount(*CfgCenter::GetAppCfg(View::Application));
     m_notices.Report(
         before ? QStringLiteral("entries in the list when it was saved: %1, now: %2")

@@ -5,21 +5,28 @@
 
 #include <QLatin1StringView>
 
+#include <utility>
+
 namespace {
 
 constexpr qsizetype kLong = 1000; // characters; below that there is nothing to save
 
 } // namespace
 
-CompactText::CompactText(const QString& text)
+CompactText::CompactText(QString text)
+    : m_text(std::move(text))
 {
-    if (text.size() >= kLong) {
-        m_latin1 = text.toLatin1();
-        if (QLatin1StringView(m_latin1) == text)
-            return;
-        m_latin1.clear(); // it has other characters
-    }
-    m_text = text;
+}
+
+void CompactText::Compact()
+{
+    if (m_text.size() < kLong)
+        return;
+    m_latin1 = m_text.toLatin1();
+    if (QLatin1StringView(m_latin1) == m_text)
+        m_text.clear();
+    else // it has other characters
+        m_latin1.clear();
 }
 
 QString CompactText::Text() const

@@ -6,12 +6,16 @@
 #include <QByteArray>
 #include <QString>
 
-/// A text for keeping: a long one takes one byte per character if all of them are Latin-1, as in hexadecimal text.
+/// A text for keeping: once it is compact, a long one takes one byte per character if all of them are Latin-1, as in
+/// hexadecimal text.
 class CompactText
 {
 public:
     CompactText() = default;
-    explicit CompactText(const QString& text);
+    /// A text that is not compact yet: for one that will be asked for soon.
+    explicit CompactText(QString text);
+
+    void Compact();
 
     QString Text() const;
     bool operator==(const QString& text) const;

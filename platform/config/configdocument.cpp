@@ -4,6 +4,7 @@
 #include "platform/config/configdocument.h"
 
 #include "platform/config/documenttransaction.h"
+#include "platform/config/readahead.h"
 #include "platform/tracing.h"
 
 #include <QFileInfo>
@@ -13,6 +14,13 @@
 namespace {
 
 constexpr const char* kSource = "platform/config/configdocument";
+
+ConfigDocument::Entry ChangedEntry(const QString& value)
+{
+    ConfigDocument::Entry entry{CompactText(value), true};
+    entry.text.Compact();
+    return entry;
+}
 
 /// Removes the key at `path` and everything below it. Returns whether there was anything.
 template <typename Value>
@@ -33,7 +41,7 @@ ConfigDocument::ConfigDocument(QString file, DocumentAccess access)
     : m_file(std::move(file))
     , m_access(access)
 {
-    if (!m_file.isEmpty())
+    if (!m_file.isEmpty() && !TakeReadAhead())
         Load();
 }
 
@@ -42,19 +50,29 @@ ConfigDocument::ConfigDocument(const DocumentText::Values& values)
     TakeOver(values);
 }
 
-std::optional<QString> ConfigDocument::Value(const QString& path) const
+ConfigDocument::~ConfigDocument()
 {
-    const auto entry = m_entries.constFind(path);
-    return entry == m_entries.cend() ? std::nullopt : std::optional(entry->text.Text());
+    if (m_check.valid())
+        m_check.wait();
+}
+
+std::optional<QString> ConfigDocument::Value(const QString& path)
+{
+    const auto entry = m_entries.find(path);
+    if (entry == m_entries.end())
+        return std::nullopt;
+    QString text = entry->text.Text();
+    entry->text.Compact();
+    return text;
 }
 
 void ConfigDocument::SetValue(const QString& path, const QString& value)
 {
     const auto entry = m_entries.lowerBound(path);
     if (entry == m_entries.end() || entry.key() != path)
-        m_entries.insert(entry, path, {CompactText(value), true});
+        m_entries.insert(entry, path, ChangedEntry(value));
     else if (!(entry->text == value))
-        *entry = {CompactText(value), true};
+        *entry = ChangedEntry(value);
     else
         return;
     m_isChanged = true;
@@ -98,9 +116,32 @@ void ConfigDocument::Load()
         loaded.reading.content.clear(); // of a long list, as much again
         TakeOver(*loaded.reading.values);
     }
-    m_isChanged = !loaded.isInPlace; // the next save tries again
+    m_isChanged = m_isChanged || !loaded.isInPlace; // the next save tries again
     if (!m_notice.isEmpty())
         Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
+}
+
+bool ConfigDocument::TakeReadAhead()
+{
+    std::optional<ReadAhead::Document> document = ReadAhead::Take(m_file);
+    if (!document)
+        return false;
+    m_hadContent = true;
+    m_check = std::move(document->isIntact);
+    TakeOver(*document->reading.values);
+    return true;
+}
+
+void ConfigDocument::FinishCheck()
+{
+    if (m_check.valid() && !m_check.get())
+        Load();
+}
+
+bool ConfigDocument::WasIntact()
+{
+    FinishCheck();
+    return m_wasIntact;
 }
 
 bool ConfigDocument::IsRemoved() const
@@ -110,6 +151,7 @@ bool ConfigDocument::IsRemoved() const
 
 std::optional<ConfigDocument::SaveRequest> ConfigDocument::BeginSave(const VersionFilter& versionFilter)
 {
+    FinishCheck();
     if (m_file.isEmpty() || m_runningSave || (!m_isChanged && !IsRemoved()))
         return std::nullopt;
     m_runningSave =
@@ -132,6 +174,8 @@ void ConfigDocument::FinishSave(const SaveResult& result)
         return;
     }
     TakeOver(result.values);
+    for (Entry& entry : m_entries)
+        entry.text.Compact();
     m_hadContent = result.hasContent;
     m_isKnown = true;
     m_isLost = false;

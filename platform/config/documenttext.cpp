@@ -18,7 +18,7 @@ const QString kValues = QStringLiteral("values");
 
 DocumentText::Parsed Malformed(const QString& error)
 {
-    return {std::nullopt, false, error};
+    return {std::nullopt, {}, error};
 }
 
 DocumentText::Parsed MalformedAt(const QByteArray& text, qsizetype offset, const QString& error)
@@ -90,7 +90,12 @@ DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
             return Malformed(QStringLiteral("write the value of \"%1\" as a text").arg(it.key().left(80).simplified()));
         values.insert(values.cend(), it.key(), *value);
     }
-    return {values, root.value(kDigest).toString() == DigestOf(values), {}};
+    return {values, root.value(kDigest).toString(), {}};
+}
+
+bool DocumentText::IsIntact(const Values& values, const QString& digest)
+{
+    return digest == DigestOf(values);
 }
 
 QByteArray DocumentText::Write(const Values& values)

@@ -111,6 +111,7 @@ void TestWrittenList::othersAreLeftToTheXmlReader_data()
     QTest::newRow("raw carriage return") << with("<![CDATA[", "<![CDATA[\r");
     QTest::newRow("control character") << with("<![CDATA[", "<![CDATA[\x01");
     QTest::newRow("null") << with("<![CDATA[", QByteArray("<![CDATA[\0", 10));
+    QTest::newRow("U+FEFF at the beginning") << with("<![CDATA[", "<![CDATA[\xEF\xBB\xBF");
     QTest::newRow("U+FFFE") << with("<![CDATA[", "<![CDATA[\xEF\xBF\xBE");
     QTest::newRow("U+FFFF") << with("<![CDATA[", "<![CDATA[\xEF\xBF\xBF");
     QTest::newRow("not UTF-8") << with("<![CDATA[", "<![CDATA[\xC3");
