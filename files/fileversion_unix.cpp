@@ -14,9 +14,12 @@ QByteArray FileVersion(const QString& path)
     struct stat status = {};
     if (stat(QFile::encodeName(path).constData(), &status) != 0)
         return {};
-    const std::array<qint64, 7> parts{static_cast<qint64>(status.st_dev), static_cast<qint64>(status.st_ino),
-                                      status.st_size,                     status.st_mtim.tv_sec,
-                                      status.st_mtim.tv_nsec,             status.st_ctim.tv_sec,
+    const std::array<qint64, 7> parts{static_cast<qint64>(status.st_dev),
+                                      static_cast<qint64>(status.st_ino),
+                                      status.st_size,
+                                      status.st_mtim.tv_sec,
+                                      status.st_mtim.tv_nsec,
+                                      status.st_ctim.tv_sec,
                                       status.st_ctim.tv_nsec};
     return QByteArray(reinterpret_cast<const char*>(parts.data()), sizeof parts);
 }

@@ -280,8 +280,9 @@ void TestBoundedXmlReader::encodingsAreKnown()
 void TestBoundedXmlReader::plainUtf8IsReadAsItsText_data()
 {
     QTest::addColumn<QByteArray>("document");
-    const QByteArray entry = "  <Connection a='1' b=\"&lt;\">\r\n\t<Name><![CDATA[\xC3\xA4 \xE2\x82\xAC ]] > \xF0\x9F\x93\xA1]]>"
-                             "text &amp; &#x41;\r</Name><!-- -> --><?do it?><x:y/>\n  </Connection>\n";
+    const QByteArray entry =
+        "  <Connection a='1' b=\"&lt;\">\r\n\t<Name><![CDATA[\xC3\xA4 \xE2\x82\xAC ]] > \xF0\x9F\x93\xA1]]>"
+        "text &amp; &#x41;\r</Name><!-- -> --><?do it?><x:y/>\n  </Connection>\n";
     const QByteArray document =
         "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<List>\n" + entry.repeated(40) + "</List>\n";
     QTest::newRow("complete") << document;

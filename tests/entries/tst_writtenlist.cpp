@@ -37,9 +37,11 @@ std::optional<Entries> ReadAsXml(const QByteArray& document)
 
 bool IsSame(const Entries& one, const Entries& other)
 {
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](const Connection& a, const Connection& b) {
-        return a == b && a.ConnectionStatus == b.ConnectionStatus && a.Selected == b.Selected;
-    });
+    return std::equal(
+        one.begin(), one.end(), other.begin(), other.end(),
+        [](const Connection& a, const Connection& b) {
+            return a == b && a.ConnectionStatus == b.ConnectionStatus && a.Selected == b.Selected;
+        });
 }
 
 Connection WithTexts(const QString& name)
@@ -150,7 +152,7 @@ void TestWrittenList::room()
     QVERIFY(ReadWritten(sample, ConnectionList::kRoomForOwnList));
 }
 
-/// What is read must be what the XML reader reads. The generator's seed is fixed.
+/// What is read must be what the XML reader reads. The changes are the same in every run.
 void TestWrittenList::changedDocumentsAreReadAsByTheXmlReader()
 {
     QRandomGenerator random(1);

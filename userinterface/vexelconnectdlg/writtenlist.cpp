@@ -105,10 +105,10 @@ private:
     /// And no U+FEFF at the beginning, which QString would take for a byte order mark.
     static bool IsXmlText(QByteArrayView text)
     {
-        const bool isPlain =
-            std::all_of(text.begin(), text.end(), [](char unit) { return unit >= ' ' && unit < '\x7F'; });
-        return isPlain || (!text.startsWith("\xEF\xBB\xBF") && !text.contains("\xEF\xBF\xBE") && !text.contains("\xEF\xBF\xBF") &&
-                           std::none_of(text.begin(), text.end(), [](char unit) {
+        const bool isPlain = std::all_of(
+            text.begin(), text.end(), [](char unit) { return unit >= ' ' && unit < '\x7F'; });
+        return isPlain || (!text.startsWith("\xEF\xBB\xBF") && !text.contains("\xEF\xBF\xBE") &&
+                           !text.contains("\xEF\xBF\xBF") && std::none_of(text.begin(), text.end(), [](char unit) {
                                return unit >= 0 && unit < ' ' && unit != '\t' && unit != '\n';
                            }));
     }
