@@ -147,6 +147,8 @@ void TestSettings::unusableValueLeavesTheOthers_data()
     QTest::addColumn<int>("key");
     QTest::newRow("relative") << QByteArray("data=here/and/there") << static_cast<int>(Key::Data);
     QTest::newRow("backslashes") << QByteArray("data=C:\\Vexel\\data") << static_cast<int>(Key::Data);
+    QTest::newRow("backslashes in the other path")
+        << QByteArray("trace-file = C:\\vexel.log") << static_cast<int>(Key::TraceFile);
     QTest::newRow("empty path") << QByteArray("trace-file=") << static_cast<int>(Key::TraceFile);
     QTest::newRow("locale") << QByteArray("language=klingonisch") << static_cast<int>(Key::Language);
     QTest::newRow("flag") << QByteArray("trace=perhaps") << static_cast<int>(Key::Trace);
