@@ -3,7 +3,7 @@
 
 // From process start to the first painted dialog: the host with its plug-in, compared with a program that shows an
 // empty dialog and one that shows the same form with as many rows. The Qt plug-in firstpaint.cpp ends each program
-// after the first paint. The counter is the resident memory at that time.
+// after the first paint. The counters are the resident memory at that time and its peak.
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
@@ -17,17 +17,17 @@
 
 namespace {
 
-constexpr std::array kLengths{0, 1'000, 10'000};
+constexpr std::array kLengths{0, 1'000, 10'000, 100'000};
 
-/// The resident memory in KiB from the status file at `path`; 0 if it cannot be read.
-double ResidentKiB(const QString& path)
+/// The value of `key` in KiB from the status file at `path`; 0 if it cannot be read.
+double StatusKiB(const QString& path, const QByteArray& key)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return 0;
     for (const QByteArray& line : file.readAll().split('\n'))
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).replace("kB", "").trimmed().toDouble();
+        if (line.startsWith(key))
+            return line.mid(key.size()).replace("kB", "").trimmed().toDouble();
     return 0;
 }
 
@@ -53,7 +53,8 @@ void Time(benchmark::State& state, const QString& program, const QStringList& ar
         if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
             return state.SkipWithError("the program did not come to its first painted dialog");
     }
-    state.counters["resident, KiB"] = ResidentKiB(memory);
+    state.counters["resident, KiB"] = StatusKiB(memory, "VmRSS:");
+    state.counters["peak, KiB"] = StatusKiB(memory, "VmHWM:");
 }
 
 void StartHost(benchmark::State& state, int entries)

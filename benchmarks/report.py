@@ -94,6 +94,48 @@ def table(figures):
     return lines
 
 
+START = "start to the first painted dialog"
+SAME_FORM = "a program with the same form and rows"
+
+
+def above_empty(figures, counter, entries):
+    """The growth of a start's memory by a list, in MB."""
+    series = figures[START][PRODUCT]
+    return (series[entries].counters[counter] - series[0].counters[counter]) / 1024
+
+
+def start_ratio(figures, entries):
+    subjects = figures[START]
+    return subjects[PRODUCT][entries].seconds / subjects[SAME_FORM][entries].seconds
+
+
+def model_size(figures, entries):
+    return figures["fill the model"][PRODUCT][entries].counters["bytes per entry"] * entries / 1e6
+
+
+# What is wanted of a start: name, value, largest value. Times are compared within one run.
+AIMS = [
+    ("10,000 entries: resident memory above the empty list, MB", lambda f: above_empty(f, "resident, KiB", 10_000), 20),
+    ("100,000 entries: resident memory above the empty list, MB", lambda f: above_empty(f, "resident, KiB", 100_000), 200),
+    ("10,000 entries: peak above the empty list, MB", lambda f: above_empty(f, "peak, KiB", 10_000), 60),
+    ("10,000 entries: the model alone, MB", lambda f: model_size(f, 10_000), 6),
+    ("10,000 entries: start, ratio to the same form and rows", lambda f: start_ratio(f, 10_000), 1.5),
+    ("100,000 entries: start, ratio to the same form and rows", lambda f: start_ratio(f, 100_000), 2.0),
+]
+
+
+def aims(figures):
+    """A table of the aims that this run has figures for."""
+    rows = []
+    for name, value, largest in AIMS:
+        try:
+            measured = value(figures)
+        except KeyError:
+            continue  # another subject
+        rows.append(f"| {name} | {measured:.2f} | {largest:g} | {'met' if measured <= largest else '**missed**'} |")
+    return ["### Aims", "", "| | measured | at most | |", "|---|---:|---:|---|", *rows, ""] if rows else []
+
+
 def file_name(what):
     return "".join(c if c.isalnum() else "-" for c in what).strip("-").replace("--", "-") + ".svg"
 
@@ -165,6 +207,7 @@ def main():
              f"{context.get('compiler', 'unknown')}. Figures are medians; ~ marks a coefficient of variation above 10 %. "
              "Ratios compare with the same work done by Qt alone, in the same run. Exponents are the growth; for long lists "
              "from 1,000 entries on.", ""]
+    lines += aims(figures)
     lines += table(figures)
     for name, title in (("link.txt", "The starter link"), ("instructions.txt", "Instructions")):
         if (results / name).exists():

@@ -13,6 +13,7 @@
 #include "host/system/autostart.h"
 #include "host/system/crashdump.h"
 #include "host/system/desktop.h"
+#include "platform/cfgcenter.h"
 #include "process/arguments.h"
 #include "process/librarysearch.h"
 #include "process/standardstreams.h"
@@ -31,7 +32,14 @@ ParsedCommandLine ReadCommandLine(int& argc, char** argv)
     // --help and --version need no display, so the options are read before the QApplication exists. QCoreApplication
     // handles how each system passes arguments.
     const QCoreApplication reader(argc, argv);
-    return ParseCommandLine(QCoreApplication::arguments());
+    ParsedCommandLine commandLine = ParseCommandLine(QCoreApplication::arguments());
+    if (commandLine.outcome == ParsedCommandLine::Outcome::Run) {
+        // Reading a long list takes as long as starting Qt's part with the fonts.
+        HostOptions options = commandLine.options;
+        SetDefaults(options);
+        CfgCenter::ReadAhead(options.configDirectory);
+    }
+    return commandLine;
 }
 
 std::unique_ptr<QApplication> MakeApplication(char* program)

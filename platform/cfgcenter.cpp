@@ -7,8 +7,10 @@
 #include "platform/config/configdocument.h"
 #include "platform/config/confignames.h"
 #include "platform/config/confignode.h"
+#include "platform/config/readahead.h"
 #include "platform/tracing.h"
 #include "process/background.h"
+#include "process/freememory.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -106,6 +108,8 @@ bool FinishSave(const Documents& documents, const SaveResults& results)
         notices += documents[i]->TakeNotice();
     }
     TheStore().saveError = errors.join(QStringLiteral("; "));
+    if (!documents.empty())
+        ReturnFreeMemory();
     for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
         Tell(notice);
     return errors.isEmpty();
@@ -143,6 +147,11 @@ void StartBackgroundSave(SaveDone done)
     TheStore().backgroundSave = {number, std::move(documents), RunInBackground(std::move(work)), std::move(done)};
 }
 
+QString FileIn(const QString& directory, const QString& file)
+{
+    return directory + u'/' + file;
+}
+
 ICfg* RootNode(const QString& file, const QString& path)
 {
     Store& store = TheStore();
@@ -150,7 +159,7 @@ ICfg* RootNode(const QString& file, const QString& path)
     QString notice;
     if (!document) {
         document = std::make_shared<ConfigDocument>(
-            store.directory.isEmpty() ? QString() : store.directory + u'/' + file, store.access);
+            store.directory.isEmpty() ? QString() : FileIn(store.directory, file), store.access);
         notice = document->TakeNotice();
     }
     auto& node = store.rootNodes[{file, path}];
@@ -233,6 +242,12 @@ bool CfgCenter::Open(const QString& directory)
     return true;
 }
 
+void CfgCenter::ReadAhead(const QString& directory)
+{
+    if (!directory.isEmpty())
+        ::ReadAhead::Begin(FileIn(QDir(directory).absolutePath(), ConfigNames::ApplicationFile(View::Application)));
+}
+
 QString CfgCenter::OpenError()
 {
     return TheOpenError();
@@ -271,7 +286,10 @@ bool CfgCenter::IsAppCfgKnown(View view)
 bool CfgCenter::WasAppCfgIntact(View view)
 {
     GetAppCfg(view);
-    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->WasIntact();
+    const std::shared_ptr<ConfigDocument> document = TheStore().documents.at(ConfigNames::ApplicationFile(view));
+    const bool wasIntact = document->WasIntact();
+    Tell(document->TakeNotice());
+    return wasIntact;
 }
 
 bool CfgCenter::IsAppCfgLost(View view)

@@ -52,6 +52,11 @@ public:
     /// Returns false, with a trace, if the directory cannot be used; documents then exist in memory only.
     static bool Open(const QString& directory);
 
+    /// Host side: begins to read the application's document in the store `directory` in another thread, so that it is
+    /// there when it is first used after `Open`. Changes nothing; a document that changes meanwhile is read again. Does
+    /// nothing if `directory` is empty.
+    static void ReadAhead(const QString& directory);
+
     /// Host side: returns the system's error message after an `Open` that returned false.
     static QString OpenError();
 

@@ -19,7 +19,6 @@
 #include <QEvent>
 #include <QScopeGuard>
 
-#include <future>
 #include <utility>
 
 namespace {
@@ -41,6 +40,15 @@ public:
 private:
     const QString m_domain;
 };
+
+/// What the plug-in has found of the stored list, or would have. Nothing has been saved since.
+StoredSet LoadedSet()
+{
+    QString error;
+    const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
+    const std::optional<StoredSet> reported = dialog ? ReportedStoredSet(*dialog->Entries()) : std::nullopt;
+    return reported ? *reported : ReadStoredSet(*CfgCenter::GetAppCfg(View::Application));
+}
 
 } // namespace
 
@@ -110,16 +118,16 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
     // The list would look empty, and saving it could overwrite a good one. The reason has been reported.
     if (!CfgCenter::IsAppCfgKnown(View::Application))
         return Fail(FailureKind::ListUnreadable, QStringLiteral("the stored list cannot be read"));
-    // Read while the plug-in loads the list. Nothing is saved before the result is known.
-    std::future<StoredSet> storedSet = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
-
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance();
-        const StoredSet set = storedSet.get();
+        // First of all: it reports a change by something else, and adopts it.
+        const bool wasIntact = CfgCenter::WasAppCfgIntact(View::Application);
+        const StoredSet set = LoadedSet();
         if (const QString notice = m_mode == Mode::ReadOnly ? QString() : BackUpBrokenList(set); !notice.isEmpty())
             m_notices.Report(notice);
-        ReportLoss(set);
+        if (!wasIntact)
+            ReportLoss(set);
         if (!instance)
             Fail(FailureKind::PluginUnusable,
                  QStringLiteral("the plug-in %1 returned no instance").arg(m_options.plugin));
@@ -185,8 +193,6 @@ QString PluginSession::Save()
 /// Says how many entries a document has lost that something else than the host has written.
 void PluginSession::ReportLoss(const StoredSet& set)
 {
-    if (CfgCenter::WasAppCfgIntact(View::Application))
-        return;
     const std::optional<int> before = ReadEntryCount(*CfgCenter::GetAppCfg(View::Application));
     m_notices.Report(
         before ? QStringLiteral("entries in the list when it was saved: %1, now: %2")

@@ -5,12 +5,13 @@
 
 #include "host/plugin/connectdialog.h"
 #include "platform/icfg.h"
-#include "process/background.h"
 #include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 
 #include <QByteArray>
+#include <QObject>
 #include <QString>
+#include <QVariant>
 
 #include <memory>
 #include <vector>
@@ -72,9 +73,13 @@ StoredSet ReadStoredSet(ICfg& document)
     return ParseHex(TextIn(document));
 }
 
-std::future<StoredSet> ReadStoredSetAsync(ICfg& document)
+std::optional<StoredSet> ReportedStoredSet(const QObject& entries)
 {
-    return RunInBackground([text = TextIn(document)] { return ParseHex(text); });
+    const QVariant count = entries.property("entriesLoaded");
+    const QVariant isMalformed = entries.property("isStoredListMalformed");
+    if (!count.isValid() || !isMalformed.isValid())
+        return std::nullopt;
+    return StoredSet{isMalformed.toBool() ? StoredSet::State::Malformed : StoredSet::State::Whole, count.toInt()};
 }
 
 QByteArray ReadStoredDocument(ICfg& document)

@@ -6,12 +6,12 @@
 #include <QByteArray>
 #include <QString>
 
-#include <future>
 #include <optional>
 #include <vector>
 
 class Connection;
 class ICfg;
+class QObject;
 struct ListCopy;
 
 /// Summary of the stored entries in the application's own document, read without the plug-in.
@@ -30,9 +30,8 @@ struct StoredSet
 /// Reads the set from the document with the root node `document`. Does not keep the entries in memory.
 StoredSet ReadStoredSet(ICfg& document);
 
-/// Same, in a separate thread, because a long set takes a good part of a second. The text is taken from the document
-/// before this returns.
-std::future<StoredSet> ReadStoredSetAsync(ICfg& document);
+/// Same, as the plug-in's list `entries` reports its own reading of the stored set. None if it does not.
+std::optional<StoredSet> ReportedStoredSet(const QObject& entries);
 
 /// Returns the set itself, as a connection list document; empty if nothing is stored.
 QByteArray ReadStoredDocument(ICfg& document);

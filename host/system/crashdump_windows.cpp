@@ -61,10 +61,10 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-// abort() ends the process without an exception.
+// abort() ends the process without an exception. With this one, the exit code says that it has crashed.
 void OnAbort(int /*signal*/)
 {
-    RaiseException(static_cast<DWORD>(STATUS_FATAL_APP_EXIT), EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    RaiseException(STATUS_ASSERTION_FAILURE, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }
 
 } // namespace

@@ -4,9 +4,9 @@
 #include "platform/config/configdocument.h"
 
 #include "platform/config/documenttransaction.h"
+#include "platform/config/readahead.h"
 #include "platform/tracing.h"
 
-#include <QCryptographicHash>
 #include <QFileInfo>
 
 #include <utility>
@@ -15,9 +15,11 @@ namespace {
 
 constexpr const char* kSource = "platform/config/configdocument";
 
-QByteArray FingerprintOf(const QByteArray& content)
+ConfigDocument::Entry ChangedEntry(const QString& value)
 {
-    return QCryptographicHash::hash(content, QCryptographicHash::Blake2b_256);
+    ConfigDocument::Entry entry{CompactText(value), true};
+    entry.text.Compact();
+    return entry;
 }
 
 /// Removes the key at `path` and everything below it. Returns whether there was anything.
@@ -39,7 +41,7 @@ ConfigDocument::ConfigDocument(QString file, DocumentAccess access)
     : m_file(std::move(file))
     , m_access(access)
 {
-    if (!m_file.isEmpty())
+    if (!m_file.isEmpty() && !TakeReadAhead())
         Load();
 }
 
@@ -48,19 +50,29 @@ ConfigDocument::ConfigDocument(const DocumentText::Values& values)
     TakeOver(values);
 }
 
-std::optional<QString> ConfigDocument::Value(const QString& path) const
+ConfigDocument::~ConfigDocument()
 {
-    const auto entry = m_entries.constFind(path);
-    return entry == m_entries.cend() ? std::nullopt : std::optional(entry->text);
+    if (m_check.valid())
+        m_check.wait();
+}
+
+std::optional<QString> ConfigDocument::Value(const QString& path)
+{
+    const auto entry = m_entries.find(path);
+    if (entry == m_entries.end())
+        return std::nullopt;
+    QString text = entry->text.Text();
+    entry->text.Compact();
+    return text;
 }
 
 void ConfigDocument::SetValue(const QString& path, const QString& value)
 {
     const auto entry = m_entries.lowerBound(path);
     if (entry == m_entries.end() || entry.key() != path)
-        m_entries.insert(entry, path, {value, true});
-    else if (entry->text != value)
-        *entry = {value, true};
+        m_entries.insert(entry, path, ChangedEntry(value));
+    else if (!(entry->text == value))
+        *entry = ChangedEntry(value);
     else
         return;
     m_isChanged = true;
@@ -79,7 +91,7 @@ void ConfigDocument::TakeOver(const DocumentText::Values& values)
 {
     QMap<QString, Entry> before = std::exchange(m_entries, {});
     for (auto it = values.cbegin(); it != values.cend(); ++it)
-        m_entries.insert(m_entries.cend(), it.key(), {it.value(), false});
+        m_entries.insert(m_entries.cend(), it.key(), {CompactText(it.value()), false});
     for (const QString& path : std::as_const(m_removed))
         RemoveTree(m_entries, path);
     for (auto it = before.cbegin(); it != before.cend(); ++it)
@@ -89,7 +101,7 @@ void ConfigDocument::TakeOver(const DocumentText::Values& values)
 
 void ConfigDocument::Load()
 {
-    const LoadedDocument loaded = LoadDocument(m_file, m_access);
+    LoadedDocument loaded = LoadDocument(m_file, m_access);
     const bool isRecoverable = loaded.reading.state == DocumentReading::State::Valid;
     m_notice = loaded.notice;
     m_isKnown = loaded.reading.values && (!loaded.isRecovered || loaded.isInPlace || isRecoverable);
@@ -100,25 +112,50 @@ void ConfigDocument::Load()
                                   "it: %2")
                        .arg(m_file, loaded.reading.error);
     } else {
+        m_hadContent = !loaded.reading.content.isEmpty();
+        loaded.reading.content.clear(); // of a long list, as much again
         TakeOver(*loaded.reading.values);
-        m_fingerprint = FingerprintOf(loaded.reading.content);
     }
-    m_isChanged = !loaded.isInPlace; // the next save tries again
+    m_isChanged = m_isChanged || !loaded.isInPlace; // the next save tries again
     if (!m_notice.isEmpty())
         Trace(kSource, __LINE__, [&] { return QStringLiteral("ConfigDocument::Load(): %1").arg(m_notice); });
 }
 
+bool ConfigDocument::TakeReadAhead()
+{
+    std::optional<ReadAhead::Document> document = ReadAhead::Take(m_file);
+    if (!document)
+        return false;
+    m_hadContent = true;
+    m_check = std::move(document->isIntact);
+    TakeOver(*document->reading.values);
+    return true;
+}
+
+void ConfigDocument::FinishCheck()
+{
+    if (m_check.valid() && !m_check.get())
+        Load();
+}
+
+bool ConfigDocument::WasIntact()
+{
+    FinishCheck();
+    return m_wasIntact;
+}
+
 bool ConfigDocument::IsRemoved() const
 {
-    return m_fingerprint != FingerprintOf({}) && !m_fingerprint.isEmpty() && !QFileInfo::exists(m_file);
+    return m_hadContent && !QFileInfo::exists(m_file);
 }
 
 std::optional<ConfigDocument::SaveRequest> ConfigDocument::BeginSave(const VersionFilter& versionFilter)
 {
+    FinishCheck();
     if (m_file.isEmpty() || m_runningSave || (!m_isChanged && !IsRemoved()))
         return std::nullopt;
     m_runningSave =
-        SaveRequest{m_file, m_access, m_entries, std::exchange(m_removed, {}), m_fingerprint, m_isKnown, versionFilter};
+        SaveRequest{m_file, m_access, m_entries, std::exchange(m_removed, {}), m_hadContent, m_isKnown, versionFilter};
     for (Entry& entry : m_entries)
         entry.isChanged = false;
     m_isChanged = false;
@@ -137,7 +174,9 @@ void ConfigDocument::FinishSave(const SaveResult& result)
         return;
     }
     TakeOver(result.values);
-    m_fingerprint = result.fingerprint;
+    for (Entry& entry : m_entries)
+        entry.text.Compact();
+    m_hadContent = result.hasContent;
     m_isKnown = true;
     m_isLost = false;
     m_notice = result.notice;
@@ -153,14 +192,14 @@ using SaveResult = ConfigDocument::SaveResult;
 DocumentText::Values Merge(const SaveRequest& request, const DocumentReading& before)
 {
     // A file that was removed, damaged or made unreadable since it was read: the working copy still knows the content.
-    const bool wasRemoved = before.state == DocumentReading::State::Missing && request.fingerprint != FingerprintOf({});
+    const bool wasRemoved = before.state == DocumentReading::State::Missing && request.hadContent;
     const bool isLost = wasRemoved || before.NeedsRecovery();
     DocumentText::Values values = before.values.value_or(DocumentText::Values());
     for (const QString& path : request.removed)
         RemoveTree(values, path);
     for (auto it = request.entries.cbegin(); it != request.entries.cend(); ++it)
         if (it->isChanged || isLost)
-            values.insert(it.key(), it->text);
+            values.insert(it.key(), it->text.Text());
     return values;
 }
 
@@ -176,7 +215,9 @@ SaveResult Failure(const SaveRequest& request, int line, const QString& reason)
 {
     Trace(kSource, line,
           [&] { return QStringLiteral("ConfigDocument::RunSave(): Could not save %1: %2").arg(request.file, reason); });
-    return {QStringLiteral("%1: %2").arg(request.file, reason), {}, {}, {}, {}};
+    SaveResult result;
+    result.error = QStringLiteral("%1: %2").arg(request.file, reason);
+    return result;
 }
 
 /// What the user has to know about a save that worked; empty: nothing.
@@ -216,7 +257,7 @@ SaveResult ConfigDocument::RunSave(const SaveRequest& request)
             return Failure(request, __LINE__, transaction.Error());
     }
     transaction.Commit();
-    result.fingerprint = FingerprintOf(content);
+    result.hasContent = !content.isEmpty();
     result.notice = NoticeOf(request.file, transaction);
     if (!transaction.Warning().isEmpty())
         result.versionWarning = QStringLiteral("%1 is saved, but %2").arg(request.file, transaction.Warning());

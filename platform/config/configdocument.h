@@ -3,14 +3,15 @@
 
 #pragma once
 
+#include "platform/config/compacttext.h"
 #include "platform/config/documentloader.h"
 
-#include <QByteArray>
 #include <QMap>
 #include <QSet>
 #include <QString>
 
 #include <functional>
+#include <future>
 #include <optional>
 #include <utility>
 
@@ -27,7 +28,7 @@ class ConfigDocument
 public:
     struct Entry
     {
-        QString text;
+        CompactText text;
         bool isChanged = false;
     };
     /// What a save needs to know.
@@ -37,7 +38,7 @@ public:
         DocumentAccess access = DocumentAccess::ReadWrite;
         QMap<QString, Entry> entries; // by key path
         QSet<QString> removed;        // key paths, also of nodes; removed before changed entries are written
-        QByteArray fingerprint;       // of the file's content when it was last read or written
+        bool hadContent = false;      // the file was not missing when it was last read or written
         bool isKnown = true;
         VersionFilter versionFilter;
     };
@@ -47,7 +48,7 @@ public:
         QString notice;              ///< what else went wrong; empty: nothing
         QString versionWarning;      ///< why the earlier content did not become a version; empty: it did
         DocumentText::Values values; ///< of a saved document: what the file holds now
-        QByteArray fingerprint;
+        bool hasContent = false;     ///< the file is not missing now
     };
 
     /// Loads `file`, see `LoadDocument`; a missing one is an empty document. An empty `file` name: the document lives
@@ -55,6 +56,7 @@ public:
     ConfigDocument(QString file, DocumentAccess access);
     /// A document that lives in memory alone.
     explicit ConfigDocument(const DocumentText::Values& values);
+    ~ConfigDocument();
 
     ConfigDocument(const ConfigDocument&) = delete;
     ConfigDocument& operator=(const ConfigDocument&) = delete;
@@ -66,12 +68,13 @@ public:
     /// since is known.
     bool IsKnown() const { return m_isKnown; }
     /// False: the file's values were used as they were when it was opened, but something else had written them.
-    bool WasIntact() const { return m_wasIntact; }
+    /// Waits for the end of a check that still runs.
+    bool WasIntact();
     /// True: what the file held cannot be read, and no version of it can; nothing has been saved since.
     bool IsLost() const { return m_isLost; }
 
     /// The value at `path`; nothing where there is none.
-    std::optional<QString> Value(const QString& path) const;
+    std::optional<QString> Value(const QString& path);
     void SetValue(const QString& path, const QString& value);
     /// Removes the key at `path` and everything below it.
     void Remove(const QString& path);
@@ -88,6 +91,10 @@ public:
 
 private:
     void Load();
+    /// Loads what was read ahead. Returns false if there is nothing.
+    bool TakeReadAhead();
+    /// Loads the document again, in the usual way, if it was read ahead and turns out not to be intact.
+    void FinishCheck();
     void TakeOver(const DocumentText::Values& values);
     bool IsRemoved() const;
 
@@ -99,7 +106,8 @@ private:
     bool m_isKnown = true;
     bool m_wasIntact = true;
     bool m_isLost = false;
-    QByteArray m_fingerprint;
+    std::future<bool> m_check; // valid: the document was read ahead; whether it is intact
+    bool m_hadContent = false; // the file, when it was last read or written
     QString m_notice;
     QString m_versionWarning; // of the last save; told once
     std::optional<SaveRequest> m_runningSave;

@@ -65,6 +65,15 @@ QString HidingObstacle(const QString& file)
 
 DocumentReading ReadDocument(const QString& file)
 {
+    QString digest;
+    DocumentReading reading = ReadDocumentUnchecked(file, digest);
+    if (reading.state == State::Valid)
+        reading.isIntact = DocumentText::IsIntact(*reading.values, digest);
+    return reading;
+}
+
+DocumentReading ReadDocumentUnchecked(const QString& file, QString& digest)
+{
     const QFileInfo info(file);
     if (!info.exists()) {
         if (const QString obstacle = HidingObstacle(file); !obstacle.isEmpty())
@@ -92,7 +101,8 @@ DocumentReading ReadDocument(const QString& file)
     DocumentText::Parsed parsed = DocumentText::Parse(content);
     if (!parsed.values)
         return {State::Damaged, content, std::nullopt, true, parsed.error};
-    return {State::Valid, content, std::move(parsed.values), parsed.isIntact, {}};
+    digest = parsed.digest;
+    return {State::Valid, content, std::move(parsed.values), true, {}};
 }
 
 QString ReplaceDocument(const QString& file, const QByteArray& content)

@@ -36,6 +36,8 @@ struct DocumentReading
 };
 
 DocumentReading ReadDocument(const QString& file);
+/// Same, but takes every valid document for an intact one and sets `digest`, for `DocumentText::IsIntact`.
+DocumentReading ReadDocumentUnchecked(const QString& file, QString& digest);
 
 /// Replaces the content of `file` atomically and durably; see `WriteAtomically`. Returns why that failed, for people;
 /// empty on success.

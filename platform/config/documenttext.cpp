@@ -18,7 +18,7 @@ const QString kValues = QStringLiteral("values");
 
 DocumentText::Parsed Malformed(const QString& error)
 {
-    return {std::nullopt, false, error};
+    return {std::nullopt, {}, error};
 }
 
 DocumentText::Parsed MalformedAt(const QByteArray& text, qsizetype offset, const QString& error)
@@ -70,8 +70,14 @@ DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError)
         return MalformedAt(text, error.offset, error.errorString());
-    if (const auto at = std::find_if(text.begin(), text.end(), IsForbidden); at != text.end())
+    // Without an early end, the compiler can check many bytes at once.
+    bool isAnyForbidden = false;
+    for (const char byte : text)
+        isAnyForbidden |= IsForbidden(byte);
+    if (isAnyForbidden) {
+        const auto at = std::find_if(text.begin(), text.end(), IsForbidden);
         return MalformedAt(text, at - text.begin(), QStringLiteral("control character"));
+    }
     const QJsonObject root = document.object();
     if (!root.value(kValues).isObject() || root.size() > (root.contains(kDigest) ? 2 : 1))
         return Malformed(QStringLiteral("it is not an object with the members \"digest\" and \"values\" alone"));
@@ -84,7 +90,12 @@ DocumentText::Parsed DocumentText::Parse(const QByteArray& text)
             return Malformed(QStringLiteral("write the value of \"%1\" as a text").arg(it.key().left(80).simplified()));
         values.insert(values.cend(), it.key(), *value);
     }
-    return {values, root.value(kDigest).toString() == DigestOf(values), {}};
+    return {values, root.value(kDigest).toString(), {}};
+}
+
+bool DocumentText::IsIntact(const Values& values, const QString& digest)
+{
+    return digest == DigestOf(values);
 }
 
 QByteArray DocumentText::Write(const Values& values)

@@ -4,6 +4,7 @@
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 
+#include <QStringDecoder>
 #include <QStringEncoder>
 #include <QTest>
 
@@ -37,6 +38,8 @@ private slots:
     void otherDocumentsAreRead();
     void encodingsAreKnown_data();
     void encodingsAreKnown();
+    void plainUtf8IsReadAsItsText_data();
+    void plainUtf8IsReadAsItsText();
     void refusalNamesTheLine();
     void namesAreLocalNames();
 
@@ -272,6 +275,50 @@ void TestBoundedXmlReader::encodingsAreKnown()
     QCOMPARE(outcome.error, error);
     if (error.isEmpty())
         QCOMPARE(outcome.text, QStringLiteral(u"K\u00FCste"));
+}
+
+void TestBoundedXmlReader::plainUtf8IsReadAsItsText_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    const QByteArray entry =
+        "  <Connection a='1' b=\"&lt;\">\r\n\t<Name><![CDATA[\xC3\xA4 \xE2\x82\xAC ]] > \xF0\x9F\x93\xA1]]>"
+        "text &amp; &#x41;\r</Name><!-- -> --><?do it?><x:y/>\n  </Connection>\n";
+    const QByteArray document =
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<List>\n" + entry.repeated(40) + "</List>\n";
+    QTest::newRow("complete") << document;
+    // Qt's reader decodes some 1,000 bytes at a time: all cuts and faults that can meet a boundary of these parts.
+    for (qsizetype at = 900; at < 2500; ++at) {
+        QTest::addRow("cut off at %d", static_cast<int>(at)) << document.first(at);
+        QTest::addRow("control character at %d", static_cast<int>(at)) << QByteArray(document).insert(at, '\x01');
+        QTest::addRow("markup at %d", static_cast<int>(at)) << QByteArray(document).insert(at, "]]><");
+        QTest::addRow("shifted by %d", static_cast<int>(at)) << QByteArray(document).insert(60, QByteArray(at, ' '));
+    }
+}
+
+/// Documents that declare UTF-8 are decoded in parts. That must not show in any token, error or place.
+void TestBoundedXmlReader::plainUtf8IsReadAsItsText()
+{
+    QFETCH(const QByteArray, document);
+    BoundedXmlReader parts(document);
+    QStringDecoder decoder(QStringConverter::Utf8);
+    const QString text = decoder(document);
+    if (decoder.hasError()) {
+        QVERIFY(parts.hasError());
+        return;
+    }
+    QXmlStreamReader whole(text);
+    whole.setNamespaceProcessing(false);
+    while (!whole.atEnd()) {
+        QCOMPARE(parts.readNext(), whole.readNext());
+        QCOMPARE(parts.qualifiedName(), whole.qualifiedName());
+        QCOMPARE(parts.text(), whole.text());
+        QCOMPARE(parts.attributes(), whole.attributes());
+        QCOMPARE(parts.lineNumber(), whole.lineNumber());
+        QCOMPARE(parts.columnNumber(), whole.columnNumber());
+    }
+    QVERIFY(parts.atEnd());
+    QCOMPARE(parts.error(), whole.error());
+    QCOMPARE(parts.errorString(), whole.errorString());
 }
 
 void TestBoundedXmlReader::refusalNamesTheLine()

@@ -95,6 +95,8 @@ void TestStoredSet::constructorLoadsSetWithStatusFree()
     const ConnectionsModel model(nullptr, kName);
     QCOMPARE(AllFields(model),
              (QList<QStringList>{FreeFields(SampleEntry(3)), FreeFields(SampleEntry(1)), FreeFields(SampleEntry(2))}));
+    QCOMPARE(model.property("entriesLoaded"), 3);
+    QCOMPARE(model.property("isStoredListMalformed"), false);
 }
 
 void TestStoredSet::longSetIsNotCutOff()
@@ -253,6 +255,8 @@ void TestStoredSet::malformedValueLoadsEntriesBeforeError()
     QCOMPARE(recorder.Reports().size(), 1);
     QCOMPARE(recorder.Reports().first().line, quint16{612});
     QCOMPARE(model.rowCount(), rows);
+    QCOMPARE(model.property("entriesLoaded"), rows);
+    QCOMPARE(model.property("isStoredListMalformed"), !text.isEmpty());
     for (int row = 0; row < std::min(rows, 2); ++row)
         QCOMPARE(Fields(model.GetConnection(row)), FreeFields(SampleEntry(row + 1)));
 }

@@ -21,7 +21,7 @@ private slots:
     void entriesAreCounted();
     void everyTruncationIsMalformed();
     void entitiesAreNotExpanded();
-    void laterChangesAreIgnored();
+    void reportOfTheListIsUsed();
     void editedHexIsReadLikeThePlugin_data();
     void editedHexIsReadLikeThePlugin();
 };
@@ -105,15 +105,19 @@ void TestHostStoredSet::entitiesAreNotExpanded()
     QCOMPARE(Look().entries, 0);
 }
 
-void TestHostStoredSet::laterChangesAreIgnored()
+void TestHostStoredSet::reportOfTheListIsUsed()
 {
-    StoreList(ListOf(1000).chopped(30));
-    std::future<StoredSet> begun = ReadStoredSetAsync(*CfgCenter::GetAppCfg(View::Application));
-    StoreList(ListOf(1));
-    CfgCenter::Close();
-    const StoredSet set = begun.get();
-    QCOMPARE(set.state, State::Malformed);
-    QCOMPARE(set.entries, 1000);
+    QObject list;
+    QVERIFY(!ReportedStoredSet(list));
+    list.setProperty("entriesLoaded", 7);
+    QVERIFY(!ReportedStoredSet(list));
+    for (const bool isMalformed : {false, true}) {
+        list.setProperty("isStoredListMalformed", isMalformed);
+        const std::optional<StoredSet> set = ReportedStoredSet(list);
+        QVERIFY(set);
+        QCOMPARE(set->state, isMalformed ? State::Malformed : State::Whole);
+        QCOMPARE(set->entries, 7);
+    }
 }
 
 void TestHostStoredSet::editedHexIsReadLikeThePlugin_data()

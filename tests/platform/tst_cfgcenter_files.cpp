@@ -481,8 +481,12 @@ private slots:
         const QByteArray typed = Files::Read(DocumentFile());
         QCOMPARE(Document()->GetInt(kKey, 0, 0), 5);
         QCOMPARE(Child(kOther)->GetString(kKey, kNone, 0), kValue);
-        QVERIFY(!DocumentText::Parse(typed).isIntact);
-        QVERIFY(DocumentText::Parse(Files::Read(DocumentFile())).isIntact);
+        const auto isIntact = [](const QByteArray& text) {
+            const DocumentText::Parsed parsed = DocumentText::Parse(text);
+            return DocumentText::IsIntact(*parsed.values, parsed.digest);
+        };
+        QVERIFY(!isIntact(typed));
+        QVERIFY(isIntact(Files::Read(DocumentFile())));
         const QList<ConfigVersion> versions = ConfigVersions(View::Shared, QStringLiteral("Document")).List();
         QCOMPARE(versions.size(), 1);
         QCOMPARE(Files::Read(versions.front().file), typed);

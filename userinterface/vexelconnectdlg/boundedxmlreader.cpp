@@ -5,6 +5,7 @@
 
 #include <QRegularExpression>
 #include <QStringDecoder>
+#include <QUtf8StringView>
 
 namespace {
 
@@ -19,14 +20,21 @@ QByteArray DeclaredEncoding(const QByteArray& document)
     return kEncoding.match(QString::fromLatin1(document.left(kLongestDeclaration))).captured(1).toLatin1();
 }
 
-/// Finds the markup that Qt's reader takes long for, by one pass over the text.
+/// Returns whether the document begins with the declaration of UTF-8 that `ConnectionList` writes, and is UTF-8.
+bool IsPlainUtf8(const QByteArray& document)
+{
+    constexpr QByteArrayView kDeclaration("<?xml version=\"1.0\" encoding=\"utf-8\"?>");
+    return document.startsWith(kDeclaration) && QUtf8StringView(document).isValidUtf8();
+}
+
+/// Finds the markup that Qt's reader takes long for, by one pass over the text, which is UTF-8.
 ///
 /// Up to the first error it splits the text exactly as Qt's reader does, so nothing can be hidden from it. What it
 /// finds behind an error does not matter, because Qt's reader stops there.
 class Scanner
 {
 public:
-    Scanner(QStringView text, const XmlLimits& limits)
+    Scanner(QByteArrayView text, const XmlLimits& limits)
         : m_text(text)
         , m_limits(limits)
     {
@@ -50,29 +58,29 @@ private:
     /// Reads from "<" up to the ">" that belongs to it.
     void ReadMarkup()
     {
-        const QStringView markup = m_text.sliced(m_at++);
-        if (markup.startsWith(u"</"))
+        const QByteArrayView markup = m_text.sliced(m_at++);
+        if (markup.startsWith("</"))
             ReadEndTag();
-        else if (markup.startsWith(u"<?"))
-            SkipNode(u"?>");
-        else if (markup.startsWith(u"<!--"))
-            SkipNode(u"-->", 3);
-        else if (markup.startsWith(u"<![CDATA["))
-            SkipBehind(u"]]>");
-        else if (markup.startsWith(u"<!DOCTYPE"))
+        else if (markup.startsWith("<?"))
+            SkipNode("?>");
+        else if (markup.startsWith("<!--"))
+            SkipNode("-->", 3);
+        else if (markup.startsWith("<![CDATA["))
+            SkipBehind("]]>");
+        else if (markup.startsWith("<!DOCTYPE"))
             ReadDocumentType();
         else
             ReadStartTag();
     }
 
-    void SkipBehind(QStringView token)
+    void SkipBehind(QByteArrayView token)
     {
         const qsizetype begin = m_text.indexOf(token, m_at);
         m_at = begin < 0 ? m_text.size() : begin + token.size();
     }
 
     /// Skips a comment or a processing instruction, whose end is at least `distance` behind.
-    void SkipNode(QStringView end, qsizetype distance = 1)
+    void SkipNode(QByteArrayView end, qsizetype distance = 1)
     {
         m_at += distance;
         SkipBehind(end);
@@ -82,21 +90,21 @@ private:
     void SkipText()
     {
         const qsizetype begin = m_at;
-        const qsizetype markup = m_text.indexOf(u'<', m_at);
+        const qsizetype markup = m_text.indexOf('<', m_at);
         m_at = markup < 0 ? m_text.size() : markup;
         CountReferences(begin);
     }
 
-    void SkipValue(QChar quote)
+    void SkipValue(char quote)
     {
         const qsizetype begin = m_at;
-        SkipBehind(QStringView(&quote, 1));
+        SkipBehind(QByteArrayView(&quote, 1));
         CountReferences(begin);
     }
 
     void CountReferences(qsizetype begin)
     {
-        m_references += m_text.sliced(begin, m_at - begin).count(u'&');
+        m_references += m_text.sliced(begin, m_at - begin).count('&');
         RefuseIf(m_references > m_limits.references, "it has more than %1 references", m_limits.references);
     }
 
@@ -104,12 +112,12 @@ private:
     {
         CountNodes(1);
         while (!AtEnd()) {
-            const QChar unit = m_text.at(m_at++);
-            if (unit == u'>')
+            const char unit = m_text.at(m_at++);
+            if (unit == '>')
                 return;
-            if (unit == u'"' || unit == u'\'')
-                SkipBehind(QStringView(&unit, 1));
-            else if (unit == u'[')
+            if (unit == '"' || unit == '\'')
+                SkipBehind(QByteArrayView(&unit, 1));
+            else if (unit == '[')
                 return RefuseIf(true, "its document type has an internal subset");
         }
     }
@@ -117,7 +125,7 @@ private:
     void ReadEndTag()
     {
         --m_depth;
-        SkipBehind(u">");
+        SkipBehind(">");
     }
 
     void ReadStartTag()
@@ -125,12 +133,12 @@ private:
         int attributes = 0;
         bool isEmpty = false;
         for (bool isOpen = true; isOpen && !AtEnd();) {
-            const QChar unit = m_text.at(m_at++);
-            isOpen = unit != u'>';
-            isEmpty = !isOpen && m_text.at(m_at - 2) == u'/';
-            if (unit == u'"' || unit == u'\'')
+            const char unit = m_text.at(m_at++);
+            isOpen = unit != '>';
+            isEmpty = !isOpen && m_text.at(m_at - 2) == '/';
+            if (unit == '"' || unit == '\'')
                 SkipValue(unit);
-            else if (unit == u'=')
+            else if (unit == '=')
                 ++attributes;
         }
         ++m_depth;
@@ -154,11 +162,11 @@ private:
             return;
         QString text = QLatin1String(reason);
         text.replace(QLatin1String("%1"), QString::number(limit));
-        const qsizetype line = m_text.first(m_at).count(u'\n') + 1;
+        const qsizetype line = m_text.first(m_at).count('\n') + 1;
         m_refusal = QStringLiteral("The document is refused in line %1: %2.").arg(line).arg(text);
     }
 
-    const QStringView m_text;
+    const QByteArrayView m_text;
     const XmlLimits m_limits;
     qsizetype m_at = 0;
     qsizetype m_depth = 0;
@@ -170,31 +178,37 @@ private:
 } // namespace
 
 BoundedXmlReader::BoundedXmlReader(const QByteArray& document, const XmlLimits& limits)
-    : BoundedXmlReader(Decode(document, limits))
+    : BoundedXmlReader(Check(document, limits))
 {
 }
 
-BoundedXmlReader::BoundedXmlReader(const Text& text)
-    : QXmlStreamReader(text.text)
+BoundedXmlReader::BoundedXmlReader(const Source& source)
+    : QXmlStreamReader(source.text)
 {
+    if (!source.utf8.isEmpty()) {
+        m_utf8.setData(source.utf8);
+        m_utf8.open(QIODevice::ReadOnly);
+        setDevice(&m_utf8);
+    }
     setNamespaceProcessing(false);
     setEntityExpansionLimit(0);
-    if (!text.refusal.isEmpty())
-        raiseError(text.refusal);
+    if (!source.refusal.isEmpty())
+        raiseError(source.refusal);
 }
 
-/// Qt's reader gets the text, not the bytes: with the bytes it could decode them differently from what was checked.
-BoundedXmlReader::Text BoundedXmlReader::Decode(const QByteArray& document, const XmlLimits& limits)
+BoundedXmlReader::Source BoundedXmlReader::Check(const QByteArray& document, const XmlLimits& limits)
 {
+    // Of these, Qt's reader decodes a small part at a time, which takes less memory and time.
+    if (IsPlainUtf8(document))
+        return {{}, document, Scanner(document, limits).Refusal()};
+    // Of all others it gets the text: with the bytes it could decode them differently from what was checked.
     QStringDecoder decoder(QStringConverter::encodingForData(document, u'<').value_or(QStringConverter::Utf8));
     if (const QByteArray name = DeclaredEncoding(document); !name.isEmpty())
         decoder = QStringDecoder(name.constData());
     if (!decoder.isValid())
-        return {{}, QStringLiteral("The encoding that the document declares is not supported.")};
-    QString text = decoder(document);
+        return {{}, {}, QStringLiteral("The encoding that the document declares is not supported.")};
+    const QString text = decoder(document);
     if (decoder.hasError())
-        return {{}, QStringLiteral("The document has bytes that its encoding does not allow.")};
-    if (QString refusal = Scanner(text, limits).Refusal(); !refusal.isEmpty())
-        return {{}, refusal};
-    return {text, {}};
+        return {{}, {}, QStringLiteral("The document has bytes that its encoding does not allow.")};
+    return {text, {}, Scanner(text.toUtf8(), limits).Refusal()};
 }

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QBuffer>
 #include <QByteArray>
 #include <QString>
 #include <QXmlStreamReader>
@@ -34,11 +35,14 @@ public:
     explicit BoundedXmlReader(const QByteArray& document, const XmlLimits& limits = {});
 
 private:
-    struct Text
+    struct Source
     {
         QString text;
-        QString refusal; ///< empty: the text can be read
+        QByteArray utf8; ///< read in place of `text`, if not empty
+        QString refusal; ///< empty: the document can be read
     };
-    explicit BoundedXmlReader(const Text& text);
-    static Text Decode(const QByteArray& document, const XmlLimits& limits);
+    explicit BoundedXmlReader(const Source& source);
+    static Source Check(const QByteArray& document, const XmlLimits& limits);
+
+    QBuffer m_utf8;
 };

@@ -6,6 +6,7 @@
 #include "platform/config/documentfile.h"
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/writtenlist.h"
 
 #include <QDomDocument>
 
@@ -310,6 +311,8 @@ QString ReadError::Sentence() const
 
 bool Read(const QByteArray& document, const Consumer& consumer, const Room& room, ReadError* error)
 {
+    if (ReadWrittenList(document, consumer, room))
+        return true;
     ReadError ignored;
     return Reader(document, consumer, room).Read(error ? *error : ignored);
 }

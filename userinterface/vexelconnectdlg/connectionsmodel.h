@@ -16,6 +16,9 @@
 ///
 /// Views, filter and launcher read and change the entries through this model. The constructor loads the entries from
 /// the product configuration and the destructor stores them there, under the object name as key. GUI thread only.
+///
+/// Two dynamic properties tell the host how the last load went, so that it need not read the stored list itself:
+/// "entriesLoaded" (int), and "isStoredListMalformed" (bool), true if only the entries before an error were loaded.
 class ConnectionsModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -87,7 +90,7 @@ public:
     bool FromByteArray(const QByteArray& document);
     /// Same, for a document that this model has written: no list is ever cut off, even if editing has made it larger
     /// than one that can be imported.
-    bool RestoreByteArray(const QByteArray& document);
+    bool RestoreByteArray(const QByteArray& document, ConnectionList::ReadError* error = nullptr);
 
     /// Load all entries from the configuration or store them there. Return false, with a trace, only if the object name
     /// is empty.
@@ -114,7 +117,8 @@ private:
     /// Returns the entry of `index`; null if the index is outside the table or belongs to another model.
     const Connection* EntryAt(const QModelIndex& index) const;
     void SetStatus(int row, int status);
-    bool Append(const QByteArray& document, const ConnectionList::Room& room);
+    bool Append(const QByteArray& document, const ConnectionList::Room& room,
+                ConnectionList::ReadError* error = nullptr);
     /// Moves the marked entries after the others; both keep their order.
     void MoveToEnd(const std::vector<bool>& marked);
 
