@@ -13,6 +13,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -24,16 +25,13 @@ constexpr qint64 kMaximumSize = qint64{1024} * 1024;
 constexpr std::array kAllKeys = {Settings::Key::Data, Settings::Key::Language, Settings::Key::Trace,
                                  Settings::Key::TraceFile};
 
-/// Returns why nothing can be read from `file`; empty if its keys can.
-QString ReadingObstacle(const QString& file)
+/// Returns whether the line that sets `key` has a backslash, which QSettings takes for an escape.
+bool HasBackslash(const QByteArray& content, const QString& key)
 {
-    QString error;
-    const std::optional<QByteArray> content = ReadRegularFile(file, kMaximumSize, &error);
-    if (!content)
-        return QStringLiteral("cannot be read: %1").arg(error);
-    // QSettings takes these for the end of a line.
-    return content->contains('\0') || !content->isValidUtf8() ? QStringLiteral("damaged: not a text in UTF-8")
-                                                              : QString();
+    const QList<QByteArray> lines = content.split('\n');
+    return std::any_of(lines.cbegin(), lines.cend(), [name = key.toUtf8()](const QByteArray& line) {
+        return line.left(line.indexOf('=')).trimmed() == name && line.contains('\\');
+    });
 }
 
 /// A file for everybody can name a file in each user's home folder.
@@ -44,8 +42,7 @@ QString ExpandedPath(const QString& text)
 
 QString PathError(const QString& path)
 {
-    // A single backslash in such a file is an escape.
-    return QDir::isAbsolutePath(path) ? QString() : QStringLiteral("not an absolute path with slashes: %1").arg(path);
+    return QDir::isAbsolutePath(path) ? QString() : QStringLiteral("not an absolute path: %1").arg(path);
 }
 
 QString ValueError(Settings::Key key, const QString& text)
@@ -108,17 +105,27 @@ void Settings::Read(const QString& file)
         m_files.append({file, QStringLiteral("IGNORED: ") + state});
         m_problems.append(QStringLiteral("%1: ignored: %2").arg(file, state));
     };
-    if (const QString obstacle = ReadingObstacle(file); !obstacle.isEmpty())
-        return ignore(obstacle);
-    const QSettings content(file, QSettings::IniFormat);
-    QStringList unknown = content.allKeys();
+    QString error;
+    const std::optional<QByteArray> content = ReadRegularFile(file, kMaximumSize, &error);
+    if (!content)
+        return ignore(QStringLiteral("cannot be read: %1").arg(error));
+    // QSettings takes these for the end of a line.
+    if (content->contains('\0') || !content->isValidUtf8())
+        return ignore(QStringLiteral("damaged: not a text in UTF-8"));
+    const QSettings settings(file, QSettings::IniFormat);
+    QStringList unknown = settings.allKeys();
     // Of a file with such a line nothing is certain.
-    if (content.status() != QSettings::NoError)
+    if (settings.status() != QSettings::NoError)
         return ignore(QStringLiteral("damaged: a line is neither a section nor \"key=value\""));
     m_files.append({file, QStringLiteral("read")});
-    for (const Key key : kAllKeys)
-        if (unknown.removeOne(Name(key)))
-            Take(file, key, content.value(Name(key)).toStringList().join(QStringLiteral(", ")));
+    for (const Key key : kAllKeys) {
+        if (!unknown.removeOne(Name(key)))
+            continue;
+        if (HasBackslash(*content, Name(key)))
+            m_problems.append(QStringLiteral("%1: %2: write / in place of \\").arg(file, Name(key)));
+        else
+            Take(file, key, settings.value(Name(key)).toStringList().join(QStringLiteral(", ")));
+    }
     for (const QString& name : std::as_const(unknown))
         m_problems.append(QStringLiteral("%1: unknown key: %2").arg(file, name));
 }
