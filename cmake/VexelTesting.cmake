@@ -9,9 +9,9 @@
 # (tests/support/testmain.h). ALONE gives the class a separate executable, and says why it needs one.
 #
 # Each entry runs on the offscreen platform and has its own configuration, data and home folders in the build folder, so
-# that no test touches the user's files. XVFB runs it in a real window instead, on a virtual X server with a window
-# manager. DEPENDS names targets that the test starts or loads at run time. Tests with the same RESOURCE_LOCK, such as
-# the product's fixed port, never run at the same time.
+# that no test touches the user's files or reads the machine's settings. XVFB runs it in a real window instead, on a
+# virtual X server with a window manager. DEPENDS names targets that the test starts or loads at run time. Tests with the
+# same RESOURCE_LOCK, such as the product's fixed port, never run at the same time.
 #
 # For each entry, the target build_<name> builds everything that the entry needs. For entries without a Qt Test class,
 # vexel_entry_needs(<name> <targets>) adds this target. `./test -R <name>` builds these targets.
@@ -116,7 +116,7 @@ function(vexel_add_test)
             set(cost 30)
         endif()
     endif()
-    set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
+    set(environment "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_CONFIG_DIRS=${home}/system;XDG_DATA_HOME=${home}/data;XDG_RUNTIME_DIR=${home};LC_ALL=C.UTF-8;LANGUAGE=en;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=${strict_strings}:detect_stack_use_after_return=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
     set_tests_properties(${arg_NAME} PROPERTIES
         TIMEOUT ${timeout}
         COST ${cost}

@@ -8,8 +8,10 @@
 #include "control/controlserver.h"
 #include "host/commands/dialogcommands.h"
 #include "host/desktop/dialogsession.h"
+#include "host/desktop/operatorguide.h"
 #include "host/output/console.h"
 #include "host/plugin/connectdialog.h"
+#include "host/plugin/datadirectory.h"
 #include "host/plugin/pluginsession.h"
 #include "host/system/signalwatcher.h"
 #include "platform/instancelock.h"
@@ -77,7 +79,8 @@ ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& sess
 {
     DialogSession desktop(
         dialog, m_notices, [&session] { return session.Save(); },
-        [&session](auto done) { session.SaveAsync(std::move(done)); });
+        [&session](auto done) { session.SaveAsync(std::move(done)); },
+        {OperatorGuide::File(QCoreApplication::applicationDirPath()), m_options.autostartOptions});
     QObject::connect(&signalWatcher, &SignalWatcher::SessionEnding, &desktop, &DialogSession::Save);
     QObject::connect(&desktop, &DialogSession::QuitRequested, qApp, [] { QCoreApplication::exit(); });
 
@@ -91,6 +94,12 @@ ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& sess
         m_notices.Report(QStringLiteral("vexelctl cannot speak with this host: %1").arg(error));
 
     desktop.Start(m_options.hidden);
+    // A hidden host has nobody in front of it.
+    if (session.UsesSamples() && !m_options.hidden && !DataDirectory::IsSamplesNoticeShown()) {
+        Console::PrintError(QStringLiteral("no data directory is set, so the installed samples are used"));
+        desktop.ShowSamplesAreUsed();
+        DataDirectory::SetSamplesNoticeShown();
+    }
     QCoreApplication::exec();
     server.Close();
     return ExitCode::Done;

@@ -2,12 +2,16 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "host/application.h"
+#include "host/desktop/desktopdescription.h"
 #include "host/desktop/programicon.h"
 #include "host/desktop/startfailure.h"
 #include "host/options/hostoptions.h"
+#include "host/options/settings.h"
 #include "host/output/console.h"
 #include "host/output/qtmessages.h"
 #include "host/output/tracelog.h"
+#include "host/system/autostart.h"
+#include "host/system/crashdump.h"
 #include "host/system/desktop.h"
 #include "platform/cfgcenter.h"
 #include "process/arguments.h"
@@ -47,6 +51,30 @@ std::unique_ptr<QApplication> MakeApplication(char* program)
     return std::make_unique<QApplication>(argc, argv.data());
 }
 
+ExitCode SwitchAutostart(const HostOptions& options, int& argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const bool isOn = options.autostart.value_or(false);
+    if (const QString error = Autostart::Set(isOn, options.autostartOptions); !error.isEmpty()) {
+        Console::PrintError(error);
+        return ExitCode::Unusable;
+    }
+    Console::Print(isOn ? QStringLiteral("This user's session starts the host: %1").arg(Autostart::Place())
+                        : QStringLiteral("This user's session does not start the host."));
+    return ExitCode::Done;
+}
+
+/// Prints a description of the desktop for a report.
+ExitCode DescribeDesktop(char* program)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !HasDesktop()) {
+        Console::PrintError(QStringLiteral("there is no display"));
+        return ExitCode::Unusable;
+    }
+    const std::unique_ptr<QApplication> application = MakeApplication(program);
+    return Console::PrintBytes(DesktopDescription()) ? ExitCode::Done : ExitCode::Unusable;
+}
+
 ExitCode Fail(ExitCode code, StartFailure::Kind kind, const QString& error, const HostOptions& options = {})
 {
     Console::PrintError(error);
@@ -56,7 +84,7 @@ ExitCode Fail(ExitCode code, StartFailure::Kind kind, const QString& error, cons
 
 ExitCode Run(int& argc, char** argv)
 {
-    const ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
+    ParsedCommandLine commandLine = ReadCommandLine(argc, argv);
     switch (commandLine.outcome) {
     case ParsedCommandLine::Outcome::Print:
         return Console::PrintRaw(commandLine.text) ? ExitCode::Done : ExitCode::Unusable;
@@ -66,18 +94,32 @@ ExitCode Run(int& argc, char** argv)
     case ParsedCommandLine::Outcome::Run:
         break;
     }
-    const HostOptions& options = commandLine.options;
+    HostOptions& options = commandLine.options;
+    if (options.describesDesktop)
+        return DescribeDesktop(argv[0]);
+    const Settings settings;
+    ApplySettings(options, settings);
+    const bool isTraceFileGiven = !options.traceFile.isEmpty();
+    ApplyTraceSettings(options, settings);
     if (const QString error = DataDirectoryError(options.dataDirectory, false); !error.isEmpty())
         return Fail(ExitCode::Usage, StartFailure::Kind::DataDirectory, error, options);
+    if (options.autostart)
+        return SwitchAutostart(options, argc, argv);
     TraceLog traceLog;
-    if (const QString error = traceLog.Start(options.trace, options.traceFile); !error.isEmpty()) {
-        return Fail(ExitCode::Unusable, StartFailure::Kind::TraceFile,
-                    QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error), options);
+    if (const QString reason = traceLog.Start(options.trace, options.traceFile); !reason.isEmpty()) {
+        const QString error = QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, reason);
+        if (isTraceFileGiven)
+            return Fail(ExitCode::Unusable, StartFailure::Kind::TraceFile, error, options);
+        // The user may not be able to change the settings file.
+        Console::PrintError(error);
+        traceLog.Start(options.trace, QString());
     }
+    settings.TraceProblems();
     if (const QString error = ConfigDirectoryError(options); !error.isEmpty()) {
         return Fail(ExitCode::Unusable, StartFailure::Kind::NoConfigurationFolder,
                     QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error), options);
     }
+    CrashDumps::Install(options.configDirectory.isEmpty() ? DefaultConfigDirectory() : options.configDirectory);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !HasDesktop()) {
         return Fail(ExitCode::Unusable, StartFailure::Kind::NoDisplay,
                     QStringLiteral("there is no display to show the dialog on; vexelctl needs none"), options);

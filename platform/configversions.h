@@ -3,10 +3,10 @@
 
 #pragma once
 
-#include "platform/configversion.h"
 #include "platform/platformexport.h"
 #include "platform/view.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -14,6 +14,13 @@
 #include <optional>
 
 class ICfg;
+
+/// An earlier version of a configuration document.
+struct ConfigVersion
+{
+    QString file;    ///< absolute path
+    QDateTime saved; ///< when this version was written to the document; local time
+};
 
 /// Host side: the earlier versions of one document. A save that changes a document keeps its earlier content in a
 /// folder beside it, unless the filter of `CfgCenter::SetVersionFilter` says otherwise: the newest ten versions, and
@@ -24,6 +31,7 @@ class ICfg;
 class VEXELPLATFORM_EXPORT ConfigVersions
 {
 public:
+    /// @param view the view of the document.
     /// @param name the document's, as for `CfgCenter::CreateCfg`; empty: the application's own document in `view`.
     ConfigVersions(View view, const QString& name);
 

@@ -25,6 +25,7 @@ public:
     ErrorHandler(const ErrorHandler&) = delete;
     ErrorHandler& operator=(const ErrorHandler&) = delete;
 
+    /// Returns the one instance of the process.
     static ErrorHandler& Instance();
 
     /// Returns the enabled kinds as a bit mask. Default: assertions only.

@@ -15,10 +15,12 @@ public:
     GuiBase(const GuiBase&) = delete;
     GuiBase& operator=(const GuiBase&) = delete;
 
+    /// Returns the one instance of the process.
     static GuiBase& Instance();
 
     /// Returns the main widget; null until one is set and after it has been destroyed. Not owned.
     QWidget* GetMainWidget() const;
+    /// Sets the main widget; null for none. Not owned.
     void SetMainWidget(QWidget* widget);
 
     /// Gives `widget` the size and the position stored under its object name. Keeps it whole on a screen from now on,

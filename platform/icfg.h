@@ -26,10 +26,16 @@ public:
     virtual ICfg* OpenChild(const QString& key, int flag) = 0;
     /// Removes the value of `key` and the child node of that name. It is not an error if they do not exist.
     virtual void Remove(const QString& key, int flag) = 0;
+    /// Returns the text of `key`.
     virtual QString GetString(const QString& key, const QString& defaultValue, int mode) = 0;
+    /// Returns the value of `key` as a decimal number.
     virtual int GetInt(const QString& key, int defaultValue, int mode) = 0;
+    /// Returns the value of `key`: "true" or "1", "false" or "0".
     virtual bool GetBool(const QString& key, bool defaultValue, int mode) = 0;
+    /// Sets the text of `key`.
     virtual void SetString(const QString& key, const QString& value, int flag) = 0;
+    /// Sets the value of `key` to a number.
     virtual void SetInt(const QString& key, int value, int flag) = 0;
+    /// Sets the value of `key` to "true" or "false".
     virtual void SetBool(const QString& key, bool value, int flag) = 0;
 };

@@ -21,19 +21,21 @@ class FileLock;
 class VEXELPLATFORM_EXPORT InstanceLock
 {
 public:
+    /// The outcome of `TryLock`.
     enum class Result {
         Locked,
         Busy,    ///< another host uses the directory
         Unusable ///< the directory cannot be created or written
     };
+    /// Whether a host uses a directory.
     enum class State { Nobody, Somebody, Unknown };
     /// The host that uses a directory.
     struct Owner
     {
-        State state = State::Nobody;
-        qint64 process = 0; ///< process ID; 0 if unknown
-        QString program;    ///< empty if unknown
-        QString address;    ///< where it takes requests; empty if unknown or nowhere
+        State state = State::Nobody; ///< `Unknown` if the lock file cannot be opened
+        qint64 process = 0;          ///< process ID; 0 if unknown
+        QString program;             ///< empty if unknown
+        QString address;             ///< where it takes requests; empty if unknown or nowhere
     };
 
     InstanceLock();

@@ -86,6 +86,7 @@ public:
     /// waiting. Bytes for a connection that is not open are discarded.
     virtual void Write(const char* data, quint64 length) = 0;
     /// Copies received bytes to `buffer`. Bytes are available only within `OnRead`.
+    /// @param buffer takes the bytes.
     /// @param length in: the size of `buffer`; out: the number of bytes copied, which may be 0.
     /// @param flag true to leave the bytes for the next read.
     /// @throw std::runtime_error on a server, if the connection is not open, or if `buffer` or `length` is null.
@@ -119,16 +120,18 @@ public:
 class CInterfaceCreator
 {
 public:
-    static constexpr int kMaximumPeers = 16;
-    static constexpr int kMinimumPeerTime = 250; ///< milliseconds
-    static constexpr int kShortestPeerTime = 10; ///< milliseconds
-    static constexpr int kMaximumBytesPerCall = 64 * 1024;
-    static constexpr int kMaximumBytesPerRead = 4 * 1024;
-    static constexpr int kReadBurst = 1024 * 1024;
-    static constexpr int kReadBytesPerSecond = 4 * 1024;
-    static constexpr int kMaximumBytesUnsent = 64 * 1024;
+    // The limits; see the top of this file.
+    static constexpr int kMaximumPeers = 16;               ///< peers of a server at a time
+    static constexpr int kMinimumPeerTime = 250;           ///< milliseconds
+    static constexpr int kShortestPeerTime = 10;           ///< milliseconds
+    static constexpr int kMaximumBytesPerCall = 64 * 1024; ///< bytes read from one connection
+    static constexpr int kMaximumBytesPerRead = 4 * 1024;  ///< bytes of one `OnRead`
+    static constexpr int kReadBurst = 1024 * 1024;         ///< bytes from all peers at once
+    static constexpr int kReadBytesPerSecond = 4 * 1024;   ///< bytes from all peers per second after that
+    static constexpr int kMaximumBytesUnsent = 64 * 1024;  ///< bytes waiting to be sent to a peer
 
     /// Creates the server or client for `address` and opens it.
+    /// @param address "TCP::PORT" or "TCP:HOST:PORT"; see the top of this file.
     /// @param callback receives the events; must not be null.
     /// @param number time-out in milliseconds, accurate to 5 %; 0 for none. A peer that sends nothing for this time is
     ///        closed; an attempt to connect that takes this long fails.

@@ -15,6 +15,7 @@ public:
     TranslationCenter(const TranslationCenter&) = delete;
     TranslationCenter& operator=(const TranslationCenter&) = delete;
 
+    /// Returns the one instance of the process.
     static TranslationCenter& Instance();
 
     /// Loads `domain`_<locale>.qm and installs it, from the product's directory or else from Qt's, which has Qt's own
@@ -24,9 +25,10 @@ public:
     /// Undoes one registration of `domain`; the last one removes its translation. Ignores an unknown domain.
     void Unregister(const QString& domain);
 
-    /// Host side, before the first `Register`: set the language and the directory of the .qm files. Defaults: the
-    /// system's locale and the translations of the installed product.
+    /// Host side, before the first `Register`: sets the language. The default is the system's.
     void SetLocale(const QLocale& locale);
+    /// Host side, before the first `Register`: sets the directory of the .qm files. The default is the installed
+    /// product's, relative to the program.
     void SetDirectory(const QString& directory);
 
 private:

@@ -4,7 +4,7 @@
 #include "starter/hostprocess.h"
 
 #include "host/output/starterrorfile.h"
-#include "starter/windowscommandline.h"
+#include "process/windowscommandline.h"
 
 #include <QDir>
 #include <QScopeGuard>

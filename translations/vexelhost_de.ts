@@ -22,12 +22,36 @@
         <source>The connect dialog reappears when the last application has ended. Run kitestarter to show it now.</source>
         <translation>Der Verbindungsdialog erscheint wieder, sobald die letzte Anwendung beendet ist. Mit kitestarter wird er sofort angezeigt.</translation>
     </message>
+    <message>
+        <source>The start at login could not be switched on.</source>
+        <translation>Der Start beim Anmelden konnte nicht eingeschaltet werden.</translation>
+    </message>
+    <message>
+        <source>The start at login could not be switched off.</source>
+        <translation>Der Start beim Anmelden konnte nicht ausgeschaltet werden.</translation>
+    </message>
+    <message>
+        <source>The guide could not be opened. It is in the file %1.</source>
+        <translation>Die Anleitung konnte nicht geöffnet werden. Sie steht in der Datei %1.</translation>
+    </message>
+    <message>
+        <source>No data directory is set, so the dialog uses the sample applications. Set the directory that contains your CfgVEXEL.xml with the option --data, or have your administrator set it for everybody.</source>
+        <translation>Es ist kein Datenverzeichnis festgelegt, daher verwendet der Dialog die Beispielanwendungen. Legen Sie das Verzeichnis mit Ihrer CfgVEXEL.xml mit der Option --data fest, oder lassen Sie es von der Administration für alle festlegen.</translation>
+    </message>
 </context>
 <context>
     <name>NoticeBox</name>
     <message>
         <source>Vexel - Connect Dialog</source>
         <translation>Vexel - Verbinden</translation>
+    </message>
+</context>
+<context>
+    <name>OperatorGuide</name>
+    <message>
+        <source>guide_en.html</source>
+        <extracomment>The file of the guide in this language.</extracomment>
+        <translation>guide_de.html</translation>
     </message>
 </context>
 <context>
@@ -187,6 +211,14 @@
     <message>
         <source>1 entry in use</source>
         <translation>1 Eintrag in Benutzung</translation>
+    </message>
+    <message>
+        <source>Start at login</source>
+        <translation>Beim Anmelden starten</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
     </message>
 </context>
 <context>

@@ -96,6 +96,10 @@ QString GeneralHelp()
     QString text = WithUsage(QStringLiteral("vexelctl COMMAND [options]"), parser.helpText());
     text.replace(QStringLiteral("\nArguments:\n"), QStringLiteral("\nCommands:\n"));
     return text + QStringLiteral(R"(
+Settings files:
+  The files Vexel/vexelhost.ini set the data directory and the language where
+  no option does; see vexelhost --help. "diagnose" prints what they set.
+
 Exit codes:
   0    done
   1    the command line is invalid, or there is no version with the number to

@@ -16,9 +16,10 @@ constexpr int kAnyNumber = std::numeric_limits<int>::max();
 constexpr OptionInfo kHelp{"help", "Print this help."};
 constexpr OptionInfo kConfig{"config", "Use the configuration in DIR. Default: this user's configuration folder.",
                              "DIR", ValueKind::Directory};
-constexpr OptionInfo kLanguage{"language",
-                               R"(Language of the texts of entries, such as "de" or "de_AT". Default: the system's.)",
-                               "LOCALE", ValueKind::Text};
+constexpr OptionInfo kLanguage{
+    "language",
+    R"(Language of the texts of entries, such as "de" or "de_AT". Default: that of a settings file, else the system's.)",
+    "LOCALE", ValueKind::Text};
 constexpr OptionInfo kTrace{"trace", "Write trace lines to standard error."};
 constexpr OptionInfo kTraceFile{
     "trace-file",
@@ -44,7 +45,7 @@ constexpr OptionInfo kName{"name", "Name of the plug-in's instance and of its co
 constexpr OptionInfo kStoredData{
     "data",
     "Read CfgVEXEL.xml and TypeApplicationMappings.xml, which list the applications, from DIR, and store DIR in the "
-    "configuration. Default: the stored one, else the installed samples.",
+    "configuration. Default: the stored one, else one of a settings file, else the installed samples.",
     "DIR", ValueKind::Directory};
 constexpr OptionInfo kReadData{"data",
                                "Read CfgVEXEL.xml and TypeApplicationMappings.xml from DIR, without storing DIR.",
@@ -105,8 +106,9 @@ std::vector<CommandInfo> MakeCommands()
          "The present list becomes version 1.", "N", "Number of the version; 1 is the newest.", ValueKind::Text, 1, 1,
          With({kDryRun, kJson})},
         Plain(Command::Diagnose, "diagnose", "Print a report for a support desk.",
-              "Versions, paths, what was read from the data directory and what was ignored, the state of the "
-              "configuration and who can access it, the state of the starter's port. Returns 0 whatever it finds.",
+              "Versions, paths, settings and which file has set each, the desktop, what was read from the data "
+              "directory and what was ignored, the state of the configuration and who can access it, what crashes "
+              "have left, the state of the starter's port. Returns 0 whatever it finds.",
               {kJson, kPlugin, kReadData, kName}),
         {Command::Screenshot, "screenshot", "Write a screenshot of the dialog (PNG).", "", "FILE",
          "The file to write. \"-\": standard output.", ValueKind::File, 1, 1, With({kPlugin, kReadData, kName})},

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
+#include "host/options/settings.h"
 #include "host/output/console.h"
 #include "host/output/qtmessages.h"
 #include "host/output/tracelog.h"
@@ -130,6 +131,9 @@ ExitCode Run(int& argc, char** argv)
         return Fail(ExitCode::Unusable, QStringLiteral("cannot write traces to %1: %2").arg(options.traceFile, error));
     if (diagnoses)
         return RunCommand(options);
+    const Settings settings;
+    ApplySettings(options, settings);
+    settings.TraceProblems();
     if (const QString error = ConfigDirectoryError(options); !error.isEmpty() && options.command != Command::Check) {
         return Fail(ExitCode::Unusable,
                     QStringLiteral("there is no folder for the configuration: %1 (see --config)").arg(error));

@@ -148,7 +148,7 @@ ExitCode Execute(const CtlOptions& options, PluginSession& session, const Connec
     return static_cast<ExitCode>(code);
 }
 
-void PrintFailure(StartFailure::Kind, const QString& error)
+void PrintFailure(FailureKind, const QString& error)
 {
     Console::PrintError(error);
 }

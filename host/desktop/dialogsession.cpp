@@ -4,20 +4,25 @@
 #include "host/desktop/dialogsession.h"
 
 #include "host/commands/dialogpicture.h"
+#include "host/desktop/operatorguide.h"
 #include "host/desktop/unsavedtext.h"
 #include "host/output/notices.h"
 #include "host/plugin/connectdialog.h"
+#include "host/system/autostart.h"
 
+#include <QDir>
 #include <QGuiApplication>
+#include <QShortcut>
 
 #include <utility>
 
 DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, SaveAll saveAll, AutoSave::Save autoSave,
-                             QObject* parent)
+                             MenuSettings settings, QObject* parent)
     : QObject(parent)
     , m_dialog(dialog)
     , m_notices(notices)
     , m_saveAll(std::move(saveAll))
+    , m_settings(std::move(settings))
     , m_monitor(dialog)
     , m_visibility(dialog, m_monitor)
     , m_tray(m_monitor, this)
@@ -34,6 +39,14 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
     connect(&m_tray, &TrayIcon::AvailabilityChanged, &m_visibility, &DialogVisibility::SetTrayAvailable);
     connect(&m_tray, &TrayIcon::ShowRequested, &m_visibility, &DialogVisibility::ShowDialog);
     connect(&m_tray, &TrayIcon::SaveRequested, this, &DialogSession::SaveNow);
+    // The entry may have been changed meanwhile, by another program as well.
+    connect(&m_tray, &TrayIcon::MenuShown, this, [this] { m_tray.SetAutostart(Autostart::IsOn()); });
+    connect(&m_tray, &TrayIcon::AutostartRequested, this, &DialogSession::SetAutostart);
+    connect(&m_tray, &TrayIcon::HelpRequested, this, &DialogSession::OpenGuide);
+    m_tray.SetAutostart(Autostart::IsOn());
+    m_tray.SetHelpAvailable(!m_settings.guide.isEmpty());
+    if (!m_settings.guide.isEmpty())
+        m_pHelpShortcut = std::make_unique<QShortcut>(Qt::Key_F1, dialog.Window(), this, [this] { OpenGuide(); });
     connect(&m_tray, &TrayIcon::QuitRequested, &m_visibility, &DialogVisibility::RequestQuit);
 
     connect(&m_quitQuestion, &QuitQuestion::Answered, this, [this](bool quit) {
@@ -124,6 +137,34 @@ void DialogSession::SaveNow()
 {
     if (const QString error = Save(); !error.isEmpty())
         m_tray.ShowMessage(UnsavedText(error), QSystemTrayIcon::Critical);
+}
+
+void DialogSession::SetAutostart(bool isOn)
+{
+    if (const QString error = Autostart::Set(isOn, m_settings.autostartOptions); !error.isEmpty()) {
+        const QString text = isOn ? tr("The start at login could not be switched on.")
+                                  : tr("The start at login could not be switched off.");
+        m_tray.ShowMessage(text + QStringLiteral("\n\n") + error, QSystemTrayIcon::Critical);
+    }
+    m_tray.SetAutostart(Autostart::IsOn());
+}
+
+void DialogSession::OpenGuide()
+{
+    if (!OperatorGuide::Open(m_settings.guide))
+        ShowNotice(
+            tr("The guide could not be opened. It is in the file %1.").arg(QDir::toNativeSeparators(m_settings.guide)));
+}
+
+void DialogSession::ShowSamplesAreUsed()
+{
+    const QString text = tr("No data directory is set, so the dialog uses the sample applications. Set the directory "
+                            "that contains your CfgVEXEL.xml with the option --data, or have your administrator set it "
+                            "for everybody.");
+    if (m_tray.CanShowMessages())
+        m_tray.ShowMessage(text, QSystemTrayIcon::Information);
+    else
+        m_noticeBox.Show(text, QMessageBox::Information);
 }
 
 QString DialogSession::Save()

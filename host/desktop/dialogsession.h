@@ -12,11 +12,22 @@
 #include "host/plugin/statusmonitor.h"
 
 #include <QObject>
+#include <QString>
+#include <QStringList>
 
 #include <functional>
+#include <memory>
 
 class ConnectDialog;
 class Notices;
+class QShortcut;
+
+/// What the tray's menu needs from the program.
+struct MenuSettings
+{
+    QString guide;                ///< the operator's guide; empty: there is none
+    QStringList autostartOptions; ///< the host's options at the start of the session, besides --hidden
+};
 
 /// The user's session with the dialog: connects the dialog, the tray icon, the message boxes and saving.
 class DialogSession : public QObject, public DialogHost
@@ -29,12 +40,16 @@ public:
 
     /// `dialog` and `notices` must outlive the session.
     DialogSession(const ConnectDialog& dialog, Notices& notices, SaveAll saveAll, AutoSave::Save autoSave,
-                  QObject* parent = nullptr);
+                  MenuSettings settings = {}, QObject* parent = nullptr);
     ~DialogSession() override;
 
     /// Shows the dialog, or starts in the tray if `isHidden` and there is a tray within some seconds. Shows the pending
     /// notices: as tray messages if there is a tray, otherwise in a message box.
     void Start(bool isHidden = false);
+
+    /// Tells that the sample applications are used, because no data directory is set: as a tray message if there is a
+    /// tray, otherwise in a message box.
+    void ShowSamplesAreUsed();
 
     /// Saves everything, whatever is being saved already.
     QString Save() override;
@@ -54,14 +69,18 @@ private:
     void OnStaysHidden(int inUse);
     void OnWentToTray();
     void SaveNow();
+    void SetAutostart(bool isOn);
+    void OpenGuide();
     void OnAutoSaved(const QString& error);
 
     const ConnectDialog& m_dialog;
     Notices& m_notices;
     const SaveAll m_saveAll;
+    const MenuSettings m_settings;
     StatusMonitor m_monitor;
     DialogVisibility m_visibility;
     TrayIcon m_tray;
+    std::unique_ptr<QShortcut> m_pHelpShortcut; // of the dialog's window, which outlives the session
     NoticeBox m_noticeBox;
     QuitQuestion m_quitQuestion;
     QuitQuestion m_unsavedQuestion;

@@ -18,7 +18,7 @@ public:
     ~NoticeBox() override;
 
     /// Shows `text`; appends it if the box is already open.
-    void Show(const QString& text);
+    void Show(const QString& text, QMessageBox::Icon icon = QMessageBox::Warning);
 
 private:
     QPointer<QMessageBox> m_pBox;

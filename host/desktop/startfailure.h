@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "host/output/failurekind.h"
+
 #include <QCoreApplication>
 #include <QLocale>
 #include <QString>
@@ -16,18 +18,7 @@ class StartFailure
     Q_DECLARE_TR_FUNCTIONS(StartFailure)
 
 public:
-    enum class Kind {
-        CommandLine,           ///< the command line is invalid
-        TraceFile,             ///< the trace file cannot be written
-        NoConfigurationFolder, ///< the user has no folder for the configuration
-        NoDisplay,             ///< there is no display
-        ConfigurationUnusable, ///< the configuration directory cannot be created, read or written
-        ConfigurationBusy,     ///< a program without a dialog uses the configuration directory
-        ListUnreadable,        ///< the stored list is there and cannot be read
-        DataDirectory,         ///< the data directory has no file of the machine
-        PluginNotLoadable,     ///< there is no plug-in, or it cannot be loaded
-        PluginUnusable,        ///< the plug-in is loaded, but refuses or has no usable dialog
-    };
+    using Kind = FailureKind;
 
     /// Remembers the file that the starter named, and takes its name out of the environment, which applications
     /// inherit. Call this once at the beginning.

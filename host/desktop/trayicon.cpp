@@ -28,6 +28,14 @@ TrayIcon::TrayIcon(const StatusMonitor& monitor, QObject* parent)
     m_menu.setDefaultAction(show);
     m_menu.addAction(tr("Save now"), this, &TrayIcon::SaveRequested);
     m_menu.addSeparator();
+    m_pAutostart = m_menu.addAction(tr("Start at login"));
+    m_pAutostart->setCheckable(true);
+    // Not toggled(), which SetAutostart emits as well.
+    connect(m_pAutostart, &QAction::triggered, this, &TrayIcon::AutostartRequested);
+    m_pHelp = m_menu.addAction(tr("Help"), QKeySequence(Qt::Key_F1), this, &TrayIcon::HelpRequested);
+    m_pHelp->setEnabled(false);
+    connect(&m_menu, &QMenu::aboutToShow, this, &TrayIcon::MenuShown);
+    m_menu.addSeparator();
     m_menu.addAction(tr("Quit"), this, &TrayIcon::QuitRequested);
 
     connect(&m_icon, &QSystemTrayIcon::activated, this, &TrayIcon::OnActivated);

@@ -10,8 +10,8 @@
 
 class StatusMonitor;
 
-/// The host's icon in the system tray: shows how many entries are in use and has a menu to show the dialog, save and
-/// quit. If there is no tray, waits for one.
+/// The host's icon in the system tray: shows how many entries are in use and has a menu to show the dialog, save,
+/// choose whether the session starts the host, get help and quit. If there is no tray, waits for one.
 ///
 /// Only emits signals; acts on nothing itself.
 class TrayIcon : public QObject
@@ -30,11 +30,21 @@ public:
     /// Shows a message beside the icon. Does nothing without a tray.
     void ShowMessage(const QString& text, QSystemTrayIcon::MessageIcon icon);
 
+    /// Sets whether "Help" can be chosen; initially it cannot.
+    void SetHelpAvailable(bool available) { m_pHelp->setEnabled(available); }
+    /// Sets the tick of "Start at login".
+    void SetAutostart(bool isOn) { m_pAutostart->setChecked(isOn); }
+
 signals:
     /// The tray appeared or disappeared. Emitted with a delay, because most systems have to be polled for it.
     void AvailabilityChanged(bool available);
     void ShowRequested();
     void SaveRequested();
+    /// The menu is about to be shown.
+    void MenuShown();
+    /// The user wants the session to start the host, or not any more.
+    void AutostartRequested(bool isOn);
+    void HelpRequested();
     void QuitRequested();
 
 private:
@@ -43,6 +53,8 @@ private:
     void ShowCount(int inUse);
 
     QMenu m_menu;
+    QAction* m_pAutostart = nullptr;
+    QAction* m_pHelp = nullptr;
     QSystemTrayIcon m_icon;
     QTimer m_pollTimer;
     bool m_available = false;

@@ -21,7 +21,8 @@ The host:
   A host that already runs on the same configuration is brought to the front
   instead.
   If there is a system tray, the host has an icon there. It shows how many
-  entries are in use; its menu shows the dialog, saves and quits. "Close" then
+  entries are in use; its menu shows the dialog, saves, switches the start at
+  login on and off, opens the operator's guide (F1) and quits. "Close" then
   hides the dialog. Quitting asks first while an entry is in use.
   Without a tray, "Close" ends the host if no entry is in use. Otherwise the
   host prints a notice, keeps running, and shows the dialog again when the last
@@ -37,6 +38,16 @@ The host:
   a question. The host always saves the list, the filter, and where the window
   is, before it ends. Applications that it started end with it.
 
+Settings files:
+  Settings that the command line does not contain are read from the files
+  Vexel/vexelhost.ini in this user's configuration folder and then in the
+  system's, such as /etc/xdg. On Windows, these folders are %LOCALAPPDATA% and
+  %PROGRAMDATA%. The first file that sets a key decides. A line is KEY=VALUE;
+  the keys are data, language, trace (true or false) and trace-file. vexelctl
+  uses data and language. Paths are absolute, with slashes; "~/" is the user's
+  home folder. "vexelctl diagnose" says which file has set what, and what is
+  wrong in the files.
+
 Trace files:
   On Unix, only the user can access the files that --trace-file creates. In a
   folder in which other users can create files, such as /tmp, FILE must be a
@@ -49,10 +60,12 @@ Environment:
   in .config in HOME, or else in the home directory of the user database.
 
 Exit codes:
-  0  the host has been closed, or the running one has been brought to the front
+  0  the host has been closed, the running one has been brought to the front,
+     or the start at login has been switched
   1  the command line is invalid or not UTF-8
   2  the plug-in, the configuration or the trace file cannot be used, the
-     configuration could not be saved, or there is no display
+     configuration could not be saved, there is no display, or the start at
+     login could not be switched
   4  the configuration directory is in use by a program that shows no dialog or
      does not answer
 )");

@@ -9,7 +9,12 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace {
+
+const QString kOn = QStringLiteral("on");
+const QString kOff = QStringLiteral("off");
 
 class Parser
 {
@@ -41,7 +46,8 @@ private:
         QStringLiteral("data"),
         QStringLiteral(
             "Read CfgVEXEL.xml and TypeApplicationMappings.xml, which list the applications, from DIR, and store "
-            "DIR in the configuration. Default: the stored one, else the installed samples."),
+            "DIR in the configuration. Default: the stored one, else one of a settings file, else the installed "
+            "samples."),
         QStringLiteral("DIR")};
     const QCommandLineOption m_name = {
         QStringLiteral("name"),
@@ -56,19 +62,27 @@ private:
             "Append trace lines to FILE. At 10 MiB it is renamed to FILE.1, FILE.1 to FILE.2, and so on up to "
             "FILE.5."),
         QStringLiteral("FILE")};
-    const QCommandLineOption m_language = {
-        QStringLiteral("language"),
-        QStringLiteral("Language of the dialog, such as \"de\" or \"de_AT\". Default: the system's."),
-        QStringLiteral("LOCALE")};
+    const QCommandLineOption m_language = {QStringLiteral("language"),
+                                           QStringLiteral("Language of the dialog, such as \"de\" or \"de_AT\". "
+                                                          "Default: that of a settings file, else the system's."),
+                                           QStringLiteral("LOCALE")};
     const QCommandLineOption m_hidden = {QStringLiteral("hidden"),
                                          QStringLiteral("Start in the system tray. Without one, the dialog is shown.")};
+    const QCommandLineOption m_autostart = {
+        QStringLiteral("autostart"),
+        QStringLiteral("Switch the start at login \"on\" or \"off\", and end: whether this user's session starts the "
+                       "host in the system tray, with the --config, --data and --name given here."),
+        QStringLiteral("on|off")};
+    // For vexelctl, whose "diagnose" needs no display.
+    QCommandLineOption m_describeDesktop{QStringLiteral("describe-desktop")};
 };
 
 Parser::Parser()
 {
     m_parser.setApplicationDescription(HelpText::Description());
-    m_parser.addOptions(
-        {m_plugin, m_config, m_data, m_name, m_language, m_trace, m_traceFile, m_hidden, m_help, m_version});
+    m_describeDesktop.setFlags(QCommandLineOption::HiddenFromHelp);
+    m_parser.addOptions({m_plugin, m_config, m_data, m_name, m_language, m_trace, m_traceFile, m_hidden, m_autostart,
+                         m_help, m_version, m_describeDesktop});
 }
 
 QString Parser::Help() const
@@ -88,6 +102,8 @@ QString Parser::CheckGivenValues() const
     for (const QCommandLineOption* option : {&m_plugin, &m_config, &m_data, &m_name, &m_traceFile, &m_language})
         if (m_parser.values(*option).contains(QString()))
             return QStringLiteral("--%1: the value must not be empty").arg(option->names().constFirst());
+    if (const QString value = m_parser.value(m_autostart); m_parser.isSet(m_autostart) && value != kOn && value != kOff)
+        return QStringLiteral("--autostart: neither \"on\" nor \"off\": %1").arg(value);
     if (m_parser.isSet(m_language))
         if (const QString error = LanguageError(m_parser.value(m_language)); !error.isEmpty())
             return error;
@@ -113,6 +129,13 @@ HostOptions Parser::Read() const
     if (m_parser.isSet(m_language))
         options.language = QLocale(m_parser.value(m_language));
     options.hidden = m_parser.isSet(m_hidden);
+    if (m_parser.isSet(m_autostart))
+        options.autostart = m_parser.value(m_autostart) == kOn;
+    for (const auto& [option, value] : {std::pair{&m_config, options.configDirectory},
+                                        std::pair{&m_data, options.dataDirectory}, std::pair{&m_name, options.name}})
+        if (m_parser.isSet(*option))
+            options.autostartOptions += {QStringLiteral("--") + option->names().constFirst(), value};
+    options.describesDesktop = m_parser.isSet(m_describeDesktop);
     return options;
 }
 

@@ -8,10 +8,15 @@
 
 #include <QStringList>
 
+#include <optional>
+
 /// The host's parsed command line.
 struct HostOptions : SessionOptions
 {
-    bool hidden = false; ///< start in the system tray
+    bool hidden = false;           ///< start in the system tray
+    std::optional<bool> autostart; ///< only switch the start at login on or off
+    QStringList autostartOptions;  ///< given options that a host started at login needs to be the same one
+    bool describesDesktop = false; ///< only describe the desktop, for a report
 };
 
 using ParsedCommandLine = ParsedOptions<HostOptions>;

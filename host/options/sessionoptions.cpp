@@ -16,22 +16,30 @@ QString ConfigDirectoryError(const SessionOptions& options)
     return options.configDirectory.isEmpty() ? PrepareHomeFolder() : QString();
 }
 
+QString DefaultConfigDirectory()
+{
+    if (!PrepareHomeFolder().isEmpty())
+        return {};
+    // Not the location that bears the program's name.
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/Vexel/vexelhost");
+}
+
 void SetDefaults(SessionOptions& options)
 {
     if (options.plugin.isEmpty())
         options.plugin = PluginLibrary::DefaultFile(QCoreApplication::applicationDirPath());
-    // The same for every program, so not the location that bears the program's name.
-    if (options.configDirectory.isEmpty() && ConfigDirectoryError(options).isEmpty()) {
-        options.configDirectory = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-                                  QStringLiteral("/Vexel/vexelhost");
-    }
+    if (options.configDirectory.isEmpty())
+        options.configDirectory = DefaultConfigDirectory();
+}
+
+bool IsLanguage(const QString& name)
+{
+    return name == QLatin1String("C") || QLocale(name) != QLocale::c();
 }
 
 QString LanguageError(const QString& language)
 {
-    if (language == QLatin1String("C") || QLocale(language) != QLocale::c())
-        return {};
-    return QStringLiteral("--language: no such locale: %1").arg(language);
+    return IsLanguage(language) ? QString() : QStringLiteral("--language: no such locale: %1").arg(language);
 }
 
 QString DataDirectoryError(const QString& directory, bool isForced)

@@ -29,8 +29,8 @@ public:
     TraceLog(const TraceLog&) = delete;
     TraceLog& operator=(const TraceLog&) = delete;
 
-    /// Starts logging; call once. Lines are appended to `fileName` (empty: no file), which is rotated at `maxFileSize`
-    /// bytes. Returns the error, in which case nothing has changed; empty on success.
+    /// Starts logging; call until it succeeds. Lines are appended to `fileName` (empty: no file), which is rotated at
+    /// `maxFileSize` bytes. Returns the error, in which case nothing has changed; empty on success.
     QString Start(bool toStandardError, const QString& fileName, qint64 maxFileSize = kMaxFileSize);
 
     /// Formats one report as a line without a line break.

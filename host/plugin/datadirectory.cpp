@@ -12,6 +12,7 @@
 namespace {
 
 const QString kKey = QStringLiteral("VexelDataDir");
+const QString kNoticeKey = QStringLiteral("SamplesNoticeShown");
 
 ICfg& AdministrationNode()
 {
@@ -25,6 +26,16 @@ namespace DataDirectory {
 void Set(const QString& directory)
 {
     AdministrationNode().SetString(kKey, directory, 0);
+}
+
+bool IsSamplesNoticeShown()
+{
+    return AdministrationNode().GetInt(kNoticeKey, 0, 0) != 0;
+}
+
+void SetSamplesNoticeShown()
+{
+    AdministrationNode().SetInt(kNoticeKey, 1, 0);
 }
 
 QString InstalledSamples(const QString& programDirectory)

@@ -12,6 +12,10 @@ namespace DataDirectory {
 /// Stores `directory` in the configuration.
 void Set(const QString& directory);
 
+/// Whether the user has been told that the samples are used; stored in the configuration.
+bool IsSamplesNoticeShown();
+void SetSamplesNoticeShown();
+
 /// Returns the data directory of the samples installed with the host in `programDirectory`; empty if there is none.
 QString InstalledSamples(const QString& programDirectory);
 
@@ -22,6 +26,9 @@ class Fallback
 public:
     explicit Fallback(const QString& directory);
     ~Fallback();
+
+    /// Returns whether none is configured.
+    bool IsUsed() const { return m_isSet; }
 
     Fallback(const Fallback&) = delete;
     Fallback& operator=(const Fallback&) = delete;

@@ -3,6 +3,8 @@
 
 #include "host/plugin/pluginlibrary.h"
 
+#include "files/boundedfile.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
@@ -13,6 +15,16 @@ QString PluginLibrary::DefaultFile(const QString& programDirectory)
 {
     return QDir::cleanPath(
         QDir(programDirectory).absoluteFilePath(QStringLiteral(VEXEL_BIN_TO_PLUGINS "/" VEXEL_PLUGIN_FILE)));
+}
+
+QString PluginLibrary::VersionIn(const QString& file)
+{
+    const QByteArray mark = QByteArrayLiteral("@(#)vexelconnectdlg ");
+    const QByteArray content = ReadRegularFile(file).value_or(QByteArray());
+    const qsizetype begin = content.indexOf(mark);
+    // A C string, so it ends with a null.
+    const qsizetype end = content.indexOf('\0', begin);
+    return begin < 0 || end < 0 ? QString() : QString::fromUtf8(content.mid(begin, end - begin).mid(mark.size()));
 }
 
 PluginLibrary::Error PluginLibrary::Load(const QString& file)

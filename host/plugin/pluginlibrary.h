@@ -35,6 +35,9 @@ public:
     /// Returns the path of the plug-in that is installed with the host in `programDirectory`.
     static QString DefaultFile(const QString& programDirectory);
 
+    /// Returns the version that a plug-in's file contains, without loading it; empty if it contains none.
+    static QString VersionIn(const QString& file);
+
     /// Loads `file`. Call once.
     Error Load(const QString& file);
 

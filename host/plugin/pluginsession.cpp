@@ -64,7 +64,7 @@ bool PluginSession::LoadPlugin()
 {
     const bool isLoaded = m_library.Load(m_options.plugin) == PluginLibrary::Error::None;
     if (!isLoaded)
-        Fail(StartFailure::Kind::PluginNotLoadable, m_library.ErrorText());
+        Fail(FailureKind::PluginNotLoadable, m_library.ErrorText());
     return isLoaded;
 }
 
@@ -83,7 +83,7 @@ ExitCode PluginSession::Run(const Work& work)
     return m_saver.HasFailed() ? ExitCode::Unusable : result;
 }
 
-ExitCode PluginSession::Fail(StartFailure::Kind kind, const QString& error)
+ExitCode PluginSession::Fail(FailureKind kind, const QString& error)
 {
     m_failed(kind, error);
     return ExitCode::Unusable;
@@ -95,13 +95,13 @@ bool PluginSession::OpenConfiguration()
     if (m_mode == Mode::ReadOnly) {
         if (CfgCenter::OpenReadOnly(directory))
             return true;
-        Fail(StartFailure::Kind::ConfigurationUnusable,
+        Fail(FailureKind::ConfigurationUnusable,
              QStringLiteral("there is no configuration directory %1").arg(directory));
         return false;
     }
     if (CfgCenter::Open(directory))
         return true;
-    Fail(StartFailure::Kind::ConfigurationUnusable,
+    Fail(FailureKind::ConfigurationUnusable,
          QStringLiteral("the configuration directory %1 cannot be used: %2").arg(directory, CfgCenter::OpenError()));
     return false;
 }
@@ -117,7 +117,7 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
         DataDirectory::Set(m_options.dataDirectory);
     // The list would look empty, and saving it could overwrite a good one. The reason has been reported.
     if (!CfgCenter::IsAppCfgKnown(View::Application))
-        return Fail(StartFailure::Kind::ListUnreadable, QStringLiteral("the stored list cannot be read"));
+        return Fail(FailureKind::ListUnreadable, QStringLiteral("the stored list cannot be read"));
     ExitCode result = ExitCode::Unusable;
     {
         const PluginLibrary::Instance instance = CreateInstance();
@@ -129,10 +129,10 @@ ExitCode PluginSession::RunWithConfiguration(const Work& work)
         if (!wasIntact)
             ReportLoss(set);
         if (!instance)
-            Fail(StartFailure::Kind::PluginUnusable,
+            Fail(FailureKind::PluginUnusable,
                  QStringLiteral("the plug-in %1 returned no instance").arg(m_options.plugin));
         else if (!instance->IsAvailable())
-            Fail(StartFailure::Kind::PluginUnusable,
+            Fail(FailureKind::PluginUnusable,
                  QStringLiteral("the plug-in %1 reports that it is not available").arg(m_options.plugin));
         else
             result = RunWithInstance(*instance, work);
@@ -154,10 +154,14 @@ void PluginSession::SetUpEnvironment() const
     Environment::Prepend("PATH", QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
 }
 
-PluginLibrary::Instance PluginSession::CreateInstance() const
+PluginLibrary::Instance PluginSession::CreateInstance()
 {
+    const bool isSet = !m_options.defaultDataDirectory.isEmpty();
     // The plug-in reads the directory only while it is being created.
-    const DataDirectory::Fallback fallback(DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
+    const DataDirectory::Fallback fallback(
+        isSet ? m_options.defaultDataDirectory
+              : DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath()));
+    m_usesSamples = !isSet && fallback.IsUsed();
     return m_library.Create(m_options.name);
 }
 
@@ -166,7 +170,7 @@ ExitCode PluginSession::RunWithInstance(IDllInstance& instance, const Work& work
     QString error;
     const std::optional<ConnectDialog> dialog = ConnectDialog::Find(error);
     if (!dialog)
-        return Fail(StartFailure::Kind::PluginUnusable, error);
+        return Fail(FailureKind::PluginUnusable, error);
     m_pInstance = &instance;
     m_pDialog = &*dialog;
     const ExitCode result = work(*dialog);

@@ -3,9 +3,9 @@
 
 #pragma once
 
-#include "host/desktop/startfailure.h"
 #include "host/options/sessionoptions.h"
 #include "host/output/exitcode.h"
+#include "host/output/failurekind.h"
 #include "host/output/notices.h"
 #include "host/plugin/pluginlibrary.h"
 #include "host/store/configsaver.h"
@@ -26,7 +26,7 @@ public:
         ReadOnly  ///< same, and nothing is written to the configuration
     };
     /// Receives why the session cannot be run; `error` is one line.
-    using Failed = std::function<void(StartFailure::Kind kind, const QString& error)>;
+    using Failed = std::function<void(FailureKind kind, const QString& error)>;
     /// Works with the dialog, and may run the event loop.
     using Work = std::function<ExitCode(const ConnectDialog& dialog)>;
 
@@ -45,13 +45,16 @@ public:
     QString Save();
     void SaveAsync(std::function<void(const QString& error)> done) { m_saver.SaveAsync(std::move(done)); }
 
+    /// Returns whether the installed samples are used, because nobody has set a data directory; for use by `work`.
+    bool UsesSamples() const { return m_usesSamples; }
+
 private:
-    ExitCode Fail(StartFailure::Kind kind, const QString& error);
+    ExitCode Fail(FailureKind kind, const QString& error);
     bool OpenConfiguration();
     ExitCode RunWithConfiguration(const Work& work);
     ExitCode RunWithInstance(IDllInstance& instance, const Work& work);
     void SetUpEnvironment() const;
-    PluginLibrary::Instance CreateInstance() const;
+    PluginLibrary::Instance CreateInstance();
     void ReportLoss(const StoredSet& set);
 
     const SessionOptions m_options;
@@ -60,6 +63,7 @@ private:
     const Failed m_failed;
     PluginLibrary m_library;
     ConfigSaver m_saver;
+    bool m_usesSamples = false;
     IDllInstance* m_pInstance = nullptr;      // while `work` runs
     const ConnectDialog* m_pDialog = nullptr; // likewise
 };

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "platform/config/documentfile.h"
-#include "platform/configversion.h"
+#include "platform/configversions.h"
 
 #include <QString>
 

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/configversion.h"
+#include "platform/configversions.h"
 
 #include <QByteArray>
 #include <QList>

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
+#include "host/system/autostart.h"
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
 #include "tests/support/errorsto.h"
@@ -13,9 +14,11 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
+#include <QTemporaryDir>
 
 #include <memory>
 #include <optional>
@@ -93,6 +96,8 @@ private slots:
     void iconIsShown();
     void closingHidesToTheTray();
     void clickShowsTheDialog();
+    void samplesAreToldInABalloon();
+    void startAtLoginIsSwitchedInTheMenu();
     void quitAsksWhileInUse();
     void onlyAFailedSaveIsReported();
     void noticesAreShownInBalloons();
@@ -155,6 +160,32 @@ void TestDesktopTray::clickShowsTheDialog()
     Desktop::Click(session.Place().center());
     QTRY_VERIFY(session.fake.isVisible());
     QTRY_VERIFY(session.fake.isActiveWindow());
+}
+
+void TestDesktopTray::samplesAreToldInABalloon()
+{
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    session.session->ShowSamplesAreUsed();
+    QTRY_VERIFY(BalloonBegins(QStringLiteral("No data directory is set")));
+    Balloon()->close();
+}
+
+void TestDesktopTray::startAtLoginIsSwitchedInTheMenu()
+{
+    const QTemporaryDir folder;
+    const QByteArray home = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
+    const auto restore = qScopeGuard([&home] { qputenv("XDG_CONFIG_HOME", home); });
+    const Panel panel;
+    Session session;
+    QTRY_VERIFY(session.IsDocked());
+    QVERIFY(!Autostart::IsOn());
+    session.Choose(QStringLiteral("Start at login"));
+    QTRY_VERIFY(Autostart::IsOn());
+    session.Choose(QStringLiteral("Start at login"));
+    QTRY_VERIFY(!Autostart::IsOn());
 }
 
 void TestDesktopTray::quitAsksWhileInUse()

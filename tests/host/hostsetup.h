@@ -54,6 +54,7 @@ public:
         m_hasDisplay = !System::TakeDisplay(m_environment);
         QDir(m_directory.path()).mkdir(QStringLiteral("data"));
         Write(Data() + QStringLiteral("/CfgVEXEL.xml"), "<CfgVEXEL/>");
+        m_environment.insert(QStringLiteral("XDG_CONFIG_DIRS"), MachineFolder());
         // For sockets. Its path has to be short.
         m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime.path());
     }
@@ -61,6 +62,8 @@ public:
     QString Path(const char* name) const { return m_directory.filePath(QString::fromLatin1(name)); }
     QString Config() const { return Path("config"); }
     QString Data() const { return Path("data"); }
+    /// Where the system's settings files are looked for, on Unix.
+    QString MachineFolder() const { return Path("machine"); }
     /// The document with the stored list.
     QString Document() const { return Path("config/application/@application.json"); }
     QProcessEnvironment& Environment() { return m_environment; }

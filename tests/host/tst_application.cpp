@@ -30,6 +30,7 @@
 
 #include <array>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -108,6 +109,7 @@ private slots:
     void unusableSizeKeepsTheWindowOnTheScreen();
     void secondHostShowsTheRunningDialog();
     void holderWithoutADialogIsReported();
+    void useOfTheSamplesIsToldOnce();
 };
 
 void TestApplication::endOfSessionSavesEverything()
@@ -318,6 +320,8 @@ void TestApplication::trayMenuIsTranslated()
     host.options.language = QLocale(QStringLiteral("de_AT"));
     host.Run([&](const ConnectDialog&) {
         QVERIFY(TrayAction(QStringLiteral("Jetzt speichern")));
+        QVERIFY(TrayAction(QStringLiteral("Beim Anmelden starten")));
+        QVERIFY(TrayAction(QStringLiteral("Hilfe")));
         QVERIFY(TrayAction(QStringLiteral("Beenden")));
         QVERIFY(!TrayAction(QStringLiteral("Quit")));
     });
@@ -456,6 +460,40 @@ void TestApplication::holderWithoutADialogIsReported()
     QCOMPARE(second.exitCode(), 4);
     const QByteArray said = second.readAllStandardError();
     QVERIFY2(said.contains("vexelhost: no dialog here"), said.constData());
+}
+
+void TestApplication::useOfTheSamplesIsToldOnce()
+{
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        QSKIP("The message is in the tray here.");
+    const auto notices = [] {
+        QStringList texts;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible())
+                texts.append(box->text());
+        return texts;
+    };
+    QStringList told;
+    const auto look = [&](const ConnectDialog&) {
+        told = notices();
+    };
+    Host host;
+    const QString directory = std::exchange(host.options.dataDirectory, QString());
+    // Nobody sees a hidden host, so it keeps the message for the next one.
+    host.options.hidden = true;
+    QCOMPARE(host.Run(look), ExitCode::Done);
+    QCOMPARE(told, QStringList());
+    host.options.hidden = false;
+    // A directory of the settings files.
+    host.options.defaultDataDirectory = directory;
+    QCOMPARE(host.Run(look), ExitCode::Done);
+    QCOMPARE(told, QStringList());
+    host.options.defaultDataDirectory.clear();
+    QCOMPARE(host.Run(look), ExitCode::Done);
+    QCOMPARE(told.size(), 1);
+    QVERIFY2(told.constFirst().startsWith(QLatin1String("No data directory is set")), qPrintable(told.constFirst()));
+    QCOMPARE(host.Run(look), ExitCode::Done);
+    QCOMPARE(told, QStringList());
 }
 
 VEXEL_TEST(QTEST_MAIN, TestApplication)

@@ -6,6 +6,7 @@
 #include "tests/support/testmain.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
@@ -13,6 +14,7 @@
 #include <QSystemTrayIcon>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
 
 #include <memory>
 #include <optional>
@@ -22,6 +24,19 @@ namespace {
 /// A session without a tray, and without anybody at standard error.
 struct Session : HostSession
 {
+    explicit Session(const MenuSettings& settings = {})
+        : HostSession(settings)
+    {
+    }
+
+    QAction* Action(const QString& text) const
+    {
+        for (QAction* action : session->findChild<QSystemTrayIcon*>()->contextMenu()->actions())
+            if (action->text() == text)
+                return action;
+        return nullptr;
+    }
+
     const ErrorsTo errors{QProcess::nullDevice()};
 };
 
@@ -82,6 +97,9 @@ private slots:
     void nothingIsShownWhereStandardErrorIsRead();
     void earlierNoticesAreShownWithTheDialog();
     void severalNoticesShareABox();
+    void helpOpensTheGuide();
+    void helpNeedsAGuide();
+    void samplesAreToldInABox();
 };
 
 void TestDialogSession::closingSavesAndEnds()
@@ -288,6 +306,60 @@ void TestDialogSession::severalNoticesShareABox()
     host.notices.Report(QStringLiteral("three"));
     QVERIFY(NoticeOnScreen());
     QCOMPARE(NoticeOnScreen()->text(), QStringLiteral("three"));
+}
+
+/// Takes the place of the user's browser.
+class Browser : public QObject
+{
+    Q_OBJECT
+
+public:
+    Browser() { QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "Open"); }
+    ~Browser() override { QDesktopServices::unsetUrlHandler(QStringLiteral("file")); }
+
+    QList<QUrl> opened;
+
+public slots:
+    void Open(const QUrl& url) { opened.append(url); }
+};
+
+void TestDialogSession::helpOpensTheGuide()
+{
+    const Browser browser;
+    const QTemporaryDir folder;
+    const QString guide = folder.filePath(QStringLiteral("a guide.html"));
+    Session host({guide, {}});
+    host.session->Start();
+    QVERIFY(host.Action(QStringLiteral("Help")));
+    host.Action(QStringLiteral("Help"))->trigger();
+    QCOMPARE(browser.opened, QList<QUrl>{QUrl::fromLocalFile(guide)});
+    // In the dialog, wherever the focus is.
+    QTRY_VERIFY(QTest::qWaitForWindowActive(&host.fake));
+    QTest::keyClick(host.fake.views.constLast(), Qt::Key_F1);
+    QCOMPARE(browser.opened.size(), 2);
+}
+
+void TestDialogSession::helpNeedsAGuide()
+{
+    const Browser browser;
+    Session host;
+    host.session->Start();
+    QVERIFY(!host.Action(QStringLiteral("Help"))->isEnabled());
+    QTRY_VERIFY(QTest::qWaitForWindowActive(&host.fake));
+    QTest::keyClick(&host.fake, Qt::Key_F1);
+    QVERIFY(browser.opened.isEmpty());
+}
+
+void TestDialogSession::samplesAreToldInABox()
+{
+    Session host;
+    host.session->Start();
+    host.session->ShowSamplesAreUsed();
+    QVERIFY(NoticeOnScreen());
+    QVERIFY2(NoticeOnScreen()->text().contains(QLatin1String("sample applications")),
+             qPrintable(NoticeOnScreen()->text()));
+    // The dialog stays usable.
+    QVERIFY(!Question());
 }
 
 VEXEL_TEST(QTEST_MAIN, TestDialogSession)

@@ -41,6 +41,7 @@ private slots:
     void wrongCommandLines_data();
     void wrongCommandLines();
     void dataDirectoryNeedsTheMachineFile();
+    void autostartKeepsTheOptionsThatIdentifyTheHost();
 };
 
 void TestHostOptions::defaults()
@@ -102,7 +103,8 @@ void TestHostOptions::helpNamesEveryOptionAndEveryExitCode()
         QCOMPARE(parsed.outcome, Outcome::Print);
         for (const QString& part :
              QStringLiteral("Usage: vexelhost [options]\n|--plugin <FILE>|--config <DIR>|--data <DIR>|"
-                            "--name <NAME>|--trace |--trace-file <FILE>|--language <LOCALE>|--hidden|"
+                            "--name <NAME>|--trace |--trace-file <FILE>|--language <LOCALE>|--hidden|--autostart "
+                            "<on|off>|vexelhost.ini|"
                             "-h, --help|-v, --version|VEXEL_CONFIG_DIR|vexelctl|Exit codes:|\n  0  |\n  1  |\n  2  |"
                             "\n  4  ")
                  .split(u'|'))
@@ -135,6 +137,8 @@ void TestHostOptions::wrongCommandLines_data()
     row("empty name", "--name=", "--name");
     row("empty trace file", "--trace-file=", "--trace-file");
     row("empty language", "--language=", "--language");
+    row("neither on nor off", "--autostart maybe", "maybe");
+    row("empty switch", "--autostart=", "--autostart");
     row("no such language", "--language klingonisch", "klingonisch");
 }
 
@@ -158,6 +162,18 @@ void TestHostOptions::dataDirectoryNeedsTheMachineFile()
     QVERIFY(Files::Write(data.filePath(QStringLiteral("CfgVEXEL.xml")), "<CfgVEXEL/>"));
     QCOMPARE(DataDirectoryError(data.path(), false), QString());
     QCOMPARE(Parse({QStringLiteral("--data"), data.path()}).options.dataDirectory, data.path());
+}
+
+void TestHostOptions::autostartKeepsTheOptionsThatIdentifyTheHost()
+{
+    QVERIFY(!Parse({}).options.autostart.has_value());
+    QCOMPARE(Parse({}).options.autostartOptions, QStringList());
+    QCOMPARE(Parse("--autostart on").options.autostart.value_or(false), true);
+    QCOMPARE(Parse("--autostart off").options.autostart.value_or(true), false);
+    const HostOptions options = Parse("--data /d --trace --config /c --name Second --autostart on --hidden").options;
+    QCOMPARE(options.autostartOptions,
+             QStringList({QStringLiteral("--config"), options.configDirectory, QStringLiteral("--data"),
+                          options.dataDirectory, QStringLiteral("--name"), QStringLiteral("Second")}));
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestHostOptions)

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 
 class TestPluginLibrary : public QObject
@@ -25,6 +26,7 @@ private slots:
     void libraryWithOneOfTheFunctions();
     void pluginThatGivesNoInstance();
     void defaultFileIsRelativeToTheProgram();
+    void versionIsInTheFile();
 };
 
 void TestPluginLibrary::goodPlugin()
@@ -118,6 +120,18 @@ void TestPluginLibrary::defaultFileIsRelativeToTheProgram()
     const QString file = PluginLibrary::DefaultFile(QStringLiteral(PROGRAM_DIRECTORY));
     QVERIFY(QDir::isAbsolutePath(file));
     QCOMPARE(file, QDir::cleanPath(QStringLiteral(REAL_PLUGIN)));
+}
+
+void TestPluginLibrary::versionIsInTheFile()
+{
+    QCOMPARE(PluginLibrary::VersionIn(QStringLiteral(REAL_PLUGIN)), QStringLiteral(VEXEL_VERSION));
+    QCOMPARE(PluginLibrary::VersionIn(QStringLiteral(PLUGIN_PLAIN)), QString());
+    QCOMPARE(PluginLibrary::VersionIn(QStringLiteral("/no/such/plugin.so")), QString());
+    QTemporaryFile cut;
+    QVERIFY(cut.open());
+    cut.write("@(#)vexelconnectdlg 1.");
+    cut.close();
+    QCOMPARE(PluginLibrary::VersionIn(cut.fileName()), QString());
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestPluginLibrary)

@@ -66,6 +66,8 @@ private slots:
     void pictureShowsWhetherAnEntryIsInUse();
     void pictureIsVisibleOnEveryPanel_data();
     void pictureIsVisibleOnEveryPanel();
+    void helpNeedsAGuide();
+    void autostartIsTickedAndRequested();
     void withoutATray();
 };
 
@@ -151,6 +153,37 @@ void TestTrayIcon::pictureIsVisibleOnEveryPanel()
         QVERIFY(brightest > 220);
         QVERIFY(darkest < 100);
     }
+}
+
+void TestTrayIcon::helpNeedsAGuide()
+{
+    InTray inTray;
+    const QSignalSpy help(&inTray.tray, &TrayIcon::HelpRequested);
+    QAction* action = inTray.Action(QStringLiteral("Help"));
+    QVERIFY(action);
+    QCOMPARE(action->shortcut(), QKeySequence(Qt::Key_F1));
+    QVERIFY(!action->isEnabled());
+    inTray.tray.SetHelpAvailable(true);
+    action->trigger();
+    QCOMPARE(help.count(), 1);
+}
+
+void TestTrayIcon::autostartIsTickedAndRequested()
+{
+    InTray inTray;
+    const QSignalSpy shown(&inTray.tray, &TrayIcon::MenuShown);
+    const QSignalSpy autostart(&inTray.tray, &TrayIcon::AutostartRequested);
+    QAction* action = inTray.Action(QStringLiteral("Start at login"));
+    QVERIFY(action);
+    QVERIFY(action->isCheckable() && !action->isChecked());
+    inTray.tray.SetAutostart(true);
+    QVERIFY(action->isChecked());
+    QCOMPARE(autostart.count(), 0);
+    action->trigger();
+    QCOMPARE(autostart.count(), 1);
+    QCOMPARE(autostart.at(0).at(0).toBool(), false);
+    emit inTray.Icon()->contextMenu()->aboutToShow();
+    QCOMPARE(shown.count(), 1);
 }
 
 void TestTrayIcon::withoutATray()

@@ -17,7 +17,7 @@
 /// works.
 struct HostSession
 {
-    HostSession()
+    explicit HostSession(const MenuSettings& settings = {})
     {
         fake.Add(QStringLiteral("mast"));
         dialog = FindDialog();
@@ -30,7 +30,8 @@ struct HostSession
             [this](const auto& done) {
                 ++autoSaved;
                 done(Result());
-            });
+            },
+            settings);
         end = std::make_unique<QSignalSpy>(session.get(), &DialogSession::QuitRequested);
     }
 

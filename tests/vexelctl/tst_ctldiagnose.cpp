@@ -4,6 +4,7 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/linkport.h"
 #include "tests/support/testmain.h"
+#include "vexelctl/support/crashreport.h"
 
 #include <QTcpServer>
 
@@ -20,6 +21,9 @@ private slots:
     void unusablePluginIsReported();
     void originOfTheDataDirectoryIsReported();
     void nameChoosesTheMapping();
+    void desktopIsDescribed();
+    void unusableDesktopIsReported();
+    void crashesAreReported();
     void stateOfTheStore();
     void damagedDocuments();
     void versionUsedByTheNextStartIsReported();
@@ -54,7 +58,8 @@ void TestCtlDiagnose::textHasEverySection()
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.error, QString());
     qsizetype place = -1;
-    for (const char* title : {"Versions\n", "\nPaths\n", "\nApplications\n", "\nConfiguration\n", "\nStarter link\n"}) {
+    for (const char* title : {"Versions\n", "\nPaths\n", "\nSettings\n", "\nDesktop\n", "\nApplications\n",
+                              "\nConfiguration\n", "\nCrashes\n", "\nStarter link\n"}) {
         const qsizetype next = result.output.indexOf(QLatin1String(title));
         QVERIFY2(next > place, title);
         place = next;
@@ -68,6 +73,10 @@ void TestCtlDiagnose::versions()
     const QJsonObject report = Diagnose(setUp);
     QCOMPARE(Value(report, "versions", "program"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
     QCOMPARE(Value(report, "versions", "platformLibrary"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
+    QCOMPARE(Value(report, "versions", "plugIn"), QJsonValue(QStringLiteral(VEXEL_VERSION)));
+    QCOMPARE(
+        Value(Diagnose(setUp, {QStringLiteral("--plugin"), QStringLiteral(PLUGIN_REFUSING)}), "versions", "plugIn"),
+        QJsonValue());
     QCOMPARE(Value(report, "versions", "qt"), QJsonValue(QString::fromLatin1(qVersion())));
     QCOMPARE(Value(report, "versions", "qtBuiltWith"), QJsonValue(QStringLiteral(QT_VERSION_STR)));
     for (const char* key : {"system", "kernel", "processor", "compiler"})
@@ -160,6 +169,58 @@ void TestCtlDiagnose::nameChoosesTheMapping()
              QJsonValue(setUp.Data() + QStringLiteral("/TypeApplicationMappings.xml")));
     QCOMPARE(Value(Diagnose(setUp, data + Words("--name Second")), "applications", "mappingFile"),
              QJsonValue(QStringLiteral("/another/mapping.xml")));
+}
+
+void TestCtlDiagnose::desktopIsDescribed()
+{
+    HostSetUp setUp;
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    setUp.Environment().insert(QStringLiteral("QT_STYLE_OVERRIDE"), QStringLiteral("windows"));
+    setUp.Environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("1.25"));
+    const QJsonObject report = Diagnose(setUp);
+    QCOMPARE(Value(report, "desktop", "state"), QJsonValue(QStringLiteral("as the host finds it")));
+    QCOMPARE(Value(report, "desktop", "platform"), QJsonValue(QStringLiteral("offscreen")));
+    QCOMPARE(Value(report, "desktop", "widgetStyle"), QJsonValue(QStringLiteral("windows")));
+    const QJsonArray screens = Value(report, "desktop", "screens").toArray();
+    QCOMPARE(screens.size(), 1);
+    QCOMPARE(screens.at(0)[QLatin1String("scale")], QJsonValue(QStringLiteral("1.25")));
+    QCOMPARE(screens.at(0)[QLatin1String("size")], QJsonValue(QStringLiteral("640x640")));
+    QVERIFY(screens.at(0)[QLatin1String("dotsPerInch")].toString().toDouble() > 0);
+}
+
+void TestCtlDiagnose::unusableDesktopIsReported()
+{
+    HostSetUp setUp;
+    setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
+    const QString state = Value(Diagnose(setUp), "desktop", "state").toString();
+    QVERIFY2(state.startsWith(QLatin1String("unknown: ")) && state.contains(QLatin1String("no-such-platform")),
+             qPrintable(state));
+    if (setUp.HasDisplay())
+        return;
+    setUp.Environment().remove(QStringLiteral("QT_QPA_PLATFORM"));
+    QCOMPARE(Value(Diagnose(setUp), "desktop", "state"),
+             QJsonValue(QStringLiteral("unknown: vexelhost: there is no display")));
+}
+
+void TestCtlDiagnose::crashesAreReported()
+{
+    HostSetUp setUp;
+    const QString folder = setUp.Config() + QStringLiteral("/crashes");
+    QVERIFY(QDir().mkpath(folder));
+    setUp.Write(folder + QStringLiteral("/vexelhost-20260101T000000Z-4711.dmp"), "12345");
+    const QJsonObject report = Diagnose(setUp);
+#ifdef Q_OS_WIN
+    const QJsonArray dumps = Value(report, "crashes", "minidumps").toArray();
+    QCOMPARE(dumps.size(), 1);
+    QVERIFY(dumps.at(0)[QLatin1String("file")].toString().endsWith(QLatin1String("-4711.dmp")));
+    QCOMPARE(dumps.at(0)[QLatin1String("bytes")], QJsonValue(5));
+#else
+    QFile pattern(QStringLiteral("/proc/sys/kernel/core_pattern"));
+    if (!pattern.open(QIODevice::ReadOnly))
+        QSKIP("This system has no pattern for core dumps.");
+    QCOMPARE(Value(report, "crashes", "coreDumps"),
+             QJsonValue(CoreDumpPlace(QString::fromLocal8Bit(pattern.readAll()).trimmed())));
+#endif
 }
 
 void TestCtlDiagnose::stateOfTheStore()
@@ -268,11 +329,16 @@ void TestCtlDiagnose::onlyKnownVariablesAreReported()
     setUp.Environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     setUp.Environment().insert(QStringLiteral("SECRET_TOKEN"), QStringLiteral("hush-hush"));
     const auto result = setUp.Run("diagnose");
+    QVERIFY(result.output.contains(QLatin1String("QT_QPA_PLATFORM=offscreen")));
     QVERIFY(!result.output.contains(QLatin1String("hush-hush")));
-    QStringList expected{QStringLiteral("QT_QPA_PLATFORM=offscreen")};
+    setUp.Environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("1.5"));
+    const QStringList known =
+        Words("LANG LANGUAGE LC_ALL LC_MESSAGES QT_QPA_PLATFORM QT_QPA_PLATFORMTHEME QT_SCALE_FACTOR "
+              "QT_SCREEN_SCALE_FACTORS QT_STYLE_OVERRIDE XDG_CURRENT_DESKTOP");
+    QStringList expected;
     const QStringList names = setUp.Environment().keys();
     for (const QString& name : names)
-        if (name.startsWith(QLatin1String("VEXEL_")))
+        if (name.startsWith(QLatin1String("VEXEL_")) || known.contains(name))
             expected.append(name + QLatin1Char('=') + setUp.Environment().value(name));
     expected.sort();
     QCOMPARE(Value(Diagnose(setUp), "paths", "environment").toVariant().toStringList(), expected);

@@ -3,7 +3,7 @@
 
 #include "vexelctl/support/diagnosis.h"
 
-#include "host/plugin/datadirectory.h"
+#include "host/options/settings.h"
 #include "host/plugin/pluginlibrary.h"
 #include "host/system/desktop.h"
 #include "platform/icfg.h"
@@ -11,8 +11,11 @@
 #include "platform/starterport.h"
 #include "vexelctl/output.h"
 #include "vexelctl/support/accessreport.h"
+#include "vexelctl/support/crashreport.h"
+#include "vexelctl/support/desktopreport.h"
 #include "vexelctl/support/linkport.h"
 #include "vexelctl/support/machinereport.h"
+#include "vexelctl/support/settingsreport.h"
 #include "vexelctl/support/storereport.h"
 #include "vexelctl/support/supportreport.h"
 
@@ -25,13 +28,6 @@
 #include <memory>
 
 namespace {
-
-/// A value and its origin.
-struct Setting
-{
-    QString value;
-    QString origin;
-};
 
 Setting OptionSetting(const QString& given, const QString& used, const char* option, const char* fallback)
 {
@@ -50,19 +46,6 @@ QString ConfiguredValue(const QString& document, const QString& key)
 {
     const std::unique_ptr<ICfg> node = OpenNewestReadable(View::Application, document);
     return node ? node->GetString(key, QString(), 0) : QString();
-}
-
-Setting DataDirectorySetting(const CtlOptions& options)
-{
-    if (!options.dataDirectory.isEmpty())
-        return {options.dataDirectory, QStringLiteral("--data")};
-    if (const QString stored = ConfiguredValue(QStringLiteral("Administration"), QStringLiteral("VexelDataDir"));
-        !stored.isEmpty())
-        return {stored, QStringLiteral("the configuration")};
-    if (const QString samples = DataDirectory::InstalledSamples(QCoreApplication::applicationDirPath());
-        !samples.isEmpty())
-        return {samples, QStringLiteral("the installed samples")};
-    return {QString(), QStringLiteral("not set")};
 }
 
 QString PluginState(const QString& file)
@@ -89,21 +72,33 @@ QJsonValue TraceFileState(const QString& fileName)
 /// Only the variables that matter here: an environment may contain secrets.
 QStringList Environment()
 {
+    static const QStringList kOthers = QStringLiteral("LANG LANGUAGE LC_ALL LC_MESSAGES QT_QPA_PLATFORM "
+                                                      "QT_QPA_PLATFORMTHEME QT_SCALE_FACTOR QT_SCREEN_SCALE_FACTORS "
+                                                      "QT_STYLE_OVERRIDE XDG_CURRENT_DESKTOP")
+                                           .split(QLatin1Char(' '));
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QStringList variables;
     const QStringList names = environment.keys();
     for (const QString& name : names)
-        if (name.startsWith(QLatin1String("VEXEL_")) || name == QLatin1String("QT_QPA_PLATFORM"))
+        if (name.startsWith(QLatin1String("VEXEL_")) || kOthers.contains(name))
             variables.append(name + QLatin1Char('=') + environment.value(name));
     variables.sort();
     return variables;
 }
 
-void ReportVersions(SupportReport& report)
+/// Returns the version of the plug-in's file, whether or not it can be loaded.
+QJsonValue PluginVersion(const QString& file)
+{
+    const QString version = PluginLibrary::VersionIn(file);
+    return version.isEmpty() ? QJsonValue() : version;
+}
+
+void ReportVersions(SupportReport& report, const CtlOptions& options)
 {
     report.BeginSection(QStringLiteral("Versions"));
     report.AddFact(QStringLiteral("program"), QStringLiteral(VEXEL_VERSION));
     report.AddFact(QStringLiteral("platform library"), PlatformVersion());
+    report.AddFact(QStringLiteral("plug-in"), PluginVersion(options.plugin));
     report.AddFact(QStringLiteral("Qt"), QString::fromLatin1(qVersion()));
     report.AddFact(QStringLiteral("Qt built with"), QStringLiteral(QT_VERSION_STR));
     report.AddFact(QStringLiteral("system"), QSysInfo::prettyProductName());
@@ -170,12 +165,16 @@ ExitCode Diagnose(const CtlOptions& given)
     CfgCenter::OpenReadOnly(options.configDirectory);
 
     SupportReport report;
-    ReportVersions(report);
-    const Setting data = DataDirectorySetting(options);
+    ReportVersions(report, options);
+    const Settings settings;
+    const Setting data = DataDirectorySetting(options, settings);
     ReportPaths(report, given, options, data);
+    ReportSettings(report, given, settings, data);
+    ReportDesktop(report);
     ReportMachine(report, {data.value, ConfiguredValue(options.name, QStringLiteral("TypeApplicationMappings")),
                            ProgramDirectories()});
     ReportStore(report, options.configDirectory);
+    ReportCrashes(report, options.configDirectory);
     ReportLink(report);
     CfgCenter::Close();
 

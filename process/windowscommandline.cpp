@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "starter/windowscommandline.h"
+#include "process/windowscommandline.h"
 
 #include <algorithm>
 
