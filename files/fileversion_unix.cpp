@@ -21,5 +21,5 @@ QByteArray FileVersion(const QString& path)
                                       status.st_mtim.tv_nsec,
                                       status.st_ctim.tv_sec,
                                       status.st_ctim.tv_nsec};
-    return QByteArray(reinterpret_cast<const char*>(parts.data()), sizeof parts);
+    return {reinterpret_cast<const char*>(parts.data()), sizeof parts};
 }

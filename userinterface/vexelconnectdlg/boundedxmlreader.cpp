@@ -23,7 +23,7 @@ QByteArray DeclaredEncoding(const QByteArray& document)
 /// Returns whether the document begins with the declaration of UTF-8 that `ConnectionList` writes, and is UTF-8.
 bool IsPlainUtf8(const QByteArray& document)
 {
-    constexpr QByteArrayView kDeclaration("<?xml version=\"1.0\" encoding=\"utf-8\"?>");
+    constexpr QByteArrayView kDeclaration(R"(<?xml version="1.0" encoding="utf-8"?>)");
     return document.startsWith(kDeclaration) && QUtf8StringView(document).isValidUtf8();
 }
 
