@@ -21,6 +21,8 @@ void TestVexelHostLife::secondStartShowsTheRunningDialog()
     setUp.Fill("one");
     QProcess first;
     setUp.StartDialog(first);
+    // Then the host has stored its address and its data directory.
+    QCOMPARE(setUp.Run("save").exitCode, 0);
     const QByteArray before = setUp.StoredText();
 
     for (const char* arguments : {"", "--data .", "--hidden"}) {
