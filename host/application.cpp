@@ -94,10 +94,8 @@ ExitCode Application::RunDialog(const ConnectDialog& dialog, PluginSession& sess
         m_notices.Report(QStringLiteral("vexelctl cannot speak with this host: %1").arg(error));
 
     desktop.Start(m_options.hidden);
-    // A hidden host has nobody in front of it.
-    if (session.UsesSamples() && !m_options.hidden && !DataDirectory::IsSamplesNoticeShown()) {
+    if (session.UsesSamples() && !DataDirectory::IsSamplesNoticeShown() && desktop.ShowSamplesAreUsed()) {
         Console::PrintError(QStringLiteral("no data directory is set, so the installed samples are used"));
-        desktop.ShowSamplesAreUsed();
         DataDirectory::SetSamplesNoticeShown();
     }
     QCoreApplication::exec();

@@ -14,6 +14,7 @@
 #include "host/system/crashdump.h"
 #include "host/system/desktop.h"
 #include "platform/cfgcenter.h"
+#include "platform/instancelock.h"
 #include "process/arguments.h"
 #include "process/librarysearch.h"
 #include "process/standardstreams.h"
@@ -33,12 +34,15 @@ ParsedCommandLine ReadCommandLine(int& argc, char** argv)
     // handles how each system passes arguments.
     const QCoreApplication reader(argc, argv);
     ParsedCommandLine commandLine = ParseCommandLine(QCoreApplication::arguments());
-    if (commandLine.outcome == ParsedCommandLine::Outcome::Run) {
-        // Reading a long list takes as long as starting Qt's part with the fonts.
-        HostOptions options = commandLine.options;
-        SetDefaults(options);
+    HostOptions options = commandLine.options;
+    const bool showsDialog =
+        commandLine.outcome == ParsedCommandLine::Outcome::Run && !options.autostart && !options.describesDesktop;
+    if (!showsDialog)
+        return commandLine;
+    SetDefaults(options);
+    // Reading a long list takes as long as starting Qt's part with the fonts. A host that runs already shows its list.
+    if (InstanceLock::Query(options.configDirectory).state != InstanceLock::State::Somebody)
         CfgCenter::ReadAhead(options.configDirectory);
-    }
     return commandLine;
 }
 

@@ -80,12 +80,17 @@ void Tell(const QString& notice)
 SaveRequests BeginSave(Documents& documents)
 {
     SaveRequests requests;
+    QStringList notices; // of checks that have ended here
     for (const auto& [file, document] : TheStore().documents) {
         if (auto request = document->BeginSave(TheVersionFilter())) {
             documents.push_back(document);
             requests.push_back(std::move(*request));
         }
+        notices += document->TakeNotice();
     }
+    // Last, because the receiver may open documents.
+    for (const QString& notice : std::as_const(notices))
+        Tell(notice);
     return requests;
 }
 

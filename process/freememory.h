@@ -4,5 +4,5 @@
 #pragma once
 
 /// Returns freed memory to the system, for use after work that needed much of it for a short time. The C library would
-/// keep most of it. Takes about a millisecond. Does nothing on systems without such a call.
+/// keep most of it. Takes about a millisecond. Does nothing on Windows.
 void ReturnFreeMemory();

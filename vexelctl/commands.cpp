@@ -99,8 +99,9 @@ std::vector<CommandInfo> MakeCommands()
          "Needs no configuration. Of a file that is not a list, it prints the row and column of the error.", "FILE",
          "The file to read. \"-\": standard input.", ValueKind::File, 1, 1, With({kJson})},
         Plain(Command::Backups, "backups", "Print the versions of the stored list, newest first.",
-              "Every save that changes the stored list keeps the previous version, up to ten. With --json also the "
-              "names of the entries that each version differs in from the present list.",
+              "Every save that changes the stored list keeps the previous version: the last ten, and the last one of "
+              "each of thirty days. With --json also the names of the entries that each version differs in from the "
+              "present list.",
               {kJson}),
         {Command::Restore, "restore", "Replace all entries by those of a version (see backups).",
          "The present list becomes version 1.", "N", "Number of the version; 1 is the newest.", ValueKind::Text, 1, 1,

@@ -156,8 +156,11 @@ void DialogSession::OpenGuide()
             tr("The guide could not be opened. It is in the file %1.").arg(QDir::toNativeSeparators(m_settings.guide)));
 }
 
-void DialogSession::ShowSamplesAreUsed()
+bool DialogSession::ShowSamplesAreUsed()
 {
+    // Nobody is in front of a hidden host without a tray.
+    if (!m_tray.CanShowMessages() && !m_dialog.Window()->isVisible())
+        return false;
     const QString text = tr("No data directory is set, so the dialog uses the sample applications. Set the directory "
                             "that contains your CfgVEXEL.xml with the option --data, or have your administrator set it "
                             "for everybody.");
@@ -165,6 +168,7 @@ void DialogSession::ShowSamplesAreUsed()
         m_tray.ShowMessage(text, QSystemTrayIcon::Information);
     else
         m_noticeBox.Show(text, QMessageBox::Information);
+    return true;
 }
 
 QString DialogSession::Save()

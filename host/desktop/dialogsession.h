@@ -48,8 +48,8 @@ public:
     void Start(bool isHidden = false);
 
     /// Tells that the sample applications are used, because no data directory is set: as a tray message if there is a
-    /// tray, otherwise in a message box.
-    void ShowSamplesAreUsed();
+    /// tray, otherwise in a message box if the dialog shows. Returns whether it has been told.
+    bool ShowSamplesAreUsed();
 
     /// Saves everything, whatever is being saved already.
     QString Save() override;

@@ -45,8 +45,9 @@ Settings files:
   %PROGRAMDATA%. The first file that sets a key decides. A line is KEY=VALUE;
   the keys are data, language, trace (true or false) and trace-file. vexelctl
   uses data and language. Paths are absolute, with slashes; "~/" is the user's
-  home folder. "vexelctl diagnose" says which file has set what, and what is
-  wrong in the files.
+  home folder. A value with a comma or semicolon is in quotation marks.
+  "vexelctl diagnose" says which file has set what, and what is wrong in the
+  files.
 
 Trace files:
   On Unix, only the user can access the files that --trace-file creates. In a

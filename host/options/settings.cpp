@@ -96,15 +96,18 @@ Settings::Settings(const QStringList& files)
 
 void Settings::Read(const QString& file)
 {
-    // Not exists(), which is false for a link to nothing.
-    if (!QFileInfo(file).exists() && !QFileInfo(file).isSymLink()) {
-        m_files.append({file, QStringLiteral("does not exist")});
-        return;
-    }
     const auto ignore = [this, &file](const QString& state) {
         m_files.append({file, QStringLiteral("IGNORED: ") + state});
         m_problems.append(QStringLiteral("%1: ignored: %2").arg(file, state));
     };
+    // Not exists(), which is false for a link to nothing.
+    if (!QFileInfo(file).exists() && !QFileInfo(file).isSymLink()) {
+        const QFileInfo folder(QFileInfo(file).path());
+        if (folder.exists() && !folder.isReadable())
+            return ignore(QStringLiteral("its folder cannot be read"));
+        m_files.append({file, QStringLiteral("does not exist")});
+        return;
+    }
     QString error;
     const std::optional<QByteArray> content = ReadRegularFile(file, kMaximumSize, &error);
     if (!content)
@@ -124,10 +127,18 @@ void Settings::Read(const QString& file)
         if (HasBackslash(*content, Name(key)))
             m_problems.append(QStringLiteral("%1: %2: write / in place of \\").arg(file, Name(key)));
         else
-            Take(file, key, settings.value(Name(key)).toStringList().join(QStringLiteral(", ")));
+            TakeList(file, key, settings.value(Name(key)).toStringList());
     }
     for (const QString& name : std::as_const(unknown))
         m_problems.append(QStringLiteral("%1: unknown key: %2").arg(file, name));
+}
+
+void Settings::TakeList(const QString& file, Key key, const QStringList& texts)
+{
+    if (texts.size() > 1)
+        m_problems.append(QStringLiteral("%1: %2: a value with a comma needs quotation marks").arg(file, Name(key)));
+    else
+        Take(file, key, texts.join(QString()));
 }
 
 void Settings::Take(const QString& file, Key key, const QString& text)

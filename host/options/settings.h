@@ -51,6 +51,8 @@ public:
 
 private:
     void Read(const QString& file);
+    /// QSettings separates a value without quotation marks at its commas.
+    void TakeList(const QString& file, Key key, const QStringList& texts);
     void Take(const QString& file, Key key, const QString& text);
 
     QMap<Key, Value> m_values;

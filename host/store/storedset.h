@@ -30,7 +30,8 @@ struct StoredSet
 /// Reads the set from the document with the root node `document`. Does not keep the entries in memory.
 StoredSet ReadStoredSet(ICfg& document);
 
-/// Same, as the plug-in's list `entries` reports its own reading of the stored set. None if it does not.
+/// Same, as the plug-in's list `entries` reports its own reading of the stored set; an empty one counts as whole. None
+/// if it does not report it.
 std::optional<StoredSet> ReportedStoredSet(const QObject& entries);
 
 /// Returns the set itself, as a connection list document; empty if nothing is stored.

@@ -28,10 +28,10 @@ the entries, answer the question, and try again. Nothing has been changed." \
 Frage.$\r$\n$\r$\nBeenden Sie die Anwendungen der Einträge, beantworten Sie die Frage und versuchen Sie es noch einmal. \
 Es wurde nichts verändert."
 !insertmacro Text FileInUse \
-    "This file cannot be replaced or removed, because a program uses it or you may not change it:$\r$\n$Problem$\r$\n\
+    "This file cannot be replaced or removed, because a program uses it, you may not change it, or it is not part of the product:$\r$\n$Problem$\r$\n\
 $\r$\nEnd the programs of the connect dialog, also those of other users, and try again. Nothing has been changed." \
-    "Diese Datei kann nicht ersetzt oder entfernt werden, weil ein Programm sie benutzt oder Sie sie nicht ändern \
-dürfen:$\r$\n$Problem$\r$\n$\r$\nBeenden Sie die Programme des Verbindungsdialogs, auch die anderer Benutzer, und \
+    "Diese Datei kann nicht ersetzt oder entfernt werden, weil ein Programm sie benutzt, Sie sie nicht ändern \
+dürfen oder sie nicht zum Produkt gehört:$\r$\n$Problem$\r$\n$\r$\nBeenden Sie die Programme des Verbindungsdialogs, auch die anderer Benutzer, und \
 versuchen Sie es noch einmal. Es wurde nichts verändert."
 !insertmacro Text NewerInstalled \
     "Version $0 is installed, which is newer than ${VERSION}. It may have stored settings that this version cannot \

@@ -265,7 +265,18 @@ SectionEnd
 Section "-Finish"
     ; The current folder cannot be moved.
     SetOutPath "$PLUGINSDIR"
-    File "/oname=new.lst" "${STAGE}/uninstall.lst"
+    ; Only what is there now: the folder may have somebody's files with the names of components that are not selected.
+    FileOpen $0 "$PLUGINSDIR\new.lst" w
+    FindFirst $1 $2 "$New\*.*"
+    ${DoWhile} $2 != ""
+        ${If} $2 != "."
+        ${AndIf} $2 != ".."
+            FileWrite $0 "*$2$\r$\n"
+        ${EndIf}
+        FindNext $1 $2
+    ${Loop}
+    FindClose $1
+    FileClose $0
     ; What an earlier installation has left is somebody's.
     ${DoWhile} ${FileExists} "$Old"
         StrCpy $Old "$Old~"
@@ -306,6 +317,8 @@ moved:
         StrCpy $R0 "$PLUGINSDIR\old.lst"
         StrCpy $R1 "$Old"
         Call RemoveListed
+        Delete "$Old\uninstall.lst"
+        Delete "$Old\uninstall.exe"
     ${EndIf}
     ; Keeps files that were not installed.
     RMDir "$Old"
@@ -395,6 +408,19 @@ FunctionEnd
 
 Function un.onInit
     StrCpy $R9 $INSTDIR
+    ${If} ${Silent}
+        ${un.GetParameters} $0
+        ClearErrors
+        ${un.GetOptions} $0 "/AllUsers" $1
+        ${IfNot} ${Errors}
+            UserInfo::GetAccountType
+            Pop $1
+            ${If} $1 != "Admin"
+                SetErrorLevel ${EXIT_WRITE}
+                Quit
+            ${EndIf}
+        ${EndIf}
+    ${EndIf}
     !insertmacro MULTIUSER_UNINIT
     StrCpy $INSTDIR $R9
 FunctionEnd

@@ -65,7 +65,7 @@ public:
     QString TakeNotice() { return std::exchange(m_notice, QString()); }
 
     /// False: the file exists, could not be read, and nothing else is used in its place; only what was written here
-    /// since is known.
+    /// since is known. May change when a check that still runs ends, as `IsLost` may.
     bool IsKnown() const { return m_isKnown; }
     /// False: the file's values were used as they were when it was opened, but something else had written them.
     /// Waits for the end of a check that still runs.

@@ -53,7 +53,7 @@ QString DigestOf(const DocumentText::Values& values)
 {
     QCryptographicHash hash(QCryptographicHash::Blake2b_256);
     const auto add = [&hash](const QString& text) { // a QString ends with a zero
-        hash.addData(QByteArrayView(reinterpret_cast<const char*>(text.utf16()), (text.size() + 1) * 2));
+        hash.addData(QByteArrayView(reinterpret_cast<const char*>(text.constData()), (text.size() + 1) * 2));
     };
     for (auto it = values.cbegin(); it != values.cend(); ++it) {
         add(it.key());

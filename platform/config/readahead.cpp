@@ -44,15 +44,21 @@ public:
 
     std::optional<ReadAhead::Document> Take(const QString& file)
     {
-        if (!m_reading.valid())
+        if (!m_reading.valid() || m_file != file)
             return std::nullopt;
         Reading read = m_reading.get();
-        if (m_file != file || read.version.isEmpty() || read.version != FileVersion(file) ||
+        if (read.version.isEmpty() || read.version != FileVersion(file) ||
             read.reading.state != DocumentReading::State::Valid) {
             Wait();
             return std::nullopt;
         }
         return ReadAhead::Document{std::move(read.reading), std::move(m_isIntact)};
+    }
+
+    void WaitForReading() const
+    {
+        if (m_reading.valid())
+            m_reading.wait();
     }
 
 private:
@@ -86,4 +92,9 @@ void ReadAhead::Begin(const QString& file)
 std::optional<ReadAhead::Document> ReadAhead::Take(const QString& file)
 {
     return TheSlot().Take(file);
+}
+
+void ReadAhead::WaitForReading()
+{
+    TheSlot().WaitForReading();
 }

@@ -22,8 +22,11 @@ struct Document
     std::future<bool> isIntact;
 };
 
-/// Returns what was read, once it is there. None if it was another file, is not a valid document, or may have changed
-/// since; on Windows always. What was read is dropped.
+/// Returns what was read of `file`, once it is there, and forgets it. None if it was another file, is not a valid
+/// document, or may have changed since; on Windows always.
 std::optional<Document> Take(const QString& file);
+
+/// Returns when the file has been read, for tests.
+void WaitForReading();
 
 } // namespace ReadAhead

@@ -167,7 +167,7 @@ void TestDesktopTray::samplesAreToldInABalloon()
     const Panel panel;
     Session session;
     QTRY_VERIFY(session.IsDocked());
-    session.session->ShowSamplesAreUsed();
+    QVERIFY(session.session->ShowSamplesAreUsed());
     QTRY_VERIFY(BalloonBegins(QStringLiteral("No data directory is set")));
     Balloon()->close();
 }

@@ -353,8 +353,10 @@ void TestDialogSession::helpNeedsAGuide()
 void TestDialogSession::samplesAreToldInABox()
 {
     Session host;
+    QVERIFY(!host.session->ShowSamplesAreUsed());
+    QVERIFY(!NoticeOnScreen());
     host.session->Start();
-    host.session->ShowSamplesAreUsed();
+    QVERIFY(host.session->ShowSamplesAreUsed());
     QVERIFY(NoticeOnScreen());
     QVERIFY2(NoticeOnScreen()->text().contains(QLatin1String("sample applications")),
              qPrintable(NoticeOnScreen()->text()));

@@ -66,8 +66,8 @@ void TestSettings::nothingIsSetWithoutFiles()
 void TestSettings::everyKeyIsRead()
 {
     const QString data = Absolute(QStringLiteral("/srv/sites, north"));
-    QVERIFY(Files::Write(Machine(), "; for everybody\ndata=" + data.toUtf8() +
-                                        "\n[General]\nlanguage=de_AT\ntrace=true\ntrace-file=\"" +
+    QVERIFY(Files::Write(Machine(), "; for everybody\ndata=\"" + data.toUtf8() +
+                                        "\"\n[General]\nlanguage=de_AT\ntrace=true\ntrace-file=\"" +
                                         Absolute(QStringLiteral("/t/Spur-\u00e4")).toUtf8() + "\"\n"));
     const Settings settings = Read();
     QCOMPARE(settings.Problems(), QStringList());
@@ -149,6 +149,7 @@ void TestSettings::unusableValueLeavesTheOthers_data()
     QTest::newRow("backslashes in the other path")
         << QByteArray("trace-file = C:\\vexel.log") << static_cast<int>(Key::TraceFile);
     QTest::newRow("empty path") << QByteArray("trace-file=") << static_cast<int>(Key::TraceFile);
+    QTest::newRow("comma without quotation marks") << QByteArray("data=/srv/a,b") << static_cast<int>(Key::Data);
     QTest::newRow("locale") << QByteArray("language=klingonisch") << static_cast<int>(Key::Language);
     QTest::newRow("flag") << QByteArray("trace=perhaps") << static_cast<int>(Key::Trace);
 }

@@ -147,6 +147,16 @@ private slots:
         QVERIFY(!versions.isEmpty());
         QCOMPARE(Files::Read(versions.last().file), found);
         QCOMPARE(Value(kOther), QStringLiteral("x"));
+        QCOMPARE(m_notices.size(), 1);
+    }
+
+    void savingNothingWaitsForTheCheck()
+    {
+        QVERIFY(Files::Write(m_file, Files::Read(m_file).replace("0123", "3210")));
+        Start();
+        Value();
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(m_notices.size(), 1);
     }
 
 private:
