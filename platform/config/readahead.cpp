@@ -30,12 +30,15 @@ public:
     {
         Wait();
         m_file = file;
+        // Empty on Windows, where the destructor would wait for a thread that the end of the process has killed.
+        const QByteArray version = FileVersion(file);
+        if (version.isEmpty())
+            return;
         auto reading = std::make_shared<std::promise<Reading>>();
         m_reading = reading->get_future();
-        m_isIntact = RunInBackground([file, reading] {
+        m_isIntact = RunInBackground([file, version, reading] {
             QString digest;
-            const QByteArray version = FileVersion(file);
-            DocumentReading read = version.isEmpty() ? DocumentReading() : ReadDocumentUnchecked(file, digest);
+            DocumentReading read = ReadDocumentUnchecked(file, digest);
             const std::optional<DocumentText::Values> values = read.values;
             reading->set_value({version, std::move(read)});
             return values && DocumentText::IsIntact(*values, digest);
@@ -47,8 +50,7 @@ public:
         if (!m_reading.valid() || m_file != file)
             return std::nullopt;
         Reading read = m_reading.get();
-        if (read.version.isEmpty() || read.version != FileVersion(file) ||
-            read.reading.state != DocumentReading::State::Valid) {
+        if (read.version != FileVersion(file) || read.reading.state != DocumentReading::State::Valid) {
             Wait();
             return std::nullopt;
         }

@@ -118,6 +118,7 @@ void TestProgramFiles::filesHaveVersionInformation()
     const FileResources resources(InPrograms(file));
     QCOMPARE(resources.VersionText(QStringLiteral("FileVersion")), QStringLiteral(VEXEL_VERSION));
     QCOMPARE(resources.VersionText(QStringLiteral("ProductVersion")), QStringLiteral(VEXEL_VERSION));
+    QVERIFY(resources.VersionText(QStringLiteral("LegalCopyright")).contains(QLatin1String("Vexel")));
     QCOMPARE(resources.VersionNumbers(), QStringLiteral(VEXEL_VERSION));
     QCOMPARE(resources.VersionText(QStringLiteral("FileDescription")), description);
     QCOMPARE(resources.VersionText(QStringLiteral("OriginalFilename")), file);
@@ -155,7 +156,8 @@ void TestProgramFiles::iconIsEmbedded()
     QFETCH(const QString, name);
     const FileResources resources(InPrograms(name + QStringLiteral(".exe")));
     QCOMPARE(resources.Ids(RT_GROUP_ICON), QList<int>{1});
-    const QList<QByteArray> images = ImagesOfFile(Files::Read(QStringLiteral(VEXEL_ICON)));
+    const QString icon = kSamples.contains(name) ? QStringLiteral("sample.ico") : QStringLiteral("program.ico");
+    const QList<QByteArray> images = ImagesOfFile(Files::Read(QStringLiteral(VEXEL_ICONS "/") + icon));
     QCOMPARE(images.size(), 8);
     QVERIFY(!images.contains(QByteArray()));
     QCOMPARE(ImagesOfResource(resources, 1), images);
