@@ -26,6 +26,15 @@
 
 namespace {
 
+/// Reading a long list takes as long as starting Qt's part with the fonts, so both run at the same time.
+void ReadListAhead(HostOptions options)
+{
+    SetDefaults(options);
+    // A host that runs already shows its list.
+    if (InstanceLock::Query(options.configDirectory).state != InstanceLock::State::Somebody)
+        CfgCenter::ReadAhead(options.configDirectory);
+}
+
 ParsedCommandLine ReadCommandLine(int& argc, char** argv)
 {
     if (const QString error = ArgumentsError(argc, argv); !error.isEmpty())
@@ -34,15 +43,9 @@ ParsedCommandLine ReadCommandLine(int& argc, char** argv)
     // handles how each system passes arguments.
     const QCoreApplication reader(argc, argv);
     ParsedCommandLine commandLine = ParseCommandLine(QCoreApplication::arguments());
-    HostOptions options = commandLine.options;
-    const bool showsDialog =
-        commandLine.outcome == ParsedCommandLine::Outcome::Run && !options.autostart && !options.describesDesktop;
-    if (!showsDialog)
-        return commandLine;
-    SetDefaults(options);
-    // Reading a long list takes as long as starting Qt's part with the fonts. A host that runs already shows its list.
-    if (InstanceLock::Query(options.configDirectory).state != InstanceLock::State::Somebody)
-        CfgCenter::ReadAhead(options.configDirectory);
+    const HostOptions& options = commandLine.options;
+    if (commandLine.outcome == ParsedCommandLine::Outcome::Run && !options.autostart && !options.describesDesktop)
+        ReadListAhead(options);
     return commandLine;
 }
 

@@ -117,7 +117,7 @@ private:
     bool m_isFine = true;
 };
 
-/// An entry as it stands in the document.
+/// The fields of an entry; texts are still UTF-8.
 struct Fields
 {
     QByteArrayView name;
