@@ -4,6 +4,8 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/testmain.h"
 
+#include <algorithm>
+
 namespace {
 
 /// The programs with a folder of the user's and one of the machine's for settings.
@@ -66,6 +68,7 @@ private slots:
     void diagnosisNamesProblems();
     void dataDirectoryIsUsedAndNotStored();
     void languageIsUsedByBothPrograms();
+    void diagnosisChecksTheTraceFile();
     void tracesAreTheHosts();
     void unusableTraceFileDoesNotKeepTheHostFromStarting();
     void autostartIsSwitched();
@@ -124,6 +127,21 @@ void TestSettingsFiles::diagnosisNamesProblems()
     setUp.Fill("one");
     QCOMPARE(setUp.Run("list").error, QString());
     QVERIFY(setUp.Run("list --trace").error.contains(QLatin1String(": unknown key: langauge")));
+}
+
+void TestSettingsFiles::diagnosisChecksTheTraceFile()
+{
+    SetUp setUp;
+    const QString fileName = setUp.Path("trace.log");
+    setUp.Write(setUp.Machine(), "trace-file=" + fileName.toUtf8() + '\n');
+    setUp.Write(fileName, "12345");
+    QVERIFY(QFile::setPermissions(fileName, QFile::permissions(fileName) | QFile::WriteOther));
+    const QJsonObject paths = setUp.Diagnosis("paths");
+    QCOMPARE(paths.value(QLatin1String("traceFile")), QJsonValue(fileName));
+    QCOMPARE(paths.value(QLatin1String("traceFileState")), QJsonValue(QStringLiteral("5 bytes")));
+    const QJsonArray access = paths.value(QLatin1String("accessByOthers")).toArray();
+    QVERIFY(std::any_of(access.cbegin(), access.cend(),
+                        [&fileName](const QJsonValue& row) { return row[QLatin1String("file")] == fileName; }));
 }
 
 void TestSettingsFiles::dataDirectoryIsUsedAndNotStored()

@@ -167,6 +167,7 @@ ExitCode Diagnose(const CtlOptions& given)
     SupportReport report;
     ReportVersions(report, options);
     const Settings settings;
+    ApplyTraceSettings(options, settings); // the host's file
     const Setting data = DataDirectorySetting(options, settings);
     ReportPaths(report, given, options, data);
     ReportSettings(report, given, settings, data);
