@@ -119,6 +119,13 @@ int ConnectionsModel::columnCount(const QModelIndex& /*parent*/) const
     return kColumnCount;
 }
 
+QModelIndex ConnectionsModel::index(int row, int column, const QModelIndex& parent) const
+{
+    const bool inTable = row >= 0 && static_cast<std::size_t>(row) < m_connections.size() && column >= 0 &&
+                         column < kColumnCount && !parent.isValid();
+    return inTable ? createIndex(row, column) : QModelIndex();
+}
+
 const Connection* ConnectionsModel::EntryAt(const QModelIndex& index) const
 {
     const bool inTable =
@@ -409,7 +416,9 @@ Qt::ItemFlags ConnectionsModel::flags(const QModelIndex& index) const
         return disabled;
     const Qt::ItemFlags enabled =
         base | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled | Qt::ItemIsEnabled;
-    Qt::ItemFlags result = entry->ConnectionStatus == Connection::Free ? enabled : disabled;
+    // Does not read the entry if it need not: views ask this for every row, and most entries are not in the cache.
+    const bool isFree = m_counts.inUse == 0 || entry->ConnectionStatus == Connection::Free;
+    Qt::ItemFlags result = isFree ? enabled : disabled;
     switch (index.column()) {
     case ColumnSelected:
     case ColumnStatus:
