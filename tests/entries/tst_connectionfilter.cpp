@@ -28,8 +28,7 @@ bool Matches(const QString& name, const QString& pattern, int mode)
     model.AddConnection(NamedEntry(name));
     ConnectionFilterModel filter;
     filter.setSourceModel(&model);
-    filter.setFilterKeyColumn(ConnectionsModel::ColumnName);
-    filter.setFilterRegularExpression(FilterExpression(pattern, mode));
+    filter.SetFilter(ConnectionsModel::ColumnName, pattern, mode, nullptr);
     return filter.rowCount() == 1;
 }
 

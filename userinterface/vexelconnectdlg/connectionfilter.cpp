@@ -9,10 +9,12 @@
 #include "userinterface/vexelconnectdlg/platedicon.h"
 
 #include <QIcon>
+#include <QItemSelectionModel>
 #include <QStringList>
 
 #include <algorithm>
 #include <memory>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -115,6 +117,62 @@ QString TranslateWildcard(const QString& pattern)
     return expression;
 }
 
+/// Returns the texts that a pattern searches one after the other, or none if it needs the regular expression engine.
+///
+/// Only for ASCII patterns: with others, QStringMatcher folds the case of some characters differently.
+std::optional<std::vector<QStringMatcher>> Literals(const QString& pattern, int mode)
+{
+    const QLatin1String special(mode == static_cast<int>(SearchMode::Wildcard)            ? "?["
+                                : mode == static_cast<int>(SearchMode::RegularExpression) ? "\\^$.|?*+()[{"
+                                                                                          : "");
+    const auto isLiteral = [special](QChar c) {
+        return c.unicode() < 0x80 && !special.contains(c);
+    };
+    if (!std::all_of(pattern.begin(), pattern.end(), isLiteral))
+        return std::nullopt;
+    const QStringList parts =
+        mode == static_cast<int>(SearchMode::Wildcard) ? pattern.split(u'*', Qt::SkipEmptyParts) : QStringList(pattern);
+    std::vector<QStringMatcher> literals;
+    for (const QString& part : parts)
+        literals.emplace_back(part, Qt::CaseInsensitive);
+    return literals;
+}
+
+/// A selected part of a row.
+struct SelectedCells
+{
+    int row = 0;
+    int firstColumn = 0;
+    int lastColumn = 0;
+};
+
+std::vector<SelectedCells> CellsOf(const QItemSelection& selection)
+{
+    std::vector<SelectedCells> cells;
+    for (const QItemSelectionRange& range : selection)
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            cells.push_back({row, range.left(), range.right()});
+    return cells;
+}
+
+QItemSelection SelectionOf(const QAbstractItemModel& model, std::vector<SelectedCells> cells)
+{
+    const auto key = [](const SelectedCells& each) {
+        return std::tuple(each.firstColumn, each.lastColumn, each.row);
+    };
+    std::sort(cells.begin(), cells.end(),
+              [key](const SelectedCells& left, const SelectedCells& right) { return key(left) < key(right); });
+    QItemSelection selection;
+    for (auto first = cells.begin(), next = first; first != cells.end(); first = next) {
+        SelectedCells last = *first;
+        for (++next; next != cells.end() && key(*next) == key({last.row + 1, last.firstColumn, last.lastColumn});
+             ++next)
+            last = *next;
+        selection.append({model.index(first->row, first->firstColumn), model.index(last.row, last.lastColumn)});
+    }
+    return selection;
+}
+
 // Backtracking limits per text. The first is far more than a reasonable expression needs for a name, and takes a
 // fraction of a millisecond. Texts of many thousand characters need more steps; a list has only a few of them.
 constexpr const char* kMatchLimit = "(*LIMIT_MATCH=20000)";
@@ -211,7 +269,121 @@ bool ConnectionFilterModel::dropMimeData(const QMimeData* data, Qt::DropAction a
     return isDropped;
 }
 
-void ConnectionFilterModel::UpdateBounds() const
+ConnectionFilterModel::ConnectionFilterModel(QObject* parent)
+    : QSortFilterProxyModel(parent)
+{
+    // The first includes all sorting.
+    connect(this, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] {
+        if (m_accepted.empty())
+            ForgetOrder();
+    });
+    connect(this, &QAbstractItemModel::modelAboutToBeReset, this, &ConnectionFilterModel::ForgetOrder);
+}
+
+void ConnectionFilterModel::setSourceModel(QAbstractItemModel* model)
+{
+    for (const QMetaObject::Connection& connection : std::exchange(m_sourceConnections, {}))
+        disconnect(connection);
+    QSortFilterProxyModel::setSourceModel(model);
+    if (!model)
+        return;
+    const auto dataChanged = [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+        if (topLeft.column() <= sortColumn() && sortColumn() <= bottomRight.column())
+            ForgetOrder();
+    };
+    m_sourceConnections = {
+        connect(model, &QAbstractItemModel::rowsInserted, this, &ConnectionFilterModel::ForgetOrder),
+        connect(model, &QAbstractItemModel::rowsRemoved, this, &ConnectionFilterModel::ForgetOrder),
+        connect(model, &QAbstractItemModel::dataChanged, this, dataChanged),
+    };
+}
+
+void ConnectionFilterModel::SetFilter(int column, const QString& pattern, int mode, QItemSelectionModel* selection)
+{
+    const std::vector<int> shown = ShownRows();
+    std::vector<bool> accepted(static_cast<std::size_t>(sourceModel()->rowCount()));
+    for (const int row : shown)
+        accepted[static_cast<std::size_t>(row)] = true;
+
+    // The base class must not notice a change before all rows have been matched.
+    m_accepted = accepted;
+    setFilterKeyColumn(column);
+    setFilterRegularExpression(FilterExpression(pattern, mode));
+    UpdateMatcher();
+    m_literals = Literals(pattern, mode);
+    for (std::size_t row = 0; row < m_accepted.size(); ++row)
+        m_accepted[row] = MatchesRow(static_cast<int>(row), QModelIndex());
+    if (m_accepted == accepted) {
+        m_accepted.clear();
+        return;
+    }
+
+    if (shown.size() == accepted.size())
+        RememberOrder(shown);
+    // Qt's selection would keep only enabled cells, and take the wrong rows if all were selected.
+    QPersistentModelIndex current;
+    std::vector<SelectedCells> selected;
+    if (selection) {
+        current = NextCurrent(shown, selection->currentIndex());
+        selected = CellsOf(selection->selection());
+        selection->clearSelection();
+    }
+    invalidate();
+    rowCount(); // maps the rows, if no view has
+    m_accepted.clear();
+    if (rowCount() == sourceModel()->rowCount())
+        ForgetOrder();
+
+    for (SelectedCells& cells : selected)
+        cells.row = mapFromSource(sourceModel()->index(shown[static_cast<std::size_t>(cells.row)], 0)).row();
+    std::erase_if(selected, [](const SelectedCells& cells) { return cells.row < 0; });
+    if (!selected.empty())
+        selection->select(SelectionOf(*this, selected), QItemSelectionModel::Select);
+    if (current.isValid())
+        selection->setCurrentIndex(mapFromSource(current), QItemSelectionModel::NoUpdate);
+}
+
+std::vector<int> ConnectionFilterModel::ShownRows() const
+{
+    std::vector<int> rows(static_cast<std::size_t>(rowCount()));
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        rows[row] = mapToSource(index(static_cast<int>(row), 0)).row();
+    return rows;
+}
+
+QModelIndex ConnectionFilterModel::NextCurrent(const std::vector<int>& shown, const QModelIndex& current) const
+{
+    const auto isAccepted = [this](int row) {
+        return m_accepted[static_cast<std::size_t>(row)];
+    };
+    const auto first = std::find_if(shown.begin(), shown.end(), isAccepted);
+    if (!current.isValid() || first == shown.end())
+        return {};
+    const auto above = std::find_if(shown.rend() - current.row() - 1, shown.rend(), isAccepted);
+    return sourceModel()->index(above == shown.rend() ? *first : *above, current.column());
+}
+
+void ConnectionFilterModel::RememberOrder(const std::vector<int>& shown)
+{
+    m_positions.resize(shown.size());
+    int position = 0;
+    for (const int row : shown)
+        m_positions[static_cast<std::size_t>(row)] = sortOrder() == Qt::AscendingOrder ? position++ : position--;
+}
+
+void ConnectionFilterModel::ForgetOrder()
+{
+    m_positions = {};
+}
+
+bool ConnectionFilterModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
+{
+    if (m_accepted.empty() || m_positions.empty())
+        return QSortFilterProxyModel::lessThan(left, right);
+    return m_positions[static_cast<std::size_t>(left.row())] < m_positions[static_cast<std::size_t>(right.row())];
+}
+
+void ConnectionFilterModel::UpdateMatcher() const
 {
     const QRegularExpression expression = filterRegularExpression();
     if (expression != m_expression) {
@@ -221,20 +393,34 @@ void ConnectionFilterModel::UpdateBounds() const
         };
         m_forNames = bounded(kMatchLimit);
         m_forLongTexts = bounded(kLongTextMatchLimit);
+        m_literals.reset();
     }
 }
 
-bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
+bool ConnectionFilterModel::Matches(const QString& text) const
 {
-    UpdateBounds();
+    if (!m_literals) {
+        const QString wellFormed = WellFormed(text);
+        return wellFormed.contains(wellFormed.size() > kLongText ? m_forLongTexts : m_forNames);
+    }
+    qsizetype from = 0;
+    for (const QStringMatcher& literal : *m_literals) {
+        const qsizetype found = literal.indexIn(text, from);
+        if (found < 0)
+            return false;
+        from = found + literal.pattern().size();
+    }
+    return true;
+}
+
+bool ConnectionFilterModel::MatchesRow(int sourceRow, const QModelIndex& sourceParent) const
+{
     if (m_expression.pattern().isEmpty())
         return true;
-    if (!m_forNames.isValid())
+    if (!m_literals && !m_forNames.isValid())
         return false;
     const auto matches = [&](int column) {
-        const QString text =
-            WellFormed(sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString());
-        return text.contains(text.size() > kLongText ? m_forLongTexts : m_forNames);
+        return Matches(sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString());
     };
     const int columns = sourceModel()->columnCount(sourceParent);
     if (filterKeyColumn() >= 0)
@@ -244,4 +430,12 @@ bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& s
         if (matches(column))
             return true;
     return false;
+}
+
+bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
+{
+    if (static_cast<std::size_t>(sourceRow) < m_accepted.size())
+        return m_accepted[static_cast<std::size_t>(sourceRow)];
+    UpdateMatcher();
+    return MatchesRow(sourceRow, sourceParent);
 }

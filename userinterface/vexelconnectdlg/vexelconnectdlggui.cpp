@@ -373,9 +373,8 @@ void VexelConnectDlgGUI::SlotUpdateFilter()
 
 void VexelConnectDlgGUI::ApplyFilter()
 {
-    m_pProxyModel->setFilterKeyColumn(m_pFilterColumnComboBox->currentIndex());
-    m_pProxyModel->setFilterRegularExpression(
-        FilterExpression(m_pFilterPatternLineEdit->text(), m_pRegExpComboBox->currentIndex()));
+    m_pProxyModel->SetFilter(m_pFilterColumnComboBox->currentIndex(), m_pFilterPatternLineEdit->text(),
+                             m_pRegExpComboBox->currentIndex(), m_pBasicView->selectionModel());
 }
 
 void VexelConnectDlgGUI::UpdateFilterSign()

@@ -16,10 +16,10 @@
 #include <optional>
 
 class AppCounter;
+class ConnectionFilterModel;
 class ConnectionsDelegate;
 class ConnectionsModel;
 class QMenu;
-class QSortFilterProxyModel;
 
 /// The connect dialog: shows the list of connection entries in two synchronised views and lets the operator change it.
 ///
@@ -105,7 +105,7 @@ private:
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;
-    QSortFilterProxyModel* m_pProxyModel = nullptr;
+    ConnectionFilterModel* m_pProxyModel = nullptr;
     ConnectionsDelegate* m_pDelegate = nullptr;
     AppCounter* m_pAppCounter = nullptr;
 };
