@@ -477,5 +477,9 @@ Bitte ziehen Sie höchstens eine Datei hierher.</translation>
         <source>Connection Details</source>
         <translation>Verbindungsdetails</translation>
     </message>
+    <message>
+        <source>Importing connection entries...</source>
+        <translation>Verbindungen werden importiert...</translation>
+    </message>
 </context>
 </TS>

@@ -378,9 +378,11 @@ void ConnectionFilterModel::ForgetOrder()
 
 bool ConnectionFilterModel::lessThan(const QModelIndex& left, const QModelIndex& right) const
 {
-    if (m_accepted.empty() || m_positions.empty())
+    const bool isFiltering = !m_accepted.empty();
+    const std::vector<int>& places = isFiltering && !m_positions.empty() ? m_positions : m_ranks;
+    if (places.empty())
         return QSortFilterProxyModel::lessThan(left, right);
-    return m_positions[static_cast<std::size_t>(left.row())] < m_positions[static_cast<std::size_t>(right.row())];
+    return places[static_cast<std::size_t>(left.row())] < places[static_cast<std::size_t>(right.row())];
 }
 
 void ConnectionFilterModel::UpdateMatcher() const

@@ -10,6 +10,7 @@
 #include <QStringMatcher>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QItemSelectionModel;
@@ -73,6 +74,10 @@ public:
     /// nearest row above that does becomes current, or else the first one.
     void SetFilter(int column, const QString& pattern, int mode, QItemSelectionModel* selection);
 
+    /// Sorts by these numbers, one for each row of the source, instead of by texts, which takes a tenth of the time;
+    /// empty: by texts again. They must give the same order.
+    void SetRanks(std::vector<int> ranks) { m_ranks = std::move(ranks); }
+
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
@@ -100,4 +105,5 @@ private:
     /// not be compared again. Zero or negative in descending order. Empty if it is not known.
     std::vector<int> m_positions;
     std::vector<QMetaObject::Connection> m_sourceConnections;
+    std::vector<int> m_ranks;
 };

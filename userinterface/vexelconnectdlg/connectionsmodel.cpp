@@ -15,6 +15,7 @@
 #include <QPixmapCache>
 
 #include <algorithm>
+#include <numeric>
 
 // Resources of a static library must be initialised explicitly; the macro must not be used inside a namespace.
 static void InitImages()
@@ -457,6 +458,37 @@ bool ConnectionsModel::IsFull() const
 Connection ConnectionsModel::GetConnection(int row) const
 {
     return *m_connections[static_cast<std::size_t>(row)];
+}
+
+std::vector<Connection> ConnectionsModel::GetConnections() const
+{
+    std::vector<Connection> connections;
+    connections.reserve(m_connections.size());
+    for (const std::unique_ptr<Connection>& connection : m_connections)
+        connections.push_back(*connection);
+    return connections;
+}
+
+std::vector<int> ConnectionsModel::SortRanks(const std::vector<Connection>& entries, int column)
+{
+    // Numbers and a text; a column out of the table has neither.
+    if (column < 0 || column >= kColumnCount || column == ColumnTimeout)
+        return {};
+    std::vector<QString> texts(entries.size());
+    std::transform(entries.begin(), entries.end(), texts.begin(),
+                   [column](const Connection& entry) { return DisplayData(entry, column).toString(); });
+    std::vector<std::size_t> order(entries.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(),
+              [&texts](std::size_t left, std::size_t right) { return texts[left] < texts[right]; });
+    std::vector<int> ranks(entries.size());
+    int rank = 0;
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        if (texts[order[i - 1]] != texts[order[i]])
+            ++rank;
+        ranks[order[i]] = rank;
+    }
+    return ranks;
 }
 
 void ConnectionsModel::SetStatus(int row, int status)

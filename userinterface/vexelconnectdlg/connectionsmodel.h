@@ -70,6 +70,12 @@ public:
     bool IsFull() const;
     /// Returns a copy of the entry at `row`, which must exist.
     Connection GetConnection(int row) const;
+    /// Returns copies of all entries.
+    std::vector<Connection> GetConnections() const;
+
+    /// Returns for each of `entries` its place if they are sorted by the display text of `column`; equal texts have the
+    /// same place. Empty for a column that is not sorted by its text. Any thread.
+    static std::vector<int> SortRanks(const std::vector<Connection>& entries, int column);
 
     /// Removes the entries at `rows`, given in any order, in linear time: rows that are not adjacent are first moved to
     /// the end, in one layout change, and then removed together. The other entries keep their order. Rows outside the

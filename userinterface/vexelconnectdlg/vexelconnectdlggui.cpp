@@ -4,9 +4,9 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include "files/atomicfile.h"
-#include "files/boundedfile.h"
 #include "platform/guibase.h"
 #include "platform/tracing.h"
+#include "process/background.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
@@ -14,6 +14,8 @@
 #include "userinterface/vexelconnectdlg/editorrouting.h"
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/importedlist.h"
+#include "userinterface/vexelconnectdlg/importprogress.h"
 #include "userinterface/vexelconnectdlg/listkeys.h"
 #include "userinterface/vexelconnectdlg/secondclick.h"
 #include "userinterface/vexelconnectdlg/selectedrows.h"
@@ -25,27 +27,32 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
 #include <optional>
 #include <utility>
 
 namespace {
 
-constexpr const char* kEntriesBeforeImport = "entriesBeforeImport";
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
 constexpr quint16 kCannotReadLine = 383;
 constexpr quint16 kNothingToReadLine = 388;
 constexpr quint16 kCannotWriteLine = 421;
 constexpr quint16 kNothingToWriteLine = 426;
+
+constexpr qint64 kShortImport = qint64{1024} * 1024; // bytes, which take some milliseconds
 
 QString UriListType()
 {
@@ -148,7 +155,10 @@ VexelConnectDlgGUI::~VexelConnectDlgGUI()
 {
     StoreFilterSettings();
     // The model stores the entries next.
+    CancelImport();
     RollBackImport();
+    for (const std::future<void>& reading : m_cancelledReadings)
+        reading.wait();
     // Destroying the window commits an open editor. This object must not handle the change any more.
     disconnect(m_pModel, nullptr, this, nullptr);
     m_pModel = nullptr;
@@ -437,26 +447,23 @@ void VexelConnectDlgGUI::SlotExport()
 
 bool VexelConnectDlgGUI::Import(const QString& fileName)
 {
-    // If the message box of an earlier import is still open, the backup must have the entries from before that.
+    // Of an earlier import that is still running, or whose message box is still open.
+    CancelImport();
     RollBackImport();
-    const QByteArray backup = m_pModel->ToByteArray();
+    ImportResult result = ImportResult::Failed;
     if (fileName.isEmpty()) {
         Trace(
             kTraceSource, kNothingToReadLine,
             [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
-    } else if (const auto document = ReadRegularFile(fileName, ConnectionList::kMaximumSize)) {
-        if (LoadEntries([&] { return m_pModel->FromByteArray(*document); }))
-            return true;
     } else {
-        Trace(
-            kTraceSource, kCannotReadLine,
-            [&fileName] {
-                return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading")
-                    .arg(fileName);
-            });
+        result = ImportFile(fileName);
     }
-    m_entriesBeforeImport = backup;
-    setProperty(kEntriesBeforeImport, backup); // for a host that saves meanwhile
+    // Cancelled also by the destruction of this object.
+    if (result != ImportResult::Failed)
+        return result == ImportResult::Done;
+    if (!m_backup)
+        m_backup = Backup{m_pModel->GetConnections()};
+    m_backup->isImportFailed = true;
     const QPointer<VexelConnectDlgGUI> guard(this);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
@@ -466,23 +473,143 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     return false;
 }
 
+VexelConnectDlgGUI::ImportResult VexelConnectDlgGUI::ImportFile(const QString& fileName)
+{
+    std::unique_ptr<ImportProgress> progress;
+    if (QFileInfo(fileName).size() > kShortImport) {
+        progress = std::make_unique<ImportProgress>(this, tr("Import Connection Settings"),
+                                                    tr("Importing connection entries..."));
+    }
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    const auto forget = qScopeGuard([&] {
+        if (guard && m_pImport == progress.get())
+            m_pImport = nullptr;
+    });
+    m_pImport = progress.get();
+    const std::optional<ImportedList> list = ReadList(fileName, progress.get());
+    if (!list)
+        return ImportResult::Cancelled;
+    if (!list->isReadable) {
+        Trace(kTraceSource, kCannotReadLine, [&fileName] {
+            return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
+        });
+        return ImportResult::Failed;
+    }
+    if (!ReplaceEntries(*list, progress.get()))
+        return ImportResult::Cancelled;
+    if (!list->isWhole)
+        return ImportResult::Failed;
+    m_backup.reset();
+    return ImportResult::Done;
+}
+
+/// Returns none if the import was cancelled. This object may then be destroyed.
+std::optional<ImportedList> VexelConnectDlgGUI::ReadList(const QString& fileName, ImportProgress* progress)
+{
+    struct Reading
+    {
+        ReadingProgress progress;
+        ImportedList list;
+    };
+    const auto reading = std::make_shared<Reading>();
+    const auto read = [reading, fileName, column = m_pProxyModel->sortColumn()] {
+        reading->list = ImportedList::Read(fileName, column, reading->progress);
+    };
+    if (!progress) {
+        read();
+        return std::move(reading->list);
+    }
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    std::future<void> done = RunInBackground(read);
+    const auto isDone = [&done] {
+        return done.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    };
+    if (progress->WaitFor(isDone, [&] { progress->Show(reading->progress.entries, reading->progress.total); }))
+        return std::move(reading->list);
+    reading->progress.isUnwanted = true;
+    if (guard)
+        m_cancelledReadings.push_back(std::move(done));
+    else
+        done.wait();
+    return std::nullopt;
+}
+
+/// Returns false if the import was cancelled. The old entries are then back, or this object is destroyed.
+bool VexelConnectDlgGUI::ReplaceEntries(const ImportedList& list, ImportProgress* progress)
+{
+    constexpr std::size_t kEntriesAtATime = 5'000; // some milliseconds
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    bool isCancelled = false;
+    const auto handleEvents = [&] {
+        isCancelled = progress && !progress->HandleEvents();
+        return !isCancelled;
+    };
+    m_backup = Backup{m_pModel->GetConnections()};
+    const auto replace = [&] {
+        if (!handleEvents())
+            return;
+        m_pModel->removeRows(0, m_pModel->rowCount());
+        for (std::size_t i = 0; i < list.entries.size(); ++i) {
+            if (i % kEntriesAtATime == 0 && !handleEvents())
+                return;
+            m_pModel->AddConnection(list.entries[i]);
+        }
+        m_pModel->ResetConnectionStatus();
+        if (handleEvents() && m_pProxyModel->sortColumn() == list.rankedColumn)
+            m_pProxyModel->SetRanks(list.ranks);
+    };
+    LoadEntries(replace);
+    if (isCancelled && guard)
+        RollBackImport();
+    return !isCancelled;
+}
+
+/// Lets an import that handles events end when these have been handled.
+void VexelConnectDlgGUI::CancelImport()
+{
+    if (ImportProgress* const import = std::exchange(m_pImport, nullptr))
+        import->Cancel();
+}
+
 void VexelConnectDlgGUI::RollBackImport()
 {
-    if (const std::optional<QByteArray> entries = std::exchange(m_entriesBeforeImport, std::nullopt)) {
-        setProperty(kEntriesBeforeImport, QVariant());
-        LoadEntries([&] { return m_pModel->RestoreByteArray(*entries); });
+    if (const std::optional<Backup> backup = std::exchange(m_backup, std::nullopt)) {
+        CancelImport();
+        LoadEntries([&] {
+            m_pModel->removeRows(0, m_pModel->rowCount());
+            for (const Connection& entry : backup->entries)
+                m_pModel->AddConnection(entry);
+            if (backup->isImportFailed)
+                m_pModel->ResetConnectionStatus();
+        });
     }
 }
 
-bool VexelConnectDlgGUI::LoadEntries(const std::function<bool()>& load)
+QByteArray VexelConnectDlgGUI::EntriesBeforeImport() const
 {
-    // The model inserts entries one by one. Sorting each in would take quadratic time, so sort once at the end.
+    if (!m_backup)
+        return {};
+    std::vector<const Connection*> entries;
+    entries.reserve(m_backup->entries.size());
+    for (const Connection& entry : m_backup->entries)
+        entries.push_back(&entry);
+    return ConnectionList::Write(entries);
+}
+
+/// `load` replaces all entries, and may handle events and destroy this object.
+void VexelConnectDlgGUI::LoadEntries(const std::function<void()>& load)
+{
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    // The model inserts entries one by one. So the views see none of them before all are there: they would lay out
+    // their rows again and again, and sorting each in would take quadratic time.
     m_pProxyModel->setDynamicSortFilter(false);
-    const bool loaded = load();
+    m_pProxyModel->setFilterRegularExpression(QStringLiteral("("));
+    load();
+    if (!guard)
+        return;
     m_pProxyModel->setDynamicSortFilter(true);
-    // The statuses changed while the filter was not dynamic.
     ApplyFilter();
-    return loaded;
+    m_pProxyModel->SetRanks({});
 }
 
 void VexelConnectDlgGUI::Export(const QString& fileName)

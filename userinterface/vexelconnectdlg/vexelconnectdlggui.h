@@ -4,6 +4,7 @@
 #pragma once
 
 #include "ui_vexelconnectdlg.h"
+#include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
 #include <QByteArray>
@@ -13,13 +14,17 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <future>
 #include <optional>
+#include <vector>
 
 class AppCounter;
 class ConnectionFilterModel;
 class ConnectionsDelegate;
 class ConnectionsModel;
+class ImportProgress;
 class QMenu;
+struct ImportedList;
 
 /// The connect dialog: shows the list of connection entries in two synchronised views and lets the operator change it.
 ///
@@ -29,6 +34,9 @@ class QMenu;
 class VexelConnectDlgGUI : public QDialog, public Ui::VexelConnectDlg
 {
     Q_OBJECT
+    /// For a host that stores the list: the document of the entries from before an import that has begun to replace
+    /// them, or that has failed and whose message box is still open. Empty at other times.
+    Q_PROPERTY(QByteArray entriesBeforeImport READ EntriesBeforeImport)
 
 public:
     /// `model` and `appCounter` are not owned. Both must exist as long as the dialog is used, the model until the
@@ -37,13 +45,17 @@ public:
     ~VexelConnectDlgGUI() override;
 
     /// Replaces all entries by those of the file. On failure, also if the list would be larger than the largest one
-    /// (see `ConnectionList`), shows a message box and keeps the entries, except that their statuses become "Free" and
-    /// characters that XML does not allow are removed. Returns whether the entries were replaced.
+    /// (see `ConnectionList`), shows a message box and keeps the entries, except that their statuses become "Free".
+    /// Returns whether the entries were replaced.
+    ///
+    /// Handles events while it imports a large file: a box shows how far it has come, and the user can cancel, which
+    /// keeps the entries as they are. So does another import and the destruction of the dialog meanwhile.
     bool Import(const QString& fileName);
-    /// Restores the entries from before a failed import whose message box is still open. Until the box is closed the
-    /// list has the entries read from the file, possibly none. Call before storing the list. Does nothing at other
-    /// times.
+    /// Restores the entries from before an import that has begun to replace them, which cancels it, or that has failed
+    /// and whose message box is still open. Until then the list has entries read from the file, possibly none. Call
+    /// before storing the list. Does nothing at other times.
     void RollBackImport();
+    QByteArray EntriesBeforeImport() const;
     /// Writes all entries to the file. On failure, which is only traced, the file is unchanged; see
     /// `ReplaceRegularFile` for the exceptions.
     void Export(const QString& fileName);
@@ -97,11 +109,23 @@ private:
     void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
-    bool LoadEntries(const std::function<bool()>& load);
+    enum class ImportResult { Done, Failed, Cancelled };
+    ImportResult ImportFile(const QString& fileName);
+    std::optional<ImportedList> ReadList(const QString& fileName, ImportProgress* progress);
+    bool ReplaceEntries(const ImportedList& list, ImportProgress* progress);
+    void LoadEntries(const std::function<void()>& load);
+    void CancelImport();
     void ShowInfo(const QString& text);
 
-    std::optional<QByteArray> m_entriesBeforeImport; // while the message box about a failed import is open
-    bool m_bStayMinimized = false;                   // the next setVisible() is that of showMinimized()
+    struct Backup
+    {
+        std::vector<Connection> entries;
+        bool isImportFailed = false; // its message box is open
+    };
+    std::optional<Backup> m_backup;                     // while an import replaces the entries, or has failed
+    ImportProgress* m_pImport = nullptr;                // while events are handled during an import
+    std::vector<std::future<void>> m_cancelledReadings; // their threads use the code of the plug-in
+    bool m_bStayMinimized = false;                      // the next setVisible() is that of showMinimized()
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;

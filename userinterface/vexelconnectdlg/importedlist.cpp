@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
+#include "userinterface/vexelconnectdlg/importedlist.h"
+
+#include "files/boundedfile.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/connectionsmodel.h"
+
+#include <optional>
+
+ImportedList ImportedList::Read(const QString& fileName, int column, ReadingProgress& progress)
+{
+    ImportedList list;
+    const std::optional<QByteArray> document = ReadRegularFile(fileName, ConnectionList::kMaximumSize);
+    if (!document)
+        return list;
+    list.isReadable = true;
+    progress.total = static_cast<int>(document->count("<Connection>"));
+    list.isWhole = ConnectionList::Read(*document, [&](const Connection& entry) {
+        if (progress.isUnwanted)
+            return list.entries.clear();
+        list.entries.push_back(entry);
+        ++progress.entries;
+    });
+    list.rankedColumn = column;
+    // All will be "Free".
+    if (column == ConnectionsModel::ColumnStatus)
+        list.ranks.resize(list.entries.size());
+    else
+        list.ranks = ConnectionsModel::SortRanks(list.entries, column);
+    return list;
+}
