@@ -160,6 +160,7 @@ const std::array kPatterns{
     Pattern{"filter, plain text", SearchMode::PlainText, QString(), QStringLiteral("7")},
     Pattern{"filter, plain text narrowed", SearchMode::PlainText, QStringLiteral("7"), QStringLiteral("70")},
     Pattern{"filter, plain text cleared", SearchMode::PlainText, QStringLiteral("7"), QString()},
+    Pattern{"filter, plain text without a match", SearchMode::PlainText, QString(), QStringLiteral("zz")},
     Pattern{"filter, wildcard", SearchMode::Wildcard, QString(), QStringLiteral("s*7")},
     Pattern{"filter, regular expression", SearchMode::RegularExpression, QString(), QStringLiteral("7[0-4]")}};
 

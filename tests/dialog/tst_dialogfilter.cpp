@@ -32,6 +32,7 @@ private slots:
     void activeLabelNeverShowsWithTheFrame_data();
     void activeLabelNeverShowsWithTheFrame();
     void hidingFrameKeepsFilter();
+    void selectionAndCurrentRowSurviveFilter();
 
     void settingsAreRestored();
     void invalidSettingsAreCorrected_data();
@@ -239,6 +240,28 @@ void TestDialogFilter::hidingFrameKeepsFilter()
     m_fixture->dialog->hide();
     m_fixture->Show();
     QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("b")});
+}
+
+void TestDialogFilter::selectionAndCurrentRowSurviveFilter()
+{
+    m_fixture->Build();
+    m_fixture->Add({Entry("a 1"), Entry("b 2"), Entry("c 1"), Entry("d 2")});
+    m_fixture->Show();
+    const auto names = [](const QModelIndexList& rows) {
+        QStringList texts;
+        for (const QModelIndex& row : rows)
+            texts += row.siblingAtColumn(ConnectionsModel::ColumnName).data().toString();
+        return texts;
+    };
+    QItemSelectionModel* const selection = m_fixture->BasicView()->selectionModel();
+    m_fixture->BasicView()->selectAll();
+    selection->setCurrentIndex(m_fixture->ProxyIndex("d 2", ConnectionsModel::ColumnName),
+                               QItemSelectionModel::NoUpdate);
+    Pattern()->setText(QStringLiteral("1"));
+    QCOMPARE(names(selection->selectedRows()), (QStringList{QStringLiteral("a 1"), QStringLiteral("c 1")}));
+    QCOMPARE(names({m_fixture->DetailsView()->currentIndex()}), QStringList{QStringLiteral("c 1")});
+    Pattern()->clear();
+    QCOMPARE(names(selection->selectedRows()), (QStringList{QStringLiteral("a 1"), QStringLiteral("c 1")}));
 }
 
 void TestDialogFilter::settingsAreRestored()
