@@ -9,13 +9,15 @@
 namespace Runner {
 
 void Enter(const std::string& what, const std::string& subject, const Measurement& measurement,
-           std::span<const int> lengths)
+           std::span<const int> lengths, benchmark::IterationCount iterations)
 {
     for (const int entries : lengths) {
         const std::string name = subject + '/' + what + '/' + std::to_string(entries);
-        benchmark::RegisterBenchmark(name.c_str(), measurement, entries)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
+        auto* const entered = benchmark::RegisterBenchmark(name.c_str(), measurement, entries)
+                                  ->UseManualTime()
+                                  ->Unit(benchmark::kMillisecond);
+        if (iterations > 0)
+            entered->Iterations(iterations);
     }
 }
 

@@ -20,9 +20,10 @@ inline constexpr std::array Lengths{100, 1'000, 10'000, 100'000};
 using Measurement = std::function<void(benchmark::State& state, int entries)>;
 
 /// Registers `measurement` as "subject/what/entries" for each of `lengths`. The subject is "product" or the name of the
-/// floor that the product is compared with; both have the same `what`.
+/// floor that the product is compared with; both have the same `what`. It runs as often as it takes for a good figure,
+/// or `iterations` times.
 void Enter(const std::string& what, const std::string& subject, const Measurement& measurement,
-           std::span<const int> lengths = Lengths);
+           std::span<const int> lengths = Lengths, benchmark::IterationCount iterations = 0);
 
 /// Runs `operation` and returns the seconds it takes, without any work that it defers.
 double Seconds(const std::function<void()>& operation);
