@@ -17,6 +17,8 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <algorithm>
+#include <chrono>
 #include <future>
 #include <map>
 #include <memory>
@@ -24,21 +26,36 @@
 #include <utility>
 #include <vector>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 using Documents = std::vector<std::shared_ptr<ConfigDocument>>;
 using SaveRequests = std::vector<ConfigDocument::SaveRequest>;
-using SaveResults = std::vector<ConfigDocument::SaveResult>;
+using SaveResult = ConfigDocument::SaveResult;
+using SaveResults = std::vector<SaveResult>;
 
-using SaveDone = std::vector<std::function<void(bool isSaved)>>;
+/// What is to be written to a document by the thread that saves it.
+struct Write
+{
+    QString file; // relative to the store
+    std::function<void(ICfg& root)> function;
+};
+
+/// What a save in another thread is asked to do, besides saving every changed document.
+struct SaveOrder
+{
+    std::vector<Write> writes;
+    std::vector<std::function<void(bool isSaved)>> done;
+};
 
 /// A save that runs in another thread.
 struct BackgroundSave
 {
     quint64 number = 0;
+    SaveOrder order;
     Documents documents;
-    std::future<SaveResults> results;
-    SaveDone done;
+    std::future<SaveResults> results; // of the documents, then of the writes
 };
 
 /// What `CfgCenter` holds for the process.
@@ -49,7 +66,8 @@ struct Store
     std::map<QString, std::shared_ptr<ConfigDocument>> documents;                 // by file, relative to the store
     std::map<std::pair<QString, QString>, std::unique_ptr<ConfigNode>> rootNodes; // by that file and the key path
     std::optional<BackgroundSave> backgroundSave;
-    SaveDone waitingForASave; // to be started when the one in the background has ended
+    SaveOrder waiting;                          // for the end of the save in the background
+    std::map<QString, QString> versionWarnings; // of the last writes, by file; each told once
     QString saveError;
 };
 
@@ -102,56 +120,6 @@ SaveResults RunSave(const SaveRequests& requests)
     return results;
 }
 
-bool FinishSave(const Documents& documents, const SaveResults& results)
-{
-    QStringList errors;
-    QStringList notices;
-    for (std::size_t i = 0; i < documents.size(); ++i) {
-        documents[i]->FinishSave(results[i]);
-        if (!results[i].error.isEmpty())
-            errors += results[i].error;
-        notices += documents[i]->TakeNotice();
-    }
-    TheStore().saveError = errors.join(QStringLiteral("; "));
-    if (!documents.empty())
-        ReturnFreeMemory();
-    for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
-        Tell(notice);
-    return errors.isEmpty();
-}
-
-void Call(const SaveDone& done, bool isSaved)
-{
-    for (const auto& function : done)
-        function(isSaved);
-}
-
-/// Waits for the save that runs in another thread, if there is one.
-void FinishBackgroundSave()
-{
-    if (std::optional<BackgroundSave> save = std::exchange(TheStore().backgroundSave, std::nullopt))
-        Call(save->done, FinishSave(save->documents, save->results.get()));
-}
-
-void StartBackgroundSave(SaveDone done)
-{
-    static quint64 number = 0;
-    const auto finish = [number = ++number] {
-        if (!TheStore().backgroundSave || TheStore().backgroundSave->number != number)
-            return;
-        FinishBackgroundSave();
-        if (!TheStore().backgroundSave && !TheStore().waitingForASave.empty())
-            StartBackgroundSave(std::exchange(TheStore().waitingForASave, {}));
-    };
-    Documents documents;
-    auto work = [requests = BeginSave(documents), finish] {
-        SaveResults results = RunSave(requests);
-        QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
-        return results;
-    };
-    TheStore().backgroundSave = {number, std::move(documents), RunInBackground(std::move(work)), std::move(done)};
-}
-
 QString FileIn(const QString& directory, const QString& file)
 {
     return directory + u'/' + file;
@@ -173,6 +141,100 @@ ICfg* RootNode(const QString& file, const QString& path)
     ICfg* const result = node.get();
     Tell(notice); // last, as the sink may come back here
     return result;
+}
+
+/// Writes to a document of its own, as another process would.
+SaveResult RunWrite(const Write& write, const QString& file, DocumentAccess access, const VersionFilter& versionFilter)
+{
+    const auto document = std::make_shared<ConfigDocument>(file, access);
+    ConfigNode root(document, {});
+    write.function(root);
+    const auto request = document->BeginSave(versionFilter);
+    SaveResult result = request ? ConfigDocument::RunSave(*request) : SaveResult();
+    result.values.clear();
+    if (result.notice.isEmpty())
+        result.notice = document->TakeNotice();
+    return result;
+}
+
+bool FinishSave(const Documents& documents, const SaveResults& results, const std::vector<Write>& writes = {})
+{
+    QStringList errors;
+    QStringList notices;
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        if (!results[i].error.isEmpty())
+            errors += results[i].error;
+        if (i < documents.size()) {
+            documents[i]->FinishSave(results[i]);
+            notices += documents[i]->TakeNotice();
+            continue;
+        }
+        const Write& write = writes[i - documents.size()];
+        QString& lastWarning = TheStore().versionWarnings[write.file];
+        if (std::exchange(lastWarning, results[i].versionWarning) != results[i].versionWarning)
+            notices += results[i].versionWarning;
+        notices += results[i].notice;
+        const auto open = TheStore().documents.find(write.file);
+        if (!results[i].error.isEmpty())
+            write.function(*RootNode(write.file, {}));
+        else if (open != TheStore().documents.end())
+            open->second->Reload();
+    }
+    TheStore().saveError = errors.join(QStringLiteral("; "));
+    for (const QString& notice : std::as_const(notices)) // last, as the sink may open documents
+        Tell(notice);
+    return errors.isEmpty();
+}
+
+void Call(const SaveOrder& order, bool isSaved)
+{
+    for (const auto& function : order.done)
+        function(isSaved);
+}
+
+/// Waits for the save that runs in another thread, if there is one.
+void FinishBackgroundSave()
+{
+    if (std::optional<BackgroundSave> save = std::exchange(TheStore().backgroundSave, std::nullopt)) {
+        const bool isSaved = FinishSave(save->documents, save->results.get(), save->order.writes);
+        StartInBackground(ReturnFreeMemory); // tens of milliseconds after a long list
+        Call(save->order, isSaved);
+    }
+}
+
+/// Starts to save what is waiting for that, unless a save is running.
+void StartBackgroundSave()
+{
+    Store& store = TheStore();
+    if (store.backgroundSave || store.waiting.done.empty())
+        return;
+    static quint64 number = 0;
+    const auto finish = [number = ++number] {
+        if (!TheStore().backgroundSave || TheStore().backgroundSave->number != number)
+            return;
+        FinishBackgroundSave();
+        StartBackgroundSave();
+    };
+    SaveOrder order = std::exchange(store.waiting, {});
+    Documents documents;
+    auto work = [requests = BeginSave(documents), writes = order.writes, directory = store.directory,
+                 access = store.access, filter = TheVersionFilter(), finish] {
+        SaveResults results = RunSave(requests);
+        for (const Write& write : writes)
+            results.push_back(RunWrite(write, FileIn(directory, write.file), access, filter));
+        QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
+        return results;
+    };
+    store.backgroundSave = {number, std::move(order), std::move(documents), RunInBackground(std::move(work))};
+}
+
+bool IsBeingWritten(const QString& file)
+{
+    const auto has = [&file](const SaveOrder& order) {
+        return std::any_of(order.writes.begin(), order.writes.end(),
+                           [&file](const Write& write) { return write.file == file; });
+    };
+    return has(TheStore().waiting) || (TheStore().backgroundSave && has(TheStore().backgroundSave->order));
 }
 
 QString& TheOpenError()
@@ -203,26 +265,51 @@ ICfg* CfgCenter::GetAppCfg(View view)
 
 ICfg* CfgCenter::CreateCfg(const QString& name, View view, const QString& sub)
 {
-    return RootNode(ConfigNames::DocumentFile(view, name), sub.isEmpty() ? QString() : ConfigNames::ToStep(sub));
+    const QString file = ConfigNames::DocumentFile(view, name);
+    if (IsBeingWritten(file))
+        SaveDocument();
+    return RootNode(file, sub.isEmpty() ? QString() : ConfigNames::ToStep(sub));
 }
 
 bool CfgCenter::SaveDocument()
 {
     FinishBackgroundSave();
-    const SaveDone done = std::exchange(TheStore().waitingForASave, {});
+    const SaveOrder order = std::exchange(TheStore().waiting, {});
+    for (const Write& write : order.writes)
+        write.function(*RootNode(write.file, {}));
     Documents documents;
     const SaveRequests requests = BeginSave(documents);
     const bool isSaved = FinishSave(documents, RunSave(requests));
-    Call(done, isSaved);
+    if (!documents.empty())
+        ReturnFreeMemory();
+    Call(order, isSaved);
     return isSaved;
 }
 
 void CfgCenter::SaveDocumentAsync(std::function<void(bool isSaved)> done)
 {
-    if (TheStore().backgroundSave)
-        TheStore().waitingForASave.push_back(std::move(done));
-    else
-        StartBackgroundSave({std::move(done)});
+    TheStore().waiting.done.push_back(std::move(done));
+    StartBackgroundSave();
+}
+
+void CfgCenter::WriteDocument(const QString& name, View view, std::function<void(ICfg& root)> write,
+                              const std::function<bool()>& whileWaiting)
+{
+    constexpr auto kUnnoticed = 30ms;
+    const QString file = ConfigNames::DocumentFile(view, name);
+    if (TheStore().directory.isEmpty())
+        return write(*RootNode(file, {}));
+    const auto isDone = std::make_shared<bool>(false);
+    TheStore().waiting.writes.push_back({file, std::move(write)});
+    SaveDocumentAsync([isDone](bool /*isSaved*/) { *isDone = true; });
+    while (!*isDone) {
+        if (TheStore().backgroundSave->results.wait_for(kUnnoticed) == std::future_status::ready) {
+            FinishBackgroundSave();
+            StartBackgroundSave();
+        } else if (!whileWaiting()) {
+            return;
+        }
+    }
 }
 
 QString CfgCenter::SaveError()
@@ -272,7 +359,7 @@ bool CfgCenter::OpenReadOnly(const QString& directory)
 void CfgCenter::Close()
 {
     FinishBackgroundSave();
-    if (!TheStore().waitingForASave.empty())
+    if (!TheStore().waiting.done.empty())
         SaveDocument();
     TheStore() = Store();
 }

@@ -138,6 +138,12 @@ void ConfigDocument::FinishCheck()
         Load();
 }
 
+void ConfigDocument::Reload()
+{
+    FinishCheck();
+    Load();
+}
+
 bool ConfigDocument::WasIntact()
 {
     FinishCheck();

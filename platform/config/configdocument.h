@@ -79,6 +79,9 @@ public:
     /// Removes the key at `path` and everything below it.
     void Remove(const QString& path);
 
+    /// Reads the file again, which something else has written. Changes that have not been saved remain.
+    void Reload();
+
     /// What there is to save. None: nothing was changed, and the file is not touched; also while another save runs. A
     /// file that has been removed is saved again.
     std::optional<SaveRequest> BeginSave(const VersionFilter& versionFilter);

@@ -5,6 +5,7 @@
 //   read STORE DOCUMENT NODE KEY      prints the value; an empty NODE is the root
 //   write STORE DOCUMENT PREFIX COUNT writes keys PREFIX0, PREFIX1, ... of the root, and saves after each
 //   rewrite STORE DOCUMENT COUNT      endlessly: sets COUNT keys of the root to the next number, prints it, saves
+//   rewrite-in-thread STORE DOCUMENT COUNT   the same with CfgCenter::WriteDocument
 //   translate                         prints "Street" in the system's language, from the product's translations
 
 #include "platform/cfgcenter.h"
@@ -62,6 +63,23 @@ int Rewrite(const QString& document, int count)
     }
 }
 
+int RewriteInThread(const QString& document, int count)
+{
+    const int last = CfgCenter::CreateCfg(document, View::Shared, {})->GetInt(QStringLiteral("Key0"), 0, 0);
+    for (int number = last + 1;; ++number) {
+        Print(QString::number(number));
+        CfgCenter::WriteDocument(
+            document, View::Shared,
+            [count, number](ICfg& root) {
+                for (int i = 0; i < count; ++i)
+                    root.SetInt(QStringLiteral("Key%1").arg(i), number, 0);
+            },
+            [] { return true; });
+        if (!CfgCenter::SaveError().isEmpty())
+            return 3;
+    }
+}
+
 int Translate()
 {
     const QString domain = QStringLiteral("PlatformTest");
@@ -88,5 +106,7 @@ int main(int argc, char* argv[])
         return Write(arguments.value(3), arguments.value(4), arguments.value(5).toInt());
     if (command == QLatin1String("rewrite"))
         return Rewrite(arguments.value(3), arguments.value(4).toInt());
+    if (command == QLatin1String("rewrite-in-thread"))
+        return RewriteInThread(arguments.value(3), arguments.value(4).toInt());
     return 1;
 }

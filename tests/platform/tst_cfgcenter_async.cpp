@@ -7,6 +7,8 @@
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QScopeGuard>
 #include <QTest>
 #include <QThread>
@@ -162,6 +164,146 @@ private slots:
         QCOMPARE(m_store->Number(), 1);
     }
 
+    void documentIsWrittenInAnotherThread()
+    {
+        CfgCenter::CreateCfg(kOther, View::Shared, {})->SetInt(QStringLiteral("Number"), 7, 0);
+        const QThread* thread = nullptr;
+        CfgCenter::WriteDocument(
+            QStringLiteral("Document"), View::Shared,
+            [&thread](ICfg& root) {
+                thread = QThread::currentThread();
+                root.SetInt(QStringLiteral("Number"), 1, 0);
+            },
+            [] { return true; });
+        QVERIFY(thread && thread != QThread::currentThread());
+        m_store->Reopen();
+        QCOMPARE(m_store->Number(), 1);
+        // Every changed document is saved.
+        QCOMPARE(m_store->Number(CfgCenter::CreateCfg(kOther, View::Shared, {})), 7);
+    }
+
+    void eventsCanBeHandledWhileADocumentIsWritten()
+    {
+        Lock();
+        bool hasWaited = false;
+        bool wasWritten = false;
+        Write(QStringLiteral("new"), [&] {
+            hasWaited = true;
+            wasWritten = wasWritten || QFile::exists(m_store->Document());
+            Unlock();
+            return true;
+        });
+        QVERIFY(hasWaited);
+        QVERIFY(!wasWritten);
+        QVERIFY(Files::Read(m_store->Document()).contains("\"Text\": \"new\""));
+    }
+
+    void writingGoesOnWithoutItsCaller()
+    {
+        Lock();
+        int waits = 0;
+        Write(QStringLiteral("new"), [&waits] {
+            ++waits;
+            return false;
+        });
+        QCOMPARE(waits, 1);
+        QVERIFY(!QFile::exists(m_store->Document()));
+        Unlock();
+        QTRY_VERIFY(Files::Read(m_store->Document()).contains("\"Text\": \"new\""));
+    }
+
+    void openDocumentShowsWhatWasWritten()
+    {
+        ICfg* const root = m_store->Root();
+        root->SetString(kText, QStringLiteral("old"), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        root->SetString(kOther, QStringLiteral("mine"), 0);
+        Write(QStringLiteral("new"));
+        QCOMPARE(root->GetString(kText, {}, 0), QStringLiteral("new"));
+        // Also where the value that is set then is the one from before.
+        root->SetString(kText, QStringLiteral("old"), 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        m_store->Reopen();
+        QCOMPARE(Text(kText), QStringLiteral("old"));
+        QCOMPARE(Text(kOther), QStringLiteral("mine"));
+    }
+
+    void openingADocumentWaitsUntilItIsWritten()
+    {
+        QVERIFY(m_store->Save(1));
+        m_store->Reopen();
+        Lock();
+        Write(
+            QStringLiteral("first"), [] { return false; });
+        Write(QStringLiteral("second"), [] { return false; });
+        Unlock();
+        QCOMPARE(Text(kText), QStringLiteral("second"));
+        QVERIFY(Files::Read(m_store->Document()).contains("\"Text\": \"second\""));
+    }
+
+    void writtenWhileAnotherSaveRuns()
+    {
+        m_store->Root()->SetInt(QStringLiteral("Number"), 1, 0);
+        Lock();
+        Start();
+        Write(QStringLiteral("new"), [this] {
+            Unlock();
+            return true;
+        });
+        QCOMPARE(m_results, QList<bool>{true});
+        m_store->Reopen();
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+        QCOMPARE(m_store->Number(), 1);
+    }
+
+    void unchangedDocumentIsNotWritten()
+    {
+        Write(QStringLiteral("same"));
+        const QDateTime before = QFileInfo(m_store->Document()).lastModified();
+        QVERIFY(QFile::setPermissions(m_store->Document(), QFile::ReadOwner));
+        Write(QStringLiteral("same"));
+        QCOMPARE(QFileInfo(m_store->Document()).lastModified(), before);
+        QVERIFY(ConfigVersions(View::Shared, QStringLiteral("Document")).List().isEmpty());
+    }
+
+    void failedWriteIsSavedNext()
+    {
+        Write(QStringLiteral("old"));
+        const QString inTheWay = m_store->Document() + QStringLiteral(".lock");
+        QVERIFY(QDir().mkpath(inTheWay));
+        Write(QStringLiteral("new"));
+        QVERIFY2(CfgCenter::SaveError().contains(inTheWay), qPrintable(CfgCenter::SaveError()));
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+        QVERIFY(QDir().rmdir(inTheWay));
+        QVERIFY(CfgCenter::SaveDocument());
+        m_store->Reopen();
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+    }
+
+    void damagedDocumentIsRecoveredBeforeItIsWritten()
+    {
+        QVERIFY(m_store->Save(1));
+        QVERIFY(m_store->Save(2)); // keeps a version
+        m_store->Reopen();
+        QVERIFY(Files::Write(m_store->Document(), "{"));
+        QStringList notices;
+        CfgCenter::SetNoticeSink([&notices](const QString& notice) { notices += notice; });
+        const auto reset = qScopeGuard([] { CfgCenter::SetNoticeSink({}); });
+        Write(QStringLiteral("new"));
+        QCOMPARE(notices.size(), 1);
+        QVERIFY2(notices.front().contains(QLatin1String("is damaged")), qPrintable(notices.front()));
+        QCOMPARE(m_store->Quarantined().size(), 1);
+        QCOMPARE(m_store->Number(), 1);
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+    }
+
+    void documentInMemoryIsWritten()
+    {
+        CfgCenter::Close();
+        Write(QStringLiteral("new"));
+        QCOMPARE(Text(kText), QStringLiteral("new"));
+    }
+
     void failedSaveKeepsTheChanges()
     {
         m_store->Root()->SetString(kText, QStringLiteral("old"), 0);
@@ -187,6 +329,13 @@ private:
     void Start()
     {
         CfgCenter::SaveDocumentAsync([this](bool isSaved) { m_results += isSaved; });
+    }
+    static void Write(
+        const QString& text, const std::function<bool()>& whileWaiting = [] { return true; })
+    {
+        CfgCenter::WriteDocument(
+            QStringLiteral("Document"), View::Shared, [text](ICfg& root) { root.SetString(kText, text, 0); },
+            whileWaiting);
     }
     void Lock()
     {

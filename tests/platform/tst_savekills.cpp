@@ -68,7 +68,8 @@ private slots:
         QVERIFY(QDir(m_root.path()).mkdir(QStringLiteral("tmp")));
         CfgCenter::SetNoticeSink([this](const QString& line) { m_notices += line; });
         for (int kill = 1; kill <= m_kills; ++kill) {
-            KillOnce(random.bounded(kLongestDelayUs));
+            KillOnce(kill % 2 == 0 ? QStringLiteral("rewrite") : QStringLiteral("rewrite-in-thread"),
+                     random.bounded(kLongestDelayUs));
             if (QTest::currentTestFailed()) {
                 qWarning("at kill %d of %d", kill, m_kills);
                 break;
@@ -85,7 +86,7 @@ private slots:
     void cleanupTestCase() { CfgCenter::Close(); }
 
 private:
-    void KillOnce(quint32 delayUs)
+    void KillOnce(const QString& command, quint32 delayUs)
     {
         QProcess process;
         // The test removes temporary files of killed processes.
@@ -94,8 +95,7 @@ private:
             environment.insert(name, m_root.filePath(QStringLiteral("tmp")));
         environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(PLATFORMPROCESS),
-                      {QStringLiteral("rewrite"), Store(), kDocument, QString::number(kKeys)});
+        process.start(QStringLiteral(PLATFORMPROCESS), {command, Store(), kDocument, QString::number(kKeys)});
 
         // It announces each number before saving it. The second announcement means that the first number is saved.
         int announced = 0;
