@@ -91,8 +91,8 @@ void DialogVisibility::DecideLater()
 void DialogVisibility::Decide()
 {
     // An open box belongs to "&Connect", which has more entries to go, or asks about quitting. The next decision is
-    // made after it is answered.
-    if (QApplication::activeModalWidget())
+    // made after it is answered, or when "&Connect" has been handled.
+    if (QApplication::activeModalWidget() || m_dialog.IsConnecting())
         return;
 
     switch (m_state) {

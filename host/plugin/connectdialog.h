@@ -90,8 +90,13 @@ public:
     /// Returns the list for another thread: some 15 ms for 10,000 entries, where `Document` takes ten times that.
     ListCopy Copy() const;
 
-    /// Clicks "&Connect". When this returns, the applications have been started.
+    /// Clicks "&Connect". When this returns, the applications have been started. Events may have been handled
+    /// meanwhile.
     void PressConnect() const { m_pConnectButton->click(); }
+    /// Returns whether "&Connect" is being handled.
+    bool IsConnecting() const { return m_pWindow->property("isConnecting").toBool(); }
+    /// Stores the filter, without the list, if the plug-in can do that.
+    void StoreFilter() const { QMetaObject::invokeMethod(m_pWindow, "StoreFilterSettings"); }
 
     /// Shows the dialog, also a minimised one, in front of other windows.
     void BringToFront() const;

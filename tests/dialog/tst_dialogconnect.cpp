@@ -1,14 +1,20 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
+#include "files/filelock.h"
 #include "tests/support/dialogfixture.h"
 #include "tests/support/launcherfixture.h"
 #include "tests/support/system.h"
 #include "tests/support/testmain.h"
+#include "userinterface/vexelconnectdlg/applicationinstance.h"
 
+#include <QDeadlineTimer>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include <csignal>
+#include <functional>
+#include <optional>
 
 /// "&Connect" in the dialog, with real processes and the records in the configuration.
 class TestDialogConnect : public QObject
@@ -34,7 +40,73 @@ private slots:
     void failedStartLeavesEntryFree();
     void destructionEndsApplications();
 
+    void eventsAreHandledBeforeTheRecordsAreSaved();
+    void secondConnectDuringTheFirst();
+    void destructionBeforeTheRecordsAreSaved();
+    void endOfTheProgramBeforeTheRecordsAreSaved();
+    void failedSaveOfRecordsDoesNotStopConnect();
+    void eventsAreHandledBetweenStarts();
+    void applicationsThatEndMeanwhileStayInUse();
+    void entriesMayMoveBetweenStarts();
+    void importBetweenStartsEndsConnect();
+    void destructionBetweenStarts();
+    void endOfTheProgramBetweenStarts();
+
 private:
+    /// Opens an empty configuration on disk.
+    void OpenStore()
+    {
+        m_store.emplace();
+        QVERIFY(CfgCenter::Open(m_store->path()));
+    }
+    void LockRecords()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(RecordsFile()).path()));
+        m_lock = std::make_unique<FileLock>();
+        QString error;
+        QCOMPARE(m_lock->TryLock(RecordsFile() + QStringLiteral(".lock"), &error), FileLock::Result::Locked);
+    }
+    QString RecordsFile() const { return m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.json")); }
+
+    /// Connects with locked records, and calls `meanwhile` when events are handled.
+    void ConnectLocked(const std::function<void()>& meanwhile)
+    {
+        LockRecords();
+        bool wasMeanwhile = false;
+        QTimer::singleShot(0, m_fixture->dialog, [&] {
+            wasMeanwhile = true;
+            QVERIFY(!m_fixture->dialog->isVisible());
+            QVERIFY(m_fixture->dialog->property("isConnecting").toBool());
+            meanwhile();
+        });
+        m_fixture->ConnectButton()->click();
+        m_lock.reset();
+        QVERIFY(wasMeanwhile);
+    }
+
+    /// Connects; the first start takes long, and `meanwhile` is called when events are handled after it.
+    void ConnectSlowly(const std::function<void()>& meanwhile)
+    {
+        bool wasMeanwhile = false;
+        connect(
+            m_fixture->model, &QAbstractItemModel::dataChanged, this,
+            [&] {
+                QDeadlineTimer slow(50);
+                while (!slow.hasExpired()) {
+                }
+                QMetaObject::invokeMethod(
+                    m_fixture->dialog,
+                    [&] {
+                        wasMeanwhile = true;
+                        meanwhile();
+                    },
+                    Qt::QueuedConnection);
+            },
+            Qt::SingleShotConnection);
+        m_fixture->ConnectButton()->click();
+        QVERIFY(wasMeanwhile);
+    }
+
     QList<int> Statuses() const
     {
         QList<int> statuses;
@@ -43,6 +115,8 @@ private:
         return statuses;
     }
 
+    std::optional<QTemporaryDir> m_store;
+    std::unique_ptr<FileLock> m_lock;
     std::unique_ptr<TestChild> m_child;
     std::unique_ptr<DialogFixture> m_fixture;
 };
@@ -58,8 +132,10 @@ void TestDialogConnect::init()
 
 void TestDialogConnect::cleanup()
 {
+    m_lock.reset();
     m_fixture.reset();
     m_child.reset();
+    CfgCenter::Close();
 }
 
 void TestDialogConnect::connectHidesStoresAndStarts()
@@ -287,6 +363,159 @@ void TestDialogConnect::destructionEndsApplications()
     m_fixture->TearDown();
     for (const TestChild::Report& report : m_child->Reports())
         QTRY_VERIFY(!System::IsProcess(report.pid));
+}
+
+void TestDialogConnect::eventsAreHandledBeforeTheRecordsAreSaved()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteBravo, true)});
+    QByteArray recordsAtFirstStart;
+    connect(
+        m_fixture->model, &QAbstractItemModel::dataChanged, this,
+        [&] { recordsAtFirstStart = Files::Read(RecordsFile()); }, Qt::SingleShotConnection);
+    QList<int> statusesMeanwhile;
+    bool existedMeanwhile = true;
+    ConnectLocked([&] {
+        statusesMeanwhile = Statuses();
+        existedMeanwhile = QFile::exists(RecordsFile());
+        m_lock.reset();
+    });
+    QCOMPARE(statusesMeanwhile, (QList<int>{0, 0}));
+    QVERIFY(!existedMeanwhile);
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
+    QVERIFY2(recordsAtFirstStart.contains("\"ConnectionCount\": \"2\""), recordsAtFirstStart.constData());
+    QVERIFY(recordsAtFirstStart.contains("\"ConnectData1/StationName\": \"two\""));
+    QVERIFY(!m_fixture->dialog->property("isConnecting").toBool());
+}
+
+void TestDialogConnect::secondConnectDuringTheFirst()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    MessageBoxes boxes;
+    QList<int> statusesOfTheSecond;
+    ConnectLocked([&] {
+        m_fixture->Add({Entry("three", Connection::KiteEcho, true)});
+        m_lock.reset();
+        m_fixture->dialog->SlotConnect();
+        statusesOfTheSecond = Statuses();
+        QVERIFY(m_fixture->dialog->property("isConnecting").toBool());
+    });
+    QCOMPARE(statusesOfTheSecond, (QList<int>{1, 1, 1}));
+    QCOMPARE(Statuses(), (QList<int>{1, 1, 1}));
+    QTRY_COMPARE(m_child->Count(), 3);
+    QCOMPARE(m_fixture->appCounter->Instances().size(), 3);
+    QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("3"));
+    QVERIFY(!m_fixture->dialog->property("isConnecting").toBool());
+}
+
+void TestDialogConnect::destructionBeforeTheRecordsAreSaved()
+{
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    ConnectLocked([this] { m_fixture->TearDown(); });
+    // The records are saved nevertheless.
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
+    QCOMPARE(m_child->Count(), 0);
+}
+
+void TestDialogConnect::endOfTheProgramBeforeTheRecordsAreSaved()
+{
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    QTimer::singleShot(0, this, [this] { ConnectLocked([] { QCoreApplication::exit(); }); });
+    QCoreApplication::exec();
+    QCOMPARE(m_fixture->appCounter->Instances().size(), 0);
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
+}
+
+void TestDialogConnect::failedSaveOfRecordsDoesNotStopConnect()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    const QString inTheWay = RecordsFile() + QStringLiteral(".lock");
+    QVERIFY(QDir().mkpath(inTheWay));
+    m_fixture->ConnectButton()->click();
+    QCOMPARE(Statuses(), QList<int>{1});
+    QVERIFY(!QFile::exists(RecordsFile()));
+    QVERIFY(QDir().rmdir(inTheWay));
+    QVERIFY(CfgCenter::SaveDocument());
+    QVERIFY(QFile::exists(RecordsFile()));
+}
+
+void TestDialogConnect::eventsAreHandledBetweenStarts()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    QList<int> statusesMeanwhile;
+    ConnectSlowly([&] { statusesMeanwhile = Statuses(); });
+    QCOMPARE(statusesMeanwhile, (QList<int>{1, 0}));
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
+    QTRY_COMPARE(m_child->Count(), 2);
+}
+
+// An application that ends at once does not become available to the next entry of the same "Connect".
+void TestDialogConnect::applicationsThatEndMeanwhileStayInUse()
+{
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    ConnectSlowly([this] {
+        const ApplicationInstance* const first = m_fixture->appCounter->Instances().constFirst();
+        QTRY_VERIFY(first->GetEnd());
+        QCOMPARE(Statuses(), (QList<int>{1, 0}));
+    });
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
+    QCOMPARE(m_fixture->appCounter->RunningApplications(Connection::KiteEcho),
+             (QStringList{QStringLiteral("Kite1"), QStringLiteral("Kite2")}));
+    QTRY_COMPARE(Statuses(), (QList<int>{0, 0}));
+}
+
+void TestDialogConnect::entriesMayMoveBetweenStarts()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("before"), Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true),
+                    Entry("three", Connection::KiteEcho, true)});
+    ConnectSlowly([this] {
+        m_fixture->model->removeRows(0, 1);
+        m_fixture->model->setData(m_fixture->model->index(2, ConnectionsModel::ColumnSelected), false);
+    });
+    QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
+    QCOMPARE(Statuses(), (QList<int>{1, 1, 0}));
+    QTRY_COMPARE(m_child->Count(), 2);
+}
+
+void TestDialogConnect::importBetweenStartsEndsConnect()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    ConnectionsModel other(nullptr, QString());
+    for (const char* name : {"a", "b", "c"})
+        other.AddConnection(Entry(name, Connection::KiteEcho, true));
+    ConnectSlowly([&] {
+        QVERIFY(m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray())));
+    });
+    QCOMPARE(Statuses(), (QList<int>{0, 0, 0}));
+    QCOMPARE(m_fixture->appCounter->Instances().size(), 1);
+}
+
+void TestDialogConnect::destructionBetweenStarts()
+{
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    const QSignalSpy destroyed(m_fixture->appCounter, &QObject::destroyed);
+    ConnectSlowly([this] { m_fixture->TearDown(); });
+    QCOMPARE(destroyed.count(), 1);
+}
+
+void TestDialogConnect::endOfTheProgramBetweenStarts()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    QTimer::singleShot(0, this, [this] { ConnectSlowly([] { QCoreApplication::exit(); }); });
+    QCoreApplication::exec();
+    QCOMPARE(Statuses(), (QList<int>{1, 0}));
 }
 
 VEXEL_TEST(QTEST_MAIN, TestDialogConnect)

@@ -73,7 +73,8 @@ void TestDialogWindow::declaresSlotsInOrder()
                                  "slot SlotDoubleClicked(QModelIndex index)\nslot SlotClose()\nslot SlotConnect()\n"
                                  "slot SlotUpdateFilter()\n"
                                  "slot SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)\n"
-                                 "other ApplicationOf(int row)\nproperty entriesBeforeImport")
+                                 "other ApplicationOf(int row)\nother StoreFilterSettings()\n"
+                                 "property entriesBeforeImport")
                  .split(QLatin1Char('\n')));
 
     m_fixture->Build();

@@ -82,6 +82,7 @@ private slots:
     void closingWhileInUseStaysAndComesBack();
     void connectingHidesUntilTheLastHasEnded();
     void connectingInVainShowsTheDialogAgain();
+    void eventsDuringConnectDoNotEndTheHost();
     void problemBoxDoesNotEndTheHost();
     void applicationMayEndDuringTheProblemBox();
     void applicationMayEndWhileTheDialogIsShown();
@@ -171,6 +172,26 @@ void TestDialogVisibility::connectingInVainShowsTheDialogAgain()
     Settle();
     QCOMPARE(kept.end->count(), 0);
     QVERIFY(kept.fake.isVisible());
+}
+
+// The dialog handles events while it connects, before the first entry is in use.
+void TestDialogVisibility::eventsDuringConnectDoNotEndTheHost()
+{
+    Kept kept;
+    kept.onConnect = [&kept] {
+        kept.fake.setProperty("isConnecting", true);
+        Settle();
+        QCOMPARE(kept.hidden->count(), 0);
+        kept.fake.SetStatus(0, 1);
+        kept.fake.setProperty("isConnecting", false);
+    };
+    kept.fake.connectButton->click();
+    Settle();
+    QCOMPARE(kept.end->count(), 0);
+    QCOMPARE(kept.hidden->count(), 1);
+    QVERIFY(kept.fake.isHidden());
+    kept.fake.SetStatus(0, 0);
+    QTRY_VERIFY(kept.fake.isVisible());
 }
 
 void TestDialogVisibility::problemBoxDoesNotEndTheHost()

@@ -264,8 +264,23 @@ const ApplicationInstance* AppCounter::InstanceOf(const Connection& entry) const
     return last;
 }
 
+void AppCounter::HoldSweeps()
+{
+    ++m_sweepHolds;
+}
+
+void AppCounter::ReleaseSweeps()
+{
+    if (--m_sweepHolds == 0 && std::exchange(m_isSweepDue, false))
+        QMetaObject::invokeMethod(this, &AppCounter::SlotOnProcessExit, Qt::QueuedConnection);
+}
+
 void AppCounter::SlotOnProcessExit()
 {
+    if (m_sweepHolds > 0) {
+        m_isSweepDue = true;
+        return;
+    }
     const QList<ApplicationInstance*> instances = m_instances;
     for (ApplicationInstance* const instance : instances) {
         // A receiver of a status change may already have removed it.

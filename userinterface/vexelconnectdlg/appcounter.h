@@ -73,6 +73,11 @@ public:
     /// its entries are "Free". While these become "Free", the status change still finds it. Owned by the launcher.
     const ApplicationInstance* InstanceOf(const Connection& entry) const;
 
+    /// While sweeps are held, the entries of applications that have ended stay "In Use"; they are swept when the event
+    /// loop runs after the last release. Every hold needs a release.
+    void HoldSweeps();
+    void ReleaseSweeps();
+
 public slots:
     /// Removes every instance that is "Free", including those that failed to start, sets its entry to "Free" and makes
     /// its application available again. Called when an application has ended.
@@ -91,6 +96,8 @@ private:
     QStringList m_installedList;
     QMap<int, QStringList> m_runningTable;
     QList<ApplicationInstance*> m_instances;
+    int m_sweepHolds = 0;
+    bool m_isSweepDue = false; // as soon as none is left
     QMap<int, QString> m_typeTable;
     const QString m_sConfigurationName;
     QString m_sMappingFilePath;

@@ -7,6 +7,9 @@
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
+#include <memory>
+#include <vector>
+
 ConnectData ConnectionToConnectData(const Connection& entry)
 {
     ConnectData record;
@@ -47,14 +50,18 @@ Connection ConnectDataToConnection(const ConnectData& record)
     return entry;
 }
 
-void ExportLegacyConnectData(const ConnectionsModel& model)
+void ExportLegacyConnectData(const ConnectionsModel& model, const std::function<bool()>& whileWaiting)
 {
-    ICfg* const document = CfgCenter::CreateCfg(QStringLiteral("KiteResources/ConnectData"), View::Shared, QString());
+    const auto records = std::make_shared<std::vector<ConnectData>>();
+    records->reserve(static_cast<std::size_t>(model.rowCount()));
     for (int row = 0; row < model.rowCount(); ++row) {
-        ConnectData record = ConnectionToConnectData(model.GetConnection(row));
-        record.m_nIndex = row;
-        record.Write(document);
+        records->push_back(ConnectionToConnectData(model.GetConnection(row)));
+        records->back().m_nIndex = row;
     }
-    document->SetString(QStringLiteral("ConnectionCount"), QString::number(model.rowCount()), 0);
-    CfgCenter::SaveDocument();
+    const auto write = [records](ICfg& document) {
+        for (const ConnectData& record : *records)
+            record.Write(&document);
+        document.SetString(QStringLiteral("ConnectionCount"), QString::number(records->size()), 0);
+    };
+    CfgCenter::WriteDocument(QStringLiteral("KiteResources/ConnectData"), View::Shared, write, whileWaiting);
 }

@@ -6,6 +6,8 @@
 #include "userinterface/kitecontrol/connectdata.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 
+#include <functional>
+
 class ConnectionsModel;
 
 /// Returns the legacy record of `entry`, with index -1: it gets its row number when it is written.
@@ -17,4 +19,8 @@ Connection ConnectDataToConnection(const ConnectData& record);
 /// Writes all entries of `model`, in row order, as legacy records to the configuration document
 /// "KiteResources/ConnectData", which the user-interface applications read, and saves it. Does not remove the surplus
 /// records of a longer list; "ConnectionCount" is the number of valid ones.
-void ExportLegacyConnectData(const ConnectionsModel& model);
+///
+/// The records are those of the list at the time of the call. `whileWaiting` is called if saving takes longer than a
+/// user notices, see `CfgCenter::WriteDocument`; without it, this function returns when they are saved.
+void ExportLegacyConnectData(
+    const ConnectionsModel& model, const std::function<bool()>& whileWaiting = [] { return true; });

@@ -12,6 +12,7 @@
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/editorrouting.h"
+#include "userinterface/vexelconnectdlg/eventbreak.h"
 #include "userinterface/vexelconnectdlg/filedragfilter.h"
 #include "userinterface/vexelconnectdlg/hiddenitems.h"
 #include "userinterface/vexelconnectdlg/importedlist.h"
@@ -33,6 +34,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPersistentModelIndex>
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScrollBar>
@@ -46,6 +48,7 @@
 
 namespace {
 
+constexpr const char* kIsConnecting = "isConnecting";
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
 constexpr quint16 kCannotReadLine = 383;
 constexpr quint16 kNothingToReadLine = 388;
@@ -277,15 +280,54 @@ void VexelConnectDlgGUI::UpdateFilterColumns()
 
 void VexelConnectDlgGUI::SlotConnect()
 {
-    hide();
-    WriteLegacyConnectData();
-    // The host may destroy the instance while a message box is open.
     const QPointer<VexelConnectDlgGUI> guard(this);
+    const auto restore = qScopeGuard([guard, before = property(kIsConnecting)] {
+        if (guard)
+            guard->setProperty(kIsConnecting, before);
+    });
+    setProperty(kIsConnecting, true);
+    hide();
+    EventBreak eventBreak;
+    bool goesOn = true;
+    // The applications read the records.
+    ExportLegacyConnectData(*m_pModel, [&] { return goesOn = TakeBreak(eventBreak); });
+    if (goesOn)
+        ConnectEntries(eventBreak);
+}
+
+void VexelConnectDlgGUI::ConnectEntries(EventBreak& eventBreak)
+{
+    // The host may destroy the instance during a break or while a message box is open.
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    std::optional<QPersistentModelIndex> last;
+    bool isRested = false;
     for (int row = 0; guard && row < m_pModel->rowCount(); ++row) {
         const Connection entry = m_pModel->GetConnection(row);
-        if (entry.Selected && entry.ConnectionStatus == Connection::Free)
-            m_pAppCounter->ConnectTo(entry);
+        if (!entry.Selected || entry.ConnectionStatus != Connection::Free)
+            continue;
+        if (!isRested && eventBreak.IsDue()) {
+            if (!TakeBreak(eventBreak) || (last && !last->isValid()))
+                return;
+            // Everything may have changed or moved.
+            isRested = true;
+            row = last ? last->row() : -1;
+            continue;
+        }
+        last = m_pModel->index(row, ConnectionsModel::ColumnName);
+        isRested = false;
+        m_pAppCounter->ConnectTo(entry);
     }
+}
+
+/// Returns whether to go on: the dialog exists, and the program is not about to end.
+bool VexelConnectDlgGUI::TakeBreak(EventBreak& eventBreak)
+{
+    const QPointer<VexelConnectDlgGUI> guard(this);
+    m_pAppCounter->HoldSweeps();
+    const bool goesOn = eventBreak.Take();
+    if (guard)
+        m_pAppCounter->ReleaseSweeps();
+    return guard && goesOn;
 }
 
 void VexelConnectDlgGUI::WriteLegacyConnectData()

@@ -22,6 +22,7 @@ class AppCounter;
 class ConnectionFilterModel;
 class ConnectionsDelegate;
 class ConnectionsModel;
+class EventBreak;
 class ImportProgress;
 class QMenu;
 struct ImportedList;
@@ -70,7 +71,8 @@ public:
     /// the application ended: either "exitCode" (int), or "crashed" (true) and on Unix "signal" (int).
     Q_INVOKABLE QVariantMap ApplicationOf(int row) const;
 
-    void StoreFilterSettings();
+    /// Also called by the host when it stores the list itself.
+    Q_INVOKABLE void StoreFilterSettings();
     void RestoreFilterSettings();
 
     /// Also shows a minimised dialog as it was before.
@@ -87,6 +89,13 @@ public slots:
     void SlotClicked(QModelIndex index);
     void SlotDoubleClicked(QModelIndex index);
     void SlotClose();
+    /// Hides the dialog, saves the legacy records, and starts an application for every entry that is ticked and "Free",
+    /// in the model's order. When this returns, they have been started.
+    ///
+    /// If it takes longer than a user notices, events are handled meanwhile; see `EventBreak`. Entries stay "In Use"
+    /// that long even if their application has ended. Another call connects what is left; an entry starts once. It ends
+    /// early if the program is told to end, if the dialog is destroyed, and if the entry connected last is removed, as
+    /// an import does. The dynamic property "isConnecting" (bool) tells the host.
     void SlotConnect();
     void SlotUpdateFilter();
     void SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight);
@@ -115,6 +124,8 @@ private:
     bool ReplaceEntries(const ImportedList& list, ImportProgress* progress);
     void LoadEntries(const std::function<void()>& load);
     void CancelImport();
+    void ConnectEntries(EventBreak& eventBreak);
+    bool TakeBreak(EventBreak& eventBreak);
     void ShowInfo(const QString& text);
 
     struct Backup

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 Vexel
+// SPDX-License-Identifier: LicenseRef-Vexel
+
+#include "userinterface/vexelconnectdlg/eventbreak.h"
+
+#include <QEventLoop>
+#include <QMetaObject>
+#include <QThread>
+
+bool EventBreak::IsDue() const
+{
+    constexpr qint64 kUnnoticedMs = 30;
+    return m_clock.hasExpired(kUnnoticedMs);
+}
+
+bool EventBreak::Take()
+{
+    constexpr int kIsOver = 1;
+    const bool canEnd = QThread::currentThread()->loopLevel() > 0;
+    // Unlike processEvents(), an event loop tells whether the program ends.
+    QEventLoop loop;
+    QMetaObject::invokeMethod(
+        &loop,
+        [&loop] {
+            if (loop.isRunning()) // nobody else has ended it
+                loop.exit(kIsOver);
+        },
+        Qt::QueuedConnection);
+    const bool isEnding = loop.exec() != kIsOver;
+    m_clock.start();
+    return !canEnd || !isEnding;
+}
