@@ -37,14 +37,23 @@ AutoSave::~AutoSave()
         m_text.wait();
 }
 
+void AutoSave::SaveNow()
+{
+    m_timer.stop();
+    Start();
+}
+
 void AutoSave::Cancel()
 {
     m_timer.stop();
     ++m_run;
+    m_isChanged = false;
+    m_isDue = false;
 }
 
 void AutoSave::OnChange()
 {
+    m_isChanged = true;
     constexpr std::chrono::milliseconds kLongestBurst = 1min;
     if (!m_timer.isActive())
         m_firstChange.start();
@@ -54,6 +63,7 @@ void AutoSave::OnChange()
 
 void AutoSave::OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
 {
+    m_isChanged = true;
     const int status = static_cast<int>(EntryColumn::Status);
     if (topLeft.column() != status || bottomRight.column() != status)
         OnChange();
@@ -62,19 +72,29 @@ void AutoSave::OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bott
 void AutoSave::Start()
 {
     // A very long list takes seconds.
-    const bool isBusy = m_text.valid() && m_text.wait_for(0s) != std::future_status::ready;
-    if (isBusy || m_isHeld) {
+    m_isDue = m_isBusy;
+    if (m_isBusy)
+        return;
+    if (m_isHeld) {
         m_timer.start();
         return;
     }
+    if (!std::exchange(m_isChanged, false)) {
+        SaveStored();
+        return;
+    }
+    m_isBusy = true;
     const int run = ++m_run;
     m_text = RunInBackground([this, run, list = m_dialog.Copy()] {
         const StoredText text = ToStoredText(list);
         QMetaObject::invokeMethod(
             this,
             [this, run, text] {
+                m_isBusy = false;
                 if (run == m_run)
                     Write(text);
+                if (m_isDue)
+                    Start();
             },
             Qt::QueuedConnection);
     });
@@ -83,6 +103,11 @@ void AutoSave::Start()
 void AutoSave::Write(const StoredText& text)
 {
     WriteStoredSet(*CfgCenter::GetAppCfg(View::Application), text);
+    SaveStored();
+}
+
+void AutoSave::SaveStored()
+{
     m_save([self = QPointer(this)](const QString& error) {
         if (self)
             emit self->Saved(error);

@@ -30,6 +30,8 @@ public:
     AutoSave(const ConnectDialog& dialog, Save save, QObject* parent = nullptr);
     ~AutoSave() override;
 
+    /// Saves at once, also the statuses. The list is copied and turned into text only if it has changed.
+    void SaveNow();
     /// Drops what has not been handed to the configuration yet, because all is being saved otherwise.
     void Cancel();
     /// While it is held, nothing is copied: the list is in a state that must not be stored.
@@ -44,11 +46,15 @@ private:
     void OnDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
     void Start();
     void Write(const StoredText& text);
+    void SaveStored();
 
     const ConnectDialog& m_dialog;
     const Save m_save;
     QTimer m_timer;
     QElapsedTimer m_firstChange; // that is not being saved yet
+    bool m_isChanged = false;    // since the list was last copied
+    bool m_isBusy = false;       // a text is being made
+    bool m_isDue = false;        // another text, when this one is ready
     int m_run = 0;               // changes whenever the text that is being made is of no use any more
     std::future<void> m_text;
     bool m_isHeld = false;

@@ -28,8 +28,9 @@ DialogSession::DialogSession(const ConnectDialog& dialog, Notices& notices, Save
     , m_tray(m_monitor, this)
     , m_autoSave(dialog, std::move(autoSave), this)
 {
-    connect(&m_autoSave, &AutoSave::Saved, this, &DialogSession::OnAutoSaved);
-    connect(&m_visibility, &DialogVisibility::DialogHidden, this, &DialogSession::SaveOnHide);
+    // Queued: a save that waits for this one may be followed by the question about unsaved changes.
+    connect(&m_autoSave, &AutoSave::Saved, this, &DialogSession::OnAutoSaved, Qt::QueuedConnection);
+    connect(&m_visibility, &DialogVisibility::DialogHidden, this, &DialogSession::SaveSoon);
     connect(&m_visibility, &DialogVisibility::QuitRequested, this, &DialogSession::SaveAndQuit);
     connect(&m_visibility, &DialogVisibility::QuitNeedsConfirmation, &m_quitQuestion, &QuitQuestion::Ask);
     connect(&m_visibility, &DialogVisibility::StaysHidden, this, &DialogSession::OnStaysHidden);
@@ -83,19 +84,14 @@ void DialogSession::Start(bool isHidden)
     m_notices.SetDisplay([this](const QString& text) { ShowNotice(text); });
 }
 
-void DialogSession::SaveOnHide()
+/// Saves everything in another thread, and tells if that fails.
+void DialogSession::SaveSoon()
 {
-    const QString error = Save();
-    if (error.isEmpty())
-        return;
-    // Queued: if the host is about to quit, the question about unsaved changes says the same.
-    QMetaObject::invokeMethod(
-        this,
-        [this, error] {
-            if (!m_isUnsavedQuestionOpen)
-                m_notices.ShowIfUnread(UnsavedText(error));
-        },
-        Qt::QueuedConnection);
+    m_isErrorWanted = true;
+    if (m_areSavesHeld)
+        m_isSaveDue = true;
+    else
+        m_autoSave.SaveNow();
 }
 
 void DialogSession::SaveAndQuit()
@@ -135,8 +131,8 @@ void DialogSession::OnWentToTray()
 
 void DialogSession::SaveNow()
 {
-    if (const QString error = Save(); !error.isEmpty())
-        m_tray.ShowMessage(UnsavedText(error), QSystemTrayIcon::Critical);
+    m_isErrorForTheTray = true;
+    SaveSoon();
 }
 
 void DialogSession::SetAutostart(bool isOn)
@@ -178,6 +174,8 @@ QString DialogSession::Save()
         return {};
     }
     m_autoSave.Cancel();
+    m_isErrorWanted = false;
+    m_isErrorForTheTray = false;
     const QString error = m_saveAll();
     m_hasAutoSaveFailed = m_hasAutoSaveFailed && !error.isEmpty();
     return error;
@@ -199,13 +197,19 @@ void DialogSession::HoldSaves(bool isHeld)
     m_areSavesHeld = isHeld;
     m_autoSave.Hold(isHeld);
     if (!isHeld && std::exchange(m_isSaveDue, false))
-        SaveOnHide();
+        SaveSoon();
 }
 
 void DialogSession::OnAutoSaved(const QString& error)
 {
     const bool hasFailed = !error.isEmpty();
-    if (hasFailed && !std::exchange(m_hasAutoSaveFailed, hasFailed)) // not after every change
+    const bool isNew = !std::exchange(m_hasAutoSaveFailed, hasFailed);
+    const bool isWanted = std::exchange(m_isErrorWanted, false);
+    const bool isForTheTray = std::exchange(m_isErrorForTheTray, false);
+    if (!hasFailed || m_isUnsavedQuestionOpen) // which says the same
+        return;
+    if (isForTheTray)
+        m_tray.ShowMessage(UnsavedText(error), QSystemTrayIcon::Critical);
+    else if (isNew || isWanted) // not after every change
         m_notices.ShowIfUnread(UnsavedText(error));
-    m_hasAutoSaveFailed = hasFailed;
 }

@@ -63,7 +63,7 @@ signals:
     void QuitRequested();
 
 private:
-    void SaveOnHide();
+    void SaveSoon();
     void SaveAndQuit();
     void ShowNotice(const QString& text);
     void OnStaysHidden(int inUse);
@@ -87,6 +87,8 @@ private:
     bool m_isUnsavedQuestionOpen = false;
     AutoSave m_autoSave;
     bool m_hasAutoSaveFailed = false;
+    bool m_isErrorWanted = false;     // of the save that is under way, also if the one before failed
+    bool m_isErrorForTheTray = false; // likewise, from somebody who uses it
     bool m_areSavesHeld = false;
     bool m_isSaveDue = false; // asked for while saves were held
 };

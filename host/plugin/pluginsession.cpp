@@ -184,10 +184,22 @@ QString PluginSession::Save()
 {
     m_pInstance->SaveSettings();
     WriteEntryCount(*CfgCenter::GetAppCfg(View::Application), m_pDialog->Count());
+    StoreWindowSize();
+    return m_mode == Mode::ReadOnly ? QString() : m_saver.Save();
+}
+
+void PluginSession::SaveAsync(std::function<void(const QString& error)> done)
+{
+    m_pDialog->StoreFilter();
+    StoreWindowSize();
+    m_saver.SaveAsync(std::move(done));
+}
+
+void PluginSession::StoreWindowSize() const
+{
     // The size of a window that is off screen is not worth storing.
     if (m_mode == Mode::Desktop)
         GuiBase::Instance().StoreWidgetSize(m_pDialog->Window());
-    return m_mode == Mode::ReadOnly ? QString() : m_saver.Save();
 }
 
 /// Says how many entries a document has lost that something else than the host has written.

@@ -41,9 +41,9 @@ public:
     ExitCode Run(const Work& work);
 
     /// Store what the plug-in knows and save it; for use by `work`. Return, or call `done` with, why that failed; empty
-    /// on success. `SaveAsync` saves what is stored already, in another thread.
+    /// on success. `SaveAsync` does not store the list, which its caller does, and saves in another thread.
     QString Save();
-    void SaveAsync(std::function<void(const QString& error)> done) { m_saver.SaveAsync(std::move(done)); }
+    void SaveAsync(std::function<void(const QString& error)> done);
 
     /// Returns whether the installed samples are used, because nobody has set a data directory; for use by `work`.
     bool UsesSamples() const { return m_usesSamples; }
@@ -54,6 +54,7 @@ private:
     ExitCode RunWithConfiguration(const Work& work);
     ExitCode RunWithInstance(IDllInstance& instance, const Work& work);
     void SetUpEnvironment() const;
+    void StoreWindowSize() const;
     PluginLibrary::Instance CreateInstance();
     void ReportLoss(const StoredSet& set);
 

@@ -107,6 +107,40 @@ private slots:
         QVERIFY(!m_timer->isActive());
     }
 
+    void unchangedListIsSavedWithoutACopy()
+    {
+        m_autoSave->SaveNow();
+        QCOMPARE(m_saves, 1); // at once: no text is made
+        QVERIFY(Stored().isEmpty());
+
+        m_fake->Add(QStringLiteral("quay"));
+        m_autoSave->SaveNow();
+        QVERIFY(!m_timer->isActive());
+        QTRY_COMPARE(m_saves, 2);
+        QVERIFY(Stored().contains("quay"));
+        m_autoSave->SaveNow();
+        QCOMPARE(m_saves, 3);
+    }
+
+    void statusIsSavedOnRequest()
+    {
+        m_fake->SetStatus(0, 1);
+        m_autoSave->SaveNow();
+        QTRY_COMPARE(m_saves, 1);
+        QCOMPARE(Stored().count("<ConnectionStatus>1"), 1);
+    }
+
+    void saveOnRequestWhileTheTextIsMadeIsNewer()
+    {
+        m_timer->setInterval(60'000);
+        m_fake->Add(QStringLiteral("first"));
+        m_autoSave->SaveNow();
+        m_fake->Add(QStringLiteral("second"));
+        m_autoSave->SaveNow();
+        QTRY_VERIFY(Stored().contains("second"));
+        QTRY_COMPARE(m_saves, 2);
+    }
+
     // What is saved otherwise is newer.
     void cancelledTextIsNotStored()
     {

@@ -90,6 +90,9 @@ private slots:
     void closingAsksWhenSavingFails();
     void quittingAsksWhenSavingFails();
     void failedSaveWhileInUseIsShown();
+    void failedSaveOnHidingIsShownAgain();
+    void failedSaveFromTheTrayIsShown();
+    void errorIsForgottenWhenAllIsSaved();
     void changesAreSavedWhileTheDialogIsOpen();
     void nothingIsSavedWhileSavesAreHeld();
     void failedSavesOfChangesAreShownOnce();
@@ -169,6 +172,60 @@ void TestDialogSession::failedSaveWhileInUseIsShown()
     QCOMPARE(host.end->count(), 0);
 }
 
+// The failed save of a change has been shown before; somebody who hides the dialog believes that it saves.
+void TestDialogSession::failedSaveOnHidingIsShownAgain()
+{
+    Session host;
+    host.session->Start();
+    host.AutoSaveTimer()->setInterval(0);
+    host.canSave = false;
+    host.fake.SetStatus(0, 1);
+    host.fake.Add(QStringLiteral("pier"));
+    QTRY_VERIFY(NoticeOnScreen());
+    NoticeOnScreen()->close();
+    host.fake.close();
+    QTRY_VERIFY(NoticeOnScreen() && NoticeOnScreen()->text().contains(kNotSaved));
+    NoticeOnScreen()->close();
+    QCOMPARE(host.saved, 0); // nothing that keeps the window waiting
+}
+
+void TestDialogSession::failedSaveFromTheTrayIsShown()
+{
+    Session host;
+    host.session->Start();
+    host.canSave = false;
+    QSystemTrayIcon* const tray = host.session->findChild<QSystemTrayIcon*>();
+    QVERIFY(host.Action(QStringLiteral("Save now")));
+    host.Action(QStringLiteral("Save now"))->trigger();
+    QTRY_COMPARE(host.autoSaved, 1);
+    QVERIFY(tray);
+    QCoreApplication::processEvents();
+    QVERIFY(!NoticeOnScreen()); // the tray shows it
+    QCOMPARE(host.saved, 0);
+}
+
+void TestDialogSession::errorIsForgottenWhenAllIsSaved()
+{
+    Session host;
+    host.session->Start();
+    host.AutoSaveTimer()->setInterval(60'000);
+    host.fake.SetStatus(0, 1);
+    host.fake.close();
+    QVERIFY(host.session->Save().isEmpty()); // takes over what hiding asked for
+    QTRY_VERIFY(NoticeOnScreen());
+    NoticeOnScreen()->close(); // tells that the entry is in use
+    host.canSave = false;
+    host.AutoSaveTimer()->setInterval(0);
+    host.fake.Add(QStringLiteral("pier"));
+    QTRY_VERIFY(NoticeOnScreen());
+    NoticeOnScreen()->close();
+    const int before = host.autoSaved;
+    host.fake.Add(QStringLiteral("quay"));
+    QTRY_COMPARE(host.autoSaved, before + 1);
+    QCoreApplication::processEvents();
+    QVERIFY(!NoticeOnScreen());
+}
+
 void TestDialogSession::changesAreSavedWhileTheDialogIsOpen()
 {
     Session host;
@@ -199,14 +256,17 @@ void TestDialogSession::nothingIsSavedWhileSavesAreHeld()
     QCOMPARE(host.saved, 0);
     QCOMPARE(host.autoSaved, 0);
     // What was asked for follows.
-    host.session->HoldSaves(false);
-    QCOMPARE(host.saved, 1);
-
-    host.session->HoldSaves(true);
-    host.fake.Add(QStringLiteral("quay"));
+    host.AutoSaveTimer()->setInterval(60'000);
     host.session->HoldSaves(false);
     QTRY_COMPARE(host.autoSaved, 1);
-    QCOMPARE(host.saved, 1);
+    QCOMPARE(host.saved, 0);
+
+    host.session->HoldSaves(true);
+    host.AutoSaveTimer()->setInterval(0);
+    host.fake.Add(QStringLiteral("quay"));
+    host.session->HoldSaves(false);
+    QTRY_COMPARE(host.autoSaved, 2);
+    QCOMPARE(host.saved, 0);
 }
 
 void TestDialogSession::failedSavesOfChangesAreShownOnce()
@@ -268,7 +328,7 @@ void TestDialogSession::nothingIsShownWhereStandardErrorIsRead()
         host.canSave = false;
         host.fake.SetStatus(0, 1);
         host.fake.close();
-        QTRY_VERIFY(host.saved > 0);
+        QTRY_VERIFY(host.autoSaved > 0);
         QCoreApplication::processEvents();
         QVERIFY(!NoticeOnScreen());
     }
