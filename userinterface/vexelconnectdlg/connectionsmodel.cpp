@@ -102,6 +102,15 @@ ConnectionsModel::ConnectionsModel(QObject* parent, const QString& objectName)
     m_selectedIcon = QIcon(QStringLiteral(":/ok.png"));
     m_timeoutIcon = QIcon(QStringLiteral(":/time.png"));
     setObjectName(objectName);
+    const auto forget = [this] {
+        m_storedHash.reset();
+    };
+    connect(this, &QAbstractItemModel::dataChanged, this, forget);
+    connect(this, &QAbstractItemModel::rowsInserted, this, forget);
+    connect(this, &QAbstractItemModel::rowsRemoved, this, forget);
+    connect(this, &QAbstractItemModel::layoutChanged, this, forget);
+    connect(this, &QAbstractItemModel::modelReset, this, forget);
+    connect(this, &QObject::objectNameChanged, this, forget);
     GetConfiguration();
 }
 
@@ -586,6 +595,11 @@ bool ConnectionsModel::SetConfiguration()
         return false;
     }
     const auto storedSet = OpenStoredSet(objectName());
-    storedSet->SetString(kStoredSetKey, QString::fromLatin1(ToByteArray().toHex()), 0);
+    // To serialise a long list takes a tenth of a second or more.
+    if (m_storedHash && qHash(storedSet->GetString(kStoredSetKey, QString(), 0)) == *m_storedHash)
+        return true;
+    const QString text = QString::fromLatin1(ToByteArray().toHex());
+    storedSet->SetString(kStoredSetKey, text, 0);
+    m_storedHash = qHash(text);
     return true;
 }

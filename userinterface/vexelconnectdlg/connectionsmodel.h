@@ -9,7 +9,9 @@
 #include <QAbstractTableModel>
 #include <QIcon>
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// The list of connection entries, as a table of ten columns.
@@ -132,6 +134,7 @@ private:
 
     std::vector<std::unique_ptr<Connection>> m_connections;
     Counts m_counts;
+    std::optional<std::size_t> m_storedHash; // of the text that the list has as it is stored; none: not known
     QIcon m_selectedIcon;
     QIcon m_timeoutIcon;
 };
