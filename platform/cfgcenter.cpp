@@ -197,7 +197,7 @@ void FinishBackgroundSave()
 {
     if (std::optional<BackgroundSave> save = std::exchange(TheStore().backgroundSave, std::nullopt)) {
         const bool isSaved = FinishSave(save->documents, save->results.get(), save->order.writes);
-        StartInBackground(ReturnFreeMemory); // tens of milliseconds after a long list
+        StartInBackground([] { ReturnFreeMemory(); }); // tens of milliseconds after a long list
         Call(save->order, isSaved);
     }
 }
