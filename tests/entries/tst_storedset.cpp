@@ -16,6 +16,9 @@
 #include <algorithm>
 #include <memory>
 
+#include <functional>
+#include <vector>
+
 namespace {
 
 const QString kName = QStringLiteral("ConnectionsModel");
@@ -76,6 +79,8 @@ private slots:
     void noTraceWhileTracesAreOff();
 
     void storingDoesNotSaveDocument();
+    void changesAfterStoringAreStored();
+    void whatSomethingElseStoredIsReplaced();
     void unusualTextsAreStoredOnDisk();
 };
 
@@ -314,6 +319,53 @@ void TestStoredSet::storingDoesNotSaveDocument()
     }
     QVERIFY(CfgCenter::Open(store.path()));
     QCOMPARE(StoredText(), kNone);
+}
+
+// A list that is stored already is not serialised again.
+void TestStoredSet::changesAfterStoringAreStored()
+{
+    ConnectionsModel model(nullptr, kName);
+    for (int i = 0; i < 3; ++i)
+        model.AddConnection(SampleEntry(i));
+    QVERIFY(model.SetConfiguration());
+    const auto text = [&model] {
+        return QString::fromLatin1(model.ToByteArray().toHex());
+    };
+    QCOMPARE(StoredText(), text());
+    const std::vector<std::function<void()>> changes{
+        [&] { model.setData(model.index(1, ConnectionsModel::ColumnSubsystem), QStringLiteral("changed")); },
+        [&] { model.SetConnectionStatus(model.GetConnection(1), Connection::InUse); },
+        [&] { model.ResetConnectionStatus(); },
+        [&] { model.AddConnection(SampleEntry(4)); },
+        [&] {
+            model.RemoveEntries({0, 2});
+        },
+        [&] { model.removeRows(0, 1); },
+        [&] { model.FromByteArray(WriteList({SampleEntry(5)})); },
+        [&] { model.RestoreByteArray(WriteList({SampleEntry(6)})); },
+    };
+    for (const auto& change : changes) {
+        const QString before = StoredText();
+        change();
+        QVERIFY(model.SetConfiguration());
+        QVERIFY(StoredText() != before);
+        QCOMPARE(StoredText(), text());
+    }
+}
+
+void TestStoredSet::whatSomethingElseStoredIsReplaced()
+{
+    ConnectionsModel model(nullptr, kName);
+    model.AddConnection(SampleEntry(1));
+    QVERIFY(model.SetConfiguration());
+    const QString text = StoredText();
+    ConfigNodes::StoreSet(WriteList({SampleEntry(2)}));
+    QVERIFY(model.SetConfiguration());
+    QCOMPARE(StoredText(), text);
+    // Under another name there is nothing yet.
+    model.setObjectName(QStringLiteral("Other"));
+    QVERIFY(model.SetConfiguration());
+    QCOMPARE(ConfigNodes::StoredSet(QString(), QStringLiteral("Other")), text);
 }
 
 void TestStoredSet::unusualTextsAreStoredOnDisk()
