@@ -14,6 +14,7 @@ import json
 import math
 import pathlib
 import platform
+import re
 import sys
 
 PRODUCT = "product"
@@ -39,7 +40,7 @@ def load(results):
         for run in content["benchmarks"]:
             if run.get("error_occurred"):
                 sys.exit(f"{path.name}: {run['name']}: {run['error_message']}")
-            subject, what, entries = run["run_name"].removesuffix("/manual_time").rsplit("/", 2)
+            subject, what, entries = re.sub("/iterations:[0-9]+", "", run["run_name"]).removesuffix("/manual_time").rsplit("/", 2)
             figure = figures.setdefault(what, {}).setdefault(subject, {}).setdefault(int(entries), Figure())
             unit = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}[run["time_unit"]]
             aggregate = run["aggregate_name"] if run["run_type"] == "aggregate" else "iteration"
@@ -118,6 +119,11 @@ def slowest_key_stroke(figures, entries):
     return max(figures[what][PRODUCT][entries].seconds for what in figures if what.startswith("filter")) * 1000
 
 
+def pause(figures, operation):
+    """With 10,000 entries, in milliseconds."""
+    return figures[f"longest pause: {operation}"][PRODUCT][10_000].seconds * 1e3
+
+
 # What is wanted: name, value, largest value. Times are compared within one run.
 AIMS = [
     ("10,000 entries: resident memory above the empty list, MB", lambda f: above_empty(f, "resident, KiB", 10_000), 20),
@@ -127,6 +133,9 @@ AIMS = [
     ("10,000 entries: start, ratio to the same form and rows", lambda f: start_ratio(f, 10_000), 1.5),
     ("100,000 entries: start, ratio to the same form and rows", lambda f: start_ratio(f, 100_000), 2.0),
     ("100,000 entries: a key stroke in the filter until it is painted, ms", lambda f: slowest_key_stroke(f, 100_000), 50),
+    *((f"10,000 entries: longest pause, {operation}, ms", lambda f, operation=operation: pause(f, operation), 50)
+      for operation in ("save after an edit", "save of an unchanged list", "hide after an edit", "connect 1 entry",
+                        "connect 1 entry again, same records", "connect 100 entries")),
 ]
 
 
