@@ -91,8 +91,10 @@ void ConnectionsModel::Counts::Add(const Connection& connection, int sign)
         selected += sign;
     if (connection.Selected && free)
         selectedFree += sign;
-    if (!free)
-        inUse += sign;
+    if (!free && sign > 0)
+        inUse.insert(&connection);
+    else if (!free)
+        inUse.remove(&connection);
 }
 
 ConnectionsModel::ConnectionsModel(QObject* parent, const QString& objectName)
@@ -426,9 +428,8 @@ Qt::ItemFlags ConnectionsModel::flags(const QModelIndex& index) const
         return disabled;
     const Qt::ItemFlags enabled =
         base | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled | Qt::ItemIsEnabled;
-    // Does not read the entry if it need not: views ask this for every row, and most entries are not in the cache.
-    const bool isFree = m_counts.inUse == 0 || entry->ConnectionStatus == Connection::Free;
-    Qt::ItemFlags result = isFree ? enabled : disabled;
+    // Does not read the entry's status: views ask this for every row, and most entries are not in the cache.
+    Qt::ItemFlags result = m_counts.inUse.contains(entry) ? disabled : enabled;
     switch (index.column()) {
     case ColumnSelected:
     case ColumnStatus:
@@ -454,7 +455,7 @@ bool ConnectionsModel::AddConnection(const Connection& connection)
     const int row = rowCount();
     beginInsertRows(QModelIndex(), row, row);
     m_connections.push_back(std::make_unique<Connection>(connection));
-    m_counts.Add(connection, +1);
+    m_counts.Add(*m_connections.back(), +1);
     endInsertRows();
     return true;
 }
@@ -531,7 +532,7 @@ int ConnectionsModel::CountSelectedFree() const
 
 int ConnectionsModel::CountInUse() const
 {
-    return m_counts.inUse;
+    return static_cast<int>(m_counts.inUse.size());
 }
 
 int ConnectionsModel::CountSelected() const

@@ -8,6 +8,7 @@
 
 #include <QAbstractTableModel>
 #include <QIcon>
+#include <QSet>
 
 #include <cstddef>
 #include <memory>
@@ -113,9 +114,10 @@ private:
     struct Counts
     {
         int selectedFree = 0;
-        int inUse = 0;
+        QSet<const Connection*> inUse;
         int selected = 0;
 
+        /// `connection` is the model's own entry, not a copy.
         void Add(const Connection& connection, int sign);
     };
 
