@@ -43,6 +43,7 @@ private slots:
 
     void arrowsMoveCurrentCell();
     void arrowsSkipDisabledAndHidden();
+    void arrowsReachColumnsMovedToTheEdges();
 
     void enterPressesConnect_data();
     void enterPressesConnect();
@@ -407,6 +408,24 @@ void TestDialogKeyboard::arrowsSkipDisabledAndHidden()
     Enter(false, "a", ConnectionsModel::ColumnStatus);
     Press(Qt::Key_Right);
     QCOMPARE(Current().column(), int{ConnectionsModel::ColumnStatus});
+    QVERIFY(m_fixture->BasicView()->hasFocus());
+}
+
+void TestDialogKeyboard::arrowsReachColumnsMovedToTheEdges()
+{
+    m_fixture->Build();
+    m_fixture->Add({Entry("a")});
+    ShowActive();
+    QHeaderView* const basic = m_fixture->BasicView()->header();
+    basic->moveSection(basic->visualIndex(ConnectionsModel::ColumnName), basic->count() - 1);
+    QHeaderView* const details = m_fixture->DetailsView()->header();
+    details->moveSection(details->visualIndex(ConnectionsModel::ColumnSubsystem), 0);
+    Enter(false, "a", ConnectionsModel::ColumnName);
+    Press(Qt::Key_Right);
+    QCOMPARE(Current().column(), int{ConnectionsModel::ColumnSubsystem});
+    QVERIFY(m_fixture->DetailsView()->hasFocus());
+    Press(Qt::Key_Left);
+    QCOMPARE(Current().column(), int{ConnectionsModel::ColumnName});
     QVERIFY(m_fixture->BasicView()->hasFocus());
 }
 

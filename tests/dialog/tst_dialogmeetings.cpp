@@ -120,6 +120,22 @@ private slots:
         QVERIFY(m_fixture->model->GetConnection(0).Selected);
     }
 
+    void rightDoubleClickTicksNothing()
+    {
+        m_fixture->Build();
+        m_fixture->Add({Entry("a")});
+        m_fixture->Show();
+        QWidget* const viewport = m_fixture->BasicView()->viewport();
+        const QModelIndex tick = m_fixture->ProxyIndex("a", ConnectionsModel::ColumnSelected);
+        const QPoint at = m_fixture->BasicView()->visualRect(tick).center();
+        QSignalSpy changed(m_fixture->model, &QAbstractItemModel::dataChanged);
+        QTest::mouseClick(viewport, Qt::RightButton, Qt::NoModifier, at);
+        QTest::mouseDClick(viewport, Qt::RightButton, Qt::NoModifier, at);
+        QTest::mouseRelease(viewport, Qt::RightButton, Qt::NoModifier, at);
+        QCOMPARE(changed.count(), 0);
+        QVERIFY(!m_fixture->model->GetConnection(0).Selected);
+    }
+
     void destructorCommitsOpenEditor()
     {
         m_fixture->Build();

@@ -62,7 +62,9 @@ private slots:
     void columnsFitTextsFarBelow();
     void columnsFitOnTallScreen();
     void lastColumnFitsInNarrowWindow();
+    void columnsFitLastRow();
     void columnsNarrowAfterChange();
+    void columnsNarrowAfterFontChange();
     void widthsDoNotOscillateAtScrollBar();
     void costDoesNotDependOnListLength();
 
@@ -72,9 +74,11 @@ private slots:
     void rowsAreAlignedBelow();
     void rowsAreAlignedAfterFontChange();
     void firstVisibleRowStays();
+    void firstVisibleRowStaysAboveACurrentRowBelow();
     void currentRowStaysVisible();
     void lastRowStaysVisible();
     void heightIsForgottenWithTheList();
+    void heightIsKeptWhileTheListGrows();
 
 private:
     void Show(int entries, QSize size);
@@ -202,6 +206,13 @@ void TestViewSizing::lastColumnFitsInNarrowWindow()
     QTRY_COMPARE(Basic()->columnWidth(Model::ColumnDeviceType), width);
 }
 
+void TestViewSizing::columnsFitLastRow()
+{
+    Show(3, QSize(1200, 300));
+    m_model->setData(m_model->index(2, Model::ColumnName), QString(60, QLatin1Char('z')));
+    QTRY_VERIFY(Fits(2, Model::ColumnName));
+}
+
 void TestViewSizing::columnsNarrowAfterChange()
 {
     Show(3, QSize(1200, 300));
@@ -209,6 +220,18 @@ void TestViewSizing::columnsNarrowAfterChange()
     m_model->setData(m_model->index(1, Model::ColumnName), QString(60, QLatin1Char('n')));
     QTRY_VERIFY(Basic()->columnWidth(Model::ColumnName) > width);
     m_model->setData(m_model->index(1, Model::ColumnName), Name(1));
+    QTRY_COMPARE(Basic()->columnWidth(Model::ColumnName), width);
+}
+
+void TestViewSizing::columnsNarrowAfterFontChange()
+{
+    Show(3, QSize(1200, 300));
+    const int width = Basic()->columnWidth(Model::ColumnName);
+    QFont font = m_font;
+    font.setPointSizeF(3 * m_font.pointSizeF());
+    QApplication::setFont(font);
+    QTRY_VERIFY(Basic()->columnWidth(Model::ColumnName) > width);
+    QApplication::setFont(m_font);
     QTRY_COMPARE(Basic()->columnWidth(Model::ColumnName), width);
 }
 
@@ -341,6 +364,21 @@ void TestViewSizing::firstVisibleRowStays()
     QCOMPARE(Rect(200, Model::ColumnName).top(), 0);
 }
 
+void TestViewSizing::firstVisibleRowStaysAboveACurrentRowBelow()
+{
+    Show(400, QSize(1200, 300));
+    const int height = Rect(0, Model::ColumnName).height();
+    // Less than half of the current row is visible.
+    const int current = 200 + (Basic()->viewport()->height() + height / 2) / height;
+    Basic()->setCurrentIndex(Cell(current, Model::ColumnName));
+    Basic()->verticalScrollBar()->setValue(200 * height);
+    QTRY_VERIFY(RowsAligned());
+    m_model->setData(m_model->index(203, Model::ColumnSubsystem), QStringLiteral("tall"));
+    QTRY_VERIFY(Rect(200, Model::ColumnName).height() > height);
+    QTRY_VERIFY(RowsAligned());
+    QCOMPARE(Rect(200, Model::ColumnName).top(), 0);
+}
+
 void TestViewSizing::currentRowStaysVisible()
 {
     Show(400, QSize(1200, 300));
@@ -377,6 +415,22 @@ void TestViewSizing::heightIsForgottenWithTheList()
         Add(Name(i));
     QTRY_VERIFY(Basic()->model()->rowCount() == 10 && Rect(0, Model::ColumnName).height() == height);
     QTRY_VERIFY(RowsAligned());
+}
+
+void TestViewSizing::heightIsKeptWhileTheListGrows()
+{
+    Show(100, QSize(1200, 300));
+    const int before = Rect(0, Model::ColumnName).height();
+    m_model->setData(m_model->index(5, Model::ColumnSubsystem), QStringLiteral("tall"));
+    QTRY_VERIFY(Rect(0, Model::ColumnName).height() > before);
+    const int height = Rect(0, Model::ColumnName).height();
+    Basic()->verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMaximum);
+    QTRY_VERIFY(RowsAligned());
+    Add(Name(50) + QString(60, QLatin1Char('n')));
+    QTRY_VERIFY(Basic()->model()->rowCount() == 101);
+    for (int round = 0; round < 100; ++round)
+        QCoreApplication::processEvents();
+    QCOMPARE(Rect(99, Model::ColumnName).height(), height);
 }
 
 VEXEL_TEST(QTEST_MAIN, TestViewSizing)

@@ -38,9 +38,11 @@ class TestKiteControlWindow : public QObject
 
 private slots:
     void recordIsShown();
+    void headingIsLarger();
     void labelsAreHighEnough();
     void candidatesAreShown();
     void nameIsPlainText();
+    void valuesCanBeCopied();
     void longNameIsShortened();
     void closeButtonCloses();
 };
@@ -64,6 +66,20 @@ void TestKiteControlWindow::recordIsShown()
         QCOMPARE(TextOf(window, fact.label), shown);
     }
     QVERIFY(!window.findChild<QListWidget*>());
+}
+
+void TestKiteControlWindow::headingIsLarger()
+{
+    const KiteControlWindow window(ReportFor(QStringLiteral("Mast"), Records().Add("Mast", "Kite Echo").List()));
+    const auto fontOf = [&window](const char* objectName) {
+        return window.findChild<QLabel*>(QLatin1String(objectName))->font();
+    };
+    const QFont application = fontOf("m_pApplication");
+    const QFont station = fontOf("m_pStation");
+    QVERIFY(application.bold());
+    QVERIFY(!station.bold());
+    QVERIFY(application.pointSizeF() > station.pointSizeF());
+    QVERIFY(station.pointSizeF() > fontOf("m_pFinding").pointSizeF());
 }
 
 void TestKiteControlWindow::labelsAreHighEnough()
@@ -102,6 +118,16 @@ void TestKiteControlWindow::nameIsPlainText()
     QVERIFY(label);
     QCOMPARE(label->text(), name);
     QCOMPARE(label->textFormat(), Qt::PlainText);
+}
+
+void TestKiteControlWindow::valuesCanBeCopied()
+{
+    const KiteControlWindow window(ReportFor(QStringLiteral("Mast"), Records().Add("Mast", "Kite Echo").List()));
+    for (const char* const name : {"m_pStation", "m_pCommandLine", "Device type"}) {
+        const auto flags = window.findChild<QLabel*>(QLatin1String(name))->textInteractionFlags();
+        QVERIFY(flags.testFlag(Qt::TextSelectableByMouse));
+        QVERIFY(flags.testFlag(Qt::TextSelectableByKeyboard));
+    }
 }
 
 void TestKiteControlWindow::longNameIsShortened()

@@ -37,7 +37,9 @@ private slots:
     void serverCanBeCreatedClosed();
     void closedServerClosesItsPeers();
     void failedConnectIsAnError();
+    void tracesNameTheOtherEnd();
     void clientCanBeOpenedAgain();
+    void clientThatIsOpenedAgainReadsAsMuchAgain();
     void clientCanBeClosedWhileConnecting();
     void readReturnsWaitingBytes();
     void peekKeepsTheBytes();
@@ -305,6 +307,24 @@ void TestInterfaces::failedConnectIsAnError()
     QVERIFY(!client->IsOpen());
 }
 
+void TestInterfaces::tracesNameTheOtherEnd()
+{
+    const TraceRecorder traces;
+    const quint16 port = FreePort();
+    RecordingCallback callback;
+    const auto client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(port), callback, 10'000);
+    QTRY_COMPARE(callback.Kinds(), QList<Kind>{Kind::Error});
+    const QString ofClient = QStringLiteral("Connection to 127.0.0.1, port %1 failed").arg(port);
+    QVERIFY2(traces.Messages().constLast().contains(ofClient), traces.Text().constData());
+
+    TestServer server(50);
+    Caller silent(server.port);
+    QVERIFY(silent.waitForConnected());
+    const QString ofPeer = QStringLiteral("127.0.0.1, port %1 sent nothing").arg(silent.localPort());
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
+    QVERIFY2(traces.Messages().constLast().contains(ofPeer), traces.Text().constData());
+}
+
 void TestInterfaces::clientCanBeOpenedAgain()
 {
     TestServer server;
@@ -329,6 +349,23 @@ void TestInterfaces::clientCanBeOpenedAgain()
     client->Close();
     QTRY_COMPARE(server.callback.Count(Kind::Close), 2);
     QCOMPARE(server.callback.Count(Kind::Open), 2);
+}
+
+void TestInterfaces::clientThatIsOpenedAgainReadsAsMuchAgain()
+{
+    TestServer server;
+    RecordingCallback callback;
+    const auto client = Create(server.ClientAddress(), callback);
+    const QByteArray bytes(CInterfaceCreator::kMaximumBytesPerCall, 'x');
+    for (int call = 1; call <= 2; ++call) {
+        QTRY_COMPARE(server.callback.Count(Kind::Open), call);
+        server.server->Write(bytes.constData(), static_cast<quint64>(bytes.size()));
+        QTRY_COMPARE(callback.received.size(), call * bytes.size());
+        client->Close();
+        QTRY_COMPARE(callback.Count(Kind::Close), call);
+        QTRY_COMPARE(server.callback.Count(Kind::Close), call);
+        QVERIFY(client->Open());
+    }
 }
 
 void TestInterfaces::clientCanBeClosedWhileConnecting()
