@@ -106,6 +106,7 @@ void TestKiteControlWindow::candidatesAreShown()
     const auto* const list = window.findChild<QListWidget*>(QStringLiteral("m_pCandidates"));
     QVERIFY(list);
     QCOMPARE(list->count(), LaunchReport::kMaximumCandidates + 1);
+    QVERIFY(list->wordWrap());
     QCOMPARE(list->item(0)->text(), LaunchReport::Summary(records.List().at(0)));
     QCOMPARE(list->item(list->count() - 1)->text(), QStringLiteral("and 5 more"));
 }

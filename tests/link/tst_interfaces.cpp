@@ -38,6 +38,7 @@ private slots:
     void closedServerClosesItsPeers();
     void failedConnectIsAnError();
     void tracesNameTheOtherEnd();
+    void closedConnectionDoesNotTimeOut();
     void clientCanBeOpenedAgain();
     void clientThatIsOpenedAgainReadsAsMuchAgain();
     void clientCanBeClosedWhileConnecting();
@@ -104,6 +105,7 @@ void TestInterfaces::validAddressIsAccepted_data()
     QTest::newRow("highest port") << QStringLiteral("TCP::65535");
     QTest::newRow("name") << QStringLiteral("TCP:localhost:8451");
     QTest::newRow("full name") << QStringLiteral("TCP:a-host_1.example.org:8451");
+    QTest::newRow("longest name") << QStringLiteral("TCP:%1:8451").arg(QString(253, u'a'));
     QTest::newRow("IPv4") << QStringLiteral("TCP:127.0.0.1:8451");
     QTest::newRow("IPv6") << QStringLiteral("TCP:[::1]:8451");
     QTest::newRow("IPv6, long") << QStringLiteral("TCP:[2001:db8::8:800:200c:417a]:8451");
@@ -323,6 +325,21 @@ void TestInterfaces::tracesNameTheOtherEnd()
     const QString ofPeer = QStringLiteral("127.0.0.1, port %1 sent nothing").arg(silent.localPort());
     QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
     QVERIFY2(traces.Messages().constLast().contains(ofPeer), traces.Text().constData());
+}
+
+void TestInterfaces::closedConnectionDoesNotTimeOut()
+{
+    TestServer server;
+    RecordingCallback callback;
+    const auto client = Create(server.ClientAddress(), callback, 50);
+    QTRY_VERIFY(client->IsOpen());
+    client->Close();
+    QTRY_COMPARE(callback.Count(Kind::Close), 1);
+    const TraceRecorder traces;
+    // Times out later than the first would.
+    const auto other = Create(server.ClientAddress(), callback, 50);
+    QTRY_COMPARE(callback.Count(Kind::Close), 2);
+    QVERIFY2(traces.Reports().size() == 1, traces.Text().constData());
 }
 
 void TestInterfaces::clientCanBeOpenedAgain()

@@ -90,6 +90,12 @@ private slots:
                                         {QStringLiteral("d"), QStringLiteral("1000000000000")}}));
     }
 
+    void largestExactNumberIsAText()
+    {
+        QCOMPARE(Parse(R"({"values": {"a": 9007199254740992}})").values,
+                 Values({{QStringLiteral("a"), QStringLiteral("9007199254740992")}}));
+    }
+
     void typedLayoutIsAccepted()
     {
         const Values values{{QStringLiteral("a"), QStringLiteral("\u00e9")}};
