@@ -295,7 +295,7 @@ void CfgCenter::SaveDocumentAsync(std::function<void(bool isSaved)> done)
 void CfgCenter::WriteDocument(const QString& name, View view, std::function<void(ICfg& root)> write,
                               const std::function<bool()>& whileWaiting)
 {
-    constexpr auto kUnnoticed = 30ms;
+    constexpr auto kUnnoticed = 20ms;
     const QString file = ConfigNames::DocumentFile(view, name);
     if (TheStore().directory.isEmpty())
         return write(*RootNode(file, {}));

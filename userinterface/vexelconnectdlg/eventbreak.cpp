@@ -9,7 +9,7 @@
 
 bool EventBreak::IsDue() const
 {
-    constexpr qint64 kUnnoticedMs = 30;
+    constexpr qint64 kUnnoticedMs = 20;
     return m_clock.hasExpired(kUnnoticedMs);
 }
 
