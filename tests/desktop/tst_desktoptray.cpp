@@ -137,14 +137,14 @@ void TestDesktopTray::closingHidesToTheTray()
     const QString text = QStringLiteral("The connect dialog stays here until you choose \"Quit\".");
     QTRY_VERIFY(BalloonBegins(text));
     QVERIFY(session.fake.isHidden());
-    QCOMPARE(session.saved, 1);
+    QTRY_COMPARE(session.autoSaved, 1);
     QCOMPARE(session.end->count(), 0);
 
     Balloon()->close();
     emit session.Icon()->activated(QSystemTrayIcon::Trigger);
     QTRY_VERIFY(session.fake.isVisible());
     session.fake.close();
-    QTRY_COMPARE(session.saved, 2);
+    QTRY_COMPARE(session.autoSaved, 2);
     // Once is enough.
     QVERIFY(!Balloon());
     QCOMPARE(session.end->count(), 0);
@@ -156,7 +156,7 @@ void TestDesktopTray::clickShowsTheDialog()
     Session session;
     QTRY_VERIFY(session.IsDocked());
     session.fake.close();
-    QTRY_COMPARE(session.saved, 1);
+    QTRY_COMPARE(session.autoSaved, 1);
     Desktop::Click(session.Place().center());
     QTRY_VERIFY(session.fake.isVisible());
     QTRY_VERIFY(session.fake.isActiveWindow());
@@ -195,7 +195,7 @@ void TestDesktopTray::quitAsksWhileInUse()
     QTRY_VERIFY(session.IsDocked());
     session.fake.SetStatus(0, 1);
     session.fake.close();
-    QTRY_COMPARE(session.saved, 1);
+    QTRY_COMPARE(session.autoSaved, 1);
     session.Choose(QStringLiteral("Quit"));
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     QVERIFY(box);
@@ -217,7 +217,7 @@ void TestDesktopTray::onlyAFailedSaveIsReported()
     Session session;
     QTRY_VERIFY(session.IsDocked());
     session.Choose(QStringLiteral("Save now"));
-    QTRY_COMPARE(session.saved, 1);
+    QTRY_COMPARE(session.autoSaved, 1);
     QVERIFY(!Balloon());
     session.canSave = false;
     session.Choose(QStringLiteral("Save now"));
@@ -255,13 +255,13 @@ void TestDesktopTray::restartedPanelTakesTheIcon()
     Session session;
     QTRY_VERIFY(session.IsDocked());
     session.fake.close();
-    QTRY_COMPARE(session.saved, 1);
+    QTRY_COMPARE(session.autoSaved, 1);
     panel.Stop();
     QTRY_VERIFY(session.fake.isVisible());
     panel.Start();
     QTRY_VERIFY(session.IsDocked());
     session.Choose(QStringLiteral("Save now"));
-    QTRY_COMPARE(session.saved, 2);
+    QTRY_COMPARE(session.autoSaved, 2);
     QCOMPARE(session.end->count(), 0);
 }
 
@@ -273,7 +273,7 @@ void TestDesktopTray::laterPanelTakesTheIcon()
     const Panel panel;
     QTRY_VERIFY(session.IsDocked());
     session.fake.close();
-    QTRY_COMPARE(session.saved, 1);
+    QTRY_COMPARE(session.autoSaved, 1);
     QVERIFY(session.fake.isHidden());
     QCOMPARE(session.end->count(), 0);
     session.Choose(QStringLiteral("Show connect dialog"));
