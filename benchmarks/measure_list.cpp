@@ -10,26 +10,31 @@
 #include "platform/cfgcenter.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QSortFilterProxyModel>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QTreeView>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
 namespace {
 
 constexpr int kTicks = 100; // no list is shorter
+constexpr std::array kLongest{ConnectionList::kMaximumEntries};
 
 using Step = std::function<void()>;
 
@@ -122,6 +127,36 @@ void Import(benchmark::State& state, int entries)
     Repeat(
         state, session, [&] { session.model.removeRows(0, session.model.rowCount()); },
         [&] { session.dialog.Import(path); });
+    if (session.model.rowCount() != entries)
+        state.SkipWithError("not all entries were imported");
+}
+
+/// The longest time for which the window does not answer while it imports the longest list, in place of such a list,
+/// and how long the import takes.
+void ImportLongest(benchmark::State& state, int entries)
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("list.xml"));
+    Session session(entries);
+    session.dialog.Export(path);
+    QElapsedTimer sinceEvent;
+    qint64 longest = 0;
+    QTimer events;
+    QObject::connect(&events, &QTimer::timeout, &events, [&] { longest = std::max(longest, sinceEvent.restart()); });
+    double seconds = 0;
+    for (auto iteration : state) {
+        longest = 0;
+        sinceEvent.start();
+        events.start(1);
+        seconds = Runner::Seconds([&] {
+            session.dialog.Import(path);
+            session.Show();
+            QCoreApplication::processEvents();
+        });
+        events.stop();
+        state.SetIterationTime(static_cast<double>(longest) / 1e3);
+    }
+    state.counters["whole import, ms"] = seconds * 1e3;
     if (session.model.rowCount() != entries)
         state.SkipWithError("not all entries were imported");
 }
@@ -368,6 +403,7 @@ void DataBare(benchmark::State& state, int entries)
 void EnterAll()
 {
     Runner::Enter("import", "product", Import);
+    Runner::Enter("import of the longest list: longest pause", "product", ImportLongest, kLongest);
     Runner::Enter("import", "minimal table, one insertion", ImportBare);
     Runner::Enter("import", "tokens, then minimal table, one insertion", ImportTokens);
     for (const Pattern& pattern : kPatterns) {

@@ -385,6 +385,20 @@ bool ConnectionFilterModel::lessThan(const QModelIndex& left, const QModelIndex&
     return places[static_cast<std::size_t>(left.row())] < places[static_cast<std::size_t>(right.row())];
 }
 
+void ConnectionFilterModel::BeginLoading()
+{
+    m_isLoading = true;
+    invalidateRowsFilter();
+}
+
+void ConnectionFilterModel::EndLoading(std::vector<int> ranks)
+{
+    m_isLoading = false;
+    m_ranks = std::move(ranks);
+    invalidateRowsFilter();
+    m_ranks = {};
+}
+
 void ConnectionFilterModel::UpdateMatcher() const
 {
     const QRegularExpression expression = filterRegularExpression();
@@ -436,6 +450,8 @@ bool ConnectionFilterModel::MatchesRow(int sourceRow, const QModelIndex& sourceP
 
 bool ConnectionFilterModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const
 {
+    if (m_isLoading)
+        return false;
     if (static_cast<std::size_t>(sourceRow) < m_accepted.size())
         return m_accepted[static_cast<std::size_t>(sourceRow)];
     UpdateMatcher();

@@ -10,7 +10,6 @@
 #include <QStringMatcher>
 
 #include <optional>
-#include <utility>
 #include <vector>
 
 class QItemSelectionModel;
@@ -74,9 +73,12 @@ public:
     /// nearest row above that does becomes current, or else the first one.
     void SetFilter(int column, const QString& pattern, int mode, QItemSelectionModel* selection);
 
-    /// Sorts by these numbers, one for each row of the source, instead of by texts, which takes a tenth of the time;
-    /// empty: by texts again. They must give the same order.
-    void SetRanks(std::vector<int> ranks) { m_ranks = std::move(ranks); }
+    /// Shows no entries until `EndLoading`. For replacing the whole list: the source inserts entries one by one, and
+    /// the views would lay out their rows again and again.
+    void BeginLoading();
+    /// Shows the entries, sorted. `ranks`, if not empty, has a number for each row of the source, in the order of what
+    /// they are sorted by, and takes the place of comparing that: a tenth of the time.
+    void EndLoading(std::vector<int> ranks = {});
 
 protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
@@ -105,5 +107,6 @@ private:
     /// not be compared again. Zero or negative in descending order. Empty if it is not known.
     std::vector<int> m_positions;
     std::vector<QMetaObject::Connection> m_sourceConnections;
-    std::vector<int> m_ranks;
+    bool m_isLoading = false;
+    std::vector<int> m_ranks; ///< while the entries are sorted by them
 };

@@ -521,7 +521,12 @@ bool ConnectionsModel::SetConnectionStatus(const Connection& connection, int sta
 
 void ConnectionsModel::ResetConnectionStatus()
 {
-    for (int row = 0; row < rowCount(); ++row)
+    ResetConnectionStatus(0, rowCount());
+}
+
+void ConnectionsModel::ResetConnectionStatus(int first, int count)
+{
+    for (int row = first; row < first + count && row < rowCount(); ++row)
         SetStatus(row, Connection::Free);
 }
 

@@ -89,6 +89,8 @@ public:
     bool SetConnectionStatus(const Connection& connection, int status);
     /// Sets every entry to "Free".
     void ResetConnectionStatus();
+    /// Same for `count` entries from row `first` on, or as many as there are.
+    void ResetConnectionStatus(int first, int count);
 
     /// Return the number of entries that are selected and "Free", not "Free", or selected. Constant time.
     int CountSelectedFree() const;

@@ -7,6 +7,7 @@
 #include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
+#include <algorithm>
 #include <optional>
 
 ImportedList ImportedList::Read(const QString& fileName, int column, ReadingProgress& progress)
@@ -16,7 +17,9 @@ ImportedList ImportedList::Read(const QString& fileName, int column, ReadingProg
     if (!document)
         return list;
     list.isReadable = true;
-    progress.total = static_cast<int>(document->count("<Connection>"));
+    const qsizetype total = std::min<qsizetype>(document->count("<Connection>"), ConnectionList::kMaximumEntries);
+    progress.total = static_cast<int>(total);
+    list.entries.reserve(static_cast<std::size_t>(total));
     list.isWhole = ConnectionList::Read(*document, [&](const Connection& entry) {
         if (progress.isUnwanted)
             return list.entries.clear();

@@ -19,6 +19,7 @@ ImportProgress::ImportProgress(QWidget* window, const QString& title, const QStr
     m_time.start();
     m_pBox->setWindowTitle(title);
     m_pBox->setLabelText(label);
+    m_pBox->setMinimumWidth(m_pBox->fontMetrics().averageCharWidth() * 50); // for the title
     // QProgressDialog::setValue() would handle events, and then access a box that they may have destroyed.
     m_pBox->setBar(m_pBar);
     Show(0, 0);

@@ -24,7 +24,9 @@ class ImportProgress
 public:
     ImportProgress(QWidget* window, const QString& title, const QString& label);
     ~ImportProgress();
-    Q_DISABLE_COPY_MOVE(ImportProgress)
+
+    ImportProgress(const ImportProgress&) = delete;
+    ImportProgress& operator=(const ImportProgress&) = delete;
 
     /// Handles events until `isDone`, and shows how far the work has come. Returns false if it was cancelled, or if the
     /// application is about to quit.

@@ -7,6 +7,7 @@
 #include "platform/guibase.h"
 #include "platform/tracing.h"
 #include "process/background.h"
+#include "process/freememory.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 #include "userinterface/vexelconnectdlg/connectionfilter.h"
@@ -38,6 +39,7 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScrollBar>
+#include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
@@ -55,7 +57,7 @@ constexpr quint16 kNothingToReadLine = 388;
 constexpr quint16 kCannotWriteLine = 421;
 constexpr quint16 kNothingToWriteLine = 426;
 
-constexpr qint64 kShortImport = qint64{1024} * 1024; // bytes, which take some milliseconds
+constexpr qint64 kShortImport = qint64{256} * 1024; // bytes, which take some milliseconds
 
 QString UriListType()
 {
@@ -528,7 +530,7 @@ VexelConnectDlgGUI::ImportResult VexelConnectDlgGUI::ImportFile(const QString& f
             m_pImport = nullptr;
     });
     m_pImport = progress.get();
-    const std::optional<ImportedList> list = ReadList(fileName, progress.get());
+    std::optional<ImportedList> list = ReadList(fileName, progress.get());
     if (!list)
         return ImportResult::Cancelled;
     if (!list->isReadable) {
@@ -542,6 +544,8 @@ VexelConnectDlgGUI::ImportResult VexelConnectDlgGUI::ImportFile(const QString& f
     if (!list->isWhole)
         return ImportResult::Failed;
     m_backup.reset();
+    if (progress)
+        QTimer::singleShot(std::chrono::seconds(1), this, ReturnFreeMemory); // when the window has been painted
     return ImportResult::Done;
 }
 
@@ -576,34 +580,47 @@ std::optional<ImportedList> VexelConnectDlgGUI::ReadList(const QString& fileName
     return std::nullopt;
 }
 
-/// Returns false if the import was cancelled. The old entries are then back, or this object is destroyed.
-bool VexelConnectDlgGUI::ReplaceEntries(const ImportedList& list, ImportProgress* progress)
+/// Takes the entries out of `list`. Returns false if the import was cancelled. The old entries are then back, or this
+/// object is destroyed.
+bool VexelConnectDlgGUI::ReplaceEntries(ImportedList& list, ImportProgress* progress)
 {
-    constexpr std::size_t kEntriesAtATime = 5'000; // some milliseconds
+    constexpr int kEntriesAtATime = 5'000; // some milliseconds
     const QPointer<VexelConnectDlgGUI> guard(this);
-    bool isCancelled = false;
-    const auto handleEvents = [&] {
-        isCancelled = progress && !progress->HandleEvents();
-        return !isCancelled;
+    const auto handleEvents = [progress] {
+        return !progress || progress->HandleEvents();
     };
     m_backup = Backup{m_pModel->GetConnections()};
     const auto replace = [&] {
+        const int count = static_cast<int>(list.entries.size());
         if (!handleEvents())
-            return;
+            return false;
         m_pModel->removeRows(0, m_pModel->rowCount());
-        for (std::size_t i = 0; i < list.entries.size(); ++i) {
-            if (i % kEntriesAtATime == 0 && !handleEvents())
-                return;
-            m_pModel->AddConnection(list.entries[i]);
+        for (int row = 0; row < count; ++row) {
+            if (row % kEntriesAtATime == 0 && !handleEvents())
+                return false;
+            m_pModel->AddConnection(list.entries[static_cast<std::size_t>(row)]);
         }
-        m_pModel->ResetConnectionStatus();
-        if (handleEvents() && m_pProxyModel->sortColumn() == list.rankedColumn)
-            m_pProxyModel->SetRanks(list.ranks);
+        list.entries = {};
+        for (int first = 0; first < count; first += kEntriesAtATime) {
+            if (!handleEvents())
+                return false;
+            m_pModel->ResetConnectionStatus(first, kEntriesAtATime);
+        }
+        return handleEvents();
     };
-    LoadEntries(replace);
-    if (isCancelled && guard)
+    m_pProxyModel->BeginLoading();
+    bool isReplaced = replace();
+    if (!guard)
+        return false;
+    if (isReplaced && m_pProxyModel->sortColumn() == list.rankedColumn)
+        m_pProxyModel->EndLoading(std::move(list.ranks));
+    else
+        m_pProxyModel->EndLoading();
+    // Once more, so that the views have laid out the entries before the box closes.
+    isReplaced = isReplaced && handleEvents();
+    if (!isReplaced && guard)
         RollBackImport();
-    return !isCancelled;
+    return isReplaced;
 }
 
 /// Lets an import that handles events end when these have been handled.
@@ -617,13 +634,13 @@ void VexelConnectDlgGUI::RollBackImport()
 {
     if (const std::optional<Backup> backup = std::exchange(m_backup, std::nullopt)) {
         CancelImport();
-        LoadEntries([&] {
-            m_pModel->removeRows(0, m_pModel->rowCount());
-            for (const Connection& entry : backup->entries)
-                m_pModel->AddConnection(entry);
-            if (backup->isImportFailed)
-                m_pModel->ResetConnectionStatus();
-        });
+        m_pProxyModel->BeginLoading();
+        m_pModel->removeRows(0, m_pModel->rowCount());
+        for (const Connection& entry : backup->entries)
+            m_pModel->AddConnection(entry);
+        if (backup->isImportFailed)
+            m_pModel->ResetConnectionStatus();
+        m_pProxyModel->EndLoading();
     }
 }
 
@@ -636,22 +653,6 @@ QByteArray VexelConnectDlgGUI::EntriesBeforeImport() const
     for (const Connection& entry : m_backup->entries)
         entries.push_back(&entry);
     return ConnectionList::Write(entries);
-}
-
-/// `load` replaces all entries, and may handle events and destroy this object.
-void VexelConnectDlgGUI::LoadEntries(const std::function<void()>& load)
-{
-    const QPointer<VexelConnectDlgGUI> guard(this);
-    // The model inserts entries one by one. So the views see none of them before all are there: they would lay out
-    // their rows again and again, and sorting each in would take quadratic time.
-    m_pProxyModel->setDynamicSortFilter(false);
-    m_pProxyModel->setFilterRegularExpression(QStringLiteral("("));
-    load();
-    if (!guard)
-        return;
-    m_pProxyModel->setDynamicSortFilter(true);
-    ApplyFilter();
-    m_pProxyModel->SetRanks({});
 }
 
 void VexelConnectDlgGUI::Export(const QString& fileName)

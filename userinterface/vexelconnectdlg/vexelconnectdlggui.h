@@ -13,7 +13,6 @@
 #include <QModelIndex>
 #include <QVariantMap>
 
-#include <functional>
 #include <future>
 #include <optional>
 #include <vector>
@@ -121,8 +120,7 @@ private:
     enum class ImportResult { Done, Failed, Cancelled };
     ImportResult ImportFile(const QString& fileName);
     std::optional<ImportedList> ReadList(const QString& fileName, ImportProgress* progress);
-    bool ReplaceEntries(const ImportedList& list, ImportProgress* progress);
-    void LoadEntries(const std::function<void()>& load);
+    bool ReplaceEntries(ImportedList& list, ImportProgress* progress);
     void CancelImport();
     void ConnectEntries(EventBreak& eventBreak);
     bool TakeBreak(EventBreak& eventBreak);
