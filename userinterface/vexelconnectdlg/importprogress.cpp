@@ -45,7 +45,7 @@ bool ImportProgress::WaitFor(const std::function<bool()>& isDone, const std::fun
         if (ShowBoxWhenDue())
             loop.exit(kBoxHasAppeared);
     });
-    timer.start(10ms);
+    timer.start(5ms);
     while (loop.exec(Handled()) == kBoxHasAppeared) {
         // Once more, now with what the user does.
     }

@@ -57,7 +57,7 @@ constexpr quint16 kNothingToReadLine = 388;
 constexpr quint16 kCannotWriteLine = 421;
 constexpr quint16 kNothingToWriteLine = 426;
 
-constexpr qint64 kShortImport = qint64{256} * 1024; // bytes, which take some milliseconds
+constexpr qint64 kShortImport = qint64{1024} * 1024; // bytes, which take some milliseconds
 
 QString UriListType()
 {
