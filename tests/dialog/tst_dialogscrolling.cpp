@@ -27,6 +27,9 @@ private slots:
     void newEntryIsScrolledIntoView();
     void newEntryHiddenByFilterChangesNothing();
 
+    void horizontalBarDoesNotCoverTheCurrentRow();
+    void horizontalBarDoesNotCoverTheLastRow();
+
     void quickClicksOnNeighbouringTicksToggleEach_data();
     void quickClicksOnNeighbouringTicksToggleEach();
 
@@ -178,6 +181,39 @@ void TestDialogScrolling::newEntryHiddenByFilterChangesNothing()
     QCOMPARE(basic->verticalScrollBar()->value(), scrolled);
     QCOMPARE(basic->selectionModel()->selectedRows().size(), 1);
     QCOMPARE(boxes.Count(), 0);
+}
+
+void TestDialogScrolling::horizontalBarDoesNotCoverTheCurrentRow()
+{
+    Show(100, 250);
+    QTreeView* const basic = m_fixture->BasicView();
+    const int height = basic->visualRect(basic->model()->index(0, ConnectionsModel::ColumnName)).height();
+    // The last row in sight ends just above the place of the bar.
+    m_fixture->dialog->resize(1200, 251 - basic->viewport()->height() % height);
+    QTRY_COMPARE(basic->viewport()->height() % height, 1);
+    QCOMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
+    const int last = basic->viewport()->height() / height - 1;
+    basic->selectionModel()->setCurrentIndex(basic->model()->index(last, ConnectionsModel::ColumnName),
+                                             QItemSelectionModel::NoUpdate);
+    QCOMPARE(basic->verticalScrollBar()->value(), 0);
+    m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnName),
+                              QStringLiteral("d0000") + QString(300, QLatin1Char('x')));
+    QTRY_COMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+    const int row = basic->currentIndex().row();
+    QTRY_VERIFY(IsInSight(basic, row, ConnectionsModel::ColumnName));
+}
+
+void TestDialogScrolling::horizontalBarDoesNotCoverTheLastRow()
+{
+    Show(100, 250);
+    QTreeView* const basic = m_fixture->BasicView();
+    basic->scrollToBottom();
+    QTRY_VERIFY(IsInSight(basic, 99, ConnectionsModel::ColumnName));
+    QCOMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
+    m_fixture->model->setData(m_fixture->model->index(99, ConnectionsModel::ColumnName),
+                              QString(300, QLatin1Char('d')));
+    QTRY_COMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+    QTRY_VERIFY(IsInSight(basic, 99, ConnectionsModel::ColumnName));
 }
 
 void TestDialogScrolling::quickClicksOnNeighbouringTicksToggleEach_data()

@@ -55,6 +55,7 @@ private slots:
     void importAndExportNeedAllEntriesFree();
 
     void closeHidesOnly();
+    void windowHasAHelpButton();
     void showingShowsAMinimizedDialog();
     void firstShowMakesMainWidgetWithStoredSize();
     void otherMainWidgetIsKept();
@@ -533,6 +534,12 @@ void TestDialogWindow::importAndExportNeedAllEntriesFree()
     openMenu();
     QVERIFY(m_fixture->Action("m_pImportAction")->isEnabled());
     QVERIFY(m_fixture->Action("m_pExportAction")->isEnabled());
+}
+
+void TestDialogWindow::windowHasAHelpButton()
+{
+    m_fixture->Build();
+    QVERIFY(m_fixture->dialog->windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
 }
 
 void TestDialogWindow::showingShowsAMinimizedDialog()

@@ -76,6 +76,7 @@ private slots:
     void firstVisibleRowStays();
     void firstVisibleRowStaysAboveACurrentRowBelow();
     void currentRowStaysVisible();
+    void currentRowIsScrolledNoFurtherThanNeeded();
     void lastRowStaysVisible();
     void heightIsForgottenWithTheList();
     void heightIsKeptWhileTheListGrows();
@@ -391,6 +392,17 @@ void TestViewSizing::currentRowStaysVisible()
     QTRY_VERIFY(Rect(0, Model::ColumnName).height() > height);
     QTRY_VERIFY(RowsAligned());
     QVERIFY(Basic()->viewport()->rect().contains(Rect(50, Model::ColumnStatus)));
+}
+
+void TestViewSizing::currentRowIsScrolledNoFurtherThanNeeded()
+{
+    Show(400, QSize(1200, 300));
+    const int height = Rect(0, Model::ColumnName).height();
+    Basic()->setCurrentIndex(Cell(50, Model::ColumnName)); // the last one in sight
+    m_model->setData(m_model->index(50, Model::ColumnSubsystem), QStringLiteral("tall"));
+    QTRY_VERIFY(Rect(50, Model::ColumnName).height() > height);
+    QTRY_VERIFY(RowsAligned());
+    QCOMPARE(Rect(50, Model::ColumnName).bottom(), Basic()->viewport()->height() - 1);
 }
 
 void TestViewSizing::lastRowStaysVisible()

@@ -74,6 +74,7 @@ private slots:
     void problemIsTranslated();
     void longNameIsShortenedInProblem_data();
     void longNameIsShortenedInProblem();
+    void shortenedNameEndsWithAnEllipsis();
 
     void failedStartLeavesEntryFree();
     void failedInstanceIsDeletedWhenAnotherEnds();
@@ -522,6 +523,16 @@ void TestConnectTo::longNameIsShortenedInProblem()
     QVERIFY(text.startsWith(s("Could not connect to \"") + entry.ConnectionName.left(10'000)));
     QVERIFY(text.endsWith(s("Number of running applications for this type: 0")));
     QVERIFY(text.size() < 20'000);
+}
+
+void TestConnectTo::shortenedNameEndsWithAnEllipsis()
+{
+    Install({});
+    Connection entry = Entry("", 1);
+    entry.ConnectionName = QString(1024 * 1024, QLatin1Char('x'));
+    QVERIFY(!m_pCounter->ConnectTo(entry));
+    QCOMPARE(m_pBoxes->Count(), 1);
+    QVERIFY(m_pBoxes->Boxes().constFirst().text.contains(QStringLiteral(u"x\u2026\".\n")));
 }
 
 void TestConnectTo::failedStartLeavesEntryFree()

@@ -58,6 +58,7 @@ private slots:
     void hugeTimeOutNeverExpires();
     void clientClosesASilentHost();
     void unansweredConnectFails();
+    void unansweredClientCanBeOpenedAgain();
     void slowCallbackDoesNotTimeOutThePeer();
     void peerThatDoesNotReadIsClosed();
     void nothingIsLeftOpen();
@@ -385,6 +386,26 @@ void TestInterfaceBounds::unansweredConnectFails()
         failed += callback->Count(Kind::Error) > 0 ? 1 : 0;
     }
     QVERIFY(failed > 0);
+}
+
+void TestInterfaceBounds::unansweredClientCanBeOpenedAgain()
+{
+    QTcpServer host;
+    host.setListenBacklogSize(1);
+    QVERIFY(host.listen(QHostAddress(QHostAddress::LocalHost)));
+    host.pauseAccepting();
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < 8; ++call)
+        callers.push_back(CallerOf(host.serverPort()));
+    RecordingCallback callback;
+    const auto client = Create(QStringLiteral("TCP:127.0.0.1:%1").arg(host.serverPort()), callback, 200);
+    QTRY_COMPARE(callback.Kinds(), QList<Kind>{Kind::Error});
+    host.resumeAccepting();
+    callback.onError = [](IInterface* failed) {
+        failed->Open();
+    };
+    QVERIFY(client->Open());
+    QTRY_VERIFY(callback.Count(Kind::Open) == 1);
 }
 
 void TestInterfaceBounds::slowCallbackDoesNotTimeOutThePeer()

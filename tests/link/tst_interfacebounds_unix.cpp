@@ -4,6 +4,7 @@
 #include "tests/link/handlelimit.h"
 #include "tests/link/vanishing.h"
 #include "tests/support/linkfixture.h"
+#include "tests/support/system.h"
 #include "tests/support/testmain.h"
 
 #include <QRegularExpression>
@@ -23,6 +24,7 @@ private slots:
 
     void serverSurvivesALackOfHandles();
     void vanishedPeersAreClosed();
+    void waitingCallersTakeNoHandles();
 };
 
 void TestInterfaceBoundsUnix::serverSurvivesALackOfHandles()
@@ -64,6 +66,25 @@ void TestInterfaceBoundsUnix::vanishedPeersAreClosed()
     QCOMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
     QTRY_COMPARE(server.callback.Count(Kind::Close), CInterfaceCreator::kMaximumPeers);
     QCOMPARE(server.callback.Count(Kind::Error), 0);
+}
+
+void TestInterfaceBoundsUnix::waitingCallersTakeNoHandles()
+{
+    TestServer server;
+    std::vector<std::unique_ptr<QTcpSocket>> callers;
+    for (int call = 0; call < CInterfaceCreator::kMaximumPeers; ++call)
+        callers.push_back(CallerOf(server.port));
+    QTRY_COMPARE(server.callback.now, CInterfaceCreator::kMaximumPeers);
+    const qsizetype before = System::OpenHandles();
+    constexpr int waiting = 20;
+    for (int call = 0; call < waiting; ++call) {
+        callers.push_back(CallerOf(server.port));
+        QVERIFY(callers.back()->waitForConnected());
+        QCoreApplication::processEvents();
+    }
+    // Their own ones, and one for each of the server's addresses.
+    QVERIFY2(System::OpenHandles() <= before + waiting + 2,
+             qPrintable(QString::number(System::OpenHandles() - before)));
 }
 
 VEXEL_TEST(QTEST_GUILESS_MAIN, TestInterfaceBoundsUnix)

@@ -39,6 +39,7 @@ private slots:
     void failedConnectIsAnError();
     void tracesNameTheOtherEnd();
     void closedConnectionDoesNotTimeOut();
+    void peerTimesOutAfterASlowCallback();
     void clientCanBeOpenedAgain();
     void clientThatIsOpenedAgainReadsAsMuchAgain();
     void clientCanBeClosedWhileConnecting();
@@ -340,6 +341,22 @@ void TestInterfaces::closedConnectionDoesNotTimeOut()
     const auto other = Create(server.ClientAddress(), callback, 50);
     QTRY_COMPARE(callback.Count(Kind::Close), 2);
     QVERIFY2(traces.Reports().size() == 1, traces.Text().constData());
+}
+
+void TestInterfaces::peerTimesOutAfterASlowCallback()
+{
+    TestServer server(50);
+    // The callback is slower than the time-out, which does not end the peer meanwhile.
+    server.callback.onRead = [&server](IInterface*, quint64) {
+        TestServer other(50);
+        const Caller silent(other.port);
+        QTRY_COMPARE(other.callback.Count(Kind::Close), 1);
+        QCOMPARE(server.callback.Count(Kind::Close), 0);
+    };
+    Caller caller(server.port);
+    caller.write("x");
+    QTRY_COMPARE(server.callback.Count(Kind::Read), 1);
+    QTRY_COMPARE(server.callback.Count(Kind::Close), 1);
 }
 
 void TestInterfaces::clientCanBeOpenedAgain()

@@ -77,6 +77,17 @@ private slots:
         QCOMPARE(m_store->Number(), 2);
     }
 
+    void numbersCountUp()
+    {
+        for (int i = 1; i <= 4; ++i)
+            QVERIFY(m_store->Save(i));
+        QStringList numbers;
+        for (const ConfigVersion& version : Versions().List())
+            numbers += QFileInfo(version.file).fileName().section(u'-', 0, 0);
+        QCOMPARE(numbers,
+                 QStringList({QStringLiteral("00000003"), QStringLiteral("00000002"), QStringLiteral("00000001")}));
+    }
+
     void tenVersionsAreKept()
     {
         QList<int> expected;
