@@ -14,6 +14,7 @@
 #include <QThread>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -188,9 +189,10 @@ private slots:
         bool hasWaited = false;
         bool wasWritten = false;
         Write(QStringLiteral("new"), [&] {
-            hasWaited = true;
-            wasWritten = wasWritten || QFile::exists(m_store->Document());
-            Unlock();
+            if (!std::exchange(hasWaited, true)) {
+                wasWritten = QFile::exists(m_store->Document());
+                Unlock();
+            }
             return true;
         });
         QVERIFY(hasWaited);
