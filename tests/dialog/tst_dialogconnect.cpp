@@ -49,6 +49,7 @@ private slots:
     void applicationsThatEndMeanwhileStayInUse();
     void entriesMayMoveBetweenStarts();
     void importBetweenStartsEndsConnect();
+    void applicationEndsDuringCancelledImport();
     void destructionBetweenStarts();
     void endOfTheProgramBetweenStarts();
 
@@ -499,6 +500,28 @@ void TestDialogConnect::importBetweenStartsEndsConnect()
     });
     QCOMPARE(Statuses(), (QList<int>{0, 0, 0}));
     QCOMPARE(m_fixture->appCounter->Instances().size(), 1);
+}
+
+void TestDialogConnect::applicationEndsDuringCancelledImport()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    m_fixture->ConnectButton()->click();
+    m_fixture->Show();
+    QCOMPARE(Statuses(), QList<int>{1});
+    const auto end = [&] {
+        m_fixture->appCounter->Instances().constFirst()->SlotProcessExited(0, QProcess::NormalExit);
+        QApplication::activeModalWidget()->close();
+    };
+    connect(
+        m_fixture->model, &QAbstractItemModel::rowsRemoved, m_fixture->dialog,
+        [&] { QMetaObject::invokeMethod(m_fixture->dialog, end, Qt::QueuedConnection); }, Qt::SingleShotConnection);
+    ConnectionsModel other(nullptr, QString());
+    other.AddConnection(Entry("other"));
+    const QByteArray longList = other.ToByteArray() + "<!--" + QByteArray(2 * 1024 * 1024, 'x') + "-->";
+    QVERIFY(!m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), longList)));
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("one")});
+    QTRY_COMPARE(Statuses(), QList<int>{0});
 }
 
 void TestDialogConnect::destructionBetweenStarts()

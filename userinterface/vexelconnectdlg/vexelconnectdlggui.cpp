@@ -590,6 +590,12 @@ bool VexelConnectDlgGUI::ReplaceEntries(ImportedList& list, ImportProgress* prog
         return !progress || progress->HandleEvents();
     };
     m_backup = Backup{m_pModel->GetConnections()};
+    // The entry of an application that ends meanwhile may be in the backup only.
+    m_pAppCounter->HoldSweeps();
+    const auto release = qScopeGuard([&] {
+        if (guard)
+            m_pAppCounter->ReleaseSweeps();
+    });
     const auto replace = [&] {
         const int count = static_cast<int>(list.entries.size());
         if (!handleEvents())
