@@ -3,6 +3,7 @@
 
 #include "userinterface/vexelconnectdlg/eventbreak.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QMetaObject>
 #include <QThread>
@@ -17,6 +18,8 @@ bool EventBreak::Take()
 {
     constexpr int kIsOver = 1;
     const bool canEnd = QThread::currentThread()->loopLevel() > 0;
+    // On Windows, and on Unix without GLib, an event loop that a posted event ends handles only posted events.
+    QCoreApplication::processEvents();
     // Unlike processEvents(), an event loop tells whether the program ends.
     QEventLoop loop;
     QMetaObject::invokeMethod(
