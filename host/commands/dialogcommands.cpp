@@ -333,7 +333,9 @@ QString DialogCommands::BoxError() const
 {
     if (const QWidget* const box = QApplication::activeModalWidget())
         return QStringLiteral("a box is open in the dialog: \"%1\"").arg(box->windowTitle());
-    return m_isConnecting ? QStringLiteral("entries are being connected") : QString();
+    // By a caller, or by the user.
+    const bool isConnecting = m_isConnecting || m_dialog.IsConnecting();
+    return isConnecting ? QStringLiteral("entries are being connected") : QString();
 }
 
 QString DialogCommands::ChangeError() const

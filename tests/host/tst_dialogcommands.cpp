@@ -180,6 +180,8 @@ private slots:
     void changesAreRefusedWhileEntriesAreInUse();
     void openBoxRefusesChangesAndConnecting_data();
     void openBoxRefusesChangesAndConnecting();
+    void usersConnectRefusesChangesAndConnecting_data();
+    void usersConnectRefusesChangesAndConnecting();
     void documentWithoutEntriesIsNotImported();
     void entryThatIsInUseMeanwhileStopsTheImport();
     void callersThatHaveGoneAreNotServed();
@@ -493,6 +495,22 @@ void TestDialogCommands::openBoxRefusesChangesAndConnecting()
     run.Execute(command.constData(), Names({QStringLiteral("mast")}));
     QCOMPARE(run.answer.code, 4);
     QVERIFY2(run.answer.error.contains(QStringLiteral("box is open")), qPrintable(run.answer.error));
+    QVERIFY(run.ticked.isEmpty());
+}
+
+void TestDialogCommands::usersConnectRefusesChangesAndConnecting_data()
+{
+    openBoxRefusesChangesAndConnecting_data();
+}
+
+void TestDialogCommands::usersConnectRefusesChangesAndConnecting()
+{
+    QFETCH(const QByteArray, command);
+    Commands run;
+    run.dialog->Window()->setProperty("isConnecting", true);
+    run.Execute(command.constData(), Names({QStringLiteral("mast")}));
+    QCOMPARE(run.answer.code, 4);
+    QCOMPARE(run.answer.error, QStringLiteral("entries are being connected"));
     QVERIFY(run.ticked.isEmpty());
 }
 
