@@ -44,6 +44,7 @@ private slots:
     void secondConnectDuringTheFirst();
     void destructionBeforeTheRecordsAreSaved();
     void endOfTheProgramBeforeTheRecordsAreSaved();
+    void importBeforeTheRecordsAreSavedEndsConnect();
     void failedSaveOfRecordsDoesNotStopConnect();
     void eventsAreHandledBetweenStarts();
     void applicationsThatEndMeanwhileStayInUse();
@@ -431,6 +432,21 @@ void TestDialogConnect::endOfTheProgramBeforeTheRecordsAreSaved()
     QCoreApplication::exec();
     QCOMPARE(m_fixture->appCounter->Instances().size(), 0);
     QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
+}
+
+void TestDialogConnect::importBeforeTheRecordsAreSavedEndsConnect()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("before"), Entry("one", Connection::KiteEcho, true)});
+    ConnectionsModel other(nullptr, QString());
+    other.AddConnection(Entry("a", Connection::KiteEcho, true));
+    ConnectLocked([&] {
+        QVERIFY(m_fixture->dialog->Import(m_fixture->WriteFile(QStringLiteral("list.xml"), other.ToByteArray())));
+        m_lock.reset();
+    });
+    QCOMPARE(Statuses(), QList<int>{0});
+    QVERIFY(m_fixture->appCounter->Instances().isEmpty());
 }
 
 void TestDialogConnect::failedSaveOfRecordsDoesNotStopConnect()

@@ -83,6 +83,19 @@ bool IsBlocked(const QWidget& window)
     });
 }
 
+bool IsToConnect(const Connection& entry)
+{
+    return entry.Selected && entry.ConnectionStatus == Connection::Free;
+}
+
+std::optional<QPersistentModelIndex> FirstToConnect(const ConnectionsModel& model)
+{
+    for (int row = 0; row < model.rowCount(); ++row)
+        if (IsToConnect(model.GetConnection(row)))
+            return model.index(row, ConnectionsModel::ColumnName);
+    return std::nullopt;
+}
+
 /// Asks for a file. Returns an empty name if the user cancels, and none if `parent` is destroyed meanwhile, which the
 /// static functions of QFileDialog do not survive.
 std::optional<QString> AskForFile(QWidget* parent, const QString& title, QFileDialog::AcceptMode mode)
@@ -289,11 +302,13 @@ void VexelConnectDlgGUI::SlotConnect()
     });
     setProperty(kIsConnecting, true);
     hide();
+    const std::optional<QPersistentModelIndex> first = FirstToConnect(*m_pModel);
     EventBreak eventBreak;
     bool goesOn = true;
     // The applications read the records.
     ExportLegacyConnectData(*m_pModel, [&] { return goesOn = TakeBreak(eventBreak); });
-    if (goesOn)
+    // An import removes the entries that the user has ticked and that the records tell of.
+    if (goesOn && (!first || first->isValid()))
         ConnectEntries(eventBreak);
 }
 
@@ -305,7 +320,7 @@ void VexelConnectDlgGUI::ConnectEntries(EventBreak& eventBreak)
     bool isRested = false;
     for (int row = 0; guard && row < m_pModel->rowCount(); ++row) {
         const Connection entry = m_pModel->GetConnection(row);
-        if (!entry.Selected || entry.ConnectionStatus != Connection::Free)
+        if (!IsToConnect(entry))
             continue;
         if (!isRested && eventBreak.IsDue()) {
             if (!TakeBreak(eventBreak) || (last && !last->isValid()))

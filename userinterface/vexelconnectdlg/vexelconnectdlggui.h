@@ -93,8 +93,9 @@ public slots:
     ///
     /// If it takes longer than a user notices, events are handled meanwhile; see `EventBreak`. Entries stay "In Use"
     /// that long even if their application has ended. Another call connects what is left; an entry starts once. It ends
-    /// early if the program is told to end, if the dialog is destroyed, and if the entry connected last is removed, as
-    /// an import does. The dynamic property "isConnecting" (bool) tells the host.
+    /// early if the program is told to end, if the dialog is destroyed, and if the entry connected last, or before that
+    /// the first one to connect, is removed, as an import does. The dynamic property "isConnecting" (bool) tells the
+    /// host.
     void SlotConnect();
     void SlotUpdateFilter();
     void SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight);
