@@ -42,6 +42,7 @@ private slots:
 
     void eventsAreHandledBeforeTheRecordsAreSaved();
     void secondConnectDuringTheFirst();
+    void recordsTellOfChangesDuringTheirSave();
     void destructionBeforeTheRecordsAreSaved();
     void endOfTheProgramBeforeTheRecordsAreSaved();
     void importBeforeTheRecordsAreSavedEndsConnect();
@@ -412,6 +413,24 @@ void TestDialogConnect::secondConnectDuringTheFirst()
     QCOMPARE(boxes.Count(), 0);
     QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("3"));
     QVERIFY(!m_fixture->dialog->property("isConnecting").toBool());
+}
+
+void TestDialogConnect::recordsTellOfChangesDuringTheirSave()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
+    QByteArray recordsAtFirstStart;
+    ConnectLocked([&] {
+        m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnName), QStringLiteral("renamed"));
+        connect(
+            m_fixture->model, &QAbstractItemModel::dataChanged, this,
+            [&] { recordsAtFirstStart = Files::Read(RecordsFile()); }, Qt::SingleShotConnection);
+        m_lock.reset();
+    });
+    QCOMPARE(Statuses(), QList<int>{1});
+    QVERIFY2(recordsAtFirstStart.contains("\"ConnectData0/StationName\": \"renamed\""),
+             recordsAtFirstStart.constData());
 }
 
 void TestDialogConnect::destructionBeforeTheRecordsAreSaved()

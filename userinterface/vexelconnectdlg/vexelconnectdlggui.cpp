@@ -305,8 +305,18 @@ void VexelConnectDlgGUI::SlotConnect()
     const std::optional<QPersistentModelIndex> first = FirstToConnect(*m_pModel);
     EventBreak eventBreak;
     bool goesOn = true;
-    // The applications read the records.
-    ExportLegacyConnectData(*m_pModel, [&] { return goesOn = TakeBreak(eventBreak); });
+    // The applications read the records, so these also tell of what the user has changed while they were saved.
+    bool isChanged = true;
+    while (goesOn && std::exchange(isChanged, false)) {
+        const QObject change;
+        const auto note = [&isChanged] {
+            isChanged = true;
+        };
+        connect(m_pModel, &QAbstractItemModel::dataChanged, &change, note);
+        connect(m_pModel, &QAbstractItemModel::rowsInserted, &change, note);
+        connect(m_pModel, &QAbstractItemModel::rowsRemoved, &change, note);
+        ExportLegacyConnectData(*m_pModel, [&] { return goesOn = TakeBreak(eventBreak); });
+    }
     // An import removes the entries that the user has ticked and that the records tell of.
     if (goesOn && (!first || first->isValid()))
         ConnectEntries(eventBreak);
