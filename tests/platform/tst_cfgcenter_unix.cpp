@@ -92,6 +92,15 @@ private slots:
         QVERIFY(!QFileInfo(QuarantinedFile()).isSymLink());
     }
 
+    void directoryThatIsALinkToNowhereIsNamed()
+    {
+        const QString link = m_store->Path(QStringLiteral("link"));
+        QVERIFY(QFile::link(m_store->Path(QStringLiteral("nowhere")), link));
+        QVERIFY(!CfgCenter::Open(link));
+        QVERIFY2(CfgCenter::OpenError().endsWith(QStringLiteral("it is a link that leads nowhere")),
+                 qPrintable(CfgCenter::OpenError()));
+    }
+
     void linkThatLeadsNowhereIsNotFollowed_data()
     {
         QTest::addColumn<QString>("link"); // what is replaced by one
