@@ -54,7 +54,7 @@ void AutoSave::Cancel()
 void AutoSave::OnChange()
 {
     m_isChanged = true;
-    constexpr std::chrono::milliseconds kLongestBurst = 1min;
+    constexpr std::chrono::milliseconds kLongestBurst = std::chrono::minutes(1);
     if (!m_timer.isActive())
         m_firstChange.start();
     if (!m_firstChange.hasExpired(kLongestBurst.count()))

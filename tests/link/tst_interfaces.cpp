@@ -335,22 +335,22 @@ void TestInterfaces::closedConnectionDoesNotTimeOut()
     callback.onOpen = [](IInterface* opened) {
         opened->Close();
     };
-    const auto client = Create(server.ClientAddress(), callback, 50);
+    const auto client = Create(server.ClientAddress(), callback, 1000);
     QTRY_COMPARE(callback.Count(Kind::Close), 1);
     callback.onOpen = nullptr;
     const TraceRecorder traces;
     // Times out later than the first would.
-    const auto other = Create(server.ClientAddress(), callback, 50);
+    const auto other = Create(server.ClientAddress(), callback, 1000);
     QTRY_COMPARE(callback.Count(Kind::Close), 2);
     QVERIFY2(traces.Reports().size() == 1, traces.Text().constData());
 }
 
 void TestInterfaces::peerTimesOutAfterASlowCallback()
 {
-    TestServer server(50);
+    TestServer server(500);
     // The callback is slower than the time-out, which does not end the peer meanwhile.
     server.callback.onRead = [&server](IInterface*, quint64) {
-        TestServer other(50);
+        TestServer other(1000);
         const Caller silent(other.port);
         QTRY_COMPARE(other.callback.Count(Kind::Close), 1);
         QCOMPARE(server.callback.Count(Kind::Close), 0);

@@ -554,6 +554,7 @@ VexelConnectDlgGUI::ImportResult VexelConnectDlgGUI::ImportFile(const QString& f
         if (guard && m_pImport == progress.get())
             m_pImport = nullptr;
     });
+    // cppcheck-suppress danglingLifetime ; "forget" ends it with the function
     m_pImport = progress.get();
     std::optional<ImportedList> list = ReadList(fileName, progress.get());
     if (!list)
