@@ -131,13 +131,6 @@ int ConnectionsModel::columnCount(const QModelIndex& /*parent*/) const
     return kColumnCount;
 }
 
-QModelIndex ConnectionsModel::index(int row, int column, const QModelIndex& parent) const
-{
-    const bool inTable = row >= 0 && static_cast<std::size_t>(row) < m_connections.size() && column >= 0 &&
-                         column < kColumnCount && !parent.isValid();
-    return inTable ? createIndex(row, column) : QModelIndex();
-}
-
 const Connection* ConnectionsModel::EntryAt(const QModelIndex& index) const
 {
     const bool inTable =

@@ -48,8 +48,6 @@ public:
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
-    /// As in the base class, but faster: sorting asks for two indexes per comparison.
-    QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     /// Always emits `dataChanged` for `index`; returns true only if a field was assigned.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;

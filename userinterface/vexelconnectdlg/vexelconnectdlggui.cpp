@@ -305,7 +305,7 @@ void VexelConnectDlgGUI::SlotConnect()
     const std::optional<QPersistentModelIndex> first = FirstToConnect(*m_pModel);
     EventBreak eventBreak;
     bool goesOn = true;
-    // The applications read the records, so these also tell of what the user has changed while they were saved.
+    // Applications read the records. If the list changes while they are saved, they are written again.
     bool isChanged = true;
     while (goesOn && std::exchange(isChanged, false)) {
         const QObject change;
@@ -317,7 +317,7 @@ void VexelConnectDlgGUI::SlotConnect()
         connect(m_pModel, &QAbstractItemModel::rowsRemoved, &change, note);
         ExportLegacyConnectData(*m_pModel, [&] { return goesOn = TakeBreak(eventBreak); });
     }
-    // An import removes the entries that the user has ticked and that the records tell of.
+    // After an import in between, the entries to connect are gone.
     if (goesOn && (!first || first->isValid()))
         ConnectEntries(eventBreak);
 }
