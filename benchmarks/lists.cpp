@@ -4,8 +4,8 @@
 #include "benchmarks/lists.h"
 
 #include "platform/cfgcenter.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <algorithm>
 

@@ -5,7 +5,7 @@
 
 #include "benchmarks/lists.h"
 #include "benchmarks/runner.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QCoreApplication>
 #include <QDomDocument>

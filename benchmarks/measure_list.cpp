@@ -9,9 +9,9 @@
 #include "benchmarks/runner.h"
 #include "platform/cfgcenter.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
-#include "userinterface/vexelconnectdlg/connectionfilter.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <QAction>

@@ -5,7 +5,7 @@
 
 #include "fuzz/entries.h"
 #include "fuzz/xmltokens.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 using namespace Fuzzing;
 

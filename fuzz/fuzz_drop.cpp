@@ -6,8 +6,8 @@
 #include "fuzz/entries.h"
 #include "platform/cfgcenter.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
-#include "userinterface/vexelconnectdlg/connectionfilter.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include <QAbstractItemModelTester>

@@ -5,7 +5,7 @@
 
 #include "fuzz/fuzzing.h"
 #include "fuzz/xmltokens.h"
-#include "userinterface/vexelconnectdlg/machineconfiguration.h"
+#include "userinterface/vexelconnectdlg/formats/machineconfiguration.h"
 
 #include <limits>
 

@@ -5,7 +5,7 @@
 
 #include "fuzz/fuzzing.h"
 #include "fuzz/xmltokens.h"
-#include "userinterface/vexelconnectdlg/typemapping.h"
+#include "userinterface/vexelconnectdlg/formats/typemapping.h"
 
 using namespace Fuzzing;
 

@@ -4,7 +4,7 @@
 // Writes any entries and reads them again, directly and through the model.
 
 #include "fuzz/entries.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 using namespace Fuzzing;
 

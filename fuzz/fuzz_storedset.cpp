@@ -6,7 +6,7 @@
 #include "fuzz/entries.h"
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <memory>
 

@@ -4,7 +4,7 @@
 // Compares the filter, in each mode, with a matcher that steps through the pattern symbol by symbol.
 
 #include "fuzz/fuzzing.h"
-#include "userinterface/vexelconnectdlg/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
 
 #include <QStringListModel>
 

@@ -4,7 +4,7 @@
 // Reads any bytes within small limits: whatever gets through keeps them, and only what exceeds them is refused.
 
 #include "fuzz/fuzzing.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
 
 #include <algorithm>
 

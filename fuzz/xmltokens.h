@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
 
 #include <QByteArray>
 #include <QString>

@@ -16,7 +16,7 @@
 #include "host/system/signalwatcher.h"
 #include "platform/instancelock.h"
 #include "process/foreground.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QApplication>
 

@@ -250,6 +250,17 @@ Wenn Ihnen Corvus oder Tally nichts sagen, lassen Sie das Feld leer.</translatio
     </message>
 </context>
 <context>
+    <name>ListImport</name>
+    <message>
+        <source>Import Connection Settings</source>
+        <translation>Verbindungen importieren</translation>
+    </message>
+    <message>
+        <source>Importing connection entries...</source>
+        <translation>Verbindungen werden importiert...</translation>
+    </message>
+</context>
+<context>
     <name>VexelConnectDlg</name>
     <message>
         <source>Vexel - Connect Dialog</source>
@@ -476,10 +487,6 @@ Bitte ziehen Sie höchstens eine Datei hierher.</translation>
     <message>
         <source>Connection Details</source>
         <translation>Verbindungsdetails</translation>
-    </message>
-    <message>
-        <source>Importing connection entries...</source>
-        <translation>Verbindungen werden importiert...</translation>
     </message>
 </context>
 </TS>

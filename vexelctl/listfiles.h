@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QString>
 #include <QStringList>

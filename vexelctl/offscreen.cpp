@@ -17,7 +17,7 @@
 #include "host/plugin/statusmonitor.h"
 #include "host/system/signalwatcher.h"
 #include "platform/instancelock.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 #include "vexelctl/hostrequest.h"
 #include "vexelctl/output.h"
 

@@ -11,7 +11,7 @@
 #include "host/output/exitcode.h"
 #include "host/store/storedset.h"
 #include "process/background.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QApplication>
 #include <QDateTime>

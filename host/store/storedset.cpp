@@ -5,8 +5,8 @@
 
 #include "host/plugin/connectdialog.h"
 #include "platform/icfg.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QByteArray>
 #include <QObject>

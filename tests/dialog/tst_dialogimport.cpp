@@ -4,7 +4,7 @@
 #include "process/background.h"
 #include "tests/support/dialogfixture.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
 
 #include <QProgressBar>
 #include <QProgressDialog>

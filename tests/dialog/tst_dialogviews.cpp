@@ -3,7 +3,7 @@
 
 #include "tests/support/dialogfixture.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/selectedrows.h"
+#include "userinterface/vexelconnectdlg/views/selectedrows.h"
 
 #include <QClipboard>
 #include <QHeaderView>

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "tests/support/tracerecorder.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QByteArray>
 #include <QList>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
 
 #include <QStringDecoder>
 #include <QStringEncoder>

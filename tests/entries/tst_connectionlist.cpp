@@ -5,8 +5,8 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QRandomGenerator>
 #include <QTest>

@@ -4,7 +4,7 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QStringEncoder>
 #include <QTest>

@@ -3,8 +3,8 @@
 
 #include "tests/entries/entrysamples.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
 
 #include <QAbstractItemModelTester>
 #include <QItemSelectionModel>

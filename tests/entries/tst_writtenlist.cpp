@@ -4,7 +4,7 @@
 #include "tests/entries/entrysamples.h"
 #include "tests/entries/listreading.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/writtenlist.h"
+#include "userinterface/vexelconnectdlg/formats/writtenlist.h"
 
 #include <QRandomGenerator>
 #include <QTest>

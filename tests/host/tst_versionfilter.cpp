@@ -6,7 +6,7 @@
 #include "platform/icfg.h"
 #include "tests/host/storeddocument.h"
 #include "tests/support/testmain.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QScopeGuard>
 #include <QTemporaryDir>

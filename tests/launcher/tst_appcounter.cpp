@@ -8,7 +8,7 @@
 #include "tests/support/metaobject.h"
 #include "tests/support/system.h"
 #include "tests/support/tracerecorder.h"
-#include "userinterface/vexelconnectdlg/machineconfiguration.h"
+#include "userinterface/vexelconnectdlg/formats/machineconfiguration.h"
 
 #include <QTest>
 #include <QXmlStreamReader>

@@ -9,8 +9,8 @@
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlg.h"
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 

@@ -8,11 +8,11 @@
 #include "platform/icfg.h"
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/commandline.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
-#include "userinterface/vexelconnectdlg/machineconfiguration.h"
-#include "userinterface/vexelconnectdlg/typemapping.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/machineconfiguration.h"
+#include "userinterface/vexelconnectdlg/formats/typemapping.h"
 
 #include <QDir>
 #include <QMessageBox>

@@ -5,8 +5,8 @@
 
 #include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
-#include "userinterface/vexelconnectdlg/editorrouting.h"
-#include "userinterface/vexelconnectdlg/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/views/editorrouting.h"
+#include "userinterface/vexelconnectdlg/views/hiddenitems.h"
 
 #include <QCheckBox>
 #include <QComboBox>

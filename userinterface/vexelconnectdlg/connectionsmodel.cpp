@@ -7,7 +7,7 @@
 #include "platform/icfg.h"
 #include "platform/tracing.h"
 #include "process/freememory.h"
-#include "userinterface/vexelconnectdlg/columnhelp.h"
+#include "userinterface/vexelconnectdlg/views/columnhelp.h"
 
 #include <QIcon>
 #include <QMimeData>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "userinterface/vexelconnectdlg/connection.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <QAbstractTableModel>
 #include <QIcon>

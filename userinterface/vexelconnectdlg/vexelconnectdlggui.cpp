@@ -6,30 +6,27 @@
 #include "files/atomicfile.h"
 #include "platform/guibase.h"
 #include "platform/tracing.h"
-#include "process/background.h"
-#include "process/freememory.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
-#include "userinterface/vexelconnectdlg/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
-#include "userinterface/vexelconnectdlg/editorrouting.h"
 #include "userinterface/vexelconnectdlg/eventbreak.h"
-#include "userinterface/vexelconnectdlg/filedragfilter.h"
-#include "userinterface/vexelconnectdlg/hiddenitems.h"
-#include "userinterface/vexelconnectdlg/importedlist.h"
-#include "userinterface/vexelconnectdlg/importprogress.h"
-#include "userinterface/vexelconnectdlg/listkeys.h"
-#include "userinterface/vexelconnectdlg/secondclick.h"
-#include "userinterface/vexelconnectdlg/selectedrows.h"
-#include "userinterface/vexelconnectdlg/sizingdelegate.h"
-#include "userinterface/vexelconnectdlg/viewsizing.h"
+#include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/filter/filtersettings.h"
+#include "userinterface/vexelconnectdlg/import/listimport.h"
+#include "userinterface/vexelconnectdlg/views/editorrouting.h"
+#include "userinterface/vexelconnectdlg/views/filedragfilter.h"
+#include "userinterface/vexelconnectdlg/views/hiddenitems.h"
+#include "userinterface/vexelconnectdlg/views/listkeys.h"
+#include "userinterface/vexelconnectdlg/views/secondclick.h"
+#include "userinterface/vexelconnectdlg/views/selectedrows.h"
+#include "userinterface/vexelconnectdlg/views/sizingdelegate.h"
+#include "userinterface/vexelconnectdlg/views/viewsizing.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
@@ -39,12 +36,9 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScrollBar>
-#include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
-#include <chrono>
-#include <memory>
 #include <optional>
 #include <utility>
 
@@ -56,8 +50,6 @@ constexpr quint16 kCannotReadLine = 383;
 constexpr quint16 kNothingToReadLine = 388;
 constexpr quint16 kCannotWriteLine = 421;
 constexpr quint16 kNothingToWriteLine = 426;
-
-constexpr qint64 kShortImport = qint64{1024} * 1024; // bytes, which take some milliseconds
 
 QString UriListType()
 {
@@ -155,6 +147,7 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
 
     m_pProxyModel = new ConnectionFilterModel(this);
     m_pProxyModel->setSourceModel(m_pModel);
+    m_pImport = new ListImport(this, m_pModel, m_pProxyModel, m_pAppCounter);
     auto* const sizingDelegate = new SizingDelegate(this);
     m_pDelegate = sizingDelegate;
     SetUpViews();
@@ -173,10 +166,7 @@ VexelConnectDlgGUI::~VexelConnectDlgGUI()
 {
     StoreFilterSettings();
     // The model stores the entries next.
-    CancelImport();
-    RollBackImport();
-    for (const std::future<void>& reading : m_cancelledReadings)
-        reading.wait();
+    delete m_pImport;
     // Destroying the window commits an open editor. This object must not handle the change any more.
     disconnect(m_pModel, nullptr, this, nullptr);
     m_pModel = nullptr;
@@ -517,22 +507,27 @@ void VexelConnectDlgGUI::SlotExport()
 bool VexelConnectDlgGUI::Import(const QString& fileName)
 {
     // Of an earlier import that is still running, or whose message box is still open.
-    CancelImport();
-    RollBackImport();
-    ImportResult result = ImportResult::Failed;
+    m_pImport->Cancel();
+    m_pImport->RollBack();
     if (fileName.isEmpty()) {
         Trace(
             kTraceSource, kNothingToReadLine,
             [] { return QStringLiteral("VexelConnectDlgGUI::Import(): no file name given"); });
     } else {
-        result = ImportFile(fileName);
+        const ListImport::Result result = m_pImport->Run(fileName);
+        // Cancelled also by the destruction of this object.
+        if (result == ListImport::Result::Done || result == ListImport::Result::Cancelled)
+            return result == ListImport::Result::Done;
+        if (result == ListImport::Result::NoFile) {
+            Trace(
+                kTraceSource, kCannotReadLine,
+                [&fileName] {
+                    return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading")
+                        .arg(fileName);
+                });
+        }
     }
-    // Cancelled also by the destruction of this object.
-    if (result != ImportResult::Failed)
-        return result == ImportResult::Done;
-    if (!m_backup)
-        m_backup = Backup{m_pModel->GetConnections()};
-    m_backup->isImportFailed = true;
+    m_pImport->Fail();
     const QPointer<VexelConnectDlgGUI> guard(this);
     ShowInfo(tr("Could not import connection entries from file\n\"%1\"\n\nProbably the file does not include proper "
                 "connection data.\n\nWill keep old connections.")
@@ -542,149 +537,14 @@ bool VexelConnectDlgGUI::Import(const QString& fileName)
     return false;
 }
 
-VexelConnectDlgGUI::ImportResult VexelConnectDlgGUI::ImportFile(const QString& fileName)
-{
-    std::unique_ptr<ImportProgress> progress;
-    if (QFileInfo(fileName).size() > kShortImport) {
-        progress = std::make_unique<ImportProgress>(this, tr("Import Connection Settings"),
-                                                    tr("Importing connection entries..."));
-    }
-    const QPointer<VexelConnectDlgGUI> guard(this);
-    const auto forget = qScopeGuard([&] {
-        if (guard && m_pImport == progress.get())
-            m_pImport = nullptr;
-    });
-    // cppcheck-suppress danglingLifetime ; "forget" ends it with the function
-    m_pImport = progress.get();
-    std::optional<ImportedList> list = ReadList(fileName, progress.get());
-    if (!list)
-        return ImportResult::Cancelled;
-    if (!list->isReadable) {
-        Trace(kTraceSource, kCannotReadLine, [&fileName] {
-            return QStringLiteral("VexelConnectDlgGUI::Import(): could not open file \"%1\" for reading").arg(fileName);
-        });
-        return ImportResult::Failed;
-    }
-    if (!ReplaceEntries(*list, progress.get()))
-        return ImportResult::Cancelled;
-    if (!list->isWhole)
-        return ImportResult::Failed;
-    m_backup.reset();
-    if (progress)
-        QTimer::singleShot(std::chrono::seconds(1), this, ReturnFreeMemory); // when the window has been painted
-    return ImportResult::Done;
-}
-
-/// Returns none if the import was cancelled. This object may then be destroyed.
-std::optional<ImportedList> VexelConnectDlgGUI::ReadList(const QString& fileName, ImportProgress* progress)
-{
-    struct Reading
-    {
-        ReadingProgress progress;
-        ImportedList list;
-    };
-    const auto reading = std::make_shared<Reading>();
-    const auto read = [reading, fileName, column = m_pProxyModel->sortColumn()] {
-        reading->list = ImportedList::Read(fileName, column, reading->progress);
-    };
-    if (!progress) {
-        read();
-        return std::move(reading->list);
-    }
-    const QPointer<VexelConnectDlgGUI> guard(this);
-    std::future<void> done = RunInBackground(read);
-    const auto isDone = [&done] {
-        return done.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
-    };
-    if (progress->WaitFor(isDone, [&] { progress->Show(reading->progress.entries, reading->progress.total); }))
-        return std::move(reading->list);
-    reading->progress.isUnwanted = true;
-    if (guard)
-        m_cancelledReadings.push_back(std::move(done));
-    else
-        done.wait();
-    return std::nullopt;
-}
-
-/// Takes the entries out of `list`. Returns false if the import was cancelled. The old entries are then back, or this
-/// object is destroyed.
-bool VexelConnectDlgGUI::ReplaceEntries(ImportedList& list, ImportProgress* progress)
-{
-    constexpr int kEntriesAtATime = 5'000; // some milliseconds
-    const QPointer<VexelConnectDlgGUI> guard(this);
-    const auto handleEvents = [progress] {
-        return !progress || progress->HandleEvents();
-    };
-    m_backup = Backup{m_pModel->GetConnections()};
-    // The entry of an application that ends meanwhile may be in the backup only.
-    m_pAppCounter->HoldSweeps();
-    const auto release = qScopeGuard([&] {
-        if (guard)
-            m_pAppCounter->ReleaseSweeps();
-    });
-    const auto replace = [&] {
-        const int count = static_cast<int>(list.entries.size());
-        if (!handleEvents())
-            return false;
-        m_pModel->removeRows(0, m_pModel->rowCount());
-        for (int row = 0; row < count; ++row) {
-            if (row % kEntriesAtATime == 0 && !handleEvents())
-                return false;
-            m_pModel->AddConnection(list.entries[static_cast<std::size_t>(row)]);
-        }
-        list.entries = {};
-        for (int first = 0; first < count; first += kEntriesAtATime) {
-            if (!handleEvents())
-                return false;
-            m_pModel->ResetConnectionStatus(first, kEntriesAtATime);
-        }
-        return handleEvents();
-    };
-    m_pProxyModel->BeginLoading();
-    bool isReplaced = replace();
-    if (!guard)
-        return false;
-    if (isReplaced && m_pProxyModel->sortColumn() == list.rankedColumn)
-        m_pProxyModel->EndLoading(std::move(list.ranks));
-    else
-        m_pProxyModel->EndLoading();
-    // Once more, so that the views have laid out the entries before the box closes.
-    isReplaced = isReplaced && handleEvents();
-    if (!isReplaced && guard)
-        RollBackImport();
-    return isReplaced;
-}
-
-/// Lets an import that handles events end when these have been handled.
-void VexelConnectDlgGUI::CancelImport()
-{
-    if (ImportProgress* const import = std::exchange(m_pImport, nullptr))
-        import->Cancel();
-}
-
 void VexelConnectDlgGUI::RollBackImport()
 {
-    if (const std::optional<Backup> backup = std::exchange(m_backup, std::nullopt)) {
-        CancelImport();
-        m_pProxyModel->BeginLoading();
-        m_pModel->removeRows(0, m_pModel->rowCount());
-        for (const Connection& entry : backup->entries)
-            m_pModel->AddConnection(entry);
-        if (backup->isImportFailed)
-            m_pModel->ResetConnectionStatus();
-        m_pProxyModel->EndLoading();
-    }
+    m_pImport->RollBack();
 }
 
 QByteArray VexelConnectDlgGUI::EntriesBeforeImport() const
 {
-    if (!m_backup)
-        return {};
-    std::vector<const Connection*> entries;
-    entries.reserve(m_backup->entries.size());
-    for (const Connection& entry : m_backup->entries)
-        entries.push_back(&entry);
-    return ConnectionList::Write(entries);
+    return m_pImport->EntriesBefore();
 }
 
 void VexelConnectDlgGUI::Export(const QString& fileName)

@@ -4,7 +4,6 @@
 #pragma once
 
 #include "ui_vexelconnectdlg.h"
-#include "userinterface/vexelconnectdlg/connection.h"
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
 #include <QByteArray>
@@ -13,18 +12,13 @@
 #include <QModelIndex>
 #include <QVariantMap>
 
-#include <future>
-#include <optional>
-#include <vector>
-
 class AppCounter;
 class ConnectionFilterModel;
 class ConnectionsDelegate;
 class ConnectionsModel;
 class EventBreak;
-class ImportProgress;
+class ListImport;
 class QMenu;
-struct ImportedList;
 
 /// The connect dialog: shows the list of connection entries in two synchronised views and lets the operator change it.
 ///
@@ -118,24 +112,12 @@ private:
     void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
-    enum class ImportResult { Done, Failed, Cancelled };
-    ImportResult ImportFile(const QString& fileName);
-    std::optional<ImportedList> ReadList(const QString& fileName, ImportProgress* progress);
-    bool ReplaceEntries(ImportedList& list, ImportProgress* progress);
-    void CancelImport();
     void ConnectEntries(EventBreak& eventBreak);
     bool TakeBreak(EventBreak& eventBreak);
     void ShowInfo(const QString& text);
 
-    struct Backup
-    {
-        std::vector<Connection> entries;
-        bool isImportFailed = false; // its message box is open
-    };
-    std::optional<Backup> m_backup;                     // while an import replaces the entries, or has failed
-    ImportProgress* m_pImport = nullptr;                // while events are handled during an import
-    std::vector<std::future<void>> m_cancelledReadings; // their threads use the code of the plug-in
-    bool m_bStayMinimized = false;                      // the next setVisible() is that of showMinimized()
+    ListImport* m_pImport = nullptr;
+    bool m_bStayMinimized = false; // the next setVisible() is that of showMinimized()
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;
     ConnectionsModel* m_pModel = nullptr;

@@ -4,10 +4,10 @@
 #include "vexelctl/support/machinereport.h"
 
 #include "files/boundedfile.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
 #include "userinterface/vexelconnectdlg/connection.h"
-#include "userinterface/vexelconnectdlg/machineconfiguration.h"
-#include "userinterface/vexelconnectdlg/typemapping.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/machineconfiguration.h"
+#include "userinterface/vexelconnectdlg/formats/typemapping.h"
 #include "vexelctl/support/supportreport.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/importprogress.h"
+#include "userinterface/vexelconnectdlg/import/importprogress.h"
 
 #include <QCoreApplication>
 #include <QProgressBar>

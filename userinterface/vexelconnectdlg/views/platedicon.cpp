@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/platedicon.h"
+#include "userinterface/vexelconnectdlg/views/platedicon.h"
 
 #include <QIcon>
 #include <QIconEngine>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
 
 #include <QRegularExpression>
 #include <QStringDecoder>

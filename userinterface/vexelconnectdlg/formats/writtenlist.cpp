@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/writtenlist.h"
+#include "userinterface/vexelconnectdlg/formats/writtenlist.h"
 
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
 
 #include <QByteArrayView>
 #include <QUtf8StringView>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/selectedrows.h"
+#include "userinterface/vexelconnectdlg/views/selectedrows.h"
 
 #include <QItemSelectionModel>
 

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/connectionlist.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include "platform/config/documentfile.h"
 #include "platform/tracing.h"
-#include "userinterface/vexelconnectdlg/boundedxmlreader.h"
-#include "userinterface/vexelconnectdlg/writtenlist.h"
+#include "userinterface/vexelconnectdlg/formats/boundedxmlreader.h"
+#include "userinterface/vexelconnectdlg/formats/writtenlist.h"
 
 #include <QDomDocument>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/xmlelement.h"
+#include "userinterface/vexelconnectdlg/formats/xmlelement.h"
 
 #include <QXmlStreamReader>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/secondclick.h"
+#include "userinterface/vexelconnectdlg/views/secondclick.h"
 
 #include <QAbstractItemView>
 #include <QMouseEvent>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/viewsizing.h"
+#include "userinterface/vexelconnectdlg/views/viewsizing.h"
 
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
-#include "userinterface/vexelconnectdlg/sizingdelegate.h"
+#include "userinterface/vexelconnectdlg/views/sizingdelegate.h"
 
 #include <QEvent>
 #include <QHeaderView>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/listkeys.h"
+#include "userinterface/vexelconnectdlg/views/listkeys.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>

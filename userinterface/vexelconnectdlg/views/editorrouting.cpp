@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/editorrouting.h"
+#include "userinterface/vexelconnectdlg/views/editorrouting.h"
 
 #include <QAbstractItemDelegate>
 #include <QAbstractItemView>

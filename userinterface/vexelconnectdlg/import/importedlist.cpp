@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/importedlist.h"
+#include "userinterface/vexelconnectdlg/import/importedlist.h"
 
 #include "files/boundedfile.h"
-#include "userinterface/vexelconnectdlg/connectionlist.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
+#include "userinterface/vexelconnectdlg/formats/connectionlist.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/sizingdelegate.h"
+#include "userinterface/vexelconnectdlg/views/sizingdelegate.h"
 
 #include <algorithm>
 

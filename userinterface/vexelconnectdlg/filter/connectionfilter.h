@@ -3,47 +3,21 @@
 
 #pragma once
 
+#include "userinterface/vexelconnectdlg/filter/textmatcher.h"
+
 #include <QCoreApplication>
-#include <QRegularExpression>
 #include <QSortFilterProxyModel>
 #include <QString>
-#include <QStringMatcher>
 
-#include <optional>
 #include <vector>
 
 class QItemSelectionModel;
-
-/// How a filter pattern is interpreted. The values are the item indexes of the search mode box and are stored.
-enum class SearchMode : int { PlainText = 0, Wildcard = 1, RegularExpression = 2 };
-
-/// Returns the expression for a filter pattern, case-insensitive and unanchored.
-///
-/// Wildcard: "*" any run of characters, "?" one character, "[...]" a set, "[^...]" its complement; there is no escape
-/// character. Regular expression: Perl syntax; "." also matches line breaks, and \w, \d and \s use Unicode properties.
-/// Any other `mode` is plain text. An invalid pattern gives an invalid expression.
-QRegularExpression FilterExpression(const QString& pattern, int mode);
-
-/// The filter's three inputs, as they are stored between runs.
-struct FilterSettings
-{
-    int column = 1; ///< model column; may lie outside the table
-    QString pattern;
-    int searchMode = 0; ///< a `SearchMode` value
-
-    /// Reads the user's configuration. A column one step outside the table is moved into it; an unknown search mode
-    /// becomes plain text.
-    static FilterSettings Load();
-    void Save() const;
-};
 
 /// Sorts and filters the connections for the views.
 ///
 /// Differs from QSortFilterProxyModel:
 ///
-/// - An invalid expression matches nothing without a warning for every row.
-/// - An expression that takes too long on a text (nested repetitions on a long name) is aborted, and the row does not
-///   match. Otherwise ten thousand rows would block the window for minutes.
+/// - Invalid expressions, and those that take too long on a text, match nothing (`TextMatcher`).
 /// - Texts are displayed on one line of limited length, because two views with different columns of a row must give it
 ///   the same height, and a text of a megabyte would slow down every layout. Editing, filtering and sorting use the
 ///   whole text.
@@ -85,8 +59,6 @@ protected:
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
 private:
-    void UpdateMatcher() const;
-    bool Matches(const QString& text) const;
     bool MatchesRow(int sourceRow, const QModelIndex& sourceParent) const;
     /// Returns the rows of the source that are shown, in the order of the views.
     std::vector<int> ShownRows() const;
@@ -95,12 +67,7 @@ private:
     void RememberOrder(const std::vector<int>& shown);
     void ForgetOrder();
 
-    /// The filter's expression and the two with match limits that are used instead; updated when the filter changes.
-    mutable QRegularExpression m_expression;
-    mutable QRegularExpression m_forNames;
-    mutable QRegularExpression m_forLongTexts;
-    /// Finds the same as the expression, if that is a sequence of literal texts.
-    mutable std::optional<std::vector<QStringMatcher>> m_literals;
+    mutable TextMatcher m_matcher; ///< of the filter's expression, if rows have been matched since it changed
     /// While the filter changes: whether each row of the source is accepted. Otherwise empty.
     std::vector<bool> m_accepted;
     /// While rows are hidden: the sort position of each row of the source from when all were shown, so that texts need

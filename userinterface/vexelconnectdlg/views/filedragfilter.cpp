@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/filedragfilter.h"
+#include "userinterface/vexelconnectdlg/views/filedragfilter.h"
 
 #include <QDragEnterEvent>
 #include <QMimeData>

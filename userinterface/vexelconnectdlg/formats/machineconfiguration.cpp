@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/machineconfiguration.h"
+#include "userinterface/vexelconnectdlg/formats/machineconfiguration.h"
 
-#include "userinterface/vexelconnectdlg/xmlelement.h"
+#include "userinterface/vexelconnectdlg/formats/xmlelement.h"
 
 #include <QRegularExpression>
 #include <QXmlStreamReader>
