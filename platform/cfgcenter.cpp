@@ -8,6 +8,7 @@
 #include "platform/config/confignames.h"
 #include "platform/config/confignode.h"
 #include "platform/config/readahead.h"
+#include "platform/documentwriter.h"
 #include "platform/tracing.h"
 #include "process/background.h"
 #include "process/freememory.h"
@@ -56,6 +57,18 @@ struct BackgroundSave
     SaveOrder order;
     Documents documents;
     std::future<SaveResults> results; // of the documents, then of the writes
+};
+
+class RootConfigNode : public ConfigNode, public IDocumentWriter
+{
+public:
+    using ConfigNode::ConfigNode;
+
+    void WriteDocument(const QString& name, View view, std::function<void(ICfg& root)> write,
+                       const std::function<bool()>& whileWaiting) override
+    {
+        CfgCenter::WriteDocument(name, view, std::move(write), whileWaiting);
+    }
 };
 
 /// What `CfgCenter` holds for the process.
@@ -137,7 +150,7 @@ ICfg* RootNode(const QString& file, const QString& path)
     }
     auto& node = store.rootNodes[{file, path}];
     if (!node)
-        node = std::make_unique<ConfigNode>(document, path);
+        node = std::make_unique<RootConfigNode>(document, path);
     ICfg* const result = node.get();
     Tell(notice); // last, as the sink may come back here
     return result;
@@ -175,9 +188,11 @@ bool FinishSave(const Documents& documents, const SaveResults& results, const st
             notices += results[i].versionWarning;
         notices += results[i].notice;
         const auto open = TheStore().documents.find(write.file);
-        if (!results[i].error.isEmpty())
+        const bool isOpen = open != TheStore().documents.end();
+        // Also after an older write that failed, which would else be saved over this one.
+        if (!results[i].error.isEmpty() || (isOpen && open->second->IsChanged()))
             write.function(*RootNode(write.file, {}));
-        else if (open != TheStore().documents.end())
+        else if (isOpen)
             open->second->Reload();
     }
     TheStore().saveError = errors.join(QStringLiteral("; "));
@@ -218,10 +233,12 @@ void StartBackgroundSave()
     SaveOrder order = std::exchange(store.waiting, {});
     Documents documents;
     auto work = [requests = BeginSave(documents), writes = order.writes, directory = store.directory,
-                 access = store.access, filter = TheVersionFilter(), finish] {
+                 access = store.access, filter = TheVersionFilter(), finish]() mutable {
         SaveResults results = RunSave(requests);
-        for (const Write& write : writes)
+        for (Write& write : writes) {
             results.push_back(RunWrite(write, FileIn(directory, write.file), access, filter));
+            write.function = nullptr; // its code may be unloaded when this has ended
+        }
         QMetaObject::invokeMethod(QCoreApplication::instance(), finish, Qt::QueuedConnection);
         return results;
     };

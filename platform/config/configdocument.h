@@ -79,6 +79,8 @@ public:
     /// Removes the key at `path` and everything below it.
     void Remove(const QString& path);
 
+    /// Whether there is something to save.
+    bool IsChanged() const { return m_isChanged; }
     /// Reads the file again, which something else has written. Changes that have not been saved remain.
     void Reload();
 

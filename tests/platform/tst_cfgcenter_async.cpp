@@ -282,6 +282,27 @@ private slots:
         QCOMPARE(Text(kText), QStringLiteral("new"));
     }
 
+    void writeThatFailedIsNotSavedOverANewerOne()
+    {
+        Write(QStringLiteral("first"));
+        const QString inTheWay = m_store->Document() + QStringLiteral(".lock");
+        QVERIFY(QDir().mkpath(inTheWay));
+        Write(QStringLiteral("failed"));
+        QVERIFY(!CfgCenter::SaveError().isEmpty());
+        // Saving the first one fails again, directly before this succeeds.
+        CfgCenter::WriteDocument(
+            QStringLiteral("Document"), View::Shared,
+            [&inTheWay](ICfg& root) {
+                QDir().rmdir(inTheWay);
+                root.SetString(kText, QStringLiteral("newest"), 0);
+            },
+            [] { return true; });
+        QCOMPARE(Text(kText), QStringLiteral("newest"));
+        QVERIFY(CfgCenter::SaveDocument());
+        m_store->Reopen();
+        QCOMPARE(Text(kText), QStringLiteral("newest"));
+    }
+
     void damagedDocumentIsRecoveredBeforeItIsWritten()
     {
         QVERIFY(m_store->Save(1));

@@ -4,6 +4,7 @@
 #include "userinterface/vexelconnectdlg/legacyconnectdata.h"
 
 #include "platform/cfgcenter.h"
+#include "platform/documentwriter.h"
 #include "platform/icfg.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
 
@@ -63,5 +64,11 @@ void ExportLegacyConnectData(const ConnectionsModel& model, const std::function<
             record.Write(&document);
         document.SetString(QStringLiteral("ConnectionCount"), QString::number(records->size()), 0);
     };
-    CfgCenter::WriteDocument(QStringLiteral("KiteResources/ConnectData"), View::Shared, write, whileWaiting);
+    const QString name = QStringLiteral("KiteResources/ConnectData");
+    if (auto* const writer = dynamic_cast<IDocumentWriter*>(CfgCenter::GetAppCfg(View::Application))) {
+        writer->WriteDocument(name, View::Shared, write, whileWaiting);
+    } else {
+        write(*CfgCenter::CreateCfg(name, View::Shared, QString()));
+        CfgCenter::SaveDocument();
+    }
 }
