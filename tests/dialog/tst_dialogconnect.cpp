@@ -46,10 +46,14 @@ private slots:
     void destructionBeforeTheRecordsAreSaved();
     void endOfTheProgramBeforeTheRecordsAreSaved();
     void importBeforeTheRecordsAreSavedEndsConnect();
+    void nothingTickedStartsNothing();
     void failedSaveOfRecordsDoesNotStopConnect();
     void eventsAreHandledBetweenStarts();
     void applicationsThatEndMeanwhileStayInUse();
     void entriesMayMoveBetweenStarts();
+    void entryConnectedLastMayBeRemoved();
+    void recordsTellOfChangesBetweenStarts();
+    void hostMayPreventBreaks();
     void importBetweenStartsEndsConnect();
     void applicationEndsDuringCancelledImport();
     void destructionBetweenStarts();
@@ -87,6 +91,13 @@ private:
         QVERIFY(wasMeanwhile);
     }
 
+    static void WaitLongerThanNoticed()
+    {
+        const QDeadlineTimer slow(50);
+        while (!slow.hasExpired()) {
+        }
+    }
+
     /// Connects; the first start takes long, and `meanwhile` is called when events are handled after it.
     void ConnectSlowly(const std::function<void()>& meanwhile)
     {
@@ -94,9 +105,7 @@ private:
         connect(
             m_fixture->model, &QAbstractItemModel::dataChanged, this,
             [&] {
-                QDeadlineTimer slow(50);
-                while (!slow.hasExpired()) {
-                }
+                WaitLongerThanNoticed();
                 QMetaObject::invokeMethod(
                     m_fixture->dialog,
                     [&] {
@@ -468,6 +477,19 @@ void TestDialogConnect::importBeforeTheRecordsAreSavedEndsConnect()
     QVERIFY(m_fixture->appCounter->Instances().isEmpty());
 }
 
+// What is ticked later was not there when the user connected.
+void TestDialogConnect::nothingTickedStartsNothing()
+{
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho)});
+    ConnectLocked([this] {
+        m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnSelected), true);
+        m_lock.reset();
+    });
+    QCOMPARE(Statuses(), QList<int>{0});
+    QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
+}
+
 void TestDialogConnect::failedSaveOfRecordsDoesNotStopConnect()
 {
     m_child->Behave("stay");
@@ -521,6 +543,46 @@ void TestDialogConnect::entriesMayMoveBetweenStarts()
     QCOMPARE(m_fixture->Names(), (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")}));
     QCOMPARE(Statuses(), (QList<int>{1, 1, 0}));
     QTRY_COMPARE(m_child->Count(), 2);
+}
+
+void TestDialogConnect::entryConnectedLastMayBeRemoved()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true),
+                    Entry("three", Connection::KiteEcho, true)});
+    ConnectSlowly([this] { m_fixture->model->removeRows(0, 2); });
+    QCOMPARE(m_fixture->Names(), QStringList{QStringLiteral("three")});
+    QCOMPARE(Statuses(), QList<int>{1});
+}
+
+void TestDialogConnect::recordsTellOfChangesBetweenStarts()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    QByteArray recordsAtSecondStart;
+    ConnectSlowly([&] {
+        m_fixture->model->setData(m_fixture->model->index(1, ConnectionsModel::ColumnName), QStringLiteral("renamed"));
+        connect(
+            m_fixture->model, &QAbstractItemModel::dataChanged, this,
+            [&] { recordsAtSecondStart = Files::Read(RecordsFile()); }, Qt::SingleShotConnection);
+    });
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
+    QVERIFY2(recordsAtSecondStart.contains("\"ConnectData1/StationName\": \"renamed\""),
+             recordsAtSecondStart.constData());
+}
+
+void TestDialogConnect::hostMayPreventBreaks()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
+    m_fixture->dialog->setProperty("connectsWithoutBreaks", true);
+    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this, WaitLongerThanNoticed, Qt::SingleShotConnection);
+    QList<int> statusesMeanwhile;
+    QTimer::singleShot(0, m_fixture->dialog, [&] { statusesMeanwhile = Statuses(); });
+    m_fixture->ConnectButton()->click();
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
+    QCOMPARE(statusesMeanwhile, QList<int>());
 }
 
 void TestDialogConnect::importBetweenStartsEndsConnect()

@@ -112,6 +112,7 @@ private slots:
     void dropWhileReading();
     void interruptedWhileReplacing_data();
     void interruptedWhileReplacing();
+    void cancelUpdatesTheConnectButton();
     void errorInLongListKeepsOldList();
     void announcesWhatTheModelWould();
     void entriesAreSortedAsUsual_data();
@@ -362,6 +363,29 @@ void TestDialogImport::interruptedWhileReplacing()
         QCOMPARE(shown->rowCount(), m_model->rowCount());
         QVERIFY(!m_dialog->findChild<QProgressDialog*>());
     }
+}
+
+void TestDialogImport::cancelUpdatesTheConnectButton()
+{
+    m_model->AddConnection(Entry("free", Connection::Heron, true));
+    std::vector<Connection> entries = ManyEntries(12'000);
+    for (Connection& entry : entries)
+        entry.Selected = false;
+    const QString path = Write(Document(entries));
+    bool wasEnabled = true;
+    const auto connection =
+        connect(m_model.get(), &QAbstractItemModel::dataChanged, this, [&](const QModelIndex& changed) {
+            if (changed.row() == 100 && changed.column() == ConnectionsModel::ColumnStatus)
+                QTimer::singleShot(0, this, [&] {
+                    wasEnabled = m_dialog->m_pConnectButton->isEnabled();
+                    Box()->close();
+                });
+        });
+    QVERIFY(!m_dialog->Import(path));
+    disconnect(connection);
+    QVERIFY(!wasEnabled);
+    QCOMPARE(m_model->rowCount(), 4);
+    QVERIFY(m_dialog->m_pConnectButton->isEnabled());
 }
 
 void TestDialogImport::errorInLongListKeepsOldList()

@@ -51,7 +51,7 @@ void Export(std::initializer_list<Connection> entries)
     ConnectionsModel model(nullptr, QString());
     for (const Connection& entry : entries)
         model.AddConnection(entry);
-    ExportLegacyConnectData(model);
+    ExportLegacyConnectData(model, [] { return true; });
 }
 
 } // namespace

@@ -16,20 +16,20 @@ bool EventBreak::IsDue() const
 
 bool EventBreak::Take()
 {
-    constexpr int kIsOver = 1;
     const bool canEnd = QThread::currentThread()->loopLevel() > 0;
     // On Windows, and on Unix without GLib, an event loop that a posted event ends handles only posted events.
     QCoreApplication::processEvents();
     // Unlike processEvents(), an event loop tells whether the program ends.
     QEventLoop loop;
+    bool isEnding = true;
     QMetaObject::invokeMethod(
         &loop,
-        [&loop] {
-            if (loop.isRunning()) // nobody else has ended it
-                loop.exit(kIsOver);
+        [&] {
+            isEnding = !loop.isRunning(); // somebody else has ended it
+            loop.quit();
         },
         Qt::QueuedConnection);
-    const bool isEnding = loop.exec() != kIsOver;
+    loop.exec();
     m_clock.start();
     return !canEnd || !isEnding;
 }

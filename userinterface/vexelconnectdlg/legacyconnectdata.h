@@ -21,6 +21,5 @@ Connection ConnectDataToConnection(const ConnectData& record);
 /// records of a longer list; "ConnectionCount" is the number of valid ones.
 ///
 /// The records are those of the list at the time of the call. `whileWaiting` is called if saving takes longer than a
-/// user notices, see `CfgCenter::WriteDocument`; without it, this function returns when they are saved.
-void ExportLegacyConnectData(
-    const ConnectionsModel& model, const std::function<bool()>& whileWaiting = [] { return true; });
+/// user notices, see `CfgCenter::WriteDocument`.
+void ExportLegacyConnectData(const ConnectionsModel& model, const std::function<bool()>& whileWaiting);

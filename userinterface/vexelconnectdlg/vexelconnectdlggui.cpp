@@ -45,6 +45,7 @@
 namespace {
 
 constexpr const char* kIsConnecting = "isConnecting";
+constexpr const char* kConnectsWithoutBreaks = "connectsWithoutBreaks";
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
 constexpr quint16 kCannotReadLine = 383;
 constexpr quint16 kNothingToReadLine = 388;
@@ -80,12 +81,14 @@ bool IsToConnect(const Connection& entry)
     return entry.Selected && entry.ConnectionStatus == Connection::Free;
 }
 
-std::optional<QPersistentModelIndex> FirstToConnect(const ConnectionsModel& model)
+/// Returns the entries from `row` on that are to be connected.
+QList<QPersistentModelIndex> EntriesToConnect(const ConnectionsModel& model, int row)
 {
-    for (int row = 0; row < model.rowCount(); ++row)
+    QList<QPersistentModelIndex> entries;
+    for (; row < model.rowCount(); ++row)
         if (IsToConnect(model.GetConnection(row)))
-            return model.index(row, ConnectionsModel::ColumnName);
-    return std::nullopt;
+            entries.append(model.index(row, ConnectionsModel::ColumnName));
+    return entries;
 }
 
 /// Asks for a file. Returns an empty name if the user cancels, and none if `parent` is destroyed meanwhile, which the
@@ -285,6 +288,7 @@ void VexelConnectDlgGUI::UpdateFilterColumns()
 
 void VexelConnectDlgGUI::SlotConnect()
 {
+    // The host may destroy the instance during a break or while a message box is open.
     const QPointer<VexelConnectDlgGUI> guard(this);
     const auto restore = qScopeGuard([guard, before = property(kIsConnecting)] {
         if (guard)
@@ -292,48 +296,48 @@ void VexelConnectDlgGUI::SlotConnect()
     });
     setProperty(kIsConnecting, true);
     hide();
-    const std::optional<QPersistentModelIndex> first = FirstToConnect(*m_pModel);
+
+    // A started application reads the records, so they are written again if the list has changed.
+    bool areRecordsOld = true;
+    const auto note = [&areRecordsOld] {
+        areRecordsOld = true;
+    };
+    const QObject change;
+    connect(m_pModel, &QAbstractItemModel::dataChanged, &change,
+            [note](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+                const int column = topLeft.column();
+                // The records have neither of the two.
+                if (column != bottomRight.column() ||
+                    (column != ConnectionsModel::ColumnSelected && column != ConnectionsModel::ColumnStatus))
+                    note();
+            });
+    connect(m_pModel, &QAbstractItemModel::rowsInserted, &change, note);
+    connect(m_pModel, &QAbstractItemModel::rowsRemoved, &change, note);
+
+    const bool hasBreaks = !property(kConnectsWithoutBreaks).toBool();
     EventBreak eventBreak;
     bool goesOn = true;
-    // Applications read the records. If the list changes while they are saved, they are written again.
-    bool isChanged = true;
-    while (goesOn && std::exchange(isChanged, false)) {
-        const QObject change;
-        const auto note = [&isChanged] {
-            isChanged = true;
-        };
-        connect(m_pModel, &QAbstractItemModel::dataChanged, &change, note);
-        connect(m_pModel, &QAbstractItemModel::rowsInserted, &change, note);
-        connect(m_pModel, &QAbstractItemModel::rowsRemoved, &change, note);
-        ExportLegacyConnectData(*m_pModel, [&] { return goesOn = TakeBreak(eventBreak); });
-    }
-    // After an import in between, the entries to connect are gone.
-    if (goesOn && (!first || first->isValid()))
-        ConnectEntries(eventBreak);
-}
-
-void VexelConnectDlgGUI::ConnectEntries(EventBreak& eventBreak)
-{
-    // The host may destroy the instance during a break or while a message box is open.
-    const QPointer<VexelConnectDlgGUI> guard(this);
-    std::optional<QPersistentModelIndex> last;
-    bool isRested = false;
-    for (int row = 0; guard && row < m_pModel->rowCount(); ++row) {
-        const Connection entry = m_pModel->GetConnection(row);
-        if (!IsToConnect(entry))
-            continue;
-        if (!isRested && eventBreak.IsDue()) {
-            if (!TakeBreak(eventBreak) || (last && !last->isValid()))
-                return;
-            // Everything may have changed or moved.
-            isRested = true;
-            row = last ? last->row() : -1;
-            continue;
+    const auto takeBreak = [&] {
+        return goesOn = !hasBreaks || TakeBreak(eventBreak);
+    };
+    QList<QPersistentModelIndex> waiting = EntriesToConnect(*m_pModel, 0);
+    do {
+        while (goesOn && std::exchange(areRecordsOld, false))
+            WriteLegacyConnectData(takeBreak);
+        if (!goesOn)
+            return;
+        waiting.removeIf([](const QPersistentModelIndex& entry) { return !entry.isValid(); });
+        int row = waiting.isEmpty() ? m_pModel->rowCount() : waiting.constFirst().row();
+        for (waiting.clear(); guard && row < m_pModel->rowCount() && waiting.isEmpty(); ++row) {
+            const Connection entry = m_pModel->GetConnection(row);
+            if (!IsToConnect(entry))
+                continue;
+            if (hasBreaks && eventBreak.IsDue())
+                waiting = EntriesToConnect(*m_pModel, row);
+            else
+                m_pAppCounter->ConnectTo(entry);
         }
-        last = m_pModel->index(row, ConnectionsModel::ColumnName);
-        isRested = false;
-        m_pAppCounter->ConnectTo(entry);
-    }
+    } while (!waiting.isEmpty() && takeBreak());
 }
 
 /// Returns whether to go on: the dialog exists, and the program is not about to end.
@@ -347,9 +351,9 @@ bool VexelConnectDlgGUI::TakeBreak(EventBreak& eventBreak)
     return guard && goesOn;
 }
 
-void VexelConnectDlgGUI::WriteLegacyConnectData()
+void VexelConnectDlgGUI::WriteLegacyConnectData(const std::function<bool()>& whileWaiting)
 {
-    ExportLegacyConnectData(*m_pModel);
+    ExportLegacyConnectData(*m_pModel, whileWaiting);
 }
 
 QVariantMap VexelConnectDlgGUI::ApplicationOf(int row) const

@@ -12,6 +12,8 @@
 #include <QModelIndex>
 #include <QVariantMap>
 
+#include <functional>
+
 class AppCounter;
 class ConnectionFilterModel;
 class ConnectionsDelegate;
@@ -55,7 +57,9 @@ public:
     void Export(const QString& fileName);
 
     /// Writes all entries to the configuration, as the legacy records of the user-interface applications, and saves it.
-    void WriteLegacyConnectData();
+    ///
+    /// Returns when they are saved, or if `whileWaiting` returns false; see `ExportLegacyConnectData`.
+    void WriteLegacyConnectData(const std::function<bool()>& whileWaiting = [] { return true; });
 
     /// For the host: returns which application serves the entry in `row` of the model. Empty if there is none.
     ///
@@ -87,9 +91,9 @@ public slots:
     ///
     /// If it takes longer than a user notices, events are handled meanwhile; see `EventBreak`. Entries stay "In Use"
     /// that long even if their application has ended. Another call connects what is left; an entry starts once. It ends
-    /// early if the program is told to end, if the dialog is destroyed, and if the entry connected last, or before that
-    /// the first one to connect, is removed, as an import does. The dynamic property "isConnecting" (bool) tells the
-    /// host.
+    /// early if the program is told to end, if the dialog is destroyed, and if all entries that were still to connect
+    /// are removed, as an import does. Two dynamic properties (bool): "isConnecting" tells the host, and with
+    /// "connectsWithoutBreaks" the host prevents that events are handled.
     void SlotConnect();
     void SlotUpdateFilter();
     void SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight);
@@ -112,7 +116,6 @@ private:
     void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
-    void ConnectEntries(EventBreak& eventBreak);
     bool TakeBreak(EventBreak& eventBreak);
     void ShowInfo(const QString& text);
 

@@ -222,7 +222,8 @@ void ConnectionFilterModel::BeginLoading()
 void ConnectionFilterModel::EndLoading(std::vector<int> ranks)
 {
     m_isLoading = false;
-    m_ranks = std::move(ranks);
+    if (ranks.size() == static_cast<std::size_t>(sourceModel()->rowCount()))
+        m_ranks = std::move(ranks);
     invalidateRowsFilter();
     m_ranks = {};
 }

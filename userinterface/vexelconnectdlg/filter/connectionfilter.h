@@ -51,7 +51,8 @@ public:
     /// the views would lay out their rows again and again.
     void BeginLoading();
     /// Shows the entries, sorted. `ranks`, if not empty, has a number for each row of the source, in the order of what
-    /// they are sorted by, and takes the place of comparing that: a tenth of the time.
+    /// they are sorted by, and takes the place of comparing that: a tenth of the time. Ignored if the number of rows
+    /// has changed.
     void EndLoading(std::vector<int> ranks = {});
 
 protected:

@@ -26,6 +26,8 @@ ImportedList ImportedList::Read(const QString& fileName, int column, ReadingProg
         list.entries.push_back(entry);
         ++progress.entries;
     });
+    if (progress.isUnwanted)
+        return {};
     list.rankedColumn = column;
     // All will be "Free".
     if (column == ConnectionsModel::ColumnStatus)

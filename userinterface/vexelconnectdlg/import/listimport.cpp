@@ -136,14 +136,13 @@ bool ListImport::ReplaceEntries(ImportedList& list, ImportProgress* progress)
     };
     m_pProxyModel->BeginLoading();
     bool isReplaced = replace();
-    if (!guard)
-        return false;
-    if (isReplaced && m_pProxyModel->sortColumn() == list.rankedColumn)
+    if (isReplaced) {
+        if (m_pProxyModel->sortColumn() != list.rankedColumn)
+            list.ranks.clear();
         m_pProxyModel->EndLoading(std::move(list.ranks));
-    else
-        m_pProxyModel->EndLoading();
-    // Once more, so that the views have laid out the entries before the box closes.
-    isReplaced = isReplaced && handleEvents();
+        // Once more, so that the views have laid out the entries before the box closes.
+        isReplaced = handleEvents();
+    }
     if (!isReplaced && guard)
         RollBack();
     return isReplaced;
@@ -173,6 +172,9 @@ void ListImport::RollBack()
             m_pModel->AddConnection(entry);
         if (backup->isImportFailed)
             m_pModel->ResetConnectionStatus();
+        else if (!backup->entries.empty()) // for the dialog's button
+            emit m_pModel->dataChanged(m_pModel->index(0, ConnectionsModel::ColumnStatus),
+                                       m_pModel->index(m_pModel->rowCount() - 1, ConnectionsModel::ColumnStatus));
         m_pProxyModel->EndLoading();
     }
 }
@@ -181,9 +183,12 @@ QByteArray ListImport::EntriesBefore() const
 {
     if (!m_backup)
         return {};
-    std::vector<const Connection*> entries;
-    entries.reserve(m_backup->entries.size());
-    for (const Connection& entry : m_backup->entries)
-        entries.push_back(&entry);
-    return ConnectionList::Write(entries);
+    if (m_backup->document.isEmpty()) {
+        std::vector<const Connection*> entries;
+        entries.reserve(m_backup->entries.size());
+        for (const Connection& entry : m_backup->entries)
+            entries.push_back(&entry);
+        m_backup->document = ConnectionList::Write(entries);
+    }
+    return m_backup->document;
 }

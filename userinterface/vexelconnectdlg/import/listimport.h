@@ -59,6 +59,7 @@ private:
     {
         std::vector<Connection> entries;
         bool isImportFailed = false;
+        mutable QByteArray document = {}; // empty: not yet needed
     };
     QWidget* m_pWindow = nullptr;
     ConnectionsModel* m_pModel = nullptr;
