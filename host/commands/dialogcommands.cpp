@@ -17,6 +17,7 @@
 #include <QDateTime>
 #include <QHash>
 #include <QPointer>
+#include <QProgressDialog>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSet>
@@ -301,7 +302,8 @@ void DialogCommands::EndOfChange(int before, ControlReply* reply)
 
 void DialogCommands::Save(const ControlRequest& /*request*/, ControlReply* reply)
 {
-    if (m_isConnecting)
+    // Saving would cancel an import.
+    if (m_isConnecting || qobject_cast<QProgressDialog*>(QApplication::activeModalWidget()))
         return End(reply, ExitCode::Busy, BoxError());
     const QString error = m_host.Save();
     End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Unusable, error);

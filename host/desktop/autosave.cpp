@@ -83,9 +83,17 @@ void AutoSave::Start()
         SaveStored();
         return;
     }
+    ListCopy list = m_dialog.Copy();
+    const QByteArray before = std::exchange(m_beforeImport, list.document);
+    if (!list.document.isEmpty()) {
+        // Nothing announces that the import is over.
+        OnChange();
+        if (list.document == before)
+            return;
+    }
     m_isBusy = true;
     const int run = ++m_run;
-    m_text = RunInBackground([this, run, list = m_dialog.Copy()] {
+    m_text = RunInBackground([this, run, list = std::move(list)] {
         const StoredText text = ToStoredText(list);
         QMetaObject::invokeMethod(
             this,

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QMetaMethod>
 #include <QMimeData>
+#include <QPointer>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -196,6 +197,15 @@ ListCopy ConnectDialog::Copy() const
     for (int row = 0; row < Count(); ++row)
         copy.rows[static_cast<std::size_t>(row)] = Row(row);
     return copy;
+}
+
+void ConnectDialog::PressConnect() const
+{
+    const QPointer<QWidget> window = m_pWindow;
+    window->setProperty("connectsWithoutBreaks", true);
+    m_pConnectButton->click();
+    if (window)
+        window->setProperty("connectsWithoutBreaks", {});
 }
 
 void ConnectDialog::BringToFront() const

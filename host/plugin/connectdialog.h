@@ -43,8 +43,8 @@ Connection ToConnection(const EntryRow& row);
 struct ListCopy
 {
     std::vector<EntryRow> rows;
-    /// The list as a connection list document, in place of `rows`, while the dialog reports a failed import and has
-    /// not put back the entries from before that.
+    /// The entries from before an import as a connection list document, in place of `rows`, while the import runs, or
+    /// has failed and its message box is open.
     QByteArray document;
 };
 
@@ -90,9 +90,9 @@ public:
     /// Returns the list for another thread: some 15 ms for 10,000 entries, where `Document` takes ten times that.
     ListCopy Copy() const;
 
-    /// Clicks "&Connect". When this returns, the applications have been started. Events may have been handled
-    /// meanwhile.
-    void PressConnect() const { m_pConnectButton->click(); }
+    /// Clicks "&Connect". When this returns, the applications have been started. Handles no events meanwhile, except
+    /// while a message box is open.
+    void PressConnect() const;
     /// Returns whether "&Connect" is being handled.
     bool IsConnecting() const { return m_pWindow->property("isConnecting").toBool(); }
     /// Stores the filter, without the list, if the plug-in can do that.
