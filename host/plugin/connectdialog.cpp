@@ -201,11 +201,12 @@ ListCopy ConnectDialog::Copy() const
 
 void ConnectDialog::PressConnect() const
 {
-    const QPointer<QWidget> window = m_pWindow;
-    window->setProperty("connectsWithoutBreaks", true);
+    constexpr const char* kWithoutBreaks = "connectsWithoutBreaks";
+    const QPointer<QWidget> guard = m_pWindow;
+    m_pWindow->setProperty(kWithoutBreaks, true);
     m_pConnectButton->click();
-    if (window)
-        window->setProperty("connectsWithoutBreaks", {});
+    if (guard)
+        m_pWindow->setProperty(kWithoutBreaks, {});
 }
 
 void ConnectDialog::BringToFront() const
