@@ -189,7 +189,7 @@ bool FinishSave(const Documents& documents, const SaveResults& results, const st
         notices += results[i].notice;
         const auto open = TheStore().documents.find(write.file);
         const bool isOpen = open != TheStore().documents.end();
-        // Also after an older write that failed, which would else be saved over this one.
+        // The unsaved changes may be those of an older write that failed.
         if (!results[i].error.isEmpty() || (isOpen && open->second->IsChanged()))
             write.function(*RootNode(write.file, {}));
         else if (isOpen)

@@ -45,10 +45,10 @@ public:
     /// `SaveDocument` do, but in another thread, so that a long list keeps nobody waiting. What `write` writes is
     /// saved as a whole or not at all; then it remains to be saved, and the next save tries again.
     ///
-    /// `write` is called with the document's root node, in that thread or in this one. It must not use `CfgCenter`.
-    /// Returns when all is saved or that has failed. If it takes longer than a user notices, `whileWaiting` is called
-    /// again and again, and can handle events; if it returns false, this function returns, and the save goes on.
-    /// The plug-in calls this through `IDocumentWriter`.
+    /// `write` is called with the document's root node, in that thread, in this one, or in both. It must not use
+    /// `CfgCenter`. Returns when all is saved or that has failed. If it takes longer than a user notices,
+    /// `whileWaiting` is called again and again, and can handle events; if it returns false, this function returns, and
+    /// the save goes on.
     static void WriteDocument(const QString& name, View view, std::function<void(ICfg& root)> write,
                               const std::function<bool()>& whileWaiting);
 

@@ -302,8 +302,8 @@ void DialogCommands::EndOfChange(int before, ControlReply* reply)
 
 void DialogCommands::Save(const ControlRequest& /*request*/, ControlReply* reply)
 {
-    // Saving would cancel an import.
-    if (m_isConnecting || qobject_cast<QProgressDialog*>(QApplication::activeModalWidget()))
+    // Saving would cancel an import that replaces the entries.
+    if (m_isConnecting || m_dialog.Window()->findChild<QProgressDialog*>())
         return End(reply, ExitCode::Busy, BoxError());
     const QString error = m_host.Save();
     End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Unusable, error);

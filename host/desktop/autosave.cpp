@@ -88,8 +88,10 @@ void AutoSave::Start()
     if (!list.document.isEmpty()) {
         // Nothing announces that the import is over.
         OnChange();
-        if (list.document == before)
+        if (list.document == before) {
+            SaveStored();
             return;
+        }
     }
     m_isBusy = true;
     const int run = ++m_run;

@@ -56,7 +56,7 @@ private:
     bool m_isChanged = false;    // since the list was last copied
     bool m_isBusy = false;       // a text is being made
     bool m_isDue = false;        // another text, when this one is ready
-    QByteArray m_beforeImport;   // stored already; see ListCopy::document
+    QByteArray m_beforeImport;   // copied already; see ListCopy::document
     int m_run = 0;               // changes whenever the text that is being made is of no use any more
     std::future<void> m_text;
     bool m_isHeld = false;

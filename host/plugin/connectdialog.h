@@ -43,8 +43,8 @@ Connection ToConnection(const EntryRow& row);
 struct ListCopy
 {
     std::vector<EntryRow> rows;
-    /// The entries from before an import as a connection list document, in place of `rows`, while the import runs, or
-    /// has failed and its message box is open.
+    /// The entries from before an import as a connection list document, in place of `rows`, while the import
+    /// replaces them, or has failed and its message box is open.
     QByteArray document;
 };
 

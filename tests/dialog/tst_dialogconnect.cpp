@@ -9,6 +9,7 @@
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
 #include <QDeadlineTimer>
+#include <QMessageBox>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -57,6 +58,7 @@ private slots:
     void importBetweenStartsEndsConnect();
     void applicationEndsDuringCancelledImport();
     void destructionBetweenStarts();
+    void endOfTheProgramBetweenStarts_data();
     void endOfTheProgramBetweenStarts();
 
 private:
@@ -629,12 +631,32 @@ void TestDialogConnect::destructionBetweenStarts()
     QCOMPARE(destroyed.count(), 1);
 }
 
+void TestDialogConnect::endOfTheProgramBetweenStarts_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<bool>("isNested");
+    QTest::newRow("exit code 0") << 0 << false;
+    QTest::newRow("exit code 1") << 1 << false;
+    QTest::newRow("in a message box") << 0 << true;
+}
+
 void TestDialogConnect::endOfTheProgramBetweenStarts()
 {
+    QFETCH(const int, code);
+    QFETCH(const bool, isNested);
+
     m_child->Behave("stay");
     m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
-    QTimer::singleShot(0, this, [this] { ConnectSlowly([] { QCoreApplication::exit(); }); });
-    QCoreApplication::exec();
+    QMessageBox box;
+    const auto end = [&] {
+        if (!isNested)
+            return QCoreApplication::exit(code);
+        QTimer::singleShot(
+            10, &box, [code] { QCoreApplication::exit(code); });
+        box.exec();
+    };
+    QTimer::singleShot(0, this, [&] { ConnectSlowly(end); });
+    QCOMPARE(QCoreApplication::exec(), code);
     QCOMPARE(Statuses(), (QList<int>{1, 0}));
 }
 

@@ -162,8 +162,14 @@ void TestConnectDialog::connectPressesTheButton()
 {
     const ConnectDialog dialog = FindDialog();
     QSignalSpy clicks(m_pFake->connectButton, &QAbstractButton::clicked);
+    QVariant isWithoutBreaks;
+    connect(m_pFake->connectButton, &QAbstractButton::clicked, this,
+            [&] { isWithoutBreaks = m_pFake->property("connectsWithoutBreaks"); });
     dialog.PressConnect();
     QCOMPARE(clicks.count(), 1);
+    QCOMPARE(isWithoutBreaks, QVariant(true));
+    // The user's own is not affected.
+    QVERIFY(!m_pFake->property("connectsWithoutBreaks").isValid());
 }
 
 void TestConnectDialog::applicationOfEntryIsAskedFor()

@@ -11,6 +11,7 @@
 #include <QJsonArray>
 #include <QMessageBox>
 #include <QPointer>
+#include <QProgressDialog>
 #include <QTest>
 
 #include <memory>
@@ -182,6 +183,7 @@ private slots:
     void openBoxRefusesChangesAndConnecting();
     void usersConnectRefusesChangesAndConnecting_data();
     void usersConnectRefusesChangesAndConnecting();
+    void importRefusesSave();
     void documentWithoutEntriesIsNotImported();
     void entryThatIsInUseMeanwhileStopsTheImport();
     void callersThatHaveGoneAreNotServed();
@@ -512,6 +514,21 @@ void TestDialogCommands::usersConnectRefusesChangesAndConnecting()
     QCOMPARE(run.answer.code, 4);
     QCOMPARE(run.answer.error, QStringLiteral("entries are being connected"));
     QVERIFY(run.ticked.isEmpty());
+}
+
+void TestDialogCommands::importRefusesSave()
+{
+    Commands run;
+    {
+        const QProgressDialog box(run.dialog->Window());
+        run.Execute("save");
+        QCOMPARE(run.answer.code, 4);
+        QCOMPARE(run.host.saved, 0);
+    }
+    run.answer.code.reset();
+    run.Execute("save");
+    QCOMPARE(run.answer.code, 0);
+    QCOMPARE(run.host.saved, 1);
 }
 
 void TestDialogCommands::documentWithoutEntriesIsNotImported()

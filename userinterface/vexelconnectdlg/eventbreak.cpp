@@ -8,6 +8,8 @@
 #include <QMetaObject>
 #include <QThread>
 
+#include <limits>
+
 bool EventBreak::IsDue() const
 {
     constexpr qint64 kUnnoticedMs = 20;
@@ -21,15 +23,15 @@ bool EventBreak::Take()
     QCoreApplication::processEvents();
     // Unlike processEvents(), an event loop tells whether the program ends.
     QEventLoop loop;
-    bool isEnding = true;
+    constexpr int kIsOver = std::numeric_limits<int>::min();
     QMetaObject::invokeMethod(
         &loop,
-        [&] {
-            isEnding = !loop.isRunning(); // somebody else has ended it
-            loop.quit();
+        [&loop] {
+            if (loop.isRunning()) // nobody else has ended it
+                loop.exit(kIsOver);
         },
         Qt::QueuedConnection);
-    loop.exec();
+    const bool isEnding = loop.exec() != kIsOver; // also if somebody ended it later, in a nested loop
     m_clock.start();
     return !canEnd || !isEnding;
 }

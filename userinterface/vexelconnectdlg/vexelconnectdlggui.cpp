@@ -321,13 +321,16 @@ void VexelConnectDlgGUI::SlotConnect()
         return goesOn = !hasBreaks || TakeBreak(eventBreak);
     };
     QList<QPersistentModelIndex> waiting = EntriesToConnect(*m_pModel, 0);
+    bool isFirstPass = true;
     do {
         while (goesOn && std::exchange(areRecordsOld, false))
             WriteLegacyConnectData(takeBreak);
         if (!goesOn)
             return;
         waiting.removeIf([](const QPersistentModelIndex& entry) { return !entry.isValid(); });
-        int row = waiting.isEmpty() ? m_pModel->rowCount() : waiting.constFirst().row();
+        if (waiting.isEmpty())
+            return;
+        int row = std::exchange(isFirstPass, false) ? 0 : waiting.constFirst().row();
         for (waiting.clear(); guard && row < m_pModel->rowCount() && waiting.isEmpty(); ++row) {
             const Connection entry = m_pModel->GetConnection(row);
             if (!IsToConnect(entry))

@@ -92,8 +92,8 @@ public slots:
     /// If it takes longer than a user notices, events are handled meanwhile; see `EventBreak`. Entries stay "In Use"
     /// that long even if their application has ended. Another call connects what is left; an entry starts once. It ends
     /// early if the program is told to end, if the dialog is destroyed, and if all entries that were still to connect
-    /// are removed, as an import does. Two dynamic properties (bool): "isConnecting" tells the host, and with
-    /// "connectsWithoutBreaks" the host prevents that events are handled.
+    /// are removed, as an import does. Two dynamic properties (bool): "isConnecting" tells the host. If the host sets
+    /// "connectsWithoutBreaks", events are only handled while a message box is open.
     void SlotConnect();
     void SlotUpdateFilter();
     void SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight);

@@ -232,8 +232,6 @@ bool ConnectionFilterModel::MatchesRow(int sourceRow, const QModelIndex& sourceP
 {
     if (m_matcher.MatchesEverything())
         return true;
-    if (!m_matcher.IsValid())
-        return false;
     const auto matches = [&](int column) {
         return m_matcher.Matches(sourceModel()->index(sourceRow, column, sourceParent).data(filterRole()).toString());
     };

@@ -68,7 +68,7 @@ private:
     void RememberOrder(const std::vector<int>& shown);
     void ForgetOrder();
 
-    mutable TextMatcher m_matcher; ///< of the filter's expression, if rows have been matched since it changed
+    mutable TextMatcher m_matcher; ///< of the filter's expression when rows were last matched
     /// While the filter changes: whether each row of the source is accepted. Otherwise empty.
     std::vector<bool> m_accepted;
     /// While rows are hidden: the sort position of each row of the source from when all were shown, so that texts need

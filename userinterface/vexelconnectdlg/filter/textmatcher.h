@@ -33,7 +33,6 @@ public:
 
     const QRegularExpression& Expression() const { return m_expression; }
     bool MatchesEverything() const { return m_expression.pattern().isEmpty(); }
-    bool IsValid() const { return m_isValid; }
     bool Matches(const QString& text) const;
 
 private:

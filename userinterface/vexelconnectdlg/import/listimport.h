@@ -48,7 +48,7 @@ public:
     /// Restores the entries from before an import that has begun to replace them, which cancels it, or that has failed.
     /// Does nothing at other times.
     void RollBack();
-    /// Returns the document of the entries that `RollBack` would restore; empty if there are none.
+    /// Returns the document of the entries that `RollBack` would restore; empty if it would do nothing.
     QByteArray EntriesBefore() const;
 
 private:
