@@ -288,9 +288,12 @@ void TestDialogConnect::entriesAddedDuringConnectAreConnected()
 {
     m_child->Behave("stay");
     m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
-    connect(
-        m_fixture->model, &QAbstractItemModel::dataChanged, this,
-        [this] { m_fixture->Add({Entry("two", Connection::KiteEcho, true)}); }, Qt::SingleShotConnection);
+    // The second start waits for a break, as events are handled after a slow one.
+    const auto add = [this] {
+        m_fixture->Add({Entry("two", Connection::KiteEcho, true)});
+        WaitLongerThanNoticed();
+    };
+    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this, add, Qt::SingleShotConnection);
     m_fixture->ConnectButton()->click();
     QCOMPARE(Statuses(), (QList<int>{1, 1}));
     // The records were written before.

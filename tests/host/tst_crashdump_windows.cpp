@@ -12,6 +12,8 @@
 namespace {
 
 constexpr quintptr kNowhere = 0x1000;
+// Wine stops the process for each piece of memory that it reads. On a busy machine, all take half a minute.
+constexpr int kTimeForADump = 120'000; // ms
 
 /// Starts a thread of the process at this address.
 bool StartThread(qint64 number, quintptr address)
@@ -68,7 +70,7 @@ private slots:
         QVERIFY(!QFile::exists(setUp.Path("config/crashes")));
 
         QVERIFY(StartThread(process.processId(), address));
-        QVERIFY(process.waitForFinished());
+        QVERIFY(process.waitForFinished(kTimeForADump));
         QCOMPARE(process.exitStatus(), QProcess::CrashExit);
         const QFileInfoList dumps = CrashDumps::Stored(setUp.Config());
         QCOMPARE(dumps.size(), 1);
@@ -106,7 +108,7 @@ private slots:
         QCOMPARE(names, (QStringList{nameOf(7), nameOf(6), nameOf(5), nameOf(4), nameOf(3)}));
         QVERIFY(QFile::exists(folder + QStringLiteral("/notes.txt")));
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(process.waitForFinished(kTimeForADump));
     }
 };
 

@@ -297,28 +297,12 @@ void VexelConnectDlgGUI::SlotConnect()
     setProperty(kIsConnecting, true);
     hide();
 
-    // A started application reads the records, so they are written again if the list has changed.
-    bool areRecordsOld = true;
-    const auto note = [&areRecordsOld] {
-        areRecordsOld = true;
-    };
-    const QObject change;
-    connect(m_pModel, &QAbstractItemModel::dataChanged, &change,
-            [note](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
-                const int column = topLeft.column();
-                // The records have neither of the two.
-                if (column != bottomRight.column() ||
-                    (column != ConnectionsModel::ColumnSelected && column != ConnectionsModel::ColumnStatus))
-                    note();
-            });
-    connect(m_pModel, &QAbstractItemModel::rowsInserted, &change, note);
-    connect(m_pModel, &QAbstractItemModel::rowsRemoved, &change, note);
-
     const bool hasBreaks = !property(kConnectsWithoutBreaks).toBool();
     EventBreak eventBreak;
+    bool areRecordsOld = true;
     bool goesOn = true;
     const auto takeBreak = [&] {
-        return goesOn = !hasBreaks || TakeBreak(eventBreak);
+        return goesOn = !hasBreaks || TakeBreak(eventBreak, areRecordsOld);
     };
     QList<QPersistentModelIndex> waiting = EntriesToConnect(*m_pModel, 0);
     bool isFirstPass = true;
@@ -343,9 +327,24 @@ void VexelConnectDlgGUI::SlotConnect()
     } while (!waiting.isEmpty() && takeBreak());
 }
 
-/// Returns whether to go on: the dialog exists, and the program is not about to end.
-bool VexelConnectDlgGUI::TakeBreak(EventBreak& eventBreak)
+/// Returns whether to go on: the dialog exists, and the program is not about to end. A started application reads the
+/// records, so sets `areRecordsOld` if their content has changed.
+bool VexelConnectDlgGUI::TakeBreak(EventBreak& eventBreak, bool& areRecordsOld)
 {
+    const QObject duringBreak;
+    const auto note = [&areRecordsOld] {
+        areRecordsOld = true;
+    };
+    connect(m_pModel, &QAbstractItemModel::rowsInserted, &duringBreak, note);
+    connect(m_pModel, &QAbstractItemModel::rowsRemoved, &duringBreak, note);
+    connect(m_pModel, &QAbstractItemModel::dataChanged, &duringBreak,
+            [note](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+                const int column = topLeft.column();
+                // The records have neither of the two.
+                if (column != bottomRight.column() ||
+                    (column != ConnectionsModel::ColumnSelected && column != ConnectionsModel::ColumnStatus))
+                    note();
+            });
     const QPointer<VexelConnectDlgGUI> guard(this);
     m_pAppCounter->HoldSweeps();
     const bool goesOn = eventBreak.Take();

@@ -116,7 +116,7 @@ private:
     void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
-    bool TakeBreak(EventBreak& eventBreak);
+    bool TakeBreak(EventBreak& eventBreak, bool& areRecordsOld);
     void ShowInfo(const QString& text);
 
     ListImport* m_pImport = nullptr;
