@@ -51,7 +51,7 @@ void Export(std::initializer_list<Connection> entries)
     ConnectionsModel model(nullptr, QString());
     for (const Connection& entry : entries)
         model.AddConnection(entry);
-    ExportLegacyConnectData(model, [] { return true; });
+    ExportLegacyConnectData(model, nullptr, [] { return true; });
 }
 
 } // namespace

@@ -51,7 +51,8 @@ Connection ConnectDataToConnection(const ConnectData& record)
     return entry;
 }
 
-void ExportLegacyConnectData(const ConnectionsModel& model, const std::function<bool()>& whileWaiting)
+void ExportLegacyConnectData(const ConnectionsModel& model, IDocumentWriter* writer,
+                             const std::function<bool()>& whileWaiting)
 {
     const auto records = std::make_shared<std::vector<ConnectData>>();
     records->reserve(static_cast<std::size_t>(model.rowCount()));
@@ -65,7 +66,7 @@ void ExportLegacyConnectData(const ConnectionsModel& model, const std::function<
         document.SetString(QStringLiteral("ConnectionCount"), QString::number(records->size()), 0);
     };
     const QString name = QStringLiteral("KiteResources/ConnectData");
-    if (auto* const writer = dynamic_cast<IDocumentWriter*>(CfgCenter::GetAppCfg(View::Application))) {
+    if (writer) {
         writer->WriteDocument(name, View::Shared, write, whileWaiting);
     } else {
         write(*CfgCenter::CreateCfg(name, View::Shared, QString()));

@@ -9,6 +9,7 @@
 #include <functional>
 
 class ConnectionsModel;
+class IDocumentWriter;
 
 /// Returns the legacy record of `entry`, with index -1: it gets its row number when it is written.
 ConnectData ConnectionToConnectData(const Connection& entry);
@@ -20,6 +21,7 @@ Connection ConnectDataToConnection(const ConnectData& record);
 /// "KiteResources/ConnectData", which the user-interface applications read, and saves it. Does not remove the surplus
 /// records of a longer list; "ConnectionCount" is the number of valid ones.
 ///
-/// The records are those of the list at the time of the call. `whileWaiting` is called if saving takes longer than a
-/// user notices, see `CfgCenter::WriteDocument`.
-void ExportLegacyConnectData(const ConnectionsModel& model, const std::function<bool()>& whileWaiting);
+/// The records are those of the list at the time of the call. `writer` (may be null) saves them in another thread, and
+/// calls `whileWaiting` if that takes longer than a user notices.
+void ExportLegacyConnectData(const ConnectionsModel& model, IDocumentWriter* writer,
+                             const std::function<bool()>& whileWaiting);

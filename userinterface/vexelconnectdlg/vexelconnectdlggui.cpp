@@ -4,7 +4,10 @@
 #include "userinterface/vexelconnectdlg/vexelconnectdlggui.h"
 
 #include "files/atomicfile.h"
+#include "platform/cfgcenter.h"
+#include "platform/documentwriter.h"
 #include "platform/guibase.h"
+#include "platform/icfg.h"
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
@@ -355,7 +358,8 @@ bool VexelConnectDlgGUI::TakeBreak(EventBreak& eventBreak, bool& areRecordsOld)
 
 void VexelConnectDlgGUI::WriteLegacyConnectData(const std::function<bool()>& whileWaiting)
 {
-    ExportLegacyConnectData(*m_pModel, whileWaiting);
+    auto* const writer = dynamic_cast<IDocumentWriter*>(CfgCenter::GetAppCfg(View::Application));
+    ExportLegacyConnectData(*m_pModel, writer, whileWaiting);
 }
 
 QVariantMap VexelConnectDlgGUI::ApplicationOf(int row) const
