@@ -12,8 +12,7 @@
 class ICfg;
 
 /// Writes configuration documents in another thread. A node of `CfgCenter::GetAppCfg` may have this interface, which
-/// `dynamic_cast` finds. The plug-in
-/// uses it, and also works with a platform library without it.
+/// `dynamic_cast` finds. The plug-in uses it, and also works with a platform library without it.
 class IDocumentWriter
 {
 public:

@@ -355,9 +355,12 @@ void TestDialogFiles::cancelledExportDoesNothing()
     m_fixture->Build();
     m_fixture->Show();
     MessageBoxes boxes;
+    const TraceRecorder traces;
     AnswerFileDialog(QString());
     m_fixture->Action("m_pExportAction")->trigger();
     QCOMPARE(boxes.Count(), 0);
+    QCOMPARE(traces.Reports().size(), 1);
+    QCOMPARE(traces.Reports().first().message, QStringLiteral("VexelConnectDlgGUI::Export(): no file name given"));
     QCOMPARE(QDir(m_fixture->DataPath(QString())).entryList(QDir::Files), QStringList());
 }
 

@@ -7,6 +7,7 @@
 #include <QListView>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QSortFilterProxyModel>
 
 #include <functional>
 
@@ -26,7 +27,9 @@ private slots:
     void typedPatternFilters_data();
     void typedPatternFilters();
     void columnBoxChoosesWhereToSearch();
+    void invalidPatternShowsNothingAndNoMessage();
     void showingFilterSelectsPattern();
+    void showingFilterAppliesItAgain();
     void activeLabelShowsHiddenFilter();
     void activeLabelCountsFrameOfHiddenDialogAsHidden();
     void activeLabelNeverShowsWithTheFrame_data();
@@ -149,6 +152,35 @@ void TestDialogFilter::columnBoxChoosesWhereToSearch()
     QCOMPARE(m_fixture->Proxy()->filterKeyColumn(), int{ConnectionsModel::ColumnDeviceType});
     Column()->setCurrentIndex(-1);
     QCOMPARE(m_fixture->ShownNames(), (QStringList{QStringLiteral("Cobra"), QStringLiteral("x")}));
+}
+
+void TestDialogFilter::invalidPatternShowsNothingAndNoMessage()
+{
+    m_fixture->Build();
+    m_fixture->Add({Entry("a(")});
+    m_fixture->Show();
+    m_fixture->Action("m_pFilterAction")->trigger();
+    const MessageBoxes boxes;
+    Pattern()->setText(QStringLiteral("("));
+    QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("a(")});
+    m_fixture->Find<QComboBox>("m_pRegExpComboBox")->setCurrentIndex(2);
+    QCOMPARE(m_fixture->ShownNames(), QStringList());
+    QCOMPARE(boxes.Count(), 0);
+}
+
+void TestDialogFilter::showingFilterAppliesItAgain()
+{
+    m_fixture->Build();
+    m_fixture->Add({Entry("a"), Entry("b")});
+    m_fixture->Show();
+    Pattern()->setText(QStringLiteral("a"));
+    auto* const proxy = qobject_cast<QSortFilterProxyModel*>(m_fixture->dialog->m_pBasicView->model());
+    for (int toggle = 0; toggle < 2; ++toggle) {
+        proxy->setFilterRegularExpression(QStringLiteral("b"));
+        QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("b")});
+        m_fixture->Action("m_pFilterAction")->trigger();
+        QCOMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("a")});
+    }
 }
 
 void TestDialogFilter::showingFilterSelectsPattern()

@@ -105,6 +105,7 @@ void TestDialogWindow::viewsShareModelDelegateAndSelection()
     QCOMPARE(details->model(), basic->model());
     QCOMPARE(details->itemDelegate(), basic->itemDelegate());
     QCOMPARE(basic->itemDelegate()->metaObject()->className(), "ConnectionsDelegate");
+    QCOMPARE(basic->itemDelegate()->parent(), m_fixture->dialog);
     QCOMPARE(details->selectionModel(), basic->selectionModel());
 
     m_fixture->Add({Entry("a"), Entry("b")});
@@ -278,6 +279,10 @@ void TestDialogWindow::otherColumnsDoNotChangeConnect()
     QVERIFY(m_fixture->ConnectButton()->isEnabled());
     // A range that includes the status column.
     emit m_fixture->model->dataChanged(m_fixture->model->index(0, 1), m_fixture->model->index(0, 3));
+    QVERIFY(!m_fixture->ConnectButton()->isEnabled());
+    // One that includes the tick column.
+    m_fixture->ConnectButton()->setEnabled(true);
+    emit m_fixture->model->dataChanged(m_fixture->model->index(0, 0), m_fixture->model->index(0, 1));
     QVERIFY(!m_fixture->ConnectButton()->isEnabled());
 }
 

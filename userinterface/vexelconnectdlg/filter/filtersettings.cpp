@@ -28,14 +28,14 @@ FilterSettings FilterSettings::Load()
 {
     const auto node = OpenSettings();
     FilterSettings settings;
-    settings.column = node->GetInt(kColumnKey, ConnectionsModel::ColumnName, 0);
+    settings.column = node->GetInt(kColumnKey, settings.column, 0);
     // One step only: with a value further out no column is selected.
     if (settings.column < 0)
         ++settings.column;
     else if (settings.column >= ConnectionsModel::kColumnCount)
         --settings.column;
     settings.pattern = node->GetString(kPatternKey, QString(), 0);
-    settings.searchMode = node->GetInt(kSearchModeKey, 0, 0);
+    settings.searchMode = node->GetInt(kSearchModeKey, settings.searchMode, 0);
     if (settings.searchMode < 0 || settings.searchMode > static_cast<int>(SearchMode::RegularExpression))
         settings.searchMode = static_cast<int>(SearchMode::PlainText);
     return settings;
