@@ -91,7 +91,9 @@ def table(figures):
             for name in sorted({name for figure in series.values() for name in figure.counters}):
                 cells = [f"{series[n].counters[name]:,.0f}" if n in series else "" for n in lengths]
                 lines.append(f"| {subject}: {name} | " + " | ".join(cells) + " | |")
-        lines += ["", f"![{what}]({file_name(what)})", ""]
+        lines.append("")
+        if has_plot(subjects):
+            lines += [f"![{what}]({file_name(what)})", ""]
     return lines
 
 
@@ -135,7 +137,8 @@ AIMS = [
     ("100,000 entries: a key stroke in the filter until it is painted, ms", lambda f: slowest_key_stroke(f, 100_000), 50),
     *((f"10,000 entries: longest pause, {operation}, ms", lambda f, operation=operation: pause(f, operation), 50)
       for operation in ("save after an edit", "save of an unchanged list", "hide after an edit", "connect 1 entry",
-                        "connect 1 entry again, same records", "connect 100 entries")),
+                        "connect 1 entry by command", "connect 1 entry again, same records",
+                        "connect 100 entries")),
 ]
 
 
@@ -153,6 +156,11 @@ def aims(figures):
 
 def file_name(what):
     return "".join(c if c.isalnum() else "-" for c in what).strip("-").replace("--", "-") + ".svg"
+
+
+def has_plot(subjects):
+    """A single figure has none."""
+    return len(subjects) > 1 or len(next(iter(subjects.values()))) > 1
 
 
 def plot(what, subjects):
@@ -210,13 +218,13 @@ def main():
         sys.exit(__doc__)
     results, folder = (pathlib.Path(argument) for argument in sys.argv[1:])
     figures, context = load(results)
-    if not figures:
+    if not figures and not any(results.glob("*.txt")):
         sys.exit(f"no figures in {results}")
     folder.mkdir(parents=True, exist_ok=True)
     for old in folder.glob("*.svg"):
         old.unlink()
     for what, subjects in figures.items():
-        if len(subjects) > 1 or len(next(iter(subjects.values()))) > 1:
+        if has_plot(subjects):
             (folder / file_name(what)).write_text(plot(what, subjects))
     lines = ["# Results", "", f"Measured by `benchmarks/run` on: {machine()}; Qt {context.get('Qt', 'unknown')}, compiler "
              f"{context.get('compiler', 'unknown')}. Figures are medians; ~ marks a coefficient of variation above 10 %. "
