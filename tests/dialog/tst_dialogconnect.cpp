@@ -4,7 +4,7 @@
 #include "files/filelock.h"
 #include "tests/support/dialogfixture.h"
 #include "tests/support/launcherfixture.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
@@ -37,23 +37,30 @@ private slots:
     void entriesStartInModelOrder();
     void entriesInUseAreSkipped();
     void problemBoxDoesNotStopConnect();
+    void entriesMayBeRemovedWhileTheProblemBoxIsOpen();
     void failedStartLeavesEntryFree();
     void destructionEndsApplications();
 
     void eventsAreHandledBeforeTheRecordsAreSaved();
     void secondConnectDuringTheFirst();
     void recordsTellOfChangesDuringTheirSave();
+    void destructionBeforeTheRecordsAreSaved_data();
     void destructionBeforeTheRecordsAreSaved();
+    void endOfTheProgramBeforeTheRecordsAreSaved_data();
     void endOfTheProgramBeforeTheRecordsAreSaved();
     void importBeforeTheRecordsAreSavedEndsConnect();
+    void removalBeforeTheRecordsAreSavedIsNoFailure();
     void nothingTickedStartsNothing();
+    void entryTickedBeforeTheFirstStartIsConnected();
     void failedSaveOfRecordsDoesNotStopConnect();
     void eventsAreHandledBetweenStarts();
     void applicationsThatEndMeanwhileStayInUse();
     void entriesMayMoveBetweenStarts();
     void entryConnectedLastMayBeRemoved();
+    void failedEntryIsNotTriedAgainAfterABreak();
     void recordsTellOfChangesBetweenStarts();
-    void hostMayPreventBreaks();
+    void hostConnectsEntriesWithoutTicks();
+    void entriesOfTheHostMayMove();
     void importBetweenStartsEndsConnect();
     void applicationEndsDuringCancelledImport();
     void destructionBetweenStarts();
@@ -76,8 +83,8 @@ private:
     }
     QString RecordsFile() const { return m_store->filePath(QStringLiteral("shared/KiteResources/ConnectData.json")); }
 
-    /// Connects with locked records, and calls `meanwhile` when events are handled.
-    void ConnectLocked(const std::function<void()>& meanwhile)
+    /// Calls `connectEntries` with locked records, and `meanwhile` when events are handled.
+    void ConnectLocked(const std::function<void()>& meanwhile, const std::function<void()>& connectEntries)
     {
         LockRecords();
         bool wasMeanwhile = false;
@@ -87,9 +94,26 @@ private:
             QVERIFY(m_fixture->dialog->property("isConnecting").toBool());
             meanwhile();
         });
-        m_fixture->ConnectButton()->click();
+        connectEntries();
         m_lock.reset();
         QVERIFY(wasMeanwhile);
+    }
+    void ConnectLocked(const std::function<void()>& meanwhile)
+    {
+        ConnectLocked(
+            meanwhile, [this] { m_fixture->ConnectButton()->click(); });
+    }
+    /// Connects the first entry, in vain, as the test's data tell.
+    std::function<void()> FailingConnect()
+    {
+        QFETCH(const bool, isByHost);
+        if (isByHost)
+            return [this] {
+                QVERIFY(!m_fixture->dialog->ConnectEntries({0}));
+            };
+        return [this] {
+            m_fixture->ConnectButton()->click();
+        };
     }
 
     static void WaitLongerThanNoticed()
@@ -124,6 +148,14 @@ private:
         for (int row = 0; row < m_fixture->model->rowCount(); ++row)
             statuses += m_fixture->model->GetConnection(row).ConnectionStatus;
         return statuses;
+    }
+
+    QList<bool> Ticks() const
+    {
+        QList<bool> ticks;
+        for (int row = 0; row < m_fixture->model->rowCount(); ++row)
+            ticks += m_fixture->model->GetConnection(row).Selected;
+        return ticks;
     }
 
     std::optional<QTemporaryDir> m_store;
@@ -350,6 +382,20 @@ void TestDialogConnect::problemBoxDoesNotStopConnect()
     QVERIFY(!m_fixture->dialog->isVisible());
 }
 
+void TestDialogConnect::entriesMayBeRemovedWhileTheProblemBoxIsOpen()
+{
+    m_fixture->Add({Entry("none", Connection::Heron, true), Entry("one", Connection::KiteEcho, true),
+                    Entry("two", Connection::KiteEcho, true)});
+    QTimer::singleShot(0, m_fixture->dialog, [this] {
+        QVERIFY(QApplication::activeModalWidget());
+        m_fixture->model->RemoveEntries({1, 2});
+        QApplication::activeModalWidget()->close();
+    });
+    m_fixture->ConnectButton()->click();
+    QCOMPARE(Statuses(), QList<int>{0});
+    QVERIFY(m_fixture->appCounter->Instances().isEmpty());
+}
+
 void TestDialogConnect::failedStartLeavesEntryFree()
 {
     m_fixture->TearDown();
@@ -444,21 +490,33 @@ void TestDialogConnect::recordsTellOfChangesDuringTheirSave()
              recordsAtFirstStart.constData());
 }
 
+void TestDialogConnect::destructionBeforeTheRecordsAreSaved_data()
+{
+    QTest::addColumn<bool>("isByHost");
+    QTest::newRow("by the user") << false;
+    QTest::newRow("by the host") << true;
+}
+
 void TestDialogConnect::destructionBeforeTheRecordsAreSaved()
 {
     OpenStore();
     m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
-    ConnectLocked([this] { m_fixture->TearDown(); });
+    ConnectLocked([this] { m_fixture->TearDown(); }, FailingConnect());
     // The records are saved nevertheless.
     QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
     QCOMPARE(m_child->Count(), 0);
+}
+
+void TestDialogConnect::endOfTheProgramBeforeTheRecordsAreSaved_data()
+{
+    destructionBeforeTheRecordsAreSaved_data();
 }
 
 void TestDialogConnect::endOfTheProgramBeforeTheRecordsAreSaved()
 {
     OpenStore();
     m_fixture->Add({Entry("one", Connection::KiteEcho, true)});
-    QTimer::singleShot(0, this, [this] { ConnectLocked([] { QCoreApplication::exit(); }); });
+    QTimer::singleShot(0, this, [this] { ConnectLocked([] { QCoreApplication::exit(); }, FailingConnect()); });
     QCoreApplication::exec();
     QCOMPARE(m_fixture->appCounter->Instances().size(), 0);
     QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
@@ -479,6 +537,19 @@ void TestDialogConnect::importBeforeTheRecordsAreSavedEndsConnect()
     QVERIFY(m_fixture->appCounter->Instances().isEmpty());
 }
 
+void TestDialogConnect::removalBeforeTheRecordsAreSavedIsNoFailure()
+{
+    OpenStore();
+    m_fixture->Add({Entry("one")});
+    ConnectLocked(
+        [this] {
+            m_fixture->model->removeRows(0, 1);
+            m_lock.reset();
+        },
+        [this] { QVERIFY(m_fixture->dialog->ConnectEntries({0})); });
+    QVERIFY(m_fixture->appCounter->Instances().isEmpty());
+}
+
 // What is ticked later was not there when the user connected.
 void TestDialogConnect::nothingTickedStartsNothing()
 {
@@ -490,6 +561,18 @@ void TestDialogConnect::nothingTickedStartsNothing()
     });
     QCOMPARE(Statuses(), QList<int>{0});
     QCOMPARE(ConfigNodes::LegacyCount(QStringLiteral("none")), QStringLiteral("1"));
+}
+
+void TestDialogConnect::entryTickedBeforeTheFirstStartIsConnected()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho), Entry("two", Connection::KiteEcho, true)});
+    ConnectLocked([this] {
+        m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnSelected), true);
+        m_lock.reset();
+    });
+    QCOMPARE(Statuses(), (QList<int>{1, 1}));
 }
 
 void TestDialogConnect::failedSaveOfRecordsDoesNotStopConnect()
@@ -557,6 +640,17 @@ void TestDialogConnect::entryConnectedLastMayBeRemoved()
     QCOMPARE(Statuses(), QList<int>{1});
 }
 
+void TestDialogConnect::failedEntryIsNotTriedAgainAfterABreak()
+{
+    m_child->Behave("stay");
+    m_fixture->Add({Entry("none", Connection::Heron, true), Entry("one", Connection::KiteEcho, true),
+                    Entry("two", Connection::KiteEcho, true)});
+    MessageBoxes boxes;
+    ConnectSlowly([] {});
+    QCOMPARE(boxes.Count(), 1);
+    QCOMPARE(Statuses(), (QList<int>{0, 1, 1}));
+}
+
 void TestDialogConnect::recordsTellOfChangesBetweenStarts()
 {
     m_child->Behave("stay");
@@ -574,17 +668,39 @@ void TestDialogConnect::recordsTellOfChangesBetweenStarts()
              recordsAtSecondStart.constData());
 }
 
-void TestDialogConnect::hostMayPreventBreaks()
+void TestDialogConnect::hostConnectsEntriesWithoutTicks()
 {
     m_child->Behave("stay");
-    m_fixture->Add({Entry("one", Connection::KiteEcho, true), Entry("two", Connection::KiteEcho, true)});
-    m_fixture->dialog->setProperty("connectsWithoutBreaks", true);
-    connect(m_fixture->model, &QAbstractItemModel::dataChanged, this, WaitLongerThanNoticed, Qt::SingleShotConnection);
-    QList<int> statusesMeanwhile;
-    QTimer::singleShot(0, m_fixture->dialog, [&] { statusesMeanwhile = Statuses(); });
-    m_fixture->ConnectButton()->click();
-    QCOMPARE(Statuses(), (QList<int>{1, 1}));
-    QCOMPARE(statusesMeanwhile, QList<int>());
+    m_fixture->Add({Entry("one", Connection::KiteEcho, false), Entry("two", Connection::KiteEcho, true),
+                    Entry("used", Connection::KiteEcho, false), Entry("four", Connection::KiteEcho, false)});
+    m_fixture->model->SetConnectionStatus(m_fixture->model->GetConnection(2), Connection::InUse);
+    m_fixture->Show();
+    QVERIFY(m_fixture->dialog->ConnectEntries({3, 2, -1, 0, 4}));
+    QCOMPARE(Statuses(), (QList<int>{1, 0, 1, 1}));
+    QStringList started;
+    for (const ApplicationInstance* const instance : m_fixture->appCounter->Instances())
+        started.append(instance->GetConnection().ConnectionName);
+    QCOMPARE(started, (QStringList{QStringLiteral("one"), QStringLiteral("four")}));
+    QCOMPARE(Ticks(), (QList<bool>{false, true, false, false}));
+    QVERIFY(!m_fixture->dialog->isVisible());
+}
+
+void TestDialogConnect::entriesOfTheHostMayMove()
+{
+    m_child->Behave("stay");
+    OpenStore();
+    m_fixture->Add({Entry("one", Connection::KiteEcho, false), Entry("two", Connection::KiteEcho, true),
+                    Entry("three", Connection::KiteEcho, false)});
+    ConnectLocked(
+        [&] {
+            m_fixture->model->RemoveEntries({0});
+            m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnSelected), false);
+            m_lock.reset();
+        },
+        [this] { QVERIFY(m_fixture->dialog->ConnectEntries({2})); });
+    QCOMPARE(Statuses(), (QList<int>{0, 1}));
+    QCOMPARE(Ticks(), (QList<bool>{false, false}));
+    QVERIFY(Files::Read(RecordsFile()).contains("\"ConnectionCount\": \"2\""));
 }
 
 void TestDialogConnect::importBetweenStartsEndsConnect()

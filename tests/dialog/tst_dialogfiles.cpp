@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/support/dialogfixture.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QDragEnterEvent>

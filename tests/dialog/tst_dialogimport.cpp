@@ -5,6 +5,7 @@
 #include "tests/support/dialogfixture.h"
 #include "tests/support/testmain.h"
 #include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
+#include "userinterface/vexelconnectdlg/import/importprogress.h"
 
 #include <QProgressBar>
 #include <QProgressDialog>
@@ -44,6 +45,26 @@ bool IsShown(const QProgressDialog* box)
 {
     return box && box->isVisible() && !box->testAttribute(Qt::WA_DontShowOnScreen);
 }
+
+/// Counts the events of one type that it filters.
+class EventCounter : public QObject
+{
+public:
+    explicit EventCounter(QEvent::Type type)
+        : m_type(type)
+    {
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        m_count += event->type() == m_type ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+    int Count() const { return m_count; }
+
+private:
+    const QEvent::Type m_type;
+    int m_count = 0;
+};
 
 /// Calls `action` once, as soon as `isTime`.
 void When(QObject* context, const std::function<bool()>& isTime, const std::function<void()>& action)
@@ -102,13 +123,17 @@ private slots:
     void cleanup();
 
     void boxAppearsLater();
+    void boxAppearsWhileEntriesAreReplaced();
+    void boxShowsHowFarItIs();
     void shortImportHandlesNoEvents();
     void cancelKeepsOldList_data();
     void cancelKeepsOldList();
     void destroyedWhileReading();
     void savedWhileReading();
     void importedWhileReading();
+    void quitWhileReading_data();
     void quitWhileReading();
+    void sortedByAnotherColumnWhileReading();
     void dropWhileReading();
     void interruptedWhileReplacing_data();
     void interruptedWhileReplacing();
@@ -161,23 +186,56 @@ void TestDialogImport::boxAppearsLater()
     const QString path = Write(LongDocument());
     auto held = std::make_unique<HeldBackground>();
     bool wasHidden = false;
+    EventCounter shown(QEvent::Show);
     When(
-        m_dialog.get(), [] { return Box() != nullptr; }, [&] { wasHidden = !IsShown(Box()); });
+        m_dialog.get(), [] { return Box() != nullptr; },
+        [&] {
+            wasHidden = !IsShown(Box());
+            Box()->installEventFilter(&shown);
+        });
+    QElapsedTimer time;
+    time.start();
     When(
         m_dialog.get(), [] { return IsShown(Box()); },
         [&] {
+            QVERIFY(time.hasExpired(1000));
             QCOMPARE(Box()->windowTitle(), QStringLiteral("Import Connection Settings"));
             QCOMPARE(Box()->labelText(), QStringLiteral("Importing connection entries..."));
             QCOMPARE(Box()->windowModality(), Qt::WindowModal);
             QCOMPARE(Box()->parentWidget(), m_dialog.get());
-            held.reset();
+            QCOMPARE(Box()->findChild<QProgressBar*>()->maximum(), 0); // not known yet
+            // Some turns of the event loop later.
+            QTimer::singleShot(50, m_dialog.get(), [&held] { held.reset(); });
         });
     QVERIFY(m_dialog->Import(path));
     QVERIFY(wasHidden);
+    QCOMPARE(shown.Count(), 1);
     QVERIFY(!held);
     QVERIFY(!Box());
     QVERIFY(!m_dialog->findChild<QProgressDialog*>());
     QCOMPARE(m_model->rowCount(), 3);
+}
+
+void TestDialogImport::boxAppearsWhileEntriesAreReplaced()
+{
+    ImportProgress progress(m_dialog.get(), QString(), QString());
+    QVERIFY(Box() && !IsShown(Box()));
+    QTRY_VERIFY(progress.HandleEvents() && IsShown(Box()));
+    QCOMPARE(Box()->findChild<QProgressBar*>()->maximum(), 0); // not known yet
+}
+
+void TestDialogImport::boxShowsHowFarItIs()
+{
+    ImportProgress progress(m_dialog.get(), QString(), QString());
+    int done = 0;
+    QVERIFY(progress.WaitFor([&done] { return done == 3; }, [&] { progress.Show(++done, 10); }));
+    const auto* const bar = Box()->findChild<QProgressBar*>();
+    QCOMPARE(bar->value(), 3);
+    QCOMPARE(bar->maximum(), 10);
+    progress.Show(11, 10);
+    QCOMPARE(bar->value(), 10);
+    progress.Show(0, 0);
+    QCOMPARE(bar->maximum(), 0);
 }
 
 void TestDialogImport::shortImportHandlesNoEvents()
@@ -272,20 +330,50 @@ void TestDialogImport::importedWhileReading()
     QCOMPARE(m_model->GetConnection(0).ConnectionName, QStringLiteral("other"));
 }
 
+void TestDialogImport::quitWhileReading_data()
+{
+    QTest::addColumn<std::function<void()>>("end");
+    QTest::newRow("quit, which closes windows") << std::function<void()>([] { QCoreApplication::quit(); });
+    QTest::newRow("exit") << std::function<void()>([] { QCoreApplication::exit(); });
+}
+
 void TestDialogImport::quitWhileReading()
 {
+    QFETCH(const std::function<void()>, end);
     const QString path = Write(LongDocument());
     std::optional<bool> isImported;
+    const TraceRecorder traces;
     {
         const HeldBackground held;
         QTimer::singleShot(
             0, m_dialog.get(), [&] { isImported = m_dialog->Import(path); });
         When(
-            m_dialog.get(), [] { return Box() != nullptr; }, [] { QCoreApplication::quit(); });
+            m_dialog.get(), [] { return Box() != nullptr; }, end);
         QCoreApplication::exec();
     }
     QCOMPARE(isImported, std::optional(false));
+    QCOMPARE(traces.Messages(), QStringList()); // cancelled, not failed
     QCOMPARE(m_model->ToByteArray(), m_before);
+}
+
+void TestDialogImport::sortedByAnotherColumnWhileReading()
+{
+    std::vector<Connection> entries{Entry("a"), Entry("b"), Entry("c")};
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        entries[i].DeviceAddress = QString::number(3 - i);
+    const QString path = Write(Document(entries) + "<!--" + QByteArray(2 * 1024 * 1024, 'x') + "-->");
+    auto held = std::make_unique<HeldBackground>();
+    When(
+        m_dialog.get(), [] { return Box() != nullptr; },
+        [&] {
+            m_dialog->m_pBasicView->sortByColumn(ConnectionsModel::ColumnDeviceAddress, Qt::AscendingOrder);
+            held.reset();
+        });
+    QVERIFY(m_dialog->Import(path));
+    QStringList shown;
+    for (int row = 0; row < 3; ++row)
+        shown += m_dialog->m_pBasicView->model()->index(row, ConnectionsModel::ColumnName).data().toString();
+    QCOMPARE(shown, (QStringList{QStringLiteral("c"), QStringLiteral("b"), QStringLiteral("a")}));
 }
 
 void TestDialogImport::dropWhileReading()

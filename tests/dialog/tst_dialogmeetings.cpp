@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/support/dialogfixture.h"
-#include "tests/support/filesizelimit.h"
 #include "tests/support/markingtranslator.h"
-#include "tests/support/system.h"
+#include "tests/support/system/filesizelimit.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QClipboard>

@@ -29,6 +29,7 @@ private slots:
 
     void horizontalBarDoesNotCoverTheCurrentRow();
     void horizontalBarDoesNotCoverTheLastRow();
+    void horizontalBarLeavesTheTopInSight();
 
     void quickClicksOnNeighbouringTicksToggleEach_data();
     void quickClicksOnNeighbouringTicksToggleEach();
@@ -214,6 +215,22 @@ void TestDialogScrolling::horizontalBarDoesNotCoverTheLastRow()
                               QString(300, QLatin1Char('d')));
     QTRY_COMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
     QTRY_VERIFY(IsInSight(basic, 99, ConnectionsModel::ColumnName));
+}
+
+void TestDialogScrolling::horizontalBarLeavesTheTopInSight()
+{
+    Show(20, 250);
+    QTreeView* const basic = m_fixture->BasicView();
+    const int height = basic->visualRect(basic->model()->index(0, ConnectionsModel::ColumnName)).height();
+    // One pixel is out of sight.
+    m_fixture->dialog->resize(1200, m_fixture->dialog->height() + 20 * height - basic->viewport()->height() - 1);
+    QTRY_COMPARE(basic->verticalScrollBar()->maximum(), 1);
+    QCOMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
+    m_fixture->model->setData(m_fixture->model->index(0, ConnectionsModel::ColumnName),
+                              QStringLiteral("d0000") + QString(300, QLatin1Char('x')));
+    QTRY_COMPARE(basic->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+    QTRY_VERIFY(basic->verticalScrollBar()->maximum() > 1);
+    QCOMPARE(basic->verticalScrollBar()->value(), 0);
 }
 
 void TestDialogScrolling::quickClicksOnNeighbouringTicksToggleEach_data()

@@ -42,6 +42,7 @@ private slots:
     void leavingEditorCommits();
     void doubleClickOnStatusDoesNothing();
     void doubleClickOnEntryInUseOpensNoEditor();
+    void editedEntryCanBeFilteredOut_data();
     void editedEntryCanBeFilteredOut();
 
     void newAppendsDefaultEntry();
@@ -57,6 +58,7 @@ private slots:
     void closeHidesOnly();
     void windowHasAHelpButton();
     void showingShowsAMinimizedDialog();
+    void onlyTheFirstShowCentersTheDialog();
     void firstShowMakesMainWidgetWithStoredSize();
     void otherMainWidgetIsKept();
     void destructorStoresFilter();
@@ -68,14 +70,15 @@ private:
 void TestDialogWindow::declaresSlotsInOrder()
 {
     QCOMPARE(Declaration(VexelConnectDlgGUI::staticMetaObject),
-             QString::fromLatin1("VexelConnectDlgGUI : QDialog\nslot SlotNew()\nslot SlotEdit()\nslot SlotDelete()\n"
-                                 "slot SlotImport()\nslot SlotExport()\nslot SlotShowDetails(bool bShow)\n"
-                                 "slot SlotShowFilter(bool bShow)\nslot SlotClicked(QModelIndex index)\n"
-                                 "slot SlotDoubleClicked(QModelIndex index)\nslot SlotClose()\nslot SlotConnect()\n"
-                                 "slot SlotUpdateFilter()\n"
-                                 "slot SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)\n"
-                                 "other ApplicationOf(int row)\nother StoreFilterSettings()\n"
-                                 "property entriesBeforeImport")
+             QString::fromLatin1(
+                 "VexelConnectDlgGUI : QDialog\nslot SlotNew()\nslot SlotEdit()\nslot SlotDelete()\n"
+                 "slot SlotImport()\nslot SlotExport()\nslot SlotShowDetails(bool bShow)\n"
+                 "slot SlotShowFilter(bool bShow)\nslot SlotClicked(QModelIndex index)\n"
+                 "slot SlotDoubleClicked(QModelIndex index)\nslot SlotClose()\nslot SlotConnect()\n"
+                 "slot SlotUpdateFilter()\n"
+                 "slot SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight)\n"
+                 "other ApplicationOf(int row)\nother ConnectEntries(QList<int> rows)\nother StoreFilterSettings()\n"
+                 "property entriesBeforeImport")
                  .split(QLatin1Char('\n')));
 
     m_fixture->Build();
@@ -369,21 +372,36 @@ void TestDialogWindow::doubleClickOnEntryInUseOpensNoEditor()
     QVERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
 }
 
+void TestDialogWindow::editedEntryCanBeFilteredOut_data()
+{
+    QTest::addColumn<bool>("leaves");
+    QTest::newRow("Return") << false;
+    QTest::newRow("another widget gets the focus") << true;
+}
+
 void TestDialogWindow::editedEntryCanBeFilteredOut()
 {
+    QFETCH(bool, leaves);
     m_fixture->Build();
-    m_fixture->Add({Entry("north"), Entry("south"), Entry("north 2")});
+    m_fixture->Add({Entry("north", Connection::KiteEcho, true), Entry("south"), Entry("north 2")});
     m_fixture->Show();
+    m_fixture->dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture->dialog));
     m_fixture->Find<QLineEdit>("m_pFilterPatternLineEdit")->setText(QStringLiteral("nor"));
     QTest::failOnWarning(QRegularExpression(QStringLiteral("does not belong|editing failed")));
     DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("north", 1));
     auto* const editor = m_fixture->BasicView()->viewport()->findChild<QLineEdit*>();
     QVERIFY(editor);
     editor->setText(QStringLiteral("west"));
-    QTest::keyClick(editor, Qt::Key_Return);
+    if (leaves)
+        m_fixture->ConnectButton()->setFocus();
+    else
+        QTest::keyClick(editor, Qt::Key_Return);
     QTRY_COMPARE(m_fixture->ShownNames(), QStringList{QStringLiteral("north 2")});
     QCOMPARE(m_fixture->model->GetConnection(0).ConnectionName, QStringLiteral("west"));
     QTRY_VERIFY(!m_fixture->BasicView()->viewport()->findChild<QLineEdit*>());
+    QCOMPARE(QApplication::focusWidget(),
+             leaves ? static_cast<QWidget*>(m_fixture->ConnectButton()) : m_fixture->BasicView());
 
     // The view can open the next editor.
     DialogFixture::DoubleClick(m_fixture->BasicView(), m_fixture->ProxyIndex("north 2", 1));
@@ -586,6 +604,24 @@ void TestDialogWindow::closeHidesOnly()
     const QString none = QStringLiteral("none");
     QCOMPARE(ConfigNodes::StoredSet(none), none);
     QCOMPARE(ConfigNodes::Filter()->GetString(QStringLiteral("FilterPattern"), none, 0), none);
+}
+
+void TestDialogWindow::onlyTheFirstShowCentersTheDialog()
+{
+    QWidget other;
+    GuiBase::Instance().SetMainWidget(&other);
+    m_fixture->Build();
+    VexelConnectDlgGUI* const dialog = m_fixture->dialog;
+    dialog->resize(400, 300);
+    m_fixture->Show();
+    const QPoint position = dialog->geometry().topLeft();
+    // Qt leaves room for a frame of the usual size.
+    const QPoint offset = dialog->geometry().center() - dialog->screen()->availableGeometry().center();
+    QVERIFY2(offset.manhattanLength() < 100, qPrintable(QStringLiteral("%1, %2").arg(offset.x()).arg(offset.y())));
+    dialog->resize(500, 350);
+    dialog->hide();
+    m_fixture->Show();
+    QCOMPARE(dialog->geometry().topLeft(), position);
 }
 
 void TestDialogWindow::firstShowMakesMainWidgetWithStoredSize()

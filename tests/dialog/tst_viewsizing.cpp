@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QItemDelegate>
+#include <QProxyStyle>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -43,6 +44,16 @@ public:
     mutable int texts = 0;
 };
 
+class WideTextStyle : public QProxyStyle
+{
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        const int margin = metric == PM_FocusFrameHMargin ? 20 : 0;
+        return margin + QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
 QString Name(int number)
 {
     return QStringLiteral("s%1").arg(number, 5, 10, QLatin1Char('0'));
@@ -65,6 +76,7 @@ private slots:
     void columnsFitLastRow();
     void columnsNarrowAfterChange();
     void columnsNarrowAfterFontChange();
+    void columnsNarrowAfterStyleChange();
     void widthsDoNotOscillateAtScrollBar();
     void costDoesNotDependOnListLength();
 
@@ -76,6 +88,7 @@ private slots:
     void firstVisibleRowStays();
     void firstVisibleRowStaysAboveACurrentRowBelow();
     void currentRowStaysVisible();
+    void currentFirstRowStaysWhole();
     void currentRowIsScrolledNoFurtherThanNeeded();
     void lastRowStaysVisible();
     void heightIsForgottenWithTheList();
@@ -236,6 +249,17 @@ void TestViewSizing::columnsNarrowAfterFontChange()
     QTRY_COMPARE(Basic()->columnWidth(Model::ColumnName), width);
 }
 
+void TestViewSizing::columnsNarrowAfterStyleChange()
+{
+    Show(3, QSize(1200, 300));
+    const int width = Basic()->columnWidth(Model::ColumnName);
+    const QString style = QApplication::style()->name();
+    QApplication::setStyle(new WideTextStyle);
+    QTRY_VERIFY(Basic()->columnWidth(Model::ColumnName) > width);
+    QApplication::setStyle(style);
+    QTRY_COMPARE(Basic()->columnWidth(Model::ColumnName), width);
+}
+
 void TestViewSizing::widthsDoNotOscillateAtScrollBar()
 {
     Add(Name(300) + QString(200, QLatin1Char('n')));
@@ -392,6 +416,18 @@ void TestViewSizing::currentRowStaysVisible()
     QTRY_VERIFY(Rect(0, Model::ColumnName).height() > height);
     QTRY_VERIFY(RowsAligned());
     QVERIFY(Basic()->viewport()->rect().contains(Rect(50, Model::ColumnStatus)));
+}
+
+void TestViewSizing::currentFirstRowStaysWhole()
+{
+    Show(400, QSize(1200, 300));
+    const int height = Rect(0, Model::ColumnName).height();
+    Basic()->setCurrentIndex(Cell(0, Model::ColumnName));
+    Basic()->verticalScrollBar()->setValue(height / 2); // half of it is out of sight
+    m_model->setData(m_model->index(3, Model::ColumnSubsystem), QStringLiteral("tall"));
+    QTRY_VERIFY(Rect(0, Model::ColumnName).height() > height);
+    QTRY_VERIFY(RowsAligned());
+    QCOMPARE(Rect(0, Model::ColumnName).top(), 0);
 }
 
 void TestViewSizing::currentRowIsScrolledNoFurtherThanNeeded()

@@ -10,7 +10,7 @@
 #include "tests/support/launcherfixture.h"
 #include "tests/support/markingtranslator.h"
 #include "tests/support/metaobject.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/tracerecorder.h"
 
 #include <QSignalSpy>

@@ -7,7 +7,7 @@
 #undef main
 
 #include "tests/support/confignodes.h"
-#include "tests/support/errorsto.h"
+#include "tests/support/system/errorsto.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractButton>

@@ -59,15 +59,8 @@ AppCounter::AppCounter(ConnectionsModel* owner, QString configurationName)
     UpdateTypeDeviceMappings();
 }
 
-AppCounter::~AppCounter()
-{
-    // Disconnect first: the slot for ended applications needs the tables.
-    const QList<ApplicationInstance*> instances = std::exchange(m_instances, {});
-    for (ApplicationInstance* const instance : instances) {
-        instance->disconnect(this);
-        delete instance;
-    }
-}
+// QObject's destructor disconnects this object before it deletes the instances, so none of them reaches a slot.
+AppCounter::~AppCounter() = default;
 
 void AppCounter::UpdateInstalledApps()
 {
@@ -243,6 +236,7 @@ void AppCounter::ShowNoFreeApplication(const Connection& entry, int servedType) 
                              QString::number(m_installedTable.value(servedType).size()),
                              QString::number(m_runningTable.value(servedType).size())),
                     QMessageBox::Ok);
+    box.setObjectName(QStringLiteral("m_problemBox"));
     // Names may contain markup.
     box.setTextFormat(Qt::PlainText);
     // No member access after this: the host may destroy the instance, and with it this object, while the box is open.

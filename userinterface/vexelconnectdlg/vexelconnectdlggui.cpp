@@ -11,8 +11,8 @@
 #include "platform/tracing.h"
 #include "userinterface/vexelconnectdlg/appcounter.h"
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
+#include "userinterface/vexelconnectdlg/connect/entryconnector.h"
 #include "userinterface/vexelconnectdlg/connectionsmodel.h"
-#include "userinterface/vexelconnectdlg/eventbreak.h"
 #include "userinterface/vexelconnectdlg/filter/connectionfilter.h"
 #include "userinterface/vexelconnectdlg/filter/filtersettings.h"
 #include "userinterface/vexelconnectdlg/import/listimport.h"
@@ -23,6 +23,7 @@
 #include "userinterface/vexelconnectdlg/views/secondclick.h"
 #include "userinterface/vexelconnectdlg/views/selectedrows.h"
 #include "userinterface/vexelconnectdlg/views/sizingdelegate.h"
+#include "userinterface/vexelconnectdlg/views/synchronizedscrolling.h"
 #include "userinterface/vexelconnectdlg/views/viewsizing.h"
 
 #include <QApplication>
@@ -38,7 +39,7 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 #include <QScopeGuard>
-#include <QScrollBar>
+#include <QSet>
 #include <QUrl>
 
 #include <algorithm>
@@ -48,7 +49,6 @@
 namespace {
 
 constexpr const char* kIsConnecting = "isConnecting";
-constexpr const char* kConnectsWithoutBreaks = "connectsWithoutBreaks";
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/vexelconnectdlggui";
 constexpr quint16 kCannotReadLine = 383;
 constexpr quint16 kNothingToReadLine = 388;
@@ -77,21 +77,6 @@ bool IsBlocked(const QWidget& window)
             owner = owner->parentWidget();
         return owner || other->windowModality() == Qt::ApplicationModal;
     });
-}
-
-bool IsToConnect(const Connection& entry)
-{
-    return entry.Selected && entry.ConnectionStatus == Connection::Free;
-}
-
-/// Returns the entries from `row` on that are to be connected.
-QList<QPersistentModelIndex> EntriesToConnect(const ConnectionsModel& model, int row)
-{
-    QList<QPersistentModelIndex> entries;
-    for (; row < model.rowCount(); ++row)
-        if (IsToConnect(model.GetConnection(row)))
-            entries.append(model.index(row, ConnectionsModel::ColumnName));
-    return entries;
 }
 
 /// Asks for a file. Returns an empty name if the user cancels, and none if `parent` is destroyed meanwhile, which the
@@ -127,19 +112,7 @@ VexelConnectDlgGUI::VexelConnectDlgGUI(QWidget* parent, ConnectionsModel* model,
     connect(
         m_pModel, &QAbstractItemModel::dataChanged, this,
         [this](const QModelIndex& topLeft, const QModelIndex& bottomRight) { SlotDataChanged(topLeft, bottomRight); });
-    QScrollBar* const basicBar = m_pBasicView->verticalScrollBar();
-    QScrollBar* const detailsBar = m_pDetailsView->verticalScrollBar();
-    connect(basicBar, &QScrollBar::valueChanged, detailsBar, &QScrollBar::setValue);
-    connect(detailsBar, &QScrollBar::valueChanged, basicBar, &QScrollBar::setValue);
-    // A hidden view keeps its size. With its own, smaller range it would scroll the basic view back.
-    for (const QScrollBar* bar : {basicBar, detailsBar}) {
-        connect(
-            bar, &QScrollBar::rangeChanged, detailsBar,
-            [this, basicBar, detailsBar] {
-                if (m_pDetailsView->isHidden())
-                    detailsBar->setRange(basicBar->minimum(), basicBar->maximum());
-            });
-    }
+    m_pScrolling = new SynchronizedScrolling(m_pBasicView, m_pDetailsView);
 
     m_pContextMenu = new QMenu(this);
     m_pContextMenu->addAction(m_pDetailsAction);
@@ -204,44 +177,11 @@ void VexelConnectDlgGUI::SetUpViews()
 
     auto* const fileDrags = new FileDragFilter(this);
     fileDrags->Watch(m_pBasicView->viewport());
-    fileDrags->Watch(m_pDetailsView->viewport());
     fileDrags->Watch(m_pFilterPatternLineEdit);
 
     new ListKeys({m_pBasicView, m_pDetailsView}, ConnectionsModel::ColumnSelected, this);
-    for (QTreeView* view : {m_pBasicView, m_pDetailsView}) {
+    for (QTreeView* view : {m_pBasicView, m_pDetailsView})
         new SecondClick(view, ConnectionsModel::ColumnSelected);
-        // Queued, because a view emits the signal during its layout.
-        connect(view->horizontalScrollBar(), &QScrollBar::rangeChanged, this,
-                &VexelConnectDlgGUI::SynchronizeScrollBars, Qt::QueuedConnection);
-    }
-}
-
-void VexelConnectDlgGUI::SynchronizeScrollBars()
-{
-    // A scroll bar in only one view would make its viewport lower than the other's, with a different scroll range.
-    const auto needsBar = [](const QTreeView* view) {
-        const QScrollBar* const bar = view->horizontalScrollBar();
-        return !view->isHidden() && bar->maximum() > bar->minimum();
-    };
-    const auto policy =
-        needsBar(m_pBasicView) || needsBar(m_pDetailsView) ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded;
-    const bool appears = policy == Qt::ScrollBarAlwaysOn && m_pBasicView->horizontalScrollBarPolicy() != policy;
-    m_pBasicView->setHorizontalScrollBarPolicy(policy);
-    m_pDetailsView->setHorizontalScrollBarPolicy(policy);
-    if (appears)
-        ScrollOutFromUnderBar();
-}
-
-void VexelConnectDlgGUI::ScrollOutFromUnderBar()
-{
-    QScrollBar* const bar = m_pBasicView->verticalScrollBar();
-    // One more, because a view that scrolls to a row leaves out a pixel.
-    const int covered = m_pBasicView->horizontalScrollBar()->height() + 1;
-    const bool atEnd = bar->value() > 0 && bar->maximum() - bar->value() <= covered;
-    const QModelIndex current = m_pBasicView->currentIndex().siblingAtColumn(ConnectionsModel::ColumnName);
-    const int below = m_pBasicView->visualRect(current).bottom() - m_pBasicView->viewport()->height();
-    if (atEnd || (below >= 0 && below < covered))
-        bar->setValue(bar->value() + covered);
 }
 
 void VexelConnectDlgGUI::FillFilterColumns()
@@ -291,6 +231,19 @@ void VexelConnectDlgGUI::UpdateFilterColumns()
 
 void VexelConnectDlgGUI::SlotConnect()
 {
+    ConnectWhere([this](const QModelIndex& entry) { return m_pModel->GetConnection(entry.row()).Selected; });
+}
+
+bool VexelConnectDlgGUI::ConnectEntries(const QList<int>& rows)
+{
+    QSet<QPersistentModelIndex> entries;
+    for (const int row : rows)
+        entries.insert(m_pModel->index(row, ConnectionsModel::ColumnName));
+    return ConnectWhere([&entries](const QModelIndex& entry) { return entries.contains(entry); });
+}
+
+bool VexelConnectDlgGUI::ConnectWhere(std::function<bool(const QModelIndex& entry)> isWanted)
+{
     // The host may destroy the instance during a break or while a message box is open.
     const QPointer<VexelConnectDlgGUI> guard(this);
     const auto restore = qScopeGuard([guard, before = property(kIsConnecting)] {
@@ -300,60 +253,10 @@ void VexelConnectDlgGUI::SlotConnect()
     setProperty(kIsConnecting, true);
     hide();
 
-    const bool hasBreaks = !property(kConnectsWithoutBreaks).toBool();
-    EventBreak eventBreak;
-    bool areRecordsOld = true;
-    bool goesOn = true;
-    const auto takeBreak = [&] {
-        return goesOn = !hasBreaks || TakeBreak(eventBreak, areRecordsOld);
-    };
-    QList<QPersistentModelIndex> waiting = EntriesToConnect(*m_pModel, 0);
-    bool isFirstPass = true;
-    do {
-        while (goesOn && std::exchange(areRecordsOld, false))
-            WriteLegacyConnectData(takeBreak);
-        if (!goesOn)
-            return;
-        waiting.removeIf([](const QPersistentModelIndex& entry) { return !entry.isValid(); });
-        if (waiting.isEmpty())
-            return;
-        int row = std::exchange(isFirstPass, false) ? 0 : waiting.constFirst().row();
-        for (waiting.clear(); guard && row < m_pModel->rowCount() && waiting.isEmpty(); ++row) {
-            const Connection entry = m_pModel->GetConnection(row);
-            if (!IsToConnect(entry))
-                continue;
-            if (hasBreaks && eventBreak.IsDue())
-                waiting = EntriesToConnect(*m_pModel, row);
-            else
-                m_pAppCounter->ConnectTo(entry);
-        }
-    } while (!waiting.isEmpty() && takeBreak());
-}
-
-/// Returns whether to go on: the dialog exists, and the program is not about to end. A started application reads the
-/// records, so sets `areRecordsOld` if their content has changed.
-bool VexelConnectDlgGUI::TakeBreak(EventBreak& eventBreak, bool& areRecordsOld)
-{
-    const QObject duringBreak;
-    const auto note = [&areRecordsOld] {
-        areRecordsOld = true;
-    };
-    connect(m_pModel, &QAbstractItemModel::rowsInserted, &duringBreak, note);
-    connect(m_pModel, &QAbstractItemModel::rowsRemoved, &duringBreak, note);
-    connect(m_pModel, &QAbstractItemModel::dataChanged, &duringBreak,
-            [note](const QModelIndex& topLeft, const QModelIndex& bottomRight) {
-                const int column = topLeft.column();
-                // The records have neither of the two.
-                if (column != bottomRight.column() ||
-                    (column != ConnectionsModel::ColumnSelected && column != ConnectionsModel::ColumnStatus))
-                    note();
-            });
-    const QPointer<VexelConnectDlgGUI> guard(this);
-    m_pAppCounter->HoldSweeps();
-    const bool goesOn = eventBreak.Take();
-    if (guard)
-        m_pAppCounter->ReleaseSweeps();
-    return guard && goesOn;
+    EntryConnector connector(
+        *this, *m_pModel, *m_pAppCounter, std::move(isWanted),
+        [this](const std::function<bool()>& whileWaiting) { WriteLegacyConnectData(whileWaiting); });
+    return connector.Run();
 }
 
 void VexelConnectDlgGUI::WriteLegacyConnectData(const std::function<bool()>& whileWaiting)
@@ -431,7 +334,7 @@ void VexelConnectDlgGUI::SlotShowDetails(bool bShow)
 {
     m_pDetailsView->setVisible(bShow);
     UpdateFilterColumns();
-    SynchronizeScrollBars();
+    m_pScrolling->UpdateHorizontalBars();
 }
 
 void VexelConnectDlgGUI::SlotShowFilter(bool bShow)

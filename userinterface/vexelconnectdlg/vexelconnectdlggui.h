@@ -18,9 +18,9 @@ class AppCounter;
 class ConnectionFilterModel;
 class ConnectionsDelegate;
 class ConnectionsModel;
-class EventBreak;
 class ListImport;
 class QMenu;
+class SynchronizedScrolling;
 
 /// The connect dialog: shows the list of connection entries in two synchronised views and lets the operator change it.
 ///
@@ -68,6 +68,10 @@ public:
     /// the application ended: either "exitCode" (int), or "crashed" (true) and on Unix "signal" (int).
     Q_INVOKABLE QVariantMap ApplicationOf(int row) const;
 
+    /// For the host: like `SlotConnect` for the entries in `rows` of the model, whether they are ticked or not. Returns
+    /// false if it ended early because the program is told to end or the dialog is destroyed.
+    Q_INVOKABLE bool ConnectEntries(const QList<int>& rows);
+
     /// Also called by the host when it stores the list itself.
     Q_INVOKABLE void StoreFilterSettings();
     void RestoreFilterSettings();
@@ -89,11 +93,10 @@ public slots:
     /// Hides the dialog, saves the legacy records, and starts an application for every entry that is ticked and "Free",
     /// in the model's order. When this returns, they have been started.
     ///
-    /// If it takes longer than a user notices, events are handled meanwhile; see `EventBreak`. Entries stay "In Use"
-    /// that long even if their application has ended. Another call connects what is left; an entry starts once. It ends
-    /// early if the program is told to end, if the dialog is destroyed, and if all entries that were still to connect
-    /// are removed, as an import does. Two dynamic properties (bool): "isConnecting" tells the host. If the host sets
-    /// "connectsWithoutBreaks", events are only handled while a message box is open.
+    /// If it takes longer than a user notices, events are handled meanwhile; see `EntryConnector`. Entries stay "In
+    /// Use" that long even if their application has ended. Another call connects what is left; an entry starts once. It
+    /// ends early if the program is told to end, if the dialog is destroyed, and if all entries that were still to
+    /// connect are removed, as an import does. The dynamic property "isConnecting" (bool) tells the host.
     void SlotConnect();
     void SlotUpdateFilter();
     void SlotDataChanged(QModelIndex topLeft, QModelIndex bottomRight);
@@ -107,19 +110,18 @@ protected:
 
 private:
     void SetUpViews();
-    void SynchronizeScrollBars();
-    /// Scrolls by the height of the horizontal scroll bar if it just covered the end of the list or the current entry.
-    void ScrollOutFromUnderBar();
     void FillFilterColumns();
     void UpdateFilterColumns();
     void ApplyFilter();
     void UpdateFilterSign();
     void DistributeColumns();
     void SetUpHeaders();
-    bool TakeBreak(EventBreak& eventBreak, bool& areRecordsOld);
+    /// Connects the free entries for which `isWanted` returns true; see `SlotConnect` and `ConnectEntries`.
+    bool ConnectWhere(std::function<bool(const QModelIndex& entry)> isWanted);
     void ShowInfo(const QString& text);
 
     ListImport* m_pImport = nullptr;
+    SynchronizedScrolling* m_pScrolling = nullptr;
     bool m_bStayMinimized = false; // the next setVisible() is that of showMinimized()
     QMenu* m_pContextMenu = nullptr;
     QList<int> m_basicColumns;

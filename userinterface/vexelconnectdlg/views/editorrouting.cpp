@@ -16,15 +16,6 @@ bool HasValidCell(const QWidget* editor)
     return editor->property(kCellProperty).toPersistentModelIndex().isValid();
 }
 
-void HideEditor(QWidget* editor, QAbstractItemDelegate* delegate, QAbstractItemView* view)
-{
-    // Otherwise losing the focus would close the editor a second time.
-    editor->removeEventFilter(delegate);
-    if (editor->hasFocus() || (editor->focusProxy() && editor->focusProxy()->hasFocus()))
-        view->setFocus();
-    editor->hide();
-}
-
 } // namespace
 
 void RememberCell(QWidget* editor, const QModelIndex& index)
@@ -39,23 +30,19 @@ void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView
         QObject::disconnect(delegate, &QAbstractItemDelegate::commitData, view, nullptr);
         QObject::disconnect(delegate, &QAbstractItemDelegate::closeEditor, view, nullptr);
         // Called by name, because the view's slots are protected.
-        QObject::connect(
-            delegate, &QAbstractItemDelegate::commitData, view,
-            [view](QWidget* editor) {
-                if (view->isAncestorOf(editor) && HasValidCell(editor))
-                    QMetaObject::invokeMethod(view, "commitData", Q_ARG(QWidget*, editor));
-            });
+        QObject::connect(delegate, &QAbstractItemDelegate::commitData, view, [view](QWidget* editor) {
+            if (view->isAncestorOf(editor) && HasValidCell(editor))
+                QMetaObject::invokeMethod(view, "commitData", Q_ARG(QWidget*, editor));
+        });
         QObject::connect(delegate, &QAbstractItemDelegate::closeEditor, view,
-                         [view, delegate](QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
-                             if (!view->isAncestorOf(editor)) {
+                         [view](QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+                             if (!view->isAncestorOf(editor))
                                  return;
-                             }
-                             if (!HasValidCell(editor)) {
-                                 HideEditor(editor, delegate, view);
-                                 return;
-                             }
-                             QMetaObject::invokeMethod(view, "closeEditor", Q_ARG(QWidget*, editor),
-                                                       Q_ARG(QAbstractItemDelegate::EndEditHint, hint));
+                             if (HasValidCell(editor))
+                                 QMetaObject::invokeMethod(view, "closeEditor", Q_ARG(QWidget*, editor),
+                                                           Q_ARG(QAbstractItemDelegate::EndEditHint, hint));
+                             else if (editor->hasFocus())
+                                 view->setFocus(); // the view has only hidden the editor of a row that is gone
                          });
     }
 }

@@ -17,6 +17,7 @@ void RememberCell(QWidget* editor, const QModelIndex& index);
 ///
 /// Each view is connected to its delegate, so with a shared delegate all views get the signals of every editor. A view
 /// that does not know the editor prints a warning and, at Tab (edit next cell), opens a second editor. If an edit
-/// removes its row (through the filter), the editor is only hidden, because the view has already released it. Call
-/// once, after the delegate is set on the views. `RememberCell` must be called for every editor.
+/// removes its row (through the filter), the view has already hidden and released the editor: its signals are ignored,
+/// and the view takes over its focus. Call once, after the delegate is set on the views. `RememberCell` must be called
+/// for every editor.
 void RouteEditors(QAbstractItemDelegate* delegate, const QList<QAbstractItemView*>& views);

@@ -54,7 +54,7 @@ bool ListKeys::eventFilter(QObject* watched, QEvent* event)
         return true;
     case Qt::Key_F2:
         Edit(view);
-        return true;
+        return true; // with or without an editor
     case Qt::Key_Left:
         MoveCurrent(view, -1);
         return true;

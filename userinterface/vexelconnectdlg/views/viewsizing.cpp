@@ -85,6 +85,7 @@ ViewSizing::ViewSizing(QList<QTreeView*> views, SizingDelegate* delegate)
         disconnect(model, &QAbstractItemModel::dataChanged, view->header(), nullptr);
         connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, &ViewSizing::MeasureLater);
         connect(view->verticalScrollBar(), &QScrollBar::rangeChanged, this, &ViewSizing::MeasureLater);
+        // Emitted also when the view is shown, and when its font or style changes.
         connect(view->header(), &QHeaderView::geometriesChanged, this, &ViewSizing::MeasureLater);
         view->installEventFilter(this);
     }
@@ -108,18 +109,9 @@ ViewSizing::ViewSizing(QList<QTreeView*> views, SizingDelegate* delegate)
 
 bool ViewSizing::eventFilter(QObject* watched, QEvent* event)
 {
-    switch (event->type()) {
-    case QEvent::FontChange:
-    case QEvent::StyleChange:
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
         m_delegate->ForgetRowHeight();
         m_delegate->ForgetWidths();
-        MeasureLater();
-        break;
-    case QEvent::Show:
-        MeasureLater();
-        break;
-    default:
-        break;
     }
     return QObject::eventFilter(watched, event);
 }
@@ -160,7 +152,7 @@ void ViewSizing::AlignRows()
     const bool atEnd = oldValue == bar->maximum();
     const int current = view->currentIndex().row();
     const int currentMiddle = current * oldHeight + oldHeight / 2 - oldValue;
-    const bool currentVisible = current >= 0 && currentMiddle >= 0 && currentMiddle < page;
+    const bool currentVisible = currentMiddle >= 0 && currentMiddle < page;
 
     for (QTreeView* other : m_views)
         other->doItemsLayout();

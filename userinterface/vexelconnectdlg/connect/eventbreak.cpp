@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "userinterface/vexelconnectdlg/eventbreak.h"
+#include "userinterface/vexelconnectdlg/connect/eventbreak.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
