@@ -156,6 +156,13 @@ ICfg* RootNode(const QString& file, const QString& path)
     return result;
 }
 
+std::shared_ptr<ConfigDocument> ApplicationDocument(View view)
+{
+    const QString file = ConfigNames::ApplicationFile(view);
+    RootNode(file, {}); // opens it
+    return TheStore().documents.at(file);
+}
+
 /// Writes to a document of its own, as another process would.
 SaveResult RunWrite(const Write& write, const QString& file, DocumentAccess access, const VersionFilter& versionFilter)
 {
@@ -388,14 +395,12 @@ QString CfgCenter::Directory()
 
 bool CfgCenter::IsAppCfgKnown(View view)
 {
-    GetAppCfg(view);
-    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->IsKnown();
+    return ApplicationDocument(view)->IsKnown();
 }
 
 bool CfgCenter::WasAppCfgIntact(View view)
 {
-    GetAppCfg(view);
-    const std::shared_ptr<ConfigDocument> document = TheStore().documents.at(ConfigNames::ApplicationFile(view));
+    const std::shared_ptr<ConfigDocument> document = ApplicationDocument(view);
     const bool wasIntact = document->WasIntact();
     Tell(document->TakeNotice());
     return wasIntact;
@@ -403,8 +408,7 @@ bool CfgCenter::WasAppCfgIntact(View view)
 
 bool CfgCenter::IsAppCfgLost(View view)
 {
-    GetAppCfg(view);
-    return TheStore().documents.at(ConfigNames::ApplicationFile(view))->IsLost();
+    return ApplicationDocument(view)->IsLost();
 }
 
 void CfgCenter::SetNoticeSink(std::function<void(const QString&)> sink)

@@ -118,7 +118,7 @@ public:
         if (event->type() == QEvent::Show && watched == &m_widget && !event->spontaneous()) {
             Keep();
             WatchWindow();
-        } else if (event->type() == QEvent::WindowStateChange && watched == &m_widget) {
+        } else if (event->type() == QEvent::WindowStateChange) {
             // The screen may have gone while the window was minimised.
             QMetaObject::invokeMethod(this, &ScreenKeeper::Keep, Qt::QueuedConnection);
         } else if (event->type() == QEvent::Expose && m_isShownAnew) {

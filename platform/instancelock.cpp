@@ -75,11 +75,9 @@ InstanceLock::Result InstanceLock::TryLock(const QString& directory)
         break;
     case FileLock::Result::Busy:
         m_errorText = BusyMessage(file, directory);
-        m_file.reset();
         return Result::Busy;
     case FileLock::Result::Failed:
         m_errorText += QStringLiteral(": its lock %1 cannot be taken: %2").arg(QDir::toNativeSeparators(file), error);
-        m_file.reset();
         return Result::Unusable;
     }
     m_errorText.clear();
@@ -94,6 +92,7 @@ void InstanceLock::SetAddress(const QString& address) const
 InstanceLock::Owner InstanceLock::Query(const QString& directory)
 {
     const QString file = LockFilePath(directory);
+    Owner owner;
     switch (FileLock::Query(file)) {
     case FileLock::State::Free:
         break;
@@ -102,7 +101,8 @@ InstanceLock::Owner InstanceLock::Query(const QString& directory)
         return {State::Somebody, holder.process, holder.program, holder.address};
     }
     case FileLock::State::Unknown:
-        return {State::Unknown, 0, {}, {}};
+        owner.state = State::Unknown;
+        break;
     }
-    return {};
+    return owner;
 }

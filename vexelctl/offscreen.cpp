@@ -80,11 +80,7 @@ public:
     {
     }
 
-    QString Save() override
-    {
-        m_isSaveWanted = m_isHeld;
-        return m_isHeld ? QString() : m_session.Save();
-    }
+    QString Save() override { return m_session.Save(); }
     QString ShowDialog() override { return QStringLiteral("vexelctl connects entries, and shows no dialog"); }
     QByteArray Picture(QString* error) override { return EnlargedDialogPicture(m_dialog, error); }
     void Quit() override
@@ -92,18 +88,10 @@ public:
         Console::PrintError(QStringLiteral("ended by \"quit\""));
         QCoreApplication::exit(static_cast<int>(ExitCode::Busy));
     }
-    void HoldSaves(bool isHeld) override
-    {
-        m_isHeld = isHeld;
-        if (!isHeld && std::exchange(m_isSaveWanted, false))
-            m_session.Save();
-    }
 
 private:
     PluginSession& m_session;
     const ConnectDialog& m_dialog;
-    bool m_isHeld = false;
-    bool m_isSaveWanted = false;
 };
 
 ExitCode Execute(const CtlOptions& options, PluginSession& session, const ConnectDialog& dialog,

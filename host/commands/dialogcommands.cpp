@@ -16,10 +16,10 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QHash>
+#include <QPersistentModelIndex>
 #include <QPointer>
 #include <QProgressDialog>
 #include <QRegularExpression>
-#include <QScopeGuard>
 #include <QSet>
 #include <QTimer>
 
@@ -28,6 +28,7 @@
 #include <chrono>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -176,22 +177,30 @@ void DialogCommands::Connect(const ControlRequest& request, ControlReply* reply)
     const bool waits = Flag(request.content, "wait");
     auto* const report = new StatusReport(m_dialog, m_monitor, reply, StatusReport::Scope::Rows, rows);
     report->SetSending(waits);
+    // The user may remove entries meanwhile.
+    std::vector<std::pair<QPersistentModelIndex, QString>> entries;
+    for (const int row : rows)
+        entries.emplace_back(m_dialog.Entries()->index(row, 0), m_dialog.Name(row));
     const QPointer<ControlReply> guard(reply);
-    const bool hadBox = ConnectRows(rows, reply);
-    if (!guard)
+    bool hadBox = false;
+    // A program that ends says so itself.
+    if (!ConnectRows(rows, reply, &hadBox) || !guard)
         return;
 
     bool hasFailed = false;
-    for (const int row : rows) {
-        if (report->HasStarted(row))
+    for (const auto& [entry, name] : entries) {
+        if (report->HasStarted(entry))
             continue;
         hasFailed = true;
-        const bool isInUse = m_dialog.Status(row) != ConnectDialog::kFree;
-        const QString reason = isInUse  ? QStringLiteral("\"%1\" is already in use")
-                               : hadBox ? QStringLiteral("\"%1\" could not be connected")
-                                        : QStringLiteral("\"%1\" could not be connected (--trace gives the reason)");
-        reply->SendLines(ControlLine::Write(
-            {{kType, QStringLiteral("message")}, {QStringLiteral("text"), reason.arg(m_dialog.Name(row))}}));
+        QString reason = QStringLiteral("\"%1\" could not be connected (--trace gives the reason)");
+        if (!entry.isValid())
+            reason = QStringLiteral("\"%1\" was removed before it was connected");
+        else if (m_dialog.Status(entry.row()) != ConnectDialog::kFree)
+            reason = QStringLiteral("\"%1\" is already in use");
+        else if (hadBox)
+            reason = QStringLiteral("\"%1\" could not be connected");
+        reply->SendLines(
+            ControlLine::Write({{kType, QStringLiteral("message")}, {QStringLiteral("text"), reason.arg(name)}}));
     }
     if (Flag(request.content, "pictureDuring"))
         SendPicture("during", reply);
@@ -247,12 +256,10 @@ void DialogCommands::Import(const ControlRequest& request, ControlReply* reply)
 void DialogCommands::Replace(const QByteArray& document, ControlReply* reply)
 {
     const int before = m_dialog.Count();
-    m_host.HoldSaves(true);
     if (before > 0)
         m_dialog.Entries()->removeRows(0, before);
     if (!document.isEmpty())
         m_dialog.Append(document);
-    m_host.HoldSaves(false);
     EndOfChange(before, reply);
 }
 
@@ -303,7 +310,7 @@ void DialogCommands::EndOfChange(int before, ControlReply* reply)
 void DialogCommands::Save(const ControlRequest& /*request*/, ControlReply* reply)
 {
     // Saving would cancel an import that replaces the entries.
-    if (m_isConnecting || m_dialog.Window()->findChild<QProgressDialog*>())
+    if (m_dialog.Window()->findChild<QProgressDialog*>())
         return End(reply, ExitCode::Busy, BoxError());
     const QString error = m_host.Save();
     End(reply, error.isEmpty() ? ExitCode::Done : ExitCode::Unusable, error);
@@ -335,9 +342,7 @@ QString DialogCommands::BoxError() const
 {
     if (const QWidget* const box = QApplication::activeModalWidget())
         return QStringLiteral("a box is open in the dialog: \"%1\"").arg(box->windowTitle());
-    // By a caller, or by the user.
-    const bool isConnecting = m_isConnecting || m_dialog.IsConnecting();
-    return isConnecting ? QStringLiteral("entries are being connected") : QString();
+    return m_dialog.IsConnecting() ? QStringLiteral("entries are being connected") : QString();
 }
 
 QString DialogCommands::ChangeError() const
@@ -381,7 +386,7 @@ void DialogCommands::DoInBackground(ControlReply* reply, Begin begin)
 void DialogCommands::DoNext()
 {
     // Peers that ask and go take no memory and no time.
-    while (!m_isWorking && !m_isConnecting && !m_waiting.empty()) {
+    while (!m_isWorking && !m_waiting.empty()) {
         const Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
         if (!next.reply)
@@ -425,34 +430,19 @@ QList<int> DialogCommands::RowsToConnect(const QJsonObject& request, QString* er
     return {};
 }
 
-bool DialogCommands::ConnectRows(const QList<int>& rows, ControlReply* reply)
+bool DialogCommands::ConnectRows(const QList<int>& rows, ControlReply* reply, bool* hadBox)
 {
-    MessageBoxAutoResponder responder;
-    bool hadBox = false;
+    MessageBoxAutoResponder responder{QLatin1String(ConnectDialog::kProblemBox)};
     connect(&responder, &MessageBoxAutoResponder::BoxOpened, reply,
-            [reply, &hadBox](const QString& title, const QString& text) {
-                hadBox = true;
+            [reply, hadBox](const QString& title, const QString& text) {
+                *hadBox = true;
                 // One line, which quotes the entry's name exactly.
                 static const QRegularExpression kLineBreaks(QStringLiteral("\\n+"));
                 const QString line = QString(text).replace(kLineBreaks, QStringLiteral(" "));
                 reply->Send({{kType, QStringLiteral("message")},
                              {QStringLiteral("text"), QStringLiteral("%1: %2").arg(title, line)}});
             });
-    m_isConnecting = true;
-    m_host.HoldSaves(true);
-    {
-        const TickRestorer restorer(m_dialog);
-        const QSet<int> wanted(rows.begin(), rows.end());
-        for (int row = 0; row < m_dialog.Count(); ++row)
-            if (wanted.contains(row) || m_dialog.IsTicked(row))
-                m_dialog.SetTicked(row, wanted.contains(row));
-        m_dialog.PressConnect();
-    }
-    m_host.HoldSaves(false);
-    m_isConnecting = false;
-    // What was asked for meanwhile: the ticks were not the user's.
-    DoNext();
-    return hadBox;
+    return m_dialog.ConnectEntries(rows);
 }
 
 void DialogCommands::EndWhenFree(const QJsonObject& request, StatusReport* report, ControlReply* reply, bool hasFailed)

@@ -70,16 +70,15 @@ private:
     /// Returns the rows that the request asks for; none, with `error` set, if one of its names is unknown or no entry
     /// is ticked.
     QList<int> RowsToConnect(const QJsonObject& request, QString* error) const;
-    /// Connects exactly the entries in `rows` and restores the ticks. The texts of message boxes go to `reply`. Returns
-    /// whether there was one. `reply` may be gone afterwards.
-    bool ConnectRows(const QList<int>& rows, ControlReply* reply);
+    /// Connects the entries in `rows`. Answers "Problem" message boxes, sends their texts to `reply` and sets `hadBox`.
+    /// `reply` may be gone afterwards. Returns false if the program is ending.
+    bool ConnectRows(const QList<int>& rows, ControlReply* reply, bool* hadBox);
     /// Ends the answer when the entries of `report` are free.
     void EndWhenFree(const QJsonObject& request, StatusReport* report, ControlReply* reply, bool hasFailed);
 
     const ConnectDialog& m_dialog;
     DialogHost& m_host;
     StatusMonitor m_monitor;
-    bool m_isConnecting = false;
 
     struct Waiting
     {

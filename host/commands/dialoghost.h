@@ -20,8 +20,4 @@ public:
     virtual QByteArray Picture(QString* error) = 0;
     /// Ends the program when its event loop runs again. Saving is the caller's.
     virtual void Quit() = 0;
-
-    /// While saves are held, the list is in a state that must not be stored. A save that is asked for meanwhile follows
-    /// at the end.
-    virtual void HoldSaves(bool isHeld) = 0;
 };

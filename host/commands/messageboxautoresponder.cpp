@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
 void Answer(QMessageBox* box)
@@ -24,15 +26,16 @@ void Answer(QMessageBox* box)
 
 } // namespace
 
-MessageBoxAutoResponder::MessageBoxAutoResponder(QObject* parent)
+MessageBoxAutoResponder::MessageBoxAutoResponder(QString boxName, QObject* parent)
     : QObject(parent)
+    , m_boxName(std::move(boxName))
 {
     QCoreApplication::instance()->installEventFilter(this);
 }
 
 bool MessageBoxAutoResponder::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Show) {
+    if (event->type() == QEvent::Show && watched->objectName() == m_boxName) {
         if (auto* box = qobject_cast<QMessageBox*>(watched)) {
             emit BoxOpened(box->windowTitle(), box->text());
             // Queued: the box is still being shown, and its event loop does not run yet.

@@ -46,11 +46,6 @@ StatusReport::StatusReport(const ConnectDialog& dialog, const StatusMonitor& mon
     connect(&monitor, &StatusMonitor::StatusChanged, this, &StatusReport::OnStatusChanged);
 }
 
-bool StatusReport::HasStarted(int row) const
-{
-    return m_started.contains(Index(row));
-}
-
 bool StatusReport::IsOver() const
 {
     return std::none_of(

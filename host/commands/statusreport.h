@@ -33,8 +33,8 @@ public:
     /// Whether lines are sent. On from the beginning.
     void SetSending(bool isSending) { m_isSending = isSending; }
 
-    /// Returns whether the entry in `row` has become other than "Free".
-    bool HasStarted(int row) const;
+    /// Returns whether the entry has become other than "Free".
+    bool HasStarted(const QPersistentModelIndex& entry) const { return m_started.contains(entry); }
     /// Returns whether all entries that were in use are "Free" again.
     bool IsOver() const;
     /// Returns whether an application has crashed or ended with another exit code than 0.

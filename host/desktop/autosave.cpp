@@ -75,10 +75,6 @@ void AutoSave::Start()
     m_isDue = m_isBusy;
     if (m_isBusy)
         return;
-    if (m_isHeld) {
-        m_timer.start();
-        return;
-    }
     if (!std::exchange(m_isChanged, false)) {
         SaveStored();
         return;

@@ -35,8 +35,6 @@ public:
     void SaveNow();
     /// Drops what has not been handed to the configuration yet, because all is being saved otherwise.
     void Cancel();
-    /// While it is held, nothing is copied: the list is in a state that must not be stored.
-    void Hold(bool isHeld) { m_isHeld = isHeld; }
 
 signals:
     /// A save has ended; `error` says why it failed, empty on success.
@@ -59,5 +57,4 @@ private:
     QByteArray m_beforeImport;   // copied already; see ListCopy::document
     int m_run = 0;               // changes whenever the text that is being made is of no use any more
     std::future<void> m_text;
-    bool m_isHeld = false;
 };

@@ -88,10 +88,7 @@ void DialogSession::Start(bool isHidden)
 void DialogSession::SaveSoon()
 {
     m_isErrorWanted = true;
-    if (m_areSavesHeld)
-        m_isSaveDue = true;
-    else
-        m_autoSave.SaveNow();
+    m_autoSave.SaveNow();
 }
 
 void DialogSession::SaveAndQuit()
@@ -169,10 +166,6 @@ bool DialogSession::ShowSamplesAreUsed()
 
 QString DialogSession::Save()
 {
-    if (m_areSavesHeld) {
-        m_isSaveDue = true;
-        return {};
-    }
     m_autoSave.Cancel();
     m_isErrorWanted = false;
     m_isErrorForTheTray = false;
@@ -190,14 +183,6 @@ QString DialogSession::ShowDialog()
 QByteArray DialogSession::Picture(QString* error)
 {
     return DialogPicture(m_dialog, error);
-}
-
-void DialogSession::HoldSaves(bool isHeld)
-{
-    m_areSavesHeld = isHeld;
-    m_autoSave.Hold(isHeld);
-    if (!isHeld && std::exchange(m_isSaveDue, false))
-        SaveSoon();
 }
 
 void DialogSession::OnAutoSaved(const QString& error)

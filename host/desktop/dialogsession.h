@@ -56,7 +56,6 @@ public:
     QString ShowDialog() override;
     QByteArray Picture(QString* error) override;
     void Quit() override { emit QuitRequested(); }
-    void HoldSaves(bool isHeld) override;
 
 signals:
     /// The host shall end: everything has been saved, or the user chose to quit although saving failed.
@@ -89,6 +88,4 @@ private:
     bool m_hasAutoSaveFailed = false;
     bool m_isErrorWanted = false;     // of the save that is under way, also if the one before failed
     bool m_isErrorForTheTray = false; // likewise, from somebody who uses it
-    bool m_areSavesHeld = false;
-    bool m_isSaveDue = false; // asked for while saves were held
 };

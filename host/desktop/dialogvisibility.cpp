@@ -20,8 +20,6 @@ DialogVisibility::DialogVisibility(const ConnectDialog& dialog, const StatusMoni
     , m_monitor(monitor)
 {
     dialog.Window()->installEventFilter(this);
-    // Connected after the dialog's own slot, so this runs after the entries have been connected.
-    connect(dialog.ConnectButton(), &QAbstractButton::clicked, this, &DialogVisibility::OnConnectClicked);
     connect(&monitor, &StatusMonitor::InUseChanged, this, &DialogVisibility::DecideLater);
 }
 
@@ -35,6 +33,9 @@ bool DialogVisibility::eventFilter(QObject* watched, QEvent* event)
             m_state = State::Closed;
             // "&Connect" hides the dialog before it connects, so whether entries are in use is known only later.
             DecideLater();
+        } else if (event->type() == QEvent::DynamicPropertyChange && !m_dialog.IsConnecting() &&
+                   static_cast<QDynamicPropertyChangeEvent*>(event)->propertyName() == ConnectDialog::kIsConnecting) {
+            OnConnected();
         }
     }
     return QObject::eventFilter(watched, event);
@@ -72,7 +73,7 @@ void DialogVisibility::RequestQuit()
         emit QuitNeedsConfirmation(inUse);
 }
 
-void DialogVisibility::OnConnectClicked()
+void DialogVisibility::OnConnected()
 {
     if (m_state == State::Shown)
         return;
@@ -90,8 +91,8 @@ void DialogVisibility::DecideLater()
 
 void DialogVisibility::Decide()
 {
-    // An open box belongs to "&Connect", which has more entries to go, or asks about quitting. The next decision is
-    // made after it is answered, or when "&Connect" has been handled.
+    // An open box may ask about quitting. The next decision is made after it is answered, or when the entries have been
+    // connected.
     if (QApplication::activeModalWidget() || m_dialog.IsConnecting())
         return;
 

@@ -23,11 +23,12 @@ class StatusMonitor;
 ///
 /// In both cases:
 ///
-/// - "&Connect" hid the dialog: it is shown again when all entries are "Free", or at once if nothing could be
+/// - Connecting entries hid the dialog: it is shown again when all entries are "Free", or at once if nothing could be
 ///   connected.
 /// - The user quits: confirmation is needed while entries are in use, because their applications end with the host.
 ///
-/// Nothing is decided while a message box is open. This class shows the dialog itself; everything else is a signal.
+/// Nothing is decided while a message box is open or entries are being connected. This class shows the dialog itself;
+/// everything else is a signal.
 class DialogVisibility : public QObject
 {
     Q_OBJECT
@@ -53,7 +54,7 @@ public:
     void DecideLater();
 
 signals:
-    /// The dialog was closed or hidden by "&Connect".
+    /// The dialog was closed, or entries have been connected, which hides it.
     void DialogHidden();
     void QuitRequested();
     /// The user wants to quit while `inUse` entries are in use.
@@ -72,7 +73,7 @@ private:
         InTray   ///< hidden until it is opened from the tray
     };
 
-    void OnConnectClicked();
+    void OnConnected();
     void Decide();
     void DecideAboutClosed();
     void ShowOrWait();

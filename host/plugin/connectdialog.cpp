@@ -7,11 +7,9 @@
 #include <QApplication>
 #include <QMetaMethod>
 #include <QMimeData>
-#include <QPointer>
 #include <QVariantMap>
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
@@ -71,11 +69,6 @@ std::optional<ConnectDialog> ConnectDialog::Find(QString& error)
         }
         dialog.m_views.append(view);
     }
-    dialog.m_pConnectButton = dialog.m_pWindow->findChild<QAbstractButton*>(QStringLiteral("m_pConnectButton"));
-    if (!dialog.m_pConnectButton) {
-        error = QStringLiteral("the plug-in's window has no button \"m_pConnectButton\"");
-        return std::nullopt;
-    }
     dialog.m_pEntries = SourceModel(dialog.m_views.constFirst());
     if (!dialog.m_pEntries || dialog.m_pEntries->objectName() != modelName ||
         dialog.m_pEntries->columnCount() != kEntryColumnCount) {
@@ -118,20 +111,6 @@ EntryRow ConnectDialog::Row(int row) const
     for (int column = 0; column < kEntryColumnCount; ++column)
         values[static_cast<std::size_t>(column)] = Value(row, static_cast<EntryColumn>(column));
     return values;
-}
-
-void ConnectDialog::SetTicked(int row, bool ticked) const
-{
-    m_pEntries->setData(m_pEntries->index(row, static_cast<int>(EntryColumn::Tick)), ticked, Qt::EditRole);
-}
-
-QList<int> ConnectDialog::RowsNamed(const QString& name) const
-{
-    QList<int> rows;
-    for (int row = 0; row < Count(); ++row)
-        if (Name(row) == name)
-            rows.append(row);
-    return rows;
 }
 
 std::optional<EntryApplication> ConnectDialog::ApplicationOf(int row) const
@@ -177,16 +156,6 @@ bool ConnectDialog::Append(const QByteArray& document) const
     return true;
 }
 
-QByteArray ConnectDialog::Document() const
-{
-    QModelIndexList rows;
-    rows.reserve(Count());
-    for (int row = 0; row < Count(); ++row)
-        rows.append(m_pEntries->index(row, 0));
-    const std::unique_ptr<QMimeData> data(m_pEntries->mimeData(rows));
-    return data ? data->data(kMimeType) : QByteArray();
-}
-
 ListCopy ConnectDialog::Copy() const
 {
     ListCopy copy;
@@ -199,14 +168,11 @@ ListCopy ConnectDialog::Copy() const
     return copy;
 }
 
-void ConnectDialog::PressConnect() const
+bool ConnectDialog::ConnectEntries(const QList<int>& rows) const
 {
-    constexpr const char* kWithoutBreaks = "connectsWithoutBreaks";
-    const QPointer<QWidget> guard = m_pWindow;
-    m_pWindow->setProperty(kWithoutBreaks, true);
-    m_pConnectButton->click();
-    if (guard)
-        m_pWindow->setProperty(kWithoutBreaks, {});
+    bool isDone = true;
+    QMetaObject::invokeMethod(m_pWindow, "ConnectEntries", Q_RETURN_ARG(bool, isDone), Q_ARG(QList<int>, rows));
+    return isDone;
 }
 
 void ConnectDialog::BringToFront() const
@@ -215,21 +181,4 @@ void ConnectDialog::BringToFront() const
     m_pWindow->show();
     m_pWindow->raise();
     m_pWindow->activateWindow();
-}
-
-TickRestorer::TickRestorer(const ConnectDialog& dialog)
-    : m_dialog(dialog)
-{
-    m_ticks.reserve(dialog.Count());
-    for (int row = 0; row < dialog.Count(); ++row) {
-        m_ticks.append({QPersistentModelIndex(dialog.Entries()->index(row, static_cast<int>(EntryColumn::Tick))),
-                        dialog.IsTicked(row)});
-    }
-}
-
-TickRestorer::~TickRestorer()
-{
-    for (const auto& [index, ticked] : m_ticks)
-        if (index.isValid() && m_dialog.IsTicked(index.row()) != ticked)
-            m_dialog.SetTicked(index.row(), ticked);
 }

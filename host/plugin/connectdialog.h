@@ -6,10 +6,8 @@
 #include "host/plugin/entryapplication.h"
 #include "userinterface/vexelconnectdlg/connection.h"
 
-#include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QList>
-#include <QPersistentModelIndex>
 #include <QString>
 #include <QTreeView>
 #include <QVariant>
@@ -17,7 +15,6 @@
 
 #include <array>
 #include <optional>
-#include <utility>
 #include <vector>
 
 /// The columns of the entries model. The display role is the displayed text, the edit role the value.
@@ -56,13 +53,16 @@ class ConnectDialog
 {
 public:
     static constexpr int kFree = 0;
+    /// The dynamic property of the window that tells whether entries are being connected.
+    static constexpr const char* kIsConnecting = "isConnecting";
+    /// The object name of the "Problem" message box.
+    static constexpr const char* kProblemBox = "m_problemBox";
 
     /// Finds the dialog among this application's top-level windows. If it or a part of it is missing, returns none and
     /// sets `error` to a sentence.
     static std::optional<ConnectDialog> Find(QString& error);
 
     QWidget* Window() const { return m_pWindow; }
-    QAbstractButton* ConnectButton() const { return m_pConnectButton; }
     /// Returns the left (basic) and the right (details) view.
     const QList<QTreeView*>& Views() const { return m_views; }
     /// Returns the source model with the entries.
@@ -73,10 +73,6 @@ public:
     int Status(int row) const;
     bool IsTicked(int row) const;
     EntryRow Row(int row) const;
-    /// Sets the tick, also if it does not change: the dialog then updates its button.
-    void SetTicked(int row, bool ticked) const;
-    /// Returns the rows of the entries whose name equals `name`.
-    QList<int> RowsNamed(const QString& name) const;
 
     /// Returns the application that serves the entry in `row`, also while the entry becomes "Free" because it has
     /// ended. None if there is no such application or the plug-in cannot tell.
@@ -85,16 +81,15 @@ public:
     /// Appends the entries of a connection list document, all as "Free". Returns false and leaves the list unchanged if
     /// the document is malformed or has no entries, or if the list would become too long (see `ConnectionList`).
     bool Append(const QByteArray& document) const;
-    /// Returns the whole list as a connection list document.
-    QByteArray Document() const;
-    /// Returns the list for another thread: some 15 ms for 10,000 entries, where `Document` takes ten times that.
+    /// Returns the list for another thread: some 15 ms for 10,000 entries.
     ListCopy Copy() const;
 
-    /// Clicks "&Connect". When this returns, the applications have been started. Handles no events meanwhile, except
-    /// while a message box is open.
-    void PressConnect() const;
-    /// Returns whether "&Connect" is being handled.
-    bool IsConnecting() const { return m_pWindow->property("isConnecting").toBool(); }
+    /// Connects the entries in `rows` that are "Free", whether they are ticked or not, as "&Connect" does. When this
+    /// returns, the applications have been started. Handles events meanwhile. Returns false if it ended early because
+    /// the program is told to end.
+    bool ConnectEntries(const QList<int>& rows) const;
+    /// Returns whether entries are being connected.
+    bool IsConnecting() const { return m_pWindow->property(kIsConnecting).toBool(); }
     /// Stores the filter, without the list, if the plug-in can do that.
     void StoreFilter() const { QMetaObject::invokeMethod(m_pWindow, "StoreFilterSettings"); }
 
@@ -106,23 +101,6 @@ private:
     QVariant Value(int row, EntryColumn column) const;
 
     QWidget* m_pWindow = nullptr;
-    QAbstractButton* m_pConnectButton = nullptr;
     QList<QTreeView*> m_views;
     QAbstractItemModel* m_pEntries = nullptr;
-};
-
-/// Saves the ticks of all entries and restores them in the destructor. Entries may be added, moved and removed
-/// meanwhile.
-class TickRestorer
-{
-public:
-    explicit TickRestorer(const ConnectDialog& dialog);
-    ~TickRestorer();
-
-    TickRestorer(const TickRestorer&) = delete;
-    TickRestorer& operator=(const TickRestorer&) = delete;
-
-private:
-    const ConnectDialog& m_dialog;
-    QList<std::pair<QPersistentModelIndex, bool>> m_ticks;
 };
