@@ -1,12 +1,13 @@
 # SPDX-FileCopyrightText: 2026 Vexel
 # SPDX-License-Identifier: LicenseRef-Vexel
 
-# vexel_add_test(NAME <name> [SOURCES <files>] [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>]
+# vexel_add_test(NAME [<folder>/]<name> [SOURCES <files>] [LIBRARIES <targets>] [DEFINITIONS <defs>] [DEPENDS <targets>]
 #                [ALONE <why>] [XVFB] [WINDOW] [RESOURCE_LOCK <names>] [UNIX_ONLY <why>])
 #
-# Adds a Qt Test class and its ctest entry. The first file in SOURCES contains the class; the default is <name>.cpp. The
-# classes of a folder share an executable, tests_<folder>, whose first argument names the file of the class to run
-# (tests/support/testmain.h). ALONE gives the class a separate executable, and says why it needs one.
+# Adds a Qt Test class and its ctest entry. The first file in SOURCES contains the class; the default is
+# [<folder>/]<name>.cpp. The classes of a CMakeLists.txt share an executable, tests_ and the name of its folder, whose
+# first argument names the file of the class to run (tests/support/testmain.h). ALONE gives the class a separate
+# executable, and says why it needs one.
 #
 # Each entry runs on the offscreen platform and has its own configuration, data and home folders in the build folder, so
 # that no test touches the user's files or reads the machine's settings. XVFB runs it in a real window instead, on a
@@ -58,12 +59,14 @@ function(vexel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg "XVFB;WINDOW" "NAME;ALONE;UNIX_ONLY"
         "SOURCES;LIBRARIES;DEFINITIONS;DEPENDS;RESOURCE_LOCK")
 
+    set(source ${arg_NAME}.cpp)
+    cmake_path(GET source STEM arg_NAME)
     if(arg_UNIX_ONLY AND NOT UNIX)
         set_property(GLOBAL APPEND_STRING PROPERTY VEXEL_UNIX_ONLY "${arg_NAME}: ${arg_UNIX_ONLY}\n")
         return()
     endif()
     if(NOT arg_SOURCES)
-        set(arg_SOURCES ${arg_NAME}.cpp)
+        set(arg_SOURCES ${source})
     endif()
     if(arg_ALONE)
         set(executable ${arg_NAME})

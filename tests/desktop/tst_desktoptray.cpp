@@ -4,8 +4,8 @@
 #include "host/system/autostart.h"
 #include "tests/desktop/desktop.h"
 #include "tests/desktop/panel.h"
-#include "tests/support/errorsto.h"
 #include "tests/support/hostsession.h"
+#include "tests/support/system/errorsto.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

@@ -72,6 +72,7 @@ private slots:
     void rowsReturnInTheirOldOrder();
     void allRowsStaySelected();
     void currentRowMovesToNextShown();
+    void noRowsAreShownWhileLoading();
 };
 
 // The setters of the base class always use the regular expression engine.
@@ -319,6 +320,21 @@ void TestFilterChange::currentRowMovesToNextShown()
     QCOMPARE(current("e"), QStringLiteral("e 2")); // nothing above
     QCOMPARE(current("z"), QString());
     QVERIFY(!selection.currentIndex().isValid());
+}
+
+void TestFilterChange::noRowsAreShownWhileLoading()
+{
+    ConnectionsModel model(nullptr, QString());
+    model.AddConnection(NamedEntry(QStringLiteral("Mast 1")));
+    ConnectionFilterModel filter;
+    filter.setSourceModel(&model);
+    QCOMPARE(filter.rowCount(), 1);
+    filter.BeginLoading();
+    QCOMPARE(filter.rowCount(), 0);
+    model.AddConnection(NamedEntry(QStringLiteral("Mast 2")));
+    QCOMPARE(filter.rowCount(), 0);
+    filter.EndLoading();
+    QCOMPARE(filter.rowCount(), 2);
 }
 
 VEXEL_TEST(QTEST_MAIN, TestFilterChange)

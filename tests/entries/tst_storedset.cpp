@@ -209,6 +209,7 @@ void TestStoredSet::otherCharactersThanHexDigitsAreSkipped_data()
     QTest::addColumn<QString>("between");
     QTest::newRow("punctuation") << QStringLiteral(":-,;/%\"");
     QTest::newRow("letters after f") << QStringLiteral("gGxXzZ");
+    QTest::newRow("small letters after f") << QStringLiteral("gxyz");
     QTest::newRow("beyond Latin-1") << QStringLiteral(u"\u0141\uFF11\u0661\U0001F4E1");
 }
 
@@ -245,6 +246,9 @@ void TestStoredSet::malformedValueLoadsEntriesBeforeError_data()
     QTest::newRow("one hex digit lost") << hexOf(document).remove(
                                                hexOf("<ConnectionEntries>").size() + hexOf("<?xml").size(), 1)
                                         << 0;
+    // An odd number of digits: the first one stands alone.
+    for (int more : {1, 3, 5})
+        QTest::addRow("%d hex digits too many", more) << hexOf(document) + QString(more, QLatin1Char('2')) << 0;
 }
 
 void TestStoredSet::malformedValueLoadsEntriesBeforeError()

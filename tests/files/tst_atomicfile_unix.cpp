@@ -3,8 +3,8 @@
 
 #include "files/atomicfile.h"
 #include "tests/support/files.h"
-#include "tests/support/filesizelimit.h"
-#include "tests/support/system.h"
+#include "tests/support/system/filesizelimit.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>

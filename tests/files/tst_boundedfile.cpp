@@ -3,7 +3,7 @@
 
 #include "files/boundedfile.h"
 #include "tests/support/files.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>

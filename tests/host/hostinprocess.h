@@ -7,6 +7,7 @@
 #include "host/plugin/connectdialog.h"
 #include "platform/guibase.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDirIterator>
 #include <QTemporaryDir>
@@ -71,6 +72,11 @@ public:
     QTemporaryDir runtime;
     HostOptions options;
 };
+
+inline QAbstractButton* ConnectButton(const ConnectDialog& dialog)
+{
+    return dialog.Window()->findChild<QAbstractButton*>(QStringLiteral("m_pConnectButton"));
+}
 
 /// Adds an entry of device type 4.
 inline void AddEntry(const ConnectDialog& dialog, const QString& name, bool ticked = false)

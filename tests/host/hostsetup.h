@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -182,8 +182,12 @@ public:
             process.waitForFinished();
         Result result;
         result.program = QFileInfo(process.program()).completeBaseName();
-        // A crash is no exit code.
-        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        // A crash, a failed start, and a process that runs on have no exit code.
+        const bool hasEnded = process.state() == QProcess::NotRunning && process.error() != QProcess::FailedToStart;
+        if (hasEnded && process.exitStatus() == QProcess::NormalExit)
+            result.exitCode = process.exitCode();
+        if (!hasEnded)
+            qWarning("%s: %s", qPrintable(result.program), qPrintable(process.errorString()));
         result.output = QString::fromUtf8(process.readAllStandardOutput());
         result.error = QString::fromUtf8(process.readAllStandardError());
         return result;
@@ -193,6 +197,11 @@ public:
     QJsonArray Entries()
     {
         const Result result = Run("list --json");
+        // Without this a list that cannot be read looks empty.
+        [&] {
+            QVERIFY2(result.exitCode == 0,
+                     qPrintable(QStringLiteral("exit code %1: %2").arg(result.exitCode).arg(result.error)));
+        }();
         return QJsonDocument::fromJson(result.output.toUtf8()).object().value(QLatin1String("connections")).toArray();
     }
 

@@ -7,7 +7,7 @@
 #include "tests/kitecontrol/records.h"
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 
 #include <QDir>
 #include <QDirIterator>

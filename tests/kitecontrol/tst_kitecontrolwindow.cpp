@@ -148,6 +148,7 @@ void TestKiteControlWindow::closeButtonCloses()
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     auto* const button = window.findChild<QPushButton*>();
     QVERIFY(button);
+    QVERIFY(button->isDefault());
     QTest::mouseClick(button, Qt::LeftButton);
     QTRY_VERIFY(!window.isVisible());
 }

@@ -292,6 +292,7 @@ void TestLaunchReport::recordsAreReadFromDirectory()
     QCOMPARE(records.records.size(), std::size_t(2));
     QCOMPARE(records.records[0].m_sStationName, QStringLiteral("A"));
     QCOMPARE(records.records[1].m_sDeviceType, QStringLiteral("Heron"));
+    QCOMPARE(CfgCenter::Directory(), QString()); // closed again
 }
 
 void TestLaunchReport::largeDocumentIsNotRead()

@@ -111,11 +111,13 @@ void TestRecordMatch::matchingRecordsAreFound_data()
     row("station name like an address", "KiteControl", station("Connection=odd"), {10});
 
     row("address with port", "KiteBravoControl", address("10.0.0.1:4000"), {1});
+    row("port with one digit", "KiteBravoControl", address("10.0.0.2:7"), {2});
     row("default port", "KiteBravoControl", address("10.0.0.2:27061"), {2});
     row("address without port", "KiteAlphaFinchControl", address("10.0.0.2"), {2});
     row("longer address", "KiteBravoControl", address("10.0.0.22:27061"), {});
     row("second port", "KiteBravoControl", address("10.0.0.1:4000:27061"), {});
     row("port that is no number", "KiteBravoControl", address("10.0.0.2:port"), {});
+    row("port that begins with a letter", "KiteBravoControl", address("10.0.0.2:p1"), {});
     row("empty port", "KiteBravoControl", address("10.0.0.2:"), {});
     row("same address, other application", "KiteFjordControl", address("10.0.0.7:27091"), {12});
     row("same address, plus sign in the device type", "LinnetDFControl", address("10.0.0.7:27071"), {13});

@@ -4,7 +4,7 @@
 #include "tests/link/handlelimit.h"
 #include "tests/link/vanishing.h"
 #include "tests/support/linkfixture.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QRegularExpression>

@@ -4,7 +4,7 @@
 #include "platform/link/readbudget.h"
 #include "tests/link/flood.h"
 #include "tests/support/linkfixture.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QRegularExpression>

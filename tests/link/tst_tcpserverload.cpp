@@ -7,7 +7,7 @@
 #include "tests/link/flood.h"
 #include "tests/support/linkfixture.h"
 #include "tests/support/linkport.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 #include "userinterface/vexelconnectdlg/tcpserver.h"

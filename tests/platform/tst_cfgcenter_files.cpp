@@ -303,6 +303,24 @@ private slots:
             QFile::exists(m_store->filePath(QStringLiteral("shared/") + aside.front() + QStringLiteral("/inside"))));
     }
 
+    void failedSaveKeepsOnlyTheChangesToBeSaved()
+    {
+        Document()->SetString(kKey, kValue, 0);
+        Document()->SetString(kOther, kValue, 0);
+        QVERIFY(CfgCenter::SaveDocument());
+        // By another program.
+        const QString theirs = QStringLiteral("theirs");
+        QVERIFY(Files::Write(DocumentFile(), DocumentText::Write({{kKey, theirs}, {kOther, kValue}})));
+
+        const QString inTheWay = DocumentFile() + QStringLiteral(".lock");
+        QVERIFY(QDir().mkpath(inTheWay));
+        Document()->SetString(kOther, QStringLiteral("mine"), 0);
+        QVERIFY(!CfgCenter::SaveDocument());
+        QVERIFY(QDir().rmdir(inTheWay));
+        QVERIFY(CfgCenter::SaveDocument());
+        QCOMPARE(ReadFile(DocumentFile()), DocumentText::Write({{kKey, theirs}, {kOther, QStringLiteral("mine")}}));
+    }
+
     // The working copy still has the stored content, which is saved again as for a damaged document.
     void folderThatAppearsLaterIsQuarantined()
     {

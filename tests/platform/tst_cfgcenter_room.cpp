@@ -4,7 +4,7 @@
 #include "platform/configversions.h"
 #include "tests/platform/storefixture.h"
 #include "tests/support/files.h"
-#include "tests/support/filesizelimit.h"
+#include "tests/support/system/filesizelimit.h"
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
 
@@ -95,6 +95,18 @@ private slots:
         m_store->Reopen();
         QCOMPARE(m_store->Number(), 3);
         QCOMPARE(m_store->Root()->GetString(kText, {}, 0), QString(5000, u'a'));
+    }
+
+    void folderThatIsMovedAsideComesBackOnAFullDisk()
+    {
+        QVERIFY(QFile::remove(m_store->Document()));
+        QVERIFY(QDir().mkpath(m_store->Document() + QStringLiteral("/inside")));
+        {
+            const FileSizeLimit limit(5050);
+            QVERIFY(!m_store->Save(3));
+        }
+        QVERIFY(QFileInfo(m_store->Document() + QStringLiteral("/inside")).isDir());
+        QVERIFY(m_store->Quarantined().isEmpty());
     }
 
     // The version is used anyway, and the next successful save writes it.

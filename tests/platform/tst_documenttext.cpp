@@ -121,6 +121,8 @@ private slots:
         QTest::newRow("no values") << QByteArray("{}") << QStringLiteral("it is not an object with ");
         QTest::newRow("values is a string")
             << QByteArray(R"({"values": "a"})") << QStringLiteral("it is not an object with ");
+        QTest::newRow("another member with a digest")
+            << QByteArray(R"({"digest": "", "note": "", "values": {}})") << QStringLiteral("it is not an object with ");
         QTest::newRow("another member") << QByteArray(R"({"note": "", "values": {}})")
                                         << QStringLiteral("it is not an object with ");
         QTest::newRow("fraction") << QByteArray(R"({"values": {"a": 1.10}})") << QStringLiteral("write the value of ");

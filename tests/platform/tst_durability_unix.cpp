@@ -3,7 +3,7 @@
 
 #include "platform/cfgcenter.h"
 #include "platform/icfg.h"
-#include "tests/support/diskrequests_unix.h"
+#include "tests/support/system/diskrequests_unix.h"
 #include "tests/support/testmain.h"
 
 #include <QFile>

@@ -3,7 +3,7 @@
 
 #include "process/standardstreams.h"
 #include "tests/support/files.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QProcess>

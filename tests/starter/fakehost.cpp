@@ -19,8 +19,8 @@
 #include "host/output/starterrorfile.h"
 #include "platform/interfaces.h"
 #include "process/standardstreams.h"
-#include "tests/support/inheritedhandles.h"
-#include "tests/support/system.h"
+#include "tests/support/system/inheritedhandles.h"
+#include "tests/support/system/system.h"
 
 #include <QCoreApplication>
 #include <QDir>

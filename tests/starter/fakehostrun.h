@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 
 #include <QDir>
 #include <QFile>

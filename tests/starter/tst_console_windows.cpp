@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/starter/fakehostrun.h"
-#include "tests/support/pseudoconsole_windows.h"
+#include "tests/support/system/pseudoconsole_windows.h"
 #include "tests/support/testmain.h"
 
 #include <QProcess>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/brokenoutput_unix.h"
+#include "tests/support/system/brokenoutput_unix.h"
 #include "tests/support/testmain.h"
 
 /// The executable of the starter with outputs that cannot be written, and with a path that is not text.

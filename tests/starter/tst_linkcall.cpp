@@ -4,7 +4,7 @@
 #include "starter/linkcall.h"
 #include "tests/starter/peers.h"
 #include "tests/support/linkport.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 using Kind = RecordingCallback::Kind;

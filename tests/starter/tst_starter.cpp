@@ -6,7 +6,7 @@
 #include "tests/starter/fakehostrun.h"
 #include "tests/starter/peers.h"
 #include "tests/support/linkport.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>

@@ -6,7 +6,6 @@
 #include "host/plugin/connectdialog.h"
 
 #include <QDialog>
-#include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QSplitter>
 #include <QStandardItemModel>
@@ -14,7 +13,7 @@
 #include <QVBoxLayout>
 
 /// A dialog with the object names by which the host finds the plug-in's dialog, on a plain item model. `Add` and the
-/// model set ticks, names and statuses; the test decides what the button does.
+/// model set ticks, names and statuses.
 ///
 /// The proxy sorts by name, so rows of the views differ from rows of the list.
 class FakeDialog : public QDialog
@@ -43,9 +42,6 @@ public:
             splitter->addWidget(view);
             views.append(view);
         }
-        connectButton = new QPushButton(QStringLiteral("&Connect"));
-        connectButton->setObjectName(QStringLiteral("m_pConnectButton"));
-        layout->addWidget(connectButton);
     }
 
     void Add(const QString& name, bool ticked = false, int status = 0)
@@ -60,12 +56,11 @@ public:
     }
 
     void SetStatus(int row, int status) { entries.setData(entries.index(row, 2), status, Qt::EditRole); }
-    bool IsTicked(int row) const { return entries.index(row, 0).data(Qt::EditRole).toBool(); }
+    void SetTicked(int row, bool ticked) { entries.setData(entries.index(row, 0), ticked, Qt::EditRole); }
 
     QStandardItemModel entries;
     QSortFilterProxyModel proxy;
     QList<QTreeView*> views;
-    QPushButton* connectButton = nullptr;
 };
 
 /// The parts of the open fake dialog.

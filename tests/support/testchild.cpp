@@ -4,8 +4,8 @@
 // A program that tests start: reports how it was started, then exits, crashes, prints or keeps running. The environment
 // controls this, because the arguments are under test.
 
-#include "tests/support/inheritedhandles.h"
-#include "tests/support/system.h"
+#include "tests/support/system/inheritedhandles.h"
+#include "tests/support/system/system.h"
 
 #include <QCoreApplication>
 #include <QDir>

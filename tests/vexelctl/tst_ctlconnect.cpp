@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
+#include "files/filelock.h"
 #include "tests/host/hostsetup.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QImage>
 #include <QRegularExpression>
+
+#include <memory>
 
 namespace {
 
@@ -60,6 +63,7 @@ private slots:
     void tooLargePictureIsReported();
     void interruptionSavesAndEndsTheApplications_data();
     void interruptionSavesAndEndsTheApplications();
+    void interruptionBeforeTheStart();
     void nameChoosesTheMappingFile();
     void problemTextKeepsTheNameUnchanged();
     void failedSaveIsReportedOnce();
@@ -369,6 +373,32 @@ void TestCtlConnect::interruptionSavesAndEndsTheApplications()
     QVERIFY(!System::IsProcess(child));
     QCOMPARE(setUp.Names(), Words("mast pier"));
     QCOMPARE(setUp.TickedNames(), Words("pier"));
+}
+
+void TestCtlConnect::interruptionBeforeTheStart()
+{
+    Station setUp(1, "3600");
+    setUp.Fill("mast");
+    const QString folder = setUp.Config() + QStringLiteral("/shared/KiteResources");
+    QVERIFY(QDir().mkpath(folder));
+    auto lock = std::make_unique<FileLock>();
+    QString error;
+    QCOMPARE(lock->TryLock(folder + QStringLiteral("/ConnectData.json.lock"), &error), FileLock::Result::Locked);
+    QProcess process;
+    setUp.Start(process, "connect mast");
+    const auto isRunning = [&setUp] {
+        const QByteArray status = setUp.Run("status --json").output.toUtf8();
+        return QJsonDocument::fromJson(status).object()[QLatin1String("running")].toBool();
+    };
+    QTRY_VERIFY(isRunning());
+    static const QRegularExpression answer(QStringLiteral("entries are being connected|already in use"));
+    QTRY_VERIFY(setUp.Run("connect mast").error.contains(answer)); // the latter if the lock has been given up
+    QVERIFY(System::AskToEnd(process.processId(), System::RequestsToEnd().constFirst()));
+    lock.reset();
+    const auto result = HostSetUp::End(process);
+    QCOMPARE(result.error, kNoHost);
+    QVERIFY2(result.exitCode > 128, qPrintable(QString::number(result.exitCode)));
+    QCOMPARE(setUp.Names(), Words("mast"));
 }
 
 void TestCtlConnect::nameChoosesTheMappingFile()

@@ -154,6 +154,7 @@ void TestCtlHost::connectWithWait()
     QCOMPARE(Changes(result.output), QStringList({kStarted, kEnded}));
     QVERIFY(!QImage(host.Path("during.png")).isNull());
     QVERIFY(!QImage(host.Path("end.png")).isNull());
+    QTRY_COMPARE(host.Status()[QLatin1String("hidden")], QJsonValue(false));
     COMPARE_FAILURE(host.Run("connect nobody"), 3, QLatin1String("there is no entry called \"nobody\""));
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/host/hostsetup.h"
-#include "tests/support/brokenoutput_unix.h"
+#include "tests/support/system/brokenoutput_unix.h"
 #include "tests/support/testmain.h"
 
 #include <QFileInfo>

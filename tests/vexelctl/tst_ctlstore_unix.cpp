@@ -3,7 +3,7 @@
 
 #include "tests/host/hostsetup.h"
 #include "tests/support/files.h"
-#include "tests/support/filesizelimit.h"
+#include "tests/support/system/filesizelimit.h"
 #include "tests/support/testmain.h"
 
 #include <sys/stat.h>

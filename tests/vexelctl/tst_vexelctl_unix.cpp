@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/host/hostsetup.h"
-#include "tests/support/filesizelimit.h"
+#include "tests/support/system/filesizelimit.h"
 #include "tests/support/testmain.h"
 
 #include <algorithm>

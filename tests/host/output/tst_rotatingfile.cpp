@@ -4,7 +4,7 @@
 #include "files/filelock.h"
 #include "host/output/rotatingfile.h"
 #include "tests/support/files.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>

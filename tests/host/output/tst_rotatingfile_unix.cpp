@@ -4,8 +4,8 @@
 #include "host/output/rotatingfile.h"
 #include "host/system/otherusers_unix.h"
 #include "tests/support/files.h"
-#include "tests/support/filesizelimit.h"
-#include "tests/support/system.h"
+#include "tests/support/system/filesizelimit.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/diskrequests_unix.h"
+#include "tests/support/system/diskrequests_unix.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -55,7 +55,7 @@ void TestApplicationWithoutLink::dialogWorksWithoutTheLink()
     const ExitCode code = host.Run([&](const ConnectDialog& dialog) {
         QVERIFY(dialog.Window()->isVisible());
         AddEntry(dialog, QStringLiteral("mast"), true);
-        dialog.PressConnect();
+        ConnectButton(dialog)->click();
         wasInUse = dialog.Status(0) != ConnectDialog::kFree;
         wasHidden = !dialog.Window()->isVisible();
 

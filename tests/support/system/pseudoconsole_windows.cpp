@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/pseudoconsole_windows.h"
+#include "tests/support/system/pseudoconsole_windows.h"
 
 #include <QRegularExpression>
 

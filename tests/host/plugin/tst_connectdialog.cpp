@@ -1,13 +1,11 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/host/tellingdialog.h"
+#include "tests/host/plugin/tellingdialog.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>
-#include <QMimeData>
 #include <QRegularExpression>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -33,15 +31,11 @@ private slots:
     void missingPartIsNamed();
     void missingDialogIsReported();
     void rowsFollowTheModelNotTheView();
-    void namesAreComparedExactly();
-    void tickRestorerRestoresTicks();
-    void tickRestorerFollowsMovedRows();
-    void connectPressesTheButton();
+    void entriesToConnectAreTold();
     void applicationOfEntryIsAskedFor();
     void applicationIsUnknownToThePlugin_data();
     void applicationIsUnknownToThePlugin();
     void failedAppendChangesNothing();
-    void documentHoldsAllEntriesInModelOrder();
 
 private:
     std::unique_ptr<FakeDialog> m_pFake;
@@ -63,7 +57,6 @@ void TestConnectDialog::partsAreFound()
 {
     const ConnectDialog dialog = FindDialog();
     QCOMPARE(dialog.Window(), m_pFake.get());
-    QCOMPARE(dialog.ConnectButton(), m_pFake->connectButton);
     QCOMPARE(dialog.Views(), m_pFake->views);
     QCOMPARE(dialog.Entries(), &m_pFake->entries);
 }
@@ -73,7 +66,6 @@ void TestConnectDialog::missingPartIsNamed_data()
     QTest::addColumn<QString>("part");
     QTest::newRow("basic view") << QStringLiteral("m_pBasicView");
     QTest::newRow("details view") << QStringLiteral("m_pDetailsView");
-    QTest::newRow("button") << QStringLiteral("m_pConnectButton");
     QTest::newRow("list") << QStringLiteral("ConnectionsModel");
 }
 
@@ -111,65 +103,19 @@ void TestConnectDialog::rowsFollowTheModelNotTheView()
     QVERIFY(!dialog.IsTicked(1));
     QCOMPARE(dialog.Status(0), 1);
     QCOMPARE(dialog.Status(1), 0);
-    dialog.SetTicked(1, true);
-    QVERIFY(m_pFake->IsTicked(1));
+    m_pFake->SetTicked(1, true);
+    QVERIFY(dialog.IsTicked(1));
 }
 
-void TestConnectDialog::namesAreComparedExactly()
+void TestConnectDialog::entriesToConnectAreTold()
 {
-    for (const char* name : {"mast", "Mast", "mast ", "mast"})
-        m_pFake->Add(QString::fromLatin1(name));
+    m_pFake.reset();
+    TellingDialog fake;
     const ConnectDialog dialog = FindDialog();
-    QCOMPARE(dialog.RowsNamed(QStringLiteral("mast")), QList<int>({0, 3}));
-    QCOMPARE(dialog.RowsNamed(QStringLiteral("mas")), QList<int>());
-}
-
-void TestConnectDialog::tickRestorerRestoresTicks()
-{
-    for (const bool ticked : {true, false, true, false})
-        m_pFake->Add(QStringLiteral("x"), ticked);
-    const ConnectDialog dialog = FindDialog();
-    {
-        const TickRestorer keeper(dialog);
-        for (int row = 0; row < 4; ++row)
-            dialog.SetTicked(row, row == 1);
-    }
-    QCOMPARE(m_pFake->IsTicked(0), true);
-    QCOMPARE(m_pFake->IsTicked(1), false);
-    QCOMPARE(m_pFake->IsTicked(2), true);
-    QCOMPARE(m_pFake->IsTicked(3), false);
-}
-
-void TestConnectDialog::tickRestorerFollowsMovedRows()
-{
-    m_pFake->Add(QStringLiteral("gone"), true);
-    m_pFake->Add(QStringLiteral("ticked"), true);
-    m_pFake->Add(QStringLiteral("unticked"), false);
-    const ConnectDialog dialog = FindDialog();
-    {
-        const TickRestorer keeper(dialog);
-        dialog.SetTicked(1, false);
-        dialog.SetTicked(2, true);
-        m_pFake->entries.removeRow(0);
-        m_pFake->Add(QStringLiteral("new"), true);
-    }
-    QVERIFY(m_pFake->IsTicked(0));
-    QVERIFY(!m_pFake->IsTicked(1));
-    QVERIFY(m_pFake->IsTicked(2));
-}
-
-void TestConnectDialog::connectPressesTheButton()
-{
-    const ConnectDialog dialog = FindDialog();
-    QSignalSpy clicks(m_pFake->connectButton, &QAbstractButton::clicked);
-    QVariant isWithoutBreaks;
-    connect(m_pFake->connectButton, &QAbstractButton::clicked, this,
-            [&] { isWithoutBreaks = m_pFake->property("connectsWithoutBreaks"); });
-    dialog.PressConnect();
-    QCOMPARE(clicks.count(), 1);
-    QCOMPARE(isWithoutBreaks, QVariant(true));
-    // The user's own is not affected.
-    QVERIFY(!m_pFake->property("connectsWithoutBreaks").isValid());
+    QVERIFY(dialog.ConnectEntries({2, 0}));
+    QCOMPARE(fake.connected, QList<int>({2, 0}));
+    fake.isProgramEnding = true;
+    QVERIFY(!dialog.ConnectEntries({1}));
 }
 
 void TestConnectDialog::applicationOfEntryIsAskedFor()
@@ -228,40 +174,6 @@ void TestConnectDialog::failedAppendChangesNothing()
     // This model does not know the document at all.
     QVERIFY(!dialog.Append("<ConnectionEntries/>"));
     QCOMPARE(dialog.Count(), 1);
-}
-
-void TestConnectDialog::documentHoldsAllEntriesInModelOrder()
-{
-    // Its document lists the names of the entries asked for.
-    struct NamingModel : QStandardItemModel
-    {
-        NamingModel()
-            : QStandardItemModel(0, kEntryColumnCount)
-        {
-        }
-        QMimeData* mimeData(const QModelIndexList& indexes) const override
-        {
-            QStringList names;
-            for (const QModelIndex& cell : indexes)
-                names.append(cell.siblingAtColumn(static_cast<int>(EntryColumn::Name)).data().toString());
-            auto* data = new QMimeData;
-            data->setData(QStringLiteral("text/plain"), names.join(QLatin1Char(' ')).toUtf8());
-            return data;
-        }
-    };
-    NamingModel model;
-    model.setObjectName(m_pFake->entries.objectName());
-    m_pFake->proxy.setSourceModel(&model);
-    const ConnectDialog dialog = FindDialog();
-    QCOMPARE(dialog.Document(), QByteArray());
-    for (const char* name : {"c", "a", "b"}) {
-        model.appendRow(new QStandardItem);
-        model.setData(model.index(model.rowCount() - 1, static_cast<int>(EntryColumn::Name)), QLatin1String(name));
-    }
-    // The views sort.
-    QCOMPARE(m_pFake->proxy.index(0, static_cast<int>(EntryColumn::Name)).data().toString(), QStringLiteral("a"));
-    QCOMPARE(dialog.Document(), QByteArray("c a b"));
-    m_pFake->proxy.setSourceModel(&m_pFake->entries);
 }
 
 VEXEL_TEST(QTEST_MAIN, TestConnectDialog)

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "host/plugin/statusmonitor.h"
-#include "tests/host/tellingdialog.h"
+#include "tests/host/plugin/tellingdialog.h"
 #include "tests/support/testmain.h"
 
 #include <QAbstractItemModelTester>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "tests/host/hostsetup.h"
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 // The executable of the host with the real plug-in: command line, bad input, its end.

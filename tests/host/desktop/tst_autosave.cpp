@@ -66,7 +66,7 @@ private slots:
         else if (change == QLatin1String("remove"))
             m_fake->entries.removeRow(0);
         else if (change == QLatin1String("tick"))
-            m_dialog->SetTicked(1, true);
+            m_fake->SetTicked(1, true);
         else
             m_fake->entries.sort(1, Qt::DescendingOrder);
         QTRY_COMPARE(m_saves, 1);

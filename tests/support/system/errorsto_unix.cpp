@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/errorsto.h"
+#include "tests/support/system/errorsto.h"
 
 #include <QFile>
 

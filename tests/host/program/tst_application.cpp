@@ -5,9 +5,9 @@
 #include "control/controlserver.h"
 #include "platform/instancelock.h"
 #include "tests/host/hostinprocess.h"
-#include "tests/support/errorsto.h"
 #include "tests/support/files.h"
-#include "tests/support/system.h"
+#include "tests/support/system/errorsto.h"
+#include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
 
 #include <QAction>
@@ -180,7 +180,7 @@ void TestApplication::requestToEndClosesAnOpenBox()
                 dialog.Views().constFirst()->clearSelection();
                 dialog.Window()->findChild<QAction*>(QStringLiteral("m_pDeleteAction"))->trigger();
             } else if (title == QLatin1String("Problem")) {
-                dialog.PressConnect();
+                ConnectButton(dialog)->click();
             } else {
                 dialog.Entries()->setData(dialog.Entries()->index(0, static_cast<int>(EntryColumn::Status)), 1);
                 TrayAction(QStringLiteral("Quit"))->trigger();
@@ -417,8 +417,8 @@ void TestApplication::unusableSizeKeepsTheWindowOnTheScreen()
         // All of it can be reached.
         QVERIFY2(window->width() <= screen.width() && window->height() <= screen.height(),
                  qPrintable(QStringLiteral("%1x%2").arg(window->width()).arg(window->height())));
-        QVERIFY(window->rect().contains(
-            QRect(dialog.ConnectButton()->mapTo(window, QPoint()), dialog.ConnectButton()->size())));
+        const QWidget* const button = ConnectButton(dialog);
+        QVERIFY(window->rect().contains(QRect(button->mapTo(window, QPoint()), button->size())));
         QVERIFY(dialog.Views().constFirst()->height() > 20);
     });
 }

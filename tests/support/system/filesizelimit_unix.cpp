@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/filesizelimit.h"
+#include "tests/support/system/filesizelimit.h"
 
 #include <csignal>
 #include <sys/resource.h>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/inheritedhandles.h"
+#include "tests/support/system/inheritedhandles.h"
 
 #include <windows.h>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: LicenseRef-Vexel
 
 #include "host/output/notices.h"
-#include "tests/support/errorsto.h"
+#include "tests/support/system/errorsto.h"
 #include "tests/support/testmain.h"
 
 #include <QFile>

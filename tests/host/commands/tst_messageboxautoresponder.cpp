@@ -10,6 +10,12 @@
 #include <QSignalSpy>
 #include <QTest>
 
+namespace {
+
+const QString kName = QStringLiteral("m_problemBox");
+
+} // namespace
+
 class TestMessageBoxAutoResponder : public QObject
 {
     Q_OBJECT
@@ -23,10 +29,12 @@ private slots:
 
 void TestMessageBoxAutoResponder::boxIsAnsweredAndReported()
 {
-    const MessageBoxAutoResponder answerer;
+    const MessageBoxAutoResponder answerer(kName);
     QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
-    QCOMPARE(QMessageBox::information(nullptr, QStringLiteral("Problem"), QStringLiteral("Could not\n\nconnect")),
-             QMessageBox::Ok);
+    QMessageBox box(QMessageBox::Information, QStringLiteral("Problem"), QStringLiteral("Could not\n\nconnect"),
+                    QMessageBox::Ok);
+    box.setObjectName(kName);
+    QCOMPARE(box.exec(), int(QMessageBox::Ok));
     QCOMPARE(opened.count(), 1);
     QCOMPARE(opened.at(0).at(0).toString(), QStringLiteral("Problem"));
     QCOMPARE(opened.at(0).at(1).toString(), QStringLiteral("Could not\n\nconnect"));
@@ -34,31 +42,41 @@ void TestMessageBoxAutoResponder::boxIsAnsweredAndReported()
 
 void TestMessageBoxAutoResponder::defaultButtonIsPressed()
 {
-    const MessageBoxAutoResponder answerer;
-    QCOMPARE(QMessageBox::question(nullptr, QStringLiteral("t"), QStringLiteral("q"),
-                                   QMessageBox::Yes | QMessageBox::No, QMessageBox::No),
-             QMessageBox::No);
+    const MessageBoxAutoResponder answerer(kName);
+    QMessageBox box(QMessageBox::Question, QStringLiteral("t"), QStringLiteral("q"),
+                    QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::No);
+    box.setObjectName(kName);
+    QCOMPARE(box.exec(), int(QMessageBox::No));
 }
 
 void TestMessageBoxAutoResponder::everyBoxIsAnswered()
 {
-    const MessageBoxAutoResponder answerer;
+    const MessageBoxAutoResponder answerer(kName);
     QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
-    for (int i = 0; i < 3; ++i)
-        QMessageBox::information(nullptr, QStringLiteral("t"), QString::number(i));
+    for (int i = 0; i < 3; ++i) {
+        QMessageBox box(QMessageBox::Information, QStringLiteral("t"), QString::number(i));
+        box.setObjectName(kName);
+        box.exec();
+    }
     QCOMPARE(opened.count(), 3);
     QCOMPARE(opened.at(2).at(1).toString(), QStringLiteral("2"));
 }
 
 void TestMessageBoxAutoResponder::otherWindowsAreIgnored()
 {
-    const MessageBoxAutoResponder answerer;
+    const MessageBoxAutoResponder answerer(kName);
     QSignalSpy opened(&answerer, &MessageBoxAutoResponder::BoxOpened);
     QDialog dialog;
+    dialog.setObjectName(kName);
     dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QMessageBox box(QMessageBox::Question, QStringLiteral("t"), QStringLiteral("q"));
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    QCoreApplication::processEvents();
     QCOMPARE(opened.count(), 0);
     QVERIFY(dialog.isVisible());
+    QVERIFY(box.isVisible());
 }
 
 VEXEL_TEST(QTEST_MAIN, TestMessageBoxAutoResponder)

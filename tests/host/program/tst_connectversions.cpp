@@ -47,7 +47,7 @@ void TestConnectVersions::connectKeepsTheVersionBeforeAnImport()
         const QStringList before = ofList();
         QVERIFY(!before.isEmpty());
         for (int click = 0; click < 5; ++click) {
-            dialog.PressConnect(); // hides the dialog, which saves
+            ConnectButton(dialog)->click(); // hides the dialog, which saves
             QCOMPARE(dialog.Status(0), 1);
             QTRY_COMPARE(dialog.Status(0), ConnectDialog::kFree);
             QTRY_VERIFY(dialog.Window()->isVisible());

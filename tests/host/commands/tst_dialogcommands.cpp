@@ -5,15 +5,15 @@
 
 #include "control/controlline.h"
 #include "host/commands/dialoghost.h"
-#include "tests/host/tellingdialog.h"
+#include "tests/host/plugin/tellingdialog.h"
 #include "tests/support/testmain.h"
 
 #include <QJsonArray>
 #include <QMessageBox>
-#include <QPointer>
 #include <QProgressDialog>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -71,23 +71,16 @@ struct FakeHost : DialogHost
         return pictureError.isEmpty() ? QByteArray("a picture") : QByteArray();
     }
     void Quit() override { ++quit; }
-    void HoldSaves(bool isHeld) override
-    {
-        areSavesHeld = isHeld;
-        ++holds;
-    }
 
     int saved = 0;
     int shown = 0;
     int quit = 0;
-    int holds = 0;
-    bool areSavesHeld = false;
     QString saveError;
     QString pictureError;
 };
 
-/// Three entries: "mast", "pier" (ticked), "quay". The button makes the ticked ones "In Use", except those in
-/// `refused`.
+/// Three entries: "mast", "pier" (ticked), "quay". Connecting makes them "In Use", except those in `refused`, and then
+/// calls `meanwhile`.
 struct Commands
 {
     Commands()
@@ -98,16 +91,13 @@ struct Commands
         fake.applications = QList<QVariantMap>(3);
         dialog = FindDialog();
         commands = std::make_unique<DialogCommands>(*dialog, host);
-        QObject::connect(fake.connectButton, &QPushButton::clicked, fake.connectButton, [this] {
-            for (int row = 0; row < fake.entries.rowCount(); ++row) {
-                if (!fake.IsTicked(row))
-                    continue;
-                ticked.append(dialog->Name(row));
-                wereSavesHeld = host.areSavesHeld;
+        fake.onConnect = [this] {
+            for (const int row : fake.connected)
                 if (!refused.contains(dialog->Name(row)))
                     fake.SetStatus(row, 1);
-            }
-        });
+            if (meanwhile)
+                meanwhile();
+        };
     }
 
     void Execute(const char* command, QJsonObject arguments = {})
@@ -123,8 +113,6 @@ struct Commands
         fake.SetStatus(row, 0);
     }
 
-    QList<bool> Ticks() const { return {fake.IsTicked(0), fake.IsTicked(1), fake.IsTicked(2)}; }
-
     TellingDialog fake;
     FakeHost host;
     std::optional<ConnectDialog> dialog;
@@ -132,8 +120,7 @@ struct Commands
     Answer answer;
     QByteArray document;
     QStringList refused;
-    QStringList ticked; // at the click
-    bool wereSavesHeld = false;
+    std::function<void()> meanwhile;
 };
 
 QJsonObject Names(const QStringList& names, bool waits = false)
@@ -161,10 +148,12 @@ private slots:
     void statusTellsOfTheEntriesInUse();
     void exportIsAConnectionList();
     void pictureIsSent();
-    void connectTicksExactlyTheseEntriesForAMoment();
+    void connectTakesExactlyTheseEntries();
     void connectByTickTakesTheTickedEntries();
-    void listShowsTheUsersTicksWhileEntriesAreConnected();
-    void savesAreHeldWhileTicksAreChanged();
+    void connectByTickWithoutTicksConnectsNothing();
+    void userMayRemoveEntriesWhileEntriesAreConnected();
+    void programThatEndsWhileConnectingSaysSoItself();
+    void otherRequestsAreAnsweredWhileEntriesAreConnected();
     void unknownNamesConnectNothing();
     void entryThatDidNotStartIsReported();
     void entryInUseIsReported();
@@ -189,7 +178,6 @@ private slots:
     void callersThatHaveGoneAreNotServed();
     void listIsClearedOnRequest();
     void saveReportsFailure();
-    void saveIsRefusedWhileEntriesAreConnected();
     void showShowsTheDialog();
     void quitSavesAndEndsOnceTheAnswerIsRead();
     void quitThatCannotSaveNeedsForce();
@@ -255,14 +243,13 @@ void TestDialogCommands::pictureIsSent()
     QCOMPARE(failing.answer.Texts("text"), QStringList{QStringLiteral("too large")});
 }
 
-void TestDialogCommands::connectTicksExactlyTheseEntriesForAMoment()
+void TestDialogCommands::connectTakesExactlyTheseEntries()
 {
     Commands run;
     run.Execute("connect", Names({QStringLiteral("quay"), QStringLiteral("mast")}));
     QCOMPARE(run.answer.code, 0);
     QCOMPARE(run.answer.lines, QList<QJsonObject>());
-    QCOMPARE(run.ticked, (QStringList{QStringLiteral("mast"), QStringLiteral("quay")}));
-    QCOMPARE(run.Ticks(), (QList<bool>{false, true, false}));
+    QCOMPARE(run.fake.connected, (QList<int>{0, 2}));
 }
 
 void TestDialogCommands::connectByTickTakesTheTickedEntries()
@@ -270,38 +257,58 @@ void TestDialogCommands::connectByTickTakesTheTickedEntries()
     Commands run;
     run.Execute("connect", {{QStringLiteral("selected"), true}});
     QCOMPARE(run.answer.code, 0);
-    QCOMPARE(run.ticked, QStringList{QStringLiteral("pier")});
-
-    Commands none;
-    none.dialog->SetTicked(1, false);
-    none.Execute("connect", {{QStringLiteral("selected"), true}});
-    QCOMPARE(none.answer.code, 3);
-    QCOMPARE(none.answer.error, QStringLiteral("no entry is ticked"));
+    QCOMPARE(run.fake.connected, QList<int>{1});
 }
 
-// A program that exports every minute must not get the ticks of a moment.
-void TestDialogCommands::listShowsTheUsersTicksWhileEntriesAreConnected()
+void TestDialogCommands::connectByTickWithoutTicksConnectsNothing()
 {
     Commands run;
-    Answer other;
-    QObject::connect(run.fake.connectButton, &QPushButton::clicked, run.fake.connectButton, [&] {
-        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("list")}}, {}}, &other);
-        QCoreApplication::processEvents();
-        QVERIFY(!other.code);
-    });
+    run.fake.SetTicked(1, false);
+    run.Execute("connect", {{QStringLiteral("selected"), true}});
+    QCOMPARE(run.answer.code, 3);
+    QCOMPARE(run.answer.error, QStringLiteral("no entry is ticked"));
+}
+
+void TestDialogCommands::userMayRemoveEntriesWhileEntriesAreConnected()
+{
+    Commands run;
+    run.meanwhile = [&run] {
+        run.fake.entries.removeRow(1);
+        run.fake.entries.removeRow(0);
+    };
+    run.refused = QStringList{QStringLiteral("pier")};
+    run.Execute("connect", Names({QStringLiteral("mast"), QStringLiteral("pier"), QStringLiteral("quay")}));
+    QCOMPARE(run.answer.code, 3);
+    QCOMPARE(run.answer.Texts("text"), QStringList{QStringLiteral("\"pier\" was removed before it was connected")});
+}
+
+void TestDialogCommands::programThatEndsWhileConnectingSaysSoItself()
+{
+    Commands run;
+    run.refused = QStringList{QStringLiteral("mast")};
+    run.fake.isProgramEnding = true;
+    run.Execute("connect", Names({QStringLiteral("mast")}));
+    QCoreApplication::processEvents();
+    QVERIFY(!run.answer.code);
+    QCOMPARE(run.answer.lines, QList<QJsonObject>());
+}
+
+void TestDialogCommands::otherRequestsAreAnsweredWhileEntriesAreConnected()
+{
+    Commands run;
+    Answer list;
+    Answer save;
+    run.meanwhile = [&] {
+        run.dialog->Window()->setProperty("isConnecting", true);
+        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("list")}}, {}}, &list);
+        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("save")}}, {}}, &save);
+        QTRY_COMPARE(list.code, 0);
+    };
     run.Execute("connect", Names({QStringLiteral("quay")}));
-    QTRY_COMPARE(other.code, 0);
-    QCOMPARE(other.Texts("selected"),
+    QCOMPARE(list.Texts("selected"),
              (QStringList{QStringLiteral("false"), QStringLiteral("true"), QStringLiteral("false")}));
-}
-
-void TestDialogCommands::savesAreHeldWhileTicksAreChanged()
-{
-    Commands run;
-    run.Execute("connect", Names({QStringLiteral("quay")}));
-    QVERIFY(run.wereSavesHeld);
-    QVERIFY(!run.host.areSavesHeld);
-    QCOMPARE(run.host.holds, 2);
+    QCOMPARE(save.code, 0);
+    QCOMPARE(run.host.saved, 1);
 }
 
 void TestDialogCommands::unknownNamesConnectNothing()
@@ -310,7 +317,7 @@ void TestDialogCommands::unknownNamesConnectNothing()
     run.Execute("connect", Names({QStringLiteral("mast"), QStringLiteral("mole"), QStringLiteral("weir")}));
     QCOMPARE(run.answer.code, 3);
     QVERIFY(run.answer.error.contains(QStringLiteral("\"mole\", \"weir\"")));
-    QVERIFY(run.ticked.isEmpty());
+    QVERIFY(run.fake.connected.isEmpty());
 }
 
 void TestDialogCommands::entryThatDidNotStartIsReported()
@@ -336,10 +343,12 @@ void TestDialogCommands::textOfABoxGoesToTheCaller()
 {
     Commands run;
     run.refused = QStringList{QStringLiteral("mast")};
-    QObject::connect(run.fake.connectButton, &QPushButton::clicked, run.fake.connectButton, [] {
-        QMessageBox(QMessageBox::Information, QStringLiteral("Problem"), QStringLiteral("No\n\nroom."), QMessageBox::Ok)
-            .exec();
-    });
+    run.meanwhile = [] {
+        QMessageBox box(QMessageBox::Information, QStringLiteral("Problem"), QStringLiteral("No\n\nroom."),
+                        QMessageBox::Ok);
+        box.setObjectName(QLatin1String(ConnectDialog::kProblemBox));
+        box.exec();
+    };
     run.Execute("connect", Names({QStringLiteral("mast")}));
     QCOMPARE(run.answer.code, 3);
     QCOMPARE(run.answer.Texts("text"),
@@ -423,11 +432,12 @@ void TestDialogCommands::callerMayGoAtAnyTime()
     run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("watch")}}, {}}, gone.get());
     gone = std::make_unique<Answer>();
     // While entries are being connected.
-    QObject::connect(run.fake.connectButton, &QPushButton::clicked, run.fake.connectButton, [&gone] { gone.reset(); });
+    run.meanwhile = [&gone] {
+        gone.reset();
+    };
     QJsonObject request = Names({QStringLiteral("mast")}, true);
     request.insert(QStringLiteral("command"), QStringLiteral("connect"));
     run.commands->Execute({request, {}}, gone.get());
-    QCOMPARE(run.Ticks(), (QList<bool>{false, true, false}));
     run.EndApplication(0, kDone);
     run.Execute("list");
     QTRY_COMPARE(run.answer.code, 0);
@@ -497,7 +507,7 @@ void TestDialogCommands::openBoxRefusesChangesAndConnecting()
     run.Execute(command.constData(), Names({QStringLiteral("mast")}));
     QCOMPARE(run.answer.code, 4);
     QVERIFY2(run.answer.error.contains(QStringLiteral("box is open")), qPrintable(run.answer.error));
-    QVERIFY(run.ticked.isEmpty());
+    QVERIFY(run.fake.connected.isEmpty());
 }
 
 void TestDialogCommands::usersConnectRefusesChangesAndConnecting_data()
@@ -513,7 +523,7 @@ void TestDialogCommands::usersConnectRefusesChangesAndConnecting()
     run.Execute(command.constData(), Names({QStringLiteral("mast")}));
     QCOMPARE(run.answer.code, 4);
     QCOMPARE(run.answer.error, QStringLiteral("entries are being connected"));
-    QVERIFY(run.ticked.isEmpty());
+    QVERIFY(run.fake.connected.isEmpty());
 }
 
 void TestDialogCommands::importRefusesSave()
@@ -586,18 +596,6 @@ void TestDialogCommands::saveReportsFailure()
     run.Execute("save");
     QCOMPARE(run.answer.code, 2);
     QCOMPARE(run.answer.error, QStringLiteral("the disk is full"));
-}
-
-void TestDialogCommands::saveIsRefusedWhileEntriesAreConnected()
-{
-    Commands run;
-    Answer other;
-    QObject::connect(run.fake.connectButton, &QPushButton::clicked, run.fake.connectButton, [&] {
-        run.commands->Execute({{{QStringLiteral("command"), QStringLiteral("save")}}, {}}, &other);
-    });
-    run.Execute("connect", Names({QStringLiteral("quay")}));
-    QCOMPARE(other.code, 4);
-    QCOMPARE(run.host.saved, 0);
 }
 
 void TestDialogCommands::showShowsTheDialog()

@@ -33,12 +33,6 @@ struct Kept
         fake.Add(QStringLiteral("mast"), true);
         dialog = FindDialog();
         monitor = std::make_unique<StatusMonitor>(FindDialog());
-        // The slot of the plug-in runs first, as in the host.
-        QObject::connect(fake.connectButton, &QAbstractButton::clicked, &fake, [this] {
-            fake.hide();
-            if (onConnect)
-                onConnect();
-        });
         keeper = std::make_unique<DialogVisibility>(*dialog, *monitor);
         hidden = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::DialogHidden);
         end = std::make_unique<QSignalSpy>(keeper.get(), &DialogVisibility::QuitRequested);
@@ -48,18 +42,23 @@ struct Kept
         fake.show();
     }
 
-    /// Presses the button; the entry is in use then.
+    /// Connects as the plug-in does, and calls `meanwhile`.
+    void Connect(const std::function<void()>& meanwhile)
+    {
+        fake.setProperty("isConnecting", true);
+        fake.hide();
+        meanwhile();
+        fake.setProperty("isConnecting", QVariant());
+    }
+
+    /// Connects the entry.
     void Connect()
     {
-        onConnect = [this] {
-            fake.SetStatus(0, 1);
-        };
-        fake.connectButton->click();
+        Connect([this] { fake.SetStatus(0, 1); });
         Settle();
     }
 
     FakeDialog fake;
-    std::function<void()> onConnect;
     std::optional<ConnectDialog> dialog;
     std::unique_ptr<StatusMonitor> monitor;
     std::unique_ptr<DialogVisibility> keeper;
@@ -83,6 +82,8 @@ private slots:
     void connectingHidesUntilTheLastHasEnded();
     void connectingInVainShowsTheDialogAgain();
     void eventsDuringConnectDoNotEndTheHost();
+    void connectInsideAnotherDecidesNothing();
+    void dialogShownDuringConnectStays();
     void problemBoxDoesNotEndTheHost();
     void applicationMayEndDuringTheProblemBox();
     void applicationMayEndWhileTheDialogIsShown();
@@ -93,6 +94,7 @@ private slots:
     void trayIsExplainedOnce();
     void connectingWithATrayComesBack();
     void calledFromTheTrayWhileWaiting();
+    void connectingInTheTrayStaysThere();
     void calledFromTheTrayWhileMinimized();
     void lostTrayShowsTheHiddenDialog();
     void lostTrayKeepsTheDialogHiddenWhileInUse();
@@ -145,11 +147,10 @@ void TestDialogVisibility::connectingHidesUntilTheLastHasEnded()
 {
     Kept kept;
     kept.fake.Add(QStringLiteral("pier"), true);
-    kept.onConnect = [&] {
+    kept.Connect([&] {
         kept.fake.SetStatus(0, 1);
         kept.fake.SetStatus(1, 1);
-    };
-    kept.fake.connectButton->click();
+    });
     Settle();
     QVERIFY(kept.fake.isHidden());
     QCOMPARE(kept.hidden->count(), 1);
@@ -167,7 +168,7 @@ void TestDialogVisibility::connectingHidesUntilTheLastHasEnded()
 void TestDialogVisibility::connectingInVainShowsTheDialogAgain()
 {
     Kept kept;
-    kept.fake.connectButton->click();
+    kept.Connect([] {});
     QTRY_VERIFY(kept.fake.isVisible());
     Settle();
     QCOMPARE(kept.end->count(), 0);
@@ -178,14 +179,11 @@ void TestDialogVisibility::connectingInVainShowsTheDialogAgain()
 void TestDialogVisibility::eventsDuringConnectDoNotEndTheHost()
 {
     Kept kept;
-    kept.onConnect = [&kept] {
-        kept.fake.setProperty("isConnecting", true);
+    kept.Connect([&kept] {
         Settle();
         QCOMPARE(kept.hidden->count(), 0);
         kept.fake.SetStatus(0, 1);
-        kept.fake.setProperty("isConnecting", false);
-    };
-    kept.fake.connectButton->click();
+    });
     Settle();
     QCOMPARE(kept.end->count(), 0);
     QCOMPARE(kept.hidden->count(), 1);
@@ -194,11 +192,39 @@ void TestDialogVisibility::eventsDuringConnectDoNotEndTheHost()
     QTRY_VERIFY(kept.fake.isVisible());
 }
 
+void TestDialogVisibility::connectInsideAnotherDecidesNothing()
+{
+    Kept kept;
+    kept.Connect([&kept] {
+        // Its own, and the value before.
+        kept.fake.setProperty("isConnecting", true);
+        kept.fake.setProperty("isConnecting", true);
+        Settle();
+        QCOMPARE(kept.hidden->count(), 0);
+        QVERIFY(kept.fake.isHidden());
+    });
+    QCOMPARE(kept.hidden->count(), 1);
+    QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::dialogShownDuringConnectStays()
+{
+    Kept kept;
+    kept.Connect([&kept] {
+        kept.keeper->ShowDialog();
+        kept.fake.SetStatus(0, 1);
+    });
+    Settle();
+    QVERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.hidden->count(), 0);
+}
+
 void TestDialogVisibility::problemBoxDoesNotEndTheHost()
 {
     Kept kept;
     bool endedDuringBox = false;
-    kept.onConnect = [&] {
+    kept.Connect([&] {
         QMessageBox box;
         QTimer::singleShot(0, &box, [&] {
             Settle();
@@ -207,8 +233,7 @@ void TestDialogVisibility::problemBoxDoesNotEndTheHost()
         });
         box.exec();
         kept.fake.SetStatus(0, 1);
-    };
-    kept.fake.connectButton->click();
+    });
     Settle();
     QVERIFY(!endedDuringBox);
     QCOMPARE(kept.end->count(), 0);
@@ -218,7 +243,7 @@ void TestDialogVisibility::problemBoxDoesNotEndTheHost()
 void TestDialogVisibility::applicationMayEndDuringTheProblemBox()
 {
     Kept kept;
-    kept.onConnect = [&] {
+    kept.Connect([&] {
         kept.fake.SetStatus(0, 1);
         QMessageBox box;
         QTimer::singleShot(0, &box, [&] {
@@ -227,8 +252,7 @@ void TestDialogVisibility::applicationMayEndDuringTheProblemBox()
             box.accept();
         });
         box.exec();
-    };
-    kept.fake.connectButton->click();
+    });
     QTRY_VERIFY(kept.fake.isVisible());
     QCOMPARE(kept.end->count(), 0);
 }
@@ -313,9 +337,23 @@ void TestDialogVisibility::connectingWithATrayComesBack()
     kept.fake.SetStatus(0, 0);
     QTRY_VERIFY(kept.fake.isVisible());
 
-    kept.onConnect = nullptr;
-    kept.fake.connectButton->click();
+    kept.Connect([] {});
     QTRY_VERIFY(kept.fake.isVisible());
+    QCOMPARE(kept.end->count(), 0);
+}
+
+void TestDialogVisibility::connectingInTheTrayStaysThere()
+{
+    Kept kept;
+    kept.keeper->SetTrayAvailable(true);
+    kept.fake.hide();
+    QTRY_COMPARE(kept.hidden->count(), 1);
+    kept.Connect();
+    // The list is saved.
+    QCOMPARE(kept.hidden->count(), 2);
+    kept.fake.SetStatus(0, 0);
+    Settle();
+    QVERIFY(kept.fake.isHidden());
     QCOMPARE(kept.end->count(), 0);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/errorsto.h"
 #include "tests/support/hostsession.h"
+#include "tests/support/system/errorsto.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>
@@ -94,7 +94,6 @@ private slots:
     void failedSaveFromTheTrayIsShown();
     void errorIsForgottenWhenAllIsSaved();
     void changesAreSavedWhileTheDialogIsOpen();
-    void nothingIsSavedWhileSavesAreHeld();
     void failedSavesOfChangesAreShownOnce();
     void stayingHiddenIsShown();
     void nothingIsShownWhereStandardErrorIsRead();
@@ -242,31 +241,6 @@ void TestDialogSession::changesAreSavedWhileTheDialogIsOpen()
     host.session->Save();
     QVERIFY(!host.AutoSaveTimer()->isActive());
     QCOMPARE(host.saved, 1);
-}
-
-void TestDialogSession::nothingIsSavedWhileSavesAreHeld()
-{
-    Session host;
-    host.session->Start();
-    host.AutoSaveTimer()->setInterval(0);
-    host.session->HoldSaves(true);
-    host.fake.Add(QStringLiteral("pier"));
-    QVERIFY(host.session->Save().isEmpty());
-    QCoreApplication::processEvents();
-    QCOMPARE(host.saved, 0);
-    QCOMPARE(host.autoSaved, 0);
-    // What was asked for follows.
-    host.AutoSaveTimer()->setInterval(60'000);
-    host.session->HoldSaves(false);
-    QTRY_COMPARE(host.autoSaved, 1);
-    QCOMPARE(host.saved, 0);
-
-    host.session->HoldSaves(true);
-    host.AutoSaveTimer()->setInterval(0);
-    host.fake.Add(QStringLiteral("quay"));
-    host.session->HoldSaves(false);
-    QTRY_COMPARE(host.autoSaved, 2);
-    QCOMPARE(host.saved, 0);
 }
 
 void TestDialogSession::failedSavesOfChangesAreShownOnce()

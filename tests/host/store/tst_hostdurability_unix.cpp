@@ -7,7 +7,7 @@
 #include "platform/configversions.h"
 #include "platform/instancelock.h"
 #include "tests/host/storeddocument.h"
-#include "tests/support/diskrequests_unix.h"
+#include "tests/support/system/diskrequests_unix.h"
 #include "tests/support/testmain.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 Vexel
 // SPDX-License-Identifier: LicenseRef-Vexel
 
-#include "tests/support/system.h"
+#include "tests/support/system/system.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,9 +3,9 @@
 
 #include "host/desktop/startfailure.h"
 #include "host/output/starterrorfile.h"
-#include "tests/support/errorsto.h"
 #include "tests/support/files.h"
 #include "tests/support/messageboxes.h"
+#include "tests/support/system/errorsto.h"
 #include "tests/support/testmain.h"
 
 #include <QProcess>
