@@ -4,6 +4,7 @@
 #include "userinterface/vexelconnectdlg/applicationinstance.h"
 
 #include "platform/tracing.h"
+#include "process/kill.h"
 
 #include <QDir>
 
@@ -14,18 +15,6 @@ namespace {
 constexpr const char* kTraceSource = "userinterface/vexelconnectdlg/applicationinstance";
 
 constexpr int kStartTimeoutMs = 30000;
-
-// A killed process normally ends at once. The limit is for one that the system does not end.
-constexpr int kKillTimeoutMs = 30000;
-
-/// Kills a process that still runs and waits for its end, so that no child process or zombie remains.
-void Kill(QProcess& process)
-{
-    if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished(kKillTimeoutMs);
-    }
-}
 
 } // namespace
 
@@ -43,7 +32,7 @@ ApplicationInstance::~ApplicationInstance()
     if (m_pProcess) {
         // Killing it emits `finished`, which must not reach this object any more.
         m_pProcess->disconnect(this);
-        Kill(*m_pProcess);
+        KillAndWait(*m_pProcess);
         delete m_pProcess;
     }
 }
@@ -176,7 +165,7 @@ void ApplicationInstance::DropProcess()
     if (!process)
         return;
     process->disconnect(this);
-    Kill(*process);
+    KillAndWait(*process);
     // Not deleted at once: its `finished` may be being handled.
     process->deleteLater();
 }
