@@ -3,6 +3,7 @@
 
 #include "tests/starter/fakehostrun.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QProcess>
 
@@ -53,7 +54,7 @@ void TestCommandLines::commandLine()
     process.setProgram(QStringLiteral(VEXELCTL));
     process.setNativeArguments(QStringLiteral("connect --config \"%1\" ").arg(directory.path()) + text);
     process.start();
-    QVERIFY(process.waitForFinished(60'000));
+    QVERIFY(WaitForEnd(process));
     QCOMPARE(process.exitCode(), 3);
     const QString error = QString::fromUtf8(process.readAllStandardError());
     const QString said = QStringLiteral("\nvexelctl: there is no entry called \"%1\"\n").arg(argument);
@@ -71,7 +72,7 @@ void TestCommandLines::starter()
     process.setNativeArguments(QStringLiteral("--host \"%1\" -- 7 1 \"%2\" ").arg(FakeHostRun::Program(), run.File()) +
                                text + QStringLiteral(" \"\" last"));
     process.start();
-    QVERIFY(process.waitForFinished(60'000));
+    QVERIFY(WaitForEnd(process));
     QCOMPARE(run.Starts().size(), 1);
     QCOMPARE(run.Starts().constFirst().value(QLatin1String("arguments")).toArray(),
              (QJsonArray{argument, QString(), QStringLiteral("last")}));

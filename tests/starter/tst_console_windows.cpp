@@ -4,6 +4,7 @@
 #include "tests/starter/fakehostrun.h"
 #include "tests/support/system/pseudoconsole_windows.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QProcess>
 
@@ -66,14 +67,14 @@ void TestConsole::redirectedStreamsAreUsed()
     QProcess process;
     process.setStandardOutputFile(output);
     process.start(program, {QStringLiteral("--version")});
-    QVERIFY(process.waitForFinished(60'000));
+    QVERIFY(WaitForEnd(process));
     QFile file(output);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), Name(program).toUtf8() + " " VEXEL_VERSION "\n");
 
     // One to a file, the other to a pipe.
     process.start(program, {QStringLiteral("--") + letters});
-    QVERIFY(process.waitForFinished(60'000));
+    QVERIFY(WaitForEnd(process));
     QCOMPARE(file.size(), 0);
     const QByteArray error = process.readAllStandardError();
     QVERIFY2(error.contains(letters.toUtf8()), error.constData());
