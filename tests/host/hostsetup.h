@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tests/support/system/system.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -178,12 +179,10 @@ public:
     /// Waits for the end of `process`, which was started here.
     static Result End(QProcess& process)
     {
-        if (process.state() != QProcess::NotRunning)
-            process.waitForFinished();
         Result result;
         result.program = QFileInfo(process.program()).completeBaseName();
         // A crash, a failed start, and a process that runs on have no exit code.
-        const bool hasEnded = process.state() == QProcess::NotRunning && process.error() != QProcess::FailedToStart;
+        const bool hasEnded = WaitForEnd(process);
         if (hasEnded && process.exitStatus() == QProcess::NormalExit)
             result.exitCode = process.exitCode();
         if (!hasEnded)

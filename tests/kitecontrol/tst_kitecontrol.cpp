@@ -8,6 +8,7 @@
 #include "tests/support/confignodes.h"
 #include "tests/support/files.h"
 #include "tests/support/system/system.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -108,7 +109,7 @@ void TestKiteControl::Run(const QString& program, const QStringList& arguments)
     QProcess process;
     process.setProcessEnvironment(m_environment);
     process.start(program, arguments);
-    QVERIFY2(process.waitForFinished(60000), qPrintable(process.errorString()));
+    QVERIFY2(WaitForEnd(process), qPrintable(process.errorString()));
     m_sErrors = QString::fromUtf8(process.readAllStandardError());
     m_printed = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, qPrintable(m_sErrors));
@@ -237,7 +238,7 @@ void TestKiteControl::reportFileIsWritten()
     process.start(kProgram, ServerArguments(QStringLiteral("Mast")));
     QVERIFY(process.waitForStarted());
     const qint64 id = process.processId();
-    QVERIFY(process.waitForFinished(60000));
+    QVERIFY(WaitForEnd(process));
 
     const QString name = QStringLiteral("kitecontrol-%1.txt").arg(id);
     QCOMPARE(reports.entryList(QDir::Files | QDir::Hidden), QStringList{name});
@@ -281,7 +282,7 @@ void TestKiteControl::invalidSecondsAreReported()
     QByteArray errors;
     QTRY_VERIFY_WITH_TIMEOUT((errors += process.readAllStandardError()).contains("KITECONTROL_SECONDS"), 60000);
     process.kill();
-    QVERIFY(process.waitForFinished(60000));
+    QVERIFY(WaitForEnd(process));
 }
 
 void TestKiteControl::helpAndVersionNeedNoDisplay_data()
@@ -307,7 +308,7 @@ void TestKiteControl::helpAndVersionNeedNoDisplay()
     QProcess process;
     process.setProcessEnvironment(m_environment);
     process.start(program, {option});
-    QVERIFY2(process.waitForFinished(60000), qPrintable(process.errorString()));
+    QVERIFY2(WaitForEnd(process), qPrintable(process.errorString()));
     const QString printed = QString::fromUtf8(process.readAllStandardOutput());
     QVERIFY2(printed.startsWith(start), qPrintable(printed));
     QCOMPARE(process.readAllStandardError(), QByteArray());

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "tests/support/waitforend.h"
 #include <QByteArray>
 #include <QDir>
 #include <QProcess>
@@ -24,7 +25,7 @@ public:
     ~Stranger()
     {
         process.kill();
-        process.waitForFinished();
+        WaitForEnd(process);
     }
     Q_DISABLE_COPY_MOVE(Stranger)
 

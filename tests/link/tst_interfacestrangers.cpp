@@ -5,6 +5,7 @@
 #include "tests/link/strangerprocess.h"
 #include "tests/support/linkfixture.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -33,7 +34,7 @@ void TestInterfaceStrangers::silentProcessIsClosed()
     QTRY_COMPARE(server.callback.Kinds(), (QList<Kind>{Kind::Open, Kind::Read, Kind::Close}));
     QCOMPARE(server.callback.received, Stranger::Said());
     // It was told.
-    QVERIFY(stranger.process.state() == QProcess::NotRunning || stranger.process.waitForFinished());
+    QVERIFY(WaitForEnd(stranger.process));
     QCOMPARE(stranger.process.exitCode(), 0);
 }
 

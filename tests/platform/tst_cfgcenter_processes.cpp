@@ -5,6 +5,7 @@
 #include "platform/configversions.h"
 #include "platform/icfg.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QProcess>
@@ -172,7 +173,7 @@ private slots:
             for (int reads = 0; reads < kill % 6; ++reads)
                 QVERIFY(IsWhole(kKeys, announced - 1));
             process->kill();
-            QVERIFY(process->waitForFinished());
+            QVERIFY(WaitForEnd(*process));
             QCOMPARE(process->exitStatus(), QProcess::CrashExit);
 
             QVERIFY(IsWhole(kKeys, announced - 1));
@@ -209,7 +210,7 @@ private:
     static bool IsDone(QProcess& process)
     {
         constexpr int kTimeoutMs = 120000;
-        if (process.state() != QProcess::NotRunning && !process.waitForFinished(kTimeoutMs))
+        if (!WaitForEnd(process, kTimeoutMs))
             return false;
         return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     }

@@ -7,6 +7,7 @@
 #include "files/filelock.h"
 #include "tests/support/files.h"
 #include "tests/support/system/system.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QFile>
@@ -46,7 +47,7 @@ public:
     void Kill()
     {
         process.kill();
-        process.waitForFinished();
+        WaitForEnd(process);
     }
     QProcess process;
 };

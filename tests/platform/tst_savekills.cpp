@@ -9,6 +9,7 @@
 #include "platform/icfg.h"
 #include "tests/support/testmain.h"
 #include "tests/support/tracerecorder.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QFile>
@@ -108,14 +109,14 @@ private:
             announced = process.readLine().trimmed().toInt();
             if (announced <= m_reached) {
                 process.kill();
-                process.waitForFinished();
+                WaitForEnd(process);
                 const QByteArray errors = process.readAllStandardError().left(2000);
                 QFAIL(("the save after a kill did not work: " + errors).constData());
             }
         }
         QThread::usleep(delayUs);
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
         QCOMPARE(process.exitStatus(), QProcess::CrashExit);
         readAnnouncements();
 

@@ -4,6 +4,7 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/files.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QRegularExpression>
 
@@ -299,7 +300,7 @@ void TestCtlBackups::runningHostRestores()
     QVERIFY2(result.output.contains(QLatin1String("restored: 3 entries -> 1 entry\n")), qPrintable(result.output));
     QCOMPARE(setUp.Names().size(), 1);
     host.kill();
-    QVERIFY(host.waitForFinished());
+    QVERIFY(WaitForEnd(host));
     // Stored, too.
     QCOMPARE(setUp.Names().size(), 1);
 }

@@ -5,6 +5,7 @@
 #include "tests/host/hostsetup.h"
 #include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QImage>
 #include <QRegularExpression>
@@ -318,7 +319,7 @@ void TestCtlConnect::screenshotChangesNothing()
     const QByteArray stored = setUp.StoredText();
     QProcess process;
     setUp.Start(process, "screenshot - --data data");
-    QVERIFY(process.waitForFinished());
+    QVERIFY(WaitForEnd(process));
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QVERIFY(!QImage::fromData(process.readAllStandardOutput()).isNull());
     QCOMPARE(setUp.StoredText(), stored);

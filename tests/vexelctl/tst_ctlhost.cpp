@@ -3,6 +3,7 @@
 
 #include "tests/host/hostsetup.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QImage>
 #include <QRegularExpression>
@@ -52,7 +53,7 @@ struct RunningHost : HostSetUp
     ~RunningHost()
     {
         process.terminate();
-        if (process.state() != QProcess::NotRunning && !process.waitForFinished())
+        if (!WaitForEnd(process))
             qWarning("the host does not end");
     }
     Q_DISABLE_COPY_MOVE(RunningHost)
@@ -264,7 +265,7 @@ void TestCtlHost::quitEndsTheHost()
     // The configuration is free as soon as the command has returned.
     QCOMPARE(host.Run("save").exitCode, 0);
     QVERIFY(!QFileInfo::exists(host.Config() + QStringLiteral("/vexelhost.lock")));
-    QVERIFY(host.process.waitForFinished());
+    QVERIFY(WaitForEnd(host.process));
     QCOMPARE(host.process.exitCode(), 0);
 }
 
@@ -275,7 +276,7 @@ void TestCtlHost::quitIsRefusedWhileEntriesAreInUse()
     COMPARE_FAILURE(host.Run("quit"), 4, QLatin1String("2 entries are in use"));
     QCOMPARE(host.process.state(), QProcess::Running);
     QCOMPARE(host.Run("quit --force").exitCode, 0);
-    QVERIFY(host.process.waitForFinished());
+    QVERIFY(WaitForEnd(host.process));
 }
 
 void TestCtlHost::commandsThatNeedAHostFailWithoutOne()
@@ -372,7 +373,7 @@ void TestCtlHost::watchEndsWithItsReader()
     shell.start(QStringLiteral("/bin/bash"),
                 {QStringLiteral("-c"), QStringLiteral("\"$0\" watch --config \"$1\" | true; echo ${PIPESTATUS[0]}"),
                  QStringLiteral(VEXELCTL), host.Config()});
-    QVERIFY(shell.waitForFinished());
+    QVERIFY(WaitForEnd(shell));
     QCOMPARE(shell.readAllStandardOutput(), QByteArray("2\n"));
 #else
     QSKIP("Windows does not tell whether a pipe has a reader");

@@ -7,6 +7,7 @@
 #include "tests/support/messageboxes.h"
 #include "tests/support/system/errorsto.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QProcess>
 #include <QSet>
@@ -220,7 +221,7 @@ void TestStartFailure::boxNeedsNoApplication()
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     process.setProcessEnvironment(environment);
     process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("show-start-failure")});
-    QVERIFY(process.waitForFinished(60'000));
+    QVERIFY(WaitForEnd(process));
     const QString text = QString::fromUtf8(process.readAllStandardOutput());
     QVERIFY2(text.contains(QLatin1String("Die Trace-Datei kann nicht geschrieben werden.")), qPrintable(text));
     QVERIFY2(text.contains(kLine), qPrintable(text));

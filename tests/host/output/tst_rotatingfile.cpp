@@ -6,6 +6,7 @@
 #include "tests/support/files.h"
 #include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QProcess>
@@ -289,7 +290,7 @@ void TestRotatingFile::severalProcessesLoseNoLine()
                                 {kWrite, fixture.name, QString::number(largest), QString::number(i)});
     }
     for (const auto& process : processes) {
-        QVERIFY(process->waitForFinished());
+        QVERIFY(WaitForEnd(*process));
         QCOMPARE(process->exitCode(), 0);
     }
     // Every line is in one of the files, complete and once.

@@ -3,6 +3,7 @@
 
 #include "tests/support/system/system.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QDir>
 #include <QFile>
@@ -152,7 +153,7 @@ private:
     static void End(QProcess& process)
     {
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
     }
 
     QTemporaryDir m_directory;

@@ -3,6 +3,7 @@
 
 #include "tests/host/hostsetup.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <algorithm>
 
@@ -85,7 +86,7 @@ private slots:
         QVERIFY(Ask(window, WM_ENDSESSION, TRUE) >= 0);
         // From here on the system may end it at any time, and does not ask again.
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
         for (const char* part : {"FilterPattern", "ModelMimeData", "VexelDataDir"})
             QVERIFY2(setUp.StoredText().contains(part), part);
     }
@@ -103,7 +104,7 @@ private slots:
         QVERIFY(IsWindowVisible(window));
         QCOMPARE(process.state(), QProcess::Running);
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
     }
 
     // It has no visible window, and stores its settings at its end.
@@ -118,7 +119,7 @@ private slots:
 
         QVERIFY(EndSession(process) > 0);
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
         for (const char* part : {"FilterPattern", "ModelMimeData", "VexelDataDir"})
             QVERIFY2(setUp.StoredText().contains(part), part);
         QCOMPARE(setUp.Names(), Words("mast"));
@@ -154,7 +155,7 @@ private slots:
 
         QVERIFY(EndSession(process) > 0);
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
         QVERIFY(setUp.StoredText().contains("FilterPattern"));
     }
 
@@ -172,7 +173,7 @@ private slots:
         for (const char* part : {"FilterPattern", "ModelMimeData"})
             QVERIFY2(setUp.StoredText().contains(part), part);
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(WaitForEnd(process));
     }
 
 private:

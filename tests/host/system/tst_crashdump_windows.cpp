@@ -4,6 +4,7 @@
 #include "host/system/crashdump.h"
 #include "tests/host/hostsetup.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <windows.h>
 
@@ -70,7 +71,7 @@ private slots:
         QVERIFY(!QFile::exists(setUp.Path("config/crashes")));
 
         QVERIFY(StartThread(process.processId(), address));
-        QVERIFY(process.waitForFinished(kTimeForADump));
+        QVERIFY(WaitForEnd(process, kTimeForADump));
         QCOMPARE(process.exitStatus(), QProcess::CrashExit);
         const QFileInfoList dumps = CrashDumps::Stored(setUp.Config());
         QCOMPARE(dumps.size(), 1);
@@ -108,7 +109,7 @@ private slots:
         QCOMPARE(names, (QStringList{nameOf(7), nameOf(6), nameOf(5), nameOf(4), nameOf(3)}));
         QVERIFY(QFile::exists(folder + QStringLiteral("/notes.txt")));
         process.kill();
-        QVERIFY(process.waitForFinished(kTimeForADump));
+        QVERIFY(WaitForEnd(process, kTimeForADump));
     }
 };
 
