@@ -6,5 +6,6 @@
 class QProcess;
 
 /// Kills `process` and waits for its end, so that no child process or zombie remains. Handles no events of other
-/// objects. Waits at most 30 s, for a process that the system does not end. Does nothing if it does not run.
+/// objects. Waits at most 30 s, in case the system does not end it. Does nothing if it does not run. Call this in the
+/// thread of `process`.
 void KillAndWait(QProcess& process);

@@ -10,12 +10,13 @@
 #include <QThread>
 #include <QWinEventNotifier>
 
-// Not with waitForFinished(): it destroys the receiver of the notification of the end. Under Wine, the notification may
-// come all the same, and crash the program.
+// Not with waitForFinished(): it destroys the notifier of the end. Under Wine, the notification may still come, and
+// then crashes the program.
 void KillAndWait(QProcess& process)
 {
     constexpr int kTimeoutMs = 30'000;
-    auto* const notifier = process.findChild<QWinEventNotifier*>();
+    // QProcess creates it at the start, and destroys it at the end.
+    auto* const notifier = process.findChild<QWinEventNotifier*>(QString(), Qt::FindDirectChildrenOnly);
     process.kill();
     const QDeadlineTimer deadline(kTimeoutMs);
     while (process.state() != QProcess::NotRunning && notifier && !deadline.hasExpired()) {
