@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tests/support/waitforend.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QProcess>

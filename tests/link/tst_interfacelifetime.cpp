@@ -4,6 +4,7 @@
 #include "tests/support/linkfixture.h"
 #include "tests/support/linkport.h"
 #include "tests/support/testmain.h"
+#include "tests/support/waitforend.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -323,7 +324,7 @@ void TestInterfaceLifetime::childrenDoNotInheritTheSockets()
     QVERIFY(Create(QStringLiteral("TCP::%1").arg(server.port), callback));
     QCOMPARE(child.state(), QProcess::Running);
     child.closeWriteChannel();
-    QVERIFY(child.waitForFinished());
+    QVERIFY(WaitForEnd(child));
 }
 
 namespace {

@@ -172,6 +172,7 @@ void TestCtlHost::exitCodesCount()
     QCOMPARE(Changes(result.output).constLast(), QStringLiteral("mast: In Use -> Free (exit code 1)"));
     QCOMPARE(setUp.Run("connect mast --wait --ignore-exit-codes").exitCode, 0);
     QCOMPARE(setUp.Run("quit").exitCode, 0);
+    QVERIFY(WaitForEnd(host));
 }
 
 void TestCtlHost::waitWithoutUseEndsAtOnce()
